@@ -1,0 +1,35 @@
+#include "vtr_connections.h"
+
+#include <QMetaObject>
+#include <QtDebug>
+
+namespace {
+
+bool HasMethod(const QObject* pObject, const char* szMethod)
+{
+    // SIGNAL() and SLOT() put one character in front of the signature.
+    const QByteArray strSignature = QMetaObject::normalizedSignature(szMethod + 1);
+    return pObject->metaObject()->indexOfMethod(strSignature.constData()) >= 0;
+}
+
+void ConnectOnce(const VTConnection& connection)
+{
+    const auto& [pSender, szSignal, pReceiver, szSlot] = connection;
+    const bool bBoth = pSender && pReceiver;
+    if (bBoth && QObject::connect(pSender, szSignal, pReceiver, szSlot, Qt::UniqueConnection))
+        return;
+    // A unique connection that was there already is refused too, and is all right.
+    if (bBoth && HasMethod(pSender, szSignal) && HasMethod(pReceiver, szSlot))
+        return;
+    qCritical("No connection from %s of %s to %s of %s", szSignal + 1,
+        pSender ? pSender->metaObject()->className() : "nobody", szSlot + 1,
+        pReceiver ? pReceiver->metaObject()->className() : "nobody");
+}
+
+} // namespace
+
+void VTConnect(std::initializer_list<VTConnection> lstConnection)
+{
+    for (const VTConnection& connection : lstConnection)
+        ConnectOnce(connection);
+}

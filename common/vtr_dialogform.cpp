@@ -1,0 +1,42 @@
+#include "vtr_dialogform.h"
+
+#include "vtr_skin.h"
+
+#include <QDialog>
+
+VTDialogForm::VTDialogForm(QWidget* pForm, const QString& strKey)
+    : m_pForm(pForm)
+    , m_strKey(strKey)
+{
+}
+
+QDialog* VTDialogForm::Dialog() const
+{
+    return qobject_cast<QDialog*>(m_pForm.data());
+}
+
+void VTDialogForm::SetDialogFlags() const
+{
+    m_pForm->setWindowFlags(Qt::WindowMinimizeButtonHint | Qt::MSWindowsFixedSizeDialogHint | Qt::Dialog
+        | Qt::FramelessWindowHint);
+}
+
+void VTDialogForm::ApplySkin(const QString& strSkin) const
+{
+    if (!m_pForm)
+        return;
+    VTSkin::ApplyToForm(m_pForm, strSkin, m_strKey);
+    m_pForm->setWindowIcon(VTSkin::MainIcon(strSkin));
+}
+
+void VTDialogForm::Exec() const
+{
+    if (QDialog* pDialog = Dialog(); pDialog && !pDialog->isVisible())
+        pDialog->exec();
+}
+
+void VTDialogForm::Close() const
+{
+    if (m_pForm)
+        m_pForm->close();
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+#include <QtDebug>
+
+/// Finds a widget of a form by object name.
+///
+/// A form that lacks it is an error, logged with the form's key and the object's name; a hidden stand-in, a child of the
+/// form, then takes its place, so that the rest of the window works on.
+/// @return never null when pForm is not null.
+template <typename Widget>
+Widget* VTFindWidget(QWidget* pForm, const QString& strFormKey, const QString& strName)
+{
+    if (auto* pFound = pForm->findChild<Widget*>(strName))
+        return pFound;
+    qCritical("Form %s has no %s %s", qUtf8Printable(strFormKey), Widget::staticMetaObject.className(),
+        qUtf8Printable(strName));
+    auto* pStandIn = new Widget(pForm);
+    pStandIn->hide();
+    return pStandIn;
+}

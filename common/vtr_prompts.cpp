@@ -1,0 +1,51 @@
+#include "vtr_prompts.h"
+
+#include "vtr_siblings.h"
+#include "vtr_skin.h"
+
+namespace {
+
+constexpr int KindNotice = 2;
+constexpr int KindQuestion = 4;
+
+const QString& FirstButton()
+{
+    static const QString strName = QStringLiteral("btnMessageBox_1");
+    return strName;
+}
+
+const QString& SecondButton()
+{
+    static const QString strName = QStringLiteral("btnMessageBox_2");
+    return strName;
+}
+
+} // namespace
+
+void VTPrompts::Notify(const QString& strText) const
+{
+    Show(KindNotice, tr("QuillStar Client"), QString(), strText, {{FirstButton(), tr("Ok")}}, true);
+}
+
+VTAnswer VTPrompts::Ask(const VTQuestion& question) const
+{
+    const QString strButton = Show(KindQuestion, question.strTitle, question.strText, question.strDetail,
+        {{FirstButton(), question.strRefusal}, {SecondButton(), question.strConsent}}, question.bFlag);
+    if (strButton == SecondButton())
+        return VTAnswer::Agreed;
+    return strButton == FirstButton() ? VTAnswer::Refused : VTAnswer::None;
+}
+
+VTAnswer VTPrompts::AskToConfirm(const QString& strQuestion) const
+{
+    return Ask({tr("QuillStar Client"), QString(), strQuestion, tr("Cancel"), tr("Ok"), false});
+}
+
+QString VTPrompts::Show(int nKind, const QString& strTitle, const QString& strText, const QString& strDetail,
+    const QVariantHash& mapButtons, bool bFlag) const
+{
+    if (!m_siblings.pMessageBox)
+        return QString();
+    const QIcon icon = VTSkin::MainIcon(m_siblings.Skin());
+    return m_siblings.pMessageBox->ShowMessage(nKind, strTitle, strText, icon, strDetail, mapButtons, bFlag);
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QString>
+#include <QVariantHash>
+
+struct VTSiblings;
+
+/// A question for the user. The buttons are named "btnMessageBox_1" (the refusal) and "btnMessageBox_2" (the consent).
+struct VTQuestion
+{
+    QString strTitle;
+    QString strText;
+    QString strDetail;
+    QString strRefusal; ///< translated caption
+    QString strConsent; ///< translated caption
+    bool bFlag = false; ///< passed on to the message-box service
+};
+
+enum class VTAnswer {
+    Refused,
+    Agreed,
+    None ///< closed without a button, or nobody there to ask
+};
+
+/// Notices and questions in the window's name, through the message-box service.
+///
+/// Both run an event loop: when they return, the caller itself may be gone.
+class VTPrompts
+{
+    Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
+
+public:
+    /// @param siblings must outlive this object.
+    explicit VTPrompts(const VTSiblings& siblings)
+        : m_siblings(siblings)
+    {
+    }
+
+    /// Shows a translated text with an "Ok" button.
+    void Notify(const QString& strText) const;
+    VTAnswer Ask(const VTQuestion& question) const;
+
+    /// The question under the window's title that stands in the detail field: "Cancel" or "Ok".
+    VTAnswer AskToConfirm(const QString& strQuestion) const;
+
+private:
+    QString Show(int nKind, const QString& strTitle, const QString& strText, const QString& strDetail,
+        const QVariantHash& mapButtons, bool bFlag) const;
+
+    const VTSiblings& m_siblings;
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QLatin1String>
+#include <QStringList>
+#include <QVariantHash>
+#include <QVariantMap>
+
+/// Field names and result codes of the exchange with the farm.
+namespace VTProtocol {
+
+/// The only result code that means success.
+inline constexpr int Success = 200;
+
+// In every request; the values come from the sign-in answer.
+inline constexpr QLatin1String UserName("username");
+inline constexpr QLatin1String Token("token");
+
+// Written by the window into a job-list request; the answer echoes "identifier" at its top level.
+inline constexpr QLatin1String Page("page");
+inline constexpr QLatin1String PageSize("pageSize");
+inline constexpr QLatin1String Identifier("identifier");
+inline constexpr QLatin1String Conditions("conditions");
+
+// Written by the farm into its answers.
+inline constexpr QLatin1String Data("data");
+inline constexpr QLatin1String List("list");
+inline constexpr QLatin1String Total("total");
+inline constexpr QLatin1String LoginName("loginname");
+inline constexpr QLatin1String NotAllowedJobs("notAllowedJobs");
+
+// Written by the window into a download order for the render core.
+inline constexpr QLatin1String OrderJobType("jobType");
+inline constexpr QLatin1String OrderSubDir("subDir");
+inline constexpr QLatin1String OrderManual("manual");
+
+/// The two keys that every request carries.
+QVariantHash SessionRequest(const QString& strUserName, const QString& strToken);
+
+/// Adds the jobs under "id[0]", "id[1]", … without gaps.
+void AddJobIds(QVariantHash& mapRequest, const QStringList& lstJobId);
+
+/// The payload of an answer; empty when there is none.
+QVariantMap Payload(const QVariantMap& mapAnswer);
+
+} // namespace VTProtocol

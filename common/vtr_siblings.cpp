@@ -1,0 +1,38 @@
+#include "vtr_siblings.h"
+
+namespace {
+
+// The logger's levels as the client uses them.
+constexpr int LevelCritical = 16;
+constexpr int LevelDebug = 128;
+
+void Write(VTLoggerInterface* pLogger, const QString& strMessage, int nLevel)
+{
+    if (pLogger)
+        pLogger->Write(strMessage, nLevel, QStringLiteral("default"), QString(), -1);
+}
+
+} // namespace
+
+bool VTSiblings::SameServices(const VTSiblings& other) const
+{
+    return pSettings == other.pSettings && pLogger == other.pLogger && pUiLoader == other.pUiLoader
+        && pMessageBox == other.pMessageBox && pCommunication == other.pCommunication
+        && pRenderCore == other.pRenderCore && pConfiguration == other.pConfiguration
+        && pPreviewer == other.pPreviewer;
+}
+
+QString VTSiblings::Skin() const
+{
+    return pUiLoader ? pUiLoader->GetSkin() : QString();
+}
+
+void VTSiblings::LogDebug(const QString& strMessage) const
+{
+    Write(pLogger, strMessage, LevelDebug);
+}
+
+void VTSiblings::LogCritical(const QString& strMessage) const
+{
+    Write(pLogger, strMessage, LevelCritical);
+}

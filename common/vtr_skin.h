@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QIcon>
+#include <QString>
+
+class QWidget;
+
+/// A skin is a resource folder: ":/<skin>/<key>.qss", ":/<skin>/<key>.ini", ":/<skin>/main.png" and others.
+namespace VTSkin {
+
+QString StyleSheetFile(const QString& strSkin, const QString& strKey);
+QString LayoutFile(const QString& strSkin, const QString& strKey);
+QString WarningIconFile(const QString& strSkin);
+/// The two icons of a page of the group panel.
+QString ClosedPageIconFile(const QString& strSkin);
+QString OpenPageIconFile(const QString& strSkin);
+QIcon MainIcon(const QString& strSkin);
+
+/// Gives a widget the style sheet of a skin; a missing file counts as an empty sheet. The sheet is parsed only when it
+/// differs from the one the widget has.
+void ApplyStyleSheet(QWidget* pWidget, const QString& strSkin, const QString& strKey);
+
+/// What every form does on a skin change: background filling and its style sheet.
+void ApplyToForm(QWidget* pForm, const QString& strSkin, const QString& strKey);
+
+} // namespace VTSkin

@@ -1,0 +1,97 @@
+#include "vtr_tablecells.h"
+
+#include "vtr_plaintext.h"
+
+#include <QProgressBar>
+#include <QTableWidget>
+
+namespace VTTableCells {
+
+void SetAttributes(QTableWidgetItem* pItem, const QVariant& varData, const QString& strTip, bool bCheckable)
+{
+    if (bCheckable)
+        pItem->setCheckState(Qt::Unchecked);
+    pItem->setData(Qt::UserRole, varData);
+    pItem->setToolTip(VTPlainToolTip(strTip));
+    pItem->setTextAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
+}
+
+QTableWidgetItem* ItemAt(QTableWidget* pTable, int nRow, int nColumn)
+{
+    QTableWidgetItem* pItem = pTable->item(nRow, nColumn);
+    if (!pItem) {
+        pItem = new QTableWidgetItem;
+        pTable->setItem(nRow, nColumn, pItem);
+    }
+    return pItem;
+}
+
+QVariant Data(const QTableWidget* pTable, int nRow, int nColumn)
+{
+    const QTableWidgetItem* pItem = pTable->item(nRow, nColumn);
+    return pItem ? pItem->data(Qt::UserRole) : QVariant();
+}
+
+QList<int> CheckedRows(const QTableWidget* pTable)
+{
+    QList<int> lstRow;
+    for (int nRow = 0; nRow < pTable->rowCount(); ++nRow) {
+        const QTableWidgetItem* pItem = pTable->item(nRow, 0);
+        if (pItem && pItem->checkState() == Qt::Checked)
+            lstRow.append(nRow);
+    }
+    return lstRow;
+}
+
+void Write(QTableWidget* pTable, int nRow, int nColumn, const VTCell& cell)
+{
+    QTableWidgetItem* pItem = ItemAt(pTable, nRow, nColumn);
+    pItem->setText(cell.strText);
+    SetAttributes(pItem, cell.varData, cell.strTip, cell.bCheckable);
+}
+
+QProgressBar* NewProgressBar(int nPercent, const VTCodeTables& tables)
+{
+    auto* pBar = new QProgressBar;
+    pBar->setTextVisible(true);
+    pBar->setRange(0, 100);
+    SetProgress(pBar, nPercent, tables.ProgressStyle(nPercent));
+    return pBar;
+}
+
+void SetProgress(QProgressBar* pBar, int nPercent, const QString& strStyle)
+{
+    if (nPercent >= pBar->minimum() && nPercent <= pBar->maximum())
+        pBar->setValue(nPercent);
+    else
+        pBar->reset();
+    if (pBar->styleSheet() != strStyle)
+        pBar->setStyleSheet(strStyle);
+}
+
+void WriteProgress(QTableWidget* pTable, int nRow, int nColumn, int nPercent, const VTCodeTables& tables)
+{
+    if (auto* pBar = qobject_cast<QProgressBar*>(pTable->cellWidget(nRow, nColumn)))
+        SetProgress(pBar, nPercent, tables.ProgressStyle(nPercent));
+    else
+        pTable->setCellWidget(nRow, nColumn, NewProgressBar(nPercent, tables));
+}
+
+void WriteJob(QTableWidget* pTable, int nRow, const VTJobRecord& job, const VTCodeTables& tables)
+{
+    const VTJobRow row = VTMakeJobRow(job, tables.mapJobStatus);
+    for (int nColumn = 0; nColumn < VTJobColumn::Count; ++nColumn) {
+        if (nColumn == VTJobColumn::Progress)
+            WriteProgress(pTable, nRow, nColumn, job.nProgress, tables);
+        else
+            Write(pTable, nRow, nColumn, row[nColumn]);
+    }
+}
+
+void Clear(QTableWidget* pTable)
+{
+    pTable->clearContents();
+    pTable->setRowCount(0);
+}
+
+} // namespace VTTableCells

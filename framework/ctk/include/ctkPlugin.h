@@ -1,0 +1,68 @@
+#pragma once
+
+#include "ctkPluginContext.h"
+
+#include <memory>
+#include <QFlags>
+#include <QHash>
+
+/// A plugin and its life: installed, started, stopped, and started again.
+class CTK_PLUGINFW_EXPORT ctkPlugin
+{
+public:
+    enum State {
+        UNINSTALLED = 0x01,
+        INSTALLED = 0x02,
+        RESOLVED = 0x04,
+        STARTING = 0x08,
+        STOPPING = 0x10,
+        ACTIVE = 0x20
+    };
+    enum StartOption { START_TRANSIENT = 0x01, START_ACTIVATION_POLICY = 0x02 };
+    enum StopOption { STOP_TRANSIENT = 0x01 };
+    Q_DECLARE_FLAGS(StartOptions, StartOption)
+    Q_DECLARE_FLAGS(StopOptions, StopOption)
+
+    virtual ~ctkPlugin();
+
+    /// Runs the activator at once, whatever the options; does nothing on an active plugin. Throws ctkPluginException
+    /// where the framework is not running, the library has no activator, the activator throws (what it registered is
+    /// withdrawn), or the plugin is just starting or stopping.
+    virtual void start(const StartOptions& options = StartOptions()) = 0;
+
+    /// Stops an active plugin and withdraws its services; does nothing on one that is not started. Throws
+    /// ctkPluginException where the activator throws (the plugin is stopped all the same) or the plugin is just
+    /// starting or stopping.
+    virtual void stop(const StopOptions& options = StopOptions()) = 0;
+
+    State getState() const { return m_state; }
+
+    /// Owned by the plugin; null unless it is starting, active or stopping.
+    ctkPluginContext* getPluginContext() const;
+
+    QString getSymbolicName() const;
+
+    /// The headers of the manifest by name.
+    QHash<QString, QString> getHeaders() const { return m_headers; }
+
+protected:
+    ctkPlugin(const QSharedPointer<FrameworkCore>& core, const QHash<QString, QString>& headers);
+    Q_DISABLE_COPY(ctkPlugin)
+
+    FrameworkCore& Core() const { return *m_core; }
+    void SetState(State state) { m_state = state; }
+
+    /// Ends what the plugin has in the framework: its services, its uses of others, its context.
+    void Retire();
+
+private:
+    friend class ctkPluginContext;
+
+    const QSharedPointer<FrameworkCore> m_core;
+    const QHash<QString, QString> m_headers;
+    const std::unique_ptr<ctkPluginContext> m_context;
+    State m_state = INSTALLED;
+};
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(ctkPlugin::StartOptions)
+Q_DECLARE_OPERATORS_FOR_FLAGS(ctkPlugin::StopOptions)

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "vtr_baseinterface.h"
+
+#include <QIcon>
+#include <QObject>
+#include <QString>
+#include <QVariantHash>
+
+/// Modal message boxes in the current skin.
+class VTMessagboxInterface : public QObject, public VTBaseInterface
+{
+    Q_OBJECT
+    Q_INTERFACES(VTBaseInterface)
+
+public:
+    using QObject::QObject;
+
+    /// Asks and waits. All texts are plain text, never markup.
+    /// @param nKind 2 for notices, 4 for questions.
+    /// @param mapButtons object name ("btnMessageBox_1", "btnMessageBox_2") to translated caption.
+    /// @param bFlag true where the detail text is a list or notice of its own, false where it is the question itself.
+    /// @return object name of the button pressed; empty when the box was closed otherwise.
+    virtual QString ShowMessage(int nKind, const QString& strTitle, const QString& strText, const QIcon& icon,
+        const QString& strDetail, const QVariantHash& mapButtons, bool bFlag)
+        = 0;
+};
+
+Q_DECLARE_INTERFACE(VTMessagboxInterface, "com.vtr.messagebox")

@@ -1,0 +1,6 @@
+#include "vtr_parameters.h"
+
+void RegisterVTParameters()
+{
+    qRegisterMetaType<VTParameters>("VTParameters");
+}

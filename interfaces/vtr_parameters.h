@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QMetaType>
+#include <QVariantHash>
+
+/// Request map of the communication service as it travels through string-based connections.
+typedef QVariantHash VTParameters; // NOLINT(modernize-use-using)
+
+/// Registers the meta-type under the name "VTParameters", which signal and slot signatures carry. May be called again.
+void RegisterVTParameters();

@@ -1,0 +1,37 @@
+#include "vtr_accountsettings.h"
+
+#include "vtr_connections.h"
+#include "vtr_session.h"
+#include "vtr_siblings.h"
+
+namespace {
+
+void SwitchConnection(bool bOn, const VTConnection& connection)
+{
+    if (bOn)
+        VTConnect({connection});
+    else if (connection.pSender && connection.pReceiver)
+        QObject::disconnect(connection.pSender, connection.szSignal, connection.pReceiver, connection.szSlot);
+}
+
+} // namespace
+
+void VTAccountSettings::Load(const QObject* pWindow)
+{
+    if (m_session.strUserName.isEmpty())
+        return;
+    // clang-format off
+    m_bAutoDownload = Read(QStringLiteral("autodownload"));
+    SwitchConnection(Read(QStringLiteral("popupfinish")),
+        {m_siblings.pRenderCore, SIGNAL(DownloadFinish(QString)), pWindow, SLOT(PopupFinish(QString))});
+    SwitchConnection(Read(QStringLiteral("soundfinish")),
+        {m_siblings.pRenderCore, SIGNAL(DownloadFinish(QString)), m_siblings.pConfiguration, SLOT(Finish(QString))});
+    m_bSetArgument = Read(QStringLiteral("setargument"));
+    // clang-format on
+}
+
+bool VTAccountSettings::Read(const QString& strName) const
+{
+    const QString strKey = QStringLiteral("vtr.account.%1/%2").arg(m_session.strUserName, strName);
+    return m_siblings.pSettings && m_siblings.pSettings->Value(strKey, 0).toBool();
+}

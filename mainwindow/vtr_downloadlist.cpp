@@ -1,0 +1,132 @@
+#include "vtr_downloadlist.h"
+
+#include "vtr_filereveal.h"
+#include "vtr_mainform.h"
+#include "vtr_pagebar.h"
+#include "vtr_plaintext.h"
+#include "vtr_siblings.h"
+#include "vtr_tablecells.h"
+#include "vtr_tables.h"
+#include "vtr_timers.h"
+
+#include <QFileInfo>
+
+VTDownloadList::VTDownloadList(const Needs& needs)
+    : m_needs(needs)
+    , m_pTable(needs.form.twtDownload)
+{
+    if (m_needs.siblings.pRenderCore)
+        m_pTasks = m_needs.siblings.pRenderCore->GetDownloadTasks();
+}
+
+QStringList VTDownloadList::Headers()
+{
+    return {tr("Name"), tr("Source"), tr("Dest"), tr("Progress"), tr("Status"), tr("Start Time")};
+}
+
+const QVariantMap* VTDownloadList::Tasks() const
+{
+    return m_needs.siblings.pRenderCore ? m_pTasks : nullptr;
+}
+
+void VTDownloadList::BuildPage(int nPage)
+{
+    VTTableCells::Clear(m_pTable);
+    const QVariantMap* pTasks = Tasks();
+    if (!pTasks)
+        return;
+    auto itTask = m_place.At(*pTasks, (nPage - 1) * VTPageSize);
+    for (int nRow = 0; nRow < VTPageSize && itTask != pTasks->constEnd(); ++nRow, ++itTask) {
+        m_pTable->setRowCount(nRow + 1);
+        WriteRow(nRow, itTask.key(), itTask->toMap());
+    }
+}
+
+void VTDownloadList::BuildCurrentPage()
+{
+    BuildPage(m_needs.pageBar.CurrentPage(VTList::Downloads));
+}
+
+void VTDownloadList::WriteRow(int nRow, const QString& strTaskId, const QVariantMap& mapTask)
+{
+    const QString strDest = mapTask.value(QStringLiteral("destFile")).toString();
+    const auto SetText = [this, nRow](int nColumn, const QString& strText) {
+        QTableWidgetItem* pItem = VTTableCells::ItemAt(m_pTable, nRow, nColumn);
+        pItem->setText(strText);
+        return pItem;
+    };
+    QTableWidgetItem* pName = SetText(VTDownloadColumn::Name, QFileInfo(strDest).fileName());
+    pName->setData(Qt::UserRole, strTaskId);
+    pName->setCheckState(Qt::Unchecked);
+    SetText(VTDownloadColumn::Source, mapTask.value(QStringLiteral("srcFile")).toString())
+        ->setData(Qt::UserRole, mapTask.value(QStringLiteral("jobId")).toString());
+    SetText(VTDownloadColumn::Dest, strDest);
+    SetText(VTDownloadColumn::StartTime, QString())->setData(Qt::UserRole, QString());
+    WriteState(nRow, mapTask);
+    for (const int nColumn : {VTDownloadColumn::Status, VTDownloadColumn::StartTime})
+        m_pTable->item(nRow, nColumn)->setTextAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
+}
+
+void VTDownloadList::WriteState(int nRow, const QVariantMap& mapTask)
+{
+    VTTableCells::WriteProgress(m_pTable, nRow, VTDownloadColumn::Progress,
+        mapTask.value(QStringLiteral("progress")).toInt(), m_needs.tables);
+
+    const int nState = mapTask.value(QStringLiteral("status")).toInt();
+    const QString strState = m_needs.tables.mapDownloadState.value(nState, QStringLiteral("Unkown"));
+    QTableWidgetItem* pStatus = VTTableCells::ItemAt(m_pTable, nRow, VTDownloadColumn::Status);
+    pStatus->setText(tr(qUtf8Printable(strState)));
+    pStatus->setData(Qt::UserRole, nState);
+    pStatus->setToolTip(VTPlainToolTip(mapTask.value(QStringLiteral("msg")).toString()));
+}
+
+void VTDownloadList::ListChanged()
+{
+    m_place.Forget();
+    const QVariantMap* pTasks = Tasks();
+    if (!pTasks)
+        return;
+    VTPageState& state = m_needs.pageBar.State(VTList::Downloads);
+    state.nTotalRecords = pTasks->size();
+    state.StepBackWhenBeyond(pTasks->size());
+    if (m_needs.form.tbwContainer->currentIndex() == VTList::Downloads) {
+        m_needs.pageBar.Show(VTList::Downloads, pTasks->size());
+        if (m_pTable->rowCount() < VTPageSize)
+            BuildCurrentPage();
+    }
+    VTTimers::StartOnce(m_needs.timers.pDownloadList);
+}
+
+void VTDownloadList::Refresh()
+{
+    const QVariantMap* pTasks = Tasks();
+    for (int nRow = 0; pTasks && nRow < m_pTable->rowCount(); ++nRow) {
+        const auto itTask = pTasks->constFind(VTTables::IdAt(m_pTable, nRow));
+        if (itTask != pTasks->constEnd())
+            WriteState(nRow, itTask->toMap());
+    }
+}
+
+void VTDownloadList::Delete(const QStringList& lstTaskId)
+{
+    if (!m_needs.siblings.pRenderCore)
+        return;
+    m_needs.siblings.pRenderCore->RemoveDownloadTasks(lstTaskId);
+    m_place.Forget();
+    const QVariantMap* pTasks = Tasks();
+    m_needs.pageBar.State(VTList::Downloads).nTotalRecords = pTasks ? pTasks->size() : 0;
+    BuildPage(m_needs.pageBar.CorrectAfterDeletion(VTList::Downloads));
+}
+
+void VTDownloadList::Redownload(const QStringList& lstTaskId) const
+{
+    if (m_needs.siblings.pRenderCore)
+        m_needs.siblings.pRenderCore->RedownloadTasks(lstTaskId);
+}
+
+void VTDownloadList::RevealCurrentFile() const
+{
+    const QTableWidgetItem* pDest = m_pTable->item(m_pTable->currentRow(), VTDownloadColumn::Dest);
+    if (pDest)
+        VTRevealFile(pDest->text().replace(QLatin1String("//"), QLatin1String("/")));
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "vtr_mapwindow.h"
+
+#include <QObject>
+#include <QStringList>
+#include <QVariantMap>
+
+class QTableWidget;
+class VTPageBar;
+struct VTCodeTables;
+struct VTMainForm;
+struct VTSiblings;
+struct VTTimers;
+
+/// Columns of the downloads' table.
+namespace VTDownloadColumn {
+enum { Name, Source, Dest, Progress, Status, StartTime };
+}
+
+/// The downloads, a page at a time, read from the render core's live map and refreshed in place.
+class VTDownloadList : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Needs
+    {
+        const VTMainForm& form;
+        const VTSiblings& siblings;
+        const VTCodeTables& tables;
+        const VTTimers& timers;
+        VTPageBar& pageBar;
+    };
+
+    /// What the needs refer to must outlive this object. Asks the render core for its map.
+    explicit VTDownloadList(const Needs& needs);
+
+    static QStringList Headers();
+
+    void BuildPage(int nPage);
+    void BuildCurrentPage();
+    void ListChanged();
+    void Refresh();
+
+    /// Deletes downloads and shows what is left.
+    void Delete(const QStringList& lstTaskId);
+    void Redownload(const QStringList& lstTaskId) const;
+
+    /// Shows the file of the current row in the system's file manager.
+    void RevealCurrentFile() const;
+
+private:
+    /// The live map; null when the render core is gone or has none.
+    const QVariantMap* Tasks() const;
+    void WriteRow(int nRow, const QString& strTaskId, const QVariantMap& mapTask);
+    void WriteState(int nRow, const QVariantMap& mapTask);
+
+    Needs m_needs;
+    QTableWidget* m_pTable;
+    const QVariantMap* m_pTasks = nullptr;
+    VTMapWindow m_place;
+};

@@ -1,0 +1,28 @@
+#include "vtr_dropfilter.h"
+
+#include "vtr_siblings.h"
+
+#ifdef Q_OS_WIN
+#include <QWidget>
+#include <qt_windows.h>
+
+void VTAllowFileDrops(QWidget* pWindow, const VTSiblings& siblings)
+{
+    constexpr UINT MessageDropFiles = 563;
+    constexpr DWORD Allow = 1;
+    using ChangeFilter = BOOL(WINAPI*)(HWND, UINT, DWORD, void*);
+
+    const HMODULE hUser32 = GetModuleHandleW(L"USER32");
+    const auto changeFilter = hUser32
+        ? reinterpret_cast<ChangeFilter>(GetProcAddress(hUser32, "ChangeWindowMessageFilterEx"))
+        : nullptr;
+    if (!changeFilter)
+        return;
+    const bool bAllowed = changeFilter(reinterpret_cast<HWND>(pWindow->winId()), MessageDropFiles, Allow, nullptr);
+    siblings.LogDebug(bAllowed ? QStringLiteral("WM_DROPFILES SUCCESS") : QStringLiteral("WM_DROPFILES ERROR"));
+}
+#else
+void VTAllowFileDrops(QWidget* /*pWindow*/, const VTSiblings& /*siblings*/)
+{
+}
+#endif

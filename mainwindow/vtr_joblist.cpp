@@ -1,0 +1,163 @@
+#include "vtr_joblist.h"
+
+#include "vtr_mainform.h"
+#include "vtr_pagebar.h"
+#include "vtr_prompts.h"
+#include "vtr_siblings.h"
+#include "vtr_tablecells.h"
+#include "vtr_tables.h"
+
+#include <qjson/serializer.h>
+
+namespace {
+
+constexpr int CandidatePageSize = 1000;
+
+QVector<VTJobRecord> Records(const QVariantList& lstJob)
+{
+    QVector<VTJobRecord> lstRecord;
+    lstRecord.reserve(lstJob.size());
+    for (const QVariant& varJob : lstJob)
+        lstRecord.append(VTJobRecord::FromMap(varJob.toMap()));
+    return lstRecord;
+}
+
+/// Adds the order for the job that a row shows.
+void AddOrder(QVariantMap& mapOrders, const QTableWidget* pTable, int nRow)
+{
+    const QTableWidgetItem* pSequence = pTable->item(nRow, VTJobColumn::Sequence);
+    const QTableWidgetItem* pName = pTable->item(nRow, VTJobColumn::Name);
+    if (!pSequence || !pName)
+        return;
+    mapOrders.insert(pSequence->data(Qt::UserRole).toString(),
+        VTDownloadOrder(pName->data(Qt::UserRole).toString(), pSequence->text(), pName->text(), true));
+}
+
+} // namespace
+
+VTJobList::VTJobList(const Needs& needs)
+    : m_needs(needs)
+{
+}
+
+void VTJobList::Request(int nPage, const QString& strConditions, int nFlag) const
+{
+    QVariantHash mapRequest = m_needs.requests.New();
+    mapRequest.insert(VTProtocol::PageSize, nFlag != 0 ? CandidatePageSize : VTPageSize);
+    mapRequest.insert(VTProtocol::Page, nPage);
+    mapRequest.insert(VTProtocol::Identifier, nFlag);
+    if (!strConditions.isEmpty())
+        mapRequest.insert(VTProtocol::Conditions, strConditions);
+    m_needs.requests.Send(&VTCommunicationInterface::GetJobList, mapRequest);
+}
+
+void VTJobList::RequestCurrentPage() const
+{
+    RequestPage(m_needs.pageBar.CurrentPage(VTList::Jobs));
+}
+
+void VTJobList::Search(const QVariantMap& mapCondition)
+{
+    m_strConditions.clear();
+    if (!mapCondition.isEmpty())
+        m_strConditions = QString::fromUtf8(QJson::Serializer().serialize(mapCondition));
+    m_needs.pageBar.State(VTList::Jobs).ResetPosition();
+    RequestPage(1);
+}
+
+void VTJobList::TakeAnswer(int nRet, const QVariantMap& mapAnswer)
+{
+    if (nRet != VTProtocol::Success)
+        return;
+    const QVariantMap mapData = VTProtocol::Payload(mapAnswer);
+    const QVariantList lstJob = mapData.value(VTProtocol::List).toList();
+    if (mapAnswer.value(VTProtocol::Identifier).toBool()) {
+        emit CandidatesArrived(lstJob);
+        return;
+    }
+    if (lstJob.isEmpty()) {
+        ShowNoJobs();
+        return;
+    }
+    if (m_needs.form.tbwContainer->currentIndex() == VTList::Jobs)
+        m_needs.pageBar.Show(VTList::Jobs, mapData.value(VTProtocol::Total).toInt());
+    const QVector<VTJobRecord> lstRecord = Records(lstJob);
+    Fill(m_needs.form.twtMyRender, lstRecord);
+    HandOverFinished(lstRecord);
+}
+
+void VTJobList::ShowNoJobs()
+{
+    VTPageState& state = m_needs.pageBar.State(VTList::Jobs);
+    if (state.nCurrentPage > 1)
+        RequestPage(--state.nCurrentPage);
+    if (m_needs.form.twtMyRender->rowCount() > 0) {
+        VTTableCells::Clear(m_needs.form.twtMyRender);
+        m_needs.pageBar.Show(VTList::Jobs, 0);
+    }
+}
+
+void VTJobList::Fill(QTableWidget* pTable, const QVector<VTJobRecord>& lstJob)
+{
+    const QString strCurrentId = VTTables::IdAt(pTable, pTable->currentRow());
+    const int nCurrentColumn = pTable->currentColumn();
+    int nCurrentRow = -1;
+
+    pTable->setRowCount(lstJob.size());
+    for (int nRow = 0; nRow < lstJob.size(); ++nRow) {
+        const VTJobRecord& job = lstJob.at(nRow);
+        VTTableCells::WriteJob(pTable, nRow, job, m_needs.tables);
+        if (nCurrentRow < 0 && !job.strId.isEmpty() && job.strId == strCurrentId)
+            nCurrentRow = nRow;
+    }
+    // The current row belongs to a job, not to a place on the screen.
+    if (nCurrentRow != pTable->currentRow())
+        pTable->setCurrentCell(nCurrentRow, nCurrentRow < 0 ? -1 : nCurrentColumn);
+}
+
+void VTJobList::HandOverFinished(const QVector<VTJobRecord>& lstJob)
+{
+    if (!m_bAutoDownload)
+        return;
+    QVariantMap mapOrders;
+    for (const VTJobRecord& job : lstJob) {
+        if (job.nStatus != VTCodeTables::JobFinished || m_setHandedOver.contains(job.strId))
+            continue;
+        m_needs.siblings.LogDebug(QStringLiteral("auto download: %1").arg(job.strId));
+        mapOrders.insert(job.strId, VTDownloadOrder(job.strType, job.strSequence, job.strName, false));
+    }
+    if (mapOrders.isEmpty())
+        return;
+    for (auto itOrder = mapOrders.cbegin(); itOrder != mapOrders.cend(); ++itOrder)
+        m_setHandedOver.insert(itOrder.key());
+    emit OrdersReady(mapOrders);
+}
+
+QVariantMap VTJobList::CheckedOrders() const
+{
+    const QTableWidget* pTable = m_needs.form.twtMyRender;
+    QVariantMap mapOrders;
+    for (int nRow = 0; nRow < pTable->rowCount(); ++nRow) {
+        const QTableWidgetItem* pItem = pTable->item(nRow, VTJobColumn::Sequence);
+        if (pItem && pItem->checkState() == Qt::Checked)
+            AddOrder(mapOrders, pTable, nRow);
+    }
+    if (mapOrders.isEmpty() && pTable->currentRow() >= 0)
+        AddOrder(mapOrders, pTable, pTable->currentRow());
+    return mapOrders;
+}
+
+void VTJobList::OrderDownloads()
+{
+    const QVariantMap mapOrders = CheckedOrders();
+    if (mapOrders.isEmpty())
+        return;
+    emit OrdersReady(mapOrders);
+
+    const QPointer<VTJobList> pThis(this);
+    m_needs.prompts.Notify(tr("The checked items are already added to download list"));
+    if (!pThis)
+        return;
+    VTTables::UncheckRows(m_needs.form.twtMyRender);
+    m_needs.rows.UncheckAll();
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "vtr_pagestate.h"
+
+#include <QCoreApplication>
+
+class QPushButton;
+struct VTMainForm;
+struct VTSiblings;
+
+/// The bar of nine page buttons, which the three lists share, and where each list stands.
+class VTPageBar
+{
+public:
+    /// @param form, siblings must outlive this object.
+    VTPageBar(const VTMainForm& form, const VTSiblings& siblings);
+
+    VTPageState& State(int nList) { return m_states.at(std::size_t(nList)); }
+    int CurrentPage(int nList) { return State(nList).nCurrentPage; }
+
+    /// Recomputes a list's pages and draws the bar for it.
+    void Show(int nList, int nTotal);
+
+    /// Draws the bar for a list as it stands.
+    void Redraw(int nList) { Show(nList, State(nList).nTotalRecords); }
+
+    /// Moves a list as the button says. @return whether a page is to be shown.
+    bool Click(const QPushButton* pButton, int nList);
+
+    /// Corrects a list's position after rows were deleted and redraws the bar. @return the page to show.
+    int CorrectAfterDeletion(int nList);
+
+    void Reset() { m_states = VTPageStates(); }
+
+private:
+    void SetVisibleButtons(const VTPageState& state);
+    void PlaceButtons(const VTPageState& state);
+
+    const VTMainForm& m_form;
+    const VTSiblings& m_siblings;
+    VTPageStates m_states;
+};

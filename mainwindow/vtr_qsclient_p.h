@@ -1,0 +1,126 @@
+#pragma once
+
+#include "vtr_codetables.h"
+#include "vtr_parameters.h"
+#include "vtr_siblings.h"
+#include "vtr_timers.h"
+
+#include <QModelIndex>
+#include <QPoint>
+#include <QSystemTrayIcon>
+#include <QVariant>
+#include <QVector>
+#include <QWidget>
+
+#include <memory>
+
+class QProgressBar;
+class QTableWidgetItem;
+struct VTWindowParts;
+
+/// The client's main window and private part of the service object.
+///
+/// It carries the contract with the siblings: its signals and slots in their fixed order, each slot a forward to the
+/// concern that knows. Until BuildInterface has run there is neither form nor concern, and every slot is harmless.
+class VTQsClientPrivate : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit VTQsClientPrivate(QWidget* pParent = nullptr);
+    ~VTQsClientPrivate() override;
+
+    /// The siblings as attached so far; kept by the service object.
+    VTSiblings& Siblings() { return m_siblings; }
+
+    /// Builds forms, concerns and connections for the attached siblings. Does nothing when that is done already.
+    void BuildInterface();
+
+    void ShowForm();
+    void ShowTrayIcon();
+
+    /// Keeps the render core's present list of local tasks.
+    void CacheSubmitTasks();
+
+    /// What is only scheduled for deletion when the window goes: the dialog controllers and the forms.
+    QVector<QPointer<QObject>> Remains() const;
+
+signals:
+    void JobIdType(QVariantMap mapJobIdType);
+    void showParenList(QVariantList lstData);
+    void login(QString strServer, QString strUsername, QString strToken, QString strUserId);
+    void windowSizeChanged();
+
+public slots:
+    void ChangeSkin(QString strSkin);
+    void ChangeLanguage(QString strLanguage);
+    void Close();
+    void ShowWindow(QString strKey);
+    void LoadGlobalSettings();
+    void ShowWindowMaximized();
+    void ShowWindowNormal();
+    void TriggerSignInResponse(int nRet, QVariantMap mapData);
+    void TriggerSignOutResponse(int nRet, QVariantMap mapData);
+    void TriggerJobListResponse(int nRet, QVariantMap mapData);
+    void TriggerDeleteJobResponse(int nRet, QVariantMap mapData);
+    void TriggerUserInfoResponse(int nRet, QVariantMap mapData);
+    void TriggerRecoverJobsResponse(int nRet, QVariantMap mapData);
+    void TriggerStopJobsResponse(int nRet, QVariantMap mapData);
+    void TriggerRestartJobsResponse(int nRet, QVariantMap mapData);
+    void TriggerFullRenderResponse(int nRet, QVariantMap mapData);
+    void GetUserInfo();
+    void PageButtonClicked();
+    void ClickedCell(int nRows, int nCol);
+    void JobListContextMenu(QPoint Pos);
+    void DownloadListContextMenu(QPoint Pos);
+    void DeleteJobs();
+    void StopJobs();
+    void RecoverJobs();
+    void RestartJobs();
+    void FullRender();
+    void StopJobs(VTParameters parameters);
+    void RecoverJobs(VTParameters parameters);
+    void GetJobInfo(VTParameters parameters);
+    void TriggerSubmitListChanged();
+    void TriggerDownloadListChanged();
+    void ChangeTab(int nIndex);
+    void TriggerTreeViewClicked(QModelIndex index);
+    void SignOut();
+    void TriggerChangeLanguage();
+    void TriggerActivated(QSystemTrayIcon::ActivationReason reason);
+    void ShowDownloadTasks();
+    void ShowSubmitList();
+    void TriggerStateChanged(int nState);
+    void UpdateSettings();
+    void ManualDownload();
+    bool eventFilter(QObject* obj, QEvent* event) override;
+    void AdjustPageButtons();
+    void RefreshJobList();
+    void PopupFinish(QString strFile);
+    void OpenFilePosition();
+    void TriggerFailFile(QString strJobId, QStringList lstFailFile);
+    void TriggerLackedTexture(QString strJobId, QStringList lstLackedTexture);
+    void SubmitListContextMenu(QPoint Pos);
+    void UploadRetryOption();
+    void LackTextureOption();
+    void TriggerSubmit();
+    void Redownload();
+    void SetItemAttribute(QTableWidgetItem* item, QVariant varData, QString strTip, bool bEnableChecked = false);
+    QProgressBar* GetANewProgressBar(int nPercent);
+    void SearchJob(QVariantMap& mapCondition);
+    void CellDoubleClicked(int row, int column);
+    void GetJobList(int nPage, QString strConditions = QString(), int nFlag = 0);
+    void Condition(QString strCondition);
+
+private:
+    void ConnectConcerns();
+    void AnnounceNewSize();
+
+    VTSiblings m_siblings;
+    /// The services that the parts were built for.
+    VTSiblings m_builtFor;
+    VTCodeTables m_codeTables;
+    VTTimers m_timers;
+    QStringList m_lstSubmitTask;
+    std::unique_ptr<VTWindowParts> m_pParts;
+};

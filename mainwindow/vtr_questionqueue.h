@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QMap>
+#include <QStringList>
+
+#include <optional>
+
+/// Reports that wait for the user's answer, one a task, taken in the order of the task ids.
+///
+/// Only one question is out at a time: Take gives nothing until the last one taken is answered.
+class VTQuestionQueue
+{
+public:
+    struct Report
+    {
+        QString strTaskId;
+        QStringList lstFile;
+    };
+
+    /// A later report for the same task replaces the earlier one.
+    void Add(const QString& strTaskId, const QStringList& lstFile) { m_mapFiles.insert(strTaskId, lstFile); }
+    bool IsEmpty() const { return m_mapFiles.isEmpty(); }
+    void Clear() { m_mapFiles.clear(); }
+
+    /// The next report, to be asked about until Answered is called.
+    std::optional<Report> Take()
+    {
+        if (m_bAsking || m_mapFiles.isEmpty())
+            return std::nullopt;
+        m_bAsking = true;
+        const Report report {m_mapFiles.firstKey(), m_mapFiles.first()};
+        m_mapFiles.erase(m_mapFiles.begin());
+        return report;
+    }
+    void Answered() { m_bAsking = false; }
+
+private:
+    QMap<QString, QStringList> m_mapFiles;
+    bool m_bAsking = false;
+};

@@ -1,0 +1,15 @@
+#include "vtr_requests.h"
+
+#include "vtr_session.h"
+#include "vtr_siblings.h"
+
+QVariantHash VTRequests::New() const
+{
+    return VTProtocol::SessionRequest(m_session.strUserName, m_session.strToken);
+}
+
+void VTRequests::Send(Operation operation, const QVariantHash& mapRequest) const
+{
+    if (VTCommunicationInterface* pCommunication = m_siblings.pCommunication)
+        (pCommunication->*operation)(QVariant(m_siblings.nCommunicationStatus), mapRequest);
+}

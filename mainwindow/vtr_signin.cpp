@@ -1,0 +1,78 @@
+#include "vtr_signin.h"
+
+#include "vtr_account.h"
+#include "vtr_chrome.h"
+#include "vtr_joblist.h"
+#include "vtr_mainform.h"
+#include "vtr_pagebar.h"
+#include "vtr_plaintext.h"
+#include "vtr_search.h"
+#include "vtr_session.h"
+#include "vtr_setparent.h"
+#include "vtr_siblings.h"
+#include "vtr_tablecells.h"
+#include "vtr_timers.h"
+#include "vtr_tray.h"
+
+VTSignIn::VTSignIn(const Needs& needs)
+    : m_needs(needs)
+{
+}
+
+void VTSignIn::TakeSignInAnswer(int nRet, const QVariantMap& mapAnswer)
+{
+    if (nRet != VTProtocol::Success)
+        return;
+    m_needs.form.RaiseOverlays();
+    m_needs.account.TakeNames(mapAnswer);
+    emit UserKnown();
+    m_needs.account.TakeToken(mapAnswer);
+    m_needs.account.RequestUserInfo();
+    m_needs.timers.pUserInfo->start(VTTimers::UserInfoInterval);
+    emit UserInfoTimerStarted();
+    m_needs.jobList.RequestPage(1);
+    VTTimers::StartOnce(m_needs.timers.pJobList);
+    AnnounceSession();
+    m_needs.session.bSignedIn = true;
+    m_needs.requests.Send(&VTCommunicationInterface::GetProjectList);
+    if (m_needs.siblings.pConfiguration)
+        VTSetPlainText(m_needs.form.lblVersionV, m_needs.siblings.pConfiguration->GetVersion());
+}
+
+void VTSignIn::AnnounceSession()
+{
+    VTSession& session = m_needs.session;
+    if (m_needs.siblings.pSettings)
+        session.strServer
+            = m_needs.siblings.pSettings->Value(QStringLiteral("vtr.web/currentserver"), QVariant()).toString();
+    m_needs.setParent.GetSettings(session.strServer, session.strToken, session.strLoginName, session.strUserName);
+    m_needs.tray.ShowServer(session.strServer);
+    emit SignedIn(session.strServer, session.strLoginName, session.strToken, session.strUserName);
+}
+
+void VTSignIn::RequestSignOut() const
+{
+    m_needs.requests.Send(&VTCommunicationInterface::SignOut);
+    m_needs.chrome.ReleaseLocalTasks();
+}
+
+void VTSignIn::TakeSignOutAnswer()
+{
+    m_needs.timers.pJobList->stop();
+    m_needs.timers.pUserInfo->stop();
+    m_needs.session.bSignedIn = false;
+    m_needs.setParent.CancelFill();
+    m_needs.form.pForm->close();
+    m_needs.search.Close();
+    m_needs.jobList.ForgetHandedOver();
+    m_needs.pageBar.Reset();
+    ClearLists();
+}
+
+void VTSignIn::ClearLists()
+{
+    for (QTableWidget* pTable : {m_needs.form.twtDownload, m_needs.form.twtLocalTask, m_needs.form.twtMyRender})
+        VTTableCells::Clear(pTable);
+    m_needs.pageBar.Show(VTList::Downloads, 0);
+    m_needs.pageBar.Show(VTList::LocalTasks, 0);
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QObject>
+#include <QStringList>
+
+class QTableWidget;
+class VTPageBar;
+class VTPrompts;
+struct VTCodeTables;
+struct VTMainForm;
+struct VTSiblings;
+struct VTTimers;
+
+/// Columns of the local tasks' table and what their items keep as data.
+namespace VTTaskColumn {
+enum {
+    Name, ///< task id
+    StartTime, ///< whether the arguments were fetched (bool)
+    Status, ///< stage code
+    Progress,
+    SceneFile, ///< the task's argument list
+    Warn ///< resource path of the icon shown
+};
+}
+
+/// The local submission tasks, a page at a time, refreshed in place.
+class VTSubmitList : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Needs
+    {
+        const VTMainForm& form;
+        const VTSiblings& siblings;
+        const VTCodeTables& tables;
+        const VTTimers& timers;
+        const VTPrompts& prompts;
+        VTPageBar& pageBar;
+    };
+
+    /// What the needs refer to must outlive this object.
+    explicit VTSubmitList(const Needs& needs);
+
+    static QStringList Headers();
+
+    void BuildPage(int nPage);
+    void BuildCurrentPage();
+
+    /// The render core's list has changed: brings the tab to the front.
+    void ListChanged();
+
+    /// Brings the rows on the screen up to date and drops those whose task is gone.
+    void Refresh();
+
+    /// Deletes tasks in the user's name and shows what is left.
+    void Delete(const QStringList& lstTaskId);
+
+    /// Goes on with the task of the current row.
+    void ContinueCurrent() const;
+
+    /// Explains a task's failure, or asks whether to go on with one that waits for it.
+    void DoubleClicked(int nRow, int nColumn);
+
+private:
+    void WriteRow(int nRow, const QString& strTaskId);
+    void RefreshRow(int nRow, const QString& strTaskId);
+    void RefreshWarning(int nRow, const QString& strTaskId, int nStage, int nError);
+    QString StageText(int nStage) const;
+
+    Needs m_needs;
+    QTableWidget* m_pTable;
+};

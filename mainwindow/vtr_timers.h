@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QTimer>
+
+/// The window's six timers, all stopped at first. They are children of the window.
+struct VTTimers
+{
+    static constexpr int JobListInterval = 15000;
+    static constexpr int UserInfoInterval = 30000;
+    static constexpr int TickInterval = 1000;
+
+    explicit VTTimers(QObject* pWindow)
+        : pSubmitList(New(pWindow, TickInterval))
+        , pJobList(New(pWindow, JobListInterval))
+        , pDownloadList(New(pWindow, TickInterval))
+        , pUserInfo(new QTimer(pWindow)) // gets its interval when it is started
+        , pLackTexture(New(pWindow, TickInterval))
+        , pUploadRetry(New(pWindow, TickInterval))
+    {
+    }
+
+    static void StartOnce(QTimer* pTimer)
+    {
+        if (!pTimer->isActive())
+            pTimer->start();
+    }
+
+    QTimer* pSubmitList;
+    QTimer* pJobList;
+    QTimer* pDownloadList;
+    QTimer* pUserInfo;
+    QTimer* pLackTexture;
+    QTimer* pUploadRetry;
+
+private:
+    static QTimer* New(QObject* pWindow, int nMilliseconds)
+    {
+        auto* pTimer = new QTimer(pWindow);
+        pTimer->setInterval(nMilliseconds);
+        return pTimer;
+    }
+};

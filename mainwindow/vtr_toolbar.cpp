@@ -1,0 +1,110 @@
+#include "vtr_toolbar.h"
+
+#include "vtr_downloadlist.h"
+#include "vtr_group.h"
+#include "vtr_joblist.h"
+#include "vtr_mainform.h"
+#include "vtr_pagebar.h"
+#include "vtr_siblings.h"
+#include "vtr_submitlist.h"
+#include "vtr_tables.h"
+#include "vtr_timers.h"
+#include "vtr_toolbarrules.h"
+
+namespace {
+
+constexpr int ButtonGap = 5; // pixels
+constexpr int GroupPageOfConditions = 2;
+
+} // namespace
+
+VTToolbar::VTToolbar(const Needs& needs)
+    : m_needs(needs)
+{
+}
+
+void VTToolbar::ChangeTab(int nTab)
+{
+    if (!m_needs.form.Table(nTab))
+        return;
+    m_needs.pageBar.Redraw(nTab);
+    m_needs.tables.UncheckAll();
+    m_needs.siblings.LogDebug(QStringLiteral("index: %1").arg(nTab));
+    SwitchTimers(nTab);
+    ApplyRules(VTToolbarRules::ForTab(nTab));
+    if (nTab == VTList::Jobs && m_needs.group.CurrentPage() == GroupPageOfConditions)
+        m_needs.jobList.SetConditions(m_needs.group.CurrentProjectCondition());
+    ShowPage(nTab);
+    m_needs.form.RaiseOverlays();
+}
+
+void VTToolbar::ShowPage(int nTab)
+{
+    switch (nTab) {
+    case VTList::Jobs:
+        m_needs.jobList.RequestCurrentPage();
+        break;
+    case VTList::LocalTasks:
+        m_needs.submitList.BuildCurrentPage();
+        break;
+    case VTList::Downloads:
+        m_needs.downloadList.BuildCurrentPage();
+        break;
+    default:
+        break;
+    }
+}
+
+void VTToolbar::SwitchTimers(int nTab) const
+{
+    const auto Switch = [](QTimer* pTimer, bool bOn) {
+        if (bOn)
+            VTTimers::StartOnce(pTimer);
+        else
+            pTimer->stop();
+    };
+    Switch(m_needs.timers.pSubmitList, nTab == VTList::LocalTasks);
+    Switch(m_needs.timers.pDownloadList, nTab == VTList::Downloads);
+}
+
+void VTToolbar::ApplyRules(const VTToolbarRules& rules) const
+{
+    const VTMainForm& form = m_needs.form;
+    form.btnFullRender->setVisible(rules.bFullRender);
+    form.btnRestart->setVisible(rules.bRestart);
+    form.btnSearch->setVisible(rules.bSearch);
+    form.btnRecover->setVisible(rules.bRecover);
+    form.btnPause->setVisible(rules.bPause);
+    PlaceDelete(rules);
+    form.btnDelete->setVisible(rules.bDelete);
+}
+
+void VTToolbar::PlaceDelete(const VTToolbarRules& rules) const
+{
+    const VTMainForm& form = m_needs.form;
+    if (rules.deletePlace == VTToolbarRules::DeletePlace::Unmoved)
+        return;
+    const bool bBesideRestart = rules.deletePlace == VTToolbarRules::DeletePlace::BesideRestart;
+    const QPushButton* pAnchor = bBesideRestart ? form.btnRestart : form.btnPause;
+    form.btnDelete->move(pAnchor->x() + pAnchor->width() + ButtonGap, form.btnDelete->y());
+}
+
+void VTToolbar::Relayout()
+{
+    const int nTab = m_needs.form.tbwContainer->currentIndex();
+    if (!m_needs.form.Table(nTab))
+        return;
+    m_needs.pageBar.Redraw(nTab);
+    m_needs.tables.SpreadColumns(nTab);
+    PlaceDelete(VTToolbarRules::ForTab(nTab));
+}
+
+void VTToolbar::ApplyCondition(const QString& strCondition)
+{
+    if (m_needs.form.tbwContainer->currentIndex() != VTList::Jobs)
+        m_needs.form.tbwContainer->setCurrentIndex(VTList::Jobs);
+    m_needs.jobList.SetConditions(strCondition);
+    m_needs.timers.pSubmitList->stop();
+    m_needs.timers.pDownloadList->stop();
+    m_needs.jobList.RequestPage(1);
+}

@@ -1,0 +1,106 @@
+#include "vtr_windowparts.h"
+
+#include "vtr_captions.h"
+#include "vtr_codetables.h"
+#include "vtr_group.h"
+#include "vtr_search.h"
+#include "vtr_setargument.h"
+#include "vtr_setparent.h"
+#include "vtr_siblings.h"
+#include "vtr_timers.h"
+
+namespace {
+
+/// Texts of the questions about local tasks.
+class TaskQuestionTexts
+{
+    Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
+
+public:
+    static VTQuestion UploadRetry(const QString& strTaskName, const QString& strFiles)
+    {
+        return {strTaskName, tr("Retry uploading?Failed to upload files:"), strFiles, tr("Cancel"), tr("Ok"), true};
+    }
+
+    static VTQuestion LackedTexture(const QString& strTaskName, const QString& strFiles)
+    {
+        const QString strDetail = tr("Continue next step?\nBelow files are missing:\n%1").arg(strFiles);
+        return {strTaskName, QString(), strDetail, tr("Cancel"), tr("Ok"), false};
+    }
+};
+
+} // namespace
+
+VTWindowParts::VTWindowParts(
+    QWidget* pWindow, const VTSiblings& siblings, const VTCodeTables& codeTables, const VTTimers& timers)
+    : forms(siblings.pUiLoader)
+    , form(forms.pMain)
+    , pSetArgument(new VTSetArgument(forms.pSetArgument, form.twtLocalTask))
+    , pSetParent(new VTSetParent(
+          forms.pSetParent, form.twtMyRender, codeTables.mapProgressStyle, codeTables.mapJobStatus))
+    , pSearch(new VTSearch(forms.pSearch))
+    , pGroup(new VTGroup(forms.pMain, form.wgtGroup, forms.pInput))
+    , prompts(siblings)
+    , requests(siblings, session)
+    , settings(siblings, session)
+    , tables(form)
+    , pageBar(form, siblings)
+    , account(form, requests, session)
+    , chrome(form, siblings, prompts)
+    , tray(pWindow, form, siblings, session)
+    , menus(pWindow, form, tables)
+    , jobList({form, siblings, codeTables, requests, prompts, tables, pageBar})
+    , submitList({form, siblings, codeTables, timers, prompts, pageBar})
+    , downloadList({form, siblings, codeTables, timers, pageBar})
+    , jobActions({form, siblings, requests, tables, prompts, jobList, submitList, downloadList})
+    , toolbar({form, siblings, timers, tables, *pGroup, pageBar, jobList, submitList, downloadList})
+    , uploadRetries(siblings, prompts, timers.pUploadRetry, TaskQuestionTexts::UploadRetry,
+          &VTRenderCoreInterface::UploadRetryAnswer)
+    , lackedTextures(siblings, prompts, timers.pLackTexture, TaskQuestionTexts::LackedTexture,
+          &VTRenderCoreInterface::LackTextureAnswer)
+    , signIn({form, siblings, timers, requests, chrome, session, account, pageBar, jobList, tray, *pSearch, *pSetParent})
+{
+    pSetArgument->SetServices(siblings);
+    pSetParent->SetServices(siblings);
+    pGroup->SetServices(siblings);
+    pSetArgument->InitWidgets();
+    pSetParent->InitWidgets();
+    pSearch->InitWidgets();
+    pSearch->Update();
+    pGroup->InitWidgets();
+
+    tables.SetUpColumns();
+    form.pForm->setAcceptDrops(true);
+    form.pForm->setMouseTracking(true);
+}
+
+VTWindowParts::~VTWindowParts() = default;
+
+void VTWindowParts::ChangeSkin(const QString& strSkin) const
+{
+    chrome.Restyle(strSkin);
+    pSetArgument->ChangeSkin(strSkin);
+    pSetParent->ChangeSkin(strSkin);
+    pSearch->ChangeSkin(strSkin);
+    pGroup->ChangeSkin(strSkin);
+    tray.ApplySkin(strSkin);
+}
+
+void VTWindowParts::ChangeLanguage()
+{
+    chrome.UpdateLanguage();
+    VTCaptions::Retranslate(form);
+    tray.Retranslate();
+    menus.Retranslate();
+    pSetArgument->ChangeLanguage();
+    pSetParent->ChangeLanguage();
+    pSearch->ChangeLanguage();
+    pGroup->ChangeLanguage();
+}
+
+QVector<QPointer<QObject>> VTWindowParts::Remains() const
+{
+    // Controllers before the forms that they look after.
+    return {pSetArgument.get(), pSetParent.get(), pSearch.get(), pGroup.get(), forms.pMain.data(),
+        forms.pSetArgument.data(), forms.pSetParent.data(), forms.pSearch.data(), forms.pInput.data()};
+}

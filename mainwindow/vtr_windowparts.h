@@ -1,0 +1,79 @@
+#pragma once
+
+#include "vtr_account.h"
+#include "vtr_accountsettings.h"
+#include "vtr_chrome.h"
+#include "vtr_contextmenus.h"
+#include "vtr_downloadlist.h"
+#include "vtr_forms.h"
+#include "vtr_jobactions.h"
+#include "vtr_joblist.h"
+#include "vtr_mainform.h"
+#include "vtr_pagebar.h"
+#include "vtr_prompts.h"
+#include "vtr_requests.h"
+#include "vtr_session.h"
+#include "vtr_signin.h"
+#include "vtr_submitlist.h"
+#include "vtr_tables.h"
+#include "vtr_taskquestions.h"
+#include "vtr_toolbar.h"
+#include "vtr_tray.h"
+
+#include <QScopedPointer>
+#include <QVector>
+
+#include <memory>
+
+class VTGroup;
+class VTSearch;
+class VTSetArgument;
+class VTSetParent;
+struct VTCodeTables;
+struct VTSiblings;
+struct VTTimers;
+
+/// A dialog controller, which is scheduled for deletion, not deleted, when its owner goes.
+template <typename Controller>
+using VTController = std::unique_ptr<Controller, QScopedPointerDeleteLater>;
+
+/// The built window: forms, dialog controllers and the concerns that share them, each after those it needs.
+struct VTWindowParts
+{
+    /// @param pWindow parent of tray icon and menus; all must outlive this object.
+    VTWindowParts(QWidget* pWindow, const VTSiblings& siblings, const VTCodeTables& codeTables, const VTTimers& timers);
+    ~VTWindowParts();
+
+    void ChangeSkin(const QString& strSkin) const;
+    void ChangeLanguage();
+
+    /// Everything that is only scheduled for deletion when this object goes.
+    QVector<QPointer<QObject>> Remains() const;
+
+    VTSession session;
+    VTForms forms;
+    VTMainForm form;
+
+    VTController<VTSetArgument> pSetArgument;
+    VTController<VTSetParent> pSetParent;
+    VTController<VTSearch> pSearch;
+    VTController<VTGroup> pGroup;
+
+    VTPrompts prompts;
+    VTRequests requests;
+    VTAccountSettings settings;
+    VTTables tables;
+    VTPageBar pageBar;
+    VTAccount account;
+    VTChrome chrome;
+    VTTray tray;
+    VTContextMenus menus;
+    VTJobList jobList;
+    VTSubmitList submitList;
+    VTDownloadList downloadList;
+    VTJobActions jobActions;
+    VTToolbar toolbar;
+    VTTaskQuestions uploadRetries;
+    VTTaskQuestions lackedTextures;
+    VTSignIn signIn;
+};

@@ -1,0 +1,138 @@
+#include "vtr_wiring.h"
+
+#include "vtr_connections.h"
+#include "vtr_group.h"
+#include "vtr_parameters.h"
+#include "vtr_search.h"
+#include "vtr_setargument.h"
+#include "vtr_setparent.h"
+#include "vtr_siblings.h"
+#include "vtr_timers.h"
+#include "vtr_windowparts.h"
+
+#include <QApplication>
+
+// The signatures are part of the contract with the siblings, so they stand here as they are declared there.
+// clang-format off
+namespace {
+
+void WireForm(const QWidget* pWindow, const VTWindowParts& parts, const VTSiblings& siblings)
+{
+    const VTMainForm& form = parts.form;
+    VTConnect({
+        {form.btnSystemMin, SIGNAL(clicked()), form.pForm, SLOT(close())},
+        {form.btnFullRender, SIGNAL(clicked()), pWindow, SLOT(FullRender())},
+        {form.btnDelete, SIGNAL(clicked()), pWindow, SLOT(DeleteJobs())},
+        {form.btnRecover, SIGNAL(clicked()), pWindow, SLOT(RecoverJobs())},
+        {form.btnPause, SIGNAL(clicked()), pWindow, SLOT(StopJobs())},
+        {form.btnRestart, SIGNAL(clicked()), pWindow, SLOT(RestartJobs())},
+        {form.btnSettings, SIGNAL(clicked()), siblings.pConfiguration, SLOT(ShowConf())},
+        {parts.pSetArgument.get(), SIGNAL(setArgument(QString,QVariantList)), siblings.pRenderCore, SLOT(SetArgument(QString,QVariantList))},
+        {parts.pGroup.get(), SIGNAL(condition(QString)), pWindow, SLOT(Condition(QString))},
+        {pWindow, SIGNAL(login(QString,QString,QString, QString)), parts.pGroup.get(), SLOT(Login(QString,QString,QString, QString))},
+        {pWindow, SIGNAL(windowSizeChanged()), parts.pGroup.get(), SLOT(WindowSizeChanged())},
+    });
+    for (const QPushButton* btnPage : form.PageButtons())
+        VTConnect({{btnPage, SIGNAL(clicked()), pWindow, SLOT(PageButtonClicked())}});
+}
+
+void WireTitleBar(const QWidget* pWindow, const VTWindowParts& parts, const VTSiblings& siblings)
+{
+    const VTMainForm& form = parts.form;
+    VTConnect({
+        {siblings.pUiLoader, SIGNAL(SkinChanged(QString)), pWindow, SLOT(ChangeSkin(QString))},
+        {siblings.pUiLoader, SIGNAL(LanguageChanged(QString)), pWindow, SLOT(ChangeLanguage(QString))},
+        {form.btnSystemClose, SIGNAL(clicked()), pWindow, SLOT(Close())},
+        {form.btnSystemMaxmax, SIGNAL(clicked()), pWindow, SLOT(ShowWindowNormal())},
+        {form.btnSystemMaxnormal, SIGNAL(clicked()), pWindow, SLOT(ShowWindowMaximized())},
+        {siblings.pUiLoader, SIGNAL(ShowWindow(QString)), pWindow, SLOT(ShowWindow(QString))},
+    });
+}
+
+void WireCommunication(const QWidget* pWindow, const VTWindowParts& parts, const VTSiblings& siblings)
+{
+    const QObject* pCommunication = siblings.pCommunication;
+    VTConnect({
+        {pCommunication, SIGNAL(SignInResponse(int, QVariantMap)), pWindow, SLOT(TriggerSignInResponse(int, QVariantMap))},
+        {pCommunication, SIGNAL(JobListResponse(int,QVariantMap)), pWindow, SLOT(TriggerJobListResponse(int, QVariantMap))},
+        {pCommunication, SIGNAL(DeleteJobResponse(int,QVariantMap)), pWindow, SLOT(TriggerDeleteJobResponse(int, QVariantMap))},
+        {pCommunication, SIGNAL(UserInfoResponse(int, QVariantMap)), pWindow, SLOT(TriggerUserInfoResponse(int, QVariantMap))},
+        {pCommunication, SIGNAL(SignOutResponse(int,QVariantMap)), pWindow, SLOT(TriggerSignOutResponse(int,QVariantMap))},
+        {pCommunication, SIGNAL(RecoverJobResponse(int,QVariantMap)), pWindow, SLOT(TriggerRecoverJobsResponse(int,QVariantMap))},
+        {pCommunication, SIGNAL(RestartJobResponse(int,QVariantMap)), pWindow, SLOT(TriggerRestartJobsResponse(int,QVariantMap))},
+        {pCommunication, SIGNAL(StopJobResponse(int,QVariantMap)), pWindow, SLOT(TriggerStopJobsResponse(int,QVariantMap))},
+        {pCommunication, SIGNAL(FullRenderResponse(int,QVariantMap)), pWindow, SLOT(TriggerFullRenderResponse(int,QVariantMap))},
+        {pCommunication, SIGNAL(JobInfoResponse(int,QVariantMap)), parts.pSetParent.get(), SLOT(TriggerJobInfoResponse(int,QVariantMap))},
+        {pCommunication, SIGNAL(ProjectListResponse(int,QVariantMap)), parts.pSearch.get(), SLOT(TriggerProjectListResponse(int,QVariantMap))},
+    });
+}
+
+void WireListsAndTimers(const QWidget* pWindow, const VTWindowParts& parts, const VTSiblings& siblings, const VTTimers& timers)
+{
+    const VTMainForm& form = parts.form;
+    const QObject* pRenderCore = siblings.pRenderCore;
+    VTConnect({
+        {form.chkAll, SIGNAL(stateChanged(int)), pWindow, SLOT(TriggerStateChanged(int))},
+        {pRenderCore, SIGNAL(SubmitListChanged()), pWindow, SLOT(TriggerSubmitListChanged())},
+        {pRenderCore, SIGNAL(DownloadListChanged()), pWindow, SLOT(TriggerDownloadListChanged())},
+        {timers.pDownloadList, SIGNAL(timeout()), pWindow, SLOT(ShowDownloadTasks())},
+        {pWindow, SIGNAL(JobIdType(QVariantMap)), pRenderCore, SLOT(TriggerJobIdType(QVariantMap))},
+        {form.tbwContainer, SIGNAL(currentChanged(int)), pWindow, SLOT(ChangeTab(int))},
+        {timers.pSubmitList, SIGNAL(timeout()), pWindow, SLOT(ShowSubmitList())},
+        {form.btnLang, SIGNAL(clicked()), pWindow, SLOT(TriggerChangeLanguage())},
+        {timers.pLackTexture, SIGNAL(timeout()), pWindow, SLOT(LackTextureOption())},
+        {timers.pUploadRetry, SIGNAL(timeout()), pWindow, SLOT(UploadRetryOption())},
+        {form.twtMyRender, SIGNAL(customContextMenuRequested(QPoint)), pWindow, SLOT(JobListContextMenu(QPoint))},
+        {form.twtMyRender, SIGNAL(cellPressed(int,int)), pWindow, SLOT(ClickedCell(int,int))},
+        {form.twtDownload, SIGNAL(customContextMenuRequested(QPoint)), pWindow, SLOT(DownloadListContextMenu(QPoint))},
+        {form.twtDownload, SIGNAL(cellPressed(int,int)), pWindow, SLOT(ClickedCell(int,int))},
+        {form.twtLocalTask, SIGNAL(cellPressed(int,int)), pWindow, SLOT(ClickedCell(int,int))},
+        {form.twtLocalTask, SIGNAL(cellDoubleClicked(int,int)), pWindow, SLOT(CellDoubleClicked(int,int))},
+        {form.twtLocalTask, SIGNAL(customContextMenuRequested(QPoint)), pWindow, SLOT(SubmitListContextMenu(QPoint))},
+        {timers.pJobList, SIGNAL(timeout()), pWindow, SLOT(RefreshJobList())},
+        {pRenderCore, SIGNAL(failFile(QString,QStringList)), pWindow, SLOT(TriggerFailFile(QString,QStringList))},
+        {pRenderCore, SIGNAL(lackedTexture(QString,QStringList)), pWindow, SLOT(TriggerLackedTexture(QString,QStringList))},
+        {parts.pSearch.get(), SIGNAL(search(QVariantMap&)), pWindow, SLOT(SearchJob(QVariantMap&))},
+        {form.btnSearch, SIGNAL(clicked()), parts.pSearch.get(), SLOT(Show())},
+    });
+}
+
+void WireMenus(const QWidget* pWindow, const VTWindowParts& parts)
+{
+    const VTContextMenus& menus = parts.menus;
+    const QObject* pSetParent = parts.pSetParent.get();
+    VTConnect({
+        {parts.tray.QuitAction(), SIGNAL(triggered()), qApp, SLOT(quit())},
+        {parts.tray.Icon(), SIGNAL(activated(QSystemTrayIcon::ActivationReason)), pWindow, SLOT(TriggerActivated(QSystemTrayIcon::ActivationReason))},
+        {menus.pSetParent, SIGNAL(triggered()), pSetParent, SLOT(SetJobParent())},
+        {menus.pDownload, SIGNAL(triggered()), pWindow, SLOT(ManualDownload())},
+        {pSetParent, SIGNAL(getJobList(int,QString,int)), pWindow, SLOT(GetJobList(int,QString,int))},
+        {pSetParent, SIGNAL(getJobInfo(VTParameters)), pWindow, SLOT(GetJobInfo(VTParameters))},
+        {pSetParent, SIGNAL(stopJobs(VTParameters)), pWindow, SLOT(StopJobs(VTParameters))},
+        {pSetParent, SIGNAL(recoverJobs(VTParameters)), pWindow, SLOT(RecoverJobs(VTParameters))},
+        {pWindow, SIGNAL(showParenList(QVariantList)), pSetParent, SLOT(ShowParenList(QVariantList))},
+        {menus.pOpenFolder, SIGNAL(triggered()), pWindow, SLOT(OpenFilePosition())},
+        {menus.pRedownload, SIGNAL(triggered()), pWindow, SLOT(Redownload())},
+        {menus.pSubmit, SIGNAL(triggered()), pWindow, SLOT(TriggerSubmit())},
+        {menus.pDeleteTasks, SIGNAL(triggered()), pWindow, SLOT(DeleteJobs())},
+        {menus.pSetArgument, SIGNAL(triggered()), parts.pSetArgument.get(), SLOT(TriggerSetArgument())},
+    });
+}
+
+} // namespace
+// clang-format on
+
+void VTWireWindow(QWidget* pWindow, const VTWindowParts& parts, const VTSiblings& siblings, const VTTimers& timers)
+{
+    RegisterVTParameters();
+    WireForm(pWindow, parts, siblings);
+    WireTitleBar(pWindow, parts, siblings);
+    WireCommunication(pWindow, parts, siblings);
+    WireListsAndTimers(pWindow, parts, siblings, timers);
+    WireMenus(pWindow, parts);
+
+    // The render core sees the form's events, dropped scenes among them, after the window itself.
+    if (siblings.pRenderCore)
+        parts.form.pForm->installEventFilter(siblings.pRenderCore);
+    parts.form.pForm->installEventFilter(pWindow);
+}

@@ -1,0 +1,292 @@
+#include "vtr_qsclient.h"
+
+#include "vtr_connections.h"
+#include "vtr_ids.h"
+#include "vtr_qsclient_p.h"
+
+#include <ctkPluginContext.h>
+#include <ctkServiceReference.h>
+
+#include <QTextCodec>
+
+#include <exception>
+
+namespace {
+
+constexpr int Success = 0;
+constexpr int Failure = -1;
+constexpr int NotInitialised = -3;
+constexpr int BadRequest = -4;
+
+VTQsClient* g_pInstance = nullptr;
+
+/// A sibling to look up: its interface name is the registry key, the line marks it in the diagnostics.
+struct SiblingEntry
+{
+    const char* szInterface;
+    QLatin1String strServiceId;
+    int nLine;
+};
+
+constexpr SiblingEntry Settings {"VTSettingsInterface", VTIds::Settings, 199};
+constexpr SiblingEntry Logger {"VTLoggerInterface", VTIds::Logger, 218};
+constexpr SiblingEntry UiLoader {"VTUiLoaderInterface", VTIds::UiLoader, 230};
+constexpr SiblingEntry MessageBox {"VTMessagboxInterface", VTIds::MessageBox, 243};
+constexpr SiblingEntry Communication {"VTCommunicationInterface", VTIds::Communication, 257};
+constexpr SiblingEntry RenderCore {"VTRenderCoreInterface", VTIds::RenderCore, 274};
+constexpr SiblingEntry Configuration {"VTConfigurationInterface", VTIds::Configuration, 290};
+constexpr SiblingEntry Previewer {"VTPreviewerInterface", VTIds::Previewer, 304};
+
+QString Interface(const SiblingEntry& entry)
+{
+    return QLatin1String(entry.szInterface);
+}
+
+/// Says on Qt's own message handler that a sibling is missing or failed. @return false, for the caller to pass on.
+bool ReportInvalid(const SiblingEntry& entry)
+{
+    const QMessageLogger log("vtr_qsclient", entry.nLine, "AttachPlugins");
+    if (entry.strServiceId == VTIds::UiLoader) {
+        log.debug("%s", qUtf8Printable(QObject::tr("Module %1 is invalid").arg(entry.strServiceId)));
+        return false;
+    }
+    const QString strText = QObject::tr("[%1] Module %2 is invalid").arg(VTIds::Client, entry.strServiceId);
+    log.critical("%s", qUtf8Printable(strText));
+    return false;
+}
+
+template <typename Service>
+Service* Find(const VTSiblings& siblings, const SiblingEntry& entry)
+{
+    const ctkServiceReference reference = siblings.pContext->getServiceReference(Interface(entry));
+    return reference ? qobject_cast<Service*>(siblings.pContext->getService(reference)) : nullptr;
+}
+
+bool Start(VTBaseInterface* pService, const QVariantMap& mapParameters, int& nStatus)
+{
+    QVariant varResult;
+    if (!pService || pService->Initialize(mapParameters) != 0 || pService->Show(varResult, mapParameters) != 0)
+        return false;
+    nStatus = varResult.toInt();
+    return true;
+}
+
+/// Finds, initialises and starts one sibling and keeps its status.
+template <typename Service>
+bool Attach(const VTSiblings& siblings, const SiblingEntry& entry, QPointer<Service>& pService, int& nStatus)
+{
+    pService = Find<Service>(siblings, entry);
+    return Start(pService, siblings.mapParameters, nStatus) || ReportInvalid(entry);
+}
+
+bool AttachLogger(VTSiblings& siblings)
+{
+    siblings.pLogger = Find<VTLoggerInterface>(siblings, Logger);
+    const bool bStarted = siblings.pLogger && siblings.pLogger->Initialize(siblings.mapParameters) == 0;
+    return bStarted || ReportInvalid(Logger);
+}
+
+QList<VTBaseAppInterface*> Applications(ctkPluginContext* pContext)
+{
+    QList<VTBaseAppInterface*> lstApplication;
+    const auto lstReference = pContext->getServiceReferences(QStringLiteral("VTBaseAppInterface"));
+    for (const ctkServiceReference& reference : lstReference) {
+        if (auto* pApplication = qobject_cast<VTBaseAppInterface*>(pContext->getService(reference)))
+            lstApplication.append(pApplication);
+    }
+    return lstApplication;
+}
+
+void ActivateApplications(const VTSiblings& siblings, const QVariant& varRequest)
+{
+    try {
+        const auto lstApplication = Applications(siblings.pContext);
+        for (VTBaseAppInterface* pApplication : lstApplication)
+            pApplication->Activate(varRequest, siblings.mapParameters);
+    } catch (const std::exception& exception) {
+        qWarning("The host's applications were not activated: %s", exception.what());
+    }
+}
+
+} // namespace
+
+VTQsClient::VTQsClient()
+    : m_pWindow(std::make_unique<VTQsClientPrivate>())
+{
+    g_pInstance = this;
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("utf-8"));
+}
+
+VTQsClient::~VTQsClient()
+{
+    Uninitialize();
+    DeleteWindow();
+    // Nothing of the plugin may be left to the event loop: its code can be gone by then.
+    for (const QPointer<QObject>& pRemnant : qAsConst(m_lstRemains))
+        delete pRemnant.data();
+    if (g_pInstance == this)
+        g_pInstance = nullptr;
+}
+
+VTQsClient* VTQsClient::Instance()
+{
+    return g_pInstance;
+}
+
+VTQsClientPrivate* VTQsClient::Window()
+{
+    if (!m_pWindow)
+        m_pWindow = std::make_unique<VTQsClientPrivate>();
+    return m_pWindow.get();
+}
+
+void VTQsClient::DeleteWindow()
+{
+    if (!m_pWindow)
+        return;
+    m_lstRemains = m_pWindow->Remains() + m_lstRemains;
+    m_lstRemains.removeAll(QPointer<QObject>());
+    m_pWindow.reset();
+}
+
+int VTQsClient::Initialize(const QVariantMap& mapParameters)
+{
+    if (m_bInitialised)
+        return Success;
+    VTSiblings& siblings = Window()->Siblings();
+    siblings.pContext = mapParameters.value(QStringLiteral("plugin_context")).value<ctkPluginContext*>();
+    if (!siblings.pContext)
+        return Failure;
+    siblings.mapParameters = mapParameters;
+    if (AttachPlugins(QString()) != Success)
+        return Failure;
+    m_bInitialised = true;
+    return Success;
+}
+
+int VTQsClient::AttachPlugins(const QString& strKey)
+{
+    try {
+        if (!AttachSiblings(strKey))
+            return Failure;
+        AttachApplications();
+        m_pWindow->LoadGlobalSettings();
+        m_pWindow->BuildInterface();
+        return Success;
+    } catch (...) {
+        return Failure;
+    }
+}
+
+bool VTQsClient::AttachSiblings(const QString& strKey)
+{
+    VTSiblings& siblings = m_pWindow->Siblings();
+    const auto Wanted = [&strKey](QLatin1String strId) { return strKey.isEmpty() || strKey == strId; };
+
+    if (Wanted(VTIds::Settings)) {
+        if (!Attach(siblings, Settings, siblings.pSettings, siblings.nSettingsStatus))
+            return false;
+        VTConnect({{siblings.pSettings, SIGNAL(SettingsUpdated()), m_pWindow.get(), SLOT(UpdateSettings())}});
+    }
+    if (Wanted(VTIds::Logger) && !AttachLogger(siblings))
+        return false;
+
+    int nNoStatus = 0;
+    if (!Attach(siblings, UiLoader, siblings.pUiLoader, nNoStatus))
+        return false;
+    VTConnect({{siblings.pUiLoader, SIGNAL(ShowWindow(QString)), this, SLOT(ShowWindow(QString))}});
+
+    return Attach(siblings, MessageBox, siblings.pMessageBox, siblings.nMessageBoxStatus)
+        && Attach(siblings, Communication, siblings.pCommunication, siblings.nCommunicationStatus)
+        && (!Wanted(VTIds::RenderCore)
+            || Attach(siblings, RenderCore, siblings.pRenderCore, siblings.nRenderCoreStatus))
+        && Attach(siblings, Configuration, siblings.pConfiguration, siblings.nConfigurationStatus)
+        && Attach(siblings, Previewer, siblings.pPreviewer, siblings.nPreviewerStatus);
+}
+
+void VTQsClient::AttachApplications()
+{
+    const VTSiblings& siblings = m_pWindow->Siblings();
+    QVariant varResult;
+    const auto lstApplication = Applications(siblings.pContext);
+    for (VTBaseAppInterface* pApplication : lstApplication) {
+        pApplication->Initialize(siblings.mapParameters);
+        pApplication->Show(varResult, siblings.mapParameters);
+    }
+}
+
+int VTQsClient::Uninitialize()
+{
+    if (m_pWindow) {
+        VTSiblings& siblings = m_pWindow->Siblings();
+        if (siblings.pSettings) {
+            siblings.pSettings->Hide(QVariant(siblings.nSettingsStatus));
+            siblings.pSettings->Uninitialize();
+        }
+        if (siblings.pLogger)
+            siblings.pLogger->Uninitialize();
+        // What is released is used no more; a later Initialize attaches anew.
+        siblings = VTSiblings();
+    }
+    Hide(QVariant(m_nWindowState));
+    m_bInitialised = false;
+    return Success;
+}
+
+int VTQsClient::Show(QVariant& varResult, const QVariantMap& /*mapParameters*/)
+{
+    if (!m_bInitialised)
+        return NotInitialised;
+    if (m_nWindowState == NotShown) {
+        m_nWindowState = Shown;
+        Window()->LoadGlobalSettings();
+        m_pWindow->ShowForm();
+    }
+    varResult = m_nWindowState;
+    return Success;
+}
+
+int VTQsClient::CheckRequest(const QVariant& varRequest) const
+{
+    if (!m_bInitialised)
+        return NotInitialised;
+    return varRequest.toInt() == 1 ? Success : BadRequest;
+}
+
+int VTQsClient::Hide(const QVariant& varRequest)
+{
+    if (const int nStatus = CheckRequest(varRequest))
+        return nStatus;
+    DeleteWindow();
+    m_nWindowState = NotShown;
+    return Success;
+}
+
+int VTQsClient::Activate(const QVariant& varRequest, const QVariantMap& /*mapParameters*/)
+{
+    if (const int nStatus = CheckRequest(varRequest))
+        return nStatus;
+    if (!m_pWindow)
+        return Success;
+    const VTSiblings siblings = m_pWindow->Siblings();
+    if (siblings.pContext)
+        ActivateApplications(siblings, varRequest);
+    if (m_pWindow) {
+        m_pWindow->CacheSubmitTasks();
+        m_pWindow->ShowTrayIcon();
+    }
+    return Success;
+}
+
+int VTQsClient::Close(const QVariant& varRequest)
+{
+    if (const int nStatus = CheckRequest(varRequest))
+        return nStatus;
+    if (m_pWindow)
+        m_pWindow->close();
+    return Success;
+}
+
+void VTQsClient::ShowWindow(QString /*strAppKey*/)
+{
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "vtr_baseinterface.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QVector>
+
+#include <memory>
+
+class VTQsClientPrivate;
+
+/// The plugin's service object, through which the host drives the whole client.
+class VTQsClient : public QObject, public VTBaseInterface
+{
+    Q_OBJECT
+    Q_INTERFACES(VTBaseInterface)
+
+public:
+    VTQsClient();
+    ~VTQsClient() override;
+
+    /// The service object created last, null when there is none.
+    static VTQsClient* Instance();
+
+    /// Attaches the sibling services found through the context under "plugin_context" and builds the window.
+    int Initialize(const QVariantMap& mapParameters) override;
+    int Uninitialize() override;
+
+    /// Shows the main form and writes the window state (1 shown) into varResult.
+    int Show(QVariant& varResult, const QVariantMap& mapParameters) override;
+
+    /// Deletes the window.
+    int Hide(const QVariant& varRequest) override;
+
+    /// Passes the call on to the host's other applications and shows the tray icon.
+    int Activate(const QVariant& varRequest, const QVariantMap& mapParameters) override;
+    int Close(const QVariant& varRequest) override;
+
+public slots:
+    /// Connected to the loader; the window's own slot of this name is the one that acts.
+    void ShowWindow(QString strAppKey);
+
+private:
+    enum WindowState { NotShown = -1, Shown = 1 };
+
+    /// 0 when a request may be carried out, else the status to return.
+    int CheckRequest(const QVariant& varRequest) const;
+    /// @param strKey narrows settings, logger and render core to the one with this service id; empty for all.
+    int AttachPlugins(const QString& strKey);
+    bool AttachSiblings(const QString& strKey);
+    void AttachApplications();
+    VTQsClientPrivate* Window();
+    void DeleteWindow();
+
+    std::unique_ptr<VTQsClientPrivate> m_pWindow;
+    int m_nWindowState = NotShown;
+    bool m_bInitialised = false;
+    /// What deleted windows have left for the event loop to delete.
+    QVector<QPointer<QObject>> m_lstRemains;
+};

@@ -1,0 +1,21 @@
+#include "vtr_qsclient_plugin.h"
+
+#include "vtr_qsclient.h"
+
+#include <ctkPluginContext.h>
+
+VTQsClientPlugin::VTQsClientPlugin() = default;
+
+VTQsClientPlugin::~VTQsClientPlugin() = default;
+
+void VTQsClientPlugin::start(ctkPluginContext* context)
+{
+    m_pService = std::make_unique<VTQsClient>();
+    // The registration lives until the framework withdraws it when the plugin stops.
+    context->registerService(QStringList {QStringLiteral("VTBaseInterface")}, m_pService.get(), ctkDictionary());
+}
+
+void VTQsClientPlugin::stop(ctkPluginContext* /*context*/)
+{
+    m_pService.reset();
+}

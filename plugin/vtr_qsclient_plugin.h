@@ -1,0 +1,30 @@
+#pragma once
+
+#include <ctkPluginActivator.h>
+
+#include <QObject>
+
+#include <memory>
+
+class VTQsClient;
+
+/// Root object of the plugin and its activator: owns the one service object between start and stop.
+class VTQsClientPlugin : public QObject, public ctkPluginActivator
+{
+    Q_OBJECT
+    Q_INTERFACES(ctkPluginActivator)
+    Q_PLUGIN_METADATA(IID "com.vtr.qsclient")
+
+public:
+    VTQsClientPlugin();
+    ~VTQsClientPlugin() override;
+
+    /// Creates the service object and registers it under "VTBaseInterface". The host initialises it later.
+    void start(ctkPluginContext* context) override;
+
+    /// Deletes the service object; harmless without a start.
+    void stop(ctkPluginContext* context) override;
+
+private:
+    std::unique_ptr<VTQsClient> m_pService;
+};

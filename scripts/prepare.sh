@@ -1,0 +1,41 @@
+# Sourced by ./run and ./test: installs what is missing on a Debian machine and builds a preset.
+
+PACKAGES="g++ cmake ninja-build ccache
+    qtbase5-dev libqt5svg5 qttools5-dev qttools5-dev-tools
+    libspdlog-dev libcpp-httplib-dev libsqlitecpp-dev libsqlite3-dev libsodium-dev
+    povray povray-includes
+    xvfb xauth fonts-dejavu-core"
+
+say() { printf '%s\n' "$*" >&2; }
+
+install_packages() {
+    missing=""
+    for package in $PACKAGES; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed' || missing="$missing $package"
+    done
+    [ -z "$missing" ] && return 0
+
+    if [ "$(id -u)" = 0 ]; then
+        as_root=""
+    elif sudo -n true 2>/dev/null || { command -v sudo >/dev/null && [ -t 0 ]; }; then
+        as_root="sudo"
+    else
+        say "Some packages are missing. Please type this, then start again:"
+        say "  su -c 'apt-get update && apt-get install -y --no-install-recommends$missing'"
+        exit 1
+    fi
+    say "Installing:$missing"
+    # A machine that was never updated knows no packages; one that was may know enough.
+    export DEBIAN_FRONTEND=noninteractive
+    # shellcheck disable=SC2086
+    $as_root apt-get install -y --no-install-recommends $missing >/dev/null 2>&1 || {
+        $as_root apt-get update >/dev/null
+        $as_root apt-get install -y --no-install-recommends $missing >/dev/null
+    }
+}
+
+# Configures once and builds what has changed.
+build_preset() {
+    [ -f "build/$1/build.ninja" ] || cmake --preset "$1" -Wno-dev >&2
+    cmake --build --preset "$1" ${2:+--target $2} >&2
+}
