@@ -18,7 +18,8 @@ bool StandsInFileName(QChar chr)
 
 QString VTFileNamePart(const QString& strName)
 {
-    const bool bOnlyDots = std::all_of(strName.begin(), strName.end(), [](QChar chr) { return chr == QLatin1Char('.'); });
+    const bool bOnlyDots
+        = std::all_of(strName.begin(), strName.end(), [](QChar chr) { return chr == QLatin1Char('.'); });
     QString strSafe;
     strSafe.reserve(strName.size());
     for (const QChar chr : strName) {

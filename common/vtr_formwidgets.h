@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QString>
-#include <QWidget>
 #include <QtDebug>
+#include <QWidget>
 
 /// Finds a widget of a form by object name.
 ///

@@ -17,7 +17,8 @@ VTJobRecord VTJobRecord::FromMap(const QVariantMap& mapJob)
     return job;
 }
 
-QVariantMap VTDownloadOrder(const QString& strJobType, const QString& strSequence, const QString& strName, bool bManual)
+QVariantMap VTDownloadOrder(
+    const QString& strJobType, const QString& strSequence, const QString& strName, bool bManual)
 {
     return {
         {VTProtocol::OrderJobType, strJobType},

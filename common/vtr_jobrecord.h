@@ -6,17 +6,18 @@
 /// One job as the farm describes it. A missing or unreadable key reads as an empty text or 0.
 struct VTJobRecord
 {
-    QString strSequence; ///< "job_increasement": running number within the account
-    QString strId; ///< "job_id": identity on the farm
-    QString strType; ///< "job_type": render type
-    QString strName; ///< "job_name"
+    QString strSequence;   ///< "job_increasement": running number within the account
+    QString strId;         ///< "job_id": identity on the farm
+    QString strType;       ///< "job_type": render type
+    QString strName;       ///< "job_name"
     QString strSubmitTime; ///< "job_submit_time", as the farm formats it
-    QString strCost; ///< "job_cost" and "job_cost_unit", joined with nothing between
-    int nProgress = 0; ///< "job_progress": percent
-    int nStatus = 0; ///< "job_status": see VTCodeTables
+    QString strCost;       ///< "job_cost" and "job_cost_unit", joined with nothing between
+    int nProgress = 0;     ///< "job_progress": percent
+    int nStatus = 0;       ///< "job_status": see VTCodeTables
 
     static VTJobRecord FromMap(const QVariantMap& mapJob);
 };
 
 /// A download order for the render core: where the files of one job go and who asked for them.
-QVariantMap VTDownloadOrder(const QString& strJobType, const QString& strSequence, const QString& strName, bool bManual);
+QVariantMap VTDownloadOrder(
+    const QString& strJobType, const QString& strSequence, const QString& strName, bool bManual);

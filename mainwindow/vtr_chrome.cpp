@@ -16,10 +16,10 @@ namespace {
 /// Sheet of the language button; %1 is the name of the language's image.
 const QString& LanguageButtonSheet()
 {
-    static const QString strSheet = QStringLiteral(
-        "QPushButton{border-image: url(:/default/%1_normal.png);}"
-        "QPushButton:hover{border-image: url(:/default/%1_hover.png);}"
-        "QPushButton:pressed{border-image: url(:/default/%1_pressed.png);}");
+    static const QString strSheet
+        = QStringLiteral("QPushButton{border-image: url(:/default/%1_normal.png);}"
+                         "QPushButton:hover{border-image: url(:/default/%1_hover.png);}"
+                         "QPushButton:pressed{border-image: url(:/default/%1_pressed.png);}");
     return strSheet;
 }
 

@@ -3,8 +3,8 @@
 #include "vtr_siblings.h"
 
 #ifdef Q_OS_WIN
-#include <QWidget>
 #include <qt_windows.h>
+#include <QWidget>
 
 void VTAllowFileDrops(QWidget* pWindow, const VTSiblings& siblings)
 {
@@ -18,11 +18,11 @@ void VTAllowFileDrops(QWidget* pWindow, const VTSiblings& siblings)
         : nullptr;
     if (!changeFilter)
         return;
-    const bool bAllowed = changeFilter(reinterpret_cast<HWND>(pWindow->winId()), MessageDropFiles, Allow, nullptr);
-    siblings.LogDebug(bAllowed ? QStringLiteral("WM_DROPFILES SUCCESS") : QStringLiteral("WM_DROPFILES ERROR"));
+    const bool bAllowed
+        = changeFilter(reinterpret_cast<HWND>(pWindow->winId()), MessageDropFiles, Allow, nullptr);
+    siblings.LogDebug(
+        bAllowed ? QStringLiteral("WM_DROPFILES SUCCESS") : QStringLiteral("WM_DROPFILES ERROR"));
 }
 #else
-void VTAllowFileDrops(QWidget* /*pWindow*/, const VTSiblings& /*siblings*/)
-{
-}
+void VTAllowFileDrops(QWidget* /*pWindow*/, const VTSiblings& /*siblings*/) { }
 #endif

@@ -112,7 +112,8 @@ void VTJobActions::TakeAnswer(int nRet, const QString& strFailure) const
         m_needs.prompts.Notify(strFailure);
 }
 
-void VTJobActions::TakeAnswerOrRefusal(int nRet, const QVariantMap& mapAnswer, const QString& strFailure) const
+void VTJobActions::TakeAnswerOrRefusal(
+    int nRet, const QVariantMap& mapAnswer, const QString& strFailure) const
 {
     // A refusal counts even where the answer as a whole succeeded.
     if (!VTProtocol::Payload(mapAnswer).value(VTProtocol::NotAllowedJobs).toList().isEmpty())

@@ -108,8 +108,8 @@ VTMainForm::VTMainForm(QWidget* pMainForm)
 
 std::array<QPushButton*, 9> VTMainForm::PageButtons() const
 {
-    return {btnNextPage, btnNextGroup, btnPages[4], btnPages[3], btnPages[2], btnPages[1], btnPages[0], btnPreGroup,
-        btnPrePage};
+    return {btnNextPage, btnNextGroup, btnPages[4], btnPages[3], btnPages[2], btnPages[1], btnPages[0],
+        btnPreGroup, btnPrePage};
 }
 
 QTableWidget* VTMainForm::Table(int nTab) const

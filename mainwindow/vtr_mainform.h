@@ -19,7 +19,7 @@ struct VTMainForm
 
     QPushButton* btnSystemClose;
     QPushButton* btnSystemMin;
-    QPushButton* btnSystemMaxmax; ///< shown while maximised
+    QPushButton* btnSystemMaxmax;    ///< shown while maximised
     QPushButton* btnSystemMaxnormal; ///< shown in normal size
     QPushButton* btnSettings;
     QPushButton* btnSkin;

@@ -33,7 +33,8 @@ void VTPageBar::SetVisibleButtons(const VTPageState& state)
     m_form.btnPreGroup->setVisible(state.HasPreviousGroup());
     m_form.btnNextGroup->setVisible(state.HasNextGroup());
     for (QPushButton* btnPage : m_form.btnPages)
-        btnPage->setVisible(state.PageOfButton(btnPage->property(IndexProperty).toInt()) <= state.nTotalPages);
+        btnPage->setVisible(
+            state.PageOfButton(btnPage->property(IndexProperty).toInt()) <= state.nTotalPages);
 }
 
 void VTPageBar::PlaceButtons(const VTPageState& state)

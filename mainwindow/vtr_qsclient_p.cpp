@@ -95,8 +95,9 @@ void VTQsClientPrivate::ChangeSkin(QString strSkin)
 {
     if (!m_pParts)
         return;
-    m_pParts->ChangeSkin(strSkin);
+    m_pParts->chrome.Restyle(strSkin);
     VTSkin::ApplyStyleSheet(this, strSkin, VTIds::Menu);
+    m_pParts->ChangeSkin(strSkin);
 }
 
 void VTQsClientPrivate::ChangeLanguage(QString /*strLanguage*/)

@@ -105,7 +105,8 @@ public slots:
     void LackTextureOption();
     void TriggerSubmit();
     void Redownload();
-    void SetItemAttribute(QTableWidgetItem* item, QVariant varData, QString strTip, bool bEnableChecked = false);
+    void SetItemAttribute(
+        QTableWidgetItem* item, QVariant varData, QString strTip, bool bEnableChecked = false);
     QProgressBar* GetANewProgressBar(int nPercent);
     void SearchJob(QVariantMap& mapCondition);
     void CellDoubleClicked(int row, int column);

@@ -161,6 +161,11 @@ void VTQsClientPrivate::ChangeTab(int nIndex)
         m_pParts->toolbar.ChangeTab(nIndex);
 }
 
+void VTQsClientPrivate::TriggerTreeViewClicked(QModelIndex /*index*/)
+{
+    // The group panel's own lists do the choosing; the tree has no entries.
+}
+
 void VTQsClientPrivate::SignOut()
 {
     if (m_pParts)

@@ -6,7 +6,8 @@
 struct VTSession
 {
     QString strLoginName; ///< name that the user signs in with; shown, and part of file names
-    QString strUserName; ///< the account's own name; in every request and in the keys of the per-account switches
+    QString
+        strUserName; ///< the account's own name; in every request and in the keys of the per-account switches
     QString strToken;
     QString strServer; ///< the current server's name
     bool bSignedIn = false;

@@ -44,8 +44,10 @@ void VTSignIn::AnnounceSession()
     VTSession& session = m_needs.session;
     if (m_needs.siblings.pSettings)
         session.strServer
-            = m_needs.siblings.pSettings->Value(QStringLiteral("vtr.web/currentserver"), QVariant()).toString();
-    m_needs.setParent.GetSettings(session.strServer, session.strToken, session.strLoginName, session.strUserName);
+            = m_needs.siblings.pSettings->Value(QStringLiteral("vtr.web/currentserver"), QVariant())
+                  .toString();
+    m_needs.setParent.GetSettings(
+        session.strServer, session.strToken, session.strLoginName, session.strUserName);
     m_needs.tray.ShowServer(session.strServer);
     emit SignedIn(session.strServer, session.strLoginName, session.strToken, session.strUserName);
 }
@@ -71,7 +73,8 @@ void VTSignIn::TakeSignOutAnswer()
 
 void VTSignIn::ClearLists()
 {
-    for (QTableWidget* pTable : {m_needs.form.twtDownload, m_needs.form.twtLocalTask, m_needs.form.twtMyRender})
+    for (QTableWidget* pTable :
+        {m_needs.form.twtDownload, m_needs.form.twtLocalTask, m_needs.form.twtMyRender})
         VTTableCells::Clear(pTable);
     m_needs.pageBar.Show(VTList::Downloads, 0);
     m_needs.pageBar.Show(VTList::LocalTasks, 0);

@@ -71,7 +71,8 @@ void VTSubmitList::WriteRow(int nRow, const QString& strTaskId)
     pName->setData(Qt::UserRole, strTaskId);
     pName->setCheckState(Qt::Unchecked);
     SetText(VTTaskColumn::StartTime, renderCore.GetTaskStartTime(strTaskId))->setData(Qt::UserRole, false);
-    SetText(VTTaskColumn::Status, m_needs.tables.mapTaskStage.contains(nStage) ? StageText(nStage) : tr("Unknown"))
+    SetText(VTTaskColumn::Status,
+        m_needs.tables.mapTaskStage.contains(nStage) ? StageText(nStage) : tr("Unknown"))
         ->setData(Qt::UserRole, nStage);
     VTTableCells::WriteProgress(
         m_pTable, nRow, VTTaskColumn::Progress, renderCore.GetTaskProgress(strTaskId), m_needs.tables);
@@ -134,8 +135,8 @@ void VTSubmitList::RefreshRow(int nRow, const QString& strTaskId)
     pStatus->setText(nError != 0 ? QString(StageText(nStage) + tr("fail")) : StageText(nStage));
     pStatus->setData(Qt::UserRole, nStage);
 
-    VTTableCells::WriteProgress(
-        m_pTable, nRow, VTTaskColumn::Progress, qMax(0, renderCore.GetTaskProgress(strTaskId)), m_needs.tables);
+    VTTableCells::WriteProgress(m_pTable, nRow, VTTaskColumn::Progress,
+        qMax(0, renderCore.GetTaskProgress(strTaskId)), m_needs.tables);
 
     // The arguments are known once the scene is analysed; they are read once a row, so that edits stay.
     if (nStage >= StageChecksum && !pStartTime->data(Qt::UserRole).toBool()) {
@@ -181,7 +182,8 @@ void VTSubmitList::Delete(const QStringList& lstTaskId)
     if (!m_needs.siblings.pRenderCore)
         return;
     m_needs.siblings.pRenderCore->RemoveSubmitTasks(lstTaskId, true);
-    m_needs.pageBar.State(VTList::LocalTasks).nTotalRecords = m_needs.siblings.pRenderCore->GetSubmitTaskCount();
+    m_needs.pageBar.State(VTList::LocalTasks).nTotalRecords
+        = m_needs.siblings.pRenderCore->GetSubmitTaskCount();
     BuildPage(m_needs.pageBar.CorrectAfterDeletion(VTList::LocalTasks));
 }
 
@@ -207,8 +209,8 @@ void VTSubmitList::DoubleClicked(int nRow, int nColumn)
         return;
     }
     const QPointer<VTSubmitList> pThis(this);
-    const VTAnswer answer = m_needs.prompts.Ask({QFileInfo(strTaskId).completeBaseName(), pWarn->statusTip(), strText,
-        tr("Cancel"), tr("Submit"), true});
+    const VTAnswer answer = m_needs.prompts.Ask({QFileInfo(strTaskId).completeBaseName(), pWarn->statusTip(),
+        strText, tr("Cancel"), tr("Submit"), true});
     if (pThis && answer == VTAnswer::Agreed && m_needs.siblings.pRenderCore)
         m_needs.siblings.pRenderCore->ContinueSubmit(strTaskId);
 }

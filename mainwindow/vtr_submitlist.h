@@ -15,12 +15,12 @@ struct VTTimers;
 /// Columns of the local tasks' table and what their items keep as data.
 namespace VTTaskColumn {
 enum {
-    Name, ///< task id
+    Name,      ///< task id
     StartTime, ///< whether the arguments were fetched (bool)
-    Status, ///< stage code
+    Status,    ///< stage code
     Progress,
     SceneFile, ///< the task's argument list
-    Warn ///< resource path of the icon shown
+    Warn       ///< resource path of the icon shown
 };
 }
 

@@ -21,8 +21,8 @@ public:
     using AnswerOperation = void (VTRenderCoreInterface::*)(const QString&, bool);
 
     /// siblings, prompts and pTimer must outlive this object.
-    VTTaskQuestions(const VTSiblings& siblings, const VTPrompts& prompts, QTimer* pTimer, MakeQuestion makeQuestion,
-        AnswerOperation answer);
+    VTTaskQuestions(const VTSiblings& siblings, const VTPrompts& prompts, QTimer* pTimer,
+        MakeQuestion makeQuestion, AnswerOperation answer);
 
     void Add(const QString& strTaskId, const QStringList& lstFile);
 

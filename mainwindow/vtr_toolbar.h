@@ -1,6 +1,7 @@
 #pragma once
 
-class QTimer;
+#include <QString>
+
 class VTDownloadList;
 class VTGroup;
 class VTJobList;

@@ -9,6 +9,8 @@
 #include "vtr_siblings.h"
 #include "vtr_timers.h"
 
+#include <QDialog>
+
 namespace {
 
 /// Texts of the questions about local tasks.
@@ -19,7 +21,8 @@ class TaskQuestionTexts
 public:
     static VTQuestion UploadRetry(const QString& strTaskName, const QString& strFiles)
     {
-        return {strTaskName, tr("Retry uploading?Failed to upload files:"), strFiles, tr("Cancel"), tr("Ok"), true};
+        return {strTaskName, tr("Retry uploading?Failed to upload files:"), strFiles, tr("Cancel"), tr("Ok"),
+            true};
     }
 
     static VTQuestion LackedTexture(const QString& strTaskName, const QString& strFiles)
@@ -58,7 +61,8 @@ VTWindowParts::VTWindowParts(
           &VTRenderCoreInterface::UploadRetryAnswer)
     , lackedTextures(siblings, prompts, timers.pLackTexture, TaskQuestionTexts::LackedTexture,
           &VTRenderCoreInterface::LackTextureAnswer)
-    , signIn({form, siblings, timers, requests, chrome, session, account, pageBar, jobList, tray, *pSearch, *pSetParent})
+    , signIn({form, siblings, timers, requests, chrome, session, account, pageBar, jobList, tray, *pSearch,
+          *pSetParent})
 {
     pSetArgument->SetServices(siblings);
     pSetParent->SetServices(siblings);
@@ -78,7 +82,6 @@ VTWindowParts::~VTWindowParts() = default;
 
 void VTWindowParts::ChangeSkin(const QString& strSkin) const
 {
-    chrome.Restyle(strSkin);
     pSetArgument->ChangeSkin(strSkin);
     pSetParent->ChangeSkin(strSkin);
     pSearch->ChangeSkin(strSkin);
@@ -101,6 +104,7 @@ void VTWindowParts::ChangeLanguage()
 QVector<QPointer<QObject>> VTWindowParts::Remains() const
 {
     // Controllers before the forms that they look after.
-    return {pSetArgument.get(), pSetParent.get(), pSearch.get(), pGroup.get(), forms.pMain.data(),
-        forms.pSetArgument.data(), forms.pSetParent.data(), forms.pSearch.data(), forms.pInput.data()};
+    const std::initializer_list<QObject*> lstObject {pSetArgument.data(), pSetParent.data(), pSearch.data(),
+        pGroup.data(), forms.pMain, forms.pSetArgument, forms.pSetParent, forms.pSearch, forms.pInput};
+    return QVector<QPointer<QObject>>(lstObject.begin(), lstObject.end());
 }

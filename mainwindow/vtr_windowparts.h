@@ -23,8 +23,6 @@
 #include <QScopedPointer>
 #include <QVector>
 
-#include <memory>
-
 class VTGroup;
 class VTSearch;
 class VTSetArgument;
@@ -35,15 +33,17 @@ struct VTTimers;
 
 /// A dialog controller, which is scheduled for deletion, not deleted, when its owner goes.
 template <typename Controller>
-using VTController = std::unique_ptr<Controller, QScopedPointerDeleteLater>;
+using VTController = QScopedPointer<Controller, QScopedPointerDeleteLater>;
 
 /// The built window: forms, dialog controllers and the concerns that share them, each after those it needs.
 struct VTWindowParts
 {
     /// @param pWindow parent of tray icon and menus; all must outlive this object.
-    VTWindowParts(QWidget* pWindow, const VTSiblings& siblings, const VTCodeTables& codeTables, const VTTimers& timers);
+    VTWindowParts(
+        QWidget* pWindow, const VTSiblings& siblings, const VTCodeTables& codeTables, const VTTimers& timers);
     ~VTWindowParts();
 
+    /// Restyles what lies outside the main form: dialogs and tray icon.
     void ChangeSkin(const QString& strSkin) const;
     void ChangeLanguage();
 

@@ -27,10 +27,10 @@ void WireForm(const QWidget* pWindow, const VTWindowParts& parts, const VTSiblin
         {form.btnPause, SIGNAL(clicked()), pWindow, SLOT(StopJobs())},
         {form.btnRestart, SIGNAL(clicked()), pWindow, SLOT(RestartJobs())},
         {form.btnSettings, SIGNAL(clicked()), siblings.pConfiguration, SLOT(ShowConf())},
-        {parts.pSetArgument.get(), SIGNAL(setArgument(QString,QVariantList)), siblings.pRenderCore, SLOT(SetArgument(QString,QVariantList))},
-        {parts.pGroup.get(), SIGNAL(condition(QString)), pWindow, SLOT(Condition(QString))},
-        {pWindow, SIGNAL(login(QString,QString,QString, QString)), parts.pGroup.get(), SLOT(Login(QString,QString,QString, QString))},
-        {pWindow, SIGNAL(windowSizeChanged()), parts.pGroup.get(), SLOT(WindowSizeChanged())},
+        {parts.pSetArgument.data(), SIGNAL(setArgument(QString,QVariantList)), siblings.pRenderCore, SLOT(SetArgument(QString,QVariantList))},
+        {parts.pGroup.data(), SIGNAL(condition(QString)), pWindow, SLOT(Condition(QString))},
+        {pWindow, SIGNAL(login(QString,QString,QString, QString)), parts.pGroup.data(), SLOT(Login(QString,QString,QString, QString))},
+        {pWindow, SIGNAL(windowSizeChanged()), parts.pGroup.data(), SLOT(WindowSizeChanged())},
     });
     for (const QPushButton* btnPage : form.PageButtons())
         VTConnect({{btnPage, SIGNAL(clicked()), pWindow, SLOT(PageButtonClicked())}});
@@ -62,8 +62,8 @@ void WireCommunication(const QWidget* pWindow, const VTWindowParts& parts, const
         {pCommunication, SIGNAL(RestartJobResponse(int,QVariantMap)), pWindow, SLOT(TriggerRestartJobsResponse(int,QVariantMap))},
         {pCommunication, SIGNAL(StopJobResponse(int,QVariantMap)), pWindow, SLOT(TriggerStopJobsResponse(int,QVariantMap))},
         {pCommunication, SIGNAL(FullRenderResponse(int,QVariantMap)), pWindow, SLOT(TriggerFullRenderResponse(int,QVariantMap))},
-        {pCommunication, SIGNAL(JobInfoResponse(int,QVariantMap)), parts.pSetParent.get(), SLOT(TriggerJobInfoResponse(int,QVariantMap))},
-        {pCommunication, SIGNAL(ProjectListResponse(int,QVariantMap)), parts.pSearch.get(), SLOT(TriggerProjectListResponse(int,QVariantMap))},
+        {pCommunication, SIGNAL(JobInfoResponse(int,QVariantMap)), parts.pSetParent.data(), SLOT(TriggerJobInfoResponse(int,QVariantMap))},
+        {pCommunication, SIGNAL(ProjectListResponse(int,QVariantMap)), parts.pSearch.data(), SLOT(TriggerProjectListResponse(int,QVariantMap))},
     });
 }
 
@@ -92,15 +92,15 @@ void WireListsAndTimers(const QWidget* pWindow, const VTWindowParts& parts, cons
         {timers.pJobList, SIGNAL(timeout()), pWindow, SLOT(RefreshJobList())},
         {pRenderCore, SIGNAL(failFile(QString,QStringList)), pWindow, SLOT(TriggerFailFile(QString,QStringList))},
         {pRenderCore, SIGNAL(lackedTexture(QString,QStringList)), pWindow, SLOT(TriggerLackedTexture(QString,QStringList))},
-        {parts.pSearch.get(), SIGNAL(search(QVariantMap&)), pWindow, SLOT(SearchJob(QVariantMap&))},
-        {form.btnSearch, SIGNAL(clicked()), parts.pSearch.get(), SLOT(Show())},
+        {parts.pSearch.data(), SIGNAL(search(QVariantMap&)), pWindow, SLOT(SearchJob(QVariantMap&))},
+        {form.btnSearch, SIGNAL(clicked()), parts.pSearch.data(), SLOT(Show())},
     });
 }
 
 void WireMenus(const QWidget* pWindow, const VTWindowParts& parts)
 {
     const VTContextMenus& menus = parts.menus;
-    const QObject* pSetParent = parts.pSetParent.get();
+    const QObject* pSetParent = parts.pSetParent.data();
     VTConnect({
         {parts.tray.QuitAction(), SIGNAL(triggered()), qApp, SLOT(quit())},
         {parts.tray.Icon(), SIGNAL(activated(QSystemTrayIcon::ActivationReason)), pWindow, SLOT(TriggerActivated(QSystemTrayIcon::ActivationReason))},
@@ -115,14 +115,15 @@ void WireMenus(const QWidget* pWindow, const VTWindowParts& parts)
         {menus.pRedownload, SIGNAL(triggered()), pWindow, SLOT(Redownload())},
         {menus.pSubmit, SIGNAL(triggered()), pWindow, SLOT(TriggerSubmit())},
         {menus.pDeleteTasks, SIGNAL(triggered()), pWindow, SLOT(DeleteJobs())},
-        {menus.pSetArgument, SIGNAL(triggered()), parts.pSetArgument.get(), SLOT(TriggerSetArgument())},
+        {menus.pSetArgument, SIGNAL(triggered()), parts.pSetArgument.data(), SLOT(TriggerSetArgument())},
     });
 }
 
 } // namespace
 // clang-format on
 
-void VTWireWindow(QWidget* pWindow, const VTWindowParts& parts, const VTSiblings& siblings, const VTTimers& timers)
+void VTWireWindow(
+    QWidget* pWindow, const VTWindowParts& parts, const VTSiblings& siblings, const VTTimers& timers)
 {
     RegisterVTParameters();
     WireForm(pWindow, parts, siblings);

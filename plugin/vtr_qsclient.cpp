@@ -1,5 +1,6 @@
 #include "vtr_qsclient.h"
 
+#include "vtr_baseappinterface.h"
 #include "vtr_connections.h"
 #include "vtr_ids.h"
 #include "vtr_qsclient_p.h"
@@ -65,7 +66,8 @@ Service* Find(const VTSiblings& siblings, const SiblingEntry& entry)
 bool Start(VTBaseInterface* pService, const QVariantMap& mapParameters, int& nStatus)
 {
     QVariant varResult;
-    if (!pService || pService->Initialize(mapParameters) != 0 || pService->Show(varResult, mapParameters) != 0)
+    if (!pService || pService->Initialize(mapParameters) != 0
+        || pService->Show(varResult, mapParameters) != 0)
         return false;
     nStatus = varResult.toInt();
     return true;
@@ -173,9 +175,12 @@ int VTQsClient::AttachPlugins(const QString& strKey)
         m_pWindow->LoadGlobalSettings();
         m_pWindow->BuildInterface();
         return Success;
+    } catch (const std::exception& exception) {
+        qCritical("[%s] %s", VTIds::Client.data(), exception.what());
     } catch (...) {
-        return Failure;
+        qCritical("[%s] Attachment failed", VTIds::Client.data());
     }
+    return Failure;
 }
 
 bool VTQsClient::AttachSiblings(const QString& strKey)
@@ -287,6 +292,4 @@ int VTQsClient::Close(const QVariant& varRequest)
     return Success;
 }
 
-void VTQsClient::ShowWindow(QString /*strAppKey*/)
-{
-}
+void VTQsClient::ShowWindow(QString /*strAppKey*/) { }

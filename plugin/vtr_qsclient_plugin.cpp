@@ -12,7 +12,8 @@ void VTQsClientPlugin::start(ctkPluginContext* context)
 {
     m_pService = std::make_unique<VTQsClient>();
     // The registration lives until the framework withdraws it when the plugin stops.
-    context->registerService(QStringList {QStringLiteral("VTBaseInterface")}, m_pService.get(), ctkDictionary());
+    context->registerService(
+        QStringList {QStringLiteral("VTBaseInterface")}, m_pService.get(), ctkDictionary());
 }
 
 void VTQsClientPlugin::stop(ctkPluginContext* /*context*/)
