@@ -1,0 +1,71 @@
+#include "vtr_dependencies.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr QLatin1Char Separator('&');
+
+} // namespace
+
+QString VTParentJob::Entry() const
+{
+    return QString(strId + Separator + strType);
+}
+
+VTParentJob VTParentJob::FromEntry(const QString& strEntry)
+{
+    const QStringList lstPart = strEntry.split(Separator);
+    return {lstPart.value(0), lstPart.value(1)};
+}
+
+void VTDependencies::Open(const QString& strPath)
+{
+    m_file = VTListFile(strPath, QStringLiteral("parent"));
+    Requeue();
+}
+
+bool VTDependencies::Record(const QStringList& lstSon, const QStringList& lstParentEntry)
+{
+    const QString strKey = lstSon.join(Separator);
+    const bool bSaved = m_file.Set(strKey, lstParentEntry);
+    m_lstQueue.append(strKey);
+    return bSaved;
+}
+
+bool VTDependencies::Requeue()
+{
+    m_lstQueue.clear();
+    const QVector<VTNamedList> lstGroup = m_file.Entries();
+    for (const VTNamedList& group : lstGroup)
+        m_lstQueue.append(group.strName);
+    return HasQueued();
+}
+
+QVector<VTParentJob> VTDependencies::TakeNext()
+{
+    QVector<VTParentJob> lstParent;
+    const QStringList lstEntry = m_file.Value(m_lstQueue.takeFirst());
+    for (const QString& strEntry : lstEntry)
+        lstParent.append(VTParentJob::FromEntry(strEntry));
+    return lstParent;
+}
+
+QStringList VTDependencies::Finish(const QString& strJobId)
+{
+    m_setFinished.insert(strJobId);
+    QStringList lstKey;
+    const QVector<VTNamedList> lstGroup = m_file.Entries();
+    for (const VTNamedList& group : lstGroup) {
+        if (group.lstValue.join(Separator).contains(strJobId) && AllFinished(group.lstValue))
+            lstKey.append(group.strName);
+    }
+    return lstKey;
+}
+
+bool VTDependencies::AllFinished(const QStringList& lstParentEntry) const
+{
+    return std::all_of(lstParentEntry.begin(), lstParentEntry.end(), [this](const QString& strEntry) {
+        return m_setFinished.contains(VTParentJob::FromEntry(strEntry).strId);
+    });
+}

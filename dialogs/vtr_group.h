@@ -1,0 +1,102 @@
+#pragma once
+
+#include "vtr_dialogform.h"
+#include "vtr_listfile.h"
+
+#include <QObject>
+#include <QPoint>
+#include <QPointer>
+#include <QString>
+#include <QToolBox>
+
+class QAction;
+class QDialog;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QListWidgetItem;
+class QMenu;
+class QPushButton;
+struct VTSiblings;
+
+/// Controller of the group panel: filters the job list by status or by the user's own groups of jobs, called projects.
+///
+/// The widgets it builds belong to the main form. Until the first sign-in there is no group file.
+class VTGroup : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// None of the three is owned or null.
+    VTGroup(QWidget* mainForm, QWidget* wgtGroup, QDialog* inputDialog);
+
+    /// @param siblings must live until Retire().
+    void SetServices(const VTSiblings& siblings) { m_pSiblings = &siblings; }
+
+    /// Ends the use of the services, for good: their owner goes before this object does.
+    void Retire() { m_pSiblings = nullptr; }
+
+    /// Builds the two pages and the menu; once, before any other call.
+    void InitWidgets();
+
+    /// Condition text of the current project.
+    QString CurrentProjectCondition();
+
+    /// Index of the open page.
+    int CurrentPage() const;
+
+signals:
+    /// A filter was chosen: the condition text, empty for all jobs.
+    void condition(QString strCondition);
+
+public slots:
+    /// Lists the groups of the file anew and falls back to the first one when the current project has gone.
+    void UpdateGroup();
+    void ChangeLanguage();
+    void AddGroup();
+    void Login(QString strServer, QString strUsername, QString strToken, QString strUserId);
+    void CustomContextMenu(QPoint pos);
+    void DeleteGroup();
+    void StatusItemClicked(QListWidgetItem* item);
+    void GroupItemClicked(QListWidgetItem* item);
+    void CurrentChanged(int index);
+    void ChangeSkin(QString strSkin);
+    void ClickedOk();
+    void ClickedCancel();
+    void WindowSizeChanged();
+
+private:
+    bool IsBound() const { return m_pToolBox && m_pGroupList; }
+    void BuildInputDialog();
+    void BuildStatusPage();
+    void BuildGroupPage();
+    void BuildMenu();
+    QString CurrentProject() const;
+    void SetCurrentProject(const QString& strName);
+    QString CurrentProjectKey() const;
+    void AddNamedGroup(const QString& strName);
+    void ReportUnsaved() const;
+
+    QPointer<QWidget> m_pMainForm;
+    QPointer<QWidget> m_pWgtGroup;
+    QPointer<QToolBox> m_pToolBox; ///< while it lives, so does all that belongs to the main form
+    VTDialogForm m_inputForm;
+    QLabel* m_pLblProject = nullptr;
+    QLabel* m_pLblProjectV = nullptr;
+    QListWidget* m_pStatusList = nullptr;
+    QListWidget* m_pGroupList = nullptr;
+    QMenu* m_pMenu = nullptr;
+    QAction* m_pActAdd = nullptr;
+    QAction* m_pActDelete = nullptr;
+    QPushButton* m_pBtnOk = nullptr;
+    QPushButton* m_pBtnCancel = nullptr;
+    QLabel* m_pLblTip = nullptr;
+    QLabel* m_pLblTitle = nullptr;
+    QLineEdit* m_pLneInput = nullptr;
+    const VTSiblings* m_pSiblings = nullptr;
+    VTListFile m_groups;
+    QString m_strUserName;
+    QString m_strClosedIcon;
+    QString m_strOpenIcon;
+    int m_nPreviousPage = 0;
+};

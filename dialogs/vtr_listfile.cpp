@@ -1,0 +1,149 @@
+#include "vtr_listfile.h"
+
+#include "vtr_durability.h"
+#include "vtr_filename.h"
+
+#include <QFile>
+#include <QSet>
+#include <QVariantMap>
+
+namespace {
+
+constexpr QLatin1Char Slash('/');
+const QLatin1String PercentCode("%25");
+const QLatin1String SlashCode("%2F");
+const QLatin1String BackslashCode("%5C");
+
+// QSettings drops slashes that separate nothing, and turns backslashes into slashes on some systems. A name that looks
+// like an escaped one is not left as it is either, else it would come back as something else.
+bool StaysWhole(const QString& strName)
+{
+    return !strName.startsWith(Slash) && !strName.endsWith(Slash) && !strName.contains(QLatin1String("//"))
+        && !strName.contains(QLatin1Char('\\')) && !strName.contains(PercentCode)
+        && !strName.contains(SlashCode) && !strName.contains(BackslashCode);
+}
+
+QString KeyOf(const QString& strName)
+{
+    if (StaysWhole(strName))
+        return strName;
+    QString strKey = strName;
+    return strKey.replace(QLatin1Char('%'), PercentCode)
+        .replace(Slash, SlashCode)
+        .replace(QLatin1Char('\\'), BackslashCode);
+}
+
+QString NameOf(const QString& strKey)
+{
+    QString strName = strKey;
+    strName.replace(SlashCode, QLatin1String("/"))
+        .replace(BackslashCode, QLatin1String("\\"))
+        .replace(PercentCode, QLatin1String("%"));
+    // What was not written here is a plain name.
+    return KeyOf(strName) == strKey ? strName : strKey;
+}
+
+} // namespace
+
+VTListFile::VTListFile(const QString& strPath, const QString& strGroup)
+    : m_strPath(strPath)
+    , m_strGroup(strGroup)
+{
+    VTEnsureFile(strPath);
+    m_pSettings = std::make_unique<QSettings>(strPath, QSettings::IniFormat);
+}
+
+QVector<VTNamedList> VTListFile::Entries() const
+{
+    QVector<VTNamedList> lstEntry;
+    QSet<QString> setName;
+    const QStringList lstKey = Keys();
+    for (const QString& strKey : lstKey) {
+        const QString strName = NameOf(strKey);
+        if (setName.contains(strName))
+            continue;
+        setName.insert(strName);
+        lstEntry.append({strName, m_pSettings->value(FullKey(strKey)).toStringList()});
+    }
+    return lstEntry;
+}
+
+QStringList VTListFile::Value(const QString& strName) const
+{
+    const QStringList lstKey = KeysOf(strName);
+    return lstKey.isEmpty() ? QStringList() : m_pSettings->value(FullKey(lstKey.first())).toStringList();
+}
+
+bool VTListFile::Set(const QString& strName, const QVariant& varValue) const
+{
+    if (!IsOpen() || strName.isEmpty())
+        return false;
+    const QStringList lstKey = KeysOf(strName);
+    m_pSettings->setValue(FullKey(lstKey.isEmpty() ? KeyOf(strName) : lstKey.first()), varValue);
+    return Save();
+}
+
+bool VTListFile::Remove(const QString& strName) const
+{
+    if (!IsOpen())
+        return false;
+    const QStringList lstKey = KeysOf(strName);
+    for (const QString& strKey : lstKey) {
+        // QSettings removes "a/b" along with "a"; here they are two names.
+        QVariantMap mapKept;
+        const QStringList lstAll = Keys();
+        for (const QString& strOther : lstAll) {
+            if (strOther.startsWith(strKey + Slash))
+                mapKept.insert(FullKey(strOther), m_pSettings->value(FullKey(strOther)));
+        }
+        m_pSettings->remove(FullKey(strKey));
+        for (auto itKept = mapKept.cbegin(); itKept != mapKept.cend(); ++itKept)
+            m_pSettings->setValue(itKept.key(), itKept.value());
+    }
+    return Save();
+}
+
+/// The keys of the group as they are in the file now.
+QStringList VTListFile::Keys() const
+{
+    QStringList lstKey;
+    if (!IsOpen())
+        return lstKey;
+    m_pSettings->sync();
+    const QString strPrefix = FullKey(QString());
+    const QStringList lstAll = m_pSettings->allKeys();
+    if (m_pSettings->status() == QSettings::FormatError)
+        QFile::copy(m_strPath, m_strPath + QLatin1String(".damaged"));
+    for (const QString& strKey : lstAll) {
+        if (strKey.size() > strPrefix.size() && strKey.startsWith(strPrefix))
+            lstKey.append(strKey.mid(strPrefix.size()));
+    }
+    return lstKey;
+}
+
+/// The keys that stand for a name, the one that other programs would use first.
+QStringList VTListFile::KeysOf(const QString& strName) const
+{
+    QStringList lstFound;
+    const QStringList lstKey = Keys();
+    for (const QString& strKey : lstKey) {
+        if (strKey == strName)
+            lstFound.prepend(strKey);
+        else if (NameOf(strKey) == strName)
+            lstFound.append(strKey);
+    }
+    return lstFound;
+}
+
+QString VTListFile::FullKey(const QString& strKey) const
+{
+    return QString(m_strGroup + Slash + strKey);
+}
+
+bool VTListFile::Save() const
+{
+    m_pSettings->sync();
+    // The status of an object keeps its first error; another object on the same file tells how it is now.
+    return QSettings(m_strPath, QSettings::IniFormat).status() == QSettings::NoError
+        && VTSyncToDisk(m_strPath);
+}

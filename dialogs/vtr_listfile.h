@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QSettings>
+#include <QStringList>
+#include <QVariant>
+#include <QVector>
+
+#include <memory>
+
+struct VTNamedList
+{
+    QString strName;
+    QStringList lstValue;
+};
+
+/// Named string lists in one group of an INI file, in the form that QSettings reads and writes.
+///
+/// Other programs may write the file at any time: it is looked at anew in each call. Writing replaces the file as a
+/// whole, so that whoever is killed leaves the old file or the new one. A file that QSettings can only read in part is
+/// kept as a copy beside it ("….damaged"), since the next write would drop the rest. Without a path all reads are
+/// empty and all writes fail.
+class VTListFile
+{
+public:
+    VTListFile() = default;
+
+    /// Creates the file, and its folder, unless it exists.
+    VTListFile(const QString& strPath, const QString& strGroup);
+
+    bool IsOpen() const { return m_pSettings != nullptr; }
+    QString Path() const { return m_strPath; }
+
+    /// All entries in the file's order. A name is any text but the empty one, slashes at any place included.
+    QVector<VTNamedList> Entries() const;
+    bool Contains(const QString& strName) const { return !KeysOf(strName).isEmpty(); }
+    /// Empty when there is no entry of that name.
+    QStringList Value(const QString& strName) const;
+
+    /// Writes an entry.
+    /// @return whether it is on the disk. When not, the entry holds for as long as this object lives, and each later
+    /// call tries to write it again.
+    bool Set(const QString& strName, const QVariant& varValue) const;
+    bool Remove(const QString& strName) const;
+
+private:
+    QStringList Keys() const;
+    QStringList KeysOf(const QString& strName) const;
+    QString FullKey(const QString& strKey) const;
+    bool Save() const;
+
+    QString m_strPath;
+    QString m_strGroup;
+    std::unique_ptr<QSettings> m_pSettings;
+};

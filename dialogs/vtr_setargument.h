@@ -1,0 +1,81 @@
+#pragma once
+
+#include "vtr_dialogform.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QVariantList>
+#include <QVector>
+
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QSpinBox;
+class QTableWidget;
+struct VTFrameRange;
+struct VTSiblings;
+
+/// Controller of the set-argument dialog: edits the render arguments of the local task in the task table's current row.
+class VTSetArgument : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param pForm not owned, never null.
+    /// @param pTaskTable the local tasks; not owned.
+    VTSetArgument(QWidget* pForm, QTableWidget* pTaskTable);
+
+    /// @param siblings must live until Retire().
+    void SetServices(const VTSiblings& siblings) { m_pSiblings = &siblings; }
+
+    /// Ends the use of the services, for good: their owner goes before this object does.
+    void Retire() { m_pSiblings = nullptr; }
+
+    /// Finds the form's widgets and connects them; once, before any other call.
+    void InitWidgets();
+
+signals:
+    /// A task's arguments were confirmed, one map a group.
+    void setArgument(QString strId, QVariantList lstData);
+
+public slots:
+    void ChangeSkin(QString strSkin);
+    void ChangeLanguage();
+    /// Runs the dialog on the current task.
+    void TriggerSetArgument();
+    void TriggerArgumentOk();
+    /// Shows the rows of the first nGroup frame ranges and lays the rest of the form out below them.
+    void AddFrameRange(int nGroup);
+
+private:
+    struct Group
+    {
+        QSpinBox* pStartFrame;
+        QSpinBox* pEndFrame;
+        QWidget* pRow;
+        QLabel* pCaption;
+    };
+
+    bool IsBound() const { return m_form.Form() && !m_lstGroup.isEmpty(); }
+    void FindWidgets();
+    void ReadArguments(const QVariantList& lstArguments);
+    bool Accepts(const VTFrameRange& range) const;
+    void StoreArguments(const QVariantList& lstArguments);
+
+    VTDialogForm m_form;
+    QPointer<QTableWidget> m_pTaskTable;
+    const VTSiblings* m_pSiblings = nullptr;
+    QPushButton* m_pBtnClose = nullptr;
+    QLabel* m_pLblJobName = nullptr;
+    QLabel* m_pLblGroup = nullptr;
+    QSpinBox* m_pSpbGroup = nullptr;
+    QVector<Group> m_lstGroup;
+    QWidget* m_pWgtImageSize = nullptr;
+    QLabel* m_pLblImageSize = nullptr;
+    QLineEdit* m_pLneImageWidth = nullptr;
+    QLineEdit* m_pLneImageHeight = nullptr;
+    QCheckBox* m_pChkPrerender = nullptr;
+    QPushButton* m_pBtnOk = nullptr;
+};

@@ -1,0 +1,261 @@
+#include "vtr_setparent.h"
+
+#include "vtr_filename.h"
+#include "vtr_ids.h"
+#include "vtr_jobrow.h"
+#include "vtr_prompts.h"
+#include "vtr_protocol.h"
+#include "vtr_siblings.h"
+#include "vtr_tablecells.h"
+
+#include <QCoreApplication>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QTimer>
+
+namespace {
+
+constexpr int PollInterval = 1000;
+
+/// A table lays out all its bars again for each one that comes; so rows come several at a time.
+constexpr int BatchSize = 32;
+
+constexpr int FirstPage = 1;
+constexpr int ListForParents = 1;
+
+constexpr char SonsProperty[] = "sonlist";
+
+/// The job's status, as the job-info answer nests it.
+int ReportedStatus(const QVariantMap& mapAnswer)
+{
+    const QVariantMap mapJob = VTProtocol::Payload(mapAnswer).value(QStringLiteral("jobDatas")).toMap();
+    return mapJob.value(QStringLiteral("jobStatus")).toInt();
+}
+
+} // namespace
+
+VTSetParent::VTSetParent(QWidget* pForm, QTableWidget* pJobTable, QMap<int, QString> progressStyles,
+    QMap<int, QString> statusTexts)
+    : m_form(pForm, VTIds::SetParent)
+    , m_pJobTable(pJobTable)
+    , m_pPollTimer(new QTimer(this))
+{
+    m_tables.mapProgressStyle = progressStyles;
+    m_tables.mapJobStatus = statusTexts;
+    m_pPollTimer->setInterval(PollInterval);
+    connect(m_pPollTimer, &QTimer::timeout, this, &VTSetParent::GetJobInfo);
+}
+
+void VTSetParent::Retire()
+{
+    m_pSiblings = nullptr;
+    m_pPollTimer->stop();
+    CancelFill();
+}
+
+void VTSetParent::InitWidgets()
+{
+    m_form.SetDialogFlags();
+    m_pCandidates = m_form.Find<QTableWidget>(QStringLiteral("twtJobList"));
+    m_pCandidates->setColumnCount(VTJobColumn::Count);
+    m_pBtnClose = m_form.Find<QPushButton>(QStringLiteral("btnCloseSetParent"));
+    m_pBtnOk = m_form.Find<QPushButton>(QStringLiteral("btnOkSetParent"));
+    connect(m_pBtnClose, &QPushButton::clicked, m_form.Form(), &QWidget::close);
+    connect(m_pBtnOk, &QPushButton::clicked, this, &VTSetParent::TriggerSetParentOk);
+}
+
+void VTSetParent::ChangeSkin(QString strSkin)
+{
+    m_form.ApplySkin(strSkin);
+}
+
+void VTSetParent::ChangeLanguage()
+{
+    if (!IsBound())
+        return;
+    m_pBtnOk->setText(tr("Ok"));
+    m_pCandidates->setHorizontalHeaderLabels(VTJobHeaders());
+    for (int nRow = 0; nRow < m_pCandidates->rowCount(); ++nRow) {
+        if (QTableWidgetItem* pItem = m_pCandidates->item(nRow, VTJobColumn::Status))
+            pItem->setText(m_tables.JobStatusText(pItem->data(Qt::UserRole).toInt()));
+    }
+}
+
+void VTSetParent::SetJobParent()
+{
+    if (!m_form.Form())
+        return;
+    const QStringList lstSon = WaitingSons();
+    if (lstSon.isEmpty())
+        return;
+    m_form.Form()->setProperty(SonsProperty, lstSon);
+    emit getJobList(FirstPage, QString(), ListForParents);
+    m_form.Exec();
+}
+
+/// The checked jobs; none when one of them is in a state in which it cannot wait.
+QStringList VTSetParent::WaitingSons() const
+{
+    QStringList lstSon;
+    if (!m_pJobTable)
+        return lstSon;
+    const QList<int> lstRow = VTTableCells::CheckedRows(m_pJobTable);
+    for (const int nRow : lstRow) {
+        const int nStatus = VTTableCells::Data(m_pJobTable, nRow, VTJobColumn::Status).toInt();
+        if (nStatus != VTCodeTables::JobWaiting && nStatus != VTCodeTables::JobRunning)
+            return {};
+        lstSon.append(VTTableCells::Data(m_pJobTable, nRow, VTJobColumn::Sequence).toString());
+    }
+    return lstSon;
+}
+
+void VTSetParent::TriggerSetParentOk()
+{
+    const QStringList lstParent = GetCheckedItem();
+    if (lstParent.isEmpty()) {
+        m_form.Close();
+        return;
+    }
+    const QStringList lstSon = m_form.Form()->property(SonsProperty).toStringList();
+    const QString strParents = lstParent.join(QLatin1Char('&'));
+    // A job cannot wait for itself. Part of another's identity counts as well.
+    for (const QString& strSon : lstSon) {
+        if (strParents.contains(strSon))
+            return;
+    }
+    emit stopJobs(JobsRequest(lstSon));
+    const bool bSaved = m_dependencies.Record(lstSon, lstParent);
+    m_pPollTimer->start();
+    if (!bSaved) {
+        const QPointer<VTSetParent> pSelf(this);
+        ReportUnsaved(true);
+        if (!pSelf)
+            return;
+    }
+    m_form.Close();
+}
+
+void VTSetParent::ShowParenList(QVariantList lstJobs)
+{
+    if (!IsBound())
+        return;
+    const int nFill = ++m_nFill;
+    const bool bShown = m_form.Form()->isVisible();
+    const QPointer<VTSetParent> pSelf(this);
+    VTTableCells::Clear(m_pCandidates);
+    QVector<VTJobRecord> lstBatch;
+    for (int i = 0; i < lstJobs.size(); ++i) {
+        lstBatch.append(VTJobRecord::FromMap(lstJobs.at(i).toMap()));
+        if (lstBatch.size() == BatchSize || i + 1 == lstJobs.size()) {
+            AppendCandidates(lstBatch);
+            lstBatch.clear();
+        }
+        QCoreApplication::processEvents();
+        // Anything may have happened: sign-out, a newer list, the end of the dialog or of all this.
+        if (!pSelf || nFill != m_nFill || !m_form.Form() || (bShown && !m_form.Form()->isVisible()))
+            return;
+    }
+}
+
+void VTSetParent::AppendCandidates(const QVector<VTJobRecord>& lstJob)
+{
+    int nRow = m_pCandidates->rowCount();
+    m_pCandidates->setRowCount(nRow + lstJob.size());
+    for (const VTJobRecord& job : lstJob)
+        WriteCandidate(nRow++, job);
+}
+
+void VTSetParent::WriteCandidate(int nRow, const VTJobRecord& job)
+{
+    VTJobRow row = VTMakeJobRow(job, m_tables.mapJobStatus);
+    row[VTJobColumn::StartTime].varData.clear();
+    for (const int nColumn : {VTJobColumn::StartTime, VTJobColumn::Status, VTJobColumn::Cost})
+        row[nColumn].strTip.clear();
+
+    for (int nColumn = 0; nColumn < VTJobColumn::Count; ++nColumn) {
+        if (nColumn == VTJobColumn::Progress)
+            VTTableCells::WriteProgress(m_pCandidates, nRow, nColumn, job.nProgress, m_tables);
+        else
+            VTTableCells::Write(m_pCandidates, nRow, nColumn, row[nColumn]);
+    }
+    for (const int nColumn : {VTJobColumn::Sequence, VTJobColumn::Name})
+        m_pCandidates->item(nRow, nColumn)->setData(Qt::TextAlignmentRole, QVariant());
+}
+
+QStringList VTSetParent::GetCheckedItem()
+{
+    QStringList lstEntry;
+    if (!IsBound())
+        return lstEntry;
+    const QList<int> lstRow = VTTableCells::CheckedRows(m_pCandidates);
+    for (const int nRow : lstRow) {
+        const VTParentJob parent {VTTableCells::Data(m_pCandidates, nRow, VTJobColumn::Sequence).toString(),
+            VTTableCells::Data(m_pCandidates, nRow, VTJobColumn::Name).toString()};
+        lstEntry.append(parent.Entry());
+    }
+    return lstEntry;
+}
+
+void VTSetParent::GetJobInfo()
+{
+    if (!m_dependencies.HasQueued()) {
+        if (!m_dependencies.Requeue())
+            m_pPollTimer->stop();
+        return;
+    }
+    const QVector<VTParentJob> lstParent = m_dependencies.TakeNext();
+    for (const VTParentJob& parent : lstParent)
+        emit getJobInfo(InfoRequest(parent));
+}
+
+void VTSetParent::GetSettings(QString strServer, QString strToken, QString strUsername, QString strUserId)
+{
+    m_strToken = strToken;
+    m_strUserId = strUserId;
+    m_dependencies.Open(VTAccountFile(QStringLiteral("data"), strServer, strUsername));
+    m_pPollTimer->start();
+}
+
+void VTSetParent::TriggerJobInfoResponse(int nRet, QVariantMap mapData)
+{
+    // The window asks for job information too; only this dialog's requests are marked.
+    const QString strJobId = mapData.value(QStringLiteral("jobId")).toString();
+    if (nRet != VTProtocol::Success || !mapData.value(VTProtocol::Identifier).toBool() || strJobId.isEmpty()
+        || ReportedStatus(mapData) != VTCodeTables::JobFinished)
+        return;
+    const QStringList lstKey = m_dependencies.Finish(strJobId);
+    for (const QString& strKey : lstKey) {
+        if (!m_dependencies.Release(strKey))
+            ReportUnsaved(false);
+        emit recoverJobs(JobsRequest(VTDependencies::Sons(strKey)));
+    }
+}
+
+VTParameters VTSetParent::JobsRequest(const QStringList& lstJobId) const
+{
+    VTParameters parameters = VTProtocol::SessionRequest(m_strUserId, m_strToken);
+    VTProtocol::AddJobIds(parameters, lstJobId);
+    return parameters;
+}
+
+VTParameters VTSetParent::InfoRequest(const VTParentJob& parent) const
+{
+    VTParameters parameters = VTProtocol::SessionRequest(m_strUserId, m_strToken);
+    parameters.insert(QStringLiteral("id"), parent.strId);
+    parameters.insert(QStringLiteral("jobId"), parent.strId);
+    parameters.insert(QStringLiteral("jobtype"), parent.strType);
+    parameters.insert(VTProtocol::Identifier, 1);
+    return parameters;
+}
+
+void VTSetParent::ReportUnsaved(bool bNotify) const
+{
+    if (!m_pSiblings)
+        return;
+    m_pSiblings->LogCritical(
+        QStringLiteral("The dependency file cannot be written: %1").arg(m_dependencies.Path()));
+    if (bNotify)
+        VTPrompts(*m_pSiblings)
+            .Notify(tr("The dependency could not be saved. The jobs will be resumed only while the client is "
+                       "running."));
+}

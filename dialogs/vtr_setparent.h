@@ -1,0 +1,92 @@
+#pragma once
+
+#include "vtr_codetables.h"
+#include "vtr_dependencies.h"
+#include "vtr_dialogform.h"
+#include "vtr_parameters.h"
+
+#include <QMap>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+#include <QVariantList>
+#include <QVariantMap>
+
+class QPushButton;
+class QTableWidget;
+class QTimer;
+struct VTJobRecord;
+struct VTSiblings;
+
+/// Controller of the set-parent dialog: makes the jobs checked in the job table wait for others.
+///
+/// Waiting jobs are stopped and written to the account's dependency file; their parents are asked about once a second,
+/// and when all have finished the jobs are recovered. The farm is reached through the signals.
+class VTSetParent : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param pForm not owned, never null.
+    /// @param pJobTable the account's jobs; not owned.
+    VTSetParent(QWidget* pForm, QTableWidget* pJobTable, QMap<int, QString> progressStyles,
+        QMap<int, QString> statusTexts);
+
+    /// @param siblings must live until Retire().
+    void SetServices(const VTSiblings& siblings) { m_pSiblings = &siblings; }
+
+    /// Ends the use of the services, the poll and a fill, for good: the owner goes before this object does.
+    void Retire();
+
+    /// Finds the form's widgets and connects them; once, before any other call.
+    void InitWidgets();
+
+    /// Ends a fill of the candidate list that is under way, after the row in hand.
+    void CancelFill() { ++m_nFill; }
+
+signals:
+    void getJobList(int nPage, QString strCondition, int nFlage);
+    void stopJobs(VTParameters parameters);
+    void getJobInfo(VTParameters parameters);
+    void recoverJobs(VTParameters parameters);
+
+public slots:
+    void ChangeSkin(QString strSkin);
+    void ChangeLanguage();
+    /// Runs the dialog for the jobs checked in the job table; does nothing unless all of them are waiting or running.
+    void SetJobParent();
+    void TriggerSetParentOk();
+    /// Fills the candidate list. The dialog stays responsive meanwhile; a newer list takes over.
+    void ShowParenList(QVariantList lstJobs);
+    /// The checked candidates, each as "id&type".
+    QStringList GetCheckedItem();
+    /// One step of the poll: asks about the parents of the next son group.
+    void GetJobInfo();
+    /// Goes over to the dependencies of an account that has signed in.
+    /// @param strUsername names the file; strUserId goes into the requests.
+    void GetSettings(QString strServer, QString strToken, QString strUsername, QString strUserId);
+    void TriggerJobInfoResponse(int nRet, QVariantMap mapData);
+
+private:
+    bool IsBound() const { return m_form.Form() && m_pCandidates; }
+    QStringList WaitingSons() const;
+    void AppendCandidates(const QVector<VTJobRecord>& lstJob);
+    void WriteCandidate(int nRow, const VTJobRecord& job);
+    VTParameters JobsRequest(const QStringList& lstJobId) const;
+    VTParameters InfoRequest(const VTParentJob& parent) const;
+    void ReportUnsaved(bool bNotify) const;
+
+    VTDialogForm m_form;
+    QPointer<QTableWidget> m_pJobTable;
+    QTableWidget* m_pCandidates = nullptr;
+    QPushButton* m_pBtnClose = nullptr;
+    QPushButton* m_pBtnOk = nullptr;
+    const VTSiblings* m_pSiblings = nullptr;
+    VTCodeTables m_tables;
+    VTDependencies m_dependencies;
+    QTimer* m_pPollTimer;
+    QString m_strToken;
+    QString m_strUserId;
+    int m_nFill = 0;
+};
