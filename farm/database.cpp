@@ -1,0 +1,112 @@
+#include "database.h"
+
+#include <array>
+#include <stdexcept>
+
+namespace farm {
+
+namespace {
+
+constexpr int busyTimeoutMs = 5000;
+
+// Times are seconds since the epoch, amounts are millionths of the currency unit.
+constexpr const char* firstSchema = R"sql(
+CREATE TABLE accounts(
+    key INTEGER PRIMARY KEY,
+    name TEXT NOT NULL UNIQUE COLLATE NOCASE,
+    email TEXT NOT NULL UNIQUE COLLATE NOCASE,
+    password TEXT NOT NULL,
+    bound INTEGER NOT NULL,
+    balance INTEGER NOT NULL,
+    second_balance INTEGER NOT NULL);
+
+CREATE TABLE sessions(
+    token_hash TEXT PRIMARY KEY,
+    account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
+    expires_at INTEGER NOT NULL) WITHOUT ROWID;
+
+CREATE TABLE projects(
+    key INTEGER PRIMARY KEY,
+    account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
+    name TEXT NOT NULL,
+    pool TEXT NOT NULL,
+    UNIQUE(account, pool));
+
+CREATE TABLE jobs(
+    key INTEGER PRIMARY KEY,
+    id TEXT NOT NULL UNIQUE,
+    account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
+    number INTEGER NOT NULL,
+    project INTEGER REFERENCES projects,
+    type TEXT NOT NULL,
+    name TEXT NOT NULL,
+    folded_name TEXT NOT NULL,
+    business INTEGER NOT NULL,
+    status INTEGER NOT NULL,
+    scene TEXT NOT NULL,
+    width INTEGER NOT NULL,
+    height INTEGER NOT NULL,
+    submitted_at INTEGER NOT NULL,
+    ended_at INTEGER,
+    message TEXT NOT NULL DEFAULT '',
+    UNIQUE(account, number));
+CREATE INDEX jobs_by_status ON jobs(account, status, number);
+CREATE INDEX jobs_by_project ON jobs(project, number);
+CREATE INDEX jobs_by_submission ON jobs(account, submitted_at);
+CREATE INDEX jobs_by_end ON jobs(account, ended_at);
+CREATE INDEX open_jobs ON jobs(key) WHERE status IN (0, 1);
+
+CREATE TABLE frames(
+    job INTEGER NOT NULL REFERENCES jobs ON DELETE CASCADE,
+    number INTEGER NOT NULL,
+    failures INTEGER NOT NULL DEFAULT 0,
+    finished_at INTEGER,
+    PRIMARY KEY(job, number)) WITHOUT ROWID;
+CREATE INDEX open_frames ON frames(job, number) WHERE finished_at IS NULL;
+
+CREATE TABLE charges(
+    key INTEGER PRIMARY KEY,
+    account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
+    job INTEGER NOT NULL REFERENCES jobs ON DELETE CASCADE,
+    frame INTEGER NOT NULL,
+    core_milliseconds INTEGER NOT NULL,
+    amount INTEGER NOT NULL,
+    charged_at INTEGER NOT NULL);
+CREATE INDEX charges_by_job ON charges(job, amount);
+CREATE INDEX charges_by_account ON charges(account);
+)sql";
+
+// Step n leads from user_version n to n + 1. Steps that were released are never changed.
+constexpr std::array<const char*, 1> migrations {firstSchema};
+
+} // namespace
+
+Database::Database(const QString& path)
+    : m_connection(path.toStdString(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, busyTimeoutMs)
+{
+    m_connection.exec("PRAGMA journal_mode = WAL");
+    m_connection.exec("PRAGMA synchronous = FULL");
+    m_connection.exec("PRAGMA foreign_keys = ON");
+    Migrate();
+}
+
+void Database::Migrate()
+{
+    const int known = static_cast<int>(migrations.size());
+    const int found = m_connection.execAndGet("PRAGMA user_version").getInt();
+    if (found > known)
+        throw std::runtime_error("the data were written by a newer version of the farm");
+    for (int version = found; version < known; ++version) {
+        Write([version](SQLite::Database& connection) {
+            connection.exec(migrations.at(static_cast<std::size_t>(version)));
+            connection.exec("PRAGMA user_version = " + std::to_string(version + 1));
+        });
+    }
+}
+
+QString Text(const SQLite::Column& column)
+{
+    return QString::fromStdString(column.getString());
+}
+
+} // namespace farm

@@ -1,0 +1,216 @@
+#include "demo_data.h"
+
+#include "account_store.h"
+#include "database.h"
+#include "job_store.h"
+
+#include <array>
+
+namespace farm {
+
+namespace {
+
+constexpr int pastJobs = 52;
+constexpr std::int64_t hour = 3600;
+constexpr std::int64_t threeWeeks = hour * 24 * 21;
+
+struct Sequence
+{
+    const char* name;
+    const char* scene;
+};
+
+constexpr std::array<Sequence, 8> sequences {{
+    {"harbour_dawn", "lighthouse.pov"},
+    {"orrery_main", "orrery.pov"},
+    {"temple_walk", "colonnade.pov"},
+    {"still_water", "ripples.pov"},
+    {"harbour_storm", "lighthouse.pov"},
+    {"comet_pass", "orrery.pov"},
+    {"night_arcade", "colonnade.pov"},
+    {"credits_bed", "ripples.pov"},
+}};
+
+struct DemoProject
+{
+    const char* name;
+    const char* pool;
+};
+
+constexpr std::array<DemoProject, 3> demoProjects {{
+    {"Harbour Lights", "pool-harbour"},
+    {"Celestial", "pool-celestial"},
+    {"Main Titles", "pool-titles"},
+}};
+
+struct LiveJob
+{
+    const char* name;
+    const char* scene;
+    int frames;
+    JobStatus status;
+};
+
+constexpr std::array<LiveJob, 9> liveJobs {{
+    {"harbour_dawn_sh110_beauty", "lighthouse.pov", 120, JobStatus::Running},
+    {"orrery_main_sh110_beauty", "orrery.pov", 90, JobStatus::Running},
+    {"temple_walk_sh110_beauty", "colonnade.pov", 150, JobStatus::Running},
+    {"still_water_sh110_beauty", "ripples.pov", 100, JobStatus::Waiting},
+    {"harbour_storm_sh110_beauty", "lighthouse.pov", 96, JobStatus::Waiting},
+    {"comet_pass_sh110_beauty", "orrery.pov", 120, JobStatus::Waiting},
+    {"night_arcade_sh110_beauty", "colonnade.pov", 75, JobStatus::Waiting},
+    {"credits_bed_sh110_beauty", "ripples.pov", 125, JobStatus::Waiting},
+    {"harbour_dawn_sh120_beauty", "lighthouse.pov", 120, JobStatus::Waiting},
+}};
+
+JobStatus PastStatus(int index)
+{
+    if (index == 7)
+        return JobStatus::Deleted;
+    if (index == pastJobs - 4)
+        return JobStatus::ToFullRender;
+    if (index == pastJobs - 2 || index == pastJobs - 9)
+        return JobStatus::Pending;
+    if (index % 11 == 5)
+        return JobStatus::Paused;
+    if (index % 9 == 4)
+        return JobStatus::Failed;
+    return JobStatus::Finished;
+}
+
+int FramesDone(JobStatus status, int frames)
+{
+    switch (status) {
+    case JobStatus::Finished:
+        return frames;
+    case JobStatus::Paused:
+        return frames / 2;
+    case JobStatus::Failed:
+    case JobStatus::Deleted:
+        return frames / 3;
+    case JobStatus::ToFullRender:
+        return 1;
+    default:
+        return 0;
+    }
+}
+
+NewJob PastJob(int index, std::int64_t now)
+{
+    const Sequence& sequence = sequences.at(static_cast<std::size_t>(index) % sequences.size());
+    const int shot = 10 * (index / static_cast<int>(sequences.size()) + 1);
+    NewJob job;
+    job.type = QStringLiteral("povray");
+    job.name = QStringLiteral("%1_sh%2_%3")
+                   .arg(QLatin1String(sequence.name))
+                   .arg(shot, 3, 10, QLatin1Char('0'))
+                   .arg(index % 3 == 0 ? QStringLiteral("layout") : QStringLiteral("beauty"));
+    // Names are the users' business: this one keeps whoever shows them honest.
+    if (index == pastJobs - 1)
+        job.name = QStringLiteral("<b>title</b>_v2");
+    job.rendering = index % 4 != 3;
+    job.status = PastStatus(index);
+    job.scene = QLatin1String(sequence.scene);
+    job.frames = 24 + index * 17 % 97;
+    job.submittedAt
+        = now - threeWeeks + index * (threeWeeks - 3 * hour) / pastJobs + std::int64_t {index} * 613 % hour;
+    return job;
+}
+
+// What rendering would have left, written in bulk; there are no pictures of these frames.
+void AddPastJob(SQLite::Database& connection, JobStore& jobs, const NewJob& job)
+{
+    const std::int64_t key = jobs.Add(job).key;
+    const int done = FramesDone(job.status, job.frames);
+    Execute(connection, "UPDATE frames SET finished_at = ?2 + number * 40 WHERE job = ?1 AND number <= ?3",
+        key, job.submittedAt, done);
+    Execute(connection,
+        "INSERT INTO charges(account, job, frame, core_milliseconds, amount, charged_at) "
+        "SELECT ?2, job, number, 6000 + number * 7919 % 9000, (6000 + number * 7919 % 9000) * ?3 / 1000, "
+        "finished_at FROM frames WHERE job = ?1 AND finished_at IS NOT NULL",
+        key, job.account, usualPrice);
+    if (job.status != JobStatus::Finished && job.status != JobStatus::Failed)
+        return;
+    Execute(connection, "UPDATE jobs SET ended_at = ?2, message = ?3 WHERE key = ?1", key,
+        job.submittedAt + std::int64_t(done) * 40,
+        job.status == JobStatus::Failed ? QStringLiteral("the renderer ended with code 1") : QString());
+}
+
+std::int64_t AddDemoAccount(AccountStore& accounts, std::vector<std::int64_t>& projects)
+{
+    NewAccount account;
+    account.name = QStringLiteral("demo");
+    account.email = QStringLiteral("demo@quillstar.example");
+    account.password = QStringLiteral("demo");
+    account.balance = 65'980'000;
+    const std::int64_t key = accounts.Add(account);
+    for (const DemoProject& project : demoProjects)
+        projects.push_back(
+            accounts.AddProject(key, {QLatin1String(project.name), QLatin1String(project.pool)}));
+    return key;
+}
+
+void AddDemo(SQLite::Database& connection, AccountStore& accounts, JobStore& jobs, std::int64_t now)
+{
+    std::vector<std::int64_t> projects;
+    const std::int64_t account = AddDemoAccount(accounts, projects);
+    for (int index = 0; index < pastJobs; ++index) {
+        NewJob job = PastJob(index, now);
+        job.account = account;
+        job.project = projects.at(static_cast<std::size_t>(index) % projects.size());
+        AddPastJob(connection, jobs, job);
+    }
+}
+
+void AddStudio(SQLite::Database& connection, AccountStore& accounts, JobStore& jobs, std::int64_t now)
+{
+    NewAccount account;
+    account.name = QStringLiteral("studio");
+    account.email = QStringLiteral("studio@quillstar.example");
+    account.password = QStringLiteral("studio");
+    account.bound = true;
+    account.balance = 1'280'500'000;
+    account.secondBalance = 300'000'000;
+    const std::int64_t key = accounts.Add(account);
+    const std::int64_t project
+        = accounts.AddProject(key, {QStringLiteral("Showreel"), QStringLiteral("pool-showreel")});
+    for (int index = 0; index < pastJobs; index += 9) {
+        NewJob job = PastJob(index, now);
+        job.account = key;
+        job.project = project;
+        AddPastJob(connection, jobs, job);
+    }
+}
+
+void AddLiveJobs(JobStore& jobs, std::int64_t account, std::int64_t now)
+{
+    std::int64_t age = liveJobs.size();
+    for (const LiveJob& live : liveJobs) {
+        NewJob job;
+        job.account = account;
+        job.type = QStringLiteral("povray");
+        job.name = QLatin1String(live.name);
+        job.scene = QLatin1String(live.scene);
+        job.frames = live.frames;
+        job.status = live.status;
+        job.submittedAt = now - age-- * 60;
+        jobs.Add(job);
+    }
+}
+
+} // namespace
+
+void ProvideDemo(Database& database, AccountStore& accounts, JobStore& jobs, std::int64_t now)
+{
+    database.Write([&](SQLite::Database& connection) {
+        if (accounts.IsEmpty()) {
+            AddDemo(connection, accounts, jobs, now);
+            AddStudio(connection, accounts, jobs, now);
+        }
+        const auto demo = accounts.Find(QStringLiteral("demo"));
+        if (demo && !jobs.HasOpenJobs(*demo))
+            AddLiveJobs(jobs, *demo, now);
+    });
+}
+
+} // namespace farm

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+
+namespace farm {
+
+class AccountStore;
+class Database;
+class JobStore;
+
+/// Fills an empty farm with the accounts "demo" and "studio" and three weeks of their jobs. Gives "demo" jobs to
+/// render whenever it has none left, so that there is always something to see. Other farms are left as they are.
+void ProvideDemo(Database& database, AccountStore& accounts, JobStore& jobs, std::int64_t now);
+
+} // namespace farm

@@ -1,0 +1,105 @@
+#include "job_store.h"
+
+#include "database.h"
+#include "job_filter.h"
+#include "secrets.h"
+
+namespace farm {
+
+namespace {
+
+void BindFilter(SQLite::Statement& statement, const JobFilter& filter)
+{
+    int index = 0;
+    for (const auto& value : filter.values)
+        std::visit([&](const auto& plain) { statement.bind(++index, plain); }, value);
+}
+
+std::int64_t InsertJob(SQLite::Database& connection, const NewJob& job, const QString& id)
+{
+    SQLite::Statement insert(connection,
+        "INSERT INTO jobs(id, account, number, type, name, folded_name, business, status, scene, width, "
+        "height, "
+        "submitted_at, project) VALUES (?1, ?2, (SELECT coalesce(max(number), 0) + 1 FROM jobs WHERE account "
+        "= ?2), "
+        "?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12)");
+    Bind(insert, id, job.account, job.type, job.name, job.name.toCaseFolded(), int(job.rendering),
+        static_cast<int>(job.status), job.scene, job.width, job.height, job.submittedAt);
+    if (job.project)
+        insert.bind(12, *job.project);
+    insert.exec();
+    return connection.getLastInsertRowid();
+}
+
+JobRecord ReadRecord(SQLite::Statement& row)
+{
+    JobRecord record;
+    record.number = row.getColumn(0).getInt64();
+    record.id = Text(row.getColumn(1));
+    record.type = Text(row.getColumn(2));
+    record.name = Text(row.getColumn(3));
+    record.submittedAt = row.getColumn(4).getInt64();
+    record.status = row.getColumn(5).getInt();
+    record.progress = row.getColumn(6).getInt();
+    record.cost = row.getColumn(7).getInt64();
+    return record;
+}
+
+} // namespace
+
+JobStore::JobStore(Database& database)
+    : m_database(database)
+{
+}
+
+AddedJob JobStore::Add(const NewJob& job)
+{
+    return m_database.Write([&job](SQLite::Database& connection) {
+        AddedJob added {0, NewId()};
+        added.key = InsertJob(connection, job, added.id);
+        Execute(connection,
+            "WITH RECURSIVE counter(n) AS (VALUES (1) UNION ALL SELECT n + 1 FROM counter WHERE n < ?2) "
+            "INSERT INTO frames(job, number) SELECT ?1, n FROM counter",
+            added.key, job.frames);
+        return added;
+    });
+}
+
+JobPage JobStore::List(
+    std::int64_t account, const JobConditions& conditions, std::int64_t page, std::int64_t pageSize)
+{
+    const JobFilter filter = FilterFor(account, conditions);
+    return m_database.Read([&](SQLite::Database& connection) {
+        JobPage result;
+        SQLite::Statement count(connection, "SELECT count(*) FROM jobs WHERE " + filter.where);
+        BindFilter(count, filter);
+        if (count.executeStep())
+            result.total = count.getColumn(0).getInt64();
+        // Frames and charges are counted for the jobs of the page only, however the page is found.
+        SQLite::Statement list(connection,
+            "SELECT number, id, type, name, submitted_at, status, "
+            "(SELECT 100 * count(finished_at) / count(*) FROM frames WHERE job = page.key), "
+            "(SELECT coalesce(sum(amount), 0) FROM charges WHERE job = page.key) "
+            "FROM (SELECT * FROM jobs WHERE "
+                + filter.where + " ORDER BY number DESC LIMIT ? OFFSET ?) AS page ORDER BY number DESC");
+        BindFilter(list, filter);
+        const int bound = static_cast<int>(filter.values.size());
+        list.bind(bound + 1, pageSize);
+        list.bind(bound + 2, (page - 1) * pageSize);
+        while (list.executeStep())
+            result.jobs.push_back(ReadRecord(list));
+        return result;
+    });
+}
+
+bool JobStore::HasOpenJobs(std::int64_t account)
+{
+    return m_database.Read([account](SQLite::Database& connection) {
+        SQLite::Statement query(
+            connection, "SELECT EXISTS (SELECT 1 FROM jobs WHERE account = ? AND status IN (0, 1))");
+        Bind(query, account);
+        return query.executeStep() && query.getColumn(0).getInt() != 0;
+    });
+}
+
+} // namespace farm

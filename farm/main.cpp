@@ -1,0 +1,178 @@
+#include "farm.h"
+#include "version.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QSocketNotifier>
+#include <QThread>
+
+#include <spdlog/sinks/stdout_color_sinks.h>
+#include <spdlog/spdlog.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
+#include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+struct Options
+{
+    farm::FarmSettings settings;
+    bool stopWithStdin = false;
+};
+
+// Write end of the pipe that carries a signal from its handler into the event loop.
+int signalPipe = -1;
+
+void HandleSignal(int)
+{
+    const char byte = 0;
+    [[maybe_unused]] const ssize_t written = ::write(signalPipe, &byte, 1);
+}
+
+std::unique_ptr<QSocketNotifier> QuitOnSignals()
+{
+    int ends[2] = {};
+    if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0)
+        throw std::runtime_error("cannot make a pipe");
+    signalPipe = ends[1];
+    auto notifier = std::make_unique<QSocketNotifier>(ends[0], QSocketNotifier::Read);
+    QObject::connect(notifier.get(), &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
+    std::signal(SIGTERM, HandleSignal);
+    std::signal(SIGINT, HandleSignal);
+    std::signal(SIGPIPE, SIG_IGN);
+    return notifier;
+}
+
+std::unique_ptr<QSocketNotifier> QuitAtEndOfStdin()
+{
+    auto notifier = std::make_unique<QSocketNotifier>(STDIN_FILENO, QSocketNotifier::Read);
+    QSocketNotifier* const watched = notifier.get();
+    QObject::connect(watched, &QSocketNotifier::activated, qApp, [watched] {
+        char ignored[256];
+        if (::read(STDIN_FILENO, ignored, sizeof(ignored)) > 0)
+            return;
+        watched->setEnabled(false);
+        QCoreApplication::quit();
+    });
+    return notifier;
+}
+
+[[noreturn]] void RefuseOption(const QString& name)
+{
+    std::fprintf(stderr, "quillstar-farmd: --%s has no usable value\n", qPrintable(name));
+    std::exit(2);
+}
+
+int IntegerOption(const QCommandLineParser& parser, const QString& name, int least, int most)
+{
+    bool ok = false;
+    const int value = parser.value(name).toInt(&ok);
+    if (!ok || value < least || value > most)
+        RefuseOption(name);
+    return value;
+}
+
+farm::Micros PriceOption(const QCommandLineParser& parser, const QString& name)
+{
+    constexpr double dearest = 1000;
+    bool ok = false;
+    const double price = parser.value(name).toDouble(&ok);
+    if (!ok || !(price >= 0 && price <= dearest))
+        RefuseOption(name);
+    return qRound64(price * 1e6);
+}
+
+void SetLogLevel(const QString& level)
+{
+    const spdlog::level::level_enum known = spdlog::level::from_str(level.toStdString());
+    if (known == spdlog::level::off && level != QLatin1String("off"))
+        RefuseOption(QStringLiteral("log-level"));
+    spdlog::set_level(known);
+}
+
+void AddOptions(QCommandLineParser& parser)
+{
+    const QString beside = QCoreApplication::applicationDirPath() + QStringLiteral("/farm/");
+    // One core is left to the people at the machine.
+    const QString freeCores = QString::number(std::max(1, QThread::idealThreadCount() - 1));
+    const QString price = QString::number(double(farm::usualPrice) / 1e6);
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOptions({
+        {QStringLiteral("data"), QStringLiteral("Folder of the farm's data."), QStringLiteral("folder")},
+        {QStringLiteral("bind"), QStringLiteral("Address to listen on."), QStringLiteral("address"),
+            QStringLiteral("127.0.0.1")},
+        {QStringLiteral("port"), QStringLiteral("Port to listen on, 0 for a free one."),
+            QStringLiteral("port"), QStringLiteral("0")},
+        {QStringLiteral("slots"), QStringLiteral("Frames rendered at a time."), QStringLiteral("number"),
+            freeCores},
+        {QStringLiteral("price"), QStringLiteral("Price of a core-second."), QStringLiteral("amount"), price},
+        {QStringLiteral("job-types"), QStringLiteral("File that says how job types are rendered."),
+            QStringLiteral("file"), beside + QStringLiteral("job_types.json")},
+        {QStringLiteral("scenes"), QStringLiteral("Folder of the scenes that jobs may name."),
+            QStringLiteral("folder"), beside + QStringLiteral("scenes")},
+        {QStringLiteral("no-demo"), QStringLiteral("Make no demo accounts and jobs.")},
+        {QStringLiteral("stop-with-stdin"), QStringLiteral("End at the end of standard input.")},
+        {QStringLiteral("log-level"), QStringLiteral("trace, debug, info, warning, error, critical or off."),
+            QStringLiteral("level"), QStringLiteral("info")},
+    });
+}
+
+Options ReadOptions()
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("A small render farm: serves accounts and jobs over HTTP and "
+                       "renders on this machine."));
+    AddOptions(parser);
+    parser.process(*QCoreApplication::instance());
+    if (parser.value(QStringLiteral("data")).isEmpty() || !parser.positionalArguments().isEmpty())
+        parser.showHelp(2);
+    SetLogLevel(parser.value(QStringLiteral("log-level")));
+    Options options;
+    options.settings.dataFolder = parser.value(QStringLiteral("data"));
+    options.settings.sceneFolder = parser.value(QStringLiteral("scenes"));
+    options.settings.jobTypesFile = parser.value(QStringLiteral("job-types"));
+    options.settings.address = parser.value(QStringLiteral("bind"));
+    options.settings.port = IntegerOption(parser, QStringLiteral("port"), 0, 65535);
+    options.settings.slotCount = IntegerOption(parser, QStringLiteral("slots"), 1, 1024);
+    options.settings.pricePerCoreSecond = PriceOption(parser, QStringLiteral("price"));
+    options.settings.demo = !parser.isSet(QStringLiteral("no-demo"));
+    options.stopWithStdin = parser.isSet(QStringLiteral("stop-with-stdin"));
+    return options;
+}
+
+int Run(const Options& options)
+{
+    const auto signalNotifier = QuitOnSignals();
+    const auto stdinNotifier = options.stopWithStdin ? QuitAtEndOfStdin() : nullptr;
+    const farm::Farm farm(options.settings);
+    std::printf("listening on %s\n", qPrintable(farm.Url()));
+    std::fflush(stdout);
+    const int result = QCoreApplication::exec();
+    spdlog::info("ending");
+    return result;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    spdlog::set_default_logger(spdlog::stderr_color_mt("farm"));
+    // The data hold password hashes and other people's pictures.
+    ::umask(077);
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("quillstar-farmd"));
+    QCoreApplication::setApplicationVersion(farm::Version());
+    try {
+        return Run(ReadOptions());
+    } catch (const std::exception& error) {
+        spdlog::critical("the farm cannot start: {}", error.what());
+        return 1;
+    }
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <chrono>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+namespace farm {
+
+/// How often something may happen: `burst` times at once, then `perSecond` times a second.
+struct Rate
+{
+    double burst;
+    double perSecond;
+};
+
+/// Counts uses by key (an address, a name, an account). May be used by several threads at a time.
+class RateLimiter
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    explicit RateLimiter(Rate rate);
+
+    /// Takes one use; when none is left, nothing is taken and the seconds until the next (at least 1) are returned.
+    std::optional<int> Take(const std::string& key, Clock::time_point now = Clock::now());
+
+    /// Gives back a use that turned out not to count.
+    void GiveBack(const std::string& key);
+
+private:
+    struct Bucket
+    {
+        double left;
+        Clock::time_point filled;
+    };
+
+    void DropFullBuckets(Clock::time_point now);
+    double Left(const Bucket& bucket, Clock::time_point now) const;
+
+    Rate m_rate;
+    std::mutex m_mutex;
+    std::unordered_map<std::string, Bucket> m_buckets;
+    std::size_t m_dropAt = 1024;
+};
+
+} // namespace farm

@@ -1,0 +1,120 @@
+#include "render_process.h"
+
+#include <csignal>
+#include <linux/close_range.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+#include <utility>
+
+namespace farm {
+
+namespace {
+
+constexpr int outputTailBytes = 2000;
+constexpr int lowestPriority = 19;
+
+std::int64_t Milliseconds(const timeval& time)
+{
+    return std::int64_t {time.tv_sec} * 1000 + time.tv_usec / 1000;
+}
+
+// The processor time of the renderers that have ended since the last call. Called whenever one has ended, this is its
+// time; a process has no better account of a single child once QProcess has reaped it.
+std::int64_t TakeCoreMilliseconds()
+{
+    static std::int64_t known = 0;
+    rusage usage {};
+    ::getrusage(RUSAGE_CHILDREN, &usage);
+    const std::int64_t total = Milliseconds(usage.ru_utime) + Milliseconds(usage.ru_stime);
+    return total - std::exchange(known, total);
+}
+
+} // namespace
+
+RenderProcess::RenderProcess(const RenderCommand& command)
+    : m_timeLimitSeconds(command.timeLimitSeconds)
+{
+    setProgram(command.program);
+    setArguments(command.arguments);
+    setWorkingDirectory(command.folder);
+    setProcessChannelMode(QProcess::MergedChannels);
+    setStandardInputFile(QProcess::nullDevice());
+    connect(this, &QProcess::readyRead, this, &RenderProcess::CollectOutput);
+    connect(
+        this, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this, &RenderProcess::ReportExit);
+    connect(this, &QProcess::errorOccurred, this, &RenderProcess::ReportError);
+    connect(&m_timeLimit, &QTimer::timeout, this, [this] {
+        m_timedOut = true;
+        KillAll();
+    });
+    m_timeLimit.setSingleShot(true);
+}
+
+RenderProcess::~RenderProcess()
+{
+    disconnect();
+    KillAll();
+    waitForFinished();
+    TakeCoreMilliseconds();
+}
+
+void RenderProcess::Run()
+{
+    m_timeLimit.start(std::chrono::seconds(m_timeLimitSeconds));
+    start();
+}
+
+// Runs in the child between fork and exec: system calls only.
+void RenderProcess::setupChildProcess()
+{
+    ::setpgid(0, 0);
+    ::setpriority(PRIO_PROCESS, 0, lowestPriority);
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // A renderer must not keep the connections of clients open.
+    ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
+}
+
+void RenderProcess::KillAll()
+{
+    if (processId() > 0)
+        ::kill(static_cast<pid_t>(-processId()), SIGKILL);
+    kill();
+}
+
+void RenderProcess::CollectOutput()
+{
+    m_outputTail += readAll();
+    m_outputTail = m_outputTail.right(outputTailBytes);
+}
+
+void RenderProcess::ReportExit(int exitCode, QProcess::ExitStatus status)
+{
+    CollectOutput();
+    RenderResult result;
+    result.coreMilliseconds = TakeCoreMilliseconds();
+    result.ok = status == QProcess::NormalExit && exitCode == 0;
+    if (!result.ok)
+        result.message = Message(exitCode, status);
+    emit Ended(result);
+}
+
+// Every other error is followed by ReportExit().
+void RenderProcess::ReportError(QProcess::ProcessError error)
+{
+    if (error == QProcess::FailedToStart)
+        emit Ended({false, QStringLiteral("the renderer could not be started: ") + errorString(), 0});
+}
+
+QString RenderProcess::Message(int exitCode, QProcess::ExitStatus status) const
+{
+    QString reason = QStringLiteral("the renderer ended with code %1").arg(exitCode);
+    if (m_timedOut)
+        reason = QStringLiteral("the renderer exceeded its time limit");
+    else if (status == QProcess::CrashExit)
+        reason = QStringLiteral("the renderer crashed");
+    const QString output = QString::fromUtf8(m_outputTail).trimmed();
+    return output.isEmpty() ? reason : reason + QStringLiteral("\n") + output;
+}
+
+} // namespace farm

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "frame_task.h"
+#include "money.h"
+
+#include <QStringList>
+
+#include <optional>
+#include <set>
+
+namespace farm {
+
+class Database;
+
+/// The work that the jobs hold, and what is written down when a piece of it is done.
+/// A frame being rendered is not marked: after a crash it is simply still open.
+class RenderQueue
+{
+public:
+    RenderQueue(Database& database, Micros pricePerCoreSecond);
+
+    /// The next open frame that is not among `taken`, of a waiting or running job of one of these types. Running
+    /// jobs go first and take turns: the one after `lastJob` is the next.
+    std::optional<FrameTask> Next(
+        const QStringList& types, std::int64_t lastJob, const std::set<FrameKey>& taken);
+
+    /// Whether the job is waiting or running.
+    bool IsOpen(std::int64_t job);
+
+    /// A waiting job is running from now on.
+    void Start(std::int64_t job);
+
+    /// Marks the frame finished, charges it and lowers the account's balance, all or nothing; the job is finished
+    /// with its last frame. Nothing happens when the frame is marked already.
+    void Finish(const FrameKey& frame, std::int64_t coreMilliseconds, std::int64_t now);
+
+    /// Counts a failed attempt; at the third of a frame the job has failed and keeps the message.
+    /// Returns whether the job has failed.
+    bool Fail(const FrameKey& frame, const QString& message, std::int64_t now);
+
+private:
+    Database& m_database;
+    Micros m_price;
+};
+
+} // namespace farm

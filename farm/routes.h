@@ -1,0 +1,48 @@
+#pragma once
+
+#include "rate_limiter.h"
+
+#include <QJsonObject>
+
+namespace farm {
+
+class AccountStore;
+class ApiRequest;
+class HttpServer;
+class JobStore;
+
+struct RequestLimits
+{
+    Rate signInsByAddress {30, 0.5};
+    Rate failedSignInsByName {10, 0.1};
+    Rate requestsByAccount {200, 20};
+};
+
+/// The HTTP interface of the farm: reads requests, asks the stores and writes their answers.
+class Routes
+{
+public:
+    Routes(AccountStore& accounts, JobStore& jobs, const RequestLimits& limits);
+
+    /// The routes must outlive the server.
+    void AddTo(HttpServer& server);
+
+private:
+    QJsonObject SignIn(const ApiRequest& request);
+    QJsonObject SignOut(const ApiRequest& request);
+    QJsonObject ShowAccount(const ApiRequest& request);
+    QJsonObject ListProjects(const ApiRequest& request);
+    QJsonObject ListJobs(const ApiRequest& request);
+    QJsonObject SearchJobs(const ApiRequest& request);
+
+    /// The account whose session the request belongs to; refuses a request without one.
+    std::int64_t Authorize(const ApiRequest& request);
+
+    AccountStore& m_accounts;
+    JobStore& m_jobs;
+    RateLimiter m_signInsByAddress;
+    RateLimiter m_failedSignInsByName;
+    RateLimiter m_requestsByAccount;
+};
+
+} // namespace farm

@@ -1,0 +1,149 @@
+#include "scheduler.h"
+
+#include "frame_files.h"
+#include "local_time.h"
+#include "render_queue.h"
+
+#include <spdlog/spdlog.h>
+
+namespace farm {
+
+namespace {
+
+using namespace std::chrono_literals;
+constexpr auto lookInterval = 5s;
+
+RenderCommand CommandFor(const FrameTask& task, const JobType& type, const QString& folder)
+{
+    const double clock = double(task.Number() - 1) / task.frames;
+    const QMap<QString, QString> values {
+        {QStringLiteral("scene"), task.scene},
+        {QStringLiteral("output"), FrameFiles::UnfinishedName(task.Number(), type.suffix)},
+        {QStringLiteral("width"), QString::number(task.width)},
+        {QStringLiteral("height"), QString::number(task.height)},
+        {QStringLiteral("frame"), QString::number(task.Number())},
+        {QStringLiteral("frames"), QString::number(task.frames)},
+        {QStringLiteral("clock"), QString::number(clock, 'f', 6)},
+    };
+    return {type.program, FillIn(type.arguments, values), folder, type.frameTimeLimitSeconds};
+}
+
+} // namespace
+
+Scheduler::Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& files, const JobTypes& types)
+    : m_queue(queue)
+    , m_executor(executor)
+    , m_files(files)
+    , m_types(types)
+{
+    connect(&m_look, &QTimer::timeout, this, &Scheduler::Nudge);
+    m_look.start(lookInterval);
+}
+
+void Scheduler::Nudge()
+{
+    try {
+        CancelFramesOfClosedJobs();
+        const QStringList types = RunnableTypes();
+        while (static_cast<int>(m_rendering.size()) < m_executor.Slots()) {
+            const auto task = m_queue.Next(types, m_lastJob, m_rendering);
+            if (!task)
+                return;
+            StartFrame(*task);
+        }
+    } catch (const std::exception& error) {
+        spdlog::error("the jobs cannot be read, trying again: {}", error.what());
+    }
+}
+
+void Scheduler::Stop()
+{
+    m_look.stop();
+    for (const FrameKey& frame : m_rendering)
+        m_executor.Cancel(frame);
+    m_rendering.clear();
+}
+
+QStringList Scheduler::RunnableTypes()
+{
+    QStringList runnable;
+    for (auto type = m_types.cbegin(); type != m_types.cend(); ++type) {
+        if (m_executor.Has(type->program)) {
+            m_missingPrograms.erase(type->program);
+            runnable.append(type.key());
+        } else if (m_missingPrograms.insert(type->program).second) {
+            spdlog::warn("the renderer {} is not installed: jobs of type {} wait for it",
+                type->program.toStdString(), type.key().toStdString());
+        }
+    }
+    return runnable;
+}
+
+void Scheduler::CancelFramesOfClosedJobs()
+{
+    for (auto frame = m_rendering.begin(); frame != m_rendering.end();) {
+        if (m_queue.IsOpen(frame->first)) {
+            ++frame;
+            continue;
+        }
+        m_executor.Cancel(*frame);
+        frame = m_rendering.erase(frame);
+    }
+}
+
+void Scheduler::StartFrame(const FrameTask& task)
+{
+    m_lastJob = task.key.first;
+    m_queue.Start(task.key.first);
+    const JobType type = m_types.value(task.type);
+    try {
+        m_files.Prepare(task, type.suffix);
+    } catch (const std::runtime_error& error) {
+        FrameFailed(task, QString::fromUtf8(error.what()));
+        return;
+    }
+    m_rendering.insert(task.key);
+    m_executor.Start(task.key, CommandFor(task, type, m_files.JobFolder(task.jobId)),
+        [this, task](const RenderResult& result) { FrameEnded(task, result); });
+    spdlog::debug("job {} frame {} of {} started", task.jobId.toStdString(), task.Number(), task.frames);
+}
+
+void Scheduler::FrameEnded(const FrameTask& task, const RenderResult& result)
+{
+    m_rendering.erase(task.key);
+    try {
+        Record(task, result);
+    } catch (const std::exception& error) {
+        // No nudge: the next look tries again, not a loop that never rests.
+        spdlog::error("a frame could not be recorded, it will be rendered again: {}", error.what());
+        return;
+    }
+    Nudge();
+}
+
+void Scheduler::Record(const FrameTask& task, const RenderResult& result)
+{
+    if (!result.ok) {
+        FrameFailed(task, result.message);
+        return;
+    }
+    try {
+        m_files.Keep(task, m_types.value(task.type).suffix);
+    } catch (const std::runtime_error& error) {
+        FrameFailed(task, QString::fromUtf8(error.what()));
+        return;
+    }
+    m_queue.Finish(task.key, result.coreMilliseconds, Now());
+    spdlog::debug("job {} frame {} of {} finished in {} ms", task.jobId.toStdString(), task.Number(),
+        task.frames, result.coreMilliseconds);
+}
+
+void Scheduler::FrameFailed(const FrameTask& task, const QString& message)
+{
+    spdlog::warn(
+        "job {} frame {} failed: {}", task.jobId.toStdString(), task.Number(), message.toStdString());
+    if (m_queue.Fail(task.key, message, Now()))
+        spdlog::warn("job {} has failed", task.jobId.toStdString());
+}
+
+} // namespace farm
