@@ -1,0 +1,117 @@
+#include "host_options.h"
+
+#include "logger_service.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QStandardPaths>
+
+namespace {
+
+QString BesideProgram(const QString& name)
+{
+    return QDir(QCoreApplication::applicationDirPath()).filePath(name);
+}
+
+QString PluginFileName()
+{
+#ifdef Q_OS_WIN
+    return QStringLiteral("com_vtr_qsclient.dll");
+#else
+    return QStringLiteral("libcom_vtr_qsclient.so");
+#endif
+}
+
+QString FarmFileName()
+{
+#ifdef Q_OS_WIN
+    return QStringLiteral("quillstar-farmd.exe");
+#else
+    return QStringLiteral("quillstar-farmd");
+#endif
+}
+
+void AddOptions(QCommandLineParser& parser)
+{
+    const auto add
+        = [&parser](const char* name, const char* text, const char* value, const QString& preset = {}) {
+              parser.addOption(
+                  {QString::fromLatin1(name), QString::fromLatin1(text), QString::fromLatin1(value), preset});
+          };
+    add("server", "Use the farm at <URL> instead of the embedded one.", "URL");
+    add("config", "Keep the settings in <FILE>.", "FILE",
+        QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
+            + QLatin1String("/quillstar.ini"));
+    add("data", "Keep logs and the embedded farm's data in <DIR>.", "DIR",
+        QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
+    add("user", "Sign in as <NAME>.", "NAME");
+    add("password-file", "Read the password for --user from the first line of <FILE>.", "FILE");
+    add("no-auto-sign-in", "Show the sign-in window also where a user name and password are known.", "");
+    add("skin", "Use the skin <NAME>.", "NAME");
+    add("language", "Use the language <LOCALE>, for example en.", "LOCALE");
+    add("log-level", "Log messages of <LEVEL> and above: trace, debug, info, warning, error or critical.",
+        "LEVEL", QStringLiteral("info"));
+    add("plugin", "Load the main window from <FILE>.", "FILE", BesideProgram(PluginFileName()));
+    add("farm", "Start the embedded farm from <FILE>.", "FILE", BesideProgram(FarmFileName()));
+    add("screenshots", "Save a picture of every window to <DIR>, then end.", "DIR");
+}
+
+QString AbsolutePath(const QString& path)
+{
+    return path.isEmpty() ? path : QDir::cleanPath(QDir::current().absoluteFilePath(path));
+}
+
+} // namespace
+
+bool HostOptions::Parse(const QStringList& arguments, QString* error)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("The QuillStar render farm client."));
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    AddOptions(parser);
+    if (!parser.parse(arguments)) {
+        *error = parser.errorText();
+        return false;
+    }
+    if (parser.isSet(help))
+        parser.showHelp();
+    if (parser.isSet(version))
+        parser.showVersion();
+
+    const auto value = [&parser](const char* name) { return parser.value(QString::fromLatin1(name)); };
+    const QString serverText = value("server");
+    server = ServerUrl(serverText);
+    configFile = AbsolutePath(value("config"));
+    dataFolder = AbsolutePath(value("data"));
+    user = value("user");
+    passwordFile = AbsolutePath(value("password-file"));
+    autoSignIn = !parser.isSet(QStringLiteral("no-auto-sign-in"));
+    skin = value("skin");
+    language = value("language");
+    logLevel = value("log-level");
+    pluginFile = AbsolutePath(value("plugin"));
+    farmProgram = AbsolutePath(value("farm"));
+    screenshotFolder = AbsolutePath(value("screenshots"));
+
+    if (!parser.positionalArguments().isEmpty())
+        *error = QStringLiteral("unexpected argument: %1").arg(parser.positionalArguments().constFirst());
+    else if (!serverText.isEmpty() && server.isEmpty())
+        *error = QStringLiteral("not the URL of a server: %1").arg(serverText);
+    else if (!LogOptions::Levels().contains(logLevel))
+        *error = QStringLiteral("unknown log level: %1").arg(logLevel);
+    else if (user.isEmpty() != passwordFile.isEmpty())
+        *error = QStringLiteral("--user and --password-file belong together");
+    else
+        return true;
+    return false;
+}
+
+QUrl ServerUrl(const QString& text)
+{
+    const QUrl url(text.trimmed(), QUrl::StrictMode);
+    const bool isWeb = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
+    const bool isRoot = !url.hasQuery() && !url.hasFragment() && url.userInfo().isEmpty();
+    return url.isValid() && isWeb && isRoot && !url.host().isEmpty() ? url : QUrl();
+}

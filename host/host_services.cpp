@@ -1,0 +1,50 @@
+#include "host_services.h"
+
+#include "host_options.h"
+#include "plugin_runner.h"
+
+namespace {
+
+LogOptions LogOptionsOf(const HostOptions& options)
+{
+    LogOptions log;
+    log.file = options.dataFolder + QLatin1String("/logs/quillstar.log");
+    log.level = options.logLevel;
+    return log;
+}
+
+/// The look asked for on the command line is remembered like one chosen from the menu.
+VTSettingsInterface* WithLook(SettingsService& settings, const HostOptions& options)
+{
+    if (!options.skin.isEmpty())
+        settings.SetValue(QStringLiteral("vtr.ui/skin"), options.skin);
+    if (!options.language.isEmpty())
+        settings.SetValue(
+            QStringLiteral("vtr.ui/language"), QStringLiteral("vtr_%1.qm").arg(options.language));
+    return &settings;
+}
+
+} // namespace
+
+HostServices::HostServices(const HostOptions& options)
+    : logger(LogOptionsOf(options))
+    , messages(&logger)
+    , settings(options.configFile)
+    , loader(WithLook(settings, options))
+    , messageBox(&loader)
+    , configurationDialog(&loader, &settings, nullptr)
+    , configuration(&configurationDialog)
+{
+}
+
+void HostServices::RegisterWith(PluginRunner& runner)
+{
+    runner.Register("VTSettingsInterface", &settings);
+    runner.Register("VTLoggerInterface", &logger);
+    runner.Register("VTUiLoaderInterface", &loader);
+    runner.Register("VTMessagboxInterface", &messageBox);
+    runner.Register("VTCommunicationInterface", &communication);
+    runner.Register("VTRenderCoreInterface", &renderCore);
+    runner.Register("VTConfigurationInterface", &configuration);
+    runner.Register("VTPreviewerInterface", &previewer);
+}

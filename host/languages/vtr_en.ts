@@ -1,0 +1,836 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en" sourcelanguage="en">
+<context>
+    <name>AuthClientForm</name>
+    <message>
+        <source>Sign in – QuillStar Client</source>
+        <translation>Sign in – QuillStar Client</translation>
+    </message>
+    <message>
+        <source>Your scenes, rendered on the farm.</source>
+        <translation>Your scenes, rendered on the farm.</translation>
+    </message>
+    <message>
+        <source>Minimize</source>
+        <translation>Minimize</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>Sign in</source>
+        <translation>Sign in</translation>
+    </message>
+    <message>
+        <source>Use your farm account.</source>
+        <translation>Use your farm account.</translation>
+    </message>
+    <message>
+        <source>User name</source>
+        <translation>User name</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Password</translation>
+    </message>
+</context>
+<context>
+    <name>ClientHost</name>
+    <message>
+        <source>The embedded farm cannot be started.</source>
+        <translation>The embedded farm cannot be started.</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigurationForm</name>
+    <message>
+        <source>Settings</source>
+        <translation>Settings</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>Downloads</source>
+        <translation>Downloads</translation>
+    </message>
+    <message>
+        <source>Download finished jobs automatically</source>
+        <translation>Download finished jobs automatically</translation>
+    </message>
+    <message>
+        <source>Frames arrive as soon as a job is done.</source>
+        <translation>Frames arrive as soon as a job is done.</translation>
+    </message>
+    <message>
+        <source>Show a notice when a download has finished</source>
+        <translation>Show a notice when a download has finished</translation>
+    </message>
+    <message>
+        <source>In the system tray, for ten seconds.</source>
+        <translation>In the system tray, for ten seconds.</translation>
+    </message>
+    <message>
+        <source>Play a sound when a download has finished</source>
+        <translation>Play a sound when a download has finished</translation>
+    </message>
+    <message>
+        <source>Through the default audio device.</source>
+        <translation>Through the default audio device.</translation>
+    </message>
+    <message>
+        <source>Submission</source>
+        <translation>Submission</translation>
+    </message>
+    <message>
+        <source>Offer frame range and image size</source>
+        <translation>Offer frame range and image size</translation>
+    </message>
+    <message>
+        <source>Adds an entry to the menu of a local task.</source>
+        <translation>Adds an entry to the menu of a local task.</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>Ok</translation>
+    </message>
+</context>
+<context>
+    <name>InputDialogForm</name>
+    <message>
+        <source>Group name</source>
+        <translation>Group name</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Close</translation>
+    </message>
+</context>
+<context>
+    <name>MessageBoxForm</name>
+    <message>
+        <source>Close</source>
+        <translation>Close</translation>
+    </message>
+</context>
+<context>
+    <name>MessageBoxService</name>
+    <message>
+        <source>Ok</source>
+        <translation>Ok</translation>
+    </message>
+</context>
+<context>
+    <name>QObject</name>
+    <message>
+        <source>Waiting</source>
+        <translation>Waiting</translation>
+    </message>
+    <message>
+        <source>Running</source>
+        <translation>Running</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Pause</translation>
+    </message>
+    <message>
+        <source>Pending</source>
+        <translation>Pending</translation>
+    </message>
+    <message>
+        <source>Finished</source>
+        <translation>Finished</translation>
+    </message>
+    <message>
+        <source>Deleted</source>
+        <translation>Deleted</translation>
+    </message>
+    <message>
+        <source>To full render</source>
+        <translation>To full render</translation>
+    </message>
+    <message>
+        <source>Failed</source>
+        <translation>Failed</translation>
+    </message>
+    <message>
+        <source>Arrears</source>
+        <translation>Arrears</translation>
+    </message>
+    <message>
+        <source>Pause due to arrears</source>
+        <translation>Pause due to arrears</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>Unknown</translation>
+    </message>
+    <message>
+        <source>Sequence</source>
+        <translation>Sequence</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Start Time</source>
+        <translation>Start Time</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Progress</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>Cost</source>
+        <translation>Cost</translation>
+    </message>
+</context>
+<context>
+    <name>SearchForm</name>
+    <message>
+        <source>Search jobs</source>
+        <translation>Search jobs</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Close</translation>
+    </message>
+</context>
+<context>
+    <name>SessionControl</name>
+    <message>
+        <source>Your session has ended. Please sign in again.</source>
+        <translation>Your session has ended. Please sign in again.</translation>
+    </message>
+    <message>
+        <source>Sign out</source>
+        <translation>Sign out</translation>
+    </message>
+</context>
+<context>
+    <name>SetArgumentForm</name>
+    <message>
+        <source>Render arguments</source>
+        <translation>Render arguments</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>First and last frame of each group</source>
+        <translation>First and last frame of each group</translation>
+    </message>
+</context>
+<context>
+    <name>SetParentForm</name>
+    <message>
+        <source>Set parent jobs</source>
+        <translation>Set parent jobs</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>The chosen jobs wait until every job checked here has finished.</source>
+        <translation>The chosen jobs wait until every job checked here has finished.</translation>
+    </message>
+</context>
+<context>
+    <name>SignInWindow</name>
+    <message>
+        <source>Signing in…</source>
+        <translation>Signing in…</translation>
+    </message>
+    <message>
+        <source>Sign in</source>
+        <translation>Sign in</translation>
+    </message>
+</context>
+<context>
+    <name>TrayMenu</name>
+    <message>
+        <source>Skin</source>
+        <translation>Skin</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Language</translation>
+    </message>
+</context>
+<context>
+    <name>VTChrome</name>
+    <message>
+        <source>Are you sure to quit?</source>
+        <translation>Are you sure to quit?</translation>
+    </message>
+</context>
+<context>
+    <name>VTContextMenus</name>
+    <message>
+        <source>Download</source>
+        <translation>Download</translation>
+    </message>
+    <message>
+        <source>Set parent</source>
+        <translation>Set parent</translation>
+    </message>
+    <message>
+        <source>Continue submit</source>
+        <translation>Continue submit</translation>
+    </message>
+    <message>
+        <source>Delete Tasks</source>
+        <translation>Delete Tasks</translation>
+    </message>
+    <message>
+        <source>Set argument</source>
+        <translation>Set argument</translation>
+    </message>
+    <message>
+        <source>Open file path</source>
+        <translation>Open file path</translation>
+    </message>
+    <message>
+        <source>Redownload</source>
+        <translation>Redownload</translation>
+    </message>
+</context>
+<context>
+    <name>VTDownloadList</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Source</source>
+        <translation>Source</translation>
+    </message>
+    <message>
+        <source>Dest</source>
+        <translation>Dest</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Progress</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>Start Time</source>
+        <translation>Start Time</translation>
+    </message>
+</context>
+<context>
+    <name>VTGroup</name>
+    <message>
+        <source>Running</source>
+        <translation>Running</translation>
+    </message>
+    <message>
+        <source>Finished</source>
+        <translation>Finished</translation>
+    </message>
+    <message>
+        <source>All</source>
+        <translation>All</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>Add</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Delete</translation>
+    </message>
+    <message>
+        <source>Project</source>
+        <translation>Project</translation>
+    </message>
+    <message>
+        <source>My Render</source>
+        <translation>My Render</translation>
+    </message>
+    <message>
+        <source>Group</source>
+        <translation>Group</translation>
+    </message>
+    <message>
+        <source>Group name:</source>
+        <translation>Group name:</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>Ok</translation>
+    </message>
+    <message>
+        <source>Please input group name</source>
+        <translation>Please input group name</translation>
+    </message>
+    <message>
+        <source>The groups could not be saved.</source>
+        <translation>The groups could not be saved.</translation>
+    </message>
+</context>
+<context>
+    <name>VTJobActions</name>
+    <message>
+        <source>Are you sure to delete these jobs?</source>
+        <translation>Are you sure to delete these jobs?</translation>
+    </message>
+    <message>
+        <source>Delete jobs failed!</source>
+        <translation>Delete jobs failed!</translation>
+    </message>
+    <message>
+        <source>Stop jobs failed!</source>
+        <translation>Stop jobs failed!</translation>
+    </message>
+    <message>
+        <source>Recover jobs failed!</source>
+        <translation>Recover jobs failed!</translation>
+    </message>
+    <message>
+        <source>Restart jobs failed!</source>
+        <translation>Restart jobs failed!</translation>
+    </message>
+    <message>
+        <source>Full render jobs failed!</source>
+        <translation>Full render jobs failed!</translation>
+    </message>
+    <message>
+        <source>Amount Overdue!</source>
+        <translation>Amount Overdue!</translation>
+    </message>
+</context>
+<context>
+    <name>VTJobList</name>
+    <message>
+        <source>The checked items are already added to download list</source>
+        <translation>The checked items are already added to download list</translation>
+    </message>
+</context>
+<context>
+    <name>VTQsClientPrivate</name>
+    <message>
+        <source>wait</source>
+        <translation>wait</translation>
+    </message>
+    <message>
+        <source>analyze</source>
+        <translation>analyze</translation>
+    </message>
+    <message>
+        <source>compress</source>
+        <translation>compress</translation>
+    </message>
+    <message>
+        <source>checksum</source>
+        <translation>checksum</translation>
+    </message>
+    <message>
+        <source>copysame</source>
+        <translation>copysame</translation>
+    </message>
+    <message>
+        <source>upload</source>
+        <translation>upload</translation>
+    </message>
+    <message>
+        <source>uncompress</source>
+        <translation>uncompress</translation>
+    </message>
+    <message>
+        <source>submit</source>
+        <translation>submit</translation>
+    </message>
+    <message>
+        <source>Waiting</source>
+        <translation>Waiting</translation>
+    </message>
+    <message>
+        <source>Downloading</source>
+        <translation>Downloading</translation>
+    </message>
+    <message>
+        <source>Finished</source>
+        <translation>Finished</translation>
+    </message>
+    <message>
+        <source>Failed</source>
+        <translation>Failed</translation>
+    </message>
+    <message>
+        <source>Stopped</source>
+        <translation>Stopped</translation>
+    </message>
+    <message>
+        <source>QuillStar Client</source>
+        <translation>QuillStar Client</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>Ok</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>Balance</source>
+        <translation>Balance</translation>
+    </message>
+    <message>
+        <source>RMB</source>
+        <translation>RMB</translation>
+    </message>
+    <message>
+        <source>credits</source>
+        <translation>credits</translation>
+    </message>
+    <message>
+        <source>Service hotline</source>
+        <translation>Service hotline</translation>
+    </message>
+    <message>
+        <source>Version</source>
+        <translation>Version</translation>
+    </message>
+    <message>
+        <source>Charge</source>
+        <translation>Charge</translation>
+    </message>
+    <message>
+        <source>Select all</source>
+        <translation>Select all</translation>
+    </message>
+    <message>
+        <source>Recover</source>
+        <translation>Recover</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stop</translation>
+    </message>
+    <message>
+        <source>Restart</source>
+        <translation>Restart</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Delete</translation>
+    </message>
+    <message>
+        <source>Full render</source>
+        <translation>Full render</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Search</translation>
+    </message>
+    <message>
+        <source>Submit</source>
+        <translation>Submit</translation>
+    </message>
+    <message>
+        <source>Recharge</source>
+        <translation>Recharge</translation>
+    </message>
+    <message>
+        <source>Stop the checked jobs</source>
+        <translation>Stop the checked jobs</translation>
+    </message>
+    <message>
+        <source>Restart the checked jobs</source>
+        <translation>Restart the checked jobs</translation>
+    </message>
+    <message>
+        <source>Delete the checked rows</source>
+        <translation>Delete the checked rows</translation>
+    </message>
+    <message>
+        <source>Render all frames of the checked jobs</source>
+        <translation>Render all frames of the checked jobs</translation>
+    </message>
+    <message>
+        <source>Search jobs</source>
+        <translation>Search jobs</translation>
+    </message>
+    <message>
+        <source>Submit a scene</source>
+        <translation>Submit a scene</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Quit</translation>
+    </message>
+    <message>
+        <source>Minimize to the tray</source>
+        <translation>Minimize to the tray</translation>
+    </message>
+    <message>
+        <source>Restore</source>
+        <translation>Restore</translation>
+    </message>
+    <message>
+        <source>Maximize</source>
+        <translation>Maximize</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Settings</translation>
+    </message>
+    <message>
+        <source>Skin</source>
+        <translation>Skin</translation>
+    </message>
+    <message>
+        <source>Messages</source>
+        <translation>Messages</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Language</translation>
+    </message>
+    <message>
+        <source>Previous page</source>
+        <translation>Previous page</translation>
+    </message>
+    <message>
+        <source>Next page</source>
+        <translation>Next page</translation>
+    </message>
+    <message>
+        <source>Previous five pages</source>
+        <translation>Previous five pages</translation>
+    </message>
+    <message>
+        <source>Next five pages</source>
+        <translation>Next five pages</translation>
+    </message>
+    <message>
+        <source>My Render</source>
+        <translation>My Render</translation>
+    </message>
+    <message>
+        <source>Local Task</source>
+        <translation>Local Task</translation>
+    </message>
+    <message>
+        <source>Download</source>
+        <translation>Download</translation>
+    </message>
+    <message>
+        <source>Quillstar Client</source>
+        <translation>Quillstar Client</translation>
+    </message>
+    <message>
+        <source>Retry uploading?Failed to upload files:</source>
+        <translation>Retry uploading?Failed to upload files:</translation>
+    </message>
+    <message>
+        <source>Continue next step?
+Below files are missing:
+%1</source>
+        <translation>Continue next step?
+Below files are missing:
+%1</translation>
+    </message>
+</context>
+<context>
+    <name>VTSearch</name>
+    <message>
+        <source>Waiting</source>
+        <translation>Waiting</translation>
+    </message>
+    <message>
+        <source>Running</source>
+        <translation>Running</translation>
+    </message>
+    <message>
+        <source>Stopped</source>
+        <translation>Stopped</translation>
+    </message>
+    <message>
+        <source>Finished</source>
+        <translation>Finished</translation>
+    </message>
+    <message>
+        <source>Deleted</source>
+        <translation>Deleted</translation>
+    </message>
+    <message>
+        <source>To full render</source>
+        <translation>To full render</translation>
+    </message>
+    <message>
+        <source>Failed</source>
+        <translation>Failed</translation>
+    </message>
+    <message>
+        <source>Arrears</source>
+        <translation>Arrears</translation>
+    </message>
+    <message>
+        <source>Pause due to arrears</source>
+        <translation>Pause due to arrears</translation>
+    </message>
+    <message>
+        <source>Normal work</source>
+        <translation>Normal work</translation>
+    </message>
+    <message>
+        <source>Rendering work</source>
+        <translation>Rendering work</translation>
+    </message>
+    <message>
+        <source>Job Id</source>
+        <translation>Job Id</translation>
+    </message>
+    <message>
+        <source>Job Name</source>
+        <translation>Job Name</translation>
+    </message>
+    <message>
+        <source>Job Type</source>
+        <translation>Job Type</translation>
+    </message>
+    <message>
+        <source>Job Status</source>
+        <translation>Job Status</translation>
+    </message>
+    <message>
+        <source>Project Name</source>
+        <translation>Project Name</translation>
+    </message>
+    <message>
+        <source>Business Type</source>
+        <translation>Business Type</translation>
+    </message>
+    <message>
+        <source>Start Time</source>
+        <translation>Start Time</translation>
+    </message>
+    <message>
+        <source>End Time</source>
+        <translation>End Time</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Search</translation>
+    </message>
+    <message>
+        <source>Reset</source>
+        <translation>Reset</translation>
+    </message>
+</context>
+<context>
+    <name>VTSetArgument</name>
+    <message>
+        <source>Prerender</source>
+        <translation>Prerender</translation>
+    </message>
+    <message>
+        <source>Image size</source>
+        <translation>Image size</translation>
+    </message>
+    <message>
+        <source>Frame range</source>
+        <translation>Frame range</translation>
+    </message>
+    <message>
+        <source>Group</source>
+        <translation>Group</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>Ok</translation>
+    </message>
+    <message>
+        <source>Start frame must be less than end frame!</source>
+        <translation>Start frame must be less than end frame!</translation>
+    </message>
+    <message>
+        <source>Can not submit more than 1000 frames</source>
+        <translation>Can not submit more than 1000 frames</translation>
+    </message>
+</context>
+<context>
+    <name>VTSetParent</name>
+    <message>
+        <source>Ok</source>
+        <translation>Ok</translation>
+    </message>
+    <message>
+        <source>The dependency could not be saved. The jobs will be resumed only while the client is running.</source>
+        <translation>The dependency could not be saved. The jobs will be resumed only while the client is running.</translation>
+    </message>
+</context>
+<context>
+    <name>VTSubmitList</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Start Time</source>
+        <translation>Start Time</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Progress</translation>
+    </message>
+    <message>
+        <source>SceneFile</source>
+        <translation>SceneFile</translation>
+    </message>
+    <message>
+        <source>Warn</source>
+        <translation>Warn</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>Unknown</translation>
+    </message>
+    <message>
+        <source>fail</source>
+        <translation>fail</translation>
+    </message>
+    <message>
+        <source>Lacked of texture files:</source>
+        <translation>Lacked of texture files:</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>Submit</source>
+        <translation>Submit</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,49 @@
+#include "client_host.h"
+#include "host_options.h"
+#include "single_instance.h"
+#include "termination_signals.h"
+
+#include <QApplication>
+
+#include <cstdio>
+
+namespace {
+
+int Fail(const QString& message)
+{
+    std::fprintf(stderr, "quillstar: %s\n", qUtf8Printable(message));
+    return 1;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("quillstar"));
+    QApplication::setApplicationVersion(QStringLiteral(QSCLIENT_VERSION));
+    QApplication::setApplicationDisplayName(QStringLiteral("QuillStar Client"));
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    HostOptions options;
+    QString error;
+    if (!options.Parse(QApplication::arguments(), &error))
+        return Fail(error);
+
+    const SingleInstance instance(options.configFile);
+    if (!instance.IsFirst()) {
+        if (!options.screenshotFolder.isEmpty() || !instance.CallFirst())
+            return Fail(QStringLiteral("the client is already running"));
+        return 0;
+    }
+
+    ClientHost host(options);
+    const TerminationSignals termination;
+    QObject::connect(&termination, &TerminationSignals::Received, &application, &QApplication::quit);
+    QObject::connect(&instance, &SingleInstance::Called, &host, &ClientHost::ComeForward);
+    if (!host.Start(&error))
+        return Fail(error);
+    return QApplication::exec();
+}

@@ -1,0 +1,10 @@
+#pragma once
+
+class QTableWidget;
+class QWidget;
+
+/// The window object of the plugin, which carries its slots; null while there is none.
+QWidget* FindMainWindow();
+
+/// The table of farm jobs in the main form; null while there is none.
+QTableWidget* FindJobTable();

@@ -1,0 +1,224 @@
+#include "screenshot_tour.h"
+
+#include "host_services.h"
+#include "main_window.h"
+#include "session_control.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QMenu>
+#include <QPixmap>
+#include <QProgressBar>
+#include <QTableWidget>
+#include <QTabWidget>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int kTick = 100;
+constexpr int kSettlingTicks = 4; // for layouts and pictures that follow an act a moment later
+constexpr int kRefreshTicks = 20;
+constexpr int kLongest = 60000;
+constexpr int kRunning = 1;
+
+bool Always()
+{
+    return true;
+}
+
+/// The top-level form that holds a child of this name; null while there is none.
+QWidget* FindForm(const QString& childName)
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows) {
+        if (window->findChild<QWidget*>(childName))
+            return window;
+    }
+    return nullptr;
+}
+
+QTabWidget* Tabs()
+{
+    QTableWidget* jobs = FindJobTable();
+    return jobs ? jobs->window()->findChild<QTabWidget*>(QStringLiteral("tbwContainer")) : nullptr;
+}
+
+} // namespace
+
+ScreenshotTour::ScreenshotTour(const QString& folder, HostServices* services, SessionControl* session)
+    : m_folder(folder)
+    , m_services(services)
+    , m_session(session)
+{
+    connect(&m_ticker, &QTimer::timeout, this, &ScreenshotTour::Proceed);
+    PlanSession();
+    PlanTab(0, QStringLiteral("my-render"));
+    PlanTab(1, QStringLiteral("local-tasks"));
+    PlanTab(2, QStringLiteral("downloads"));
+    PlanTab(0, {});
+    PlanDialog(QStringLiteral("btnSearchJob"), QStringLiteral("search"));
+    PlanParents();
+    PlanDialog(QStringLiteral("btnOkSetParent"), QStringLiteral("set-parent"));
+    PlanDialog(QStringLiteral("spbStartFrame_0"), QStringLiteral("set-argument"));
+    PlanDialog(QStringLiteral("lneInput"), QStringLiteral("group-name"));
+    PlanModal(QStringLiteral("configuration"), [this] { m_services->configuration.ShowConf(); });
+    const auto ask = [this](int kind, const QString& text, const QVariantHash& buttons) {
+        m_services->messageBox.ShowMessage(
+            kind, QStringLiteral("QuillStar Client"), {}, QIcon(), text, buttons, kind == 2);
+    };
+    PlanModal(QStringLiteral("notice"), [ask] {
+        ask(2, QStringLiteral("Amount Overdue!"),
+            {{QStringLiteral("btnMessageBox_1"), QStringLiteral("Ok")}});
+    });
+    PlanModal(QStringLiteral("question"), [ask] {
+        ask(4, QStringLiteral("Are you sure to quit?"),
+            {{QStringLiteral("btnMessageBox_1"), QStringLiteral("Cancel")},
+                {QStringLiteral("btnMessageBox_2"), QStringLiteral("Ok")}});
+    });
+    PlanMenu();
+}
+
+void ScreenshotTour::Start()
+{
+    m_time.start();
+    m_ticker.start(kTick);
+    m_session->ShowSignIn();
+}
+
+void ScreenshotTour::PlanSession()
+{
+    m_steps.push_back(
+        {QStringLiteral("the sign-in window"), [this] { return m_session->SignInForm()->isVisible(); },
+            [this] {
+                Save(m_session->SignInForm(), QStringLiteral("sign-in"));
+                m_session->SignInAutomatically();
+            }});
+    m_steps.push_back({QStringLiteral("a list of jobs"),
+        [] {
+            const QTableWidget* jobs = FindJobTable();
+            return jobs && jobs->isVisible() && jobs->rowCount() > 0;
+        },
+        [] {}});
+    m_steps.push_back(
+        {QStringLiteral("a running job that advances"), [this] { return HasJobAdvanced(); }, [] {}});
+}
+
+/// @param name empty: only turn to the tab.
+void ScreenshotTour::PlanTab(int index, const QString& name)
+{
+    m_steps.push_back({QStringLiteral("the tabs"), [] { return Tabs() != nullptr; },
+        [index] { Tabs()->setCurrentIndex(index); }});
+    if (!name.isEmpty())
+        m_steps.push_back({name, Always, [this, name] { Save(FindJobTable()->window(), name); }});
+}
+
+void ScreenshotTour::PlanDialog(const QString& childName, const QString& name)
+{
+    m_steps.push_back({name, [childName] { return FindForm(childName) != nullptr; },
+        [childName] { FindForm(childName)->show(); }});
+    m_steps.push_back({name, [childName] { return FindForm(childName) != nullptr; },
+        [this, childName, name] {
+            QWidget* form = FindForm(childName);
+            Save(form, name);
+            form->close();
+        }});
+}
+
+/// Fills the dialog's list of candidates, as it does itself when it is opened for chosen jobs.
+void ScreenshotTour::PlanParents()
+{
+    m_steps.push_back({QStringLiteral("the window"), [] { return FindMainWindow() != nullptr; },
+        [] {
+            QMetaObject::invokeMethod(
+                FindMainWindow(), "GetJobList", Q_ARG(int, 1), Q_ARG(QString, QString()), Q_ARG(int, 1));
+        }});
+    m_steps.push_back({QStringLiteral("a list of possible parents"),
+        [] {
+            const QWidget* form = FindForm(QStringLiteral("twtJobList"));
+            return form && form->findChild<QTableWidget*>(QStringLiteral("twtJobList"))->rowCount() > 0;
+        },
+        [] {}});
+}
+
+/// @param open shows a modal window and returns when that is closed.
+void ScreenshotTour::PlanModal(const QString& name, const std::function<void()>& open)
+{
+    m_steps.push_back({name, Always, [this, open] { QTimer::singleShot(0, this, open); }});
+    m_steps.push_back({name, [] { return QApplication::activeModalWidget() != nullptr; },
+        [this, name] {
+            QWidget* window = QApplication::activeModalWidget();
+            Save(window, name);
+            window->close();
+        }});
+}
+
+void ScreenshotTour::PlanMenu()
+{
+    const auto menu = [this] { return m_services->loader.GetMenu(QStringLiteral("menuTray"), {}); };
+    m_steps.push_back({QStringLiteral("the tray menu"), [menu] { return menu() != nullptr; },
+        [menu] { menu()->popup(QPoint(0, 0)); }});
+    m_steps.push_back({QStringLiteral("the tray menu"), [menu] { return menu() && menu()->isVisible(); },
+        [this, menu] {
+            Save(menu(), QStringLiteral("tray-menu"));
+            menu()->close();
+        }});
+}
+
+void ScreenshotTour::Proceed()
+{
+    if (m_steps.empty()) {
+        End({});
+        return;
+    }
+    if (m_time.hasExpired(kLongest)) {
+        End(m_steps.front().awaited + QStringLiteral(" did not show"));
+        return;
+    }
+    if (++m_idleTicks < kSettlingTicks || !m_steps.front().isThere())
+        return;
+    m_idleTicks = 0;
+    const Step step = m_steps.front();
+    m_steps.pop_front();
+    step.act();
+}
+
+void ScreenshotTour::Save(QWidget* widget, const QString& name)
+{
+    const QString file = QDir(m_folder).filePath(name + QLatin1String(".png"));
+    if (!QDir().mkpath(m_folder) || !widget->grab().save(file)) {
+        End(QStringLiteral("cannot write ") + file);
+        return;
+    }
+    std::printf("%s\n", qUtf8Printable(file));
+    std::fflush(stdout);
+}
+
+bool ScreenshotTour::HasJobAdvanced()
+{
+    QTableWidget* jobs = FindJobTable();
+    for (int row = 0; jobs && row < jobs->rowCount(); ++row) {
+        const auto* bar = qobject_cast<QProgressBar*>(jobs->cellWidget(row, 3));
+        const QTableWidgetItem* state = jobs->item(row, 4);
+        const QTableWidgetItem* job = jobs->item(row, 0);
+        if (!bar || !state || !job || state->data(Qt::UserRole).toInt() != kRunning)
+            continue;
+        const QString id = job->data(Qt::UserRole).toString();
+        if (!m_firstProgress.contains(id))
+            m_firstProgress.insert(id, bar->value());
+        if (bar->value() > m_firstProgress.value(id))
+            return true;
+    }
+    if (QWidget* window = FindMainWindow(); window && m_idleTicks % kRefreshTicks == 0)
+        QMetaObject::invokeMethod(window, "RefreshJobList");
+    return false;
+}
+
+void ScreenshotTour::End(const QString& failure)
+{
+    m_ticker.stop();
+    m_steps.clear();
+    if (!failure.isEmpty())
+        std::fprintf(stderr, "quillstar: %s\n", qUtf8Printable(failure));
+    QCoreApplication::exit(failure.isEmpty() ? 0 : 1);
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QHash>
+#include <QObject>
+#include <QTimer>
+
+#include <deque>
+#include <functional>
+
+class SessionControl;
+class QTabWidget;
+struct HostServices;
+
+/// Walks through the client's windows, saves a picture of each and ends the application: with 0 when all are saved,
+/// with 1 and a message on standard error when something that should show does not within a minute.
+class ScreenshotTour : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param services, session must outlive the tour.
+    ScreenshotTour(const QString& folder, HostServices* services, SessionControl* session);
+
+    /// To be called once the server's address is known.
+    void Start();
+
+private:
+    /// Waits until something is there, then acts on it.
+    struct Step
+    {
+        QString awaited;
+        std::function<bool()> isThere;
+        std::function<void()> act;
+    };
+
+    void PlanSession();
+    void PlanTab(int index, const QString& name);
+    void PlanParents();
+    void PlanDialog(const QString& childName, const QString& name);
+    void PlanModal(const QString& name, const std::function<void()>& open);
+    void PlanMenu();
+    void Proceed();
+    void Save(QWidget* widget, const QString& name);
+    bool HasJobAdvanced();
+    void End(const QString& failure);
+
+    QString m_folder;
+    HostServices* m_services;
+    SessionControl* m_session;
+    std::deque<Step> m_steps;
+    QTimer m_ticker;
+    QElapsedTimer m_time;
+    QHash<QString, int> m_firstProgress; // by job
+    int m_idleTicks = 0;
+};

@@ -1,0 +1,150 @@
+#include "communication_service.h"
+
+#include "http_call.h"
+
+using FarmProtocol::Answer;
+
+namespace {
+
+QVariantMap Echo(const QVariantHash& request, const QStringList& keys)
+{
+    QVariantMap echo;
+    for (const QString& key : keys)
+        echo.insert(key, request.value(key));
+    return echo;
+}
+
+} // namespace
+
+CommunicationService::CommunicationService(const HttpLimits& limits, QObject* parent)
+    : ServiceBase<VTCommunicationInterface>(parent)
+    , m_transport(limits)
+    , m_session(std::make_unique<QObject>())
+{
+}
+
+void CommunicationService::SetServerUrl(const QUrl& url)
+{
+    QUrl root = url;
+    if (!url.isEmpty())
+        root.setPath(url.adjusted(QUrl::StripTrailingSlash).path() + QLatin1String("/api/v1"));
+    m_transport.SetBaseUrl(root);
+}
+
+void CommunicationService::SignIn(const QString& name, const QString& password)
+{
+    BeginSession();
+    Send(FarmProtocol::SignInRequest(name, password),
+        {FarmProtocol::IsSession, &VTCommunicationInterface::SignInResponse});
+}
+
+int CommunicationService::SignOut(const QVariant& status, const QVariantHash& request)
+{
+    if (const int refusal = CheckRequest(status))
+        return refusal;
+    BeginSession();
+    m_expiryReported = true;
+    return Submit(status, FarmProtocol::SignOutRequest(request),
+        {FarmProtocol::IsAnyObject, &VTCommunicationInterface::SignOutResponse});
+}
+
+int CommunicationService::GetUserInfo(const QVariant& status, const QVariantHash& request)
+{
+    return Submit(status, FarmProtocol::UserInfoRequest(request),
+        {FarmProtocol::IsUserInfo, &VTCommunicationInterface::UserInfoResponse});
+}
+
+int CommunicationService::StopJobs(const QVariant& status, const QVariantHash& request)
+{
+    return SubmitAction(status, "stop", request, &VTCommunicationInterface::StopJobResponse);
+}
+
+int CommunicationService::DeleteJobs(const QVariant& status, const QVariantHash& request)
+{
+    return SubmitAction(status, "delete", request, &VTCommunicationInterface::DeleteJobResponse);
+}
+
+int CommunicationService::RecoverJobs(const QVariant& status, const QVariantHash& request)
+{
+    return SubmitAction(status, "recover", request, &VTCommunicationInterface::RecoverJobResponse);
+}
+
+int CommunicationService::RestartJobs(const QVariant& status, const QVariantHash& request)
+{
+    return SubmitAction(status, "restart", request, &VTCommunicationInterface::RestartJobResponse);
+}
+
+int CommunicationService::FullRender(const QVariant& status, const QVariantHash& request)
+{
+    return SubmitAction(status, "full-render", request, &VTCommunicationInterface::FullRenderResponse);
+}
+
+int CommunicationService::GetJobList(const QVariant& status, const QVariantHash& request)
+{
+    if (const int refusal = CheckRequest(status))
+        return refusal;
+    // An older page must not arrive after the one that the user has turned to since.
+    const QString key = QStringLiteral("identifier");
+    QPointer<HttpCall>& newest = m_jobLists[request.value(key).toInt()];
+    delete newest.data();
+    newest = Send(FarmProtocol::JobListRequest(request),
+        {FarmProtocol::IsJobList, &VTCommunicationInterface::JobListResponse, Echo(request, {key})});
+    return StatusOk;
+}
+
+int CommunicationService::GetJobInfo(const QVariant& status, const QVariantHash& request)
+{
+    return Submit(status, FarmProtocol::JobInfoRequest(request),
+        {FarmProtocol::IsJobInfo, &VTCommunicationInterface::JobInfoResponse,
+            Echo(request, {QStringLiteral("jobId"), QStringLiteral("identifier")})});
+}
+
+int CommunicationService::GetProjectList(const QVariant& status, const QVariantHash& request)
+{
+    return Submit(status, FarmProtocol::ProjectListRequest(request),
+        {FarmProtocol::IsProjectList, &VTCommunicationInterface::ProjectListResponse});
+}
+
+HttpCall* CommunicationService::Send(const HttpRequest& request, const Handling& handling)
+{
+    HttpCall* call = m_transport.Send(request, m_session.get());
+    const bool ofSession = !request.token.isEmpty();
+    connect(call, &HttpCall::Finished, this, [this, handling, ofSession](const HttpResult& result) {
+        const Answer answer = FarmProtocol::Decode(result, handling.check, handling.echo);
+        const QPointer<QObject> session = m_session.get();
+        emit(this->*handling.response)(answer.code, answer.map);
+        if (ofSession && answer.code == 401 && session)
+            ReportExpiry();
+    });
+    return call;
+}
+
+int CommunicationService::Submit(const QVariant& status, const HttpRequest& request, const Handling& handling)
+{
+    if (const int refusal = CheckRequest(status))
+        return refusal;
+    Send(request, handling);
+    return StatusOk;
+}
+
+int CommunicationService::SubmitAction(
+    const QVariant& status, const QByteArray& action, const QVariantHash& request, Response response)
+{
+    return Submit(
+        status, FarmProtocol::JobActionRequest(action, request), {FarmProtocol::IsAnyObject, response});
+}
+
+void CommunicationService::BeginSession()
+{
+    m_jobLists.clear();
+    m_session = std::make_unique<QObject>();
+    m_expiryReported = false;
+}
+
+void CommunicationService::ReportExpiry()
+{
+    if (m_expiryReported)
+        return;
+    m_expiryReported = true;
+    emit SessionExpired();
+}

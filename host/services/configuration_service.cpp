@@ -1,0 +1,32 @@
+#include "configuration_service.h"
+
+#include "configuration_dialog.h"
+
+#include <QApplication>
+
+ConfigurationService::ConfigurationService(ConfigurationDialog* dialog, QObject* parent)
+    : ServiceBase<VTConfigurationInterface>(parent)
+    , m_dialog(dialog)
+{
+}
+
+void ConfigurationService::SetUserName(const QString& userName)
+{
+    m_userName = userName;
+}
+
+QString ConfigurationService::GetVersion()
+{
+    return QStringLiteral(QSCLIENT_VERSION);
+}
+
+void ConfigurationService::ShowConf()
+{
+    m_dialog->Run(m_userName);
+}
+
+void ConfigurationService::Finish(QString file)
+{
+    Q_UNUSED(file)
+    QApplication::beep();
+}

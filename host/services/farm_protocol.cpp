@@ -1,0 +1,155 @@
+#include "farm_protocol.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace FarmProtocol {
+
+namespace {
+
+constexpr int kLongestJobList = 1000;
+constexpr int kLongestToken = 4096;
+
+QByteArray TokenOf(const QVariantHash& request)
+{
+    return request.value(QStringLiteral("token")).toString().toLatin1();
+}
+
+HttpRequest Get(const QByteArray& target, const QVariantHash& request)
+{
+    return {"GET", target, TokenOf(request), {}, true};
+}
+
+QByteArray Json(const QJsonObject& object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+QJsonValue Data(const QJsonObject& body)
+{
+    return body.value(QLatin1String("data"));
+}
+
+QJsonValue Data(const QJsonObject& body, QLatin1String key)
+{
+    return Data(body).toObject().value(key);
+}
+
+/// A token goes into a header line: printable ASCII without blanks, or the line could be broken by it.
+bool IsToken(const QString& text)
+{
+    return !text.isEmpty() && text.size() <= kLongestToken
+        && std::all_of(
+            text.begin(), text.end(), [](QChar c) { return c.unicode() > 32 && c.unicode() < 127; });
+}
+
+} // namespace
+
+HttpRequest SignInRequest(const QString& name, const QString& password)
+{
+    const QJsonObject body {{QStringLiteral("username"), name}, {QStringLiteral("password"), password}};
+    return {"POST", "/session", {}, Json(body), false};
+}
+
+HttpRequest SignOutRequest(const QVariantHash& request)
+{
+    // Once is enough: the user waits for the end of the session, and the token expires by itself.
+    return {"DELETE", "/session", TokenOf(request), {}, false};
+}
+
+HttpRequest UserInfoRequest(const QVariantHash& request)
+{
+    return Get("/account", request);
+}
+
+HttpRequest ProjectListRequest(const QVariantHash& request)
+{
+    return Get("/projects", request);
+}
+
+HttpRequest JobListRequest(const QVariantHash& request)
+{
+    QByteArray target = "/jobs?page=" + QByteArray::number(request.value(QStringLiteral("page")).toInt())
+        + "&pageSize=" + QByteArray::number(request.value(QStringLiteral("pageSize")).toInt());
+    const QString conditions = request.value(QStringLiteral("conditions")).toString();
+    if (!conditions.isEmpty())
+        target += "&conditions=" + QUrl::toPercentEncoding(conditions);
+    return Get(target, request);
+}
+
+HttpRequest JobInfoRequest(const QVariantHash& request)
+{
+    QByteArray id = QUrl::toPercentEncoding(request.value(QStringLiteral("id")).toString());
+    // An id of dots would be read as a way through the path.
+    if (id.count('.') == id.size())
+        id.replace('.', "%2E");
+    return Get("/jobs/" + id, request);
+}
+
+HttpRequest JobActionRequest(const QByteArray& action, const QVariantHash& request)
+{
+    QJsonArray ids;
+    for (int i = 0; request.contains(QStringLiteral("id[%1]").arg(i)); ++i)
+        ids.append(request.value(QStringLiteral("id[%1]").arg(i)).toString());
+    return {"POST", "/jobs/" + action, TokenOf(request), Json({{QStringLiteral("ids"), ids}}), true};
+}
+
+bool IsAnyObject(const QJsonObject& body)
+{
+    Q_UNUSED(body)
+    return true;
+}
+
+bool IsSession(const QJsonObject& body)
+{
+    return !body.value(QLatin1String("loginname")).toString().isEmpty()
+        && !body.value(QLatin1String("username")).toString().isEmpty()
+        && IsToken(Data(body, QLatin1String("token")).toString());
+}
+
+bool IsUserInfo(const QJsonObject& body)
+{
+    return Data(body, QLatin1String("userInfo")).isObject();
+}
+
+bool IsProjectList(const QJsonObject& body)
+{
+    return Data(body).isArray();
+}
+
+bool IsJobList(const QJsonObject& body)
+{
+    const QJsonValue list = Data(body, QLatin1String("list"));
+    return list.isArray() && list.toArray().size() <= kLongestJobList
+        && Data(body, QLatin1String("total")).toInt(-1) >= 0;
+}
+
+bool IsJobInfo(const QJsonObject& body)
+{
+    return Data(body, QLatin1String("jobDatas")).isObject();
+}
+
+Answer Decode(const HttpResult& result, Check check, const QVariantMap& echo)
+{
+    Answer answer {result.status, {}};
+    QString message = result.error;
+    if (answer.code == 200 && check(result.json)) {
+        answer.map = result.json.toVariantMap();
+    } else {
+        if (answer.code == 200) {
+            answer.code = HttpResult::NotJson;
+            message = QStringLiteral("The server's answer is incomplete.");
+        } else if (Data(result.json).isObject()) {
+            answer.map.insert(QStringLiteral("data"), Data(result.json).toVariant());
+        }
+        answer.map.insert(QStringLiteral("message"), message);
+    }
+    for (auto entry = echo.begin(); entry != echo.end(); ++entry)
+        answer.map.insert(entry.key(), entry.value());
+    return answer;
+}
+
+} // namespace FarmProtocol

@@ -1,0 +1,132 @@
+#include "http_call.h"
+
+#include <QJsonDocument>
+#include <QNetworkReply>
+
+#include <algorithm>
+
+namespace {
+
+/// True when a whole answer came, whatever its status; false when the exchange itself failed.
+bool IsAnswered(const QNetworkReply& reply)
+{
+    const int error = reply.error();
+    return error == QNetworkReply::NoError
+        || (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError)
+        || (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
+}
+
+HttpResult ResultOf(const QNetworkReply& reply, const QByteArray& body)
+{
+    if (!IsAnswered(reply))
+        return {HttpResult::Unreachable, {}, reply.errorString()};
+
+    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    const QJsonDocument document = QJsonDocument::fromJson(body);
+    if (status == 200 && !document.isObject())
+        return {HttpResult::NotJson, {}, QStringLiteral("The server's answer cannot be read.")};
+    HttpResult result {status, document.object(), {}};
+    if (status != 200) {
+        result.error = result.json.value(QLatin1String("message")).toString();
+        if (result.error.isEmpty())
+            result.error = QStringLiteral("The server answered with status %1.").arg(status);
+    }
+    return result;
+}
+
+bool IsPassing(int status)
+{
+    return status == HttpResult::Unreachable || status == HttpResult::TimedOut || status == 429
+        || status >= 500;
+}
+
+} // namespace
+
+HttpCall::HttpCall(HttpTransport* transport, const HttpRequest& request, QObject* owner)
+    : QObject(owner)
+    , m_transport(transport)
+    , m_request(request)
+{
+    m_deadline.setSingleShot(true);
+    m_pause.setSingleShot(true);
+    connect(&m_deadline, &QTimer::timeout, this, &HttpCall::TimeOut);
+    connect(&m_pause, &QTimer::timeout, this, &HttpCall::GoOn);
+    Attempt();
+}
+
+HttpCall::~HttpCall()
+{
+    DropReply();
+}
+
+void HttpCall::Attempt()
+{
+    ++m_attempt;
+    m_received.clear();
+    m_reply = m_transport->Begin(m_request);
+    if (!m_reply) {
+        EndAttempt({HttpResult::Unreachable, {}, QStringLiteral("No server is known yet.")}, 0);
+        return;
+    }
+    connect(m_reply, &QNetworkReply::readyRead, this, &HttpCall::Collect);
+    connect(m_reply, &QNetworkReply::finished, this, &HttpCall::Conclude);
+    m_deadline.start(m_transport->Limits().attemptTime);
+}
+
+void HttpCall::Collect()
+{
+    m_received += m_reply->readAll();
+    if (m_received.size() > m_transport->Limits().answerBytes)
+        EndAttempt({HttpResult::TooLarge, {}, QStringLiteral("The server's answer is too large.")}, 0);
+}
+
+void HttpCall::TimeOut()
+{
+    EndAttempt({HttpResult::TimedOut, {}, QStringLiteral("The server did not answer in time.")}, 0);
+}
+
+void HttpCall::Conclude()
+{
+    Collect();
+    if (!m_reply)
+        return;
+    const int seconds = std::clamp(m_reply->rawHeader("Retry-After").toInt(), 0, 3600);
+    EndAttempt(ResultOf(*m_reply, m_received), seconds * 1000);
+}
+
+/// @param retryAfter pause in milliseconds that the server asked for.
+void HttpCall::EndAttempt(const HttpResult& result, int retryAfter)
+{
+    DropReply();
+    const HttpLimits& limits = m_transport->Limits();
+    if (m_request.repeatable && m_attempt < limits.attempts && IsPassing(result.status)) {
+        const int pause = limits.firstPause << (m_attempt - 1);
+        m_pause.start(std::min(std::max(pause, retryAfter), limits.longestPause));
+        return;
+    }
+    m_result = result;
+    m_pause.start(0);
+}
+
+void HttpCall::GoOn()
+{
+    if (!m_result) {
+        Attempt();
+        return;
+    }
+    // Whoever hears of it may delete this call: touch nothing of it afterwards, the result included.
+    const HttpResult result = *m_result;
+    deleteLater();
+    emit Finished(result);
+}
+
+void HttpCall::DropReply()
+{
+    m_deadline.stop();
+    if (!m_reply)
+        return;
+    m_reply->disconnect(this);
+    m_reply->abort();
+    m_reply->deleteLater();
+    m_reply.clear();
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QString>
+#include <QUrl>
+
+class HttpCall;
+class QNetworkReply;
+
+struct HttpRequest
+{
+    QByteArray verb;
+    QByteArray target;      ///< path below the transport's base URL and query, both percent-encoded
+    QByteArray token;       ///< bearer token; none when empty
+    QByteArray body;        ///< JSON text; none when empty
+    bool repeatable = true; ///< may be sent again when it failed on the way
+};
+
+struct HttpResult
+{
+    // What stands in for an HTTP status when there is no answer to read one from.
+    static constexpr int Unreachable = -1;
+    static constexpr int TimedOut = -2;
+    static constexpr int TooLarge = -3;
+    static constexpr int NotJson = -4;
+
+    int status = Unreachable;
+    QJsonObject json; ///< the answer's body, also that of a failure where it is a JSON object
+    QString error;    ///< English sentence; empty when status is 200
+};
+
+/// How long and how often the transport tries. Times in milliseconds.
+struct HttpLimits
+{
+    int attemptTime = 10000; ///< one attempt, from its start to the answer's last byte
+    int attempts = 3;
+    int firstPause = 300;    ///< before the second attempt; doubled before each further one
+    int longestPause = 8000; ///< also the most that a server's Retry-After is followed
+    qint64 answerBytes = 8 * 1024 * 1024;
+};
+
+/// Requests with JSON answers to one server. Follows no redirect, keeps no cookie, accepts no unverified certificate.
+class HttpTransport
+{
+public:
+    explicit HttpTransport(const HttpLimits& limits = {});
+
+    /// Where requests go from now on, further attempts of running ones included; an empty URL makes each of them fail.
+    /// No connection to the former place is kept, so that a server of ours can end without waiting for us.
+    void SetBaseUrl(const QUrl& url);
+
+    /// Sends a request. The call reports its result once, later, and then deletes itself; deleting it cancels it.
+    /// @param owner must not outlive this transport.
+    HttpCall* Send(const HttpRequest& request, QObject* owner);
+
+    /// One attempt; null when there is nowhere to send it. For HttpCall.
+    QNetworkReply* Begin(const HttpRequest& request);
+    const HttpLimits& Limits() const { return m_limits; }
+
+private:
+    QNetworkAccessManager m_network;
+    HttpLimits m_limits;
+    QUrl m_base;
+};

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "service_base.h"
+#include "vtr_loggerinterface.h"
+
+#include <QObject>
+
+#include <memory>
+
+namespace spdlog {
+class logger;
+} // namespace spdlog
+
+/// The logger interface on a QObject, so that it can be registered and cast like the other services.
+class LoggerObject : public QObject, public VTLoggerInterface
+{
+    Q_OBJECT
+    Q_INTERFACES(VTLoggerInterface VTBaseInterface)
+
+public:
+    using QObject::QObject;
+};
+
+/// What the log keeps and where.
+struct LogOptions
+{
+    QString file;                           ///< empty: console only
+    QString level = QStringLiteral("info"); ///< least severe level that is kept: one of Levels()
+    int maxFileBytes = 4 * 1024 * 1024;
+    int oldFiles = 3; ///< rotated files beside the current one
+    bool console = true;
+
+    static QStringList Levels();
+};
+
+/// The log sink: one line a message, with time, level and category, into a rotating file and the console.
+///
+/// May be written to from any thread.
+class LoggerService : public ServiceBase<LoggerObject>
+{
+    Q_OBJECT
+
+public:
+    /// The numbers that Write takes; the greater the number, the less severe the message.
+    enum Level { Critical = 8, Error = 16, Warning = 32, Info = 64, Debug = 128 };
+
+    explicit LoggerService(const LogOptions& options, QObject* parent = nullptr);
+    ~LoggerService() override;
+
+    void Write(
+        const QString& message, int level, const QString& category, const QString& source, int line) override;
+
+private:
+    std::shared_ptr<spdlog::logger> m_logger;
+};

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "vtr_baseinterface.h"
+
+/// The six life-cycle operations of a sibling service, written once.
+///
+/// Show hands out the status that the other operations, and the requests of a service that has some, must bring back.
+template <class Interface>
+class ServiceBase : public Interface
+{
+public:
+    using Interface::Interface;
+
+    int Initialize(const QVariantMap& parameters) override
+    {
+        Q_UNUSED(parameters)
+        m_initialised = true;
+        return StatusOk;
+    }
+
+    int Uninitialize() override
+    {
+        m_initialised = false;
+        return StatusOk;
+    }
+
+    int Show(QVariant& result, const QVariantMap& parameters) override
+    {
+        Q_UNUSED(parameters)
+        if (!m_initialised)
+            return StatusNotInitialised;
+        result = HandedOut;
+        return StatusOk;
+    }
+
+    int Hide(const QVariant& request) override { return CheckRequest(request); }
+
+    int Activate(const QVariant& request, const QVariantMap& parameters) override
+    {
+        Q_UNUSED(parameters)
+        return CheckRequest(request);
+    }
+
+    int Close(const QVariant& request) override { return CheckRequest(request); }
+
+protected:
+    enum Status { StatusOk = 0, StatusNotInitialised = -3, StatusBadRequest = -4 };
+
+    /// StatusOk when the service is initialised and the request is the status that Show handed out.
+    int CheckRequest(const QVariant& request) const
+    {
+        if (!m_initialised)
+            return StatusNotInitialised;
+        return request.toInt() == HandedOut ? StatusOk : StatusBadRequest;
+    }
+
+private:
+    static constexpr int HandedOut = 1;
+
+    bool m_initialised = false;
+};

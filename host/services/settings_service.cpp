@@ -1,0 +1,34 @@
+#include "settings_service.h"
+
+#include <QDebug>
+
+SettingsService::SettingsService(const QString& file, QObject* parent)
+    : ServiceBase<VTSettingsInterface>(parent)
+    , m_store(file, QSettings::IniFormat)
+{
+    m_saving.setSingleShot(true);
+    connect(&m_saving, &QTimer::timeout, this, &SettingsService::Save);
+    if (m_store.status() != QSettings::NoError)
+        qWarning().noquote() << "the settings file cannot be read:" << m_store.fileName();
+}
+
+QVariant SettingsService::Value(const QString& key, const QVariant& fallback)
+{
+    return m_store.value(key, fallback);
+}
+
+void SettingsService::SetValue(const QString& key, const QVariant& value)
+{
+    if (m_store.contains(key) && m_store.value(key) == value)
+        return;
+    m_store.setValue(key, value);
+    m_saving.start(0);
+}
+
+void SettingsService::Save()
+{
+    m_store.sync();
+    if (m_store.status() != QSettings::NoError)
+        qWarning().noquote() << "the settings cannot be saved:" << m_store.fileName();
+    emit SettingsUpdated();
+}

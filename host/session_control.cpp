@@ -1,0 +1,152 @@
+#include "session_control.h"
+
+#include "communication_service.h"
+#include "main_window.h"
+#include "ui_loader_service.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QMenu>
+#include <QSystemTrayIcon>
+#include <QWidget>
+
+namespace {
+
+QString SignInKey()
+{
+    return QStringLiteral("com.vtr.authclient");
+}
+
+QString LastNameKey()
+{
+    return QStringLiteral("vtr.auth/lastname");
+}
+
+void RequestSignOut()
+{
+    if (QWidget* window = FindMainWindow())
+        QMetaObject::invokeMethod(window, "SignOut");
+}
+
+} // namespace
+
+SessionControl::SessionControl(UiLoaderService* loader, CommunicationService* communication,
+    VTSettingsInterface* settings, QObject* parent)
+    : QObject(parent)
+    , m_loader(loader)
+    , m_communication(communication)
+    , m_settings(settings)
+    , m_window(loader, nullptr)
+{
+    m_loader->RegisterWindow(SignInKey(), m_window.Form());
+    m_window.Form()->installEventFilter(this);
+    m_window.SetName(m_settings->Value(LastNameKey(), {}).toString());
+    connect(&m_window, &SignInWindow::SignInRequested, this, &SessionControl::SignIn);
+    connect(communication, &CommunicationService::SignInResponse, this, &SessionControl::HandleSignIn);
+    connect(communication, &CommunicationService::SignOutResponse, this, &SessionControl::HandleSignOut);
+    connect(communication, &CommunicationService::SessionExpired, this, &SessionControl::HandleExpiry);
+    AddMenuEntry();
+}
+
+void SessionControl::SetAccount(const QString& name, const QString& password)
+{
+    m_name = name;
+    m_password = password;
+    m_window.SetName(name);
+}
+
+void SessionControl::SignInAutomatically()
+{
+    if (m_password.isEmpty()) {
+        ShowSignIn();
+        return;
+    }
+    SignIn(m_name, m_password);
+    m_password.clear();
+}
+
+void SessionControl::ShowSignIn()
+{
+    if (!m_signedIn)
+        m_loader->OpenWindow(SignInKey());
+}
+
+void SessionControl::ShowFailure(const QString& message)
+{
+    if (m_signedIn)
+        return;
+    ShowSignIn();
+    m_window.SetBusy(false);
+    m_window.ShowFailure(message);
+}
+
+void SessionControl::ComeForward()
+{
+    m_loader->OpenWindow(m_signedIn ? QStringLiteral("com.vtr.qsclient") : SignInKey());
+}
+
+bool SessionControl::eventFilter(QObject* watched, QEvent* event)
+{
+    // Without a tray there would be nothing left on the screen to come back from.
+    if (watched == m_window.Form() && event->type() == QEvent::Close && !m_signedIn
+        && !QSystemTrayIcon::isSystemTrayAvailable())
+        QCoreApplication::quit();
+    return QObject::eventFilter(watched, event);
+}
+
+void SessionControl::SignIn(const QString& name, const QString& password)
+{
+    m_window.SetBusy(true);
+    m_communication->SignIn(name, password);
+}
+
+void SessionControl::HandleSignIn(int code, const QVariantMap& answer)
+{
+    if (code != 200) {
+        ShowFailure(answer.value(QStringLiteral("message")).toString());
+        return;
+    }
+    m_signedIn = true;
+    m_signOut.setEnabled(true);
+    m_window.SetBusy(false);
+    m_window.Succeeded();
+    m_settings->SetValue(LastNameKey(), answer.value(QStringLiteral("loginname")));
+    m_window.Form()->hide();
+    emit SignedIn(answer.value(QStringLiteral("username")).toString());
+    ComeForward();
+}
+
+void SessionControl::HandleSignOut()
+{
+    m_signedIn = false;
+    m_signOut.setEnabled(false);
+    ShowSignIn();
+    if (m_expired)
+        ShowFailure(tr("Your session has ended. Please sign in again."));
+    m_expired = false;
+}
+
+void SessionControl::HandleExpiry()
+{
+    m_expired = true;
+    RequestSignOut();
+}
+
+void SessionControl::AddMenuEntry()
+{
+    m_signOut.setEnabled(false);
+    connect(&m_signOut, &QAction::triggered, this, RequestSignOut);
+    connect(m_loader, &UiLoaderService::LanguageChanged, this, &SessionControl::TranslateMenuEntry);
+    TranslateMenuEntry();
+    QMenu* menu = m_loader->GetMenu(QStringLiteral("menuTray"), {});
+    if (!menu)
+        return;
+    // The last entry is the main window's: it quits.
+    const QList<QAction*> entries = menu->actions();
+    menu->insertAction(entries.isEmpty() ? nullptr : entries.constLast(), &m_signOut);
+}
+
+void SessionControl::TranslateMenuEntry()
+{
+    m_signOut.setText(tr("Sign out"));
+}

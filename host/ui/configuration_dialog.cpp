@@ -1,0 +1,67 @@
+#include "configuration_dialog.h"
+
+#include "vtr_settingsinterface.h"
+
+#include <QCheckBox>
+#include <QDialog>
+#include <QPointer>
+#include <QPushButton>
+
+namespace {
+
+struct Switch
+{
+    const char* box;
+    const char* setting;
+};
+
+constexpr Switch Switches[] = {
+    {"chkAutoDownload", "autodownload"},
+    {"chkPopupFinish", "popupfinish"},
+    {"chkSoundFinish", "soundfinish"},
+    {"chkSetArgument", "setargument"},
+};
+
+QString SettingKey(const QString& userName, const char* setting)
+{
+    return QLatin1String("vtr.account.") + userName + QLatin1Char('/') + QLatin1String(setting);
+}
+
+} // namespace
+
+ConfigurationDialog::ConfigurationDialog(
+    UiLoaderService* loader, VTSettingsInterface* settings, QObject* parent)
+    : QObject(parent)
+    , m_form(loader, QStringLiteral("com.vtr.configuration"))
+    , m_settings(settings)
+{
+    auto* dialog = qobject_cast<QDialog*>(Form());
+    connect(m_form.Find<QPushButton>("btnOk"), &QPushButton::clicked, dialog, &QDialog::accept);
+    connect(m_form.Find<QPushButton>("btnCancel"), &QPushButton::clicked, dialog, &QDialog::reject);
+    connect(m_form.Find<QPushButton>("btnClose"), &QPushButton::clicked, dialog, &QDialog::reject);
+}
+
+void ConfigurationDialog::Run(const QString& userName)
+{
+    if (userName.isEmpty() || Form()->isVisible())
+        return;
+    Load(userName);
+    const QPointer<ConfigurationDialog> alive(this);
+    const bool accepted = m_form.Exec();
+    if (alive && accepted)
+        Store(userName);
+}
+
+void ConfigurationDialog::Load(const QString& userName)
+{
+    for (const Switch& entry : Switches)
+        m_form.Find<QCheckBox>(entry.box)->setChecked(
+            m_settings->Value(SettingKey(userName, entry.setting), 0).toBool());
+}
+
+void ConfigurationDialog::Store(const QString& userName)
+{
+    for (const Switch& entry : Switches)
+        m_settings->SetValue(
+            SettingKey(userName, entry.setting), m_form.Find<QCheckBox>(entry.box)->isChecked());
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "service_base.h"
+#include "vtr_messagboxinterface.h"
+
+#include <QPointer>
+
+class UiLoaderService;
+
+/// Message boxes on the form "com.vtr.messagebox", in the current skin. They show plain text only.
+class MessageBoxService : public ServiceBase<VTMessagboxInterface>
+{
+    Q_OBJECT
+    Q_INTERFACES(VTMessagboxInterface)
+
+public:
+    /// @param loader must outlive the boxes.
+    explicit MessageBoxService(UiLoaderService* loader, QObject* parent = nullptr);
+
+    /// Enter presses the button whose name has the highest number. Without any button there is one, "btnMessageBox_1".
+    QString ShowMessage(int kind, const QString& title, const QString& text, const QIcon& icon,
+        const QString& detail, const QVariantHash& buttons, bool list) override;
+
+private:
+    UiLoaderService* m_loader;
+};

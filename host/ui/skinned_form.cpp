@@ -1,0 +1,49 @@
+#include "skinned_form.h"
+
+#include "skins.h"
+#include "ui_loader_service.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QWindow>
+
+SkinnedForm::SkinnedForm(UiLoaderService* loader, const QString& key, QObject* parent)
+    : QObject(parent)
+    , m_loader(loader)
+    , m_key(key)
+    , m_form(loader->LoadUi(key, nullptr))
+{
+    Require(m_form.get(), "form");
+    const Qt::WindowType type = qobject_cast<QDialog*>(m_form.get()) ? Qt::Dialog : Qt::Window;
+    m_form->setWindowFlags(type | Qt::FramelessWindowHint | Qt::WindowMinimizeButtonHint);
+    m_form->setAutoFillBackground(true);
+    connect(loader, &UiLoaderService::SkinChanged, this, &SkinnedForm::Restyle);
+    Restyle();
+}
+
+SkinnedForm::~SkinnedForm() = default;
+
+bool SkinnedForm::Exec() const
+{
+    auto* dialog = qobject_cast<QDialog*>(m_form.get());
+    Require(dialog, "dialog");
+    if (const QWidget* active = QApplication::activeWindow()) {
+        dialog->winId(); // makes the window that can be put in front of the other
+        dialog->windowHandle()->setTransientParent(active->windowHandle());
+    }
+    return dialog->exec() == QDialog::Accepted;
+}
+
+void SkinnedForm::Require(const void* found, const char* what) const
+{
+    if (!found)
+        qFatal("Form %s lacks %s", qUtf8Printable(m_key), what);
+}
+
+void SkinnedForm::Restyle()
+{
+    if (!m_loader)
+        return;
+    m_form->setStyleSheet(Skins::StyleSheet(m_loader->GetSkin(), m_key));
+    m_form->setWindowIcon(Skins::MainIcon(m_loader->GetSkin()));
+}

@@ -1,0 +1,77 @@
+#include "tray_menu.h"
+
+#include "languages.h"
+
+#include <QActionGroup>
+
+namespace {
+
+/// Adds one entry of a choice; its data is what is chosen.
+void AddChoice(QActionGroup* group, const QString& text, const QString& choice, bool current)
+{
+    QAction* action = group->addAction(text);
+    action->setCheckable(true);
+    action->setChecked(current);
+    action->setData(choice);
+}
+
+QActionGroup* NewChoice(QMenu* menu)
+{
+    menu->clear();
+    qDeleteAll(menu->findChildren<QActionGroup*>());
+    return new QActionGroup(menu);
+}
+
+/// '&' would be taken for the mark of a shortcut.
+QString MenuText(QString text)
+{
+    return text.replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+} // namespace
+
+TrayMenu::TrayMenu(QObject* parent)
+    : QObject(parent)
+    , m_skins(m_menu.addMenu(QString()))
+    , m_languages(m_menu.addMenu(QString()))
+{
+    m_menu.setObjectName(QStringLiteral("menuTray"));
+    m_skins->setObjectName(QStringLiteral("meuSkin"));
+    m_languages->setObjectName(QStringLiteral("meuLanguage"));
+    connect(m_skins, &QMenu::triggered, this,
+        [this](const QAction* action) { emit SkinChosen(action->data().toString()); });
+    connect(m_languages, &QMenu::triggered, this,
+        [this](const QAction* action) { emit LanguageChosen(action->data().toString()); });
+    Retranslate();
+}
+
+QMenu* TrayMenu::Find(const QString& menu, const QString& subMenu)
+{
+    if (menu != m_menu.objectName())
+        return nullptr;
+    return subMenu.isEmpty() ? &m_menu : m_menu.findChild<QMenu*>(subMenu);
+}
+
+void TrayMenu::ListSkins(const QStringList& names, const QString& current)
+{
+    QActionGroup* choice = NewChoice(m_skins);
+    for (const QString& name : names) {
+        const QString shown = name.left(1).toUpper() + name.mid(1);
+        AddChoice(choice, MenuText(shown), name, name == current);
+    }
+    m_skins->addActions(choice->actions());
+}
+
+void TrayMenu::ListLanguages(const QStringList& files, const QString& current)
+{
+    QActionGroup* choice = NewChoice(m_languages);
+    for (const QString& file : files)
+        AddChoice(choice, MenuText(Languages::DisplayName(file)), file, file == current);
+    m_languages->addActions(choice->actions());
+}
+
+void TrayMenu::Retranslate()
+{
+    m_skins->setTitle(tr("Skin"));
+    m_languages->setTitle(tr("Language"));
+}

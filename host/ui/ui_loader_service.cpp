@@ -1,0 +1,193 @@
+#include "ui_loader_service.h"
+
+#include "frameless_window.h"
+#include "languages.h"
+#include "skins.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QPushButton>
+#include <QUiLoader>
+
+namespace {
+
+const QLatin1String MainFormKey("com.vtr.qsclient");
+const QLatin1String MenuKey("com.vtr.menu");
+const QLatin1String DefaultSkin("default");
+const QLatin1String DefaultLanguage("vtr_en.qm");
+const QLatin1String SkinSetting("vtr.ui/skin");
+const QLatin1String LanguageSetting("vtr.ui/language");
+
+QString NextToExecutable(const char* folder)
+{
+    return QDir(QCoreApplication::applicationDirPath()).filePath(QLatin1String(folder));
+}
+
+} // namespace
+
+UiLoaderService::UiLoaderService(VTSettingsInterface* settings, QObject* parent)
+    : ServiceBase(parent)
+    , m_settings(settings)
+{
+    Skins::Install(NextToExecutable("skins"));
+    m_skin = Remembered(SkinSetting, DefaultSkin);
+    if (!GetSkins().contains(m_skin))
+        m_skin = DefaultSkin;
+    TakeRememberedLanguage();
+
+    connect(&m_trayMenu, &TrayMenu::SkinChosen, this, &UiLoaderService::SetSkin);
+    connect(&m_trayMenu, &TrayMenu::LanguageChosen, this, &UiLoaderService::SetLanguage);
+    m_trayMenu.SetStyleSheet(Skins::StyleSheet(m_skin, MenuKey));
+    ListChoices();
+    LoadSkinSettings(Skins::SettingsFile(m_skin));
+}
+
+UiLoaderService::~UiLoaderService() = default;
+
+QWidget* UiLoaderService::LoadUi(const QString& key, QWidget* parent)
+{
+    // Looked up in the list, so that a key is never taken for a path.
+    const QDir forms(QStringLiteral(":/forms"));
+    const QString name = key + QLatin1String(".ui");
+    if (!forms.entryList(QDir::Files).contains(name)) {
+        qWarning("There is no form %s", qUtf8Printable(key));
+        return nullptr;
+    }
+    QFile file(forms.filePath(name));
+    if (!file.open(QIODevice::ReadOnly))
+        return nullptr;
+    QUiLoader loader;
+    loader.setLanguageChangeEnabled(true);
+    QWidget* form = loader.load(&file, parent);
+    if (form && !parent) {
+        new FramelessWindow(form, key == MainFormKey ? FramelessWindow::Main : FramelessWindow::Dialog);
+        if (key == MainFormKey)
+            PrepareMainForm(form);
+    }
+    return form;
+}
+
+void UiLoaderService::PrepareMainForm(QWidget* form)
+{
+    form->setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint
+        | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint);
+    if (auto* button = form->findChild<QPushButton*>(QStringLiteral("btnSkin")))
+        button->setMenu(GetMenu(QStringLiteral("menuTray"), QStringLiteral("meuSkin")));
+}
+
+QString UiLoaderService::GetLanguage()
+{
+    return m_languageFile.isEmpty() ? QString(DefaultLanguage) : QFileInfo(m_languageFile).fileName();
+}
+
+QStringList UiLoaderService::GetLanguages()
+{
+    return Languages::Files(NextToExecutable("languages"));
+}
+
+void UiLoaderService::SetLanguage(const QString& file)
+{
+    if (file == m_languageFile || !GetLanguages().contains(file) || !InstallTranslator(file))
+        return;
+    Remember(LanguageSetting, GetLanguage());
+    m_trayMenu.Retranslate();
+    ListChoices();
+    emit LanguageChanged(file);
+}
+
+bool UiLoaderService::InstallTranslator(const QString& file)
+{
+    auto translator = std::make_unique<QTranslator>();
+    if (!translator->load(file)) {
+        qWarning("%s is not a language file", qUtf8Printable(file));
+        return false;
+    }
+    if (m_translator)
+        QCoreApplication::removeTranslator(m_translator.get());
+    m_translator = std::move(translator);
+    m_languageFile = file;
+    QCoreApplication::installTranslator(m_translator.get());
+    return true;
+}
+
+void UiLoaderService::TakeRememberedLanguage()
+{
+    const QStringList files = GetLanguages();
+    for (const QString& wanted : {Remembered(LanguageSetting, DefaultLanguage), QString(DefaultLanguage)}) {
+        for (const QString& file : files) {
+            if (QFileInfo(file).fileName() == wanted && InstallTranslator(file))
+                return;
+        }
+    }
+}
+
+void UiLoaderService::OpenWindow(const QString& key)
+{
+    if (QWidget* window = m_windows.value(key)) {
+        window->show();
+        window->raise();
+        window->activateWindow();
+    }
+    emit ShowWindow(key);
+}
+
+QMenu* UiLoaderService::GetMenu(const QString& menu, const QString& subMenu)
+{
+    return m_trayMenu.Find(menu, subMenu);
+}
+
+void UiLoaderService::LoadSkinSettings(const QString& iniFile)
+{
+    m_layouts.remove(iniFile);
+    Skins::ApplySettings(iniFile);
+}
+
+void UiLoaderService::LayoutForm(QWidget* form, const QString& iniFile)
+{
+    if (!form)
+        return;
+    auto layout = m_layouts.find(iniFile);
+    if (layout == m_layouts.end())
+        layout = m_layouts.insert(iniFile, FormLayout::Read(iniFile));
+    layout->Apply(form);
+}
+
+QStringList UiLoaderService::GetSkins() const
+{
+    return Skins::Names();
+}
+
+void UiLoaderService::SetSkin(const QString& name)
+{
+    if (name == m_skin || !GetSkins().contains(name))
+        return;
+    m_skin = name;
+    Remember(SkinSetting, name);
+    LoadSkinSettings(Skins::SettingsFile(name));
+    m_trayMenu.SetStyleSheet(Skins::StyleSheet(name, MenuKey));
+    ListChoices();
+    emit SkinChanged(name);
+}
+
+void UiLoaderService::RegisterWindow(const QString& key, QWidget* window)
+{
+    m_windows.insert(key, window);
+}
+
+void UiLoaderService::Remember(const QString& key, const QString& value)
+{
+    if (m_settings)
+        m_settings->SetValue(key, value);
+}
+
+QString UiLoaderService::Remembered(const QString& key, const QString& fallback) const
+{
+    return m_settings ? m_settings->Value(key, fallback).toString() : fallback;
+}
+
+void UiLoaderService::ListChoices()
+{
+    m_trayMenu.ListSkins(GetSkins(), m_skin);
+    m_trayMenu.ListLanguages(GetLanguages(), m_languageFile);
+}

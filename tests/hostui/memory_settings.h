@@ -1,0 +1,19 @@
+#pragma once
+
+#include "service_base.h"
+#include "vtr_settingsinterface.h"
+
+#include <QVariantMap>
+
+/// Settings that live as long as the test.
+class MemorySettings : public ServiceBase<VTSettingsInterface>
+{
+public:
+    QVariant Value(const QString& key, const QVariant& fallback) override
+    {
+        return values.value(key, fallback);
+    }
+    void SetValue(const QString& key, const QVariant& value) override { values.insert(key, value); }
+
+    QVariantMap values;
+};

@@ -1,0 +1,152 @@
+#include "configuration_dialog.h"
+#include "memory_settings.h"
+#include "sign_in_window.h"
+#include "ui_loader_service.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTimer>
+#include <QtTest>
+
+class TestWindows : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void SignInAsksOnlyWithNameAndPassword();
+    void SignInWaitsFailsAndSucceeds();
+    void TitleBarMovesTheWindow();
+    void ConfigurationStoresWhatIsConfirmed_data();
+    void ConfigurationStoresWhatIsConfirmed();
+    void ConfigurationNeedsAUser();
+
+private:
+    UiLoaderService m_loader {nullptr};
+};
+
+void TestWindows::SignInAsksOnlyWithNameAndPassword()
+{
+    SignInWindow window(&m_loader);
+    QSignalSpy asked(&window, &SignInWindow::SignInRequested);
+    auto* name = window.Form()->findChild<QLineEdit*>(QStringLiteral("lneName"));
+    auto* password = window.Form()->findChild<QLineEdit*>(QStringLiteral("lnePassword"));
+    auto* button = window.Form()->findChild<QPushButton*>(QStringLiteral("btnSignIn"));
+    QCOMPARE(password->echoMode(), QLineEdit::Password);
+    QVERIFY(!button->isEnabled());
+    name->setText(QStringLiteral("   "));
+    password->setText(QStringLiteral(" secret "));
+    QTest::keyClick(password, Qt::Key_Return);
+    QCOMPARE(asked.size(), 0);
+
+    name->setText(QStringLiteral(" demo "));
+    QTest::keyClick(name, Qt::Key_Return);
+    button->click();
+    QCOMPARE(asked.size(), 2);
+    QCOMPARE(asked[0], QVariantList({QStringLiteral("demo"), QStringLiteral(" secret ")}));
+}
+
+void TestWindows::SignInWaitsFailsAndSucceeds()
+{
+    SignInWindow window(&m_loader);
+    QSignalSpy asked(&window, &SignInWindow::SignInRequested);
+    auto* password = window.Form()->findChild<QLineEdit*>(QStringLiteral("lnePassword"));
+    auto* button = window.Form()->findChild<QPushButton*>(QStringLiteral("btnSignIn"));
+    const auto* failure = window.Form()->findChild<QLabel*>(QStringLiteral("lblFailure"));
+    window.SetName(QStringLiteral("demo"));
+    password->setText(QStringLiteral("secret"));
+
+    window.SetBusy(true);
+    button->click();
+    QVERIFY(!password->isEnabled());
+    QCOMPARE(asked.size(), 0);
+
+    window.ShowFailure(QStringLiteral("<b>no</b>"));
+    QCOMPARE(failure->text(), QStringLiteral("<b>no</b>"));
+    QCOMPARE(failure->textFormat(), Qt::PlainText);
+    QCOMPARE(password->text(), QStringLiteral("secret"));
+    button->click();
+    QCOMPARE(asked.size(), 1);
+    window.ShowFailure(QString(100000, QLatin1Char('x')));
+    QVERIFY(failure->text().size() < 1000);
+
+    window.Succeeded();
+    QVERIFY(password->text().isEmpty());
+    QVERIFY(failure->text().isEmpty());
+}
+
+void TestWindows::TitleBarMovesTheWindow()
+{
+    const SignInWindow window(&m_loader);
+    QWidget* form = window.Form();
+    form->show();
+    QVERIFY(QTest::qWaitForWindowExposed(form));
+    const QPoint start = form->pos();
+    const auto drag = [form](const QPoint& from, const QPoint& by) {
+        const QPoint global = form->mapToGlobal(from);
+        QMouseEvent press(QEvent::MouseButtonPress, from, global, Qt::LeftButton, Qt::LeftButton, {});
+        QMouseEvent move(QEvent::MouseMove, from + by, global + by, Qt::NoButton, Qt::LeftButton, {});
+        QMouseEvent release(QEvent::MouseButtonRelease, from + by, global + by, Qt::LeftButton, {}, {});
+        for (QMouseEvent* event : {&press, &move, &release})
+            QCoreApplication::sendEvent(form, event);
+    };
+    drag({200, 300}, {40, 30}); // not the title bar
+    QCOMPARE(form->pos(), start);
+    drag({200, 20}, {40, 30});
+    QCOMPARE(form->pos(), start + QPoint(40, 30));
+}
+
+void TestWindows::ConfigurationStoresWhatIsConfirmed_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<bool>("stored");
+    QTest::newRow("ok") << QStringLiteral("btnOk") << true;
+    QTest::newRow("cancel") << QStringLiteral("btnCancel") << false;
+    QTest::newRow("close") << QStringLiteral("btnClose") << false;
+}
+
+void TestWindows::ConfigurationStoresWhatIsConfirmed()
+{
+    QFETCH(QString, button);
+    QFETCH(bool, stored);
+    const QString autoDownload = QStringLiteral("vtr.account.demo/autodownload");
+    const QString setArgument = QStringLiteral("vtr.account.demo/setargument");
+    MemorySettings settings;
+    settings.values.insert(autoDownload, true);
+    const QVariantMap before = settings.values;
+    ConfigurationDialog dialog(&m_loader, &settings);
+    QTimer::singleShot(0, this, [&] {
+        auto* download = dialog.Form()->findChild<QCheckBox*>(QStringLiteral("chkAutoDownload"));
+        auto* argument = dialog.Form()->findChild<QCheckBox*>(QStringLiteral("chkSetArgument"));
+        QVERIFY(download->isChecked());
+        QVERIFY(!argument->isChecked());
+        download->setChecked(false);
+        argument->setChecked(true);
+        dialog.Form()->findChild<QPushButton*>(button)->click();
+    });
+    dialog.Run(QStringLiteral("demo"));
+    if (!stored) {
+        QCOMPARE(settings.values, before);
+        return;
+    }
+    QCOMPARE(settings.values.size(), 4);
+    QCOMPARE(settings.values.value(autoDownload).toBool(), false);
+    QCOMPARE(settings.values.value(setArgument).toBool(), true);
+    QVERIFY(settings.values.contains(QStringLiteral("vtr.account.demo/popupfinish")));
+    QVERIFY(settings.values.contains(QStringLiteral("vtr.account.demo/soundfinish")));
+}
+
+void TestWindows::ConfigurationNeedsAUser()
+{
+    MemorySettings settings;
+    ConfigurationDialog dialog(&m_loader, &settings);
+    dialog.Run(QString()); // returns at once
+    QVERIFY(!dialog.Form()->isVisible());
+    QVERIFY(settings.values.isEmpty());
+}
+
+QTEST_MAIN(TestWindows)
+#include "tst_hostui_windows.moc"
