@@ -1,0 +1,105 @@
+#include "client_host.h"
+#include "host_options.h"
+
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QtTest>
+
+namespace {
+
+constexpr int SignInTime = 60000;  // ms; the farm makes its demo data first
+constexpr int RenderTime = 120000; // ms
+
+QWidget* TopLevel(const char* className)
+{
+    const auto widgets = QApplication::topLevelWidgets();
+    for (QWidget* widget : widgets) {
+        if (qstrcmp(widget->metaObject()->className(), className) == 0)
+            return widget;
+    }
+    return nullptr;
+}
+
+template <typename Widget>
+Widget* Find(const char* name)
+{
+    const auto widgets = QApplication::topLevelWidgets();
+    for (QWidget* widget : widgets) {
+        if (auto* found = widget->findChild<Widget*>(QLatin1String(name)))
+            return found;
+    }
+    return nullptr;
+}
+
+QHash<QString, int> ProgressByJob(const QTableWidget* table)
+{
+    QHash<QString, int> progress;
+    for (int row = 0; row < table->rowCount(); ++row) {
+        if (auto* bar = qobject_cast<QProgressBar*>(table->cellWidget(row, 3)))
+            progress.insert(table->item(row, 0)->data(Qt::UserRole).toString(), bar->value());
+    }
+    return progress;
+}
+
+bool AnyAdvanced(const QHash<QString, int>& before, const QTableWidget* table)
+{
+    const QHash<QString, int> now = ProgressByJob(table);
+    return std::any_of(now.keyBegin(), now.keyEnd(),
+        [&](const QString& job) { return before.contains(job) && now.value(job) > before.value(job); });
+}
+
+} // namespace
+
+class TestE2eClient : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void SignsInShowsAJobAdvanceAndSignsOut();
+};
+
+void TestE2eClient::SignsInShowsAJobAdvanceAndSignsOut()
+{
+    const QTemporaryDir folder;
+    HostOptions options;
+    QString error;
+    QVERIFY2(options.Parse(
+                 {QStringLiteral("quillstar"), QStringLiteral("--config"),
+                     folder.filePath(QStringLiteral("client.ini")), QStringLiteral("--data"), folder.path()},
+                 &error),
+        qPrintable(error));
+    ClientHost host(options);
+    QVERIFY2(host.Start(&error), qPrintable(error));
+
+    auto* table = Find<QTableWidget>("twtMyRender");
+    QVERIFY(table);
+    QTRY_COMPARE_WITH_TIMEOUT(table->rowCount(), 18, SignInTime);
+    QTRY_VERIFY(table->isVisible());
+    QCOMPARE(Find<QLabel>("lblUserName")->text(), QStringLiteral("demo"));
+    QTRY_VERIFY(!Find<QLabel>("lblRmb")->text().isEmpty());
+
+    const QHash<QString, int> before = ProgressByJob(table);
+    QPushButton* firstPage = Find<QPushButton>("btnPageOne");
+    const auto advanced = [&] {
+        firstPage->click(); // asks for the page anew, sooner than the timer would
+        return AnyAdvanced(before, table);
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(advanced(), RenderTime);
+
+    Find<QPushButton>("btnNextPage")->click();
+    const auto turned = [&] {
+        const QHash<QString, int> now = ProgressByJob(table);
+        return std::none_of(
+            now.keyBegin(), now.keyEnd(), [&](const QString& job) { return before.contains(job); });
+    };
+    QTRY_VERIFY(turned());
+
+    QMetaObject::invokeMethod(TopLevel("VTQsClientPrivate"), "SignOut");
+    QTRY_COMPARE(table->rowCount(), 0);
+    QTRY_VERIFY(Find<QPushButton>("btnSignIn")->isVisible());
+}
+
+QTEST_MAIN(TestE2eClient)
+#include "tst_e2e_client.moc"
