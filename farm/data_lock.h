@@ -4,11 +4,13 @@
 
 namespace farm {
 
-/// Holds a data folder for one farm at a time; the system lets go of it when the process ends, however it ends.
+/// Holds a data folder for one farm at a time.
+/// The system lets go of it when the process ends, however it ends.
 class DataLock
 {
 public:
-    /// Waits up to `waitMs` for a farm that is just ending; throws std::runtime_error when the folder stays taken.
+    /// Waits up to `waitMs` for a farm that is just ending.
+    /// Throws std::runtime_error when the folder stays taken.
     DataLock(const QString& folder, int waitMs);
     ~DataLock();
 

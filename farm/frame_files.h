@@ -6,7 +6,7 @@
 
 namespace farm {
 
-/// The files of the jobs: each has a folder of its own, named by its id, with the scene and the finished frames.
+/// The files of the jobs: each has a folder of its own, named by its id, with the scene and finished frames.
 class FrameFiles
 {
 public:
@@ -19,7 +19,7 @@ public:
     /// Where the renderer writes until the frame is whole.
     static QString UnfinishedName(int number, const QString& suffix);
 
-    /// Makes the job's folder and puts its scene there, and removes what an earlier attempt at the frame left.
+    /// Makes the job's folder, puts its scene there and removes what an earlier attempt at the frame left.
     /// Throws std::runtime_error.
     void Prepare(const FrameTask& task, const QString& suffix) const;
     /// Gives a rendered frame its name once it is on the disk. Throws std::runtime_error.

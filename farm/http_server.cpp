@@ -30,8 +30,8 @@ void Refuse(httplib::Response& response, int status, const char* word, const QSt
     Answer(response, status, ErrorJson(word, message));
 }
 
-// The library decompresses bodies and reads those of unknown length without a limit, and answers ranges of JSON:
-// none of it is of use here.
+// The library decompresses bodies and reads those of unknown length without a limit, and answers ranges of
+// JSON: none of it is of use here.
 bool HasUnwantedHeader(const httplib::Request& request)
 {
     for (const char* header : {"Transfer-Encoding", "Content-Encoding", "Range"}) {

@@ -8,7 +8,8 @@
 
 namespace farm {
 
-/// Which jobs a list holds; a part without a value asks for nothing. Times are seconds since the epoch, inclusive.
+/// Which jobs a list holds; a part without a value asks for nothing.
+/// Times are seconds since the epoch, inclusive.
 struct JobConditions
 {
     std::optional<std::int64_t> number;

@@ -61,7 +61,7 @@ public:
     /// Takes the job in with all its frames open and the account's next running number.
     AddedJob Add(const NewJob& job);
 
-    /// `page` counts from 1; a page past the end is empty. Both numbers are at least 1 and their product fits.
+    /// `page` counts from 1; a page past the end is empty. Both are at least 1 and their product fits.
     JobPage List(
         std::int64_t account, const JobConditions& conditions, std::int64_t page, std::int64_t pageSize);
 

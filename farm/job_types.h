@@ -6,8 +6,9 @@
 
 namespace farm {
 
-/// How jobs of one type are rendered. Arguments hold placeholders: {scene} and {output} are file names in the job's
-/// folder, {width} and {height} pixels, {frame} counts from 1 to {frames}, {clock} goes from 0 towards 1.
+/// How jobs of one type are rendered. Arguments hold placeholders: {scene} and {output} are file names in the
+/// job's folder, {width} and {height} are pixels, {frame} counts from 1 to {frames} and {clock} goes from 0
+/// towards 1.
 struct JobType
 {
     QString program;

@@ -23,7 +23,8 @@ public:
 
     explicit RateLimiter(Rate rate);
 
-    /// Takes one use; when none is left, nothing is taken and the seconds until the next (at least 1) are returned.
+    /// Takes one use. When none is left, nothing is taken and the seconds until the next (at least 1) are
+    /// returned.
     std::optional<int> Take(const std::string& key, Clock::time_point now = Clock::now());
 
     /// Gives back a use that turned out not to count.

@@ -11,7 +11,8 @@ namespace farm {
 
 namespace {
 
-constexpr int outputTailBytes = 2000;
+// Renderers say last what went wrong.
+constexpr int outputTailBytes = 400;
 constexpr int lowestPriority = 19;
 
 std::int64_t Milliseconds(const timeval& time)
@@ -19,8 +20,8 @@ std::int64_t Milliseconds(const timeval& time)
     return std::int64_t {time.tv_sec} * 1000 + time.tv_usec / 1000;
 }
 
-// The processor time of the renderers that have ended since the last call. Called whenever one has ended, this is its
-// time; a process has no better account of a single child once QProcess has reaped it.
+// The processor time of the renderers that have ended since the last call. Called whenever one has ended,
+// this is its time; there is no better account of a single child once QProcess has reaped it.
 std::int64_t TakeCoreMilliseconds()
 {
     static std::int64_t known = 0;
@@ -113,7 +114,9 @@ QString RenderProcess::Message(int exitCode, QProcess::ExitStatus status) const
         reason = QStringLiteral("the renderer exceeded its time limit");
     else if (status == QProcess::CrashExit)
         reason = QStringLiteral("the renderer crashed");
-    const QString output = QString::fromUtf8(m_outputTail).trimmed();
+    // The first line may have lost its beginning.
+    const int cut = m_outputTail.size() < outputTailBytes ? 0 : m_outputTail.indexOf('\n') + 1;
+    const QString output = QString::fromUtf8(m_outputTail.mid(cut)).trimmed();
     return output.isEmpty() ? reason : reason + QStringLiteral("\n") + output;
 }
 

@@ -19,8 +19,8 @@ class RenderQueue
 public:
     RenderQueue(Database& database, Micros pricePerCoreSecond);
 
-    /// The next open frame that is not among `taken`, of a waiting or running job of one of these types. Running
-    /// jobs go first and take turns: the one after `lastJob` is the next.
+    /// The next open frame that is not among `taken`, of a waiting or running job of one of these types.
+    /// Running jobs go first and take turns: the one after `lastJob` is the next.
     std::optional<FrameTask> Next(
         const QStringList& types, std::int64_t lastJob, const std::set<FrameKey>& taken);
 
@@ -30,8 +30,8 @@ public:
     /// A waiting job is running from now on.
     void Start(std::int64_t job);
 
-    /// Marks the frame finished, charges it and lowers the account's balance, all or nothing; the job is finished
-    /// with its last frame. Nothing happens when the frame is marked already.
+    /// Marks the frame finished, charges it and lowers the account's balance, all or nothing; the job is
+    /// finished with its last frame. Nothing happens when the frame is marked already.
     void Finish(const FrameKey& frame, std::int64_t coreMilliseconds, std::int64_t now);
 
     /// Counts a failed attempt; at the third of a frame the job has failed and keeps the message.

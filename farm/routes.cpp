@@ -53,7 +53,7 @@ std::int64_t NumberIn(const QByteArray& text, std::int64_t otherwise, std::int64
     return std::clamp<std::int64_t>(number, 1, largest);
 }
 
-// A number, or text as in a query, or an object as it is: what the query holds as text may stand in a body as JSON.
+// What a query holds as text may stand in a body as text, as a number or as an object.
 QByteArray PlainText(const QJsonValue& value)
 {
     if (value.isObject())

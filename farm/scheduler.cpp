@@ -140,8 +140,8 @@ void Scheduler::Record(const FrameTask& task, const RenderResult& result)
 
 void Scheduler::FrameFailed(const FrameTask& task, const QString& message)
 {
-    spdlog::warn(
-        "job {} frame {} failed: {}", task.jobId.toStdString(), task.Number(), message.toStdString());
+    spdlog::warn("job {} frame {} failed: {}", task.jobId.toStdString(), task.Number(),
+        message.section(QLatin1Char('\n'), 0, 0).toStdString());
     if (m_queue.Fail(task.key, message, Now()))
         spdlog::warn("job {} has failed", task.jobId.toStdString());
 }

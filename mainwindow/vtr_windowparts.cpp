@@ -78,7 +78,13 @@ VTWindowParts::VTWindowParts(
     form.pForm->setMouseTracking(true);
 }
 
-VTWindowParts::~VTWindowParts() = default;
+VTWindowParts::~VTWindowParts()
+{
+    // The controllers outlive this object by a moment, the services that they know do not.
+    pSetArgument->Retire();
+    pSetParent->Retire();
+    pGroup->Retire();
+}
 
 void VTWindowParts::ChangeSkin(const QString& strSkin) const
 {

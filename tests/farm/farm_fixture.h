@@ -11,7 +11,7 @@
 #include <QJsonObject>
 #include <QTemporaryDir>
 
-/// How long a test waits for what must come: renderers run at the lowest priority, on machines that have other work.
+/// How long a test waits for what must come: renderers run at the lowest priority, on busy machines.
 constexpr int patienceMs = 60000;
 
 /// A farm's data in a folder of their own, with one account "ann" (password "secret", balance 10).

@@ -12,7 +12,7 @@ using namespace farm;
 
 namespace {
 
-// Stands in for the renderer: notes each frame that it begins in ../log, and waits at frame 3 until ../gate exists.
+// Stands in for the renderer: notes each frame that it begins in ../log and waits at frame 3 for ../gate.
 const char* const gatedScript = "echo $$ > ../pid; echo {frame} >> ../log; "
                                 "[ {frame} -ne 3 ] || while [ ! -e ../gate ]; do sleep 0.01; done; "
                                 "cp {scene} {output}";
