@@ -51,6 +51,8 @@ ScreenshotTour::ScreenshotTour(const QString& folder, HostServices* services, Se
     , m_services(services)
     , m_session(session)
 {
+    m_opener.setSingleShot(true);
+    connect(&m_opener, &QTimer::timeout, this, [this] { m_open(); });
     connect(&m_ticker, &QTimer::timeout, this, &ScreenshotTour::Proceed);
     PlanSession();
     PlanTab(0, QStringLiteral("my-render"));
@@ -144,7 +146,10 @@ void ScreenshotTour::PlanParents()
 /// @param open shows a modal window and returns when that is closed.
 void ScreenshotTour::PlanModal(const QString& name, const std::function<void()>& open)
 {
-    m_steps.push_back({name, Always, [this, open] { QTimer::singleShot(0, this, open); }});
+    m_steps.push_back({name, Always, [this, open] {
+                           m_open = open;
+                           m_opener.start(0);
+                       }});
     m_steps.push_back({name, [] { return QApplication::activeModalWidget() != nullptr; },
         [this, name] {
             QWidget* window = QApplication::activeModalWidget();

@@ -50,6 +50,8 @@ private:
     SessionControl* m_session;
     std::deque<Step> m_steps;
     QTimer m_ticker;
+    QTimer m_opener; // opens modal windows apart from the ticker, which must go on meanwhile
+    std::function<void()> m_open;
     QElapsedTimer m_time;
     QHash<QString, int> m_firstProgress; // by job
     int m_idleTicks = 0;

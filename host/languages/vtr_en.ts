@@ -197,6 +197,14 @@
         <source>Cost</source>
         <translation>Cost</translation>
     </message>
+    <message>
+        <source>Module %1 is invalid</source>
+        <translation>Module %1 is invalid</translation>
+    </message>
+    <message>
+        <source>[%1] Module %2 is invalid</source>
+        <translation>[%1] Module %2 is invalid</translation>
+    </message>
 </context>
 <context>
     <name>SearchForm</name>

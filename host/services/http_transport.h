@@ -38,7 +38,7 @@ struct HttpLimits
     int attempts = 3;
     int firstPause = 300;    ///< before the second attempt; doubled before each further one
     int longestPause = 8000; ///< also the most that a server's Retry-After is followed
-    qint64 answerBytes = 8 * 1024 * 1024;
+    qint64 answerBytes = 8LL * 1024 * 1024;
 };
 
 /// Requests with JSON answers to one server. Follows no redirect, keeps no cookie, accepts no unverified certificate.

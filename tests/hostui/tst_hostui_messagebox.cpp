@@ -215,9 +215,12 @@ void TestMessageBox::HugeTextFitsTheScreen()
 void TestMessageBox::EndsWithTheApplication()
 {
     QString answer = QStringLiteral("none");
-    QTimer::singleShot(0, this, [&] {
+    QTimer started;
+    started.setSingleShot(true);
+    connect(&started, &QTimer::timeout, this, [&] {
         answer = Ask([](QDialog*) { QCoreApplication::quit(); }, QString(), QStringLiteral("Sure?"));
     });
+    started.start(0);
     QCoreApplication::exec();
     QCOMPARE(answer, QString());
 }

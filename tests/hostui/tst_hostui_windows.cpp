@@ -118,7 +118,9 @@ void TestWindows::ConfigurationStoresWhatIsConfirmed()
     settings.values.insert(autoDownload, true);
     const QVariantMap before = settings.values;
     ConfigurationDialog dialog(&m_loader, &settings);
-    QTimer::singleShot(0, this, [&] {
+    QTimer opened;
+    opened.setSingleShot(true);
+    connect(&opened, &QTimer::timeout, this, [&] {
         auto* download = dialog.Form()->findChild<QCheckBox*>(QStringLiteral("chkAutoDownload"));
         auto* argument = dialog.Form()->findChild<QCheckBox*>(QStringLiteral("chkSetArgument"));
         QVERIFY(download->isChecked());
@@ -127,6 +129,7 @@ void TestWindows::ConfigurationStoresWhatIsConfirmed()
         argument->setChecked(true);
         dialog.Form()->findChild<QPushButton*>(button)->click();
     });
+    opened.start(0);
     dialog.Run(QStringLiteral("demo"));
     if (!stored) {
         QCOMPARE(settings.values, before);
