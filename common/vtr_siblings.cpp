@@ -3,7 +3,7 @@
 namespace {
 
 // The logger's levels as the client uses them.
-constexpr int LevelCritical = 16;
+constexpr int LevelCritical = 8;
 constexpr int LevelDebug = 128;
 
 void Write(VTLoggerInterface* pLogger, const QString& strMessage, int nLevel)
