@@ -16,10 +16,10 @@ void Write(VTLoggerInterface* pLogger, const QString& strMessage, int nLevel)
 
 bool VTSiblings::SameServices(const VTSiblings& other) const
 {
-    return pSettings == other.pSettings && pLogger == other.pLogger && pUiLoader == other.pUiLoader
-        && pMessageBox == other.pMessageBox && pCommunication == other.pCommunication
-        && pRenderCore == other.pRenderCore && pConfiguration == other.pConfiguration
-        && pPreviewer == other.pPreviewer;
+    return pSettings == other.pSettings && pLoggerObject == other.pLoggerObject
+        && pUiLoader == other.pUiLoader && pMessageBox == other.pMessageBox
+        && pCommunication == other.pCommunication && pRenderCore == other.pRenderCore
+        && pConfiguration == other.pConfiguration && pPreviewer == other.pPreviewer;
 }
 
 QString VTSiblings::Skin() const
@@ -29,10 +29,10 @@ QString VTSiblings::Skin() const
 
 void VTSiblings::LogDebug(const QString& strMessage) const
 {
-    Write(pLogger, strMessage, LevelDebug);
+    Write(Logger(), strMessage, LevelDebug);
 }
 
 void VTSiblings::LogCritical(const QString& strMessage) const
 {
-    Write(pLogger, strMessage, LevelCritical);
+    Write(Logger(), strMessage, LevelCritical);
 }

@@ -19,7 +19,7 @@ struct VTSiblings
     QVariantMap mapParameters;
 
     QPointer<VTSettingsInterface> pSettings;
-    VTLoggerInterface* pLogger = nullptr;
+    QPointer<QObject> pLoggerObject;
     QPointer<VTUiLoaderInterface> pUiLoader;
     QPointer<VTMessagboxInterface> pMessageBox;
     QPointer<VTCommunicationInterface> pCommunication;
@@ -34,6 +34,9 @@ struct VTSiblings
     int nRenderCoreStatus = 0;
     int nConfigurationStatus = 0;
     int nPreviewerStatus = 0;
+
+    /// The logger, which is known as an object because its interface is none; null when it is gone.
+    VTLoggerInterface* Logger() const { return qobject_cast<VTLoggerInterface*>(pLoggerObject.data()); }
 
     /// Whether these are the same service objects, whatever their statuses.
     bool SameServices(const VTSiblings& other) const;

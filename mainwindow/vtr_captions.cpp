@@ -26,6 +26,7 @@ void VTCaptions::SetLabels(const VTMainForm& form)
     form.lblHotline->setText(tr("Service hotline"));
     form.lblVersion->setText(tr("Version"));
     form.lblChargeC->setText(tr("Charge"));
+    form.lblCharge->setText(tr("Cost"));
     form.chkAll->setText(tr("Select all"));
 }
 
@@ -33,6 +34,7 @@ void VTCaptions::SetButtons(const VTMainForm& form)
 {
     form.btnRecover->setText(tr("Recover"));
     form.btnPause->setText(tr("Stop"));
+    form.btnStop->setText(tr("Stop"));
     form.btnRestart->setText(tr("Restart"));
     form.btnDelete->setText(tr("Delete"));
     form.btnFullRender->setText(tr("Full render"));

@@ -71,19 +71,15 @@ void VTChrome::LayoutForm() const
         m_siblings.pUiLoader->LayoutForm(m_form.pForm, VTSkin::LayoutFile(m_siblings.Skin(), VTIds::Client));
 }
 
-void VTChrome::ReleaseLocalTasks() const
-{
-    if (m_siblings.pRenderCore)
-        m_siblings.pRenderCore->RemoveSubmitTasks(VTTables::AllIds(m_form.twtLocalTask), false);
-}
-
 void VTChrome::AskToQuit()
 {
     const QPointer<VTChrome> pThis(this);
     if (m_prompts.AskToConfirm(tr("Are you sure to quit?")) != VTAnswer::Agreed || !pThis)
         return;
-    ReleaseLocalTasks();
-    m_form.pForm->hide();
+    if (m_siblings.pRenderCore)
+        m_siblings.pRenderCore->RemoveSubmitTasks(VTTables::AllIds(m_form.twtLocalTask), false);
+    if (pThis)
+        m_form.pForm->hide();
     QCoreApplication::exit(0);
 }
 

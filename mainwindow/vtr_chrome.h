@@ -13,7 +13,7 @@ struct VTSiblings;
 /// What surrounds the content of the main form: size, layout, the current language and the way out.
 class VTChrome : public QObject
 {
-    Q_OBJECT
+    Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
 
 public:
     /// All must outlive this object.
@@ -37,9 +37,6 @@ public:
 
     /// Switches to the first installed language that is not the current one.
     void ToggleLanguage() const;
-
-    /// Hands every listed local task to the render core for removal.
-    void ReleaseLocalTasks() const;
 
 private:
     const VTMainForm& m_form;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QMenu>
 #include <QObject>
 
@@ -10,7 +11,7 @@ struct VTMainForm;
 /// The context menus of the three tables. Each opens at the cursor, once a press on a cell.
 class VTContextMenus : public QObject
 {
-    Q_OBJECT
+    Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
 
 public:
     /// @param pWindow parent of the menus, for their style; all must outlive this object.

@@ -73,9 +73,9 @@ void VTDownloadList::WriteState(int nRow, const QVariantMap& mapTask)
         mapTask.value(QStringLiteral("progress")).toInt(), m_needs.tables);
 
     const int nState = mapTask.value(QStringLiteral("status")).toInt();
-    const QString strState = m_needs.tables.mapDownloadState.value(nState, QStringLiteral("Unkown"));
+    const QString strState = m_needs.tables.mapDownloadState.value(nState);
     QTableWidgetItem* pStatus = VTTableCells::ItemAt(m_pTable, nRow, VTDownloadColumn::Status);
-    pStatus->setText(tr(qUtf8Printable(strState)));
+    pStatus->setText(strState.isEmpty() ? tr("Unkown") : tr(qUtf8Printable(strState)));
     pStatus->setData(Qt::UserRole, nState);
     pStatus->setToolTip(VTPlainToolTip(mapTask.value(QStringLiteral("msg")).toString()));
 }
@@ -104,6 +104,8 @@ void VTDownloadList::Refresh()
         const auto itTask = pTasks->constFind(VTTables::IdAt(m_pTable, nRow));
         if (itTask != pTasks->constEnd())
             WriteState(nRow, itTask->toMap());
+        else
+            m_place.Forget();
     }
 }
 
@@ -118,8 +120,9 @@ void VTDownloadList::Delete(const QStringList& lstTaskId)
     BuildPage(m_needs.pageBar.CorrectAfterDeletion(VTList::Downloads));
 }
 
-void VTDownloadList::Redownload(const QStringList& lstTaskId) const
+void VTDownloadList::Redownload(const QStringList& lstTaskId)
 {
+    m_place.Forget();
     if (m_needs.siblings.pRenderCore)
         m_needs.siblings.pRenderCore->RedownloadTasks(lstTaskId);
 }

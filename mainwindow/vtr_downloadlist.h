@@ -2,6 +2,7 @@
 
 #include "vtr_mapwindow.h"
 
+#include <QCoreApplication>
 #include <QObject>
 #include <QStringList>
 #include <QVariantMap>
@@ -21,7 +22,7 @@ enum { Name, Source, Dest, Progress, Status, StartTime };
 /// The downloads, a page at a time, read from the render core's live map and refreshed in place.
 class VTDownloadList : public QObject
 {
-    Q_OBJECT
+    Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
 
 public:
     struct Needs
@@ -45,7 +46,7 @@ public:
 
     /// Deletes downloads and shows what is left.
     void Delete(const QStringList& lstTaskId);
-    void Redownload(const QStringList& lstTaskId) const;
+    void Redownload(const QStringList& lstTaskId);
 
     /// Shows the file of the current row in the system's file manager.
     void RevealCurrentFile() const;

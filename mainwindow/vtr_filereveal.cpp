@@ -1,5 +1,6 @@
 #include "vtr_filereveal.h"
 
+#include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
@@ -9,25 +10,37 @@
 #ifdef QSCLIENT_HAVE_DBUS
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
 #endif
 
 namespace {
 
-/// Asks the desktop's file manager on the session bus. @return whether there is one to ask.
-bool RevealOnBus(const QString& strPath)
+void OpenFolderOf(const QString& strPath)
 {
+    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(strPath).path()));
+}
+
 #ifdef QSCLIENT_HAVE_DBUS
+/// Asks the desktop's file manager on the session bus; one that does not answer leaves the folder to be opened.
+void RevealInFileManager(const QString& strPath)
+{
     QDBusMessage message = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),
         QStringLiteral("/org/freedesktop/FileManager1"), QStringLiteral("org.freedesktop.FileManager1"),
         QStringLiteral("ShowItems"));
     message << QStringList {QUrl::fromLocalFile(strPath).toString()} << QString();
-    const QDBusMessage answer = QDBusConnection::sessionBus().call(message, QDBus::Block, 3000);
-    return answer.type() == QDBusMessage::ReplyMessage;
-#else
-    Q_UNUSED(strPath)
-    return false;
-#endif
+    auto* pCall = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), qApp);
+    QObject::connect(pCall, &QDBusPendingCallWatcher::finished, qApp, [pCall, strPath] {
+        if (pCall->isError())
+            OpenFolderOf(strPath);
+        pCall->deleteLater();
+    });
 }
+#else
+void RevealInFileManager(const QString& strPath)
+{
+    OpenFolderOf(strPath);
+}
+#endif
 
 } // namespace
 
@@ -35,9 +48,7 @@ void VTRevealFile(const QString& strPath)
 {
     if (strPath.isEmpty())
         return;
-    if (QProcess::startDetached(
+    if (!QProcess::startDetached(
             QStringLiteral("explorer.exe"), {QStringLiteral("/select,"), QDir::toNativeSeparators(strPath)}))
-        return;
-    if (!RevealOnBus(strPath))
-        QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(strPath).path()));
+        RevealInFileManager(strPath);
 }

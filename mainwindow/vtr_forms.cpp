@@ -6,20 +6,21 @@
 #include <QDialog>
 #include <QtDebug>
 
-#include <memory>
+#include <algorithm>
 
 namespace {
 
 template <typename Form>
 Form* Load(VTUiLoaderInterface* pUiLoader, const QString& strKey)
 {
-    std::unique_ptr<QWidget> pLoaded(pUiLoader ? pUiLoader->LoadUi(strKey, nullptr) : nullptr);
-    if (auto* pForm = qobject_cast<Form*>(pLoaded.get())) {
-        pLoaded.release(); // NOLINT(bugprone-unused-return-value)
+    QWidget* pLoaded = pUiLoader ? pUiLoader->LoadUi(strKey, nullptr) : nullptr;
+    if (auto* pForm = qobject_cast<Form*>(pLoaded))
         return pForm;
-    }
     qCritical("Form %s is missing or no %s", qUtf8Printable(strKey), Form::staticMetaObject.className());
-    return new Form;
+    auto* pStandIn = new Form;
+    if (pLoaded)
+        pLoaded->setParent(pStandIn);
+    return pStandIn;
 }
 
 } // namespace
@@ -35,11 +36,21 @@ VTForms::VTForms(VTUiLoaderInterface* pUiLoader)
 
 VTForms::~VTForms()
 {
-    for (QWidget* pForm : {pMain.data(), pSetArgument.data(), pSetParent.data(), pSearch.data(),
-             static_cast<QWidget*>(pInput.data())}) {
-        if (!pForm)
-            continue;
-        pForm->hide();
-        pForm->deleteLater();
+    for (QWidget* pForm : {pMain.data(), pSetArgument.data(), pSetParent.data(), pSearch.data()}) {
+        if (pForm)
+            pForm->hide();
     }
+    if (pInput)
+        pInput->hide();
+    for (QWidget* pForm : Owned())
+        pForm->deleteLater();
+}
+
+QVector<QWidget*> VTForms::Owned() const
+{
+    QVector<QWidget*> lstOwned {pMain, pSetArgument, pSetParent, pSearch, pInput};
+    lstOwned.erase(std::remove_if(lstOwned.begin(), lstOwned.end(),
+                       [](const QWidget* pForm) { return !pForm || pForm->parent(); }),
+        lstOwned.end());
+    return lstOwned;
 }

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <QPointer>
+#include <QVector>
 #include <QWidget>
 
 class QDialog;
 class VTUiLoaderInterface;
 
-/// The five forms of the client as the loader builds them; owned, and scheduled for deletion with this object.
+/// The five forms of the client as the loader builds them; owned, and scheduled for deletion with this
+/// object, unless the loader has given one a parent.
 ///
 /// A form that the loader does not have is logged and replaced by an empty one, so none is null at first. The host may
 /// destroy a form at any time.
@@ -17,6 +19,9 @@ public:
     ~VTForms();
     VTForms(const VTForms&) = delete;
     VTForms& operator=(const VTForms&) = delete;
+
+    /// Those of the forms that are there and go with this object.
+    QVector<QWidget*> Owned() const;
 
     // In the order in which they are loaded.
     QPointer<QWidget> pMain;

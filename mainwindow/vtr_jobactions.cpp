@@ -5,6 +5,7 @@
 #include "vtr_mainform.h"
 #include "vtr_pagestate.h"
 #include "vtr_prompts.h"
+#include "vtr_session.h"
 #include "vtr_siblings.h"
 #include "vtr_submitlist.h"
 #include "vtr_tables.h"
@@ -34,11 +35,15 @@ void VTJobActions::SendForJobs(VTRequests::Operation operation) const
 
 void VTJobActions::Delete()
 {
+    const int nTab = CurrentTab();
+    const bool bSignedIn = m_needs.session.bSignedIn;
     const QPointer<VTJobActions> pThis(this);
     const VTAnswer answer = m_needs.prompts.AskToConfirm(tr("Are you sure to delete these jobs?"));
     if (answer != VTAnswer::Agreed || !pThis)
         return;
-    const int nTab = CurrentTab();
+    // The answer is about the rows that were in front, in the session that was on.
+    if (CurrentTab() != nTab || m_needs.session.bSignedIn != bSignedIn)
+        return;
     const QStringList lstId = m_needs.rows.CheckedIds(nTab);
     m_needs.rows.UncheckAll();
     switch (nTab) {

@@ -2,6 +2,7 @@
 
 #include "vtr_requests.h"
 
+#include <QCoreApplication>
 #include <QObject>
 #include <QVariantMap>
 
@@ -11,18 +12,20 @@ class VTPrompts;
 class VTSubmitList;
 class VTTables;
 struct VTMainForm;
+struct VTSession;
 struct VTSiblings;
 
 /// The five actions of the toolbar on the checked rows of the current tab, and the judgement of the farm's answers.
 class VTJobActions : public QObject
 {
-    Q_OBJECT
+    Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
 
 public:
     struct Needs
     {
         const VTMainForm& form;
         const VTSiblings& siblings;
+        const VTSession& session;
         const VTRequests& requests;
         const VTTables& rows;
         const VTPrompts& prompts;

@@ -89,12 +89,16 @@ void VTJobList::TakeAnswer(int nRet, const QVariantMap& mapAnswer)
 void VTJobList::ShowNoJobs()
 {
     VTPageState& state = m_needs.pageBar.State(VTList::Jobs);
-    if (state.nCurrentPage > 1)
-        RequestPage(--state.nCurrentPage);
+    const bool bStepBack = state.nCurrentPage > 1;
+    if (bStepBack)
+        --state.nCurrentPage;
     if (m_needs.form.twtMyRender->rowCount() > 0) {
         VTTableCells::Clear(m_needs.form.twtMyRender);
         m_needs.pageBar.Show(VTList::Jobs, 0);
     }
+    // Last, since the answer may be here before the call returns.
+    if (bStepBack)
+        RequestCurrentPage();
 }
 
 void VTJobList::Fill(QTableWidget* pTable, const QVector<VTJobRecord>& lstJob)
@@ -152,10 +156,12 @@ void VTJobList::OrderDownloads()
     const QVariantMap mapOrders = CheckedOrders();
     if (mapOrders.isEmpty())
         return;
-    emit OrdersReady(mapOrders);
-
     const QPointer<VTJobList> pThis(this);
-    m_needs.prompts.Notify(tr("The checked items are already added to download list"));
+    emit OrdersReady(mapOrders);
+    if (!pThis)
+        return;
+    m_needs.prompts.Notify(QCoreApplication::translate(
+        "VTQsClientPrivate", "The checked items are already added to download list"));
     if (!pThis)
         return;
     VTTables::UncheckRows(m_needs.form.twtMyRender);

@@ -63,9 +63,7 @@ void VTPageState::StepBackWhenBeyond(int nRecords)
 
 void VTPageState::CorrectAfterDeletion()
 {
-    if (FirstRecord() != nTotalRecords)
-        return;
-    if (nCurrentPage != 1)
+    if (FirstRecord() == nTotalRecords && nCurrentPage != 1)
         --nCurrentPage;
     nCurrentGroup = RoundedUp(nCurrentPage, VTPagesPerGroup);
 }

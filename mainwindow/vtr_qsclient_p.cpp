@@ -31,27 +31,40 @@ VTQsClientPrivate::VTQsClientPrivate(QWidget* pParent)
     setAcceptDrops(true);
 }
 
-VTQsClientPrivate::~VTQsClientPrivate() = default;
+VTQsClientPrivate::~VTQsClientPrivate()
+{
+    // While the parts go, their last events must find none.
+    m_pParts.reset();
+}
 
 void VTQsClientPrivate::BuildInterface()
 {
     if (m_pParts && m_builtFor.SameServices(m_siblings))
         return;
-    m_pParts.reset();
+    DropParts();
     m_pParts = std::make_unique<VTWindowParts>(this, m_siblings, m_codeTables, m_timers);
-    m_builtFor = m_siblings;
     ConnectConcerns();
     VTWireWindow(this, *m_pParts, m_siblings, m_timers);
     VTAllowFileDrops(this, m_siblings);
 
     ChangeSkin(m_siblings.Skin());
     ChangeLanguage(QString());
+    m_builtFor = m_siblings;
+}
+
+void VTQsClientPrivate::DropParts()
+{
+    disconnect(m_formDestroyed);
+    m_builtFor = VTSiblings();
+    m_lstOldRemains = Remains();
+    m_timers.StopAll();
+    m_pParts.reset();
 }
 
 void VTQsClientPrivate::ConnectConcerns()
 {
     // Without its form the window is as if never built.
-    connect(m_pParts->form.pForm, &QObject::destroyed, this, [this] { m_pParts.reset(); });
+    m_formDestroyed = connect(m_pParts->form.pForm, &QObject::destroyed, this, &VTQsClientPrivate::DropParts);
 
     connect(&m_pParts->jobList, &VTJobList::OrdersReady, this, &VTQsClientPrivate::JobIdType);
     connect(&m_pParts->jobList, &VTJobList::CandidatesArrived, this, &VTQsClientPrivate::showParenList);
@@ -83,7 +96,7 @@ void VTQsClientPrivate::CacheSubmitTasks()
 
 QVector<QPointer<QObject>> VTQsClientPrivate::Remains() const
 {
-    return m_pParts ? m_pParts->Remains() : QVector<QPointer<QObject>>();
+    return m_pParts ? m_pParts->Remains() + m_lstOldRemains : m_lstOldRemains;
 }
 
 void VTQsClientPrivate::LoadGlobalSettings()
@@ -134,7 +147,6 @@ void VTQsClientPrivate::ShowWindowNormal()
 void VTQsClientPrivate::AnnounceNewSize()
 {
     QTimer::singleShot(NewSizeDelay, this, &VTQsClientPrivate::windowSizeChanged);
-    QTimer::singleShot(NewSizeDelay, this, &VTQsClientPrivate::AdjustPageButtons);
 }
 
 bool VTQsClientPrivate::eventFilter(QObject* obj, QEvent* event)

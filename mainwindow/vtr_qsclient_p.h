@@ -114,6 +114,7 @@ public slots:
     void Condition(QString strCondition);
 
 private:
+    void DropParts();
     void ConnectConcerns();
     void AnnounceNewSize();
 
@@ -123,5 +124,8 @@ private:
     VTCodeTables m_codeTables;
     VTTimers m_timers;
     QStringList m_lstSubmitTask;
+    QMetaObject::Connection m_formDestroyed;
+    /// Of parts that were built for other services before.
+    QVector<QPointer<QObject>> m_lstOldRemains;
     std::unique_ptr<VTWindowParts> m_pParts;
 };

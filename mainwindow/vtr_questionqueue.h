@@ -20,7 +20,6 @@ public:
     /// A later report for the same task replaces the earlier one.
     void Add(const QString& strTaskId, const QStringList& lstFile) { m_mapFiles.insert(strTaskId, lstFile); }
     bool IsEmpty() const { return m_mapFiles.isEmpty(); }
-    void Clear() { m_mapFiles.clear(); }
 
     /// The next report, to be asked about until Answered is called.
     std::optional<Report> Take()

@@ -1,7 +1,6 @@
 #include "vtr_signin.h"
 
 #include "vtr_account.h"
-#include "vtr_chrome.h"
 #include "vtr_joblist.h"
 #include "vtr_mainform.h"
 #include "vtr_pagebar.h"
@@ -11,6 +10,7 @@
 #include "vtr_setparent.h"
 #include "vtr_siblings.h"
 #include "vtr_tablecells.h"
+#include "vtr_tables.h"
 #include "vtr_timers.h"
 #include "vtr_tray.h"
 
@@ -54,8 +54,12 @@ void VTSignIn::AnnounceSession()
 
 void VTSignIn::RequestSignOut() const
 {
+    // An answer that is here before the call returns clears the table, and the host may delete the window on it.
+    const QStringList lstTaskId = VTTables::AllIds(m_needs.form.twtLocalTask);
+    const QPointer<VTRenderCoreInterface> pRenderCore = m_needs.siblings.pRenderCore;
     m_needs.requests.Send(&VTCommunicationInterface::SignOut);
-    m_needs.chrome.ReleaseLocalTasks();
+    if (pRenderCore)
+        pRenderCore->RemoveSubmitTasks(lstTaskId, false);
 }
 
 void VTSignIn::TakeSignOutAnswer()

@@ -4,7 +4,6 @@
 #include <QVariantMap>
 
 class VTAccount;
-class VTChrome;
 class VTJobList;
 class VTPageBar;
 class VTRequests;
@@ -28,7 +27,6 @@ public:
         const VTSiblings& siblings;
         const VTTimers& timers;
         const VTRequests& requests;
-        const VTChrome& chrome;
         VTSession& session;
         VTAccount& account;
         VTPageBar& pageBar;

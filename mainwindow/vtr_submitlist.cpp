@@ -11,6 +11,7 @@
 #include "vtr_timers.h"
 
 #include <QFileInfo>
+#include <QHash>
 
 namespace {
 
@@ -19,12 +20,18 @@ constexpr int StageCopySame = 4;
 constexpr int StageUpload = 5;
 constexpr int ErrorAwaitsUser = 9;
 
-/// Place of an id in the list. Looks where it is expected first, so that a page costs the same however long the list.
-int IndexOf(const QStringList& lstId, const QString& strId, int nExpected)
+/// Sets a text only when it differs: even an empty one counts as a change to an item that had none.
+void SetText(QTableWidgetItem* pItem, int nRole, const QString& strText)
 {
-    if (nExpected < lstId.size() && lstId.at(nExpected) == strId)
-        return nExpected;
-    return lstId.indexOf(strId);
+    if (pItem->data(nRole).toString() != strText)
+        pItem->setData(nRole, strText);
+}
+
+/// An icon never equals another, so setting one always repaints: touch it only when it changes.
+void ClearIcon(QTableWidgetItem* pItem)
+{
+    if (!pItem->icon().isNull())
+        pItem->setIcon(QIcon());
 }
 
 } // namespace
@@ -43,10 +50,11 @@ QStringList VTSubmitList::Headers()
 void VTSubmitList::BuildPage(int nPage)
 {
     VTTableCells::Clear(m_pTable);
-    if (!m_needs.siblings.pRenderCore)
+    if (!m_needs.siblings.pRenderCore || nPage < 1)
         return;
-    const QStringList lstId = m_needs.siblings.pRenderCore->GetSubmitTaskIds();
-    const QStringList lstOnPage = lstId.mid(qMax(0, (nPage - 1) * VTPageSize), VTPageSize);
+    m_nFirstPlace = (nPage - 1) * VTPageSize;
+    const QStringList lstOnPage
+        = m_needs.siblings.pRenderCore->GetSubmitTaskIds().mid(m_nFirstPlace, VTPageSize);
     m_pTable->setRowCount(lstOnPage.size());
     for (int nRow = 0; nRow < lstOnPage.size(); ++nRow)
         WriteRow(nRow, lstOnPage.at(nRow));
@@ -62,22 +70,22 @@ void VTSubmitList::WriteRow(int nRow, const QString& strTaskId)
     VTRenderCoreInterface& renderCore = *m_needs.siblings.pRenderCore;
     const QString strSceneFile = renderCore.GetTaskSceneFile(strTaskId);
     const int nStage = renderCore.GetTaskStage(strTaskId);
-    const auto SetText = [this, nRow](int nColumn, const QString& strText) {
+    const auto Put = [this, nRow](int nColumn, const QString& strText) {
         QTableWidgetItem* pItem = VTTableCells::ItemAt(m_pTable, nRow, nColumn);
         pItem->setText(strText);
         return pItem;
     };
-    QTableWidgetItem* pName = SetText(VTTaskColumn::Name, QFileInfo(strSceneFile).completeBaseName());
+    QTableWidgetItem* pName = Put(VTTaskColumn::Name, QFileInfo(strSceneFile).completeBaseName());
     pName->setData(Qt::UserRole, strTaskId);
     pName->setCheckState(Qt::Unchecked);
-    SetText(VTTaskColumn::StartTime, renderCore.GetTaskStartTime(strTaskId))->setData(Qt::UserRole, false);
-    SetText(VTTaskColumn::Status,
+    Put(VTTaskColumn::StartTime, renderCore.GetTaskStartTime(strTaskId))->setData(Qt::UserRole, false);
+    Put(VTTaskColumn::Status,
         m_needs.tables.mapTaskStage.contains(nStage) ? StageText(nStage) : tr("Unknown"))
         ->setData(Qt::UserRole, nStage);
     VTTableCells::WriteProgress(
         m_pTable, nRow, VTTaskColumn::Progress, renderCore.GetTaskProgress(strTaskId), m_needs.tables);
-    SetText(VTTaskColumn::SceneFile, strSceneFile)->setToolTip(VTPlainToolTip(strSceneFile));
-    SetText(VTTaskColumn::Warn, tr(qUtf8Printable(renderCore.GetTaskMessage(strTaskId))));
+    Put(VTTaskColumn::SceneFile, strSceneFile)->setToolTip(VTPlainToolTip(strSceneFile));
+    Put(VTTaskColumn::Warn, tr(qUtf8Printable(renderCore.GetTaskMessage(strTaskId))));
     for (const int nColumn : {VTTaskColumn::Status, VTTaskColumn::SceneFile, VTTaskColumn::Warn})
         m_pTable->item(nRow, nColumn)->setTextAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
 }
@@ -97,21 +105,43 @@ void VTSubmitList::ListChanged()
     m_needs.form.tbwContainer->setCurrentIndex(VTList::LocalTasks);
 }
 
+QVector<int> VTSubmitList::PlacesOfRows(const QStringList& lstId) const
+{
+    QVector<int> lstPlace(m_pTable->rowCount(), -1);
+    QHash<QString, int> mapMoved;
+    for (int nRow = 0; nRow < lstPlace.size(); ++nRow) {
+        const QString strTaskId = VTTables::IdAt(m_pTable, nRow);
+        const int nExpected = m_nFirstPlace + nRow;
+        if (nExpected < lstId.size() && lstId.at(nExpected) == strTaskId)
+            lstPlace[nRow] = nExpected;
+        else
+            mapMoved.insert(strTaskId, nRow);
+    }
+    // One walk for all that are not where they were, so that a page costs the same however long the list.
+    for (int nPlace = 0; nPlace < lstId.size() && !mapMoved.isEmpty(); ++nPlace) {
+        const auto itMoved = mapMoved.find(lstId.at(nPlace));
+        if (itMoved == mapMoved.end())
+            continue;
+        lstPlace[*itMoved] = nPlace;
+        mapMoved.erase(itMoved);
+    }
+    return lstPlace;
+}
+
 void VTSubmitList::Refresh()
 {
     if (!m_needs.siblings.pRenderCore)
         return;
-    const QStringList lstId = m_needs.siblings.pRenderCore->GetSubmitTaskIds();
-    int nExpected = m_needs.pageBar.State(VTList::LocalTasks).FirstRecord();
-    for (int nRow = 0; nRow < m_pTable->rowCount();) {
-        const QString strTaskId = VTTables::IdAt(m_pTable, nRow);
-        const int nIndex = IndexOf(lstId, strTaskId, nExpected);
-        if (nIndex < 0) {
+    const QVector<int> lstPlace = PlacesOfRows(m_needs.siblings.pRenderCore->GetSubmitTaskIds());
+    int nRow = 0;
+    for (const int nPlace : lstPlace) {
+        if (nPlace < 0) {
             m_pTable->removeRow(nRow);
             continue;
         }
-        RefreshRow(nRow, strTaskId);
-        nExpected = nIndex + 1;
+        if (nRow == 0)
+            m_nFirstPlace = nPlace;
+        RefreshRow(nRow, VTTables::IdAt(m_pTable, nRow));
         ++nRow;
     }
 }
@@ -125,11 +155,10 @@ QString VTSubmitList::StageText(int nStage) const
 void VTSubmitList::RefreshRow(int nRow, const QString& strTaskId)
 {
     VTRenderCoreInterface& renderCore = *m_needs.siblings.pRenderCore;
-    const int nError = renderCore.GetTaskErrorCode(strTaskId);
-    const int nStage = renderCore.GetTaskStage(strTaskId);
-
     QTableWidgetItem* pStartTime = VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::StartTime);
     pStartTime->setText(renderCore.GetTaskStartTime(strTaskId));
+    const int nError = renderCore.GetTaskErrorCode(strTaskId);
+    const int nStage = renderCore.GetTaskStage(strTaskId);
 
     QTableWidgetItem* pStatus = VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::Status);
     pStatus->setText(nError != 0 ? QString(StageText(nStage) + tr("fail")) : StageText(nStage));
@@ -137,6 +166,7 @@ void VTSubmitList::RefreshRow(int nRow, const QString& strTaskId)
 
     VTTableCells::WriteProgress(m_pTable, nRow, VTTaskColumn::Progress,
         qMax(0, renderCore.GetTaskProgress(strTaskId)), m_needs.tables);
+    const QString strMessage = tr(qUtf8Printable(renderCore.GetTaskMessage(strTaskId)));
 
     // The arguments are known once the scene is analysed; they are read once a row, so that edits stay.
     if (nStage >= StageChecksum && !pStartTime->data(Qt::UserRole).toBool()) {
@@ -144,37 +174,32 @@ void VTSubmitList::RefreshRow(int nRow, const QString& strTaskId)
             ->setData(Qt::UserRole, renderCore.GetTaskArguments(strTaskId));
         pStartTime->setData(Qt::UserRole, true);
     }
-    RefreshWarning(nRow, strTaskId, nStage, nError);
-}
 
-void VTSubmitList::RefreshWarning(int nRow, const QString& strTaskId, int nStage, int nError)
-{
-    VTRenderCoreInterface& renderCore = *m_needs.siblings.pRenderCore;
     QTableWidgetItem* pWarn = VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::Warn);
-    // An icon never equals another, so setting one always repaints: touch it only when it changes.
-    const auto ClearIcon = [pWarn] {
-        if (!pWarn->icon().isNull())
-            pWarn->setIcon(QIcon());
-    };
     if (nStage == StageUpload && nError == 0) {
         pWarn->setText(renderCore.GetTaskUploadText(strTaskId));
-        ClearIcon();
-        return;
+        ClearIcon(pWarn);
+    } else {
+        RefreshWarning(pWarn, strMessage, nStage, nError);
     }
-    const QString strMessage = tr(qUtf8Printable(renderCore.GetTaskMessage(strTaskId)));
+}
+
+void VTSubmitList::RefreshWarning(
+    QTableWidgetItem* pWarn, const QString& strMessage, int nStage, int nError) const
+{
     const QString strIcon = pWarn->data(Qt::UserRole).toString();
-    pWarn->setStatusTip(nStage == StageCopySame ? tr("Lacked of texture files:") : QString());
-    pWarn->setWhatsThis(strMessage);
-    pWarn->setText(QString());
+    SetText(pWarn, Qt::StatusTipRole, nStage == StageCopySame ? tr("Lacked of texture files:") : QString());
+    SetText(pWarn, Qt::WhatsThisRole, strMessage);
+    SetText(pWarn, Qt::DisplayRole, QString());
     if (nError != 0 && strIcon.isEmpty()) {
         const QString strWarning = VTSkin::WarningIconFile(m_needs.siblings.Skin());
         pWarn->setIcon(QIcon(strWarning));
         pWarn->setData(Qt::UserRole, strWarning);
     } else if (nError == 0 && !strIcon.isEmpty()) {
-        ClearIcon();
+        ClearIcon(pWarn);
         pWarn->setData(Qt::UserRole, QString());
     }
-    pWarn->setToolTip(VTPlainToolTip(strMessage));
+    SetText(pWarn, Qt::ToolTipRole, VTPlainToolTip(strMessage));
 }
 
 void VTSubmitList::Delete(const QStringList& lstTaskId)

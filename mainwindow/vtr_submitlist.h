@@ -3,8 +3,10 @@
 #include <QCoreApplication>
 #include <QObject>
 #include <QStringList>
+#include <QVector>
 
 class QTableWidget;
+class QTableWidgetItem;
 class VTPageBar;
 class VTPrompts;
 struct VTCodeTables;
@@ -27,7 +29,7 @@ enum {
 /// The local submission tasks, a page at a time, refreshed in place.
 class VTSubmitList : public QObject
 {
-    Q_OBJECT
+    Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
 
 public:
     struct Needs
@@ -66,9 +68,13 @@ public:
 private:
     void WriteRow(int nRow, const QString& strTaskId);
     void RefreshRow(int nRow, const QString& strTaskId);
-    void RefreshWarning(int nRow, const QString& strTaskId, int nStage, int nError);
+    void RefreshWarning(QTableWidgetItem* pWarn, const QString& strMessage, int nStage, int nError) const;
     QString StageText(int nStage) const;
+
+    /// For each row the place of its task in the list, -1 for one that is gone.
+    QVector<int> PlacesOfRows(const QStringList& lstId) const;
 
     Needs m_needs;
     QTableWidget* m_pTable;
+    int m_nFirstPlace = 0; ///< where the first row's task was found last
 };

@@ -41,5 +41,6 @@ void VTTaskQuestions::Tick()
         return;
     if (answer != VTAnswer::None && m_siblings.pRenderCore)
         (m_siblings.pRenderCore->*m_answer)(report->strTaskId, answer == VTAnswer::Agreed);
-    m_queue.Answered();
+    if (pThis)
+        m_queue.Answered();
 }

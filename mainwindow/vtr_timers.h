@@ -25,6 +25,12 @@ struct VTTimers
             pTimer->start();
     }
 
+    void StopAll() const
+    {
+        for (QTimer* pTimer : {pSubmitList, pJobList, pDownloadList, pUserInfo, pLackTexture, pUploadRetry})
+            pTimer->stop();
+    }
+
     QTimer* pSubmitList;
     QTimer* pJobList;
     QTimer* pDownloadList;

@@ -32,6 +32,8 @@ void VTToolbar::ChangeTab(int nTab)
     m_needs.siblings.LogDebug(QStringLiteral("index: %1").arg(nTab));
     SwitchTimers(nTab);
     ApplyRules(VTToolbarRules::ForTab(nTab));
+    if (nTab == VTList::Jobs)
+        m_needs.form.btnRecover->setToolTip(tr("Recover"));
     if (nTab == VTList::Jobs && m_needs.group.CurrentPage() == GroupPageOfConditions)
         m_needs.jobList.SetConditions(m_needs.group.CurrentProjectCondition());
     ShowPage(nTab);

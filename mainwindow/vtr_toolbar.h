@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
 class VTDownloadList;
@@ -16,6 +17,8 @@ struct VTToolbarRules;
 /// The toolbar and what else changes with the tab.
 class VTToolbar
 {
+    Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
+
 public:
     struct Needs
     {

@@ -38,11 +38,11 @@ VTWindowParts::VTWindowParts(
     QWidget* pWindow, const VTSiblings& siblings, const VTCodeTables& codeTables, const VTTimers& timers)
     : forms(siblings.pUiLoader)
     , form(forms.pMain)
-    , pSetArgument(new VTSetArgument(forms.pSetArgument, form.twtLocalTask))
+    , pGroup(new VTGroup(forms.pMain, form.wgtGroup, forms.pInput))
     , pSetParent(new VTSetParent(
           forms.pSetParent, form.twtMyRender, codeTables.mapProgressStyle, codeTables.mapJobStatus))
+    , pSetArgument(new VTSetArgument(forms.pSetArgument, form.twtLocalTask))
     , pSearch(new VTSearch(forms.pSearch))
-    , pGroup(new VTGroup(forms.pMain, form.wgtGroup, forms.pInput))
     , prompts(siblings)
     , requests(siblings, session)
     , settings(siblings, session)
@@ -55,14 +55,14 @@ VTWindowParts::VTWindowParts(
     , jobList({form, siblings, codeTables, requests, prompts, tables, pageBar})
     , submitList({form, siblings, codeTables, timers, prompts, pageBar})
     , downloadList({form, siblings, codeTables, timers, pageBar})
-    , jobActions({form, siblings, requests, tables, prompts, jobList, submitList, downloadList})
+    , jobActions({form, siblings, session, requests, tables, prompts, jobList, submitList, downloadList})
     , toolbar({form, siblings, timers, tables, *pGroup, pageBar, jobList, submitList, downloadList})
     , uploadRetries(siblings, prompts, timers.pUploadRetry, TaskQuestionTexts::UploadRetry,
           &VTRenderCoreInterface::UploadRetryAnswer)
     , lackedTextures(siblings, prompts, timers.pLackTexture, TaskQuestionTexts::LackedTexture,
           &VTRenderCoreInterface::LackTextureAnswer)
-    , signIn({form, siblings, timers, requests, chrome, session, account, pageBar, jobList, tray, *pSearch,
-          *pSetParent})
+    , signIn(
+          {form, siblings, timers, requests, session, account, pageBar, jobList, tray, *pSearch, *pSetParent})
 {
     pSetArgument->SetServices(siblings);
     pSetParent->SetServices(siblings);
@@ -110,7 +110,9 @@ void VTWindowParts::ChangeLanguage()
 QVector<QPointer<QObject>> VTWindowParts::Remains() const
 {
     // Controllers before the forms that they look after.
-    const std::initializer_list<QObject*> lstObject {pSetArgument.data(), pSetParent.data(), pSearch.data(),
-        pGroup.data(), forms.pMain, forms.pSetArgument, forms.pSetParent, forms.pSearch, forms.pInput};
-    return QVector<QPointer<QObject>>(lstObject.begin(), lstObject.end());
+    QVector<QPointer<QObject>> lstRemnant {
+        pSetArgument.data(), pSetParent.data(), pSearch.data(), pGroup.data()};
+    for (QWidget* pForm : forms.Owned())
+        lstRemnant.append(pForm);
+    return lstRemnant;
 }

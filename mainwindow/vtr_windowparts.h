@@ -54,10 +54,10 @@ struct VTWindowParts
     VTForms forms;
     VTMainForm form;
 
-    VTController<VTSetArgument> pSetArgument;
-    VTController<VTSetParent> pSetParent;
-    VTController<VTSearch> pSearch;
     VTController<VTGroup> pGroup;
+    VTController<VTSetParent> pSetParent;
+    VTController<VTSetArgument> pSetArgument;
+    VTController<VTSearch> pSearch;
 
     VTPrompts prompts;
     VTRequests requests;

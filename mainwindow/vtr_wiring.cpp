@@ -30,6 +30,7 @@ void WireForm(const QWidget* pWindow, const VTWindowParts& parts, const VTSiblin
         {parts.pSetArgument.data(), SIGNAL(setArgument(QString,QVariantList)), siblings.pRenderCore, SLOT(SetArgument(QString,QVariantList))},
         {parts.pGroup.data(), SIGNAL(condition(QString)), pWindow, SLOT(Condition(QString))},
         {pWindow, SIGNAL(login(QString,QString,QString, QString)), parts.pGroup.data(), SLOT(Login(QString,QString,QString, QString))},
+        {pWindow, SIGNAL(windowSizeChanged()), pWindow, SLOT(AdjustPageButtons())},
         {pWindow, SIGNAL(windowSizeChanged()), parts.pGroup.data(), SLOT(WindowSizeChanged())},
     });
     for (const QPushButton* btnPage : form.PageButtons())

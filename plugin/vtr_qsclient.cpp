@@ -56,11 +56,10 @@ bool ReportInvalid(const SiblingEntry& entry)
     return false;
 }
 
-template <typename Service>
-Service* Find(const VTSiblings& siblings, const SiblingEntry& entry)
+QObject* Find(const VTSiblings& siblings, const SiblingEntry& entry)
 {
     const ctkServiceReference reference = siblings.pContext->getServiceReference(Interface(entry));
-    return reference ? qobject_cast<Service*>(siblings.pContext->getService(reference)) : nullptr;
+    return reference ? siblings.pContext->getService(reference) : nullptr;
 }
 
 bool Start(VTBaseInterface* pService, const QVariantMap& mapParameters, int& nStatus)
@@ -77,20 +76,21 @@ bool Start(VTBaseInterface* pService, const QVariantMap& mapParameters, int& nSt
 template <typename Service>
 bool Attach(const VTSiblings& siblings, const SiblingEntry& entry, QPointer<Service>& pService, int& nStatus)
 {
-    pService = Find<Service>(siblings, entry);
+    pService = qobject_cast<Service*>(Find(siblings, entry));
     return Start(pService, siblings.mapParameters, nStatus) || ReportInvalid(entry);
 }
 
 bool AttachLogger(VTSiblings& siblings)
 {
-    siblings.pLogger = Find<VTLoggerInterface>(siblings, Logger);
-    const bool bStarted = siblings.pLogger && siblings.pLogger->Initialize(siblings.mapParameters) == 0;
+    siblings.pLoggerObject = Find(siblings, Logger);
+    VTLoggerInterface* pLogger = siblings.Logger();
+    const bool bStarted = pLogger && pLogger->Initialize(siblings.mapParameters) == 0;
     return bStarted || ReportInvalid(Logger);
 }
 
-QList<VTBaseAppInterface*> Applications(ctkPluginContext* pContext)
+QVector<QPointer<VTBaseAppInterface>> Applications(ctkPluginContext* pContext)
 {
-    QList<VTBaseAppInterface*> lstApplication;
+    QVector<QPointer<VTBaseAppInterface>> lstApplication;
     const auto lstReference = pContext->getServiceReferences(QStringLiteral("VTBaseAppInterface"));
     for (const ctkServiceReference& reference : lstReference) {
         if (auto* pApplication = qobject_cast<VTBaseAppInterface*>(pContext->getService(reference)))
@@ -103,8 +103,10 @@ void ActivateApplications(const VTSiblings& siblings, const QVariant& varRequest
 {
     try {
         const auto lstApplication = Applications(siblings.pContext);
-        for (VTBaseAppInterface* pApplication : lstApplication)
-            pApplication->Activate(varRequest, siblings.mapParameters);
+        for (const QPointer<VTBaseAppInterface>& pApplication : lstApplication) {
+            if (pApplication)
+                pApplication->Activate(varRequest, siblings.mapParameters);
+        }
     } catch (const std::exception& exception) {
         qWarning("The host's applications were not activated: %s", exception.what());
     }
@@ -214,9 +216,11 @@ void VTQsClient::AttachApplications()
     const VTSiblings& siblings = m_pWindow->Siblings();
     QVariant varResult;
     const auto lstApplication = Applications(siblings.pContext);
-    for (VTBaseAppInterface* pApplication : lstApplication) {
-        pApplication->Initialize(siblings.mapParameters);
-        pApplication->Show(varResult, siblings.mapParameters);
+    for (const QPointer<VTBaseAppInterface>& pApplication : lstApplication) {
+        if (pApplication)
+            pApplication->Initialize(siblings.mapParameters);
+        if (pApplication)
+            pApplication->Show(varResult, siblings.mapParameters);
     }
 }
 
@@ -228,8 +232,8 @@ int VTQsClient::Uninitialize()
             siblings.pSettings->Hide(QVariant(siblings.nSettingsStatus));
             siblings.pSettings->Uninitialize();
         }
-        if (siblings.pLogger)
-            siblings.pLogger->Uninitialize();
+        if (VTLoggerInterface* pLogger = siblings.Logger())
+            pLogger->Uninitialize();
         // What is released is used no more; a later Initialize attaches anew.
         siblings = VTSiblings();
     }

@@ -4,9 +4,16 @@
 
 #include <ctkPluginContext.h>
 
+#include <QCoreApplication>
+
 VTQsClientPlugin::VTQsClientPlugin() = default;
 
-VTQsClientPlugin::~VTQsClientPlugin() = default;
+VTQsClientPlugin::~VTQsClientPlugin()
+{
+    // A host that ends without a stop has this object deleted after its application; widgets cannot be deleted then.
+    if (!QCoreApplication::instance())
+        m_pService.release(); // NOLINT(bugprone-unused-return-value)
+}
 
 void VTQsClientPlugin::start(ctkPluginContext* context)
 {
