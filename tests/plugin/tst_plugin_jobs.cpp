@@ -1,0 +1,263 @@
+#include "client_test.h"
+
+#include <QCheckBox>
+
+#include <limits>
+
+namespace {
+
+/// Counts how often style sheets are set on progress bars while this lives.
+class RestyleCounter : public QObject
+{
+public:
+    RestyleCounter() { qApp->installEventFilter(this); }
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        if (event->type() == QEvent::StyleChange && qobject_cast<QProgressBar*>(object))
+            ++count;
+        return false;
+    }
+    int count = 0;
+};
+
+QVariantMap Answer(const QVariant& list, const QVariant& total = 40)
+{
+    return {{"data"_s, QVariantMap {{"list"_s, list}, {"total"_s, total}}}};
+}
+
+QVariantMap JobWith(const QString& key, const QVariant& value)
+{
+    QVariantMap job = MakeJob(1);
+    job.insert(key, value);
+    return job;
+}
+
+QVariant Nested(int depth)
+{
+    QVariant nested;
+    while (--depth > 0)
+        nested = QVariantList {nested};
+    return nested;
+}
+
+} // namespace
+
+/// The job table: what answers make of it, and what presses do to its rows.
+class TestPluginJobs : public ClientTest
+{
+    Q_OBJECT
+
+private slots:
+    void fillsItsRows()
+    {
+        QVariantMap job = MakeJob(12, 4, 100);
+        job.insert("job_name"_s, "<b>sh & ot</b>"_s);
+        SignInWithJobs({job, MakeJob(13, 11, 60)}, 2);
+        QCOMPARE(Cells(Jobs(), 0),
+            "12|id-12, <b>sh & ot</b>|type-12, time-12|time-12, Finished|4, 12.5RMB|12.5RMB"_s);
+        for (const int column : {0, 1, 2, 4, 5})
+            QCOMPARE(Jobs()->item(0, column)->textAlignment(), 132);
+        QCOMPARE(Jobs()->item(0, 0)->toolTip(), QString());
+        QCOMPARE(Jobs()->item(0, 0)->checkState(), Qt::Unchecked);
+        QVERIFY(Jobs()->item(0, 1)->toolTip().contains("&lt;b&gt;sh &amp; ot"_s));
+        QVERIFY(!Jobs()->item(0, 1)->data(Qt::CheckStateRole).isValid());
+        QCOMPARE(Jobs()->item(1, 4)->text(), "Unknown"_s);
+        QCOMPARE(Bar(Jobs(), 0)->value(), 100);
+        QCOMPARE(Bar(Jobs(), 0)->styleSheet(),
+            "QProgressBar{margin: 9px 31px 9px 0px;text-align: right;background: white;border: 1px solid "
+            "rgb(125,180,75);border-radius: 5px;color: rgb(125,180,75);} QProgressBar::chunk{border-radius: "
+            "5px;background: rgb(125,180,75);}"_s);
+    }
+
+    void leavesTheScreenAloneWhenNothingChanged()
+    {
+        SignInWithJobs(MakeJobs(18), 40);
+        const QWidget* bar = Bar(Jobs(), 3);
+        const QTableWidgetItem* item = Jobs()->item(3, 1);
+        int changes = 0;
+        connect(Jobs(), &QTableWidget::itemChanged, Jobs(), [&changes] { ++changes; });
+        const RestyleCounter restyles;
+        Communication().DeliverJobs(MakeJobs(18), 40);
+        QCOMPARE(changes, 0);
+
+        QVariantList jobs = MakeJobs(18);
+        jobs[3] = MakeJob(4, 1, 49);
+        Communication().DeliverJobs(jobs, 40);
+        QCOMPARE(restyles.count, 0);
+        jobs[3] = MakeJob(4, 1, 50);
+        Communication().DeliverJobs(jobs, 40);
+        QCOMPARE(restyles.count, 1);
+        QCOMPARE(Bar(Jobs(), 3)->value(), 50);
+        QCOMPARE(Bar(Jobs(), 3), bar);
+        QCOMPARE(Jobs()->item(3, 1), item);
+    }
+
+    void keepsTheCurrentRowWithItsJob()
+    {
+        SignInWithJobs(MakeJobs(5), 5);
+        Jobs()->setCurrentCell(1, 2);
+        Jobs()->item(1, 0)->setCheckState(Qt::Checked);
+        QVariantList jobs = MakeJobs(5);
+        jobs.move(1, 4);
+        Communication().DeliverJobs(jobs, 5);
+        QCOMPARE(Jobs()->currentRow(), 4);
+        QCOMPARE(Jobs()->currentColumn(), 2);
+        QCOMPARE(Checks(), "-----"_s);
+        jobs.removeLast();
+        Communication().DeliverJobs(jobs, 4);
+        QCOMPARE(Jobs()->rowCount(), 4);
+        QCOMPARE(Jobs()->currentRow(), -1);
+    }
+
+    void fillsBehindAnotherTabWithoutItsPageBar()
+    {
+        SignInWithJobs(MakeJobs(18), 18);
+        m_client->Tabs()->setCurrentIndex(2);
+        Communication().DeliverJobs(MakeJobs(7), 40);
+        QCOMPARE(Jobs()->rowCount(), 7);
+        QVERIFY(!m_client->Shows("btnPageTwo"_s));
+    }
+
+    void handsFinishedJobsOverOnce()
+    {
+        m_client->settings.values.insert("vtr.account.ann/autodownload"_s, true);
+        const QVariantList jobs {MakeJob(1, 4), MakeJob(2, 1), MakeJob(3, 4), MakeJob(4, 4)};
+        SignInWithJobs(jobs, 4);
+        QCOMPARE(RenderCore().orders.size(), 1);
+        QCOMPARE(RenderCore().orders.first().keys(), (QStringList {"id-1"_s, "id-3"_s, "id-4"_s}));
+        QCOMPARE(RenderCore().orders.first().value("id-3"_s).toMap(),
+            (QVariantMap {{"jobType"_s, "type-3"_s}, {"subDir"_s, "3_name-3"_s}, {"manual"_s, 0}}));
+        QVERIFY(m_client->logger.lines.contains("auto download: id-3|128|default||-1"_s));
+
+        Communication().DeliverJobs(QVariantList {MakeJob(2, 4)} + jobs, 5);
+        QCOMPARE(RenderCore().orders.size(), 2);
+        QCOMPARE(RenderCore().orders.last().keys(), QStringList {"id-2"_s});
+        emit Communication().SignOutResponse(200, {});
+        SignInWithJobs(jobs, 4);
+        QCOMPARE(RenderCore().orders.last().size(), 3);
+
+        m_client->settings.values.insert("vtr.account.ann/autodownload"_s, false);
+        emit m_client->settings.SettingsUpdated();
+        Communication().DeliverJobs({MakeJob(9, 4)}, 1);
+        QCOMPARE(RenderCore().orders.size(), 3);
+    }
+
+    void passesTheParentsListOnWithoutShowingIt()
+    {
+        SignInWithJobs(MakeJobs(3), 3);
+        const QSignalSpy candidates(m_client->Window(), SIGNAL(showParenList(QVariantList)));
+        Communication().DeliverJobs(MakeJobs(5), 99, 1);
+        Communication().DeliverJobs({}, 0, true);
+        QCOMPARE(candidates.size(), 2);
+        QCOMPARE(candidates.first().first().toList().size(), 5);
+        QCOMPARE(Jobs()->rowCount(), 3);
+    }
+
+    void goesBackAPageWhenItIsEmpty()
+    {
+        SignInWithJobs(MakeJobs(18), 40);
+        m_client->Button("btnPageThree"_s)->click();
+        Communication().DeliverJobs(MakeJobs(4), 40);
+        Communication().DeliverJobs({}, 36);
+        QCOMPARE(Communication().Last().map.value("page"_s), QVariant(2));
+        QCOMPARE(Jobs()->rowCount(), 0);
+        QVERIFY(!m_client->Shows("btnPageTwo"_s));
+        Communication().DeliverJobs(MakeJobs(18), 36);
+        m_client->Button("btnPageOne"_s)->click();
+        TakeJournal();
+        Communication().DeliverJobs({}, 0);
+        QCOMPARE(TakeJournal(), QStringList());
+    }
+
+    void takesAnAnswerInsideItsRequest()
+    {
+        SignInWithJobs(MakeJobs(18), 40);
+        m_client->Button("btnPageThree"_s)->click();
+        Communication().DeliverJobs(MakeJobs(4), 40);
+        Communication().onRequest = [this] { Communication().DeliverJobs(MakeJobs(18), 36); };
+        Communication().DeliverJobs({}, 36);
+        QCOMPARE(Jobs()->rowCount(), 18);
+        QVERIFY(m_client->Shows("btnPageTwo"_s));
+    }
+
+    void survivesMalformedAnswers_data()
+    {
+        QTest::addColumn<QVariantMap>("answer");
+        QTest::addColumn<int>("rows");
+        const QVariantList strangers {QVariant(), 5, "job"_s, QVariantList()};
+        QTest::newRow("nothing") << QVariantMap() << 0;
+        QTest::newRow("data text") << QVariantMap {{"data"_s, "list"_s}} << 0;
+        QTest::newRow("list number") << Answer(5) << 0;
+        QTest::newRow("jobs of other types") << Answer(strangers) << 4;
+        QTest::newRow("deep") << Answer(QVariantList {Nested(2000)}) << 1;
+        QTest::newRow("deep name") << Answer(QVariantList {JobWith("job_name"_s, Nested(2000))}) << 1;
+        QTest::newRow("long name") << Answer(
+            QVariantList {JobWith("job_name"_s, QString(1 << 20, QLatin1Char('<')))})
+                                   << 1;
+        constexpr int most = std::numeric_limits<int>::max();
+        for (const QVariant& number : {QVariant(), QVariant(-5), QVariant("many"_s), QVariant(1e300),
+                 QVariant(strangers), QVariant(most), QVariant(-most - 1)}) {
+            QTest::addRow("total %s", qPrintable(number.toString())) << Answer(MakeJobs(2), number) << 2;
+            for (const char* key : {"job_progress", "job_status", "job_id"})
+                QTest::addRow("%s %s", key, qPrintable(number.toString()))
+                    << Answer(QVariantList {JobWith(QLatin1String(key), number)}) << 1;
+        }
+    }
+    void survivesMalformedAnswers()
+    {
+        QFETCH(QVariantMap, answer);
+        QFETCH(int, rows);
+        SignInWithJobs(MakeJobs(3), 40);
+        emit Communication().JobListResponse(500, answer);
+        QCOMPARE(Jobs()->rowCount(), 3);
+        emit Communication().JobListResponse(200, answer);
+        QCOMPARE(Jobs()->rowCount(), rows);
+        m_client->Button("btnNextPage"_s)->click();
+        m_client->Form()->grab();
+        Communication().DeliverJobs(MakeJobs(3), 40);
+        QCOMPARE(Jobs()->item(2, 1)->text(), "name-3"_s);
+        QCOMPARE(Bar(Jobs(), 0)->value(), 10);
+    }
+
+    void checksRowsByPressing()
+    {
+        SignInWithJobs(MakeJobs(3), 3);
+        Press(1, Qt::LeftButton);
+        QCOMPARE(Checks(), "-x-"_s);
+        QCOMPARE(MenuDuring([this] { Press(2, Qt::RightButton); }), "Download,Set parent"_s);
+        MenuDuring([this] { Press(1, Qt::RightButton); });
+        QCOMPARE(Checks(), "-xx"_s);
+        Press(1, Qt::LeftButton);
+        QCOMPARE(Checks(), "--x"_s);
+        auto* all = m_client->Find<QCheckBox>("chkAll"_s);
+        all->setChecked(true);
+        QCOMPARE(Checks(), "xxx"_s);
+        all->setChecked(false);
+        QCOMPARE(Checks(), "---"_s);
+        QVERIFY(m_client->Call("ClickedCell", 99, 0));
+        QVERIFY(m_client->Call("ClickedCell", -1, -1));
+        QCOMPARE(Checks(), "---"_s);
+    }
+
+private:
+    QTableWidget* Jobs() const { return m_client->Table("twtMyRender"_s); }
+
+    /// Presses and releases on the check box of a row, as the window system would report it.
+    void Press(int row, Qt::MouseButton button) const
+    {
+        const QPoint cell = Jobs()->visualItemRect(Jobs()->item(row, 0)).center();
+        const QPoint place = Jobs()->viewport()->mapTo(m_client->Form(), cell);
+        QTest::mouseClick(m_client->Form()->windowHandle(), button, Qt::NoModifier, place);
+    }
+
+    QString Checks() const
+    {
+        QString checks;
+        for (int row = 0; row < Jobs()->rowCount(); ++row)
+            checks += Jobs()->item(row, 0)->checkState() == Qt::Checked ? "x"_s : "-"_s;
+        return checks;
+    }
+};
+
+QTEST_MAIN(TestPluginJobs)
+#include "tst_plugin_jobs.moc"

@@ -1,0 +1,218 @@
+#include "client_test.h"
+
+#include <QCheckBox>
+
+namespace {
+
+const QStringList pageButtons = "btnNextPage btnNextGroup btnPageFive btnPageFour btnPageThree btnPageTwo "
+                                "btnPageOne btnPreGroup btnPrePage"_s.split(" "_s);
+
+struct Walk
+{
+    const char* name;
+    int total;
+    QString clicks;
+    QString requests; ///< pages asked for
+    QString bar;      ///< see PageBar()
+};
+const Walk walks[] = {
+    {"empty", 0, {}, {}, "1*"_s},
+    {"one page", 18, "btnNextPage btnPrePage"_s, {}, "1*"_s},
+    {"two pages", 19, "btnNextPage"_s, "2"_s, "1 2*"_s},
+    {"five pages", 90, "btnPageFive btnNextPage"_s, "5"_s, "1 2 3 4 5*"_s},
+    {"six pages", 91, {}, {}, "1* 2 3 4 5 >"_s},
+    {"into the next group", 91, "btnPageFive btnNextPage"_s, "5 6"_s, "< 6*"_s},
+    {"into the group before", 91, "btnNextGroup btnPrePage"_s, "6 5"_s, "1 2 3 4 5* >"_s},
+    {"previous group", 300, "btnNextGroup btnNextGroup btnPreGroup"_s, "6 11 10"_s, "< 6 7 8 9 10* >"_s},
+    {"page of a later group", 300, "btnNextGroup btnPageThree"_s, "6 8"_s, "< 6 7 8* 9 10 >"_s},
+    {"last page", 290, "btnNextGroup btnNextGroup btnPageFive btnNextPage btnNextPage btnNextPage"_s,
+        "6 11 15 16 17"_s, "< 16 17*"_s},
+};
+
+struct Toolbar
+{
+    const char* name;
+    int tab;
+    QString shown;
+    QString anchor; ///< the button that btnDelete stands beside
+};
+const Toolbar toolbars[] = {
+    {"jobs", 0, "btnRecover btnPause btnRestart btnSearch btnDelete btnFullRender"_s, "btnRestart"_s},
+    {"local tasks", 1, {}, {}},
+    {"downloads", 2, "btnRecover btnPause btnDelete"_s, "btnPause"_s},
+};
+
+} // namespace
+
+/// Requests of job pages, the page bar under the tables, and what changes with the tab.
+class TestPluginPaging : public ClientTest
+{
+    Q_OBJECT
+
+private slots:
+    void walksThroughThePages_data() { AddRows(walks); }
+    void walksThroughThePages()
+    {
+        const Walk& walk = Row(walks);
+        SignInWithJobs(MakeJobs(18), walk.total);
+        QStringList pages;
+        for (const QString& click : walk.clicks.split(" "_s, Qt::SkipEmptyParts)) {
+            m_client->Button(click)->click();
+            if (TakeJournal().isEmpty())
+                continue;
+            pages.append(Page().toString());
+            Communication().DeliverJobs(MakeJobs(18), walk.total);
+        }
+        QCOMPARE(pages.join(" "_s), walk.requests);
+        QCOMPARE(PageBar(), walk.bar);
+        QVERIFY(m_client->Shows("btnNextPage"_s) && m_client->Shows("btnPrePage"_s));
+    }
+
+    void laysTheBarOutFromTheRight()
+    {
+        m_client->SignIn();
+        const QRect anchor = m_client->Button("btnNextPage"_s)->geometry();
+        const int top = m_client->Button("btnPageOne"_s)->y();
+        for (const int total : {200, 40, 200}) {
+            Communication().DeliverJobs(MakeJobs(18), total);
+            int left = anchor.x() + anchor.width();
+            for (const QString& name : pageButtons) {
+                const QPushButton* button = m_client->Button(name);
+                if (!m_client->Shows(name))
+                    continue;
+                QCOMPARE(button->x(), left - button->width());
+                left = button->x();
+            }
+        }
+        QCOMPARE(m_client->Button("btnNextPage"_s)->geometry(), anchor);
+        QCOMPARE(m_client->Button("btnPageOne"_s)->y(), top);
+        QVERIFY(m_client->logger.lines.contains("total: 40|128|default||-1"_s));
+    }
+
+    void keepsThePageOfEachListApart()
+    {
+        for (int i = 0; i < 40; ++i) {
+            RenderCore().tasks.insert(Numbered("t"_s, i), {});
+            RenderCore().downloads.insert(Numbered("d"_s, i), QVariantMap());
+        }
+        SignInWithJobs(MakeJobs(18), 100);
+        m_client->Button("btnPageFour"_s)->click();
+        Communication().DeliverJobs(MakeJobs(18), 100);
+        emit RenderCore().SubmitListChanged();
+        QCOMPARE(PageBar(), "1* 2 3"_s);
+        m_client->Button("btnPageThree"_s)->click();
+        QCOMPARE(m_client->Table("twtLocalTask"_s)->rowCount(), 4);
+        QCOMPARE(PageBar(), "1 2 3*"_s);
+        m_client->Tabs()->setCurrentIndex(2);
+        emit RenderCore().DownloadListChanged();
+        m_client->Button("btnNextPage"_s)->click();
+        QCOMPARE(m_client->Table("twtDownload"_s)->item(0, 0)->data(Qt::UserRole).toString(), "d18"_s);
+        QCOMPARE(PageBar(), "1 2* 3"_s);
+        m_client->Tabs()->setCurrentIndex(0);
+        QCOMPARE(PageBar(), "1 2 3 4* 5 >"_s);
+        QCOMPARE(Page(), QVariant(4));
+    }
+
+    void requestsPagesWithAndWithoutConditions()
+    {
+        m_client->SignIn();
+        QVERIFY(m_client->Call("GetJobList", 3, "{}"_s, 1));
+        QCOMPARE(Communication().Last().map,
+            (QVariantHash {{"page"_s, 3}, {"pageSize"_s, 1000}, {"identifier"_s, 1}, {"conditions"_s, "{}"_s},
+                {"username"_s, "ann"_s}, {"token"_s, "token-ann"_s}}));
+        QVERIFY(m_client->Call("GetJobList", 2));
+        QCOMPARE(Communication().Last().map.value("pageSize"_s), QVariant(18));
+        QVERIFY(!Communication().Last().map.contains("conditions"_s));
+    }
+
+    void searchesFromTheFirstPage()
+    {
+        SignInWithJobs(MakeJobs(18), 200);
+        m_client->Button("btnNextGroup"_s)->click();
+        Search({{"job_name"_s, "sh\"ot"_s}});
+        QCOMPARE(Page(), QVariant(1));
+        const QVariant text = Communication().Last().map.value("conditions"_s);
+        QCOMPARE(QJsonDocument::fromJson(text.toString().toUtf8()).object(),
+            (QJsonObject {{"job_name"_s, "sh\"ot"_s}}));
+        Communication().DeliverJobs(MakeJobs(18), 200);
+        QCOMPARE(PageBar(), "1* 2 3 4 5 >"_s);
+        QVERIFY(m_client->Call("RefreshJobList"));
+        QCOMPARE(Communication().Last().map.value("conditions"_s), text);
+        Search({});
+        QVERIFY(!Communication().Last().map.contains("conditions"_s));
+    }
+
+    void filtersByGroupWithoutLosingThePage()
+    {
+        SignInWithJobs(MakeJobs(18), 200);
+        m_client->Button("btnPageTwo"_s)->click();
+        emit RenderCore().SubmitListChanged();
+        TakeJournal();
+        QVERIFY(m_client->Call("RefreshJobList"));
+        QCOMPARE(TakeJournal(), QStringList());
+        QVERIFY(m_client->Call("Condition", "filter"_s));
+        QCOMPARE(m_client->Tabs()->currentIndex(), 0);
+        QVERIFY(m_client->RunningTimers(1000).isEmpty());
+        QCOMPARE(Page(), QVariant(1));
+        QCOMPARE(Communication().Last().map.value("conditions"_s), QVariant("filter"_s));
+        QVERIFY(m_client->Call("RefreshJobList"));
+        QCOMPARE(Page(), QVariant(2));
+    }
+
+    void changesTheToolbarWithTheTab_data() { AddRows(toolbars); }
+    void changesTheToolbarWithTheTab()
+    {
+        const Toolbar& toolbar = Row(toolbars);
+        m_client->Tabs()->setCurrentIndex(toolbar.tab == 1 ? 0 : 1);
+        auto* all = m_client->Find<QCheckBox>("chkAll"_s);
+        all->setChecked(true);
+        QPushButton* deleteButton = m_client->Button("btnDelete"_s);
+        const QRect before = deleteButton->geometry();
+        m_client->Tabs()->setCurrentIndex(toolbar.tab);
+
+        QStringList visible;
+        for (const QString& name : toolbars[0].shown.split(" "_s)) {
+            if (m_client->Shows(name))
+                visible.append(name);
+        }
+        QCOMPARE(visible.join(" "_s), toolbar.shown);
+        QVERIFY(m_client->Shows("btnStop"_s));
+        QVERIFY(!all->isChecked());
+        QCOMPARE(m_client->RunningTimers(1000).size(), toolbar.tab == 0 ? 0 : 1);
+        QVERIFY(m_client->logger.lines.contains("index: %1|128|default||-1"_s.arg(toolbar.tab)));
+        if (toolbar.anchor.isEmpty())
+            return;
+        const QRect place = m_client->Button(toolbar.anchor)->geometry();
+        const int left = place.x() + place.width() + 5;
+        QCOMPARE(deleteButton->geometry(), before.translated(left - before.x(), 0));
+        deleteButton->move(0, 0);
+        QVERIFY(m_client->Call("AdjustPageButtons"));
+        QCOMPARE(deleteButton->x(), left);
+    }
+
+private:
+    QVariant Page() const { return Communication().Last().map.value("page"_s); }
+
+    /// Visible page buttons from left to right: "<", numbers, ">"; a star marks the one with the focus.
+    QString PageBar() const
+    {
+        const QMap<QString, QString> arrows {{"btnPreGroup"_s, "<"_s}, {"btnNextGroup"_s, ">"_s}};
+        QStringList bar;
+        for (const QString& name : pageButtons) {
+            if (name.endsWith("Page"_s) || !m_client->Shows(name))
+                continue;
+            const QPushButton* button = m_client->Button(name);
+            const QString text = arrows.value(name, button->text());
+            bar.prepend(m_client->Form()->focusWidget() == button ? QString(text + "*"_s) : text);
+        }
+        return bar.join(" "_s);
+    }
+
+    void Search(QVariantMap conditions) const
+    {
+        QMetaObject::invokeMethod(m_client->Window(), "SearchJob", Q_ARG(QVariantMap&, conditions));
+    }
+};
+
+QTEST_MAIN(TestPluginPaging)
+#include "tst_plugin_paging.moc"

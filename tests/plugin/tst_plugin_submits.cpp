@@ -1,0 +1,256 @@
+#include "client_test.h"
+
+namespace {
+
+enum Column { Name, StartTime, Status, Progress, SceneFile, Warn };
+
+struct Trouble
+{
+    const char* name;
+    int stage;
+    int error;
+    QStringList shown; ///< status, text, status tip, what's this, icon path
+};
+const Trouble troubles[] = {
+    {"upload", 5, 0, {"upload"_s, "3 of 9"_s, {}, {}, {}}},
+    {"failed upload", 5, 3, {"uploadfail"_s, {}, {}, "msg"_s, ":/teal/warning.png"_s}},
+    {"textures", 4, 9, {"copysamefail"_s, {}, "Lacked of texture files:"_s, "msg"_s, ":/teal/warning.png"_s}},
+    {"well", 2, 0, {"compress"_s, {}, {}, "msg"_s, {}}},
+};
+
+const QString shortMenu = "Continue submit,Delete Tasks"_s;
+const QString fullMenu = "Continue submit,Delete Tasks,Set argument"_s;
+struct MenuCase
+{
+    const char* name;
+    QString sceneFile;
+    int stage;
+    bool wanted;
+    bool checked;
+    QString menu;
+};
+const MenuCase menuCases[] = {{"ma", "a.ma"_s, 3, true, true, fullMenu},
+    {"mb", "x.y.mb"_s, 4, true, true, fullMenu}, {"capitals", "a.MA"_s, 3, true, true, shortMenu},
+    {"max", "a.max"_s, 3, true, true, shortMenu}, {"early", "a.ma"_s, 2, true, true, shortMenu},
+    {"unwanted", "a.ma"_s, 3, false, true, shortMenu}, {"nothing checked", "a.ma"_s, 3, true, false, {}}};
+
+struct DoubleClick
+{
+    const char* name;
+    int error;
+    int column;
+    QString answer;
+    QString effect;
+    QString message;
+};
+const QString notice = "2|QuillStar Client||msg|Ok,|1"_s;
+const QString question = "4|t|Lacked of texture files:|msg|Cancel,Submit|1"_s;
+const DoubleClick doubleClicks[] = {
+    {"no error", 0, Warn, {}, {}, {}},
+    {"other column", 9, Status, {}, {}, {}},
+    {"notice", 3, Warn, MessageBoxStandIn::Consent(), "ShowMessage"_s, notice},
+    {"refused", 9, Warn, MessageBoxStandIn::Refusal(), "ShowMessage"_s, question},
+    {"closed", 9, Warn, {}, "ShowMessage"_s, question},
+    {"agreed", 9, Warn, MessageBoxStandIn::Consent(), "ShowMessage,ContinueSubmit t.1"_s, question},
+};
+
+} // namespace
+
+/// The local submission tasks and the questions that they raise.
+class TestPluginSubmits : public ClientTest
+{
+    Q_OBJECT
+
+private slots:
+    void showsTheTasksWhenTheirListChanges()
+    {
+        ShowTask("t1"_s, {"/work/a.b/scene.v2.ma"_s, "10:00"_s, "<b>message</b>"_s, "up"_s, 1, 55});
+        ShowTask("t2"_s, {"other.max"_s, {}, {}, {}, 8});
+        QCOMPARE(m_client->Tabs()->currentIndex(), 1);
+        QCOMPARE(m_client->RunningTimers(1000).size(), 1);
+        QCOMPARE(Cells(Tasks(), 0),
+            "scene.v2|t1, 10:00|false, analyze|1, /work/a.b/scene.v2.ma|, <b>message</b>|"_s);
+        QCOMPARE(Tasks()->item(0, Name)->data(Qt::CheckStateRole), QVariant(Qt::Unchecked));
+        QCOMPARE(Tasks()->item(0, Status)->textAlignment(), 132);
+        QCOMPARE(Bar(Tasks(), 0)->value(), 55);
+        QCOMPARE(Tasks()->item(1, Status)->text(), "Unknown"_s);
+    }
+
+    void refreshesItsRowsInPlace()
+    {
+        for (const char* id : {"t1", "t2", "t3"})
+            ShowTask(QLatin1String(id), {"a.ma"_s});
+        const QTableWidgetItem* kept = Tasks()->item(2, Name);
+        RenderCore().tasks.remove("t2"_s);
+        RenderCore().tasks["t3"_s] = {"a.ma"_s, "11:00"_s, {}, {}, 8, -5};
+        QVERIFY(m_client->Tick(1000));
+        QCOMPARE(Tasks()->rowCount(), 2);
+        QCOMPARE(Tasks()->item(1, Name), kept);
+        QCOMPARE(Cells(Tasks(), 1), "a|t3, 11:00|true, |8, a.ma|, |"_s);
+        QCOMPARE(Bar(Tasks(), 1)->value(), 0);
+
+        int changes = 0;
+        connect(Tasks(), &QTableWidget::itemChanged, Tasks(), [&changes] { ++changes; });
+        QVERIFY(m_client->Tick(1000));
+        QCOMPARE(changes, 0);
+    }
+
+    void showsTroubleInTheWarnColumn_data() { AddRows(troubles); }
+    void showsTroubleInTheWarnColumn()
+    {
+        const Trouble& trouble = Row(troubles);
+        ShowTask("t1"_s, {"a.ma"_s});
+        RenderCore().tasks["t1"_s] = {"a.ma"_s, {}, "msg"_s, "3 of 9"_s, trouble.stage, 0, trouble.error};
+        QVERIFY(m_client->Tick(1000));
+        const QTableWidgetItem* warn = Tasks()->item(0, Warn);
+        QCOMPARE((QStringList {Tasks()->item(0, Status)->text(), warn->text(), warn->statusTip(),
+                     warn->whatsThis(), warn->data(Qt::UserRole).toString()}),
+            trouble.shown);
+        QCOMPARE(warn->icon().isNull(), trouble.shown.last().isEmpty());
+        RenderCore().tasks["t1"_s].error = 0;
+        RenderCore().tasks["t1"_s].stage = 6;
+        QVERIFY(m_client->Tick(1000));
+        QVERIFY(warn->icon().isNull());
+        QCOMPARE(warn->data(Qt::UserRole).toString(), QString());
+        QCOMPARE(warn->toolTip(), "msg"_s);
+    }
+
+    void fetchesArgumentsOnceAfterTheAnalysis()
+    {
+        const QVariantList arguments {QVariantMap {{"width"_s, 640}}};
+        ShowTask("t1"_s, {"a.ma"_s, {}, {}, {}, 2, 0, 0, arguments});
+        QVERIFY(m_client->Tick(1000));
+        QCOMPARE(RenderCore().argumentReads, 0);
+        RenderCore().tasks["t1"_s].stage = 3;
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(m_client->Tick(1000));
+        QCOMPARE(RenderCore().argumentReads, 1);
+        QCOMPARE(Tasks()->item(0, SceneFile)->data(Qt::UserRole).toList(), arguments);
+    }
+
+    void turnsBackAPageWhenTasksGo()
+    {
+        for (int i = 0; i < 37; ++i)
+            RenderCore().tasks.insert(Numbered("t"_s, i), {});
+        emit RenderCore().SubmitListChanged();
+        m_client->Button("btnPageThree"_s)->click();
+        QCOMPARE(Tasks()->rowCount(), 1);
+        RenderCore().tasks.remove("t36"_s);
+        emit RenderCore().SubmitListChanged();
+        QCOMPARE(Tasks()->rowCount(), 18);
+        const QTableWidgetItem* kept = Tasks()->item(0, Name);
+        QCOMPARE(kept->data(Qt::UserRole).toString(), "t18"_s);
+        emit RenderCore().SubmitListChanged();
+        QCOMPARE(Tasks()->item(0, Name), kept);
+    }
+
+    void deletesTheCheckedTasks()
+    {
+        for (int i = 0; i < 19; ++i)
+            RenderCore().tasks.insert(Numbered("t"_s, i), {});
+        emit RenderCore().SubmitListChanged();
+        m_client->Button("btnNextPage"_s)->click();
+        Tasks()->item(0, Name)->setCheckState(Qt::Checked);
+        MessageBox().answer = MessageBoxStandIn::Consent();
+        m_client->Entry("Delete Tasks")->trigger();
+        QCOMPARE(TakeJournal(), (QStringList {"ShowMessage"_s, "RemoveSubmitTasks by user t18"_s}));
+        QCOMPARE(Tasks()->rowCount(), 18);
+        QVERIFY(!m_client->Shows("btnPageTwo"_s));
+        QVERIFY(m_client->Call("StopJobs"));
+        QVERIFY(m_client->Call("RecoverJobs"));
+        QCOMPARE(TakeJournal(), QStringList {"StopSubmitTasks"_s});
+    }
+
+    void offersItsMenu_data() { AddRows(menuCases); }
+    void offersItsMenu()
+    {
+        const MenuCase& menuCase = Row(menuCases);
+        m_client->settings.values.insert("vtr.account.ann/setargument"_s, menuCase.wanted);
+        m_client->SignIn();
+        ShowTask("t1"_s, {menuCase.sceneFile, {}, {}, {}, menuCase.stage});
+        QVERIFY(m_client->Tick(1000));
+        for (int round = 0; round < 2; ++round) {
+            QVERIFY(m_client->Call("ClickedCell", 0, 0));
+            Tasks()->item(0, Name)->setCheckState(menuCase.checked ? Qt::Checked : Qt::Unchecked);
+            QCOMPARE(MenuOf(Tasks()), menuCase.menu);
+        }
+        QCOMPARE(MenuOf(Tasks()), QString());
+    }
+
+    void continuesTheCurrentTask()
+    {
+        ShowTask("t1"_s, {});
+        ShowTask("t2"_s, {});
+        m_client->Entry("Continue submit")->trigger();
+        Tasks()->setCurrentCell(1, 0);
+        m_client->Entry("Continue submit")->trigger();
+        QCOMPARE(TakeJournal(), QStringList {"ContinueSubmit t2"_s});
+    }
+
+    void explainsTroubleOnADoubleClick_data() { AddRows(doubleClicks); }
+    void explainsTroubleOnADoubleClick()
+    {
+        const DoubleClick& click = Row(doubleClicks);
+        ShowTask("t.1"_s, {"a.ma"_s, {}, "msg"_s, {}, 4, 0, click.error});
+        QVERIFY(m_client->Tick(1000));
+        MessageBox().answer = click.answer;
+        emit Tasks()->cellDoubleClicked(0, click.column);
+        QVERIFY(m_client->Call("CellDoubleClicked", -1, int(Warn)));
+        QCOMPARE(TakeJournal().join(","_s), click.effect);
+        QCOMPARE(MessageBox().messages.join("\n"_s), click.message);
+    }
+
+    void asksAboutReportsOneByOne_data()
+    {
+        QTest::addColumn<bool>("textures");
+        QTest::newRow("failed uploads") << false;
+        QTest::newRow("missing textures") << true;
+    }
+    void asksAboutReportsOneByOne()
+    {
+        QFETCH(bool, textures);
+        const auto Report = [this, textures](const QString& id, const QStringList& files) {
+            if (textures)
+                emit RenderCore().lackedTexture(id, files);
+            else
+                emit RenderCore().failFile(id, files);
+        };
+        Report("b.2"_s, {"old"_s});
+        Report("a.1"_s, {"x"_s});
+        Report("b.2"_s, {"y"_s, "z"_s});
+        QVERIFY(MessageBox().messages.isEmpty());
+        MessageBox().answer = MessageBoxStandIn::Consent();
+        MessageBox().whileOpen = [this, Report] {
+            Report("0"_s, {"w"_s});
+            QVERIFY(m_client->Tick(1000));
+            QCOMPARE(MessageBox().messages.size(), 1);
+        };
+        QVERIFY(m_client->Tick(1000));
+        MessageBox().answer = MessageBoxStandIn::Refusal();
+        QVERIFY(m_client->Tick(1000));
+        MessageBox().answer.clear();
+        QVERIFY(m_client->Tick(1000));
+        QVERIFY(m_client->Tick(1000));
+        QVERIFY(m_client->RunningTimers(1000).isEmpty());
+
+        const QString operation = textures ? "LackTextureAnswer"_s : "UploadRetryAnswer"_s;
+        QCOMPARE(TakeJournal().join(","_s),
+            "ShowMessage,%1 yes a.1,ShowMessage,%1 no 0,ShowMessage"_s.arg(operation));
+        QCOMPARE(MessageBox().messages.last(),
+            textures ? "4|b||Continue next step?\nBelow files are missing:\ny\nz|Cancel,Ok|0"_s
+                     : "4|b|Retry uploading?Failed to upload files:|y\nz|Cancel,Ok|1"_s);
+    }
+
+private:
+    QTableWidget* Tasks() const { return m_client->Table("twtLocalTask"_s); }
+
+    void ShowTask(const QString& id, const RenderCoreStandIn::Task& task) const
+    {
+        RenderCore().tasks.insert(id, task);
+        emit RenderCore().SubmitListChanged();
+        TakeJournal();
+    }
+};
+
+QTEST_MAIN(TestPluginSubmits)
+#include "tst_plugin_submits.moc"

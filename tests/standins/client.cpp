@@ -1,0 +1,146 @@
+#include "client.h"
+
+#include <ctkPluginContext.h>
+#include <ctkPluginFramework.h>
+#include <ctkPluginFrameworkFactory.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QTimer>
+#include <QUrl>
+
+#include <algorithm>
+
+Client::Client()
+    : m_server("stand-in-%1"_s.arg(QCoreApplication::applicationPid()))
+{
+    settings.values.insert("vtr.web/currentserver"_s, m_server);
+}
+
+Client::~Client()
+{
+    if (m_framework)
+        m_framework->stop();
+    for (const QString& folder : {"data"_s, "Data"_s}) {
+        QDir directory(QString(QCoreApplication::applicationDirPath() + "/"_s + folder));
+        const QStringList files = directory.entryList({QString(m_server + "_*"_s)});
+        for (const QString& file : files)
+            directory.remove(file);
+    }
+}
+
+QList<QPair<QString, QObject*>> Client::Siblings()
+{
+    return {{"VTSettingsInterface"_s, &settings}, {"VTLoggerInterface"_s, &logger},
+        {"VTUiLoaderInterface"_s, &uiLoader}, {"VTMessagboxInterface"_s, &messageBox},
+        {"VTCommunicationInterface"_s, &communication}, {"VTRenderCoreInterface"_s, &renderCore},
+        {"VTConfigurationInterface"_s, &configuration}, {"VTPreviewerInterface"_s, &previewer},
+        {"VTBaseAppInterface"_s, &application}};
+}
+
+void Client::Start()
+{
+    if (!m_framework) {
+        m_framework = ctkPluginFrameworkFactory().getFramework();
+        m_framework->start();
+        for (const auto& [interface, sibling] : Siblings()) {
+            if (!leftOut.contains(interface))
+                Context()->registerService({interface}, sibling);
+        }
+    }
+    m_plugin = Context()->installPlugin(QUrl::fromLocalFile(QStringLiteral(PLUGIN_FILE)));
+    m_plugin->start(ctkPlugin::START_TRANSIENT);
+}
+
+void Client::Register(const QString& interface)
+{
+    for (const auto& [name, sibling] : Siblings()) {
+        if (name == interface)
+            Context()->registerService({name}, sibling);
+    }
+}
+
+int Client::Initialize()
+{
+    return Service()->Initialize({{"plugin_context"_s, QVariant::fromValue(Context())}});
+}
+
+bool Client::Open()
+{
+    Start();
+    QVariant state;
+    return Initialize() == 0 && Service()->Show(state, {}) == 0 && Form() && Form()->isVisible();
+}
+
+void Client::Stop()
+{
+    m_plugin->stop();
+}
+
+VTBaseInterface* Client::Service() const
+{
+    const ctkServiceReference reference = Context()->getServiceReference("VTBaseInterface"_s);
+    return reference ? qobject_cast<VTBaseInterface*>(Context()->getService(reference)) : nullptr;
+}
+
+ctkPluginContext* Client::Context() const
+{
+    return m_framework->getPluginContext();
+}
+
+QWidget* Client::Window() const
+{
+    const QWidgetList widgets = QApplication::topLevelWidgets();
+    for (QWidget* widget : widgets) {
+        if (qstrcmp(widget->metaObject()->className(), "VTQsClientPrivate") == 0)
+            return widget;
+    }
+    return nullptr;
+}
+
+QAction* Client::Entry(const char* text) const
+{
+    const auto actions = Window()->findChildren<QAction*>();
+    const auto isIt = [text](const QAction* action) { return action->text() == QLatin1String(text); };
+    const auto found = std::find_if(actions.begin(), actions.end(), isIt);
+    return found == actions.end() ? nullptr : *found;
+}
+
+QList<QTimer*> Client::RunningTimers(int interval) const
+{
+    QList<QTimer*> running;
+    const auto timers = Window()->findChildren<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
+    for (QTimer* timer : timers) {
+        if (timer->isActive() && timer->interval() == interval)
+            running.append(timer);
+    }
+    return running;
+}
+
+bool Client::Tick(int interval) const
+{
+    const QList<QTimer*> timers = RunningTimers(interval);
+    return timers.size() == 1 && QMetaObject::invokeMethod(timers.first(), "timeout", Qt::DirectConnection);
+}
+
+QString Numbered(const QString& prefix, int number)
+{
+    return QString(prefix + "%1"_s.arg(number, 2, 10, QLatin1Char('0')));
+}
+
+QVariantMap MakeJob(int number, int status, int progress)
+{
+    return {{"job_increasement"_s, QString::number(number)}, {"job_id"_s, "id-%1"_s.arg(number)},
+        {"job_type"_s, "type-%1"_s.arg(number)}, {"job_name"_s, "name-%1"_s.arg(number)},
+        {"job_submit_time"_s, "time-%1"_s.arg(number)}, {"job_progress"_s, progress},
+        {"job_status"_s, status}, {"job_cost"_s, "%1.5"_s.arg(number)}, {"job_cost_unit"_s, "RMB"_s}};
+}
+
+QVariantList MakeJobs(int count)
+{
+    QVariantList jobs;
+    for (int number = 1; number <= count; ++number)
+        jobs.append(MakeJob(number));
+    return jobs;
+}

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "stand_ins.h"
+#include "ui_loader_stand_in.h"
+
+#include <QPushButton>
+#include <QSharedPointer>
+#include <QTableWidget>
+#include <QTabWidget>
+
+class ctkPlugin;
+class ctkPluginContext;
+class ctkPluginFramework;
+class QAction;
+class QTimer;
+
+/// The whole client: the built plugin file, started in a framework of its own among stand-in siblings.
+class Client
+{
+public:
+    Client();
+    ~Client();
+
+    /// Starts the framework, registers the siblings that are not left out, installs and starts the plugin.
+    void Start();
+    void Register(const QString& interface);
+
+    /// Tells the service to initialise with the framework's context. @return its status.
+    int Initialize();
+
+    /// Starts, initialises and shows. @return whether the main form is on the screen.
+    bool Open();
+
+    void SignIn(const QString& userName = "ann"_s) { communication.DeliverSignIn(userName); }
+
+    /// Stops the plugin; Start() brings it back.
+    void Stop();
+
+    VTBaseInterface* Service() const;
+    ctkPluginContext* Context() const;
+
+    /// The client's window object; null when there is none.
+    QWidget* Window() const;
+    QWidget* Form() const { return uiLoader.Form("com.vtr.qsclient"_s); }
+
+    template <class Widget>
+    Widget* Find(const QString& name) const
+    {
+        return Form()->findChild<Widget*>(name);
+    }
+    QPushButton* Button(const QString& name) const { return Find<QPushButton>(name); }
+    QTableWidget* Table(const QString& name) const { return Find<QTableWidget>(name); }
+    bool Shows(const QString& widget) const { return Find<QWidget>(widget)->isVisibleTo(Form()); }
+    QTabWidget* Tabs() const { return Find<QTabWidget>("tbwContainer"_s); }
+
+    /// A menu entry of the window by its text.
+    QAction* Entry(const char* text) const;
+
+    /// Runs a slot of the window by name. @return whether it has one for these arguments.
+    template <class... Arguments>
+    bool Call(const char* slot, const Arguments&... arguments) const
+    {
+        return QMetaObject::invokeMethod(Window(), slot, Qt::DirectConnection,
+            QGenericArgument(QMetaType::typeName(qMetaTypeId<Arguments>()), &arguments)...);
+    }
+
+    /// The window's running timers with an interval in milliseconds.
+    QList<QTimer*> RunningTimers(int interval) const;
+
+    /// Lets the one running timer with an interval time out now. @return whether there is exactly one.
+    bool Tick(int interval) const;
+
+    Journal journal;
+    SettingsStandIn settings {journal};
+    LoggerStandIn logger;
+    UiLoaderStandIn uiLoader {journal};
+    MessageBoxStandIn messageBox {journal};
+    CommunicationStandIn communication {journal};
+    RenderCoreStandIn renderCore {journal};
+    ConfigurationStandIn configuration {journal};
+    PreviewerStandIn previewer {journal};
+    ApplicationStandIn application {journal};
+
+    /// Interface names that Start() does not register.
+    QStringList leftOut;
+
+private:
+    QList<QPair<QString, QObject*>> Siblings();
+
+    /// A server name of this process alone, because the client keeps files by it.
+    QString m_server;
+    QSharedPointer<ctkPluginFramework> m_framework;
+    QSharedPointer<ctkPlugin> m_plugin;
+};
+
+/// A name with two digits, so that names sort by number.
+QString Numbered(const QString& prefix, int number);
+
+/// A job as the farm describes it, named after its number.
+QVariantMap MakeJob(int number, int status = 1, int progress = 10);
+QVariantList MakeJobs(int count);

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "stand_in.h"
+
+/// Keeps what Qt's message handler is given while this lives, as "critical|text|file|line". One at a time.
+class MessageCapture
+{
+public:
+    MessageCapture() { qInstallMessageHandler(Keep); }
+    ~MessageCapture()
+    {
+        qInstallMessageHandler(nullptr);
+        Take();
+    }
+
+    static QStringList Take() { return std::exchange(m_lines, {}); }
+
+private:
+    static void Keep(QtMsgType type, const QMessageLogContext& context, const QString& text)
+    {
+        const QString level = type == QtCriticalMsg ? "critical"_s
+            : type == QtDebugMsg                    ? "debug"_s
+                                                    : "other"_s;
+        m_lines.append("%1|%2|%3|%4"_s.arg(level, text, QString::fromUtf8(context.file)).arg(context.line));
+    }
+
+    static inline QStringList m_lines;
+};

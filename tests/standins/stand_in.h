@@ -1,0 +1,80 @@
+#pragma once
+
+#include "vtr_baseinterface.h"
+
+#include <QObject>
+#include <QStringList>
+#include <QVariant>
+
+#include <stdexcept>
+#include <utility>
+
+inline QString operator""_s(const char* text, std::size_t length)
+{
+    return QString::fromUtf8(text, int(length));
+}
+
+/// What the stand-ins were told, across all of them and in order.
+class Journal
+{
+public:
+    void Write(const QString& entry) { m_entries.append(entry); }
+    QStringList Take() { return std::exchange(m_entries, {}); }
+
+private:
+    QStringList m_entries;
+};
+
+enum class Failure { None, Initialize, Show, Exception };
+
+/// The life cycle of a stand-in sibling: succeeds unless told otherwise and keeps what was called.
+template <class Interface>
+class StandIn : public Interface
+{
+public:
+    /// Status that Show hands out and that requests must bring back.
+    static constexpr int handedOut = 7;
+
+    explicit StandIn(Journal& shared)
+        : journal(shared)
+    {
+    }
+
+    /// How many connections a signal has; the text comes from SIGNAL().
+    using QObject::receivers;
+
+    int Initialize(const QVariantMap& parameters) override
+    {
+        if (failure == Failure::Exception)
+            throw std::runtime_error("stand-in");
+        calls.append(
+            parameters.contains("plugin_context"_s) ? "Initialize"_s : "Initialize without context"_s);
+        return failure == Failure::Initialize ? -1 : 0;
+    }
+    int Uninitialize() override { return Called("Uninitialize"_s); }
+    int Show(QVariant& result, const QVariantMap& /*parameters*/) override
+    {
+        result = handedOut;
+        Called("Show"_s);
+        return failure == Failure::Show ? -1 : 0;
+    }
+    int Hide(const QVariant& request) override { return Called("Hide %1"_s.arg(request.toInt())); }
+    int Activate(const QVariant& request, const QVariantMap& /*parameters*/) override
+    {
+        return Called("Activate %1"_s.arg(request.toInt()));
+    }
+    int Close(const QVariant& request) override { return Called("Close %1"_s.arg(request.toInt())); }
+
+    Failure failure = Failure::None;
+    QStringList calls;
+
+protected:
+    Journal& journal;
+
+private:
+    int Called(const QString& call)
+    {
+        calls.append(call);
+        return 0;
+    }
+};

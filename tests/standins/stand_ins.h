@@ -1,0 +1,277 @@
+#pragma once
+
+#include "stand_in.h"
+#include "vtr_baseappinterface.h"
+#include "vtr_communicationinterface.h"
+#include "vtr_configurationinterface.h"
+#include "vtr_loggerinterface.h"
+#include "vtr_messagboxinterface.h"
+#include "vtr_previewerinterface.h"
+#include "vtr_rendercoreinterface.h"
+#include "vtr_settingsinterface.h"
+
+#include <QEvent>
+#include <QIcon>
+#include <QVector>
+
+#include <functional>
+
+class SettingsStandIn : public StandIn<VTSettingsInterface>
+{
+    Q_OBJECT
+    Q_INTERFACES(VTSettingsInterface)
+
+public:
+    using StandIn::StandIn;
+
+    QVariant Value(const QString& key, const QVariant& defaultValue) override
+    {
+        defaults.insert(key, defaultValue);
+        return values.value(key, defaultValue);
+    }
+    void SetValue(const QString& key, const QVariant& value) override { values.insert(key, value); }
+
+    QVariantMap values;
+    QVariantMap defaults; ///< as last asked for with
+};
+
+class LoggerStandIn : public QObject, public VTLoggerInterface
+{
+    Q_OBJECT
+    Q_INTERFACES(VTLoggerInterface)
+
+public:
+    int Initialize(const QVariantMap& /*parameters*/) override
+    {
+        calls.append("Initialize"_s);
+        return failure == Failure::Initialize ? -1 : 0;
+    }
+    int Uninitialize() override
+    {
+        calls.append("Uninitialize"_s);
+        return 0;
+    }
+    int Show(QVariant& /*result*/, const QVariantMap& /*parameters*/) override
+    {
+        calls.append("Show"_s);
+        return -1;
+    }
+    int Hide(const QVariant& /*request*/) override { return 0; }
+    int Activate(const QVariant& /*request*/, const QVariantMap& /*parameters*/) override { return 0; }
+    int Close(const QVariant& /*request*/) override { return 0; }
+    void Write(
+        const QString& message, int level, const QString& category, const QString& source, int line) override
+    {
+        lines.append("%1|%2|%3|%4|%5"_s.arg(message).arg(level).arg(category, source).arg(line));
+    }
+
+    Failure failure = Failure::None;
+    QStringList calls;
+    QStringList lines;
+};
+
+class MessageBoxStandIn : public StandIn<VTMessagboxInterface>
+{
+    Q_OBJECT
+    Q_INTERFACES(VTMessagboxInterface)
+
+public:
+    using StandIn::StandIn;
+
+    QString ShowMessage(int kind, const QString& title, const QString& text, const QIcon& /*icon*/,
+        const QString& detail, const QVariantHash& buttons, bool flag) override
+    {
+        const QStringList captions {buttons.value(Refusal()).toString(), buttons.value(Consent()).toString()};
+        messages.append(
+            "%1|%2|%3|%4|%5|%6"_s.arg(kind).arg(title, text, detail, captions.join(","_s)).arg(flag));
+        journal.Write("ShowMessage"_s);
+        if (const auto action = std::exchange(whileOpen, nullptr))
+            action();
+        return answer;
+    }
+
+    static QString Refusal() { return "btnMessageBox_1"_s; }
+    static QString Consent() { return "btnMessageBox_2"_s; }
+
+    QStringList messages;            ///< each "kind|title|text|detail|captions|flag"
+    QString answer;                  ///< name of the button that every box is closed with
+    std::function<void()> whileOpen; ///< runs once, inside the next box
+};
+
+class CommunicationStandIn : public StandIn<VTCommunicationInterface>
+{
+    Q_OBJECT
+    Q_INTERFACES(VTCommunicationInterface)
+
+public:
+    struct Request
+    {
+        QString operation;
+        QVariant status;
+        QVariantHash map;
+    };
+
+    using StandIn::StandIn;
+
+    int SignOut(const QVariant& s, const QVariantHash& m) override { return Take("SignOut"_s, s, m); }
+    int GetUserInfo(const QVariant& s, const QVariantHash& m) override { return Take("GetUserInfo"_s, s, m); }
+    int StopJobs(const QVariant& s, const QVariantHash& m) override { return Take("StopJobs"_s, s, m); }
+    int DeleteJobs(const QVariant& s, const QVariantHash& m) override { return Take("DeleteJobs"_s, s, m); }
+    int RecoverJobs(const QVariant& s, const QVariantHash& m) override { return Take("RecoverJobs"_s, s, m); }
+    int RestartJobs(const QVariant& s, const QVariantHash& m) override { return Take("RestartJobs"_s, s, m); }
+    int FullRender(const QVariant& s, const QVariantHash& m) override { return Take("FullRender"_s, s, m); }
+    int GetJobList(const QVariant& s, const QVariantHash& m) override { return Take("GetJobList"_s, s, m); }
+    int GetJobInfo(const QVariant& s, const QVariantHash& m) override { return Take("GetJobInfo"_s, s, m); }
+    int GetProjectList(const QVariant& s, const QVariantHash& m) override
+    {
+        return Take("GetProjectList"_s, s, m);
+    }
+
+    void DeliverSignIn(const QString& userName, int result = 200)
+    {
+        emit SignInResponse(result,
+            {{"loginname"_s, QString("login-"_s + userName)}, {"username"_s, userName},
+                {"data"_s, QVariantMap {{"token"_s, QString("token-"_s + userName)}}}});
+    }
+    void DeliverJobs(const QVariantList& jobs, const QVariant& total, const QVariant& identifier = 0)
+    {
+        emit JobListResponse(200,
+            {{"identifier"_s, identifier}, {"data"_s, QVariantMap {{"list"_s, jobs}, {"total"_s, total}}}});
+    }
+    void DeliverUserInfo(const QVariantMap& userInfo, bool bound)
+    {
+        emit UserInfoResponse(
+            200, {{"data"_s, QVariantMap {{"userInfo"_s, userInfo}, {"isBindToVso"_s, bound}}}});
+    }
+
+    Request Last() const { return requests.isEmpty() ? Request() : requests.last(); }
+
+    QVector<Request> requests;
+    std::function<void()> onRequest; ///< runs inside the next request
+
+private:
+    int Take(const QString& operation, const QVariant& status, const QVariantHash& map)
+    {
+        requests.append({operation, status, map});
+        journal.Write(operation);
+        if (const auto action = std::exchange(onRequest, nullptr))
+            action();
+        return 0;
+    }
+};
+
+class RenderCoreStandIn : public StandIn<VTRenderCoreInterface>
+{
+    Q_OBJECT
+    Q_INTERFACES(VTRenderCoreInterface)
+
+public:
+    struct Task
+    {
+        QString sceneFile {};
+        QString startTime {};
+        QString message {};
+        QString uploadText {};
+        int stage = 0;
+        int progress = 0;
+        int error = 0;
+        QVariantList arguments {};
+    };
+
+    using StandIn::StandIn;
+
+    void RemoveSubmitTasks(const QStringList& ids, bool byUser) override
+    {
+        Write(byUser ? "RemoveSubmitTasks by user"_s : "RemoveSubmitTasks"_s, ids);
+        for (const QString& id : ids)
+            tasks.remove(id);
+    }
+    void RemoveDownloadTasks(const QStringList& ids) override
+    {
+        Write("RemoveDownloadTasks"_s, ids);
+        for (const QString& id : ids)
+            downloads.remove(id);
+    }
+    void StopDownloadTasks(const QStringList& ids) override { Write("StopDownloadTasks"_s, ids); }
+    void ResumeDownloadTasks(const QStringList& ids) override { Write("ResumeDownloadTasks"_s, ids); }
+    void StopSubmitTasks() override { journal.Write("StopSubmitTasks"_s); }
+    void ResumeSubmitTasks() override { journal.Write("ResumeSubmitTasks"_s); }
+    QVariantMap* GetDownloadTasks() override { return &downloads; }
+    QString GetTaskSceneFile(const QString& id) override { return tasks.value(id).sceneFile; }
+    QString GetTaskStartTime(const QString& id) override { return tasks.value(id).startTime; }
+    QString GetTaskMessage(const QString& id) override { return tasks.value(id).message; }
+    int GetTaskStage(const QString& id) override { return tasks.value(id).stage; }
+    int GetTaskProgress(const QString& id) override { return tasks.value(id).progress; }
+    QString GetTaskUploadText(const QString& id) override { return tasks.value(id).uploadText; }
+    int GetTaskErrorCode(const QString& id) override { return tasks.value(id).error; }
+    QStringList GetSubmitTaskIds() override { return tasks.keys(); }
+    int GetSubmitTaskCount() override { return tasks.size(); }
+    QVariantList GetTaskArguments(const QString& id) override
+    {
+        ++argumentReads;
+        return tasks.value(id).arguments;
+    }
+    void UploadRetryAnswer(const QString& id, bool retry) override
+    {
+        Write(retry ? "UploadRetryAnswer yes"_s : "UploadRetryAnswer no"_s, {id});
+    }
+    void LackTextureAnswer(const QString& id, bool goOn) override
+    {
+        Write(goOn ? "LackTextureAnswer yes"_s : "LackTextureAnswer no"_s, {id});
+    }
+    void ContinueSubmit(const QString& id) override { Write("ContinueSubmit"_s, {id}); }
+    int SubmitScene(const QString& /*file*/) override { return 0; }
+    void RedownloadTasks(const QStringList& ids) override { Write("RedownloadTasks"_s, ids); }
+
+    void SetArgument(QString id, QVariantList /*arguments*/) override { Write("SetArgument"_s, {id}); }
+    void TriggerJobIdType(QVariantMap jobs) override { orders.append(jobs); }
+
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        seenEvents.append(event->type());
+        return QObject::eventFilter(object, event);
+    }
+
+    QMap<QString, Task> tasks;
+    QVariantMap downloads;
+    QVector<QVariantMap> orders;
+    QVector<QEvent::Type> seenEvents;
+    int argumentReads = 0;
+
+private:
+    void Write(const QString& what, const QStringList& ids)
+    {
+        journal.Write(QString(what + " "_s + ids.join(","_s)));
+    }
+};
+
+class ConfigurationStandIn : public StandIn<VTConfigurationInterface>
+{
+    Q_OBJECT
+    Q_INTERFACES(VTConfigurationInterface)
+
+public:
+    using StandIn::StandIn;
+
+    QString GetVersion() override { return "4.5.6"_s; }
+    void ShowConf() override { journal.Write("ShowConf"_s); }
+    void Finish(QString file) override { journal.Write(QString("Finish "_s + file)); }
+};
+
+class PreviewerStandIn : public StandIn<VTPreviewerInterface>
+{
+    Q_OBJECT
+    Q_INTERFACES(VTPreviewerInterface)
+
+public:
+    using StandIn::StandIn;
+};
+
+class ApplicationStandIn : public StandIn<VTBaseAppInterface>
+{
+    Q_OBJECT
+    Q_INTERFACES(VTBaseAppInterface)
+
+public:
+    using StandIn::StandIn;
+};
