@@ -4,6 +4,8 @@
 #include "vtr_filename.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
 #include <QSet>
 #include <QVariantMap>
 
@@ -109,7 +111,7 @@ QStringList VTListFile::Keys() const
     QStringList lstKey;
     if (!IsOpen())
         return lstKey;
-    m_pSettings->sync();
+    Sync();
     const QString strPrefix = FullKey(QString());
     const QStringList lstAll = m_pSettings->allKeys();
     if (m_pSettings->status() == QSettings::FormatError)
@@ -140,9 +142,19 @@ QString VTListFile::FullKey(const QString& strKey) const
     return QString(m_strGroup + Slash + strKey);
 }
 
+void VTListFile::Sync() const
+{
+    // Who is killed while taking the lock leaves it without a number in it, and QSettings would wait half a minute for
+    // such an owner. A lock that somebody holds is not removed.
+    const QFileInfo lock(m_strPath + QLatin1String(".lock"));
+    if (lock.exists() && lock.size() == 0)
+        QLockFile(lock.filePath()).removeStaleLockFile();
+    m_pSettings->sync();
+}
+
 bool VTListFile::Save() const
 {
-    m_pSettings->sync();
+    Sync();
     // The status of an object keeps its first error; another object on the same file tells how it is now.
     return QSettings(m_strPath, QSettings::IniFormat).status() == QSettings::NoError
         && VTSyncToDisk(m_strPath);

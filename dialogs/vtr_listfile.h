@@ -46,6 +46,7 @@ private:
     QStringList Keys() const;
     QStringList KeysOf(const QString& strName) const;
     QString FullKey(const QString& strKey) const;
+    void Sync() const;
     bool Save() const;
 
     QString m_strPath;

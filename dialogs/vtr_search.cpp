@@ -66,9 +66,9 @@ void VTSearch::InitWidgets()
 {
     FindWidgets();
     // The style sheet reaches the drop-down items only through this delegate.
-    auto* pDelegate = new QStyledItemDelegate(this);
+    m_pItemDelegate = new QStyledItemDelegate(this);
     for (QComboBox* pCombo : {m_pCmbJobType, m_pCmbJobStatus, m_pCmbProjectName, m_pCmbBusinessType})
-        pCombo->setItemDelegate(pDelegate);
+        pCombo->setItemDelegate(m_pItemDelegate);
 
     connect(m_pBtnReset, &QPushButton::clicked, this, &VTSearch::ClickReset);
     connect(m_pBtnSearchJob, &QPushButton::clicked, this, &VTSearch::ClickSearch);

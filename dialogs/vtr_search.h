@@ -14,6 +14,7 @@ class QDateTimeEdit;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class QStyledItemDelegate;
 
 /// Controller of the job search form: offers the filters and turns what was filled in into conditions of the job list.
 class VTSearch : public QObject
@@ -75,6 +76,7 @@ private:
     QPushButton* m_pBtnClose = nullptr;
     QPushButton* m_pBtnSearchJob = nullptr;
     QPushButton* m_pBtnReset = nullptr;
+    QStyledItemDelegate* m_pItemDelegate = nullptr;
     QVariantList m_lstProject;
     QMap<int, QString> m_mapStatus;
 };

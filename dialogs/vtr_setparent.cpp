@@ -89,8 +89,11 @@ void VTSetParent::SetJobParent()
     if (lstSon.isEmpty())
         return;
     m_form.Form()->setProperty(SonsProperty, lstSon);
+    const QPointer<VTSetParent> pSelf(this);
     emit getJobList(FirstPage, QString(), ListForParents);
-    m_form.Exec();
+    // An answer that came at once has run events already.
+    if (pSelf)
+        m_form.Exec();
 }
 
 /// The checked jobs; none when one of them is in a state in which it cannot wait.

@@ -1,84 +1,15 @@
 #pragma once
 
+#include "stand_ins.h"
 #include "vtr_siblings.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QMap>
-#include <QStringList>
+#include <QTimer>
 #include <QUuid>
 #include <QWidget>
-
-/// The operations of a service that the dialogs never use.
-#define UNUSED_BASE_OPERATIONS                                                                               \
-    int Initialize(const QVariantMap&) override                                                              \
-    {                                                                                                        \
-        return 0;                                                                                            \
-    }                                                                                                        \
-    int Uninitialize() override                                                                              \
-    {                                                                                                        \
-        return 0;                                                                                            \
-    }                                                                                                        \
-    int Show(QVariant&, const QVariantMap&) override                                                         \
-    {                                                                                                        \
-        return 0;                                                                                            \
-    }                                                                                                        \
-    int Hide(const QVariant&) override                                                                       \
-    {                                                                                                        \
-        return 0;                                                                                            \
-    }                                                                                                        \
-    int Activate(const QVariant&, const QVariantMap&) override                                               \
-    {                                                                                                        \
-        return 0;                                                                                            \
-    }                                                                                                        \
-    int Close(const QVariant&) override                                                                      \
-    {                                                                                                        \
-        return 0;                                                                                            \
-    }
-
-class MessageBoxStandIn : public VTMessagboxInterface
-{
-public:
-    UNUSED_BASE_OPERATIONS
-
-    QString ShowMessage(int, const QString&, const QString&, const QIcon&, const QString& detail,
-        const QVariantHash&, bool) override
-    {
-        shown << detail;
-        return QString();
-    }
-
-    QStringList shown;
-};
-
-class SettingsStandIn : public VTSettingsInterface
-{
-public:
-    UNUSED_BASE_OPERATIONS
-
-    QVariant Value(const QString& key, const QVariant& fallback) override
-    {
-        return values.value(key, fallback);
-    }
-    void SetValue(const QString& key, const QVariant& value) override { values[key] = value; }
-
-    QMap<QString, QVariant> values;
-};
-
-class LoggerStandIn final : public VTLoggerInterface
-{
-public:
-    UNUSED_BASE_OPERATIONS
-
-    void Write(const QString& message, int level, const QString&, const QString&, int) override
-    {
-        lines << QStringLiteral("%1 %2").arg(level).arg(message);
-    }
-
-    QStringList lines;
-};
 
 /// Puts a widget into a form, under the name by which a controller finds it.
 template <typename Widget>
@@ -89,6 +20,16 @@ Widget* AddTo(QWidget* form, const QString& name)
     return widget;
 }
 
+/// Does something when the event loop runs next, for example that of a modal dialog.
+template <typename Function>
+void Soon(QObject* context, Function function)
+{
+    auto* timer = new QTimer(context);
+    timer->setSingleShot(true);
+    QObject::connect(timer, &QTimer::timeout, context, function);
+    timer->start(0);
+}
+
 /// The services that the dialogs use.
 struct ServicesFixture
 {
@@ -96,11 +37,12 @@ struct ServicesFixture
     {
         siblings.pMessageBox = &messageBox;
         siblings.pSettings = &settings;
-        siblings.pLogger = &logger;
+        siblings.pLoggerObject = &logger;
     }
 
-    MessageBoxStandIn messageBox;
-    SettingsStandIn settings;
+    Journal journal;
+    MessageBoxStandIn messageBox {journal};
+    SettingsStandIn settings {journal};
     LoggerStandIn logger;
     VTSiblings siblings;
 };
@@ -138,7 +80,7 @@ public:
     /// Puts a folder in the file's place, which no write can replace.
     void Block() const { QDir().mkpath(Path()); }
 
-    static inline const QString Server = QStringLiteral("farm");
+    static inline const QString Server = "farm"_s;
     const QString user = QUuid::createUuid().toString(QUuid::WithoutBraces);
 
 private:

@@ -17,7 +17,7 @@
 
 namespace {
 
-const QString GroupFolder = QStringLiteral("Data");
+const QString GroupFolder = "Data"_s;
 
 } // namespace
 
@@ -32,27 +32,27 @@ private slots:
         m_account = std::make_unique<AccountFixture>(GroupFolder);
         m_mainForm = std::make_unique<QWidget>();
         m_mainForm->resize(800, 600);
-        m_panel = AddTo<QWidget>(m_mainForm.get(), QStringLiteral("wgtGroup"));
+        m_panel = AddTo<QWidget>(m_mainForm.get(), "wgtGroup"_s);
         m_panel->move(0, 100);
-        AddTo<QLabel>(m_mainForm.get(), QStringLiteral("lblProject"));
-        m_project = AddTo<QLabel>(m_mainForm.get(), QStringLiteral("lblProjectV"));
+        AddTo<QLabel>(m_mainForm.get(), "lblProject"_s);
+        m_project = AddTo<QLabel>(m_mainForm.get(), "lblProjectV"_s);
         m_input = std::make_unique<QDialog>();
         for (const char* name : {"btnClose", "btnOk", "btnCancel"})
             AddTo<QPushButton>(m_input.get(), QLatin1String(name));
         for (const char* name : {"lblTip", "lblTitle"})
             AddTo<QLabel>(m_input.get(), QLatin1String(name));
-        m_name = AddTo<QLineEdit>(m_input.get(), QStringLiteral("lneInput"));
+        m_name = AddTo<QLineEdit>(m_input.get(), "lneInput"_s);
 
         m_group = std::make_unique<VTGroup>(m_mainForm.get(), m_panel, m_input.get());
         m_group->SetServices(m_services->siblings);
         m_group->InitWidgets();
-        m_group->ChangeSkin(QStringLiteral("default"));
+        m_group->ChangeSkin("default"_s);
         m_group->ChangeLanguage();
         m_toolBox = m_panel->findChild<QToolBox*>();
         const auto lists = m_toolBox->findChildren<QListWidget*>();
         m_status = lists.at(0);
         m_groups = lists.at(1);
-        m_condition = QStringLiteral("none yet");
+        m_condition = "none yet"_s;
         connect(m_group.get(), &VTGroup::condition, this,
             [this](const QString& condition) { m_condition = condition; });
     }
@@ -62,9 +62,11 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("condition");
 
-        QTest::newRow("running") << QStringLiteral("Running") << QStringLiteral("{\"status\":1}");
-        QTest::newRow("finished") << QStringLiteral("Finished") << QStringLiteral("{\"status\":4}");
-        QTest::newRow("all") << QStringLiteral("All") << QString();
+        QTest::newRow("running") << "Running"_s
+                                 << "{\"status\":1}"_s;
+        QTest::newRow("finished") << "Finished"_s
+                                  << "{\"status\":4}"_s;
+        QTest::newRow("all") << "All"_s << QString();
     }
 
     void StatusFilters()
@@ -77,72 +79,70 @@ private slots:
     void SignInListsTheGroups()
     {
         m_account->Write("[jobgroup]\nbeta=g1, g2\nalpha=\n");
-        m_services->settings.values[CurrentKey()] = QStringLiteral("beta");
+        m_services->settings.values[CurrentKey()] = "beta"_s;
         SignIn();
-        QCOMPARE(Listed(), QStringList({QStringLiteral("alpha"), QStringLiteral("beta")}));
-        QCOMPARE(m_project->text(), QStringLiteral("beta"));
-        QCOMPARE(Json(m_group->CurrentProjectCondition()), Json(QStringLiteral("{\"job_guid\":\"g1,g2\"}")));
+        QCOMPARE(Listed(), QStringList({"alpha"_s, "beta"_s}));
+        QCOMPARE(m_project->text(), "beta"_s);
+        QCOMPARE(Json(m_group->CurrentProjectCondition()), Json("{\"job_guid\":\"g1,g2\"}"_s));
         QCOMPARE(m_group->CurrentPage(), 0);
-        QCOMPARE(m_condition, QStringLiteral("none yet"));
+        QCOMPARE(m_condition, "none yet"_s);
     }
 
     void ProjectThatHasGoneGivesWayToTheFirst()
     {
         m_account->Write("[jobgroup]\nbeta=g1\nalpha=g2\n");
-        m_services->settings.values[CurrentKey()] = QStringLiteral("Beta");
+        m_services->settings.values[CurrentKey()] = "Beta"_s;
         SignIn();
-        QCOMPARE(m_project->text(), QStringLiteral("alpha"));
-        QCOMPARE(m_services->settings.values[CurrentKey()].toString(), QStringLiteral("alpha"));
-        Delete(QStringLiteral("alpha"));
-        QCOMPARE(m_project->text(), QStringLiteral("beta"));
-        Delete(QStringLiteral("beta"));
+        QCOMPARE(m_project->text(), "alpha"_s);
+        QCOMPARE(m_services->settings.values[CurrentKey()].toString(), "alpha"_s);
+        Delete("alpha"_s);
+        QCOMPARE(m_project->text(), "beta"_s);
+        Delete("beta"_s);
         QCOMPARE(m_project->text(), QString());
-        QCOMPARE(
-            Json(m_group->CurrentProjectCondition()), Json(QStringLiteral("{\"job_guid\":\"abcdefg\"}")));
+        QCOMPARE(Json(m_group->CurrentProjectCondition()), Json("{\"job_guid\":\"abcdefg\"}"_s));
     }
 
     void ChosenGroupIsReadAnew()
     {
         SignIn();
-        Add(QStringLiteral("film"));
-        Choose(QStringLiteral("film"));
-        QCOMPARE(Json(m_condition), Json(QStringLiteral("{\"job_guid\":\"abcdefg\"}")));
+        Add("film"_s);
+        Choose("film"_s);
+        QCOMPARE(Json(m_condition), Json("{\"job_guid\":\"abcdefg\"}"_s));
         {
             QSettings settings(m_account->Path(), QSettings::IniFormat);
-            settings.setValue(
-                QStringLiteral("jobgroup/film"), QStringList {QStringLiteral("g2"), QStringLiteral("g1")});
+            settings.setValue("jobgroup/film"_s, QStringList {"g2"_s, "g1"_s});
         }
-        Choose(QStringLiteral("film"));
-        QCOMPARE(Json(m_condition), Json(QStringLiteral("{\"job_guid\":\"g2,g1\"}")));
-        QCOMPARE(m_project->text(), QStringLiteral("film"));
-        QCOMPARE(m_services->settings.values[CurrentKey()].toString(), QStringLiteral("film"));
+        Choose("film"_s);
+        QCOMPARE(Json(m_condition), Json("{\"job_guid\":\"g2,g1\"}"_s));
+        QCOMPARE(m_project->text(), "film"_s);
+        QCOMPARE(m_services->settings.values[CurrentKey()].toString(), "film"_s);
     }
 
     void NewGroupsStandOnTopUntilTheNextRefill()
     {
         SignIn();
-        Add(QStringLiteral("A"));
-        Add(QStringLiteral(" B "));
-        Add(QStringLiteral("A"));
-        Add(QStringLiteral("  "));
-        QCOMPARE(Listed(), QStringList({QStringLiteral("B"), QStringLiteral("A")}));
+        Add("A"_s);
+        Add(" B "_s);
+        Add("A"_s);
+        Add("  "_s);
+        QCOMPARE(Listed(), QStringList({"B"_s, "A"_s}));
         m_group->UpdateGroup();
-        QCOMPARE(Listed(), QStringList({QStringLiteral("A"), QStringLiteral("B")}));
+        QCOMPARE(Listed(), QStringList({"A"_s, "B"_s}));
     }
 
     void NamesWithSlashesAreOneGroup()
     {
         SignIn();
-        const QStringList names {QStringLiteral("/a"), QStringLiteral("a/b"), QStringLiteral("a\\b")};
+        const QStringList names {"/a"_s, "a/b"_s, "a\\b"_s};
         for (const QString& name : names)
             Add(name);
-        Add(QStringLiteral("a"));
-        Delete(QStringLiteral("a"));
+        Add("a"_s);
+        Delete("a"_s);
         QStringList listed = Listed();
         listed.sort();
         QCOMPARE(listed, names);
-        Choose(QStringLiteral("/a"));
-        QCOMPARE(m_project->text(), QStringLiteral("/a"));
+        Choose("/a"_s);
+        QCOMPARE(m_project->text(), "/a"_s);
         for (const QString& name : names)
             Delete(name);
         QCOMPARE(Listed(), QStringList());
@@ -152,21 +152,20 @@ private slots:
     {
         m_account->Block();
         SignIn();
-        Add(QStringLiteral("film"));
-        QCOMPARE(m_services->messageBox.shown.size(), 1);
+        Add("film"_s);
+        QCOMPARE(m_services->messageBox.messages.size(), 1);
         QCOMPARE(m_services->logger.lines.size(), 1);
         QVERIFY(!m_input->isVisible());
     }
 
     void BeforeSignInNothingHappens()
     {
-        Add(QStringLiteral("film"));
+        Add("film"_s);
         m_group->DeleteGroup();
         m_group->UpdateGroup();
         QCOMPARE(m_groups->count(), 0);
         QVERIFY(m_services->settings.values.isEmpty());
-        QCOMPARE(
-            Json(m_group->CurrentProjectCondition()), Json(QStringLiteral("{\"job_guid\":\"abcdefg\"}")));
+        QCOMPARE(Json(m_group->CurrentProjectCondition()), Json("{\"job_guid\":\"abcdefg\"}"_s));
     }
 
     void PanelFollowsTheWindow()
@@ -184,8 +183,8 @@ private slots:
     void MenuBelongsToTheGroupList()
     {
         auto* menu = m_mainForm->findChild<QMenu*>();
-        QCOMPARE(menu->actions().value(0)->text(), QStringLiteral("Add"));
-        QCOMPARE(menu->actions().value(1)->text(), QStringLiteral("Delete"));
+        QCOMPARE(menu->actions().value(0)->text(), "Add"_s);
+        QCOMPARE(menu->actions().value(1)->text(), "Delete"_s);
         emit m_toolBox->customContextMenuRequested(QPoint());
         QVERIFY(!menu->isVisible());
         emit m_groups->customContextMenuRequested(QPoint());
@@ -205,7 +204,7 @@ private slots:
         m_group->WindowSizeChanged();
         m_group->UpdateGroup();
         m_group->DeleteGroup();
-        m_group->ChangeSkin(QStringLiteral("other"));
+        m_group->ChangeSkin("other"_s);
         m_group->ChangeLanguage();
         QCOMPARE(m_group->CurrentPage(), 0);
         SignIn();
@@ -226,22 +225,16 @@ private:
         return QJsonDocument::fromJson(text.toUtf8()).toJson(QJsonDocument::Compact);
     }
 
-    QString CurrentKey() const
-    {
-        return QStringLiteral("vtr.account.%1/currentproject").arg(m_account->user);
-    }
+    QString CurrentKey() const { return "vtr.account.%1/currentproject"_s.arg(m_account->user); }
 
-    void SignIn()
-    {
-        m_group->Login(AccountFixture::Server, m_account->user, QStringLiteral("t"), QStringLiteral("id"));
-    }
+    void SignIn() { m_group->Login(AccountFixture::Server, m_account->user, "t"_s, "id"_s); }
 
     /// Types a name into the input dialog and confirms it.
     void Add(const QString& name)
     {
-        QTimer::singleShot(0, m_input.get(), [this, name] {
+        Soon(m_input.get(), [this, name] {
             m_name->setText(name);
-            m_input->findChild<QPushButton*>(QStringLiteral("btnOk"))->click();
+            m_input->findChild<QPushButton*>("btnOk"_s)->click();
         });
         m_group->AddGroup();
     }

@@ -140,6 +140,16 @@ private slots:
         QVERIFY(file.Value(QStringLiteral("name")).isEmpty());
     }
 
+    void OrphanedLockHoldsNobodyUp()
+    {
+        const VTListFile file(m_path, Group);
+        QVERIFY(QFile(m_path + QLatin1String(".lock")).open(QIODevice::WriteOnly));
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(file.Set(QStringLiteral("name"), QString()));
+        QVERIFY(timer.elapsed() < 10000);
+    }
+
     void KillLosesNothingThatWasAcknowledged()
     {
         for (int round = 0; round < 6; ++round) {

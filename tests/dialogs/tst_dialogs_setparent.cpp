@@ -12,33 +12,30 @@
 
 namespace {
 
-const QString DependencyFolder = QStringLiteral("data");
+const QString DependencyFolder = "data"_s;
 
 enum Column { Sequence, Name, StartTime, Progress, Status, Cost, Count };
 
 QVariantMap Job(const QString& id)
 {
-    return {{QStringLiteral("job_id"), id}, {QStringLiteral("job_type"), QStringLiteral("maya")},
-        {QStringLiteral("job_increasement"), QStringLiteral("7")},
-        {QStringLiteral("job_name"), QStringLiteral("<b>shot</b>")},
-        {QStringLiteral("job_submit_time"), QStringLiteral("today")}, {QStringLiteral("job_progress"), 50},
-        {QStringLiteral("job_status"), 2}, {QStringLiteral("job_cost"), 12.5},
-        {QStringLiteral("job_cost_unit"), QStringLiteral("RMB")}};
+    return {{"job_id"_s, id}, {"job_type"_s, "maya"_s}, {"job_increasement"_s, "7"_s},
+        {"job_name"_s, "<b>shot</b>"_s}, {"job_submit_time"_s, "today"_s}, {"job_progress"_s, 50},
+        {"job_status"_s, 2}, {"job_cost"_s, 12.5}, {"job_cost_unit"_s, "RMB"_s}};
 }
 
 QVariantList Jobs(int count)
 {
     QVariantList jobs;
     for (int i = 0; i < count; ++i)
-        jobs << Job(QStringLiteral("c%1").arg(i));
+        jobs << Job("c%1"_s.arg(i));
     return jobs;
 }
 
 QVariantMap InfoAnswer(const QString& id, int status)
 {
-    const QVariantMap job {{QStringLiteral("jobStatus"), status}};
-    const QVariantMap data {{QStringLiteral("jobDatas"), job}};
-    return {{QStringLiteral("jobId"), id}, {QStringLiteral("identifier"), 1}, {QStringLiteral("data"), data}};
+    const QVariantMap job {{"jobStatus"_s, status}};
+    const QVariantMap data {{"jobDatas"_s, job}};
+    return {{"jobId"_s, id}, {"identifier"_s, 1}, {"data"_s, data}};
 }
 
 VTParameters Parameters(const QList<QVariant>& arguments)
@@ -50,8 +47,8 @@ QStringList JobIds(const QList<QVariant>& arguments)
 {
     const VTParameters parameters = Parameters(arguments);
     QStringList ids;
-    for (int i = 0; parameters.contains(QStringLiteral("id[%1]").arg(i)); ++i)
-        ids << parameters.value(QStringLiteral("id[%1]").arg(i)).toString();
+    for (int i = 0; parameters.contains("id[%1]"_s.arg(i)); ++i)
+        ids << parameters.value("id[%1]"_s.arg(i)).toString();
     return ids;
 }
 
@@ -70,9 +67,9 @@ private slots:
         m_account = std::make_unique<AccountFixture>(DependencyFolder);
         m_jobTable = std::make_unique<QTableWidget>(0, Count);
         m_form = std::make_unique<QDialog>();
-        m_candidates = AddTo<QTableWidget>(m_form.get(), QStringLiteral("twtJobList"));
-        AddTo<QPushButton>(m_form.get(), QStringLiteral("btnCloseSetParent"));
-        m_ok = AddTo<QPushButton>(m_form.get(), QStringLiteral("btnOkSetParent"));
+        m_candidates = AddTo<QTableWidget>(m_form.get(), "twtJobList"_s);
+        AddTo<QPushButton>(m_form.get(), "btnCloseSetParent"_s);
+        m_ok = AddTo<QPushButton>(m_form.get(), "btnOkSetParent"_s);
         MakeDialog();
     }
 
@@ -89,9 +86,9 @@ private slots:
     void OpensOnlyForWaitingAndRunningJobs()
     {
         QFETCH(QList<int>, checkedStates);
-        AddJob(QStringLiteral("unchecked"), 4, false);
+        AddJob("unchecked"_s, 4, false);
         for (int i = 0; i < checkedStates.size(); ++i)
-            AddJob(QStringLiteral("s%1").arg(i), checkedStates.at(i), true);
+            AddJob("s%1"_s.arg(i), checkedStates.at(i), true);
         const QSignalSpy spy(m_dialog.get(), &VTSetParent::getJobList);
         bool opened = false;
         Open([&] { opened = m_form->isVisible(); });
@@ -103,31 +100,31 @@ private slots:
 
     void CandidateRows()
     {
-        m_dialog->ShowParenList({Job(QStringLiteral("p1")), QVariant(), QStringLiteral("rubbish")});
+        m_dialog->ShowParenList({Job("p1"_s), QVariant(), "rubbish"_s});
         QCOMPARE(m_candidates->rowCount(), 3);
         QCOMPARE(m_candidates->columnCount(), int(Count));
         const auto Item = [this](int column) { return m_candidates->item(0, column); };
-        QCOMPARE(Item(Sequence)->data(Qt::UserRole).toString(), QStringLiteral("p1"));
+        QCOMPARE(Item(Sequence)->data(Qt::UserRole).toString(), "p1"_s);
         QCOMPARE(Item(Sequence)->checkState(), Qt::Unchecked);
-        QCOMPARE(Item(Name)->data(Qt::UserRole).toString(), QStringLiteral("maya"));
-        QCOMPARE(Item(Name)->text(), QStringLiteral("<b>shot</b>"));
+        QCOMPARE(Item(Name)->data(Qt::UserRole).toString(), "maya"_s);
+        QCOMPARE(Item(Name)->text(), "<b>shot</b>"_s);
         QVERIFY(Item(Name)->toolTip().contains(QLatin1String("&lt;b&gt;")));
         QVERIFY(!Item(StartTime)->data(Qt::UserRole).isValid());
-        QCOMPARE(Item(Status)->text(), QStringLiteral("Pause"));
+        QCOMPARE(Item(Status)->text(), "Pause"_s);
         QCOMPARE(Item(Status)->toolTip(), QString());
-        QCOMPARE(Item(Cost)->text(), QStringLiteral("12.5RMB"));
+        QCOMPARE(Item(Cost)->text(), "12.5RMB"_s);
         const auto* bar = qobject_cast<QProgressBar*>(m_candidates->cellWidget(0, Progress));
         QVERIFY(bar);
         QCOMPARE(bar->value(), 50);
         QVERIFY(bar->styleSheet().contains(QLatin1String("255,161,94")));
 
         m_candidates->item(0, Sequence)->setCheckState(Qt::Checked);
-        QCOMPARE(m_dialog->GetCheckedItem(), QStringList(QStringLiteral("p1&maya")));
+        QCOMPARE(m_dialog->GetCheckedItem(), QStringList("p1&maya"_s));
     }
 
     void NewestListWins()
     {
-        QTimer::singleShot(0, m_dialog.get(), [this] { m_dialog->ShowParenList(Jobs(2)); });
+        Soon(m_dialog.get(), [this] { m_dialog->ShowParenList(Jobs(2)); });
         m_dialog->ShowParenList(Jobs(50));
         QCOMPARE(m_candidates->rowCount(), 2);
     }
@@ -145,7 +142,7 @@ private slots:
     {
         QFETCH(int, end);
         m_form->show();
-        QTimer::singleShot(0, m_form.get(), [this, end] { End(end); });
+        Soon(m_form.get(), [this, end] { End(end); });
         m_dialog->ShowParenList(Jobs(50));
         QVERIFY(end == FormGone || m_candidates->rowCount() < 50);
     }
@@ -153,32 +150,30 @@ private slots:
     void ConfirmationStopsAndRemembersTheSons()
     {
         SignIn();
-        AddJob(QStringLiteral("s1"), 0, true);
-        AddJob(QStringLiteral("s2"), 1, true);
+        AddJob("s1"_s, 0, true);
+        AddJob("s2"_s, 1, true);
         const QSignalSpy stops(m_dialog.get(), &VTSetParent::stopJobs);
-        Confirm({QStringLiteral("p1")});
+        Confirm({"p1"_s});
 
         QCOMPARE(stops.size(), 1);
-        QCOMPARE(JobIds(stops.first()), QStringList({QStringLiteral("s1"), QStringLiteral("s2")}));
-        QCOMPARE(Parameters(stops.first()).value(QStringLiteral("username")).toString(),
-            QStringLiteral("id of user"));
-        QCOMPARE(
-            Parameters(stops.first()).value(QStringLiteral("token")).toString(), QStringLiteral("secret"));
+        QCOMPARE(JobIds(stops.first()), QStringList({"s1"_s, "s2"_s}));
+        QCOMPARE(Parameters(stops.first()).value("username"_s).toString(), "id of user"_s);
+        QCOMPARE(Parameters(stops.first()).value("token"_s).toString(), "secret"_s);
         QVERIFY(!m_form->isVisible());
-        QCOMPARE(Dependencies(), QStringList(QStringLiteral("s1&s2=p1&maya")));
+        QCOMPARE(Dependencies(), QStringList("s1&s2=p1&maya"_s));
 
-        Confirm({QStringLiteral("p2"), QStringLiteral("p3")});
-        QCOMPARE(Dependencies(), QStringList(QStringLiteral("s1&s2=p2&maya,p3&maya")));
+        Confirm({"p2"_s, "p3"_s});
+        QCOMPARE(Dependencies(), QStringList("s1&s2=p2&maya,p3&maya"_s));
     }
 
     void JobCannotWaitForItself()
     {
         SignIn();
-        AddJob(QStringLiteral("p1"), 0, true);
+        AddJob("p1"_s, 0, true);
         const QSignalSpy stops(m_dialog.get(), &VTSetParent::stopJobs);
         bool stayedOpen = false;
         Open([&] {
-            ConfirmOpen({QStringLiteral("xp12")});
+            ConfirmOpen({"xp12"_s});
             stayedOpen = m_form->isVisible();
         });
         QVERIFY(stayedOpen);
@@ -194,15 +189,15 @@ private slots:
     {
         m_account->Block();
         SignIn();
-        AddJob(QStringLiteral("s1"), 0, true);
-        Confirm({QStringLiteral("p1")});
-        QCOMPARE(m_services->messageBox.shown.size(), 1);
+        AddJob("s1"_s, 0, true);
+        Confirm({"p1"_s});
+        QCOMPARE(m_services->messageBox.messages.size(), 1);
         QCOMPARE(m_services->logger.lines.size(), 1);
-        QVERIFY(m_services->logger.lines.first().startsWith(QLatin1String("16 ")));
+        QVERIFY(m_services->logger.lines.first().contains("|8|"_s));
         QVERIFY(!m_form->isVisible());
 
         const QSignalSpy recovers(m_dialog.get(), &VTSetParent::recoverJobs);
-        m_dialog->TriggerJobInfoResponse(200, InfoAnswer(QStringLiteral("p1"), 4));
+        m_dialog->TriggerJobInfoResponse(200, InfoAnswer("p1"_s, 4));
         QCOMPARE(recovers.size(), 1);
     }
 
@@ -215,17 +210,14 @@ private slots:
             m_dialog->GetJobInfo();
         QStringList asked;
         for (const QList<QVariant>& arguments : infos)
-            asked << QString(Parameters(arguments).value(QStringLiteral("jobId")).toString()
-                + QLatin1Char(':') + Parameters(arguments).value(QStringLiteral("jobtype")).toString());
+            asked << QString(Parameters(arguments).value("jobId"_s).toString() + QLatin1Char(':')
+                + Parameters(arguments).value("jobtype"_s).toString());
         // Two groups, the tick that starts over, and the first group again.
-        const QStringList first {QStringLiteral("p1:maya"), QStringLiteral("odd:")};
-        QCOMPARE(asked, first + QStringList(QStringLiteral("p2:povray")) + first);
+        const QStringList first {"p1:maya"_s, "odd:"_s};
+        QCOMPARE(asked, first + QStringList("p2:povray"_s) + first);
 
-        const VTParameters expected {{QStringLiteral("id"), QStringLiteral("p2")},
-            {QStringLiteral("jobId"), QStringLiteral("p2")},
-            {QStringLiteral("jobtype"), QStringLiteral("povray")}, {QStringLiteral("identifier"), 1},
-            {QStringLiteral("token"), QStringLiteral("secret")},
-            {QStringLiteral("username"), QStringLiteral("id of user")}};
+        const VTParameters expected {{"id"_s, "p2"_s}, {"jobId"_s, "p2"_s}, {"jobtype"_s, "povray"_s},
+            {"identifier"_s, 1}, {"token"_s, "secret"_s}, {"username"_s, "id of user"_s}};
         QCOMPARE(Parameters(infos.at(2)), expected);
     }
 
@@ -236,8 +228,8 @@ private slots:
         QVERIFY(timer->isActive());
         m_dialog->GetJobInfo();
         QVERIFY(!timer->isActive());
-        AddJob(QStringLiteral("s1"), 0, true);
-        Confirm({QStringLiteral("p1")});
+        AddJob("s1"_s, 0, true);
+        Confirm({"p1"_s});
         QVERIFY(timer->isActive());
     }
 
@@ -246,26 +238,26 @@ private slots:
         m_account->Write("[parent]\ns1%26s2=p1&maya, p2&maya\ns3=p3&maya\n");
         SignIn();
         const QSignalSpy recovers(m_dialog.get(), &VTSetParent::recoverJobs);
-        QVariantMap unmarked = InfoAnswer(QStringLiteral("p1"), 4);
-        unmarked.insert(QStringLiteral("identifier"), 0);
-        m_dialog->TriggerJobInfoResponse(500, InfoAnswer(QStringLiteral("p1"), 4));
+        QVariantMap unmarked = InfoAnswer("p1"_s, 4);
+        unmarked.insert("identifier"_s, 0);
+        m_dialog->TriggerJobInfoResponse(500, InfoAnswer("p1"_s, 4));
         m_dialog->TriggerJobInfoResponse(200, unmarked);
-        m_dialog->TriggerJobInfoResponse(200, InfoAnswer(QStringLiteral("p1"), 1));
+        m_dialog->TriggerJobInfoResponse(200, InfoAnswer("p1"_s, 1));
         m_dialog->TriggerJobInfoResponse(200, {});
-        m_dialog->TriggerJobInfoResponse(200, InfoAnswer(QStringLiteral("p2"), 4));
+        m_dialog->TriggerJobInfoResponse(200, InfoAnswer("p2"_s, 4));
         QCOMPARE(recovers.size(), 0);
 
-        m_dialog->TriggerJobInfoResponse(200, InfoAnswer(QStringLiteral("p1"), 4));
+        m_dialog->TriggerJobInfoResponse(200, InfoAnswer("p1"_s, 4));
         QCOMPARE(recovers.size(), 1);
-        QCOMPARE(JobIds(recovers.first()), QStringList({QStringLiteral("s1"), QStringLiteral("s2")}));
-        QCOMPARE(Dependencies(), QStringList(QStringLiteral("s3=p3&maya")));
+        QCOMPARE(JobIds(recovers.first()), QStringList({"s1"_s, "s2"_s}));
+        QCOMPARE(Dependencies(), QStringList("s3=p3&maya"_s));
     }
 
     void RestartGoesOnWhereItWas()
     {
         SignIn();
-        AddJob(QStringLiteral("s1"), 0, true);
-        Confirm({QStringLiteral("p1")});
+        AddJob("s1"_s, 0, true);
+        Confirm({"p1"_s});
         MakeDialog();
         SignIn();
         const QSignalSpy infos(m_dialog.get(), &VTSetParent::getJobInfo);
@@ -295,8 +287,7 @@ private:
 
     void SignIn()
     {
-        m_dialog->GetSettings(
-            AccountFixture::Server, QStringLiteral("secret"), m_account->user, QStringLiteral("id of user"));
+        m_dialog->GetSettings(AccountFixture::Server, "secret"_s, m_account->user, "id of user"_s);
     }
 
     void AddJob(const QString& id, int status, bool checked)
@@ -316,7 +307,7 @@ private:
     template <typename Function>
     void Open(Function whileOpen)
     {
-        QTimer::singleShot(0, m_form.get(), [&] {
+        Soon(m_form.get(), [&] {
             whileOpen();
             m_form->close();
         });
@@ -327,7 +318,7 @@ private:
 
     void ConfirmOpen(const QStringList& parents)
     {
-        QVariantList candidates {Job(QStringLiteral("unchecked"))};
+        QVariantList candidates {Job("unchecked"_s)};
         for (const QString& parent : parents)
             candidates << Job(parent);
         m_dialog->ShowParenList(candidates);
@@ -362,7 +353,7 @@ private:
     QStringList Dependencies() const
     {
         QSettings settings(m_account->Path(), QSettings::IniFormat);
-        settings.beginGroup(QStringLiteral("parent"));
+        settings.beginGroup("parent"_s);
         QStringList lines;
         const QStringList keys = settings.allKeys();
         for (const QString& key : keys)
