@@ -6,25 +6,25 @@
 namespace VTIds {
 
 /// The plugin itself, its main form, and the main form's style sheet and layout file.
-inline constexpr QLatin1String Client("com.vtr.qsclient");
-inline constexpr QLatin1String Search("com.vtr.search");
-inline constexpr QLatin1String SetArgument("com.vtr.setargument");
-inline constexpr QLatin1String SetParent("com.vtr.setparent");
-inline constexpr QLatin1String InputDialog("com.vtr.inputdialog");
+inline const QLatin1String Client("com.vtr.qsclient");
+inline const QLatin1String Search("com.vtr.search");
+inline const QLatin1String SetArgument("com.vtr.setargument");
+inline const QLatin1String SetParent("com.vtr.setparent");
+inline const QLatin1String InputDialog("com.vtr.inputdialog");
 
 /// Style sheet of the menus.
-inline constexpr QLatin1String Menu("com.vtr.menu");
+inline const QLatin1String Menu("com.vtr.menu");
 
 /// The host's sign-in window.
-inline constexpr QLatin1String SignInWindow("com.vtr.authclient");
+inline const QLatin1String SignInWindow("com.vtr.authclient");
 
-inline constexpr QLatin1String Settings("com.vtr.settings");
-inline constexpr QLatin1String Logger("com.vtr.logger");
-inline constexpr QLatin1String UiLoader("com.vtr.uiloader");
-inline constexpr QLatin1String MessageBox("com.vtr.messagebox");
-inline constexpr QLatin1String Communication("com.vtr.communication");
-inline constexpr QLatin1String RenderCore("com.vtr.rendercore");
-inline constexpr QLatin1String Configuration("com.vtr.configuration");
-inline constexpr QLatin1String Previewer("com.vtr.previewer");
+inline const QLatin1String Settings("com.vtr.settings");
+inline const QLatin1String Logger("com.vtr.logger");
+inline const QLatin1String UiLoader("com.vtr.uiloader");
+inline const QLatin1String MessageBox("com.vtr.messagebox");
+inline const QLatin1String Communication("com.vtr.communication");
+inline const QLatin1String RenderCore("com.vtr.rendercore");
+inline const QLatin1String Configuration("com.vtr.configuration");
+inline const QLatin1String Previewer("com.vtr.previewer");
 
 } // namespace VTIds

@@ -12,26 +12,26 @@ namespace VTProtocol {
 inline constexpr int Success = 200;
 
 // In every request; the values come from the sign-in answer.
-inline constexpr QLatin1String UserName("username");
-inline constexpr QLatin1String Token("token");
+inline const QLatin1String UserName("username");
+inline const QLatin1String Token("token");
 
 // Written by the window into a job-list request; the answer echoes "identifier" at its top level.
-inline constexpr QLatin1String Page("page");
-inline constexpr QLatin1String PageSize("pageSize");
-inline constexpr QLatin1String Identifier("identifier");
-inline constexpr QLatin1String Conditions("conditions");
+inline const QLatin1String Page("page");
+inline const QLatin1String PageSize("pageSize");
+inline const QLatin1String Identifier("identifier");
+inline const QLatin1String Conditions("conditions");
 
 // Written by the farm into its answers.
-inline constexpr QLatin1String Data("data");
-inline constexpr QLatin1String List("list");
-inline constexpr QLatin1String Total("total");
-inline constexpr QLatin1String LoginName("loginname");
-inline constexpr QLatin1String NotAllowedJobs("notAllowedJobs");
+inline const QLatin1String Data("data");
+inline const QLatin1String List("list");
+inline const QLatin1String Total("total");
+inline const QLatin1String LoginName("loginname");
+inline const QLatin1String NotAllowedJobs("notAllowedJobs");
 
 // Written by the window into a download order for the render core.
-inline constexpr QLatin1String OrderJobType("jobType");
-inline constexpr QLatin1String OrderSubDir("subDir");
-inline constexpr QLatin1String OrderManual("manual");
+inline const QLatin1String OrderJobType("jobType");
+inline const QLatin1String OrderSubDir("subDir");
+inline const QLatin1String OrderManual("manual");
 
 /// The two keys that every request carries.
 QVariantHash SessionRequest(const QString& strUserName, const QString& strToken);

@@ -1,13 +1,12 @@
 #include "vtr_joblist.h"
 
+#include "vtr_conditions.h"
 #include "vtr_mainform.h"
 #include "vtr_pagebar.h"
 #include "vtr_prompts.h"
 #include "vtr_siblings.h"
 #include "vtr_tablecells.h"
 #include "vtr_tables.h"
-
-#include <qjson/serializer.h>
 
 namespace {
 
@@ -60,7 +59,7 @@ void VTJobList::Search(const QVariantMap& mapCondition)
 {
     m_strConditions.clear();
     if (!mapCondition.isEmpty())
-        m_strConditions = QString::fromUtf8(QJson::Serializer().serialize(mapCondition));
+        m_strConditions = VTConditionText(mapCondition);
     m_needs.pageBar.State(VTList::Jobs).ResetPosition();
     RequestPage(1);
 }

@@ -29,14 +29,14 @@ struct SiblingEntry
     int nLine;
 };
 
-constexpr SiblingEntry Settings {"VTSettingsInterface", VTIds::Settings, 199};
-constexpr SiblingEntry Logger {"VTLoggerInterface", VTIds::Logger, 218};
-constexpr SiblingEntry UiLoader {"VTUiLoaderInterface", VTIds::UiLoader, 230};
-constexpr SiblingEntry MessageBox {"VTMessagboxInterface", VTIds::MessageBox, 243};
-constexpr SiblingEntry Communication {"VTCommunicationInterface", VTIds::Communication, 257};
-constexpr SiblingEntry RenderCore {"VTRenderCoreInterface", VTIds::RenderCore, 274};
-constexpr SiblingEntry Configuration {"VTConfigurationInterface", VTIds::Configuration, 290};
-constexpr SiblingEntry Previewer {"VTPreviewerInterface", VTIds::Previewer, 304};
+const SiblingEntry Settings {"VTSettingsInterface", VTIds::Settings, 199};
+const SiblingEntry Logger {"VTLoggerInterface", VTIds::Logger, 218};
+const SiblingEntry UiLoader {"VTUiLoaderInterface", VTIds::UiLoader, 230};
+const SiblingEntry MessageBox {"VTMessagboxInterface", VTIds::MessageBox, 243};
+const SiblingEntry Communication {"VTCommunicationInterface", VTIds::Communication, 257};
+const SiblingEntry RenderCore {"VTRenderCoreInterface", VTIds::RenderCore, 274};
+const SiblingEntry Configuration {"VTConfigurationInterface", VTIds::Configuration, 290};
+const SiblingEntry Previewer {"VTPreviewerInterface", VTIds::Previewer, 304};
 
 QString Interface(const SiblingEntry& entry)
 {

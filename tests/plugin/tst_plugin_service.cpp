@@ -254,7 +254,8 @@ private slots:
         QVERIFY(client.Open());
         QCOMPARE(client.application.calls, (QStringList {"Initialize"_s, "Show"_s}));
         const auto* icon = client.Window()->findChild<QSystemTrayIcon*>();
-        QVERIFY(icon && !icon->isVisible());
+        QVERIFY(icon);
+        QVERIFY(!icon->isVisible());
         QCOMPARE(client.Service()->Activate(1, {}), 0);
         QCOMPARE(client.application.calls.last(), "Activate 1"_s);
         QVERIFY(icon->isVisible());
