@@ -64,12 +64,12 @@ class TestPluginSubmits : public ClientTest
 private slots:
     void showsTheTasksWhenTheirListChanges()
     {
-        ShowTask("t1"_s, {"/work/a.b/scene.v2.ma"_s, "10:00"_s, "<b>message</b>"_s, "up"_s, 1, 55});
+        ShowTask("t1"_s, {"/scenes/a.b/scene.v2.ma"_s, "10:00"_s, "<b>message</b>"_s, "up"_s, 1, 55});
         ShowTask("t2"_s, {"other.max"_s, {}, {}, {}, 8});
         QCOMPARE(m_client->Tabs()->currentIndex(), 1);
         QCOMPARE(m_client->RunningTimers(1000).size(), 1);
         QCOMPARE(Cells(Tasks(), 0),
-            "scene.v2|t1, 10:00|false, analyze|1, /work/a.b/scene.v2.ma|, <b>message</b>|"_s);
+            "scene.v2|t1, 10:00|false, analyze|1, /scenes/a.b/scene.v2.ma|, <b>message</b>|"_s);
         QCOMPARE(Tasks()->item(0, Name)->data(Qt::CheckStateRole), QVariant(Qt::Unchecked));
         QCOMPARE(Tasks()->item(0, Status)->textAlignment(), 132);
         QCOMPARE(Bar(Tasks(), 0)->value(), 55);
