@@ -146,7 +146,7 @@ void VTQsClientPrivate::ShowWindowNormal()
 
 void VTQsClientPrivate::AnnounceNewSize()
 {
-    QTimer::singleShot(NewSizeDelay, this, &VTQsClientPrivate::windowSizeChanged);
+    QTimer::singleShot(NewSizeDelay, this, SIGNAL(windowSizeChanged()));
 }
 
 bool VTQsClientPrivate::eventFilter(QObject* obj, QEvent* event)

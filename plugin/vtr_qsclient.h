@@ -11,7 +11,7 @@
 class VTQsClientPrivate;
 
 /// The plugin's service object, through which the host drives the whole client.
-class VTQsClient : public QObject, public VTBaseInterface
+class VTQsClient final : public QObject, public VTBaseInterface
 {
     Q_OBJECT
     Q_INTERFACES(VTBaseInterface)
