@@ -116,6 +116,17 @@ Account AccountStore::Info(std::int64_t account)
     });
 }
 
+std::optional<Micros> AccountStore::Credit(const QString& name, Micros amount)
+{
+    return m_database.Write([&](SQLite::Database& connection) -> std::optional<Micros> {
+        const auto account = Find(name);
+        if (!account)
+            return std::nullopt;
+        Execute(connection, "UPDATE accounts SET balance = balance + ?2 WHERE key = ?1", *account, amount);
+        return Info(*account).balance;
+    });
+}
+
 std::vector<Project> AccountStore::Projects(std::int64_t account)
 {
     return m_database.Read([account](SQLite::Database& connection) {

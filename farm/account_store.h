@@ -64,6 +64,8 @@ public:
     /// The key of the account with this name.
     std::optional<std::int64_t> Find(const QString& name);
     Account Info(std::int64_t account);
+    /// Pays the amount in; returns the new balance, or nothing when there is no account with this name.
+    std::optional<Micros> Credit(const QString& name, Micros amount);
     std::vector<Project> Projects(std::int64_t account);
 
     std::int64_t SessionSeconds() const { return m_sessionSeconds; }

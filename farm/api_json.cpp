@@ -69,6 +69,18 @@ QJsonObject JobPageJson(const JobPage& page)
     return {{QStringLiteral("list"), list}, {QStringLiteral("total"), qint64(page.total)}};
 }
 
+QJsonObject JobInfoJson(const JobRecord& job)
+{
+    return {
+        {QStringLiteral("jobId"), job.id},
+        {QStringLiteral("jobType"), job.type},
+        {QStringLiteral("jobName"), job.name},
+        {QStringLiteral("jobStatus"), job.status},
+        {QStringLiteral("jobProgress"), job.progress},
+        {QStringLiteral("jobMessage"), job.message},
+    };
+}
+
 QJsonObject ErrorJson(const char* word, const QString& message)
 {
     return {{QStringLiteral("error"), QLatin1String(word)}, {QStringLiteral("message"), message}};

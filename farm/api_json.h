@@ -13,6 +13,7 @@ QJsonObject SessionJson(const Session& session, std::int64_t sessionSeconds);
 QJsonObject AccountJson(const Account& account);
 QJsonArray ProjectsJson(const std::vector<Project>& projects);
 QJsonObject JobPageJson(const JobPage& page);
+QJsonObject JobInfoJson(const JobRecord& job);
 QJsonObject ErrorJson(const char* word, const QString& message);
 
 } // namespace farm

@@ -76,8 +76,17 @@ CREATE INDEX charges_by_job ON charges(job, amount);
 CREATE INDEX charges_by_account ON charges(account);
 )sql";
 
+// A job's frames belong to its run; a restart begins a new one. Open jobs are those that the scheduler works at:
+// waiting, running and to full render.
+constexpr const char* runsAndFullRenders = R"sql(
+ALTER TABLE jobs ADD COLUMN run INTEGER NOT NULL DEFAULT 1;
+DROP INDEX open_jobs;
+CREATE INDEX jobs_to_render ON jobs(key) WHERE status IN (0, 1, 6);
+CREATE VIEW open_jobs AS SELECT * FROM jobs WHERE status IN (0, 1, 6);
+)sql";
+
 // Step n leads from user_version n to n + 1. Steps that were released are never changed.
-constexpr std::array<const char*, 1> migrations {firstSchema};
+constexpr std::array<const char*, 2> migrations {firstSchema, runsAndFullRenders};
 
 } // namespace
 

@@ -84,6 +84,7 @@ int FramesDone(JobStatus status, int frames)
     case JobStatus::Finished:
         return frames;
     case JobStatus::Paused:
+    case JobStatus::PausedInArrears:
         return frames / 2;
     case JobStatus::Failed:
     case JobStatus::Deleted:
@@ -108,6 +109,10 @@ NewJob PastJob(int index, std::int64_t now)
     // Names are the users' business: this one keeps whoever shows them honest.
     if (index == pastJobs - 1)
         job.name = QStringLiteral("<b>title</b>_v2");
+    if (index == pastJobs - 6) {
+        job.name += QStringLiteral("_prerender");
+        job.prerender = true;
+    }
     job.rendering = index % 4 != 3;
     job.status = PastStatus(index);
     job.scene = QLatin1String(sequence.scene);
@@ -182,6 +187,25 @@ void AddStudio(SQLite::Database& connection, AccountStore& accounts, JobStore& j
     }
 }
 
+// An account whose money ran out while a job was being rendered and others were waiting.
+void AddArrears(SQLite::Database& connection, AccountStore& accounts, JobStore& jobs, std::int64_t now)
+{
+    constexpr std::array<JobStatus, 5> statuses {JobStatus::Finished, JobStatus::Finished,
+        JobStatus::PausedInArrears, JobStatus::Arrears, JobStatus::Arrears};
+    NewAccount account;
+    account.name = QStringLiteral("arrears");
+    account.email = QStringLiteral("arrears@quillstar.example");
+    account.password = QStringLiteral("arrears");
+    account.balance = -370'000;
+    const std::int64_t key = accounts.Add(account);
+    for (std::size_t index = 0; index < statuses.size(); ++index) {
+        NewJob job = PastJob(static_cast<int>(index), now);
+        job.account = key;
+        job.status = statuses.at(index);
+        AddPastJob(connection, jobs, job);
+    }
+}
+
 void AddLiveJobs(JobStore& jobs, std::int64_t account, std::int64_t now)
 {
     std::int64_t age = liveJobs.size();
@@ -203,12 +227,14 @@ void AddLiveJobs(JobStore& jobs, std::int64_t account, std::int64_t now)
 void ProvideDemo(Database& database, AccountStore& accounts, JobStore& jobs, std::int64_t now)
 {
     database.Write([&](SQLite::Database& connection) {
-        if (accounts.IsEmpty()) {
+        const bool isNew = accounts.IsEmpty();
+        if (isNew) {
             AddDemo(connection, accounts, jobs, now);
             AddStudio(connection, accounts, jobs, now);
+            AddArrears(connection, accounts, jobs, now);
         }
         const auto demo = accounts.Find(QStringLiteral("demo"));
-        if (demo && !jobs.HasOpenJobs(*demo))
+        if (demo && (isNew || !jobs.HasOpenJobs(*demo)))
             AddLiveJobs(jobs, *demo, now);
     });
 }

@@ -8,7 +8,7 @@ class AccountStore;
 class Database;
 class JobStore;
 
-/// Fills an empty farm with the accounts "demo" and "studio" and three weeks of their jobs. Gives "demo" jobs
+/// Fills an empty farm with the accounts "demo", "studio" and "arrears" and three weeks of their jobs. Gives "demo" jobs
 /// to render whenever it has none left, so that there is always something to see. Other farms are left alone.
 void ProvideDemo(Database& database, AccountStore& accounts, JobStore& jobs, std::int64_t now);
 

@@ -19,14 +19,15 @@ Farm::Farm(const FarmSettings& settings)
     : m_settings(settings)
     , m_dataFolder(MakeFolder(settings.dataFolder))
     , m_lock(m_dataFolder, lockWaitMs)
-    , m_database(QDir(m_dataFolder).filePath(QStringLiteral("farm.sqlite")))
+    , m_database(DatabaseFile(m_dataFolder))
     , m_accounts(m_database, settings.sessionSeconds)
     , m_jobs(m_database)
     , m_queue(m_database, settings.pricePerCoreSecond)
     , m_files(QDir(m_dataFolder).filePath(QStringLiteral("jobs")), settings.sceneFolder)
     , m_executor(settings.slotCount)
     , m_scheduler(m_queue, m_executor, m_files, ReadJobTypes(settings.jobTypesFile))
-    , m_routes(m_accounts, m_jobs, settings.limits)
+    , m_actions(m_database, [this] { m_scheduler.NudgeLater(); })
+    , m_routes(m_accounts, m_jobs, m_actions, settings.limits)
 {
     if (settings.demo)
         ProvideDemo(m_database, m_accounts, m_jobs, Now());
@@ -47,6 +48,11 @@ QString Farm::MakeFolder(const QString& path)
     if (path.isEmpty() || !QDir().mkpath(path))
         throw std::runtime_error("cannot make the data folder");
     return QDir(path).absolutePath();
+}
+
+QString Farm::DatabaseFile(const QString& dataFolder)
+{
+    return QDir(dataFolder).filePath(QStringLiteral("farm.sqlite"));
 }
 
 QString Farm::Url() const

@@ -5,6 +5,7 @@
 #include "database.h"
 #include "frame_files.h"
 #include "http_server.h"
+#include "job_actions.h"
 #include "job_store.h"
 #include "local_executor.h"
 #include "render_queue.h"
@@ -39,6 +40,9 @@ public:
     explicit Farm(const FarmSettings& settings);
     ~Farm();
 
+    /// The database in a farm's data folder.
+    static QString DatabaseFile(const QString& dataFolder);
+
     /// For example "http://127.0.0.1:40123".
     QString Url() const;
 
@@ -55,6 +59,7 @@ private:
     FrameFiles m_files;
     LocalExecutor m_executor;
     Scheduler m_scheduler;
+    JobActions m_actions;
     Routes m_routes;
     HttpServer m_server;
     int m_port = 0;

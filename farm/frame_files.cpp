@@ -52,7 +52,19 @@ void FrameFiles::Prepare(const FrameTask& task, const QString& suffix) const
     const QDir folder(JobFolder(task.jobId));
     MakeFolder(folder);
     QFile::remove(folder.filePath(UnfinishedName(task.Number(), suffix)));
+    if (task.beginsRun)
+        RemoveFrames(folder, suffix);
     ProvideScene(task);
+}
+
+void FrameFiles::RemoveFrames(QDir folder, const QString& suffix)
+{
+    const QStringList frames
+        = folder.entryList({QStringLiteral("frame_*.") + suffix}, QDir::Files | QDir::Hidden);
+    for (const QString& frame : frames) {
+        if (!folder.remove(frame))
+            throw std::runtime_error("cannot remove a frame of the earlier run");
+    }
 }
 
 void FrameFiles::MakeFolder(const QDir& folder) const

@@ -19,13 +19,15 @@ public:
     /// Where the renderer writes until the frame is whole.
     static QString UnfinishedName(int number, const QString& suffix);
 
-    /// Makes the job's folder, puts its scene there and removes what an earlier attempt at the frame left.
+    /// Makes the job's folder, puts its scene there and removes what an earlier attempt at the frame, or an earlier run
+    /// of the job, left.
     /// Throws std::runtime_error.
     void Prepare(const FrameTask& task, const QString& suffix) const;
     /// Gives a rendered frame its name once it is on the disk. Throws std::runtime_error.
     void Keep(const FrameTask& task, const QString& suffix) const;
 
 private:
+    static void RemoveFrames(QDir folder, const QString& suffix);
     void MakeFolder(const QDir& folder) const;
     void ProvideScene(const FrameTask& task) const;
 

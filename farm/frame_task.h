@@ -3,12 +3,24 @@
 #include <QString>
 
 #include <cstdint>
-#include <utility>
+#include <tuple>
 
 namespace farm {
 
-/// A frame of a job: the job's key and the frame's number, from 1.
-using FrameKey = std::pair<std::int64_t, int>;
+/// A frame of a job, in one of the job's runs: a restart begins a new one.
+struct FrameKey
+{
+    std::int64_t job = 0;
+    /// From 1.
+    int number = 0;
+    /// From 1.
+    int run = 1;
+};
+
+inline bool operator<(const FrameKey& one, const FrameKey& other)
+{
+    return std::tie(one.job, one.number, one.run) < std::tie(other.job, other.number, other.run);
+}
 
 /// A frame to render and what is needed for it.
 struct FrameTask
@@ -20,8 +32,10 @@ struct FrameTask
     int width = 0;
     int height = 0;
     int frames = 0;
+    /// No frame of the run is finished yet.
+    bool beginsRun = false;
 
-    int Number() const { return key.second; }
+    int Number() const { return key.number; }
 };
 
 } // namespace farm

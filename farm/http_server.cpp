@@ -101,6 +101,11 @@ QString ApiRequest::Token() const
     return header.startsWith(scheme, Qt::CaseInsensitive) ? header.mid(scheme.size()).trimmed() : QString();
 }
 
+QString ApiRequest::PathPart() const
+{
+    return QString::fromStdString(m_request.matches[1]);
+}
+
 QByteArray ApiRequest::Query(const char* name) const
 {
     return QByteArray::fromStdString(m_request.get_param_value(name));

@@ -24,6 +24,8 @@ public:
     QString Address() const;
     /// The session token of the Authorization header, or empty.
     QString Token() const;
+    /// What the group in the route's path stands for.
+    QString PathPart() const;
     /// A parameter of the query, or empty.
     QByteArray Query(const char* name) const;
     /// The body; throws BadInput when it is no JSON object.
@@ -53,7 +55,7 @@ public:
     ~HttpServer();
 
     /// Before Start(). Handlers run in several threads at a time. They may throw ApiRefusal and BadInput;
-    /// any other exception becomes a 500 whose reason only the log holds.
+    /// any other exception becomes a 500 whose reason only the log holds. `path` is a regular expression.
     void Get(const char* path, Handler handler);
     void Post(const char* path, Handler handler);
     void Delete(const char* path, Handler handler);

@@ -2,7 +2,7 @@
 
 namespace farm {
 
-/// The codes that the client shows; stored and sent as they are.
+/// The codes that the client shows; stored and sent as they are, also in the texts of SQL statements.
 enum class JobStatus {
     Waiting = 0,
     Running = 1,

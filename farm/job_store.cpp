@@ -31,6 +31,12 @@ std::int64_t InsertJob(SQLite::Database& connection, const NewJob& job, const QS
     return connection.getLastInsertRowid();
 }
 
+// Of `job`. Frames and charges are counted for the jobs that are read only, however they are found.
+constexpr const char* recordColumns
+    = "number, id, type, name, submitted_at, status, "
+      "(SELECT 100 * count(finished_at) / count(*) FROM frames WHERE frames.job = job.key), "
+      "(SELECT coalesce(sum(amount), 0) FROM charges WHERE charges.job = job.key), message";
+
 JobRecord ReadRecord(SQLite::Statement& row)
 {
     JobRecord record;
@@ -42,6 +48,7 @@ JobRecord ReadRecord(SQLite::Statement& row)
     record.status = row.getColumn(5).getInt();
     record.progress = row.getColumn(6).getInt();
     record.cost = row.getColumn(7).getInt64();
+    record.message = Text(row.getColumn(8));
     return record;
 }
 
@@ -59,8 +66,9 @@ AddedJob JobStore::Add(const NewJob& job)
         added.key = InsertJob(connection, job, added.id);
         Execute(connection,
             "WITH RECURSIVE counter(n) AS (VALUES (1) UNION ALL SELECT n + 1 FROM counter WHERE n < ?2) "
-            "INSERT INTO frames(job, number) SELECT ?1, n FROM counter",
-            added.key, job.frames);
+            "INSERT INTO frames(job, number) SELECT ?1, n FROM counter "
+            "WHERE NOT ?3 OR n IN (1, (?2 + 1) / 2, ?2)",
+            added.key, job.frames, int(job.prerender));
         return added;
     });
 }
@@ -75,13 +83,9 @@ JobPage JobStore::List(
         BindFilter(count, filter);
         if (count.executeStep())
             result.total = count.getColumn(0).getInt64();
-        // Frames and charges are counted for the jobs of the page only, however the page is found.
         SQLite::Statement list(connection,
-            "SELECT number, id, type, name, submitted_at, status, "
-            "(SELECT 100 * count(finished_at) / count(*) FROM frames WHERE job = page.key), "
-            "(SELECT coalesce(sum(amount), 0) FROM charges WHERE job = page.key) "
-            "FROM (SELECT * FROM jobs WHERE "
-                + filter.where + " ORDER BY number DESC LIMIT ? OFFSET ?) AS page ORDER BY number DESC");
+            std::string("SELECT ") + recordColumns + " FROM (SELECT * FROM jobs WHERE " + filter.where
+                + " ORDER BY number DESC LIMIT ? OFFSET ?) AS job ORDER BY number DESC");
         BindFilter(list, filter);
         const int bound = static_cast<int>(filter.values.size());
         list.bind(bound + 1, pageSize);
@@ -92,11 +96,22 @@ JobPage JobStore::List(
     });
 }
 
+std::optional<JobRecord> JobStore::Find(std::int64_t account, const QString& id)
+{
+    return m_database.Read([&](SQLite::Database& connection) -> std::optional<JobRecord> {
+        SQLite::Statement query(connection,
+            std::string("SELECT ") + recordColumns + " FROM jobs AS job WHERE account = ? AND id = ?");
+        Bind(query, account, id);
+        if (!query.executeStep())
+            return std::nullopt;
+        return ReadRecord(query);
+    });
+}
+
 bool JobStore::HasOpenJobs(std::int64_t account)
 {
     return m_database.Read([account](SQLite::Database& connection) {
-        SQLite::Statement query(
-            connection, "SELECT EXISTS (SELECT 1 FROM jobs WHERE account = ? AND status IN (0, 1))");
+        SQLite::Statement query(connection, "SELECT EXISTS (SELECT 1 FROM open_jobs WHERE account = ?)");
         Bind(query, account);
         return query.executeStep() && query.getColumn(0).getInt() != 0;
     });

@@ -24,6 +24,8 @@ struct NewJob
     int width = 320;
     int height = 180;
     int frames = 1;
+    /// Only the first, the middle and the last frame are rendered for now.
+    bool prerender = false;
     std::int64_t submittedAt = 0;
 };
 
@@ -43,6 +45,8 @@ struct JobRecord
     int progress = 0;
     int status = 0;
     Micros cost = 0;
+    /// Why the job has failed.
+    QString message;
 };
 
 struct JobPage
@@ -58,14 +62,17 @@ class JobStore
 public:
     explicit JobStore(Database& database);
 
-    /// Takes the job in with all its frames open and the account's next running number.
+    /// Takes the job in with its frames open and the account's next running number.
     AddedJob Add(const NewJob& job);
 
     /// `page` counts from 1; a page past the end is empty. Both are at least 1 and their product fits.
     JobPage List(
         std::int64_t account, const JobConditions& conditions, std::int64_t page, std::int64_t pageSize);
 
-    /// Whether the account has a job that is waiting or running.
+    /// The account's job with this id, also a deleted one.
+    std::optional<JobRecord> Find(std::int64_t account, const QString& id);
+
+    /// Whether the account has a job that is rendered or will be by itself.
     bool HasOpenJobs(std::int64_t account);
 
 private:

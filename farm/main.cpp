@@ -3,6 +3,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFile>
 #include <QSocketNotifier>
 #include <QThread>
 
@@ -19,10 +20,15 @@
 
 namespace {
 
+constexpr double dearestCoreSecond = 1000;
+
 struct Options
 {
     farm::FarmSettings settings;
     bool stopWithStdin = false;
+    /// Pay into this account instead of serving.
+    QString creditAccount;
+    farm::Micros creditAmount = 0;
 };
 
 // Write end of the pipe that carries a signal from its handler into the event loop.
@@ -77,14 +83,24 @@ int IntegerOption(const QCommandLineParser& parser, const QString& name, int lea
     return value;
 }
 
-farm::Micros PriceOption(const QCommandLineParser& parser, const QString& name)
+farm::Micros AmountOf(const QString& text, const QString& name, double least, double most)
 {
-    constexpr double dearest = 1000;
     bool ok = false;
-    const double price = parser.value(name).toDouble(&ok);
-    if (!ok || !(price >= 0 && price <= dearest))
+    const double amount = text.toDouble(&ok);
+    if (!ok || !(amount >= least && amount <= most))
         RefuseOption(name);
-    return qRound64(price * 1e6);
+    return qRound64(amount * 1e6);
+}
+
+void ReadCredit(const QCommandLineParser& parser, Options& options)
+{
+    constexpr double smallestCoin = 0.01;
+    constexpr double mostAtOnce = 1e6;
+    const QString name = QStringLiteral("credit");
+    options.creditAccount = parser.value(name);
+    if (options.creditAccount.isEmpty())
+        RefuseOption(name);
+    options.creditAmount = AmountOf(parser.positionalArguments().value(0), name, smallestCoin, mostAtOnce);
 }
 
 void SetLogLevel(const QString& level)
@@ -117,6 +133,9 @@ void AddOptions(QCommandLineParser& parser)
         {QStringLiteral("scenes"), QStringLiteral("Folder of the scenes that jobs may name."),
             QStringLiteral("folder"), beside + QStringLiteral("scenes")},
         {QStringLiteral("no-demo"), QStringLiteral("Make no demo accounts and jobs.")},
+        {QStringLiteral("credit"),
+            QStringLiteral("Pay <amount>, the argument after the name, into this account and end."),
+            QStringLiteral("name> <amount")},
         {QStringLiteral("stop-with-stdin"), QStringLiteral("End at the end of standard input.")},
         {QStringLiteral("log-level"), QStringLiteral("trace, debug, info, warning, error, critical or off."),
             QStringLiteral("level"), QStringLiteral("info")},
@@ -131,20 +150,40 @@ Options ReadOptions()
                        "renders on this machine."));
     AddOptions(parser);
     parser.process(*QCoreApplication::instance());
-    if (parser.value(QStringLiteral("data")).isEmpty() || !parser.positionalArguments().isEmpty())
+    const bool credit = parser.isSet(QStringLiteral("credit"));
+    if (parser.value(QStringLiteral("data")).isEmpty()
+        || parser.positionalArguments().size() != (credit ? 1 : 0))
         parser.showHelp(2);
     SetLogLevel(parser.value(QStringLiteral("log-level")));
     Options options;
+    if (credit)
+        ReadCredit(parser, options);
     options.settings.dataFolder = parser.value(QStringLiteral("data"));
     options.settings.sceneFolder = parser.value(QStringLiteral("scenes"));
     options.settings.jobTypesFile = parser.value(QStringLiteral("job-types"));
     options.settings.address = parser.value(QStringLiteral("bind"));
     options.settings.port = IntegerOption(parser, QStringLiteral("port"), 0, 65535);
     options.settings.slotCount = IntegerOption(parser, QStringLiteral("slots"), 1, 1024);
-    options.settings.pricePerCoreSecond = PriceOption(parser, QStringLiteral("price"));
+    options.settings.pricePerCoreSecond
+        = AmountOf(parser.value(QStringLiteral("price")), QStringLiteral("price"), 0, dearestCoreSecond);
     options.settings.demo = !parser.isSet(QStringLiteral("no-demo"));
     options.stopWithStdin = parser.isSet(QStringLiteral("stop-with-stdin"));
     return options;
+}
+
+/// Safe also while the farm runs: the balance is changed in one transaction.
+int PayIn(const Options& options)
+{
+    const QString file = farm::Farm::DatabaseFile(options.settings.dataFolder);
+    if (!QFile::exists(file))
+        throw std::runtime_error("there is no farm in the data folder");
+    farm::Database database(file);
+    farm::AccountStore accounts(database, 0);
+    const auto balance = accounts.Credit(options.creditAccount, options.creditAmount);
+    if (!balance)
+        throw std::runtime_error("the farm has no such account");
+    std::printf("balance: %s %s\n", qPrintable(farm::MoneyText(*balance)), qPrintable(farm::Currency()));
+    return 0;
 }
 
 int Run(const Options& options)
@@ -170,9 +209,10 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationName(QStringLiteral("quillstar-farmd"));
     QCoreApplication::setApplicationVersion(farm::Version());
     try {
-        return Run(ReadOptions());
+        const Options options = ReadOptions();
+        return options.creditAccount.isEmpty() ? Run(options) : PayIn(options);
     } catch (const std::exception& error) {
-        spdlog::critical("the farm cannot start: {}", error.what());
+        spdlog::critical("cannot go on: {}", error.what());
         return 1;
     }
 }

@@ -19,19 +19,23 @@ class RenderQueue
 public:
     RenderQueue(Database& database, Micros pricePerCoreSecond);
 
-    /// The next open frame that is not among `taken`, of a waiting or running job of one of these types.
+    /// The next open frame that is not among `taken`, of an open job of one of these types.
     /// Running jobs go first and take turns: the one after `lastJob` is the next.
     std::optional<FrameTask> Next(
         const QStringList& types, std::int64_t lastJob, const std::set<FrameKey>& taken);
 
-    /// Whether the job is waiting or running.
-    bool IsOpen(std::int64_t job);
+    /// Whether the job is open and still in the frame's run.
+    bool IsWanted(const FrameKey& frame);
 
-    /// A waiting job is running from now on.
+    /// An open job is running from now on.
     void Start(std::int64_t job);
 
+    /// Pauses the open jobs of the accounts whose balance is spent.
+    void PauseJobsInArrears();
+
     /// Marks the frame finished, charges it and lowers the account's balance, all or nothing; the job is
-    /// finished with its last frame. Nothing happens when the frame is marked already.
+    /// finished with its last frame. Nothing happens when the frame is marked already or
+    /// belongs to an earlier run.
     void Finish(const FrameKey& frame, std::int64_t coreMilliseconds, std::int64_t now);
 
     /// Counts a failed attempt; at the third of a frame the job has failed and keeps the message.

@@ -21,6 +21,7 @@ constexpr int longestPassword = 1024;
 constexpr std::int64_t largestPage = 1'000'000'000;
 constexpr std::int64_t largestPageSize = 1000;
 constexpr std::int64_t usualPageSize = 18;
+constexpr int mostIds = 1000;
 
 QJsonObject Data(const QJsonValue& value)
 {
@@ -33,6 +34,26 @@ QString RequiredText(const QJsonObject& body, const char* key, int longest)
     if (!value.isString() || value.toString().size() > longest)
         throw BadInput(std::string(key) + " is missing, no text or too long");
     return value.toString();
+}
+
+QStringList RequiredIds(const QJsonObject& body)
+{
+    const QJsonValue value = body.value(QLatin1String("ids"));
+    const QJsonArray list = value.toArray();
+    if (!value.isArray() || list.size() > mostIds)
+        throw BadInput("ids is missing, no list or too long");
+    QStringList ids;
+    for (const QJsonValue& id : list) {
+        if (!id.isString())
+            throw BadInput("ids are texts");
+        ids.append(id.toString());
+    }
+    return ids;
+}
+
+ApiRefusal NoSuchJob()
+{
+    return {404, "not_found", QStringLiteral("there is no such job")};
 }
 
 void RefuseWhenTooMany(const std::optional<int>& wait)
@@ -65,9 +86,10 @@ QByteArray PlainText(const QJsonValue& value)
 
 } // namespace
 
-Routes::Routes(AccountStore& accounts, JobStore& jobs, const RequestLimits& limits)
+Routes::Routes(AccountStore& accounts, JobStore& jobs, JobActions& actions, const RequestLimits& limits)
     : m_accounts(accounts)
     , m_jobs(jobs)
+    , m_actions(actions)
     , m_signInsByAddress(limits.signInsByAddress)
     , m_failedSignInsByName(limits.failedSignInsByName)
     , m_requestsByAccount(limits.requestsByAccount)
@@ -89,6 +111,15 @@ void Routes::AddTo(HttpServer& server)
     server.Get("/api/v1/projects", route(&Routes::ListProjects));
     server.Get("/api/v1/jobs", route(&Routes::ListJobs));
     server.Post("/api/v1/jobs/search", route(&Routes::SearchJobs));
+    server.Get("/api/v1/jobs/([^/]{1,64})", route(&Routes::ShowJob));
+    const auto act = [this](JobAction action) {
+        return [this, action](const ApiRequest& request) { return Act(action, request); };
+    };
+    server.Post("/api/v1/jobs/stop", act(JobAction::Stop));
+    server.Post("/api/v1/jobs/recover", act(JobAction::Recover));
+    server.Post("/api/v1/jobs/restart", act(JobAction::Restart));
+    server.Post("/api/v1/jobs/delete", act(JobAction::Delete));
+    server.Post("/api/v1/jobs/full-render", act(JobAction::FullRender));
 }
 
 std::int64_t Routes::Authorize(const ApiRequest& request)
@@ -147,6 +178,23 @@ QJsonObject Routes::SearchJobs(const ApiRequest& request)
         m_jobs.List(account, ParseJobConditions(PlainText(body.value(QLatin1String("conditions")))),
             NumberIn(PlainText(body.value(QLatin1String("page"))), 1, largestPage),
             NumberIn(PlainText(body.value(QLatin1String("pageSize"))), usualPageSize, largestPageSize))));
+}
+
+QJsonObject Routes::ShowJob(const ApiRequest& request)
+{
+    const auto job = m_jobs.Find(Authorize(request), request.PathPart());
+    if (!job)
+        throw NoSuchJob();
+    return Data(QJsonObject {{QStringLiteral("jobDatas"), JobInfoJson(*job)}});
+}
+
+QJsonObject Routes::Act(JobAction action, const ApiRequest& request)
+{
+    const std::int64_t account = Authorize(request);
+    const auto refused = m_actions.Do(action, account, RequiredIds(request.Body()), Now());
+    if (!refused)
+        throw NoSuchJob();
+    return Data(QJsonObject {{QStringLiteral("notAllowedJobs"), QJsonArray::fromStringList(*refused)}});
 }
 
 } // namespace farm

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "job_actions.h"
 #include "rate_limiter.h"
 
 #include <QJsonObject>
@@ -22,7 +23,7 @@ struct RequestLimits
 class Routes
 {
 public:
-    Routes(AccountStore& accounts, JobStore& jobs, const RequestLimits& limits);
+    Routes(AccountStore& accounts, JobStore& jobs, JobActions& actions, const RequestLimits& limits);
 
     /// The routes must outlive the server.
     void AddTo(HttpServer& server);
@@ -34,12 +35,15 @@ private:
     QJsonObject ListProjects(const ApiRequest& request);
     QJsonObject ListJobs(const ApiRequest& request);
     QJsonObject SearchJobs(const ApiRequest& request);
+    QJsonObject ShowJob(const ApiRequest& request);
+    QJsonObject Act(JobAction action, const ApiRequest& request);
 
     /// The account whose session the request belongs to; refuses a request without one.
     std::int64_t Authorize(const ApiRequest& request);
 
     AccountStore& m_accounts;
     JobStore& m_jobs;
+    JobActions& m_actions;
     RateLimiter m_signInsByAddress;
     RateLimiter m_failedSignInsByName;
     RateLimiter m_requestsByAccount;

@@ -36,6 +36,7 @@ Scheduler::Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& f
     , m_files(files)
     , m_types(types)
 {
+    connect(this, &Scheduler::NudgeWanted, this, &Scheduler::Nudge, Qt::QueuedConnection);
     connect(&m_look, &QTimer::timeout, this, &Scheduler::Nudge);
     m_look.start(lookInterval);
 }
@@ -43,7 +44,8 @@ Scheduler::Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& f
 void Scheduler::Nudge()
 {
     try {
-        CancelFramesOfClosedJobs();
+        m_queue.PauseJobsInArrears();
+        CancelUnwantedFrames();
         const QStringList types = RunnableTypes();
         while (static_cast<int>(m_rendering.size()) < m_executor.Slots()) {
             const auto task = m_queue.Next(types, m_lastJob, m_rendering);
@@ -79,10 +81,10 @@ QStringList Scheduler::RunnableTypes()
     return runnable;
 }
 
-void Scheduler::CancelFramesOfClosedJobs()
+void Scheduler::CancelUnwantedFrames()
 {
     for (auto frame = m_rendering.begin(); frame != m_rendering.end();) {
-        if (m_queue.IsOpen(frame->first)) {
+        if (m_queue.IsWanted(*frame)) {
             ++frame;
             continue;
         }
@@ -93,8 +95,8 @@ void Scheduler::CancelFramesOfClosedJobs()
 
 void Scheduler::StartFrame(const FrameTask& task)
 {
-    m_lastJob = task.key.first;
-    m_queue.Start(task.key.first);
+    m_lastJob = task.key.job;
+    m_queue.Start(task.key.job);
     const JobType type = m_types.value(task.type);
     try {
         m_files.Prepare(task, type.suffix);

@@ -13,7 +13,7 @@ namespace farm {
 class FrameFiles;
 class RenderQueue;
 
-/// Keeps the executor's slots busy with the frames of the waiting and running jobs.
+/// Keeps the executor's slots busy with the frames of the open jobs.
 class Scheduler : public QObject
 {
     Q_OBJECT
@@ -21,16 +21,21 @@ class Scheduler : public QObject
 public:
     Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& files, const JobTypes& types);
 
-    /// Looks at the jobs anew: ends the frames of jobs that are no longer open, then fills the free slots.
-    /// To be called after a change to the jobs; a look is also taken every few seconds.
+    /// Looks at the jobs anew: pauses those in arrears, ends the frames that are no longer wanted, then fills the
+    /// free slots. To be called after a change to the jobs; a look is also taken every few seconds.
     void Nudge();
+    /// Does so as soon as the scheduler's thread comes to it. May be called in any thread.
+    void NudgeLater() { emit NudgeWanted(); }
 
     /// Ends all frames being rendered and starts no more.
     void Stop();
 
+signals:
+    void NudgeWanted();
+
 private:
     QStringList RunnableTypes();
-    void CancelFramesOfClosedJobs();
+    void CancelUnwantedFrames();
     void StartFrame(const FrameTask& task);
     void FrameEnded(const FrameTask& task, const RenderResult& result);
     void Record(const FrameTask& task, const RenderResult& result);

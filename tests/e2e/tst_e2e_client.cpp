@@ -1,5 +1,7 @@
 #include "client_host.h"
+#include "client_windows.h"
 #include "host_options.h"
+#include "main_window.h"
 
 #include <QLabel>
 #include <QProgressBar>
@@ -11,27 +13,6 @@ namespace {
 
 constexpr int SignInTime = 60000;  // ms; the farm makes its demo data first
 constexpr int RenderTime = 120000; // ms
-
-QWidget* TopLevel(const char* className)
-{
-    const auto widgets = QApplication::topLevelWidgets();
-    for (QWidget* widget : widgets) {
-        if (qstrcmp(widget->metaObject()->className(), className) == 0)
-            return widget;
-    }
-    return nullptr;
-}
-
-template <typename Widget>
-Widget* Find(const char* name)
-{
-    const auto widgets = QApplication::topLevelWidgets();
-    for (QWidget* widget : widgets) {
-        if (auto* found = widget->findChild<Widget*>(QLatin1String(name)))
-            return found;
-    }
-    return nullptr;
-}
 
 QHash<QString, int> ProgressByJob(const QTableWidget* table)
 {
@@ -96,7 +77,7 @@ void TestE2eClient::SignsInShowsAJobAdvanceAndSignsOut()
     };
     QTRY_VERIFY(turned());
 
-    QMetaObject::invokeMethod(TopLevel("VTQsClientPrivate"), "SignOut");
+    QMetaObject::invokeMethod(FindMainWindow(), "SignOut");
     QTRY_COMPARE(table->rowCount(), 0);
     QTRY_VERIFY(Find<QPushButton>("btnSignIn")->isVisible());
 }

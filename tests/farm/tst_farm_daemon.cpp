@@ -1,3 +1,4 @@
+#include "farm_client.h"
 #include "farm_fixture.h"
 #include "frame_files.h"
 
@@ -25,13 +26,15 @@ public:
             m_output += readAllStandardOutput();
     }
 
-    ~Daemon() override
+    ~Daemon() override { Kill(); }
+
+    bool IsListening() const { return m_output.startsWith("listening on http://127.0.0.1:"); }
+    QString Url() const { return QString::fromLatin1(m_output.mid(qstrlen("listening on ")).trimmed()); }
+    void Kill()
     {
         kill();
         waitForFinished();
     }
-
-    bool IsListening() const { return m_output.startsWith("listening on http://127.0.0.1:"); }
 
 private:
     QByteArray m_output;
@@ -48,6 +51,9 @@ private slots:
     void EndsWhenAsked_data();
     void EndsWhenAsked();
     void AKillLosesNoFinishedFrame();
+    void AKillLosesNoAction();
+    void MoneyIsPaidIn_data();
+    void MoneyIsPaidIn();
     void ShippedScenesRender_data();
     void ShippedScenesRender();
 
@@ -113,6 +119,79 @@ void DaemonTest::AKillLosesNoFinishedFrame()
         QCOMPARE(ReadFile(m_folder->filePath(QStringLiteral("jobs/%1/%2").arg(job, frame))),
             QByteArray("a scene"));
     }
+}
+
+void DaemonTest::AKillLosesNoAction()
+{
+    QVERIFY(WriteFile(Path("scene.txt"), "a scene"));
+    // Begins frame 3 and stays there until ../gate exists.
+    QVERIFY(WriteFile(Path("types.json"),
+        ScriptedTypes(QStringLiteral("echo {frame} >> ../log; "
+                                     "[ {frame} -ne 3 ] || while [ ! -e ../gate ]; do sleep 0.01; done; "
+                                     "cp {scene} {output}"))));
+    FarmData data(m_folder->path());
+    const QString job = data.jobs.Add(data.Job(QStringLiteral("job"), 4)).id;
+    const QStringList options {
+        QStringLiteral("--job-types"), Path("types.json"), QStringLiteral("--scenes"), m_folder->path()};
+    // The kill comes with the answer.
+    const auto doAndKill = [&](Daemon& daemon, const char* action) {
+        FarmClient client;
+        client.SetUrl(daemon.Url());
+        const Reply reply = client.Send("POST", QStringLiteral("/jobs/") + QLatin1String(action),
+            "{\"ids\":[\"" + job.toLatin1() + "\"]}", client.SignIn("ann", "secret"));
+        daemon.Kill();
+        return reply.status;
+    };
+    Daemon first(m_folder->path(), options);
+    QTRY_COMPARE_WITH_TIMEOUT(ReadFile(Path("jobs/log")), QByteArray("1\n2\n3\n"), patienceMs);
+    QCOMPARE(doAndKill(first, "stop"), 200);
+    QCOMPARE(data.Only().status, int(JobStatus::Paused));
+
+    Daemon second(m_folder->path(), options);
+    QCOMPARE(doAndKill(second, "recover"), 200);
+    QCOMPARE(data.Only().progress, 50);
+    Daemon third(m_folder->path(), options);
+    QTRY_COMPARE_WITH_TIMEOUT(data.Only().status, int(JobStatus::Running), patienceMs);
+    const QString earlier = m_folder->filePath(QStringLiteral("jobs/%1/frame_0004.txt").arg(job));
+    QVERIFY(WriteFile(earlier, "of the earlier run"));
+    QCOMPARE(doAndKill(third, "restart"), 200);
+
+    QVERIFY(WriteFile(Path("jobs/gate"), {}));
+    const Daemon fourth(m_folder->path(), options);
+    QTRY_COMPARE_WITH_TIMEOUT(data.Only().status, int(JobStatus::Finished), patienceMs);
+    QVERIFY(ReadFile(Path("jobs/log")).endsWith("\n1\n2\n3\n4\n"));
+    QCOMPARE(ReadFile(earlier), QByteArray("a scene"));
+}
+
+void DaemonTest::MoneyIsPaidIn_data()
+{
+    QTest::addColumn<QStringList>("credit");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<qint64>("balance");
+    const auto row
+        = [](const char* name, const char* account, const char* amount, int exitCode, qint64 balance) {
+              QTest::newRow(name) << QStringList {QString::fromLatin1(account), QString::fromLatin1(amount)}
+                                  << exitCode << balance;
+          };
+    row("amount", "ann", "2.50", 0, 12'500'000);
+    row("by e-mail address", "ann@example.org", "1", 0, 11'000'000);
+    row("unknown account", "eve", "1", 1, 10'000'000);
+    row("no number", "ann", "much", 2, 10'000'000);
+    row("taking", "ann", "-1", 2, 10'000'000);
+    row("not finite", "ann", "inf", 2, 10'000'000);
+}
+
+// While the farm runs.
+void DaemonTest::MoneyIsPaidIn()
+{
+    QFETCH(QStringList, credit);
+    FarmData data(m_folder->path());
+    const Daemon daemon(m_folder->path(), {});
+    QVERIFY(daemon.IsListening());
+    const QStringList arguments {QStringLiteral("--data"), m_folder->path(), QStringLiteral("--credit"),
+        credit.at(0), QStringLiteral("--"), credit.at(1)};
+    QTEST(QProcess::execute(QStringLiteral(FARM_DAEMON), arguments), "exitCode");
+    QTEST(qint64(data.accounts.Info(data.account).balance), "balance");
 }
 
 void DaemonTest::ShippedScenesRender_data()

@@ -1,24 +1,13 @@
 #include "farm.h"
+#include "farm_client.h"
 #include "farm_fixture.h"
+#include "local_time.h"
 
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
 #include <QTcpSocket>
 #include <QtTest>
 #include <QUrlQuery>
 
 using namespace farm;
-
-namespace {
-
-struct Reply
-{
-    int status = 0;
-    QJsonObject body;
-    QByteArray retryAfter;
-};
-
-} // namespace
 
 class HttpTest : public QObject
 {
@@ -32,6 +21,8 @@ private slots:
     void BothKindsOfAccountShowTheirBalances();
     void DemoJobsFillThreePages();
     void ConditionsReachTheList();
+    void SearchFindsWhatSqlFinds_data();
+    void SearchFindsWhatSqlFinds();
     void BadRequestsAreRefused_data();
     void BadRequestsAreRefused();
     void RubbishOnTheWireIsSurvived_data();
@@ -41,14 +32,16 @@ private slots:
 private:
     std::unique_ptr<Farm> Start(const QString& folder, const RequestLimits& limits = {});
     Reply Send(const QByteArray& method, const QString& path, const QByteArray& body = {},
-        const QString& token = QString());
-    QString SignIn(const char* name);
+        const QString& token = QString())
+    {
+        return m_client.Send(method, path, body, token);
+    }
+    QString SignIn(const char* name) { return m_client.SignIn(name, name); }
     QByteArray SendRaw(const QByteArray& request);
 
     QTemporaryDir m_folder;
     std::unique_ptr<Farm> m_farm;
-    QString m_url;
-    QNetworkAccessManager m_network;
+    FarmClient m_client;
 };
 
 std::unique_ptr<Farm> HttpTest::Start(const QString& folder, const RequestLimits& limits)
@@ -66,37 +59,14 @@ std::unique_ptr<Farm> HttpTest::Start(const QString& folder, const RequestLimits
 void HttpTest::initTestCase()
 {
     m_farm = Start(m_folder.path(), {{1000, 100}, {1000, 100}, {1000, 100}});
-    m_url = m_farm->Url();
-}
-
-Reply HttpTest::Send(
-    const QByteArray& method, const QString& path, const QByteArray& body, const QString& token)
-{
-    QNetworkRequest request(QUrl(m_url + QStringLiteral("/api/v1") + path));
-    request.setHeader(QNetworkRequest::ContentTypeHeader, QByteArray("application/json"));
-    if (!token.isEmpty())
-        request.setRawHeader("Authorization", "Bearer " + token.toLatin1());
-    const std::unique_ptr<QNetworkReply> reply(m_network.sendCustomRequest(request, method, body));
-    QSignalSpy finished(reply.get(), &QNetworkReply::finished);
-    if (!reply->isFinished())
-        finished.wait();
-    return {reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(),
-        QJsonDocument::fromJson(reply->readAll()).object(), reply->rawHeader("Retry-After")};
-}
-
-QString HttpTest::SignIn(const char* name)
-{
-    const QJsonObject body {
-        {QStringLiteral("username"), QLatin1String(name)}, {QStringLiteral("password"), QLatin1String(name)}};
-    const Reply reply = Send("POST", QStringLiteral("/session"), QJsonDocument(body).toJson());
-    return reply.body[QLatin1String("data")][QLatin1String("token")].toString();
+    m_client.SetUrl(m_farm->Url());
 }
 
 // The whole answer to what is sent; empty when the connection is just closed.
 QByteArray HttpTest::SendRaw(const QByteArray& request)
 {
     QTcpSocket socket;
-    const QUrl url(m_url);
+    const QUrl url(m_farm->Url());
     socket.connectToHost(url.host(), static_cast<quint16>(url.port()));
     if (!socket.waitForConnected())
         return "not connected";
@@ -131,15 +101,18 @@ void HttpTest::ARequestNeedsASession_data()
     QTest::newRow("projects") << QByteArray("GET") << QStringLiteral("/projects");
     QTest::newRow("jobs") << QByteArray("GET") << QStringLiteral("/jobs");
     QTest::newRow("search") << QByteArray("POST") << QStringLiteral("/jobs/search");
+    for (const char* action : {"stop", "recover", "restart", "delete", "full-render"})
+        QTest::newRow(action) << QByteArray("POST") << QStringLiteral("/jobs/") + QLatin1String(action);
 }
 
 void HttpTest::ARequestNeedsASession()
 {
     QFETCH(QByteArray, method);
     QFETCH(QString, path);
-    QCOMPARE(Send(method, path, "{}").status, 401);
-    QCOMPARE(Send(method, path, "{}", QStringLiteral("no-such-token")).status, 401);
-    QCOMPARE(Send(method, path, "{}", SignIn("demo")).status, 200);
+    const QByteArray body = R"({"ids":[]})";
+    QCOMPARE(Send(method, path, body).status, 401);
+    QCOMPARE(Send(method, path, body, QStringLiteral("no-such-token")).status, 401);
+    QCOMPARE(Send(method, path, body, SignIn("demo")).status, 200);
 }
 
 void HttpTest::BothKindsOfAccountShowTheirBalances()
@@ -206,6 +179,63 @@ void HttpTest::ConditionsReachTheList()
     QCOMPARE(found.body[QLatin1String("data")], listed.body[QLatin1String("data")]);
 }
 
+void HttpTest::SearchFindsWhatSqlFinds_data()
+{
+    QTest::addColumn<QByteArray>("conditions");
+    QTest::addColumn<QByteArray>("sql");
+    const auto row = [](const QByteArray& name, const QByteArray& conditions, const QByteArray& sql) {
+        QTest::newRow(name.constData()) << conditions << sql;
+    };
+    row("number", R"({"job_increasement":"7"})", "number = 7");
+    row("name", R"({"job_name":"DAWN_SH0"})", "name LIKE '%dawn\\_sh0%' ESCAPE '\\'");
+    row("type", R"({"job_type":"raytracer@povray@POV-Ray"})", "type = 'povray'");
+    for (int status = 0; status <= 9; ++status) {
+        const QByteArray code = QByteArray::number(status);
+        row("status " + code, "{\"status\":\"" + code + "\"}", "status = " + code);
+    }
+    row("project", R"({"pool_id":"pool-titles"})",
+        "project IN (SELECT key FROM projects WHERE name = 'Main Titles')");
+    row("business type", R"({"job_business_type":"0"})", "NOT business");
+    constexpr qint64 day = 86400;
+    const qint64 from = Now() - 12 * day;
+    const qint64 to = from + 5 * day;
+    const auto bounds = [&](const char* what) {
+        return QStringLiteral("{\"%1_min_time\":\"%2\",\"%1_max_time\":\"%3\"}")
+            .arg(QLatin1String(what), TimeText(from), TimeText(to))
+            .toUtf8();
+    };
+    const QByteArray between = " BETWEEN " + QByteArray::number(from) + " AND " + QByteArray::number(to);
+    row("submission", bounds("start"), "submitted_at" + between);
+    row("end", bounds("end"), "ended_at" + between);
+}
+
+void HttpTest::SearchFindsWhatSqlFinds()
+{
+    QFETCH(QByteArray, conditions);
+    QFETCH(QByteArray, sql);
+    FarmData data(m_folder.path());
+    const bool deleted = sql == "status = 5";
+    const QStringList wanted = data.database.Read([&](SQLite::Database& connection) {
+        SQLite::Statement query(connection,
+            "SELECT id FROM jobs WHERE account = (SELECT key FROM accounts WHERE name = 'demo') AND "
+            "(status <> 5 OR "
+                + std::to_string(int(deleted)) + ") AND " + sql.toStdString() + " ORDER BY number DESC");
+        QStringList ids;
+        while (query.executeStep())
+            ids.append(Text(query.getColumn(0)));
+        return ids;
+    });
+    const QJsonObject search {
+        {QStringLiteral("pageSize"), 1000}, {QStringLiteral("conditions"), QString::fromUtf8(conditions)}};
+    const Reply reply
+        = Send("POST", QStringLiteral("/jobs/search"), QJsonDocument(search).toJson(), SignIn("demo"));
+    QStringList found;
+    const QJsonArray list = reply.body[QLatin1String("data")][QLatin1String("list")].toArray();
+    for (const QJsonValue& job : list)
+        found.append(job[QLatin1String("job_id")].toString());
+    QCOMPARE(found, wanted);
+}
+
 void HttpTest::BadRequestsAreRefused_data()
 {
     QTest::addColumn<QByteArray>("method");
@@ -213,7 +243,7 @@ void HttpTest::BadRequestsAreRefused_data()
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("word");
-    const auto row = [](const char* name, const char* method, const char* path, const QByteArray& body,
+    const auto row = [](const char* name, const char* method, const QByteArray& path, const QByteArray& body,
                          int status, const char* word) {
         QTest::newRow(name) << QByteArray(method) << QString::fromLatin1(path) << body << status
                             << QString::fromLatin1(word);
@@ -239,6 +269,15 @@ void HttpTest::BadRequestsAreRefused_data()
     row("conditions no JSON", "GET", "/jobs?conditions=rubbish", {}, 400, "bad_request");
     row("conditions bad UTF-8", "GET", "/jobs?conditions=%7B%22job_name%22%3A%22%FF%22%7D", {}, 400,
         "bad_request");
+    row("no such job", "GET", "/jobs/abc", {}, 404, "not_found");
+    row("job of a path upwards", "GET", "/jobs/%2E%2E", {}, 404, "not_found");
+    row("job with an endless id", "GET", "/jobs/" + QByteArray(8000, 'a'), {}, 404, "not_found");
+    row("ids missing", "POST", "/jobs/stop", "{}", 400, "bad_request");
+    row("ids no list", "POST", "/jobs/stop", R"({"ids":"a"})", 400, "bad_request");
+    row("ids no texts", "POST", "/jobs/stop", R"({"ids":[1]})", 400, "bad_request");
+    row("too many ids", "POST", "/jobs/stop", "{\"ids\":[" + QByteArray(R"("a",)").repeated(1000) + "\"a\"]}",
+        400, "bad_request");
+    row("unknown action", "POST", "/jobs/explode", R"({"ids":[]})", 404, "not_found");
     row("conditions an array", "POST", "/jobs/search", R"({"conditions":[]})", 400, "bad_request");
 }
 
@@ -278,7 +317,7 @@ void HttpTest::GuessingIsSlowedDown()
 {
     QTemporaryDir folder;
     const auto farm = Start(folder.path(), {{5, 0.01}, {2, 0.01}, {2, 0.01}});
-    const QString url = std::exchange(m_url, farm->Url());
+    m_client.SetUrl(farm->Url());
     const QByteArray wrong = R"({"username":"Demo","password":"x"})";
     const QString token = SignIn("demo");
     QCOMPARE(Send("POST", QStringLiteral("/session"), wrong).status, 401);
@@ -291,7 +330,7 @@ void HttpTest::GuessingIsSlowedDown()
     QCOMPARE(Send("GET", QStringLiteral("/account"), {}, token).status, 200);
     QCOMPARE(Send("GET", QStringLiteral("/account"), {}, token).status, 200);
     QCOMPARE(Send("GET", QStringLiteral("/account"), {}, token).status, 429);
-    m_url = url;
+    m_client.SetUrl(m_farm->Url());
 }
 
 QTEST_GUILESS_MAIN(HttpTest)

@@ -2,6 +2,7 @@
 #include "database.h"
 #include "farm_fixture.h"
 #include "money.h"
+#include "render_queue.h"
 
 #include <QtTest>
 
@@ -17,6 +18,7 @@ private slots:
     void AFailedChangeLeavesNothingBehind();
     void AnInnerChangeFailsWithTheOuterOne();
     void DataOfANewerFarmAreRefused();
+    void DataOfAnOlderFarmAreTakenOver();
     void AFolderServesOneFarmAtATime();
 };
 
@@ -73,6 +75,26 @@ void StorageTest::DataOfANewerFarmAreRefused()
         database.Read([](SQLite::Database& connection) { connection.exec("PRAGMA user_version = 999"); });
     }
     QVERIFY_EXCEPTION_THROWN(Database {path}, std::runtime_error);
+}
+
+void StorageTest::DataOfAnOlderFarmAreTakenOver()
+{
+    QTemporaryDir folder;
+    QString id;
+    {
+        FarmData data(folder.path());
+        id = data.jobs.Add(data.Job(QStringLiteral("old"), 2)).id;
+        data.database.Read([](SQLite::Database& connection) {
+            connection.exec(
+                "DROP VIEW open_jobs; DROP INDEX jobs_to_render; ALTER TABLE jobs DROP COLUMN run; "
+                "CREATE INDEX open_jobs ON jobs(key) WHERE status IN (0, 1); PRAGMA user_version = 1");
+        });
+    }
+    FarmData data(folder.path());
+    QCOMPARE(data.Only().id, id);
+    const auto next = RenderQueue(data.database, usualPrice).Next({QStringLiteral("povray")}, 0, {});
+    QVERIFY(next);
+    QCOMPARE(next->jobId, id);
 }
 
 void StorageTest::AFolderServesOneFarmAtATime()

@@ -18,6 +18,8 @@ private slots:
     void KeepsRefusedJobsOfAFailure();
     void KeepsDotsInsideThePath_data();
     void KeepsDotsInsideThePath();
+    void SendsLongConditionsInABody_data();
+    void SendsLongConditionsInABody();
 };
 
 void TestHostProtocol::ChecksSuccesses_data()
@@ -95,6 +97,38 @@ void TestHostProtocol::KeepsDotsInsideThePath()
     QFETCH(QString, id);
     QFETCH(QByteArray, target);
     QCOMPARE(JobInfoRequest({{QStringLiteral("id"), id}}).target, target);
+}
+
+void TestHostProtocol::SendsLongConditionsInABody_data()
+{
+    QTest::addColumn<int>("idCount");
+    QTest::addColumn<bool>("inBody");
+    QTest::newRow("a few ids") << 18 << false;
+    QTest::newRow("as many as a URL holds") << 140 << false;
+    QTest::newRow("more than a URL holds") << 1000 << true;
+}
+
+void TestHostProtocol::SendsLongConditionsInABody()
+{
+    QFETCH(int, idCount);
+    QFETCH(bool, inBody);
+    const QStringList ids = QVector<QString>(idCount, QStringLiteral("0123456789abcdef01234567")).toList();
+    const QString conditions = QStringLiteral("{\"job_guid\":\"%1\"}").arg(ids.join(QLatin1Char(',')));
+    const HttpRequest request = JobListRequest({{QStringLiteral("page"), 2}, {QStringLiteral("pageSize"), 18},
+        {QStringLiteral("conditions"), conditions}, {QStringLiteral("token"), QStringLiteral("abc")}});
+    QCOMPARE(request.token, QByteArray("abc"));
+    QVERIFY(request.repeatable);
+    QVERIFY(request.target.size() < 8000);
+    QCOMPARE(request.verb, QByteArray(inBody ? "POST" : "GET"));
+    if (inBody) {
+        QCOMPARE(request.target, QByteArray("/jobs/search"));
+        const QJsonObject body {{QStringLiteral("page"), 2}, {QStringLiteral("pageSize"), 18},
+            {QStringLiteral("conditions"), conditions}};
+        QCOMPARE(QJsonDocument::fromJson(request.body).object(), body);
+    } else {
+        QVERIFY(request.body.isEmpty());
+        QVERIFY(request.target.contains("%2C0123456789abcdef01234567%22%7D"));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestHostProtocol)
