@@ -140,8 +140,10 @@ void VTSetArgument::TriggerArgumentOk()
             return;
         lstArguments.append(VTRenderArguments::MakeGroup(i, range, image));
     }
+    const QPointer<VTSetArgument> pSelf(this);
     StoreArguments(lstArguments);
-    m_form.Close();
+    if (pSelf)
+        m_form.Close();
 }
 
 /// Tells the user what is wrong with a range that is not accepted; this object may be gone then.

@@ -9,6 +9,7 @@
 #include "vtr_tablecells.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTimer>
@@ -51,6 +52,14 @@ void VTSetParent::Retire()
     m_pSiblings = nullptr;
     m_pPollTimer->stop();
     CancelFill();
+    // Answers that still come must not take anything out of the file: nobody would recover the jobs.
+    m_dependencies = VTDependencies();
+}
+
+void VTSetParent::CancelFill()
+{
+    ++m_nFill;
+    ++m_nSession;
 }
 
 void VTSetParent::InitWidgets()
@@ -58,6 +67,7 @@ void VTSetParent::InitWidgets()
     m_form.SetDialogFlags();
     m_pCandidates = m_form.Find<QTableWidget>(QStringLiteral("twtJobList"));
     m_pCandidates->setColumnCount(VTJobColumn::Count);
+    m_pCandidates->setSortingEnabled(false);
     m_pBtnClose = m_form.Find<QPushButton>(QStringLiteral("btnCloseSetParent"));
     m_pBtnOk = m_form.Find<QPushButton>(QStringLiteral("btnOkSetParent"));
     connect(m_pBtnClose, &QPushButton::clicked, m_form.Form(), &QWidget::close);
@@ -90,9 +100,10 @@ void VTSetParent::SetJobParent()
         return;
     m_form.Form()->setProperty(SonsProperty, lstSon);
     const QPointer<VTSetParent> pSelf(this);
+    const int nSession = m_nSession;
     emit getJobList(FirstPage, QString(), ListForParents);
-    // An answer that came at once has run events already.
-    if (pSelf)
+    // An answer that came at once has run events already, and may have outlasted the session.
+    if (pSelf && nSession == m_nSession)
         m_form.Exec();
 }
 
@@ -115,27 +126,27 @@ QStringList VTSetParent::WaitingSons() const
 void VTSetParent::TriggerSetParentOk()
 {
     const QStringList lstParent = GetCheckedItem();
-    if (lstParent.isEmpty()) {
+    const QStringList lstSon
+        = m_form.Form() ? m_form.Form()->property(SonsProperty).toStringList() : QStringList();
+    if (lstParent.isEmpty() || lstSon.isEmpty()) {
         m_form.Close();
         return;
     }
-    const QStringList lstSon = m_form.Form()->property(SonsProperty).toStringList();
     const QString strParents = lstParent.join(QLatin1Char('&'));
     // A job cannot wait for itself. Part of another's identity counts as well.
     for (const QString& strSon : lstSon) {
         if (strParents.contains(strSon))
             return;
     }
-    emit stopJobs(JobsRequest(lstSon));
+    // On the disk first: jobs that were stopped and forgotten would wait for ever.
     const bool bSaved = m_dependencies.Record(lstSon, lstParent);
     m_pPollTimer->start();
-    if (!bSaved) {
-        const QPointer<VTSetParent> pSelf(this);
+    const QPointer<VTSetParent> pSelf(this);
+    emit stopJobs(JobsRequest(lstSon));
+    if (pSelf && !bSaved)
         ReportUnsaved(true);
-        if (!pSelf)
-            return;
-    }
-    m_form.Close();
+    if (pSelf)
+        m_form.Close();
 }
 
 void VTSetParent::ShowParenList(QVariantList lstJobs)
@@ -206,16 +217,24 @@ void VTSetParent::GetJobInfo()
             m_pPollTimer->stop();
         return;
     }
+    const QPointer<VTSetParent> pSelf(this);
+    const int nSession = m_nSession;
     const QVector<VTParentJob> lstParent = m_dependencies.TakeNext();
-    for (const VTParentJob& parent : lstParent)
+    for (const VTParentJob& parent : lstParent) {
         emit getJobInfo(InfoRequest(parent));
+        if (!pSelf || nSession != m_nSession)
+            return;
+    }
 }
 
 void VTSetParent::GetSettings(QString strServer, QString strToken, QString strUsername, QString strUserId)
 {
+    ++m_nSession;
     m_strToken = strToken;
     m_strUserId = strUserId;
     m_dependencies.Open(VTAccountFile(QStringLiteral("data"), strServer, strUsername));
+    if (!QFileInfo(m_dependencies.Path()).isWritable())
+        ReportUnsaved(false);
     m_pPollTimer->start();
 }
 
@@ -226,11 +245,15 @@ void VTSetParent::TriggerJobInfoResponse(int nRet, QVariantMap mapData)
     if (nRet != VTProtocol::Success || !mapData.value(VTProtocol::Identifier).toBool() || strJobId.isEmpty()
         || ReportedStatus(mapData) != VTCodeTables::JobFinished)
         return;
+    const QPointer<VTSetParent> pSelf(this);
+    const int nSession = m_nSession;
     const QStringList lstKey = m_dependencies.Finish(strJobId);
     for (const QString& strKey : lstKey) {
         if (!m_dependencies.Release(strKey))
             ReportUnsaved(false);
         emit recoverJobs(JobsRequest(VTDependencies::Sons(strKey)));
+        if (!pSelf || nSession != m_nSession)
+            return;
     }
 }
 

@@ -42,8 +42,9 @@ public:
     /// Finds the form's widgets and connects them; once, before any other call.
     void InitWidgets();
 
-    /// Ends a fill of the candidate list that is under way, after the row in hand.
-    void CancelFill() { ++m_nFill; }
+    /// The session has ended: ends a fill of the candidate list that is under way, after the row in hand, and whatever
+    /// else waits for an answer.
+    void CancelFill();
 
 signals:
     void getJobList(int nPage, QString strCondition, int nFlage);
@@ -89,4 +90,5 @@ private:
     QString m_strToken;
     QString m_strUserId;
     int m_nFill = 0;
+    int m_nSession = 0; ///< changes when a session begins or ends
 };

@@ -95,8 +95,10 @@ void VTTables::UncheckAll() const
 
 void VTTables::SetUpColumns() const
 {
-    for (int nTab = 0; nTab < VTList::Count; ++nTab)
+    for (int nTab = 0; nTab < VTList::Count; ++nTab) {
         m_form.Table(nTab)->setColumnCount(VTJobColumn::Count);
+        m_form.Table(nTab)->setSortingEnabled(false); // rows stand where the lists put them
+    }
 }
 
 void VTTables::SpreadColumns(int nTab) const
