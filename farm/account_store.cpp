@@ -1,6 +1,5 @@
 #include "account_store.h"
 
-#include "database.h"
 #include "secrets.h"
 
 namespace farm {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "money.h"
+#include "schema.h"
 
 #include <QString>
 
@@ -9,8 +10,6 @@
 #include <vector>
 
 namespace farm {
-
-class Database;
 
 struct NewAccount
 {

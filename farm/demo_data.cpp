@@ -1,7 +1,6 @@
 #include "demo_data.h"
 
 #include "account_store.h"
-#include "database.h"
 #include "job_store.h"
 
 #include <array>

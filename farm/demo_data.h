@@ -1,11 +1,12 @@
 #pragma once
 
+#include "schema.h"
+
 #include <cstdint>
 
 namespace farm {
 
 class AccountStore;
-class Database;
 class JobStore;
 
 /// Fills an empty farm with the accounts "demo", "studio" and "arrears" and three weeks of their jobs. Gives "demo" jobs

@@ -2,7 +2,6 @@
 
 #include "account_store.h"
 #include "data_lock.h"
-#include "database.h"
 #include "frame_files.h"
 #include "http_server.h"
 #include "job_actions.h"
@@ -11,6 +10,7 @@
 #include "render_queue.h"
 #include "routes.h"
 #include "scheduler.h"
+#include "schema.h"
 
 namespace farm {
 

@@ -1,30 +1,14 @@
 #include "frame_files.h"
 
+#include "durable_file.h"
+
 #include <QDir>
 #include <QFile>
 #include <QSaveFile>
 
-#include <cstdio>
-#include <fcntl.h>
 #include <stdexcept>
-#include <unistd.h>
 
 namespace farm {
-
-namespace {
-
-// A rename is on the disk only when the folder is.
-void SyncToDisk(const QString& path)
-{
-    const int file = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    const bool synced = file >= 0 && ::fsync(file) == 0;
-    if (file >= 0)
-        ::close(file);
-    if (!synced)
-        throw std::runtime_error("cannot write to the disk");
-}
-
-} // namespace
 
 FrameFiles::FrameFiles(const QString& folder, const QString& sceneFolder)
     : m_folder(folder)
@@ -73,8 +57,8 @@ void FrameFiles::MakeFolder(const QDir& folder) const
         return;
     if (!folder.mkpath(QStringLiteral(".")))
         throw std::runtime_error("cannot make the job's folder");
-    SyncToDisk(m_folder);
-    SyncToDisk(QFileInfo(m_folder).path());
+    storage::SyncToDisk(m_folder);
+    storage::SyncToDisk(QFileInfo(m_folder).path());
 }
 
 void FrameFiles::ProvideScene(const FrameTask& task) const
@@ -97,11 +81,8 @@ void FrameFiles::Keep(const FrameTask& task, const QString& suffix) const
     const QString finished = folder.filePath(FrameName(task.Number(), suffix));
     if (QFileInfo(unfinished).size() == 0)
         throw std::runtime_error("the renderer left no picture");
-    SyncToDisk(unfinished);
-    // QFile::rename() would not replace a frame that was kept but not marked before a crash.
-    if (std::rename(QFile::encodeName(unfinished).constData(), QFile::encodeName(finished).constData()) != 0)
-        throw std::runtime_error("cannot rename the frame");
-    SyncToDisk(folder.path());
+    // It may be there already: kept, but not marked before a crash.
+    storage::RenameDurably(unfinished, finished);
 }
 
 } // namespace farm

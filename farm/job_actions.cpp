@@ -1,6 +1,5 @@
 #include "job_actions.h"
 
-#include "database.h"
 #include "job_status.h"
 
 #include <QJsonArray>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "schema.h"
+
 #include <QStringList>
 
 #include <cstdint>
@@ -7,8 +9,6 @@
 #include <optional>
 
 namespace farm {
-
-class Database;
 
 enum class JobAction { Stop, Recover, Restart, Delete, FullRender };
 

@@ -1,6 +1,5 @@
 #include "job_store.h"
 
-#include "database.h"
 #include "job_filter.h"
 #include "secrets.h"
 

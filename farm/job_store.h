@@ -3,13 +3,12 @@
 #include "job_conditions.h"
 #include "job_status.h"
 #include "money.h"
+#include "schema.h"
 
 #include <optional>
 #include <vector>
 
 namespace farm {
-
-class Database;
 
 struct NewJob
 {

@@ -177,7 +177,7 @@ int PayIn(const Options& options)
     const QString file = farm::Farm::DatabaseFile(options.settings.dataFolder);
     if (!QFile::exists(file))
         throw std::runtime_error("there is no farm in the data folder");
-    farm::Database database(file);
+    farm::Database database(file, farm::Schema());
     farm::AccountStore accounts(database, 0);
     const auto balance = accounts.Credit(options.creditAccount, options.creditAmount);
     if (!balance)

@@ -1,6 +1,5 @@
 #include "render_queue.h"
 
-#include "database.h"
 #include "job_status.h"
 
 #include <QJsonArray>

@@ -2,6 +2,7 @@
 
 #include "frame_task.h"
 #include "money.h"
+#include "schema.h"
 
 #include <QStringList>
 
@@ -9,8 +10,6 @@
 #include <set>
 
 namespace farm {
-
-class Database;
 
 /// The work that the jobs hold, and what is written down when a piece of it is done.
 /// A frame being rendered is not marked: after a crash it is simply still open.

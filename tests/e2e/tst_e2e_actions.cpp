@@ -186,7 +186,7 @@ QString TestE2eActions::StartClient(const char* account, const QString& farmProg
 void TestE2eActions::ASonWaitsForItsParentAcrossARestart()
 {
     QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("farm")));
-    farm::Database database(Path("farm/farm.sqlite"));
+    farm::Database database(Path("farm/farm.sqlite"), farm::Schema());
     farm::AccountStore accounts(database, 3600);
     farm::JobStore jobs(database);
     farm::NewJob job;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "account_store.h"
-#include "database.h"
 #include "job_store.h"
+#include "schema.h"
 
 #include <QDir>
 #include <QFile>
@@ -19,7 +19,7 @@ class FarmData
 {
 public:
     explicit FarmData(const QString& folder)
-        : database(QDir(folder).filePath(QStringLiteral("farm.sqlite")))
+        : database(QDir(folder).filePath(QStringLiteral("farm.sqlite")), farm::Schema())
         , accounts(database, 3600)
         , jobs(database)
     {

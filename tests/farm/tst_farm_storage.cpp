@@ -1,8 +1,8 @@
 #include "data_lock.h"
-#include "database.h"
 #include "farm_fixture.h"
 #include "money.h"
 #include "render_queue.h"
+#include "schema.h"
 
 #include <QtTest>
 
@@ -71,10 +71,10 @@ void StorageTest::DataOfANewerFarmAreRefused()
     QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("farm.sqlite"));
     {
-        Database database(path);
+        Database database(path, farm::Schema());
         database.Read([](SQLite::Database& connection) { connection.exec("PRAGMA user_version = 999"); });
     }
-    QVERIFY_EXCEPTION_THROWN(Database {path}, std::runtime_error);
+    QVERIFY_EXCEPTION_THROWN(Database(path, farm::Schema()), std::runtime_error);
 }
 
 void StorageTest::DataOfAnOlderFarmAreTakenOver()

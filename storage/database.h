@@ -6,17 +6,21 @@
 
 #include <mutex>
 #include <type_traits>
+#include <vector>
 
-namespace farm {
+namespace storage {
 
-/// The farm's database: one connection, used by one thread at a time.
+/// SQL scripts; number n leads from schema version n to n + 1. Those that were released are never changed.
+using Migrations = std::vector<const char*>;
+
+/// A database file: one connection, used by one thread at a time.
 /// Every change is on the disk when Write() returns. Errors are thrown as SQLite::Exception.
 class Database
 {
 public:
     /// Opens or creates the file and brings its schema up to date.
-    /// Throws std::runtime_error when a newer farm has written it.
-    explicit Database(const QString& path);
+    /// Throws std::runtime_error when a newer program has written it.
+    Database(const QString& path, const Migrations& migrations);
 
     /// Runs `work(SQLite::Database&)` while nobody else uses the connection.
     template <typename Work>
@@ -46,7 +50,7 @@ public:
     }
 
 private:
-    void Migrate();
+    void Migrate(const Migrations& migrations);
 
     std::recursive_mutex m_mutex;
     SQLite::Database m_connection;
@@ -80,4 +84,4 @@ int Execute(SQLite::Database& connection, const char* sql, const Values&... valu
     return statement.exec();
 }
 
-} // namespace farm
+} // namespace storage

@@ -1,13 +1,8 @@
-#include "database.h"
-
-#include <array>
-#include <stdexcept>
+#include "schema.h"
 
 namespace farm {
 
 namespace {
-
-constexpr int busyTimeoutMs = 5000;
 
 // Times are seconds since the epoch, amounts are millionths of the currency unit.
 constexpr const char* firstSchema = R"sql(
@@ -85,37 +80,11 @@ CREATE INDEX jobs_to_render ON jobs(key) WHERE status IN (0, 1, 6);
 CREATE VIEW open_jobs AS SELECT * FROM jobs WHERE status IN (0, 1, 6);
 )sql";
 
-// Step n leads from user_version n to n + 1. Steps that were released are never changed.
-constexpr std::array<const char*, 2> migrations {firstSchema, runsAndFullRenders};
-
 } // namespace
 
-Database::Database(const QString& path)
-    : m_connection(path.toStdString(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, busyTimeoutMs)
+storage::Migrations Schema()
 {
-    m_connection.exec("PRAGMA journal_mode = WAL");
-    m_connection.exec("PRAGMA synchronous = FULL");
-    m_connection.exec("PRAGMA foreign_keys = ON");
-    Migrate();
-}
-
-void Database::Migrate()
-{
-    const int known = static_cast<int>(migrations.size());
-    const int found = m_connection.execAndGet("PRAGMA user_version").getInt();
-    if (found > known)
-        throw std::runtime_error("the data were written by a newer version of the farm");
-    for (int version = found; version < known; ++version) {
-        Write([version](SQLite::Database& connection) {
-            connection.exec(migrations.at(static_cast<std::size_t>(version)));
-            connection.exec("PRAGMA user_version = " + std::to_string(version + 1));
-        });
-    }
-}
-
-QString Text(const SQLite::Column& column)
-{
-    return QString::fromStdString(column.getString());
+    return {firstSchema, runsAndFullRenders};
 }
 
 } // namespace farm

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "database.h"
+
+namespace farm {
+
+using storage::Bind;
+using storage::Database;
+using storage::Execute;
+using storage::Text;
+
+/// The tables of the farm's database.
+storage::Migrations Schema();
+
+} // namespace farm

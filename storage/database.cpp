@@ -1,0 +1,42 @@
+#include "database.h"
+
+#include <stdexcept>
+#include <string>
+
+namespace storage {
+
+namespace {
+
+constexpr int busyTimeoutMs = 5000;
+
+} // namespace
+
+Database::Database(const QString& path, const Migrations& migrations)
+    : m_connection(path.toStdString(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, busyTimeoutMs)
+{
+    m_connection.exec("PRAGMA journal_mode = WAL");
+    m_connection.exec("PRAGMA synchronous = FULL");
+    m_connection.exec("PRAGMA foreign_keys = ON");
+    Migrate(migrations);
+}
+
+void Database::Migrate(const Migrations& migrations)
+{
+    const int known = static_cast<int>(migrations.size());
+    const int found = m_connection.execAndGet("PRAGMA user_version").getInt();
+    if (found > known)
+        throw std::runtime_error("the data were written by a newer version");
+    for (int version = found; version < known; ++version) {
+        Write([&migrations, version](SQLite::Database& connection) {
+            connection.exec(migrations.at(static_cast<std::size_t>(version)));
+            connection.exec("PRAGMA user_version = " + std::to_string(version + 1));
+        });
+    }
+}
+
+QString Text(const SQLite::Column& column)
+{
+    return QString::fromStdString(column.getString());
+}
+
+} // namespace storage

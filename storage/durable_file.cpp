@@ -1,0 +1,72 @@
+#include "durable_file.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cstdio>
+#include <fcntl.h>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace storage {
+
+namespace {
+
+constexpr qint64 blockBytes = 1024 * 1024;
+constexpr int checksumDigits = 64;
+
+bool IsLowerHexDigit(QChar character)
+{
+    return (character >= QLatin1Char('0') && character <= QLatin1Char('9'))
+        || (character >= QLatin1Char('a') && character <= QLatin1Char('f'));
+}
+
+} // namespace
+
+void SyncToDisk(const QString& path)
+{
+    const int file = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    const bool synced = file >= 0 && ::fsync(file) == 0;
+    if (file >= 0)
+        ::close(file);
+    if (!synced)
+        throw std::runtime_error("cannot write to the disk");
+}
+
+void RenameDurably(const QString& from, const QString& to)
+{
+    SyncToDisk(from);
+    // QFile::rename() does not replace a file.
+    if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0)
+        throw std::runtime_error("cannot rename a file");
+    // A rename is on the disk only when the folder is.
+    SyncToDisk(QFileInfo(to).path());
+}
+
+QString FileChecksum(const QString& path, const std::function<bool(qint64)>& onBytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw std::runtime_error("cannot read a file: " + file.errorString().toStdString());
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    QByteArray block(blockBytes, Qt::Uninitialized);
+    for (;;) {
+        const qint64 got = file.read(block.data(), block.size());
+        if (got < 0)
+            throw std::runtime_error("cannot read a file: " + file.errorString().toStdString());
+        if (got == 0)
+            return QString::fromLatin1(hash.result().toHex());
+        hash.addData(block.constData(), static_cast<int>(got));
+        if (onBytes && !onBytes(got))
+            return {};
+    }
+}
+
+bool IsChecksum(const QString& text)
+{
+    return text.size() == checksumDigits && std::all_of(text.cbegin(), text.cend(), IsLowerHexDigit);
+}
+
+} // namespace storage
