@@ -41,7 +41,7 @@ ClientHost::~ClientHost()
     m_tour.reset();
     m_session.reset();
     m_runner.reset();
-    m_services.communication.SetServerUrl({});
+    UseNoServer();
     m_farm.reset();
 }
 
@@ -60,6 +60,10 @@ bool ClientHost::Start(QString* error)
     m_session = std::make_unique<SessionControl>(
         &m_services.loader, &m_services.communication, &m_services.settings);
     connect(m_session.get(), &SessionControl::SignedIn, this, &ClientHost::ShowClient);
+    connect(
+        m_session.get(), &SessionControl::SignedIn, &m_services.renderCore, &RenderCoreService::BeginSession);
+    connect(
+        m_session.get(), &SessionControl::SignedOut, &m_services.renderCore, &RenderCoreService::EndSession);
     if (!SetAccount(embedded, error))
         return false;
     if (!m_options.screenshotFolder.isEmpty())
@@ -111,9 +115,16 @@ bool ClientHost::SetAccount(bool embedded, QString* error)
 void ClientHost::UseServer(const QUrl& url)
 {
     m_services.communication.SetServerUrl(url);
+    m_services.renderCore.SetServerUrl(url);
     if (!m_sessionBegun)
         BeginSession();
     m_sessionBegun = true;
+}
+
+void ClientHost::UseNoServer()
+{
+    m_services.communication.SetServerUrl({});
+    m_services.renderCore.SetServerUrl({});
 }
 
 void ClientHost::StartFarm()
@@ -121,7 +132,7 @@ void ClientHost::StartFarm()
     m_farm
         = std::make_unique<FarmProcess>(m_options.farmProgram, m_options.dataFolder + QLatin1String("/farm"));
     connect(m_farm.get(), &FarmProcess::Listening, this, &ClientHost::UseServer);
-    connect(m_farm.get(), &FarmProcess::Lost, this, [this] { m_services.communication.SetServerUrl({}); });
+    connect(m_farm.get(), &FarmProcess::Lost, this, [this] { UseNoServer(); });
     connect(m_farm.get(), &FarmProcess::GivenUp, this, [this](const QString& reason) {
         qCritical().noquote() << "the embedded farm cannot be kept running:" << reason;
         m_session->ShowFailure(tr("The embedded farm cannot be started."));

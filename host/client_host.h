@@ -34,6 +34,7 @@ private:
     bool StartPlugin(QString* error);
     bool SetAccount(bool embedded, QString* error);
     void UseServer(const QUrl& url);
+    void UseNoServer();
     void StartFarm();
     void BeginSession();
     void ShowClient(const QString& userName);

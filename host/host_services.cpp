@@ -32,6 +32,7 @@ HostServices::HostServices(const HostOptions& options)
     , settings(options.configFile)
     , loader(WithLook(settings, options))
     , messageBox(&loader)
+    , renderCore(options.dataFolder + QLatin1String("/transfer"), &settings)
     , configurationDialog(&loader, &settings, nullptr)
     , configuration(&configurationDialog)
 {

@@ -112,7 +112,8 @@ void SessionControl::HandleSignIn(int code, const QVariantMap& answer)
     m_window.Succeeded();
     m_settings->SetValue(LastNameKey(), answer.value(QStringLiteral("loginname")));
     m_window.Form()->hide();
-    emit SignedIn(answer.value(QStringLiteral("username")).toString());
+    emit SignedIn(answer.value(QStringLiteral("username")).toString(),
+        answer.value(QStringLiteral("data")).toMap().value(QStringLiteral("token")).toString());
     ComeForward();
 }
 
@@ -120,6 +121,7 @@ void SessionControl::HandleSignOut()
 {
     m_signedIn = false;
     m_signOut.setEnabled(false);
+    emit SignedOut();
     ShowSignIn();
     if (m_expired)
         ShowFailure(tr("Your session has ended. Please sign in again."));

@@ -40,7 +40,9 @@ public:
 
 signals:
     /// @param userName the account's own name.
-    void SignedIn(const QString& userName);
+    /// @param token of the session, never to be logged.
+    void SignedIn(const QString& userName, const QString& token);
+    void SignedOut();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -25,10 +25,7 @@ CommunicationService::CommunicationService(const HttpLimits& limits, QObject* pa
 
 void CommunicationService::SetServerUrl(const QUrl& url)
 {
-    QUrl root = url;
-    if (!url.isEmpty())
-        root.setPath(url.adjusted(QUrl::StripTrailingSlash).path() + QLatin1String("/api/v1"));
-    m_transport.SetBaseUrl(root);
+    m_transport.SetBaseUrl(FarmApiRoot(url));
 }
 
 void CommunicationService::SignIn(const QString& name, const QString& password)

@@ -1,44 +1,64 @@
 #pragma once
 
+#include "download_queue.h"
 #include "service_base.h"
+#include "submit_queue.h"
 #include "vtr_rendercoreinterface.h"
 
-/// The render core of a client that has neither submissions nor downloads: every list is empty, every id unknown.
+class VTSettingsInterface;
+
+/// The engine of submissions and downloads as the main window knows it. Every operation is one of its two queues'.
 class RenderCoreService : public ServiceBase<VTRenderCoreInterface>
 {
     Q_OBJECT
     Q_INTERFACES(VTRenderCoreInterface)
 
 public:
-    using ServiceBase::ServiceBase;
+    /// @param folder for what the queues keep.
+    /// @param settings must outlive this service.
+    RenderCoreService(const QString& folder, VTSettingsInterface* settings, QObject* parent = nullptr);
 
-    void RemoveSubmitTasks(const QStringList&, bool) override { }
-    void RemoveDownloadTasks(const QStringList&) override { }
-    void StopDownloadTasks(const QStringList&) override { }
-    void ResumeDownloadTasks(const QStringList&) override { }
-    void StopSubmitTasks() override { }
-    void ResumeSubmitTasks() override { }
-    QVariantMap* GetDownloadTasks() override { return &m_downloads; }
-    QString GetTaskSceneFile(const QString&) override { return {}; }
-    QString GetTaskStartTime(const QString&) override { return {}; }
-    QString GetTaskMessage(const QString&) override { return {}; }
-    int GetTaskStage(const QString&) override { return 0; }
-    int GetTaskProgress(const QString&) override { return 0; }
-    QString GetTaskUploadText(const QString&) override { return {}; }
-    int GetTaskErrorCode(const QString&) override { return 0; }
-    QStringList GetSubmitTaskIds() override { return {}; }
-    int GetSubmitTaskCount() override { return 0; }
-    QVariantList GetTaskArguments(const QString&) override { return {}; }
-    void UploadRetryAnswer(const QString&, bool) override { }
-    void LackTextureAnswer(const QString&, bool) override { }
-    void ContinueSubmit(const QString&) override { }
-    int SubmitScene(const QString&) override { return -1; }
-    void RedownloadTasks(const QStringList&) override { }
+    /// @param url root of the server; empty while there is none.
+    void SetServerUrl(const QUrl& url);
+
+    /// From now on the tasks are those of this account, and go on.
+    void BeginSession(const QString& userName, const QString& token);
+    void EndSession();
+
+    void RemoveSubmitTasks(const QStringList& ids, bool byUser) override;
+    void RemoveDownloadTasks(const QStringList& ids) override;
+    void StopDownloadTasks(const QStringList& ids) override;
+    void ResumeDownloadTasks(const QStringList& ids) override;
+    void StopSubmitTasks() override;
+    void ResumeSubmitTasks() override;
+    QVariantMap* GetDownloadTasks() override;
+    QString GetTaskSceneFile(const QString& id) override;
+    QString GetTaskStartTime(const QString& id) override;
+    QString GetTaskMessage(const QString& id) override;
+    int GetTaskStage(const QString& id) override;
+    int GetTaskProgress(const QString& id) override;
+    QString GetTaskUploadText(const QString& id) override;
+    int GetTaskErrorCode(const QString& id) override;
+    QStringList GetSubmitTaskIds() override;
+    int GetSubmitTaskCount() override;
+    QVariantList GetTaskArguments(const QString& id) override;
+    void UploadRetryAnswer(const QString& id, bool retry) override;
+    void LackTextureAnswer(const QString& id, bool goOn) override;
+    void ContinueSubmit(const QString& id) override;
+    int SubmitScene(const QString& sceneFile) override;
+    void RedownloadTasks(const QStringList& ids) override;
 
 public slots:
-    void SetArgument(QString, QVariantList) override { }
-    void TriggerJobIdType(QVariantMap) override { }
+    void SetArgument(QString id, QVariantList arguments) override;
+    void TriggerJobIdType(QVariantMap orders) override;
 
 private:
-    QVariantMap m_downloads;
+    void PassAccess();
+
+    VTSettingsInterface* m_settings;
+    SubmitQueue m_submissions;
+    DownloadQueue m_downloads;
+    QUrl m_server;
+    QString m_userName;
+    QString m_token;
 };

@@ -2,6 +2,7 @@
 
 #include "http_call.h"
 
+#include <QNetworkReply>
 #include <QNetworkRequest>
 
 HttpTransport::HttpTransport(const HttpLimits& limits)
@@ -36,6 +37,30 @@ QNetworkReply* HttpTransport::Begin(const HttpRequest& request)
     if (!request.token.isEmpty())
         message.setRawHeader("Authorization", "Bearer " + request.token);
     if (!request.body.isEmpty())
-        message.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+        message.setHeader(QNetworkRequest::ContentTypeHeader, request.contentType);
+    for (const auto& [name, value] : request.headers)
+        message.setRawHeader(name, value);
     return m_network.sendCustomRequest(message, request.verb, request.body);
+}
+
+QUrl FarmApiRoot(const QUrl& server)
+{
+    QUrl root = server;
+    if (!server.isEmpty())
+        root.setPath(server.adjusted(QUrl::StripTrailingSlash).path() + QLatin1String("/api/v1"));
+    return root;
+}
+
+bool IsAnswered(const QNetworkReply& reply)
+{
+    const int error = reply.error();
+    return error == QNetworkReply::NoError
+        || (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError)
+        || (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
+}
+
+bool IsPassing(int status)
+{
+    return status == HttpResult::Unreachable || status == HttpResult::TimedOut || status == 429
+        || status >= 500;
 }

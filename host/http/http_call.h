@@ -19,6 +19,8 @@ public:
     ~HttpCall() override;
 
 signals:
+    /// How much of the body is on its way, in bytes; less than before when another attempt begins.
+    void Sent(qint64 bytes);
     void Finished(const HttpResult& result);
 
 private:

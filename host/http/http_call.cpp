@@ -7,15 +7,6 @@
 
 namespace {
 
-/// True when a whole answer came, whatever its status; false when the exchange itself failed.
-bool IsAnswered(const QNetworkReply& reply)
-{
-    const int error = reply.error();
-    return error == QNetworkReply::NoError
-        || (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError)
-        || (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
-}
-
 HttpResult ResultOf(const QNetworkReply& reply, const QByteArray& body)
 {
     if (!IsAnswered(reply))
@@ -32,12 +23,6 @@ HttpResult ResultOf(const QNetworkReply& reply, const QByteArray& body)
             result.error = QStringLiteral("The server answered with status %1.").arg(status);
     }
     return result;
-}
-
-bool IsPassing(int status)
-{
-    return status == HttpResult::Unreachable || status == HttpResult::TimedOut || status == 429
-        || status >= 500;
 }
 
 } // namespace
@@ -70,7 +55,8 @@ void HttpCall::Attempt()
     }
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpCall::Collect);
     connect(m_reply, &QNetworkReply::finished, this, &HttpCall::Conclude);
-    m_deadline.start(m_transport->Limits().attemptTime);
+    connect(m_reply, &QNetworkReply::uploadProgress, this, &HttpCall::Sent);
+    m_deadline.start(m_request.attemptTime > 0 ? m_request.attemptTime : m_transport->Limits().attemptTime);
 }
 
 void HttpCall::Collect()

@@ -6,6 +6,9 @@
 #include <QString>
 #include <QUrl>
 
+#include <utility>
+#include <vector>
+
 class HttpCall;
 class QNetworkReply;
 
@@ -14,8 +17,11 @@ struct HttpRequest
     QByteArray verb;
     QByteArray target;      ///< path below the transport's base URL and query, both percent-encoded
     QByteArray token;       ///< bearer token; none when empty
-    QByteArray body;        ///< JSON text; none when empty
+    QByteArray body;        ///< none when empty
     bool repeatable = true; ///< may be sent again when it failed on the way
+    int attemptTime = 0;    ///< in milliseconds instead of the transport's own limit; 0 for that
+    QByteArray contentType = QByteArrayLiteral("application/json"); ///< of the body
+    std::vector<std::pair<QByteArray, QByteArray>> headers = {};    ///< further ones
 };
 
 struct HttpResult
@@ -41,7 +47,8 @@ struct HttpLimits
     qint64 answerBytes = 8LL * 1024 * 1024;
 };
 
-/// Requests with JSON answers to one server. Follows no redirect, keeps no cookie, accepts no unverified certificate.
+/// Requests to one server. Follows no redirect, keeps no cookie, accepts no unverified certificate.
+/// It belongs to the thread that it was made in, like all that it sends.
 class HttpTransport
 {
 public:
@@ -51,11 +58,11 @@ public:
     /// No connection to the former place is kept, so that a server of ours can end without waiting for us.
     void SetBaseUrl(const QUrl& url);
 
-    /// Sends a request. The call reports its result once, later, and then deletes itself; deleting it cancels it.
+    /// Sends a request with a JSON answer. The call reports its result once, later, and then deletes itself; deleting it cancels it.
     /// @param owner must not outlive this transport.
     HttpCall* Send(const HttpRequest& request, QObject* owner);
 
-    /// One attempt; null when there is nowhere to send it. For HttpCall.
+    /// One attempt, with whatever answer; the reply is the caller's. Null when there is nowhere to send it.
     QNetworkReply* Begin(const HttpRequest& request);
     const HttpLimits& Limits() const { return m_limits; }
 
@@ -64,3 +71,12 @@ private:
     HttpLimits m_limits;
     QUrl m_base;
 };
+
+/// Where the farm's interface stands on a server; empty for an empty URL.
+QUrl FarmApiRoot(const QUrl& server);
+
+/// True when a whole answer came, whatever its status; false when the exchange itself failed.
+bool IsAnswered(const QNetworkReply& reply);
+
+/// Whether a request that ended with this status, or with what stands in for one, may succeed later as it is.
+bool IsPassing(int status);
