@@ -1,10 +1,8 @@
 #include "account_store.h"
-#include "client_host.h"
 #include "client_windows.h"
-#include "database.h"
-#include "host_options.h"
 #include "job_store.h"
 #include "main_window.h"
+#include "running_client.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -18,26 +16,11 @@
 #include <QTableWidget>
 #include <QtTest>
 
-#include <memory>
-
 using farm::JobStatus;
 
 namespace {
 
-constexpr int SignInTime = 60000;  // ms; the farm may make its demo data first
-constexpr int RenderTime = 120000; // ms
 constexpr int StatusColumn = 4;
-
-bool WriteFile(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
-
-QString BesideProgram(const char* name)
-{
-    return QCoreApplication::applicationDirPath() + QLatin1Char('/') + QLatin1String(name);
-}
 
 /// The farm's own job types, but each frame waits until the gate exists before it is rendered.
 QByteArray GatedTypes(const QString& gate)
@@ -93,28 +76,6 @@ bool Choose(const char* text)
     return false;
 }
 
-/// Does something once, as soon as it can be done: also while a modal dialog runs. `step` says whether it was done.
-class Soon
-{
-public:
-    explicit Soon(std::function<bool()> step)
-    {
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this, step = std::move(step)] {
-            m_timer.stop(); // the step may open another dialog
-            m_done = step();
-            if (!m_done)
-                m_timer.start();
-        });
-        m_timer.start(50);
-    }
-
-    bool IsDone() const { return m_done; }
-
-private:
-    QTimer m_timer;
-    bool m_done = false;
-};
-
 } // namespace
 
 class TestE2eActions : public QObject
@@ -122,71 +83,37 @@ class TestE2eActions : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init() { m_client = std::make_unique<RunningClient>(); }
+    void cleanup() { m_client.reset(); }
     void ASonWaitsForItsParentAcrossARestart();
     void AnAccountInArrearsIsTold();
     void TheSearchDialogFindsWhatItAsksFor();
 
 private:
-    QString Path(const char* name) const { return m_folder->filePath(QLatin1String(name)); }
     QString GatedFarm();
-    QString StartClient(const char* account, const QString& farmProgram = {});
     bool ShowsJobs() const { return FindJobTable() && FindJobTable()->rowCount() > 0; }
 
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<ClientHost> m_client;
+    std::unique_ptr<RunningClient> m_client;
 };
-
-void TestE2eActions::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>();
-}
-
-void TestE2eActions::cleanup()
-{
-    m_client.reset();
-    // The window keeps what it remembers of an account beside the program.
-    for (const char* file : {"data/embedded_waiter.ini", "Data/embedded_waiter.ini",
-             "data/embedded_arrears.ini", "Data/embedded_arrears.ini"})
-        QFile::remove(BesideProgram(file));
-}
 
 /// A program that is the farm, with job types that wait for the file "gate".
 QString TestE2eActions::GatedFarm()
 {
-    const QString program = Path("farm.sh");
-    WriteFile(Path("types.json"), GatedTypes(Path("gate")));
+    const QString program = m_client->Path(QStringLiteral("farm.sh"));
+    WriteFile(
+        m_client->Path(QStringLiteral("types.json")), GatedTypes(m_client->Path(QStringLiteral("gate"))));
     WriteFile(program,
         QStringLiteral("#!/bin/sh\nexec '%1' \"$@\" --job-types '%2'\n")
-            .arg(BesideProgram("quillstar-farmd"), Path("types.json"))
+            .arg(BesideProgram("quillstar-farmd"), m_client->Path(QStringLiteral("types.json")))
             .toUtf8());
     QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     return program;
 }
 
-/// Starts the client, with an account whose password is its name. Returns what went wrong.
-QString TestE2eActions::StartClient(const char* account, const QString& farmProgram)
-{
-    WriteFile(Path("password"), account);
-    QStringList arguments {QStringLiteral("quillstar"), QStringLiteral("--config"), Path("client.ini"),
-        QStringLiteral("--data"), m_folder->path(), QStringLiteral("--user"), QLatin1String(account),
-        QStringLiteral("--password-file"), Path("password")};
-    if (!farmProgram.isEmpty())
-        arguments += {QStringLiteral("--farm"), farmProgram};
-    HostOptions options;
-    QString error;
-    if (!options.Parse(arguments, &error))
-        return error;
-    m_client = std::make_unique<ClientHost>(options);
-    m_client->Start(&error);
-    return error;
-}
-
 void TestE2eActions::ASonWaitsForItsParentAcrossARestart()
 {
-    QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("farm")));
-    farm::Database database(Path("farm/farm.sqlite"), farm::Schema());
+    QVERIFY(QDir().mkdir(m_client->Path(QStringLiteral("farm"))));
+    farm::Database database(m_client->Path(QStringLiteral("farm/farm.sqlite")), farm::Schema());
     farm::AccountStore accounts(database, 3600);
     farm::JobStore jobs(database);
     farm::NewJob job;
@@ -205,7 +132,7 @@ void TestE2eActions::ASonWaitsForItsParentAcrossARestart()
     const auto statusOf = [&](const QString& id) { return jobs.Find(job.account, id)->status; };
     const QString gatedFarm = GatedFarm();
 
-    QCOMPARE(StartClient("waiter", gatedFarm), QString());
+    QCOMPARE(m_client->Start(QStringLiteral("waiter"), gatedFarm), QString());
     QTRY_VERIFY_WITH_TIMEOUT(RowOf(son) >= 0 && RowOf(parent) >= 0, SignInTime);
     QTRY_COMPARE_WITH_TIMEOUT(statusOf(son), int(JobStatus::Running), RenderTime);
     QVERIFY(CheckOnly(son));
@@ -224,9 +151,9 @@ void TestE2eActions::ASonWaitsForItsParentAcrossARestart()
     QVERIFY(confirmed.IsDone());
     QTRY_COMPARE_WITH_TIMEOUT(statusOf(son), int(JobStatus::Paused), RenderTime);
 
-    m_client.reset();
-    QVERIFY(WriteFile(Path("gate"), {}));
-    QCOMPARE(StartClient("waiter", gatedFarm), QString());
+    m_client->End();
+    QVERIFY(WriteFile(m_client->Path(QStringLiteral("gate")), {}));
+    QCOMPARE(m_client->Start(QStringLiteral("waiter"), gatedFarm), QString());
     QTRY_VERIFY_WITH_TIMEOUT(RowOf(son) >= 0 && RowOf(parent) >= 0, SignInTime);
     QCOMPARE(ShownStatus(son), int(JobStatus::Paused));
     QVERIFY(CheckOnly(parent));
@@ -235,7 +162,7 @@ void TestE2eActions::ASonWaitsForItsParentAcrossARestart()
     QTRY_COMPARE_WITH_TIMEOUT(statusOf(son), int(JobStatus::Finished), RenderTime);
     Find<QPushButton>("btnPageOne")->click();
     QTRY_COMPARE(ShownStatus(son), int(JobStatus::Finished));
-    QVERIFY(QFile::exists(m_folder->filePath(QStringLiteral("farm/jobs/%1/frame_0002.png").arg(son))));
+    QVERIFY(QFile::exists(m_client->Path(QStringLiteral("farm/jobs/%1/frame_0002.png").arg(son))));
     QFile dependencies(BesideProgram("data/embedded_waiter.ini"));
     QVERIFY(dependencies.open(QIODevice::ReadOnly));
     QVERIFY(!dependencies.readAll().contains(son.toLatin1()));
@@ -243,7 +170,7 @@ void TestE2eActions::ASonWaitsForItsParentAcrossARestart()
 
 void TestE2eActions::AnAccountInArrearsIsTold()
 {
-    QCOMPARE(StartClient("arrears"), QString());
+    QCOMPARE(m_client->Start(QStringLiteral("arrears")), QString());
     QTRY_VERIFY_WITH_TIMEOUT(ShowsJobs(), SignInTime);
     const QString job = FindJobTable()->item(0, 0)->data(Qt::UserRole).toString();
     QCOMPARE(ShownStatus(job), int(JobStatus::Arrears));
@@ -266,7 +193,7 @@ void TestE2eActions::AnAccountInArrearsIsTold()
 
 void TestE2eActions::TheSearchDialogFindsWhatItAsksFor()
 {
-    QCOMPARE(StartClient("arrears"), QString());
+    QCOMPARE(m_client->Start(QStringLiteral("arrears")), QString());
     QTRY_VERIFY_WITH_TIMEOUT(ShowsJobs(), SignInTime);
     const int all = FindJobTable()->rowCount();
     Find<QComboBox>("cmbJobStatus")->setCurrentText(QStringLiteral("Arrears"));

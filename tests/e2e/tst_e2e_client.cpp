@@ -1,7 +1,6 @@
-#include "client_host.h"
 #include "client_windows.h"
-#include "host_options.h"
 #include "main_window.h"
+#include "running_client.h"
 
 #include <QLabel>
 #include <QProgressBar>
@@ -10,9 +9,6 @@
 #include <QtTest>
 
 namespace {
-
-constexpr int SignInTime = 60000;  // ms; the farm makes its demo data first
-constexpr int RenderTime = 120000; // ms
 
 QHash<QString, int> ProgressByJob(const QTableWidget* table)
 {
@@ -43,16 +39,8 @@ private slots:
 
 void TestE2eClient::SignsInShowsAJobAdvanceAndSignsOut()
 {
-    const QTemporaryDir folder;
-    HostOptions options;
-    QString error;
-    QVERIFY2(options.Parse(
-                 {QStringLiteral("quillstar"), QStringLiteral("--config"),
-                     folder.filePath(QStringLiteral("client.ini")), QStringLiteral("--data"), folder.path()},
-                 &error),
-        qPrintable(error));
-    ClientHost host(options);
-    QVERIFY2(host.Start(&error), qPrintable(error));
+    RunningClient client;
+    QCOMPARE(client.Start(QStringLiteral("demo")), QString());
 
     auto* table = Find<QTableWidget>("twtMyRender");
     QVERIFY(table);
