@@ -4,10 +4,13 @@
 #include "languages.h"
 #include "skins.h"
 
+#include <QCalendarWidget>
 #include <QCoreApplication>
+#include <QDateTimeEdit>
 #include <QDir>
 #include <QFile>
 #include <QPushButton>
+#include <QTextCharFormat>
 #include <QUiLoader>
 
 namespace {
@@ -18,6 +21,19 @@ const QLatin1String DefaultSkin("default");
 const QLatin1String DefaultLanguage("vtr_en.qm");
 const QLatin1String SkinSetting("vtr.ui/skin");
 const QLatin1String LanguageSetting("vtr.ui/language");
+
+/// Weekends would be red, which is the colour of failures here and hard to read on some grounds.
+void CalmCalendars(const QWidget* form)
+{
+    const auto edits = form->findChildren<QDateTimeEdit*>();
+    for (const QDateTimeEdit* edit : edits) {
+        QCalendarWidget* calendar = edit->calendarWidget();
+        if (!calendar)
+            continue;
+        calendar->setWeekdayTextFormat(Qt::Saturday, {});
+        calendar->setWeekdayTextFormat(Qt::Sunday, {});
+    }
+}
 
 QString NextToExecutable(const char* folder)
 {
@@ -39,6 +55,7 @@ UiLoaderService::UiLoaderService(VTSettingsInterface* settings, QObject* parent)
     connect(&m_trayMenu, &TrayMenu::SkinChosen, this, &UiLoaderService::SetSkin);
     connect(&m_trayMenu, &TrayMenu::LanguageChosen, this, &UiLoaderService::SetLanguage);
     m_trayMenu.SetStyleSheet(Skins::StyleSheet(m_skin, MenuKey));
+    m_trayMenu.Retranslate();
     ListChoices();
     LoadSkinSettings(Skins::SettingsFile(m_skin));
 }
@@ -60,6 +77,8 @@ QWidget* UiLoaderService::LoadUi(const QString& key, QWidget* parent)
     QUiLoader loader;
     loader.setLanguageChangeEnabled(true);
     QWidget* form = loader.load(&file, parent);
+    if (form)
+        CalmCalendars(form);
     if (form && !parent) {
         new FramelessWindow(form, key == MainFormKey ? FramelessWindow::Main : FramelessWindow::Dialog);
         if (key == MainFormKey)
@@ -88,7 +107,7 @@ QStringList UiLoaderService::GetLanguages()
 
 void UiLoaderService::SetLanguage(const QString& file)
 {
-    if (file == m_languageFile || !GetLanguages().contains(file) || !InstallTranslator(file))
+    if (file == m_languageFile || !GetLanguages().contains(file) || !InstallLanguage(file))
         return;
     Remember(LanguageSetting, GetLanguage());
     m_trayMenu.Retranslate();
@@ -96,18 +115,13 @@ void UiLoaderService::SetLanguage(const QString& file)
     emit LanguageChanged(file);
 }
 
-bool UiLoaderService::InstallTranslator(const QString& file)
+bool UiLoaderService::InstallLanguage(const QString& file)
 {
-    auto translator = std::make_unique<QTranslator>();
-    if (!translator->load(file)) {
+    if (!m_translations.Install(file)) {
         qWarning("%s is not a language file", qUtf8Printable(file));
         return false;
     }
-    if (m_translator)
-        QCoreApplication::removeTranslator(m_translator.get());
-    m_translator = std::move(translator);
     m_languageFile = file;
-    QCoreApplication::installTranslator(m_translator.get());
     return true;
 }
 
@@ -116,7 +130,7 @@ void UiLoaderService::TakeRememberedLanguage()
     const QStringList files = GetLanguages();
     for (const QString& wanted : {Remembered(LanguageSetting, DefaultLanguage), QString(DefaultLanguage)}) {
         for (const QString& file : files) {
-            if (QFileInfo(file).fileName() == wanted && InstallTranslator(file))
+            if (QFileInfo(file).fileName() == wanted && InstallLanguage(file))
                 return;
         }
     }
