@@ -35,8 +35,12 @@ QLocale LocaleOf(const QString& file)
 
 QString DisplayName(const QString& file)
 {
+    const QString code = CodeOf(file);
+    // Plain English would be called American.
+    if (code == QLatin1String("en"))
+        return QLocale::languageToString(QLocale::English);
     const QString name = LocaleOf(file).nativeLanguageName();
-    return name.isEmpty() ? CodeOf(file) : name;
+    return name.isEmpty() ? code : name;
 }
 
 } // namespace Languages

@@ -5,11 +5,13 @@
 #include "skins.h"
 
 #include <QCalendarWidget>
+#include <QComboBox>
 #include <QCoreApplication>
 #include <QDateTimeEdit>
 #include <QDir>
 #include <QFile>
 #include <QPushButton>
+#include <QStyledItemDelegate>
 #include <QTextCharFormat>
 #include <QUiLoader>
 
@@ -22,9 +24,17 @@ const QLatin1String DefaultLanguage("vtr_en.qm");
 const QLatin1String SkinSetting("vtr.ui/skin");
 const QLatin1String LanguageSetting("vtr.ui/language");
 
-/// Weekends would be red, which is the colour of failures here and hard to read on some grounds.
-void CalmCalendars(const QWidget* form)
+constexpr QSize CalendarSize(288, 248); // for six weeks below the bar that a skin styles
+
+/// Gives the lists and calendars that pop up what style sheets cannot give.
+void PreparePopups(const QWidget* form)
 {
+    // A box's own delegate knows nothing of style sheets.
+    const auto boxes = form->findChildren<QComboBox*>();
+    for (QComboBox* box : boxes)
+        box->setItemDelegate(new QStyledItemDelegate(box));
+
+    // Weekends would be red, which is the colour of failures here and hard to read on some grounds.
     const auto edits = form->findChildren<QDateTimeEdit*>();
     for (const QDateTimeEdit* edit : edits) {
         QCalendarWidget* calendar = edit->calendarWidget();
@@ -32,6 +42,7 @@ void CalmCalendars(const QWidget* form)
             continue;
         calendar->setWeekdayTextFormat(Qt::Saturday, {});
         calendar->setWeekdayTextFormat(Qt::Sunday, {});
+        calendar->setMinimumSize(CalendarSize);
     }
 }
 
@@ -78,7 +89,7 @@ QWidget* UiLoaderService::LoadUi(const QString& key, QWidget* parent)
     loader.setLanguageChangeEnabled(true);
     QWidget* form = loader.load(&file, parent);
     if (form)
-        CalmCalendars(form);
+        PreparePopups(form);
     if (form && !parent) {
         new FramelessWindow(form, key == MainFormKey ? FramelessWindow::Main : FramelessWindow::Dialog);
         if (key == MainFormKey)
