@@ -102,8 +102,17 @@ void UiLoaderService::PrepareMainForm(QWidget* form)
 {
     form->setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint
         | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint);
-    if (auto* button = form->findChild<QPushButton*>(QStringLiteral("btnSkin")))
-        button->setMenu(GetMenu(QStringLiteral("menuTray"), QStringLiteral("meuSkin")));
+    auto* button = form->findChild<QPushButton*>(QStringLiteral("btnSkin"));
+    if (!button)
+        return;
+    QMenu* menu = GetMenu(QStringLiteral("menuTray"), QStringLiteral("meuSkin"));
+    button->setMenu(menu);
+    // The button hears nothing of a mouse that leaves it while its menu is open.
+    connect(menu, &QMenu::aboutToHide, button, [button] {
+        const bool isOver = button->rect().contains(button->mapFromGlobal(QCursor::pos()));
+        button->setAttribute(Qt::WA_UnderMouse, isOver);
+        button->update();
+    });
 }
 
 QString UiLoaderService::GetLanguage()
