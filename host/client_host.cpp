@@ -13,6 +13,9 @@ namespace {
 // The embedded farm's own account, made at its first start.
 const QString kDemoAccount = QStringLiteral("demo");
 
+// The main window shows the server's name translated.
+constexpr const char* kEmbeddedServer = QT_TRANSLATE_NOOP("VTQsClientPrivate", "embedded");
+
 constexpr int kLongestPassword = 1024;
 
 /// The first line of a file; null where the file cannot be read.
@@ -53,7 +56,7 @@ bool ClientHost::Start(QString* error)
     const bool embedded = m_options.server.isEmpty();
     // The plugin reads the server's name at sign-in.
     m_services.settings.SetValue(QStringLiteral("vtr.web/currentserver"),
-        embedded ? QStringLiteral("embedded") : m_options.server.host());
+        embedded ? QString::fromLatin1(kEmbeddedServer) : m_options.server.host());
 
     if (!StartPlugin(error))
         return false;

@@ -22,6 +22,12 @@ constexpr int kRefreshTicks = 20;
 constexpr int kLongest = 60000;
 constexpr int kRunning = 1;
 
+/// A text of the main window in the language in use.
+QString ClientText(const char* text)
+{
+    return QCoreApplication::translate("VTQsClientPrivate", text);
+}
+
 bool Always()
 {
     return true;
@@ -67,16 +73,15 @@ ScreenshotTour::ScreenshotTour(const QString& folder, HostServices* services, Se
     PlanModal(QStringLiteral("configuration"), [this] { m_services->configuration.ShowConf(); });
     const auto ask = [this](int kind, const QString& text, const QVariantHash& buttons) {
         m_services->messageBox.ShowMessage(
-            kind, QStringLiteral("QuillStar Client"), {}, QIcon(), text, buttons, kind == 2);
+            kind, ClientText("QuillStar Client"), {}, QIcon(), text, buttons, kind == 2);
     };
     PlanModal(QStringLiteral("notice"), [ask] {
-        ask(2, QStringLiteral("Amount Overdue!"),
-            {{QStringLiteral("btnMessageBox_1"), QStringLiteral("Ok")}});
+        ask(2, ClientText("Amount Overdue!"), {{QStringLiteral("btnMessageBox_1"), ClientText("Ok")}});
     });
     PlanModal(QStringLiteral("question"), [ask] {
-        ask(4, QStringLiteral("Are you sure to quit?"),
-            {{QStringLiteral("btnMessageBox_1"), QStringLiteral("Cancel")},
-                {QStringLiteral("btnMessageBox_2"), QStringLiteral("Ok")}});
+        ask(4, ClientText("Are you sure to quit?"),
+            {{QStringLiteral("btnMessageBox_1"), ClientText("Cancel")},
+                {QStringLiteral("btnMessageBox_2"), ClientText("Ok")}});
     });
     PlanMenu();
 }

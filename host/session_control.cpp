@@ -103,7 +103,7 @@ void SessionControl::SignIn(const QString& name, const QString& password)
 void SessionControl::HandleSignIn(int code, const QVariantMap& answer)
 {
     if (code != 200) {
-        ShowFailure(answer.value(QStringLiteral("message")).toString());
+        ShowFailure(FailureText(code, answer.value(QStringLiteral("message")).toString()));
         return;
     }
     m_signedIn = true;
@@ -115,6 +115,19 @@ void SessionControl::HandleSignIn(int code, const QVariantMap& answer)
     emit SignedIn(answer.value(QStringLiteral("username")).toString(),
         answer.value(QStringLiteral("data")).toMap().value(QStringLiteral("token")).toString());
     ComeForward();
+}
+
+/// What the user reads: the server's own words are English, so the usual failures have texts here.
+QString SessionControl::FailureText(int code, const QString& message)
+{
+    switch (code) {
+    case 401:
+        return tr("The user name or the password is wrong.");
+    case 429:
+        return tr("Too many attempts. Please try again in a moment.");
+    default:
+        return message;
+    }
 }
 
 void SessionControl::HandleSignOut()

@@ -50,6 +50,7 @@ protected:
 private:
     void SignIn(const QString& name, const QString& password);
     void HandleSignIn(int code, const QVariantMap& answer);
+    static QString FailureText(int code, const QString& message);
     void HandleSignOut();
     void HandleExpiry();
     void AddMenuEntry();

@@ -1,10 +1,10 @@
 # Sourced by ./run and ./test: installs what is missing on a Debian machine and builds a preset.
 
 PACKAGES="g++ cmake ninja-build ccache pkg-config
-    qtbase5-dev libqt5svg5-dev qttools5-dev qttools5-dev-tools
+    qtbase5-dev libqt5svg5-dev qttools5-dev qttools5-dev-tools qttranslations5-l10n
     libspdlog-dev libcpp-httplib-dev libsqlitecpp-dev libsqlite3-dev libsodium-dev
     povray povray-includes
-    xvfb xauth fonts-dejavu-core fonts-inter"
+    xvfb xauth fonts-dejavu-core fonts-inter fonts-wqy-microhei"
 
 say() { printf '%s\n' "$*" >&2; }
 

@@ -10,17 +10,18 @@ namespace {
 HttpResult ResultOf(const QNetworkReply& reply, const QByteArray& body)
 {
     if (!IsAnswered(reply))
-        return {HttpResult::Unreachable, {}, reply.errorString()};
+        return {HttpResult::Unreachable, {},
+            HttpCall::tr("The server cannot be reached: %1").arg(reply.errorString())};
 
     const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     const QJsonDocument document = QJsonDocument::fromJson(body);
     if (status == 200 && !document.isObject())
-        return {HttpResult::NotJson, {}, QStringLiteral("The server's answer cannot be read.")};
+        return {HttpResult::NotJson, {}, HttpCall::tr("The server's answer cannot be read.")};
     HttpResult result {status, document.object(), {}};
     if (status != 200) {
         result.error = result.json.value(QLatin1String("message")).toString();
         if (result.error.isEmpty())
-            result.error = QStringLiteral("The server answered with status %1.").arg(status);
+            result.error = HttpCall::tr("The server answered with status %1.").arg(status);
     }
     return result;
 }
@@ -50,7 +51,7 @@ void HttpCall::Attempt()
     m_received.clear();
     m_reply = m_transport->Begin(m_request);
     if (!m_reply) {
-        EndAttempt({HttpResult::Unreachable, {}, QStringLiteral("No server is known yet.")}, 0);
+        EndAttempt({HttpResult::Unreachable, {}, tr("No server is known yet.")}, 0);
         return;
     }
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpCall::Collect);
@@ -63,12 +64,12 @@ void HttpCall::Collect()
 {
     m_received += m_reply->readAll();
     if (m_received.size() > m_transport->Limits().answerBytes)
-        EndAttempt({HttpResult::TooLarge, {}, QStringLiteral("The server's answer is too large.")}, 0);
+        EndAttempt({HttpResult::TooLarge, {}, tr("The server's answer is too large.")}, 0);
 }
 
 void HttpCall::TimeOut()
 {
-    EndAttempt({HttpResult::TimedOut, {}, QStringLiteral("The server did not answer in time.")}, 0);
+    EndAttempt({HttpResult::TimedOut, {}, tr("The server did not answer in time.")}, 0);
 }
 
 void HttpCall::Conclude()

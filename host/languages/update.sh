@@ -1,9 +1,24 @@
 #!/bin/sh
 # Brings the translation files up to date with the sources (needs qttools5-dev-tools). English is its own translation.
+# With --check nothing is changed: prints the texts that lack a translation and fails when there are any.
 set -eu
 cd "$(dirname "$0")"
-for ts in vtr_*.ts; do
-    lupdate -silent -locations none -no-obsolete -source-language en \
-        ../../common ../../dialogs ../../mainwindow ../../plugin .. -ts "$ts"
-done
-perl -0pi -e 's|(<source>(.*?)</source>.*?)<translation[^>]*>.*?</translation>|$1<translation>$2</translation>|sg' vtr_en.ts
+
+# @param $1 folder of the .ts files to write
+update() {
+    for ts in "$1"/vtr_*.ts; do
+        lupdate -silent -locations none -no-obsolete -source-language en \
+            ../../common ../../dialogs ../../mainwindow ../../plugin .. -ts "$ts"
+    done
+}
+
+if [ "${1:-}" = --check ]; then
+    copy=$(mktemp -d)
+    trap 'rm -r "$copy"' EXIT
+    cp vtr_*.ts "$copy"
+    update "$copy"
+    ! grep -B 1 'type="unfinished"' "$copy"/vtr_*.ts >&2
+else
+    update .
+    perl -0pi -e 's|(<source>(.*?)</source>.*?)<translation[^>]*>.*?</translation>|$1<translation>$2</translation>|sg' vtr_en.ts
+fi

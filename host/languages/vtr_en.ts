@@ -35,6 +35,10 @@
         <source>Password</source>
         <translation>Password</translation>
     </message>
+    <message>
+        <source>QuillStar Client</source>
+        <translation>QuillStar Client</translation>
+    </message>
 </context>
 <context>
     <name>ClientHost</name>
@@ -100,6 +104,40 @@
     <message>
         <source>Ok</source>
         <translation>Ok</translation>
+    </message>
+</context>
+<context>
+    <name>FarmProtocol</name>
+    <message>
+        <source>The server&apos;s answer is incomplete.</source>
+        <translation>The server&apos;s answer is incomplete.</translation>
+    </message>
+</context>
+<context>
+    <name>HttpCall</name>
+    <message>
+        <source>The server cannot be reached: %1</source>
+        <translation>The server cannot be reached: %1</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer cannot be read.</source>
+        <translation>The server&apos;s answer cannot be read.</translation>
+    </message>
+    <message>
+        <source>The server answered with status %1.</source>
+        <translation>The server answered with status %1.</translation>
+    </message>
+    <message>
+        <source>No server is known yet.</source>
+        <translation>No server is known yet.</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer is too large.</source>
+        <translation>The server&apos;s answer is too large.</translation>
+    </message>
+    <message>
+        <source>The server did not answer in time.</source>
+        <translation>The server did not answer in time.</translation>
     </message>
 </context>
 <context>
@@ -207,6 +245,13 @@
     </message>
 </context>
 <context>
+    <name>QsClientForm</name>
+    <message>
+        <source>QuillStar Client</source>
+        <translation>QuillStar Client</translation>
+    </message>
+</context>
+<context>
     <name>SearchForm</name>
     <message>
         <source>Search jobs</source>
@@ -226,6 +271,14 @@
     <message>
         <source>Sign out</source>
         <translation>Sign out</translation>
+    </message>
+    <message>
+        <source>The user name or the password is wrong.</source>
+        <translation>The user name or the password is wrong.</translation>
+    </message>
+    <message>
+        <source>Too many attempts. Please try again in a moment.</source>
+        <translation>Too many attempts. Please try again in a moment.</translation>
     </message>
 </context>
 <context>
@@ -279,70 +332,13 @@
         <source>Language</source>
         <translation>Language</translation>
     </message>
-</context>
-<context>
-    <name>VTChrome</name>
     <message>
-        <source>Are you sure to quit?</source>
-        <translation>Are you sure to quit?</translation>
-    </message>
-</context>
-<context>
-    <name>VTContextMenus</name>
-    <message>
-        <source>Download</source>
-        <translation>Download</translation>
+        <source>Default</source>
+        <translation>Default</translation>
     </message>
     <message>
-        <source>Set parent</source>
-        <translation>Set parent</translation>
-    </message>
-    <message>
-        <source>Continue submit</source>
-        <translation>Continue submit</translation>
-    </message>
-    <message>
-        <source>Delete Tasks</source>
-        <translation>Delete Tasks</translation>
-    </message>
-    <message>
-        <source>Set argument</source>
-        <translation>Set argument</translation>
-    </message>
-    <message>
-        <source>Open file path</source>
-        <translation>Open file path</translation>
-    </message>
-    <message>
-        <source>Redownload</source>
-        <translation>Redownload</translation>
-    </message>
-</context>
-<context>
-    <name>VTDownloadList</name>
-    <message>
-        <source>Name</source>
-        <translation>Name</translation>
-    </message>
-    <message>
-        <source>Source</source>
-        <translation>Source</translation>
-    </message>
-    <message>
-        <source>Dest</source>
-        <translation>Dest</translation>
-    </message>
-    <message>
-        <source>Progress</source>
-        <translation>Progress</translation>
-    </message>
-    <message>
-        <source>Status</source>
-        <translation>Status</translation>
-    </message>
-    <message>
-        <source>Start Time</source>
-        <translation>Start Time</translation>
+        <source>Dark</source>
+        <translation>Dark</translation>
     </message>
 </context>
 <context>
@@ -398,44 +394,6 @@
     <message>
         <source>The groups could not be saved.</source>
         <translation>The groups could not be saved.</translation>
-    </message>
-</context>
-<context>
-    <name>VTJobActions</name>
-    <message>
-        <source>Are you sure to delete these jobs?</source>
-        <translation>Are you sure to delete these jobs?</translation>
-    </message>
-    <message>
-        <source>Delete jobs failed!</source>
-        <translation>Delete jobs failed!</translation>
-    </message>
-    <message>
-        <source>Stop jobs failed!</source>
-        <translation>Stop jobs failed!</translation>
-    </message>
-    <message>
-        <source>Recover jobs failed!</source>
-        <translation>Recover jobs failed!</translation>
-    </message>
-    <message>
-        <source>Restart jobs failed!</source>
-        <translation>Restart jobs failed!</translation>
-    </message>
-    <message>
-        <source>Full render jobs failed!</source>
-        <translation>Full render jobs failed!</translation>
-    </message>
-    <message>
-        <source>Amount Overdue!</source>
-        <translation>Amount Overdue!</translation>
-    </message>
-</context>
-<context>
-    <name>VTJobList</name>
-    <message>
-        <source>The checked items are already added to download list</source>
-        <translation>The checked items are already added to download list</translation>
     </message>
 </context>
 <context>
@@ -664,6 +622,122 @@ Below files are missing:
 Below files are missing:
 %1</translation>
     </message>
+    <message>
+        <source>Cost</source>
+        <translation>Cost</translation>
+    </message>
+    <message>
+        <source>Are you sure to quit?</source>
+        <translation>Are you sure to quit?</translation>
+    </message>
+    <message>
+        <source>Set parent</source>
+        <translation>Set parent</translation>
+    </message>
+    <message>
+        <source>Continue submit</source>
+        <translation>Continue submit</translation>
+    </message>
+    <message>
+        <source>Delete Tasks</source>
+        <translation>Delete Tasks</translation>
+    </message>
+    <message>
+        <source>Set argument</source>
+        <translation>Set argument</translation>
+    </message>
+    <message>
+        <source>Open file path</source>
+        <translation>Open file path</translation>
+    </message>
+    <message>
+        <source>Redownload</source>
+        <translation>Redownload</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Source</source>
+        <translation>Source</translation>
+    </message>
+    <message>
+        <source>Dest</source>
+        <translation>Dest</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>Progress</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>Start Time</source>
+        <translation>Start Time</translation>
+    </message>
+    <message>
+        <source>Unkown</source>
+        <translation>Unkown</translation>
+    </message>
+    <message>
+        <source>Are you sure to delete these jobs?</source>
+        <translation>Are you sure to delete these jobs?</translation>
+    </message>
+    <message>
+        <source>Delete jobs failed!</source>
+        <translation>Delete jobs failed!</translation>
+    </message>
+    <message>
+        <source>Stop jobs failed!</source>
+        <translation>Stop jobs failed!</translation>
+    </message>
+    <message>
+        <source>Recover jobs failed!</source>
+        <translation>Recover jobs failed!</translation>
+    </message>
+    <message>
+        <source>Restart jobs failed!</source>
+        <translation>Restart jobs failed!</translation>
+    </message>
+    <message>
+        <source>Full render jobs failed!</source>
+        <translation>Full render jobs failed!</translation>
+    </message>
+    <message>
+        <source>Amount Overdue!</source>
+        <translation>Amount Overdue!</translation>
+    </message>
+    <message>
+        <source>The checked items are already added to download list</source>
+        <translation>The checked items are already added to download list</translation>
+    </message>
+    <message>
+        <source>SceneFile</source>
+        <translation>SceneFile</translation>
+    </message>
+    <message>
+        <source>Warn</source>
+        <translation>Warn</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>Unknown</translation>
+    </message>
+    <message>
+        <source>fail</source>
+        <translation>fail</translation>
+    </message>
+    <message>
+        <source>Lacked of texture files:</source>
+        <translation>Lacked of texture files:</translation>
+    </message>
+    <message>
+        <source>embedded</source>
+        <translation>embedded</translation>
+    </message>
 </context>
 <context>
     <name>VTSearch</name>
@@ -792,53 +866,6 @@ Below files are missing:
     <message>
         <source>The dependency could not be saved. The jobs will be resumed only while the client is running.</source>
         <translation>The dependency could not be saved. The jobs will be resumed only while the client is running.</translation>
-    </message>
-</context>
-<context>
-    <name>VTSubmitList</name>
-    <message>
-        <source>Name</source>
-        <translation>Name</translation>
-    </message>
-    <message>
-        <source>Start Time</source>
-        <translation>Start Time</translation>
-    </message>
-    <message>
-        <source>Status</source>
-        <translation>Status</translation>
-    </message>
-    <message>
-        <source>Progress</source>
-        <translation>Progress</translation>
-    </message>
-    <message>
-        <source>SceneFile</source>
-        <translation>SceneFile</translation>
-    </message>
-    <message>
-        <source>Warn</source>
-        <translation>Warn</translation>
-    </message>
-    <message>
-        <source>Unknown</source>
-        <translation>Unknown</translation>
-    </message>
-    <message>
-        <source>fail</source>
-        <translation>fail</translation>
-    </message>
-    <message>
-        <source>Lacked of texture files:</source>
-        <translation>Lacked of texture files:</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Cancel</translation>
-    </message>
-    <message>
-        <source>Submit</source>
-        <translation>Submit</translation>
     </message>
 </context>
 </TS>

@@ -1,5 +1,6 @@
 #include "farm_protocol.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QUrl>
@@ -148,7 +149,7 @@ Answer Decode(const HttpResult& result, Check check, const QVariantMap& echo)
     } else {
         if (answer.code == 200) {
             answer.code = HttpResult::NotJson;
-            message = QStringLiteral("The server's answer is incomplete.");
+            message = QCoreApplication::translate("FarmProtocol", "The server's answer is incomplete.");
         } else if (Data(result.json).isObject()) {
             answer.map.insert(QStringLiteral("data"), Data(result.json).toVariant());
         }

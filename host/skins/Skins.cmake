@@ -1,6 +1,6 @@
 # A skin is a folder here that holds a palette.cmake. The style sheets, the layout file and the icons are made from the
-# templates in style/ with the palette's colours; any other file of the skin's folder is taken as it is, also in place of
-# a template's product of the same name.
+# templates in style/ with the palette's colours, and the pictures of style/ are shared; any other file of the skin's
+# folder is taken as it is, also in place of what style/ gives under the same name.
 
 # Appends to `result` in the caller's scope the lines of a resource file for one skin. Templates of style sheets may use
 # @controls@ and @menu@ besides the colours.
@@ -21,6 +21,13 @@ function(skin_entries folder result)
         file(RELATIVE_PATH name ${folder} ${file})
         list(APPEND own_names ${name})
         string(APPEND lines "    <file alias=\"${name}\">${file}</file>\n")
+    endforeach()
+    file(GLOB pictures CONFIGURE_DEPENDS ${style}/*.png)
+    foreach(file ${pictures})
+        get_filename_component(name ${file} NAME)
+        if(NOT name IN_LIST own_names)
+            string(APPEND lines "    <file alias=\"${name}\">${file}</file>\n")
+        endif()
     endforeach()
     file(GLOB templates CONFIGURE_DEPENDS ${style}/com.*.in ${style}/icons/*.svg.in)
     foreach(template ${templates})

@@ -1,11 +1,18 @@
 #include "languages.h"
 
+#include <QApplication>
 #include <QDir>
-#include <QLocale>
+#include <QLibraryInfo>
+#include <QWidget>
 
 namespace {
 
 const QLatin1String Prefix("vtr_");
+
+QString CodeOf(const QString& file)
+{
+    return QFileInfo(file).completeBaseName().mid(Prefix.size());
+}
 
 } // namespace
 
@@ -21,11 +28,39 @@ QStringList Files(const QString& folder)
     return files;
 }
 
+QLocale LocaleOf(const QString& file)
+{
+    return QLocale(CodeOf(file));
+}
+
 QString DisplayName(const QString& file)
 {
-    const QString code = QFileInfo(file).completeBaseName().mid(Prefix.size());
-    const QString name = QLocale(code).nativeLanguageName();
+    const QString code = CodeOf(file);
+    // Plain English would be called American.
+    if (code == QLatin1String("en"))
+        return QLocale::languageToString(QLocale::English);
+    const QString name = LocaleOf(file).nativeLanguageName();
     return name.isEmpty() ? code : name;
 }
 
 } // namespace Languages
+
+bool Translations::Install(const QString& file)
+{
+    auto own = std::make_unique<QTranslator>();
+    if (!own->load(file))
+        return false;
+    const QLocale locale = Languages::LocaleOf(file);
+    QLocale::setDefault(locale);
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows)
+        window->setLocale(locale);
+
+    m_ofQt = std::make_unique<QTranslator>();
+    if (m_ofQt->load(locale, QStringLiteral("qtbase"), QStringLiteral("_"),
+            QLibraryInfo::location(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(m_ofQt.get());
+    m_own = std::move(own);
+    QCoreApplication::installTranslator(m_own.get());
+    return true;
+}

@@ -30,12 +30,13 @@ void ApplyFont(const QSettings& settings)
 {
     QFont font = QApplication::font();
     const QStringList present = QFontDatabase().families();
-    const QStringList wanted = settings.value(QStringLiteral("families")).toStringList();
-    for (const QString& family : wanted) {
-        if (present.contains(family)) {
-            font.setFamily(family);
-            break;
-        }
+    QStringList families = settings.value(QStringLiteral("families")).toStringList();
+    families.erase(std::remove_if(families.begin(), families.end(),
+                       [&present](const QString& family) { return !present.contains(family); }),
+        families.end());
+    if (!families.isEmpty()) {
+        font.setFamily(families.constFirst());
+        font.setFamilies(families);
     }
     const int pixelSize = settings.value(QStringLiteral("pixelSize")).toInt();
     if (pixelSize > 0)
@@ -43,25 +44,51 @@ void ApplyFont(const QSettings& settings)
     QApplication::setFont(font);
 }
 
-void SetColor(QPalette& palette, QPalette::ColorRole role, const QSettings& settings, const QString& key)
+struct ColorKey
 {
-    const QColor color(settings.value(key).toString());
-    if (color.isValid())
-        palette.setColor(role, color);
+    const char* key;
+    QPalette::ColorRole role;
+    QPalette::ColorGroup group = QPalette::All;
+};
+
+constexpr ColorKey ApplicationColors[] = {
+    {"window", QPalette::Window},
+    {"base", QPalette::Base},
+    {"alternateBase", QPalette::AlternateBase},
+    {"button", QPalette::Button},
+    {"text", QPalette::WindowText},
+    {"text", QPalette::Text},
+    {"text", QPalette::ButtonText},
+    {"disabledText", QPalette::WindowText, QPalette::Disabled},
+    {"disabledText", QPalette::Text, QPalette::Disabled},
+    {"disabledText", QPalette::ButtonText, QPalette::Disabled},
+    {"link", QPalette::Link},
+    {"link", QPalette::LinkVisited},
+    {"highlight", QPalette::Highlight},
+    {"highlightedText", QPalette::HighlightedText},
+    {"placeholder", QPalette::PlaceholderText},
+};
+
+constexpr ColorKey ToolTipColors[] = {
+    {"toolTipBase", QPalette::ToolTipBase},
+    {"toolTipText", QPalette::ToolTipText},
+};
+
+template <std::size_t Count>
+QPalette Colored(QPalette palette, const ColorKey (&keys)[Count], const QSettings& settings)
+{
+    for (const ColorKey& key : keys) {
+        const QColor color(settings.value(QLatin1String(key.key)).toString());
+        if (color.isValid())
+            palette.setColor(key.group, key.role, color);
+    }
+    return palette;
 }
 
 void ApplyColors(const QSettings& settings)
 {
-    QPalette palette = QApplication::palette();
-    SetColor(palette, QPalette::Highlight, settings, QStringLiteral("highlight"));
-    SetColor(palette, QPalette::HighlightedText, settings, QStringLiteral("highlightedText"));
-    SetColor(palette, QPalette::PlaceholderText, settings, QStringLiteral("placeholder"));
-    QApplication::setPalette(palette);
-
-    QPalette toolTips = QToolTip::palette();
-    SetColor(toolTips, QPalette::ToolTipBase, settings, QStringLiteral("toolTipBase"));
-    SetColor(toolTips, QPalette::ToolTipText, settings, QStringLiteral("toolTipText"));
-    QToolTip::setPalette(toolTips);
+    QApplication::setPalette(Colored(QApplication::palette(), ApplicationColors, settings));
+    QToolTip::setPalette(Colored(QToolTip::palette(), ToolTipColors, settings));
 }
 
 } // namespace

@@ -6,6 +6,10 @@
 
 namespace {
 
+/// Skins are listed by the names of their folders; those that are built in have translations.
+[[maybe_unused]] constexpr const char* BuiltInSkins[]
+    = {QT_TRANSLATE_NOOP("TrayMenu", "Default"), QT_TRANSLATE_NOOP("TrayMenu", "Dark")};
+
 /// Adds one entry of a choice; its data is what is chosen.
 void AddChoice(QActionGroup* group, const QString& text, const QString& choice, bool current)
 {
@@ -57,7 +61,7 @@ void TrayMenu::ListSkins(const QStringList& names, const QString& current)
     QActionGroup* choice = NewChoice(m_skins);
     for (const QString& name : names) {
         const QString shown = name.left(1).toUpper() + name.mid(1);
-        AddChoice(choice, MenuText(shown), name, name == current);
+        AddChoice(choice, MenuText(tr(qUtf8Printable(shown))), name, name == current);
     }
     m_skins->addActions(choice->actions());
 }

@@ -4,10 +4,15 @@
 #include "languages.h"
 #include "skins.h"
 
+#include <QCalendarWidget>
+#include <QComboBox>
 #include <QCoreApplication>
+#include <QDateTimeEdit>
 #include <QDir>
 #include <QFile>
 #include <QPushButton>
+#include <QStyledItemDelegate>
+#include <QTextCharFormat>
 #include <QUiLoader>
 
 namespace {
@@ -18,6 +23,28 @@ const QLatin1String DefaultSkin("default");
 const QLatin1String DefaultLanguage("vtr_en.qm");
 const QLatin1String SkinSetting("vtr.ui/skin");
 const QLatin1String LanguageSetting("vtr.ui/language");
+
+constexpr QSize CalendarSize(288, 248); // for six weeks below the bar that a skin styles
+
+/// Gives the lists and calendars that pop up what style sheets cannot give.
+void PreparePopups(const QWidget* form)
+{
+    // A box's own delegate knows nothing of style sheets.
+    const auto boxes = form->findChildren<QComboBox*>();
+    for (QComboBox* box : boxes)
+        box->setItemDelegate(new QStyledItemDelegate(box));
+
+    // Weekends would be red, which is the colour of failures here and hard to read on some grounds.
+    const auto edits = form->findChildren<QDateTimeEdit*>();
+    for (const QDateTimeEdit* edit : edits) {
+        QCalendarWidget* calendar = edit->calendarWidget();
+        if (!calendar)
+            continue;
+        calendar->setWeekdayTextFormat(Qt::Saturday, {});
+        calendar->setWeekdayTextFormat(Qt::Sunday, {});
+        calendar->setMinimumSize(CalendarSize);
+    }
+}
 
 QString NextToExecutable(const char* folder)
 {
@@ -39,6 +66,7 @@ UiLoaderService::UiLoaderService(VTSettingsInterface* settings, QObject* parent)
     connect(&m_trayMenu, &TrayMenu::SkinChosen, this, &UiLoaderService::SetSkin);
     connect(&m_trayMenu, &TrayMenu::LanguageChosen, this, &UiLoaderService::SetLanguage);
     m_trayMenu.SetStyleSheet(Skins::StyleSheet(m_skin, MenuKey));
+    m_trayMenu.Retranslate();
     ListChoices();
     LoadSkinSettings(Skins::SettingsFile(m_skin));
 }
@@ -60,6 +88,8 @@ QWidget* UiLoaderService::LoadUi(const QString& key, QWidget* parent)
     QUiLoader loader;
     loader.setLanguageChangeEnabled(true);
     QWidget* form = loader.load(&file, parent);
+    if (form)
+        PreparePopups(form);
     if (form && !parent) {
         new FramelessWindow(form, key == MainFormKey ? FramelessWindow::Main : FramelessWindow::Dialog);
         if (key == MainFormKey)
@@ -72,8 +102,17 @@ void UiLoaderService::PrepareMainForm(QWidget* form)
 {
     form->setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint
         | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint);
-    if (auto* button = form->findChild<QPushButton*>(QStringLiteral("btnSkin")))
-        button->setMenu(GetMenu(QStringLiteral("menuTray"), QStringLiteral("meuSkin")));
+    auto* button = form->findChild<QPushButton*>(QStringLiteral("btnSkin"));
+    if (!button)
+        return;
+    QMenu* menu = GetMenu(QStringLiteral("menuTray"), QStringLiteral("meuSkin"));
+    button->setMenu(menu);
+    // The button hears nothing of a mouse that leaves it while its menu is open.
+    connect(menu, &QMenu::aboutToHide, button, [button] {
+        const bool isOver = button->rect().contains(button->mapFromGlobal(QCursor::pos()));
+        button->setAttribute(Qt::WA_UnderMouse, isOver);
+        button->update();
+    });
 }
 
 QString UiLoaderService::GetLanguage()
@@ -88,7 +127,7 @@ QStringList UiLoaderService::GetLanguages()
 
 void UiLoaderService::SetLanguage(const QString& file)
 {
-    if (file == m_languageFile || !GetLanguages().contains(file) || !InstallTranslator(file))
+    if (file == m_languageFile || !GetLanguages().contains(file) || !InstallLanguage(file))
         return;
     Remember(LanguageSetting, GetLanguage());
     m_trayMenu.Retranslate();
@@ -96,18 +135,13 @@ void UiLoaderService::SetLanguage(const QString& file)
     emit LanguageChanged(file);
 }
 
-bool UiLoaderService::InstallTranslator(const QString& file)
+bool UiLoaderService::InstallLanguage(const QString& file)
 {
-    auto translator = std::make_unique<QTranslator>();
-    if (!translator->load(file)) {
+    if (!m_translations.Install(file)) {
         qWarning("%s is not a language file", qUtf8Printable(file));
         return false;
     }
-    if (m_translator)
-        QCoreApplication::removeTranslator(m_translator.get());
-    m_translator = std::move(translator);
     m_languageFile = file;
-    QCoreApplication::installTranslator(m_translator.get());
     return true;
 }
 
@@ -116,7 +150,7 @@ void UiLoaderService::TakeRememberedLanguage()
     const QStringList files = GetLanguages();
     for (const QString& wanted : {Remembered(LanguageSetting, DefaultLanguage), QString(DefaultLanguage)}) {
         for (const QString& file : files) {
-            if (QFileInfo(file).fileName() == wanted && InstallTranslator(file))
+            if (QFileInfo(file).fileName() == wanted && InstallLanguage(file))
                 return;
         }
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "form_layout.h"
+#include "languages.h"
 #include "service_base.h"
 #include "tray_menu.h"
 #include "vtr_settingsinterface.h"
@@ -8,7 +9,6 @@
 
 #include <QHash>
 #include <QPointer>
-#include <QTranslator>
 
 #include <memory>
 
@@ -48,14 +48,14 @@ private:
     void Remember(const QString& key, const QString& value);
     QString Remembered(const QString& key, const QString& fallback) const;
     void TakeRememberedLanguage();
-    bool InstallTranslator(const QString& file);
+    bool InstallLanguage(const QString& file);
     void ListChoices();
     void PrepareMainForm(QWidget* form);
 
     QPointer<VTSettingsInterface> m_settings;
     QString m_skin;
     QString m_languageFile; ///< empty when no language file is installed
-    std::unique_ptr<QTranslator> m_translator;
+    Translations m_translations;
     TrayMenu m_trayMenu;
     QHash<QString, QPointer<QWidget>> m_windows;
     QHash<QString, FormLayout> m_layouts; ///< by layout file

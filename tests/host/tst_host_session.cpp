@@ -114,7 +114,7 @@ void TestHostSession::AsksWithoutAnAccount()
 
 void TestHostSession::ShowsWhySignInFailed()
 {
-    m_server->SetReplies({StandInServer::Http(401, R"({"message": "Wrong <b>name</b>."})")});
+    m_server->SetReplies({StandInServer::Http(403, R"({"message": "Wrong <b>name</b>."})")});
     m_session->SetAccount(QStringLiteral("demo"), QStringLiteral("wrong"));
     m_session->SignInAutomatically();
     QTRY_VERIFY(m_session->SignInForm()->isVisible());

@@ -9,6 +9,8 @@
 #include <QTableWidget>
 #include <QtTest>
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 
 namespace {
@@ -64,6 +66,58 @@ constexpr Group Rosters[] = {
 
 constexpr int FrameRangeRows = 15;
 
+/// A colour of the palette, the grounds that it lies on and the least contrast there.
+struct Pairing
+{
+    const char* text;
+    const char* grounds;
+    double contrast;
+};
+
+constexpr Pairing Pairings[] = {
+    {"text", "window surface surface_alt field hover pressed selection", 4.5},
+    {"text_muted", "window surface surface_alt field", 4.5},
+    {"text_disabled", "window surface surface_alt", 3},
+    {"icon", "window surface hover pressed danger_soft", 3},
+    {"accent_text", "window surface surface_alt field", 4.5},
+    {"accent_strong", "selection", 4.5},
+    {"on_accent", "accent accent_hover accent_pressed danger danger_pressed", 4.5},
+    {"on_accent_off", "accent_off", 3},
+    {"danger_text", "surface danger_soft", 4.5},
+    {"on_brand", "brand_top brand_bottom", 4.5},
+    {"on_brand_muted", "brand_top brand_bottom", 4.5},
+    {"on_tip", "tip", 4.5},
+};
+
+/// Relative luminance as the web's accessibility guidelines define it.
+double Luminance(const QColor& color)
+{
+    const auto linear
+        = [](double part) { return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4); };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+double Contrast(const QColor& one, const QColor& other)
+{
+    const auto [darker, lighter] = std::minmax({Luminance(one), Luminance(other)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+QMap<QString, QColor> Palette(const QString& skin)
+{
+    QFile file(QStringLiteral(SKINS_FOLDER "/%1/palette.cmake").arg(skin));
+    QMap<QString, QColor> colors;
+    if (!file.open(QIODevice::ReadOnly))
+        return colors;
+    auto found = QRegularExpression(QStringLiteral("set\\((\\w+) \"(#[0-9a-f]{6})\"\\)"))
+                     .globalMatch(QString::fromUtf8(file.readAll()));
+    while (found.hasNext()) {
+        const QRegularExpressionMatch match = found.next();
+        colors.insert(match.captured(1), QColor(match.captured(2)));
+    }
+    return colors;
+}
+
 /// The names of a group, "%1" standing for the numbers of the frame-range rows.
 QStringList NamesOf(const Group& group)
 {
@@ -91,8 +145,12 @@ private slots:
     void WhatTheClientMovesIsPlacedByTheFormItself();
     void TablesAreSetUp();
     void DefaultFormShowsAPageOfRows();
+    void CaptionsFit_data();
     void CaptionsFit();
+    void SkinFilesAreWhole_data();
     void SkinFilesAreWhole();
+    void ColorsAreLegible_data() { SkinFilesAreWhole_data(); }
+    void ColorsAreLegible();
 
 private:
     std::unique_ptr<QWidget> Load(const char* key)
@@ -169,23 +227,42 @@ void TestForms::DefaultFormShowsAPageOfRows()
     QVERIFY(table->viewport()->height() >= table->verticalHeader()->length());
 }
 
+void TestForms::CaptionsFit_data()
+{
+    QTest::addColumn<QString>("language");
+    const QStringList languages = m_loader.GetLanguages();
+    for (const QString& language : languages)
+        QTest::newRow(qPrintable(QFileInfo(language).fileName())) << language;
+}
+
 void TestForms::CaptionsFit()
 {
+    QFETCH(QString, language);
+    m_loader.SetLanguage(language);
     const auto form = Load("com.vtr.qsclient");
     form->show();
     const auto buttons = form->findChildren<QAbstractButton*>(QString(), Qt::FindDirectChildrenOnly);
     for (QAbstractButton* button : buttons) {
         button->ensurePolished();
+        button->setText(QCoreApplication::translate("VTQsClientPrivate", qPrintable(button->text())));
         if (!button->text().isEmpty())
             QVERIFY2(button->sizeHint().width() <= button->width(), qPrintable(button->objectName()));
     }
 }
 
+void TestForms::SkinFilesAreWhole_data()
+{
+    QTest::addColumn<QString>("skin");
+    QTest::newRow("default") << QStringLiteral("default");
+    QTest::newRow("dark") << QStringLiteral("dark");
+}
+
 void TestForms::SkinFilesAreWhole()
 {
+    QFETCH(QString, skin);
     const QRegularExpression picture(QStringLiteral("url\\(([^)]+)\\)"));
     int pictures = 0;
-    QDirIterator files(QStringLiteral(":/default"),
+    QDirIterator files(QLatin1String(":/") + skin,
         {QStringLiteral("*.qss"), QStringLiteral("*.ini"), QStringLiteral("*.svg"), QStringLiteral("*.png")},
         QDir::Files, QDirIterator::Subdirectories);
     while (files.hasNext()) {
@@ -206,9 +283,26 @@ void TestForms::SkinFilesAreWhole()
         }
     }
     QVERIFY(pictures > 0);
-    for (const char* name : {"main.png", "warning.png", "siblings_normal.png", "siblings_closed_normal.png",
-             "en_normal.png", "en_hover.png", "en_pressed.png"})
+    for (const char* name : {"main.png", "warning.png", "siblings_normal.png", "siblings_closed_normal.png"})
+        QVERIFY2(QFile::exists(QLatin1String(":/") + skin + QLatin1Char('/') + QLatin1String(name)), name);
+    for (const char* name : {"en_normal.png", "en_hover.png", "en_pressed.png", "zh_normal.png",
+             "zh_hover.png", "zh_pressed.png"})
         QVERIFY2(QFile::exists(QLatin1String(":/default/") + QLatin1String(name)), name);
+}
+
+void TestForms::ColorsAreLegible()
+{
+    QFETCH(QString, skin);
+    const QMap<QString, QColor> colors = Palette(skin);
+    for (const Pairing& pairing : Pairings) {
+        const QStringList grounds = QString::fromLatin1(pairing.grounds).split(QLatin1Char(' '));
+        for (const QString& ground : grounds) {
+            const double contrast = Contrast(colors.value(QLatin1String(pairing.text)), colors.value(ground));
+            QVERIFY2(contrast >= pairing.contrast,
+                qPrintable(
+                    QStringLiteral("%1 on %2: %3").arg(QLatin1String(pairing.text), ground).arg(contrast)));
+        }
+    }
 }
 
 QTEST_MAIN(TestForms)

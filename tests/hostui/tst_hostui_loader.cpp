@@ -84,7 +84,8 @@ void TestLoader::ParentTakesTheForm()
 void TestLoader::SkinsAreListedAndSwitched()
 {
     UiLoaderService loader(nullptr);
-    QCOMPARE(loader.GetSkins(), QStringList({QStringLiteral("default"), QStringLiteral("night")}));
+    QCOMPARE(loader.GetSkins(),
+        QStringList({QStringLiteral("dark"), QStringLiteral("default"), QStringLiteral("night")}));
     QCOMPARE(loader.GetSkin(), QStringLiteral("default"));
 
     QSignalSpy changed(&loader, &UiLoaderService::SkinChanged);
@@ -101,7 +102,8 @@ void TestLoader::LanguagesAreListedAndSwitched()
 {
     UiLoaderService loader(nullptr);
     const QStringList languages = loader.GetLanguages();
-    QCOMPARE(FileNames(languages), QStringList({QStringLiteral("vtr_de.qm"), QStringLiteral("vtr_en.qm")}));
+    QCOMPARE(FileNames(languages),
+        QStringList({QStringLiteral("vtr_de.qm"), QStringLiteral("vtr_en.qm"), QStringLiteral("vtr_zh.qm")}));
     QCOMPARE(loader.GetLanguage(), QStringLiteral("vtr_en.qm"));
 
     QSignalSpy changed(&loader, &UiLoaderService::LanguageChanged);
@@ -168,7 +170,7 @@ void TestLoader::MenusChoose()
     skins->actions().constLast()->trigger();
     QCOMPARE(loader.GetSkin(), QStringLiteral("night"));
     QCOMPARE(CheckedText(skins), QStringLiteral("Night"));
-    QCOMPARE(skins->actions().size(), 2);
+    QCOMPARE(skins->actions().size(), 3);
 
     languages->actions().constFirst()->trigger();
     QCOMPARE(loader.GetLanguage(), QStringLiteral("vtr_de.qm"));

@@ -1,0 +1,871 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="zh_CN" sourcelanguage="en">
+<context>
+    <name>AuthClientForm</name>
+    <message>
+        <source>Sign in – QuillStar Client</source>
+        <translation>登录 – QuillStar 客户端</translation>
+    </message>
+    <message>
+        <source>Your scenes, rendered on the farm.</source>
+        <translation>您的场景，交给农场渲染。</translation>
+    </message>
+    <message>
+        <source>Minimize</source>
+        <translation>最小化</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Sign in</source>
+        <translation>登录</translation>
+    </message>
+    <message>
+        <source>Use your farm account.</source>
+        <translation>使用您的渲染农场账号。</translation>
+    </message>
+    <message>
+        <source>User name</source>
+        <translation>用户名</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>密码</translation>
+    </message>
+    <message>
+        <source>QuillStar Client</source>
+        <translation>QuillStar 客户端</translation>
+    </message>
+</context>
+<context>
+    <name>ClientHost</name>
+    <message>
+        <source>The embedded farm cannot be started.</source>
+        <translation>无法启动内置渲染农场。</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigurationForm</name>
+    <message>
+        <source>Settings</source>
+        <translation>设置</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Downloads</source>
+        <translation>下载</translation>
+    </message>
+    <message>
+        <source>Download finished jobs automatically</source>
+        <translation>自动下载已完成的作业</translation>
+    </message>
+    <message>
+        <source>Frames arrive as soon as a job is done.</source>
+        <translation>作业完成后立即下载渲染结果。</translation>
+    </message>
+    <message>
+        <source>Show a notice when a download has finished</source>
+        <translation>下载完成时显示通知</translation>
+    </message>
+    <message>
+        <source>In the system tray, for ten seconds.</source>
+        <translation>在系统托盘中显示十秒。</translation>
+    </message>
+    <message>
+        <source>Play a sound when a download has finished</source>
+        <translation>下载完成时播放提示音</translation>
+    </message>
+    <message>
+        <source>Through the default audio device.</source>
+        <translation>通过默认音频设备播放。</translation>
+    </message>
+    <message>
+        <source>Submission</source>
+        <translation>提交</translation>
+    </message>
+    <message>
+        <source>Offer frame range and image size</source>
+        <translation>允许设置帧范围和图像尺寸</translation>
+    </message>
+    <message>
+        <source>Adds an entry to the menu of a local task.</source>
+        <translation>在本地任务的右键菜单中添加相应选项。</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+</context>
+<context>
+    <name>FarmProtocol</name>
+    <message>
+        <source>The server&apos;s answer is incomplete.</source>
+        <translation>服务器的响应不完整。</translation>
+    </message>
+</context>
+<context>
+    <name>HttpCall</name>
+    <message>
+        <source>The server cannot be reached: %1</source>
+        <translation>无法连接服务器：%1</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer cannot be read.</source>
+        <translation>无法读取服务器的响应。</translation>
+    </message>
+    <message>
+        <source>The server answered with status %1.</source>
+        <translation>服务器返回状态码 %1。</translation>
+    </message>
+    <message>
+        <source>No server is known yet.</source>
+        <translation>尚未找到服务器。</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer is too large.</source>
+        <translation>服务器的响应过大。</translation>
+    </message>
+    <message>
+        <source>The server did not answer in time.</source>
+        <translation>服务器响应超时。</translation>
+    </message>
+</context>
+<context>
+    <name>InputDialogForm</name>
+    <message>
+        <source>Group name</source>
+        <translation>分组名称</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>MessageBoxForm</name>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>MessageBoxService</name>
+    <message>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+</context>
+<context>
+    <name>QObject</name>
+    <message>
+        <source>Waiting</source>
+        <translation>等待中</translation>
+    </message>
+    <message>
+        <source>Running</source>
+        <translation>渲染中</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>已暂停</translation>
+    </message>
+    <message>
+        <source>Pending</source>
+        <translation>待处理</translation>
+    </message>
+    <message>
+        <source>Finished</source>
+        <translation>已完成</translation>
+    </message>
+    <message>
+        <source>Deleted</source>
+        <translation>已删除</translation>
+    </message>
+    <message>
+        <source>To full render</source>
+        <translation>待全帧渲染</translation>
+    </message>
+    <message>
+        <source>Failed</source>
+        <translation>失败</translation>
+    </message>
+    <message>
+        <source>Arrears</source>
+        <translation>欠费</translation>
+    </message>
+    <message>
+        <source>Pause due to arrears</source>
+        <translation>欠费暂停</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>未知</translation>
+    </message>
+    <message>
+        <source>Sequence</source>
+        <translation>序号</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>Start Time</source>
+        <translation>开始时间</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>进度</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>状态</translation>
+    </message>
+    <message>
+        <source>Cost</source>
+        <translation>费用</translation>
+    </message>
+    <message>
+        <source>Module %1 is invalid</source>
+        <translation>模块 %1 无效</translation>
+    </message>
+    <message>
+        <source>[%1] Module %2 is invalid</source>
+        <translation>[%1] 模块 %2 无效</translation>
+    </message>
+</context>
+<context>
+    <name>QsClientForm</name>
+    <message>
+        <source>QuillStar Client</source>
+        <translation>QuillStar 客户端</translation>
+    </message>
+</context>
+<context>
+    <name>SearchForm</name>
+    <message>
+        <source>Search jobs</source>
+        <translation>搜索作业</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>SessionControl</name>
+    <message>
+        <source>The user name or the password is wrong.</source>
+        <translation>用户名或密码错误。</translation>
+    </message>
+    <message>
+        <source>Too many attempts. Please try again in a moment.</source>
+        <translation>尝试次数过多，请稍后再试。</translation>
+    </message>
+    <message>
+        <source>Your session has ended. Please sign in again.</source>
+        <translation>登录已失效，请重新登录。</translation>
+    </message>
+    <message>
+        <source>Sign out</source>
+        <translation>退出登录</translation>
+    </message>
+</context>
+<context>
+    <name>SetArgumentForm</name>
+    <message>
+        <source>Render arguments</source>
+        <translation>渲染参数</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>First and last frame of each group</source>
+        <translation>每组的起始帧和结束帧</translation>
+    </message>
+</context>
+<context>
+    <name>SetParentForm</name>
+    <message>
+        <source>Set parent jobs</source>
+        <translation>设置父作业</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>The chosen jobs wait until every job checked here has finished.</source>
+        <translation>所选作业将等待此处勾选的作业全部完成后再开始。</translation>
+    </message>
+</context>
+<context>
+    <name>SignInWindow</name>
+    <message>
+        <source>Signing in…</source>
+        <translation>正在登录…</translation>
+    </message>
+    <message>
+        <source>Sign in</source>
+        <translation>登录</translation>
+    </message>
+</context>
+<context>
+    <name>TrayMenu</name>
+    <message>
+        <source>Default</source>
+        <translation>默认</translation>
+    </message>
+    <message>
+        <source>Dark</source>
+        <translation>深色</translation>
+    </message>
+    <message>
+        <source>Skin</source>
+        <translation>皮肤</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>语言</translation>
+    </message>
+</context>
+<context>
+    <name>VTGroup</name>
+    <message>
+        <source>Running</source>
+        <translation>渲染中</translation>
+    </message>
+    <message>
+        <source>Finished</source>
+        <translation>已完成</translation>
+    </message>
+    <message>
+        <source>All</source>
+        <translation>全部</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>添加</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Project</source>
+        <translation>项目</translation>
+    </message>
+    <message>
+        <source>My Render</source>
+        <translation>我的渲染</translation>
+    </message>
+    <message>
+        <source>Group</source>
+        <translation>分组</translation>
+    </message>
+    <message>
+        <source>Group name:</source>
+        <translation>分组名称：</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Please input group name</source>
+        <translation>请输入分组名称</translation>
+    </message>
+    <message>
+        <source>The groups could not be saved.</source>
+        <translation>无法保存分组。</translation>
+    </message>
+</context>
+<context>
+    <name>VTQsClientPrivate</name>
+    <message>
+        <source>wait</source>
+        <translation>等待</translation>
+    </message>
+    <message>
+        <source>analyze</source>
+        <translation>分析</translation>
+    </message>
+    <message>
+        <source>compress</source>
+        <translation>压缩</translation>
+    </message>
+    <message>
+        <source>checksum</source>
+        <translation>校验</translation>
+    </message>
+    <message>
+        <source>copysame</source>
+        <translation>秒传</translation>
+    </message>
+    <message>
+        <source>upload</source>
+        <translation>上传</translation>
+    </message>
+    <message>
+        <source>uncompress</source>
+        <translation>解压</translation>
+    </message>
+    <message>
+        <source>submit</source>
+        <translation>提交</translation>
+    </message>
+    <message>
+        <source>Waiting</source>
+        <translation>等待中</translation>
+    </message>
+    <message>
+        <source>Downloading</source>
+        <translation>下载中</translation>
+    </message>
+    <message>
+        <source>Finished</source>
+        <translation>已完成</translation>
+    </message>
+    <message>
+        <source>Failed</source>
+        <translation>失败</translation>
+    </message>
+    <message>
+        <source>Stopped</source>
+        <translation>已停止</translation>
+    </message>
+    <message>
+        <source>QuillStar Client</source>
+        <translation>QuillStar 客户端</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Balance</source>
+        <translation>余额</translation>
+    </message>
+    <message>
+        <source>RMB</source>
+        <translation>元</translation>
+    </message>
+    <message>
+        <source>credits</source>
+        <translation>积分</translation>
+    </message>
+    <message>
+        <source>Service hotline</source>
+        <translation>服务热线</translation>
+    </message>
+    <message>
+        <source>Version</source>
+        <translation>版本</translation>
+    </message>
+    <message>
+        <source>Charge</source>
+        <translation>计费</translation>
+    </message>
+    <message>
+        <source>Cost</source>
+        <translation>费用</translation>
+    </message>
+    <message>
+        <source>Select all</source>
+        <translation>全选</translation>
+    </message>
+    <message>
+        <source>Recover</source>
+        <translation>恢复</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>Restart</source>
+        <translation>重新渲染</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Full render</source>
+        <translation>全帧渲染</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>搜索</translation>
+    </message>
+    <message>
+        <source>Submit</source>
+        <translation>提交</translation>
+    </message>
+    <message>
+        <source>Recharge</source>
+        <translation>充值</translation>
+    </message>
+    <message>
+        <source>Stop the checked jobs</source>
+        <translation>停止勾选的作业</translation>
+    </message>
+    <message>
+        <source>Restart the checked jobs</source>
+        <translation>重新渲染勾选的作业</translation>
+    </message>
+    <message>
+        <source>Delete the checked rows</source>
+        <translation>删除勾选的行</translation>
+    </message>
+    <message>
+        <source>Render all frames of the checked jobs</source>
+        <translation>渲染勾选作业的全部帧</translation>
+    </message>
+    <message>
+        <source>Search jobs</source>
+        <translation>搜索作业</translation>
+    </message>
+    <message>
+        <source>Submit a scene</source>
+        <translation>提交场景</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>退出</translation>
+    </message>
+    <message>
+        <source>Minimize to the tray</source>
+        <translation>最小化到托盘</translation>
+    </message>
+    <message>
+        <source>Restore</source>
+        <translation>还原</translation>
+    </message>
+    <message>
+        <source>Maximize</source>
+        <translation>最大化</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>设置</translation>
+    </message>
+    <message>
+        <source>Skin</source>
+        <translation>皮肤</translation>
+    </message>
+    <message>
+        <source>Messages</source>
+        <translation>消息</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>语言</translation>
+    </message>
+    <message>
+        <source>Previous page</source>
+        <translation>上一页</translation>
+    </message>
+    <message>
+        <source>Next page</source>
+        <translation>下一页</translation>
+    </message>
+    <message>
+        <source>Previous five pages</source>
+        <translation>前五页</translation>
+    </message>
+    <message>
+        <source>Next five pages</source>
+        <translation>后五页</translation>
+    </message>
+    <message>
+        <source>My Render</source>
+        <translation>我的渲染</translation>
+    </message>
+    <message>
+        <source>Local Task</source>
+        <translation>本地任务</translation>
+    </message>
+    <message>
+        <source>Download</source>
+        <translation>下载</translation>
+    </message>
+    <message>
+        <source>Are you sure to quit?</source>
+        <translation>确定要退出吗？</translation>
+    </message>
+    <message>
+        <source>Set parent</source>
+        <translation>设置父作业</translation>
+    </message>
+    <message>
+        <source>Continue submit</source>
+        <translation>继续提交</translation>
+    </message>
+    <message>
+        <source>Delete Tasks</source>
+        <translation>删除任务</translation>
+    </message>
+    <message>
+        <source>Set argument</source>
+        <translation>设置参数</translation>
+    </message>
+    <message>
+        <source>Open file path</source>
+        <translation>打开文件位置</translation>
+    </message>
+    <message>
+        <source>Redownload</source>
+        <translation>重新下载</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>Source</source>
+        <translation>来源</translation>
+    </message>
+    <message>
+        <source>Dest</source>
+        <translation>保存位置</translation>
+    </message>
+    <message>
+        <source>Progress</source>
+        <translation>进度</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>状态</translation>
+    </message>
+    <message>
+        <source>Start Time</source>
+        <translation>开始时间</translation>
+    </message>
+    <message>
+        <source>Unkown</source>
+        <translation>未知</translation>
+    </message>
+    <message>
+        <source>Are you sure to delete these jobs?</source>
+        <translation>确定要删除这些作业吗？</translation>
+    </message>
+    <message>
+        <source>Delete jobs failed!</source>
+        <translation>删除作业失败！</translation>
+    </message>
+    <message>
+        <source>Stop jobs failed!</source>
+        <translation>停止作业失败！</translation>
+    </message>
+    <message>
+        <source>Recover jobs failed!</source>
+        <translation>恢复作业失败！</translation>
+    </message>
+    <message>
+        <source>Restart jobs failed!</source>
+        <translation>重新渲染作业失败！</translation>
+    </message>
+    <message>
+        <source>Full render jobs failed!</source>
+        <translation>全帧渲染作业失败！</translation>
+    </message>
+    <message>
+        <source>Amount Overdue!</source>
+        <translation>账户已欠费！</translation>
+    </message>
+    <message>
+        <source>The checked items are already added to download list</source>
+        <translation>勾选的作业已添加到下载列表</translation>
+    </message>
+    <message>
+        <source>SceneFile</source>
+        <translation>场景文件</translation>
+    </message>
+    <message>
+        <source>Warn</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>未知</translation>
+    </message>
+    <message>
+        <source>fail</source>
+        <translation>失败</translation>
+    </message>
+    <message>
+        <source>Lacked of texture files:</source>
+        <translation>缺少贴图文件：</translation>
+    </message>
+    <message>
+        <source>Quillstar Client</source>
+        <translation>QuillStar 客户端</translation>
+    </message>
+    <message>
+        <source>Retry uploading?Failed to upload files:</source>
+        <translation>是否重新上传？以下文件上传失败：</translation>
+    </message>
+    <message>
+        <source>Continue next step?
+Below files are missing:
+%1</source>
+        <translation>是否继续下一步？
+缺少以下文件：
+%1</translation>
+    </message>
+    <message>
+        <source>embedded</source>
+        <translation>内置渲染农场</translation>
+    </message>
+</context>
+<context>
+    <name>VTSearch</name>
+    <message>
+        <source>Waiting</source>
+        <translation>等待中</translation>
+    </message>
+    <message>
+        <source>Running</source>
+        <translation>渲染中</translation>
+    </message>
+    <message>
+        <source>Stopped</source>
+        <translation>已停止</translation>
+    </message>
+    <message>
+        <source>Finished</source>
+        <translation>已完成</translation>
+    </message>
+    <message>
+        <source>Deleted</source>
+        <translation>已删除</translation>
+    </message>
+    <message>
+        <source>To full render</source>
+        <translation>待全帧渲染</translation>
+    </message>
+    <message>
+        <source>Failed</source>
+        <translation>失败</translation>
+    </message>
+    <message>
+        <source>Arrears</source>
+        <translation>欠费</translation>
+    </message>
+    <message>
+        <source>Pause due to arrears</source>
+        <translation>欠费暂停</translation>
+    </message>
+    <message>
+        <source>Normal work</source>
+        <translation>普通作业</translation>
+    </message>
+    <message>
+        <source>Rendering work</source>
+        <translation>渲染作业</translation>
+    </message>
+    <message>
+        <source>Job Id</source>
+        <translation>作业编号</translation>
+    </message>
+    <message>
+        <source>Job Name</source>
+        <translation>作业名称</translation>
+    </message>
+    <message>
+        <source>Job Type</source>
+        <translation>作业类型</translation>
+    </message>
+    <message>
+        <source>Job Status</source>
+        <translation>作业状态</translation>
+    </message>
+    <message>
+        <source>Project Name</source>
+        <translation>项目名称</translation>
+    </message>
+    <message>
+        <source>Business Type</source>
+        <translation>业务类型</translation>
+    </message>
+    <message>
+        <source>Start Time</source>
+        <translation>开始时间</translation>
+    </message>
+    <message>
+        <source>End Time</source>
+        <translation>结束时间</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>搜索</translation>
+    </message>
+    <message>
+        <source>Reset</source>
+        <translation>重置</translation>
+    </message>
+</context>
+<context>
+    <name>VTSetArgument</name>
+    <message>
+        <source>Prerender</source>
+        <translation>预渲染</translation>
+    </message>
+    <message>
+        <source>Image size</source>
+        <translation>图像尺寸</translation>
+    </message>
+    <message>
+        <source>Frame range</source>
+        <translation>帧范围</translation>
+    </message>
+    <message>
+        <source>Group</source>
+        <translation>组数</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Start frame must be less than end frame!</source>
+        <translation>起始帧必须小于结束帧！</translation>
+    </message>
+    <message>
+        <source>Can not submit more than 1000 frames</source>
+        <translation>一次提交不能超过 1000 帧</translation>
+    </message>
+</context>
+<context>
+    <name>VTSetParent</name>
+    <message>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>The dependency could not be saved. The jobs will be resumed only while the client is running.</source>
+        <translation>无法保存依赖关系。仅当客户端运行时，这些作业才会恢复。</translation>
+    </message>
+</context>
+</TS>
