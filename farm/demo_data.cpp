@@ -115,7 +115,7 @@ NewJob PastJob(int index, std::int64_t now)
     job.rendering = index % 4 != 3;
     job.status = PastStatus(index);
     job.scene = QLatin1String(sequence.scene);
-    job.frames = 24 + index * 17 % 97;
+    job.frames = {{1, 24 + index * 17 % 97}};
     job.submittedAt
         = now - threeWeeks + index * (threeWeeks - 3 * hour) / pastJobs + std::int64_t {index} * 613 % hour;
     return job;
@@ -125,7 +125,7 @@ NewJob PastJob(int index, std::int64_t now)
 void AddPastJob(SQLite::Database& connection, JobStore& jobs, const NewJob& job)
 {
     const std::int64_t key = jobs.Add(job).key;
-    const int done = FramesDone(job.status, job.frames);
+    const int done = FramesDone(job.status, FrameCount(job.frames));
     Execute(connection, "UPDATE frames SET finished_at = ?2 + number * 40 WHERE job = ?1 AND number <= ?3",
         key, job.submittedAt, done);
     Execute(connection,
@@ -214,7 +214,7 @@ void AddLiveJobs(JobStore& jobs, std::int64_t account, std::int64_t now)
         job.type = QStringLiteral("povray");
         job.name = QLatin1String(live.name);
         job.scene = QLatin1String(live.scene);
-        job.frames = live.frames;
+        job.frames = {{1, live.frames}};
         job.status = live.status;
         job.submittedAt = now - age-- * 60;
         jobs.Add(job);
