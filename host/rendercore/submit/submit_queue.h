@@ -1,13 +1,27 @@
 #pragma once
 
 #include "farm_access.h"
+#include "stage_outcome.h"
+#include "submit_store.h"
 
+#include <QHash>
 #include <QObject>
 #include <QStringList>
+#include <QThread>
+#include <QTimer>
 #include <QVariantList>
+
+#include <functional>
+#include <memory>
+#include <utility>
+
+class SubmitWorker;
 
 /// The scenes that are on their way to the farm, as the window sees them: on the GUI thread, for the account that is
 /// signed in.
+///
+/// One task at a time goes through its stages, each of which a worker does in a thread of its own; the others wait. What
+/// the user decides is on the disk when the function returns.
 class SubmitQueue : public QObject
 {
     Q_OBJECT
@@ -15,12 +29,41 @@ class SubmitQueue : public QObject
 public:
     /// @param folder for the database and the packages; made when it is missing.
     explicit SubmitQueue(const QString& folder, QObject* parent = nullptr);
+
+    /// Work pauses; it goes on with the next queue on this folder.
     ~SubmitQueue() override;
 
     /// Another owner has other tasks. Without a farm that can be reached the tasks wait where they are.
     void SetAccess(const FarmAccess& access);
 
+    /// Whether tasks of Maya scenes wait for the user to check their arguments; asked when one is about to be sent.
+    void SetArgumentsCheck(std::function<bool()> mustCheck) { m_mustCheck = std::move(mustCheck); }
+
     const QStringList& Ids() const { return m_ids; }
+
+    /// The task with this id; null when there is none. Valid until control returns to the event loop.
+    const SubmitTask* Task(const QString& id) const;
+
+    /// Takes a scene. False when nobody is signed in, or when it is no scene that can be read.
+    bool Submit(const QString& scene);
+
+    /// Deletes tasks for good; what they have sent is of no use to anybody.
+    void Remove(const QStringList& ids);
+
+    /// The session is over: tasks that are done go, the others rest until their owner is back.
+    void EndSession();
+
+    void StopAll();
+    void ResumeAll();
+
+    /// Goes on with a task that stands still, whatever for.
+    void Continue(const QString& id);
+
+    void AnswerUploadFailure(const QString& id, bool tryAgain);
+    void AnswerMissingTextures(const QString& id, bool goOn);
+
+    /// What cannot be made a job of is ignored, and so is what comes when the job is already made.
+    void SetArguments(const QString& id, const QVariantList& arguments);
 
 signals:
     /// A task has come or gone.
@@ -29,5 +72,41 @@ signals:
     void TexturesLacking(const QString& id, const QStringList& files);
 
 private:
+    SubmitTask* Find(const QString& id);
+    QString IdOf(qint64 number) const;
+    QString PackageFolder(qint64 number) const;
+    bool Keep(const std::function<void(SubmitStore&)>& change);
+
+    void Load();
+    void Ask(const SubmitTask& task);
+    void Advance();
+    SubmitTask* NextTask();
+    bool WaitsForCheck(const SubmitTask& task) const;
+    void Begin(SubmitTask& task);
+    void ShowProgress(qint64 number, int percent, const QString& text);
+    void TakeOutcome(qint64 number, const StageOutcome& outcome);
+    void StageDone(SubmitTask& task, const StageOutcome& outcome);
+    void TryLater(SubmitTask& task, const StageOutcome& outcome);
+    void StageFailed(SubmitTask& task, const StageOutcome& outcome);
+    void Finish(SubmitTask& task, const QString& jobNumber);
+    void Rest(SubmitTask& task, SubmitError error, const QString& message);
+    void Resume(SubmitTask& task);
+    void Interrupt();
+    void Discard(qint64 number);
+
+    QString m_folder;
+    std::unique_ptr<SubmitStore> m_store; // null when the database cannot be used
+    FarmAccess m_access;
+    QString m_endedToken; // of a session that is over
+    std::function<bool()> m_mustCheck;
     QStringList m_ids;
+    QHash<QString, SubmitTask> m_tasks;
+    QString m_current;                              // whose turn it is
+    InterruptFlag m_run;                            // null while the worker has nothing to do
+    SubmitStage m_runningStage = SubmitStage::Wait; // of the worker's latest run
+    bool m_discardAfterRun = false;
+    QTimer m_pause;   // before the farm is asked again
+    int m_pauses = 0; // in a row
+    QThread m_thread;
+    SubmitWorker* m_worker; // of that thread
 };

@@ -1,0 +1,74 @@
+#include "farm_client.h"
+
+#include "http_call.h"
+
+#include <QJsonDocument>
+
+#include <utility>
+
+namespace {
+
+HttpLimits OneAttempt()
+{
+    HttpLimits limits;
+    limits.attempts = 1;
+    limits.attemptTime = 30000;
+    return limits;
+}
+
+} // namespace
+
+FarmClient::FarmClient()
+    : m_transport(OneAttempt())
+{
+}
+
+void FarmClient::Begin(const FarmAccess& access, const InterruptFlag& interrupted)
+{
+    if (std::exchange(m_base, access.apiRoot) != access.apiRoot)
+        m_transport.SetBaseUrl(access.apiRoot);
+    m_token = access.token.toLatin1();
+    m_interrupted = interrupted;
+    m_answered = false;
+}
+
+void FarmClient::Interrupt()
+{
+    if (m_waiting && *m_interrupted)
+        m_waiting->quit();
+}
+
+std::optional<HttpResult> FarmClient::Send(HttpRequest request, const std::function<void(qint64)>& onSent)
+{
+    if (*m_interrupted)
+        return std::nullopt;
+    request.token = m_token;
+    std::optional<HttpResult> result;
+    QEventLoop waiting;
+    m_waiting = &waiting;
+    {
+        QObject owner; // a call that is not finished is cancelled with it
+        HttpCall* call = m_transport.Send(request, &owner);
+        QObject::connect(call, &HttpCall::Finished, &owner, [&](const HttpResult& answer) {
+            result = answer;
+            waiting.quit();
+        });
+        if (onSent)
+            QObject::connect(call, &HttpCall::Sent, &owner, onSent);
+        waiting.exec();
+    }
+    if (*m_interrupted && !(result && result->status == 200))
+        return std::nullopt;
+    m_answered = m_answered || (result && result->status > 0 && !IsPassing(result->status));
+    return result;
+}
+
+std::optional<HttpResult> FarmClient::Post(const QByteArray& target, const QJsonObject& body, int attemptTime)
+{
+    HttpRequest request;
+    request.verb = "POST";
+    request.target = target;
+    request.body = QJsonDocument(body).toJson(QJsonDocument::Compact);
+    request.attemptTime = attemptTime;
+    return Send(request);
+}

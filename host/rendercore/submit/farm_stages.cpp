@@ -1,0 +1,303 @@
+#include "farm_stages.h"
+
+#include "local_stages.h"
+#include "scene_analysis.h"
+#include "submit_arguments.h"
+#include "submit_text.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QSet>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int kChecksumsAtOnce = 1000;
+constexpr qint64 kLargestChunk = 2LL * 1024 * 1024;
+constexpr int kChunkTime = 120 * 1000;
+constexpr int kUnpackTime = 30 * 60 * 1000;
+constexpr int kLongestName = 256;
+constexpr int kMostConflicts = 5;
+
+QJsonObject DataOf(const HttpResult& result)
+{
+    return result.json.value(QLatin1String("data")).toObject();
+}
+
+QByteArray UploadTarget(const QByteArray& id)
+{
+    return "/uploads/" + id.toPercentEncoding();
+}
+
+bool IsStatus(const std::optional<HttpResult>& result, int status)
+{
+    return result && result->status == status;
+}
+
+} // namespace
+
+StageOutcome FarmStages::Run(const StageOrder& order, const StageProgress& onProgress)
+{
+    m_order = &order;
+    m_onProgress = &onProgress;
+    m_outcome = {};
+    m_outcome.work = order.task.work;
+    m_farm.Begin(order.access, order.interrupted);
+    switch (order.task.next) {
+    case SubmitStage::Upload:
+        UploadAll();
+        break;
+    case SubmitStage::Uncompress:
+        UncompressAll();
+        break;
+    case SubmitStage::Submit:
+        Submit();
+        break;
+    default:
+        CopySame();
+        break;
+    }
+    m_outcome.cameForward = m_farm.HasAnswered();
+    return m_outcome;
+}
+
+void FarmStages::CopySame()
+{
+    QStringList checksums;
+    for (const PackedFile& file : qAsConst(m_outcome.work.files))
+        checksums.append(file.checksum);
+    checksums.removeDuplicates();
+    QSet<QString> wanted(checksums.cbegin(), checksums.cend());
+    for (int from = 0; from < checksums.size(); from += kChecksumsAtOnce) {
+        const QJsonArray some = QJsonArray::fromStringList(checksums.mid(from, kChecksumsAtOnce));
+        const auto result = m_farm.Post("/contents/known", {{QStringLiteral("checksums"), some}});
+        if (!Check(result))
+            return;
+        const QJsonArray known = DataOf(*result).value(QLatin1String("known")).toArray();
+        for (const QJsonValue& checksum : known)
+            wanted.remove(checksum.toString());
+        (*m_onProgress)(std::min(from + kChecksumsAtOnce, checksums.size()) * 100 / checksums.size(), {});
+    }
+    for (PackedFile& file : m_outcome.work.files) {
+        file.isWanted = wanted.remove(file.checksum);
+        file.isSent = false;
+    }
+    Conclude(SubmitStage::Upload);
+}
+
+void FarmStages::UploadAll()
+{
+    qint64 total = 0;
+    for (const PackedFile& file : qAsConst(m_outcome.work.files))
+        total += file.isWanted ? file.packageSize : 0;
+    TransferMeter meter(total);
+    qint64 moved = 0;
+    for (int index = 0; index < m_outcome.work.files.size(); ++index) {
+        PackedFile& file = m_outcome.work.files[index];
+        if (file.isWanted && file.isSent)
+            meter.Skip(file.packageSize);
+        else if (file.isWanted && !SendPackage(file, PackagePath(m_order->folder, index), meter, moved))
+            return;
+        (*m_onProgress)(meter.Percent(), meter.Text());
+    }
+    Conclude(SubmitStage::Uncompress);
+}
+
+/// @return whether the stage may go on, also when the package was refused.
+bool FarmStages::SendPackage(PackedFile& file, const QString& package, TransferMeter& meter, qint64& moved)
+{
+    const auto result = m_farm.Post("/uploads",
+        {{QStringLiteral("checksum"), file.packageChecksum}, {QStringLiteral("size"), file.packageSize}});
+    if (!CheckPassing(result))
+        return false;
+    Upload upload;
+    if (!ReadUpload(*result, file, upload))
+        return true;
+    file.upload = QString::fromUtf8(upload.id);
+    meter.Skip(upload.offset);
+    return SendChunks(file, package, upload, meter, moved);
+}
+
+bool FarmStages::SendChunks(
+    PackedFile& file, const QString& package, Upload& upload, TransferMeter& meter, qint64& moved)
+{
+    QFile content(package);
+    if (!content.open(QIODevice::ReadOnly)) {
+        Refuse(file, QStringLiteral("Its package cannot be read."));
+        return true;
+    }
+    for (int conflicts = 0; upload.offset < file.packageSize;) {
+        HttpRequest request;
+        request.verb = "PUT";
+        request.target = UploadTarget(upload.id) + "?offset=" + QByteArray::number(upload.offset);
+        request.contentType = "application/octet-stream";
+        request.attemptTime = kChunkTime;
+        if (content.seek(upload.offset))
+            request.body = content.read(upload.chunkSize);
+        if (request.body.isEmpty()) {
+            Refuse(file, QStringLiteral("Its package cannot be read."));
+            return true;
+        }
+        auto result = m_farm.Send(request, [&](qint64 bytes) {
+            if (bytes == 0)
+                return;
+            meter.SetMoved(moved + bytes);
+            (*m_onProgress)(meter.Percent(), meter.Text());
+        });
+        // What was sent had arrived already, or not all of what was thought to have arrived has.
+        if (IsStatus(result, 409) && ++conflicts < kMostConflicts) {
+            HttpRequest question;
+            question.verb = "GET";
+            question.target = UploadTarget(upload.id);
+            result = m_farm.Send(question);
+        }
+        if (!CheckPassing(result))
+            return false;
+        const qint64 before = upload.offset;
+        if (!ReadUpload(*result, file, upload))
+            return true;
+        moved += std::max<qint64>(upload.offset - before, 0);
+        meter.SetMoved(moved);
+    }
+    file.isSent = true;
+    return true;
+}
+
+void FarmStages::UncompressAll()
+{
+    const auto wanted = std::count_if(m_outcome.work.files.cbegin(), m_outcome.work.files.cend(),
+        [](const PackedFile& file) { return file.isWanted; });
+    int done = 0;
+    for (PackedFile& file : m_outcome.work.files) {
+        if (!file.isWanted)
+            continue;
+        if (!Uncompress(file))
+            return;
+        (*m_onProgress)(static_cast<int>(++done * 100 / wanted), {});
+    }
+    Conclude(SubmitStage::Submit);
+}
+
+bool FarmStages::Uncompress(PackedFile& file)
+{
+    const auto result = m_farm.Post(UploadTarget(file.upload.toUtf8()) + "/unpack", {}, kUnpackTime);
+    if (IsStatus(result, 404) || IsStatus(result, 409)) {
+        file.isSent = false;
+        Repeat(SubmitStage::Upload, QString::fromLatin1(SubmitText::Busy));
+        return false;
+    }
+    if (!CheckPassing(result))
+        return false;
+    if (result->status != 200) {
+        Refuse(file, result->error);
+        return true;
+    }
+    const QJsonArray files = DataOf(*result).value(QLatin1String("files")).toArray();
+    const bool isOurs = std::any_of(files.begin(), files.end(), [&file](const QJsonValue& value) {
+        return value[QLatin1String("path")].toString() == file.path
+            && value[QLatin1String("checksum")].toString() == file.checksum;
+    });
+    if (!isOurs)
+        Refuse(file, QStringLiteral("It has changed on its way."));
+    file.isWanted = !isOurs;
+    return true;
+}
+
+void FarmStages::Submit()
+{
+    const SubmitTask& task = m_order->task;
+    QJsonArray files;
+    for (const PackedFile& file : task.work.files)
+        files.append(
+            QJsonObject {{QStringLiteral("path"), file.path}, {QStringLiteral("checksum"), file.checksum}});
+    QJsonObject job = JobMembers(task.arguments, task.work.width, task.work.height);
+    job.insert(QStringLiteral("submission"), task.submission);
+    job.insert(QStringLiteral("type"), JobTypeOf(task.scene));
+    job.insert(QStringLiteral("name"), QFileInfo(task.scene).completeBaseName().left(kLongestName));
+    job.insert(QStringLiteral("scene"), task.work.scene);
+    job.insert(QStringLiteral("files"), files);
+    const auto result = m_farm.Post("/jobs", job);
+    if (IsStatus(result, 409)) {
+        Repeat(SubmitStage::CopySame, QString::fromLatin1(SubmitText::Busy));
+        return;
+    }
+    if (!Check(result))
+        return;
+    m_outcome.message = DataOf(*result).value(QLatin1String("job_increasement")).toString();
+    Conclude(SubmitStage::Submit);
+}
+
+/// Takes the farm's answer about a package; refuses the file where there is none that can be used.
+bool FarmStages::ReadUpload(const HttpResult& result, const PackedFile& file, Upload& upload)
+{
+    const QJsonObject data = DataOf(result);
+    upload.id = data.value(QLatin1String("id")).toString().toUtf8();
+    upload.offset = static_cast<qint64>(data.value(QLatin1String("offset")).toDouble(-1));
+    upload.chunkSize
+        = std::min(static_cast<qint64>(data.value(QLatin1String("chunkSize")).toDouble()), kLargestChunk);
+    if (data.value(QLatin1String("unpacked")).toBool())
+        upload.offset = file.packageSize;
+    if (result.status != 200)
+        Refuse(file, result.error);
+    else if (upload.id.isEmpty() || upload.offset < 0 || upload.offset > file.packageSize
+        || upload.chunkSize < 1)
+        Refuse(file, QStringLiteral("The server's answer cannot be read."));
+    else
+        return true;
+    return false;
+}
+
+/// Whether the farm did what was asked; otherwise the outcome says why not.
+bool FarmStages::Check(const std::optional<HttpResult>& result)
+{
+    if (!CheckPassing(result))
+        return false;
+    if (result->status == 200)
+        return true;
+    m_outcome.kind = StageOutcome::Kind::Failed;
+    m_outcome.error = SubmitError::FarmRefused;
+    m_outcome.message = result->error;
+    return false;
+}
+
+/// Whether there is an answer that will not change by asking again; otherwise the outcome says what to wait for.
+bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
+{
+    if (!result)
+        return false;
+    const bool isFull = result->status == 507;
+    if (result->status == 401)
+        Repeat(m_order->task.next, QString::fromLatin1(SubmitText::SessionEnded));
+    else if (IsPassing(result->status) && !isFull)
+        Repeat(m_order->task.next,
+            QString::fromLatin1(result->status > 0 ? SubmitText::Busy : SubmitText::Unreachable));
+    else
+        return true;
+    return false;
+}
+
+void FarmStages::Refuse(const PackedFile& file, const QString& reason)
+{
+    if (m_outcome.refused.isEmpty())
+        m_outcome.message = reason;
+    m_outcome.refused.append(file.source);
+}
+
+void FarmStages::Conclude(SubmitStage next)
+{
+    m_outcome.next = next;
+    m_outcome.kind = StageOutcome::Kind::Done;
+    if (m_outcome.refused.isEmpty())
+        return;
+    m_outcome.kind = StageOutcome::Kind::Failed;
+    m_outcome.error = SubmitError::UploadRefused;
+}
+
+void FarmStages::Repeat(SubmitStage next, const QString& message)
+{
+    m_outcome.kind = StageOutcome::Kind::TryAgain;
+    m_outcome.next = next;
+    m_outcome.message = message;
+}

@@ -1,0 +1,137 @@
+#include "local_stages.h"
+
+#include "durable_file.h"
+#include "scene_analysis.h"
+#include "scene_package.h"
+#include "submit_arguments.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace {
+
+/// Counts bytes against a total and tells the percentage.
+class ByteCount
+{
+public:
+    ByteCount(const StageOrder& order, const StageProgress& onProgress, qint64 total)
+        : m_order(order)
+        , m_onProgress(onProgress)
+        , m_total(total)
+    {
+    }
+
+    /// False when the stage is to end.
+    bool Add(qint64 bytes) { return Show(m_done += bytes); }
+
+    /// The same for what is not done yet.
+    bool Show(qint64 bytes)
+    {
+        m_onProgress(m_total > 0 ? static_cast<int>(std::min(bytes, m_total) * 100 / m_total) : 0, {});
+        return !*m_order.interrupted;
+    }
+
+    qint64 Done() const { return m_done; }
+
+private:
+    const StageOrder& m_order;
+    const StageProgress& m_onProgress;
+    qint64 m_total;
+    qint64 m_done = 0;
+};
+
+qint64 SizeOfSources(const SubmitWork& work)
+{
+    qint64 size = 0;
+    for (const PackedFile& file : work.files)
+        size += QFileInfo(file.source).size();
+    return size;
+}
+
+StageOutcome Done(const StageOrder& order, SubmitStage next, const SubmitWork& work)
+{
+    StageOutcome outcome;
+    if (*order.interrupted)
+        return outcome;
+    outcome.kind = StageOutcome::Kind::Done;
+    outcome.next = next;
+    outcome.work = work;
+    return outcome;
+}
+
+} // namespace
+
+StageOutcome AnalyzeStage(const StageOrder& order, const StageProgress& onProgress)
+{
+    // How much the scene includes is not known yet; the scene itself is the greatest part of most.
+    ByteCount count(order, onProgress, QFileInfo(order.task.scene).size());
+    const SceneAnalysis analysis
+        = AnalyseScene(order.task.scene, [&count](qint64 bytes) { return count.Add(bytes); });
+    StageOutcome outcome;
+    if (*order.interrupted)
+        return outcome;
+    if (!analysis.error.isEmpty()) {
+        outcome.kind = StageOutcome::Kind::Failed;
+        outcome.error = SubmitError::SceneUnusable;
+        outcome.message = analysis.error;
+        return outcome;
+    }
+    SubmitWork work;
+    work.scene = analysis.scene;
+    work.missing = analysis.missing;
+    work.width = analysis.width;
+    work.height = analysis.height;
+    for (const SceneFile& file : analysis.files) {
+        PackedFile packed;
+        packed.path = file.path;
+        packed.source = file.source;
+        work.files.append(packed);
+    }
+    outcome = Done(order, SubmitStage::Compress, work);
+    outcome.arguments
+        = MakeArguments(analysis.firstFrame, analysis.lastFrame, analysis.width, analysis.height);
+    return outcome;
+}
+
+StageOutcome CompressStage(const StageOrder& order, const StageProgress& onProgress)
+{
+    const SubmitWork& work = order.task.work;
+    if (!QDir().mkpath(order.folder))
+        throw std::runtime_error("The folder for packages cannot be made.");
+    ByteCount count(order, onProgress, SizeOfSources(work));
+    for (int index = 0; index < work.files.size() && !*order.interrupted; ++index) {
+        const PackedFile& file = work.files.at(index);
+        const qint64 size = QFileInfo(file.source).size();
+        const auto showShare = [&count, size](double share) {
+            return count.Show(count.Done() + static_cast<qint64>(share * static_cast<double>(size)));
+        };
+        if (!PackFile(file.source, file.path, PackagePath(order.folder, index), showShare))
+            break;
+        count.Add(size);
+    }
+    return Done(order, SubmitStage::Checksum, work);
+}
+
+StageOutcome ChecksumStage(const StageOrder& order, const StageProgress& onProgress)
+{
+    SubmitWork work = order.task.work;
+    ByteCount count(order, onProgress, SizeOfSources(work));
+    for (int index = 0; index < work.files.size() && !*order.interrupted; ++index) {
+        PackedFile& file = work.files[index];
+        const QString package = PackagePath(order.folder, index);
+        // Of what was packed: the file itself may have changed since.
+        file.checksum = PackedChecksum(package, [&count](qint64 bytes) { return count.Add(bytes); });
+        file.packageChecksum
+            = storage::FileChecksum(package, [&order](qint64) { return !*order.interrupted; });
+        file.packageSize = QFileInfo(package).size();
+    }
+    return Done(order, SubmitStage::CopySame, work);
+}
+
+QString PackagePath(const QString& folder, int file)
+{
+    return QStringLiteral("%1/%2.zip").arg(folder).arg(file, 4, 10, QLatin1Char('0'));
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "stage_outcome.h"
+
+// The stages that need no farm. Each takes the time that it takes and looks at the order's flag in between.
+// They throw std::runtime_error, with an English sentence, when files cannot be read or written.
+
+StageOutcome AnalyzeStage(const StageOrder& order, const StageProgress& onProgress);
+StageOutcome CompressStage(const StageOrder& order, const StageProgress& onProgress);
+StageOutcome ChecksumStage(const StageOrder& order, const StageProgress& onProgress);
+
+/// Where the package of the file with this index lies.
+QString PackagePath(const QString& folder, int file);

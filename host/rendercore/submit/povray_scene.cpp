@@ -1,0 +1,187 @@
+#include "povray_scene.h"
+
+#include "povray_lexer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSet>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+namespace {
+
+constexpr qint64 kBlockBytes = 1024 * 1024;
+constexpr qint64 kLongestOptionLine = 4096;
+constexpr qint64 kLongestOptionsFile = 1024 * 1024;
+
+// What comes with POV-Ray, for clients on machines without it.
+constexpr std::array kStandardNames {"arrays.inc", "chars.inc", "colors.inc", "consts.inc", "crystal.ttf",
+    "cyrvetic.ttf", "debug.inc", "finish.inc", "functions.inc", "glass.inc", "glass_old.inc", "golds.inc",
+    "ior.inc", "logo.inc", "makegrass.inc", "math.inc", "meshmaker.inc", "metals.inc", "povlogo.ttf",
+    "rad_def.inc", "rand.inc", "screen.inc", "shapes.inc", "shapes2.inc", "shapes3.inc", "shapes_old.inc",
+    "shapesq.inc", "skies.inc", "stage1.inc", "stars.inc", "stdcam.inc", "stdinc.inc", "stoneold.inc",
+    "stones.inc", "stones1.inc", "stones2.inc", "strings.inc", "sunpos.inc", "textures.inc", "timrom.ttf",
+    "transforms.inc", "woodmaps.inc", "woods.inc"};
+
+bool IsStandard(const QString& reference)
+{
+    static const QStringList installed
+        = QDir(QStringLiteral("/usr/share")).entryList({QStringLiteral("povray-*")}, QDir::Dirs);
+    return std::any_of(kStandardNames.begin(), kStandardNames.end(), [&reference](const char* name) {
+        return reference == QLatin1String(name);
+    }) || std::any_of(installed.cbegin(), installed.cend(), [&reference](const QString& version) {
+        return QFileInfo(QStringLiteral("/usr/share/%1/include/%2").arg(version, reference)).isFile();
+    });
+}
+
+int CountOfClimbs(const QString& cleanPath)
+{
+    int climbs = 0;
+    while (cleanPath.midRef(climbs * 3).startsWith(QLatin1String("../")))
+        ++climbs;
+    return climbs;
+}
+
+class PovRayAnalysis
+{
+public:
+    PovRayAnalysis(const QString& scene, const BytesRead& onBytes)
+        : m_scene(scene)
+        , m_folder(QFileInfo(scene).path())
+        , m_onBytes(onBytes)
+    {
+    }
+
+    SceneAnalysis Run()
+    {
+        Add(QFileInfo(m_scene).fileName(), m_scene);
+        m_texts.append(m_scene);
+        // The list grows while the texts are read.
+        for (int text = 0; text < m_texts.size() && m_result.files.size() <= kMostSceneFiles; ++text) {
+            if (!ReadText(QString(m_texts.at(text))))
+                return m_result;
+        }
+        PlaceFiles();
+        return m_result;
+    }
+
+private:
+    void Add(const QString& path, const QString& source)
+    {
+        m_result.files.append({path, source});
+        m_seen.insert(path);
+    }
+
+    bool ReadText(const QString& text)
+    {
+        QFile file(text);
+        if (!file.open(QIODevice::ReadOnly)) {
+            m_result.error = QStringLiteral("A file of the scene cannot be read: %1").arg(text);
+            return false;
+        }
+        const QString folder = QFileInfo(text).path();
+        PovRayLexer lexer([this, &folder](PovRayLexer::Kind kind, const QString& reference) {
+            Take(kind, reference, folder);
+        });
+        for (;;) {
+            const QByteArray block = file.read(kBlockBytes);
+            if (block.isEmpty())
+                break;
+            lexer.Feed(block);
+            if (m_onBytes && !m_onBytes(block.size()))
+                return false;
+        }
+        // A word ends with the text.
+        lexer.Feed("\n");
+        return true;
+    }
+
+    void Take(PovRayLexer::Kind kind, const QString& reference, const QString& folder)
+    {
+        const QString path = QDir::cleanPath(reference);
+        if (m_seen.contains(path))
+            return;
+        const QString source
+            = FirstReadable({m_folder.absoluteFilePath(path), QDir(folder).absoluteFilePath(path)});
+        if (source.isEmpty() && IsStandard(path)) {
+            m_seen.insert(path);
+            return;
+        }
+        const int depth = m_folder.path().split(QLatin1Char('/'), Qt::SkipEmptyParts).size();
+        if (source.isEmpty() || QDir::isAbsolutePath(path) || !IsSendablePath(path)
+            || CountOfClimbs(path) >= depth) {
+            m_seen.insert(path);
+            m_result.missing.append(QDir::isAbsolutePath(path)
+                    ? QString(reference + QLatin1String(" (name it relative to the scene)"))
+                    : reference);
+            return;
+        }
+        Add(path, source);
+        if (kind == PovRayLexer::Kind::Include)
+            m_texts.append(source);
+    }
+
+    /// So far the paths start at the scene's folder; from now on at the topmost folder that one of them climbs to.
+    void PlaceFiles()
+    {
+        int climbs = 0;
+        for (const SceneFile& file : qAsConst(m_result.files))
+            climbs = std::max(climbs, CountOfClimbs(file.path));
+        const QStringList folders = m_folder.path().split(QLatin1Char('/'), Qt::SkipEmptyParts);
+        const QString prefix = QStringList(folders.mid(folders.size() - climbs)).join(QLatin1Char('/'));
+        for (SceneFile& file : m_result.files) {
+            if (climbs > 0)
+                file.path = QDir::cleanPath(prefix + QLatin1Char('/') + file.path);
+        }
+        m_result.scene = m_result.files.constFirst().path;
+    }
+
+    QString m_scene;
+    QDir m_folder;
+    const BytesRead& m_onBytes;
+    SceneAnalysis m_result;
+    QStringList m_texts;
+    QSet<QString> m_seen; // cleaned references, relative to the scene's folder
+};
+
+/// Reads the options of an animation where they stand beside the scene.
+void ReadOptions(const QString& scene, SceneAnalysis& analysis)
+{
+    const QFileInfo file(scene);
+    QFile options(file.dir().filePath(file.completeBaseName() + QLatin1String(".ini")));
+    if (!options.open(QIODevice::ReadOnly))
+        return;
+    std::optional<int> first;
+    std::optional<int> last;
+    while (!options.atEnd() && options.pos() < kLongestOptionsFile) {
+        const QString line
+            = QString::fromUtf8(options.readLine(kLongestOptionLine)).section(QLatin1Char(';'), 0, 0);
+        const QString key = line.section(QLatin1Char('='), 0, 0).trimmed().toLower();
+        bool isNumber = false;
+        const int value = line.section(QLatin1Char('='), 1).trimmed().toInt(&isNumber);
+        if (!isNumber)
+            continue;
+        if (key == QLatin1String("width"))
+            SetSize(analysis, value, analysis.height);
+        else if (key == QLatin1String("height"))
+            SetSize(analysis, analysis.width, value);
+        else if (key == QLatin1String("initial_frame"))
+            first = value;
+        else if (key == QLatin1String("final_frame"))
+            last = value;
+    }
+    if (first || last)
+        SetFrames(analysis, first.value_or(1), last.value_or(first.value_or(1)));
+}
+
+} // namespace
+
+SceneAnalysis AnalysePovRayScene(const QString& scene, const BytesRead& onBytes)
+{
+    SceneAnalysis analysis = PovRayAnalysis(scene, onBytes).Run();
+    ReadOptions(scene, analysis);
+    return analysis;
+}

@@ -1,0 +1,87 @@
+#include "scene_analysis.h"
+
+#include "maya_scene.h"
+#include "povray_scene.h"
+#include "submit_arguments.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+bool IsControl(QChar character)
+{
+    return character.unicode() < 0x20 || character.unicode() == 0x7f;
+}
+
+} // namespace
+
+bool IsSceneName(const QString& file)
+{
+    return !JobTypeOf(file).isEmpty();
+}
+
+QString JobTypeOf(const QString& scene)
+{
+    const QString suffix = QFileInfo(scene).suffix().toLower();
+    if (suffix == QLatin1String("pov"))
+        return QStringLiteral("povray");
+    const bool isMaya = suffix == QLatin1String("ma") || suffix == QLatin1String("mb");
+    return isMaya ? QStringLiteral("maya") : QString();
+}
+
+SceneAnalysis AnalyseScene(const QString& scene, const BytesRead& onBytes)
+{
+    const QFileInfo file(scene);
+    SceneAnalysis analysis;
+    if (!file.isFile() || !file.isReadable())
+        analysis.error = QStringLiteral("The scene file cannot be read.");
+    else if (!IsSendablePath(file.fileName()))
+        analysis.error
+            = QStringLiteral("The name of the scene file has characters that the farm does not take.");
+    if (!analysis.error.isEmpty())
+        return analysis;
+
+    // The parent that a renderer reaches by ".." is that of the real folder.
+    const QString path = QDir(QDir(file.absolutePath()).canonicalPath()).filePath(file.fileName());
+    if (JobTypeOf(scene) == QLatin1String("povray"))
+        analysis = AnalysePovRayScene(path, onBytes);
+    else
+        analysis = AnalyseMayaScene(path, onBytes);
+    if (analysis.files.size() > kMostSceneFiles)
+        analysis.error = QStringLiteral("The scene needs more than %1 files.").arg(kMostSceneFiles);
+    return analysis;
+}
+
+bool IsSendablePath(const QString& path)
+{
+    return !path.isEmpty() && !path.contains(QLatin1Char('\\')) && !path.contains(QLatin1Char(':'))
+        && std::none_of(path.cbegin(), path.cend(), IsControl);
+}
+
+QString FirstReadable(const QStringList& candidates)
+{
+    for (const QString& candidate : candidates) {
+        const QFileInfo file(candidate);
+        if (file.isFile() && file.isReadable())
+            return file.absoluteFilePath();
+    }
+    return {};
+}
+
+void SetFrames(SceneAnalysis& analysis, int first, int last)
+{
+    analysis.firstFrame = std::clamp(first, 1, kLastFrame);
+    analysis.lastFrame
+        = std::clamp(last, analysis.firstFrame, std::min(kLastFrame, analysis.firstFrame + kMostFrames - 1));
+}
+
+void SetSize(SceneAnalysis& analysis, int width, int height)
+{
+    if (width >= 1 && width <= kLongestSide)
+        analysis.width = width;
+    if (height >= 1 && height <= kLongestSide)
+        analysis.height = height;
+}

@@ -1,0 +1,131 @@
+#include "scene_package.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QFileInfo>
+
+#include <zip.h>
+
+#include <memory>
+#include <stdexcept>
+
+namespace {
+
+constexpr int kBlockBytes = 1024 * 1024;
+
+// What is smaller than a hundredth when packed looks like a trap to the farm when it is large; it is then not squeezed.
+constexpr qint64 kSmallFile = 64LL * 1024 * 1024;
+constexpr qint64 kLargestRatio = 100;
+
+// 1 January 2000; archives of the same file must not differ.
+constexpr zip_uint16_t kDosDate = ((2000 - 1980) << 9) | (1 << 5) | 1;
+
+/// What libzip tells while it writes, and whether it may go on.
+struct Watch
+{
+    const std::function<bool(double)>& onShare;
+    bool ended = false;
+};
+
+void Tell(zip_t*, double share, void* watch)
+{
+    auto* of = static_cast<Watch*>(watch);
+    of->ended = of->ended || !of->onShare(share);
+}
+
+int IsEnded(zip_t*, void* watch)
+{
+    return static_cast<Watch*>(watch)->ended ? 1 : 0;
+}
+
+struct Discard
+{
+    void operator()(zip_t* archive) const { zip_discard(archive); }
+};
+using Archive = std::unique_ptr<zip_t, Discard>;
+
+struct CloseFile
+{
+    void operator()(zip_file_t* file) const { zip_fclose(file); }
+};
+
+[[noreturn]] void Fail(const char* sentence, zip_t* archive)
+{
+    throw std::runtime_error(std::string(sentence) + ": " + zip_strerror(archive));
+}
+
+Archive Open(const QString& path, int flags)
+{
+    int code = 0;
+    Archive archive(zip_open(QFile::encodeName(path).constData(), flags, &code));
+    if (archive)
+        return archive;
+    zip_error_t error;
+    zip_error_init_with_code(&error, code);
+    const std::string reason = zip_error_strerror(&error);
+    zip_error_fini(&error);
+    throw std::runtime_error("A package cannot be opened: " + reason);
+}
+
+bool Pack(const QString& source, const QString& path, const QString& target, zip_int32_t method,
+    const std::function<bool(double)>& onShare)
+{
+    Watch watch {onShare};
+    Archive archive = Open(target, ZIP_CREATE | ZIP_TRUNCATE);
+    zip_source_t* content = zip_source_file(archive.get(), QFile::encodeName(source).constData(), 0, -1);
+    if (!content)
+        Fail("A file cannot be read", archive.get());
+    const zip_int64_t index
+        = zip_file_add(archive.get(), path.toUtf8().constData(), content, ZIP_FL_ENC_UTF_8);
+    if (index < 0) {
+        zip_source_free(content);
+        Fail("A file cannot be packed", archive.get());
+    }
+    const auto entry = static_cast<zip_uint64_t>(index);
+    if (zip_set_file_compression(archive.get(), entry, method, 0) < 0
+        || zip_file_set_dostime(archive.get(), entry, 0, kDosDate, 0) < 0)
+        Fail("A file cannot be packed", archive.get());
+    zip_register_progress_callback_with_state(archive.get(), 0.01, Tell, nullptr, &watch);
+    zip_register_cancel_callback_with_state(archive.get(), IsEnded, nullptr, &watch);
+    if (zip_close(archive.get()) < 0) {
+        if (watch.ended)
+            return false;
+        Fail("A file cannot be packed", archive.get());
+    }
+    // It has closed itself.
+    (void)archive.release();
+    return true;
+}
+
+} // namespace
+
+bool PackFile(const QString& source, const QString& path, const QString& archive,
+    const std::function<bool(double)>& onShare)
+{
+    if (!Pack(source, path, archive, ZIP_CM_DEFLATE, onShare))
+        return false;
+    const qint64 size = QFileInfo(source).size();
+    if (size < kSmallFile || QFileInfo(archive).size() * kLargestRatio > size)
+        return true;
+    return Pack(source, path, archive, ZIP_CM_STORE, onShare);
+}
+
+QString PackedChecksum(const QString& archive, const std::function<bool(qint64)>& onBytes)
+{
+    const Archive opened = Open(archive, ZIP_RDONLY);
+    const std::unique_ptr<zip_file_t, CloseFile> file(zip_fopen_index(opened.get(), 0, 0));
+    if (!file)
+        Fail("A package cannot be read", opened.get());
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    QByteArray block(kBlockBytes, Qt::Uninitialized);
+    for (;;) {
+        const zip_int64_t got = zip_fread(file.get(), block.data(), static_cast<zip_uint64_t>(block.size()));
+        if (got < 0)
+            Fail("A package cannot be read", opened.get());
+        if (got == 0)
+            return QString::fromLatin1(hash.result().toHex());
+        hash.addData(block.constData(), static_cast<int>(got));
+        if (!onBytes(got))
+            return {};
+    }
+}

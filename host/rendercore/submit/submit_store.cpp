@@ -1,0 +1,144 @@
+#include "submit_store.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QUuid>
+
+namespace {
+
+using storage::Execute;
+using storage::Text;
+
+constexpr const char* kFirstSchema = R"sql(
+CREATE TABLE tasks(
+    number INTEGER PRIMARY KEY AUTOINCREMENT,
+    owner TEXT NOT NULL,
+    scene TEXT NOT NULL,
+    started TEXT NOT NULL,
+    submission TEXT NOT NULL,
+    stage INTEGER NOT NULL DEFAULT 0,
+    error INTEGER NOT NULL DEFAULT 0,
+    message TEXT NOT NULL DEFAULT '',
+    arguments TEXT NOT NULL DEFAULT '[]',
+    goes_on_without INTEGER NOT NULL DEFAULT 0,
+    arguments_checked INTEGER NOT NULL DEFAULT 0,
+    refused TEXT NOT NULL DEFAULT '[]',
+    done INTEGER NOT NULL DEFAULT 0,
+    work TEXT NOT NULL DEFAULT '{}'
+);
+CREATE INDEX tasks_by_owner ON tasks(owner);
+)sql";
+
+QString IdOf(const QString& scene, qint64 number)
+{
+    return QStringLiteral("%1.%2").arg(QFileInfo(scene).completeBaseName()).arg(number);
+}
+
+QString ListText(const QJsonArray& list)
+{
+    return QString::fromUtf8(QJsonDocument(list).toJson(QJsonDocument::Compact));
+}
+
+QJsonDocument Json(const SQLite::Column& column)
+{
+    return QJsonDocument::fromJson(QByteArray::fromStdString(column.getString()));
+}
+
+SubmitTask TaskOf(const SQLite::Statement& row)
+{
+    SubmitTask task;
+    task.number = row.getColumn(0).getInt64();
+    task.scene = Text(row.getColumn(1));
+    task.id = IdOf(task.scene, task.number);
+    task.started = Text(row.getColumn(2));
+    task.submission = Text(row.getColumn(3));
+    task.stage = static_cast<SubmitStage>(row.getColumn(4).getInt());
+    task.error = static_cast<SubmitError>(row.getColumn(5).getInt());
+    task.message = Text(row.getColumn(6));
+    task.arguments = Json(row.getColumn(7)).array().toVariantList();
+    task.goesOnWithout = row.getColumn(8).getInt() != 0;
+    task.areArgumentsChecked = row.getColumn(9).getInt() != 0;
+    task.refused = Json(row.getColumn(10)).toVariant().toStringList();
+    task.isDone = row.getColumn(11).getInt() != 0;
+    task.work = SubmitWork::FromJson(Json(row.getColumn(12)).object());
+    return task;
+}
+
+} // namespace
+
+SubmitStore::SubmitStore(const QString& file)
+    : m_database(file, {kFirstSchema})
+{
+}
+
+SubmitTask SubmitStore::Add(const QString& owner, const QString& scene)
+{
+    SubmitTask task;
+    task.scene = scene;
+    task.started = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    task.submission = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    task.number = m_database.Write([&](SQLite::Database& connection) {
+        Execute(connection, "INSERT INTO tasks(owner, scene, started, submission) VALUES(?, ?, ?, ?)", owner,
+            task.scene, task.started, task.submission);
+        return static_cast<qint64>(connection.getLastInsertRowid());
+    });
+    task.id = IdOf(scene, task.number);
+    return task;
+}
+
+QVector<SubmitTask> SubmitStore::Load(const QString& owner)
+{
+    return m_database.Read([&owner](SQLite::Database& connection) {
+        SQLite::Statement rows(connection,
+            "SELECT number, scene, started, submission, stage, error, message, arguments, goes_on_without, "
+            "arguments_checked, refused, done, work FROM tasks WHERE owner = ? ORDER BY number");
+        storage::Bind(rows, owner);
+        QVector<SubmitTask> tasks;
+        while (rows.executeStep())
+            tasks.append(TaskOf(rows));
+        return tasks;
+    });
+}
+
+void SubmitStore::Save(const SubmitTask& task)
+{
+    m_database.Write([&task](SQLite::Database& connection) {
+        Execute(connection,
+            "UPDATE tasks SET stage = ?, error = ?, message = ?, arguments = ?, goes_on_without = ?, "
+            "arguments_checked = ?, refused = ?, done = ? WHERE number = ?",
+            static_cast<int>(task.stage), static_cast<int>(task.error), task.message,
+            ListText(QJsonArray::fromVariantList(task.arguments)), task.goesOnWithout ? 1 : 0,
+            task.areArgumentsChecked ? 1 : 0, ListText(QJsonArray::fromStringList(task.refused)),
+            task.isDone ? 1 : 0, static_cast<std::int64_t>(task.number));
+    });
+}
+
+void SubmitStore::SaveWork(const SubmitTask& task)
+{
+    const QByteArray work = QJsonDocument(task.work.ToJson()).toJson(QJsonDocument::Compact);
+    m_database.Write([this, &task, &work](SQLite::Database& connection) {
+        Save(task);
+        Execute(connection, "UPDATE tasks SET work = ? WHERE number = ?", work.toStdString(),
+            static_cast<std::int64_t>(task.number));
+    });
+}
+
+void SubmitStore::Remove(qint64 number)
+{
+    m_database.Write([number](SQLite::Database& connection) {
+        Execute(connection, "DELETE FROM tasks WHERE number = ?", static_cast<std::int64_t>(number));
+    });
+}
+
+QSet<qint64> SubmitStore::Numbers()
+{
+    return m_database.Read([](SQLite::Database& connection) {
+        SQLite::Statement rows(connection, "SELECT number FROM tasks");
+        QSet<qint64> numbers;
+        while (rows.executeStep())
+            numbers.insert(static_cast<qint64>(rows.getColumn(0).getInt64()));
+        return numbers;
+    });
+}
