@@ -1,9 +1,12 @@
 #include "farm_client.h"
 #include "farm_fixture.h"
 #include "frame_files.h"
+#include "package_fixture.h"
 
 #include <QProcess>
+#include <QRandomGenerator>
 #include <QStandardPaths>
+#include <QTcpSocket>
 #include <QtTest>
 
 #include <csignal>
@@ -52,6 +55,7 @@ private slots:
     void EndsWhenAsked();
     void AKillLosesNoFinishedFrame();
     void AKillLosesNoAction();
+    void AKillLosesNothingOfAnUpload();
     void MoneyIsPaidIn_data();
     void MoneyIsPaidIn();
     void ShippedScenesRender_data();
@@ -161,6 +165,51 @@ void DaemonTest::AKillLosesNoAction()
     QTRY_COMPARE_WITH_TIMEOUT(data.Only().status, int(JobStatus::Finished), patienceMs);
     QVERIFY(ReadFile(Path("jobs/log")).endsWith("\n1\n2\n3\n4\n"));
     QCOMPARE(ReadFile(earlier), QByteArray("a scene"));
+}
+
+void DaemonTest::AKillLosesNothingOfAnUpload()
+{
+    FarmData data(m_folder->path());
+    QByteArray content(5'000'000, '\0');
+    QRandomGenerator generator(1);
+    for (char& byte : content)
+        byte = char(generator.generate());
+    const SceneContents files {{"scene.txt", content}};
+    const QByteArray package = Package(files);
+    FarmClient client;
+    QString upload;
+    {
+        Daemon first(m_folder->path(), {});
+        client.SetUrl(first.Url());
+        const QString token = client.SignIn("ann", "secret");
+        upload = client.BeginUpload(package, token).Data("id").toString();
+        QCOMPARE(client.Put(upload, 0, package.left(3'000'000), token).status, 200);
+        // The next chunk is on its way when the kill comes.
+        const QUrl url(first.Url());
+        QTcpSocket socket;
+        socket.connectToHost(url.host(), quint16(url.port()));
+        QVERIFY(socket.waitForConnected());
+        socket.write("PUT /api/v1/uploads/" + upload.toLatin1()
+            + "?offset=3000000 HTTP/1.1\r\nContent-Length: 2000000\r\nAuthorization: Bearer "
+            + token.toLatin1() + "\r\n\r\n" + package.mid(3'000'000, 1'000'000));
+        QVERIFY(socket.waitForBytesWritten());
+        first.Kill();
+    }
+    Daemon second(m_folder->path(), {});
+    client.SetUrl(second.Url());
+    const QString token = client.SignIn("ann", "secret");
+    const int offset = client.BeginUpload(package, token).Data("offset").toInt();
+    QVERIFY(offset >= 3'000'000);
+    for (int from = offset; from < package.size(); from += 1'000'000)
+        QCOMPARE(client.Put(upload, from, package.mid(from, 1'000'000), token).status, 200);
+    QCOMPARE(client.Unpack(upload, token).status, 200);
+    // What was answered outlives the next kill, too.
+    second.Kill();
+    const Daemon third(m_folder->path(), {});
+    client.SetUrl(third.Url());
+    const Reply job = client.Send("POST", QStringLiteral("/jobs"),
+        QJsonDocument(SubmissionOf(files)).toJson(), client.SignIn("ann", "secret"));
+    QCOMPARE(job.status, 200);
 }
 
 void DaemonTest::MoneyIsPaidIn_data()
