@@ -1,6 +1,9 @@
 #include "client_test.h"
 
+#include <QAction>
 #include <QCheckBox>
+#include <QLineEdit>
+#include <QListWidget>
 
 namespace {
 
@@ -44,7 +47,7 @@ const Toolbar toolbars[] = {
 
 } // namespace
 
-/// Requests of job pages, the page bar under the tables, and what changes with the tab.
+/// Requests of job pages and what narrows them, the page bar under the tables, what changes with the tab, the dialogs.
 class TestPluginPaging : public ClientTest
 {
     Q_OBJECT
@@ -131,13 +134,12 @@ private slots:
         m_client->Button("btnNextGroup"_s)->click();
         Search({{"job_name"_s, "sh\"ot"_s}});
         QCOMPARE(Page(), QVariant(1));
-        const QVariant text = Communication().Last().map.value("conditions"_s);
-        QCOMPARE(QJsonDocument::fromJson(text.toString().toUtf8()).object(),
-            (QJsonObject {{"job_name"_s, "sh\"ot"_s}}));
+        const QString text = "{\"job_name\":\"sh\\\"ot\"}"_s;
+        QCOMPARE(Conditions(), text);
         Communication().DeliverJobs(MakeJobs(18), 200);
         QCOMPARE(PageBar(), "1* 2 3 4 5 >"_s);
         QVERIFY(m_client->Call("RefreshJobList"));
-        QCOMPARE(Communication().Last().map.value("conditions"_s), text);
+        QCOMPARE(Conditions(), text);
         Search({});
         QVERIFY(!Communication().Last().map.contains("conditions"_s));
     }
@@ -154,7 +156,7 @@ private slots:
         QCOMPARE(m_client->Tabs()->currentIndex(), 0);
         QVERIFY(m_client->RunningTimers(1000).isEmpty());
         QCOMPARE(Page(), QVariant(1));
-        QCOMPARE(Communication().Last().map.value("conditions"_s), QVariant("filter"_s));
+        QCOMPARE(Conditions(), "filter"_s);
         QVERIFY(m_client->Call("RefreshJobList"));
         QCOMPARE(Page(), QVariant(2));
     }
@@ -190,7 +192,64 @@ private slots:
         QCOMPARE(deleteButton->x(), left);
     }
 
+    void searches()
+    {
+        const QWidget* form = m_client->uiLoader.Form("com.vtr.search"_s);
+        form->findChild<QLineEdit*>("lneJobName"_s)->setText("shot"_s);
+        form->findChild<QPushButton*>("btnSearchJob"_s)->click();
+        QVERIFY(Conditions().contains("shot"_s));
+    }
+
+    void filtersByStatus()
+    {
+        SignInWithJobs(MakeJobs(2), 2);
+        auto* list = m_client->Form()->findChildren<QListWidget*>().value(0);
+        QVERIFY(list);
+        emit list->itemClicked(list->item(0));
+        QCOMPARE(TakeJournal(), QStringList {"GetJobList"_s});
+        QVERIFY(Conditions().contains("status"_s));
+        emit list->itemClicked(list->item(2));
+        QCOMPARE(Conditions(), QString());
+    }
+
+    void letsAJobWaitForAnother()
+    {
+        SignInWithJobs(MakeJobs(2), 2);
+        m_client->Table("twtMyRender"_s)->item(0, 0)->setCheckState(Qt::Checked);
+        QWidget* form = m_client->uiLoader.Form("com.vtr.setparent"_s);
+        QTimer::singleShot(0, form, [this, form] {
+            Communication().DeliverJobs({MakeJob(8)}, 1, Communication().Last().map.value("identifier"_s));
+            form->findChild<QTableWidget*>()->item(0, 0)->setCheckState(Qt::Checked);
+            form->findChild<QPushButton*>("btnOkSetParent"_s)->click();
+        });
+        m_client->Entry("Set parent")->trigger();
+        QCOMPARE(TakeJournal(), (QStringList {"GetJobList"_s, "StopJobs"_s}));
+        const QVariantHash son {{"username"_s, "ann"_s}, {"token"_s, "token-ann"_s}, {"id[0]"_s, "id-1"_s}};
+        QCOMPARE(Communication().Last().map, son);
+        QTRY_COMPARE(Communication().Last().operation, "GetJobInfo"_s);
+        QCOMPARE(Communication().Last().map.value("jobId"_s), QVariant("id-8"_s));
+        const QVariantMap finished {{"jobDatas"_s, QVariantMap {{"jobStatus"_s, 4}}}};
+        emit Communication().JobInfoResponse(
+            200, {{"jobId"_s, "id-8"_s}, {"identifier"_s, 1}, {"data"_s, finished}});
+        QCOMPARE(Communication().Last().operation, "RecoverJobs"_s);
+        QCOMPARE(Communication().Last().map, son);
+    }
+
+    void editsATasksArguments()
+    {
+        const QVariantMap range {{"startFrame_0"_s, 1}, {"endFrame_0"_s, 9}};
+        RenderCore().tasks.insert("t1"_s, {"a.ma"_s, {}, {}, {}, 3, 0, 0, {range}});
+        emit RenderCore().SubmitListChanged();
+        QVERIFY(m_client->Tick(1000));
+        m_client->Table("twtLocalTask"_s)->setCurrentCell(0, 0);
+        const QWidget* form = m_client->uiLoader.Form("com.vtr.setargument"_s);
+        QTimer::singleShot(0, form->findChild<QPushButton*>("btnOk"_s), &QPushButton::click);
+        m_client->Entry("Set argument")->trigger();
+        QCOMPARE(TakeJournal(), QStringList {"SetArgument t1"_s});
+    }
+
 private:
+    QString Conditions() const { return Communication().Last().map.value("conditions"_s).toString(); }
     QVariant Page() const { return Communication().Last().map.value("page"_s); }
 
     /// Visible page buttons from left to right: "<", numbers, ">"; a star marks the one with the focus.
