@@ -298,6 +298,7 @@ private slots:
             CheckReceivers(m_client->settings, {});
             CheckReceivers(m_client->uiLoader, {{"ShowWindow(QString)", 2}});
             m_client->Service()->Uninitialize();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         }
     }
 
