@@ -1,5 +1,6 @@
 #pragma once
 
+#include "every_slot.h"
 #include "form_roster.h"
 #include "stand_ins.h"
 #include "vtr_siblings.h"
@@ -31,7 +32,7 @@ struct ServicesFixture
     Journal journal;
     MessageBoxStandIn messageBox {journal};
     SettingsStandIn settings {journal};
-    LoggerStandIn logger;
+    LoggerStandIn logger {journal};
     VTSiblings siblings;
 };
 

@@ -152,18 +152,11 @@ private slots:
     {
         SignIn();
         m_toolBox->setCurrentIndex(1);
-        m_input.reset();
-        m_group->ClickedOk();
-        m_group->AddGroup();
-        m_group->ChangeLanguage();
-        m_mainForm.reset();
-        m_group->WindowSizeChanged();
-        m_group->UpdateGroup();
-        m_group->DeleteGroup();
-        m_group->ChangeSkin("other"_s);
-        m_group->ChangeLanguage();
+        for (auto* form : {&m_input, &m_mainForm}) {
+            form->reset();
+            CallEverySlot(m_group.get());
+        }
         QCOMPARE(m_group->CurrentPage(), 0);
-        SignIn();
         QVERIFY(!m_group->CurrentProjectCondition().isEmpty());
     }
 

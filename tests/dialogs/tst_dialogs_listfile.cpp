@@ -108,14 +108,6 @@ private slots:
         QVERIFY(raw.readAll().contains("name=value"));
     }
 
-    void WithoutPathNothingHappens()
-    {
-        const VTListFile file;
-        QVERIFY(!file.Set("name"_s, QString()));
-        QVERIFY(!file.Remove("name"_s));
-        QVERIFY(file.Entries().isEmpty() && file.Value("name"_s).isEmpty());
-    }
-
     void OrphanedLockHoldsNobodyUp()
     {
         const VTListFile file(m_path, "group"_s);

@@ -167,10 +167,7 @@ private slots:
     void DialogThatGoesWhileOpenHarmsNothing()
     {
         Open(0, Groups(1), [this] { m_form.reset(); });
-        m_dialog->TriggerSetArgument();
-        m_dialog->TriggerArgumentOk();
-        m_dialog->AddFrameRange(2);
-        m_dialog->ChangeLanguage();
+        CallEverySlot(m_dialog.get());
         QVERIFY(m_services.messageBox.messages.isEmpty());
     }
 

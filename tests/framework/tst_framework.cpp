@@ -71,6 +71,7 @@ private slots:
         for (const QString& name : {"QTimer"_s, object})
             QCOMPARE(m_context->getService(m_context->getServiceReference(name)), &timer);
         QVERIFY(!m_context->getServiceReference("QThread"_s));
+        QVERIFY_EXCEPTION_THROWN(m_context->getService({}), ctkInvalidArgumentException);
         QVERIFY_EXCEPTION_THROWN(
             m_context->getServiceReferences(object, "(a=b)"_s), ctkInvalidArgumentException);
     }
@@ -106,17 +107,6 @@ private slots:
             QVERIFY_EXCEPTION_THROWN(registration.unregister(), ctkIllegalStateException);
             QVERIFY_EXCEPTION_THROWN(registration.getReference(), ctkIllegalStateException);
         }
-    }
-
-    void countsUses()
-    {
-        QObject service;
-        const ctkServiceReference reference = Register(&service).getReference();
-        m_context->getService(reference);
-        QVERIFY(m_context->ungetService(reference));
-        QVERIFY(!m_context->ungetService(reference));
-        QVERIFY_EXCEPTION_THROWN(m_context->getService({}), ctkInvalidArgumentException);
-        QVERIFY_EXCEPTION_THROWN(m_context->ungetService({}), ctkInvalidArgumentException);
     }
 
     void endsTheContextWithTheFramework()

@@ -1,7 +1,7 @@
 #include "client_test.h"
+#include "every_slot.h"
 #include "form_roster.h"
 #include "message_capture.h"
-#include "vtr_parameters.h"
 
 #include <ctkPluginActivator.h>
 #include <ctkPluginContext.h>
@@ -59,30 +59,6 @@ const Button buttons[] = {{"btnSystemClose", "ShowMessage"}, {"btnSettings", "Sh
 const QString formKeys
     = "com.vtr.qsclient com.vtr.setargument com.vtr.setparent com.vtr.search com.vtr.inputdialog"_s;
 
-/// Calls every slot of the window with values as they come out of their constructors.
-void CallEverySlot(QWidget* window)
-{
-    RegisterVTParameters();
-    const QMetaObject* type = window->metaObject();
-    QVariantMap conditions;
-    quint64 null = 0; // what types without a name at run time, pointers and enumerations, are made of
-    for (int i = type->methodOffset(); i < type->methodCount(); ++i) {
-        const QMetaMethod method = type->method(i);
-        if (method.methodType() != QMetaMethod::Slot || method.returnType() != QMetaType::Void)
-            continue;
-        QVector<QVariant> values(method.parameterCount());
-        void* arguments[8] = {};
-        for (int k = 0; k < method.parameterCount(); ++k) {
-            values[k] = QVariant(method.parameterType(k), nullptr);
-            const bool isReference = method.parameterTypes().at(k).endsWith('&');
-            void* const unnamed = isReference ? static_cast<void*>(&conditions) : &null;
-            const bool isUnnamed = method.parameterType(k) == QMetaType::UnknownType;
-            arguments[k + 1] = isUnnamed ? unnamed : values[k].data();
-        }
-        QMetaObject::metacall(window, QMetaObject::InvokeMetaMethod, i, arguments);
-    }
-}
-
 } // namespace
 
 /// The plugin file and its service object: metadata, life cycle and status codes, and what siblings and form rely on.
@@ -139,20 +115,14 @@ private slots:
         QVariant state;
         QCOMPARE(service.Show(state, {}), -3);
         QVERIFY(!state.isValid());
-        QCOMPARE(service.Hide(1), -3);
-        QCOMPARE(service.Activate(1, {}), -3);
-        QCOMPARE(service.Close(1), -3);
+        QCOMPARE(Codes(1), "-3 -3 -3"_s);
         QCOMPARE(service.Initialize({}), -1);
         QCOMPARE(service.Uninitialize(), 0);
         QCOMPARE(m_client->Initialize(), 0);
         QCOMPARE(m_client->Initialize(), 0);
         QCOMPARE(m_client->settings.calls, (QStringList {"Initialize"_s, "Show"_s}));
-        for (const QVariant& request : {QVariant(), QVariant(0), QVariant(2), QVariant("x"_s)}) {
-            QCOMPARE(service.Hide(request), -4);
-            QCOMPARE(service.Activate(request, {}), -4);
-            QCOMPARE(service.Close(request), -4);
-        }
-        QVERIFY(m_client->Window());
+        for (const QVariant& request : {QVariant(), QVariant(0), QVariant(2), QVariant("x"_s)})
+            QCOMPARE(Codes(request), "-4 -4 -4"_s);
         QVERIFY(!m_client->Form()->isVisible());
     }
 
@@ -197,8 +167,7 @@ private slots:
         TakeJournal();
         CallEverySlot(m_client->Window());
         Communication().DeliverJobs(MakeJobs(3), 3);
-        QCOMPARE(m_client->Service()->Activate(1, {}), 0);
-        QCOMPARE(m_client->Service()->Close(1), 0);
+        QCOMPARE(Codes(1), "0 0 0"_s);
         QCOMPARE(TakeJournal(), QStringList());
     }
 
@@ -262,19 +231,6 @@ private slots:
         QCOMPARE(MessageCapture::Take(), QStringList());
     }
 
-    void survivesAnExceptionAndAFailingShow()
-    {
-        m_client->Start();
-        const MessageCapture capture;
-        for (const Failure failure : {Failure::Exception, Failure::Show}) {
-            Communication().failure = failure;
-            QCOMPARE(m_client->Initialize(), -1);
-            QVERIFY(RenderCore().calls.isEmpty());
-        }
-        Communication().failure = Failure::None;
-        QVERIFY(m_client->Open());
-    }
-
     void declaresItsMethodsInOrder()
     {
         m_client->Start();
@@ -284,13 +240,17 @@ private slots:
             QCOMPARE(type->method(method++).methodSignature(), QByteArray(signature));
     }
 
-    void listensToItsSiblingsOnce()
+    void listensToItsSiblingsOnceWhateverHappened()
     {
         m_client->leftOut = QStringList {"VTPreviewerInterface"_s};
         m_client->Start();
         const MessageCapture capture;
         QCOMPARE(m_client->Initialize(), -1);
         m_client->Register("VTPreviewerInterface"_s);
+        for (const Failure failure : {Failure::Exception, Failure::Show, Failure::None}) {
+            Communication().failure = failure;
+            QCOMPARE(m_client->Initialize(), failure == Failure::None ? 0 : -1);
+        }
         for (int round = 0; round < 2; ++round) {
             QVERIFY(m_client->Open());
             CheckReceivers(Communication(), {});
@@ -310,11 +270,16 @@ private slots:
         QCOMPARE(TakeJournal().join(","_s), QString::fromLatin1(Row(buttons).effect));
     }
 
-    void opensTheSearchAndHidesIntoTheTray()
+    void leadsFromItsFormToOthers()
     {
         QVERIFY(m_client->Open());
+        QMimeData files;
+        QDragEnterEvent drag(QPoint(), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_client->Form(), &drag);
+        QVERIFY(RenderCore().seenEvents.contains(QEvent::DragEnter));
+        QVERIFY(m_client->Form()->acceptDrops() && m_client->Form()->hasMouseTracking());
+
         const QWidget* search = m_client->uiLoader.Form("com.vtr.search"_s);
-        QVERIFY(!search->isVisible());
         m_client->Button("btnSearch"_s)->click();
         QVERIFY(search->isVisible());
         m_client->Button("btnSystemMin"_s)->click();
@@ -323,56 +288,49 @@ private slots:
         QVERIFY(!search->isVisible());
     }
 
-    void passesTheFormsEventsToTheRenderCore()
-    {
-        QVERIFY(m_client->Open());
-        QVERIFY(m_client->Form()->acceptDrops() && m_client->Form()->hasMouseTracking());
-        QMimeData files;
-        QDragEnterEvent drag(QPoint(), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_client->Form(), &drag);
-        QVERIFY(RenderCore().seenEvents.contains(QEvent::DragEnter));
-    }
-
-    void logsMissingWidgetsAndFormsAndWorksOn_data()
-    {
-        QTest::addColumn<QStringList>("widgets");
-        QTest::addColumn<QStringList>("forms");
-        QTest::newRow("widgets") << MainFormNames() << QStringList();
-        QTest::newRow("table") << QStringList {"twtMyRender"_s} << QStringList();
-        QTest::newRow("forms") << QStringList() << formKeys.split(" "_s);
-    }
     void logsMissingWidgetsAndFormsAndWorksOn()
     {
-        QFETCH(QStringList, widgets);
-        QFETCH(QStringList, forms);
-        m_client->uiLoader.leftOut = widgets;
-        m_client->uiLoader.missingForms = forms;
-        m_client->Start();
-        const MessageCapture capture;
-        QCOMPARE(m_client->Initialize(), 0);
-        const QStringList lines = MessageCapture::Take();
-        for (const QString& name : widgets) {
-            const QRegularExpression line(
-                "^critical\\|Form com\\.vtr\\.qsclient has no Q\\w+ %1\\|"_s.arg(name));
-            QCOMPARE(lines.filter(line).size(), 1);
+        const QPair<QStringList, QStringList> lacks[]
+            = {{MainFormNames(), {}}, {{"twtMyRender"_s}, {}}, {{}, formKeys.split(" "_s)}};
+        for (const auto& [widgets, forms] : lacks) {
+            init();
+            m_client->uiLoader.leftOut = widgets;
+            m_client->uiLoader.missingForms = forms;
+            m_client->Start();
+            const MessageCapture capture;
+            QCOMPARE(m_client->Initialize(), 0);
+            const QStringList lines = MessageCapture::Take();
+            for (const QString& name : widgets)
+                QCOMPARE(
+                    lines.filter(QRegularExpression("Form com.vtr.qsclient has no Q\\w+ %1\\|"_s.arg(name)))
+                        .size(),
+                    1);
+            for (const QString& key : forms)
+                QCOMPARE(lines.filter("Form %1 is missing"_s.arg(key)).size(), 1);
+            QVariant state;
+            QCOMPARE(m_client->Service()->Show(state, {}), 0);
+            SignInWithJobs(MakeJobs(3), 40);
+            emit RenderCore().SubmitListChanged();
+            emit RenderCore().DownloadListChanged();
+            for (const int tab : {0, 1, 2, 3, -1})
+                QVERIFY(m_client->Call("ChangeTab", tab));
+            for (const char* slot : {"AdjustPageButtons", "ShowWindowMaximized", "ShowWindowNormal",
+                     "DeleteJobs", "RecoverJobs", "ManualDownload", "TriggerSubmit", "Redownload", "SignOut"})
+                QVERIFY(m_client->Call(slot));
+            emit Communication().SignOutResponse(200, {});
         }
-        for (const QString& key : forms)
-            QCOMPARE(lines.filter("Form %1 is missing"_s.arg(key)).size(), 1);
-
-        QVariant state;
-        QCOMPARE(m_client->Service()->Show(state, {}), 0);
-        SignInWithJobs(MakeJobs(3), 40);
-        emit RenderCore().SubmitListChanged();
-        emit RenderCore().DownloadListChanged();
-        for (const int tab : {0, 1, 2, 3, -1})
-            QVERIFY(m_client->Call("ChangeTab", tab));
-        for (const char* slot : {"AdjustPageButtons", "ShowWindowMaximized", "ShowWindowNormal", "DeleteJobs",
-                 "RecoverJobs", "ManualDownload", "TriggerSubmit", "Redownload", "SignOut"})
-            QVERIFY(m_client->Call(slot));
-        emit Communication().SignOutResponse(200, {});
     }
 
 private:
+    /// What the service answers to the three operations that take a request.
+    QString Codes(const QVariant& request) const
+    {
+        VTBaseInterface& service = *m_client->Service();
+        return "%1 %2 %3"_s.arg(service.Activate(request, {}))
+            .arg(service.Close(request))
+            .arg(service.Hide(request));
+    }
+
     /// Checks how often each signal of a sibling is listened to: once, but for the exceptions.
     template <class Sibling>
     static void CheckReceivers(const Sibling& sibling, const QMap<QByteArray, int>& exceptions)

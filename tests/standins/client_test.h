@@ -25,6 +25,9 @@ protected:
     CommunicationStandIn& Communication() const { return m_client->communication; }
     RenderCoreStandIn& RenderCore() const { return m_client->renderCore; }
     MessageBoxStandIn& MessageBox() const { return m_client->messageBox; }
+    QTableWidget* Jobs() const { return m_client->Table("twtMyRender"_s); }
+    QTableWidget* Tasks() const { return m_client->Table("twtLocalTask"_s); }
+    QTableWidget* Downloads() const { return m_client->Table("twtDownload"_s); }
     QStringList TakeJournal() const { return m_client->journal.Take(); }
 
     /// Signs in and shows one page of jobs; nothing of it stays in the journal.
