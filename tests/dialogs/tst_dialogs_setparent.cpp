@@ -133,9 +133,14 @@ private slots:
     void ConfirmationStopsAndRemembersTheSons()
     {
         SignIn();
+        const auto* poll = m_dialog->findChild<QTimer*>();
+        QVERIFY(poll->isActive());
+        m_dialog->GetJobInfo();
+        QVERIFY(!poll->isActive());
         AddJob("s1"_s, 0);
         AddJob("s2"_s, 1);
         Confirm({"p1"_s});
+        QVERIFY(poll->isActive());
         QCOMPARE(m_stops->size(), 1);
         QCOMPARE(Parameters(m_stops->first()),
             (VTParameters {{"id[0]"_s, "s1"_s}, {"id[1]"_s, "s2"_s}, {"username"_s, "id of user"_s},
@@ -193,18 +198,6 @@ private slots:
             {"identifier"_s, 1}, {"token"_s, "secret"_s}, {"username"_s, "id of user"_s}};
         QCOMPARE(Parameters(infos.at(2)), expected);
         QCOMPARE(Parameters(infos.at(1)).value("jobtype"_s), QVariant(QString()));
-    }
-
-    void PollRestsWithoutDependencies()
-    {
-        SignIn();
-        auto* timer = m_dialog->findChild<QTimer*>();
-        QVERIFY(timer->isActive());
-        m_dialog->GetJobInfo();
-        QVERIFY(!timer->isActive());
-        AddJob("s1"_s, 0);
-        Confirm({"p1"_s});
-        QVERIFY(timer->isActive());
     }
 
     void SonsAreRecoveredWhenAllParentsHaveFinished()
