@@ -167,6 +167,15 @@ private slots:
         QCOMPARE(Tasks()->rowCount(), 18);
         QVERIFY(!m_client->Shows("btnPageThree"_s));
 
+        // The tasks of a page stay there when one before them goes or comes.
+        for (const bool isThere : {false, true}) {
+            if (isThere)
+                RenderCore().tasks.insert("t00"_s, {});
+            else
+                RenderCore().tasks.remove("t00"_s);
+            QVERIFY(m_client->Tick(1000));
+            QCOMPARE(Tasks()->rowCount(), 18);
+        }
         for (int i = 18; i < 36; ++i)
             RenderCore().tasks.remove(Numbered("t"_s, i));
         QVERIFY(m_client->Tick(1000));
