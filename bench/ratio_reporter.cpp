@@ -15,7 +15,8 @@ void RatioReporter::ReportRuns(const std::vector<Run>& runs)
         std::string place;
         std::getline(std::getline(std::getline(name, what, '/'), entries, '/'), place);
         const double cost = run.cpu_accumulated_time / double(run.iterations) * 1e6;
-        const auto [known, isFirst] = m_costs[what + ", " + place].emplace(std::stoi(entries), cost);
+        what.append(", ").append(place);
+        const auto [known, isFirst] = m_costs[what].emplace(std::stoi(entries), cost);
         if (!isFirst)
             known->second = std::min(known->second, cost);
     }
