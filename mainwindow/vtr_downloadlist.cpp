@@ -35,11 +35,14 @@ void VTDownloadList::BuildPage(int nPage)
     const QVariantMap* pTasks = Tasks();
     if (!pTasks)
         return;
-    auto itTask = m_place.At(*pTasks, (nPage - 1) * VTPageSize);
-    for (int nRow = 0; nRow < VTPageSize && itTask != pTasks->constEnd(); ++nRow, ++itTask) {
-        m_pTable->setRowCount(nRow + 1);
+    const int nFirst = (nPage - 1) * VTPageSize;
+    auto itTask = m_place.At(*pTasks, nFirst);
+    if (itTask == pTasks->constEnd())
+        return;
+    // All rows at once: each change of their number lays out the progress bars of those before.
+    m_pTable->setRowCount(qMin(VTPageSize, pTasks->size() - nFirst));
+    for (int nRow = 0; nRow < m_pTable->rowCount(); ++nRow, ++itTask)
         WriteRow(nRow, itTask.key(), itTask->toMap());
-    }
 }
 
 void VTDownloadList::BuildCurrentPage()

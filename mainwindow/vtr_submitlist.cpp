@@ -117,13 +117,14 @@ QVector<int> VTSubmitList::PlacesOfRows(const QStringList& lstId) const
         else
             mapMoved.insert(strTaskId, nRow);
     }
-    // One walk for all that are not where they were, so that a page costs the same however long the list.
-    for (int nPlace = 0; nPlace < lstId.size() && !mapMoved.isEmpty(); ++nPlace) {
-        const auto itMoved = mapMoved.find(lstId.at(nPlace));
-        if (itMoved == mapMoved.end())
-            continue;
-        lstPlace[*itMoved] = nPlace;
-        mapMoved.erase(itMoved);
+    // One walk for all that are not where they were, and outwards, because most have moved by a few places only: a page
+    // costs the same however long the list.
+    const int nFarthest = qMax(m_nFirstPlace, lstId.size() - m_nFirstPlace);
+    for (int nDistance = 0; nDistance <= nFarthest && !mapMoved.isEmpty(); ++nDistance) {
+        for (const int nPlace : {m_nFirstPlace - nDistance, m_nFirstPlace + nDistance}) {
+            if (nPlace >= 0 && nPlace < lstId.size() && mapMoved.contains(lstId.at(nPlace)))
+                lstPlace[mapMoved.take(lstId.at(nPlace))] = nPlace;
+        }
     }
     return lstPlace;
 }

@@ -8,11 +8,8 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QTableWidget>
-#include <QtTest>
 
 namespace {
-
-const QString DependencyFolder = "data"_s;
 
 enum Column { Sequence, Name, StartTime, Progress, Status, Cost, Count };
 
@@ -31,11 +28,10 @@ QVariantList Jobs(int count)
     return jobs;
 }
 
-QVariantMap InfoAnswer(const QString& id, int status)
+QVariantMap InfoAnswer(const QString& id, int status, int identifier = 1)
 {
     const QVariantMap job {{"jobStatus"_s, status}};
-    const QVariantMap data {{"jobDatas"_s, job}};
-    return {{"jobId"_s, id}, {"identifier"_s, 1}, {"data"_s, data}};
+    return {{"jobId"_s, id}, {"identifier"_s, identifier}, {"data"_s, QVariantMap {{"jobDatas"_s, job}}}};
 }
 
 VTParameters Parameters(const QList<QVariant>& arguments)
@@ -43,14 +39,14 @@ VTParameters Parameters(const QList<QVariant>& arguments)
     return arguments.at(0).value<VTParameters>();
 }
 
-QStringList JobIds(const QList<QVariant>& arguments)
+struct Choice
 {
-    const VTParameters parameters = Parameters(arguments);
-    QStringList ids;
-    for (int i = 0; parameters.contains("id[%1]"_s.arg(i)); ++i)
-        ids << parameters.value("id[%1]"_s.arg(i)).toString();
-    return ids;
-}
+    const char* name;
+    QList<int> states; ///< of the checked jobs
+    bool opens;
+};
+const Choice choices[] = {
+    {"nothing checked", {}, false}, {"waiting and running", {0, 1}, true}, {"one finished", {0, 4}, false}};
 
 } // namespace
 
@@ -64,38 +60,31 @@ private slots:
     void init()
     {
         m_services = std::make_unique<ServicesFixture>();
-        m_account = std::make_unique<AccountFixture>(DependencyFolder);
+        m_account = std::make_unique<AccountFixture>("data"_s);
         m_jobTable = std::make_unique<QTableWidget>(0, Count);
-        m_form = std::make_unique<QDialog>();
-        m_candidates = AddTo<QTableWidget>(m_form.get(), "twtJobList"_s);
-        AddTo<QPushButton>(m_form.get(), "btnCloseSetParent"_s);
-        m_ok = AddTo<QPushButton>(m_form.get(), "btnOkSetParent"_s);
-        MakeDialog();
+        m_form.reset(NewForm("com.vtr.setparent"_s, {}));
+        m_candidates = Find<QTableWidget>(m_form, "twtJobList");
+        VTCodeTables tables;
+        tables.Load();
+        m_dialog = std::make_unique<VTSetParent>(
+            m_form.get(), m_jobTable.get(), tables.mapProgressStyle, tables.mapJobStatus);
+        m_dialog->SetServices(m_services->siblings);
+        m_dialog->InitWidgets();
+        m_stops = std::make_unique<QSignalSpy>(m_dialog.get(), &VTSetParent::stopJobs);
+        m_recovers = std::make_unique<QSignalSpy>(m_dialog.get(), &VTSetParent::recoverJobs);
     }
 
-    void OpensOnlyForWaitingAndRunningJobs_data()
-    {
-        QTest::addColumn<QList<int>>("checkedStates");
-        QTest::addColumn<bool>("opens");
-
-        QTest::newRow("nothing checked") << QList<int>() << false;
-        QTest::newRow("waiting and running") << QList<int> {0, 1} << true;
-        QTest::newRow("one finished") << QList<int> {0, 4} << false;
-    }
-
+    void OpensOnlyForWaitingAndRunningJobs_data() { AddRows(choices); }
     void OpensOnlyForWaitingAndRunningJobs()
     {
-        QFETCH(QList<int>, checkedStates);
         AddJob("unchecked"_s, 4, false);
-        for (int i = 0; i < checkedStates.size(); ++i)
-            AddJob("s%1"_s.arg(i), checkedStates.at(i), true);
+        for (const int state : Row(choices).states)
+            AddJob("s%1"_s.arg(state), state);
         const QSignalSpy spy(m_dialog.get(), &VTSetParent::getJobList);
         bool opened = false;
         Open([&] { opened = m_form->isVisible(); });
-        QTEST(opened, "opens");
-        QCOMPARE(spy.size(), opened ? 1 : 0);
-        if (opened)
-            QCOMPARE(spy.first(), QList<QVariant>({1, QString(), 1}));
+        QCOMPARE(opened, Row(choices).opens);
+        QCOMPARE(spy.value(0), opened ? QVariantList({1, QString(), 1}) : QVariantList());
     }
 
     void CandidateRows()
@@ -106,62 +95,58 @@ private slots:
         const auto Item = [this](int column) { return m_candidates->item(0, column); };
         QCOMPARE(Item(Sequence)->data(Qt::UserRole).toString(), "p1"_s);
         QCOMPARE(Item(Sequence)->checkState(), Qt::Unchecked);
-        QCOMPARE(Item(Name)->data(Qt::UserRole).toString(), "maya"_s);
         QCOMPARE(Item(Name)->text(), "<b>shot</b>"_s);
-        QVERIFY(Item(Name)->toolTip().contains(QLatin1String("&lt;b&gt;")));
+        QVERIFY(Item(Name)->toolTip().contains("&lt;b&gt;"_s));
         QVERIFY(!Item(StartTime)->data(Qt::UserRole).isValid());
         QCOMPARE(Item(Status)->text(), "Pause"_s);
         QCOMPARE(Item(Status)->toolTip(), QString());
         QCOMPARE(Item(Cost)->text(), "12.5RMB"_s);
         const auto* bar = qobject_cast<QProgressBar*>(m_candidates->cellWidget(0, Progress));
-        QVERIFY(bar);
         QCOMPARE(bar->value(), 50);
-        QVERIFY(bar->styleSheet().contains(QLatin1String("255,161,94")));
-
-        m_candidates->item(0, Sequence)->setCheckState(Qt::Checked);
+        QVERIFY(bar->styleSheet().contains("255,161,94"_s));
+        Item(Sequence)->setCheckState(Qt::Checked);
         QCOMPARE(m_dialog->GetCheckedItem(), QStringList("p1&maya"_s));
     }
 
     void NewestListWins()
     {
-        Soon(m_dialog.get(), [this] { m_dialog->ShowParenList(Jobs(2)); });
+        QTimer::singleShot(0, m_dialog.get(), [this] { m_dialog->ShowParenList(Jobs(2)); });
         m_dialog->ShowParenList(Jobs(50));
         QCOMPARE(m_candidates->rowCount(), 2);
     }
 
-    void FillEnds_data()
-    {
-        QTest::addColumn<int>("end");
-        QTest::newRow("cancelled") << int(Cancelled);
-        QTest::newRow("dialog closed") << int(Closed);
-        QTest::newRow("form gone") << int(FormGone);
-        QTest::newRow("controller gone") << int(ControllerGone);
-    }
-
     void FillEnds()
     {
-        QFETCH(int, end);
-        m_form->show();
-        Soon(m_form.get(), [this, end] { End(end); });
-        m_dialog->ShowParenList(Jobs(50));
-        QVERIFY(end == FormGone || m_candidates->rowCount() < 50);
+        const std::function<void()> ends[] = {[this] { m_dialog->CancelFill(); }, [this] { m_form->close(); },
+            [this] { m_dialog.reset(); }, [this] { m_form.reset(); }};
+        for (const auto& end : ends) {
+            if (!m_dialog)
+                init();
+            m_form->show();
+            QTimer::singleShot(0, m_form.get(), end);
+            m_dialog->ShowParenList(Jobs(50));
+            QVERIFY(!m_form || m_candidates->rowCount() < 50);
+        }
+        CallEverySlot(m_dialog.get());
     }
 
     void ConfirmationStopsAndRemembersTheSons()
     {
         SignIn();
-        AddJob("s1"_s, 0, true);
-        AddJob("s2"_s, 1, true);
-        const QSignalSpy stops(m_dialog.get(), &VTSetParent::stopJobs);
+        const auto* poll = m_dialog->findChild<QTimer*>();
+        QVERIFY(poll->isActive());
+        m_dialog->GetJobInfo();
+        QVERIFY(!poll->isActive());
+        AddJob("s1"_s, 0);
+        AddJob("s2"_s, 1);
         Confirm({"p1"_s});
-
-        QCOMPARE(stops.size(), 1);
-        QCOMPARE(JobIds(stops.first()), QStringList({"s1"_s, "s2"_s}));
-        QCOMPARE(Parameters(stops.first()).value("username"_s).toString(), "id of user"_s);
-        QCOMPARE(Parameters(stops.first()).value("token"_s).toString(), "secret"_s);
+        QVERIFY(poll->isActive());
+        QCOMPARE(m_stops->size(), 1);
+        QCOMPARE(Parameters(m_stops->first()),
+            (VTParameters {{"id[0]"_s, "s1"_s}, {"id[1]"_s, "s2"_s}, {"username"_s, "id of user"_s},
+                {"token"_s, "secret"_s}}));
         QVERIFY(!m_form->isVisible());
         QCOMPARE(Dependencies(), QStringList("s1&s2=p1&maya"_s));
-
         Confirm({"p2"_s, "p3"_s});
         QCOMPARE(Dependencies(), QStringList("s1&s2=p2&maya,p3&maya"_s));
     }
@@ -169,36 +154,29 @@ private slots:
     void JobCannotWaitForItself()
     {
         SignIn();
-        AddJob("p1"_s, 0, true);
-        const QSignalSpy stops(m_dialog.get(), &VTSetParent::stopJobs);
-        bool stayedOpen = false;
-        Open([&] {
+        AddJob("p1"_s, 0);
+        Open([this] {
             ConfirmOpen({"xp12"_s});
-            stayedOpen = m_form->isVisible();
+            QVERIFY(m_form->isVisible());
+            ConfirmOpen({});
+            QVERIFY(!m_form->isVisible());
         });
-        QVERIFY(stayedOpen);
-        QCOMPARE(stops.size(), 0);
+        QCOMPARE(m_stops->size(), 0);
         QVERIFY(Dependencies().isEmpty());
-
-        Confirm({});
-        QVERIFY(!m_form->isVisible());
-        QCOMPARE(stops.size(), 0);
     }
 
     void FailedWriteIsToldAndHoldsMeanwhile()
     {
         m_account->Block();
         SignIn();
-        AddJob("s1"_s, 0, true);
+        AddJob("s1"_s, 0);
         Confirm({"p1"_s});
         QCOMPARE(m_services->messageBox.messages.size(), 1);
         QCOMPARE(m_services->logger.lines.size(), 1);
         QVERIFY(m_services->logger.lines.first().contains("|8|"_s));
         QVERIFY(!m_form->isVisible());
-
-        const QSignalSpy recovers(m_dialog.get(), &VTSetParent::recoverJobs);
-        m_dialog->TriggerJobInfoResponse(200, InfoAnswer("p1"_s, 4));
-        QCOMPARE(recovers.size(), 1);
+        Answer(InfoAnswer("p1"_s, 4));
+        QCOMPARE(m_recovers->size(), 1);
     }
 
     void PollGoesRoundTheSonGroupsOfTheFile()
@@ -208,61 +186,39 @@ private slots:
         const QSignalSpy infos(m_dialog.get(), &VTSetParent::getJobInfo);
         for (int tick = 0; tick < 4; ++tick)
             m_dialog->GetJobInfo();
+        Answer(InfoAnswer("p2"_s, 4));
+        for (int tick = 0; tick < 3; ++tick)
+            m_dialog->GetJobInfo();
         QStringList asked;
         for (const QList<QVariant>& arguments : infos)
-            asked << QString(Parameters(arguments).value("jobId"_s).toString() + QLatin1Char(':')
-                + Parameters(arguments).value("jobtype"_s).toString());
-        // Two groups, the tick that starts over, and the first group again.
-        const QStringList first {"p1:maya"_s, "odd:"_s};
-        QCOMPARE(asked, first + QStringList("p2:povray"_s) + first);
-
+            asked << Parameters(arguments).value("jobId"_s).toString();
+        // Two groups, the tick that starts over, the first group, none for the one that has gone, and over again.
+        QCOMPARE(asked.join(" "_s), "p1 odd p2 p1 odd p1 odd"_s);
         const VTParameters expected {{"id"_s, "p2"_s}, {"jobId"_s, "p2"_s}, {"jobtype"_s, "povray"_s},
             {"identifier"_s, 1}, {"token"_s, "secret"_s}, {"username"_s, "id of user"_s}};
         QCOMPARE(Parameters(infos.at(2)), expected);
-    }
-
-    void PollRestsWithoutDependencies()
-    {
-        SignIn();
-        auto* timer = m_dialog->findChild<QTimer*>();
-        QVERIFY(timer->isActive());
-        m_dialog->GetJobInfo();
-        QVERIFY(!timer->isActive());
-        AddJob("s1"_s, 0, true);
-        Confirm({"p1"_s});
-        QVERIFY(timer->isActive());
+        QCOMPARE(Parameters(infos.at(1)).value("jobtype"_s), QVariant(QString()));
     }
 
     void SonsAreRecoveredWhenAllParentsHaveFinished()
     {
-        m_account->Write("[parent]\ns1%26s2=p1&maya, p2&maya\ns3=p3&maya\n");
+        m_account->Write("[parent]\ns1%26s2=p1&maya, p2&maya\ns3=p1&maya, p3&maya\n");
         SignIn();
-        const QSignalSpy recovers(m_dialog.get(), &VTSetParent::recoverJobs);
-        QVariantMap unmarked = InfoAnswer("p1"_s, 4);
-        unmarked.insert("identifier"_s, 0);
-        m_dialog->TriggerJobInfoResponse(500, InfoAnswer("p1"_s, 4));
-        m_dialog->TriggerJobInfoResponse(200, unmarked);
-        m_dialog->TriggerJobInfoResponse(200, InfoAnswer("p1"_s, 1));
-        m_dialog->TriggerJobInfoResponse(200, {});
-        m_dialog->TriggerJobInfoResponse(200, InfoAnswer("p2"_s, 4));
-        QCOMPARE(recovers.size(), 0);
-
-        m_dialog->TriggerJobInfoResponse(200, InfoAnswer("p1"_s, 4));
-        QCOMPARE(recovers.size(), 1);
-        QCOMPARE(JobIds(recovers.first()), QStringList({"s1"_s, "s2"_s}));
-        QCOMPARE(Dependencies(), QStringList("s3=p3&maya"_s));
-    }
-
-    void RestartGoesOnWhereItWas()
-    {
-        SignIn();
-        AddJob("s1"_s, 0, true);
-        Confirm({"p1"_s});
-        MakeDialog();
-        SignIn();
-        const QSignalSpy infos(m_dialog.get(), &VTSetParent::getJobInfo);
-        m_dialog->GetJobInfo();
-        QCOMPARE(infos.size(), 1);
+        Answer(InfoAnswer("p1"_s, 4), 500);
+        for (const QVariantMap& answer : {InfoAnswer("p1"_s, 4, 0), InfoAnswer("p1"_s, 1), QVariantMap(),
+                 InfoAnswer("p"_s, 4), InfoAnswer("p2"_s, 4)})
+            Answer(answer);
+        QCOMPARE(m_recovers->size(), 0);
+        Answer(InfoAnswer("p1"_s, 4));
+        QCOMPARE(m_recovers->size(), 1);
+        QCOMPARE(Parameters(m_recovers->first()),
+            (VTParameters {{"id[0]"_s, "s1"_s}, {"id[1]"_s, "s2"_s}, {"username"_s, "id of user"_s},
+                {"token"_s, "secret"_s}}));
+        QCOMPARE(Dependencies(), QStringList("s3=p1&maya,p3&maya"_s));
+        // What finished for one group counts for the next.
+        Answer(InfoAnswer("p3"_s, 4));
+        QCOMPARE(m_recovers->size(), 2);
+        QVERIFY(Dependencies().isEmpty());
     }
 
     void cleanup()
@@ -273,41 +229,25 @@ private slots:
     }
 
 private:
-    enum FillEnd { Cancelled, Closed, FormGone, ControllerGone };
+    void SignIn() { m_dialog->GetSettings(m_account->server, "secret"_s, m_account->user, "id of user"_s); }
+    void Answer(const QVariantMap& data, int result = 200) { m_dialog->TriggerJobInfoResponse(result, data); }
 
-    void MakeDialog()
-    {
-        VTCodeTables tables;
-        tables.Load();
-        m_dialog = std::make_unique<VTSetParent>(
-            m_form.get(), m_jobTable.get(), tables.mapProgressStyle, tables.mapJobStatus);
-        m_dialog->SetServices(m_services->siblings);
-        m_dialog->InitWidgets();
-    }
-
-    void SignIn()
-    {
-        m_dialog->GetSettings(AccountFixture::Server, "secret"_s, m_account->user, "id of user"_s);
-    }
-
-    void AddJob(const QString& id, int status, bool checked)
+    void AddJob(const QString& id, int status, bool checked = true)
     {
         const int row = m_jobTable->rowCount();
         m_jobTable->insertRow(row);
-        auto* first = new QTableWidgetItem;
-        first->setData(Qt::UserRole, id);
-        first->setCheckState(checked ? Qt::Checked : Qt::Unchecked);
-        m_jobTable->setItem(row, Sequence, first);
-        auto* state = new QTableWidgetItem;
-        state->setData(Qt::UserRole, status);
-        m_jobTable->setItem(row, Status, state);
+        for (const int column : {Sequence, Status})
+            m_jobTable->setItem(row, column, new QTableWidgetItem);
+        m_jobTable->item(row, Sequence)->setData(Qt::UserRole, id);
+        m_jobTable->item(row, Sequence)->setCheckState(checked ? Qt::Checked : Qt::Unchecked);
+        m_jobTable->item(row, Status)->setData(Qt::UserRole, status);
     }
 
     /// Runs the dialog and does something while it is open.
     template <typename Function>
     void Open(Function whileOpen)
     {
-        Soon(m_form.get(), [&] {
+        QTimer::singleShot(0, m_form.get(), [&] {
             whileOpen();
             m_form->close();
         });
@@ -324,29 +264,12 @@ private:
         m_dialog->ShowParenList(candidates);
         for (int row = 1; row < m_candidates->rowCount(); ++row)
             m_candidates->item(row, Sequence)->setCheckState(Qt::Checked);
-        m_ok->click();
+        Find<QPushButton>(m_form, "btnOkSetParent")->click();
     }
 
     void Confirm(const QStringList& parents)
     {
         Open([&] { ConfirmOpen(parents); });
-    }
-
-    void End(int end)
-    {
-        switch (end) {
-        case Cancelled:
-            m_dialog->CancelFill();
-            break;
-        case Closed:
-            m_form->close();
-            break;
-        case FormGone:
-            m_form.reset();
-            break;
-        default:
-            m_dialog.reset();
-        }
     }
 
     /// What the account's file holds, as other programs see it.
@@ -355,20 +278,19 @@ private:
         QSettings settings(m_account->Path(), QSettings::IniFormat);
         settings.beginGroup("parent"_s);
         QStringList lines;
-        const QStringList keys = settings.allKeys();
-        for (const QString& key : keys)
-            lines << QString(
-                key + QLatin1Char('=') + settings.value(key).toStringList().join(QLatin1Char(',')));
+        for (const QString& key : settings.allKeys())
+            lines << QString(key + "="_s + settings.value(key).toStringList().join(","_s));
         return lines;
     }
 
     std::unique_ptr<ServicesFixture> m_services;
     std::unique_ptr<AccountFixture> m_account;
     std::unique_ptr<QTableWidget> m_jobTable;
-    std::unique_ptr<QDialog> m_form;
+    std::unique_ptr<QWidget> m_form;
     std::unique_ptr<VTSetParent> m_dialog;
+    std::unique_ptr<QSignalSpy> m_stops;
+    std::unique_ptr<QSignalSpy> m_recovers;
     QTableWidget* m_candidates = nullptr;
-    QPushButton* m_ok = nullptr;
 };
 
 QTEST_MAIN(TestSetParent)

@@ -1,85 +1,78 @@
 #include "plugin_manifest.h"
+#include "test_tables.h"
 
 #include <ctkPluginException.h>
 
-#include <QtTest>
+namespace {
+
+struct Header
+{
+    const char* name;
+    QByteArray text;
+    QString header;
+    QString value;
+};
+const QString symbolicName = "Plugin-SymbolicName"_s;
+const QString vendor = "Plugin-Vendor"_s;
+const Header headers[] = {
+    {"LF", "Plugin-SymbolicName: a.b\n", symbolicName, "a.b"_s},
+    {"CRLF", "Plugin-SymbolicName: a.b\r\n", symbolicName, "a.b"_s},
+    {"no end of line", "Plugin-SymbolicName:a.b", symbolicName, "a.b"_s},
+    {"directive", "Plugin-SymbolicName: a.b ;c", symbolicName, "a.b ;c"_s},
+    {"folded", "Plugin-SymbolicName: a\r\n .\r\n b\r\n", symbolicName, "a.b"_s},
+    {"folded inside of a character", "Plugin-SymbolicName: a.b\nPlugin-Vendor: Caf\xC3\n \xA9\n", vendor,
+        "Café"_s},
+    {"colon in the value", "Plugin-SymbolicName: a.b\nPlugin-Vendor: x:y\n", vendor, "x:y"_s},
+    {"later sections left out", "Plugin-SymbolicName: a.b\r\n\r\nPlugin-Vendor: x\r\n?", vendor, {}},
+};
+
+struct Refusal
+{
+    const char* name;
+    QByteArray text;
+};
+const Refusal refusals[] = {
+    {"empty", {}},
+    {"no symbolic name", "Plugin-Version: 1.0.0\n"},
+    {"empty symbolic name", "Plugin-SymbolicName: \r\n"},
+    {"no colon", "Plugin-SymbolicName: a.b\nrubbish\n"},
+    {"no header name", "Plugin-SymbolicName: a.b\n: x\n"},
+    {"continues nothing", " Plugin-SymbolicName: a.b\n"},
+    {"binary", {"\x7f\x45\x4c\x46\x00\xff", 6}},
+};
+
+} // namespace
 
 class TestPluginManifest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void readsHeaders_data()
-    {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QString>("header");
-        QTest::addColumn<QString>("value");
-        const QString name = QStringLiteral("Plugin-SymbolicName");
-        const QString vendor = QStringLiteral("Plugin-Vendor");
-        const QString ours = QStringLiteral("a.b");
-        const QString cafe = QString::fromUtf8("Caf\xC3\xA9");
-        QTest::newRow("LF") << QByteArray("Plugin-SymbolicName: a.b\n") << name << ours;
-        QTest::newRow("CRLF") << QByteArray("Plugin-SymbolicName: a.b\r\n") << name << ours;
-        QTest::newRow("no end of line") << QByteArray("Plugin-SymbolicName:a.b") << name << ours;
-        QTest::newRow("directive") << QByteArray("Plugin-SymbolicName: a.b ;c") << name
-                                   << QStringLiteral("a.b ;c");
-        QTest::newRow("folded") << QByteArray("Plugin-SymbolicName: a\r\n .\r\n b\r\n") << name << ours;
-        QTest::newRow("folded inside of a character")
-            << QByteArray("Plugin-SymbolicName: a.b\nPlugin-Vendor: Caf\xC3\n \xA9\n") << vendor << cafe;
-        QTest::newRow("colon in the value") << QByteArray("Plugin-SymbolicName: a.b\nPlugin-Vendor: x:y\n")
-                                            << vendor << QStringLiteral("x:y");
-        QTest::newRow("later sections left out")
-            << QByteArray("Plugin-SymbolicName: a.b\r\n\r\nPlugin-Vendor: x\r\n?") << vendor << QString();
-    }
-
+    void readsHeaders_data() { AddRows(headers); }
     void readsHeaders()
     {
-        QFETCH(QByteArray, text);
-        QFETCH(QString, header);
-        QFETCH(QString, value);
-        const ManifestHeaders headers = ParseManifest(text);
-        QCOMPARE(headers.value(header), value);
-        QCOMPARE(SymbolicName(headers), QStringLiteral("a.b"));
+        const ManifestHeaders parsed = ParseManifest(Row(headers).text);
+        QCOMPARE(parsed.value(Row(headers).header), Row(headers).value);
+        QCOMPARE(SymbolicName(parsed), "a.b"_s);
     }
 
-    void refuses_data()
-    {
-        QTest::addColumn<QByteArray>("text");
-        QTest::newRow("empty") << QByteArray();
-        QTest::newRow("no symbolic name") << QByteArray("Plugin-Version: 1.0.0\n");
-        QTest::newRow("empty symbolic name") << QByteArray("Plugin-SymbolicName: \r\n");
-        QTest::newRow("no colon") << QByteArray("Plugin-SymbolicName: a.b\nrubbish\n");
-        QTest::newRow("no header name") << QByteArray("Plugin-SymbolicName: a.b\n: x\n");
-        QTest::newRow("continues nothing") << QByteArray(" Plugin-SymbolicName: a.b\n");
-        QTest::newRow("binary") << QByteArray("\x7f\x45\x4c\x46\x00\xff", 6);
-    }
-
+    void refuses_data() { AddRows(refusals); }
     void refuses()
     {
-        QFETCH(QByteArray, text);
         try {
-            ParseManifest(text);
+            ParseManifest(Row(refusals).text);
             QFAIL("accepted");
         } catch (const ctkPluginException& exception) {
             QCOMPARE(exception.getType(), ctkPluginException::MANIFEST_ERROR);
         }
     }
 
-    void findsTheFolderOfALibrary_data()
-    {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<QString>("folder");
-        const QString ours = QStringLiteral("com.vtr.qsclient");
-        QTest::newRow("Linux") << QStringLiteral("/opt/a.b/libcom_vtr_qsclient.so") << ours;
-        QTest::newRow("versioned") << QStringLiteral("libcom_vtr_qsclient.so.1.0") << ours;
-        QTest::newRow("Windows") << QStringLiteral("C:/client/com_vtr_qsclient.dll") << ours;
-        QTest::newRow("prefix once only") << QStringLiteral("liblib_x.so") << QStringLiteral("lib.x");
-    }
-
     void findsTheFolderOfALibrary()
     {
-        QFETCH(QString, file);
-        QTEST(ResourceFolder(file), "folder");
+        for (const char* file : {"/opt/a.b/libcom_vtr_qsclient.so", "libcom_vtr_qsclient.so.1.0",
+                 "C:/client/com_vtr_qsclient.dll"})
+            QCOMPARE(ResourceFolder(QLatin1String(file)), "com.vtr.qsclient"_s);
+        QCOMPARE(ResourceFolder("liblib_x.so"_s), "lib.x"_s);
     }
 };
 

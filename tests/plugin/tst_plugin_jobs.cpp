@@ -20,16 +20,37 @@ public:
     int count = 0;
 };
 
-QVariantMap Answer(const QVariant& list, const QVariant& total = 40)
+struct Action
 {
-    return {{"data"_s, QVariantMap {{"list"_s, list}, {"total"_s, total}}}};
-}
+    const char* name; ///< operation of the communication service
+    QString button;
+    QByteArray answer;
+    QString failure;
+    bool canBeRefused;
+};
+const Action actions[] = {
+    {"DeleteJobs", "btnDelete"_s, "DeleteJobResponse", "Delete jobs failed!"_s, false},
+    {"StopJobs", "btnPause"_s, "StopJobResponse", "Stop jobs failed!"_s, false},
+    {"RecoverJobs", "btnRecover"_s, "RecoverJobResponse", "Recover jobs failed!"_s, true},
+    {"RestartJobs", "btnRestart"_s, "RestartJobResponse", "Restart jobs failed!"_s, true},
+    {"FullRender", "btnFullRender"_s, "FullRenderResponse", "Full render jobs failed!"_s, true},
+};
 
-QVariantMap JobWith(const QString& key, const QVariant& value)
+const QString question = "4|QuillStar Client||Are you sure to delete these jobs?|Cancel,Ok|0"_s;
+
+struct Choice
 {
-    QVariantMap job = MakeJob(1);
-    job.insert(key, value);
-    return job;
+    const char* name;
+    QList<int> checked;
+    int current;
+    QStringList ordered;
+};
+const Choice choices[] = {{"nothing", {}, -1, {}}, {"current row", {}, 2, {"id-3"_s}},
+    {"checked rows win", {0, 1}, 2, {"id-1"_s, "id-2"_s}}};
+
+QVariantMap List(const QVariant& list, const QVariant& total = 40)
+{
+    return {{"list"_s, list}, {"total"_s, total}};
 }
 
 QVariant Nested(int depth)
@@ -42,7 +63,7 @@ QVariant Nested(int depth)
 
 } // namespace
 
-/// The job table: what answers make of it, and what presses do to its rows.
+/// The job table: what answers make of it, what presses do to its rows, and what is done with the checked jobs.
 class TestPluginJobs : public ClientTest
 {
     Q_OBJECT
@@ -57,10 +78,8 @@ private slots:
             "12|id-12, <b>sh & ot</b>|type-12, time-12|time-12, Finished|4, 12.5RMB|12.5RMB"_s);
         for (const int column : {0, 1, 2, 4, 5})
             QCOMPARE(Jobs()->item(0, column)->textAlignment(), 132);
-        QCOMPARE(Jobs()->item(0, 0)->toolTip(), QString());
         QCOMPARE(Jobs()->item(0, 0)->checkState(), Qt::Unchecked);
         QVERIFY(Jobs()->item(0, 1)->toolTip().contains("&lt;b&gt;sh &amp; ot"_s));
-        QVERIFY(!Jobs()->item(0, 1)->data(Qt::CheckStateRole).isValid());
         QCOMPARE(Jobs()->item(1, 4)->text(), "Unknown"_s);
         QCOMPARE(Bar(Jobs(), 0)->value(), 100);
         QCOMPARE(Bar(Jobs(), 0)->styleSheet(),
@@ -109,15 +128,6 @@ private slots:
         QCOMPARE(Jobs()->currentRow(), -1);
     }
 
-    void fillsBehindAnotherTabWithoutItsPageBar()
-    {
-        SignInWithJobs(MakeJobs(18), 18);
-        m_client->Tabs()->setCurrentIndex(2);
-        Communication().DeliverJobs(MakeJobs(7), 40);
-        QCOMPARE(Jobs()->rowCount(), 7);
-        QVERIFY(!m_client->Shows("btnPageTwo"_s));
-    }
-
     void handsFinishedJobsOverOnce()
     {
         m_client->settings.values.insert("vtr.account.ann/autodownload"_s, true);
@@ -158,65 +168,39 @@ private slots:
         SignInWithJobs(MakeJobs(18), 40);
         m_client->Button("btnPageThree"_s)->click();
         Communication().DeliverJobs(MakeJobs(4), 40);
+        TakeJournal();
         Communication().DeliverJobs({}, 36);
+        QCOMPARE(TakeJournal(), QStringList {"GetJobList"_s});
         QCOMPARE(Communication().Last().map.value("page"_s), QVariant(2));
         QCOMPARE(Jobs()->rowCount(), 0);
-        QVERIFY(!m_client->Shows("btnPageTwo"_s));
-        Communication().DeliverJobs(MakeJobs(18), 36);
-        m_client->Button("btnPageOne"_s)->click();
+        // The next time the answer comes inside of the request.
+        Communication().onRequest = [this] { Communication().DeliverJobs(MakeJobs(18), 18); };
+        Communication().DeliverJobs({}, 18);
+        QCOMPARE(Jobs()->rowCount(), 18);
         TakeJournal();
         Communication().DeliverJobs({}, 0);
         QCOMPARE(TakeJournal(), QStringList());
     }
 
-    void takesAnAnswerInsideItsRequest()
-    {
-        SignInWithJobs(MakeJobs(18), 40);
-        m_client->Button("btnPageThree"_s)->click();
-        Communication().DeliverJobs(MakeJobs(4), 40);
-        Communication().onRequest = [this] { Communication().DeliverJobs(MakeJobs(18), 36); };
-        Communication().DeliverJobs({}, 36);
-        QCOMPARE(Jobs()->rowCount(), 18);
-        QVERIFY(m_client->Shows("btnPageTwo"_s));
-    }
-
-    void survivesMalformedAnswers_data()
-    {
-        QTest::addColumn<QVariantMap>("answer");
-        QTest::addColumn<int>("rows");
-        const QVariantList strangers {QVariant(), 5, "job"_s, QVariantList()};
-        QTest::newRow("nothing") << QVariantMap() << 0;
-        QTest::newRow("data text") << QVariantMap {{"data"_s, "list"_s}} << 0;
-        QTest::newRow("list number") << Answer(5) << 0;
-        QTest::newRow("jobs of other types") << Answer(strangers) << 4;
-        QTest::newRow("deep") << Answer(QVariantList {Nested(2000)}) << 1;
-        QTest::newRow("deep name") << Answer(QVariantList {JobWith("job_name"_s, Nested(2000))}) << 1;
-        QTest::newRow("long name") << Answer(
-            QVariantList {JobWith("job_name"_s, QString(1 << 20, QLatin1Char('<')))})
-                                   << 1;
-        constexpr int most = std::numeric_limits<int>::max();
-        for (const QVariant& number : {QVariant(), QVariant(-5), QVariant("many"_s), QVariant(1e300),
-                 QVariant(strangers), QVariant(most), QVariant(-most - 1)}) {
-            QTest::addRow("total %s", qPrintable(number.toString())) << Answer(MakeJobs(2), number) << 2;
-            for (const char* key : {"job_progress", "job_status", "job_id"})
-                QTest::addRow("%s %s", key, qPrintable(number.toString()))
-                    << Answer(QVariantList {JobWith(QLatin1String(key), number)}) << 1;
-        }
-    }
     void survivesMalformedAnswers()
     {
-        QFETCH(QVariantMap, answer);
-        QFETCH(int, rows);
         SignInWithJobs(MakeJobs(3), 40);
-        emit Communication().JobListResponse(500, answer);
-        QCOMPARE(Jobs()->rowCount(), 3);
-        emit Communication().JobListResponse(200, answer);
-        QCOMPARE(Jobs()->rowCount(), rows);
-        m_client->Button("btnNextPage"_s)->click();
-        m_client->Form()->grab();
-        Communication().DeliverJobs(MakeJobs(3), 40);
-        QCOMPARE(Jobs()->item(2, 1)->text(), "name-3"_s);
-        QCOMPARE(Bar(Jobs(), 0)->value(), 10);
+        const QVariantList strangers {QVariant(), 5, "job"_s, QVariantList()};
+        for (const QVariant& nothing : {QVariant(), QVariant("list"_s), QVariant(List(5))})
+            CheckAnswer(nothing, 0);
+        CheckAnswer(List(strangers), 4);
+        CheckAnswer(List(QVariantList {Nested(2000)}), 1);
+        constexpr int most = std::numeric_limits<int>::max();
+        for (const QVariant& value : {QVariant(), QVariant(-5), QVariant("many"_s), QVariant(1e300),
+                 QVariant(strangers), QVariant(most), QVariant(-most - 1), Nested(2000),
+                 QVariant(QString(1 << 20, QLatin1Char('<')))}) {
+            CheckAnswer(List(MakeJobs(2), value), 2);
+            for (const char* key : {"job_progress", "job_status", "job_id", "job_name"}) {
+                QVariantMap job = MakeJob(1);
+                job.insert(QLatin1String(key), value);
+                CheckAnswer(List(QVariantList {job}), 1);
+            }
+        }
     }
 
     void checksRowsByPressing()
@@ -225,6 +209,7 @@ private slots:
         Press(1, Qt::LeftButton);
         QCOMPARE(Checks(), "-x-"_s);
         QCOMPARE(MenuDuring([this] { Press(2, Qt::RightButton); }), "Download,Set parent"_s);
+        QCOMPARE(MenuOf(Jobs()), QString());
         MenuDuring([this] { Press(1, Qt::RightButton); });
         QCOMPARE(Checks(), "-xx"_s);
         Press(1, Qt::LeftButton);
@@ -239,8 +224,124 @@ private slots:
         QCOMPARE(Checks(), "---"_s);
     }
 
+    void sendsTheCheckedJobs_data() { AddRows(actions); }
+    void sendsTheCheckedJobs()
+    {
+        const Action& action = Row(actions);
+        SignInWithJobs(MakeJobs(12), 12);
+        auto* all = m_client->Find<QCheckBox>("chkAll"_s);
+        all->setChecked(true);
+        Jobs()->item(1, 0)->setCheckState(Qt::Unchecked);
+        const bool isAsked = action.button == "btnDelete"_s;
+        for (const QString& answer :
+            {MessageBoxStandIn::Refusal(), QString(), MessageBoxStandIn::Consent()}) {
+            QVERIFY(!isAsked || TakeJournal().mid(1).isEmpty());
+            QVERIFY(all->isChecked());
+            MessageBox().answer = answer;
+            m_client->Button(action.button)->click();
+        }
+        QCOMPARE(MessageBox().messages.value(2), isAsked ? question : QString());
+        QVariantHash request {{"username"_s, "ann"_s}, {"token"_s, "token-ann"_s}, {"id[0]"_s, "id-1"_s}};
+        for (int i = 1; i < 11; ++i)
+            request.insert("id[%1]"_s.arg(i), "id-%1"_s.arg(i + 2));
+        QCOMPARE(Communication().Last().operation, QString::fromLatin1(action.name));
+        QCOMPARE(Communication().Last().map, request);
+        QCOMPARE(Communication().Last().status, QVariant(CommunicationStandIn::handedOut));
+        QCOMPARE(all->isChecked(), !isAsked);
+    }
+
+    void judgesTheAnswers_data() { AddRows(actions); }
+    void judgesTheAnswers()
+    {
+        const Action& action = Row(actions);
+        SignInWithJobs(MakeJobs(18), 40);
+        m_client->Button("btnPageTwo"_s)->click();
+        const auto Judgement = [this, &action](int result, const QVariantList& refused) {
+            const QVariantMap data {{"data"_s, QVariantMap {{"notAllowedJobs"_s, refused}}}};
+            MessageBox().messages.clear();
+            TakeJournal();
+            QMetaObject::invokeMethod(
+                &Communication(), action.answer, Q_ARG(int, result), Q_ARG(QVariantMap, data));
+            const QString page = Communication().Last().map.value("page"_s).toString();
+            return TakeJournal() == QStringList {"GetJobList"_s} ? page : MessageBox().messages.join("\n"_s);
+        };
+        const QString notice = "2|QuillStar Client||%1|Ok,|1"_s;
+        const QString overdue = notice.arg("Amount Overdue!"_s);
+        QCOMPARE(Judgement(200, {}), "2"_s);
+        QCOMPARE(Judgement(500, {}), notice.arg(action.failure));
+        QCOMPARE(Judgement(200, {"id-1"_s}), action.canBeRefused ? overdue : "2"_s);
+        QCOMPARE(Judgement(500, {"id-1"_s}), action.canBeRefused ? overdue : notice.arg(action.failure));
+    }
+
+    void downloadsByHand_data() { AddRows(choices); }
+    void downloadsByHand()
+    {
+        const Choice& choice = Row(choices);
+        SignInWithJobs(MakeJobs(3), 3);
+        Jobs()->setCurrentCell(choice.current, choice.current < 0 ? -1 : 0);
+        for (const int row : choice.checked)
+            Jobs()->item(row, 0)->setCheckState(Qt::Checked);
+        m_client->Entry("Download")->trigger();
+        QCOMPARE(RenderCore().orders.value(0).keys(), choice.ordered);
+        QCOMPARE(MessageBox().messages.size(), choice.ordered.isEmpty() ? 0 : 1);
+        if (choice.ordered.isEmpty())
+            return;
+        const QString number = choice.ordered.first().mid(3);
+        QCOMPARE(RenderCore().orders.first().first().toMap(),
+            (QVariantMap {{"jobType"_s, "type-%1"_s.arg(number)}, {"subDir"_s, "%1_name-%1"_s.arg(number)},
+                {"manual"_s, 1}}));
+        QVERIFY(MessageBox().messages.first().contains(
+            "|The checked items are already added to download list|"_s));
+        for (int row = 0; row < 3; ++row)
+            QCOMPARE(Jobs()->item(row, 0)->checkState(), Qt::Unchecked);
+    }
+
+    void survivesTheEndOfItsWindowBehindAQuestion_data()
+    {
+        QTest::addColumn<QByteArray>("slot");
+        QTest::addColumn<bool>("stops");
+        for (const char* slot :
+            {"Close", "DeleteJobs", "ManualDownload", "UploadRetryOption", "LackTextureOption"}) {
+            QTest::addRow("%s hidden", slot) << QByteArray(slot) << false;
+            QTest::addRow("%s stopped", slot) << QByteArray(slot) << true;
+        }
+    }
+    void survivesTheEndOfItsWindowBehindAQuestion()
+    {
+        QFETCH(QByteArray, slot);
+        QFETCH(bool, stops);
+        SignInWithJobs(MakeJobs(3), 3);
+        Jobs()->setCurrentCell(0, 0);
+        emit RenderCore().failFile("a"_s, {});
+        emit RenderCore().lackedTexture("a"_s, {});
+        MessageBox().answer = MessageBoxStandIn::Consent();
+        MessageBox().whileOpen = [this, stops] {
+            if (stops)
+                m_client->Stop();
+            else
+                m_client->Service()->Hide(1);
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        };
+        QVERIFY(m_client->Call(slot));
+        QVERIFY(!m_client->Window());
+        QCOMPARE(TakeJournal(), QStringList {"ShowMessage"_s});
+    }
+
 private:
-    QTableWidget* Jobs() const { return m_client->Table("twtMyRender"_s); }
+    /// Delivers an answer, works with what it shows, and checks that a sound one shows as ever.
+    void CheckAnswer(const QVariant& data, int rows) const
+    {
+        const int before = Jobs()->rowCount();
+        emit Communication().JobListResponse(500, {{"data"_s, data}});
+        QCOMPARE(Jobs()->rowCount(), before);
+        emit Communication().JobListResponse(200, {{"data"_s, data}});
+        QCOMPARE(Jobs()->rowCount(), rows);
+        m_client->Button("btnNextPage"_s)->click();
+        m_client->Form()->grab();
+        Communication().DeliverJobs(MakeJobs(3), 40);
+        QCOMPARE(Jobs()->item(2, 1)->text(), "name-3"_s);
+        QCOMPARE(Bar(Jobs(), 0)->value(), 10);
+    }
 
     /// Presses and releases on the check box of a row, as the window system would report it.
     void Press(int row, Qt::MouseButton button) const

@@ -1,6 +1,9 @@
 #include "client_test.h"
 
+#include <QAction>
 #include <QCheckBox>
+#include <QLineEdit>
+#include <QListWidget>
 
 namespace {
 
@@ -44,7 +47,7 @@ const Toolbar toolbars[] = {
 
 } // namespace
 
-/// Requests of job pages, the page bar under the tables, and what changes with the tab.
+/// Requests of job pages and what narrows them, the page bar under the tables, what changes with the tab, the dialogs.
 class TestPluginPaging : public ClientTest
 {
     Q_OBJECT
@@ -99,50 +102,41 @@ private slots:
         m_client->Button("btnPageFour"_s)->click();
         Communication().DeliverJobs(MakeJobs(18), 100);
         emit RenderCore().SubmitListChanged();
+        Communication().DeliverJobs(MakeJobs(17), 100);
+        QCOMPARE(Jobs()->rowCount(), 17);
         QCOMPARE(PageBar(), "1* 2 3"_s);
         m_client->Button("btnPageThree"_s)->click();
-        QCOMPARE(m_client->Table("twtLocalTask"_s)->rowCount(), 4);
+        QCOMPARE(Tasks()->rowCount(), 4);
         QCOMPARE(PageBar(), "1 2 3*"_s);
         m_client->Tabs()->setCurrentIndex(2);
         emit RenderCore().DownloadListChanged();
         m_client->Button("btnNextPage"_s)->click();
-        QCOMPARE(m_client->Table("twtDownload"_s)->item(0, 0)->data(Qt::UserRole).toString(), "d18"_s);
+        QCOMPARE(Downloads()->item(0, 0)->data(Qt::UserRole).toString(), "d18"_s);
         QCOMPARE(PageBar(), "1 2* 3"_s);
         m_client->Tabs()->setCurrentIndex(0);
         QCOMPARE(PageBar(), "1 2 3 4* 5 >"_s);
         QCOMPARE(Page(), QVariant(4));
     }
 
-    void requestsPagesWithAndWithoutConditions()
-    {
-        m_client->SignIn();
-        QVERIFY(m_client->Call("GetJobList", 3, "{}"_s, 1));
-        QCOMPARE(Communication().Last().map,
-            (QVariantHash {{"page"_s, 3}, {"pageSize"_s, 1000}, {"identifier"_s, 1}, {"conditions"_s, "{}"_s},
-                {"username"_s, "ann"_s}, {"token"_s, "token-ann"_s}}));
-        QVERIFY(m_client->Call("GetJobList", 2));
-        QCOMPARE(Communication().Last().map.value("pageSize"_s), QVariant(18));
-        QVERIFY(!Communication().Last().map.contains("conditions"_s));
-    }
-
     void searchesFromTheFirstPage()
     {
         SignInWithJobs(MakeJobs(18), 200);
         m_client->Button("btnNextGroup"_s)->click();
-        Search({{"job_name"_s, "sh\"ot"_s}});
-        QCOMPARE(Page(), QVariant(1));
-        const QVariant text = Communication().Last().map.value("conditions"_s);
-        QCOMPARE(QJsonDocument::fromJson(text.toString().toUtf8()).object(),
-            (QJsonObject {{"job_name"_s, "sh\"ot"_s}}));
-        Communication().DeliverJobs(MakeJobs(18), 200);
-        QCOMPARE(PageBar(), "1* 2 3 4 5 >"_s);
-        QVERIFY(m_client->Call("RefreshJobList"));
-        QCOMPARE(Communication().Last().map.value("conditions"_s), text);
-        Search({});
-        QVERIFY(!Communication().Last().map.contains("conditions"_s));
+        const QWidget* form = m_client->uiLoader.Form("com.vtr.search"_s);
+        for (const QString& name : {"sh\"ot"_s, QString()}) {
+            form->findChild<QLineEdit*>("lneJobName"_s)->setText(name);
+            form->findChild<QPushButton*>("btnSearchJob"_s)->click();
+            const QString conditions = name.isEmpty() ? QString() : "{\"job_name\":\"sh\\\"ot\"}"_s;
+            QCOMPARE(Page(), QVariant(1));
+            QCOMPARE(Conditions(), conditions);
+            Communication().DeliverJobs(MakeJobs(18), 200);
+            QCOMPARE(PageBar(), "1* 2 3 4 5 >"_s);
+            QVERIFY(m_client->Call("RefreshJobList"));
+            QCOMPARE(Conditions(), conditions);
+        }
     }
 
-    void filtersByGroupWithoutLosingThePage()
+    void filtersByStatusWithoutLosingThePage()
     {
         SignInWithJobs(MakeJobs(18), 200);
         m_client->Button("btnPageTwo"_s)->click();
@@ -150,11 +144,12 @@ private slots:
         TakeJournal();
         QVERIFY(m_client->Call("RefreshJobList"));
         QCOMPARE(TakeJournal(), QStringList());
-        QVERIFY(m_client->Call("Condition", "filter"_s));
+        auto* list = m_client->Form()->findChildren<QListWidget*>().at(0);
+        emit list->itemClicked(list->item(0));
         QCOMPARE(m_client->Tabs()->currentIndex(), 0);
         QVERIFY(m_client->RunningTimers(1000).isEmpty());
         QCOMPARE(Page(), QVariant(1));
-        QCOMPARE(Communication().Last().map.value("conditions"_s), QVariant("filter"_s));
+        QCOMPARE(Conditions(), "{\"status\":1}"_s);
         QVERIFY(m_client->Call("RefreshJobList"));
         QCOMPARE(Page(), QVariant(2));
     }
@@ -190,7 +185,48 @@ private slots:
         QCOMPARE(deleteButton->x(), left);
     }
 
+    void letsAJobWaitForAnother()
+    {
+        SignInWithJobs(MakeJobs(2), 2);
+        Jobs()->item(0, 0)->setCheckState(Qt::Checked);
+        QWidget* form = m_client->uiLoader.Form("com.vtr.setparent"_s);
+        QTimer::singleShot(0, form, [this, form] {
+            Communication().DeliverJobs({MakeJob(8)}, 1, Communication().Last().map.value("identifier"_s));
+            form->findChild<QTableWidget*>()->item(0, 0)->setCheckState(Qt::Checked);
+            form->findChild<QPushButton*>("btnOkSetParent"_s)->click();
+        });
+        m_client->Entry("Set parent")->trigger();
+        QCOMPARE(TakeJournal(), (QStringList {"GetJobList"_s, "StopJobs"_s}));
+        const QVariantHash list = (Communication().requests.end() - 2)->map;
+        QCOMPARE(list,
+            (QVariantHash {{"username"_s, "ann"_s}, {"token"_s, "token-ann"_s}, {"page"_s, 1},
+                {"pageSize"_s, 1000}, {"identifier"_s, 1}}));
+        const QVariantHash son {{"username"_s, "ann"_s}, {"token"_s, "token-ann"_s}, {"id[0]"_s, "id-1"_s}};
+        QCOMPARE(Communication().Last().map, son);
+        QTRY_COMPARE(Communication().Last().operation, "GetJobInfo"_s);
+        QCOMPARE(Communication().Last().map.value("jobId"_s), QVariant("id-8"_s));
+        const QVariantMap finished {{"jobDatas"_s, QVariantMap {{"jobStatus"_s, 4}}}};
+        emit Communication().JobInfoResponse(
+            200, {{"jobId"_s, "id-8"_s}, {"identifier"_s, 1}, {"data"_s, finished}});
+        QCOMPARE(Communication().Last().operation, "RecoverJobs"_s);
+        QCOMPARE(Communication().Last().map, son);
+    }
+
+    void editsATasksArguments()
+    {
+        const QVariantMap range {{"startFrame_0"_s, 1}, {"endFrame_0"_s, 9}};
+        RenderCore().tasks.insert("t1"_s, {"a.ma"_s, {}, {}, {}, 3, 0, 0, {range}});
+        emit RenderCore().SubmitListChanged();
+        QVERIFY(m_client->Tick(1000));
+        Tasks()->setCurrentCell(0, 0);
+        const QWidget* form = m_client->uiLoader.Form("com.vtr.setargument"_s);
+        QTimer::singleShot(0, form->findChild<QPushButton*>("btnOk"_s), &QPushButton::click);
+        m_client->Entry("Set argument")->trigger();
+        QCOMPARE(TakeJournal(), QStringList {"SetArgument t1"_s});
+    }
+
 private:
+    QString Conditions() const { return Communication().Last().map.value("conditions"_s).toString(); }
     QVariant Page() const { return Communication().Last().map.value("page"_s); }
 
     /// Visible page buttons from left to right: "<", numbers, ">"; a star marks the one with the focus.
@@ -206,11 +242,6 @@ private:
             bar.prepend(m_client->Form()->focusWidget() == button ? QString(text + "*"_s) : text);
         }
         return bar.join(" "_s);
-    }
-
-    void Search(QVariantMap conditions) const
-    {
-        QMetaObject::invokeMethod(m_client->Window(), "SearchJob", Q_ARG(QVariantMap&, conditions));
     }
 };
 

@@ -1,6 +1,7 @@
 #include "client_test.h"
+#include "every_slot.h"
+#include "form_roster.h"
 #include "message_capture.h"
-#include "vtr_parameters.h"
 
 #include <ctkPluginActivator.h>
 #include <ctkPluginContext.h>
@@ -14,57 +15,60 @@ namespace {
 struct Sibling
 {
     const char* name; ///< of the interface
-    const char* report;
+    const char* module;
+    int line; ///< that its absence is reported with
 };
-const Sibling siblings[] = {
-    {"VTSettingsInterface",
-        "critical|[com.vtr.qsclient] Module com.vtr.settings is invalid|vtr_qsclient|199"},
-    {"VTLoggerInterface", "critical|[com.vtr.qsclient] Module com.vtr.logger is invalid|vtr_qsclient|218"},
-    {"VTUiLoaderInterface", "debug|Module com.vtr.uiloader is invalid|vtr_qsclient|230"},
-    {"VTMessagboxInterface",
-        "critical|[com.vtr.qsclient] Module com.vtr.messagebox is invalid|vtr_qsclient|243"},
-    {"VTCommunicationInterface",
-        "critical|[com.vtr.qsclient] Module com.vtr.communication is invalid|vtr_qsclient|257"},
-    {"VTRenderCoreInterface",
-        "critical|[com.vtr.qsclient] Module com.vtr.rendercore is invalid|vtr_qsclient|274"},
-    {"VTConfigurationInterface",
-        "critical|[com.vtr.qsclient] Module com.vtr.configuration is invalid|vtr_qsclient|290"},
-    {"VTPreviewerInterface",
-        "critical|[com.vtr.qsclient] Module com.vtr.previewer is invalid|vtr_qsclient|304"},
-};
+const Sibling siblings[] = {{"VTSettingsInterface", "settings", 199}, {"VTLoggerInterface", "logger", 218},
+    {"VTUiLoaderInterface", "uiloader", 230}, {"VTMessagboxInterface", "messagebox", 243},
+    {"VTCommunicationInterface", "communication", 257}, {"VTRenderCoreInterface", "rendercore", 274},
+    {"VTConfigurationInterface", "configuration", 290}, {"VTPreviewerInterface", "previewer", 304}};
 
-/// Calls every slot of the window with values as they come out of their constructors.
-void CallEverySlot(QWidget* window)
+const char* const declaredMethods[] = {"JobIdType(QVariantMap)", "showParenList(QVariantList)",
+    "login(QString,QString,QString,QString)", "windowSizeChanged()", "ChangeSkin(QString)",
+    "ChangeLanguage(QString)", "Close()", "ShowWindow(QString)", "LoadGlobalSettings()",
+    "ShowWindowMaximized()", "ShowWindowNormal()", "TriggerSignInResponse(int,QVariantMap)",
+    "TriggerSignOutResponse(int,QVariantMap)", "TriggerJobListResponse(int,QVariantMap)",
+    "TriggerDeleteJobResponse(int,QVariantMap)", "TriggerUserInfoResponse(int,QVariantMap)",
+    "TriggerRecoverJobsResponse(int,QVariantMap)", "TriggerStopJobsResponse(int,QVariantMap)",
+    "TriggerRestartJobsResponse(int,QVariantMap)", "TriggerFullRenderResponse(int,QVariantMap)",
+    "GetUserInfo()", "PageButtonClicked()", "ClickedCell(int,int)", "JobListContextMenu(QPoint)",
+    "DownloadListContextMenu(QPoint)", "DeleteJobs()", "StopJobs()", "RecoverJobs()", "RestartJobs()",
+    "FullRender()", "StopJobs(VTParameters)", "RecoverJobs(VTParameters)", "GetJobInfo(VTParameters)",
+    "TriggerSubmitListChanged()", "TriggerDownloadListChanged()", "ChangeTab(int)",
+    "TriggerTreeViewClicked(QModelIndex)", "SignOut()", "TriggerChangeLanguage()",
+    "TriggerActivated(QSystemTrayIcon::ActivationReason)", "ShowDownloadTasks()", "ShowSubmitList()",
+    "TriggerStateChanged(int)", "UpdateSettings()", "ManualDownload()", "eventFilter(QObject*,QEvent*)",
+    "AdjustPageButtons()", "RefreshJobList()", "PopupFinish(QString)", "OpenFilePosition()",
+    "TriggerFailFile(QString,QStringList)", "TriggerLackedTexture(QString,QStringList)",
+    "SubmitListContextMenu(QPoint)", "UploadRetryOption()", "LackTextureOption()", "TriggerSubmit()",
+    "Redownload()", "SetItemAttribute(QTableWidgetItem*,QVariant,QString,bool)",
+    "SetItemAttribute(QTableWidgetItem*,QVariant,QString)", "GetANewProgressBar(int)",
+    "SearchJob(QVariantMap&)", "CellDoubleClicked(int,int)", "GetJobList(int,QString,int)",
+    "GetJobList(int,QString)", "GetJobList(int)", "Condition(QString)"};
+
+struct Button
 {
-    RegisterVTParameters();
-    const QMetaObject* type = window->metaObject();
-    QVariantMap conditions;
-    quint64 null = 0; // what types without a name at run time, pointers and enumerations, are made of
-    for (int i = type->methodOffset(); i < type->methodCount(); ++i) {
-        const QMetaMethod method = type->method(i);
-        if (method.methodType() != QMetaMethod::Slot || method.returnType() != QMetaType::Void)
-            continue;
-        QVector<QVariant> values(method.parameterCount());
-        void* arguments[8] = {};
-        for (int k = 0; k < method.parameterCount(); ++k) {
-            values[k] = QVariant(method.parameterType(k), nullptr);
-            const bool isReference = method.parameterTypes().at(k).endsWith('&');
-            void* const unnamed = isReference ? static_cast<void*>(&conditions) : &null;
-            const bool isUnnamed = method.parameterType(k) == QMetaType::UnknownType;
-            arguments[k + 1] = isUnnamed ? unnamed : values[k].data();
-        }
-        QMetaObject::metacall(window, QMetaObject::InvokeMetaMethod, i, arguments);
-    }
-}
+    const char* name;
+    const char* effect;
+};
+const Button buttons[] = {{"btnSystemClose", "ShowMessage"}, {"btnSettings", "ShowConf"},
+    {"btnFullRender", "FullRender"}, {"btnDelete", "ShowMessage"}, {"btnRecover", "RecoverJobs"},
+    {"btnPause", "StopJobs"}, {"btnRestart", "RestartJobs"}, {"btnLang", "SetLanguage /lang/vtr_de.qm"},
+    {"btnStop", ""}, {"btnSubmit", ""}, {"btnRecharge", ""}, {"btnMessage", ""}, {"btnSkin", ""}};
+
+const QString formKeys
+    = "com.vtr.qsclient com.vtr.setargument com.vtr.setparent com.vtr.search com.vtr.inputdialog"_s;
 
 } // namespace
 
-/// The plugin file and its service object: metadata, start and stop, status codes, attachment of the siblings.
-class TestPluginService : public QObject
+/// The plugin file and its service object: metadata, life cycle and status codes, and what siblings and form rely on.
+class TestPluginService : public ClientTest
 {
     Q_OBJECT
 
 private slots:
+    void init() { m_client = std::make_unique<Client>(); }
+
     void carriesItsMetadataAndManifest()
     {
         QPluginLoader loader(QStringLiteral(PLUGIN_FILE));
@@ -72,13 +76,13 @@ private slots:
         QCOMPARE(loader.metaData().value("className"_s).toString(), "VTQsClientPlugin"_s);
         QCOMPARE(loader.metaData().value("MetaData"_s).toObject(), QJsonObject());
         QVERIFY(loader.load());
+        const QRegularExpression expected(
+            "^Plugin-SymbolicName: com\\.vtr\\.qsclient\r\nPlugin-Version: 1\\.0\\.0\r\n"
+            "Plugin-Name: com\\.vtr\\.qsclient\r\nPlugin-Copyright: [^\r\n]+\r\nPlugin-Vendor: [^\r\n]+\r\n\\z"_s);
         for (const char* folder : {"com.vtr.qsclient", "com.vtr.qsclient_1.0.0"}) {
             QFile file(":/%1/META-INF/MANIFEST.MF"_s.arg(QLatin1String(folder)));
             QVERIFY(file.open(QIODevice::ReadOnly));
             const QString text = QString::fromLatin1(file.readAll());
-            const QRegularExpression expected(
-                "^Plugin-SymbolicName: com\\.vtr\\.qsclient\r\nPlugin-Version: 1\\.0\\.0\r\n"
-                "Plugin-Name: com\\.vtr\\.qsclient\r\nPlugin-Copyright: [^\r\n]+\r\nPlugin-Vendor: [^\r\n]+\r\n\\z"_s);
             QVERIFY2(expected.match(text).hasMatch(), qPrintable(text));
         }
         auto* activator = qobject_cast<ctkPluginActivator*>(loader.instance());
@@ -88,177 +92,252 @@ private slots:
 
     void stopsWithoutATraceAndStartsAgain()
     {
-        Client client;
         const int widgets = QApplication::allWidgets().size();
         for (int round = 1; round <= 3; ++round) {
-            client.Start();
-            QVERIFY(client.Window());
-            QCOMPARE(client.settings.calls.count("Initialize"_s), round - 1);
-            QVERIFY(client.Open());
-            client.SignIn();
-            client.Stop();
-            QVERIFY(!client.Service());
+            m_client->Start();
+            QVERIFY(m_client->Window());
+            QCOMPARE(m_client->settings.calls.count("Initialize"_s), round - 1);
+            QVERIFY(m_client->Open());
+            m_client->SignIn();
+            m_client->Stop();
+            QVERIFY(!m_client->Service());
             QCOMPARE(QApplication::allWidgets().size(), widgets);
-            QCOMPARE(client.communication.receivers(SIGNAL(JobListResponse(int, QVariantMap))), 0);
-            QCOMPARE(client.uiLoader.trayMenu.actions().size(), 2);
-            QCOMPARE(client.settings.calls.count("Uninitialize"_s), round);
+            QCOMPARE(Communication().receivers(SIGNAL(JobListResponse(int, QVariantMap))), 0);
+            QCOMPARE(m_client->uiLoader.trayMenu.actions().size(), 2);
+            QCOMPARE(m_client->settings.calls.count("Uninitialize"_s), round);
         }
     }
 
     void answersWithItsStatusCodes()
     {
-        Client client;
-        client.Start();
-        VTBaseInterface& service = *client.Service();
+        m_client->Start();
+        VTBaseInterface& service = *m_client->Service();
         QVariant state;
         QCOMPARE(service.Show(state, {}), -3);
         QVERIFY(!state.isValid());
-        QCOMPARE(service.Hide(1), -3);
-        QCOMPARE(service.Activate(1, {}), -3);
-        QCOMPARE(service.Close(1), -3);
+        QCOMPARE(Codes(1), "-3 -3 -3"_s);
         QCOMPARE(service.Initialize({}), -1);
         QCOMPARE(service.Uninitialize(), 0);
-
-        QCOMPARE(client.Initialize(), 0);
-        QCOMPARE(client.Initialize(), 0);
-        QCOMPARE(client.settings.calls, (QStringList {"Initialize"_s, "Show"_s}));
-        for (const QVariant& request : {QVariant(), QVariant(0), QVariant(2), QVariant("x"_s)}) {
-            QCOMPARE(service.Hide(request), -4);
-            QCOMPARE(service.Activate(request, {}), -4);
-            QCOMPARE(service.Close(request), -4);
-        }
-        QVERIFY(client.Window());
-        QVERIFY(!client.Form()->isVisible());
+        QCOMPARE(m_client->Initialize(), 0);
+        QCOMPARE(m_client->Initialize(), 0);
+        QCOMPARE(m_client->settings.calls, (QStringList {"Initialize"_s, "Show"_s}));
+        for (const QVariant& request : {QVariant(), QVariant(0), QVariant(2), QVariant("x"_s)})
+            QCOMPARE(Codes(request), "-4 -4 -4"_s);
+        QVERIFY(!m_client->Form()->isVisible());
     }
 
     void showsOnceAndClosesIntoTheTray()
     {
-        Client client;
-        QVERIFY(client.Open());
-        QCOMPARE(client.uiLoader.loadedKeys.join(" "_s),
-            "com.vtr.qsclient com.vtr.setargument com.vtr.setparent com.vtr.search com.vtr.inputdialog"_s);
+        m_client->application.failure = Failure::Show;
+        QVERIFY(m_client->Open());
+        QCOMPARE(m_client->uiLoader.loadedKeys.join(" "_s), formKeys);
         QVERIFY(!QGuiApplication::quitOnLastWindowClosed());
-        client.Form()->hide();
+        m_client->Form()->hide();
         QVariant state;
-        QCOMPARE(client.Service()->Show(state, {}), 0);
+        QCOMPARE(m_client->Service()->Show(state, {}), 0);
         QCOMPARE(state, QVariant(1));
-        QVERIFY(!client.Form()->isVisible());
-        QCOMPARE(client.Service()->Close(1), 0);
-        QVERIFY(client.Window());
+        QVERIFY(!m_client->Form()->isVisible());
+
+        // The other applications go along.
+        const auto* icon = m_client->Window()->findChild<QSystemTrayIcon*>();
+        QVERIFY(!icon->isVisible());
+        QCOMPARE(m_client->Service()->Activate(1, {}), 0);
+        QCOMPARE(m_client->application.calls, (QStringList {"Initialize"_s, "Show"_s, "Activate 1"_s}));
+        QVERIFY(icon->isVisible());
+        QCOMPARE(m_client->Service()->Close(1), 0);
+        QVERIFY(m_client->Window());
     }
 
     void hidesForGoodAndIsHarmlessAfterwards()
     {
-        Client client;
-        client.Start();
-        CallEverySlot(client.Window());
-        QVERIFY(client.Open());
-        client.SignIn();
-        const QPointer<QWidget> form = client.Form();
-        QCOMPARE(client.Service()->Hide("1"_s), 0);
-        QVERIFY(!client.Window());
+        m_client->Start();
+        CallEverySlot(m_client->Window());
+        QVERIFY(m_client->Open());
+        m_client->SignIn();
+        const QPointer<QWidget> form = m_client->Form();
+        QCOMPARE(m_client->Service()->Hide("1"_s), 0);
+        QVERIFY(!m_client->Window());
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!form);
 
         QVariant state;
-        QCOMPARE(client.Service()->Show(state, {}), 0);
+        QCOMPARE(m_client->Service()->Show(state, {}), 0);
         QCOMPARE(state, QVariant(1));
-        QCOMPARE(client.uiLoader.loadedKeys.size(), 5);
-        client.journal.Take();
-        CallEverySlot(client.Window());
-        client.communication.DeliverJobs(MakeJobs(3), 3);
-        QCOMPARE(client.Service()->Activate(1, {}), 0);
-        QCOMPARE(client.Service()->Close(1), 0);
-        QCOMPARE(client.journal.Take(), QStringList());
+        QCOMPARE(m_client->uiLoader.loadedKeys.size(), 5);
+        TakeJournal();
+        CallEverySlot(m_client->Window());
+        Communication().DeliverJobs(MakeJobs(3), 3);
+        QCOMPARE(Codes(1), "0 0 0"_s);
+        QCOMPARE(TakeJournal(), QStringList());
     }
 
     void survivesTheEndOfItsForms()
     {
-        const QStringList keys
-            = "com.vtr.qsclient com.vtr.setargument com.vtr.setparent com.vtr.search com.vtr.inputdialog"_s
-                  .split(" "_s);
-        for (const QString& key : keys) {
-            Client client;
-            QVERIFY(client.Open());
-            client.SignIn();
-            delete client.uiLoader.Form(key);
-            emit client.uiLoader.SkinChanged("teal"_s);
-            emit client.uiLoader.LanguageChanged("vtr_de.qm"_s);
-            client.communication.DeliverJobs(MakeJobs(3), 3, 1);
-            emit client.communication.SignOutResponse(200, {});
-            if (!client.Form())
-                CallEverySlot(client.Window());
-            QCOMPARE(client.Service()->Uninitialize(), 0);
+        for (const QString& key : formKeys.split(" "_s)) {
+            init();
+            QVERIFY(m_client->Open());
+            m_client->SignIn();
+            delete m_client->uiLoader.Form(key);
+            emit m_client->uiLoader.SkinChanged("teal"_s);
+            emit m_client->uiLoader.LanguageChanged("vtr_de.qm"_s);
+            Communication().DeliverJobs(MakeJobs(3), 3, 1);
+            emit Communication().SignOutResponse(200, {});
+            if (!m_client->Form())
+                CallEverySlot(m_client->Window());
+            QCOMPARE(m_client->Service()->Uninitialize(), 0);
         }
-    }
-
-    void comesBackAfterUninitialize()
-    {
-        Client client;
-        QVERIFY(client.Open());
-        QCOMPARE(client.Service()->Uninitialize(), 0);
-        QCOMPARE(client.settings.calls.mid(2), (QStringList {"Hide 7"_s, "Uninitialize"_s}));
-        QCOMPARE(client.logger.calls, (QStringList {"Initialize"_s, "Uninitialize"_s}));
-        QCOMPARE(client.communication.calls, (QStringList {"Initialize"_s, "Show"_s}));
-        QVERIFY(!client.Window());
-        QVERIFY(client.Open());
-        client.SignIn();
-        client.communication.DeliverJobs({MakeJob(1)}, 1);
-        QCOMPARE(client.Table("twtMyRender"_s)->rowCount(), 1);
     }
 
     void reportsASiblingThatIsMissingOrFails_data() { AddRows(siblings); }
     void reportsASiblingThatIsMissingOrFails()
     {
-        const QString interface = QString::fromLatin1(Row(siblings).name);
-        const QStringList report {QString::fromLatin1(Row(siblings).report)};
-        Client client;
-        client.leftOut = QStringList {interface, "VTBaseAppInterface"_s};
-        client.Start();
+        const Sibling& sibling = Row(siblings);
+        const QString interface = QLatin1String(sibling.name);
+        const QString level
+            = interface == "VTUiLoaderInterface"_s ? "debug|"_s : "critical|[com.vtr.qsclient] "_s;
+        const QStringList report {QString(level
+            + "Module com.vtr.%1 is invalid|vtr_qsclient|%2"_s.arg(QLatin1String(sibling.module))
+                  .arg(sibling.line))};
+        m_client->leftOut = QStringList {interface, "VTBaseAppInterface"_s};
+        m_client->Start();
         const MessageCapture capture;
-        QCOMPARE(client.Initialize(), -1);
+        QCOMPARE(m_client->Initialize(), -1);
         QCOMPARE(MessageCapture::Take(), report);
-        QVERIFY(client.uiLoader.loadedKeys.isEmpty());
+        QVERIFY(m_client->uiLoader.loadedKeys.isEmpty());
 
-        client.Register(interface);
-        Failure* const failures[] = {&client.settings.failure, &client.logger.failure,
-            &client.uiLoader.failure, &client.messageBox.failure, &client.communication.failure,
-            &client.renderCore.failure, &client.configuration.failure, &client.previewer.failure};
-        Failure& failure = *failures[&Row(siblings) - siblings];
+        m_client->Register(interface);
+        Failure* const failures[] = {&m_client->settings.failure, &m_client->logger.failure,
+            &m_client->uiLoader.failure, &MessageBox().failure, &Communication().failure,
+            &RenderCore().failure, &m_client->configuration.failure, &m_client->previewer.failure};
+        Failure& failure = *failures[&sibling - siblings];
         failure = Failure::Initialize;
-        QCOMPARE(client.Initialize(), -1);
+        QCOMPARE(m_client->Initialize(), -1);
         QCOMPARE(MessageCapture::Take(), report);
         failure = Failure::None;
-        QCOMPARE(client.Initialize(), 0);
+        QCOMPARE(m_client->Initialize(), 0);
         QCOMPARE(MessageCapture::Take(), QStringList());
     }
 
-    void survivesAnExceptionAndAFailingShow()
+    void declaresItsMethodsInOrder()
     {
-        Client client;
-        client.Start();
-        const MessageCapture capture;
-        for (const Failure failure : {Failure::Exception, Failure::Show}) {
-            client.communication.failure = failure;
-            QCOMPARE(client.Initialize(), -1);
-            QVERIFY(client.renderCore.calls.isEmpty());
-        }
-        client.communication.failure = Failure::None;
-        QVERIFY(client.Open());
+        m_client->Start();
+        const QMetaObject* type = m_client->Window()->metaObject();
+        int method = type->methodOffset();
+        for (const char* signature : declaredMethods)
+            QCOMPARE(type->method(method++).methodSignature(), QByteArray(signature));
     }
 
-    void takesTheOtherApplicationsAlong()
+    void listensToItsSiblingsOnceWhateverHappened()
     {
-        Client client;
-        client.application.failure = Failure::Show;
-        QVERIFY(client.Open());
-        QCOMPARE(client.application.calls, (QStringList {"Initialize"_s, "Show"_s}));
-        const auto* icon = client.Window()->findChild<QSystemTrayIcon*>();
-        QVERIFY(icon);
-        QVERIFY(!icon->isVisible());
-        QCOMPARE(client.Service()->Activate(1, {}), 0);
-        QCOMPARE(client.application.calls.last(), "Activate 1"_s);
-        QVERIFY(icon->isVisible());
+        m_client->leftOut = QStringList {"VTPreviewerInterface"_s};
+        m_client->Start();
+        const MessageCapture capture;
+        QCOMPARE(m_client->Initialize(), -1);
+        m_client->Register("VTPreviewerInterface"_s);
+        for (const Failure failure : {Failure::Exception, Failure::Show, Failure::None}) {
+            Communication().failure = failure;
+            QCOMPARE(m_client->Initialize(), failure == Failure::None ? 0 : -1);
+        }
+        for (int round = 0; round < 2; ++round) {
+            QVERIFY(m_client->Open());
+            CheckReceivers(Communication(), {});
+            CheckReceivers(RenderCore(), {{"DownloadFinish(QString)", 0}});
+            CheckReceivers(m_client->settings, {});
+            CheckReceivers(m_client->uiLoader, {{"ShowWindow(QString)", 2}});
+            SignInWithJobs(MakeJobs(1), 1);
+            QCOMPARE(Jobs()->rowCount(), 1);
+            for (QStringList* calls :
+                {&m_client->settings.calls, &m_client->logger.calls, &Communication().calls})
+                calls->clear();
+            QCOMPARE(m_client->Service()->Uninitialize(), 0);
+            QVERIFY(!m_client->Window());
+            QCOMPARE(m_client->settings.calls, (QStringList {"Hide 7"_s, "Uninitialize"_s}));
+            QCOMPARE(m_client->logger.calls, QStringList {"Uninitialize"_s});
+            QCOMPARE(Communication().calls, QStringList());
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+    }
+
+    void actsOnItsButtons_data() { AddRows(buttons); }
+    void actsOnItsButtons()
+    {
+        QVERIFY(m_client->Open());
+        m_client->Button(QLatin1String(Row(buttons).name))->click();
+        QCOMPARE(TakeJournal().join(","_s), QString::fromLatin1(Row(buttons).effect));
+    }
+
+    void leadsFromItsFormToOthers()
+    {
+        QVERIFY(m_client->Open());
+        QMimeData files;
+        QDragEnterEvent drag(QPoint(), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_client->Form(), &drag);
+        QVERIFY(RenderCore().seenEvents.contains(QEvent::DragEnter));
+        QVERIFY(m_client->Form()->acceptDrops() && m_client->Form()->hasMouseTracking());
+
+        const QWidget* search = m_client->uiLoader.Form("com.vtr.search"_s);
+        m_client->Button("btnSearch"_s)->click();
+        QVERIFY(search->isVisible());
+        m_client->Button("btnSystemMin"_s)->click();
+        QVERIFY(!m_client->Form()->isVisible());
+        emit Communication().SignOutResponse(500, {});
+        QVERIFY(!search->isVisible());
+    }
+
+    void logsMissingWidgetsAndFormsAndWorksOn()
+    {
+        const QPair<QStringList, QStringList> lacks[]
+            = {{MainFormNames(), {}}, {{"twtMyRender"_s}, {}}, {{}, formKeys.split(" "_s)}};
+        for (const auto& [widgets, forms] : lacks) {
+            init();
+            m_client->uiLoader.leftOut = widgets;
+            m_client->uiLoader.missingForms = forms;
+            m_client->Start();
+            const MessageCapture capture;
+            QCOMPARE(m_client->Initialize(), 0);
+            const QStringList lines = MessageCapture::Take();
+            for (const QString& name : widgets)
+                QCOMPARE(
+                    lines.filter(QRegularExpression("Form com.vtr.qsclient has no Q\\w+ %1\\|"_s.arg(name)))
+                        .size(),
+                    1);
+            for (const QString& key : forms)
+                QCOMPARE(lines.filter("Form %1 is missing"_s.arg(key)).size(), 1);
+            QVariant state;
+            QCOMPARE(m_client->Service()->Show(state, {}), 0);
+            SignInWithJobs(MakeJobs(3), 40);
+            emit RenderCore().SubmitListChanged();
+            emit RenderCore().DownloadListChanged();
+            for (const int tab : {0, 1, 2, 3, -1})
+                QVERIFY(m_client->Call("ChangeTab", tab));
+            for (const char* slot : {"AdjustPageButtons", "ShowWindowMaximized", "ShowWindowNormal",
+                     "DeleteJobs", "RecoverJobs", "ManualDownload", "TriggerSubmit", "Redownload", "SignOut"})
+                QVERIFY(m_client->Call(slot));
+            emit Communication().SignOutResponse(200, {});
+        }
+    }
+
+private:
+    /// What the service answers to the three operations that take a request.
+    QString Codes(const QVariant& request) const
+    {
+        VTBaseInterface& service = *m_client->Service();
+        return "%1 %2 %3"_s.arg(service.Activate(request, {}))
+            .arg(service.Close(request))
+            .arg(service.Hide(request));
+    }
+
+    /// Checks how often each signal of a sibling is listened to: once, but for the exceptions.
+    template <class Sibling>
+    static void CheckReceivers(const Sibling& sibling, const QMap<QByteArray, int>& exceptions)
+    {
+        const QMetaObject* type = sibling.metaObject()->superClass();
+        for (int i = type->methodOffset(); i < type->methodCount(); ++i) {
+            const QByteArray signature = type->method(i).methodSignature();
+            if (type->method(i).methodType() == QMetaMethod::Signal)
+                QVERIFY2(sibling.receivers(QByteArray("2" + signature)) == exceptions.value(signature, 1),
+                    signature);
+        }
     }
 };
 

@@ -72,7 +72,7 @@ public:
 
     Journal journal;
     SettingsStandIn settings {journal};
-    LoggerStandIn logger;
+    LoggerStandIn logger {journal};
     UiLoaderStandIn uiLoader {journal};
     MessageBoxStandIn messageBox {journal};
     CommunicationStandIn communication {journal};

@@ -5,26 +5,8 @@
 #include <QMenu>
 #include <QProgressBar>
 #include <QTimer>
-#include <QtTest>
 
 #include <memory>
-
-/// Data rows for a test function from a table of cases, each of which has a `name`.
-template <class Case, std::size_t Count>
-void AddRows(const Case (&cases)[Count])
-{
-    QTest::addColumn<int>("row");
-    for (std::size_t i = 0; i < Count; ++i)
-        QTest::newRow(cases[i].name) << int(i);
-}
-
-/// The case of the present row.
-template <class Case, std::size_t Count>
-const Case& Row(const Case (&cases)[Count])
-{
-    QFETCH(int, row);
-    return cases[row];
-}
 
 /// A test of the client that finds it open, with nobody signed in, before each of its functions.
 class ClientTest : public QObject
@@ -43,6 +25,9 @@ protected:
     CommunicationStandIn& Communication() const { return m_client->communication; }
     RenderCoreStandIn& RenderCore() const { return m_client->renderCore; }
     MessageBoxStandIn& MessageBox() const { return m_client->messageBox; }
+    QTableWidget* Jobs() const { return m_client->Table("twtMyRender"_s); }
+    QTableWidget* Tasks() const { return m_client->Table("twtLocalTask"_s); }
+    QTableWidget* Downloads() const { return m_client->Table("twtDownload"_s); }
     QStringList TakeJournal() const { return m_client->journal.Take(); }
 
     /// Signs in and shows one page of jobs; nothing of it stays in the journal.

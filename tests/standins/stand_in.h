@@ -1,5 +1,6 @@
 #pragma once
 
+#include "test_tables.h"
 #include "vtr_baseinterface.h"
 
 #include <QObject>
@@ -8,11 +9,6 @@
 
 #include <stdexcept>
 #include <utility>
-
-inline QString operator""_s(const char* text, std::size_t length)
-{
-    return QString::fromUtf8(text, int(length));
-}
 
 /// What the stand-ins were told, across all of them and in order.
 class Journal

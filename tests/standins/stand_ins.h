@@ -35,38 +35,24 @@ public:
     QVariantMap defaults; ///< as last asked for with
 };
 
-class LoggerStandIn : public QObject, public VTLoggerInterface
+/// The logger's interface is no object of its own.
+class LoggerObject : public QObject, public VTLoggerInterface
 {
     Q_OBJECT
     Q_INTERFACES(VTLoggerInterface)
+};
 
+class LoggerStandIn : public StandIn<LoggerObject>
+{
 public:
-    int Initialize(const QVariantMap& /*parameters*/) override
-    {
-        calls.append("Initialize"_s);
-        return failure == Failure::Initialize ? -1 : 0;
-    }
-    int Uninitialize() override
-    {
-        calls.append("Uninitialize"_s);
-        return 0;
-    }
-    int Show(QVariant& /*result*/, const QVariantMap& /*parameters*/) override
-    {
-        calls.append("Show"_s);
-        return -1;
-    }
-    int Hide(const QVariant& /*request*/) override { return 0; }
-    int Activate(const QVariant& /*request*/, const QVariantMap& /*parameters*/) override { return 0; }
-    int Close(const QVariant& /*request*/) override { return 0; }
+    using StandIn::StandIn;
+
     void Write(
         const QString& message, int level, const QString& category, const QString& source, int line) override
     {
         lines.append("%1|%2|%3|%4|%5"_s.arg(message).arg(level).arg(category, source).arg(line));
     }
 
-    Failure failure = Failure::None;
-    QStringList calls;
     QStringList lines;
 };
 

@@ -1,12 +1,55 @@
+#include "test_tables.h"
 #include "vtr_codetables.h"
 #include "vtr_filename.h"
 #include "vtr_mapwindow.h"
 #include "vtr_pagestate.h"
 
-#include <QtTest>
-
 #include <limits>
 #include <random>
+
+namespace {
+
+struct Size
+{
+    const char* name;
+    int records;
+    int pages;
+    int groups;
+};
+const Size sizes[] = {{"negative", -1, 1, 1}, {"none", 0, 1, 1}, {"a page", 18, 1, 1},
+    {"a page and one", 19, 2, 1}, {"a group", 90, 5, 1}, {"a group and one", 91, 6, 2},
+    {"two groups", 180, 10, 2}, {"most", std::numeric_limits<int>::max(), 119304648, 23860930}};
+
+struct Deletion
+{
+    const char* name;
+    int page;
+    int records;
+    int newPage;
+    int newGroup;
+};
+const Deletion deletions[] = {{"emptied", 3, 36, 2, 1}, {"emptied into the group before", 6, 90, 5, 1},
+    {"emptied within a later group", 7, 108, 6, 2}, {"emptied first page", 1, 0, 1, 1},
+    {"rows left", 6, 91, 6, 2}, {"more than one page gone", 6, 50, 6, 2}};
+
+struct Name
+{
+    const char* name;
+    QString text;
+    QString encoded;
+};
+const Name names[] = {
+    {"plain", "Ann 100%, farm-1.example"_s, "Ann 100%, farm-1.example"_s},
+    {"letters", "ä王"_s, "ä王"_s},
+    {"way out", "../../x"_s, "..%2F..%2Fx"_s},
+    {"one dot", "."_s, "%2E"_s},
+    {"two dots", ".."_s, "%2E%2E"_s},
+    {"port", "farm:8080\\a"_s, "farm%3A8080%5Ca"_s},
+    {"reserved", "*?\"<>|"_s, "%2A%3F%22%3C%3E%7C"_s},
+    {"control", "a\n\0\x7f"_s, "a%0A%00%7F"_s},
+};
+
+} // namespace
 
 /// Types of the window that need no window: page positions, places in maps, file names, bands.
 class TestWindowLogic : public QObject
@@ -14,63 +57,32 @@ class TestWindowLogic : public QObject
     Q_OBJECT
 
 private slots:
-    void countsPagesAndGroups_data()
-    {
-        QTest::addColumn<int>("records");
-        QTest::addColumn<int>("pages");
-        QTest::addColumn<int>("groups");
-        QTest::newRow("negative") << -1 << 1 << 1;
-        QTest::newRow("none") << 0 << 1 << 1;
-        QTest::newRow("one") << 1 << 1 << 1;
-        QTest::newRow("a page") << 18 << 1 << 1;
-        QTest::newRow("a page and one") << 19 << 2 << 1;
-        QTest::newRow("a group") << 90 << 5 << 1;
-        QTest::newRow("a group and one") << 91 << 6 << 2;
-        QTest::newRow("two groups") << 180 << 10 << 2;
-        QTest::newRow("most") << std::numeric_limits<int>::max() << 119304648 << 23860930;
-    }
-
+    void countsPagesAndGroups_data() { AddRows(sizes); }
     void countsPagesAndGroups()
     {
-        QFETCH(int, records);
-        QFETCH(int, pages);
-        QFETCH(int, groups);
+        const Size& size = Row(sizes);
         VTPageState state;
         state.nCurrentPage = 3;
-        state.Recount(records);
-        QCOMPARE(state.nTotalPages, pages);
-        QCOMPARE(state.nTotalGroups, groups);
-        QCOMPARE(state.nTotalRecords, records);
+        state.Recount(size.records);
+        QCOMPARE(state.nTotalPages, size.pages);
+        QCOMPARE(state.nTotalGroups, size.groups);
+        QCOMPARE(state.nTotalRecords, size.records);
         QCOMPARE(state.nCurrentPage, 3);
-        QCOMPARE(state.HasNextGroup(), pages > 5);
+        QCOMPARE(state.HasNextGroup(), size.pages > 5);
         QVERIFY(!state.HasPreviousGroup());
     }
 
-    void correctsItsPageAfterADeletion_data()
-    {
-        QTest::addColumn<int>("page");
-        QTest::addColumn<int>("records");
-        QTest::addColumn<int>("newPage");
-        QTest::addColumn<int>("newGroup");
-        QTest::newRow("emptied") << 3 << 36 << 2 << 1;
-        QTest::newRow("emptied into the group before") << 6 << 90 << 5 << 1;
-        QTest::newRow("emptied within a later group") << 7 << 108 << 6 << 2;
-        QTest::newRow("emptied first page") << 1 << 0 << 1 << 1;
-        QTest::newRow("rows left") << 6 << 91 << 6 << 2;
-        QTest::newRow("more than one page gone") << 6 << 50 << 6 << 2;
-    }
-
+    void correctsItsPageAfterADeletion_data() { AddRows(deletions); }
     void correctsItsPageAfterADeletion()
     {
-        QFETCH(int, page);
-        QFETCH(int, records);
+        const Deletion& deletion = Row(deletions);
         VTPageState state;
-        state.nCurrentPage = page;
-        state.nCurrentGroup = (page + 4) / 5;
-        state.nTotalRecords = records;
+        state.nCurrentPage = deletion.page;
+        state.nCurrentGroup = (deletion.page + 4) / 5;
+        state.nTotalRecords = deletion.records;
         state.CorrectAfterDeletion();
-        QTEST(state.nCurrentPage, "newPage");
-        QTEST(state.nCurrentGroup, "newGroup");
+        QCOMPARE(state.nCurrentPage, deletion.newPage);
+        QCOMPARE(state.nCurrentGroup, deletion.newGroup);
     }
 
     void findsPlacesInAMapThatChanges()
@@ -96,60 +108,28 @@ private slots:
         }
     }
 
-    void encodesWhatCannotStandInAFileName_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("encoded");
-        QTest::newRow("plain") << "Ann 100%, farm-1.example"
-                               << "Ann 100%, farm-1.example";
-        QTest::newRow("letters") << QStringLiteral(u"\u00e4\u738b") << QStringLiteral(u"\u00e4\u738b");
-        QTest::newRow("way out") << "../../x"
-                                 << "..%2F..%2Fx";
-        QTest::newRow("one dot") << "."
-                                 << "%2E";
-        QTest::newRow("two dots") << ".."
-                                  << "%2E%2E";
-        QTest::newRow("port") << "farm:8080\\a"
-                              << "farm%3A8080%5Ca";
-        QTest::newRow("reserved") << "*?\"<>|"
-                                  << "%2A%3F%22%3C%3E%7C";
-        QTest::newRow("control") << QString::fromLatin1("a\n\0\x7f", 4) << "a%0A%00%7F";
-    }
-
+    void encodesWhatCannotStandInAFileName_data() { AddRows(names); }
     void encodesWhatCannotStandInAFileName()
     {
-        QFETCH(QString, name);
-        QTEST(VTFileNamePart(name), "encoded");
-        const QString file = VTAccountFile(QStringLiteral("Data"), name, name);
-        const QString folder = QCoreApplication::applicationDirPath() + QStringLiteral("/Data");
+        const QString name = Row(names).text;
+        QCOMPARE(VTFileNamePart(name), Row(names).encoded);
+        const QString file = VTAccountFile("Data"_s, name, name);
         QCOMPARE(QDir::cleanPath(file), file);
-        QCOMPARE(QFileInfo(file).path(), folder);
-    }
-
-    void coloursProgressByBand_data()
-    {
-        QTest::addColumn<int>("percent");
-        QTest::addColumn<QString>("colour");
-        const QString red = QStringLiteral("rgb(255,99,79)");
-        const QString orange = QStringLiteral("rgb(255,161,94)");
-        QTest::newRow("-1") << -1 << red;
-        QTest::newRow("0") << 0 << red;
-        QTest::newRow("49") << 49 << red;
-        QTest::newRow("50") << 50 << orange;
-        QTest::newRow("99") << 99 << orange;
-        QTest::newRow("100") << 100 << QStringLiteral("rgb(125,180,75)");
-        QTest::newRow("150") << 150 << QString();
-        QTest::newRow("-50") << -50 << QString();
+        QCOMPARE(QFileInfo(file).path(), QCoreApplication::applicationDirPath() + "/Data"_s);
     }
 
     void coloursProgressByBand()
     {
-        QFETCH(int, percent);
-        QFETCH(QString, colour);
         VTCodeTables tables;
         tables.Load();
-        QCOMPARE(tables.ProgressStyle(percent).count(colour), colour.isEmpty() ? 1 : 3);
-        QCOMPARE(tables.ProgressStyle(percent).isEmpty(), colour.isEmpty());
+        const QMap<int, QString> colours {{-50, {}}, {-1, "rgb(255,99,79)"_s}, {0, "rgb(255,99,79)"_s},
+            {49, "rgb(255,99,79)"_s}, {50, "rgb(255,161,94)"_s}, {99, "rgb(255,161,94)"_s},
+            {100, "rgb(125,180,75)"_s}, {150, {}}};
+        for (auto band = colours.begin(); band != colours.end(); ++band) {
+            const QString style = tables.ProgressStyle(band.key());
+            QVERIFY2(style.contains(band.value()), qPrintable(style));
+            QCOMPARE(style.isEmpty(), band.value().isEmpty());
+        }
     }
 };
 

@@ -1,5 +1,7 @@
 #include "client_test.h"
 
+#include <QTemporaryDir>
+
 namespace {
 
 enum Column { Name, StartTime, Status, Progress, SceneFile, Warn };
@@ -54,10 +56,34 @@ const DoubleClick doubleClicks[] = {
     {"agreed", 9, Warn, MessageBoxStandIn::Consent(), "ShowMessage,ContinueSubmit t.1"_s, question},
 };
 
+struct Report
+{
+    const char* name; ///< of the answer
+    QString question;
+};
+const Report reports[]
+    = {{"LackTextureAnswer", "4|b||Continue next step?\nBelow files are missing:\ny\nz|Cancel,Ok|0"_s},
+        {"UploadRetryAnswer", "4|b|Retry uploading?Failed to upload files:|y\nz|Cancel,Ok|1"_s}};
+
+QVariantMap MakeDownload(const QString& destination, int status = 1, int progress = 30)
+{
+    return {{"destFile"_s, destination}, {"srcFile"_s, "farm/frame.png"_s}, {"jobId"_s, "id-1"_s},
+        {"status"_s, status}, {"progress"_s, progress}, {"msg"_s, "<i>msg</i>"_s}};
+}
+
+struct Switch
+{
+    const char* name;
+    int receivers; ///< of the finish notice, while it is on
+    QString effect;
+};
+const Switch switches[]
+    = {{"popupfinish", 1, {}}, {"soundfinish", 1, "Finish frame.png"_s}, {"autodownload", 0, {}}};
+
 } // namespace
 
-/// The local submission tasks and the questions that they raise.
-class TestPluginSubmits : public ClientTest
+/// The local submission tasks with the questions that they raise, and the downloads with the switches that bear on them.
+class TestPluginTransfers : public ClientTest
 {
     Q_OBJECT
 
@@ -70,7 +96,6 @@ private slots:
         QCOMPARE(m_client->RunningTimers(1000).size(), 1);
         QCOMPARE(Cells(Tasks(), 0),
             "scene.v2|t1, 10:00|false, analyze|1, /scenes/a.b/scene.v2.ma|, <b>message</b>|"_s);
-        QCOMPARE(Tasks()->item(0, Name)->data(Qt::CheckStateRole), QVariant(Qt::Unchecked));
         QCOMPARE(Tasks()->item(0, Status)->textAlignment(), 132);
         QCOMPARE(Bar(Tasks(), 0)->value(), 55);
         QCOMPARE(Tasks()->item(1, Status)->text(), "Unknown"_s);
@@ -135,27 +160,31 @@ private slots:
         emit RenderCore().SubmitListChanged();
         m_client->Button("btnPageThree"_s)->click();
         QCOMPARE(Tasks()->rowCount(), 1);
-        RenderCore().tasks.remove("t36"_s);
-        emit RenderCore().SubmitListChanged();
-        QCOMPARE(Tasks()->rowCount(), 18);
-        const QTableWidgetItem* kept = Tasks()->item(0, Name);
-        QCOMPARE(kept->data(Qt::UserRole).toString(), "t18"_s);
-        emit RenderCore().SubmitListChanged();
-        QCOMPARE(Tasks()->item(0, Name), kept);
-    }
-
-    void deletesTheCheckedTasks()
-    {
-        for (int i = 0; i < 19; ++i)
-            RenderCore().tasks.insert(Numbered("t"_s, i), {});
-        emit RenderCore().SubmitListChanged();
-        m_client->Button("btnNextPage"_s)->click();
         Tasks()->item(0, Name)->setCheckState(Qt::Checked);
         MessageBox().answer = MessageBoxStandIn::Consent();
         m_client->Entry("Delete Tasks")->trigger();
-        QCOMPARE(TakeJournal(), (QStringList {"ShowMessage"_s, "RemoveSubmitTasks by user t18"_s}));
+        QCOMPARE(TakeJournal(), (QStringList {"ShowMessage"_s, "RemoveSubmitTasks by user t36"_s}));
         QCOMPARE(Tasks()->rowCount(), 18);
-        QVERIFY(!m_client->Shows("btnPageTwo"_s));
+        QVERIFY(!m_client->Shows("btnPageThree"_s));
+
+        // The tasks of a page stay there when one before them goes or comes.
+        for (const bool isThere : {false, true}) {
+            if (isThere)
+                RenderCore().tasks.insert("t00"_s, {});
+            else
+                RenderCore().tasks.remove("t00"_s);
+            QVERIFY(m_client->Tick(1000));
+            QCOMPARE(Tasks()->rowCount(), 18);
+        }
+        for (int i = 18; i < 36; ++i)
+            RenderCore().tasks.remove(Numbered("t"_s, i));
+        QVERIFY(m_client->Tick(1000));
+        QCOMPARE(Tasks()->rowCount(), 0);
+        emit RenderCore().SubmitListChanged();
+        const QTableWidgetItem* kept = Tasks()->item(0, Name);
+        QCOMPARE(kept->data(Qt::UserRole).toString(), "t00"_s);
+        emit RenderCore().SubmitListChanged();
+        QCOMPARE(Tasks()->item(0, Name), kept);
         QVERIFY(m_client->Call("StopJobs"));
         QVERIFY(m_client->Call("RecoverJobs"));
         QCOMPARE(TakeJournal(), QStringList {"StopSubmitTasks"_s});
@@ -175,16 +204,10 @@ private slots:
             QCOMPARE(MenuOf(Tasks()), menuCase.menu);
         }
         QCOMPARE(MenuOf(Tasks()), QString());
-    }
-
-    void continuesTheCurrentTask()
-    {
-        ShowTask("t1"_s, {});
-        ShowTask("t2"_s, {});
         m_client->Entry("Continue submit")->trigger();
-        Tasks()->setCurrentCell(1, 0);
+        Tasks()->setCurrentCell(0, 0);
         m_client->Entry("Continue submit")->trigger();
-        QCOMPARE(TakeJournal(), QStringList {"ContinueSubmit t2"_s});
+        QCOMPARE(TakeJournal(), QStringList {"ContinueSubmit t1"_s});
     }
 
     void explainsTroubleOnADoubleClick_data() { AddRows(doubleClicks); }
@@ -200,15 +223,10 @@ private slots:
         QCOMPARE(MessageBox().messages.join("\n"_s), click.message);
     }
 
-    void asksAboutReportsOneByOne_data()
-    {
-        QTest::addColumn<bool>("textures");
-        QTest::newRow("failed uploads") << false;
-        QTest::newRow("missing textures") << true;
-    }
+    void asksAboutReportsOneByOne_data() { AddRows(reports); }
     void asksAboutReportsOneByOne()
     {
-        QFETCH(bool, textures);
+        const bool textures = &Row(reports) == reports;
         const auto Report = [this, textures](const QString& id, const QStringList& files) {
             if (textures)
                 emit RenderCore().lackedTexture(id, files);
@@ -233,24 +251,129 @@ private slots:
         QVERIFY(m_client->Tick(1000));
         QVERIFY(m_client->RunningTimers(1000).isEmpty());
 
-        const QString operation = textures ? "LackTextureAnswer"_s : "UploadRetryAnswer"_s;
         QCOMPARE(TakeJournal().join(","_s),
-            "ShowMessage,%1 yes a.1,ShowMessage,%1 no 0,ShowMessage"_s.arg(operation));
-        QCOMPARE(MessageBox().messages.last(),
-            textures ? "4|b||Continue next step?\nBelow files are missing:\ny\nz|Cancel,Ok|0"_s
-                     : "4|b|Retry uploading?Failed to upload files:|y\nz|Cancel,Ok|1"_s);
+            "ShowMessage,%1 yes a.1,ShowMessage,%1 no 0,ShowMessage"_s.arg(QLatin1String(Row(reports).name)));
+        QCOMPARE(MessageBox().messages.last(), Row(reports).question);
+    }
+
+    void showsAPageOfDownloads()
+    {
+        RenderCore().downloads = {{"d1"_s, MakeDownload("/out//shot/frame.1.png"_s)}, {"d2"_s, "no map"_s},
+            {"d3"_s, MakeDownload(QString(), 17, 150)}};
+        m_client->Tabs()->setCurrentIndex(2);
+        QCOMPARE(Cells(Downloads(), 0),
+            "frame.1.png|d1, farm/frame.png|id-1, /out//shot/frame.1.png|, Downloading|1, |"_s);
+        QCOMPARE(Downloads()->item(0, 4)->textAlignment(), 132);
+        QVERIFY(Downloads()->item(0, 4)->toolTip().contains("&lt;i&gt;msg"_s));
+        QCOMPARE(Bar(Downloads(), 0)->value(), 30);
+        QCOMPARE(Downloads()->item(1, 4)->text(), "Waiting"_s);
+        QCOMPARE(Downloads()->item(2, 4)->text(), "Unkown"_s);
+        QCOMPARE(Bar(Downloads(), 2)->styleSheet(), QString());
+    }
+
+    void refreshesFromTheLiveMap()
+    {
+        RenderCore().downloads = {{"d1"_s, MakeDownload("a"_s)}, {"d2"_s, MakeDownload("b"_s)}};
+        m_client->Tabs()->setCurrentIndex(2);
+        RenderCore().downloads.remove("d2"_s);
+        RenderCore().downloads["d1"_s] = MakeDownload("a"_s, 2, 100);
+        QVERIFY(m_client->Tick(1000));
+        QCOMPARE(Downloads()->item(0, 4)->text(), "Finished"_s);
+        QCOMPARE(Bar(Downloads(), 0)->value(), 100);
+        QVERIFY(Bar(Downloads(), 0)->styleSheet().contains("rgb(125,180,75)"_s));
+        QCOMPARE(Downloads()->item(1, 4)->text(), "Downloading"_s);
+    }
+
+    void deletesAndRedownloadsWhatIsChecked()
+    {
+        SignInWithJobs(MakeJobs(1), 1);
+        AddDownloads(20);
+        QCOMPARE(m_client->Tabs()->currentIndex(), 0);
+        QCOMPARE(Downloads()->rowCount(), 0);
+        QVERIFY(!m_client->Shows("btnPageTwo"_s));
+        m_client->Tabs()->setCurrentIndex(2);
+        QCOMPARE(Downloads()->rowCount(), 18);
+        m_client->Button("btnPageTwo"_s)->click();
+        m_client->Entry("Redownload")->trigger();
+        for (const int row : {0, 1})
+            Downloads()->item(row, 0)->setCheckState(Qt::Checked);
+        m_client->Entry("Redownload")->trigger();
+        MessageBox().answer = MessageBoxStandIn::Consent();
+        for (const char* button : {"btnDelete", "btnPause", "btnRecover"})
+            m_client->Button(QLatin1String(button))->click();
+        QCOMPARE(TakeJournal(),
+            (QStringList {"RedownloadTasks "_s, "RedownloadTasks d18,d19"_s, "ShowMessage"_s,
+                "RemoveDownloadTasks d18,d19"_s}));
+        QCOMPARE(Downloads()->rowCount(), 18);
+        QVERIFY(!m_client->Shows("btnPageTwo"_s));
+        QVERIFY(m_client->Call("ClickedCell", 0, 1));
+        QCOMPARE(MenuOf(Downloads()), "Open file path,Redownload"_s);
+    }
+
+    void revealsTheFileOfTheCurrentRow()
+    {
+        // The file manager of this test writes down what it was asked for.
+        const QTemporaryDir folder;
+        const QString note = folder.filePath("note"_s);
+        QFile program(folder.filePath("explorer.exe"_s));
+        QVERIFY(program.open(QIODevice::WriteOnly));
+        program.write(
+            R"(#!/bin/sh
+printf '%s|' $# "$@" > NOTE.new && mv NOTE.new NOTE)"_s.replace("NOTE"_s, note)
+                .toUtf8());
+        program.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        program.close();
+        const QByteArray path = qgetenv("PATH");
+        qputenv("PATH", folder.path().toUtf8() + ":" + path);
+
+        QVERIFY(m_client->Call("OpenFilePosition"));
+        RenderCore().downloads = {{"d1"_s, MakeDownload("/out//a b/c;d.png"_s)}};
+        m_client->Tabs()->setCurrentIndex(2);
+        Downloads()->setCurrentCell(0, 0);
+        m_client->Entry("Open file path")->trigger();
+        QTRY_VERIFY(QFile::exists(note));
+        qputenv("PATH", path);
+        QFile written(note);
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        QCOMPARE(written.readAll(), QByteArray("2|/select,|/out/a b/c;d.png|"));
+    }
+
+    void followsTheSwitchesOfTheAccount_data() { AddRows(switches); }
+    void followsTheSwitchesOfTheAccount()
+    {
+        const QString key = "vtr.account.ann/%1"_s.arg(QLatin1String(Row(switches).name));
+        const char* const finish = SIGNAL(DownloadFinish(QString));
+        m_client->settings.values.insert(key, true);
+        emit m_client->settings.SettingsUpdated();
+        QVERIFY(m_client->settings.defaults.isEmpty());
+
+        m_client->SignIn();
+        QCOMPARE(m_client->settings.defaults.value(key), QVariant(0));
+        emit m_client->settings.SettingsUpdated();
+        QCOMPARE(RenderCore().receivers(finish), Row(switches).receivers);
+        TakeJournal();
+        emit RenderCore().DownloadFinish("frame.png"_s);
+        QCOMPARE(TakeJournal().join(","_s), Row(switches).effect);
+        m_client->settings.values.insert(key, false);
+        emit m_client->settings.SettingsUpdated();
+        QCOMPARE(RenderCore().receivers(finish), 0);
     }
 
 private:
-    QTableWidget* Tasks() const { return m_client->Table("twtLocalTask"_s); }
-
     void ShowTask(const QString& id, const RenderCoreStandIn::Task& task) const
     {
         RenderCore().tasks.insert(id, task);
         emit RenderCore().SubmitListChanged();
         TakeJournal();
     }
+
+    void AddDownloads(int count) const
+    {
+        for (int i = 0; i < count; ++i)
+            RenderCore().downloads.insert(Numbered("d"_s, i), MakeDownload("a"_s));
+        emit RenderCore().DownloadListChanged();
+    }
 };
 
-QTEST_MAIN(TestPluginSubmits)
-#include "tst_plugin_submits.moc"
+QTEST_MAIN(TestPluginTransfers)
+#include "tst_plugin_transfers.moc"

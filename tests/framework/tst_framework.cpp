@@ -1,0 +1,255 @@
+#include "test_tables.h"
+
+#include <ctkException.h>
+#include <ctkPluginConstants.h>
+#include <ctkPluginException.h>
+#include <ctkPluginFramework.h>
+#include <ctkPluginFrameworkFactory.h>
+
+#include <QTemporaryDir>
+
+#include <optional>
+
+namespace {
+
+const QString hostFile = QStringLiteral(HOST_PLUGIN);
+const QString guestFile = QStringLiteral(GUEST_PLUGIN);
+const QString inertFile = QStringLiteral(INERT_PLUGIN);
+const QString greeter = "Greeter"_s;
+const QString object = "QObject"_s;
+
+/// The type of the ctkPluginException that a call throws; none where it throws nothing.
+template <typename Call>
+std::optional<ctkPluginException::Type> ThrownType(Call call)
+{
+    try {
+        call();
+    } catch (const ctkPluginException& exception) {
+        return exception.getType();
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+/// The service registry, and the lives of real plugin libraries.
+class TestFramework : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        qApp->setProperty("journal", QStringList());
+        Misbehave(QString());
+        m_framework = ctkPluginFrameworkFactory().getFramework();
+        m_framework->start();
+        m_context = m_framework->getPluginContext();
+    }
+
+    void cleanup() { m_framework.reset(); }
+
+    void ordersReferencesByRankingThenRegistration()
+    {
+        QObject first, second, third, fourth, fifth;
+        Register(&first, 0);
+        Register(&second, 7);
+        Register(&third, -1);
+        Register(&fourth, 7);
+        Register(&fifth);
+        QList<QObject*> found;
+        for (const auto& reference : m_context->getServiceReferences(object))
+            found.append(m_context->getService(reference));
+        QCOMPARE(found, (QList<QObject*> {&second, &fourth, &first, &fifth, &third}));
+        QCOMPARE(m_context->getService(m_context->getServiceReference(object)), &second);
+    }
+
+    void findsAServiceUnderEachOfItsNames()
+    {
+        QTimer timer;
+        m_context->registerService({"QTimer"_s, object}, &timer);
+        for (const QString& name : {"QTimer"_s, object})
+            QCOMPARE(m_context->getService(m_context->getServiceReference(name)), &timer);
+        QVERIFY(!m_context->getServiceReference("QThread"_s));
+        QVERIFY_EXCEPTION_THROWN(m_context->getService({}), ctkInvalidArgumentException);
+        QVERIFY_EXCEPTION_THROWN(
+            m_context->getServiceReferences(object, "(a=b)"_s), ctkInvalidArgumentException);
+    }
+
+    void refusesARegistration()
+    {
+        QObject service;
+        for (const QStringList& names : {QStringList(), {object, QString()}, {object, "QTimer"_s}})
+            QVERIFY_EXCEPTION_THROWN(
+                m_context->registerService(names, &service), ctkInvalidArgumentException);
+        QVERIFY_EXCEPTION_THROWN(m_context->registerService({object}, nullptr), ctkInvalidArgumentException);
+        QVERIFY(m_context->getServiceReferences(object).isEmpty());
+    }
+
+    void handsOutNoServiceThatIsGone()
+    {
+        for (const bool byDestruction : {false, true}) {
+            auto service = std::make_unique<QObject>();
+            ctkServiceRegistration registration = Register(service.get());
+            const ctkServiceReference reference = registration.getReference();
+            QCOMPARE(m_context->getService(reference), service.get());
+            if (byDestruction)
+                service.reset();
+            else
+                registration.unregister();
+            QVERIFY(!reference);
+            QVERIFY(!m_context->getService(reference));
+            QVERIFY(!m_context->getServiceReference(object));
+
+            // A registrant may well delete its object first, but withdraws it once only.
+            if (byDestruction)
+                registration.unregister();
+            QVERIFY_EXCEPTION_THROWN(registration.unregister(), ctkIllegalStateException);
+            QVERIFY_EXCEPTION_THROWN(registration.getReference(), ctkIllegalStateException);
+        }
+    }
+
+    void endsTheContextWithTheFramework()
+    {
+        QObject service;
+        const ctkServiceReference reference = Register(&service).getReference();
+        QCOMPARE(m_framework->getState(), ctkPlugin::ACTIVE);
+        m_framework->stop();
+        QCOMPARE(m_framework->getState(), ctkPlugin::RESOLVED);
+        QVERIFY(!reference);
+        QVERIFY(!m_framework->getPluginContext());
+        QVERIFY_EXCEPTION_THROWN(Register(&service), ctkIllegalStateException);
+        QVERIFY_EXCEPTION_THROWN(m_context->getService(reference), ctkIllegalStateException);
+        m_framework->start();
+        QVERIFY(!m_framework->getPluginContext()->getServiceReference(object));
+    }
+
+    void installsStartsAndStopsAgainAndAgain()
+    {
+        const auto plugin = Install(hostFile);
+        QCOMPARE(plugin->getSymbolicName(), "sample.host"_s);
+        QCOMPARE(plugin->getHeaders().value("Plugin-Vendor"_s), "Samples"_s);
+        QCOMPARE(plugin->getState(), ctkPlugin::INSTALLED);
+        QVERIFY(!plugin->getPluginContext());
+        QCOMPARE(Install(QFileInfo(hostFile).path() + "/../plugins/libsample_host.so"_s), plugin);
+        for (int round = 0; round < 2; ++round) {
+            plugin->start(ctkPlugin::START_TRANSIENT);
+            plugin->start();
+            QCOMPARE(plugin->getState(), ctkPlugin::ACTIVE);
+            ctkPluginContext* const context = plugin->getPluginContext();
+            const ctkServiceReference reference = m_context->getServiceReference(greeter);
+            QVERIFY(m_context->getService(reference)->inherits("Greeter"));
+            plugin->stop();
+            plugin->stop();
+            QCOMPARE(plugin->getState(), ctkPlugin::RESOLVED);
+            QVERIFY(!reference);
+            QVERIFY(!plugin->getPluginContext());
+            QVERIFY_EXCEPTION_THROWN(context->getServiceReference(greeter), ctkIllegalStateException);
+        }
+        QCOMPARE(Journal(), "start sample.host,stop sample.host,start sample.host,stop sample.host"_s);
+    }
+
+    void stopsPluginsInReverseOrderOfTheirStarts()
+    {
+        const auto host = Install(hostFile);
+        const auto guest = Install(guestFile);
+        guest->start();
+        host->start();
+        QCOMPARE(m_context->getServiceReferences(greeter).size(), 2);
+        m_framework->stop();
+        QVERIFY(Journal().endsWith(",stop sample.host,stop sample.guest"_s));
+        QCOMPARE(ThrownType([&] { host->start(); }), ctkPluginException::INVALID_OPERATION);
+        m_framework->start();
+        host->start();
+        m_framework.reset();
+        QVERIFY(Journal().endsWith(",start sample.host,stop sample.host"_s));
+    }
+
+    void undoesAFailedStart()
+    {
+        const auto plugin = Install(hostFile);
+        for (const char* misbehaviour : {"start exception", "start number", "start again"}) {
+            Misbehave(QLatin1String(misbehaviour));
+            QCOMPARE(ThrownType([&] { plugin->start(); }), ctkPluginException::ACTIVATOR_ERROR);
+            QCOMPARE(plugin->getState(), ctkPlugin::RESOLVED);
+            QVERIFY(!m_context->getServiceReference(greeter));
+        }
+        QCOMPARE(Journal(), "start sample.host,start sample.host,start sample.host"_s);
+        Misbehave(QString());
+        plugin->start();
+        QVERIFY(m_context->getServiceReference(greeter));
+
+        const auto inert = Install(inertFile);
+        QCOMPARE(ThrownType([&] { inert->start(); }), ctkPluginException::ACTIVATOR_ERROR);
+        QCOMPARE(inert->getState(), ctkPlugin::INSTALLED);
+    }
+
+    void stopsInSpiteOfAFailure()
+    {
+        const auto host = Install(hostFile);
+        const auto guest = Install(guestFile);
+        host->start();
+        Misbehave("stop exception"_s);
+        QCOMPARE(ThrownType([&] { host->stop(); }), ctkPluginException::ACTIVATOR_ERROR);
+        QCOMPARE(host->getState(), ctkPlugin::RESOLVED);
+        QVERIFY(!m_context->getServiceReference(greeter));
+        host->start();
+        guest->start();
+        for (int plugin = 0; plugin < 2; ++plugin)
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression("no greeting today"_s));
+        m_framework->stop();
+        QCOMPARE(host->getState(), ctkPlugin::RESOLVED);
+        QCOMPARE(guest->getState(), ctkPlugin::RESOLVED);
+    }
+
+    void refusesToInstall()
+    {
+        const QTemporaryDir folder;
+        const QString text = folder.filePath("libsample_text.so"_s);
+        const QString nameless = folder.filePath("libsample_nameless.so"_s);
+        const QString twin = folder.filePath(QFileInfo(hostFile).fileName());
+        QFile file(text);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("not a library\n") > 0);
+        file.close();
+        QVERIFY(QFile::copy(hostFile, nameless) && QFile::copy(hostFile, twin));
+        const auto host = Install(hostFile);
+        const QMap<QString, ctkPluginException::Type> refusals {{text, ctkPluginException::READ_ERROR},
+            {folder.filePath("libnone.so"_s), ctkPluginException::READ_ERROR},
+            {nameless, ctkPluginException::MANIFEST_ERROR},
+            {twin, ctkPluginException::DUPLICATE_PLUGIN_ERROR}};
+        for (auto refusal = refusals.begin(); refusal != refusals.end(); ++refusal)
+            QCOMPARE(ThrownType([&] { Install(refusal.key()); }), refusal.value());
+        QCOMPARE(
+            ThrownType([this] { m_context->installPlugin(QUrl("http://localhost/libsample_host.so"_s)); }),
+            ctkPluginException::UNSUPPORTED_OPERATION);
+        QCOMPARE(Install(hostFile), host);
+    }
+
+private:
+    static QString Journal() { return qApp->property("journal").toStringList().join(","_s); }
+
+    static void Misbehave(const QString& how)
+    {
+        qApp->setProperty("misbehaviour", how);
+        qApp->setProperty("location", QUrl::fromLocalFile(hostFile));
+    }
+
+    QSharedPointer<ctkPlugin> Install(const QString& file)
+    {
+        return m_context->installPlugin(QUrl::fromLocalFile(file));
+    }
+
+    ctkServiceRegistration Register(QObject* service, const QVariant& ranking = QVariant())
+    {
+        ctkDictionary properties;
+        if (ranking.isValid())
+            properties.insert(ctkPluginConstants::SERVICE_RANKING, ranking);
+        return m_context->registerService({object}, service, properties);
+    }
+
+    QSharedPointer<ctkPluginFramework> m_framework;
+    ctkPluginContext* m_context = nullptr;
+};
+
+QTEST_GUILESS_MAIN(TestFramework)
+#include "tst_framework.moc"
