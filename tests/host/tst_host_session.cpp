@@ -5,7 +5,9 @@
 #include "ui_loader_service.h"
 
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -22,7 +24,7 @@ signals:
     void SignOutAsked();
 };
 
-/// Which window shows for which state of the session.
+/// Which window shows for which state of the session, and what the sign-in window shows and asks.
 class TestHostSession : public QObject
 {
     Q_OBJECT
@@ -32,7 +34,7 @@ private slots:
     void cleanup();
 
     void SignsInWithTheAccountThatWasSet();
-    void AsksWithoutAnAccount();
+    void AsksForNameAndPassword();
     void ShowsWhySignInFailed();
     void SignsOutFromTheMenu();
     void EndsAnExpiredSession();
@@ -40,6 +42,11 @@ private slots:
 private:
     void SignIn();
     QAction* SignOutEntry() const;
+    template <typename Widget>
+    Widget* Find(const char* name) const
+    {
+        return m_session->SignInForm()->findChild<Widget*>(QLatin1String(name));
+    }
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<StandInServer> m_server;
@@ -83,6 +90,7 @@ void TestHostSession::SignIn()
     m_session->SetAccount(QStringLiteral("demo"), QStringLiteral("demo"));
     m_session->SignInAutomatically();
     QTRY_VERIFY(m_session->IsSignedIn());
+    QVERIFY(SignOutEntry()->isEnabled());
 }
 
 QAction* TestHostSession::SignOutEntry() const
@@ -98,32 +106,52 @@ void TestHostSession::SignsInWithTheAccountThatWasSet()
     QVERIFY(!SignOutEntry()->isEnabled());
     SignIn();
     QCOMPARE(signedIn.count(), 1);
-    QCOMPARE(signedIn[0][0].toString(), QStringLiteral("u1"));
+    QCOMPARE(signedIn[0], QVariantList({QStringLiteral("u1"), QStringLiteral("abc")}));
     QCOMPARE(shown.constLast()[0].toString(), QStringLiteral("com.vtr.qsclient"));
     QVERIFY(!m_session->SignInForm()->isVisible());
-    QVERIFY(SignOutEntry()->isEnabled());
     QCOMPARE(m_settings->Value(QStringLiteral("vtr.auth/lastname"), {}).toString(), QStringLiteral("demo"));
 }
 
-void TestHostSession::AsksWithoutAnAccount()
+void TestHostSession::AsksForNameAndPassword()
 {
     m_session->SignInAutomatically();
     QVERIFY(m_session->SignInForm()->isVisible());
-    QVERIFY(m_server->Requests().isEmpty());
+    auto* name = Find<QLineEdit>("lneName");
+    auto* password = Find<QLineEdit>("lnePassword");
+    const auto* button = Find<QPushButton>("btnSignIn");
+    QCOMPARE(password->echoMode(), QLineEdit::Password);
+    name->setText(QStringLiteral("   "));
+    password->setText(QStringLiteral(" secret "));
+    QVERIFY(!button->isEnabled());
+    QTest::keyClick(password, Qt::Key_Return); // asks nothing yet
+    name->setText(QStringLiteral(" demo "));
+    QTest::keyClick(name, Qt::Key_Return);
+    QVERIFY(!button->isEnabled() && !password->isEnabled());
+    QTRY_VERIFY(m_session->IsSignedIn());
+    QCOMPARE(m_server->Requests().size(), 1);
+    QVERIFY(m_server->Requests().at(0).endsWith(R"({"password":" secret ","username":"demo"})"));
+    QVERIFY(password->text().isEmpty());
 }
 
 void TestHostSession::ShowsWhySignInFailed()
 {
-    m_server->SetReplies({StandInServer::Http(401, R"({"message": "Wrong <b>name</b>."})")});
+    m_server->SetReplies({StandInServer::Http(401, R"({"message": "Wrong <b>name</b>."})"),
+        StandInServer::Http(401, R"({"message": ")" + QByteArray(100000, 'x') + "\"}")});
+    auto* password = Find<QLineEdit>("lnePassword");
+    const auto* failure = Find<QLabel>("lblFailure");
     m_session->SetAccount(QStringLiteral("demo"), QStringLiteral("wrong"));
     m_session->SignInAutomatically();
     QTRY_VERIFY(m_session->SignInForm()->isVisible());
     QVERIFY(!m_session->IsSignedIn());
-    const QList<QLabel*> labels = m_session->SignInForm()->findChildren<QLabel*>();
-    const auto failure = std::find_if(labels.begin(), labels.end(),
-        [](const QLabel* label) { return label->text() == QLatin1String("Wrong <b>name</b>."); });
-    QVERIFY(failure != labels.end());
-    QCOMPARE((*failure)->textFormat(), Qt::PlainText);
+    QCOMPARE(failure->text(), QStringLiteral("Wrong <b>name</b>."));
+    QCOMPARE(failure->textFormat(), Qt::PlainText);
+
+    password->setText(QStringLiteral("secret"));
+    Find<QPushButton>("btnSignIn")->click();
+    QVERIFY(failure->text().isEmpty());
+    QTRY_VERIFY(failure->text().startsWith(QLatin1String("xxx")));
+    QVERIFY(failure->text().size() < 1000);
+    QCOMPARE(password->text(), QStringLiteral("secret"));
 }
 
 void TestHostSession::SignsOutFromTheMenu()
