@@ -127,33 +127,24 @@ private slots:
             QVERIFY2(ServerUrl(QString::fromLatin1(url)).isEmpty(), url);
     }
 
-    void ReadsTheCommandLine_data()
-    {
-        QTest::addColumn<QString>("arguments");
-        QTest::addColumn<QString>("error");
-        const auto row = [](const char* arguments, const char* error) {
-            QTest::newRow(arguments) << QString::fromLatin1(arguments) << QString::fromLatin1(error);
-        };
-        row("", "");
-        row("--server https://f.example --config c --data d --user u --password-file p --no-auto-sign-in",
-            "");
-        row("--server farm", "not the URL of a server: farm");
-        row("--user u", "--user and --password-file belong together");
-        row("--log-level loud", "unknown log level: loud");
-        row("scene.pov", "unexpected argument: scene.pov");
-    }
-
     void ReadsTheCommandLine()
     {
-        QFETCH(QString, arguments);
-        HostOptions options;
-        QString error;
-        const QStringList words = arguments.split(QLatin1Char(' '), Qt::SkipEmptyParts);
-        const bool read = options.Parse(QStringList(QStringLiteral("quillstar")) + words, &error);
-        QCOMPARE(read, error.isEmpty());
-        QTEST(error, "error");
-        QVERIFY(QDir::isAbsolutePath(options.configFile) && QDir::isAbsolutePath(options.dataFolder));
-        QVERIFY(options.screenshotFolder.isEmpty());
+        const QVector<QPair<const char*, const char*>> lines {{"", ""},
+            {"--server https://f.example --config c --data d --user u --password-file p --no-auto-sign-in",
+                ""},
+            {"--server farm", "not the URL of a server: farm"},
+            {"--user u", "--user and --password-file belong together"},
+            {"--log-level loud", "unknown log level: loud"}, {"scene.pov", "unexpected argument: scene.pov"}};
+        for (const auto& [arguments, expected] : lines) {
+            HostOptions options;
+            QString error;
+            const QString line = QLatin1String("quillstar ") + QLatin1String(arguments);
+            const bool read = options.Parse(line.split(QLatin1Char(' '), Qt::SkipEmptyParts), &error);
+            QCOMPARE(error, QLatin1String(expected));
+            QCOMPARE(read, error.isEmpty());
+            QVERIFY(QDir::isAbsolutePath(options.configFile) && QDir::isAbsolutePath(options.dataFolder));
+            QCOMPARE(options.autoSignIn, !line.contains(QLatin1String("--no-auto-sign-in")));
+        }
     }
 
     void CallsTheFirstClient()
