@@ -48,10 +48,17 @@ QStringList NamesFromLeftToRight(const QWidget* row)
     return names.values();
 }
 
-/// Does something to the modal dialog that is about to be shown.
+/// Does something to the modal dialog that is about to be shown, which must close it.
 void Then(const std::function<void(QDialog*)>& act)
 {
-    QTimer::singleShot(0, [act] { act(qobject_cast<QDialog*>(QApplication::activeModalWidget())); });
+    QTimer::singleShot(0, [act] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        act(dialog);
+        if (!dialog->isVisible())
+            return;
+        dialog->reject();
+        QFAIL("the dialog stays open");
+    });
 }
 
 } // namespace
@@ -164,7 +171,7 @@ private slots:
     {
         QString answer = QStringLiteral("none");
         QTimer::singleShot(0, this, [&] {
-            Then([](QDialog*) { QCoreApplication::quit(); });
+            QTimer::singleShot(0, &QCoreApplication::quit);
             answer = m_service.ShowMessage(4, {}, {}, {}, QStringLiteral("Sure?"), Buttons({1, 2}), false);
         });
         QCoreApplication::exec();
