@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QUrl>
@@ -9,8 +10,6 @@
 /// An HTTP server on a loopback port that answers as it is told, badly if need be.
 class StandInServer : public QObject
 {
-    Q_OBJECT
-
 public:
     /// What happens to one request: bytes are sent as they are, then the connection is closed.
     struct Reply
@@ -19,35 +18,73 @@ public:
         bool hold = false; ///< send nothing until Release
     };
 
-    StandInServer();
+    StandInServer()
+    {
+        connect(&m_server, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket* socket = m_server.nextPendingConnection()) {
+                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+                connect(socket, &QTcpSocket::readyRead, this, [this, socket] { Read(socket); });
+            }
+        });
+        if (!m_server.listen(QHostAddress::LocalHost))
+            qFatal("no loopback port to listen on");
+    }
 
     /// A whole answer.
-    static Reply Http(int status, const QByteArray& body, const QByteArray& headers = {});
+    static Reply Http(int status, const QByteArray& body = "{}", const QByteArray& headers = {})
+    {
+        return {"HTTP/1.1 " + QByteArray::number(status)
+            + " Status\r\nContent-Type: application/json\r\nContent-Length: "
+            + QByteArray::number(body.size()) + "\r\nConnection: close\r\n" + headers + "\r\n" + body};
+    }
 
     /// An answer that is not sent before Release.
     static Reply Held(const Reply& reply) { return {reply.bytes, true}; }
 
-    QUrl Url() const;
+    QUrl Url() const { return QUrl(QStringLiteral("http://127.0.0.1:%1").arg(m_server.serverPort())); }
 
     /// The replies to the coming requests, in order; the last one also serves all that follow.
     void SetReplies(const QList<Reply>& replies) { m_replies = replies; }
 
     /// Sends the held reply to the request of this index.
-    void Release(int request);
+    void Release(int request)
+    {
+        const Exchange& exchange = m_exchanges.at(request);
+        if (exchange.socket)
+            Send(exchange.socket, exchange.reply.bytes);
+    }
 
     /// Head and body of each request so far, in order.
     QList<QByteArray> Requests() const { return m_requests; }
 
 private:
-    void Accept();
-    void Read(QTcpSocket* socket);
-    static void Send(QTcpSocket* socket, const QByteArray& bytes);
-
     struct Exchange
     {
         QPointer<QTcpSocket> socket;
         Reply reply;
     };
+
+    void Read(QTcpSocket* socket)
+    {
+        static const QRegularExpression length(
+            QStringLiteral("\r\nContent-Length: *([0-9]+)"), QRegularExpression::CaseInsensitiveOption);
+        const QByteArray received = socket->peek(socket->bytesAvailable());
+        const int head = received.indexOf("\r\n\r\n");
+        const int body = length.match(QString::fromLatin1(received.left(head))).captured(1).toInt();
+        if (head < 0 || received.size() < head + 4 + body)
+            return;
+        m_requests.append(socket->readAll());
+        const Reply reply = m_replies.size() > 1 ? m_replies.takeFirst() : m_replies.value(0);
+        m_exchanges.append({socket, reply});
+        if (!reply.hold)
+            Send(socket, reply.bytes);
+    }
+
+    static void Send(QTcpSocket* socket, const QByteArray& bytes)
+    {
+        socket->write(bytes);
+        socket->disconnectFromHost();
+    }
 
     QTcpServer m_server;
     QList<Reply> m_replies;

@@ -1,11 +1,14 @@
 #include "communication_service.h"
 #include "stand_in_server.h"
 
+#include <QJsonDocument>
 #include <QSignalSpy>
 #include <QtTest>
 
+using namespace FarmProtocol;
 using Reply = StandInServer::Reply;
-using Operation = int (CommunicationService::*)(const QVariant&, const QVariantHash&);
+using Service = CommunicationService;
+using Operation = int (Service::*)(const QVariant&, const QVariantHash&);
 
 Q_DECLARE_METATYPE(QList<StandInServer::Reply>)
 Q_DECLARE_METATYPE(Operation)
@@ -26,19 +29,20 @@ HttpLimits Impatient()
     return limits;
 }
 
-QVariantHash Request(const QVariantHash& more = {})
+QJsonObject Json(const QByteArray& text)
 {
-    QVariantHash request {
-        {QStringLiteral("username"), QStringLiteral("u1")}, {QStringLiteral("token"), QStringLiteral("abc")}};
-    for (auto entry = more.begin(); entry != more.end(); ++entry)
-        request.insert(entry.key(), entry.value());
-    return request;
+    const QJsonDocument document = QJsonDocument::fromJson(text);
+    if (!document.isObject())
+        qFatal("no JSON object: %s", text.constData());
+    return document.object();
 }
 
-QVariantHash JobListRequest(int identifier, int page = 1)
+/// A request of the session "abc" with what the JSON object says.
+QVariantHash Request(const QByteArray& json = "{}")
 {
-    return Request({{QStringLiteral("identifier"), identifier}, {QStringLiteral("page"), page},
-        {QStringLiteral("pageSize"), 18}});
+    QVariantHash request = Json(json).toVariantHash();
+    request.insert(QStringLiteral("token"), QStringLiteral("abc"));
+    return request;
 }
 
 } // namespace
@@ -49,288 +53,266 @@ class TestHostCommunication : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
+    void init()
+    {
+        m_server = std::make_unique<StandInServer>();
+        m_service = std::make_unique<CommunicationService>(Impatient());
+        m_service->SetServerUrl(m_server->Url());
+        QCOMPARE(m_service->Initialize({}), 0);
+        QCOMPARE(m_service->Show(m_status, {}), 0);
+    }
+
     void cleanup() { m_service.reset(); }
 
-    void AnswersWhateverTheServerDoes_data();
-    void AnswersWhateverTheServerDoes();
-    void AnswersWithoutServerAndRecovers();
-    void SignsInOnlyOnce();
-    void SendsRequests_data();
-    void SendsRequests();
-    void SendsTheTokenInTheHeaderOnly();
-    void RefusesRequestsWithoutItsStatus();
-    void EchoesTheRequestAlsoOnFailure();
-    void DropsTheOlderOfTwoJobLists();
-    void DropsAnswersOfAnEndedSession();
-    void MayBeUsedFromAnAnswer();
-    void ReportsAnExpiredSessionOnce();
+    void AnswersWhateverTheServerDoes_data()
+    {
+        QTest::addColumn<QList<Reply>>("replies");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<int>("requests");
+        const auto row = [](const char* name, const QList<Reply>& replies, int code, int requests = 1) {
+            QTest::newRow(name) << replies << code << requests;
+        };
+        const Reply good = StandInServer::Http(200, kAccount);
+        const Reply cut {good.bytes.chopped(10), false};
+        const QByteArray deep = "{\"data\":" + QByteArray(5000, '[') + QByteArray(5000, ']') + "}";
+
+        row("success", {good}, 200);
+        row("refused", {StandInServer::Http(401)}, 401);
+        row("other success", {StandInServer::Http(204, {})}, 204);
+        row("redirect", {StandInServer::Http(302, {}, "Location: /elsewhere\r\n"), good}, 302);
+        row("failures, then success", {StandInServer::Http(500), StandInServer::Http(503), good}, 200, 3);
+        row("failure after failure", {StandInServer::Http(503)}, 503, 3);
+        row("asks to wait an hour", {StandInServer::Http(429, "{}", "Retry-After: 3600\r\n"), good}, 200, 2);
+        row("cut off, then success", {cut, good}, 200, 2);
+        row("cut off for ever", {cut}, HttpResult::Unreachable, 3);
+        // Qt itself repeats a request that got no HTTP at all, so each attempt counts twice here.
+        row("no HTTP", {{"220 mail.example ESMTP\r\n", false}}, HttpResult::Unreachable, 6);
+        row("silent", {{{}, true}}, HttpResult::TimedOut, 3);
+        row("huge", {StandInServer::Http(200, QByteArray(200000, ' ') + kAccount)}, HttpResult::TooLarge);
+        row("rubbish", {StandInServer::Http(200, "<html>")}, HttpResult::NotJson);
+        row("list", {StandInServer::Http(200, "[]")}, HttpResult::NotJson);
+        row("deep", {StandInServer::Http(200, deep)}, HttpResult::NotJson);
+        row("no UTF-8", {StandInServer::Http(200, "{\"data\": \"\xff\xfe\"}")}, HttpResult::NotJson);
+        row("without data", {StandInServer::Http(200)}, HttpResult::NotJson);
+    }
+
+    void AnswersWhateverTheServerDoes()
+    {
+        QFETCH(QList<Reply>, replies);
+        QFETCH(int, code);
+        m_server->SetReplies(replies);
+        QSignalSpy answers(m_service.get(), &VTCommunicationInterface::UserInfoResponse);
+
+        QCOMPARE(m_service->GetUserInfo(m_status, Request()), 0);
+        QCOMPARE(answers.count(), 0);
+        QTRY_COMPARE(answers.count(), 1);
+        QCOMPARE(answers[0][0].toInt(), code);
+        QTEST(m_server->Requests().size(), "requests");
+        const QString message = answers[0][1].toMap().value(QStringLiteral("message")).toString();
+        QCOMPARE(message.isEmpty(), code == 200);
+    }
+
+    void RefusesUnsoundSuccesses()
+    {
+        for (const QByteArray& token : {QByteArray(), QByteArray("a\\r\\nX: y"), QByteArray(5000, 'x')})
+            QVERIFY2(!IsSession(Json(QByteArray(kSession).replace("abc", token))), token);
+        QVERIFY(!IsSession(Json(QByteArray(kSession).replace("\"demo\"", "5"))));
+        const QByteArray many = QByteArray("{},").repeated(1000) + "{}";
+        QVERIFY(!IsJobList(Json(R"({"data": {"total": 1001, "list": [)" + many + "]}}")));
+        QVERIFY(!IsJobList(Json(R"({"data": {"total": 1e18, "list": []}})")));
+        QVERIFY(!IsJobList(Json(R"({"data": {"list": []}})")));
+        QVERIFY(!IsJobList(Json(R"({"data": {"total": 0, "list": {}}})")));
+        QVERIFY(!IsUserInfo(Json(R"({"data": {"userInfo": []}})")));
+        QVERIFY(!IsProjectList(Json(R"({"data": {}})")));
+        QVERIFY(IsJobInfo(Json(R"({"data": {"jobDatas": {"jobStatus": 4}}})")));
+        QVERIFY(!IsJobInfo(Json(R"({"data": {"jobStatus": 4}})")));
+    }
+
+    void AnswersWithoutServerAndRecovers()
+    {
+        QSignalSpy answers(m_service.get(), &VTCommunicationInterface::ProjectListResponse);
+        const QUrl down = m_server->Url();
+        m_server = std::make_unique<StandInServer>();
+        m_server->SetReplies({StandInServer::Http(200, R"({"data": []})")});
+        for (const QUrl& url : {QUrl(), down, m_server->Url()}) {
+            m_service->SetServerUrl(url);
+            QCOMPARE(m_service->GetProjectList(m_status, Request()), 0);
+            QVERIFY(answers.isEmpty());
+            QTRY_COMPARE(answers.count(), 1);
+            const int code = answers.takeFirst()[0].toInt();
+            QCOMPARE(code, url == m_server->Url() ? 200 : HttpResult::Unreachable);
+        }
+    }
+
+    void SignsInOnlyOnce()
+    {
+        QSignalSpy answers(m_service.get(), &VTCommunicationInterface::SignInResponse);
+        m_server->SetReplies({StandInServer::Http(503), StandInServer::Http(200, kSession)});
+        for (const int code : {503, 200}) {
+            m_service->SignIn(QStringLiteral("demo"), QStringLiteral("secret"));
+            QTRY_COMPARE(answers.count(), code == 503 ? 1 : 2);
+            QCOMPARE(answers.constLast()[0].toInt(), code);
+        }
+        QCOMPARE(answers[1][1].toMap(), Json(kSession).toVariantMap());
+        QCOMPARE(m_server->Requests().size(), 2);
+        QVERIFY(m_server->Requests().at(1).startsWith("POST /api/v1/session "));
+        QVERIFY(m_server->Requests().at(1).endsWith(R"({"password":"secret","username":"demo"})"));
+    }
+
+    void SendsRequests_data()
+    {
+        QTest::addColumn<Operation>("operation");
+        QTest::addColumn<QByteArray>("request");
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<QByteArray>("body");
+        const auto row = [](const char* name, Operation operation, const QByteArray& request,
+                             const QByteArray& line, const QByteArray& body = {}) {
+            QTest::newRow(name) << operation << request << line << body;
+        };
+        const auto search = [](const QByteArray& conditions) -> QByteArray {
+            return R"({"page":3,"pageSize":18,"conditions":)" + conditions + "}";
+        };
+        const QByteArray page = "GET /api/v1/jobs?page=3&pageSize=18";
+        const QByteArray fits = QByteArray(4000, 'x');
+        const QByteArray isLong = '"' + QByteArray(4200, 'x') + '"';
+        const QByteArray ids = R"({"id[0]": "a", "id[1]": "b", "id[3]": "d"})";
+        const QByteArray twoIds = R"({"ids":["a","b"]})";
+
+        row("sign out", &Service::SignOut, "{}", "DELETE /api/v1/session");
+        row("account", &Service::GetUserInfo, "{}", "GET /api/v1/account");
+        row("projects", &Service::GetProjectList, "{}", "GET /api/v1/projects");
+        row("jobs", &Service::GetJobList, search("null"), page);
+        row("filtered jobs", &Service::GetJobList, search("\"{a+b&c=%41#\u00e9}\""),
+            page + "&conditions=%7Ba%2Bb%26c%3D%2541%23%C3%A9%7D");
+        row("what a URL holds", &Service::GetJobList, search('"' + fits + '"'), page + "&conditions=" + fits);
+        row("more than a URL holds", &Service::GetJobList, search(isLong), "POST /api/v1/jobs/search",
+            R"({"conditions":)" + isLong + R"(,"page":3,"pageSize":18})");
+        row("job", &Service::GetJobInfo, R"({"id": "x/../y?z"})", "GET /api/v1/jobs/x%2F..%2Fy%3Fz");
+        row("stop", &Service::StopJobs, ids, "POST /api/v1/jobs/stop", twoIds);
+        row("delete", &Service::DeleteJobs, ids, "POST /api/v1/jobs/delete", twoIds);
+        row("recover", &Service::RecoverJobs, ids, "POST /api/v1/jobs/recover", twoIds);
+        row("restart", &Service::RestartJobs, ids, "POST /api/v1/jobs/restart", twoIds);
+        row("full render", &Service::FullRender, ids, "POST /api/v1/jobs/full-render", twoIds);
+    }
+
+    void SendsRequests()
+    {
+        QFETCH(Operation, operation);
+        QFETCH(QByteArray, request);
+        m_server->SetReplies({StandInServer::Http(404)});
+        QCOMPARE((m_service.get()->*operation)(m_status, Request(request)), 0);
+        QTRY_COMPARE(m_server->Requests().size(), 1);
+        const QByteArray sent = m_server->Requests().constFirst();
+        QTEST(sent.left(sent.indexOf(" HTTP/1.1")), "line");
+        QTEST(sent.mid(sent.indexOf("\r\n\r\n") + 4), "body");
+        QVERIFY(sent.contains("\r\nAuthorization: Bearer abc\r\n"));
+        QCOMPARE(sent.count("abc"), 1);
+    }
+
+    void RefusesRequestsWithoutItsStatus()
+    {
+        QCOMPARE(m_service->GetJobList(0, Request()), -4);
+        QCOMPARE(m_service->SignOut(QVariant(), Request()), -4);
+        m_service->Uninitialize();
+        QCOMPARE(m_service->StopJobs(m_status, Request()), -3);
+    }
+
+    void EchoesTheRequestAlsoOnFailure()
+    {
+        QSignalSpy lists(m_service.get(), &VTCommunicationInterface::JobListResponse);
+        QSignalSpy infos(m_service.get(), &VTCommunicationInterface::JobInfoResponse);
+        const QByteArray why = R"("message": "Arrears.", "data": {"notAllowedJobs": ["7"]})";
+        const QByteArray echo = R"("identifier": 1)";
+        const QByteArray echoOfJob = echo + R"(, "jobId": "j")";
+        m_server->SetReplies(
+            {StandInServer::Http(409, R"({"identifier": 9, "jobId": "forged", )" + why + "}")});
+        m_service->GetJobList(m_status, Request("{" + echo + "}"));
+        m_service->GetJobInfo(m_status, Request("{" + echoOfJob + "}"));
+        QTRY_VERIFY(lists.count() == 1 && infos.count() == 1);
+        QCOMPARE(lists[0][0].toInt(), 409);
+        QCOMPARE(lists[0][1].toMap(), Json("{" + echo + "," + why + "}").toVariantMap());
+        QCOMPARE(infos[0][1].toMap(), Json("{" + echoOfJob + "," + why + "}").toVariantMap());
+    }
+
+    void DropsTheOlderOfTwoJobLists()
+    {
+        QSignalSpy answers(m_service.get(), &VTCommunicationInterface::JobListResponse);
+        const Reply jobs = StandInServer::Http(200, kJobs);
+        m_server->SetReplies({StandInServer::Held(jobs), StandInServer::Held(jobs), jobs});
+        m_service->GetJobList(m_status, Request(R"({"identifier": 0, "page": 1})"));
+        QTRY_COMPARE(m_server->Requests().size(), 1);
+        m_service->GetJobList(m_status, Request(R"({"identifier": 1, "page": 1})"));
+        QTRY_COMPARE(m_server->Requests().size(), 2);
+        m_service->GetJobList(m_status, Request(R"({"identifier": 0, "page": 2})"));
+        QTRY_COMPARE(answers.count(), 1);
+        m_server->Release(0);
+        m_server->Release(1);
+        QTRY_COMPARE(answers.count(), 2);
+        QCOMPARE(answers[0][1].toMap().value(QStringLiteral("identifier")).toInt(), 0);
+        QCOMPARE(answers[1][1].toMap().value(QStringLiteral("identifier")).toInt(), 1);
+    }
+
+    void DropsAnswersOfAnEndedSession()
+    {
+        QSignalSpy infos(m_service.get(), &VTCommunicationInterface::UserInfoResponse);
+        QSignalSpy signIns(m_service.get(), &VTCommunicationInterface::SignInResponse);
+        QSignalSpy signOuts(m_service.get(), &VTCommunicationInterface::SignOutResponse);
+        const Reply account = StandInServer::Held(StandInServer::Http(200, kAccount));
+        m_server->SetReplies(
+            {account, StandInServer::Http(200), account, StandInServer::Http(200, kSession)});
+
+        m_service->GetUserInfo(m_status, Request());
+        QTRY_COMPARE(m_server->Requests().size(), 1);
+        m_service->SignOut(m_status, Request());
+        QTRY_COMPARE(signOuts.count(), 1);
+        m_service->GetUserInfo(m_status, Request());
+        QTRY_COMPARE(m_server->Requests().size(), 3);
+        m_service->SignIn(QStringLiteral("demo"), QStringLiteral("demo"));
+        QTRY_COMPARE(signIns.count(), 1);
+
+        m_server->Release(0);
+        m_server->Release(2);
+        m_service->GetUserInfo(m_status, Request());
+        QTRY_COMPARE(infos.count(), 1);
+        QCOMPARE(infos[0][0].toInt(), HttpResult::NotJson);
+    }
+
+    void MayBeUsedFromAnAnswer()
+    {
+        int lists = 0;
+        m_server->SetReplies({StandInServer::Http(200, kJobs)});
+        QSignalSpy signOuts(m_service.get(), &VTCommunicationInterface::SignOutResponse);
+        connect(m_service.get(), &VTCommunicationInterface::JobListResponse, this, [this, &lists] {
+            // As the window does: ask for another page at once, and, some time, sign out in the middle of it.
+            if (++lists < 3)
+                m_service->GetJobList(m_status, Request());
+            else
+                m_service->SignOut(m_status, Request());
+        });
+        m_service->GetJobList(m_status, Request());
+        QTRY_COMPARE(signOuts.count(), 1);
+        QCOMPARE(lists, 3);
+    }
+
+    void ReportsAnExpiredSessionOnce()
+    {
+        QSignalSpy expiries(m_service.get(), &CommunicationService::SessionExpired);
+        QSignalSpy answers(m_service.get(), &VTCommunicationInterface::UserInfoResponse);
+        m_server->SetReplies({StandInServer::Http(401)});
+        m_service->GetUserInfo(m_status, Request());
+        m_service->GetUserInfo(m_status, Request());
+        QTRY_COMPARE(answers.count(), 2);
+        QCOMPARE(expiries.count(), 1);
+        m_service->SignIn(QStringLiteral("demo"), QStringLiteral("wrong"));
+        m_service->GetUserInfo(m_status, Request());
+        QTRY_COMPARE(expiries.count(), 2);
+    }
 
 private:
     std::unique_ptr<StandInServer> m_server;
     std::unique_ptr<CommunicationService> m_service;
     QVariant m_status;
 };
-
-void TestHostCommunication::init()
-{
-    m_server = std::make_unique<StandInServer>();
-    m_service = std::make_unique<CommunicationService>(Impatient());
-    m_service->SetServerUrl(m_server->Url());
-    QCOMPARE(m_service->Initialize({}), 0);
-    QCOMPARE(m_service->Show(m_status, {}), 0);
-}
-
-void TestHostCommunication::AnswersWhateverTheServerDoes_data()
-{
-    QTest::addColumn<QList<Reply>>("replies");
-    QTest::addColumn<int>("code");
-    QTest::addColumn<int>("requests");
-    const auto http
-        = [](int status, const QByteArray& body = "{}") { return StandInServer::Http(status, body); };
-    const Reply cut {http(200, kAccount).bytes.chopped(10), false};
-    const QByteArray deep = "{\"data\":" + QByteArray(5000, '[') + QByteArray(5000, ']') + "}";
-
-    QTest::newRow("success") << QList<Reply> {http(200, kAccount)} << 200 << 1;
-    QTest::newRow("refused") << QList<Reply> {http(401)} << 401 << 1;
-    QTest::newRow("other success") << QList<Reply> {http(204, {})} << 204 << 1;
-    QTest::newRow("redirect") << QList<Reply> {StandInServer::Http(302, {}, "Location: /elsewhere\r\n"),
-        http(200, kAccount)} << 302
-                              << 1;
-    QTest::newRow("failures, then success")
-        << QList<Reply> {http(500), http(503), http(200, kAccount)} << 200 << 3;
-    QTest::newRow("failure after failure") << QList<Reply> {http(503)} << 503 << 3;
-    QTest::newRow("too many requests, asks for an hour")
-        << QList<Reply> {StandInServer::Http(429, "{}", "Retry-After: 3600\r\n"), http(200, kAccount)} << 200
-        << 2;
-    QTest::newRow("cut off, then success") << QList<Reply> {cut, http(200, kAccount)} << 200 << 2;
-    QTest::newRow("cut off for ever") << QList<Reply> {cut} << int(HttpResult::Unreachable) << 3;
-    // Qt itself repeats a request that got no HTTP at all, so each attempt counts twice here.
-    QTest::newRow("no HTTP") << QList<Reply> {{"220 mail.example ESMTP\r\n", false}}
-                             << int(HttpResult::Unreachable) << 6;
-    QTest::newRow("silent") << QList<Reply> {{{}, true}} << int(HttpResult::TimedOut) << 3;
-    QTest::newRow("huge") << QList<Reply> {http(200, QByteArray(200000, ' ') + kAccount)}
-                          << int(HttpResult::TooLarge) << 1;
-    QTest::newRow("rubbish") << QList<Reply> {http(200, "<html>")} << int(HttpResult::NotJson) << 1;
-    QTest::newRow("empty") << QList<Reply> {http(200, {})} << int(HttpResult::NotJson) << 1;
-    QTest::newRow("list") << QList<Reply> {http(200, "[]")} << int(HttpResult::NotJson) << 1;
-    QTest::newRow("deep") << QList<Reply> {http(200, deep)} << int(HttpResult::NotJson) << 1;
-    QTest::newRow("no UTF-8") << QList<Reply> {http(200, "{\"data\": \"\xff\xfe\"}")}
-                              << int(HttpResult::NotJson) << 1;
-    QTest::newRow("without data") << QList<Reply> {http(200)} << int(HttpResult::NotJson) << 1;
-}
-
-void TestHostCommunication::AnswersWhateverTheServerDoes()
-{
-    QFETCH(QList<Reply>, replies);
-    m_server->SetReplies(replies);
-    QSignalSpy answers(m_service.get(), &VTCommunicationInterface::UserInfoResponse);
-
-    QCOMPARE(m_service->GetUserInfo(m_status, Request()), 0);
-    QCOMPARE(answers.count(), 0);
-    QTRY_COMPARE(answers.count(), 1);
-    QTEST(answers[0][0].toInt(), "code");
-    QTEST(m_server->Requests().size(), "requests");
-    const QVariantMap map = answers[0][1].toMap();
-    QCOMPARE(map.value(QStringLiteral("message")).toString().isEmpty(), answers[0][0].toInt() == 200);
-}
-
-void TestHostCommunication::AnswersWithoutServerAndRecovers()
-{
-    QSignalSpy answers(m_service.get(), &VTCommunicationInterface::ProjectListResponse);
-    m_service->SetServerUrl({});
-    QCOMPARE(m_service->GetProjectList(m_status, Request()), 0);
-    QCOMPARE(answers.count(), 0);
-    QTRY_COMPARE(answers.count(), 1);
-    QCOMPARE(answers[0][0].toInt(), int(HttpResult::Unreachable));
-
-    const QUrl down = m_server->Url();
-    m_server = std::make_unique<StandInServer>();
-    m_server->SetReplies({StandInServer::Http(200, R"({"data": []})")});
-    m_service->SetServerUrl(down);
-    m_service->GetProjectList(m_status, Request());
-    QTRY_COMPARE(answers.count(), 2);
-    QCOMPARE(answers[1][0].toInt(), int(HttpResult::Unreachable));
-
-    m_service->SetServerUrl(m_server->Url());
-    m_service->GetProjectList(m_status, Request());
-    QTRY_COMPARE(answers.count(), 3);
-    QCOMPARE(answers[2][0].toInt(), 200);
-}
-
-void TestHostCommunication::SignsInOnlyOnce()
-{
-    QSignalSpy answers(m_service.get(), &VTCommunicationInterface::SignInResponse);
-    m_server->SetReplies({StandInServer::Http(503, "{}"), StandInServer::Http(200, kSession)});
-    m_service->SignIn(QStringLiteral("demo"), QStringLiteral("secret"));
-    QTRY_COMPARE(answers.count(), 1);
-    QCOMPARE(answers[0][0].toInt(), 503);
-    QCOMPARE(m_server->Requests().size(), 1);
-
-    m_service->SignIn(QStringLiteral("demo"), QStringLiteral("secret"));
-    QTRY_COMPARE(answers.count(), 2);
-    const QVariantMap answer = answers[1][1].toMap();
-    QCOMPARE(answer.value(QStringLiteral("loginname")).toString(), QStringLiteral("demo"));
-    QCOMPARE(answer.value(QStringLiteral("username")).toString(), QStringLiteral("u1"));
-    QCOMPARE(answer.value(QStringLiteral("data")).toMap().value(QStringLiteral("token")).toString(),
-        QStringLiteral("abc"));
-    QVERIFY(m_server->Requests().at(1).startsWith("POST /api/v1/session "));
-    QVERIFY(m_server->Requests().at(1).endsWith(R"({"password":"secret","username":"demo"})"));
-}
-
-void TestHostCommunication::SendsRequests_data()
-{
-    QTest::addColumn<Operation>("operation");
-    QTest::addColumn<QVariantHash>("more");
-    QTest::addColumn<QByteArray>("line");
-    QTest::addColumn<QByteArray>("body");
-    const QVariantHash ids {{QStringLiteral("id[0]"), QStringLiteral("a")},
-        {QStringLiteral("id[1]"), QStringLiteral("b")}, {QStringLiteral("id[3]"), QStringLiteral("d")}};
-    const QVariantHash list {{QStringLiteral("page"), 3}, {QStringLiteral("pageSize"), 18}};
-    QVariantHash filtered = list;
-    filtered.insert(QStringLiteral("conditions"), QStringLiteral("{\"job_name\":\"a+b&c=%41#\xe9\"}"));
-    const QByteArray twoIds = R"({"ids":["a","b"]})";
-    const auto row
-        = [](const char* name, Operation operation, const QVariantHash& more, const QByteArray& line,
-              const QByteArray& body = {}) { QTest::newRow(name) << operation << more << line << body; };
-
-    row("sign out", &CommunicationService::SignOut, {}, "DELETE /api/v1/session");
-    row("account", &CommunicationService::GetUserInfo, {}, "GET /api/v1/account");
-    row("projects", &CommunicationService::GetProjectList, {}, "GET /api/v1/projects");
-    row("jobs", &CommunicationService::GetJobList, list, "GET /api/v1/jobs?page=3&pageSize=18");
-    row("filtered jobs", &CommunicationService::GetJobList, filtered,
-        "GET "
-        "/api/v1/jobs?page=3&pageSize=18&conditions=%7B%22job_name%22%3A%22a%2Bb%26c%3D%2541%23%C3%A9%22%7D");
-    row("job", &CommunicationService::GetJobInfo, {{QStringLiteral("id"), QStringLiteral("x/../y?z")}},
-        "GET /api/v1/jobs/x%2F..%2Fy%3Fz");
-    row("stop", &CommunicationService::StopJobs, ids, "POST /api/v1/jobs/stop", twoIds);
-    row("delete", &CommunicationService::DeleteJobs, ids, "POST /api/v1/jobs/delete", twoIds);
-    row("recover", &CommunicationService::RecoverJobs, ids, "POST /api/v1/jobs/recover", twoIds);
-    row("restart", &CommunicationService::RestartJobs, ids, "POST /api/v1/jobs/restart", twoIds);
-    row("full render", &CommunicationService::FullRender, ids, "POST /api/v1/jobs/full-render", twoIds);
-}
-
-void TestHostCommunication::SendsRequests()
-{
-    QFETCH(Operation, operation);
-    QFETCH(QVariantHash, more);
-    QFETCH(QByteArray, line);
-    QFETCH(QByteArray, body);
-    m_server->SetReplies({StandInServer::Http(404, "{}")});
-    QCOMPARE((m_service.get()->*operation)(m_status, Request(more)), 0);
-    QTRY_COMPARE(m_server->Requests().size(), 1);
-    const QByteArray request = m_server->Requests().constFirst();
-    QCOMPARE(request.left(request.indexOf(" HTTP/1.1")), line);
-    QCOMPARE(request.mid(request.indexOf("\r\n\r\n") + 4), body);
-}
-
-void TestHostCommunication::SendsTheTokenInTheHeaderOnly()
-{
-    m_server->SetReplies({StandInServer::Http(200, kAccount)});
-    m_service->GetUserInfo(m_status, Request());
-    QTRY_COMPARE(m_server->Requests().size(), 1);
-    QCOMPARE(m_server->Requests().constFirst().count("abc"), 1);
-    QVERIFY(m_server->Requests().constFirst().contains("\r\nAuthorization: Bearer abc\r\n"));
-}
-
-void TestHostCommunication::RefusesRequestsWithoutItsStatus()
-{
-    QCOMPARE(m_service->GetJobList(0, JobListRequest(0)), -4);
-    QCOMPARE(m_service->SignOut(QVariant(), Request()), -4);
-    m_service->Uninitialize();
-    QCOMPARE(m_service->StopJobs(m_status, Request()), -3);
-}
-
-void TestHostCommunication::EchoesTheRequestAlsoOnFailure()
-{
-    QSignalSpy lists(m_service.get(), &VTCommunicationInterface::JobListResponse);
-    QSignalSpy infos(m_service.get(), &VTCommunicationInterface::JobInfoResponse);
-    m_server->SetReplies({StandInServer::Http(404, R"({"identifier": 9, "jobId": "forged"})")});
-    m_service->GetJobList(m_status, JobListRequest(1));
-    m_service->GetJobInfo(m_status,
-        Request({{QStringLiteral("id"), QStringLiteral("j")}, {QStringLiteral("jobId"), QStringLiteral("j")},
-            {QStringLiteral("identifier"), 1}}));
-    QTRY_VERIFY(lists.count() == 1 && infos.count() == 1);
-    QCOMPARE(lists[0][1].toMap().value(QStringLiteral("identifier")).toInt(), 1);
-    QCOMPARE(infos[0][1].toMap().value(QStringLiteral("identifier")).toInt(), 1);
-    QCOMPARE(infos[0][1].toMap().value(QStringLiteral("jobId")).toString(), QStringLiteral("j"));
-}
-
-void TestHostCommunication::DropsTheOlderOfTwoJobLists()
-{
-    QSignalSpy answers(m_service.get(), &VTCommunicationInterface::JobListResponse);
-    const Reply jobs = StandInServer::Http(200, kJobs);
-    m_server->SetReplies({StandInServer::Held(jobs), StandInServer::Held(jobs), jobs});
-    m_service->GetJobList(m_status, JobListRequest(0, 1));
-    QTRY_COMPARE(m_server->Requests().size(), 1);
-    m_service->GetJobList(m_status, JobListRequest(1));
-    QTRY_COMPARE(m_server->Requests().size(), 2);
-    m_service->GetJobList(m_status, JobListRequest(0, 2));
-    QTRY_COMPARE(answers.count(), 1);
-    m_server->Release(0);
-    m_server->Release(1);
-    QTRY_COMPARE(answers.count(), 2);
-    QCOMPARE(answers[0][1].toMap().value(QStringLiteral("identifier")).toInt(), 0);
-    QCOMPARE(answers[1][1].toMap().value(QStringLiteral("identifier")).toInt(), 1);
-}
-
-void TestHostCommunication::DropsAnswersOfAnEndedSession()
-{
-    QSignalSpy infos(m_service.get(), &VTCommunicationInterface::UserInfoResponse);
-    QSignalSpy signIns(m_service.get(), &VTCommunicationInterface::SignInResponse);
-    QSignalSpy signOuts(m_service.get(), &VTCommunicationInterface::SignOutResponse);
-    const Reply account = StandInServer::Held(StandInServer::Http(200, kAccount));
-    m_server->SetReplies(
-        {account, StandInServer::Http(200, "{}"), account, StandInServer::Http(200, kSession)});
-
-    m_service->GetUserInfo(m_status, Request());
-    QTRY_COMPARE(m_server->Requests().size(), 1);
-    m_service->SignOut(m_status, Request());
-    QTRY_COMPARE(signOuts.count(), 1);
-    m_service->GetUserInfo(m_status, Request());
-    QTRY_COMPARE(m_server->Requests().size(), 3);
-    m_service->SignIn(QStringLiteral("demo"), QStringLiteral("demo"));
-    QTRY_COMPARE(signIns.count(), 1);
-
-    m_server->Release(0);
-    m_server->Release(2);
-    m_service->GetUserInfo(m_status, Request());
-    QTRY_COMPARE(infos.count(), 1);
-    QCOMPARE(infos[0][0].toInt(), int(HttpResult::NotJson));
-}
-
-void TestHostCommunication::MayBeUsedFromAnAnswer()
-{
-    int lists = 0;
-    bool signedOut = false;
-    m_server->SetReplies({StandInServer::Http(200, kJobs)});
-    connect(m_service.get(), &VTCommunicationInterface::JobListResponse, this, [this, &lists] {
-        // As the window does: ask for another page at once, and, some time, sign out in the middle of it.
-        if (++lists < 3)
-            m_service->GetJobList(m_status, JobListRequest(0));
-        else
-            m_service->SignOut(m_status, Request());
-    });
-    connect(m_service.get(), &VTCommunicationInterface::SignOutResponse, this,
-        [&signedOut] { signedOut = true; });
-    m_service->GetJobList(m_status, JobListRequest(0));
-    QTRY_VERIFY(signedOut);
-    QCOMPARE(lists, 3);
-}
-
-void TestHostCommunication::ReportsAnExpiredSessionOnce()
-{
-    QSignalSpy expiries(m_service.get(), &CommunicationService::SessionExpired);
-    QSignalSpy answers(m_service.get(), &VTCommunicationInterface::UserInfoResponse);
-    m_server->SetReplies({StandInServer::Http(401, "{}")});
-    m_service->GetUserInfo(m_status, Request());
-    m_service->GetUserInfo(m_status, Request());
-    QTRY_COMPARE(answers.count(), 2);
-    QCOMPARE(expiries.count(), 1);
-    m_service->SignIn(QStringLiteral("demo"), QStringLiteral("wrong"));
-    m_service->GetUserInfo(m_status, Request());
-    QTRY_COMPARE(expiries.count(), 2);
-}
 
 QTEST_GUILESS_MAIN(TestHostCommunication)
 #include "tst_host_communication.moc"

@@ -1,7 +1,6 @@
 #include "farm_process.h"
 
 #include <QSignalSpy>
-#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -9,13 +8,14 @@
 
 namespace {
 
-FarmProcess::Patience Impatient()
+/// @param start in milliseconds, for the address to be announced.
+FarmProcess::Patience Impatient(int start)
 {
     FarmProcess::Patience patience;
-    patience.start = 1000;
+    patience.start = start;
     patience.firstPause = 5;
     patience.restarts = 2;
-    patience.end = 1000;
+    patience.end = 200;
     return patience;
 }
 
@@ -26,138 +26,83 @@ bool IsRunning(qint64 id)
 
 } // namespace
 
-/// Start, loss and end of the embedded farm; with stand-in programs, and with the real one where it is built.
+/// Start, loss and end of the embedded farm, with stand-in programs.
 class TestHostFarmProcess : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void ReadsTheAddress_data();
-    void ReadsTheAddress();
-    void RestartsAndEnds();
-    void GivesUp_data();
-    void GivesUp();
-    void EndsOneThatDoesNotListen();
-    void RunsTheRealFarm();
+    void ReadsTheAddress()
+    {
+        QCOMPARE(FarmProcess::AnnouncedAddress("listening on http://127.0.0.1:4711\n"),
+            QUrl(QStringLiteral("http://127.0.0.1:4711")));
+        for (const char* line : {"listening on http://farm.example:4711\n",
+                 "listening on http://127.0.0.1:0\n", "listening on http://127.0.0.1:65536\n",
+                 "listening on http://127.0.0.1:4711/x\n", "now listening on http://127.0.0.1:4711\n"})
+            QVERIFY2(FarmProcess::AnnouncedAddress(line).isEmpty(), line);
+    }
+
+    void RestartsAndEnds_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        const QByteArray start = "echo starting; echo listening on http://127.0.0.1:4711; ";
+        QTest::newRow("ends when asked") << QByteArray(start + "exec cat >/dev/null");
+        QTest::newRow("does not listen") << QByteArray("trap '' TERM; " + start + "while :; do read x; done");
+    }
+
+    void RestartsAndEnds()
+    {
+        QFETCH(QByteArray, text);
+        FarmProcess farm(Program(text), m_folder.path(), Impatient(5000));
+        QSignalSpy listening(&farm, &FarmProcess::Listening);
+        QSignalSpy lost(&farm, &FarmProcess::Lost);
+        farm.Start();
+        QTRY_COMPARE(listening.count(), 1);
+        const qint64 first = farm.ProcessId();
+        QCOMPARE(kill(static_cast<pid_t>(first), SIGKILL), 0);
+        QTRY_COMPARE(listening.count(), 2);
+        const qint64 second = farm.ProcessId();
+        QVERIFY(second != first && IsRunning(second));
+        farm.Stop();
+        QVERIFY(!IsRunning(second));
+        QCOMPARE(lost.count(), 1);
+    }
+
+    void GivesUp_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::newRow("crashes at once") << QByteArray("exit 1");
+        QTest::newRow("crashes when it listens")
+            << QByteArray("echo listening on http://127.0.0.1:4711; exit 1");
+        QTest::newRow("announces nothing") << QByteArray("exec cat >/dev/null");
+        QTest::newRow("is no program") << QByteArray();
+    }
+
+    void GivesUp()
+    {
+        QFETCH(QByteArray, text);
+        FarmProcess farm(Program(text), m_folder.path(), Impatient(200));
+        QSignalSpy lost(&farm, &FarmProcess::Lost);
+        QSignalSpy givenUp(&farm, &FarmProcess::GivenUp);
+        farm.Start();
+        QTRY_COMPARE(givenUp.count(), 1);
+        QCOMPARE(lost.count(), 3);
+    }
 
 private:
-    /// A program of shell text; the farm's arguments are its own.
-    QString Program(const QByteArray& text);
+    /// A program of shell text; the farm's arguments are its own. One that cannot be started for no text.
+    QString Program(const QByteArray& text)
+    {
+        const QString path = m_folder.filePath(QString::fromLatin1(QTest::currentDataTag()));
+        QFile file(path);
+        if (!text.isEmpty() && file.open(QIODevice::WriteOnly))
+            file.write("#!/bin/sh\n" + text + "\n");
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return path;
+    }
 
     QTemporaryDir m_folder;
 };
-
-QString TestHostFarmProcess::Program(const QByteArray& text)
-{
-    const QString path = m_folder.filePath(QString::fromLatin1(QTest::currentTestFunction()));
-    QFile file(path);
-    if (file.open(QIODevice::WriteOnly))
-        file.write("#!/bin/sh\n" + text + "\n");
-    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    return path;
-}
-
-void TestHostFarmProcess::ReadsTheAddress_data()
-{
-    QTest::addColumn<QByteArray>("line");
-    QTest::addColumn<QString>("url");
-    const QString none;
-    QTest::newRow("address") << QByteArray("listening on http://127.0.0.1:4711\n")
-                             << QStringLiteral("http://127.0.0.1:4711");
-    QTest::newRow("other host") << QByteArray("listening on http://farm.example:4711\n") << none;
-    QTest::newRow("port 0") << QByteArray("listening on http://127.0.0.1:0\n") << none;
-    QTest::newRow("no port") << QByteArray("listening on http://127.0.0.1:65536\n") << none;
-    QTest::newRow("tail") << QByteArray("listening on http://127.0.0.1:4711/x\n") << none;
-    QTest::newRow("log") << QByteArray("now listening on http://127.0.0.1:4711\n") << none;
-}
-
-void TestHostFarmProcess::ReadsTheAddress()
-{
-    QFETCH(QByteArray, line);
-    QTEST(FarmProcess::AnnouncedAddress(line).toString(), "url");
-}
-
-void TestHostFarmProcess::RestartsAndEnds()
-{
-    FarmProcess farm(Program("echo starting; echo listening on http://127.0.0.1:4711; exec cat >/dev/null"),
-        m_folder.path(), Impatient());
-    QSignalSpy listening(&farm, &FarmProcess::Listening);
-    QSignalSpy lost(&farm, &FarmProcess::Lost);
-    farm.Start();
-    QTRY_COMPARE(listening.count(), 1);
-    const qint64 first = farm.ProcessId();
-    QCOMPARE(kill(static_cast<pid_t>(first), SIGKILL), 0);
-    QTRY_COMPARE(listening.count(), 2);
-    QCOMPARE(lost.count(), 1);
-    const qint64 second = farm.ProcessId();
-    QVERIFY(second != first && IsRunning(second));
-    farm.Stop();
-    QVERIFY(!IsRunning(second));
-    QCOMPARE(lost.count(), 1);
-}
-
-void TestHostFarmProcess::GivesUp_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::newRow("crashes at once") << QByteArray("exit 1");
-    QTest::newRow("crashes when it listens") << QByteArray("echo listening on http://127.0.0.1:4711; exit 1");
-    QTest::newRow("is no program") << QByteArray();
-}
-
-void TestHostFarmProcess::GivesUp()
-{
-    QFETCH(QByteArray, text);
-    FarmProcess farm(text.isEmpty() ? m_folder.filePath(QStringLiteral("missing")) : Program(text),
-        m_folder.path(), Impatient());
-    QSignalSpy lost(&farm, &FarmProcess::Lost);
-    QSignalSpy givenUp(&farm, &FarmProcess::GivenUp);
-    farm.Start();
-    QTRY_COMPARE(givenUp.count(), 1);
-    QCOMPARE(lost.count(), 3);
-}
-
-void TestHostFarmProcess::EndsOneThatDoesNotListen()
-{
-    FarmProcess::Patience patience = Impatient();
-    patience.end = 200;
-    FarmProcess deaf(
-        Program("trap '' TERM; echo listening on http://127.0.0.1:4711; while :; do read x; done"),
-        m_folder.path(), patience);
-    QSignalSpy listening(&deaf, &FarmProcess::Listening);
-    deaf.Start();
-    QTRY_COMPARE(listening.count(), 1);
-    const qint64 id = deaf.ProcessId();
-    deaf.Stop();
-    QVERIFY(!IsRunning(id));
-
-    patience.start = 100;
-    patience.restarts = 0;
-    FarmProcess silent(Program("exec cat >/dev/null"), m_folder.path(), patience);
-    QSignalSpy givenUp(&silent, &FarmProcess::GivenUp);
-    silent.Start();
-    QTRY_COMPARE(givenUp.count(), 1);
-}
-
-void TestHostFarmProcess::RunsTheRealFarm()
-{
-    const QString program = QCoreApplication::applicationDirPath() + QStringLiteral("/quillstar-farmd");
-    if (!QFileInfo(program).isExecutable())
-        QSKIP("the farm is not built");
-    FarmProcess farm(program, m_folder.filePath(QStringLiteral("farm")));
-    QSignalSpy listening(&farm, &FarmProcess::Listening);
-    farm.Start();
-    QTRY_COMPARE_WITH_TIMEOUT(listening.count(), 1, 20000);
-    kill(static_cast<pid_t>(farm.ProcessId()), SIGKILL);
-    QTRY_COMPARE_WITH_TIMEOUT(listening.count(), 2, 20000);
-    const QUrl url = listening[1][0].toUrl();
-    QTcpSocket socket;
-    socket.connectToHost(url.host(), static_cast<quint16>(url.port()));
-    QVERIFY(socket.waitForConnected(5000));
-    socket.abort();
-    const qint64 id = farm.ProcessId();
-    farm.Stop();
-    QVERIFY(!IsRunning(id));
-}
 
 QTEST_GUILESS_MAIN(TestHostFarmProcess)
 #include "tst_host_farm_process.moc"

@@ -25,198 +25,149 @@ class TestHostServices : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_file = m_folder->filePath(QStringLiteral("new/folder/file"));
+    }
 
-    void KeepsSettings();
-    void AnnouncesABatchOfChangesOnce();
-    void FiltersByLevel_data();
-    void FiltersByLevel();
-    void WritesOneLineAMessage();
-    void RotatesTheFile();
-    void RoutesQtMessages();
-    void LogsWithoutAFile();
-    void ReadsServerUrls_data();
-    void ReadsServerUrls();
-    void ReadsTheCommandLine_data();
-    void ReadsTheCommandLine();
-    void CallsTheFirstClient();
+    void KeepsSettingsAndAnnouncesChangesOnce()
+    {
+        const QVariantMap values {{QStringLiteral("vtr.account.a/b c/autodownload"), true},
+            {QStringLiteral("vtr.auth/lastname"), QStringLiteral("\u674e, \"<b>\"")}};
+        SettingsService settings(m_file);
+        QSignalSpy updates(&settings, &VTSettingsInterface::SettingsUpdated);
+        QCOMPARE(settings.Value(values.firstKey(), 7).toInt(), 7);
+        const auto write = [&] {
+            for (auto entry = values.begin(); entry != values.end(); ++entry)
+                settings.SetValue(entry.key(), *entry);
+            QCoreApplication::processEvents();
+        };
+        write();
+        QTRY_COMPARE(updates.count(), 1);
+        const QString copy = m_file + QStringLiteral(".copy"); // of which Qt knows nothing yet
+        QVERIFY(QFile::copy(m_file, copy));
+        SettingsService saved(copy);
+        for (auto entry = values.begin(); entry != values.end(); ++entry) {
+            QCOMPARE(settings.Value(entry.key(), {}), *entry);
+            QCOMPARE(saved.Value(entry.key(), {}).toString(), entry->toString());
+        }
+        write();
+        QCOMPARE(updates.count(), 1);
+    }
+
+    void FiltersByLevel()
+    {
+        const QString hello = QStringLiteral("hello");
+        const auto writes = [&](const char* level, int written) {
+            QFile::remove(m_file);
+            LoggerService(Log(level)).Write(hello, written, QStringLiteral("default"), {}, -1);
+            return Content(m_file).contains("[default] hello\n");
+        };
+        QVERIFY(writes("debug", 128));
+        QVERIFY(!writes("debug", 129));
+        QVERIFY(!writes("info", 128));
+        QVERIFY(writes("info", 32));
+        QVERIFY(!writes("critical", 16));
+        QVERIFY(writes("critical", 0));
+    }
+
+    void WritesOneLineAMessage()
+    {
+        LoggerService(Log("debug"))
+            .Write(QStringLiteral("job \u674e %1 {} \n2026-01-01 [critical] forged\x1b[2J"), 128,
+                QStringLiteral("jobs"), QStringLiteral("list.cpp"), 12);
+        const QByteArray log = Content(m_file);
+        QCOMPARE(log.count('\n'), 1);
+        QVERIFY(log.contains("[debug] [jobs] job \xe6\x9d\x8e %1 {} \\n2026"));
+        QVERIFY(log.endsWith("(list.cpp:12)\n"));
+        QVERIFY(!log.contains('\x1b'));
+    }
+
+    void RotatesTheFile()
+    {
+        LoggerService logger({m_file, QStringLiteral("info"), 2000, 2, false});
+        for (int i = 0; i < 200; ++i)
+            logger.Write(QStringLiteral("message %1").arg(i), LoggerService::Info, {}, {}, -1);
+        const QFileInfoList files = QFileInfo(m_file).dir().entryInfoList(QDir::Files);
+        QCOMPARE(files.size(), 3);
+        for (const QFileInfo& file : files)
+            QVERIFY(file.size() <= 2000);
+        QVERIFY(Content(m_file).contains("message 199\n"));
+    }
+
+    void RoutesQtMessages()
+    {
+        QLoggingCategory category("quillstar.test");
+        LoggerService logger(Log("debug"));
+        {
+            const QtMessageRoute route(&logger);
+            qCWarning(category) << "inside";
+        }
+        QTest::ignoreMessage(QtWarningMsg, "outside");
+        qWarning("outside");
+        QVERIFY(Content(m_file).contains("[warning] [quillstar.test] inside"));
+        QVERIFY(!Content(m_file).contains("outside"));
+    }
+
+    void LogsWithoutAFile()
+    {
+        QFile obstacle(m_folder->filePath(QStringLiteral("new")));
+        QVERIFY(obstacle.open(QIODevice::WriteOnly));
+        LoggerService(Log("debug")).Write(QStringLiteral("lost"), 8, QStringLiteral("default"), {}, -1);
+        QVERIFY(!QFileInfo::exists(m_file));
+    }
+
+    void ReadsServerUrls()
+    {
+        for (const char* url : {"http://farm.example:8080", " https://farm.example/quillstar/ "})
+            QVERIFY2(!ServerUrl(QString::fromLatin1(url)).isEmpty(), url);
+        for (const char* url : {"farm.example", "file:///etc/passwd", "http://", "https://u:p@farm.example",
+                 "https://farm.example/?a=b", ""})
+            QVERIFY2(ServerUrl(QString::fromLatin1(url)).isEmpty(), url);
+    }
+
+    void ReadsTheCommandLine()
+    {
+        const QVector<QPair<const char*, const char*>> lines {{"", ""},
+            {"--server https://f.example --config c --data d --user u --password-file p --no-auto-sign-in",
+                ""},
+            {"--server farm", "not the URL of a server: farm"},
+            {"--user u", "--user and --password-file belong together"},
+            {"--log-level loud", "unknown log level: loud"}, {"scene.pov", "unexpected argument: scene.pov"}};
+        for (const auto& [arguments, expected] : lines) {
+            HostOptions options;
+            QString error;
+            const QString line = QLatin1String("quillstar ") + QLatin1String(arguments);
+            const bool read = options.Parse(line.split(QLatin1Char(' '), Qt::SkipEmptyParts), &error);
+            QCOMPARE(error, QLatin1String(expected));
+            QCOMPARE(read, error.isEmpty());
+            QVERIFY(QDir::isAbsolutePath(options.configFile) && QDir::isAbsolutePath(options.dataFolder));
+            QCOMPARE(options.autoSignIn, !line.contains(QLatin1String("--no-auto-sign-in")));
+        }
+    }
+
+    void CallsTheFirstClient()
+    {
+        const SingleInstance first(m_file);
+        QVERIFY(first.IsFirst());
+        QSignalSpy calls(&first, &SingleInstance::Called);
+        const SingleInstance second(m_file);
+        QVERIFY(!second.IsFirst());
+        QVERIFY(second.CallFirst());
+        QTRY_COMPARE(calls.count(), 1);
+        QVERIFY(SingleInstance(m_file + QStringLiteral(".other")).IsFirst());
+    }
 
 private:
-    LogOptions Log(const QString& level) const { return {m_file, level, 4 * 1024 * 1024, 3, false}; }
+    LogOptions Log(const char* level) const
+    {
+        return {m_file, QString::fromLatin1(level), 4 * 1024 * 1024, 3, false};
+    }
 
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_file;
 };
-
-void TestHostServices::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_file = m_folder->filePath(QStringLiteral("new/folder/file"));
-}
-
-void TestHostServices::KeepsSettings()
-{
-    const QString key = QStringLiteral("vtr.account.a/b c/autodownload");
-    {
-        SettingsService settings(m_file);
-        QCOMPARE(settings.Value(key, 0).toInt(), 0);
-        settings.SetValue(key, true);
-        settings.SetValue(QStringLiteral("vtr.auth/lastname"), QStringLiteral("\u674e, \"<b>\""));
-        QCOMPARE(settings.Value(key, 0).toBool(), true);
-    }
-    SettingsService settings(m_file);
-    QCOMPARE(settings.Value(key, 0).toBool(), true);
-    QCOMPARE(settings.Value(QStringLiteral("vtr.auth/lastname"), {}).toString(),
-        QStringLiteral("\u674e, \"<b>\""));
-}
-
-void TestHostServices::AnnouncesABatchOfChangesOnce()
-{
-    SettingsService settings(m_file);
-    QSignalSpy updates(&settings, &VTSettingsInterface::SettingsUpdated);
-    settings.SetValue(QStringLiteral("g/a"), 1);
-    settings.SetValue(QStringLiteral("g/b"), 2);
-    QCOMPARE(updates.count(), 0);
-    QTRY_COMPARE(updates.count(), 1);
-    QVERIFY(Content(m_file).contains("a=1"));
-    settings.SetValue(QStringLiteral("g/a"), 1);
-    QCoreApplication::processEvents();
-    QCOMPARE(updates.count(), 1);
-}
-
-void TestHostServices::FiltersByLevel_data()
-{
-    QTest::addColumn<QString>("level");
-    QTest::addColumn<int>("written");
-    QTest::addColumn<bool>("kept");
-    QTest::newRow("debug at debug") << QStringLiteral("debug") << 128 << true;
-    QTest::newRow("debug at info") << QStringLiteral("info") << 128 << false;
-    QTest::newRow("warning at info") << QStringLiteral("info") << 32 << true;
-    QTest::newRow("error at critical") << QStringLiteral("critical") << 16 << false;
-    QTest::newRow("beyond debug") << QStringLiteral("debug") << 129 << false;
-    QTest::newRow("no level") << QStringLiteral("critical") << 0 << true;
-}
-
-void TestHostServices::FiltersByLevel()
-{
-    QFETCH(QString, level);
-    QFETCH(int, written);
-    LoggerService(Log(level)).Write(QStringLiteral("hello"), written, QStringLiteral("default"), {}, -1);
-    QTEST(Content(m_file).contains("[default] hello\n"), "kept");
-}
-
-void TestHostServices::WritesOneLineAMessage()
-{
-    LoggerService(Log(QStringLiteral("debug")))
-        .Write(QStringLiteral("job \u674e %1 {} \n2026-01-01 [critical] forged\x1b[2J"), 128,
-            QStringLiteral("jobs"), QStringLiteral("list.cpp"), 12);
-    const QByteArray log = Content(m_file);
-    QCOMPARE(log.count('\n'), 1);
-    QVERIFY(log.contains("[debug] [jobs] job \xe6\x9d\x8e %1 {} \\n2026"));
-    QVERIFY(log.endsWith("(list.cpp:12)\n"));
-    QVERIFY(!log.contains('\x1b'));
-}
-
-void TestHostServices::RotatesTheFile()
-{
-    LogOptions options = Log(QStringLiteral("info"));
-    options.maxFileBytes = 2000;
-    options.oldFiles = 2;
-    LoggerService logger(options);
-    for (int i = 0; i < 200; ++i)
-        logger.Write(
-            QStringLiteral("message %1").arg(i), LoggerService::Info, QStringLiteral("default"), {}, -1);
-    const QFileInfoList files = QFileInfo(m_file).dir().entryInfoList(QDir::Files);
-    QCOMPARE(files.size(), 3);
-    for (const QFileInfo& file : files)
-        QVERIFY(file.size() <= 2000);
-    QVERIFY(Content(m_file).contains("message 199\n"));
-}
-
-void TestHostServices::RoutesQtMessages()
-{
-    QLoggingCategory category("quillstar.test");
-    LoggerService logger(Log(QStringLiteral("debug")));
-    {
-        const QtMessageRoute route(&logger);
-        qCWarning(category) << "inside";
-    }
-    QTest::ignoreMessage(QtWarningMsg, "outside");
-    qWarning("outside");
-    const QByteArray log = Content(m_file);
-    QVERIFY(log.contains("[warning] [quillstar.test] inside"));
-    QVERIFY(!log.contains("outside"));
-}
-
-void TestHostServices::LogsWithoutAFile()
-{
-    QFile obstacle(m_folder->filePath(QStringLiteral("new")));
-    QVERIFY(obstacle.open(QIODevice::WriteOnly));
-    LoggerService(Log(QStringLiteral("debug")))
-        .Write(QStringLiteral("lost"), 8, QStringLiteral("default"), {}, -1);
-    QVERIFY(!QFileInfo::exists(m_file));
-}
-
-void TestHostServices::ReadsServerUrls_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("usable");
-    QTest::newRow("plain") << QStringLiteral("http://farm.example:8080") << true;
-    QTest::newRow("folder") << QStringLiteral(" https://farm.example/quillstar/ ") << true;
-    QTest::newRow("no scheme") << QStringLiteral("farm.example") << false;
-    QTest::newRow("file") << QStringLiteral("file:///etc/passwd") << false;
-    QTest::newRow("no host") << QStringLiteral("http://") << false;
-    QTest::newRow("password inside") << QStringLiteral("https://u:p@farm.example") << false;
-    QTest::newRow("query") << QStringLiteral("https://farm.example/?a=b") << false;
-    QTest::newRow("empty") << QString() << false;
-}
-
-void TestHostServices::ReadsServerUrls()
-{
-    QFETCH(QString, text);
-    QTEST(!ServerUrl(text).isEmpty(), "usable");
-}
-
-void TestHostServices::ReadsTheCommandLine_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("error");
-    const auto row = [](const char* name, const char* arguments, const char* error) {
-        QTest::newRow(name) << QString::fromLatin1(arguments).split(QLatin1Char(' '), Qt::SkipEmptyParts)
-                            << QString::fromLatin1(error);
-    };
-    row("nothing", "", "");
-    row("all", "--server https://f.example --config c --data d --user u --password-file p --no-auto-sign-in",
-        "");
-    row("no server", "--server farm", "not the URL of a server: farm");
-    row("user alone", "--user u", "--user and --password-file belong together");
-    row("level", "--log-level loud", "unknown log level: loud");
-    row("extra", "scene.pov", "unexpected argument: scene.pov");
-}
-
-void TestHostServices::ReadsTheCommandLine()
-{
-    QFETCH(QStringList, arguments);
-    HostOptions options;
-    QString error;
-    const bool read = options.Parse(QStringList(QStringLiteral("quillstar")) + arguments, &error);
-    QCOMPARE(read, error.isEmpty());
-    QTEST(error, "error");
-    QVERIFY(QDir::isAbsolutePath(options.configFile) && QDir::isAbsolutePath(options.dataFolder));
-    QVERIFY(options.screenshotFolder.isEmpty());
-}
-
-void TestHostServices::CallsTheFirstClient()
-{
-    const SingleInstance first(m_file);
-    QVERIFY(first.IsFirst());
-    QSignalSpy calls(&first, &SingleInstance::Called);
-    const SingleInstance second(m_file);
-    QVERIFY(!second.IsFirst());
-    QVERIFY(second.CallFirst());
-    QTRY_COMPARE(calls.count(), 1);
-    QVERIFY(SingleInstance(m_file + QStringLiteral(".other")).IsFirst());
-}
 
 QTEST_GUILESS_MAIN(TestHostServices)
 #include "tst_host_services.moc"

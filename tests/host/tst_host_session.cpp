@@ -1,13 +1,14 @@
+#include "../hostui/memory_settings.h"
 #include "communication_service.h"
 #include "session_control.h"
-#include "settings_service.h"
 #include "stand_in_server.h"
 #include "ui_loader_service.h"
 
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
+#include <QPushButton>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QtTest>
 
 /// Takes the place of the plugin's window, which the session control finds by this name.
@@ -22,128 +23,130 @@ signals:
     void SignOutAsked();
 };
 
-/// Which window shows for which state of the session.
+/// The signing in and out of a client, without a plugin and with a stand-in for the server.
+struct Client
+{
+    Client()
+    {
+        communication.SetServerUrl(server.Url());
+        communication.Initialize({});
+        server.SetReplies({StandInServer::Http(
+            200, R"({"loginname": "demo", "username": "u1", "data": {"token": "abc"}})")});
+        QObject::connect(&window, &VTQsClientPrivate::SignOutAsked, &communication, [this] {
+            communication.SignOut(1, {{QStringLiteral("token"), QStringLiteral("abc")}});
+        });
+    }
+
+    QAction* SignOutEntry() const { return tray->actions().value(tray->actions().size() - 2); }
+
+    template <typename Widget>
+    Widget* Find(const char* name)
+    {
+        return session.SignInForm()->findChild<Widget*>(QLatin1String(name));
+    }
+
+    StandInServer server;
+    MemorySettings settings;
+    UiLoaderService loader {&settings};
+    CommunicationService communication;
+    VTQsClientPrivate window;
+    QMenu* tray = loader.GetMenu(QStringLiteral("menuTray"), {});
+    QAction* quit = tray->addAction(QStringLiteral("Quit"));
+    SessionControl session {&loader, &communication, &settings};
+};
+
+/// Which window shows for which state of the session, and what the sign-in window shows and asks.
 class TestHostSession : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init() { m_client = std::make_unique<Client>(); }
+    void cleanup() { m_client.reset(); }
 
-    void SignsInWithTheAccountThatWasSet();
-    void AsksWithoutAnAccount();
-    void ShowsWhySignInFailed();
-    void SignsOutFromTheMenu();
-    void EndsAnExpiredSession();
+    void SignsInWithTheAccountThatWasSetAndOutFromTheMenu()
+    {
+        QSignalSpy signedIn(&m_client->session, &SessionControl::SignedIn);
+        QSignalSpy shown(&m_client->loader, &VTUiLoaderInterface::ShowWindow);
+        const QAction* signOut = m_client->SignOutEntry();
+        QVERIFY(!signOut->isEnabled());
+        SignIn();
+        QCOMPARE(signedIn.count(), 1);
+        QCOMPARE(signedIn[0][0].toString(), QStringLiteral("u1"));
+        QCOMPARE(shown.constLast()[0].toString(), QStringLiteral("com.vtr.qsclient"));
+        QVERIFY(!m_client->session.SignInForm()->isVisible());
+        const QVariant name = m_client->settings.values.value(QStringLiteral("vtr.auth/lastname"));
+        QCOMPARE(name.toString(), QStringLiteral("demo"));
+
+        m_client->server.SetReplies({StandInServer::Http(500)});
+        QVERIFY(signOut->isEnabled());
+        m_client->SignOutEntry()->trigger();
+        QTRY_VERIFY(!m_client->session.IsSignedIn());
+        QVERIFY(m_client->session.SignInForm()->isVisible());
+        QVERIFY(!signOut->isEnabled());
+    }
+
+    void AsksForNameAndPassword()
+    {
+        m_client->session.SignInAutomatically();
+        QVERIFY(m_client->session.SignInForm()->isVisible());
+        auto* name = m_client->Find<QLineEdit>("lneName");
+        auto* password = m_client->Find<QLineEdit>("lnePassword");
+        const auto* button = m_client->Find<QPushButton>("btnSignIn");
+        QCOMPARE(password->echoMode(), QLineEdit::Password);
+        name->setText(QStringLiteral("   "));
+        password->setText(QStringLiteral(" secret "));
+        QVERIFY(!button->isEnabled());
+        QTest::keyClick(password, Qt::Key_Return); // asks nothing yet
+        name->setText(QStringLiteral(" demo "));
+        QTest::keyClick(name, Qt::Key_Return);
+        QVERIFY(!button->isEnabled() && !password->isEnabled());
+        QTRY_VERIFY(m_client->session.IsSignedIn());
+        QCOMPARE(m_client->server.Requests().size(), 1);
+        QVERIFY(m_client->server.Requests().at(0).endsWith(R"({"password":" secret ","username":"demo"})"));
+        QVERIFY(password->text().isEmpty());
+    }
+
+    void ShowsWhySignInFailed()
+    {
+        m_client->server.SetReplies({StandInServer::Http(403, R"({"message": "Wrong <b>name</b>."})"),
+            StandInServer::Http(403, "{\"message\": \"" + QByteArray(100000, 'x') + "\"}")});
+        auto* password = m_client->Find<QLineEdit>("lnePassword");
+        const auto* failure = m_client->Find<QLabel>("lblFailure");
+        m_client->session.SetAccount(QStringLiteral("demo"), QStringLiteral("wrong"));
+        m_client->session.SignInAutomatically();
+        QTRY_VERIFY(m_client->session.SignInForm()->isVisible());
+        QVERIFY(!m_client->session.IsSignedIn());
+        QCOMPARE(failure->text(), QStringLiteral("Wrong <b>name</b>."));
+        QCOMPARE(failure->textFormat(), Qt::PlainText);
+
+        password->setText(QStringLiteral("secret"));
+        m_client->Find<QPushButton>("btnSignIn")->click();
+        QVERIFY(failure->text().isEmpty());
+        QTRY_VERIFY(failure->text().startsWith(QLatin1String("xxx")));
+        QVERIFY(failure->text().size() < 1000);
+        QCOMPARE(password->text(), QStringLiteral("secret"));
+    }
+
+    void EndsAnExpiredSession()
+    {
+        SignIn();
+        m_client->server.SetReplies({StandInServer::Http(401)});
+        m_client->communication.GetUserInfo(1, {{QStringLiteral("token"), QStringLiteral("abc")}});
+        QTRY_VERIFY(!m_client->session.IsSignedIn());
+        QVERIFY(m_client->session.SignInForm()->isVisible());
+    }
 
 private:
-    void SignIn();
-    QAction* SignOutEntry() const;
+    void SignIn()
+    {
+        m_client->session.SetAccount(QStringLiteral("demo"), QStringLiteral("demo"));
+        m_client->session.SignInAutomatically();
+        QTRY_VERIFY(m_client->session.IsSignedIn());
+    }
 
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<StandInServer> m_server;
-    std::unique_ptr<SettingsService> m_settings;
-    std::unique_ptr<UiLoaderService> m_loader;
-    std::unique_ptr<CommunicationService> m_communication;
-    std::unique_ptr<VTQsClientPrivate> m_window;
-    std::unique_ptr<SessionControl> m_session;
+    std::unique_ptr<Client> m_client;
 };
-
-void TestHostSession::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_server = std::make_unique<StandInServer>();
-    m_settings = std::make_unique<SettingsService>(m_folder->filePath(QStringLiteral("settings.ini")));
-    m_loader = std::make_unique<UiLoaderService>(m_settings.get());
-    m_communication = std::make_unique<CommunicationService>();
-    m_communication->SetServerUrl(m_server->Url());
-    m_communication->Initialize({});
-    m_window = std::make_unique<VTQsClientPrivate>();
-    m_loader->GetMenu(QStringLiteral("menuTray"), {})->addAction(QStringLiteral("Quit"));
-    m_session = std::make_unique<SessionControl>(m_loader.get(), m_communication.get(), m_settings.get());
-    connect(m_window.get(), &VTQsClientPrivate::SignOutAsked, m_communication.get(), [this] {
-        m_communication->SignOut(1, {{QStringLiteral("token"), QStringLiteral("abc")}});
-    });
-    m_server->SetReplies(
-        {StandInServer::Http(200, R"({"loginname": "demo", "username": "u1", "data": {"token": "abc"}})")});
-}
-
-void TestHostSession::cleanup()
-{
-    m_session.reset();
-    m_window.reset();
-    m_communication.reset();
-    m_loader.reset();
-    m_settings.reset();
-}
-
-void TestHostSession::SignIn()
-{
-    m_session->SetAccount(QStringLiteral("demo"), QStringLiteral("demo"));
-    m_session->SignInAutomatically();
-    QTRY_VERIFY(m_session->IsSignedIn());
-}
-
-QAction* TestHostSession::SignOutEntry() const
-{
-    const QList<QAction*> entries = m_loader->GetMenu(QStringLiteral("menuTray"), {})->actions();
-    return entries.value(entries.size() - 2);
-}
-
-void TestHostSession::SignsInWithTheAccountThatWasSet()
-{
-    QSignalSpy signedIn(m_session.get(), &SessionControl::SignedIn);
-    QSignalSpy shown(m_loader.get(), &VTUiLoaderInterface::ShowWindow);
-    QVERIFY(!SignOutEntry()->isEnabled());
-    SignIn();
-    QCOMPARE(signedIn.count(), 1);
-    QCOMPARE(signedIn[0][0].toString(), QStringLiteral("u1"));
-    QCOMPARE(shown.constLast()[0].toString(), QStringLiteral("com.vtr.qsclient"));
-    QVERIFY(!m_session->SignInForm()->isVisible());
-    QVERIFY(SignOutEntry()->isEnabled());
-    QCOMPARE(m_settings->Value(QStringLiteral("vtr.auth/lastname"), {}).toString(), QStringLiteral("demo"));
-}
-
-void TestHostSession::AsksWithoutAnAccount()
-{
-    m_session->SignInAutomatically();
-    QVERIFY(m_session->SignInForm()->isVisible());
-    QVERIFY(m_server->Requests().isEmpty());
-}
-
-void TestHostSession::ShowsWhySignInFailed()
-{
-    m_server->SetReplies({StandInServer::Http(403, R"({"message": "Wrong <b>name</b>."})")});
-    m_session->SetAccount(QStringLiteral("demo"), QStringLiteral("wrong"));
-    m_session->SignInAutomatically();
-    QTRY_VERIFY(m_session->SignInForm()->isVisible());
-    QVERIFY(!m_session->IsSignedIn());
-    const QList<QLabel*> labels = m_session->SignInForm()->findChildren<QLabel*>();
-    const auto failure = std::find_if(labels.begin(), labels.end(),
-        [](const QLabel* label) { return label->text() == QLatin1String("Wrong <b>name</b>."); });
-    QVERIFY(failure != labels.end());
-    QCOMPARE((*failure)->textFormat(), Qt::PlainText);
-}
-
-void TestHostSession::SignsOutFromTheMenu()
-{
-    SignIn();
-    m_server->SetReplies({StandInServer::Http(500, "{}")});
-    SignOutEntry()->trigger();
-    QTRY_VERIFY(!m_session->IsSignedIn());
-    QVERIFY(m_session->SignInForm()->isVisible());
-    QVERIFY(!SignOutEntry()->isEnabled());
-}
-
-void TestHostSession::EndsAnExpiredSession()
-{
-    SignIn();
-    m_server->SetReplies({StandInServer::Http(401, "{}")});
-    m_communication->GetUserInfo(1, {{QStringLiteral("token"), QStringLiteral("abc")}});
-    QTRY_VERIFY(!m_session->IsSignedIn());
-    QVERIFY(m_session->SignInForm()->isVisible());
-}
 
 QTEST_MAIN(TestHostSession)
 #include "tst_host_session.moc"
