@@ -17,6 +17,8 @@ RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface*
     connect(&m_submissions, &SubmitQueue::TexturesLacking, this, &VTRenderCoreInterface::lackedTexture);
     connect(&m_downloads, &DownloadQueue::ListChanged, this, &VTRenderCoreInterface::DownloadListChanged);
     connect(&m_downloads, &DownloadQueue::FileFinished, this, &VTRenderCoreInterface::DownloadFinish);
+    // The folder for downloads is one of them.
+    connect(settings, &VTSettingsInterface::SettingsUpdated, this, &RenderCoreService::PassAccess);
 }
 
 void RenderCoreService::SetServerUrl(const QUrl& url)
@@ -57,9 +59,22 @@ void RenderCoreService::PassAccess()
 }
 
 void RenderCoreService::RemoveSubmitTasks(const QStringList&, bool) { }
-void RenderCoreService::RemoveDownloadTasks(const QStringList&) { }
-void RenderCoreService::StopDownloadTasks(const QStringList&) { }
-void RenderCoreService::ResumeDownloadTasks(const QStringList&) { }
+
+void RenderCoreService::RemoveDownloadTasks(const QStringList& ids)
+{
+    m_downloads.Remove(ids);
+}
+
+void RenderCoreService::StopDownloadTasks(const QStringList& ids)
+{
+    m_downloads.Stop(ids);
+}
+
+void RenderCoreService::ResumeDownloadTasks(const QStringList& ids)
+{
+    m_downloads.Resume(ids);
+}
+
 void RenderCoreService::StopSubmitTasks() { }
 void RenderCoreService::ResumeSubmitTasks() { }
 
@@ -127,6 +142,13 @@ int RenderCoreService::SubmitScene(const QString&)
     return -1;
 }
 
-void RenderCoreService::RedownloadTasks(const QStringList&) { }
+void RenderCoreService::RedownloadTasks(const QStringList& ids)
+{
+    m_downloads.Redownload(ids);
+}
+
 void RenderCoreService::SetArgument(QString, QVariantList) { }
-void RenderCoreService::TriggerJobIdType(QVariantMap) { }
+void RenderCoreService::TriggerJobIdType(QVariantMap orders)
+{
+    m_downloads.Order(orders);
+}
