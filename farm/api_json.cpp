@@ -69,8 +69,12 @@ QJsonObject JobPageJson(const JobPage& page)
     return {{QStringLiteral("list"), list}, {QStringLiteral("total"), qint64(page.total)}};
 }
 
-QJsonObject JobInfoJson(const JobRecord& job)
+QJsonObject JobInfoJson(const JobRecord& job, const JobPlan& plan)
 {
+    QJsonArray frames;
+    for (const FrameRange& range : plan.frames)
+        frames.append(
+            QJsonObject {{QStringLiteral("start"), range.first}, {QStringLiteral("end"), range.last}});
     return {
         {QStringLiteral("jobId"), job.id},
         {QStringLiteral("jobType"), job.type},
@@ -78,7 +82,40 @@ QJsonObject JobInfoJson(const JobRecord& job)
         {QStringLiteral("jobStatus"), job.status},
         {QStringLiteral("jobProgress"), job.progress},
         {QStringLiteral("jobMessage"), job.message},
+        {QStringLiteral("jobFrames"), frames},
+        {QStringLiteral("jobWidth"), plan.width},
+        {QStringLiteral("jobHeight"), plan.height},
+        {QStringLiteral("jobPrerender"), plan.prerender},
     };
+}
+
+QJsonObject UploadJson(const Upload& upload, int chunkSize)
+{
+    return {
+        {QStringLiteral("id"), upload.id},
+        {QStringLiteral("size"), qint64(upload.size)},
+        {QStringLiteral("offset"), qint64(upload.offset)},
+        {QStringLiteral("chunkSize"), chunkSize},
+        {QStringLiteral("unpacked"), upload.unpacked},
+    };
+}
+
+QJsonArray PicturesJson(const std::vector<Picture>& pictures)
+{
+    QJsonArray list;
+    for (const Picture& picture : pictures) {
+        list.append(QJsonObject {
+            {QStringLiteral("name"), picture.name},
+            {QStringLiteral("size"), qint64(picture.size)},
+            {QStringLiteral("checksum"), picture.checksum},
+        });
+    }
+    return list;
+}
+
+QJsonObject DataJson(const QJsonValue& value)
+{
+    return {{QStringLiteral("data"), value}};
 }
 
 QJsonObject ErrorJson(const char* word, const QString& message)

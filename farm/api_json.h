@@ -1,7 +1,9 @@
 #pragma once
 
 #include "account_store.h"
+#include "frame_task.h"
 #include "job_store.h"
+#include "upload_store.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -13,7 +15,11 @@ QJsonObject SessionJson(const Session& session, std::int64_t sessionSeconds);
 QJsonObject AccountJson(const Account& account);
 QJsonArray ProjectsJson(const std::vector<Project>& projects);
 QJsonObject JobPageJson(const JobPage& page);
-QJsonObject JobInfoJson(const JobRecord& job);
+QJsonObject JobInfoJson(const JobRecord& job, const JobPlan& plan);
+QJsonObject UploadJson(const Upload& upload, int chunkSize);
+QJsonArray PicturesJson(const std::vector<Picture>& pictures);
+/// The answer that has this as its member "data".
+QJsonObject DataJson(const QJsonValue& value);
 QJsonObject ErrorJson(const char* word, const QString& message);
 
 } // namespace farm

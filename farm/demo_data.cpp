@@ -20,14 +20,14 @@ struct Sequence
 };
 
 constexpr std::array<Sequence, 8> sequences {{
-    {"harbour_dawn", "lighthouse.pov"},
-    {"orrery_main", "orrery.pov"},
-    {"temple_walk", "colonnade.pov"},
-    {"still_water", "ripples.pov"},
-    {"harbour_storm", "lighthouse.pov"},
-    {"comet_pass", "orrery.pov"},
-    {"night_arcade", "colonnade.pov"},
-    {"credits_bed", "ripples.pov"},
+    {"harbour", "lighthouse.pov"},
+    {"orrery", "orrery.pov"},
+    {"temple", "colonnade.pov"},
+    {"water", "ripples.pov"},
+    {"storm", "lighthouse.pov"},
+    {"comet", "orrery.pov"},
+    {"arcade", "colonnade.pov"},
+    {"credits", "ripples.pov"},
 }};
 
 struct DemoProject
@@ -50,16 +50,18 @@ struct LiveJob
     JobStatus status;
 };
 
-constexpr std::array<LiveJob, 9> liveJobs {{
-    {"harbour_dawn_sh110_beauty", "lighthouse.pov", 120, JobStatus::Running},
-    {"orrery_main_sh110_beauty", "orrery.pov", 90, JobStatus::Running},
-    {"temple_walk_sh110_beauty", "colonnade.pov", 150, JobStatus::Running},
-    {"still_water_sh110_beauty", "ripples.pov", 100, JobStatus::Waiting},
-    {"harbour_storm_sh110_beauty", "lighthouse.pov", 96, JobStatus::Waiting},
-    {"comet_pass_sh110_beauty", "orrery.pov", 120, JobStatus::Waiting},
-    {"night_arcade_sh110_beauty", "colonnade.pov", 75, JobStatus::Waiting},
-    {"credits_bed_sh110_beauty", "ripples.pov", 125, JobStatus::Waiting},
-    {"harbour_dawn_sh120_beauty", "lighthouse.pov", 120, JobStatus::Waiting},
+// The first one is finished within a minute, so that there are pictures to fetch.
+constexpr std::array<LiveJob, 10> liveJobs {{
+    {"water_test", "ripples.pov", 6, JobStatus::Running},
+    {"harbour_sh110", "lighthouse.pov", 120, JobStatus::Running},
+    {"orrery_sh110", "orrery.pov", 90, JobStatus::Running},
+    {"temple_sh110", "colonnade.pov", 150, JobStatus::Waiting},
+    {"water_sh110", "ripples.pov", 100, JobStatus::Waiting},
+    {"storm_sh110", "lighthouse.pov", 96, JobStatus::Waiting},
+    {"comet_sh110", "orrery.pov", 120, JobStatus::Waiting},
+    {"arcade_sh110", "colonnade.pov", 75, JobStatus::Waiting},
+    {"credits_sh110", "ripples.pov", 125, JobStatus::Waiting},
+    {"harbour_sh120", "lighthouse.pov", 120, JobStatus::Waiting},
 }};
 
 JobStatus PastStatus(int index)
@@ -101,21 +103,18 @@ NewJob PastJob(int index, std::int64_t now)
     const int shot = 10 * (index / static_cast<int>(sequences.size()) + 1);
     NewJob job;
     job.type = QStringLiteral("povray");
-    job.name = QStringLiteral("%1_sh%2_%3")
-                   .arg(QLatin1String(sequence.name))
-                   .arg(shot, 3, 10, QLatin1Char('0'))
-                   .arg(index % 3 == 0 ? QStringLiteral("layout") : QStringLiteral("beauty"));
+    job.name = QStringLiteral("%1_sh%2").arg(QLatin1String(sequence.name)).arg(shot, 3, 10, QLatin1Char('0'));
     // Names are the users' business: this one keeps whoever shows them honest.
     if (index == pastJobs - 1)
         job.name = QStringLiteral("<b>title</b>_v2");
     if (index == pastJobs - 6) {
-        job.name += QStringLiteral("_prerender");
+        job.name += QStringLiteral("_pre");
         job.prerender = true;
     }
     job.rendering = index % 4 != 3;
     job.status = PastStatus(index);
     job.scene = QLatin1String(sequence.scene);
-    job.frames = 24 + index * 17 % 97;
+    job.frames = {{1, 24 + index * 17 % 97}};
     job.submittedAt
         = now - threeWeeks + index * (threeWeeks - 3 * hour) / pastJobs + std::int64_t {index} * 613 % hour;
     return job;
@@ -125,7 +124,7 @@ NewJob PastJob(int index, std::int64_t now)
 void AddPastJob(SQLite::Database& connection, JobStore& jobs, const NewJob& job)
 {
     const std::int64_t key = jobs.Add(job).key;
-    const int done = FramesDone(job.status, job.frames);
+    const int done = FramesDone(job.status, FrameCount(job.frames));
     Execute(connection, "UPDATE frames SET finished_at = ?2 + number * 40 WHERE job = ?1 AND number <= ?3",
         key, job.submittedAt, done);
     Execute(connection,
@@ -214,7 +213,7 @@ void AddLiveJobs(JobStore& jobs, std::int64_t account, std::int64_t now)
         job.type = QStringLiteral("povray");
         job.name = QLatin1String(live.name);
         job.scene = QLatin1String(live.scene);
-        job.frames = live.frames;
+        job.frames = {{1, live.frames}};
         job.status = live.status;
         job.submittedAt = now - age-- * 60;
         jobs.Add(job);

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "confinement.h"
 #include "frame_task.h"
 
 #include <QStringList>
 
 #include <functional>
+#include <optional>
 
 namespace farm {
 
@@ -15,6 +17,8 @@ struct RenderCommand
     /// The folder it runs in.
     QString folder;
     int timeLimitSeconds = 3600;
+    /// What it may touch; nothing for all that the farm may.
+    std::optional<Reach> reach;
 };
 
 struct RenderResult

@@ -5,6 +5,9 @@
 
 #include <QDir>
 
+#include <spdlog/spdlog.h>
+
+#include <chrono>
 #include <stdexcept>
 
 namespace farm {
@@ -12,6 +15,7 @@ namespace farm {
 namespace {
 
 constexpr int lockWaitMs = 5000;
+constexpr std::chrono::hours forgetInterval {1};
 
 } // namespace
 
@@ -22,16 +26,30 @@ Farm::Farm(const FarmSettings& settings)
     , m_database(DatabaseFile(m_dataFolder), Schema())
     , m_accounts(m_database, settings.sessionSeconds)
     , m_jobs(m_database)
+    , m_types(ReadJobTypes(settings.jobTypesFile))
+    , m_contents(m_database, Folder("contents"))
+    , m_uploads(m_database, m_contents, Folder("uploads"), settings.quota)
     , m_queue(m_database, settings.pricePerCoreSecond)
-    , m_files(QDir(m_dataFolder).filePath(QStringLiteral("jobs")), settings.sceneFolder)
+    , m_scenes(m_database, m_contents, settings.sceneFolder)
+    , m_files(Folder("jobs"), m_scenes)
+    , m_pictures(m_database, m_files)
     , m_executor(settings.slotCount)
-    , m_scheduler(m_queue, m_executor, m_files, ReadJobTypes(settings.jobTypesFile))
+    , m_scheduler(m_queue, m_executor, m_files, m_types)
     , m_actions(m_database, [this] { m_scheduler.NudgeLater(); })
-    , m_routes(m_accounts, m_jobs, m_actions, settings.limits)
+    , m_submission(m_database, m_jobs, m_contents, m_types.keys(), [this] { m_scheduler.NudgeLater(); })
+    , m_gate(m_accounts, settings.limits.requestsByAccount, settings.limits.transfersByAccount)
+    , m_routes(m_gate, m_accounts, m_jobs, m_actions, settings.limits)
+    , m_submissionRoutes(m_gate, m_contents, m_uploads, m_submission)
+    , m_frameRoutes(m_gate, m_pictures)
 {
+    ForgetOldUploads();
+    QObject::connect(&m_forgetting, &QTimer::timeout, [this] { ForgetOldUploads(); });
+    m_forgetting.start(forgetInterval);
     if (settings.demo)
         ProvideDemo(m_database, m_accounts, m_jobs, Now());
     m_routes.AddTo(m_server);
+    m_submissionRoutes.AddTo(m_server);
+    m_frameRoutes.AddTo(m_server);
     m_port = m_server.Start(settings.address, settings.port);
     m_scheduler.Nudge();
 }
@@ -39,6 +57,8 @@ Farm::Farm(const FarmSettings& settings)
 // Renderers end at once; requests in work may take a moment.
 Farm::~Farm()
 {
+    m_forgetting.stop();
+    m_uploads.Interrupt();
     m_scheduler.Stop();
     m_server.Stop();
 }
@@ -48,6 +68,22 @@ QString Farm::MakeFolder(const QString& path)
     if (path.isEmpty() || !QDir().mkpath(path))
         throw std::runtime_error("cannot make the data folder");
     return QDir(path).absolutePath();
+}
+
+QString Farm::Folder(const char* name) const
+{
+    return QDir(m_dataFolder).filePath(QLatin1String(name));
+}
+
+void Farm::ForgetOldUploads()
+{
+    try {
+        m_uploads.ForgetOld(Now());
+    } catch (const ApiRefusal&) {
+        // Somebody is just touching one.
+    } catch (const std::exception& error) {
+        spdlog::error("old uploads cannot be forgotten, trying again: {}", error.what());
+    }
 }
 
 QString Farm::DatabaseFile(const QString& dataFolder)

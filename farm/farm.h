@@ -1,16 +1,24 @@
 #pragma once
 
 #include "account_store.h"
+#include "content_store.h"
 #include "data_lock.h"
 #include "frame_files.h"
+#include "frame_routes.h"
 #include "http_server.h"
 #include "job_actions.h"
 #include "job_store.h"
+#include "job_submission.h"
 #include "local_executor.h"
+#include "picture_store.h"
 #include "render_queue.h"
+#include "request_gate.h"
 #include "routes.h"
+#include "scene_files.h"
 #include "scheduler.h"
 #include "schema.h"
+#include "submission_routes.h"
+#include "upload_store.h"
 
 namespace farm {
 
@@ -29,6 +37,8 @@ struct FarmSettings
     std::int64_t sessionSeconds = std::int64_t {7} * 24 * 3600;
     /// Makes the demo accounts in an empty farm and keeps them supplied with work.
     bool demo = true;
+    /// What the contents and unfinished uploads of an account may take, in bytes.
+    std::int64_t quota = std::int64_t {20} * 1024 * 1024 * 1024;
     RequestLimits limits;
 };
 
@@ -48,6 +58,8 @@ public:
 
 private:
     static QString MakeFolder(const QString& path);
+    QString Folder(const char* name) const;
+    void ForgetOldUploads();
 
     FarmSettings m_settings;
     QString m_dataFolder;
@@ -55,12 +67,22 @@ private:
     Database m_database;
     AccountStore m_accounts;
     JobStore m_jobs;
+    JobTypes m_types;
+    ContentStore m_contents;
+    UploadStore m_uploads;
     RenderQueue m_queue;
+    SceneFiles m_scenes;
     FrameFiles m_files;
+    PictureStore m_pictures;
     LocalExecutor m_executor;
     Scheduler m_scheduler;
     JobActions m_actions;
+    JobSubmission m_submission;
+    RequestGate m_gate;
     Routes m_routes;
+    SubmissionRoutes m_submissionRoutes;
+    FrameRoutes m_frameRoutes;
+    QTimer m_forgetting;
     HttpServer m_server;
     int m_port = 0;
 };

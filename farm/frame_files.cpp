@@ -1,18 +1,31 @@
 #include "frame_files.h"
 
 #include "durable_file.h"
+#include "scene_files.h"
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
+#include <QFileInfo>
+#include <QRegularExpression>
 
 #include <stdexcept>
+#include <unistd.h>
 
 namespace farm {
 
-FrameFiles::FrameFiles(const QString& folder, const QString& sceneFolder)
+namespace {
+
+QString PlainSuffix(const QString& suffix)
+{
+    static const QRegularExpression plain(QStringLiteral("^[A-Za-z0-9]{1,16}$"));
+    return plain.match(suffix).hasMatch() ? suffix : QStringLiteral("scene");
+}
+
+} // namespace
+
+FrameFiles::FrameFiles(const QString& folder, const SceneFiles& scenes)
     : m_folder(folder)
-    , m_sceneFolder(sceneFolder)
+    , m_scenes(scenes)
 {
 }
 
@@ -26,19 +39,43 @@ QString FrameFiles::FrameName(int number, const QString& suffix)
     return QStringLiteral("frame_%1.%2").arg(number, 4, 10, QLatin1Char('0')).arg(suffix);
 }
 
-QString FrameFiles::UnfinishedName(int number, const QString& suffix)
+RenderPlace FrameFiles::PlaceOf(const FrameTask& task, const QString& suffix) const
 {
-    return QStringLiteral("unfinished_") + FrameName(number, suffix);
+    const QDir folder(JobFolder(task.jobId));
+    RenderPlace place;
+    place.sceneFolder = folder.filePath(QStringLiteral("scene"));
+    const QFileInfo scene(QDir(place.sceneFolder).filePath(task.scene));
+    place.workFolder = scene.path();
+    place.sceneFile = folder.filePath(QStringLiteral("main.") + PlainSuffix(scene.suffix()));
+    place.outputFolder = folder.filePath(QStringLiteral("unfinished"));
+    place.outputName = FrameName(task.Number(), suffix);
+    return place;
 }
 
-void FrameFiles::Prepare(const FrameTask& task, const QString& suffix) const
+RenderPlace FrameFiles::Prepare(const FrameTask& task, const QString& suffix) const
 {
     const QDir folder(JobFolder(task.jobId));
     MakeFolder(folder);
-    QFile::remove(folder.filePath(UnfinishedName(task.Number(), suffix)));
+    RenderPlace place = PlaceOf(task, suffix);
+    if (!QDir().mkpath(place.outputFolder))
+        throw std::runtime_error("cannot make the folder of unfinished frames");
+    QFile::remove(place.Output());
     if (task.beginsRun)
         RemoveFrames(folder, suffix);
-    ProvideScene(task);
+    m_scenes.Provide(task, folder);
+    LinkScene(place, task.scene);
+    return place;
+}
+
+// Renderers take spaces, quotation marks and other alphabets in their arguments for something else.
+void FrameFiles::LinkScene(const RenderPlace& place, const QString& scene)
+{
+    const QString target = QFileInfo(place.sceneFolder).fileName() + QLatin1Char('/') + scene;
+    if (QFileInfo::exists(place.sceneFile))
+        return;
+    QFile::remove(place.sceneFile);
+    if (::symlink(QFile::encodeName(target).constData(), QFile::encodeName(place.sceneFile).constData()) != 0)
+        throw std::runtime_error("cannot make a link to the scene");
 }
 
 void FrameFiles::RemoveFrames(QDir folder, const QString& suffix)
@@ -61,28 +98,17 @@ void FrameFiles::MakeFolder(const QDir& folder) const
     storage::SyncToDisk(QFileInfo(m_folder).path());
 }
 
-void FrameFiles::ProvideScene(const FrameTask& task) const
+Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix) const
 {
-    const QString own = QDir(JobFolder(task.jobId)).filePath(task.scene);
-    if (QFile::exists(own))
-        return;
-    QFile shipped(QDir(m_sceneFolder).filePath(task.scene));
-    QSaveFile copy(own);
-    if (!shipped.open(QIODevice::ReadOnly))
-        throw std::runtime_error("the scene file is missing");
-    if (!copy.open(QIODevice::WriteOnly) || copy.write(shipped.readAll()) < 0 || !copy.commit())
-        throw std::runtime_error("cannot write the scene file");
-}
-
-void FrameFiles::Keep(const FrameTask& task, const QString& suffix) const
-{
-    const QDir folder(JobFolder(task.jobId));
-    const QString unfinished = folder.filePath(UnfinishedName(task.Number(), suffix));
-    const QString finished = folder.filePath(FrameName(task.Number(), suffix));
-    if (QFileInfo(unfinished).size() == 0)
+    const QString unfinished = PlaceOf(task, suffix).Output();
+    const QFileInfo left(unfinished);
+    if (!left.isFile() || left.isSymLink() || left.size() == 0)
         throw std::runtime_error("the renderer left no picture");
+    const Picture picture {
+        FrameName(task.Number(), suffix), std::int64_t(left.size()), storage::FileChecksum(unfinished)};
     // It may be there already: kept, but not marked before a crash.
-    storage::RenameDurably(unfinished, finished);
+    storage::RenameDurably(unfinished, QDir(JobFolder(task.jobId)).filePath(picture.name));
+    return picture;
 }
 
 } // namespace farm

@@ -1,5 +1,6 @@
 #include "job_actions.h"
 
+#include "frame_ranges.h"
 #include "job_status.h"
 
 #include <QJsonArray>
@@ -33,7 +34,8 @@ Rule RuleOf(JobAction action)
     case JobAction::Delete:
         return {"status <> 5", JobStatus::Deleted, false};
     case JobAction::FullRender:
-        return {"status <> 5 AND (SELECT count(*) < max(number) FROM frames WHERE job = jobs.key)",
+        return {"status <> 5 AND (SELECT count(*) FROM frames WHERE job = jobs.key) < "
+                "(SELECT sum(last - first + 1) FROM frame_ranges WHERE job = jobs.key)",
             JobStatus::ToFullRender, true};
     }
     throw std::logic_error("no such action");
@@ -54,29 +56,14 @@ std::optional<QString> AffectedJobs(
     return Text(query.getColumn(1));
 }
 
-bool IsInArrears(SQLite::Database& connection, std::int64_t account)
-{
-    SQLite::Statement query(connection, "SELECT 1 FROM accounts WHERE key = ? AND balance <= 0");
-    Bind(query, account);
-    return query.executeStep();
-}
-
 void ForgetFrames(SQLite::Database& connection, const QString& jobs)
 {
-    Execute(connection, "UPDATE frames SET finished_at = NULL WHERE job IN (SELECT value FROM json_each(?))",
+    Execute(connection,
+        "UPDATE frames SET finished_at = NULL, file = NULL, size = NULL, checksum = NULL WHERE job IN "
+        "(SELECT value FROM json_each(?))",
         jobs);
     // A frame that is just being rendered belongs to the earlier run and is not counted for this one.
     Execute(connection, "UPDATE jobs SET run = run + 1 WHERE key IN (SELECT value FROM json_each(?))", jobs);
-}
-
-void AddMissingFrames(SQLite::Database& connection, const QString& jobs)
-{
-    Execute(connection,
-        "WITH RECURSIVE wanted(job, number) AS ("
-        "SELECT job, max(number) FROM frames WHERE job IN (SELECT value FROM json_each(?)) GROUP BY job "
-        "UNION ALL SELECT job, number - 1 FROM wanted WHERE number > 1) "
-        "INSERT OR IGNORE INTO frames(job, number) SELECT job, number FROM wanted",
-        jobs);
 }
 
 void SendToWork(SQLite::Database& connection, const QString& jobs, std::int64_t now)
@@ -95,6 +82,13 @@ void SendToWork(SQLite::Database& connection, const QString& jobs, std::int64_t 
 }
 
 } // namespace
+
+bool IsInArrears(SQLite::Database& connection, std::int64_t account)
+{
+    SQLite::Statement query(connection, "SELECT 1 FROM accounts WHERE key = ? AND balance <= 0");
+    Bind(query, account);
+    return query.executeStep();
+}
 
 JobActions::JobActions(Database& database, std::function<void()> changed)
     : m_database(database)

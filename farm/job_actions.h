@@ -12,6 +12,9 @@ namespace farm {
 
 enum class JobAction { Stop, Recover, Restart, Delete, FullRender };
 
+/// Whether the account's balance is spent.
+bool IsInArrears(SQLite::Database& connection, std::int64_t account);
+
 /// What accounts do with their jobs. Each action is one transaction; doing it again changes nothing more.
 class JobActions
 {

@@ -19,15 +19,25 @@ std::int64_t InsertJob(SQLite::Database& connection, const NewJob& job, const QS
     SQLite::Statement insert(connection,
         "INSERT INTO jobs(id, account, number, type, name, folded_name, business, status, scene, width, "
         "height, "
-        "submitted_at, project) VALUES (?1, ?2, (SELECT coalesce(max(number), 0) + 1 FROM jobs WHERE account "
+        "submitted_at, project, submission) VALUES (?1, ?2, (SELECT coalesce(max(number), 0) + 1 FROM jobs "
+        "WHERE account "
         "= ?2), "
-        "?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12)");
+        "?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13)");
     Bind(insert, id, job.account, job.type, job.name, job.name.toCaseFolded(), int(job.rendering),
         static_cast<int>(job.status), job.scene, job.width, job.height, job.submittedAt);
     if (job.project)
         insert.bind(12, *job.project);
+    if (!job.submission.isNull())
+        insert.bind(13, job.submission.toStdString());
     insert.exec();
     return connection.getLastInsertRowid();
+}
+
+std::int64_t NumberOf(SQLite::Database& connection, std::int64_t job)
+{
+    SQLite::Statement query(connection, "SELECT number FROM jobs WHERE key = ?");
+    Bind(query, job);
+    return query.executeStep() ? query.getColumn(0).getInt64() : 0;
 }
 
 // Of `job`. Frames and charges are counted for the jobs that are read only, however they are found.
@@ -61,13 +71,11 @@ JobStore::JobStore(Database& database)
 AddedJob JobStore::Add(const NewJob& job)
 {
     return m_database.Write([&job](SQLite::Database& connection) {
-        AddedJob added {0, NewId()};
+        AddedJob added {0, NewId(), 0};
         added.key = InsertJob(connection, job, added.id);
-        Execute(connection,
-            "WITH RECURSIVE counter(n) AS (VALUES (1) UNION ALL SELECT n + 1 FROM counter WHERE n < ?2) "
-            "INSERT INTO frames(job, number) SELECT ?1, n FROM counter "
-            "WHERE NOT ?3 OR n IN (1, (?2 + 1) / 2, ?2)",
-            added.key, job.frames, int(job.prerender));
+        added.number = NumberOf(connection, added.key);
+        AddFrames(connection, added.key, job.frames, job.prerender);
+        AddJobFiles(connection, added.key, job.files);
         return added;
     });
 }
@@ -104,6 +112,37 @@ std::optional<JobRecord> JobStore::Find(std::int64_t account, const QString& id)
         if (!query.executeStep())
             return std::nullopt;
         return ReadRecord(query);
+    });
+}
+
+std::optional<AddedJob> JobStore::FindSubmission(std::int64_t account, const QString& submission)
+{
+    return m_database.Read([&](SQLite::Database& connection) -> std::optional<AddedJob> {
+        SQLite::Statement query(
+            connection, "SELECT key, id, number FROM jobs WHERE account = ? AND submission = ?");
+        Bind(query, account, submission);
+        if (!query.executeStep())
+            return std::nullopt;
+        return AddedJob {
+            query.getColumn(0).getInt64(), Text(query.getColumn(1)), query.getColumn(2).getInt64()};
+    });
+}
+
+std::optional<JobPlan> JobStore::Plan(std::int64_t account, const QString& id)
+{
+    return m_database.Read([&](SQLite::Database& connection) -> std::optional<JobPlan> {
+        SQLite::Statement query(connection,
+            "SELECT key, width, height, (SELECT count(*) FROM frames WHERE job = jobs.key) "
+            "FROM jobs WHERE account = ? AND id = ?");
+        Bind(query, account, id);
+        if (!query.executeStep())
+            return std::nullopt;
+        JobPlan plan;
+        plan.frames = RangesOf(connection, query.getColumn(0).getInt64());
+        plan.width = query.getColumn(1).getInt();
+        plan.height = query.getColumn(2).getInt();
+        plan.prerender = query.getColumn(3).getInt() < FrameCount(plan.frames);
+        return plan;
     });
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "frame_ranges.h"
 #include "job_conditions.h"
+#include "job_files.h"
 #include "job_status.h"
 #include "money.h"
 #include "schema.h"
@@ -18,20 +20,25 @@ struct NewJob
     QString name;
     bool rendering = true;
     JobStatus status = JobStatus::Waiting;
-    /// A file name, without a folder.
+    /// The path of one of `files` or, when there are none, the name of a scene that comes with the farm.
     QString scene;
+    std::vector<JobFile> files;
     int width = 320;
     int height = 180;
-    int frames = 1;
+    /// They have no frame in common.
+    std::vector<FrameRange> frames = std::vector<FrameRange>(1);
     /// Only the first, the middle and the last frame are rendered for now.
     bool prerender = false;
     std::int64_t submittedAt = 0;
+    /// The client's own name of the submission, unique within the account; null for none.
+    QString submission;
 };
 
 struct AddedJob
 {
     std::int64_t key = 0;
     QString id;
+    std::int64_t number = 0;
 };
 
 struct JobRecord
@@ -46,6 +53,16 @@ struct JobRecord
     Micros cost = 0;
     /// Why the job has failed.
     QString message;
+};
+
+/// How a job is rendered.
+struct JobPlan
+{
+    std::vector<FrameRange> frames;
+    int width = 0;
+    int height = 0;
+    /// Frames are missing that only a full render adds.
+    bool prerender = false;
 };
 
 struct JobPage
@@ -70,6 +87,12 @@ public:
 
     /// The account's job with this id, also a deleted one.
     std::optional<JobRecord> Find(std::int64_t account, const QString& id);
+
+    /// The job that came with this submission.
+    std::optional<AddedJob> FindSubmission(std::int64_t account, const QString& submission);
+
+    /// How the account's job with this id is rendered.
+    std::optional<JobPlan> Plan(std::int64_t account, const QString& id);
 
     /// Whether the account has a job that is rendered or will be by itself.
     bool HasOpenJobs(std::int64_t account);

@@ -22,6 +22,7 @@ JobType ReadJobType(const QString& name, const QJsonObject& object)
     type.suffix = object.value(QLatin1String("suffix")).toString();
     type.frameTimeLimitSeconds
         = object.value(QLatin1String("frame_time_limit")).toInt(type.frameTimeLimitSeconds);
+    type.confined = object.value(QLatin1String("confined")).toBool(true);
     if (type.program.isEmpty() || type.suffix.isEmpty() || type.frameTimeLimitSeconds < 1)
         throw std::runtime_error("the job type " + name.toStdString()
             + " needs program, suffix and a frame_time_limit of at least 1");
@@ -30,7 +31,7 @@ JobType ReadJobType(const QString& name, const QJsonObject& object)
 
 QString FillInOne(const QString& text, const QMap<QString, QString>& values)
 {
-    static const QRegularExpression placeholder(QStringLiteral("\\{([a-z]+)\\}"));
+    static const QRegularExpression placeholder(QStringLiteral("\\{([a-z_]+)\\}"));
     QString filled;
     int copied = 0;
     auto matches = placeholder.globalMatch(text);

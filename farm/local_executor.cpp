@@ -4,6 +4,8 @@
 
 #include <QStandardPaths>
 
+#include <spdlog/spdlog.h>
+
 #include <algorithm>
 
 namespace farm {
@@ -11,6 +13,8 @@ namespace farm {
 LocalExecutor::LocalExecutor(int slotCount)
     : m_slots(std::max(1, slotCount))
 {
+    if (!Confinement::IsSupported())
+        spdlog::warn("this machine's kernel has no Landlock: renderers can read what the farm can");
 }
 
 LocalExecutor::~LocalExecutor() = default;

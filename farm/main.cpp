@@ -21,6 +21,8 @@
 namespace {
 
 constexpr double dearestCoreSecond = 1000;
+constexpr std::int64_t gibibyte = std::int64_t {1} << 30;
+constexpr int mostGibibytes = 1'000'000;
 
 struct Options
 {
@@ -127,6 +129,8 @@ void AddOptions(QCommandLineParser& parser)
             QStringLiteral("port"), QStringLiteral("0")},
         {QStringLiteral("slots"), QStringLiteral("Frames rendered at a time."), QStringLiteral("number"),
             freeCores},
+        {QStringLiteral("quota"), QStringLiteral("What the files of an account may take."),
+            QStringLiteral("GiB"), QStringLiteral("20")},
         {QStringLiteral("price"), QStringLiteral("Price of a core-second."), QStringLiteral("amount"), price},
         {QStringLiteral("job-types"), QStringLiteral("File that says how job types are rendered."),
             QStringLiteral("file"), beside + QStringLiteral("job_types.json")},
@@ -166,6 +170,7 @@ Options ReadOptions()
     options.settings.slotCount = IntegerOption(parser, QStringLiteral("slots"), 1, 1024);
     options.settings.pricePerCoreSecond
         = AmountOf(parser.value(QStringLiteral("price")), QStringLiteral("price"), 0, dearestCoreSecond);
+    options.settings.quota = IntegerOption(parser, QStringLiteral("quota"), 0, mostGibibytes) * gibibyte;
     options.settings.demo = !parser.isSet(QStringLiteral("no-demo"));
     options.stopWithStdin = parser.isSet(QStringLiteral("stop-with-stdin"));
     return options;

@@ -1,6 +1,10 @@
 #include "render_process.h"
 
+#include <QProcessEnvironment>
+#include <QStandardPaths>
+
 #include <csignal>
+#include <cstdlib>
 #include <linux/close_range.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -37,6 +41,8 @@ RenderProcess::RenderProcess(const RenderCommand& command)
     : m_timeLimitSeconds(command.timeLimitSeconds)
 {
     setProgram(command.program);
+    if (command.reach)
+        Confine(*command.reach, command.program);
     setArguments(command.arguments);
     setWorkingDirectory(command.folder);
     setProcessChannelMode(QProcess::MergedChannels);
@@ -60,6 +66,21 @@ RenderProcess::~RenderProcess()
     TakeCoreMilliseconds();
 }
 
+// Of the farm's environment a confined renderer learns only what it needs; its home is where it may write.
+void RenderProcess::Confine(const Reach& reach, const QString& program)
+{
+    m_confinement = std::make_unique<Confinement>(reach, QStandardPaths::findExecutable(program));
+    const QProcessEnvironment farms = QProcessEnvironment::systemEnvironment();
+    QProcessEnvironment own;
+    for (const char* name : {"PATH", "LANG", "LC_ALL", "TZ"}) {
+        if (farms.contains(QLatin1String(name)))
+            own.insert(QLatin1String(name), farms.value(QLatin1String(name)));
+    }
+    for (const char* name : {"HOME", "TMPDIR"})
+        own.insert(QLatin1String(name), reach.writable);
+    setProcessEnvironment(own);
+}
+
 void RenderProcess::Run()
 {
     m_timeLimit.start(std::chrono::seconds(m_timeLimitSeconds));
@@ -74,6 +95,8 @@ void RenderProcess::setupChildProcess()
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     // A renderer must not keep the connections of clients open.
     ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
+    if (m_confinement && !m_confinement->Enter())
+        ::_exit(EXIT_FAILURE);
 }
 
 void RenderProcess::KillAll()

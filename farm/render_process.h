@@ -5,6 +5,8 @@
 #include <QProcess>
 #include <QTimer>
 
+#include <memory>
+
 namespace farm {
 
 /// One run of a renderer. Destroying it ends the renderer and whatever that has started.
@@ -13,6 +15,7 @@ class RenderProcess : public QProcess
     Q_OBJECT
 
 public:
+    /// Throws std::runtime_error when it cannot be confined as the command asks.
     explicit RenderProcess(const RenderCommand& command);
     ~RenderProcess() override;
 
@@ -32,6 +35,9 @@ private:
     QString Message(int exitCode, QProcess::ExitStatus status) const;
     void KillAll();
 
+    void Confine(const Reach& reach, const QString& program);
+
+    std::unique_ptr<Confinement> m_confinement;
     int m_timeLimitSeconds;
     QTimer m_timeLimit;
     QByteArray m_outputTail;

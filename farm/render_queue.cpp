@@ -35,8 +35,9 @@ FrameTask ReadTask(SQLite::Statement& job, const FrameKey& frame)
     task.scene = Text(job.getColumn(3));
     task.width = job.getColumn(4).getInt();
     task.height = job.getColumn(5).getInt();
-    task.frames = job.getColumn(6).getInt();
+    task.firstFrame = job.getColumn(6).getInt();
     task.beginsRun = job.getColumn(8).getInt() != 0;
+    task.lastFrame = job.getColumn(9).getInt();
     return task;
 }
 
@@ -56,8 +57,9 @@ std::optional<FrameTask> RenderQueue::Next(
     return m_database.Read([&](SQLite::Database& connection) -> std::optional<FrameTask> {
         SQLite::Statement jobs(connection,
             "SELECT key, id, type, scene, width, height, "
-            "(SELECT max(number) FROM frames WHERE job = key), run, "
-            "NOT EXISTS (SELECT 1 FROM frames WHERE job = key AND finished_at IS NOT NULL) "
+            "(SELECT min(first) FROM frame_ranges WHERE job = key), run, "
+            "NOT EXISTS (SELECT 1 FROM frames WHERE job = key AND finished_at IS NOT NULL), "
+            "(SELECT max(last) FROM frame_ranges WHERE job = key) "
             "FROM open_jobs WHERE type IN (SELECT value FROM json_each(?)) "
             "ORDER BY status = 1 DESC, status = 1 AND key <= ?, key");
         Bind(jobs, QString::fromUtf8(typeList), lastJob);
@@ -101,14 +103,16 @@ void RenderQueue::PauseJobsInArrears()
     });
 }
 
-void RenderQueue::Finish(const FrameKey& frame, std::int64_t coreMilliseconds, std::int64_t now)
+void RenderQueue::Finish(
+    const FrameKey& frame, const Picture& picture, std::int64_t coreMilliseconds, std::int64_t now)
 {
     const Micros amount = Charge(coreMilliseconds, m_price);
     m_database.Write([&](SQLite::Database& connection) {
         if (Execute(connection,
-                "UPDATE frames SET finished_at = ?4 WHERE job = ?1 AND number = ?2 AND finished_at IS NULL "
+                "UPDATE frames SET finished_at = ?4, file = ?5, size = ?6, checksum = ?7 "
+                "WHERE job = ?1 AND number = ?2 AND finished_at IS NULL "
                 "AND (SELECT run FROM jobs WHERE key = ?1) = ?3",
-                frame.job, frame.number, frame.run, now)
+                frame.job, frame.number, frame.run, now, picture.name, picture.size, picture.checksum)
             == 0)
             return;
         Execute(connection,

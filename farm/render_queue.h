@@ -32,10 +32,11 @@ public:
     /// Pauses the open jobs of the accounts whose balance is spent.
     void PauseJobsInArrears();
 
-    /// Marks the frame finished, charges it and lowers the account's balance, all or nothing; the job is
+    /// Marks the frame finished with this picture, charges it and lowers the account's balance, all or nothing; the job is
     /// finished with its last frame. Nothing happens when the frame is marked already or
     /// belongs to an earlier run.
-    void Finish(const FrameKey& frame, std::int64_t coreMilliseconds, std::int64_t now);
+    void Finish(
+        const FrameKey& frame, const Picture& picture, std::int64_t coreMilliseconds, std::int64_t now);
 
     /// Counts a failed attempt; at the third of a frame the job has failed and keeps the message.
     /// Returns whether the job has failed.

@@ -5,7 +5,9 @@
 #include "bad_input.h"
 #include "http_server.h"
 #include "job_store.h"
+#include "json_input.h"
 #include "local_time.h"
+#include "request_gate.h"
 #include "version.h"
 
 #include <QJsonDocument>
@@ -23,44 +25,9 @@ constexpr std::int64_t largestPageSize = 1000;
 constexpr std::int64_t usualPageSize = 18;
 constexpr int mostIds = 1000;
 
-QJsonObject Data(const QJsonValue& value)
-{
-    return {{QStringLiteral("data"), value}};
-}
-
-QString RequiredText(const QJsonObject& body, const char* key, int longest)
-{
-    const QJsonValue value = body.value(QLatin1String(key));
-    if (!value.isString() || value.toString().size() > longest)
-        throw BadInput(std::string(key) + " is missing, no text or too long");
-    return value.toString();
-}
-
-QStringList RequiredIds(const QJsonObject& body)
-{
-    const QJsonValue value = body.value(QLatin1String("ids"));
-    const QJsonArray list = value.toArray();
-    if (!value.isArray() || list.size() > mostIds)
-        throw BadInput("ids is missing, no list or too long");
-    QStringList ids;
-    for (const QJsonValue& id : list) {
-        if (!id.isString())
-            throw BadInput("ids are texts");
-        ids.append(id.toString());
-    }
-    return ids;
-}
-
 ApiRefusal NoSuchJob()
 {
     return {404, "not_found", QStringLiteral("there is no such job")};
-}
-
-void RefuseWhenTooMany(const std::optional<int>& wait)
-{
-    if (wait)
-        throw ApiRefusal {
-            429, "too_many_requests", QStringLiteral("too many requests, try again later"), *wait};
 }
 
 std::int64_t NumberIn(const QByteArray& text, std::int64_t otherwise, std::int64_t largest)
@@ -86,13 +53,14 @@ QByteArray PlainText(const QJsonValue& value)
 
 } // namespace
 
-Routes::Routes(AccountStore& accounts, JobStore& jobs, JobActions& actions, const RequestLimits& limits)
-    : m_accounts(accounts)
+Routes::Routes(RequestGate& gate, AccountStore& accounts, JobStore& jobs, JobActions& actions,
+    const RequestLimits& limits)
+    : m_gate(gate)
+    , m_accounts(accounts)
     , m_jobs(jobs)
     , m_actions(actions)
     , m_signInsByAddress(limits.signInsByAddress)
     , m_failedSignInsByName(limits.failedSignInsByName)
-    , m_requestsByAccount(limits.requestsByAccount)
 {
 }
 
@@ -122,15 +90,6 @@ void Routes::AddTo(HttpServer& server)
     server.Post("/api/v1/jobs/full-render", act(JobAction::FullRender));
 }
 
-std::int64_t Routes::Authorize(const ApiRequest& request)
-{
-    const auto account = m_accounts.AccountOf(request.Token(), Now());
-    if (!account)
-        throw ApiRefusal {401, "unauthorized", QStringLiteral("sign in first")};
-    RefuseWhenTooMany(m_requestsByAccount.Take(std::to_string(*account)));
-    return *account;
-}
-
 QJsonObject Routes::SignIn(const ApiRequest& request)
 {
     const QJsonObject body = request.Body();
@@ -154,27 +113,27 @@ QJsonObject Routes::SignOut(const ApiRequest& request)
 
 QJsonObject Routes::ShowAccount(const ApiRequest& request)
 {
-    return Data(AccountJson(m_accounts.Info(Authorize(request))));
+    return DataJson(AccountJson(m_accounts.Info(m_gate.Authorize(request))));
 }
 
 QJsonObject Routes::ListProjects(const ApiRequest& request)
 {
-    return Data(ProjectsJson(m_accounts.Projects(Authorize(request))));
+    return DataJson(ProjectsJson(m_accounts.Projects(m_gate.Authorize(request))));
 }
 
 QJsonObject Routes::ListJobs(const ApiRequest& request)
 {
-    const std::int64_t account = Authorize(request);
-    return Data(JobPageJson(m_jobs.List(account, ParseJobConditions(request.Query("conditions")),
+    const std::int64_t account = m_gate.Authorize(request);
+    return DataJson(JobPageJson(m_jobs.List(account, ParseJobConditions(request.Query("conditions")),
         NumberIn(request.Query("page"), 1, largestPage),
         NumberIn(request.Query("pageSize"), usualPageSize, largestPageSize))));
 }
 
 QJsonObject Routes::SearchJobs(const ApiRequest& request)
 {
-    const std::int64_t account = Authorize(request);
+    const std::int64_t account = m_gate.Authorize(request);
     const QJsonObject body = request.Body();
-    return Data(JobPageJson(
+    return DataJson(JobPageJson(
         m_jobs.List(account, ParseJobConditions(PlainText(body.value(QLatin1String("conditions")))),
             NumberIn(PlainText(body.value(QLatin1String("page"))), 1, largestPage),
             NumberIn(PlainText(body.value(QLatin1String("pageSize"))), usualPageSize, largestPageSize))));
@@ -182,19 +141,21 @@ QJsonObject Routes::SearchJobs(const ApiRequest& request)
 
 QJsonObject Routes::ShowJob(const ApiRequest& request)
 {
-    const auto job = m_jobs.Find(Authorize(request), request.PathPart());
-    if (!job)
+    const std::int64_t account = m_gate.Authorize(request);
+    const auto job = m_jobs.Find(account, request.PathPart());
+    const auto plan = m_jobs.Plan(account, request.PathPart());
+    if (!job || !plan)
         throw NoSuchJob();
-    return Data(QJsonObject {{QStringLiteral("jobDatas"), JobInfoJson(*job)}});
+    return DataJson(QJsonObject {{QStringLiteral("jobDatas"), JobInfoJson(*job, *plan)}});
 }
 
 QJsonObject Routes::Act(JobAction action, const ApiRequest& request)
 {
-    const std::int64_t account = Authorize(request);
-    const auto refused = m_actions.Do(action, account, RequiredIds(request.Body()), Now());
+    const std::int64_t account = m_gate.Authorize(request);
+    const auto refused = m_actions.Do(action, account, RequiredTexts(request.Body(), "ids", mostIds), Now());
     if (!refused)
         throw NoSuchJob();
-    return Data(QJsonObject {{QStringLiteral("notAllowedJobs"), QJsonArray::fromStringList(*refused)}});
+    return DataJson(QJsonObject {{QStringLiteral("notAllowedJobs"), QJsonArray::fromStringList(*refused)}});
 }
 
 } // namespace farm

@@ -4,6 +4,8 @@
 #include "local_time.h"
 #include "render_queue.h"
 
+#include <QFileInfo>
+
 #include <spdlog/spdlog.h>
 
 namespace farm {
@@ -13,19 +15,26 @@ namespace {
 using namespace std::chrono_literals;
 constexpr auto lookInterval = 5s;
 
-RenderCommand CommandFor(const FrameTask& task, const JobType& type, const QString& folder)
+RenderCommand CommandFor(const FrameTask& task, const JobType& type, const RenderPlace& place)
 {
-    const double clock = double(task.Number() - 1) / task.frames;
+    const double clock = double(task.Number() - task.firstFrame) / task.FrameSpan();
     const QMap<QString, QString> values {
-        {QStringLiteral("scene"), task.scene},
-        {QStringLiteral("output"), FrameFiles::UnfinishedName(task.Number(), type.suffix)},
+        {QStringLiteral("scene"), place.FromWorkFolder(place.sceneFile)},
+        {QStringLiteral("scene_folder"), place.FromWorkFolder(place.sceneFolder)},
+        {QStringLiteral("output"), place.FromWorkFolder(place.Output())},
+        {QStringLiteral("output_folder"), place.FromWorkFolder(place.outputFolder)},
+        {QStringLiteral("output_name"), QFileInfo(place.outputName).completeBaseName()},
         {QStringLiteral("width"), QString::number(task.width)},
         {QStringLiteral("height"), QString::number(task.height)},
         {QStringLiteral("frame"), QString::number(task.Number())},
-        {QStringLiteral("frames"), QString::number(task.frames)},
+        {QStringLiteral("frames"), QString::number(task.FrameSpan())},
         {QStringLiteral("clock"), QString::number(clock, 'f', 6)},
     };
-    return {type.program, FillIn(type.arguments, values), folder, type.frameTimeLimitSeconds};
+    RenderCommand command {
+        type.program, FillIn(type.arguments, values), place.workFolder, type.frameTimeLimitSeconds, {}};
+    if (type.confined)
+        command.reach = Reach {place.sceneFolder, place.outputFolder};
+    return command;
 }
 
 } // namespace
@@ -99,15 +108,15 @@ void Scheduler::StartFrame(const FrameTask& task)
     m_queue.Start(task.key.job);
     const JobType type = m_types.value(task.type);
     try {
-        m_files.Prepare(task, type.suffix);
+        const RenderPlace place = m_files.Prepare(task, type.suffix);
+        m_executor.Start(task.key, CommandFor(task, type, place),
+            [this, task](const RenderResult& result) { FrameEnded(task, result); });
     } catch (const std::runtime_error& error) {
         FrameFailed(task, QString::fromUtf8(error.what()));
         return;
     }
     m_rendering.insert(task.key);
-    m_executor.Start(task.key, CommandFor(task, type, m_files.JobFolder(task.jobId)),
-        [this, task](const RenderResult& result) { FrameEnded(task, result); });
-    spdlog::debug("job {} frame {} of {} started", task.jobId.toStdString(), task.Number(), task.frames);
+    spdlog::debug("job {} frame {} started", task.jobId.toStdString(), task.Number());
 }
 
 void Scheduler::FrameEnded(const FrameTask& task, const RenderResult& result)
@@ -129,15 +138,16 @@ void Scheduler::Record(const FrameTask& task, const RenderResult& result)
         FrameFailed(task, result.message);
         return;
     }
+    Picture picture;
     try {
-        m_files.Keep(task, m_types.value(task.type).suffix);
+        picture = m_files.Keep(task, m_types.value(task.type).suffix);
     } catch (const std::runtime_error& error) {
         FrameFailed(task, QString::fromUtf8(error.what()));
         return;
     }
-    m_queue.Finish(task.key, result.coreMilliseconds, Now());
-    spdlog::debug("job {} frame {} of {} finished in {} ms", task.jobId.toStdString(), task.Number(),
-        task.frames, result.coreMilliseconds);
+    m_queue.Finish(task.key, picture, result.coreMilliseconds, Now());
+    spdlog::debug("job {} frame {} finished in {} ms", task.jobId.toStdString(), task.Number(),
+        result.coreMilliseconds);
 }
 
 void Scheduler::FrameFailed(const FrameTask& task, const QString& message)

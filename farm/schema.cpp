@@ -80,11 +80,51 @@ CREATE INDEX jobs_to_render ON jobs(key) WHERE status IN (0, 1, 6);
 CREATE VIEW open_jobs AS SELECT * FROM jobs WHERE status IN (0, 1, 6);
 )sql";
 
+// What an account has sent to the farm, and what its jobs have of it and leave. The ranges of a job have no frame in
+// common; together they are all that it may render.
+constexpr const char* scenesAndPictures = R"sql(
+CREATE TABLE contents(
+    account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
+    checksum TEXT NOT NULL,
+    size INTEGER NOT NULL,
+    PRIMARY KEY(account, checksum)) WITHOUT ROWID;
+
+CREATE TABLE uploads(
+    id TEXT PRIMARY KEY,
+    account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
+    checksum TEXT NOT NULL,
+    size INTEGER NOT NULL,
+    touched_at INTEGER NOT NULL,
+    unpacked TEXT,
+    UNIQUE(account, checksum, size)) WITHOUT ROWID;
+CREATE INDEX uploads_by_touch ON uploads(touched_at);
+
+ALTER TABLE jobs ADD COLUMN submission TEXT;
+CREATE UNIQUE INDEX jobs_by_client_name ON jobs(account, submission) WHERE submission IS NOT NULL;
+
+CREATE TABLE job_files(
+    job INTEGER NOT NULL REFERENCES jobs ON DELETE CASCADE,
+    path TEXT NOT NULL,
+    checksum TEXT NOT NULL,
+    PRIMARY KEY(job, path)) WITHOUT ROWID;
+
+CREATE TABLE frame_ranges(
+    job INTEGER NOT NULL REFERENCES jobs ON DELETE CASCADE,
+    first INTEGER NOT NULL,
+    last INTEGER NOT NULL,
+    PRIMARY KEY(job, first)) WITHOUT ROWID;
+INSERT INTO frame_ranges SELECT job, 1, max(number) FROM frames GROUP BY job;
+
+ALTER TABLE frames ADD COLUMN file TEXT;
+ALTER TABLE frames ADD COLUMN size INTEGER;
+ALTER TABLE frames ADD COLUMN checksum TEXT;
+)sql";
+
 } // namespace
 
 storage::Migrations Schema()
 {
-    return {firstSchema, runsAndFullRenders};
+    return {firstSchema, runsAndFullRenders, scenesAndPictures};
 }
 
 } // namespace farm

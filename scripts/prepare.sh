@@ -2,7 +2,7 @@
 
 PACKAGES="g++ cmake ninja-build ccache pkg-config
     qtbase5-dev libqt5svg5-dev qttools5-dev qttools5-dev-tools
-    libspdlog-dev libcpp-httplib-dev libsqlitecpp-dev libsqlite3-dev libsodium-dev
+    libspdlog-dev libcpp-httplib-dev libsqlitecpp-dev libsqlite3-dev libsodium-dev libzip-dev
     povray povray-includes
     xvfb xauth fonts-dejavu-core fonts-inter"
 

@@ -36,7 +36,7 @@ public:
         job.type = QStringLiteral("povray");
         job.name = name;
         job.scene = QStringLiteral("scene.txt");
-        job.frames = frames;
+        job.frames = {{1, frames}};
         return job;
     }
 
@@ -68,6 +68,8 @@ inline QByteArray ScriptedTypes(const QString& script, int frameTimeLimitSeconds
         {QStringLiteral("arguments"), QJsonArray {QStringLiteral("-c"), script}},
         {QStringLiteral("suffix"), QStringLiteral("txt")},
         {QStringLiteral("frame_time_limit"), frameTimeLimitSeconds},
+        // It leaves notes beside the jobs.
+        {QStringLiteral("confined"), false},
     };
     return QJsonDocument(QJsonObject {{QStringLiteral("povray"), type}}).toJson();
 }

@@ -10,15 +10,15 @@ using namespace farm;
 
 namespace {
 
-// Stands in for the renderer: notes each frame that it begins in ../log and waits at frame 3 for ../gate.
-const char* const gatedScript = "echo $$ > ../pid; echo {frame}/{frames} >> ../log; "
-                                "[ {frame} -ne 3 ] || while [ ! -e ../gate ]; do sleep 0.01; done; "
+// Stands in for the renderer: notes each frame that it begins in ../../log and waits at frame 3 for ../../gate.
+const char* const gatedScript = "echo $$ > ../../pid; echo {frame}/{frames} >> ../../log; "
+                                "[ {frame} -ne 3 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
                                 "cp {scene} {output}";
 
-// Takes processor time, so that it costs something, and waits in each frame but the first for ../gate.
-const char* const dearScript = "echo $$ > ../pid; i=0; while [ $i -lt 30000 ]; do i=$((i+1)); done; "
-                               "echo {frame} >> ../log; "
-                               "[ {frame} -eq 1 ] || while [ ! -e ../gate ]; do sleep 0.01; done; "
+// Takes processor time, so that it costs something, and waits in each frame but the first for ../../gate.
+const char* const dearScript = "echo $$ > ../../pid; i=0; while [ $i -lt 30000 ]; do i=$((i+1)); done; "
+                               "echo {frame} >> ../../log; "
+                               "[ {frame} -eq 1 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
                                "cp {scene} {output}";
 
 constexpr Micros dear = 100'000'000;
@@ -268,7 +268,7 @@ void ActionsTest::ARecoveredJobMayBeFinishedAlready()
     NewJob job = m_data->Job(QStringLiteral("job"));
     job.status = JobStatus::Paused;
     const AddedJob added = Add(job);
-    RenderQueue(m_data->database, usualPrice).Finish({added.key, 1}, 1, 100);
+    RenderQueue(m_data->database, usualPrice).Finish({added.key, 1}, {}, 1, 100);
     QCOMPARE(Status(added.id), int(JobStatus::Paused));
     StartFarm(gatedScript);
     QCOMPARE(Do("recover", {added.id}).status, 200);
@@ -279,7 +279,7 @@ void ActionsTest::ARecoveredJobMayBeFinishedAlready()
 void ActionsTest::AFailedJobGetsAllItsAttemptsAgain()
 {
     const QString id = Add(m_data->Job(QStringLiteral("job"))).id;
-    StartFarm("echo {frame} >> ../log; [ -e ../gate ] && cp {scene} {output}");
+    StartFarm("echo {frame} >> ../../log; [ -e ../../gate ] && cp {scene} {output}");
     QTRY_COMPARE_WITH_TIMEOUT(Status(id), int(JobStatus::Failed), patienceMs);
     QCOMPARE(Log(), QByteArray("1 1 1"));
     QCOMPARE(Do("recover", {id}).status, 200);
@@ -305,7 +305,7 @@ void ActionsTest::ARestartedJobBeginsAnew()
     QVERIFY(!QFile::exists(left));
     QCOMPARE(Status(job.id), int(JobStatus::Running));
     // What the earlier run reports late is not counted.
-    RenderQueue(m_data->database, usualPrice).Finish({job.key, 4, 1}, 1, 100);
+    RenderQueue(m_data->database, usualPrice).Finish({job.key, 4, 1}, {}, 1, 100);
     QTRY_COMPARE_WITH_TIMEOUT(Progress(job.id), 50, patienceMs);
     QVERIFY(WriteFile(Path("jobs/gate"), {}));
     QTRY_COMPARE_WITH_TIMEOUT(Status(job.id), int(JobStatus::Finished), patienceMs);

@@ -92,10 +92,10 @@ void DaemonTest::EndsWhenAsked()
 void DaemonTest::AKillLosesNoFinishedFrame()
 {
     QVERIFY(WriteFile(Path("scene.txt"), "a scene"));
-    // Waits in frame 4 until ../gate exists; a kill of the server must end it too.
+    // Waits in frame 4 until ../../gate exists; a kill of the server must end it too.
     QVERIFY(WriteFile(Path("types.json"),
-        ScriptedTypes(QStringLiteral("echo $$ > ../pid; echo half > {output}; echo {frame} >> ../log; "
-                                     "[ {frame} -ne 4 ] || while [ ! -e ../gate ]; do sleep 0.01; done; "
+        ScriptedTypes(QStringLiteral("echo $$ > ../../pid; echo half > {output}; echo {frame} >> ../../log; "
+                                     "[ {frame} -ne 4 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
                                      "cp {scene} {output}"))));
     FarmData data(m_folder->path());
     const QString job = data.jobs.Add(data.Job(QStringLiteral("job"), 6)).id;
@@ -124,10 +124,10 @@ void DaemonTest::AKillLosesNoFinishedFrame()
 void DaemonTest::AKillLosesNoAction()
 {
     QVERIFY(WriteFile(Path("scene.txt"), "a scene"));
-    // Begins frame 3 and stays there until ../gate exists.
+    // Begins frame 3 and stays there until ../../gate exists.
     QVERIFY(WriteFile(Path("types.json"),
-        ScriptedTypes(QStringLiteral("echo {frame} >> ../log; "
-                                     "[ {frame} -ne 3 ] || while [ ! -e ../gate ]; do sleep 0.01; done; "
+        ScriptedTypes(QStringLiteral("echo {frame} >> ../../log; "
+                                     "[ {frame} -ne 3 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
                                      "cp {scene} {output}"))));
     FarmData data(m_folder->path());
     const QString job = data.jobs.Add(data.Job(QStringLiteral("job"), 4)).id;

@@ -187,7 +187,7 @@ void HttpTest::SearchFindsWhatSqlFinds_data()
         QTest::newRow(name.constData()) << conditions << sql;
     };
     row("number", R"({"job_increasement":"7"})", "number = 7");
-    row("name", R"({"job_name":"DAWN_SH0"})", "name LIKE '%dawn\\_sh0%' ESCAPE '\\'");
+    row("name", R"({"job_name":"BOUR_SH0"})", "name LIKE '%bour\\_sh0%' ESCAPE '\\'");
     row("type", R"({"job_type":"raytracer@povray@POV-Ray"})", "type = 'povray'");
     for (int status = 0; status <= 9; ++status) {
         const QByteArray code = QByteArray::number(status);

@@ -1,7 +1,9 @@
+#include "content_store.h"
 #include "farm_fixture.h"
 #include "frame_files.h"
 #include "local_executor.h"
 #include "render_queue.h"
+#include "scene_files.h"
 #include "scheduler.h"
 
 #include <QtTest>
@@ -12,9 +14,9 @@ using namespace farm;
 
 namespace {
 
-// Stands in for the renderer: notes each frame that it begins in ../log and waits at frame 3 for ../gate.
-const char* const gatedScript = "echo $$ > ../pid; echo {frame} >> ../log; "
-                                "[ {frame} -ne 3 ] || while [ ! -e ../gate ]; do sleep 0.01; done; "
+// Stands in for the renderer: notes each frame that it begins in ../../log and waits at frame 3 for ../../gate.
+const char* const gatedScript = "echo $$ > ../../pid; echo {frame} >> ../../log; "
+                                "[ {frame} -ne 3 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
                                 "cp {scene} {output}";
 
 constexpr Micros workshopPrice = 500'000;
@@ -25,7 +27,9 @@ class Workshop
 public:
     Workshop(const QString& folder, const QString& script, int slotCount = 1, int timeLimit = 600)
         : data(folder)
-        , files(QDir(folder).filePath(QStringLiteral("jobs")), folder)
+        , contents(data.database, QDir(folder).filePath(QStringLiteral("contents")))
+        , scenes(data.database, contents, folder)
+        , files(QDir(folder).filePath(QStringLiteral("jobs")), scenes)
         , queue(data.database, workshopPrice)
         , executor(slotCount)
     {
@@ -45,6 +49,8 @@ public:
     }
 
     FarmData data;
+    ContentStore contents;
+    SceneFiles scenes;
     FrameFiles files;
     RenderQueue queue;
     LocalExecutor executor;
@@ -122,7 +128,7 @@ void RenderingTest::AJobIsRenderedFrameByFrame()
     Workshop workshop(m_folder->path(),
         QStringLiteral(
             "cat {scene} > {output}; echo ' {frame}/{frames} {clock} {width}x{height}' >> {output}; "
-            "ps -o ni= -p $$ > ../nice"),
+            "ps -o ni= -p $$ > ../../nice"),
         2);
     NewJob job = workshop.data.Job(QStringLiteral("job"), 4);
     job.width = 64;
@@ -143,9 +149,9 @@ void RenderingTest::EachFrameIsChargedOnce()
 {
     Workshop workshop(m_folder->path(), QString());
     const std::int64_t job = workshop.data.jobs.Add(workshop.data.Job(QStringLiteral("job"), 3)).key;
-    workshop.queue.Finish({job, 2}, 3001, 100);
-    workshop.queue.Finish({job, 2}, 9999, 101);
-    workshop.queue.Finish({job, 7}, 9999, 102);
+    workshop.queue.Finish({job, 2}, {}, 3001, 100);
+    workshop.queue.Finish({job, 2}, {}, 9999, 101);
+    workshop.queue.Finish({job, 7}, {}, 9999, 102);
     QCOMPARE(workshop.data.Only().cost, Micros(1'500'500));
     QCOMPARE(workshop.data.Only().progress, 33);
     QCOMPARE(workshop.data.accounts.Info(workshop.data.account).balance, Micros(10'000'000 - 1'500'500));
@@ -189,7 +195,7 @@ void RenderingTest::ARendererThatFailsFailsTheJob()
     QFETCH(QString, script);
     QFETCH(int, timeLimit);
     const QString firstIsFine
-        = QStringLiteral("[ {frame} -gt 1 ] || { cp {scene} {output}; exit; }; echo x >> ../log; ");
+        = QStringLiteral("[ {frame} -gt 1 ] || { cp {scene} {output}; exit; }; echo x >> ../../log; ");
     Workshop workshop(m_folder->path(), firstIsFine + script, 1, timeLimit);
     const AddedJob job = workshop.data.jobs.Add(workshop.data.Job(QStringLiteral("job"), 4));
     workshop.scheduler->Nudge();
@@ -219,7 +225,7 @@ void RenderingTest::WithoutItsRendererAJobWaits()
 
 void RenderingTest::RunningJobsTakeTurns()
 {
-    Workshop workshop(m_folder->path(), QStringLiteral("cat {scene} >> ../log; cp {scene} {output}"));
+    Workshop workshop(m_folder->path(), QStringLiteral("cat {scene} >> ../../log; cp {scene} {output}"));
     const QStringList scenes {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")};
     for (const QString& scene : scenes) {
         WriteFile(m_folder->filePath(scene), scene.toLatin1());

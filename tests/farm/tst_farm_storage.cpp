@@ -1,5 +1,6 @@
 #include "data_lock.h"
 #include "farm_fixture.h"
+#include "job_actions.h"
 #include "money.h"
 #include "render_queue.h"
 #include "schema.h"
@@ -18,6 +19,7 @@ private slots:
     void AFailedChangeLeavesNothingBehind();
     void AnInnerChangeFailsWithTheOuterOne();
     void DataOfANewerFarmAreRefused();
+    void DataOfAnOlderFarmAreTakenOver_data();
     void DataOfAnOlderFarmAreTakenOver();
     void AFolderServesOneFarmAtATime();
 };
@@ -77,24 +79,38 @@ void StorageTest::DataOfANewerFarmAreRefused()
     QVERIFY_EXCEPTION_THROWN(Database(path, farm::Schema()), std::runtime_error);
 }
 
+void StorageTest::DataOfAnOlderFarmAreTakenOver_data()
+{
+    QTest::addColumn<int>("version");
+    for (int version = 1; version < int(farm::Schema().size()); ++version)
+        QTest::addRow("version %d", version) << version;
+}
+
 void StorageTest::DataOfAnOlderFarmAreTakenOver()
 {
+    QFETCH(int, version);
     QTemporaryDir folder;
-    QString id;
-    {
-        FarmData data(folder.path());
-        id = data.jobs.Add(data.Job(QStringLiteral("old"), 2)).id;
-        data.database.Read([](SQLite::Database& connection) {
-            connection.exec(
-                "DROP VIEW open_jobs; DROP INDEX jobs_to_render; ALTER TABLE jobs DROP COLUMN run; "
-                "CREATE INDEX open_jobs ON jobs(key) WHERE status IN (0, 1); PRAGMA user_version = 1");
-        });
-    }
+    storage::Migrations old = farm::Schema();
+    old.resize(std::size_t(version));
+    // A prerender job of five frames, of which the first is finished.
+    Database(folder.filePath(QStringLiteral("farm.sqlite")), old).Read([](SQLite::Database& connection) {
+        connection.exec(
+            "INSERT INTO accounts VALUES (1, 'ann', 'ann@example.org', '', 0, 5000000, 0); "
+            "INSERT INTO jobs(key, id, account, number, type, name, folded_name, business, status, scene, "
+            "width, height, submitted_at) "
+            "VALUES (7, 'old', 1, 1, 'povray', 'old', 'old', 1, 0, 'scene.txt', 32, 18, 0); "
+            "INSERT INTO frames(job, number, finished_at) VALUES (7, 1, 9), (7, 3, NULL), (7, 5, NULL)");
+    });
     FarmData data(folder.path());
-    QCOMPARE(data.Only().id, id);
     const auto next = RenderQueue(data.database, usualPrice).Next({QStringLiteral("povray")}, 0, {});
     QVERIFY(next);
-    QCOMPARE(next->jobId, id);
+    QCOMPARE(next->jobId, QStringLiteral("old"));
+    QCOMPARE(next->Number(), 3);
+    QCOMPARE(next->FrameSpan(), 5);
+    QVERIFY(data.jobs.Plan(data.account, next->jobId)->prerender);
+    JobActions(data.database, [] {}).Do(JobAction::FullRender, data.account, {next->jobId}, 10);
+    QCOMPARE(data.Only().progress, 20);
+    QCOMPARE(data.Only().status, int(JobStatus::ToFullRender));
 }
 
 void StorageTest::AFolderServesOneFarmAtATime()

@@ -1,0 +1,121 @@
+#include "content_store.h"
+
+#include "durable_file.h"
+#include "secrets.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSet>
+
+namespace farm {
+
+namespace {
+
+constexpr int prefixDigits = 2;
+
+QString Incoming()
+{
+    return QStringLiteral("incoming");
+}
+
+void MakeFolder(const QString& path)
+{
+    if (!QDir().mkpath(path))
+        throw std::runtime_error("cannot make a folder for contents");
+}
+
+} // namespace
+
+ContentStore::ContentStore(Database& database, const QString& folder)
+    : m_database(database)
+    , m_folder(folder)
+{
+    QDir(QDir(folder).filePath(Incoming())).removeRecursively();
+    MakeFolder(folder);
+    storage::SyncToDisk(QFileInfo(folder).path());
+}
+
+QString ContentStore::FileOf(const QString& checksum) const
+{
+    return QDir(m_folder).filePath(checksum.left(prefixDigits) + QLatin1Char('/') + checksum);
+}
+
+QString ContentStore::NewIncomingFolder()
+{
+    const QString folder = QDir(m_folder).filePath(Incoming() + QLatin1Char('/') + NewId());
+    MakeFolder(folder);
+    return folder;
+}
+
+// A content that is here already is replaced by what is the same: should the disk have damaged it, it is whole again.
+void ContentStore::Take(const std::vector<UnpackedFile>& files)
+{
+    QSet<QString> taken;
+    for (const UnpackedFile& file : files) {
+        if (taken.contains(file.checksum))
+            continue;
+        taken.insert(file.checksum);
+        const QString target = FileOf(file.checksum);
+        const QString folder = QFileInfo(target).path();
+        if (!QFileInfo::exists(folder)) {
+            MakeFolder(folder);
+            storage::SyncToDisk(m_folder);
+        }
+        storage::RenameDurably(file.file, target);
+    }
+}
+
+void ContentStore::Give(std::int64_t account, const std::vector<UnpackedFile>& files)
+{
+    m_database.Write([&](SQLite::Database& connection) {
+        for (const UnpackedFile& file : files)
+            Execute(connection, "INSERT OR IGNORE INTO contents(account, checksum, size) VALUES (?, ?, ?)",
+                account, file.checksum, std::int64_t(file.size));
+    });
+}
+
+QStringList ContentStore::KnownTo(std::int64_t account, const QStringList& checksums)
+{
+    return m_database.Read([&](SQLite::Database& connection) {
+        SQLite::Statement query(connection, "SELECT size FROM contents WHERE account = ? AND checksum = ?");
+        QStringList known;
+        for (const QString& checksum : checksums) {
+            Bind(query, account, checksum);
+            // What is missing or cut off is sent again.
+            if (query.executeStep() && QFileInfo(FileOf(checksum)).size() == query.getColumn(0).getInt64())
+                known.append(checksum);
+            query.reset();
+        }
+        return known;
+    });
+}
+
+std::int64_t ContentStore::BytesWith(std::int64_t account, const std::vector<UnpackedFile>& files)
+{
+    return m_database.Read([&](SQLite::Database& connection) {
+        SQLite::Statement used(connection, "SELECT coalesce(sum(size), 0) FROM contents WHERE account = ?");
+        Bind(used, account);
+        std::int64_t bytes = used.executeStep() ? used.getColumn(0).getInt64() : 0;
+        SQLite::Statement query(connection, "SELECT 1 FROM contents WHERE account = ? AND checksum = ?");
+        QSet<QString> counted;
+        for (const UnpackedFile& file : files) {
+            Bind(query, account, file.checksum);
+            if (!counted.contains(file.checksum) && !query.executeStep())
+                bytes += file.size;
+            counted.insert(file.checksum);
+            query.reset();
+        }
+        return bytes;
+    });
+}
+
+void ContentStore::CopyTo(const QString& checksum, const QString& target) const
+{
+    if (!QFile::copy(FileOf(checksum), target))
+        throw std::runtime_error("a content of the scene is missing or cannot be copied");
+    if (storage::FileChecksum(target) != checksum)
+        throw std::runtime_error("a content of the scene is damaged");
+}
+
+} // namespace farm

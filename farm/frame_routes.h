@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QJsonObject>
+
+namespace farm {
+
+class ApiRequest;
+class HttpServer;
+class PictureStore;
+class RequestGate;
+struct FileAnswer;
+
+/// The requests by which finished frames leave the farm.
+class FrameRoutes
+{
+public:
+    FrameRoutes(RequestGate& gate, PictureStore& pictures);
+
+    /// The routes must outlive the server.
+    void AddTo(HttpServer& server);
+
+private:
+    QJsonObject ListPictures(const ApiRequest& request);
+    FileAnswer SendPicture(const ApiRequest& request);
+
+    RequestGate& m_gate;
+    PictureStore& m_pictures;
+};
+
+} // namespace farm

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QSet>
+#include <QString>
+
+#include <condition_variable>
+#include <mutex>
+
+namespace farm {
+
+/// Lets one thread at a time work at an upload.
+class UploadLocks
+{
+public:
+    /// Holds an upload as long as it lives.
+    class Hold
+    {
+    public:
+        /// Waits a moment for the upload. Throws ApiRefusal when another request keeps it.
+        Hold(UploadLocks& locks, const QString& id);
+        ~Hold();
+        Hold(const Hold&) = delete;
+        Hold& operator=(const Hold&) = delete;
+
+    private:
+        UploadLocks& m_locks;
+        QString m_id;
+    };
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_released;
+    QSet<QString> m_held;
+};
+
+} // namespace farm
