@@ -47,7 +47,7 @@ FileDownload::FileDownload(
     , m_token(token)
     , m_task(task)
     , m_limits(limits)
-    , m_part(DownloadPaths::PartFile(task.file))
+    , m_partFile(DownloadPaths::PartFile(task.file))
 {
     m_idle.setSingleShot(true);
     m_idle.setInterval(limits.idleTime);
@@ -73,7 +73,7 @@ void FileDownload::Start()
     if (!trouble.isEmpty()) {
         End(DownloadOutcome::Failed, trouble);
     } else if (IsThereAlready()) {
-        m_part.remove();
+        QFile::remove(m_partFile);
         End(DownloadOutcome::Complete);
     } else if (TakePart()) {
         emit Progressed();
@@ -115,7 +115,7 @@ bool FileDownload::TakePart()
 bool FileDownload::OpenPart()
 {
     constexpr int readableByAll = 0666;
-    const QByteArray path = QFile::encodeName(m_part.fileName());
+    const QByteArray path = QFile::encodeName(m_partFile);
     const int handle = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, readableByAll);
     return handle >= 0
         && m_part.open(handle, QIODevice::ReadWrite | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle);
@@ -159,22 +159,9 @@ void FileDownload::Ask()
     }
     // The network goes no faster than the disk.
     m_reply->setReadBufferSize(blockBytes);
-    connect(m_reply, &QNetworkReply::metaDataChanged, this, &FileDownload::Judge);
     connect(m_reply, &QNetworkReply::readyRead, this, &FileDownload::Receive);
     connect(m_reply, &QNetworkReply::finished, this, &FileDownload::Conclude);
     m_idle.start();
-}
-
-/// Decides by the head of the answer what becomes of it.
-void FileDownload::Judge()
-{
-    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (m_accepted || status == 0)
-        return;
-    if (status == 200 || status == 206)
-        Accept(status);
-    else
-        Refuse(status);
 }
 
 void FileDownload::Accept(int status)
@@ -214,7 +201,12 @@ void FileDownload::Refuse(int status)
 
 void FileDownload::Receive()
 {
-    if (!m_accepted || !m_reply)
+    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (status != 200 && status != 206)
+        return; // the bytes explain a refusal
+    if (!m_accepted)
+        Accept(status);
+    if (m_ended)
         return;
     m_idle.start();
     const bool isFirst = m_reply->bytesAvailable() > 0 && !m_reported.isValid();
@@ -242,13 +234,14 @@ void FileDownload::Receive()
 
 void FileDownload::Conclude()
 {
-    Judge();
     Receive();
-    if (m_ended || !m_reply || !m_reply->isFinished())
+    if (m_ended)
         return;
+    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     const QString error = m_reply->error() == QNetworkReply::NoError ? QString() : m_reply->errorString();
-    DropReply();
-    if (m_offset == m_task.size)
+    if (!m_accepted && status != 0)
+        Refuse(status);
+    else if (m_accepted && m_offset == m_task.size)
         Finish();
     else
         End(DownloadOutcome::Broken, error.isEmpty() ? tr("The transfer was interrupted.") : error);
@@ -257,13 +250,13 @@ void FileDownload::Conclude()
 void FileDownload::Finish()
 {
     if (QString::fromLatin1(m_hash.result().toHex()) != m_task.checksum) {
-        m_part.remove();
+        QFile::remove(m_partFile);
         End(DownloadOutcome::Damaged, tr("The file arrived damaged: its checksum is wrong."));
         return;
     }
     m_part.close();
     try {
-        storage::RenameDurably(m_part.fileName(), m_task.file);
+        storage::RenameDurably(m_partFile, m_task.file);
         End(DownloadOutcome::Complete);
     } catch (const std::exception& failure) {
         Fail(QString::fromUtf8(failure.what()));

@@ -61,7 +61,6 @@ private:
     bool HashPart();
     void StartOver();
     void Ask();
-    void Judge();
     void Accept(int status);
     void Refuse(int status);
     void Receive();
@@ -75,7 +74,8 @@ private:
     QByteArray m_token;
     DownloadTask m_task;
     DownloadLimits m_limits;
-    QFile m_part;
+    QString m_partFile;
+    QFile m_part; // without a name while it is open
     QCryptographicHash m_hash {QCryptographicHash::Sha256};
     qint64 m_offset = 0; // how much of the file is in the part file and in the hash
     QPointer<QNetworkReply> m_reply;
