@@ -252,16 +252,16 @@ void DownloadsTest::HostileNamesStayInTheFolder_data()
     QTest::addColumn<QString>("subDir");
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("path");
-    const auto row = [](const char* subDir, const char* name, const char* path) {
-        QTest::addRow("%.20s %.20s", subDir, name)
-            << QString::fromUtf8(subDir) << QString::fromUtf8(name) << QString::fromUtf8(path);
+    const auto row = [](const char* title, const char* subDir, const char* name, const char* path) {
+        QTest::newRow(title) << QString::fromUtf8(subDir) << QString::fromUtf8(name)
+                             << QString::fromUtf8(path);
     };
     const QByteArray longName = QByteArray("\xc3\xa4").repeated(200) + ".png";
-    row("12_shot", "frame 1.png", "12_shot/frame 1.png");
-    row("..", "../../.bashrc", "%2E%2E/%2E.%2F..%2F.bashrc");
-    row("", ".part", "_/%2Epart");
-    row("/etc", "a\\b\nc", "%2Fetc/a%5Cb%0Ac");
-    row("s", longName.constData(), "");
+    row("harmless", "12_shot", "frame 1.png", "12_shot/frame 1.png");
+    row("climbing", "..", "../../.bashrc", "%2E%2E/%2E.%2F..%2F.bashrc");
+    row("empty and hidden", "", ".part", "_/%2Epart");
+    row("absolute", "/etc", "a\\b\nc", "%2Fetc/a%5Cb%0Ac");
+    row("long", "s", longName.constData(), "");
 }
 
 void DownloadsTest::HostileNamesStayInTheFolder()

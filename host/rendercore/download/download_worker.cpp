@@ -1,12 +1,11 @@
 #include "download_worker.h"
 
 #include "download_paths.h"
-#include "durable_file.h"
+#include "file_checks.h"
 #include "file_download.h"
+#include "task_wishes.h"
 
 #include <QFile>
-#include <QFileInfo>
-#include <QThread>
 
 #include <exception>
 
@@ -32,40 +31,6 @@ DownloadChange ChangeOf(const DownloadTask& task)
     return {task.id, task.state, task.progress, task.message};
 }
 
-bool SetStopped(DownloadTask& task)
-{
-    const bool applies = task.state == DownloadState::Waiting;
-    task.state = DownloadState::Stopped;
-    return applies;
-}
-
-bool SetResumed(DownloadTask& task)
-{
-    const bool applies = task.state == DownloadState::Stopped || task.state == DownloadState::Failed;
-    task.state = DownloadState::Waiting;
-    return applies;
-}
-
-bool SetRedone(DownloadTask& task)
-{
-    task.state = DownloadState::Waiting;
-    task.fresh = true;
-    task.progress = 0;
-    return true;
-}
-
-bool IsWhole(const DownloadTask& task)
-{
-    if (QFileInfo(task.file).size() != task.size)
-        return false;
-    try {
-        const auto goOn = [](qint64) { return !QThread::currentThread()->isInterruptionRequested(); };
-        return storage::FileChecksum(task.file, goOn) == task.checksum;
-    } catch (const std::exception&) {
-        return false;
-    }
-}
-
 } // namespace
 
 DownloadWorker::DownloadWorker(const QString& file, const DownloadLimits& limits)
@@ -73,12 +38,9 @@ DownloadWorker::DownloadWorker(const QString& file, const DownloadLimits& limits
     , m_limits(limits)
     , m_schedule(limits.firstPause, limits.longestPause, limits.transfers)
     , m_wake(this)
-    , m_checking(this)
 {
     m_wake.setSingleShot(true);
-    m_checking.setSingleShot(true);
     connect(&m_wake, &QTimer::timeout, this, [this] { m_loading ? LoadSome() : Pump(); });
-    connect(&m_checking, &QTimer::timeout, this, &DownloadWorker::CheckNext);
 }
 
 DownloadWorker::~DownloadWorker() = default;
@@ -91,6 +53,8 @@ void DownloadWorker::Prepare()
     m_store = std::make_unique<DownloadStore>(m_file);
     m_transport = std::make_unique<HttpTransport>(m_limits.http);
     m_desk = std::make_unique<OrderDesk>(m_store.get(), m_transport.get(), m_limits);
+    m_checks = std::make_unique<FileChecks>();
+    connect(m_checks.get(), &FileChecks::Damaged, this, &DownloadWorker::Repair);
     connect(m_desk.get(), &OrderDesk::Listed, this, &DownloadWorker::TakeList);
     connect(m_desk.get(), &OrderDesk::Refused, this, &DownloadWorker::DropOrder);
     connect(m_desk.get(), &OrderDesk::SignedOut, this, &DownloadWorker::SignOut);
@@ -121,7 +85,7 @@ void DownloadWorker::SetAccess(const FarmAccess& access, int session)
 void DownloadWorker::Load()
 {
     m_damaged.clear();
-    m_doubtful.clear();
+    m_checks->Clear();
     m_loaded = 0;
     m_loading = !m_access.owner.isEmpty();
 }
@@ -322,13 +286,13 @@ void DownloadWorker::TakeList(const DownloadOrder& order, const FarmFiles& files
         return;
     if (files.isEmpty() && order.kind == DownloadOrder::Manual)
         qInfo("job %s has no files to download yet", qUtf8Printable(order.job));
-    Renew(outcome.renewed);
+    StartOver(outcome.renewed);
+    Report(outcome.renewed);
     for (const DownloadTask& task : qAsConst(outcome.resumed))
         m_schedule.Hurry(task.id);
     Report(outcome.resumed);
     ReleaseOutdated(order.job, outcome.names);
-    m_doubtful.insert(m_doubtful.end(), outcome.doubtful.cbegin(), outcome.doubtful.cend());
-    m_checking.start(0);
+    m_checks->Add(outcome.doubtful);
     if (!outcome.added.isEmpty())
         emit Came(m_session, outcome.added);
     m_schedule.EndRest();
@@ -340,16 +304,6 @@ void DownloadWorker::DropOrder(const DownloadOrder& order, const QString& reason
     qWarning("the files of job %s cannot be had: %s", qUtf8Printable(order.job), qUtf8Printable(reason));
     Attempt("close an order", [&] { m_store->CloseOrder(m_access.owner, order); });
     ReleaseOutdated(order.job, {});
-}
-
-void DownloadWorker::Renew(const DownloadTasks& tasks)
-{
-    for (const DownloadTask& task : tasks) {
-        Abort(task.id);
-        QFile::remove(DownloadPaths::PartFile(task.file));
-        m_schedule.Hurry(task.id);
-    }
-    Report(tasks);
 }
 
 /// @param names of the files that the farm has.
@@ -373,100 +327,65 @@ void DownloadWorker::ReleaseOutdated(const QString& job, const QStringList& name
     });
 }
 
-/// One file at a time, so that the transfers go on between them.
-void DownloadWorker::CheckNext()
-{
-    if (m_doubtful.empty())
-        return;
-    const DownloadTask task = m_doubtful.front();
-    m_doubtful.pop_front();
-    m_checking.start(0);
-    if (!IsWhole(task) && !QThread::currentThread()->isInterruptionRequested()) {
-        const auto restart
-            = [](DownloadTask& found) { return found.state == DownloadState::Finished && SetRedone(found); };
-        for (const DownloadTask& changed : Change({task.id}, restart))
-            m_schedule.Hurry(changed.id);
-        m_wake.start(0);
-    }
-}
-
 void DownloadWorker::Stop(const TaskIds& ids)
 {
     // How far they have come is shown while they are stopped, too.
-    std::map<qint64, int> progress;
-    for (const auto& [id, transfer] : m_active)
-        progress[id] = transfer->Progress();
-    DownloadTasks stopped = Change(ids, SetStopped);
     DownloadTasks begun;
-    for (DownloadTask& task : stopped) {
+    for (DownloadTask task : Do([&ids](TaskWishes wishes) { return wishes.Stop(ids); })) {
+        const auto transfer = m_active.find(task.id);
+        if (transfer != m_active.end()) {
+            task.progress = transfer->second->Progress();
+            begun.append(task);
+        }
         Abort(task.id);
-        const auto known = progress.find(task.id);
-        if (known == progress.end())
-            continue;
-        task.progress = known->second;
-        begun.append(task);
     }
     Attempt("note progress", [&] { m_store->Save(begun); });
     Report(begun);
-    m_wake.start(0);
 }
 
 void DownloadWorker::Resume(const TaskIds& ids)
 {
-    const DownloadTasks resumed = Change(ids, SetResumed);
-    for (const DownloadTask& task : resumed)
+    for (const DownloadTask& task : Do([&ids](TaskWishes wishes) { return wishes.Resume(ids); }))
         m_schedule.Hurry(task.id);
-    m_wake.start(0);
 }
 
 void DownloadWorker::Redownload(const TaskIds& ids)
 {
-    const DownloadTasks redone = Change(ids, SetRedone);
-    for (const DownloadTask& task : redone) {
-        Abort(task.id);
-        QFile::remove(DownloadPaths::PartFile(task.file));
-        m_schedule.Hurry(task.id);
-    }
-    m_wake.start(0);
+    StartOver(Do([&ids](TaskWishes wishes) { return wishes.Redownload(ids); }));
+}
+
+void DownloadWorker::Repair(qint64 id)
+{
+    StartOver(Do([id](TaskWishes wishes) { return wishes.Repair({id}); }));
 }
 
 void DownloadWorker::Remove(const TaskIds& ids)
 {
-    QStringList parts;
-    const bool removed = Attempt("remove tasks", [&] {
-        for (const qint64 id : ids) {
-            const auto task = m_store->Find(m_access.owner, id);
-            Abort(id);
-            if (task)
-                parts.append(DownloadPaths::PartFile(task->file));
-        }
-        m_store->Remove(ids);
-    });
-    for (const QString& part : qAsConst(parts)) {
-        if (removed)
-            QFile::remove(part);
+    for (const DownloadTask& task : Do([&ids](TaskWishes wishes) { return wishes.Remove(ids); })) {
+        Abort(task.id);
+        QFile::remove(DownloadPaths::PartFile(task.file));
     }
-    m_wake.start(0);
 }
 
-/// Writes and reports those of the tasks that the verdict changes.
-DownloadTasks DownloadWorker::Change(const TaskIds& ids, Verdict verdict)
+/// Reports and returns the tasks that a wish applies to.
+template <typename Wish>
+DownloadTasks DownloadWorker::Do(Wish wish)
 {
-    DownloadTasks changed;
-    const bool saved = Attempt("change tasks", [&] {
-        for (const qint64 id : ids) {
-            auto task = m_store->Find(m_access.owner, id);
-            if (!task || !verdict(*task))
-                continue;
-            task->message.clear();
-            changed.append(*task);
-        }
-        m_store->Save(changed);
-    });
-    if (!saved)
+    DownloadTasks tasks;
+    if (!m_store || !Attempt("change tasks", [&] { tasks = wish(TaskWishes(*m_store, m_access.owner)); }))
         return {};
-    Report(changed);
-    return changed;
+    Report(tasks);
+    m_wake.start(0);
+    return tasks;
+}
+
+void DownloadWorker::StartOver(const DownloadTasks& tasks)
+{
+    for (const DownloadTask& task : tasks) {
+        Abort(task.id);
+        QFile::remove(DownloadPaths::PartFile(task.file));
+        m_schedule.Hurry(task.id);
+    }
 }
 
 void DownloadWorker::Report(const DownloadTasks& tasks)

@@ -9,11 +9,11 @@
 #include <QObject>
 #include <QTimer>
 
-#include <deque>
 #include <map>
 #include <memory>
 #include <set>
 
+class FileChecks;
 class FileDownload;
 struct DownloadOutcome;
 
@@ -42,8 +42,6 @@ signals:
     void Finished(const QString& file);
 
 private:
-    using Verdict = bool (*)(DownloadTask& task);
-
     void Prepare();
     void Load();
     void LoadSome();
@@ -63,11 +61,12 @@ private:
 
     void TakeList(const DownloadOrder& order, const FarmFiles& files);
     void DropOrder(const DownloadOrder& order, const QString& reason);
-    void Renew(const DownloadTasks& tasks);
     void ReleaseOutdated(const QString& job, const QStringList& names);
-    void CheckNext();
+    void Repair(qint64 id);
 
-    DownloadTasks Change(const TaskIds& ids, Verdict verdict);
+    template <typename Wish>
+    DownloadTasks Do(Wish wish);
+    void StartOver(const DownloadTasks& tasks);
     void Report(const DownloadTasks& tasks);
     void Store(const DownloadTask& task);
 
@@ -76,6 +75,7 @@ private:
     std::unique_ptr<DownloadStore> m_store;
     std::unique_ptr<HttpTransport> m_transport;
     std::unique_ptr<OrderDesk> m_desk;
+    std::unique_ptr<FileChecks> m_checks;
     FarmAccess m_access;
     int m_session = 0;
     bool m_signedOut = false; // the farm has said so
@@ -86,7 +86,5 @@ private:
     std::map<qint64, std::unique_ptr<FileDownload>> m_active;
     std::map<QString, std::set<qint64>> m_outdated; // by job: tasks that wait for the farm's new list
     std::set<qint64> m_damaged;                     // tasks that get their second and last try
-    std::deque<DownloadTask> m_doubtful;            // finished ones whose files are to be looked at
     QTimer m_wake;
-    QTimer m_checking;
 };
