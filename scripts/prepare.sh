@@ -1,7 +1,7 @@
 # Sourced by ./run and ./test: installs what is missing on a Debian machine and builds a preset.
 
 PACKAGES="g++ cmake ninja-build ccache pkg-config
-    qtbase5-dev libqt5svg5-dev qttools5-dev qttools5-dev-tools
+    qtbase5-dev libqt5svg5-dev qtmultimedia5-dev libqt5multimedia5-plugins qttools5-dev qttools5-dev-tools
     libspdlog-dev libcpp-httplib-dev libsqlitecpp-dev libsqlite3-dev libsodium-dev libzip-dev
     povray povray-includes
     xvfb xauth fonts-dejavu-core fonts-inter"

@@ -1,10 +1,8 @@
 #include "render_core_service.h"
 
+#include "download_folder.h"
 #include "http_transport.h"
 #include "vtr_settingsinterface.h"
-
-#include <QDir>
-#include <QStandardPaths>
 
 RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface* settings, QObject* parent)
     : ServiceBase<VTRenderCoreInterface>(parent)
@@ -48,11 +46,7 @@ void RenderCoreService::PassAccess()
         // The address of an embedded farm changes with each of its starts; its configured name does not.
         access.owner = m_settings->Value(QStringLiteral("vtr.web/currentserver"), {}).toString()
             + QLatin1Char('/') + m_userName;
-        const QString usual = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation)
-            + QLatin1String("/QuillStar");
-        access.folder
-            = m_settings->Value(QStringLiteral("vtr.account.%1/downloadfolder").arg(m_userName), usual)
-                  .toString();
+        access.folder = DownloadFolder::Of(m_settings, m_userName);
     }
     m_submissions.SetAccess(access);
     m_downloads.SetAccess(access);
