@@ -36,6 +36,7 @@ ClientHost::ClientHost(const HostOptions& options, QObject* parent)
     : QObject(parent)
     , m_options(options)
     , m_services(options)
+    , m_preview(&m_services.previewer)
 {
 }
 
@@ -159,4 +160,5 @@ void ClientHost::ShowClient(const QString& userName)
     QVariant state;
     if (m_client->Show(state, {}) != 0)
         qCritical() << "the main window cannot be shown";
+    m_preview.Attach();
 }

@@ -3,6 +3,7 @@
 #include "host_options.h"
 #include "host_services.h"
 #include "plugin_runner.h"
+#include "preview_trigger.h"
 
 #include <QObject>
 
@@ -41,6 +42,7 @@ private:
 
     HostOptions m_options;
     HostServices m_services;
+    PreviewTrigger m_preview;
     std::unique_ptr<PluginRunner> m_runner;
     VTBaseInterface* m_client = nullptr; // the plugin's, while the runner runs it
     std::unique_ptr<SessionControl> m_session;

@@ -35,6 +35,7 @@ HostServices::HostServices(const HostOptions& options)
     , renderCore(options.dataFolder + QLatin1String("/transfer"), &settings)
     , configurationDialog(&loader, &settings, nullptr)
     , configuration(&configurationDialog)
+    , previewer(&loader)
 {
 }
 

@@ -3,6 +3,20 @@
 #include <QApplication>
 #include <QTableWidget>
 
+namespace {
+
+QTableWidget* FindTable(const QString& name)
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (const QWidget* window : windows) {
+        if (auto* table = window->findChild<QTableWidget*>(name))
+            return table;
+    }
+    return nullptr;
+}
+
+} // namespace
+
 QWidget* FindMainWindow()
 {
     const QWidgetList windows = QApplication::topLevelWidgets();
@@ -15,10 +29,10 @@ QWidget* FindMainWindow()
 
 QTableWidget* FindJobTable()
 {
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (const QWidget* window : windows) {
-        if (auto* table = window->findChild<QTableWidget*>(QStringLiteral("twtMyRender")))
-            return table;
-    }
-    return nullptr;
+    return FindTable(QStringLiteral("twtMyRender"));
+}
+
+QTableWidget* FindDownloadTable()
+{
+    return FindTable(QStringLiteral("twtDownload"));
 }

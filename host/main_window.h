@@ -8,3 +8,6 @@ QWidget* FindMainWindow();
 
 /// The table of farm jobs in the main form; null while there is none.
 QTableWidget* FindJobTable();
+
+/// The table of downloads in the main form; null while there is none.
+QTableWidget* FindDownloadTable();

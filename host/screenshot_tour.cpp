@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QLabel>
 #include <QMenu>
 #include <QPixmap>
 #include <QProgressBar>
@@ -84,6 +85,7 @@ ScreenshotTour::ScreenshotTour(const QString& folder, HostServices* services, Se
                 {QStringLiteral("btnMessageBox_2"), ClientText("Ok")}});
     });
     PlanMenu();
+    PlanPreview();
 }
 
 void ScreenshotTour::Start()
@@ -172,6 +174,23 @@ void ScreenshotTour::PlanMenu()
         [this, menu] {
             Save(menu(), QStringLiteral("tray-menu"));
             menu()->close();
+        }});
+}
+
+/// Previews a picture of the tour itself.
+void ScreenshotTour::PlanPreview()
+{
+    const QString picture = QStringLiteral("lblPicture");
+    m_steps.push_back({QStringLiteral("a picture"), Always,
+        [this] { m_services->previewer.Open(QDir(m_folder).filePath(QStringLiteral("search.png"))); }});
+    m_steps.push_back({QStringLiteral("the preview"),
+        [picture] {
+            const QWidget* form = FindForm(picture);
+            return form && !form->findChild<QLabel*>(picture)->pixmap(Qt::ReturnByValue).isNull();
+        },
+        [this, picture] {
+            Save(FindForm(picture), QStringLiteral("preview"));
+            FindForm(picture)->close();
         }});
 }
 

@@ -40,6 +40,7 @@ private:
     void PlanDialog(const QString& childName, const QString& name);
     void PlanModal(const QString& name, const std::function<void()>& open);
     void PlanMenu();
+    void PlanPreview();
     void Proceed();
     void Save(QWidget* widget, const QString& name);
     bool HasJobAdvanced();

@@ -4,6 +4,7 @@
 #include <sqlite3.h>
 #include <SQLiteCpp/SQLiteCpp.h>
 
+#include <cstdint>
 #include <mutex>
 #include <type_traits>
 #include <vector>
@@ -63,6 +64,8 @@ void BindAt(SQLite::Statement& statement, int index, const Value& value)
 {
     if constexpr (std::is_same_v<Value, QString>)
         statement.bind(index, value.toStdString());
+    else if constexpr (std::is_integral_v<Value>)
+        statement.bind(index, static_cast<std::int64_t>(value)); // qint64 is another type than that one
     else
         statement.bind(index, value);
 }

@@ -2,8 +2,6 @@
 
 #include "configuration_dialog.h"
 
-#include <QApplication>
-
 ConfigurationService::ConfigurationService(ConfigurationDialog* dialog, QObject* parent)
     : ServiceBase<VTConfigurationInterface>(parent)
     , m_dialog(dialog)
@@ -28,5 +26,5 @@ void ConfigurationService::ShowConf()
 void ConfigurationService::Finish(QString file)
 {
     Q_UNUSED(file)
-    QApplication::beep();
+    m_finishSound.Play();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "finish_sound.h"
 #include "service_base.h"
 #include "vtr_configurationinterface.h"
 
@@ -23,10 +24,11 @@ public:
 public slots:
     void ShowConf() override;
 
-    /// The system's bell: heard wherever the desktop has one, and silent elsewhere.
+    /// Plays a chime, once a second at most.
     void Finish(QString file) override;
 
 private:
     ConfigurationDialog* m_dialog;
+    FinishSound m_finishSound;
     QString m_userName;
 };

@@ -3,12 +3,29 @@
 #include "service_base.h"
 #include "vtr_previewerinterface.h"
 
-/// The previewer: it is asked for nothing yet beyond its life cycle.
+#include <memory>
+
+class PreviewWindow;
+class UiLoaderService;
+
+/// Shows finished frames in a window of its own.
 class PreviewerService : public ServiceBase<VTPreviewerInterface>
 {
     Q_OBJECT
     Q_INTERFACES(VTPreviewerInterface)
 
 public:
-    using ServiceBase::ServiceBase;
+    /// @param loader must outlive this service.
+    explicit PreviewerService(UiLoaderService* loader, QObject* parent = nullptr);
+    ~PreviewerService() override;
+
+    /// With a "file" among the parameters, the path of a picture, the window shows it.
+    int Show(QVariant& result, const QVariantMap& parameters) override;
+
+    /// Shows the file; see PreviewWindow::Open().
+    void Open(const QString& file);
+
+private:
+    UiLoaderService* m_loader;
+    std::unique_ptr<PreviewWindow> m_window; // made when it is first needed
 };

@@ -1,10 +1,8 @@
 #include "render_core_service.h"
 
+#include "download_folder.h"
 #include "http_transport.h"
 #include "vtr_settingsinterface.h"
-
-#include <QDir>
-#include <QStandardPaths>
 
 RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface* settings, QObject* parent)
     : ServiceBase<VTRenderCoreInterface>(parent)
@@ -17,6 +15,8 @@ RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface*
     connect(&m_submissions, &SubmitQueue::TexturesLacking, this, &VTRenderCoreInterface::lackedTexture);
     connect(&m_downloads, &DownloadQueue::ListChanged, this, &VTRenderCoreInterface::DownloadListChanged);
     connect(&m_downloads, &DownloadQueue::FileFinished, this, &VTRenderCoreInterface::DownloadFinish);
+    // The folder for downloads is one of them.
+    connect(settings, &VTSettingsInterface::SettingsUpdated, this, &RenderCoreService::PassAccess);
 }
 
 void RenderCoreService::SetServerUrl(const QUrl& url)
@@ -46,20 +46,29 @@ void RenderCoreService::PassAccess()
         // The address of an embedded farm changes with each of its starts; its configured name does not.
         access.owner = m_settings->Value(QStringLiteral("vtr.web/currentserver"), {}).toString()
             + QLatin1Char('/') + m_userName;
-        const QString usual = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation)
-            + QLatin1String("/QuillStar");
-        access.folder
-            = m_settings->Value(QStringLiteral("vtr.account.%1/downloadfolder").arg(m_userName), usual)
-                  .toString();
+        access.folder = DownloadFolder::Of(m_settings, m_userName);
     }
     m_submissions.SetAccess(access);
     m_downloads.SetAccess(access);
 }
 
 void RenderCoreService::RemoveSubmitTasks(const QStringList&, bool) { }
-void RenderCoreService::RemoveDownloadTasks(const QStringList&) { }
-void RenderCoreService::StopDownloadTasks(const QStringList&) { }
-void RenderCoreService::ResumeDownloadTasks(const QStringList&) { }
+
+void RenderCoreService::RemoveDownloadTasks(const QStringList& ids)
+{
+    m_downloads.Remove(ids);
+}
+
+void RenderCoreService::StopDownloadTasks(const QStringList& ids)
+{
+    m_downloads.Stop(ids);
+}
+
+void RenderCoreService::ResumeDownloadTasks(const QStringList& ids)
+{
+    m_downloads.Resume(ids);
+}
+
 void RenderCoreService::StopSubmitTasks() { }
 void RenderCoreService::ResumeSubmitTasks() { }
 
@@ -127,6 +136,13 @@ int RenderCoreService::SubmitScene(const QString&)
     return -1;
 }
 
-void RenderCoreService::RedownloadTasks(const QStringList&) { }
+void RenderCoreService::RedownloadTasks(const QStringList& ids)
+{
+    m_downloads.Redownload(ids);
+}
+
 void RenderCoreService::SetArgument(QString, QVariantList) { }
-void RenderCoreService::TriggerJobIdType(QVariantMap) { }
+void RenderCoreService::TriggerJobIdType(QVariantMap orders)
+{
+    m_downloads.Order(orders);
+}

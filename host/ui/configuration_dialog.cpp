@@ -1,9 +1,13 @@
 #include "configuration_dialog.h"
 
+#include "download_folder.h"
 #include "vtr_settingsinterface.h"
 
 #include <QCheckBox>
 #include <QDialog>
+#include <QDir>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
 
@@ -34,11 +38,15 @@ ConfigurationDialog::ConfigurationDialog(
     : QObject(parent)
     , m_form(loader, QStringLiteral("com.vtr.configuration"))
     , m_settings(settings)
+    , m_folder(m_form.Find<QLineEdit>("lneDownloadFolder"))
 {
     auto* dialog = qobject_cast<QDialog*>(Form());
     connect(m_form.Find<QPushButton>("btnOk"), &QPushButton::clicked, dialog, &QDialog::accept);
     connect(m_form.Find<QPushButton>("btnCancel"), &QPushButton::clicked, dialog, &QDialog::reject);
     connect(m_form.Find<QPushButton>("btnClose"), &QPushButton::clicked, dialog, &QDialog::reject);
+    connect(m_form.Find<QPushButton>("btnBrowse"), &QPushButton::clicked, this, &ConfigurationDialog::Browse);
+    connect(m_folder, &QLineEdit::textChanged, this,
+        [this] { m_form.Find<QPushButton>("btnOk")->setEnabled(QDir::isAbsolutePath(ChosenFolder())); });
 }
 
 void ConfigurationDialog::Run(const QString& userName)
@@ -57,6 +65,7 @@ void ConfigurationDialog::Load(const QString& userName)
     for (const Switch& entry : Switches)
         m_form.Find<QCheckBox>(entry.box)->setChecked(
             m_settings->Value(SettingKey(userName, entry.setting), 0).toBool());
+    m_folder->setText(QDir::toNativeSeparators(DownloadFolder::Of(m_settings, userName)));
 }
 
 void ConfigurationDialog::Store(const QString& userName)
@@ -64,4 +73,21 @@ void ConfigurationDialog::Store(const QString& userName)
     for (const Switch& entry : Switches)
         m_settings->SetValue(
             SettingKey(userName, entry.setting), m_form.Find<QCheckBox>(entry.box)->isChecked());
+    // The desktop's folder may move; it is not nailed down by looking at it.
+    if (ChosenFolder() != DownloadFolder::Of(m_settings, userName))
+        m_settings->SetValue(DownloadFolder::SettingKey(userName), ChosenFolder());
+}
+
+QString ConfigurationDialog::ChosenFolder() const
+{
+    const QString text = m_folder->text().trimmed();
+    return text.isEmpty() ? QString() : QDir::cleanPath(QDir::fromNativeSeparators(text));
+}
+
+void ConfigurationDialog::Browse()
+{
+    const QPointer<ConfigurationDialog> alive(this);
+    const QString folder = QFileDialog::getExistingDirectory(Form(), tr("Download folder"), ChosenFolder());
+    if (alive && !folder.isEmpty())
+        m_folder->setText(QDir::toNativeSeparators(folder));
 }

@@ -2,15 +2,19 @@
 #include "memory_settings.h"
 #include "message_box_service.h"
 #include "message_text.h"
+#include "preview_window.h"
 #include "ui_loader_service.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QCheckBox>
 #include <QDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
 
@@ -208,6 +212,67 @@ private slots:
         });
         dialog.Run(QStringLiteral("demo"));
         QCOMPARE(settings.values, button == QLatin1String("btnOk") ? after : before);
+    }
+
+    void ConfigurationTakesAWholePathForDownloads()
+    {
+        MemorySettings settings;
+        ConfigurationDialog dialog(&m_loader, &settings);
+        auto* folder = dialog.Form()->findChild<QLineEdit*>(QStringLiteral("lneDownloadFolder"));
+        auto* ok = dialog.Form()->findChild<QPushButton*>(QStringLiteral("btnOk"));
+        QTimer opened;
+        opened.setSingleShot(true);
+        connect(&opened, &QTimer::timeout, this, [&] {
+            QVERIFY(folder->text().endsWith(QLatin1String("/QuillStar")));
+            for (const char* text : {"", "frames", "~/frames"}) {
+                folder->setText(QLatin1String(text));
+                ok->click(); // does nothing
+            }
+            folder->setText(QStringLiteral(" /srv//frames/ "));
+            ok->click();
+        });
+        opened.start(0);
+        dialog.Run(QStringLiteral("demo"));
+        QCOMPARE(settings.values.value(QStringLiteral("vtr.account.demo/downloadfolder")).toString(),
+            QStringLiteral("/srv/frames"));
+    }
+
+    void PreviewRefusesWhatIsNoPicture_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("answer");
+        QByteArray png;
+        QBuffer buffer(&png);
+        QImage(300, 200, QImage::Format_RGB32).save(&buffer, "PNG");
+        const QByteArray header = "P6\n";
+        QTest::newRow("picture") << png << QString();
+        QTest::newRow("picture cut off") << png.left(60) << QStringLiteral("The picture is broken.");
+        QTest::newRow("empty") << QByteArray()
+                               << QStringLiteral("The file is no picture that can be shown here.");
+        QTest::newRow("drawing") << QByteArray(
+            "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>")
+                                 << QStringLiteral("The file is no picture that can be shown here.");
+        QTest::newRow("too wide") << QByteArray(header + "16385 1\n255\n")
+                                  << QStringLiteral("The picture is too large to be shown here.");
+        QTest::newRow("too many pixels") << QByteArray(header + "16384 16384\n255\n")
+                                         << QStringLiteral("The picture is too large to be shown here.");
+    }
+
+    void PreviewRefusesWhatIsNoPicture()
+    {
+        QFETCH(QByteArray, content);
+        const QTemporaryDir folder;
+        QFile file(folder.filePath(QStringLiteral("frame_0001.png")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        file.close();
+        PreviewWindow window(&m_loader);
+        const auto* shown = window.Form()->findChild<QLabel*>(QStringLiteral("lblPicture"));
+        window.Open(file.fileName());
+        QTRY_VERIFY(!shown->text().isEmpty() || !shown->pixmap(Qt::ReturnByValue).isNull());
+        QTEST(shown->text(), "answer");
+        QTest::keyClick(window.Form(), Qt::Key_Escape);
+        QVERIFY(!window.Form()->isVisible());
     }
 
 private:

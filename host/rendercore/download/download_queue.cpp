@@ -1,14 +1,169 @@
 #include "download_queue.h"
 
-DownloadQueue::DownloadQueue(const QString& folder, QObject* parent)
-    : QObject(parent)
+#include "download_worker.h"
+
+#include <QDir>
+
+#include <exception>
+
+namespace {
+
+constexpr int idDigits = 10;
+
+const QString kStatus = QStringLiteral("status");
+const QString kProgress = QStringLiteral("progress");
+const QString kMessage = QStringLiteral("msg");
+
+QString IdOf(qint64 number)
 {
-    Q_UNUSED(folder)
+    return QStringLiteral("%1").arg(number, idDigits, 10, QLatin1Char('0'));
 }
 
-DownloadQueue::~DownloadQueue() = default;
+QVariantMap EntryOf(const DownloadTask& task)
+{
+    return {{QStringLiteral("destFile"), task.file},
+        {QStringLiteral("srcFile"), QString(task.job + QLatin1Char('/') + task.name)},
+        {QStringLiteral("jobId"), task.job}, {kStatus, static_cast<int>(task.state)},
+        {kProgress, task.progress}, {kMessage, task.message}};
+}
+
+DownloadOrders OrdersOf(const QVariantMap& map)
+{
+    DownloadOrders orders;
+    for (auto entry = map.cbegin(); entry != map.cend(); ++entry) {
+        const QVariantMap order = entry->toMap();
+        if (entry.key().isEmpty() || order.isEmpty())
+            continue;
+        const bool manual = order.value(QStringLiteral("manual")).toInt() != 0;
+        orders.append({entry.key(), order.value(QStringLiteral("subDir")).toString(),
+            manual ? DownloadOrder::Manual : DownloadOrder::Automatic});
+    }
+    return orders;
+}
+
+} // namespace
+
+DownloadQueue::DownloadQueue(const QString& folder, const DownloadLimits& limits, QObject* parent)
+    : QObject(parent)
+{
+    qRegisterMetaType<DownloadTasks>("DownloadTasks");
+    qRegisterMetaType<DownloadChanges>("DownloadChanges");
+    const QString file = QDir(folder).filePath(QStringLiteral("downloads.sqlite"));
+    try {
+        QDir().mkpath(folder);
+        m_store = std::make_unique<DownloadStore>(file);
+    } catch (const std::exception& failure) {
+        qCritical("there are no downloads: %s cannot be used: %s", qUtf8Printable(file), failure.what());
+        return;
+    }
+    m_worker = new DownloadWorker(file, limits);
+    m_worker->moveToThread(&m_thread);
+    connect(&m_thread, &QThread::finished, m_worker, &QObject::deleteLater);
+    connect(m_worker, &DownloadWorker::Came, this, &DownloadQueue::TakeTasks);
+    connect(m_worker, &DownloadWorker::Changed, this, &DownloadQueue::TakeChanges);
+    connect(m_worker, &DownloadWorker::Finished, this, &DownloadQueue::FileFinished);
+    m_thread.setObjectName(QStringLiteral("downloads"));
+    m_thread.start();
+}
+
+DownloadQueue::~DownloadQueue()
+{
+    // What was said before is done before.
+    Tell([](DownloadWorker*) { QThread::currentThread()->quit(); });
+    m_thread.requestInterruption();
+    m_thread.wait();
+}
+
+/// Has the worker do something in its thread, after what it was told before.
+template <typename Work>
+void DownloadQueue::Tell(Work work)
+{
+    if (m_worker)
+        QMetaObject::invokeMethod(
+            m_worker, [worker = m_worker, work] { work(worker); }, Qt::QueuedConnection);
+}
 
 void DownloadQueue::SetAccess(const FarmAccess& access)
 {
-    Q_UNUSED(access)
+    const bool otherOwner = m_access.owner != access.owner;
+    m_access = access;
+    if (otherOwner) {
+        ++m_session;
+        const bool hadTasks = !m_tasks.isEmpty();
+        m_tasks.clear();
+        if (hadTasks)
+            emit ListChanged();
+    }
+    Tell([access, session = m_session](DownloadWorker* worker) { worker->SetAccess(access, session); });
+}
+
+void DownloadQueue::Order(const QVariantMap& orders)
+{
+    if (!m_store || m_access.owner.isEmpty())
+        return;
+    try {
+        if (m_store->AddOrders(m_access.owner, OrdersOf(orders)))
+            Tell([](DownloadWorker* worker) { worker->TakeOrders(); });
+    } catch (const std::exception& failure) {
+        qCritical("an order of downloads cannot be kept: %s", failure.what());
+    }
+}
+
+void DownloadQueue::Stop(const QStringList& ids)
+{
+    Tell([known = Known(ids)](DownloadWorker* worker) { worker->Stop(known); });
+}
+
+void DownloadQueue::Resume(const QStringList& ids)
+{
+    Tell([known = Known(ids)](DownloadWorker* worker) { worker->Resume(known); });
+}
+
+void DownloadQueue::Redownload(const QStringList& ids)
+{
+    Tell([known = Known(ids)](DownloadWorker* worker) { worker->Redownload(known); });
+}
+
+void DownloadQueue::Remove(const QStringList& ids)
+{
+    const TaskIds known = Known(ids);
+    if (known.isEmpty())
+        return;
+    for (const qint64 id : known)
+        m_tasks.remove(IdOf(id));
+    Tell([known](DownloadWorker* worker) { worker->Remove(known); });
+    emit ListChanged();
+}
+
+TaskIds DownloadQueue::Known(const QStringList& ids) const
+{
+    TaskIds known;
+    for (const QString& id : ids) {
+        if (m_tasks.contains(id))
+            known.append(id.toLongLong());
+    }
+    return known;
+}
+
+void DownloadQueue::TakeTasks(int session, const DownloadTasks& tasks)
+{
+    if (session != m_session)
+        return;
+    for (const DownloadTask& task : tasks)
+        m_tasks.insert(m_tasks.cend(), IdOf(task.id), EntryOf(task)); // they come in order
+    emit ListChanged();
+}
+
+void DownloadQueue::TakeChanges(const DownloadChanges& changes)
+{
+    for (const DownloadChange& change : changes) {
+        const auto found = m_tasks.find(IdOf(change.id));
+        if (found == m_tasks.end())
+            continue;
+        QVariantMap task = found->toMap();
+        task[kStatus] = static_cast<int>(change.state);
+        task[kProgress] = change.progress;
+        task[kMessage] = change.message;
+        *found = task;
+    }
 }

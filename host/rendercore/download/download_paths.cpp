@@ -1,0 +1,75 @@
+#include "download_paths.h"
+
+#include "vtr_filename.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+// Of the 255 that file systems take; the rest is for what temporary names and copies add.
+constexpr int longestBytes = 230;
+constexpr int longestSuffix = 16;
+constexpr int hashDigits = 8;
+
+QString Suffix(const QString& name)
+{
+    const int dot = name.lastIndexOf(QLatin1Char('.'));
+    return dot > 0 && name.size() - dot <= longestSuffix ? name.mid(dot) : QString();
+}
+
+/// Two long names that differ keep differing.
+QString Shortened(const QString& name)
+{
+    const QByteArray hash = QCryptographicHash::hash(name.toUtf8(), QCryptographicHash::Sha256).toHex();
+    const QString end = QLatin1Char('~') + QString::fromLatin1(hash.left(hashDigits)) + Suffix(name);
+    QString head = name.left(longestBytes);
+    while (head.toUtf8().size() + end.toUtf8().size() > longestBytes)
+        head.chop(head.size() > 1 && head.at(head.size() - 1).isLowSurrogate() ? 2 : 1);
+    return head + end;
+}
+
+} // namespace
+
+namespace DownloadPaths {
+
+QString SafeComponent(const QString& name)
+{
+    QString safe = VTFileNamePart(name);
+    if (safe.isEmpty())
+        return QStringLiteral("_");
+    if (safe.startsWith(QLatin1Char('.')))
+        safe.replace(0, 1, QStringLiteral("%2E"));
+    return safe.toUtf8().size() > longestBytes ? Shortened(safe) : safe;
+}
+
+QString Destination(const QString& root, const QString& subDir, const QString& name, int copy)
+{
+    QString safe = SafeComponent(name);
+    if (copy > 1)
+        safe.insert(safe.size() - Suffix(safe).size(), QStringLiteral(" (%1)").arg(copy));
+    return QDir::cleanPath(root) + QLatin1Char('/') + SafeComponent(subDir) + QLatin1Char('/') + safe;
+}
+
+QString PartFile(const QString& destination)
+{
+    const QFileInfo info(destination);
+    return info.path() + QLatin1String("/.") + info.fileName() + QLatin1String(".part");
+}
+
+QString PrepareFolder(const QString& destination)
+{
+    const QFileInfo folder(QFileInfo(destination).path());
+    if (!QDir().mkpath(folder.filePath()))
+        return QCoreApplication::translate("DownloadPaths", "The folder %1 cannot be made.")
+            .arg(QDir::toNativeSeparators(folder.filePath()));
+    const QDir root(QFileInfo(folder.path()).canonicalFilePath());
+    if (folder.canonicalFilePath() != root.filePath(folder.fileName()))
+        return QCoreApplication::translate("DownloadPaths", "The folder %1 leads out of the download folder.")
+            .arg(QDir::toNativeSeparators(folder.filePath()));
+    return {};
+}
+
+} // namespace DownloadPaths

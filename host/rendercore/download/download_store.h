@@ -1,0 +1,55 @@
+#pragma once
+
+#include "database.h"
+#include "download_task.h"
+
+#include <QStringList>
+
+#include <optional>
+
+/// What an answered order did to the tasks.
+struct OrderOutcome
+{
+    DownloadTasks added;
+    DownloadTasks renewed; ///< waiting from now on; their former contents are of no use any more
+    DownloadTasks resumed; ///< waiting again; what has come so far counts
+    DownloadTasks
+        doubtful;      ///< finished, and the farm's file is the same: the file on the disk is to be looked at
+    QStringList names; ///< of all the files that the farm has
+};
+
+/// Orders and tasks on the disk. Each thread has a store of its own on the same file; every change is there when the
+/// call returns. Throws SQLite::Exception, the constructor std::runtime_error, too.
+class DownloadStore
+{
+public:
+    explicit DownloadStore(const QString& file);
+
+    /// Keeps the orders that count, see DownloadOrder::Kind.
+    /// @return whether there are any.
+    bool AddOrders(const QString& owner, const DownloadOrders& orders);
+    /// Some of the orders that were not answered yet, the longest waiting first.
+    DownloadOrders OpenOrders(const QString& owner, int limit);
+    /// Lets the others go first.
+    void PostponeOrder(const QString& owner, const QString& job);
+    /// An order that brought no files is forgotten, so that it counts again when it is given again.
+    void CloseOrder(const QString& owner, const DownloadOrder& order);
+    /// Asks for a job's files once more, as a renewal.
+    void ReopenOrder(const QString& owner, const QString& job);
+
+    /// Applies an answer and closes the order, as one transaction.
+    /// @param folder under which the files go.
+    OrderOutcome Apply(
+        const QString& owner, const DownloadOrder& order, const FarmFiles& files, const QString& folder);
+
+    DownloadTasks TasksAfter(const QString& owner, qint64 id, int limit);
+    std::optional<DownloadTask> NextWaiting(const QString& owner, qint64 id);
+    std::optional<DownloadTask> Find(const QString& owner, qint64 id);
+
+    /// Writes state, progress, freshness and message of each task that is still there.
+    void Save(const DownloadTasks& tasks);
+    void Remove(const TaskIds& ids);
+
+private:
+    storage::Database m_database;
+};

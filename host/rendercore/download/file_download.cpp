@@ -1,0 +1,291 @@
+#include "file_download.h"
+
+#include "download_paths.h"
+#include "durable_file.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QNetworkReply>
+#include <QRegularExpression>
+#include <QThread>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <exception>
+#include <fcntl.h>
+#include <limits>
+
+namespace {
+
+constexpr qint64 blockBytes = 1024 * 1024;
+constexpr int longestRetryAfter = 3600;
+
+bool IsQuitting()
+{
+    return QThread::currentThread()->isInterruptionRequested();
+}
+
+/// Where the bytes of a partial answer start in a file of that size; -1 when they are none of such a file.
+qint64 RangeStart(const QByteArray& contentRange, qint64 size)
+{
+    static const QRegularExpression range(QStringLiteral("^bytes ([0-9]{1,18})-[0-9]{1,18}/([0-9]{1,18})$"));
+    const QRegularExpressionMatch match = range.match(QString::fromLatin1(contentRange));
+    return match.hasMatch() && match.captured(2).toLongLong() == size ? match.captured(1).toLongLong() : -1;
+}
+
+QByteArray Encoded(const QString& text)
+{
+    return QUrl::toPercentEncoding(text);
+}
+
+} // namespace
+
+FileDownload::FileDownload(
+    HttpTransport* transport, const QByteArray& token, const DownloadTask& task, const DownloadLimits& limits)
+    : m_transport(transport)
+    , m_token(token)
+    , m_task(task)
+    , m_limits(limits)
+    , m_partFile(DownloadPaths::PartFile(task.file))
+{
+    m_idle.setSingleShot(true);
+    m_idle.setInterval(limits.idleTime);
+    connect(&m_idle, &QTimer::timeout, this,
+        [this] { End(DownloadOutcome::Broken, tr("The farm does not send anything.")); });
+}
+
+FileDownload::~FileDownload()
+{
+    DropReply();
+}
+
+int FileDownload::Progress() const
+{
+    return m_task.size > 0
+        ? static_cast<int>(100.0 * static_cast<double>(m_offset) / static_cast<double>(m_task.size))
+        : 0;
+}
+
+void FileDownload::Start()
+{
+    const QString trouble = DownloadPaths::PrepareFolder(m_task.file);
+    if (!trouble.isEmpty()) {
+        End(DownloadOutcome::Failed, trouble);
+    } else if (IsThereAlready()) {
+        QFile::remove(m_partFile);
+        End(DownloadOutcome::Complete);
+    } else if (TakePart()) {
+        emit Progressed();
+        if (m_offset == m_task.size)
+            Finish();
+        else
+            Ask();
+    }
+}
+
+/// So it is after the client was killed between giving the file its name and noting that; it is reported now.
+bool FileDownload::IsThereAlready() const
+{
+    const QFileInfo info(m_task.file);
+    if (m_task.fresh || !info.isFile() || info.isSymLink() || info.size() != m_task.size)
+        return false;
+    try {
+        return storage::FileChecksum(m_task.file, [](qint64) { return !IsQuitting(); }) == m_task.checksum;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+bool FileDownload::TakePart()
+{
+    if (!OpenPart()) {
+        Fail(QString::fromLocal8Bit(std::strerror(errno)));
+        return false;
+    }
+    if (m_part.size() > m_task.size)
+        m_part.resize(0);
+    if (HashPart())
+        return true;
+    End(DownloadOutcome::Broken, tr("The transfer was interrupted."));
+    return false;
+}
+
+/// A link in the place of the part file is not followed.
+bool FileDownload::OpenPart()
+{
+    constexpr int readableByAll = 0666;
+    const QByteArray path = QFile::encodeName(m_partFile);
+    const int handle = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, readableByAll);
+    return handle >= 0
+        && m_part.open(handle, QIODevice::ReadWrite | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle);
+}
+
+bool FileDownload::HashPart()
+{
+    QByteArray block(blockBytes, Qt::Uninitialized);
+    while (!IsQuitting()) {
+        const qint64 got = m_part.read(block.data(), block.size());
+        if (got <= 0)
+            return got == 0;
+        m_hash.addData(block.constData(), static_cast<int>(got));
+        m_offset += got;
+    }
+    return false;
+}
+
+void FileDownload::StartOver()
+{
+    m_part.resize(0);
+    m_part.seek(0);
+    m_hash.reset();
+    m_offset = 0;
+}
+
+void FileDownload::Ask()
+{
+    HttpRequest request;
+    request.verb = QByteArrayLiteral("GET");
+    request.target = "/jobs/" + Encoded(m_task.job) + "/files/" + Encoded(m_task.name);
+    request.token = m_token;
+    request.headers = {{"Accept", "*/*"}, {"If-Match", '"' + m_task.checksum.toLatin1() + '"'}};
+    if (m_offset > 0)
+        request.headers.push_back({"Range", "bytes=" + QByteArray::number(m_offset) + '-'});
+    m_accepted = false;
+    m_reply = m_transport->Begin(request);
+    if (!m_reply) {
+        End(DownloadOutcome::Broken, tr("There is no farm to ask."));
+        return;
+    }
+    // The network goes no faster than the disk.
+    m_reply->setReadBufferSize(blockBytes);
+    connect(m_reply, &QNetworkReply::readyRead, this, &FileDownload::Receive);
+    connect(m_reply, &QNetworkReply::finished, this, &FileDownload::Conclude);
+    m_idle.start();
+}
+
+void FileDownload::Accept(int status)
+{
+    const qint64 start = status == 206 ? RangeStart(m_reply->rawHeader("Content-Range"), m_task.size) : 0;
+    const QVariant length = m_reply->header(QNetworkRequest::ContentLengthHeader);
+    if (status == 200 && m_offset > 0)
+        StartOver();
+    if (start != m_offset) {
+        End(DownloadOutcome::Broken, tr("The farm sent another part of the file than was asked for."));
+    } else if (length.isValid() && length.toLongLong() != m_task.size - m_offset) {
+        End(DownloadOutcome::Outdated, tr("The farm's file has another size now."));
+    } else {
+        m_accepted = true;
+    }
+}
+
+void FileDownload::Refuse(int status)
+{
+    const int seconds = std::clamp(m_reply->rawHeader("Retry-After").toInt(), 0, longestRetryAfter);
+    if (status == 401) {
+        End(DownloadOutcome::SignedOut, tr("The session has ended."));
+    } else if (status == 404 || status == 412) {
+        End(DownloadOutcome::Outdated, tr("The farm has another file now."));
+    } else if (status == 416 && !m_startedOver) {
+        m_startedOver = true;
+        DropReply();
+        StartOver();
+        Ask();
+    } else if (status >= 400 && status < 500 && status != 416 && status != 408 && !IsPassing(status)) {
+        End(DownloadOutcome::Failed, tr("The farm refuses the file (status %1).").arg(status));
+    } else {
+        End(DownloadOutcome::Broken, tr("The farm cannot send the file now (status %1).").arg(status),
+            seconds * 1000);
+    }
+}
+
+void FileDownload::Receive()
+{
+    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (status != 200 && status != 206)
+        return; // the bytes explain a refusal
+    if (!m_accepted)
+        Accept(status);
+    if (m_ended)
+        return;
+    m_idle.start();
+    const bool isFirst = m_reply->bytesAvailable() > 0 && !m_reported.isValid();
+    while (m_reply->bytesAvailable() > 0) {
+        const QByteArray bytes = m_reply->read(blockBytes);
+        if (bytes.size() > m_task.size - m_offset) {
+            StartOver();
+            End(DownloadOutcome::Outdated, tr("The farm sent more than it announced."));
+            return;
+        }
+        if (m_part.write(bytes) != bytes.size()) {
+            Fail(m_part.errorString());
+            return;
+        }
+        m_hash.addData(bytes);
+        m_offset += bytes.size();
+    }
+    if (isFirst)
+        emit Advanced();
+    if (!m_reported.isValid() || m_reported.hasExpired(m_limits.progressInterval)) {
+        m_reported.start();
+        emit Progressed();
+    }
+}
+
+void FileDownload::Conclude()
+{
+    Receive();
+    if (m_ended)
+        return;
+    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    const QString error = m_reply->error() == QNetworkReply::NoError ? QString() : m_reply->errorString();
+    if (!m_accepted && status != 0)
+        Refuse(status);
+    else if (m_accepted && m_offset == m_task.size)
+        Finish();
+    else
+        End(DownloadOutcome::Broken, error.isEmpty() ? tr("The transfer was interrupted.") : error);
+}
+
+void FileDownload::Finish()
+{
+    if (QString::fromLatin1(m_hash.result().toHex()) != m_task.checksum) {
+        QFile::remove(m_partFile);
+        End(DownloadOutcome::Damaged, tr("The file arrived damaged: its checksum is wrong."));
+        return;
+    }
+    m_part.close();
+    try {
+        storage::RenameDurably(m_partFile, m_task.file);
+        End(DownloadOutcome::Complete);
+    } catch (const std::exception& failure) {
+        Fail(QString::fromUtf8(failure.what()));
+    }
+}
+
+void FileDownload::Fail(const QString& message)
+{
+    End(DownloadOutcome::Failed,
+        tr("Cannot write %1: %2").arg(QDir::toNativeSeparators(m_task.file), message));
+}
+
+void FileDownload::End(DownloadOutcome::Kind kind, const QString& message, int retryAfter)
+{
+    if (m_ended)
+        return;
+    m_ended = true;
+    DropReply();
+    m_part.close();
+    emit Ended({kind, message, retryAfter});
+}
+
+void FileDownload::DropReply()
+{
+    m_idle.stop();
+    if (!m_reply)
+        return;
+    m_reply->disconnect(this);
+    m_reply->abort();
+    m_reply->deleteLater();
+    m_reply.clear();
+}

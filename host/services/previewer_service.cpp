@@ -1,0 +1,27 @@
+#include "previewer_service.h"
+
+#include "preview_window.h"
+
+PreviewerService::PreviewerService(UiLoaderService* loader, QObject* parent)
+    : ServiceBase<VTPreviewerInterface>(parent)
+    , m_loader(loader)
+{
+}
+
+PreviewerService::~PreviewerService() = default;
+
+int PreviewerService::Show(QVariant& result, const QVariantMap& parameters)
+{
+    const int status = ServiceBase::Show(result, parameters);
+    const QString file = parameters.value(QStringLiteral("file")).toString();
+    if (status == StatusOk && !file.isEmpty())
+        Open(file);
+    return status;
+}
+
+void PreviewerService::Open(const QString& file)
+{
+    if (!m_window)
+        m_window = std::make_unique<PreviewWindow>(m_loader);
+    m_window->Open(file);
+}

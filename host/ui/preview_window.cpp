@@ -1,0 +1,143 @@
+#include "preview_window.h"
+
+#include "ui_loader_service.h"
+
+#include <QEvent>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLayout>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QShortcut>
+#include <QSizeGrip>
+
+PreviewWindow::PreviewWindow(UiLoaderService* loader, QObject* parent)
+    : QObject(parent)
+    , m_form(loader, QStringLiteral("com.vtr.previewer"))
+    , m_title(m_form.Find<QLabel>("lblTitle"))
+    , m_area(m_form.Find<QScrollArea>("scaPicture"))
+    , m_picture(m_form.Find<QLabel>("lblPicture"))
+    , m_size(m_form.Find<QLabel>("lblSize"))
+    , m_position(m_form.Find<QLabel>("lblPosition"))
+    , m_previous(m_form.Find<QPushButton>("btnPrevious"))
+    , m_next(m_form.Find<QPushButton>("btnNext"))
+    , m_actualSize(m_form.Find<QPushButton>("btnActualSize"))
+{
+    m_reader.setMaxThreadCount(1);
+    m_area->viewport()->installEventFilter(this);
+    auto* footer = m_form.Find<QWidget>("wgtFooter");
+    footer->layout()->addWidget(new QSizeGrip(footer));
+    footer->layout()->setAlignment(footer->findChild<QSizeGrip*>(), Qt::AlignRight | Qt::AlignBottom);
+
+    connect(m_form.Find<QPushButton>("btnClose"), &QPushButton::clicked, this, &PreviewWindow::Close);
+    connect(m_previous, &QPushButton::clicked, this, &PreviewWindow::Previous);
+    connect(m_next, &QPushButton::clicked, this, &PreviewWindow::Next);
+    connect(m_actualSize, &QPushButton::toggled, this, &PreviewWindow::Display);
+    connect(loader, &UiLoaderService::LanguageChanged, this, &PreviewWindow::Display);
+    AddShortcut(Qt::Key_Escape, &PreviewWindow::Close);
+    AddShortcut(Qt::Key_Left, &PreviewWindow::Previous);
+    AddShortcut(Qt::Key_Right, &PreviewWindow::Next);
+}
+
+void PreviewWindow::AddShortcut(int key, void (PreviewWindow::*slot)())
+{
+    connect(new QShortcut(key, Form()), &QShortcut::activated, this, slot);
+}
+
+void PreviewWindow::Open(const QString& file)
+{
+    Load(file);
+    Form()->show();
+    Form()->raise();
+    Form()->activateWindow();
+}
+
+void PreviewWindow::Turn(int step)
+{
+    const int index = m_files.indexOf(m_file) + step;
+    if (index >= 0 && index < m_files.size())
+        Load(m_files.at(index));
+}
+
+/// Decoding a large picture takes a while, and the window goes on meanwhile.
+void PreviewWindow::Load(const QString& file)
+{
+    m_file = QFileInfo(file).absoluteFilePath();
+    m_files = PictureFile::Siblings(m_file); // there may be more of them by now
+    m_shown = {};
+    m_pixmap = {};
+    m_loading = true;
+    Display();
+    m_reader.clear();
+    m_reader.start([this, path = m_file, generation = ++m_generation] {
+        const PictureFile picture = PictureFile::Read(path);
+        QMetaObject::invokeMethod(
+            this, [this, generation, picture] { Take(generation, picture); }, Qt::QueuedConnection);
+    });
+}
+
+void PreviewWindow::Take(int generation, const PictureFile& picture)
+{
+    if (generation != m_generation)
+        return;
+    m_loading = false;
+    m_shown = picture;
+    m_pixmap = QPixmap::fromImage(picture.image);
+    Display();
+}
+
+void PreviewWindow::Display()
+{
+    const int index = m_files.indexOf(m_file);
+    m_title->setText(QFileInfo(m_file).fileName());
+    m_position->setText(tr("%1 of %2").arg(index + 1).arg(m_files.size()));
+    m_previous->setEnabled(index > 0);
+    m_next->setEnabled(index + 1 < m_files.size());
+    m_actualSize->setEnabled(!m_pixmap.isNull());
+    m_size->setText(m_pixmap.isNull()
+            ? QString()
+            : tr("%1 × %2 pixels").arg(m_shown.image.width()).arg(m_shown.image.height()));
+    DisplayPicture();
+}
+
+void PreviewWindow::DisplayPicture()
+{
+    const QSize room = m_area->viewport()->size();
+    if (m_pixmap.isNull()) {
+        m_picture->setText(m_loading ? QString() : Sentence());
+        m_picture->resize(room);
+        return;
+    }
+    const qreal ratio = m_picture->devicePixelRatioF();
+    QPixmap pixmap = m_pixmap;
+    if (!m_actualSize->isChecked()) {
+        const QSize fitted = m_pixmap.size().scaled(room * ratio, Qt::KeepAspectRatio);
+        pixmap = m_pixmap.scaled(fitted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
+    pixmap.setDevicePixelRatio(ratio);
+    m_picture->setPixmap(pixmap);
+    m_picture->resize(pixmap.size() / ratio);
+}
+
+QString PreviewWindow::Sentence() const
+{
+    switch (m_shown.trouble) {
+    case PictureFile::Missing:
+        return tr("The file is not there, or cannot be read.");
+    case PictureFile::NoPicture:
+        return tr("The file is no picture that can be shown here.");
+    case PictureFile::TooLarge:
+        return tr("The picture is too large to be shown here.");
+    case PictureFile::None:
+    case PictureFile::Broken:
+        break;
+    }
+    return tr("The picture is broken.");
+}
+
+bool PreviewWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Resize && watched == m_area->viewport())
+        DisplayPicture();
+    return false;
+}

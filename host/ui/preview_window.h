@@ -1,0 +1,57 @@
+#pragma once
+
+#include "picture_file.h"
+#include "skinned_form.h"
+
+#include <QPixmap>
+#include <QThreadPool>
+
+class QLabel;
+class QPushButton;
+class QScrollArea;
+
+/// Shows the pictures of a folder one by one, on the form "com.vtr.previewer": fitted into the window or pixel by
+/// pixel. Arrow keys turn the pages, Escape closes.
+class PreviewWindow : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit PreviewWindow(UiLoaderService* loader, QObject* parent = nullptr);
+
+    QWidget* Form() const { return m_form.Form(); }
+
+    /// Shows the window with this file. What is no picture is answered with a sentence in its place.
+    void Open(const QString& file);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void AddShortcut(int key, void (PreviewWindow::*slot)());
+    void Previous() { Turn(-1); }
+    void Next() { Turn(1); }
+    void Close() { Form()->close(); }
+    void Turn(int step);
+    void Load(const QString& file);
+    void Take(int generation, const PictureFile& picture);
+    void Display();
+    void DisplayPicture();
+    QString Sentence() const;
+
+    SkinnedForm m_form;
+    QLabel* m_title;
+    QScrollArea* m_area;
+    QLabel* m_picture;
+    QLabel* m_size;
+    QLabel* m_position;
+    QPushButton* m_previous;
+    QPushButton* m_next;
+    QPushButton* m_actualSize;
+    QStringList m_files; // of the folder
+    QString m_file;
+    PictureFile m_shown;
+    QPixmap m_pixmap;
+    bool m_loading = false;
+    int m_generation = 0; // of the file that is wanted; what was read for an earlier one is dropped
+    QThreadPool m_reader; // last: it waits for what it reads
+};
