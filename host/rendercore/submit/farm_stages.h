@@ -1,6 +1,6 @@
 #pragma once
 
-#include "farm_client.h"
+#include "farm_link.h"
 #include "stage_outcome.h"
 #include "transfer_meter.h"
 
@@ -39,7 +39,7 @@ private:
     void Conclude(SubmitStage next);
     void Repeat(SubmitStage next, const QString& message);
 
-    FarmClient m_farm;
+    FarmLink m_farm;
     const StageOrder* m_order = nullptr; // while it runs
     const StageProgress* m_onProgress = nullptr;
     StageOutcome m_outcome;

@@ -25,16 +25,12 @@ public:
     }
 
     /// False when the stage is to end.
-    bool Add(qint64 bytes) { return Show(m_done += bytes); }
-
-    /// The same for what is not done yet.
-    bool Show(qint64 bytes)
+    bool Add(qint64 bytes)
     {
-        m_onProgress(m_total > 0 ? static_cast<int>(std::min(bytes, m_total) * 100 / m_total) : 0, {});
+        m_done += bytes;
+        m_onProgress(m_total > 0 ? static_cast<int>(std::min(m_done, m_total) * 100 / m_total) : 0, {});
         return !*m_order.interrupted;
     }
-
-    qint64 Done() const { return m_done; }
 
 private:
     const StageOrder& m_order;
@@ -104,13 +100,9 @@ StageOutcome CompressStage(const StageOrder& order, const StageProgress& onProgr
     ByteCount count(order, onProgress, SizeOfSources(work));
     for (int index = 0; index < work.files.size() && !*order.interrupted; ++index) {
         const PackedFile& file = work.files.at(index);
-        const qint64 size = QFileInfo(file.source).size();
-        const auto showShare = [&count, size](double share) {
-            return count.Show(count.Done() + static_cast<qint64>(share * static_cast<double>(size)));
-        };
-        if (!PackFile(file.source, file.path, PackagePath(order.folder, index), showShare))
+        if (!PackFile(file.source, file.path, PackagePath(order.folder, index),
+                [&count](qint64 bytes) { return count.Add(bytes); }))
             break;
-        count.Add(size);
     }
     return Done(order, SubmitStage::Checksum, work);
 }

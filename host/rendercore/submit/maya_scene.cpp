@@ -139,7 +139,7 @@ private:
 
     void TakePath(const QString& reference)
     {
-        if (reference.isEmpty() || m_seen.contains(reference))
+        if (reference.isEmpty() || m_seen.contains(reference) || m_seen.size() > kMostSceneFiles)
             return;
         m_seen.insert(reference);
         for (const QString& candidate : Candidates(reference)) {

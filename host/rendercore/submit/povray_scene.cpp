@@ -102,7 +102,8 @@ private:
     void Take(PovRayLexer::Kind kind, const QString& reference, const QString& folder)
     {
         const QString path = QDir::cleanPath(reference);
-        if (m_seen.contains(path))
+        if (m_seen.contains(path) || m_result.files.size() > kMostSceneFiles
+            || m_result.missing.size() > kMostSceneFiles)
             return;
         const QString source
             = FirstReadable({m_folder.absoluteFilePath(path), QDir(folder).absoluteFilePath(path)});
@@ -111,14 +112,16 @@ private:
             return;
         }
         const int depth = m_folder.path().split(QLatin1Char('/'), Qt::SkipEmptyParts).size();
-        if (source.isEmpty() || QDir::isAbsolutePath(path) || !IsSendablePath(path)
-            || CountOfClimbs(path) >= depth) {
-            m_seen.insert(path);
-            m_result.missing.append(QDir::isAbsolutePath(path)
-                    ? QString(reference + QLatin1String(" (name it relative to the scene)"))
-                    : reference);
+        const bool isAbsolute = QDir::isAbsolutePath(path);
+        const QString name
+            = isAbsolute ? QString(reference + QLatin1String(" (name it relative to the scene)")) : reference;
+        if (source.isEmpty() || isAbsolute || !IsSendablePath(path) || CountOfClimbs(path) >= depth) {
+            if (!m_result.missing.contains(name))
+                m_result.missing.append(name);
             return;
         }
+        // Another text may know where it lies.
+        m_result.missing.removeAll(name);
         Add(path, source);
         if (kind == PovRayLexer::Kind::Include)
             m_texts.append(source);

@@ -50,7 +50,7 @@ SceneAnalysis AnalyseScene(const QString& scene, const BytesRead& onBytes)
         analysis = AnalysePovRayScene(path, onBytes);
     else
         analysis = AnalyseMayaScene(path, onBytes);
-    if (analysis.files.size() > kMostSceneFiles)
+    if (analysis.files.size() > kMostSceneFiles || analysis.missing.size() > kMostSceneFiles)
         analysis.error = QStringLiteral("The scene needs more than %1 files.").arg(kMostSceneFiles);
     return analysis;
 }

@@ -6,6 +6,8 @@
 
 #include <zip.h>
 
+#include <cerrno>
+#include <cstring>
 #include <memory>
 #include <stdexcept>
 
@@ -20,22 +22,57 @@ constexpr qint64 kLargestRatio = 100;
 // 1 January 2000; archives of the same file must not differ.
 constexpr zip_uint16_t kDosDate = ((2000 - 1980) << 9) | (1 << 5) | 1;
 
-/// What libzip tells while it writes, and whether it may go on.
-struct Watch
+/// The file that libzip reads.
+struct Input
 {
-    const std::function<bool(double)>& onShare;
+    QFile file;
+    const std::function<bool(qint64)>& onBytes;
     bool ended = false;
 };
 
-void Tell(zip_t*, double share, void* watch)
+zip_int64_t Describe(const Input& input, void* data)
 {
-    auto* of = static_cast<Watch*>(watch);
-    of->ended = of->ended || !of->onShare(share);
+    auto* stat = static_cast<zip_stat_t*>(data);
+    zip_stat_init(stat);
+    stat->size = static_cast<zip_uint64_t>(input.file.size());
+    stat->valid = ZIP_STAT_SIZE;
+    return sizeof(*stat);
 }
 
-int IsEnded(zip_t*, void* watch)
+zip_int64_t Read(Input& input, void* data, zip_uint64_t length)
 {
-    return static_cast<Watch*>(watch)->ended ? 1 : 0;
+    const qint64 got = input.file.read(static_cast<char*>(data), static_cast<qint64>(length));
+    if (got > 0 && !input.onBytes(got))
+        input.ended = true;
+    return input.ended ? -1 : got;
+}
+
+/// What libzip asks of a source that is read once from its beginning to its end.
+zip_int64_t Serve(void* state, void* data, zip_uint64_t length, zip_source_cmd_t command)
+{
+    auto& input = *static_cast<Input*>(state);
+    switch (command) {
+    case ZIP_SOURCE_OPEN:
+        return input.file.open(QIODevice::ReadOnly) ? 0 : -1;
+    case ZIP_SOURCE_READ:
+        return Read(input, data, length);
+    case ZIP_SOURCE_CLOSE:
+        input.file.close();
+        return 0;
+    case ZIP_SOURCE_STAT:
+        return Describe(input, data);
+    case ZIP_SOURCE_ERROR: {
+        const int codes[2] = {input.ended ? ZIP_ER_CANCELLED : ZIP_ER_READ, errno};
+        std::memcpy(data, codes, sizeof(codes));
+        return sizeof(codes);
+    }
+    case ZIP_SOURCE_FREE:
+        return 0;
+    case ZIP_SOURCE_SUPPORTS:
+        return ZIP_SOURCE_SUPPORTS_READABLE;
+    default:
+        return -1;
+    }
 }
 
 struct Discard
@@ -68,11 +105,11 @@ Archive Open(const QString& path, int flags)
 }
 
 bool Pack(const QString& source, const QString& path, const QString& target, zip_int32_t method,
-    const std::function<bool(double)>& onShare)
+    const std::function<bool(qint64)>& onBytes)
 {
-    Watch watch {onShare};
+    Input input {QFile(source), onBytes}; // outlives the archive that reads it
     Archive archive = Open(target, ZIP_CREATE | ZIP_TRUNCATE);
-    zip_source_t* content = zip_source_file(archive.get(), QFile::encodeName(source).constData(), 0, -1);
+    zip_source_t* content = zip_source_function(archive.get(), Serve, &input);
     if (!content)
         Fail("A file cannot be read", archive.get());
     const zip_int64_t index
@@ -85,10 +122,8 @@ bool Pack(const QString& source, const QString& path, const QString& target, zip
     if (zip_set_file_compression(archive.get(), entry, method, 0) < 0
         || zip_file_set_dostime(archive.get(), entry, 0, kDosDate, 0) < 0)
         Fail("A file cannot be packed", archive.get());
-    zip_register_progress_callback_with_state(archive.get(), 0.01, Tell, nullptr, &watch);
-    zip_register_cancel_callback_with_state(archive.get(), IsEnded, nullptr, &watch);
     if (zip_close(archive.get()) < 0) {
-        if (watch.ended)
+        if (input.ended)
             return false;
         Fail("A file cannot be packed", archive.get());
     }
@@ -100,14 +135,14 @@ bool Pack(const QString& source, const QString& path, const QString& target, zip
 } // namespace
 
 bool PackFile(const QString& source, const QString& path, const QString& archive,
-    const std::function<bool(double)>& onShare)
+    const std::function<bool(qint64)>& onBytes)
 {
-    if (!Pack(source, path, archive, ZIP_CM_DEFLATE, onShare))
+    if (!Pack(source, path, archive, ZIP_CM_DEFLATE, onBytes))
         return false;
     const qint64 size = QFileInfo(source).size();
     if (size < kSmallFile || QFileInfo(archive).size() * kLargestRatio > size)
         return true;
-    return Pack(source, path, archive, ZIP_CM_STORE, onShare);
+    return Pack(source, path, archive, ZIP_CM_STORE, [&onBytes](qint64) { return onBytes(0); });
 }
 
 QString PackedChecksum(const QString& archive, const std::function<bool(qint64)>& onBytes)

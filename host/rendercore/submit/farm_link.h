@@ -10,10 +10,10 @@
 
 /// Requests to the farm, one after another, for a thread that can wait: its event loop runs meanwhile.
 /// Each is tried once.
-class FarmClient
+class FarmLink
 {
 public:
-    FarmClient();
+    FarmLink();
 
     /// Where and as whom from now on, and what ends a request early.
     void Begin(const FarmAccess& access, const InterruptFlag& interrupted);

@@ -1,4 +1,4 @@
-#include "farm_client.h"
+#include "farm_link.h"
 
 #include "http_call.h"
 
@@ -18,12 +18,12 @@ HttpLimits OneAttempt()
 
 } // namespace
 
-FarmClient::FarmClient()
+FarmLink::FarmLink()
     : m_transport(OneAttempt())
 {
 }
 
-void FarmClient::Begin(const FarmAccess& access, const InterruptFlag& interrupted)
+void FarmLink::Begin(const FarmAccess& access, const InterruptFlag& interrupted)
 {
     if (std::exchange(m_base, access.apiRoot) != access.apiRoot)
         m_transport.SetBaseUrl(access.apiRoot);
@@ -32,13 +32,13 @@ void FarmClient::Begin(const FarmAccess& access, const InterruptFlag& interrupte
     m_answered = false;
 }
 
-void FarmClient::Interrupt()
+void FarmLink::Interrupt()
 {
     if (m_waiting && *m_interrupted)
         m_waiting->quit();
 }
 
-std::optional<HttpResult> FarmClient::Send(HttpRequest request, const std::function<void(qint64)>& onSent)
+std::optional<HttpResult> FarmLink::Send(HttpRequest request, const std::function<void(qint64)>& onSent)
 {
     if (*m_interrupted)
         return std::nullopt;
@@ -63,7 +63,7 @@ std::optional<HttpResult> FarmClient::Send(HttpRequest request, const std::funct
     return result;
 }
 
-std::optional<HttpResult> FarmClient::Post(const QByteArray& target, const QJsonObject& body, int attemptTime)
+std::optional<HttpResult> FarmLink::Post(const QByteArray& target, const QJsonObject& body, int attemptTime)
 {
     HttpRequest request;
     request.verb = "POST";
