@@ -223,12 +223,6 @@ void ActionsTest::StoppingEndsTheRendererAtOnce()
     QTRY_VERIFY_WITH_TIMEOUT(IsRendererGone(), 2000);
     QCOMPARE(Status(id), status);
     QCOMPARE(Progress(id), 50);
-    // The slot is free for the next job.
-    QVERIFY(WriteFile(Path("jobs/gate"), {}));
-    const QString next = Add(m_data->Job(QStringLiteral("next"))).id;
-    QCOMPARE(Do("recover", {next}).status, 200);
-    QTRY_COMPARE_WITH_TIMEOUT(Status(next), int(JobStatus::Finished), patienceMs);
-    QCOMPARE(Status(id), status);
 }
 
 // A frame that ends while the job is being stopped is kept, also when it is the last one.
