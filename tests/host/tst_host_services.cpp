@@ -191,7 +191,7 @@ void TestHostServices::ReadsTheCommandLine_data()
     row("no server", "--server farm", "not the URL of a server: farm");
     row("user alone", "--user u", "--user and --password-file belong together");
     row("level", "--log-level loud", "unknown log level: loud");
-    row("extra", "scene.pov", "unexpected argument: scene.pov");
+    row("scenes", "a.pov --log-level info b.ma", "");
 }
 
 void TestHostServices::ReadsTheCommandLine()
@@ -204,6 +204,10 @@ void TestHostServices::ReadsTheCommandLine()
     QTEST(error, "error");
     QVERIFY(QDir::isAbsolutePath(options.configFile) && QDir::isAbsolutePath(options.dataFolder));
     QVERIFY(options.screenshotFolder.isEmpty());
+    QCOMPARE(
+        options.scenes.size(), arguments.filter(QRegularExpression(QStringLiteral("\\.(pov|ma)$"))).size());
+    for (const QString& scene : qAsConst(options.scenes))
+        QVERIFY(QDir::isAbsolutePath(scene));
 }
 
 void TestHostServices::CallsTheFirstClient()
@@ -213,8 +217,10 @@ void TestHostServices::CallsTheFirstClient()
     QSignalSpy calls(&first, &SingleInstance::Called);
     const SingleInstance second(m_file);
     QVERIFY(!second.IsFirst());
-    QVERIFY(second.CallFirst());
+    const QStringList scenes {QStringLiteral("/a/ä \".pov"), QStringLiteral("/b.ma")};
+    QVERIFY(second.CallFirst(scenes));
     QTRY_COMPARE(calls.count(), 1);
+    QCOMPARE(calls.constFirst().constFirst().toStringList(), scenes);
     QVERIFY(SingleInstance(m_file + QStringLiteral(".other")).IsFirst());
 }
 
