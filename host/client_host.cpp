@@ -68,6 +68,9 @@ bool ClientHost::Start(QString* error)
         m_session.get(), &SessionControl::SignedIn, &m_services.renderCore, &RenderCoreService::BeginSession);
     connect(
         m_session.get(), &SessionControl::SignedOut, &m_services.renderCore, &RenderCoreService::EndSession);
+    connect(m_session.get(), &SessionControl::SignedIn, &m_services.scenes, &SceneIntake::Open);
+    connect(m_session.get(), &SessionControl::SignedOut, &m_services.scenes, &SceneIntake::Close);
+    m_services.scenes.Take(m_options.scenes);
     if (!SetAccount(embedded, error))
         return false;
     if (!m_options.screenshotFolder.isEmpty())
@@ -80,8 +83,9 @@ bool ClientHost::Start(QString* error)
     return true;
 }
 
-void ClientHost::ComeForward()
+void ClientHost::ComeForward(const QStringList& scenes)
 {
+    m_services.scenes.Take(scenes);
     if (m_session)
         m_session->ComeForward();
 }

@@ -28,8 +28,8 @@ public:
     /// @param error receives an English sentence where the client cannot start.
     bool Start(QString* error);
 
-    /// Shows the window that the user is looking for.
-    void ComeForward();
+    /// Shows the window that the user is looking for, and takes the scenes that came with the wish.
+    void ComeForward(const QStringList& scenes);
 
 private:
     bool StartPlugin(QString* error);

@@ -54,6 +54,8 @@ void AddOptions(QCommandLineParser& parser)
         "LEVEL", QStringLiteral("info"));
     add("plugin", "Load the main window from <FILE>.", "FILE", BesideProgram(PluginFileName()));
     add("farm", "Start the embedded farm from <FILE>.", "FILE", BesideProgram(FarmFileName()));
+    parser.addPositionalArgument(QStringLiteral("scenes"),
+        QStringLiteral("Scenes to submit: .pov, .ma or .mb."), QStringLiteral("[scene …]"));
     add("screenshots", "Save a picture of every window to <DIR>, then end.", "DIR");
 }
 
@@ -95,9 +97,11 @@ bool HostOptions::Parse(const QStringList& arguments, QString* error)
     farmProgram = AbsolutePath(value("farm"));
     screenshotFolder = AbsolutePath(value("screenshots"));
 
-    if (!parser.positionalArguments().isEmpty())
-        *error = QStringLiteral("unexpected argument: %1").arg(parser.positionalArguments().constFirst());
-    else if (!serverText.isEmpty() && server.isEmpty())
+    const QStringList positional = parser.positionalArguments();
+    for (const QString& scene : positional)
+        scenes.append(AbsolutePath(scene));
+
+    if (!serverText.isEmpty() && server.isEmpty())
         *error = QStringLiteral("not the URL of a server: %1").arg(serverText);
     else if (!LogOptions::Levels().contains(logLevel))
         *error = QStringLiteral("unknown log level: %1").arg(logLevel);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QUrl>
 
 /// What the command line asks for. Folders and files are absolute paths.
@@ -18,6 +19,7 @@ struct HostOptions
     QString pluginFile;
     QString farmProgram;
     QString screenshotFolder; ///< empty: no screenshots
+    QStringList scenes;       ///< to be submitted
 
     /// Reads the command line, program name first, on the application object, which must exist.
     /// @param error receives an English sentence where the command line is wrong.

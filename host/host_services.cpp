@@ -33,10 +33,12 @@ HostServices::HostServices(const HostOptions& options)
     , loader(WithLook(settings, options))
     , messageBox(&loader)
     , renderCore(options.dataFolder + QLatin1String("/transfer"), &settings)
+    , scenes(&renderCore, &messageBox, &loader)
     , configurationDialog(&loader, &settings, nullptr)
     , configuration(&configurationDialog)
     , previewer(&loader)
 {
+    renderCore.SetFormFilter(&scenes);
 }
 
 void HostServices::RegisterWith(PluginRunner& runner)

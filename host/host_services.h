@@ -8,6 +8,7 @@
 #include "previewer_service.h"
 #include "qt_message_route.h"
 #include "render_core_service.h"
+#include "scene_intake.h"
 #include "settings_service.h"
 #include "ui_loader_service.h"
 
@@ -29,6 +30,7 @@ struct HostServices
     MessageBoxService messageBox;
     CommunicationService communication;
     RenderCoreService renderCore;
+    SceneIntake scenes;
     ConfigurationDialog configurationDialog;
     ConfigurationService configuration;
     PreviewerService previewer;

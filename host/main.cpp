@@ -34,7 +34,7 @@ int main(int argc, char* argv[])
 
     const SingleInstance instance(options.configFile);
     if (!instance.IsFirst()) {
-        if (!options.screenshotFolder.isEmpty() || !instance.CallFirst())
+        if (!options.screenshotFolder.isEmpty() || !instance.CallFirst(options.scenes))
             return Fail(QStringLiteral("the client is already running"));
         return 0;
     }

@@ -3,12 +3,15 @@
 #include <QCryptographicHash>
 #include <QDebug>
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QLocalSocket>
 #include <QStandardPaths>
 
 namespace {
 
 constexpr int kCallTime = 2000;
+constexpr qint64 kLongestCall = 1024 * 1024;
 
 QString RuntimeFolder()
 {
@@ -40,14 +43,37 @@ SingleInstance::SingleInstance(const QString& configFile, QObject* parent)
         qWarning().noquote() << "other starts of the client cannot reach this one:" << m_server.errorString();
     connect(&m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* caller = m_server.nextPendingConnection())
-            caller->deleteLater();
-        emit Called();
+            Listen(caller);
     });
 }
 
-bool SingleInstance::CallFirst() const
+/// A caller sends its scenes and hangs up.
+void SingleInstance::Listen(QLocalSocket* caller)
+{
+    const auto conclude = [this, caller] {
+        caller->disconnect(this);
+        caller->deleteLater();
+        emit Called(QJsonDocument::fromJson(caller->read(kLongestCall)).toVariant().toStringList());
+    };
+    if (caller->state() == QLocalSocket::UnconnectedState) {
+        conclude();
+        return;
+    }
+    caller->setReadBufferSize(kLongestCall);
+    connect(caller, &QLocalSocket::disconnected, this, conclude);
+}
+
+bool SingleInstance::CallFirst(const QStringList& scenes) const
 {
     QLocalSocket socket;
     socket.connectToServer(m_name);
-    return socket.waitForConnected(kCallTime);
+    if (!socket.waitForConnected(kCallTime))
+        return false;
+    socket.write(QJsonDocument(QJsonArray::fromStringList(scenes)).toJson(QJsonDocument::Compact));
+    while (socket.bytesToWrite() > 0) {
+        if (!socket.waitForBytesWritten(kCallTime))
+            return false;
+    }
+    socket.disconnectFromServer();
+    return true;
 }

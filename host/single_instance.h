@@ -3,8 +3,12 @@
 #include <QLocalServer>
 #include <QLockFile>
 #include <QObject>
+#include <QStringList>
 
-/// One client for each user and configuration: a second start only brings the first one forward.
+class QLocalSocket;
+
+/// One client for each user and configuration: a second start only brings the first one forward and
+/// hands it its scenes.
 class SingleInstance : public QObject
 {
     Q_OBJECT
@@ -16,14 +20,17 @@ public:
     /// False where another client with this identity is running.
     bool IsFirst() const { return m_first; }
 
-    /// Asks the client that is running to come forward. Returns whether it could be reached.
-    bool CallFirst() const;
+    /// Asks the client that is running to come forward and to take these scenes. Returns whether it could be reached.
+    bool CallFirst(const QStringList& scenes = {}) const;
 
 signals:
     /// Another start of the client asked for this one.
-    void Called();
+    /// @param scenes that it brought, as absolute paths.
+    void Called(const QStringList& scenes);
 
 private:
+    void Listen(QLocalSocket* caller);
+
     QString m_name;
     QLockFile m_lock;
     QLocalServer m_server;

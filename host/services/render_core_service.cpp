@@ -13,6 +13,10 @@ RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface*
     connect(&m_submissions, &SubmitQueue::ListChanged, this, &VTRenderCoreInterface::SubmitListChanged);
     connect(&m_submissions, &SubmitQueue::UploadFailed, this, &VTRenderCoreInterface::failFile);
     connect(&m_submissions, &SubmitQueue::TexturesLacking, this, &VTRenderCoreInterface::lackedTexture);
+    m_submissions.SetArgumentsCheck([this] {
+        const QString key = QStringLiteral("vtr.account.%1/setargument").arg(m_userName);
+        return m_settings->Value(key, 0).toBool();
+    });
     connect(&m_downloads, &DownloadQueue::ListChanged, this, &VTRenderCoreInterface::DownloadListChanged);
     connect(&m_downloads, &DownloadQueue::FileFinished, this, &VTRenderCoreInterface::DownloadFinish);
     // The folder for downloads is one of them.
@@ -37,6 +41,11 @@ void RenderCoreService::EndSession()
     BeginSession({}, {});
 }
 
+bool RenderCoreService::eventFilter(QObject* watched, QEvent* event)
+{
+    return m_formFilter && m_formFilter->eventFilter(watched, event);
+}
+
 void RenderCoreService::PassAccess()
 {
     FarmAccess access;
@@ -52,7 +61,13 @@ void RenderCoreService::PassAccess()
     m_downloads.SetAccess(access);
 }
 
-void RenderCoreService::RemoveSubmitTasks(const QStringList&, bool) { }
+void RenderCoreService::RemoveSubmitTasks(const QStringList& ids, bool byUser)
+{
+    if (byUser)
+        m_submissions.Remove(ids);
+    else
+        m_submissions.EndSession();
+}
 
 void RenderCoreService::RemoveDownloadTasks(const QStringList& ids)
 {
@@ -69,47 +84,62 @@ void RenderCoreService::ResumeDownloadTasks(const QStringList& ids)
     m_downloads.Resume(ids);
 }
 
-void RenderCoreService::StopSubmitTasks() { }
-void RenderCoreService::ResumeSubmitTasks() { }
+void RenderCoreService::StopSubmitTasks()
+{
+    m_submissions.StopAll();
+}
+
+void RenderCoreService::ResumeSubmitTasks()
+{
+    m_submissions.ResumeAll();
+}
+
+/// A task that is not listed has no scene, no time and no text.
+const SubmitTask& RenderCoreService::Task(const QString& id) const
+{
+    static const SubmitTask none;
+    const SubmitTask* task = m_submissions.Task(id);
+    return task ? *task : none;
+}
 
 QVariantMap* RenderCoreService::GetDownloadTasks()
 {
     return m_downloads.Tasks();
 }
 
-QString RenderCoreService::GetTaskSceneFile(const QString&)
+QString RenderCoreService::GetTaskSceneFile(const QString& id)
 {
-    return {};
+    return Task(id).scene;
 }
 
-QString RenderCoreService::GetTaskStartTime(const QString&)
+QString RenderCoreService::GetTaskStartTime(const QString& id)
 {
-    return {};
+    return Task(id).started;
 }
 
-QString RenderCoreService::GetTaskMessage(const QString&)
+QString RenderCoreService::GetTaskMessage(const QString& id)
 {
-    return {};
+    return Task(id).message;
 }
 
-int RenderCoreService::GetTaskStage(const QString&)
+int RenderCoreService::GetTaskStage(const QString& id)
 {
-    return 0;
+    return static_cast<int>(Task(id).stage);
 }
 
-int RenderCoreService::GetTaskProgress(const QString&)
+int RenderCoreService::GetTaskProgress(const QString& id)
 {
-    return 0;
+    return Task(id).progress;
 }
 
-QString RenderCoreService::GetTaskUploadText(const QString&)
+QString RenderCoreService::GetTaskUploadText(const QString& id)
 {
-    return {};
+    return Task(id).uploadText;
 }
 
-int RenderCoreService::GetTaskErrorCode(const QString&)
+int RenderCoreService::GetTaskErrorCode(const QString& id)
 {
-    return 0;
+    return static_cast<int>(Task(id).error);
 }
 
 QStringList RenderCoreService::GetSubmitTaskIds()
@@ -122,18 +152,29 @@ int RenderCoreService::GetSubmitTaskCount()
     return m_submissions.Ids().size();
 }
 
-QVariantList RenderCoreService::GetTaskArguments(const QString&)
+QVariantList RenderCoreService::GetTaskArguments(const QString& id)
 {
-    return {};
+    return Task(id).arguments;
 }
 
-void RenderCoreService::UploadRetryAnswer(const QString&, bool) { }
-void RenderCoreService::LackTextureAnswer(const QString&, bool) { }
-void RenderCoreService::ContinueSubmit(const QString&) { }
-
-int RenderCoreService::SubmitScene(const QString&)
+void RenderCoreService::UploadRetryAnswer(const QString& id, bool retry)
 {
-    return -1;
+    m_submissions.AnswerUploadFailure(id, retry);
+}
+
+void RenderCoreService::LackTextureAnswer(const QString& id, bool goOn)
+{
+    m_submissions.AnswerMissingTextures(id, goOn);
+}
+
+void RenderCoreService::ContinueSubmit(const QString& id)
+{
+    m_submissions.Continue(id);
+}
+
+int RenderCoreService::SubmitScene(const QString& sceneFile)
+{
+    return m_submissions.Submit(sceneFile) ? 0 : -1;
 }
 
 void RenderCoreService::RedownloadTasks(const QStringList& ids)
@@ -141,7 +182,11 @@ void RenderCoreService::RedownloadTasks(const QStringList& ids)
     m_downloads.Redownload(ids);
 }
 
-void RenderCoreService::SetArgument(QString, QVariantList) { }
+void RenderCoreService::SetArgument(QString id, QVariantList arguments)
+{
+    m_submissions.SetArguments(id, arguments);
+}
+
 void RenderCoreService::TriggerJobIdType(QVariantMap orders)
 {
     m_downloads.Order(orders);

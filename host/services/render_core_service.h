@@ -5,6 +5,8 @@
 #include "submit_queue.h"
 #include "vtr_rendercoreinterface.h"
 
+#include <QPointer>
+
 class VTSettingsInterface;
 
 /// The engine of submissions and downloads as the main window knows it. Every operation is one of its two queues'.
@@ -24,6 +26,10 @@ public:
     /// From now on the tasks are those of this account, and go on.
     void BeginSession(const QString& userName, const QString& token);
     void EndSession();
+
+    /// What is to see the events of the main form, on which the window installs this service as a filter.
+    void SetFormFilter(QObject* filter) { m_formFilter = filter; }
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
     void RemoveSubmitTasks(const QStringList& ids, bool byUser) override;
     void RemoveDownloadTasks(const QStringList& ids) override;
@@ -54,6 +60,7 @@ public slots:
 
 private:
     void PassAccess();
+    const SubmitTask& Task(const QString& id) const;
 
     VTSettingsInterface* m_settings;
     SubmitQueue m_submissions;
@@ -61,4 +68,5 @@ private:
     QUrl m_server;
     QString m_userName;
     QString m_token;
+    QPointer<QObject> m_formFilter;
 };

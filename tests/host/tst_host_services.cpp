@@ -134,7 +134,7 @@ private slots:
                 ""},
             {"--server farm", "not the URL of a server: farm"},
             {"--user u", "--user and --password-file belong together"},
-            {"--log-level loud", "unknown log level: loud"}, {"scene.pov", "unexpected argument: scene.pov"}};
+            {"--log-level loud", "unknown log level: loud"}, {"a.pov --log-level info b.ma", ""}};
         for (const auto& [arguments, expected] : lines) {
             HostOptions options;
             QString error;
@@ -144,6 +144,9 @@ private slots:
             QCOMPARE(read, error.isEmpty());
             QVERIFY(QDir::isAbsolutePath(options.configFile) && QDir::isAbsolutePath(options.dataFolder));
             QCOMPARE(options.autoSignIn, !line.contains(QLatin1String("--no-auto-sign-in")));
+            QCOMPARE(options.scenes.size(), line.contains(QLatin1String("a.pov")) ? 2 : 0);
+            for (const QString& scene : qAsConst(options.scenes))
+                QVERIFY(QDir::isAbsolutePath(scene));
         }
     }
 
@@ -154,8 +157,10 @@ private slots:
         QSignalSpy calls(&first, &SingleInstance::Called);
         const SingleInstance second(m_file);
         QVERIFY(!second.IsFirst());
-        QVERIFY(second.CallFirst());
+        const QStringList scenes {QStringLiteral("/a/ä \".pov"), QStringLiteral("/b.ma")};
+        QVERIFY(second.CallFirst(scenes));
         QTRY_COMPARE(calls.count(), 1);
+        QCOMPARE(calls[0][0].toStringList(), scenes);
         QVERIFY(SingleInstance(m_file + QStringLiteral(".other")).IsFirst());
     }
 
