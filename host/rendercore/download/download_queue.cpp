@@ -149,6 +149,7 @@ void DownloadQueue::TakeTasks(int session, const DownloadTasks& tasks)
 {
     if (session != m_session)
         return;
+    Tell([](DownloadWorker* worker) { worker->LoadOn(); });
     for (const DownloadTask& task : tasks)
         m_tasks.insert(m_tasks.cend(), IdOf(task.id), EntryOf(task)); // they come in order
     emit ListChanged();

@@ -180,7 +180,7 @@ private:
 void Close(SQLite::Database& connection, const QString& owner, const DownloadOrder& order)
 {
     storage::Execute(connection,
-        "DELETE FROM orders WHERE owner = ?1 AND job = ?2 AND serial = ?3 AND kind <> 2 "
+        "DELETE FROM orders WHERE owner = ?1 AND job = ?2 AND serial = ?3 AND kind = 1 "
         "AND NOT EXISTS (SELECT 1 FROM tasks WHERE tasks.owner = ?1 AND tasks.job = ?2)",
         owner, order.job, order.serial);
     storage::Execute(connection, "UPDATE orders SET open = 0 WHERE owner = ? AND job = ? AND serial = ?",

@@ -32,7 +32,7 @@ public:
     DownloadOrders OpenOrders(const QString& owner, int limit);
     /// Lets the others go first.
     void PostponeOrder(const QString& owner, const QString& job);
-    /// An order that brought no files is forgotten, so that it counts again when it is given again.
+    /// A manual order that brought no files is forgotten, so that an automatic one counts when the job is finished.
     void CloseOrder(const QString& owner, const DownloadOrder& order);
     /// Asks for a job's files once more, as a renewal.
     void ReopenOrder(const QString& owner, const QString& job);

@@ -90,7 +90,13 @@ void DownloadWorker::Load()
     m_loading = !m_access.owner.isEmpty();
 }
 
-/// Between two batches the GUI's wishes get their turn.
+void DownloadWorker::LoadOn()
+{
+    if (m_loading)
+        m_wake.start(0);
+}
+
+/// One batch after the other, so that the GUI thread never has more than one to take.
 void DownloadWorker::LoadSome()
 {
     DownloadTasks tasks;
@@ -100,7 +106,8 @@ void DownloadWorker::LoadSome()
         return;
     }
     m_loading = tasks.size() == loadedAtOnce;
-    m_wake.start(0);
+    if (!m_loading)
+        m_wake.start(0);
     if (tasks.isEmpty())
         return;
     m_loaded = tasks.constLast().id;

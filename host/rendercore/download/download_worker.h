@@ -30,6 +30,8 @@ public:
 
     /// @param session number of the owner's stay; tells the receiver whom the tasks belong to.
     void SetAccess(const FarmAccess& access, int session);
+    /// The receiver has taken the tasks that came, and has time for more.
+    void LoadOn();
     void TakeOrders();
     void Stop(const TaskIds& ids);
     void Resume(const TaskIds& ids);
