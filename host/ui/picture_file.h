@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QMetaType>
 #include <QString>
 #include <QStringList>
 
@@ -19,3 +20,5 @@ struct PictureFile
     /// The folder's files whose names are those of pictures, and the file itself; paths in the order of their names.
     static QStringList Siblings(const QString& file);
 };
+
+Q_DECLARE_METATYPE(PictureFile)

@@ -23,7 +23,9 @@ PreviewWindow::PreviewWindow(UiLoaderService* loader, QObject* parent)
     , m_next(m_form.Find<QPushButton>("btnNext"))
     , m_actualSize(m_form.Find<QPushButton>("btnActualSize"))
 {
+    qRegisterMetaType<PictureFile>();
     m_reader.setMaxThreadCount(1);
+    connect(this, &PreviewWindow::Read, this, &PreviewWindow::Take, Qt::QueuedConnection);
     m_area->viewport()->installEventFilter(this);
     auto* footer = m_form.Find<QWidget>("wgtFooter");
     footer->layout()->addWidget(new QSizeGrip(footer));
@@ -70,9 +72,7 @@ void PreviewWindow::Load(const QString& file)
     Display();
     m_reader.clear();
     m_reader.start([this, path = m_file, generation = ++m_generation] {
-        const PictureFile picture = PictureFile::Read(path);
-        QMetaObject::invokeMethod(
-            this, [this, generation, picture] { Take(generation, picture); }, Qt::QueuedConnection);
+        emit Read(generation, PictureFile::Read(path));
     });
 }
 

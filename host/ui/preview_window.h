@@ -26,6 +26,10 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
+signals:
+    /// A file was read, in another thread than the window's.
+    void Read(int generation, const PictureFile& picture);
+
 private:
     void AddShortcut(int key, void (PreviewWindow::*slot)());
     void Previous() { Turn(-1); }

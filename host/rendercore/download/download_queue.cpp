@@ -48,6 +48,7 @@ DownloadQueue::DownloadQueue(const QString& folder, const DownloadLimits& limits
 {
     qRegisterMetaType<DownloadTasks>("DownloadTasks");
     qRegisterMetaType<DownloadChanges>("DownloadChanges");
+    qRegisterMetaType<DownloadWish>("DownloadWish");
     const QString file = QDir(folder).filePath(QStringLiteral("downloads.sqlite"));
     try {
         QDir().mkpath(folder);
@@ -59,6 +60,8 @@ DownloadQueue::DownloadQueue(const QString& folder, const DownloadLimits& limits
     m_worker = new DownloadWorker(file, limits);
     m_worker->moveToThread(&m_thread);
     connect(&m_thread, &QThread::finished, m_worker, &QObject::deleteLater);
+    connect(this, &DownloadQueue::Told, m_worker,
+        [worker = m_worker](const DownloadWish& wish) { wish(worker); });
     connect(m_worker, &DownloadWorker::Came, this, &DownloadQueue::TakeTasks);
     connect(m_worker, &DownloadWorker::Changed, this, &DownloadQueue::TakeChanges);
     connect(m_worker, &DownloadWorker::Finished, this, &DownloadQueue::FileFinished);
@@ -69,18 +72,9 @@ DownloadQueue::DownloadQueue(const QString& folder, const DownloadLimits& limits
 DownloadQueue::~DownloadQueue()
 {
     // What was said before is done before.
-    Tell([](DownloadWorker*) { QThread::currentThread()->quit(); });
+    emit Told([](const DownloadWorker*) { QThread::currentThread()->quit(); });
     m_thread.requestInterruption();
     m_thread.wait();
-}
-
-/// Has the worker do something in its thread, after what it was told before.
-template <typename Work>
-void DownloadQueue::Tell(Work work)
-{
-    if (m_worker)
-        QMetaObject::invokeMethod(
-            m_worker, [worker = m_worker, work] { work(worker); }, Qt::QueuedConnection);
 }
 
 void DownloadQueue::SetAccess(const FarmAccess& access)
@@ -94,7 +88,7 @@ void DownloadQueue::SetAccess(const FarmAccess& access)
         if (hadTasks)
             emit ListChanged();
     }
-    Tell([access, session = m_session](DownloadWorker* worker) { worker->SetAccess(access, session); });
+    emit Told([access, session = m_session](DownloadWorker* worker) { worker->SetAccess(access, session); });
 }
 
 void DownloadQueue::Order(const QVariantMap& orders)
@@ -103,7 +97,7 @@ void DownloadQueue::Order(const QVariantMap& orders)
         return;
     try {
         if (m_store->AddOrders(m_access.owner, OrdersOf(orders)))
-            Tell([](DownloadWorker* worker) { worker->TakeOrders(); });
+            emit Told([](DownloadWorker* worker) { worker->TakeOrders(); });
     } catch (const std::exception& failure) {
         qCritical("an order of downloads cannot be kept: %s", failure.what());
     }
@@ -111,17 +105,17 @@ void DownloadQueue::Order(const QVariantMap& orders)
 
 void DownloadQueue::Stop(const QStringList& ids)
 {
-    Tell([known = Known(ids)](DownloadWorker* worker) { worker->Stop(known); });
+    emit Told([known = Known(ids)](DownloadWorker* worker) { worker->Stop(known); });
 }
 
 void DownloadQueue::Resume(const QStringList& ids)
 {
-    Tell([known = Known(ids)](DownloadWorker* worker) { worker->Resume(known); });
+    emit Told([known = Known(ids)](DownloadWorker* worker) { worker->Resume(known); });
 }
 
 void DownloadQueue::Redownload(const QStringList& ids)
 {
-    Tell([known = Known(ids)](DownloadWorker* worker) { worker->Redownload(known); });
+    emit Told([known = Known(ids)](DownloadWorker* worker) { worker->Redownload(known); });
 }
 
 void DownloadQueue::Remove(const QStringList& ids)
@@ -131,7 +125,7 @@ void DownloadQueue::Remove(const QStringList& ids)
         return;
     for (const qint64 id : known)
         m_tasks.remove(IdOf(id));
-    Tell([known](DownloadWorker* worker) { worker->Remove(known); });
+    emit Told([known](DownloadWorker* worker) { worker->Remove(known); });
     emit ListChanged();
 }
 
@@ -149,7 +143,7 @@ void DownloadQueue::TakeTasks(int session, const DownloadTasks& tasks)
 {
     if (session != m_session)
         return;
-    Tell([](DownloadWorker* worker) { worker->LoadOn(); });
+    emit Told([](DownloadWorker* worker) { worker->LoadOn(); });
     for (const DownloadTask& task : tasks)
         m_tasks.insert(m_tasks.cend(), IdOf(task.id), EntryOf(task)); // they come in order
     emit ListChanged();

@@ -9,9 +9,13 @@
 #include <QThread>
 #include <QVariantMap>
 
+#include <functional>
 #include <memory>
 
 class DownloadWorker;
+
+using DownloadWish = std::function<void(DownloadWorker*)>;
+Q_DECLARE_METATYPE(DownloadWish)
 
 /// The files that are on their way from the farm, as the window sees them: on the GUI thread, for the account that is
 /// signed in. Whatever touches disk or network happens in a thread of its own; only orders are written at once.
@@ -56,9 +60,10 @@ signals:
     /// A file is complete and has its name. Once a file.
     void FileFinished(const QString& file);
 
+    /// For the worker, in its thread and after what it was told before.
+    void Told(const DownloadWish& wish);
+
 private:
-    template <typename Work>
-    void Tell(Work work);
     TaskIds Known(const QStringList& ids) const;
     void TakeTasks(int session, const DownloadTasks& tasks);
     void TakeChanges(const DownloadChanges& changes);
@@ -67,6 +72,6 @@ private:
     FarmAccess m_access;
     int m_session = 0; // grows with each change of the owner
     std::unique_ptr<DownloadStore> m_store;
-    DownloadWorker* m_worker = nullptr; // ends with its thread
+    DownloadWorker* m_worker = nullptr; // ends with its thread; null without a database
     QThread m_thread;
 };

@@ -234,7 +234,7 @@ void DownloadWorker::End(qint64 id, const DownloadOutcome& outcome)
 }
 
 /// The file has its name by now. A client that is killed before this is written finds the file whole at its next start,
-/// asks the farm for nothing and reports it then; one that is killed right after it has reported it, too.
+/// asks the farm for nothing and reports it then; one that is killed right after it may lose the notice, never the file.
 void DownloadWorker::Complete(DownloadTask task)
 {
     task.state = DownloadState::Finished;

@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr qint64 blockBytes = 1024 * 1024;
+constexpr int blockBytes = 1024 * 1024;
 constexpr int longestRetryAfter = 3600;
 
 bool IsQuitting()
