@@ -45,7 +45,7 @@ public:
 
 } // namespace
 
-/// A session from sign-in to sign-out, and what surrounds the content: account, skins, languages, size, tray, way out.
+/// A session from sign-in to sign-out, and what surrounds the content: account, skin, language, size, tray, way out.
 class TestPluginSession : public ClientTest
 {
     Q_OBJECT

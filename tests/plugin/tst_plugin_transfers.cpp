@@ -82,7 +82,7 @@ const Switch switches[]
 
 } // namespace
 
-/// The local submission tasks with the questions that they raise, and the downloads with the switches that bear on them.
+/// The local submission tasks with their questions, and the downloads with the switches that bear on them.
 class TestPluginTransfers : public ClientTest
 {
     Q_OBJECT
