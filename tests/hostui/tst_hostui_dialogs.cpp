@@ -52,18 +52,34 @@ QStringList NamesFromLeftToRight(const QWidget* row)
     return names.values();
 }
 
-/// Does something to the modal dialog that is about to be shown, which must close it.
-void Then(const std::function<void(QDialog*)>& act)
+/// Does something once events are handled, also those of a modal dialog.
+class Soon : public QTimer
 {
-    QTimer::singleShot(0, [act] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        act(dialog);
-        if (!dialog->isVisible())
-            return;
-        dialog->reject();
-        QFAIL("the dialog stays open");
-    });
-}
+public:
+    explicit Soon(const std::function<void()>& act)
+    {
+        setSingleShot(true);
+        connect(this, &QTimer::timeout, act);
+        start(0);
+    }
+};
+
+/// Does something to the modal dialog that is about to be shown, which must close it.
+class Then : public Soon
+{
+public:
+    explicit Then(const std::function<void(QDialog*)>& act)
+        : Soon([act] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            act(dialog);
+            if (!dialog->isVisible())
+                return;
+            dialog->reject();
+            QFAIL("the dialog stays open");
+        })
+    {
+    }
+};
 
 } // namespace
 
@@ -128,7 +144,7 @@ private slots:
         QFETCH(QList<int>, numbers);
         QFETCH(QString, pressed);
         QStringList shown;
-        Then([&](QDialog* box) {
+        const Then then([&](QDialog* box) {
             shown = NamesFromLeftToRight(box->findChild<QWidget*>(QStringLiteral("wgtButtons")));
             if (auto* button = box->findChild<QPushButton*>(pressed))
                 button->click();
@@ -149,7 +165,7 @@ private slots:
         const QString list = QStringLiteral("<i>") + Lines(10000);
         const QIcon icon(QStringLiteral(":/default/main.png"));
         for (const auto& [kind, picture] : {std::pair(2, "notice"), std::pair(4, "question")}) {
-            Then([&, shown = QLatin1String(picture)](QDialog* box) {
+            const Then then([&, shown = QLatin1String(picture)](QDialog* box) {
                 QCOMPARE(box->windowTitle(), text);
                 QCOMPARE(box->windowIcon().cacheKey(), icon.cacheKey());
                 for (const char* name : {"lblTitle", "lblText"}) {
@@ -174,8 +190,8 @@ private slots:
     void EndsWithTheApplication()
     {
         QString answer = QStringLiteral("none");
-        QTimer::singleShot(0, this, [&] {
-            QTimer::singleShot(0, &QCoreApplication::quit);
+        const Soon ask([&] {
+            const Soon quit(&QCoreApplication::quit);
             answer = m_service.ShowMessage(4, {}, {}, {}, QStringLiteral("Sure?"), Buttons({1, 2}), false);
         });
         QCoreApplication::exec();
@@ -202,7 +218,7 @@ private slots:
         ConfigurationDialog dialog(&m_loader, &settings);
         dialog.Run(QString()); // nobody's: returns at once
         QCOMPARE(settings.values, before);
-        Then([&](QDialog* shown) {
+        const Then then([&](QDialog* shown) {
             auto* download = shown->findChild<QCheckBox*>(QStringLiteral("chkAutoDownload"));
             auto* argument = shown->findChild<QCheckBox*>(QStringLiteral("chkSetArgument"));
             QVERIFY(download->isChecked() && !argument->isChecked());
