@@ -269,13 +269,13 @@ void DownloadsTest::HostileNamesStayInTheFolder()
     QFETCH(QString, subDir);
     QFETCH(QString, name);
     QFETCH(QString, path);
-    const QString file = DownloadPaths::Destination(QStringLiteral("/root"), subDir, name);
+    const QString file = DownloadPaths::Destination(QStringLiteral("/srv"), subDir, name);
     if (!path.isEmpty())
-        QCOMPARE(file, QString(QStringLiteral("/root/") + path));
+        QCOMPARE(file, QString(QStringLiteral("/srv/") + path));
     QCOMPARE(QDir::cleanPath(file), file);
     QCOMPARE(file.count(QLatin1Char('/')), 3);
     QVERIFY(QFileInfo(DownloadPaths::PartFile(file)).fileName().toUtf8().size() < 255);
-    QVERIFY(DownloadPaths::Destination(QStringLiteral("/root"), subDir, name, 2) != file);
+    QVERIFY(DownloadPaths::Destination(QStringLiteral("/srv"), subDir, name, 2) != file);
 }
 
 void DownloadsTest::LinksOutOfTheFolderAreNotFollowed_data()
