@@ -196,7 +196,7 @@ void TestE2eActions::ASonWaitsForItsParentAcrossARestart()
     job.scene = QStringLiteral("ripples.pov");
     job.width = 64;
     job.height = 36;
-    job.frames = 2;
+    job.frames = {{1, 2}};
     job.name = QStringLiteral("son");
     const QString son = jobs.Add(job).id;
     job.name = QStringLiteral("parent");

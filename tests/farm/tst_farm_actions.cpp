@@ -43,14 +43,11 @@ private slots:
     void AnActionAppliesToItsStates();
     void JobsOfOthersAreRefused_data();
     void JobsOfOthersAreRefused();
-    void DeletedJobsAreListedOnlyWhenAskedFor();
     void StoppingEndsTheRendererAtOnce_data();
     void StoppingEndsTheRendererAtOnce();
-    void ARecoveredJobKeepsItsFrames();
     void ARecoveredJobMayBeFinishedAlready();
     void AFailedJobGetsAllItsAttemptsAgain();
     void ARestartedJobBeginsAnew();
-    void AFullRenderKeepsThePrerenderedFrames();
     void RenderingStopsWhenTheMoneyRunsOut();
     void AnAccountInArrearsCannotRender_data();
     void AnAccountInArrearsCannotRender();
@@ -205,20 +202,6 @@ void ActionsTest::JobsOfOthersAreRefused()
     QCOMPARE(m_client.Send("GET", QStringLiteral("/jobs/") + foreign, {}, m_token).status, 404);
 }
 
-void ActionsTest::DeletedJobsAreListedOnlyWhenAskedFor()
-{
-    const QString id = Add(m_data->Job(QStringLiteral("job"))).id;
-    StartFarm(nullptr);
-    const auto total = [this](const char* query) {
-        const Reply reply = m_client.Send("GET", QStringLiteral("/jobs") + QLatin1String(query), {}, m_token);
-        return reply.body[QLatin1String("data")][QLatin1String("total")].toInt(-1);
-    };
-    QCOMPARE(total(""), 1);
-    QCOMPARE(Do("delete", {id}).status, 200);
-    QCOMPARE(total(""), 0);
-    QCOMPARE(total("?conditions=%7B%22status%22:5%7D"), 1);
-}
-
 void ActionsTest::StoppingEndsTheRendererAtOnce_data()
 {
     QTest::addColumn<QByteArray>("action");
@@ -240,26 +223,6 @@ void ActionsTest::StoppingEndsTheRendererAtOnce()
     QTRY_VERIFY_WITH_TIMEOUT(IsRendererGone(), 2000);
     QCOMPARE(Status(id), status);
     QCOMPARE(Progress(id), 50);
-    // The slot is free for the next job.
-    QVERIFY(WriteFile(Path("jobs/gate"), {}));
-    const QString next = Add(m_data->Job(QStringLiteral("next"))).id;
-    QCOMPARE(Do("recover", {next}).status, 200);
-    QTRY_COMPARE_WITH_TIMEOUT(Status(next), int(JobStatus::Finished), patienceMs);
-    QCOMPARE(Status(id), status);
-}
-
-void ActionsTest::ARecoveredJobKeepsItsFrames()
-{
-    const QString id = Add(m_data->Job(QStringLiteral("job"), 4)).id;
-    StartFarm(gatedScript);
-    QTRY_COMPARE_WITH_TIMEOUT(Log(), QByteArray("1/4 2/4 3/4"), patienceMs);
-    QCOMPARE(Do("stop", {id}).status, 200);
-    QTRY_VERIFY_WITH_TIMEOUT(IsRendererGone(), patienceMs);
-    QVERIFY(WriteFile(Path("jobs/gate"), {}));
-    QCOMPARE(Do("recover", {id}).status, 200);
-    QTRY_COMPARE_WITH_TIMEOUT(Status(id), int(JobStatus::Finished), patienceMs);
-    QCOMPARE(Log(), QByteArray("1/4 2/4 3/4 3/4 4/4"));
-    QCOMPARE(Charges(), 4);
 }
 
 // A frame that ends while the job is being stopped is kept, also when it is the last one.
@@ -311,26 +274,6 @@ void ActionsTest::ARestartedJobBeginsAnew()
     QTRY_COMPARE_WITH_TIMEOUT(Status(job.id), int(JobStatus::Finished), patienceMs);
     QCOMPARE(ReadFile(left), QByteArray("a scene"));
     QCOMPARE(Charges(), 2 + 4);
-}
-
-void ActionsTest::AFullRenderKeepsThePrerenderedFrames()
-{
-    QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("jobs")));
-    QVERIFY(WriteFile(Path("jobs/gate"), {}));
-    NewJob job = m_data->Job(QStringLiteral("job"), 6);
-    job.prerender = true;
-    const QString id = Add(job).id;
-    StartFarm(gatedScript);
-    QTRY_COMPARE_WITH_TIMEOUT(Status(id), int(JobStatus::Finished), patienceMs);
-    QCOMPARE(Log(), QByteArray("1/6 3/6 6/6"));
-    QCOMPARE(Progress(id), 100);
-    QCOMPARE(Do("full-render", {id}).status, 200);
-    QTRY_COMPARE_WITH_TIMEOUT(Status(id), int(JobStatus::Finished), patienceMs);
-    QCOMPARE(Log(), QByteArray("1/6 3/6 6/6 2/6 4/6 5/6"));
-    QCOMPARE(Progress(id), 100);
-    // Now that it is complete there is nothing more to promote.
-    QCOMPARE(Do("full-render", {id}).status, 200);
-    QCOMPARE(Status(id), int(JobStatus::Finished));
 }
 
 void ActionsTest::RenderingStopsWhenTheMoneyRunsOut()

@@ -1,9 +1,12 @@
 #include "farm_client.h"
 #include "farm_fixture.h"
 #include "frame_files.h"
+#include "package_fixture.h"
 
 #include <QProcess>
+#include <QRandomGenerator>
 #include <QStandardPaths>
+#include <QTcpSocket>
 #include <QtTest>
 
 #include <csignal>
@@ -51,7 +54,7 @@ private slots:
     void EndsWhenAsked_data();
     void EndsWhenAsked();
     void AKillLosesNoFinishedFrame();
-    void AKillLosesNoAction();
+    void AKillLosesNothingOfAnUpload();
     void MoneyIsPaidIn_data();
     void MoneyIsPaidIn();
     void ShippedScenesRender_data();
@@ -121,46 +124,50 @@ void DaemonTest::AKillLosesNoFinishedFrame()
     }
 }
 
-void DaemonTest::AKillLosesNoAction()
+void DaemonTest::AKillLosesNothingOfAnUpload()
 {
-    QVERIFY(WriteFile(Path("scene.txt"), "a scene"));
-    // Begins frame 3 and stays there until ../../gate exists.
-    QVERIFY(WriteFile(Path("types.json"),
-        ScriptedTypes(QStringLiteral("echo {frame} >> ../../log; "
-                                     "[ {frame} -ne 3 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
-                                     "cp {scene} {output}"))));
     FarmData data(m_folder->path());
-    const QString job = data.jobs.Add(data.Job(QStringLiteral("job"), 4)).id;
-    const QStringList options {
-        QStringLiteral("--job-types"), Path("types.json"), QStringLiteral("--scenes"), m_folder->path()};
+    QByteArray content(5'000'000, '\0');
+    QRandomGenerator generator(1);
+    for (char& byte : content)
+        byte = char(generator.generate());
+    const SceneContents files {{"scene.txt", content}};
+    const QByteArray package = Package(files);
+    FarmClient client;
+    QString upload;
+    {
+        Daemon first(m_folder->path(), {});
+        client.SetUrl(first.Url());
+        const QString token = client.SignIn("ann", "secret");
+        upload = client.BeginUpload(package, token).Data("id").toString();
+        QCOMPARE(client.Put(upload, 0, package.left(3'000'000), token).status, 200);
+        // The next chunk is on its way when the kill comes.
+        const QUrl url(first.Url());
+        QTcpSocket socket;
+        socket.connectToHost(url.host(), quint16(url.port()));
+        QVERIFY(socket.waitForConnected());
+        socket.write("PUT /api/v1/uploads/" + upload.toLatin1()
+            + "?offset=3000000 HTTP/1.1\r\nContent-Length: 2000000\r\nAuthorization: Bearer "
+            + token.toLatin1() + "\r\n\r\n" + package.mid(3'000'000, 1'000'000));
+        QVERIFY(socket.waitForBytesWritten());
+        first.Kill();
+    }
+    Daemon second(m_folder->path(), {});
+    client.SetUrl(second.Url());
+    const QString token = client.SignIn("ann", "secret");
+    const int offset = client.BeginUpload(package, token).Data("offset").toInt();
+    QVERIFY(offset >= 3'000'000);
+    for (int from = offset; from < package.size(); from += 1'000'000)
+        QCOMPARE(client.Put(upload, from, package.mid(from, 1'000'000), token).status, 200);
+    QCOMPARE(client.Unpack(upload, token).status, 200);
+    const QByteArray body = QJsonDocument(SubmissionOf(files)).toJson();
+    const Reply job = client.Send("POST", QStringLiteral("/jobs"), body, token);
+    QCOMPARE(job.status, 200);
     // The kill comes with the answer.
-    const auto doAndKill = [&](Daemon& daemon, const char* action) {
-        FarmClient client;
-        client.SetUrl(daemon.Url());
-        const Reply reply = client.Send("POST", QStringLiteral("/jobs/") + QLatin1String(action),
-            "{\"ids\":[\"" + job.toLatin1() + "\"]}", client.SignIn("ann", "secret"));
-        daemon.Kill();
-        return reply.status;
-    };
-    Daemon first(m_folder->path(), options);
-    QTRY_COMPARE_WITH_TIMEOUT(ReadFile(Path("jobs/log")), QByteArray("1\n2\n3\n"), patienceMs);
-    QCOMPARE(doAndKill(first, "stop"), 200);
-    QCOMPARE(data.Only().status, int(JobStatus::Paused));
-
-    Daemon second(m_folder->path(), options);
-    QCOMPARE(doAndKill(second, "recover"), 200);
-    QCOMPARE(data.Only().progress, 50);
-    Daemon third(m_folder->path(), options);
-    QTRY_COMPARE_WITH_TIMEOUT(data.Only().status, int(JobStatus::Running), patienceMs);
-    const QString earlier = m_folder->filePath(QStringLiteral("jobs/%1/frame_0004.txt").arg(job));
-    QVERIFY(WriteFile(earlier, "of the earlier run"));
-    QCOMPARE(doAndKill(third, "restart"), 200);
-
-    QVERIFY(WriteFile(Path("jobs/gate"), {}));
-    const Daemon fourth(m_folder->path(), options);
-    QTRY_COMPARE_WITH_TIMEOUT(data.Only().status, int(JobStatus::Finished), patienceMs);
-    QVERIFY(ReadFile(Path("jobs/log")).endsWith("\n1\n2\n3\n4\n"));
-    QCOMPARE(ReadFile(earlier), QByteArray("a scene"));
+    second.Kill();
+    const Daemon third(m_folder->path(), {});
+    client.SetUrl(third.Url());
+    QCOMPARE(client.Send("POST", QStringLiteral("/jobs"), body, token).body, job.body);
 }
 
 void DaemonTest::MoneyIsPaidIn_data()

@@ -1,7 +1,6 @@
 #include "farm.h"
 #include "farm_client.h"
 #include "farm_fixture.h"
-#include "local_time.h"
 
 #include <QTcpSocket>
 #include <QtTest>
@@ -21,8 +20,6 @@ private slots:
     void BothKindsOfAccountShowTheirBalances();
     void DemoJobsFillThreePages();
     void ConditionsReachTheList();
-    void SearchFindsWhatSqlFinds_data();
-    void SearchFindsWhatSqlFinds();
     void BadRequestsAreRefused_data();
     void BadRequestsAreRefused();
     void RubbishOnTheWireIsSurvived_data();
@@ -177,63 +174,6 @@ void HttpTest::ConditionsReachTheList()
             QJsonObject {{QStringLiteral("job_guid"), ids.join(QLatin1Char(','))}}}};
     const Reply found = Send("POST", QStringLiteral("/jobs/search"), QJsonDocument(search).toJson(), token);
     QCOMPARE(found.body[QLatin1String("data")], listed.body[QLatin1String("data")]);
-}
-
-void HttpTest::SearchFindsWhatSqlFinds_data()
-{
-    QTest::addColumn<QByteArray>("conditions");
-    QTest::addColumn<QByteArray>("sql");
-    const auto row = [](const QByteArray& name, const QByteArray& conditions, const QByteArray& sql) {
-        QTest::newRow(name.constData()) << conditions << sql;
-    };
-    row("number", R"({"job_increasement":"7"})", "number = 7");
-    row("name", R"({"job_name":"BOUR_SH0"})", "name LIKE '%bour\\_sh0%' ESCAPE '\\'");
-    row("type", R"({"job_type":"raytracer@povray@POV-Ray"})", "type = 'povray'");
-    for (int status = 0; status <= 9; ++status) {
-        const QByteArray code = QByteArray::number(status);
-        row("status " + code, "{\"status\":\"" + code + "\"}", "status = " + code);
-    }
-    row("project", R"({"pool_id":"pool-titles"})",
-        "project IN (SELECT key FROM projects WHERE name = 'Main Titles')");
-    row("business type", R"({"job_business_type":"0"})", "NOT business");
-    constexpr qint64 day = 86400;
-    const qint64 from = Now() - 12 * day;
-    const qint64 to = from + 5 * day;
-    const auto bounds = [&](const char* what) {
-        return QStringLiteral("{\"%1_min_time\":\"%2\",\"%1_max_time\":\"%3\"}")
-            .arg(QLatin1String(what), TimeText(from), TimeText(to))
-            .toUtf8();
-    };
-    const QByteArray between = " BETWEEN " + QByteArray::number(from) + " AND " + QByteArray::number(to);
-    row("submission", bounds("start"), "submitted_at" + between);
-    row("end", bounds("end"), "ended_at" + between);
-}
-
-void HttpTest::SearchFindsWhatSqlFinds()
-{
-    QFETCH(QByteArray, conditions);
-    QFETCH(QByteArray, sql);
-    FarmData data(m_folder.path());
-    const bool deleted = sql == "status = 5";
-    const QStringList wanted = data.database.Read([&](SQLite::Database& connection) {
-        SQLite::Statement query(connection,
-            "SELECT id FROM jobs WHERE account = (SELECT key FROM accounts WHERE name = 'demo') AND "
-            "(status <> 5 OR "
-                + std::to_string(int(deleted)) + ") AND " + sql.toStdString() + " ORDER BY number DESC");
-        QStringList ids;
-        while (query.executeStep())
-            ids.append(Text(query.getColumn(0)));
-        return ids;
-    });
-    const QJsonObject search {
-        {QStringLiteral("pageSize"), 1000}, {QStringLiteral("conditions"), QString::fromUtf8(conditions)}};
-    const Reply reply
-        = Send("POST", QStringLiteral("/jobs/search"), QJsonDocument(search).toJson(), SignIn("demo"));
-    QStringList found;
-    const QJsonArray list = reply.body[QLatin1String("data")][QLatin1String("list")].toArray();
-    for (const QJsonValue& job : list)
-        found.append(job[QLatin1String("job_id")].toString());
-    QCOMPARE(found, wanted);
 }
 
 void HttpTest::BadRequestsAreRefused_data()

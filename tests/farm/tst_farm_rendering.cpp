@@ -8,16 +8,9 @@
 
 #include <QtTest>
 
-#include <csignal>
-
 using namespace farm;
 
 namespace {
-
-// Stands in for the renderer: notes each frame that it begins in ../../log and waits at frame 3 for ../../gate.
-const char* const gatedScript = "echo $$ > ../../pid; echo {frame} >> ../../log; "
-                                "[ {frame} -ne 3 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
-                                "cp {scene} {output}";
 
 constexpr Micros workshopPrice = 500'000;
 
@@ -76,8 +69,6 @@ private slots:
     void ARendererThatFailsFailsTheJob();
     void WithoutItsRendererAJobWaits();
     void RunningJobsTakeTurns();
-    void AClosedJobLosesItsRendererAtOnce();
-    void FinishedFramesOutliveTheFarm();
 
 private:
     QString Path(const char* name) const { return m_folder->filePath(QLatin1String(name)); }
@@ -238,40 +229,6 @@ void RenderingTest::RunningJobsTakeTurns()
     workshop.scheduler->Nudge();
     QTRY_COMPARE_WITH_TIMEOUT(workshop.Status(), int(JobStatus::Finished), patienceMs);
     QCOMPARE(JobsFile("log"), QByteArray("abababccc"));
-}
-
-void RenderingTest::AClosedJobLosesItsRendererAtOnce()
-{
-    Workshop workshop(m_folder->path(), QLatin1String(gatedScript));
-    const AddedJob job = workshop.data.jobs.Add(workshop.data.Job(QStringLiteral("job"), 3));
-    workshop.scheduler->Nudge();
-    QTRY_COMPARE_WITH_TIMEOUT(JobsFile("log"), QByteArray("1\n2\n3\n"), patienceMs);
-    workshop.data.database.Write([&job](SQLite::Database& connection) {
-        Execute(connection, "UPDATE jobs SET status = 2 WHERE key = ?", job.key);
-    });
-    workshop.scheduler->Nudge();
-    QCOMPARE(::kill(JobsFile("pid").toInt(), 0), -1);
-    QCOMPARE(workshop.Status(), int(JobStatus::Paused));
-    QCOMPARE(workshop.data.Only().progress, 66);
-}
-
-void RenderingTest::FinishedFramesOutliveTheFarm()
-{
-    QString job;
-    {
-        Workshop workshop(m_folder->path(), QLatin1String(gatedScript));
-        job = workshop.data.jobs.Add(workshop.data.Job(QStringLiteral("job"), 4)).id;
-        workshop.scheduler->Nudge();
-        QTRY_COMPARE_WITH_TIMEOUT(JobsFile("log"), QByteArray("1\n2\n3\n"), patienceMs);
-    }
-    QCOMPARE(::kill(JobsFile("pid").toInt(), 0), -1);
-    QVERIFY(WriteFile(Path("jobs/gate"), {}));
-    Workshop workshop(m_folder->path(), QLatin1String(gatedScript));
-    QCOMPARE(workshop.data.Only().progress, 50);
-    workshop.scheduler->Nudge();
-    QTRY_COMPARE_WITH_TIMEOUT(workshop.Status(), int(JobStatus::Finished), patienceMs);
-    QCOMPARE(JobsFile("log"), QByteArray("1\n2\n3\n3\n4\n"));
-    QCOMPARE(workshop.Frame(job, 3), QByteArray("a scene"));
 }
 
 QTEST_GUILESS_MAIN(RenderingTest)

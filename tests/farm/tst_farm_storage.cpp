@@ -16,7 +16,6 @@ class StorageTest : public QObject
 private slots:
     void MoneyIsRoundedToCents_data();
     void MoneyIsRoundedToCents();
-    void AFailedChangeLeavesNothingBehind();
     void AnInnerChangeFailsWithTheOuterOne();
     void DataOfANewerFarmAreRefused();
     void DataOfAnOlderFarmAreTakenOver_data();
@@ -40,20 +39,6 @@ void StorageTest::MoneyIsRoundedToCents()
 {
     QFETCH(qint64, micros);
     QTEST(MoneyText(micros), "text");
-}
-
-void StorageTest::AFailedChangeLeavesNothingBehind()
-{
-    QTemporaryDir folder;
-    FarmData data(folder.path());
-    const NewAccount twin {
-        QStringLiteral("ANN"), QStringLiteral("other@example.org"), QString(), false, 0, 0};
-    QVERIFY_EXCEPTION_THROWN(data.accounts.Add(twin), SQLite::Exception);
-    NewJob orphan = data.Job(QStringLiteral("orphan"), 3);
-    orphan.account = 4711;
-    QVERIFY_EXCEPTION_THROWN(data.jobs.Add(orphan), SQLite::Exception);
-    data.jobs.Add(data.Job(QStringLiteral("next")));
-    QCOMPARE(data.Only().number, std::int64_t(1));
 }
 
 void StorageTest::AnInnerChangeFailsWithTheOuterOne()
