@@ -11,7 +11,7 @@
 namespace {
 
 constexpr int kCallTime = 2000;
-constexpr qint64 kLongestCall = 1024 * 1024;
+constexpr qint64 kLongestCall = 1024LL * 1024;
 
 QString RuntimeFolder()
 {

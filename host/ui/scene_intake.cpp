@@ -10,7 +10,6 @@
 #include <QIcon>
 #include <QMimeData>
 #include <QPushButton>
-#include <QTimer>
 #include <QUrl>
 
 #include <utility>
@@ -42,19 +41,22 @@ SceneIntake::SceneIntake(VTRenderCoreInterface* renderCore, VTMessagboxInterface
     , m_messageBox(messageBox)
     , m_loader(loader)
 {
+    m_soon.setSingleShot(true);
+    m_soon.setInterval(0);
+    connect(&m_soon, &QTimer::timeout, this, &SceneIntake::TakeWaiting);
 }
 
 void SceneIntake::Take(const QStringList& scenes)
 {
     m_waiting.append(scenes);
     // Whoever brings them may be in the middle of a drop; a notice would hold it up.
-    QTimer::singleShot(0, this, &SceneIntake::TakeWaiting);
+    m_soon.start();
 }
 
 void SceneIntake::Open()
 {
     m_open = true;
-    QTimer::singleShot(0, this, &SceneIntake::TakeWaiting);
+    m_soon.start();
 }
 
 void SceneIntake::Close()

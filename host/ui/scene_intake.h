@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
+#include <QTimer>
 #include <QWidget>
 
 class QFileDialog;
@@ -41,6 +42,7 @@ private:
     VTUiLoaderInterface* m_loader;
     QPointer<QWidget> m_form;
     QStringList m_waiting;
+    QTimer m_soon;
     bool m_open = false;
     QPointer<QFileDialog> m_dialog;
 };

@@ -169,7 +169,7 @@ void FarmStages::UncompressAll()
 {
     const auto wanted = std::count_if(m_outcome.work.files.cbegin(), m_outcome.work.files.cend(),
         [](const PackedFile& file) { return file.isWanted; });
-    int done = 0;
+    qint64 done = 0;
     for (PackedFile& file : m_outcome.work.files) {
         if (!file.isWanted)
             continue;

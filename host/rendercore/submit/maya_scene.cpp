@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr qint64 kBlockBytes = 1024 * 1024;
+constexpr qint64 kBlockBytes = 1024LL * 1024;
 
 /// The nearest folder above the scene that is a project; null when there is none.
 QString ProjectFolder(const QString& scene)

@@ -13,9 +13,9 @@
 
 namespace {
 
-constexpr qint64 kBlockBytes = 1024 * 1024;
+constexpr qint64 kBlockBytes = 1024LL * 1024;
 constexpr qint64 kLongestOptionLine = 4096;
-constexpr qint64 kLongestOptionsFile = 1024 * 1024;
+constexpr qint64 kLongestOptionsFile = 1024LL * 1024;
 
 // What comes with POV-Ray, for clients on machines without it.
 constexpr std::array kStandardNames {"arrays.inc", "chars.inc", "colors.inc", "consts.inc", "crystal.ttf",

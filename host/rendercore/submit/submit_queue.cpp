@@ -4,7 +4,6 @@
 #include "scene_analysis.h"
 #include "submit_arguments.h"
 #include "submit_text.h"
-#include "submit_worker.h"
 
 #include <QDebug>
 #include <QDir>
@@ -35,9 +34,11 @@ SubmitQueue::SubmitQueue(const QString& folder, QObject* parent)
     , m_worker(new SubmitWorker)
 {
     qRegisterMetaType<StageOutcome>();
+    qRegisterMetaType<WorkerErrand>();
     m_pause.setSingleShot(true);
     connect(&m_pause, &QTimer::timeout, this, &SubmitQueue::Advance);
     connect(&m_thread, &QThread::finished, m_worker, &QObject::deleteLater);
+    connect(this, &SubmitQueue::Ordered, m_worker, &SubmitWorker::Do, Qt::QueuedConnection);
     connect(m_worker, &SubmitWorker::Progress, this, &SubmitQueue::ShowProgress);
     connect(m_worker, &SubmitWorker::Ended, this, &SubmitQueue::TakeOutcome);
     m_worker->moveToThread(&m_thread);
@@ -48,9 +49,9 @@ SubmitQueue::SubmitQueue(const QString& folder, QObject* parent)
     try {
         m_store
             = std::make_unique<SubmitStore>(QDir(m_folder).filePath(QStringLiteral("submissions.sqlite")));
-        const auto sweep = [packages = QDir(m_folder).filePath(QStringLiteral("submit")),
-                               numbers = m_store->Numbers()] { SubmitWorker::Sweep(packages, numbers); };
-        QMetaObject::invokeMethod(m_worker, sweep);
+        emit Ordered(
+            [packages = QDir(m_folder).filePath(QStringLiteral("submit")), numbers = m_store->Numbers()](
+                SubmitWorker&) { SubmitWorker::Sweep(packages, numbers); });
     } catch (const std::exception& failure) {
         m_store.reset();
         qCritical() << "the list of submissions cannot be used:" << failure.what();
@@ -310,10 +311,10 @@ void SubmitQueue::Interrupt()
     if (!m_run)
         return;
     *m_run = true;
-    QMetaObject::invokeMethod(m_worker, &SubmitWorker::Interrupt);
+    emit Ordered([](SubmitWorker& worker) { worker.Interrupt(); });
 }
 
 void SubmitQueue::Discard(qint64 number)
 {
-    QMetaObject::invokeMethod(m_worker, [folder = PackageFolder(number)] { SubmitWorker::Discard(folder); });
+    emit Ordered([folder = PackageFolder(number)](SubmitWorker&) { SubmitWorker::Discard(folder); });
 }

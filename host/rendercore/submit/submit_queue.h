@@ -3,6 +3,7 @@
 #include "farm_access.h"
 #include "stage_outcome.h"
 #include "submit_store.h"
+#include "submit_worker.h"
 
 #include <QHash>
 #include <QObject>
@@ -14,8 +15,6 @@
 #include <functional>
 #include <memory>
 #include <utility>
-
-class SubmitWorker;
 
 /// The scenes that are on their way to the farm, as the window sees them: on the GUI thread, for the account that is
 /// signed in.
@@ -70,6 +69,8 @@ signals:
     void ListChanged();
     void UploadFailed(const QString& id, const QStringList& files);
     void TexturesLacking(const QString& id, const QStringList& files);
+    /// For the worker.
+    void Ordered(const WorkerErrand& errand);
 
 private:
     SubmitTask* Find(const QString& id);

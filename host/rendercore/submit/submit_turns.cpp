@@ -2,7 +2,6 @@
 #include "scene_analysis.h"
 #include "submit_queue.h"
 #include "submit_text.h"
-#include "submit_worker.h"
 
 #include <QDebug>
 
@@ -70,7 +69,7 @@ void SubmitQueue::Begin(SubmitTask& task)
     m_runningStage = task.next;
     m_run = std::make_shared<std::atomic<bool>>(false);
     const StageOrder order {task, m_access, PackageFolder(task.number), m_run};
-    QMetaObject::invokeMethod(m_worker, [worker = m_worker, order] { worker->Run(order); });
+    emit Ordered([order](SubmitWorker& worker) { worker.Run(order); });
 }
 
 void SubmitQueue::ShowProgress(qint64 number, int percent, const QString& text)

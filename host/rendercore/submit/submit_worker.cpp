@@ -36,7 +36,7 @@ void SubmitWorker::Run(const StageOrder& order)
     };
     StageOutcome outcome;
     try {
-        outcome = Do(order, onProgress);
+        outcome = DoStage(order, onProgress);
     } catch (const std::exception& failure) {
         outcome.kind = StageOutcome::Kind::Failed;
         outcome.error = ErrorIn(order.task.next);
@@ -47,7 +47,7 @@ void SubmitWorker::Run(const StageOrder& order)
     emit Ended(order.task.number, outcome);
 }
 
-StageOutcome SubmitWorker::Do(const StageOrder& order, const StageProgress& onProgress)
+StageOutcome SubmitWorker::DoStage(const StageOrder& order, const StageProgress& onProgress)
 {
     switch (order.task.next) {
     case SubmitStage::Wait:

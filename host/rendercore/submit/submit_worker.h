@@ -7,7 +7,14 @@
 #include <QObject>
 #include <QSet>
 
+#include <functional>
 #include <memory>
+
+class SubmitWorker;
+
+/// Something for the worker to do, on its way to its thread.
+using WorkerErrand = std::function<void(SubmitWorker&)>;
+Q_DECLARE_METATYPE(WorkerErrand)
 
 /// Does one stage at a time in a thread of its own. Every function is called in that thread.
 class SubmitWorker : public QObject
@@ -15,6 +22,8 @@ class SubmitWorker : public QObject
     Q_OBJECT
 
 public:
+    void Do(const WorkerErrand& errand) { errand(*this); }
+
     /// Does a stage and reports by Ended(), once. No other order may be given before.
     void Run(const StageOrder& order);
 
@@ -33,7 +42,7 @@ signals:
     void Ended(qint64 number, const StageOutcome& outcome);
 
 private:
-    StageOutcome Do(const StageOrder& order, const StageProgress& onProgress);
+    StageOutcome DoStage(const StageOrder& order, const StageProgress& onProgress);
 
     std::unique_ptr<FarmStages> m_farm; // made in this thread
     QElapsedTimer m_lastProgress;
