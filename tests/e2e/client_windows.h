@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QApplication>
+#include <QLabel>
+#include <QPlainTextEdit>
 #include <QWidget>
 
 /// The widget of this name in whichever window of the client holds it; null while there is none.
@@ -13,4 +15,11 @@ Widget* Find(const char* name)
             return found;
     }
     return nullptr;
+}
+
+/// What a message box says, wherever it says it.
+inline QString SaidBy(const QWidget* box)
+{
+    return box->findChild<QLabel*>(QStringLiteral("lblText"))->text()
+        + box->findChild<QPlainTextEdit*>(QStringLiteral("txtDetail"))->toPlainText();
 }

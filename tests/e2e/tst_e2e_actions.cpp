@@ -10,7 +10,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
-#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTableWidget>
@@ -180,8 +179,7 @@ void TestE2eActions::AnAccountInArrearsIsTold()
             QWidget* box = QApplication::activeModalWidget();
             if (!box)
                 return false;
-            const QString said = box->findChild<QLabel*>(QStringLiteral("lblText"))->text()
-                + box->findChild<QPlainTextEdit*>(QStringLiteral("txtDetail"))->toPlainText();
+            const QString said = SaidBy(box);
             box->close();
             return said.contains(QLatin1String("Amount Overdue!"));
         });

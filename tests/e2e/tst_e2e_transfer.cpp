@@ -8,7 +8,6 @@
 #include <QDropEvent>
 #include <QImage>
 #include <QMimeData>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRandomGenerator>
 #include <QSettings>
@@ -166,9 +165,7 @@ void TestE2eTransfer::SubmitByDrop(int jobsBefore)
         QWidget* box = QApplication::activeModalWidget();
         if (!box)
             return false;
-        const bool named = box->findChild<QPlainTextEdit*>(QStringLiteral("txtDetail"))
-                               ->toPlainText()
-                               .contains(QLatin1String("forgotten.png"));
+        const bool named = SaidBy(box).contains(QLatin1String("forgotten.png"));
         box->findChild<QPushButton*>(QStringLiteral("btnMessageBox_2"))->click();
         return named;
     });
@@ -200,7 +197,7 @@ void TestE2eTransfer::ASceneGoesUpAndItsFramesComeDown()
         if (!IsAt(killedDuring))
             return;
         killer.stop();
-        killed = KillFarm(Farm(""));
+        killed = KillFarm(m_client->Path(QStringLiteral("farm")));
         passed = killedDuring == QLatin1String("upload") ? CountJobs() > 0
             : killedDuring == QLatin1String("rendering") ? FinishedFrames().size() == Frames
                                                          : FetchedFrames().size() == Frames;
