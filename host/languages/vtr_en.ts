@@ -48,6 +48,13 @@
     </message>
 </context>
 <context>
+    <name>ConfigurationDialog</name>
+    <message>
+        <source>Download folder</source>
+        <translation>Download folder</translation>
+    </message>
+</context>
+<context>
     <name>ConfigurationForm</name>
     <message>
         <source>Settings</source>
@@ -105,12 +112,109 @@
         <source>Ok</source>
         <translation>Ok</translation>
     </message>
+    <message>
+        <source>Download folder</source>
+        <translation>Download folder</translation>
+    </message>
+    <message>
+        <source>Browse</source>
+        <translation>Browse</translation>
+    </message>
+    <message>
+        <source>Applies to jobs that are downloaded from now on.</source>
+        <translation>Applies to jobs that are downloaded from now on.</translation>
+    </message>
+</context>
+<context>
+    <name>DownloadPaths</name>
+    <message>
+        <source>The folder %1 cannot be made.</source>
+        <translation>The folder %1 cannot be made.</translation>
+    </message>
+    <message>
+        <source>The folder %1 leads out of the download folder.</source>
+        <translation>The folder %1 leads out of the download folder.</translation>
+    </message>
+</context>
+<context>
+    <name>DownloadWorker</name>
+    <message>
+        <source>The file is there but cannot be noted.</source>
+        <translation>The file is there but cannot be noted.</translation>
+    </message>
+    <message>
+        <source>%1 It is tried again in %2 s.</source>
+        <translation>%1 It is tried again in %2 s.</translation>
+    </message>
+    <message>
+        <source>The farm has another file now.</source>
+        <translation>The farm has another file now.</translation>
+    </message>
+    <message>
+        <source>The farm no longer has this file.</source>
+        <translation>The farm no longer has this file.</translation>
+    </message>
+    <message>
+        <source>The farm does not give the file that it lists.</source>
+        <translation>The farm does not give the file that it lists.</translation>
+    </message>
 </context>
 <context>
     <name>FarmProtocol</name>
     <message>
         <source>The server&apos;s answer is incomplete.</source>
         <translation>The server&apos;s answer is incomplete.</translation>
+    </message>
+</context>
+<context>
+    <name>FileDownload</name>
+    <message>
+        <source>The farm does not send anything.</source>
+        <translation>The farm does not send anything.</translation>
+    </message>
+    <message>
+        <source>The transfer was interrupted.</source>
+        <translation>The transfer was interrupted.</translation>
+    </message>
+    <message>
+        <source>There is no farm to ask.</source>
+        <translation>There is no farm to ask.</translation>
+    </message>
+    <message>
+        <source>The farm sent another part of the file than was asked for.</source>
+        <translation>The farm sent another part of the file than was asked for.</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s file has another size now.</source>
+        <translation>The farm&apos;s file has another size now.</translation>
+    </message>
+    <message>
+        <source>The session has ended.</source>
+        <translation>The session has ended.</translation>
+    </message>
+    <message>
+        <source>The farm has another file now.</source>
+        <translation>The farm has another file now.</translation>
+    </message>
+    <message>
+        <source>The farm refuses the file (status %1).</source>
+        <translation>The farm refuses the file (status %1).</translation>
+    </message>
+    <message>
+        <source>The farm cannot send the file now (status %1).</source>
+        <translation>The farm cannot send the file now (status %1).</translation>
+    </message>
+    <message>
+        <source>The farm sent more than it announced.</source>
+        <translation>The farm sent more than it announced.</translation>
+    </message>
+    <message>
+        <source>The file arrived damaged: its checksum is wrong.</source>
+        <translation>The file arrived damaged: its checksum is wrong.</translation>
+    </message>
+    <message>
+        <source>Cannot write %1: %2</source>
+        <translation>Cannot write %1: %2</translation>
     </message>
 </context>
 <context>
@@ -163,6 +267,56 @@
     <message>
         <source>Ok</source>
         <translation>Ok</translation>
+    </message>
+</context>
+<context>
+    <name>PreviewWindow</name>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 of %2</translation>
+    </message>
+    <message>
+        <source>%1 × %2 pixels</source>
+        <translation>%1 × %2 pixels</translation>
+    </message>
+    <message>
+        <source>The file is not there, or cannot be read.</source>
+        <translation>The file is not there, or cannot be read.</translation>
+    </message>
+    <message>
+        <source>The file is no picture that can be shown here.</source>
+        <translation>The file is no picture that can be shown here.</translation>
+    </message>
+    <message>
+        <source>The picture is too large to be shown here.</source>
+        <translation>The picture is too large to be shown here.</translation>
+    </message>
+    <message>
+        <source>The picture is broken.</source>
+        <translation>The picture is broken.</translation>
+    </message>
+</context>
+<context>
+    <name>PreviewerForm</name>
+    <message>
+        <source>Preview</source>
+        <translation>Preview</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>Previous picture</source>
+        <translation>Previous picture</translation>
+    </message>
+    <message>
+        <source>Next picture</source>
+        <translation>Next picture</translation>
+    </message>
+    <message>
+        <source>Show every pixel</source>
+        <translation>Show every pixel</translation>
     </message>
 </context>
 <context>
@@ -249,6 +403,29 @@
     <message>
         <source>QuillStar Client</source>
         <translation>QuillStar Client</translation>
+    </message>
+</context>
+<context>
+    <name>SceneIntake</name>
+    <message>
+        <source>QuillStar Client</source>
+        <translation>QuillStar Client</translation>
+    </message>
+    <message>
+        <source>These scenes cannot be submitted:</source>
+        <translation>These scenes cannot be submitted:</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>Ok</translation>
+    </message>
+    <message>
+        <source>Submit a scene</source>
+        <translation>Submit a scene</translation>
+    </message>
+    <message>
+        <source>Scenes (*.pov *.ma *.mb)</source>
+        <translation>Scenes (*.pov *.ma *.mb)</translation>
     </message>
 </context>
 <context>
@@ -737,6 +914,30 @@ Below files are missing:
     <message>
         <source>embedded</source>
         <translation>embedded</translation>
+    </message>
+    <message>
+        <source>The farm cannot be reached. Trying again.</source>
+        <translation>The farm cannot be reached. Trying again.</translation>
+    </message>
+    <message>
+        <source>The farm is busy. Trying again.</source>
+        <translation>The farm is busy. Trying again.</translation>
+    </message>
+    <message>
+        <source>Your session has ended. Please sign in again.</source>
+        <translation>Your session has ended. Please sign in again.</translation>
+    </message>
+    <message>
+        <source>Stopped.</source>
+        <translation>Stopped.</translation>
+    </message>
+    <message>
+        <source>Not submitted, because files are missing.</source>
+        <translation>Not submitted, because files are missing.</translation>
+    </message>
+    <message>
+        <source>Please check the arguments, then continue.</source>
+        <translation>Please check the arguments, then continue.</translation>
     </message>
 </context>
 <context>

@@ -48,6 +48,13 @@
     </message>
 </context>
 <context>
+    <name>ConfigurationDialog</name>
+    <message>
+        <source>Download folder</source>
+        <translation>下载文件夹</translation>
+    </message>
+</context>
+<context>
     <name>ConfigurationForm</name>
     <message>
         <source>Settings</source>
@@ -105,12 +112,109 @@
         <source>Ok</source>
         <translation>确定</translation>
     </message>
+    <message>
+        <source>Download folder</source>
+        <translation>下载文件夹</translation>
+    </message>
+    <message>
+        <source>Browse</source>
+        <translation>浏览</translation>
+    </message>
+    <message>
+        <source>Applies to jobs that are downloaded from now on.</source>
+        <translation>对此后下载的作业生效。</translation>
+    </message>
+</context>
+<context>
+    <name>DownloadPaths</name>
+    <message>
+        <source>The folder %1 cannot be made.</source>
+        <translation>无法创建文件夹 %1。</translation>
+    </message>
+    <message>
+        <source>The folder %1 leads out of the download folder.</source>
+        <translation>文件夹 %1 指向下载文件夹之外。</translation>
+    </message>
+</context>
+<context>
+    <name>DownloadWorker</name>
+    <message>
+        <source>The file is there but cannot be noted.</source>
+        <translation>文件已下载，但无法记录。</translation>
+    </message>
+    <message>
+        <source>%1 It is tried again in %2 s.</source>
+        <translation>%1 将在 %2 秒后重试。</translation>
+    </message>
+    <message>
+        <source>The farm has another file now.</source>
+        <translation>渲染农场上的文件已更改。</translation>
+    </message>
+    <message>
+        <source>The farm no longer has this file.</source>
+        <translation>渲染农场上已没有此文件。</translation>
+    </message>
+    <message>
+        <source>The farm does not give the file that it lists.</source>
+        <translation>渲染农场未能提供其列出的文件。</translation>
+    </message>
 </context>
 <context>
     <name>FarmProtocol</name>
     <message>
         <source>The server&apos;s answer is incomplete.</source>
         <translation>服务器的响应不完整。</translation>
+    </message>
+</context>
+<context>
+    <name>FileDownload</name>
+    <message>
+        <source>The farm does not send anything.</source>
+        <translation>渲染农场没有发送任何数据。</translation>
+    </message>
+    <message>
+        <source>The transfer was interrupted.</source>
+        <translation>传输中断。</translation>
+    </message>
+    <message>
+        <source>There is no farm to ask.</source>
+        <translation>当前没有可用的渲染农场。</translation>
+    </message>
+    <message>
+        <source>The farm sent another part of the file than was asked for.</source>
+        <translation>渲染农场发送的不是所请求的文件部分。</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s file has another size now.</source>
+        <translation>渲染农场上的文件大小已改变。</translation>
+    </message>
+    <message>
+        <source>The session has ended.</source>
+        <translation>会话已结束。</translation>
+    </message>
+    <message>
+        <source>The farm has another file now.</source>
+        <translation>渲染农场上的文件已更改。</translation>
+    </message>
+    <message>
+        <source>The farm refuses the file (status %1).</source>
+        <translation>渲染农场拒绝提供此文件（状态 %1）。</translation>
+    </message>
+    <message>
+        <source>The farm cannot send the file now (status %1).</source>
+        <translation>渲染农场暂时无法发送此文件（状态 %1）。</translation>
+    </message>
+    <message>
+        <source>The farm sent more than it announced.</source>
+        <translation>渲染农场发送的数据超出了其声明的大小。</translation>
+    </message>
+    <message>
+        <source>The file arrived damaged: its checksum is wrong.</source>
+        <translation>文件已损坏：校验和不符。</translation>
+    </message>
+    <message>
+        <source>Cannot write %1: %2</source>
+        <translation>无法写入 %1：%2</translation>
     </message>
 </context>
 <context>
@@ -163,6 +267,56 @@
     <message>
         <source>Ok</source>
         <translation>确定</translation>
+    </message>
+</context>
+<context>
+    <name>PreviewWindow</name>
+    <message>
+        <source>%1 of %2</source>
+        <translation>第 %1 张，共 %2 张</translation>
+    </message>
+    <message>
+        <source>%1 × %2 pixels</source>
+        <translation>%1 × %2 像素</translation>
+    </message>
+    <message>
+        <source>The file is not there, or cannot be read.</source>
+        <translation>文件不存在或无法读取。</translation>
+    </message>
+    <message>
+        <source>The file is no picture that can be shown here.</source>
+        <translation>此文件不是可在此显示的图片。</translation>
+    </message>
+    <message>
+        <source>The picture is too large to be shown here.</source>
+        <translation>图片过大，无法在此显示。</translation>
+    </message>
+    <message>
+        <source>The picture is broken.</source>
+        <translation>图片已损坏。</translation>
+    </message>
+</context>
+<context>
+    <name>PreviewerForm</name>
+    <message>
+        <source>Preview</source>
+        <translation>预览</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Previous picture</source>
+        <translation>上一张</translation>
+    </message>
+    <message>
+        <source>Next picture</source>
+        <translation>下一张</translation>
+    </message>
+    <message>
+        <source>Show every pixel</source>
+        <translation>按原始像素显示</translation>
     </message>
 </context>
 <context>
@@ -249,6 +403,29 @@
     <message>
         <source>QuillStar Client</source>
         <translation>QuillStar 客户端</translation>
+    </message>
+</context>
+<context>
+    <name>SceneIntake</name>
+    <message>
+        <source>QuillStar Client</source>
+        <translation>QuillStar 客户端</translation>
+    </message>
+    <message>
+        <source>These scenes cannot be submitted:</source>
+        <translation>以下场景无法提交：</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Submit a scene</source>
+        <translation>提交场景</translation>
+    </message>
+    <message>
+        <source>Scenes (*.pov *.ma *.mb)</source>
+        <translation>场景 (*.pov *.ma *.mb)</translation>
     </message>
 </context>
 <context>
@@ -737,6 +914,30 @@ Below files are missing:
     <message>
         <source>embedded</source>
         <translation>内置渲染农场</translation>
+    </message>
+    <message>
+        <source>The farm cannot be reached. Trying again.</source>
+        <translation>无法连接渲染农场，正在重试。</translation>
+    </message>
+    <message>
+        <source>The farm is busy. Trying again.</source>
+        <translation>渲染农场繁忙，正在重试。</translation>
+    </message>
+    <message>
+        <source>Your session has ended. Please sign in again.</source>
+        <translation>您的会话已结束，请重新登录。</translation>
+    </message>
+    <message>
+        <source>Stopped.</source>
+        <translation>已停止。</translation>
+    </message>
+    <message>
+        <source>Not submitted, because files are missing.</source>
+        <translation>因缺少文件，未提交。</translation>
+    </message>
+    <message>
+        <source>Please check the arguments, then continue.</source>
+        <translation>请检查参数，然后继续。</translation>
     </message>
 </context>
 <context>

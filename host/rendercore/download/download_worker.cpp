@@ -254,7 +254,7 @@ void DownloadWorker::Postpone(const DownloadTask& task, int progress, const QStr
 {
     const int seconds = (m_schedule.Postpone(task.id, retryAfter) + 999) / 1000;
     emit Changed({{task.id, DownloadState::Waiting, progress,
-        tr("%1 It is tried again in %n s.", nullptr, seconds).arg(message)}});
+        tr("%1 It is tried again in %2 s.").arg(message, QString::number(seconds))}});
 }
 
 void DownloadWorker::Fail(DownloadTask task, const QString& message)
