@@ -45,6 +45,8 @@ void AddOptions(QCommandLineParser& parser)
             + QLatin1String("/quillstar.ini"));
     add("data", "Keep logs and the embedded farm's data in <DIR>.", "DIR",
         QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
+    add("downloads", "Download finished frames to <DIR> unless the account has chosen another folder.",
+        "DIR");
     add("user", "Sign in as <NAME>.", "NAME");
     add("password-file", "Read the password for --user from the first line of <FILE>.", "FILE");
     add("no-auto-sign-in", "Show the sign-in window also where a user name and password are known.", "");
@@ -93,6 +95,7 @@ bool HostOptions::Parse(const QStringList& arguments, QString* error)
     skin = value("skin");
     language = value("language");
     logLevel = value("log-level");
+    downloadFolder = AbsolutePath(value("downloads"));
     pluginFile = AbsolutePath(value("plugin"));
     farmProgram = AbsolutePath(value("farm"));
     screenshotFolder = AbsolutePath(value("screenshots"));

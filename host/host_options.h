@@ -16,6 +16,7 @@ struct HostOptions
     QString skin;     ///< empty: as configured
     QString language; ///< likewise
     QString logLevel;
+    QString downloadFolder; ///< for accounts that have chosen none; empty: as configured
     QString pluginFile;
     QString farmProgram;
     QString screenshotFolder; ///< empty: no screenshots

@@ -1,5 +1,6 @@
 #include "host_services.h"
 
+#include "download_folder.h"
 #include "host_options.h"
 #include "plugin_runner.h"
 
@@ -13,14 +14,16 @@ LogOptions LogOptionsOf(const HostOptions& options)
     return log;
 }
 
-/// The look asked for on the command line is remembered like one chosen from the menu.
-VTSettingsInterface* WithLook(SettingsService& settings, const HostOptions& options)
+/// What the command line asks for is remembered like what is chosen in the client.
+VTSettingsInterface* WithChoices(SettingsService& settings, const HostOptions& options)
 {
     if (!options.skin.isEmpty())
         settings.SetValue(QStringLiteral("vtr.ui/skin"), options.skin);
     if (!options.language.isEmpty())
         settings.SetValue(
             QStringLiteral("vtr.ui/language"), QStringLiteral("vtr_%1.qm").arg(options.language));
+    if (!options.downloadFolder.isEmpty())
+        settings.SetValue(DownloadFolder::UsualKey(), options.downloadFolder);
     return &settings;
 }
 
@@ -30,7 +33,7 @@ HostServices::HostServices(const HostOptions& options)
     : logger(LogOptionsOf(options))
     , messages(&logger)
     , settings(options.configFile)
-    , loader(WithLook(settings, options))
+    , loader(WithChoices(settings, options))
     , messageBox(&loader)
     , renderCore(options.dataFolder + QLatin1String("/transfer"), &settings)
     , scenes(&renderCore, &messageBox, &loader)

@@ -3,8 +3,6 @@
 #include <QApplication>
 #include <QTableWidget>
 
-namespace {
-
 QTableWidget* FindTable(const QString& name)
 {
     const QWidgetList windows = QApplication::topLevelWidgets();
@@ -14,8 +12,6 @@ QTableWidget* FindTable(const QString& name)
     }
     return nullptr;
 }
-
-} // namespace
 
 QWidget* FindMainWindow()
 {

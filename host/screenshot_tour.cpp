@@ -22,6 +22,8 @@ constexpr int kSettlingTicks = 4; // for layouts and pictures that follow an act
 constexpr int kRefreshTicks = 20;
 constexpr int kLongest = 60000;
 constexpr int kRunning = 1;
+constexpr int kSubmit = 7;
+constexpr int kWhole = 100;
 
 /// A text of the main window in the language in use.
 QString ClientText(const char* text)
@@ -63,8 +65,8 @@ ScreenshotTour::ScreenshotTour(const QString& folder, HostServices* services, Se
     connect(&m_ticker, &QTimer::timeout, this, &ScreenshotTour::Proceed);
     PlanSession();
     PlanTab(0, QStringLiteral("my-render"));
-    PlanTab(1, QStringLiteral("local-tasks"));
-    PlanTab(2, QStringLiteral("downloads"));
+    PlanSubmission();
+    PlanDownload();
     PlanTab(0, {});
     PlanDialog(QStringLiteral("btnSearchJob"), QStringLiteral("search"));
     PlanParents();
@@ -134,6 +136,45 @@ void ScreenshotTour::PlanDialog(const QString& childName, const QString& name)
         }});
 }
 
+/// Submits a scene of the embedded farm's and waits until it has become a job.
+void ScreenshotTour::PlanSubmission()
+{
+    m_steps.push_back({QStringLiteral("the session"), Always, [this] {
+                           m_services->renderCore.SubmitScene(QCoreApplication::applicationDirPath()
+                               + QLatin1String("/farm/scenes/lighthouse.pov"));
+                       }});
+    const auto isSubmitted = [this] {
+        VTRenderCoreInterface& core = m_services->renderCore;
+        const QString id = core.GetSubmitTaskIds().value(0);
+        return core.GetTaskStage(id) == kSubmit && core.GetTaskProgress(id) == kWhole;
+    };
+    m_steps.push_back({QStringLiteral("a submitted scene"), isSubmitted, [] {}});
+    m_steps.push_back({QStringLiteral("the list of tasks"),
+        [] {
+            const QTableWidget* tasks = FindTable(QStringLiteral("twtLocalTask"));
+            const auto* bar = tasks ? qobject_cast<QProgressBar*>(tasks->cellWidget(0, 3)) : nullptr;
+            return bar && bar->value() == kWhole;
+        },
+        [this] { Save(FindJobTable()->window(), QStringLiteral("local-tasks")); }});
+}
+
+/// Downloads what the job that has advanced has finished so far.
+void ScreenshotTour::PlanDownload()
+{
+    m_steps.push_back({QStringLiteral("the tabs"), [] { return Tabs() != nullptr; },
+        [this] {
+            m_services->renderCore.TriggerJobIdType(m_order);
+            Tabs()->setCurrentIndex(2);
+        }});
+    m_steps.push_back({QStringLiteral("a finished download"),
+        [] {
+            const QTableWidget* downloads = FindDownloadTable();
+            const auto* bar = downloads ? qobject_cast<QProgressBar*>(downloads->cellWidget(0, 3)) : nullptr;
+            return bar && bar->value() == kWhole;
+        },
+        [this] { Save(FindJobTable()->window(), QStringLiteral("downloads")); }});
+}
+
 /// Fills the dialog's list of candidates, as it does itself when it is opened for chosen jobs.
 void ScreenshotTour::PlanParents()
 {
@@ -177,12 +218,12 @@ void ScreenshotTour::PlanMenu()
         }});
 }
 
-/// Previews a picture of the tour itself.
+/// Previews what was downloaded.
 void ScreenshotTour::PlanPreview()
 {
     const QString picture = QStringLiteral("lblPicture");
-    m_steps.push_back({QStringLiteral("a picture"), Always,
-        [this] { m_services->previewer.Open(QDir(m_folder).filePath(QStringLiteral("search.png"))); }});
+    m_steps.push_back(
+        {QStringLiteral("a picture"), Always, [] { emit FindDownloadTable()->cellDoubleClicked(0, 0); }});
     m_steps.push_back({QStringLiteral("the preview"),
         [picture] {
             const QWidget* form = FindForm(picture);
@@ -235,8 +276,11 @@ bool ScreenshotTour::HasJobAdvanced()
         const QString id = job->data(Qt::UserRole).toString();
         if (!m_firstProgress.contains(id))
             m_firstProgress.insert(id, bar->value());
-        if (bar->value() > m_firstProgress.value(id))
+        if (bar->value() > m_firstProgress.value(id)) {
+            const QString folder = job->text() + QLatin1Char('_') + jobs->item(row, 1)->text();
+            m_order = {{id, QVariantMap {{QStringLiteral("subDir"), folder}, {QStringLiteral("manual"), 1}}}};
             return true;
+        }
     }
     if (QWidget* window = FindMainWindow(); window && m_idleTicks % kRefreshTicks == 0)
         QMetaObject::invokeMethod(window, "RefreshJobList");

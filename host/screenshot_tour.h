@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QObject>
 #include <QTimer>
+#include <QVariantMap>
 
 #include <deque>
 #include <functional>
@@ -36,6 +37,8 @@ private:
 
     void PlanSession();
     void PlanTab(int index, const QString& name);
+    void PlanSubmission();
+    void PlanDownload();
     void PlanParents();
     void PlanDialog(const QString& childName, const QString& name);
     void PlanModal(const QString& name, const std::function<void()>& open);
@@ -55,5 +58,6 @@ private:
     std::function<void()> m_open;
     QElapsedTimer m_time;
     QHash<QString, int> m_firstProgress; // by job
+    QVariantMap m_order;                 // of a job that has a finished frame
     int m_idleTicks = 0;
 };

@@ -91,9 +91,9 @@ HttpRequest JobListRequest(const QVariantHash& request)
 HttpRequest JobInfoRequest(const QVariantHash& request)
 {
     QByteArray id = QUrl::toPercentEncoding(request.value(QStringLiteral("id")).toString());
-    // An id of dots would be read as a way through the path.
+    // An id of dots would be read as a way through the path, escaped or not; no job has one.
     if (id.count('.') == id.size())
-        id.replace('.', "%2E");
+        id.replace('.', '-');
     return Get("/jobs/" + id, request);
 }
 

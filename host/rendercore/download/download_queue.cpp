@@ -3,6 +3,7 @@
 #include "download_worker.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 #include <exception>
 
@@ -19,10 +20,16 @@ QString IdOf(qint64 number)
     return QStringLiteral("%1").arg(number, idDigits, 10, QLatin1Char('0'));
 }
 
+/// What people know the file's job by, rather than its id.
+QString SourceOf(const DownloadTask& task)
+{
+    return QFileInfo(task.file).dir().dirName() + QLatin1Char('/') + task.name;
+}
+
 QVariantMap EntryOf(const DownloadTask& task)
 {
     return {{QStringLiteral("destFile"), task.file},
-        {QStringLiteral("srcFile"), QString(task.job + QLatin1Char('/') + task.name)},
+        {QStringLiteral("srcFile"), SourceOf(task)},
         {QStringLiteral("jobId"), task.job}, {kStatus, static_cast<int>(task.state)},
         {kProgress, task.progress}, {kMessage, task.message}};
 }
