@@ -4,6 +4,7 @@
 #include "secrets.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
@@ -34,6 +35,25 @@ ContentStore::ContentStore(Database& database, const QString& folder)
     QDir(QDir(folder).filePath(Incoming())).removeRecursively();
     MakeFolder(folder);
     storage::SyncToDisk(QFileInfo(folder).path());
+    RemoveStrayFiles();
+}
+
+// Taken in, but given to nobody before the farm ended.
+void ContentStore::RemoveStrayFiles()
+{
+    const QSet<QString> known = m_database.Read([](SQLite::Database& connection) {
+        SQLite::Statement query(connection, "SELECT DISTINCT checksum FROM contents");
+        QSet<QString> checksums;
+        while (query.executeStep())
+            checksums.insert(Text(query.getColumn(0)));
+        return checksums;
+    });
+    QDirIterator files(m_folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString file = files.next();
+        if (!known.contains(QFileInfo(file).fileName()))
+            QFile::remove(file);
+    }
 }
 
 QString ContentStore::FileOf(const QString& checksum) const
@@ -75,20 +95,34 @@ void ContentStore::Give(std::int64_t account, const std::vector<UnpackedFile>& f
     });
 }
 
-QStringList ContentStore::KnownTo(std::int64_t account, const QStringList& checksums)
+QHash<QString, std::int64_t> ContentStore::SizesOf(std::int64_t account, const QStringList& checksums)
 {
-    return m_database.Read([&](SQLite::Database& connection) {
+    auto sizes = m_database.Read([&](SQLite::Database& connection) {
         SQLite::Statement query(connection, "SELECT size FROM contents WHERE account = ? AND checksum = ?");
-        QStringList known;
+        QHash<QString, std::int64_t> found;
         for (const QString& checksum : checksums) {
             Bind(query, account, checksum);
-            // What is missing or cut off is sent again.
-            if (query.executeStep() && QFileInfo(FileOf(checksum)).size() == query.getColumn(0).getInt64())
-                known.append(checksum);
+            if (query.executeStep())
+                found.insert(checksum, query.getColumn(0).getInt64());
             query.reset();
         }
-        return known;
+        return found;
     });
+    // What is missing or cut off is sent again.
+    for (auto size = sizes.begin(); size != sizes.end();)
+        size = QFileInfo(FileOf(size.key())).size() == *size ? std::next(size) : sizes.erase(size);
+    return sizes;
+}
+
+QStringList ContentStore::KnownTo(std::int64_t account, const QStringList& checksums)
+{
+    const QHash<QString, std::int64_t> sizes = SizesOf(account, checksums);
+    QStringList known;
+    for (const QString& checksum : checksums) {
+        if (sizes.contains(checksum))
+            known.append(checksum);
+    }
+    return known;
 }
 
 std::int64_t ContentStore::BytesWith(std::int64_t account, const std::vector<UnpackedFile>& files)
@@ -114,8 +148,12 @@ void ContentStore::CopyTo(const QString& checksum, const QString& target) const
 {
     if (!QFile::copy(FileOf(checksum), target))
         throw std::runtime_error("a content of the scene is missing or cannot be copied");
-    if (storage::FileChecksum(target) != checksum)
-        throw std::runtime_error("a content of the scene is damaged");
+    if (storage::FileChecksum(target) == checksum)
+        return;
+    // Without it the account is asked to bring it again.
+    if (storage::FileChecksum(FileOf(checksum)) != checksum)
+        QFile::remove(FileOf(checksum));
+    throw std::runtime_error("a content of the scene is damaged");
 }
 
 } // namespace farm

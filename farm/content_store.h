@@ -3,6 +3,7 @@
 #include "package_reader.h"
 #include "schema.h"
 
+#include <QHash>
 #include <QStringList>
 
 #include <cstdint>
@@ -26,6 +27,8 @@ public:
     /// The contents are the account's from now on.
     void Give(std::int64_t account, const std::vector<UnpackedFile>& files);
 
+    /// The sizes in bytes of those of the contents that the account has here.
+    QHash<QString, std::int64_t> SizesOf(std::int64_t account, const QStringList& checksums);
     /// Those of the checksums whose contents the account has here.
     QStringList KnownTo(std::int64_t account, const QStringList& checksums);
     /// The sizes of the account's contents together, and those of the files among them that it does not have yet.
@@ -35,6 +38,7 @@ public:
     void CopyTo(const QString& checksum, const QString& target) const;
 
 private:
+    void RemoveStrayFiles();
     QString FileOf(const QString& checksum) const;
 
     Database& m_database;

@@ -20,7 +20,8 @@ namespace {
 
 constexpr std::size_t largestBody = std::size_t {1024} * 1024;
 constexpr std::size_t fileBlockBytes = std::size_t {64} * 1024;
-constexpr int threadCount = 16;
+// They mostly wait, for clients and for the disk.
+constexpr int threadCount = 64;
 constexpr int ioTimeoutSeconds = 5;
 
 void Answer(httplib::Response& response, int status, const QJsonObject& body)
@@ -42,6 +43,10 @@ bool HasUnwantedHeader(const httplib::Request& request)
         if (request.has_header(header))
             return true;
     }
+    // It reads the bodies of other methods, too, whatever their size.
+    const auto& methods = {"GET", "HEAD", "POST", "PUT", "DELETE"};
+    if (std::find(methods.begin(), methods.end(), request.method) == methods.end())
+        return true;
     return (request.method == "POST" || request.method == "PUT") && !request.has_header("Content-Length");
 }
 

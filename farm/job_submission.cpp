@@ -25,11 +25,12 @@ std::int64_t ProjectOf(SQLite::Database& connection, std::int64_t account, const
 } // namespace
 
 JobSubmission::JobSubmission(Database& database, JobStore& jobs, ContentStore& contents,
-    const QStringList& types, std::function<void()> changed)
+    const QStringList& types, std::int64_t quota, std::function<void()> changed)
     : m_database(database)
     , m_jobs(jobs)
     , m_contents(contents)
     , m_types(types)
+    , m_quota(quota)
     , m_changed(std::move(changed))
 {
 }
@@ -53,8 +54,17 @@ AddedJob JobSubmission::Add(SQLite::Database& connection, Submission& submission
     QSet<QString> checksums;
     for (const JobFile& file : job.files)
         checksums.insert(file.checksum);
-    if (m_contents.KnownTo(job.account, checksums.values()).size() != checksums.size())
+    const auto sizes = m_contents.SizesOf(job.account, checksums.values());
+    if (sizes.size() != checksums.size())
         throw ApiRefusal {409, "conflict", QStringLiteral("the farm lacks a content of the files")};
+    // The job gets a copy of each file, also where one content stands under many names.
+    std::int64_t bytes = 0;
+    for (const JobFile& file : job.files) {
+        bytes += sizes.value(file.checksum);
+        if (bytes > m_quota)
+            throw ApiRefusal {
+                507, "quota_exceeded", QStringLiteral("the files of the job exceed the account's quota")};
+    }
     if (!submission.pool.isEmpty())
         job.project = ProjectOf(connection, job.account, submission.pool);
     job.status = IsInArrears(connection, job.account) ? JobStatus::Arrears : JobStatus::Waiting;

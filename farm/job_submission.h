@@ -28,10 +28,10 @@ class JobSubmission
 public:
     /// `changed` is called after each new job, in the thread that submitted it.
     JobSubmission(Database& database, JobStore& jobs, ContentStore& contents, const QStringList& types,
-        std::function<void()> changed);
+        std::int64_t quota, std::function<void()> changed);
 
     /// The job of this submission, which may have come before. Throws BadInput, and ApiRefusal when the account lacks
-    /// one of the contents.
+    /// one of the contents or the files are larger than the quota together.
     AddedJob Submit(std::int64_t account, const QJsonObject& body, std::int64_t now);
 
 private:
@@ -41,6 +41,7 @@ private:
     JobStore& m_jobs;
     ContentStore& m_contents;
     QStringList m_types;
+    std::int64_t m_quota;
     std::function<void()> m_changed;
 };
 

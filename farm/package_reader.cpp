@@ -1,5 +1,6 @@
 #include "package_reader.h"
 
+#include "durable_file.h"
 #include "safe_path.h"
 
 #include <QCryptographicHash>
@@ -146,6 +147,7 @@ UnpackedFile UnpackEntry(zip_t* archive, zip_uint64_t index, const EntryInfo& en
     });
     if (!file.flush())
         throw std::runtime_error("cannot write a content");
+    storage::SyncToDisk(target);
     return {entry.path, entry.size, QString::fromLatin1(hash.result().toHex()), target};
 }
 

@@ -9,6 +9,7 @@ namespace farm {
 namespace {
 
 constexpr int longestPart = 255;
+constexpr int mostParts = 64;
 
 bool IsUnsafe(QChar character)
 {
@@ -27,11 +28,13 @@ bool IsSafePart(const QString& part)
 bool IsSafePath(const QString& path)
 {
     const bool hasDrive = path.size() >= 2 && path.at(1) == QLatin1Char(':') && path.at(0).isLetter();
-    if (hasDrive || path.toUtf8().size() > longestSafePath
+    // Half of a surrogate pair has no name on the disk of its own.
+    const QByteArray bytes = path.toUtf8();
+    if (hasDrive || bytes.size() > longestSafePath || QString::fromUtf8(bytes) != path
         || std::any_of(path.cbegin(), path.cend(), IsUnsafe))
         return false;
     const QStringList parts = path.split(QLatin1Char('/'));
-    return std::all_of(parts.cbegin(), parts.cend(), IsSafePart);
+    return parts.size() <= mostParts && std::all_of(parts.cbegin(), parts.cend(), IsSafePart);
 }
 
 } // namespace farm

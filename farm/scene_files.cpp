@@ -45,11 +45,17 @@ void SceneFiles::Provide(const FrameTask& task, const QDir& jobFolder) const
         return;
     QDir unfinished(scene + QStringLiteral(".unfinished"));
     unfinished.removeRecursively();
-    Make(unfinished);
-    if (!CopyOwn(task.key.job, unfinished))
-        CopyShipped(task.scene, unfinished);
-    SyncTree(unfinished.path());
-    storage::RenameDurably(unfinished.path(), scene);
+    try {
+        Make(unfinished);
+        if (!CopyOwn(task.key.job, unfinished))
+            CopyShipped(task.scene, unfinished);
+        SyncTree(unfinished.path());
+        storage::RenameDurably(unfinished.path(), scene);
+    } catch (const std::exception&) {
+        // Half a scene must not fill a disk that is full already.
+        unfinished.removeRecursively();
+        throw;
+    }
 }
 
 // A renderer gets copies: what it does to them, if it can, does nothing to the contents.

@@ -9,7 +9,7 @@ namespace farm {
 namespace {
 
 using namespace std::chrono_literals;
-constexpr auto patience = 2s;
+constexpr auto patience = 500ms;
 
 } // namespace
 

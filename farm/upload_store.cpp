@@ -21,7 +21,8 @@ namespace farm {
 namespace {
 
 constexpr std::int64_t secondsKept = std::int64_t {7} * 24 * 3600;
-constexpr int mostUnfinished = 1000;
+// Scenes have up to 4000 files, each of which may come in a package of its own.
+constexpr int mostUnfinished = 10000;
 
 ApiRefusal NoSuchUpload()
 {
@@ -149,13 +150,28 @@ Upload UploadStore::Begin(std::int64_t account, const QString& checksum, std::in
     });
     if (!known)
         return Add(account, checksum, size, now);
+    const Upload upload = Find(account, *known);
+    if (HasLostContents(account, upload)) {
+        Forget(*known);
+        return Add(account, checksum, size, now);
+    }
     Touch(*known, now);
-    return Find(account, *known);
+    return upload;
+}
+
+// What was unpacked once may have been lost or damaged since: then it is needed again.
+bool UploadStore::HasLostContents(std::int64_t account, const Upload& upload)
+{
+    QStringList checksums;
+    for (const QJsonValue& file : upload.files)
+        checksums.append(file[QLatin1String("checksum")].toString());
+    return m_contents.KnownTo(account, checksums).size() < checksums.size();
 }
 
 Upload UploadStore::Add(std::int64_t account, const QString& checksum, std::int64_t size, std::int64_t now)
 {
     CheckQuota(account, m_contents.BytesWith(account, {}) + size);
+    CheckCount(account);
     Upload upload;
     upload.id = NewId();
     upload.checksum = checksum;
@@ -168,15 +184,27 @@ Upload UploadStore::Add(std::int64_t account, const QString& checksum, std::int6
     return upload;
 }
 
+void UploadStore::CheckCount(std::int64_t account)
+{
+    m_database.Read([account](SQLite::Database& connection) {
+        SQLite::Statement query(
+            connection, "SELECT count(*) FROM uploads WHERE account = ? AND unpacked IS NULL");
+        Bind(query, account);
+        query.executeStep();
+        if (query.getColumn(0).getInt() >= mostUnfinished)
+            throw QuotaExceeded();
+    });
+}
+
 // `more` is what counts besides the uploads.
 void UploadStore::CheckQuota(std::int64_t account, std::int64_t more)
 {
     m_database.Read([&](SQLite::Database& connection) {
-        SQLite::Statement query(connection,
-            "SELECT count(*), coalesce(sum(size), 0) FROM uploads WHERE account = ? AND unpacked IS NULL");
+        SQLite::Statement query(
+            connection, "SELECT coalesce(sum(size), 0) FROM uploads WHERE account = ? AND unpacked IS NULL");
         Bind(query, account);
         query.executeStep();
-        if (query.getColumn(0).getInt() >= mostUnfinished || query.getColumn(1).getInt64() + more > m_quota)
+        if (query.getColumn(0).getInt64() + more > m_quota)
             throw QuotaExceeded();
     });
 }
@@ -201,6 +229,8 @@ Upload UploadStore::Append(
 Upload UploadStore::Unpack(std::int64_t account, const QString& id, std::int64_t now)
 {
     const UploadLocks::Hold hold(m_locks, id);
+    // One package at a time, so that what an account unpacks at once stays within its quota.
+    const UploadLocks::Hold turn(m_locks, QStringLiteral("account %1").arg(account));
     Upload upload = Find(account, id);
     if (upload.unpacked)
         return upload;
@@ -270,7 +300,13 @@ void UploadStore::ForgetOld(std::int64_t now)
             ids.append(Text(query.getColumn(0)));
         return ids;
     });
-    for (const QString& id : old) {
+    for (const QString& id : old)
+        ForgetWhenOld(id, bound);
+}
+
+void UploadStore::ForgetWhenOld(const QString& id, std::int64_t bound)
+{
+    try {
         const UploadLocks::Hold hold(m_locks, id);
         const bool isGone = m_database.Write([&](SQLite::Database& connection) {
             return Execute(connection, "DELETE FROM uploads WHERE id = ? AND touched_at <= ?", id, bound)
@@ -278,6 +314,8 @@ void UploadStore::ForgetOld(std::int64_t now)
         });
         if (isGone)
             QFile::remove(FileOf(id));
+    } catch (const ApiRefusal&) {
+        // Somebody works at it: it is not old.
     }
 }
 

@@ -59,6 +59,9 @@ private:
     void Touch(const QString& id, std::int64_t now);
     void Forget(const QString& id);
     void RemoveStrayFiles();
+    void CheckCount(std::int64_t account);
+    bool HasLostContents(std::int64_t account, const Upload& upload);
+    void ForgetWhenOld(const QString& id, std::int64_t bound);
     void CheckQuota(std::int64_t account, std::int64_t more);
     Upload Add(std::int64_t account, const QString& checksum, std::int64_t size, std::int64_t now);
     void TakeContents(std::int64_t account, Upload& upload, const QString& incoming);
