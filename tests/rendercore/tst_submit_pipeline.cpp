@@ -169,8 +169,13 @@ private slots:
         m_queue->SetArguments(id, Arguments(5, 4, {}, {}));
         StartQueue();
         QCOMPARE(Task(id).error, SubmitError::TexturesMissing);
+        // What is in its place by then goes along; a side that pictures cannot have is the scene's own.
+        m_queue->SetArguments(id, Arguments(4, 5, QStringLiteral("32"), QStringLiteral("16385")));
+        QVERIFY(WriteFile(Path(QStringLiteral("shots/gone.png")), "here"));
         m_queue->Continue(id);
         QTRY_VERIFY_WITH_TIMEOUT(Task(id).isDone, patienceMs);
+        QCOMPARE(Count("contents"), 4);
+        QVERIFY(QFile::remove(Path(QStringLiteral("shots/gone.png"))));
         QCOMPARE(Task(id).message, QStringLiteral("Submitted as job 1."));
         QTRY_VERIFY(Packages().isEmpty());
         const QStringList job = m_data->database.Read([](SQLite::Database& connection) {

@@ -58,6 +58,17 @@ StageOutcome Done(const StageOrder& order, SubmitStage next, const SubmitWork& w
     return outcome;
 }
 
+/// Does the work on one file; a failure tells which it was.
+template <typename Work>
+auto Naming(const PackedFile& file, Work work)
+{
+    try {
+        return work();
+    } catch (const std::exception& failure) {
+        throw std::runtime_error(std::string(failure.what()) + '\n' + file.source.toStdString());
+    }
+}
+
 } // namespace
 
 StageOutcome AnalyzeStage(const StageOrder& order, const StageProgress& onProgress)
@@ -100,8 +111,11 @@ StageOutcome CompressStage(const StageOrder& order, const StageProgress& onProgr
     ByteCount count(order, onProgress, SizeOfSources(work));
     for (int index = 0; index < work.files.size() && !*order.interrupted; ++index) {
         const PackedFile& file = work.files.at(index);
-        if (!PackFile(file.source, file.path, PackagePath(order.folder, index),
-                [&count](qint64 bytes) { return count.Add(bytes); }))
+        const bool isPacked = Naming(file, [&] {
+            return PackFile(file.source, file.path, PackagePath(order.folder, index),
+                [&count](qint64 bytes) { return count.Add(bytes); });
+        });
+        if (!isPacked)
             break;
     }
     return Done(order, SubmitStage::Checksum, work);
@@ -115,9 +129,11 @@ StageOutcome ChecksumStage(const StageOrder& order, const StageProgress& onProgr
         PackedFile& file = work.files[index];
         const QString package = PackagePath(order.folder, index);
         // Of what was packed: the file itself may have changed since.
-        file.checksum = PackedChecksum(package, [&count](qint64 bytes) { return count.Add(bytes); });
-        file.packageChecksum
-            = storage::FileChecksum(package, [&order](qint64) { return !*order.interrupted; });
+        Naming(file, [&] {
+            file.checksum = PackedChecksum(package, [&count](qint64 bytes) { return count.Add(bytes); });
+            file.packageChecksum
+                = storage::FileChecksum(package, [&order](qint64) { return !*order.interrupted; });
+        });
         file.packageSize = QFileInfo(package).size();
     }
     return Done(order, SubmitStage::CopySame, work);

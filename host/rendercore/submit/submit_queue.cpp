@@ -243,10 +243,14 @@ void SubmitQueue::Continue(const QString& id)
     if (!task || task->isDone || task->error == SubmitError::None)
         return;
     const bool awaits = task->error == SubmitError::AwaitsUser;
-    if (task->error == SubmitError::TexturesMissing || (awaits && task->stage == SubmitStage::CopySame))
+    if (task->error == SubmitError::TexturesMissing || (awaits && task->stage == SubmitStage::CopySame)) {
         task->goesOnWithout = true;
-    else if (awaits)
+        task->next = SubmitStage::Analyze; // what was missing may be in its place by now
+    } else if (awaits) {
         task->areArgumentsChecked = true;
+    }
+    if (NeedsFarm(task->next) && !ArePackagesThere(*task, PackageFolder(task->number)))
+        task->next = SubmitStage::Analyze;
     Resume(*task);
     Advance();
 }
@@ -267,22 +271,30 @@ void SubmitQueue::AnswerMissingTextures(const QString& id, bool goOn)
     SubmitTask* task = Find(id);
     if (!task || task->error != SubmitError::AwaitsUser || task->stage != SubmitStage::CopySame)
         return;
-    if (goOn)
-        Continue(id);
-    else
+    if (!goOn) {
         Rest(*task, SubmitError::TexturesMissing, QString::fromLatin1(SubmitText::NotWithout));
+        return;
+    }
+    task->goesOnWithout = true;
+    Resume(*task);
+    Advance();
 }
 
 void SubmitQueue::SetArguments(const QString& id, const QVariantList& arguments)
 {
     SubmitTask* task = Find(id);
     const bool isBeingSent = task && m_run && id == m_current && task->stage == SubmitStage::Submit;
-    if (!task || task->isDone || isBeingSent || !AreArguments(arguments)) {
-        qWarning() << "arguments that cannot be used are ignored";
+    const QVariantList usable = WithUsableSizes(arguments);
+    if (!task || task->isDone || isBeingSent) {
+        qWarning() << "arguments come too late for" << id;
+        return;
+    }
+    if (!AreArguments(usable)) {
+        qWarning() << "no job can be made of the arguments for" << id;
         return;
     }
     SubmitTask changed = *task;
-    changed.arguments = arguments;
+    changed.arguments = usable;
     if (Keep([&changed](SubmitStore& store) { store.Save(changed); }))
         *task = changed;
 }

@@ -61,7 +61,8 @@ public:
     void AnswerUploadFailure(const QString& id, bool tryAgain);
     void AnswerMissingTextures(const QString& id, bool goOn);
 
-    /// What cannot be made a job of is ignored, and so is what comes when the job is already made.
+    /// A side that pictures cannot have stands for the scene's own. Frames that cannot be made a job of are ignored, and
+    /// so is what comes when the job is already made.
     void SetArguments(const QString& id, const QVariantList& arguments);
 
 signals:

@@ -1,9 +1,8 @@
 // Whose turn it is, and what becomes of a task when one of its stages has ended.
-#include "scene_analysis.h"
 #include "submit_queue.h"
 #include "submit_text.h"
 
-#include <QDebug>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <utility>
@@ -48,8 +47,10 @@ SubmitTask* SubmitQueue::NextTask()
 
 bool SubmitQueue::WaitsForCheck(const SubmitTask& task) const
 {
+    // The window lets the arguments of exactly these be edited.
+    const QString suffix = QFileInfo(task.scene).suffix();
     return task.next == SubmitStage::Submit && !task.areArgumentsChecked
-        && JobTypeOf(task.scene) == QLatin1String("maya") && m_mustCheck && m_mustCheck();
+        && (suffix == QLatin1String("ma") || suffix == QLatin1String("mb")) && m_mustCheck && m_mustCheck();
 }
 
 void SubmitQueue::Begin(SubmitTask& task)
@@ -149,9 +150,11 @@ void SubmitQueue::StageFailed(SubmitTask& task, const StageOutcome& outcome)
     if (outcome.stage == SubmitStage::Upload || outcome.stage == SubmitStage::Uncompress) {
         task.work = outcome.work;
         task.refused = outcome.refused;
-        // What the farm could not unpack is packed anew.
-        task.next = outcome.stage == SubmitStage::Upload ? SubmitStage::Upload : SubmitStage::Analyze;
     }
+    // What could not be packed, or not be unpacked by the farm, is looked for and packed anew.
+    if (outcome.stage == SubmitStage::Compress || outcome.stage == SubmitStage::Checksum
+        || outcome.stage == SubmitStage::Uncompress)
+        task.next = SubmitStage::Analyze;
     const QString message = outcome.refused.isEmpty()
         ? outcome.message
         : QString(outcome.message + QLatin1Char('\n') + outcome.refused.join(QLatin1Char('\n')));
