@@ -59,7 +59,6 @@ StageOutcome FarmStages::Run(const StageOrder& order, const StageProgress& onPro
         CopySame();
         break;
     }
-    m_outcome.cameForward = m_farm.HasAnswered();
     return m_outcome;
 }
 
@@ -159,6 +158,7 @@ bool FarmStages::SendChunks(
         if (!ReadUpload(*result, file, upload))
             return true;
         moved += std::max<qint64>(upload.offset - before, 0);
+        m_outcome.cameForward = m_outcome.cameForward || upload.offset > before;
         meter.SetMoved(moved);
     }
     file.isSent = true;
@@ -202,6 +202,7 @@ bool FarmStages::Uncompress(PackedFile& file)
     if (!isOurs)
         Refuse(file, QStringLiteral("It has changed on its way."));
     file.isWanted = !isOurs;
+    m_outcome.cameForward = m_outcome.cameForward || isOurs;
     return true;
 }
 
@@ -268,13 +269,17 @@ bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
     if (!result)
         return false;
     const bool isFull = result->status == 507;
-    if (result->status == 401)
-        Repeat(m_order->task.next, QString::fromLatin1(SubmitText::SessionEnded));
-    else if (IsPassing(result->status) && !isFull)
-        Repeat(m_order->task.next,
-            QString::fromLatin1(result->status > 0 ? SubmitText::Busy : SubmitText::Unreachable));
-    else
+    const bool isSignedOut = result->status == 401;
+    if (isFull || !(isSignedOut || IsPassing(result->status)))
         return true;
+    const bool isAway = result->status <= 0;
+    const char* const text = isAway ? SubmitText::Unreachable : SubmitText::Busy;
+    Repeat(m_order->task.next, QString::fromLatin1(isSignedOut ? SubmitText::SessionEnded : text));
+    m_outcome.retryAfter = result->retryAfter;
+    if (isSignedOut)
+        m_outcome.obstacle = StageOutcome::Obstacle::Session;
+    else if (isAway || result->status == 429)
+        m_outcome.obstacle = StageOutcome::Obstacle::Farm;
     return false;
 }
 

@@ -115,6 +115,14 @@ void SubmitStore::Save(const SubmitTask& task)
     });
 }
 
+void SubmitStore::SaveAll(const QVector<const SubmitTask*>& tasks)
+{
+    m_database.Write([this, &tasks](SQLite::Database&) {
+        for (const SubmitTask* task : tasks)
+            Save(*task);
+    });
+}
+
 void SubmitStore::SaveWork(const SubmitTask& task)
 {
     const QByteArray work = QJsonDocument(task.work.ToJson()).toJson(QJsonDocument::Compact);
@@ -125,10 +133,11 @@ void SubmitStore::SaveWork(const SubmitTask& task)
     });
 }
 
-void SubmitStore::Remove(qint64 number)
+void SubmitStore::Remove(const QVector<qint64>& numbers)
 {
-    m_database.Write([number](SQLite::Database& connection) {
-        Execute(connection, "DELETE FROM tasks WHERE number = ?", static_cast<std::int64_t>(number));
+    m_database.Write([&numbers](SQLite::Database& connection) {
+        for (const qint64 number : numbers)
+            Execute(connection, "DELETE FROM tasks WHERE number = ?", static_cast<std::int64_t>(number));
     });
 }
 

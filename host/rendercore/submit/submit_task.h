@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
@@ -71,6 +72,9 @@ struct SubmitTask
     QString message;
     QString uploadText;
     bool isDone = false;
+
+    int failures = 0;         ///< rounds in a row in which the farm answered, but nothing came of it
+    QDeadlineTimer notBefore; ///< the farm is not asked for it earlier
 
     QVariantList arguments;           ///< empty before the analysis
     bool goesOnWithout = false;       ///< the user has agreed to what is missing
