@@ -1,12 +1,10 @@
 #include "farm_stages.h"
 
+#include "job_body.h"
 #include "local_stages.h"
-#include "scene_analysis.h"
-#include "submit_arguments.h"
 #include "submit_text.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QSet>
 
@@ -18,7 +16,6 @@ constexpr int kChecksumsAtOnce = 1000;
 constexpr qint64 kLargestChunk = 2LL * 1024 * 1024;
 constexpr int kChunkTime = 120 * 1000;
 constexpr int kUnpackTime = 30 * 60 * 1000;
-constexpr int kLongestName = 256;
 constexpr int kMostConflicts = 5;
 
 QJsonObject DataOf(const HttpResult& result)
@@ -208,18 +205,7 @@ bool FarmStages::Uncompress(PackedFile& file)
 
 void FarmStages::Submit()
 {
-    const SubmitTask& task = m_order->task;
-    QJsonArray files;
-    for (const PackedFile& file : task.work.files)
-        files.append(
-            QJsonObject {{QStringLiteral("path"), file.path}, {QStringLiteral("checksum"), file.checksum}});
-    QJsonObject job = JobMembers(task.arguments, task.work.width, task.work.height);
-    job.insert(QStringLiteral("submission"), task.submission);
-    job.insert(QStringLiteral("type"), JobTypeOf(task.scene));
-    job.insert(QStringLiteral("name"), QFileInfo(task.scene).completeBaseName().left(kLongestName));
-    job.insert(QStringLiteral("scene"), task.work.scene);
-    job.insert(QStringLiteral("files"), files);
-    const auto result = m_farm.Post("/jobs", job);
+    const auto result = m_farm.Post("/jobs", JobBody(m_order->task));
     if (IsStatus(result, 409)) {
         Repeat(SubmitStage::CopySame, QString::fromLatin1(SubmitText::Busy));
         return;

@@ -1,9 +1,11 @@
 #include "local_stages.h"
 
 #include "durable_file.h"
+#include "job_body.h"
 #include "scene_analysis.h"
 #include "scene_package.h"
 #include "submit_arguments.h"
+#include "submit_text.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -58,6 +60,15 @@ StageOutcome Done(const StageOrder& order, SubmitStage next, const SubmitWork& w
     return outcome;
 }
 
+StageOutcome Unusable(const QString& reason)
+{
+    StageOutcome outcome;
+    outcome.kind = StageOutcome::Kind::Failed;
+    outcome.error = SubmitError::SceneUnusable;
+    outcome.message = reason;
+    return outcome;
+}
+
 /// Does the work on one file; a failure tells which it was.
 template <typename Work>
 auto Naming(const PackedFile& file, Work work)
@@ -80,12 +91,8 @@ StageOutcome AnalyzeStage(const StageOrder& order, const StageProgress& onProgre
     StageOutcome outcome;
     if (*order.interrupted)
         return outcome;
-    if (!analysis.error.isEmpty()) {
-        outcome.kind = StageOutcome::Kind::Failed;
-        outcome.error = SubmitError::SceneUnusable;
-        outcome.message = analysis.error;
-        return outcome;
-    }
+    if (!analysis.error.isEmpty())
+        return Unusable(analysis.error);
     SubmitWork work;
     work.scene = analysis.scene;
     work.missing = analysis.missing;
@@ -97,6 +104,8 @@ StageOutcome AnalyzeStage(const StageOrder& order, const StageProgress& onProgre
         packed.source = file.source;
         work.files.append(packed);
     }
+    if (AreTooManyFiles(work))
+        return Unusable(QString::fromLatin1(SubmitText::TooManyFiles));
     outcome = Done(order, SubmitStage::Compress, work);
     outcome.arguments
         = MakeArguments(analysis.firstFrame, analysis.lastFrame, analysis.width, analysis.height);

@@ -320,6 +320,7 @@ void SubmitQueue::SetArguments(const QString& id, const QVariantList& arguments)
     }
     SubmitTask changed = *task;
     changed.arguments = usable;
+    changed.areArgumentsEdited = true;
     if (Keep([&changed](SubmitStore& store) { store.Save(changed); }))
         *task = changed;
 }

@@ -77,6 +77,7 @@ struct SubmitTask
     QDeadlineTimer notBefore; ///< the farm is not asked for it earlier
 
     QVariantList arguments;           ///< empty before the analysis
+    bool areArgumentsEdited = false;  ///< they are the user's, not the scene's
     bool goesOnWithout = false;       ///< the user has agreed to what is missing
     bool areArgumentsChecked = false; ///< the user has agreed to the arguments
     QStringList refused;              ///< files whose upload has failed

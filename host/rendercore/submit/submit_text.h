@@ -12,6 +12,8 @@ constexpr const char* SessionEnded
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "Your session has ended. Please sign in again.");
 constexpr const char* Failing
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The farm has failed again and again. Please continue later.");
+constexpr const char* TooManyFiles
+    = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The scene needs too many files, or their paths are too long.");
 constexpr const char* Stopped = QT_TRANSLATE_NOOP("VTQsClientPrivate", "Stopped.");
 constexpr const char* NotWithout
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "Not submitted, because files are missing.");

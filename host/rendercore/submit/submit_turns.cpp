@@ -144,9 +144,12 @@ void SubmitQueue::StageDone(SubmitTask& task, const StageOutcome& outcome)
         return;
     }
     if (outcome.stage == SubmitStage::Analyze) {
-        // Arguments that the user has set survive another analysis, and so does the consent to what was missing.
-        if (task.arguments.isEmpty())
+        // Arguments that the user has set survive another analysis, and so does the consent to the scene's own and to
+        // what was missing, as long as these are the same.
+        if (!task.areArgumentsEdited && task.arguments != outcome.arguments) {
+            task.areArgumentsChecked = false;
             task.arguments = outcome.arguments;
+        }
         task.goesOnWithout = task.goesOnWithout
             && std::all_of(outcome.work.missing.cbegin(), outcome.work.missing.cend(),
                 [&task](const QString& file) { return task.work.missing.contains(file); });
