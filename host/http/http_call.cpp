@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr int kLongestRetryAfter = 3600; // seconds
+
 HttpResult ResultOf(const QNetworkReply& reply, const QByteArray& body)
 {
     if (!IsAnswered(reply))
@@ -51,7 +53,7 @@ void HttpCall::Attempt()
     m_received.clear();
     m_reply = m_transport->Begin(m_request);
     if (!m_reply) {
-        EndAttempt({HttpResult::Unreachable, {}, tr("No server is known yet.")}, 0);
+        EndAttempt({HttpResult::Unreachable, {}, tr("No server is known yet.")});
         return;
     }
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpCall::Collect);
@@ -64,12 +66,12 @@ void HttpCall::Collect()
 {
     m_received += m_reply->readAll();
     if (m_received.size() > m_transport->Limits().answerBytes)
-        EndAttempt({HttpResult::TooLarge, {}, tr("The server's answer is too large.")}, 0);
+        EndAttempt({HttpResult::TooLarge, {}, tr("The server's answer is too large.")});
 }
 
 void HttpCall::TimeOut()
 {
-    EndAttempt({HttpResult::TimedOut, {}, tr("The server did not answer in time.")}, 0);
+    EndAttempt({HttpResult::TimedOut, {}, tr("The server did not answer in time.")});
 }
 
 void HttpCall::Conclude()
@@ -77,18 +79,18 @@ void HttpCall::Conclude()
     Collect();
     if (!m_reply)
         return;
-    const int seconds = std::clamp(m_reply->rawHeader("Retry-After").toInt(), 0, 3600);
-    EndAttempt(ResultOf(*m_reply, m_received), seconds * 1000);
+    HttpResult result = ResultOf(*m_reply, m_received);
+    result.retryAfter = std::clamp(m_reply->rawHeader("Retry-After").toInt(), 0, kLongestRetryAfter);
+    EndAttempt(result);
 }
 
-/// @param retryAfter pause in milliseconds that the server asked for.
-void HttpCall::EndAttempt(const HttpResult& result, int retryAfter)
+void HttpCall::EndAttempt(const HttpResult& result)
 {
     DropReply();
     const HttpLimits& limits = m_transport->Limits();
     if (m_request.repeatable && m_attempt < limits.attempts && IsPassing(result.status)) {
         const int pause = limits.firstPause << (m_attempt - 1);
-        m_pause.start(std::min(std::max(pause, retryAfter), limits.longestPause));
+        m_pause.start(std::min(std::max(pause, result.retryAfter * 1000), limits.longestPause));
         return;
     }
     m_result = result;

@@ -28,7 +28,7 @@ private:
     void Collect();
     void TimeOut();
     void Conclude();
-    void EndAttempt(const HttpResult& result, int retryAfter);
+    void EndAttempt(const HttpResult& result);
     void DropReply();
     void GoOn();
 

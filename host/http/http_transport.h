@@ -33,8 +33,9 @@ struct HttpResult
     static constexpr int NotJson = -4;
 
     int status = Unreachable;
-    QJsonObject json; ///< the answer's body, also that of a failure where it is a JSON object
-    QString error;    ///< English sentence; empty when status is 200
+    QJsonObject json;   ///< the answer's body, also that of a failure where it is a JSON object
+    QString error;      ///< English sentence; empty when status is 200
+    int retryAfter = 0; ///< seconds that the server asks to be left alone for, at most an hour
 };
 
 /// How long and how often the transport tries. Times in milliseconds.

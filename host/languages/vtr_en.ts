@@ -939,6 +939,14 @@ Below files are missing:
         <source>Please check the arguments, then continue.</source>
         <translation>Please check the arguments, then continue.</translation>
     </message>
+    <message>
+        <source>The farm has failed again and again. Please continue later.</source>
+        <translation>The farm has failed again and again. Please continue later.</translation>
+    </message>
+    <message>
+        <source>The scene needs too many files, or their paths are too long.</source>
+        <translation>The scene needs too many files, or their paths are too long.</translation>
+    </message>
 </context>
 <context>
     <name>VTSearch</name>

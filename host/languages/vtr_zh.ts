@@ -939,6 +939,14 @@ Below files are missing:
         <source>Please check the arguments, then continue.</source>
         <translation>请检查参数，然后继续。</translation>
     </message>
+    <message>
+        <source>The farm has failed again and again. Please continue later.</source>
+        <translation>农场多次出错。请稍后继续。</translation>
+    </message>
+    <message>
+        <source>The scene needs too many files, or their paths are too long.</source>
+        <translation>场景需要的文件过多，或其路径过长。</translation>
+    </message>
 </context>
 <context>
     <name>VTSearch</name>

@@ -169,8 +169,13 @@ private slots:
         m_queue->SetArguments(id, Arguments(5, 4, {}, {}));
         StartQueue();
         QCOMPARE(Task(id).error, SubmitError::TexturesMissing);
+        // What is in its place by then goes along; a side that pictures cannot have is the scene's own.
+        m_queue->SetArguments(id, Arguments(4, 5, QStringLiteral("32"), QStringLiteral("16385")));
+        QVERIFY(WriteFile(Path(QStringLiteral("shots/gone.png")), "here"));
         m_queue->Continue(id);
         QTRY_VERIFY_WITH_TIMEOUT(Task(id).isDone, patienceMs);
+        QCOMPARE(Count("contents"), 4);
+        QVERIFY(QFile::remove(Path(QStringLiteral("shots/gone.png"))));
         QCOMPARE(Task(id).message, QStringLiteral("Submitted as job 1."));
         QTRY_VERIFY(Packages().isEmpty());
         const QStringList job = m_data->database.Read([](SQLite::Database& connection) {
@@ -238,6 +243,35 @@ private slots:
         m_queue->SetAccess(Access());
         QTRY_VERIFY_WITH_TIMEOUT(Task(id).isDone, patienceMs);
         QCOMPARE(Count("contents"), 2);
+    }
+
+    void LetsOthersPassWhatTheFarmCannotTakeNow()
+    {
+        const QString known = Submit({{QStringLiteral("known.pov"), "sphere{0,1}"}});
+        QTRY_VERIFY_WITH_TIMEOUT(Task(known).isDone, patienceMs);
+        // Its folder for uploads is gone, so that each one fails, yet jobs can be made.
+        QDir farm(Path(QStringLiteral("farm")));
+        QVERIFY(farm.rename(QStringLiteral("uploads"), QStringLiteral("away")));
+        const QString stuck = SubmitLarge(1);
+        QTRY_COMPARE_WITH_TIMEOUT(
+            Task(stuck).message, QStringLiteral("The farm is busy. Trying again."), patienceMs);
+        QVERIFY(m_queue->Submit(Path(QStringLiteral("known.pov"))));
+        const QString other = m_queue->Ids().constLast();
+        QTRY_VERIFY_WITH_TIMEOUT(Task(other).isDone, patienceMs);
+        QVERIFY(Task(stuck).IsRunnable());
+        QVERIFY(farm.rename(QStringLiteral("away"), QStringLiteral("uploads")));
+        QTRY_VERIFY_WITH_TIMEOUT(Task(stuck).isDone, patienceMs);
+
+        // Whom the farm does not know waits for another access.
+        FarmAccess stranger = Access();
+        stranger.token = QStringLiteral("unknown");
+        m_queue->SetAccess(stranger);
+        QVERIFY(m_queue->Submit(Path(QStringLiteral("known.pov"))));
+        const QString last = m_queue->Ids().constLast();
+        QTRY_COMPARE_WITH_TIMEOUT(
+            Task(last).message, QStringLiteral("Your session has ended. Please sign in again."), patienceMs);
+        m_queue->SetAccess(Access());
+        QTRY_VERIFY_WITH_TIMEOUT(Task(last).isDone, patienceMs);
     }
 
     void AsksWhetherToRetryWhatTheFarmRefused()

@@ -29,7 +29,6 @@ void FarmLink::Begin(const FarmAccess& access, const InterruptFlag& interrupted)
         m_transport.SetBaseUrl(access.apiRoot);
     m_token = access.token.toLatin1();
     m_interrupted = interrupted;
-    m_answered = false;
 }
 
 void FarmLink::Interrupt()
@@ -59,7 +58,6 @@ std::optional<HttpResult> FarmLink::Send(HttpRequest request, const std::functio
     }
     if (*m_interrupted && !(result && result->status == 200))
         return std::nullopt;
-    m_answered = m_answered || (result && result->status > 0 && !IsPassing(result->status));
     return result;
 }
 

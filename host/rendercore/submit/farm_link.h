@@ -28,14 +28,10 @@ public:
     /// Sends a JSON object.
     std::optional<HttpResult> Post(const QByteArray& target, const QJsonObject& body, int attemptTime = 0);
 
-    /// Whether the farm has answered since Begin().
-    bool HasAnswered() const { return m_answered; }
-
 private:
     HttpTransport m_transport;
     QUrl m_base;
     QByteArray m_token;
     InterruptFlag m_interrupted;
     QPointer<QEventLoop> m_waiting;
-    bool m_answered = false;
 };

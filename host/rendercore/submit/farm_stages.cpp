@@ -1,12 +1,10 @@
 #include "farm_stages.h"
 
+#include "job_body.h"
 #include "local_stages.h"
-#include "scene_analysis.h"
-#include "submit_arguments.h"
 #include "submit_text.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QSet>
 
@@ -18,7 +16,6 @@ constexpr int kChecksumsAtOnce = 1000;
 constexpr qint64 kLargestChunk = 2LL * 1024 * 1024;
 constexpr int kChunkTime = 120 * 1000;
 constexpr int kUnpackTime = 30 * 60 * 1000;
-constexpr int kLongestName = 256;
 constexpr int kMostConflicts = 5;
 
 QJsonObject DataOf(const HttpResult& result)
@@ -59,7 +56,6 @@ StageOutcome FarmStages::Run(const StageOrder& order, const StageProgress& onPro
         CopySame();
         break;
     }
-    m_outcome.cameForward = m_farm.HasAnswered();
     return m_outcome;
 }
 
@@ -159,6 +155,7 @@ bool FarmStages::SendChunks(
         if (!ReadUpload(*result, file, upload))
             return true;
         moved += std::max<qint64>(upload.offset - before, 0);
+        m_outcome.cameForward = m_outcome.cameForward || upload.offset > before;
         meter.SetMoved(moved);
     }
     file.isSent = true;
@@ -202,23 +199,13 @@ bool FarmStages::Uncompress(PackedFile& file)
     if (!isOurs)
         Refuse(file, QStringLiteral("It has changed on its way."));
     file.isWanted = !isOurs;
+    m_outcome.cameForward = m_outcome.cameForward || isOurs;
     return true;
 }
 
 void FarmStages::Submit()
 {
-    const SubmitTask& task = m_order->task;
-    QJsonArray files;
-    for (const PackedFile& file : task.work.files)
-        files.append(
-            QJsonObject {{QStringLiteral("path"), file.path}, {QStringLiteral("checksum"), file.checksum}});
-    QJsonObject job = JobMembers(task.arguments, task.work.width, task.work.height);
-    job.insert(QStringLiteral("submission"), task.submission);
-    job.insert(QStringLiteral("type"), JobTypeOf(task.scene));
-    job.insert(QStringLiteral("name"), QFileInfo(task.scene).completeBaseName().left(kLongestName));
-    job.insert(QStringLiteral("scene"), task.work.scene);
-    job.insert(QStringLiteral("files"), files);
-    const auto result = m_farm.Post("/jobs", job);
+    const auto result = m_farm.Post("/jobs", JobBody(m_order->task));
     if (IsStatus(result, 409)) {
         Repeat(SubmitStage::CopySame, QString::fromLatin1(SubmitText::Busy));
         return;
@@ -268,13 +255,17 @@ bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
     if (!result)
         return false;
     const bool isFull = result->status == 507;
-    if (result->status == 401)
-        Repeat(m_order->task.next, QString::fromLatin1(SubmitText::SessionEnded));
-    else if (IsPassing(result->status) && !isFull)
-        Repeat(m_order->task.next,
-            QString::fromLatin1(result->status > 0 ? SubmitText::Busy : SubmitText::Unreachable));
-    else
+    const bool isSignedOut = result->status == 401;
+    if (isFull || !(isSignedOut || IsPassing(result->status)))
         return true;
+    const bool isAway = result->status <= 0;
+    const char* const text = isAway ? SubmitText::Unreachable : SubmitText::Busy;
+    Repeat(m_order->task.next, QString::fromLatin1(isSignedOut ? SubmitText::SessionEnded : text));
+    m_outcome.retryAfter = result->retryAfter;
+    if (isSignedOut)
+        m_outcome.obstacle = StageOutcome::Obstacle::Session;
+    else if (isAway || result->status == 429)
+        m_outcome.obstacle = StageOutcome::Obstacle::Farm;
     return false;
 }
 

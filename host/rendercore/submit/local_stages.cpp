@@ -1,9 +1,11 @@
 #include "local_stages.h"
 
 #include "durable_file.h"
+#include "job_body.h"
 #include "scene_analysis.h"
 #include "scene_package.h"
 #include "submit_arguments.h"
+#include "submit_text.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -58,6 +60,26 @@ StageOutcome Done(const StageOrder& order, SubmitStage next, const SubmitWork& w
     return outcome;
 }
 
+StageOutcome Unusable(const QString& reason)
+{
+    StageOutcome outcome;
+    outcome.kind = StageOutcome::Kind::Failed;
+    outcome.error = SubmitError::SceneUnusable;
+    outcome.message = reason;
+    return outcome;
+}
+
+/// Does the work on one file; a failure tells which it was.
+template <typename Work>
+auto Naming(const PackedFile& file, Work work)
+{
+    try {
+        return work();
+    } catch (const std::exception& failure) {
+        throw std::runtime_error(std::string(failure.what()) + '\n' + file.source.toStdString());
+    }
+}
+
 } // namespace
 
 StageOutcome AnalyzeStage(const StageOrder& order, const StageProgress& onProgress)
@@ -69,12 +91,8 @@ StageOutcome AnalyzeStage(const StageOrder& order, const StageProgress& onProgre
     StageOutcome outcome;
     if (*order.interrupted)
         return outcome;
-    if (!analysis.error.isEmpty()) {
-        outcome.kind = StageOutcome::Kind::Failed;
-        outcome.error = SubmitError::SceneUnusable;
-        outcome.message = analysis.error;
-        return outcome;
-    }
+    if (!analysis.error.isEmpty())
+        return Unusable(analysis.error);
     SubmitWork work;
     work.scene = analysis.scene;
     work.missing = analysis.missing;
@@ -86,6 +104,8 @@ StageOutcome AnalyzeStage(const StageOrder& order, const StageProgress& onProgre
         packed.source = file.source;
         work.files.append(packed);
     }
+    if (AreTooManyFiles(work))
+        return Unusable(QString::fromLatin1(SubmitText::TooManyFiles));
     outcome = Done(order, SubmitStage::Compress, work);
     outcome.arguments
         = MakeArguments(analysis.firstFrame, analysis.lastFrame, analysis.width, analysis.height);
@@ -100,8 +120,11 @@ StageOutcome CompressStage(const StageOrder& order, const StageProgress& onProgr
     ByteCount count(order, onProgress, SizeOfSources(work));
     for (int index = 0; index < work.files.size() && !*order.interrupted; ++index) {
         const PackedFile& file = work.files.at(index);
-        if (!PackFile(file.source, file.path, PackagePath(order.folder, index),
-                [&count](qint64 bytes) { return count.Add(bytes); }))
+        const bool isPacked = Naming(file, [&] {
+            return PackFile(file.source, file.path, PackagePath(order.folder, index),
+                [&count](qint64 bytes) { return count.Add(bytes); });
+        });
+        if (!isPacked)
             break;
     }
     return Done(order, SubmitStage::Checksum, work);
@@ -115,9 +138,11 @@ StageOutcome ChecksumStage(const StageOrder& order, const StageProgress& onProgr
         PackedFile& file = work.files[index];
         const QString package = PackagePath(order.folder, index);
         // Of what was packed: the file itself may have changed since.
-        file.checksum = PackedChecksum(package, [&count](qint64 bytes) { return count.Add(bytes); });
-        file.packageChecksum
-            = storage::FileChecksum(package, [&order](qint64) { return !*order.interrupted; });
+        Naming(file, [&] {
+            file.checksum = PackedChecksum(package, [&count](qint64 bytes) { return count.Add(bytes); });
+            file.packageChecksum
+                = storage::FileChecksum(package, [&order](qint64) { return !*order.interrupted; });
+        });
         file.packageSize = QFileInfo(package).size();
     }
     return Done(order, SubmitStage::CopySame, work);

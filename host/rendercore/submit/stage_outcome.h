@@ -29,10 +29,19 @@ struct StageOutcome
         Failed
     };
 
+    /// What it takes to try again.
+    enum class Obstacle {
+        Request, ///< the farm answers, but cannot do this
+        Farm,    ///< it cannot be reached or wants to be left alone
+        Session  ///< it does not know who asks
+    };
+
     Kind kind = Kind::Interrupted;
     SubmitStage stage = SubmitStage::Wait; ///< that it is the outcome of
     SubmitStage next = SubmitStage::Wait;  ///< to go on with; not after Failed
-    bool cameForward = false;              ///< the farm has answered meanwhile
+    bool cameForward = false;              ///< the farm has more of the task than before
+    Obstacle obstacle = Obstacle::Request; ///< of TryAgain
+    int retryAfter = 0;                    ///< seconds that the farm asks for
     SubmitError error = SubmitError::None;
     QString message; ///< of a failure or a wait; of the last stage, the job's running number
     SubmitWork work;

@@ -34,6 +34,20 @@ QVariantList MakeArguments(int firstFrame, int lastFrame, int width, int height)
         {kHeight, QString::number(height)}, {kPrerender, false}}};
 }
 
+QVariantList WithUsableSizes(const QVariantList& arguments)
+{
+    QVariantList usable;
+    for (const QVariant& range : arguments) {
+        QVariantMap values = range.toMap();
+        for (const QString& side : {kWidth, kHeight}) {
+            if (!IsSide(values.value(side).toString()))
+                values.insert(side, QString());
+        }
+        usable.append(values);
+    }
+    return usable;
+}
+
 bool AreArguments(const QVariantList& arguments)
 {
     if (arguments.isEmpty() || arguments.size() > kMostRanges)
@@ -60,7 +74,7 @@ QJsonObject JobMembers(const QVariantList& arguments, int width, int height)
             {QStringLiteral("end"), values.value(EndKey(range)).toInt()}});
     }
     // Every range carries the same size and switch; like the dialog, the last one counts.
-    const QVariantMap last = arguments.constLast().toMap();
+    const QVariantMap last = arguments.value(arguments.size() - 1).toMap();
     const QString widthText = last.value(kWidth).toString();
     const QString heightText = last.value(kHeight).toString();
     return {{QStringLiteral("frames"), frames}, {kWidth, widthText.isEmpty() ? width : widthText.toInt()},

@@ -67,21 +67,37 @@ SubmitQueue::~SubmitQueue()
 
 const SubmitTask* SubmitQueue::Task(const QString& id) const
 {
-    const auto task = m_tasks.constFind(id);
-    return task == m_tasks.cend() ? nullptr : &*task;
+    const auto task = m_tasks.find(m_numbers.value(id));
+    return task == m_tasks.end() ? nullptr : &task->second;
 }
 
 SubmitTask* SubmitQueue::Find(const QString& id)
 {
-    const auto task = m_tasks.find(id);
-    return task == m_tasks.end() ? nullptr : &*task;
+    return Find(m_numbers.value(id));
 }
 
-QString SubmitQueue::IdOf(qint64 number) const
+SubmitTask* SubmitQueue::Find(qint64 number)
 {
-    const auto task = std::find_if(
-        m_tasks.cbegin(), m_tasks.cend(), [number](const SubmitTask& one) { return one.number == number; });
-    return task == m_tasks.cend() ? QString() : task.key();
+    const auto task = m_tasks.find(number);
+    return task == m_tasks.end() ? nullptr : &task->second;
+}
+
+SubmitTask& SubmitQueue::Insert(const SubmitTask& task)
+{
+    m_ids.append(task.id);
+    m_numbers.insert(task.id, task.number);
+    if (task.IsRunnable())
+        m_runnable.insert(task.number);
+    return m_tasks[task.number] = task;
+}
+
+void SubmitQueue::Erase(qint64 number)
+{
+    const QString id = m_tasks.at(number).id;
+    m_ids.removeOne(id);
+    m_numbers.remove(id);
+    m_runnable.erase(number);
+    m_tasks.erase(number);
 }
 
 QString SubmitQueue::PackageFolder(qint64 number) const
@@ -118,8 +134,11 @@ void SubmitQueue::SetAccess(const FarmAccess& access)
         return;
     }
     m_endedToken.clear();
-    m_pauses = 0;
-    m_pause.stop();
+    m_isSignedOut = false;
+    m_farmPauses = 0;
+    m_farmPause = {};
+    for (const qint64 number : m_runnable)
+        m_tasks.at(number).notBefore = {};
     if (isOtherOwner && !access.owner.isEmpty())
         Load();
     Advance();
@@ -130,14 +149,14 @@ void SubmitQueue::Load()
     QVector<SubmitTask> tasks;
     Keep([&](SubmitStore& store) { tasks = store.Load(m_access.owner); });
     for (SubmitTask& task : tasks) {
-        task.next = ArePackagesThere(task, PackageFolder(task.number)) ? SubmitStage::CopySame
-                                                                       : SubmitStage::Analyze;
-        // The farm has refused what was packed.
-        if (task.error == SubmitError::UploadRefused && task.stage == SubmitStage::Uncompress)
-            task.next = SubmitStage::Analyze;
         task.progress = task.isDone ? 100 : 0;
-        m_ids.append(task.id);
-        m_tasks.insert(task.id, task);
+        // Where the farm could not unpack them, what was packed is of no use.
+        const bool isSpoilt
+            = task.error == SubmitError::UploadRefused && task.stage == SubmitStage::Uncompress;
+        if (!task.isDone && !isSpoilt && AreArguments(task.arguments)
+            && ArePackagesThere(task, PackageFolder(task.number)))
+            task.next = SubmitStage::CopySame;
+        Insert(task);
     }
     if (tasks.isEmpty())
         return;
@@ -165,8 +184,7 @@ bool SubmitQueue::Submit(const QString& scene)
     const QString path = QDir::cleanPath(file.absoluteFilePath());
     if (!Keep([&](SubmitStore& store) { task = store.Add(m_access.owner, path); }))
         return false;
-    m_ids.append(task.id);
-    m_tasks.insert(task.id, task);
+    Insert(task);
     emit ListChanged();
     Advance();
     return true;
@@ -174,28 +192,24 @@ bool SubmitQueue::Submit(const QString& scene)
 
 void SubmitQueue::Remove(const QStringList& ids)
 {
-    bool hasChanged = false;
+    QVector<qint64> numbers;
     for (const QString& id : ids) {
-        const SubmitTask* task = Find(id);
-        if (!task)
-            continue;
-        const qint64 number = task->number;
-        if (!Keep([number](SubmitStore& store) { store.Remove(number); }))
-            continue;
-        if (id == m_current && m_run) {
+        if (m_numbers.contains(id))
+            numbers.append(m_numbers.value(id));
+    }
+    if (numbers.isEmpty() || !Keep([&numbers](SubmitStore& store) { store.Remove(numbers); }))
+        return;
+    for (const qint64 number : qAsConst(numbers)) {
+        if (!Find(number))
+            continue; // named twice
+        if (number == m_turn && m_run) {
             m_discardAfterRun = true;
             Interrupt();
         } else {
             Discard(number);
         }
-        if (id == m_current)
-            m_pause.stop();
-        m_ids.removeOne(id);
-        m_tasks.remove(id);
-        hasChanged = true;
+        Erase(number);
     }
-    if (!hasChanged)
-        return;
     emit ListChanged();
     Advance();
 }
@@ -204,14 +218,18 @@ void SubmitQueue::EndSession()
 {
     Interrupt();
     m_pause.stop();
-    for (const SubmitTask& task : qAsConst(m_tasks)) {
+    QVector<qint64> done;
+    for (const auto& [number, task] : m_tasks) {
         if (task.isDone)
-            Keep([&task](SubmitStore& store) { store.Remove(task.number); });
+            done.append(number);
     }
+    if (!done.isEmpty())
+        Keep([&done](SubmitStore& store) { store.Remove(done); });
     const bool hadTasks = !m_ids.isEmpty();
     m_ids.clear();
+    m_numbers.clear();
     m_tasks.clear();
-    m_current.clear();
+    m_runnable.clear();
     m_endedToken = m_access.token;
     m_access.owner.clear();
     if (hadTasks)
@@ -220,20 +238,27 @@ void SubmitQueue::EndSession()
 
 void SubmitQueue::StopAll()
 {
-    for (SubmitTask& task : m_tasks) {
-        if (task.IsRunnable() || task.error == SubmitError::AwaitsUser)
-            Rest(task, SubmitError::Stopped, QString::fromLatin1(SubmitText::Stopped));
+    QVector<const SubmitTask*> stopped;
+    for (auto& [number, task] : m_tasks) {
+        if (!task.IsRunnable() && task.error != SubmitError::AwaitsUser)
+            continue;
+        SetError(task, SubmitError::Stopped, QString::fromLatin1(SubmitText::Stopped));
+        stopped.append(&task);
     }
+    Keep([&stopped](SubmitStore& store) { store.SaveAll(stopped); });
     Interrupt();
-    m_pause.stop();
 }
 
 void SubmitQueue::ResumeAll()
 {
-    for (SubmitTask& task : m_tasks) {
-        if (task.error == SubmitError::Stopped)
-            Resume(task);
+    QVector<const SubmitTask*> resumed;
+    for (auto& [number, task] : m_tasks) {
+        if (task.error != SubmitError::Stopped)
+            continue;
+        MakeRunnable(task);
+        resumed.append(&task);
     }
+    Keep([&resumed](SubmitStore& store) { store.SaveAll(resumed); });
     Advance();
 }
 
@@ -243,10 +268,14 @@ void SubmitQueue::Continue(const QString& id)
     if (!task || task->isDone || task->error == SubmitError::None)
         return;
     const bool awaits = task->error == SubmitError::AwaitsUser;
-    if (task->error == SubmitError::TexturesMissing || (awaits && task->stage == SubmitStage::CopySame))
+    if (task->error == SubmitError::TexturesMissing || (awaits && task->stage == SubmitStage::CopySame)) {
         task->goesOnWithout = true;
-    else if (awaits)
+        task->next = SubmitStage::Analyze; // what was missing may be in its place by now
+    } else if (awaits) {
         task->areArgumentsChecked = true;
+    }
+    if (NeedsFarm(task->next) && !ArePackagesThere(*task, PackageFolder(task->number)))
+        task->next = SubmitStage::Analyze;
     Resume(*task);
     Advance();
 }
@@ -267,43 +296,66 @@ void SubmitQueue::AnswerMissingTextures(const QString& id, bool goOn)
     SubmitTask* task = Find(id);
     if (!task || task->error != SubmitError::AwaitsUser || task->stage != SubmitStage::CopySame)
         return;
-    if (goOn)
-        Continue(id);
-    else
+    if (!goOn) {
         Rest(*task, SubmitError::TexturesMissing, QString::fromLatin1(SubmitText::NotWithout));
+        return;
+    }
+    task->goesOnWithout = true;
+    Resume(*task);
+    Advance();
 }
 
 void SubmitQueue::SetArguments(const QString& id, const QVariantList& arguments)
 {
     SubmitTask* task = Find(id);
-    const bool isBeingSent = task && m_run && id == m_current && task->stage == SubmitStage::Submit;
-    if (!task || task->isDone || isBeingSent || !AreArguments(arguments)) {
-        qWarning() << "arguments that cannot be used are ignored";
+    const bool isBeingSent = task && m_run && task->number == m_turn && task->stage == SubmitStage::Submit;
+    const QVariantList usable = WithUsableSizes(arguments);
+    if (!task || task->isDone || isBeingSent) {
+        qWarning() << "arguments come too late for" << id;
+        return;
+    }
+    if (!AreArguments(usable)) {
+        qWarning() << "no job can be made of the arguments for" << id;
         return;
     }
     SubmitTask changed = *task;
-    changed.arguments = arguments;
+    changed.arguments = usable;
+    changed.areArgumentsEdited = true;
     if (Keep([&changed](SubmitStore& store) { store.Save(changed); }))
         *task = changed;
 }
 
 void SubmitQueue::Rest(SubmitTask& task, SubmitError error, const QString& message)
 {
+    SetError(task, error, message);
+    Keep([&task](SubmitStore& store) { store.Save(task); });
+}
+
+void SubmitQueue::SetError(SubmitTask& task, SubmitError error, const QString& message)
+{
     task.error = error;
     task.message = message;
     task.uploadText.clear();
-    Keep([&task](SubmitStore& store) { store.Save(task); });
+    m_runnable.erase(task.number);
 }
 
 /// Lets a task that stands still wait for its turn.
 void SubmitQueue::Resume(SubmitTask& task)
+{
+    MakeRunnable(task);
+    Keep([&task](SubmitStore& store) { store.Save(task); });
+}
+
+void SubmitQueue::MakeRunnable(SubmitTask& task)
 {
     task.error = SubmitError::None;
     task.message.clear();
     task.refused.clear();
     task.stage = SubmitStage::Wait;
     task.progress = 0;
-    Keep([&task](SubmitStore& store) { store.Save(task); });
+    task.failures = 0;
+    task.notBefore = {};
+    m_runnable.insert(task.number);
 }
 
 void SubmitQueue::Interrupt()

@@ -5,6 +5,7 @@
 #include "submit_store.h"
 #include "submit_worker.h"
 
+#include <QDeadlineTimer>
 #include <QHash>
 #include <QObject>
 #include <QStringList>
@@ -13,14 +14,17 @@
 #include <QVariantList>
 
 #include <functional>
+#include <map>
 #include <memory>
+#include <set>
 #include <utility>
 
 /// The scenes that are on their way to the farm, as the window sees them: on the GUI thread, for the account that is
 /// signed in.
 ///
-/// One task at a time goes through its stages, each of which a worker does in a thread of its own; the others wait. What
-/// the user decides is on the disk when the function returns.
+/// One task at a time goes through its stages, each of which a worker does in a thread of its own; the others wait. A
+/// task that the farm can do nothing for just now lets the others go first. What the user decides is on the disk when
+/// the function returns.
 class SubmitQueue : public QObject
 {
     Q_OBJECT
@@ -61,7 +65,8 @@ public:
     void AnswerUploadFailure(const QString& id, bool tryAgain);
     void AnswerMissingTextures(const QString& id, bool goOn);
 
-    /// What cannot be made a job of is ignored, and so is what comes when the job is already made.
+    /// A side that pictures cannot have stands for the scene's own. Frames that cannot be made a job of are ignored, and
+    /// so is what comes when the job is already made.
     void SetArguments(const QString& id, const QVariantList& arguments);
 
 signals:
@@ -74,7 +79,9 @@ signals:
 
 private:
     SubmitTask* Find(const QString& id);
-    QString IdOf(qint64 number) const;
+    SubmitTask* Find(qint64 number);
+    SubmitTask& Insert(const SubmitTask& task);
+    void Erase(qint64 number);
     QString PackageFolder(qint64 number) const;
     bool Keep(const std::function<void(SubmitStore&)>& change);
 
@@ -82,16 +89,21 @@ private:
     void Ask(const SubmitTask& task);
     void Advance();
     SubmitTask* NextTask();
+    qint64 WaitOf(SubmitTask& task) const;
+    static void Enter(SubmitTask& task);
     bool WaitsForCheck(const SubmitTask& task) const;
     void Begin(SubmitTask& task);
     void ShowProgress(qint64 number, int percent, const QString& text);
     void TakeOutcome(qint64 number, const StageOutcome& outcome);
     void StageDone(SubmitTask& task, const StageOutcome& outcome);
     void TryLater(SubmitTask& task, const StageOutcome& outcome);
+    void MakeWait(SubmitTask& task, const StageOutcome& outcome);
     void StageFailed(SubmitTask& task, const StageOutcome& outcome);
     void Finish(SubmitTask& task, const QString& jobNumber);
     void Rest(SubmitTask& task, SubmitError error, const QString& message);
+    void SetError(SubmitTask& task, SubmitError error, const QString& message);
     void Resume(SubmitTask& task);
+    void MakeRunnable(SubmitTask& task);
     void Interrupt();
     void Discard(qint64 number);
 
@@ -101,13 +113,18 @@ private:
     QString m_endedToken; // of a session that is over
     std::function<bool()> m_mustCheck;
     QStringList m_ids;
-    QHash<QString, SubmitTask> m_tasks;
-    QString m_current;                              // whose turn it is
+    QHash<QString, qint64> m_numbers; // by id
+    std::map<qint64, SubmitTask> m_tasks;
+    std::set<qint64> m_runnable;
+    qint64 m_turn = 0;                              // whose it is, or was last
+    bool m_keepsTurn = false;                       // until it can do no more
     InterruptFlag m_run;                            // null while the worker has nothing to do
     SubmitStage m_runningStage = SubmitStage::Wait; // of the worker's latest run
     bool m_discardAfterRun = false;
-    QTimer m_pause;   // before the farm is asked again
-    int m_pauses = 0; // in a row
+    QTimer m_pause;             // until the next task may go on
+    QDeadlineTimer m_farmPause; // no task asks the farm earlier
+    int m_farmPauses = 0;       // in a row
+    bool m_isSignedOut = false; // the farm does not know the token
     QThread m_thread;
     SubmitWorker* m_worker; // of that thread
 };

@@ -31,6 +31,12 @@ CREATE TABLE tasks(
 CREATE INDEX tasks_by_owner ON tasks(owner);
 )sql";
 
+// Who has made arguments was not kept before; they may be the user's.
+constexpr const char* kEditedArguments = R"sql(
+ALTER TABLE tasks ADD COLUMN arguments_edited INTEGER NOT NULL DEFAULT 0;
+UPDATE tasks SET arguments_edited = 1 WHERE arguments <> '[]';
+)sql";
+
 QString IdOf(const QString& scene, qint64 number)
 {
     return QStringLiteral("%1.%2").arg(QFileInfo(scene).completeBaseName()).arg(number);
@@ -63,13 +69,14 @@ SubmitTask TaskOf(const SQLite::Statement& row)
     task.refused = Json(row.getColumn(10)).toVariant().toStringList();
     task.isDone = row.getColumn(11).getInt() != 0;
     task.work = SubmitWork::FromJson(Json(row.getColumn(12)).object());
+    task.areArgumentsEdited = row.getColumn(13).getInt() != 0;
     return task;
 }
 
 } // namespace
 
 SubmitStore::SubmitStore(const QString& file)
-    : m_database(file, {kFirstSchema})
+    : m_database(file, {kFirstSchema, kEditedArguments})
 {
 }
 
@@ -93,7 +100,8 @@ QVector<SubmitTask> SubmitStore::Load(const QString& owner)
     return m_database.Read([&owner](SQLite::Database& connection) {
         SQLite::Statement rows(connection,
             "SELECT number, scene, started, submission, stage, error, message, arguments, goes_on_without, "
-            "arguments_checked, refused, done, work FROM tasks WHERE owner = ? ORDER BY number");
+            "arguments_checked, refused, done, work, arguments_edited FROM tasks WHERE owner = ? ORDER BY "
+            "number");
         storage::Bind(rows, owner);
         QVector<SubmitTask> tasks;
         while (rows.executeStep())
@@ -107,11 +115,19 @@ void SubmitStore::Save(const SubmitTask& task)
     m_database.Write([&task](SQLite::Database& connection) {
         Execute(connection,
             "UPDATE tasks SET stage = ?, error = ?, message = ?, arguments = ?, goes_on_without = ?, "
-            "arguments_checked = ?, refused = ?, done = ? WHERE number = ?",
+            "arguments_checked = ?, refused = ?, done = ?, arguments_edited = ? WHERE number = ?",
             static_cast<int>(task.stage), static_cast<int>(task.error), task.message,
             ListText(QJsonArray::fromVariantList(task.arguments)), task.goesOnWithout ? 1 : 0,
             task.areArgumentsChecked ? 1 : 0, ListText(QJsonArray::fromStringList(task.refused)),
-            task.isDone ? 1 : 0, static_cast<std::int64_t>(task.number));
+            task.isDone ? 1 : 0, task.areArgumentsEdited ? 1 : 0, static_cast<std::int64_t>(task.number));
+    });
+}
+
+void SubmitStore::SaveAll(const QVector<const SubmitTask*>& tasks)
+{
+    m_database.Write([this, &tasks](SQLite::Database&) {
+        for (const SubmitTask* task : tasks)
+            Save(*task);
     });
 }
 
@@ -125,10 +141,11 @@ void SubmitStore::SaveWork(const SubmitTask& task)
     });
 }
 
-void SubmitStore::Remove(qint64 number)
+void SubmitStore::Remove(const QVector<qint64>& numbers)
 {
-    m_database.Write([number](SQLite::Database& connection) {
-        Execute(connection, "DELETE FROM tasks WHERE number = ?", static_cast<std::int64_t>(number));
+    m_database.Write([&numbers](SQLite::Database& connection) {
+        for (const qint64 number : numbers)
+            Execute(connection, "DELETE FROM tasks WHERE number = ?", static_cast<std::int64_t>(number));
     });
 }
 

@@ -22,10 +22,14 @@ public:
     /// Saves everything but what the stages found out. A task that is gone stays gone.
     void Save(const SubmitTask& task);
 
+    /// Saves all of them, or none when it fails.
+    void SaveAll(const QVector<const SubmitTask*>& tasks);
+
     /// Saves what the stages found out, and the rest with it.
     void SaveWork(const SubmitTask& task);
 
-    void Remove(qint64 number);
+    /// Forgets all of these, or none when it fails.
+    void Remove(const QVector<qint64>& numbers);
 
     /// The numbers of all owners' tasks.
     QSet<qint64> Numbers();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
@@ -72,7 +73,11 @@ struct SubmitTask
     QString uploadText;
     bool isDone = false;
 
+    int failures = 0;         ///< rounds in a row in which the farm answered, but nothing came of it
+    QDeadlineTimer notBefore; ///< the farm is not asked for it earlier
+
     QVariantList arguments;           ///< empty before the analysis
+    bool areArgumentsEdited = false;  ///< they are the user's, not the scene's
     bool goesOnWithout = false;       ///< the user has agreed to what is missing
     bool areArgumentsChecked = false; ///< the user has agreed to the arguments
     QStringList refused;              ///< files whose upload has failed

@@ -1,0 +1,45 @@
+#include "job_body.h"
+
+#include "scene_analysis.h"
+#include "submit_arguments.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+namespace {
+
+constexpr int kLongestName = 256;
+constexpr int kChecksumLength = 64;
+// The farm takes 1 MiB; names, ranges and the rest are far below the difference.
+constexpr int kMostFileBytes = 1000 * 1000;
+
+QJsonObject FileMembers(const QString& path, const QString& checksum)
+{
+    return {{QStringLiteral("path"), path}, {QStringLiteral("checksum"), checksum}};
+}
+
+} // namespace
+
+QJsonObject JobBody(const SubmitTask& task)
+{
+    QJsonArray files;
+    for (const PackedFile& file : task.work.files)
+        files.append(FileMembers(file.path, file.checksum));
+    QJsonObject job = JobMembers(task.arguments, task.work.width, task.work.height);
+    job.insert(QStringLiteral("submission"), task.submission);
+    job.insert(QStringLiteral("type"), JobTypeOf(task.scene));
+    job.insert(QStringLiteral("name"), QFileInfo(task.scene).completeBaseName().left(kLongestName));
+    job.insert(QStringLiteral("scene"), task.work.scene);
+    job.insert(QStringLiteral("files"), files);
+    return job;
+}
+
+bool AreTooManyFiles(const SubmitWork& work)
+{
+    const QString checksum(kChecksumLength, QLatin1Char('0'));
+    QJsonArray files;
+    for (const PackedFile& file : work.files)
+        files.append(FileMembers(file.path, checksum));
+    return QJsonDocument(files).toJson(QJsonDocument::Compact).size() > kMostFileBytes;
+}
