@@ -11,6 +11,7 @@ namespace {
 
 constexpr int idDigits = 10;
 
+const QString kFile = QStringLiteral("destFile");
 const QString kStatus = QStringLiteral("status");
 const QString kProgress = QStringLiteral("progress");
 const QString kMessage = QStringLiteral("msg");
@@ -28,8 +29,7 @@ QString SourceOf(const DownloadTask& task)
 
 QVariantMap EntryOf(const DownloadTask& task)
 {
-    return {{QStringLiteral("destFile"), task.file},
-        {QStringLiteral("srcFile"), SourceOf(task)},
+    return {{kFile, task.file}, {QStringLiteral("srcFile"), SourceOf(task)},
         {QStringLiteral("jobId"), task.job}, {kStatus, static_cast<int>(task.state)},
         {kProgress, task.progress}, {kMessage, task.message}};
 }
@@ -166,6 +166,8 @@ void DownloadQueue::TakeChanges(const DownloadChanges& changes)
         task[kStatus] = static_cast<int>(change.state);
         task[kProgress] = change.progress;
         task[kMessage] = change.message;
+        if (!change.file.isEmpty())
+            task[kFile] = change.file;
         *found = task;
     }
 }

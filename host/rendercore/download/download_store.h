@@ -46,6 +46,10 @@ public:
     std::optional<DownloadTask> NextWaiting(const QString& owner, qint64 id);
     std::optional<DownloadTask> Find(const QString& owner, qint64 id);
 
+    /// Gives a task a name that neither a task nor anything on the disk has.
+    /// @return whether there is one; the task says where it goes.
+    bool Rename(DownloadTask* task);
+
     /// Writes state, progress, freshness and message of each task that is still there.
     void Save(const DownloadTasks& tasks);
     void Remove(const TaskIds& ids);

@@ -28,7 +28,7 @@ bool Attempt(const char* what, Work work)
 
 DownloadChange ChangeOf(const DownloadTask& task)
 {
-    return {task.id, task.state, task.progress, task.message};
+    return {task.id, task.state, task.progress, task.message, {}};
 }
 
 } // namespace
@@ -166,7 +166,7 @@ void DownloadWorker::Begin(const DownloadTask& task)
     FileDownload* started = transfer.get();
     const qint64 id = task.id;
     connect(started, &FileDownload::Progressed, this, [this, id, started] {
-        emit Changed({{id, DownloadState::Downloading, started->Progress(), {}}});
+        emit Changed({{id, DownloadState::Downloading, started->Progress(), {}, {}}});
     });
     connect(started, &FileDownload::Advanced, this, [this, id] { m_schedule.Advanced(id); });
     connect(started, &FileDownload::Ended, this,
@@ -189,7 +189,7 @@ void DownloadWorker::AbortAll()
 {
     DownloadChanges changes;
     for (const auto& [id, transfer] : m_active)
-        changes.append({id, DownloadState::Waiting, transfer->Progress(), {}});
+        changes.append({id, DownloadState::Waiting, transfer->Progress(), {}, {}});
     m_active.clear();
     if (!changes.isEmpty())
         emit Changed(changes);
@@ -222,11 +222,14 @@ void DownloadWorker::End(qint64 id, const DownloadOutcome& outcome)
             m_schedule.Hurry(id);
         }
         break;
+    case DownloadOutcome::NameTaken:
+        Rename(task);
+        break;
     case DownloadOutcome::Failed:
         Fail(task, outcome.message);
         break;
     case DownloadOutcome::SignedOut:
-        emit Changed({{id, DownloadState::Waiting, transfer->Progress(), {}}});
+        emit Changed({{id, DownloadState::Waiting, transfer->Progress(), {}, {}}});
         SignOut();
         break;
     }
@@ -254,7 +257,7 @@ void DownloadWorker::Postpone(const DownloadTask& task, int progress, const QStr
 {
     const int seconds = (m_schedule.Postpone(task.id, retryAfter) + 999) / 1000;
     emit Changed({{task.id, DownloadState::Waiting, progress,
-        tr("%1 It is tried again in %2 s.").arg(message, QString::number(seconds))}});
+        tr("%1 It is tried again in %2 s.").arg(message, QString::number(seconds)), {}}});
 }
 
 void DownloadWorker::Fail(DownloadTask task, const QString& message)
@@ -267,6 +270,19 @@ void DownloadWorker::Fail(DownloadTask task, const QString& message)
     emit Changed({ChangeOf(task)});
 }
 
+void DownloadWorker::Rename(DownloadTask task)
+{
+    bool isNamed = false;
+    if (!Attempt("name a file otherwise", [&] { isNamed = m_store->Rename(&task); }) || !isNamed) {
+        Postpone(task, 0, tr("There is another file of this name."), 0);
+        return;
+    }
+    DownloadChange change = ChangeOf(task);
+    change.file = task.file;
+    emit Changed({change});
+    m_schedule.Hurry(task.id);
+}
+
 void DownloadWorker::AskAnew(const DownloadTask& task)
 {
     if (!Attempt("order a job anew", [&] { m_store->ReopenOrder(m_access.owner, task.job); })) {
@@ -275,7 +291,7 @@ void DownloadWorker::AskAnew(const DownloadTask& task)
     }
     m_outdated[task.job].insert(task.id);
     m_desk->Hurry();
-    emit Changed({{task.id, DownloadState::Waiting, 0, tr("The farm has another file now.")}});
+    emit Changed({{task.id, DownloadState::Waiting, 0, tr("The farm has another file now."), {}}});
 }
 
 /// Until there is another session.

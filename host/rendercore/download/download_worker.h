@@ -58,6 +58,7 @@ private:
     void Complete(DownloadTask task);
     void Postpone(const DownloadTask& task, int progress, const QString& message, int retryAfter);
     void Fail(DownloadTask task, const QString& message);
+    void Rename(DownloadTask task);
     void AskAnew(const DownloadTask& task);
     void SignOut();
 

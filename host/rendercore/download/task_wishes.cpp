@@ -18,8 +18,8 @@ bool SetResumed(DownloadTask& task)
 
 bool SetRedone(DownloadTask& task)
 {
+    task.fresh = task.fresh || task.state == DownloadState::Finished;
     task.state = DownloadState::Waiting;
-    task.fresh = true;
     task.progress = 0;
     return true;
 }
