@@ -305,8 +305,11 @@ void DownloadWorker::TakeList(const DownloadOrder& order, const FarmFiles& files
 {
     OrderOutcome outcome;
     if (!Attempt(
-            "add tasks", [&] { outcome = m_store->Apply(m_access.owner, order, files, m_access.folder); }))
+            "add tasks", [&] { outcome = m_store->Apply(m_access.owner, order, files, m_access.folder); })) {
+        m_desk->Postpone(order);
         return;
+    }
+    m_desk->GoOn();
     if (files.isEmpty() && order.kind == DownloadOrder::Manual)
         qInfo("job %s has no files to download yet", qUtf8Printable(order.job));
     StartOver(outcome.renewed);
@@ -325,7 +328,10 @@ void DownloadWorker::TakeList(const DownloadOrder& order, const FarmFiles& files
 void DownloadWorker::DropOrder(const DownloadOrder& order, const QString& reason)
 {
     qWarning("the files of job %s cannot be had: %s", qUtf8Printable(order.job), qUtf8Printable(reason));
-    Attempt("close an order", [&] { m_store->CloseOrder(m_access.owner, order); });
+    if (Attempt("close an order", [&] { m_store->CloseOrder(m_access.owner, order); }))
+        m_desk->GoOn();
+    else
+        m_desk->Postpone(order);
     ReleaseOutdated(order.job, {});
 }
 
