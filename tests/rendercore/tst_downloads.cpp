@@ -324,6 +324,8 @@ void DownloadsTest::AFinishedFileStaysUntilItIsReplaced()
     QVERIFY(ReadFile(Frame()) == kFrame);
     client.queue.Remove(client.queue.Tasks()->keys());
     QVERIFY(client.queue.Tasks()->isEmpty());
+    DownloadStore disk(m_folder->filePath(QStringLiteral("transfer/downloads.sqlite")));
+    QVERIFY(disk.TasksAfter(client.access.owner, 0, 1).isEmpty()); // even if the client is killed now
     QVERIFY(QFile::exists(Frame()));
 }
 
@@ -367,6 +369,8 @@ void DownloadsTest::StoppedTasksGoOnWhereTheyWere()
     QTRY_COMPARE(m_server->Requests().size(), 3);
     const QStringList ids = client.queue.Tasks()->keys();
     client.queue.Stop(ids);
+    DownloadStore disk(m_folder->filePath(QStringLiteral("transfer/downloads.sqlite")));
+    QCOMPARE(disk.TasksAfter(client.access.owner, 0, 1).constFirst().state, DownloadState::Stopped);
     QTRY_COMPARE(client.Count(Stopped), 1);
     QTRY_COMPARE(client.Value("progress").toInt(), 66);
 

@@ -337,14 +337,30 @@ void DownloadStore::Save(const DownloadTasks& tasks)
     });
 }
 
-void DownloadStore::Remove(const TaskIds& ids)
+DownloadTasks DownloadStore::Change(
+    const QString& owner, const TaskIds& ids, const std::function<bool(DownloadTask&)>& verdict)
 {
-    m_database.Write([&ids](SQLite::Database& connection) {
-        SQLite::Statement remove(connection, "DELETE FROM tasks WHERE id = ?");
+    return m_database.Write([&](SQLite::Database& /*connection*/) {
+        DownloadTasks changed;
         for (const qint64 id : ids) {
-            remove.reset();
-            storage::Bind(remove, id);
-            remove.exec();
+            auto task = Find(owner, id);
+            if (task && verdict(*task))
+                changed.append(*task);
         }
+        Save(changed);
+        return changed;
+    });
+}
+
+DownloadTasks DownloadStore::Remove(const QString& owner, const TaskIds& ids)
+{
+    return m_database.Write([&](SQLite::Database& connection) {
+        DownloadTasks removed;
+        for (const qint64 id : ids) {
+            const auto task = Find(owner, id);
+            if (task && storage::Execute(connection, "DELETE FROM tasks WHERE id = ?", id) > 0)
+                removed.append(*task);
+        }
+        return removed;
     });
 }

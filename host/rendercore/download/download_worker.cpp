@@ -356,53 +356,58 @@ void DownloadWorker::ReleaseOutdated(const QString& job, const QStringList& name
     });
 }
 
-void DownloadWorker::Stop(const TaskIds& ids)
+/// How far they have come is shown while they are stopped, too.
+void DownloadWorker::Stopped(const TaskIds& ids)
 {
-    // How far they have come is shown while they are stopped, too.
-    DownloadTasks begun;
-    for (DownloadTask task : Do([&ids](TaskWishes wishes) { return wishes.Stop(ids); })) {
+    const auto takeProgress = [this](DownloadTask& task) {
         const auto transfer = m_active.find(task.id);
-        if (transfer != m_active.end()) {
-            task.progress = transfer->second->Progress();
-            begun.append(task);
-        }
-        Abort(task.id);
-    }
-    Attempt("note progress", [&] { m_store->Save(begun); });
-    Report(begun);
+        if (transfer == m_active.end() || task.state != DownloadState::Stopped)
+            return false;
+        task.progress = transfer->second->Progress();
+        return true;
+    };
+    Attempt("note progress", [&] { m_store->Change(m_access.owner, ids, takeProgress); });
+    for (const qint64 id : ids)
+        Abort(id);
+    ReportCurrent(ids);
 }
 
-void DownloadWorker::Resume(const TaskIds& ids)
+void DownloadWorker::Resumed(const TaskIds& ids)
 {
-    for (const DownloadTask& task : Do([&ids](TaskWishes wishes) { return wishes.Resume(ids); }))
+    for (const DownloadTask& task : ReportCurrent(ids))
         m_schedule.Hurry(task.id);
 }
 
-void DownloadWorker::Redownload(const TaskIds& ids)
+void DownloadWorker::Reset(const TaskIds& ids)
 {
-    StartOver(Do([&ids](TaskWishes wishes) { return wishes.Redownload(ids); }));
+    StartOver(ReportCurrent(ids));
 }
 
 void DownloadWorker::Repair(qint64 id)
 {
-    StartOver(Do([id](TaskWishes wishes) { return wishes.Repair({id}); }));
+    if (Attempt("repair a file", [&] { m_store->Change(m_access.owner, {id}, TaskWishes::Repair); }))
+        Reset({id});
 }
 
-void DownloadWorker::Remove(const TaskIds& ids)
+void DownloadWorker::Removed(const DownloadTasks& tasks)
 {
-    for (const DownloadTask& task : Do([&ids](TaskWishes wishes) { return wishes.Remove(ids); })) {
+    for (const DownloadTask& task : tasks) {
         Abort(task.id);
         QFile::remove(DownloadPaths::PartFile(task.file));
     }
+    m_wake.start(0);
 }
 
-/// Reports and returns the tasks that a wish applies to.
-template <typename Wish>
-DownloadTasks DownloadWorker::Do(Wish wish)
+/// Returns what the tasks are by now, too: they may have been changed once more since this was asked for.
+DownloadTasks DownloadWorker::ReportCurrent(const TaskIds& ids)
 {
     DownloadTasks tasks;
-    if (!m_store || !Attempt("change tasks", [&] { tasks = wish(TaskWishes(*m_store, m_access.owner)); }))
-        return {};
+    Attempt("read tasks", [&] {
+        for (const qint64 id : ids) {
+            if (const auto task = m_store->Find(m_access.owner, id))
+                tasks.append(*task);
+        }
+    });
     Report(tasks);
     m_wake.start(0);
     return tasks;
