@@ -30,6 +30,15 @@ QString FirstLine(const QString& file)
     return QString::fromUtf8(line);
 }
 
+/// One host may have several farms, by port or by path.
+QString DistinctName(const QUrl& server)
+{
+    QString name = server.toString();
+    while (name.endsWith(QLatin1Char('/')))
+        name.chop(1);
+    return name;
+}
+
 } // namespace
 
 ClientHost::ClientHost(const HostOptions& options, QObject* parent)
@@ -58,6 +67,9 @@ bool ClientHost::Start(QString* error)
     // The plugin reads the server's name at sign-in.
     m_services.settings.SetValue(QStringLiteral("vtr.web/currentserver"),
         embedded ? QString::fromLatin1(kEmbeddedServer) : m_options.server.host());
+    // The address of an embedded farm changes with each of its starts.
+    m_services.renderCore.SetServerName(
+        embedded ? QString::fromLatin1(kEmbeddedServer) : DistinctName(m_options.server));
 
     if (!StartPlugin(error))
         return false;

@@ -158,6 +158,10 @@
         <source>The farm does not give the file that it lists.</source>
         <translation>The farm does not give the file that it lists.</translation>
     </message>
+    <message>
+        <source>There is another file of this name.</source>
+        <translation>There is another file of this name.</translation>
+    </message>
 </context>
 <context>
     <name>FarmProtocol</name>

@@ -158,6 +158,10 @@
         <source>The farm does not give the file that it lists.</source>
         <translation>渲染农场未能提供其列出的文件。</translation>
     </message>
+    <message>
+        <source>There is another file of this name.</source>
+        <translation>已有另一个同名文件。</translation>
+    </message>
 </context>
 <context>
     <name>FarmProtocol</name>

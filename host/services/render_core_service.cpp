@@ -52,9 +52,7 @@ void RenderCoreService::PassAccess()
     access.apiRoot = FarmApiRoot(m_server);
     access.token = m_token;
     if (!m_userName.isEmpty()) {
-        // The address of an embedded farm changes with each of its starts; its configured name does not.
-        access.owner = m_settings->Value(QStringLiteral("vtr.web/currentserver"), {}).toString()
-            + QLatin1Char('/') + m_userName;
+        access.owner = m_serverName + QLatin1Char('/') + m_userName;
         access.folder = DownloadFolder::Of(m_settings, m_userName);
     }
     m_submissions.SetAccess(access);

@@ -20,6 +20,8 @@ public:
     /// @param settings must outlive this service.
     RenderCoreService(const QString& folder, VTSettingsInterface* settings, QObject* parent = nullptr);
 
+    /// @param name tells servers apart, across starts of the client; to be set before a session begins.
+    void SetServerName(const QString& name) { m_serverName = name; }
     /// @param url root of the server; empty while there is none.
     void SetServerUrl(const QUrl& url);
 
@@ -66,6 +68,7 @@ private:
     SubmitQueue m_submissions;
     DownloadQueue m_downloads;
     QUrl m_server;
+    QString m_serverName;
     QString m_userName;
     QString m_token;
     QPointer<QObject> m_formFilter;

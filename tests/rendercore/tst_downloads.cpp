@@ -114,6 +114,8 @@ private slots:
     void LinksOutOfTheFolderAreNotFollowed_data();
     void LinksOutOfTheFolderAreNotFollowed();
     void AFinishedFileStaysUntilItIsReplaced();
+    void FilesOfOthersStay_data();
+    void FilesOfOthersStay();
     void StoppedTasksGoOnWhereTheyWere();
     void AManualOrderRepairsWhatIsDamaged();
     void TasksRestWithoutTheirOwner();
@@ -322,7 +324,41 @@ void DownloadsTest::AFinishedFileStaysUntilItIsReplaced()
     QVERIFY(ReadFile(Frame()) == kFrame);
     client.queue.Remove(client.queue.Tasks()->keys());
     QVERIFY(client.queue.Tasks()->isEmpty());
+    DownloadStore disk(m_folder->filePath(QStringLiteral("transfer/downloads.sqlite")));
+    QVERIFY(disk.TasksAfter(client.access.owner, 0, 1).isEmpty()); // even if the client is killed now
     QVERIFY(QFile::exists(Frame()));
+}
+
+void DownloadsTest::FilesOfOthersStay_data()
+{
+    QTest::addColumn<QByteArray>("there");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("the same") << kFrame << QStringLiteral("frame_0001.png");
+    QTest::newRow("of another size") << kOtherFrame << QStringLiteral("frame_0001 (3).png");
+    QTest::newRow("of the same size")
+        << QByteArray(kFrame.size(), 'z') << QStringLiteral("frame_0001 (3).png");
+}
+
+/// The first name is a stranger's, the second another account's.
+void DownloadsTest::FilesOfOthersStay()
+{
+    QFETCH(QByteArray, there);
+    QFETCH(QString, name);
+    QDir().mkpath(m_folder->filePath(QStringLiteral("frames/12_shot")));
+    WriteFile(Frame(), "a stranger's");
+    m_server->SetReplies({Listed(kOtherFrame), Whole(kOtherFrame), Listed(kFrame), Whole(kFrame)});
+    Client client(m_folder->path(), m_server->Url());
+    client.queue.Order(Order(QStringLiteral("j1"), true));
+    QTRY_COMPARE(client.finished.count(), 1);
+    const QString others = client.finished.takeFirst().constFirst().toString();
+    WriteFile(Frame(), there);
+    client.access.owner = QStringLiteral("farm/bob");
+    client.queue.SetAccess(client.access);
+    client.queue.Order(Order(QStringLiteral("j1"), true));
+    QTRY_COMPARE(client.Count(Finished), 1);
+    QCOMPARE(QFileInfo(client.Value("destFile").toString()).fileName(), name);
+    QVERIFY(ReadFile(client.Value("destFile").toString()) == kFrame);
+    QVERIFY(ReadFile(Frame()) == there && ReadFile(others) == kOtherFrame);
 }
 
 void DownloadsTest::StoppedTasksGoOnWhereTheyWere()
@@ -333,6 +369,8 @@ void DownloadsTest::StoppedTasksGoOnWhereTheyWere()
     QTRY_COMPARE(m_server->Requests().size(), 3);
     const QStringList ids = client.queue.Tasks()->keys();
     client.queue.Stop(ids);
+    DownloadStore disk(m_folder->filePath(QStringLiteral("transfer/downloads.sqlite")));
+    QCOMPARE(disk.TasksAfter(client.access.owner, 0, 1).constFirst().state, DownloadState::Stopped);
     QTRY_COMPARE(client.Count(Stopped), 1);
     QTRY_COMPARE(client.Value("progress").toInt(), 66);
 

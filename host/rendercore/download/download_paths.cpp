@@ -45,12 +45,24 @@ QString SafeComponent(const QString& name)
     return safe.toUtf8().size() > longestBytes ? Shortened(safe) : safe;
 }
 
-QString Destination(const QString& root, const QString& subDir, const QString& name, int copy)
+QString FileName(const QString& name, int copy)
 {
     QString safe = SafeComponent(name);
     if (copy > 1)
         safe.insert(safe.size() - Suffix(safe).size(), QStringLiteral(" (%1)").arg(copy));
-    return QDir::cleanPath(root) + QLatin1Char('/') + SafeComponent(subDir) + QLatin1Char('/') + safe;
+    return safe;
+}
+
+QString Destination(const QString& root, const QString& subDir, const QString& name, int copy)
+{
+    return QDir::cleanPath(root) + QLatin1Char('/') + SafeComponent(subDir) + QLatin1Char('/')
+        + FileName(name, copy);
+}
+
+bool IsOccupied(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.exists() || info.isSymLink();
 }
 
 QString PartFile(const QString& destination)

@@ -12,6 +12,12 @@ QString SafeComponent(const QString& name);
 /// @param copy from 2 on, for a name that is taken: it goes before the suffix.
 QString Destination(const QString& root, const QString& subDir, const QString& name, int copy = 1);
 
+/// The last component of a destination, as Destination() makes it.
+QString FileName(const QString& name, int copy);
+
+/// Whether there is anything at that path, be it a link that leads nowhere.
+bool IsOccupied(const QString& path);
+
 /// The hidden file beside a destination that holds it as far as it has come.
 QString PartFile(const QString& destination);
 

@@ -1,6 +1,7 @@
 #include "download_queue.h"
 
 #include "download_worker.h"
+#include "task_wishes.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -11,6 +12,7 @@ namespace {
 
 constexpr int idDigits = 10;
 
+const QString kFile = QStringLiteral("destFile");
 const QString kStatus = QStringLiteral("status");
 const QString kProgress = QStringLiteral("progress");
 const QString kMessage = QStringLiteral("msg");
@@ -28,8 +30,7 @@ QString SourceOf(const DownloadTask& task)
 
 QVariantMap EntryOf(const DownloadTask& task)
 {
-    return {{QStringLiteral("destFile"), task.file},
-        {QStringLiteral("srcFile"), SourceOf(task)},
+    return {{kFile, task.file}, {QStringLiteral("srcFile"), SourceOf(task)},
         {QStringLiteral("jobId"), task.job}, {kStatus, static_cast<int>(task.state)},
         {kProgress, task.progress}, {kMessage, task.message}};
 }
@@ -100,40 +101,65 @@ void DownloadQueue::SetAccess(const FarmAccess& access)
 
 void DownloadQueue::Order(const QVariantMap& orders)
 {
-    if (!m_store || m_access.owner.isEmpty())
+    if (m_access.owner.isEmpty())
         return;
-    try {
-        if (m_store->AddOrders(m_access.owner, OrdersOf(orders)))
-            emit Told([](DownloadWorker* worker) { worker->TakeOrders(); });
-    } catch (const std::exception& failure) {
-        qCritical("an order of downloads cannot be kept: %s", failure.what());
-    }
+    bool isNew = false;
+    if (Write([&] { isNew = m_store->AddOrders(m_access.owner, OrdersOf(orders)); }) && isNew)
+        emit Told([](DownloadWorker* worker) { worker->TakeOrders(); });
 }
 
 void DownloadQueue::Stop(const QStringList& ids)
 {
-    emit Told([known = Known(ids)](DownloadWorker* worker) { worker->Stop(known); });
+    Change(ids, TaskWishes::Stop, &DownloadWorker::Stopped);
 }
 
 void DownloadQueue::Resume(const QStringList& ids)
 {
-    emit Told([known = Known(ids)](DownloadWorker* worker) { worker->Resume(known); });
+    Change(ids, TaskWishes::Resume, &DownloadWorker::Resumed);
 }
 
 void DownloadQueue::Redownload(const QStringList& ids)
 {
-    emit Told([known = Known(ids)](DownloadWorker* worker) { worker->Redownload(known); });
+    Change(ids, TaskWishes::Redownload, &DownloadWorker::Reset);
+}
+
+void DownloadQueue::Change(const QStringList& ids, bool (*wish)(DownloadTask& task),
+    void (DownloadWorker::*then)(const TaskIds& ids))
+{
+    TaskIds changed;
+    if (!Write([&] {
+            for (const DownloadTask& task : m_store->Change(m_access.owner, Known(ids), wish))
+                changed.append(task.id);
+        })
+        || changed.isEmpty())
+        return;
+    emit Told([changed, then](DownloadWorker* worker) { (worker->*then)(changed); });
 }
 
 void DownloadQueue::Remove(const QStringList& ids)
 {
     const TaskIds known = Known(ids);
-    if (known.isEmpty())
+    DownloadTasks removed;
+    if (known.isEmpty() || !Write([&] { removed = m_store->Remove(m_access.owner, known); }))
         return;
     for (const qint64 id : known)
         m_tasks.remove(IdOf(id));
-    emit Told([known](DownloadWorker* worker) { worker->Remove(known); });
+    emit Told([removed](DownloadWorker* worker) { worker->Removed(removed); });
     emit ListChanged();
+}
+
+/// Whatever cannot be written has not happened.
+bool DownloadQueue::Write(const std::function<void()>& work) const
+{
+    if (!m_store)
+        return false;
+    try {
+        work();
+        return true;
+    } catch (const std::exception& failure) {
+        qCritical("downloads cannot be written: %s", failure.what());
+        return false;
+    }
 }
 
 TaskIds DownloadQueue::Known(const QStringList& ids) const
@@ -166,6 +192,8 @@ void DownloadQueue::TakeChanges(const DownloadChanges& changes)
         task[kStatus] = static_cast<int>(change.state);
         task[kProgress] = change.progress;
         task[kMessage] = change.message;
+        if (!change.file.isEmpty())
+            task[kFile] = change.file;
         *found = task;
     }
 }

@@ -18,7 +18,7 @@ using DownloadWish = std::function<void(DownloadWorker*)>;
 Q_DECLARE_METATYPE(DownloadWish)
 
 /// The files that are on their way from the farm, as the window sees them: on the GUI thread, for the account that is
-/// signed in. Whatever touches disk or network happens in a thread of its own; only orders are written at once.
+/// signed in. Whatever touches disk or network happens in a thread of its own; only what people want is written at once.
 class DownloadQueue : public QObject
 {
     Q_OBJECT
@@ -43,7 +43,7 @@ public:
     /// when this returns.
     void Order(const QVariantMap& orders);
 
-    // Ids that are none of a task are ignored.
+    // Ids that are none of a task are ignored. What was wanted is on the disk when these return.
 
     /// Those that wait or are on their way rest until they are resumed.
     void Stop(const QStringList& ids);
@@ -64,6 +64,9 @@ signals:
     void Told(const DownloadWish& wish);
 
 private:
+    bool Write(const std::function<void()>& work) const;
+    void Change(const QStringList& ids, bool (*wish)(DownloadTask& task),
+        void (DownloadWorker::*then)(const TaskIds& ids));
     TaskIds Known(const QStringList& ids) const;
     void TakeTasks(int session, const DownloadTasks& tasks);
     void TakeChanges(const DownloadChanges& changes);

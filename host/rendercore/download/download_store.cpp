@@ -2,6 +2,7 @@
 
 #include "download_paths.h"
 
+#include <QFileInfo>
 #include <QHash>
 
 namespace {
@@ -37,6 +38,9 @@ CREATE TABLE tasks(
 CREATE INDEX tasks_by_owner ON tasks(owner, id);
 CREATE INDEX waiting_tasks ON tasks(owner, id) WHERE state = 0;
 )sql";
+
+// Owners share the disk.
+constexpr const char* fileIndex = "CREATE INDEX tasks_by_file ON tasks(file)";
 
 #define NEXT_SERIAL "(SELECT coalesce(max(serial), 0) + 1 FROM orders)"
 #define SELECT_TASKS "SELECT id, job, name, file, size, checksum, state, progress, fresh, message FROM tasks "
@@ -82,9 +86,10 @@ public:
         , m_order(order)
         , m_insert(connection,
               "INSERT INTO tasks(owner, job, name, file, size, checksum) VALUES (?, ?, ?, ?, ?, ?)")
-        , m_isTaken(connection, "SELECT 1 FROM tasks WHERE owner = ? AND file = ?")
+        , m_isTaken(connection, "SELECT 1 FROM tasks WHERE file = ?")
         , m_renew(connection,
-              "UPDATE tasks SET size = ?, checksum = ?, state = 0, progress = 0, message = '' WHERE id = ?")
+              "UPDATE tasks SET size = ?, checksum = ?, fresh = ?, state = 0, progress = 0, message = '' "
+              "WHERE id = ?")
         , m_resume(connection, "UPDATE tasks SET state = 0, message = '' WHERE id = ?")
         , m_connection(connection)
     {
@@ -116,7 +121,7 @@ private:
         task.checksum = file.checksum;
         for (int copy = 1; copy <= mostCopies; ++copy) {
             task.file = DownloadPaths::Destination(folder, m_order.subDir, file.name, copy);
-            if (IsTaken(task.file))
+            if (IsTaken(task.file, file.size))
                 continue;
             Run(m_insert, m_owner, task.job, task.name, task.file, task.size, task.checksum);
             task.id = m_connection.getLastInsertRowid();
@@ -127,11 +132,12 @@ private:
         qWarning("no name is left for a file of job %s", qUtf8Printable(m_order.job));
     }
 
-    bool IsTaken(const QString& file)
+    /// A file of no task that may be this very one is looked at when the task begins.
+    bool IsTaken(const QString& file, qint64 size)
     {
         m_isTaken.reset();
-        storage::Bind(m_isTaken, m_owner, file);
-        return m_isTaken.executeStep();
+        storage::Bind(m_isTaken, file);
+        return m_isTaken.executeStep() || (DownloadPaths::IsOccupied(file) && QFileInfo(file).size() != size);
     }
 
     void Renew(DownloadTask task, const FarmFile& file)
@@ -144,6 +150,7 @@ private:
             m_outcome.doubtful.append(task);
             return;
         }
+        task.fresh = task.fresh || task.state == DownloadState::Finished;
         task.state = DownloadState::Waiting;
         task.message.clear();
         if (isSame) {
@@ -154,7 +161,7 @@ private:
         task.size = file.size;
         task.checksum = file.checksum;
         task.progress = 0;
-        Run(m_renew, task.size, task.checksum, task.id);
+        Run(m_renew, task.size, task.checksum, int(task.fresh), task.id);
         m_outcome.renewed.append(task);
     }
 
@@ -190,7 +197,7 @@ void Close(SQLite::Database& connection, const QString& owner, const DownloadOrd
 } // namespace
 
 DownloadStore::DownloadStore(const QString& file)
-    : m_database(file, {firstSchema})
+    : m_database(file, {firstSchema, fileIndex})
 {
 }
 
@@ -296,6 +303,26 @@ std::optional<DownloadTask> DownloadStore::Find(const QString& owner, qint64 id)
     });
 }
 
+bool DownloadStore::Rename(DownloadTask* task)
+{
+    const QString folder = QFileInfo(task->file).path() + QLatin1Char('/');
+    return m_database.Write([&](SQLite::Database& connection) {
+        for (int copy = 1; copy <= mostCopies; ++copy) {
+            const QString file = folder + DownloadPaths::FileName(task->name, copy);
+            if (DownloadPaths::IsOccupied(file)
+                || storage::Execute(connection,
+                       "UPDATE tasks SET file = ?1 WHERE id = ?2 "
+                       "AND NOT EXISTS (SELECT 1 FROM tasks WHERE file = ?1)",
+                       file, task->id)
+                    == 0)
+                continue;
+            task->file = file;
+            return true;
+        }
+        return false;
+    });
+}
+
 void DownloadStore::Save(const DownloadTasks& tasks)
 {
     m_database.Write([&tasks](SQLite::Database& connection) {
@@ -310,14 +337,30 @@ void DownloadStore::Save(const DownloadTasks& tasks)
     });
 }
 
-void DownloadStore::Remove(const TaskIds& ids)
+DownloadTasks DownloadStore::Change(
+    const QString& owner, const TaskIds& ids, const std::function<bool(DownloadTask&)>& verdict)
 {
-    m_database.Write([&ids](SQLite::Database& connection) {
-        SQLite::Statement remove(connection, "DELETE FROM tasks WHERE id = ?");
+    return m_database.Write([&](SQLite::Database& /*connection*/) {
+        DownloadTasks changed;
         for (const qint64 id : ids) {
-            remove.reset();
-            storage::Bind(remove, id);
-            remove.exec();
+            auto task = Find(owner, id);
+            if (task && verdict(*task))
+                changed.append(*task);
         }
+        Save(changed);
+        return changed;
+    });
+}
+
+DownloadTasks DownloadStore::Remove(const QString& owner, const TaskIds& ids)
+{
+    return m_database.Write([&](SQLite::Database& connection) {
+        DownloadTasks removed;
+        for (const qint64 id : ids) {
+            const auto task = Find(owner, id);
+            if (task && storage::Execute(connection, "DELETE FROM tasks WHERE id = ?", id) > 0)
+                removed.append(*task);
+        }
+        return removed;
     });
 }

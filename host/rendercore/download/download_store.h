@@ -5,6 +5,7 @@
 
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 /// What an answered order did to the tasks.
@@ -46,9 +47,19 @@ public:
     std::optional<DownloadTask> NextWaiting(const QString& owner, qint64 id);
     std::optional<DownloadTask> Find(const QString& owner, qint64 id);
 
+    /// Gives a task a name that neither a task nor anything on the disk has.
+    /// @return whether there is one; the task says where it goes.
+    bool Rename(DownloadTask* task);
+
     /// Writes state, progress, freshness and message of each task that is still there.
     void Save(const DownloadTasks& tasks);
-    void Remove(const TaskIds& ids);
+    /// Writes and returns those of the owner's tasks that a verdict has changed, as one transaction. Ids that are none
+    /// of the owner's tasks are left out.
+    /// @param verdict changes a task; false where it does not apply.
+    DownloadTasks Change(
+        const QString& owner, const TaskIds& ids, const std::function<bool(DownloadTask&)>& verdict);
+    /// @return those of the owner's tasks that were there.
+    DownloadTasks Remove(const QString& owner, const TaskIds& ids);
 
 private:
     storage::Database m_database;

@@ -17,8 +17,9 @@ struct DownloadTask
     qint64 size = 0;  ///< in bytes
     QString checksum; ///< SHA-256 as 64 lower-case hexadecimal digits
     DownloadState state = DownloadState::Waiting;
-    int progress = 0;   ///< percent
-    bool fresh = false; ///< a file that is there already does not count, whatever it holds
+    int progress = 0; ///< percent
+    bool fresh
+        = false; ///< the file that is there is the task's own of before; it does not count and is replaced
     QString message;
 };
 
@@ -29,6 +30,7 @@ struct DownloadChange
     DownloadState state = DownloadState::Waiting;
     int progress = 0;
     QString message;
+    QString file; ///< where it goes from now on; empty: where it went before
 };
 
 /// A file as the farm lists it.

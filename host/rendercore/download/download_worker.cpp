@@ -28,7 +28,7 @@ bool Attempt(const char* what, Work work)
 
 DownloadChange ChangeOf(const DownloadTask& task)
 {
-    return {task.id, task.state, task.progress, task.message};
+    return {task.id, task.state, task.progress, task.message, {}};
 }
 
 } // namespace
@@ -166,7 +166,7 @@ void DownloadWorker::Begin(const DownloadTask& task)
     FileDownload* started = transfer.get();
     const qint64 id = task.id;
     connect(started, &FileDownload::Progressed, this, [this, id, started] {
-        emit Changed({{id, DownloadState::Downloading, started->Progress(), {}}});
+        emit Changed({{id, DownloadState::Downloading, started->Progress(), {}, {}}});
     });
     connect(started, &FileDownload::Advanced, this, [this, id] { m_schedule.Advanced(id); });
     connect(started, &FileDownload::Ended, this,
@@ -189,7 +189,7 @@ void DownloadWorker::AbortAll()
 {
     DownloadChanges changes;
     for (const auto& [id, transfer] : m_active)
-        changes.append({id, DownloadState::Waiting, transfer->Progress(), {}});
+        changes.append({id, DownloadState::Waiting, transfer->Progress(), {}, {}});
     m_active.clear();
     if (!changes.isEmpty())
         emit Changed(changes);
@@ -222,11 +222,14 @@ void DownloadWorker::End(qint64 id, const DownloadOutcome& outcome)
             m_schedule.Hurry(id);
         }
         break;
+    case DownloadOutcome::NameTaken:
+        Rename(task);
+        break;
     case DownloadOutcome::Failed:
         Fail(task, outcome.message);
         break;
     case DownloadOutcome::SignedOut:
-        emit Changed({{id, DownloadState::Waiting, transfer->Progress(), {}}});
+        emit Changed({{id, DownloadState::Waiting, transfer->Progress(), {}, {}}});
         SignOut();
         break;
     }
@@ -254,7 +257,7 @@ void DownloadWorker::Postpone(const DownloadTask& task, int progress, const QStr
 {
     const int seconds = (m_schedule.Postpone(task.id, retryAfter) + 999) / 1000;
     emit Changed({{task.id, DownloadState::Waiting, progress,
-        tr("%1 It is tried again in %2 s.").arg(message, QString::number(seconds))}});
+        tr("%1 It is tried again in %2 s.").arg(message, QString::number(seconds)), {}}});
 }
 
 void DownloadWorker::Fail(DownloadTask task, const QString& message)
@@ -267,6 +270,19 @@ void DownloadWorker::Fail(DownloadTask task, const QString& message)
     emit Changed({ChangeOf(task)});
 }
 
+void DownloadWorker::Rename(DownloadTask task)
+{
+    bool isNamed = false;
+    if (!Attempt("name a file otherwise", [&] { isNamed = m_store->Rename(&task); }) || !isNamed) {
+        Postpone(task, 0, tr("There is another file of this name."), 0);
+        return;
+    }
+    DownloadChange change = ChangeOf(task);
+    change.file = task.file;
+    emit Changed({change});
+    m_schedule.Hurry(task.id);
+}
+
 void DownloadWorker::AskAnew(const DownloadTask& task)
 {
     if (!Attempt("order a job anew", [&] { m_store->ReopenOrder(m_access.owner, task.job); })) {
@@ -275,7 +291,7 @@ void DownloadWorker::AskAnew(const DownloadTask& task)
     }
     m_outdated[task.job].insert(task.id);
     m_desk->Hurry();
-    emit Changed({{task.id, DownloadState::Waiting, 0, tr("The farm has another file now.")}});
+    emit Changed({{task.id, DownloadState::Waiting, 0, tr("The farm has another file now."), {}}});
 }
 
 /// Until there is another session.
@@ -289,8 +305,11 @@ void DownloadWorker::TakeList(const DownloadOrder& order, const FarmFiles& files
 {
     OrderOutcome outcome;
     if (!Attempt(
-            "add tasks", [&] { outcome = m_store->Apply(m_access.owner, order, files, m_access.folder); }))
+            "add tasks", [&] { outcome = m_store->Apply(m_access.owner, order, files, m_access.folder); })) {
+        m_desk->Postpone(order);
         return;
+    }
+    m_desk->GoOn();
     if (files.isEmpty() && order.kind == DownloadOrder::Manual)
         qInfo("job %s has no files to download yet", qUtf8Printable(order.job));
     StartOver(outcome.renewed);
@@ -309,7 +328,10 @@ void DownloadWorker::TakeList(const DownloadOrder& order, const FarmFiles& files
 void DownloadWorker::DropOrder(const DownloadOrder& order, const QString& reason)
 {
     qWarning("the files of job %s cannot be had: %s", qUtf8Printable(order.job), qUtf8Printable(reason));
-    Attempt("close an order", [&] { m_store->CloseOrder(m_access.owner, order); });
+    if (Attempt("close an order", [&] { m_store->CloseOrder(m_access.owner, order); }))
+        m_desk->GoOn();
+    else
+        m_desk->Postpone(order);
     ReleaseOutdated(order.job, {});
 }
 
@@ -334,53 +356,58 @@ void DownloadWorker::ReleaseOutdated(const QString& job, const QStringList& name
     });
 }
 
-void DownloadWorker::Stop(const TaskIds& ids)
+/// How far they have come is shown while they are stopped, too.
+void DownloadWorker::Stopped(const TaskIds& ids)
 {
-    // How far they have come is shown while they are stopped, too.
-    DownloadTasks begun;
-    for (DownloadTask task : Do([&ids](TaskWishes wishes) { return wishes.Stop(ids); })) {
+    const auto takeProgress = [this](DownloadTask& task) {
         const auto transfer = m_active.find(task.id);
-        if (transfer != m_active.end()) {
-            task.progress = transfer->second->Progress();
-            begun.append(task);
-        }
-        Abort(task.id);
-    }
-    Attempt("note progress", [&] { m_store->Save(begun); });
-    Report(begun);
+        if (transfer == m_active.end() || task.state != DownloadState::Stopped)
+            return false;
+        task.progress = transfer->second->Progress();
+        return true;
+    };
+    Attempt("note progress", [&] { m_store->Change(m_access.owner, ids, takeProgress); });
+    for (const qint64 id : ids)
+        Abort(id);
+    ReportCurrent(ids);
 }
 
-void DownloadWorker::Resume(const TaskIds& ids)
+void DownloadWorker::Resumed(const TaskIds& ids)
 {
-    for (const DownloadTask& task : Do([&ids](TaskWishes wishes) { return wishes.Resume(ids); }))
+    for (const DownloadTask& task : ReportCurrent(ids))
         m_schedule.Hurry(task.id);
 }
 
-void DownloadWorker::Redownload(const TaskIds& ids)
+void DownloadWorker::Reset(const TaskIds& ids)
 {
-    StartOver(Do([&ids](TaskWishes wishes) { return wishes.Redownload(ids); }));
+    StartOver(ReportCurrent(ids));
 }
 
 void DownloadWorker::Repair(qint64 id)
 {
-    StartOver(Do([id](TaskWishes wishes) { return wishes.Repair({id}); }));
+    if (Attempt("repair a file", [&] { m_store->Change(m_access.owner, {id}, TaskWishes::Repair); }))
+        Reset({id});
 }
 
-void DownloadWorker::Remove(const TaskIds& ids)
+void DownloadWorker::Removed(const DownloadTasks& tasks)
 {
-    for (const DownloadTask& task : Do([&ids](TaskWishes wishes) { return wishes.Remove(ids); })) {
+    for (const DownloadTask& task : tasks) {
         Abort(task.id);
         QFile::remove(DownloadPaths::PartFile(task.file));
     }
+    m_wake.start(0);
 }
 
-/// Reports and returns the tasks that a wish applies to.
-template <typename Wish>
-DownloadTasks DownloadWorker::Do(Wish wish)
+/// Returns what the tasks are by now, too: they may have been changed once more since this was asked for.
+DownloadTasks DownloadWorker::ReportCurrent(const TaskIds& ids)
 {
     DownloadTasks tasks;
-    if (!m_store || !Attempt("change tasks", [&] { tasks = wish(TaskWishes(*m_store, m_access.owner)); }))
-        return {};
+    Attempt("read tasks", [&] {
+        for (const qint64 id : ids) {
+            if (const auto task = m_store->Find(m_access.owner, id))
+                tasks.append(*task);
+        }
+    });
     Report(tasks);
     m_wake.start(0);
     return tasks;

@@ -33,10 +33,13 @@ public:
     /// The receiver has taken the tasks that came, and has time for more.
     void LoadOn();
     void TakeOrders();
-    void Stop(const TaskIds& ids);
-    void Resume(const TaskIds& ids);
-    void Redownload(const TaskIds& ids);
-    void Remove(const TaskIds& ids);
+
+    // The tasks have been changed on the disk.
+
+    void Stopped(const TaskIds& ids);
+    void Resumed(const TaskIds& ids);
+    void Reset(const TaskIds& ids);
+    void Removed(const DownloadTasks& tasks);
 
 signals:
     void Came(int session, const DownloadTasks& tasks);
@@ -58,6 +61,7 @@ private:
     void Complete(DownloadTask task);
     void Postpone(const DownloadTask& task, int progress, const QString& message, int retryAfter);
     void Fail(DownloadTask task, const QString& message);
+    void Rename(DownloadTask task);
     void AskAnew(const DownloadTask& task);
     void SignOut();
 
@@ -66,8 +70,7 @@ private:
     void ReleaseOutdated(const QString& job, const QStringList& names);
     void Repair(qint64 id);
 
-    template <typename Wish>
-    DownloadTasks Do(Wish wish);
+    DownloadTasks ReportCurrent(const TaskIds& ids);
     void StartOver(const DownloadTasks& tasks);
     void Report(const DownloadTasks& tasks);
     void Store(const DownloadTask& task);

@@ -72,9 +72,8 @@ void FileDownload::Start()
     const QString trouble = DownloadPaths::PrepareFolder(m_task.file);
     if (!trouble.isEmpty()) {
         End(DownloadOutcome::Failed, trouble);
-    } else if (IsThereAlready()) {
-        QFile::remove(m_partFile);
-        End(DownloadOutcome::Complete);
+    } else if (!m_task.fresh && DownloadPaths::IsOccupied(m_task.file)) {
+        TakeWhatIsThere();
     } else if (TakePart()) {
         emit Progressed();
         if (m_offset == m_task.size)
@@ -84,11 +83,23 @@ void FileDownload::Start()
     }
 }
 
-/// So it is after the client was killed between giving the file its name and noting that; it is reported now.
-bool FileDownload::IsThereAlready() const
+/// The file is there already after the client was killed between giving it its name and noting that; it is reported now.
+/// Anything else in its place is somebody else's.
+void FileDownload::TakeWhatIsThere()
+{
+    const bool isWhole = IsWhole();
+    if (IsQuitting()) {
+        End(DownloadOutcome::Broken, tr("The transfer was interrupted."));
+        return;
+    }
+    QFile::remove(m_partFile);
+    End(isWhole ? DownloadOutcome::Complete : DownloadOutcome::NameTaken);
+}
+
+bool FileDownload::IsWhole() const
 {
     const QFileInfo info(m_task.file);
-    if (m_task.fresh || !info.isFile() || info.isSymLink() || info.size() != m_task.size)
+    if (!info.isFile() || info.isSymLink() || info.size() != m_task.size)
         return false;
     try {
         return storage::FileChecksum(m_task.file, [](qint64) { return !IsQuitting(); }) == m_task.checksum;

@@ -21,11 +21,12 @@ struct DownloadOutcome
         Outdated,  ///< the farm has another file of that name, or none
         Damaged,   ///< all bytes came, but not the right ones; they are gone
         Failed,    ///< and will again
+        NameTaken, ///< by something else on the disk, which stays
         SignedOut, ///< the farm does not know the session
     };
 
     Kind kind = Broken;
-    QString message;    ///< for people; empty for Complete
+    QString message;    ///< for people; empty for Complete and NameTaken
     int retryAfter = 0; ///< pause that the farm asked for, in milliseconds
 };
 
@@ -55,7 +56,8 @@ signals:
     void Ended(const DownloadOutcome& outcome);
 
 private:
-    bool IsThereAlready() const;
+    void TakeWhatIsThere();
+    bool IsWhole() const;
     bool TakePart();
     bool OpenPart();
     bool HashPart();

@@ -68,6 +68,12 @@ void OrderDesk::Hurry()
     m_pause.start(0);
 }
 
+void OrderDesk::GoOn()
+{
+    m_failures = 0;
+    m_pause.start(0);
+}
+
 void OrderDesk::Look()
 {
     if (!m_access.IsOpen() || m_asked.size() >= m_limits.lists)
@@ -100,15 +106,11 @@ void OrderDesk::Take(const DownloadOrder& order, const HttpResult& result)
 {
     m_asked.remove(order.job);
     if (IsList(result)) {
-        m_failures = 0;
         emit Listed(order, FilesOf(result.json));
-        m_pause.start(0);
     } else if (result.status == 401) {
         emit SignedOut();
     } else if (result.status == HttpResult::TooLarge || (result.status >= 400 && !IsPassing(result.status))) {
-        m_failures = 0;
         emit Refused(order, result.error);
-        m_pause.start(0);
     } else {
         Postpone(order);
     }

@@ -25,6 +25,13 @@ public:
     /// Questions on their way are dropped; those that are open are asked anew.
     void SetAccess(const FarmAccess& access);
 
+    // An order that was listed or refused is answered with one of these.
+
+    /// It is done with.
+    void GoOn();
+    /// It cannot be done with now; it is asked about again after a pause, which grows with each failure.
+    void Postpone(const DownloadOrder& order);
+
     /// There are orders; they are asked about even if the last failure is not long ago.
     void Hurry();
 
@@ -38,7 +45,6 @@ private:
     void Look();
     void Ask(const DownloadOrder& order);
     void Take(const DownloadOrder& order, const HttpResult& result);
-    void Postpone(const DownloadOrder& order);
 
     DownloadStore* m_store;
     HttpTransport* m_transport;

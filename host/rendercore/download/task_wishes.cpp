@@ -1,86 +1,37 @@
 #include "task_wishes.h"
 
-namespace {
+namespace TaskWishes {
 
-bool SetStopped(DownloadTask& task)
+bool Stop(DownloadTask& task)
 {
-    const bool applies = task.state == DownloadState::Waiting;
+    if (task.state != DownloadState::Waiting)
+        return false;
     task.state = DownloadState::Stopped;
-    return applies;
-}
-
-bool SetResumed(DownloadTask& task)
-{
-    const bool applies = task.state == DownloadState::Stopped || task.state == DownloadState::Failed;
-    task.state = DownloadState::Waiting;
-    return applies;
-}
-
-bool SetRedone(DownloadTask& task)
-{
-    task.state = DownloadState::Waiting;
-    task.fresh = true;
-    task.progress = 0;
+    task.message.clear();
     return true;
 }
 
-bool SetRepaired(DownloadTask& task)
+bool Resume(DownloadTask& task)
 {
-    return task.state == DownloadState::Finished && SetRedone(task);
+    if (task.state != DownloadState::Stopped && task.state != DownloadState::Failed)
+        return false;
+    task.state = DownloadState::Waiting;
+    task.message.clear();
+    return true;
 }
 
-} // namespace
-
-TaskWishes::TaskWishes(DownloadStore& store, const QString& owner)
-    : m_store(store)
-    , m_owner(owner)
+bool Redownload(DownloadTask& task)
 {
+    task.fresh = task.fresh || task.state == DownloadState::Finished;
+    task.state = DownloadState::Waiting;
+    task.progress = 0;
+    task.message.clear();
+    return true;
 }
 
-DownloadTasks TaskWishes::Stop(const TaskIds& ids)
+bool Repair(DownloadTask& task)
 {
-    return Change(ids, SetStopped);
+    return task.state == DownloadState::Finished && Redownload(task);
 }
 
-DownloadTasks TaskWishes::Resume(const TaskIds& ids)
-{
-    return Change(ids, SetResumed);
-}
-
-DownloadTasks TaskWishes::Redownload(const TaskIds& ids)
-{
-    return Change(ids, SetRedone);
-}
-
-DownloadTasks TaskWishes::Repair(const TaskIds& ids)
-{
-    return Change(ids, SetRepaired);
-}
-
-DownloadTasks TaskWishes::Remove(const TaskIds& ids)
-{
-    DownloadTasks removed;
-    TaskIds owned;
-    for (const qint64 id : ids) {
-        if (const auto task = m_store.Find(m_owner, id)) {
-            removed.append(*task);
-            owned.append(id);
-        }
-    }
-    m_store.Remove(owned);
-    return removed;
-}
-
-DownloadTasks TaskWishes::Change(const TaskIds& ids, Verdict verdict)
-{
-    DownloadTasks changed;
-    for (const qint64 id : ids) {
-        auto task = m_store.Find(m_owner, id);
-        if (!task || !verdict(*task))
-            continue;
-        task->message.clear();
-        changed.append(*task);
-    }
-    m_store.Save(changed);
-    return changed;
-}
+} // namespace TaskWishes

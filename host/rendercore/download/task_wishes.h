@@ -1,27 +1,14 @@
 #pragma once
 
-#include "download_store.h"
+#include "download_task.h"
 
-/// What the user may want of tasks. Each wish changes the tasks that it applies to, on the disk, too, and returns them;
-/// the others, and ids that are none of the owner's tasks, are left out.
-class TaskWishes
-{
-public:
-    /// @param store must outlive this object.
-    TaskWishes(DownloadStore& store, const QString& owner);
+/// What people may want of a task. Each wish changes a task that it applies to, and tells whether it does.
+namespace TaskWishes {
 
-    DownloadTasks Stop(const TaskIds& ids);
-    DownloadTasks Resume(const TaskIds& ids);
-    DownloadTasks Redownload(const TaskIds& ids);
-    /// Of finished ones whose files turned out to be lost or damaged.
-    DownloadTasks Repair(const TaskIds& ids);
-    DownloadTasks Remove(const TaskIds& ids);
+bool Stop(DownloadTask& task);
+bool Resume(DownloadTask& task);
+bool Redownload(DownloadTask& task);
+/// Of a finished one whose file turned out to be lost or damaged.
+bool Repair(DownloadTask& task);
 
-private:
-    using Verdict = bool (*)(DownloadTask& task);
-
-    DownloadTasks Change(const TaskIds& ids, Verdict verdict);
-
-    DownloadStore& m_store;
-    QString m_owner;
-};
+} // namespace TaskWishes
