@@ -945,7 +945,7 @@ Below files are missing:
     </message>
     <message>
         <source>The farm has failed again and again. Please continue later.</source>
-        <translation>农场多次出错。请稍后继续。</translation>
+        <translation>渲染农场多次出错。请稍后继续。</translation>
     </message>
     <message>
         <source>The scene needs too many files, or their paths are too long.</source>
