@@ -4,6 +4,8 @@
 #include "termination_signals.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QLockFile>
 
 #include <cstdio>
 
@@ -13,6 +15,13 @@ int Fail(const QString& message)
 {
     std::fprintf(stderr, "quillstar: %s\n", qUtf8Printable(message));
     return 1;
+}
+
+/// Whether no other client, with another configuration, works on the same databases.
+bool Lock(QLockFile& lock)
+{
+    lock.setStaleLockTime(0);
+    return lock.tryLock(0) || lock.error() != QLockFile::LockFailedError;
 }
 
 } // namespace
@@ -38,6 +47,13 @@ int main(int argc, char* argv[])
             return Fail(QStringLiteral("the client is already running"));
         return 0;
     }
+
+    const QString transferFolder = options.dataFolder + QLatin1String("/transfer");
+    QDir().mkpath(transferFolder);
+    QLockFile dataLock(transferFolder + QLatin1String("/client.lock"));
+    if (!Lock(dataLock))
+        return Fail(
+            QStringLiteral("the client is already running with the data in %1").arg(options.dataFolder));
 
     ClientHost host(options);
     const TerminationSignals termination;

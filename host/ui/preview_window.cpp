@@ -11,6 +11,12 @@
 #include <QShortcut>
 #include <QSizeGrip>
 
+namespace {
+
+constexpr int kSettleTime = 150;
+
+} // namespace
+
 PreviewWindow::PreviewWindow(UiLoaderService* loader, QObject* parent)
     : QObject(parent)
     , m_form(loader, QStringLiteral("com.vtr.previewer"))
@@ -25,6 +31,9 @@ PreviewWindow::PreviewWindow(UiLoaderService* loader, QObject* parent)
 {
     qRegisterMetaType<PictureFile>();
     m_reader.setMaxThreadCount(1);
+    m_settled.setSingleShot(true);
+    m_settled.setInterval(kSettleTime);
+    connect(&m_settled, &QTimer::timeout, this, [this] { DisplayPicture(Qt::SmoothTransformation); });
     connect(this, &PreviewWindow::Read, this, &PreviewWindow::Take, Qt::QueuedConnection);
     m_area->viewport()->installEventFilter(this);
     auto* footer = m_form.Find<QWidget>("wgtFooter");
@@ -97,11 +106,12 @@ void PreviewWindow::Display()
     m_size->setText(m_pixmap.isNull()
             ? QString()
             : tr("%1 × %2 pixels").arg(m_shown.image.width()).arg(m_shown.image.height()));
-    DisplayPicture();
+    DisplayPicture(Qt::SmoothTransformation);
 }
 
-void PreviewWindow::DisplayPicture()
+void PreviewWindow::DisplayPicture(Qt::TransformationMode mode)
 {
+    m_settled.stop();
     const QSize room = m_area->viewport()->size();
     if (m_pixmap.isNull()) {
         m_picture->setText(m_loading ? QString() : Sentence());
@@ -112,7 +122,7 @@ void PreviewWindow::DisplayPicture()
     QPixmap pixmap = m_pixmap;
     if (!m_actualSize->isChecked()) {
         const QSize fitted = m_pixmap.size().scaled(room * ratio, Qt::KeepAspectRatio);
-        pixmap = m_pixmap.scaled(fitted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        pixmap = m_pixmap.scaled(fitted, Qt::IgnoreAspectRatio, mode);
     }
     pixmap.setDevicePixelRatio(ratio);
     m_picture->setPixmap(pixmap);
@@ -137,7 +147,10 @@ QString PreviewWindow::Sentence() const
 
 bool PreviewWindow::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Resize && watched == m_area->viewport())
-        DisplayPicture();
+    if (event->type() == QEvent::Resize && watched == m_area->viewport()) {
+        // Smooth scaling of a large picture takes longer than the next size does to come.
+        DisplayPicture(Qt::FastTransformation);
+        m_settled.start();
+    }
     return false;
 }

@@ -5,6 +5,7 @@
 
 #include <QPixmap>
 #include <QThreadPool>
+#include <QTimer>
 
 class QLabel;
 class QPushButton;
@@ -39,7 +40,7 @@ private:
     void Load(const QString& file);
     void Take(int generation, const PictureFile& picture);
     void Display();
-    void DisplayPicture();
+    void DisplayPicture(Qt::TransformationMode mode);
     QString Sentence() const;
 
     SkinnedForm m_form;
@@ -55,6 +56,7 @@ private:
     QString m_file;
     PictureFile m_shown;
     QPixmap m_pixmap;
+    QTimer m_settled; // runs while the window is being resized
     bool m_loading = false;
     int m_generation = 0; // of the file that is wanted; what was read for an earlier one is dropped
     QThreadPool m_reader; // last: it waits for what it reads
