@@ -14,7 +14,6 @@ class StorageTest : public QObject
     Q_OBJECT
 
 private slots:
-    void MoneyIsRoundedToCents_data();
     void MoneyIsRoundedToCents();
     void AnInnerChangeFailsWithTheOuterOne();
     void DataOfANewerFarmAreRefused();
@@ -23,22 +22,12 @@ private slots:
     void AFolderServesOneFarmAtATime();
 };
 
-void StorageTest::MoneyIsRoundedToCents_data()
-{
-    QTest::addColumn<qint64>("micros");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("nothing") << qint64(0) << QStringLiteral("0.00");
-    QTest::newRow("less than half a cent") << qint64(4999) << QStringLiteral("0.00");
-    QTest::newRow("half a cent") << qint64(5000) << QStringLiteral("0.01");
-    QTest::newRow("carried over") << qint64(12'995'000) << QStringLiteral("13.00");
-    QTest::newRow("debt") << qint64(-54'000) << QStringLiteral("-0.05");
-    QTest::newRow("debt below a cent") << qint64(-4000) << QStringLiteral("0.00");
-}
-
 void StorageTest::MoneyIsRoundedToCents()
 {
-    QFETCH(qint64, micros);
-    QTEST(MoneyText(micros), "text");
+    const QMap<Micros, const char*> texts {{0, "0.00"}, {4999, "0.00"}, {5000, "0.01"}, {12'995'000, "13.00"},
+        {-54'000, "-0.05"}, {-4000, "0.00"}};
+    for (auto text = texts.begin(); text != texts.end(); ++text)
+        QCOMPARE(MoneyText(text.key()), QLatin1String(text.value()));
 }
 
 void StorageTest::AnInnerChangeFailsWithTheOuterOne()
