@@ -1,13 +1,16 @@
 #pragma once
 
 #include <QCryptographicHash>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSignalSpy>
+#include <QTcpSocket>
 
 #include <memory>
+#include <numeric>
 
 struct Reply
 {
@@ -24,6 +27,13 @@ struct Reply
 inline QString Sha256(const QByteArray& bytes)
 {
     return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
+}
+
+/// A pattern whose %1, %2 … are the parts.
+inline QString Fill(const char* pattern, const QStringList& parts)
+{
+    return std::accumulate(parts.begin(), parts.end(), QString::fromLatin1(pattern),
+        [](const QString& text, const QString& part) { return text.arg(part); });
 }
 
 /// Sends requests to a farm and waits for the answers; the event loop runs meanwhile.
@@ -53,42 +63,73 @@ public:
             reply->rawHeader("ETag")};
     }
 
-    /// The session's token; empty when the farm refuses.
+    /// The session's token, also for the requests that follow; empty when the farm refuses.
     QString SignIn(const char* name, const char* password)
     {
         const QJsonObject body {{QStringLiteral("username"), QLatin1String(name)},
             {QStringLiteral("password"), QLatin1String(password)}};
-        return Send("POST", QStringLiteral("/session"), QJsonDocument(body).toJson())
-            .Data("token")
-            .toString();
+        const Reply reply = Send("POST", QStringLiteral("/session"), QJsonDocument(body).toJson());
+        m_token = reply.Data("token").toString();
+        return m_token;
     }
 
-    Reply BeginUpload(const QByteArray& package, const QString& token)
+    /// Requests of who has signed in last. The pattern's %1, %2 … stand for the parts.
+    Reply Get(const char* pattern, const QStringList& parts = {}, const Headers& headers = {})
     {
-        const QJsonObject body {
-            {QStringLiteral("checksum"), Sha256(package)}, {QStringLiteral("size"), package.size()}};
-        return Send("POST", QStringLiteral("/uploads"), QJsonDocument(body).toJson(), token);
+        return Send("GET", Fill(pattern, parts), {}, m_token, headers);
     }
 
-    Reply Put(const QString& upload, int offset, const QByteArray& bytes, const QString& token)
+    Reply Post(const char* pattern, const QJsonObject& body = {}, const QStringList& parts = {})
     {
-        return Send("PUT", QStringLiteral("/uploads/%1?offset=%2").arg(upload).arg(offset), bytes, token);
+        return Send("POST", Fill(pattern, parts), QJsonDocument(body).toJson(), m_token);
     }
 
-    Reply Unpack(const QString& upload, const QString& token)
+    Reply Do(const char* action, const QStringList& ids)
     {
-        return Send("POST", QStringLiteral("/uploads/%1/unpack").arg(upload), "{}", token);
+        return Post("/jobs/%1", {{QStringLiteral("ids"), QJsonArray::fromStringList(ids)}},
+            {QString::fromLatin1(action)});
     }
+
+    Reply BeginUpload(const QByteArray& package)
+    {
+        return Post("/uploads",
+            {{QStringLiteral("checksum"), Sha256(package)}, {QStringLiteral("size"), package.size()}});
+    }
+
+    Reply Put(const QString& upload, int offset, const QByteArray& bytes)
+    {
+        const QStringList parts {upload, QString::number(offset)};
+        return Send("PUT", Fill("/uploads/%1?offset=%2", parts), bytes, m_token);
+    }
+
+    Reply Unpack(const QString& upload) { return Post("/uploads/%1/unpack", {}, {upload}); }
 
     /// The answer to the unpacking of a package that was sent whole.
-    Reply Deliver(const QByteArray& package, const QString& token)
+    Reply Deliver(const QByteArray& package)
     {
-        const QString upload = BeginUpload(package, token).Data("id").toString();
-        Put(upload, 0, package, token);
-        return Unpack(upload, token);
+        const QString upload = BeginUpload(package).Data("id").toString();
+        Put(upload, 0, package);
+        return Unpack(upload);
     }
+
+    /// Sends bytes as they are; the answer is to be read from the socket.
+    std::unique_ptr<QTcpSocket> SendRaw(const QByteArray& bytes, qint64 bufferSize = 0) const
+    {
+        auto socket = std::make_unique<QTcpSocket>();
+        socket->setReadBufferSize(bufferSize);
+        const QUrl url(m_url);
+        socket->connectToHost(url.host(), quint16(url.port()));
+        socket->waitForConnected();
+        socket->write(bytes);
+        socket->waitForBytesWritten();
+        return socket;
+    }
+
+    /// A header field that makes a raw request one of who has signed in last.
+    QByteArray RawToken() const { return "Authorization: Bearer " + m_token.toLatin1() + "\r\n"; }
 
 private:
     QString m_url;
+    QString m_token;
     QNetworkAccessManager m_network;
 };

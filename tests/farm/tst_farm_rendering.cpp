@@ -57,179 +57,145 @@ class RenderingTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void PlaceholdersAreFilledInOnce();
-    void UnusableJobTypesAreRefused_data();
-    void UnusableJobTypesAreRefused();
-    void AJobIsRenderedFrameByFrame();
-    void EachFrameIsChargedOnce();
-    void WorkIsChargedAndWaitingIsNot_data();
-    void WorkIsChargedAndWaitingIsNot();
-    void ARendererThatFailsFailsTheJob_data();
-    void ARendererThatFailsFailsTheJob();
-    void WithoutItsRendererAJobWaits();
-    void RunningJobsTakeTurns();
+    void init() { m_folder = std::make_unique<QTemporaryDir>(); }
+
+    void PlaceholdersAreFilledInOnce()
+    {
+        const QMap<QString, QString> values {{QStringLiteral("scene"), QStringLiteral("{output}")},
+            {QStringLiteral("output"), QStringLiteral("x y")}};
+        const QStringList filled = FillIn({QStringLiteral("+I{scene} {output}{output} {other} {")}, values);
+        QCOMPARE(filled, QStringList {QStringLiteral("+I{output} x yx y {other} {")});
+    }
+
+    void UnusableJobTypesAreRefused()
+    {
+        for (const char* types : {"povray", "[]", R"({"a":{"suffix":"png"}})", R"({"a":{"program":"sh"}})",
+                 R"({"a":{"program":"sh","suffix":"png","frame_time_limit":0}})", R"({"a":7})"}) {
+            QVERIFY(WriteFile(Path("types.json"), types));
+            try {
+                ReadJobTypes(Path("types.json"));
+                QFAIL(types);
+            } catch (const std::runtime_error&) {
+            }
+        }
+    }
+
+    void AJobIsRenderedFrameByFrame()
+    {
+        Workshop workshop(m_folder->path(),
+            QStringLiteral(
+                "cat {scene} > {output}; echo ' {frame}/{frames} {clock} {width}x{height}' >> {output}; "
+                "ps -o ni= -p $$ > ../../nice"),
+            2);
+        NewJob job = workshop.data.Job(QStringLiteral("job"), 4);
+        job.width = 64;
+        job.height = 36;
+        const QString id = workshop.data.jobs.Add(job).id;
+        workshop.scheduler->Nudge();
+        QCOMPARE(workshop.Status(), int(JobStatus::Running));
+        QTRY_COMPARE_WITH_TIMEOUT(workshop.Status(), int(JobStatus::Finished), patienceMs);
+        QCOMPARE(workshop.data.Only().progress, 100);
+        QCOMPARE(workshop.Frame(id, 1), QByteArray("a scene 1/4 0.000000 64x36\n"));
+        QCOMPARE(workshop.Frame(id, 4), QByteArray("a scene 4/4 0.750000 64x36\n"));
+        QCOMPARE(ReadFile(Path("jobs/nice")).trimmed(), QByteArray("19"));
+        QCOMPARE(QDir(workshop.files.JobFolder(id)).entryList(QDir::Files).size(), 5);
+    }
+
+    void EachFrameIsChargedOnce()
+    {
+        Workshop workshop(m_folder->path(), QString());
+        const std::int64_t job = workshop.data.jobs.Add(workshop.data.Job(QStringLiteral("job"), 3)).key;
+        workshop.queue.Finish({job, 2}, {}, 3001, 100);
+        workshop.queue.Finish({job, 2}, {}, 9999, 101);
+        workshop.queue.Finish({job, 7}, {}, 9999, 102);
+        QCOMPARE(workshop.data.Only().cost, Micros(1500500));
+        QCOMPARE(workshop.data.Only().progress, 33);
+        QCOMPARE(workshop.data.accounts.Info(workshop.data.account).balance, Micros(10000000 - 1500500));
+    }
+
+    void WorkIsChargedAndWaitingIsNot()
+    {
+        Workshop workshop(m_folder->path(),
+            QStringLiteral(
+                "i=0; [ {frames} -eq 1 ] && sleep 0.5 || while [ $i -lt 300000 ]; do i=$((i+1)); done; "
+                "cp {scene} {output}"));
+        for (int frames : {1, 2}) {
+            workshop.data.jobs.Add(workshop.data.Job(QStringLiteral("job"), frames));
+            workshop.scheduler->Nudge();
+            QTRY_COMPARE_WITH_TIMEOUT(workshop.Status(), int(JobStatus::Finished), patienceMs);
+            QCOMPARE(workshop.data.Only().cost > Charge(100, workshopPrice) * frames, frames == 2);
+        }
+    }
+
+    void ARendererThatFailsFailsTheJob_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<int>("timeLimit");
+        QTest::addColumn<QString>("message");
+        const auto row = [](const char* name, const char* script, int timeLimit, const char* message) {
+            QTest::newRow(name) << QString::fromLatin1(script) << timeLimit << QString::fromLatin1(message);
+        };
+        row("error code", "echo no such lamp >&2; exit 3", 600,
+            "the renderer ended with code 3\nno such lamp");
+        row("crash", "kill -SEGV $$", 600, "the renderer crashed");
+        row("no picture", "true", 600, "the renderer left no picture");
+        row("empty picture", ": > {output}", 600, "the renderer left no picture");
+        row("endless", "sleep 600", 1, "the renderer exceeded its time limit");
+    }
+
+    void ARendererThatFailsFailsTheJob()
+    {
+        QFETCH(QString, script);
+        QFETCH(int, timeLimit);
+        const QString firstIsFine
+            = QStringLiteral("[ {frame} -gt 1 ] || { cp {scene} {output}; exit; }; echo x >> ../../log; ");
+        Workshop workshop(m_folder->path(), firstIsFine + script, 1, timeLimit);
+        const AddedJob job = workshop.data.jobs.Add(workshop.data.Job(QStringLiteral("job"), 4));
+        workshop.scheduler->Nudge();
+        QTRY_COMPARE_WITH_TIMEOUT(workshop.Status(), int(JobStatus::Failed), patienceMs);
+        QCOMPARE(ReadFile(Path("jobs/log")).count('x'), 3);
+        QCOMPARE(workshop.data.Only().progress, 25);
+        QCOMPARE(workshop.Frame(job.id, 1), QByteArray("a scene"));
+        QTEST(workshop.data.Only().message, "message");
+    }
+
+    void WithoutItsRendererAJobWaits()
+    {
+        Workshop workshop(m_folder->path(), QStringLiteral("cp {scene} {output}"));
+        JobType type;
+        type.program = QStringLiteral("no-such-renderer");
+        type.suffix = QStringLiteral("txt");
+        Scheduler scheduler(
+            workshop.queue, workshop.executor, workshop.files, {{QStringLiteral("povray"), type}});
+        workshop.data.jobs.Add(workshop.data.Job(QStringLiteral("job")));
+        scheduler.Nudge();
+        QCOMPARE(workshop.Status(), int(JobStatus::Waiting));
+        workshop.scheduler->Nudge();
+        QTRY_COMPARE_WITH_TIMEOUT(workshop.Status(), int(JobStatus::Finished), patienceMs);
+    }
+
+    void RunningJobsTakeTurns()
+    {
+        Workshop workshop(m_folder->path(), QStringLiteral("cat {scene} >> ../../log; cp {scene} {output}"));
+        const QStringList scenes {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")};
+        for (const QString& scene : scenes) {
+            WriteFile(m_folder->filePath(scene), scene.toLatin1());
+            NewJob job = workshop.data.Job(scene, 3);
+            job.scene = scene;
+            // The last one waits until the running ones need no slot any more.
+            job.status = scene == QLatin1String("c") ? JobStatus::Waiting : JobStatus::Running;
+            workshop.data.jobs.Add(job);
+        }
+        workshop.scheduler->Nudge();
+        QTRY_COMPARE_WITH_TIMEOUT(workshop.Status(), int(JobStatus::Finished), patienceMs);
+        QCOMPARE(ReadFile(Path("jobs/log")), QByteArray("abababccc"));
+    }
 
 private:
     QString Path(const char* name) const { return m_folder->filePath(QLatin1String(name)); }
-    QByteArray JobsFile(const char* name) const
-    {
-        return ReadFile(Path("jobs") + QLatin1Char('/') + QLatin1String(name));
-    }
 
     std::unique_ptr<QTemporaryDir> m_folder;
 };
-
-void RenderingTest::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>();
-}
-
-void RenderingTest::PlaceholdersAreFilledInOnce()
-{
-    const QMap<QString, QString> values {{QStringLiteral("scene"), QStringLiteral("{output}")},
-        {QStringLiteral("output"), QStringLiteral("x y")}};
-    const QStringList filled = FillIn(
-        {QStringLiteral("+I{scene}"), QStringLiteral("{output}{output}"), QStringLiteral("{other} {")},
-        values);
-    QCOMPARE(filled,
-        QStringList({QStringLiteral("+I{output}"), QStringLiteral("x yx y"), QStringLiteral("{other} {")}));
-}
-
-void RenderingTest::UnusableJobTypesAreRefused_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QTest::newRow("no JSON") << QByteArray("povray");
-    QTest::newRow("no object") << QByteArray("[]");
-    QTest::newRow("no program") << QByteArray(R"({"a":{"suffix":"png"}})");
-    QTest::newRow("no suffix") << QByteArray(R"({"a":{"program":"sh"}})");
-    QTest::newRow("no time") << QByteArray(R"({"a":{"program":"sh","suffix":"png","frame_time_limit":0}})");
-    QTest::newRow("not a type") << QByteArray(R"({"a":7})");
-}
-
-void RenderingTest::UnusableJobTypesAreRefused()
-{
-    QFETCH(QByteArray, content);
-    QVERIFY(WriteFile(Path("types.json"), content));
-    QVERIFY_EXCEPTION_THROWN(ReadJobTypes(Path("types.json")), std::runtime_error);
-}
-
-void RenderingTest::AJobIsRenderedFrameByFrame()
-{
-    Workshop workshop(m_folder->path(),
-        QStringLiteral(
-            "cat {scene} > {output}; echo ' {frame}/{frames} {clock} {width}x{height}' >> {output}; "
-            "ps -o ni= -p $$ > ../../nice"),
-        2);
-    NewJob job = workshop.data.Job(QStringLiteral("job"), 4);
-    job.width = 64;
-    job.height = 36;
-    const QString id = workshop.data.jobs.Add(job).id;
-    workshop.scheduler->Nudge();
-    QCOMPARE(workshop.Status(), int(JobStatus::Running));
-    QTRY_COMPARE_WITH_TIMEOUT(workshop.Status(), int(JobStatus::Finished), patienceMs);
-    QCOMPARE(workshop.data.Only().progress, 100);
-    QCOMPARE(workshop.Frame(id, 1), QByteArray("a scene 1/4 0.000000 64x36\n"));
-    QCOMPARE(workshop.Frame(id, 4), QByteArray("a scene 4/4 0.750000 64x36\n"));
-    QCOMPARE(JobsFile("nice").trimmed(), QByteArray("19"));
-    const QStringList left = QDir(workshop.files.JobFolder(id)).entryList(QDir::Files);
-    QCOMPARE(left.size(), 5);
-}
-
-void RenderingTest::EachFrameIsChargedOnce()
-{
-    Workshop workshop(m_folder->path(), QString());
-    const std::int64_t job = workshop.data.jobs.Add(workshop.data.Job(QStringLiteral("job"), 3)).key;
-    workshop.queue.Finish({job, 2}, {}, 3001, 100);
-    workshop.queue.Finish({job, 2}, {}, 9999, 101);
-    workshop.queue.Finish({job, 7}, {}, 9999, 102);
-    QCOMPARE(workshop.data.Only().cost, Micros(1'500'500));
-    QCOMPARE(workshop.data.Only().progress, 33);
-    QCOMPARE(workshop.data.accounts.Info(workshop.data.account).balance, Micros(10'000'000 - 1'500'500));
-}
-
-void RenderingTest::WorkIsChargedAndWaitingIsNot_data()
-{
-    QTest::addColumn<QString>("script");
-    QTest::addColumn<bool>("dear");
-    QTest::newRow("work") << QStringLiteral("i=0; while [ $i -lt 300000 ]; do i=$((i+1)); done; ") << true;
-    QTest::newRow("waiting") << QStringLiteral("sleep 0.5; ") << false;
-}
-
-void RenderingTest::WorkIsChargedAndWaitingIsNot()
-{
-    QFETCH(QString, script);
-    Workshop workshop(m_folder->path(), script + QStringLiteral("cp {scene} {output}"));
-    workshop.data.jobs.Add(workshop.data.Job(QStringLiteral("job")));
-    workshop.scheduler->Nudge();
-    QTRY_COMPARE_WITH_TIMEOUT(workshop.Status(), int(JobStatus::Finished), patienceMs);
-    QTEST(workshop.data.Only().cost > Charge(100, workshopPrice), "dear");
-}
-
-void RenderingTest::ARendererThatFailsFailsTheJob_data()
-{
-    QTest::addColumn<QString>("script");
-    QTest::addColumn<int>("timeLimit");
-    QTest::addColumn<QString>("message");
-    const auto row = [](const char* name, const char* script, int timeLimit, const char* message) {
-        QTest::newRow(name) << QString::fromLatin1(script) << timeLimit << QString::fromLatin1(message);
-    };
-    row("error code", "echo no such lamp >&2; exit 3", 600, "the renderer ended with code 3\nno such lamp");
-    row("crash", "kill -SEGV $$", 600, "the renderer crashed");
-    row("no picture", "true", 600, "the renderer left no picture");
-    row("empty picture", ": > {output}", 600, "the renderer left no picture");
-    row("endless", "sleep 600", 1, "the renderer exceeded its time limit");
-}
-
-void RenderingTest::ARendererThatFailsFailsTheJob()
-{
-    QFETCH(QString, script);
-    QFETCH(int, timeLimit);
-    const QString firstIsFine
-        = QStringLiteral("[ {frame} -gt 1 ] || { cp {scene} {output}; exit; }; echo x >> ../../log; ");
-    Workshop workshop(m_folder->path(), firstIsFine + script, 1, timeLimit);
-    const AddedJob job = workshop.data.jobs.Add(workshop.data.Job(QStringLiteral("job"), 4));
-    workshop.scheduler->Nudge();
-    QTRY_COMPARE_WITH_TIMEOUT(workshop.Status(), int(JobStatus::Failed), patienceMs);
-    QCOMPARE(JobsFile("log").count('x'), 3);
-    QCOMPARE(workshop.data.Only().progress, 25);
-    QCOMPARE(workshop.Frame(job.id, 1), QByteArray("a scene"));
-    const QString message = workshop.data.database.Read(
-        [](SQLite::Database& connection) { return Text(connection.execAndGet("SELECT message FROM jobs")); });
-    QTEST(message, "message");
-}
-
-void RenderingTest::WithoutItsRendererAJobWaits()
-{
-    Workshop workshop(m_folder->path(), QStringLiteral("cp {scene} {output}"));
-    JobType type;
-    type.program = QStringLiteral("no-such-renderer");
-    type.suffix = QStringLiteral("txt");
-    Scheduler scheduler(
-        workshop.queue, workshop.executor, workshop.files, {{QStringLiteral("povray"), type}});
-    workshop.data.jobs.Add(workshop.data.Job(QStringLiteral("job")));
-    scheduler.Nudge();
-    QCOMPARE(workshop.Status(), int(JobStatus::Waiting));
-    workshop.scheduler->Nudge();
-    QTRY_COMPARE_WITH_TIMEOUT(workshop.Status(), int(JobStatus::Finished), patienceMs);
-}
-
-void RenderingTest::RunningJobsTakeTurns()
-{
-    Workshop workshop(m_folder->path(), QStringLiteral("cat {scene} >> ../../log; cp {scene} {output}"));
-    const QStringList scenes {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")};
-    for (const QString& scene : scenes) {
-        WriteFile(m_folder->filePath(scene), scene.toLatin1());
-        NewJob job = workshop.data.Job(scene, 3);
-        job.scene = scene;
-        // The last one waits until the running ones need no slot any more.
-        job.status = scene == QLatin1String("c") ? JobStatus::Waiting : JobStatus::Running;
-        workshop.data.jobs.Add(job);
-    }
-    workshop.scheduler->Nudge();
-    QTRY_COMPARE_WITH_TIMEOUT(workshop.Status(), int(JobStatus::Finished), patienceMs);
-    QCOMPARE(JobsFile("log"), QByteArray("abababccc"));
-}
 
 QTEST_GUILESS_MAIN(RenderingTest)
 #include "tst_farm_rendering.moc"
