@@ -112,10 +112,5 @@ void HttpCall::GoOn()
 void HttpCall::DropReply()
 {
     m_deadline.stop();
-    if (!m_reply)
-        return;
-    m_reply->disconnect(this);
-    m_reply->abort();
-    m_reply->deleteLater();
-    m_reply.clear();
+    Discard(m_reply, this);
 }

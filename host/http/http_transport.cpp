@@ -59,6 +59,16 @@ bool IsAnswered(const QNetworkReply& reply)
         || (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
 }
 
+void Discard(QPointer<QNetworkReply>& reply, const QObject* receiver)
+{
+    if (!reply)
+        return;
+    reply->disconnect(receiver);
+    reply->abort();
+    reply->deleteLater();
+    reply.clear();
+}
+
 bool IsPassing(int status)
 {
     return status == HttpResult::Unreachable || status == HttpResult::TimedOut || status == 429

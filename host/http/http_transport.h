@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QJsonObject>
 #include <QNetworkAccessManager>
+#include <QPointer>
 #include <QString>
 #include <QUrl>
 
@@ -78,6 +79,9 @@ QUrl FarmApiRoot(const QUrl& server);
 
 /// True when a whole answer came, whatever its status; false when the exchange itself failed.
 bool IsAnswered(const QNetworkReply& reply);
+
+/// Ends an exchange, of which the receiver hears no more. Harmless when there is none.
+void Discard(QPointer<QNetworkReply>& reply, const QObject* receiver);
 
 /// Whether a request that ended with this status, or with what stands in for one, may succeed later as it is.
 bool IsPassing(int status);

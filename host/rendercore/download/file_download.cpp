@@ -293,10 +293,5 @@ void FileDownload::End(DownloadOutcome::Kind kind, const QString& message, int r
 void FileDownload::DropReply()
 {
     m_idle.stop();
-    if (!m_reply)
-        return;
-    m_reply->disconnect(this);
-    m_reply->abort();
-    m_reply->deleteLater();
-    m_reply.clear();
+    Discard(m_reply, this);
 }
