@@ -1,5 +1,5 @@
-#include "client.h"
-#include "ratio_reporter.h"
+#include "bench/ratio_reporter.h"
+#include "tests/standins/client.h"
 
 #include <ctkPluginContext.h>
 

@@ -1,6 +1,9 @@
 # Warnings, strictness and sanitizers, in one interface target that every target of ours links.
 add_library(qsclient_flags INTERFACE)
 
+# Headers are named by their path from here ("mainwindow/vtr_joblist.h"), so an include shows which room it reaches into.
+target_include_directories(qsclient_flags INTERFACE ${PROJECT_SOURCE_DIR})
+
 target_compile_options(qsclient_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror)
 

@@ -1,4 +1,4 @@
-#include "vtr_codetables.h"
+#include "common/vtr_codetables.h"
 
 #include <QCoreApplication>
 #include <QObject>

@@ -1,4 +1,4 @@
-#include "vtr_connections.h"
+#include "common/vtr_connections.h"
 
 #include <QMetaObject>
 #include <QtDebug>

@@ -1,6 +1,6 @@
-#include "vtr_dialogform.h"
+#include "common/vtr_dialogform.h"
 
-#include "vtr_skin.h"
+#include "common/vtr_skin.h"
 
 #include <QDialog>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vtr_formwidgets.h"
+#include "common/vtr_formwidgets.h"
 
 #include <QPointer>
 

@@ -1,4 +1,4 @@
-#include "vtr_filename.h"
+#include "common/vtr_filename.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,6 +1,6 @@
-#include "vtr_jobrecord.h"
+#include "common/vtr_jobrecord.h"
 
-#include "vtr_protocol.h"
+#include "common/vtr_protocol.h"
 
 VTJobRecord VTJobRecord::FromMap(const QVariantMap& mapJob)
 {

@@ -1,4 +1,4 @@
-#include "vtr_jobrow.h"
+#include "common/vtr_jobrow.h"
 
 #include <QObject>
 #include <QStringList>

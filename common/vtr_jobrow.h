@@ -1,7 +1,7 @@
 #pragma once
 
-#include "vtr_codetables.h"
-#include "vtr_jobrecord.h"
+#include "common/vtr_codetables.h"
+#include "common/vtr_jobrecord.h"
 
 #include <QString>
 #include <QVariant>

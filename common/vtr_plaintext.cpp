@@ -1,4 +1,4 @@
-#include "vtr_plaintext.h"
+#include "common/vtr_plaintext.h"
 
 #include <QLabel>
 #include <QTextDocument>

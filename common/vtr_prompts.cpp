@@ -1,7 +1,7 @@
-#include "vtr_prompts.h"
+#include "common/vtr_prompts.h"
 
-#include "vtr_siblings.h"
-#include "vtr_skin.h"
+#include "common/vtr_siblings.h"
+#include "common/vtr_skin.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "vtr_protocol.h"
+#include "common/vtr_protocol.h"
 
 namespace VTProtocol {
 

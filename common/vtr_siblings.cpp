@@ -1,4 +1,4 @@
-#include "vtr_siblings.h"
+#include "common/vtr_siblings.h"
 
 namespace {
 

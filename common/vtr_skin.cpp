@@ -1,4 +1,4 @@
-#include "vtr_skin.h"
+#include "common/vtr_skin.h"
 
 #include <QFile>
 #include <QWidget>

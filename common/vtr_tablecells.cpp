@@ -1,6 +1,6 @@
-#include "vtr_tablecells.h"
+#include "common/vtr_tablecells.h"
 
-#include "vtr_plaintext.h"
+#include "common/vtr_plaintext.h"
 
 #include <QProgressBar>
 #include <QTableWidget>

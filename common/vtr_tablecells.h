@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vtr_jobrow.h"
+#include "common/vtr_jobrow.h"
 
 class QProgressBar;
 class QTableWidget;

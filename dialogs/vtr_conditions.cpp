@@ -1,4 +1,4 @@
-#include "vtr_conditions.h"
+#include "dialogs/vtr_conditions.h"
 
 #include <qjson/serializer.h>
 

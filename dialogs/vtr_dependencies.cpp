@@ -1,4 +1,4 @@
-#include "vtr_dependencies.h"
+#include "dialogs/vtr_dependencies.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vtr_listfile.h"
+#include "dialogs/vtr_listfile.h"
 
 #include <QSet>
 #include <QString>

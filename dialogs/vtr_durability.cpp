@@ -1,4 +1,4 @@
-#include "vtr_durability.h"
+#include "dialogs/vtr_durability.h"
 
 #include <QFile>
 #include <QFileInfo>

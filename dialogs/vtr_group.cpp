@@ -1,13 +1,13 @@
-#include "vtr_group.h"
+#include "dialogs/vtr_group.h"
 
-#include "vtr_codetables.h"
-#include "vtr_conditions.h"
-#include "vtr_filename.h"
-#include "vtr_ids.h"
-#include "vtr_plaintext.h"
-#include "vtr_prompts.h"
-#include "vtr_siblings.h"
-#include "vtr_skin.h"
+#include "common/vtr_codetables.h"
+#include "common/vtr_filename.h"
+#include "common/vtr_ids.h"
+#include "common/vtr_plaintext.h"
+#include "common/vtr_prompts.h"
+#include "common/vtr_siblings.h"
+#include "common/vtr_skin.h"
+#include "dialogs/vtr_conditions.h"
 
 #include <QAction>
 #include <QCursor>

@@ -1,4 +1,4 @@
-#include "vtr_jobtypes.h"
+#include "dialogs/vtr_jobtypes.h"
 
 #include <QSettings>
 

@@ -1,7 +1,7 @@
-#include "vtr_listfile.h"
+#include "dialogs/vtr_listfile.h"
 
-#include "vtr_durability.h"
-#include "vtr_filename.h"
+#include "common/vtr_filename.h"
+#include "dialogs/vtr_durability.h"
 
 #include <QFile>
 #include <QFileInfo>

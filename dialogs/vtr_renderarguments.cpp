@@ -1,4 +1,4 @@
-#include "vtr_renderarguments.h"
+#include "dialogs/vtr_renderarguments.h"
 
 namespace {
 

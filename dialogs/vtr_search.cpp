@@ -1,9 +1,9 @@
-#include "vtr_search.h"
+#include "dialogs/vtr_search.h"
 
-#include "vtr_conditions.h"
-#include "vtr_ids.h"
-#include "vtr_jobtypes.h"
-#include "vtr_protocol.h"
+#include "common/vtr_ids.h"
+#include "common/vtr_protocol.h"
+#include "dialogs/vtr_conditions.h"
+#include "dialogs/vtr_jobtypes.h"
 
 #include <QCheckBox>
 #include <QComboBox>

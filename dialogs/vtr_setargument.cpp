@@ -1,11 +1,11 @@
-#include "vtr_setargument.h"
+#include "dialogs/vtr_setargument.h"
 
-#include "vtr_ids.h"
-#include "vtr_plaintext.h"
-#include "vtr_prompts.h"
-#include "vtr_renderarguments.h"
-#include "vtr_siblings.h"
-#include "vtr_tablecells.h"
+#include "common/vtr_ids.h"
+#include "common/vtr_plaintext.h"
+#include "common/vtr_prompts.h"
+#include "common/vtr_siblings.h"
+#include "common/vtr_tablecells.h"
+#include "dialogs/vtr_renderarguments.h"
 
 #include <QCheckBox>
 #include <QLabel>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vtr_dialogform.h"
+#include "common/vtr_dialogform.h"
 
 #include <QObject>
 #include <QPointer>

@@ -1,12 +1,12 @@
-#include "vtr_setparent.h"
+#include "dialogs/vtr_setparent.h"
 
-#include "vtr_filename.h"
-#include "vtr_ids.h"
-#include "vtr_jobrow.h"
-#include "vtr_prompts.h"
-#include "vtr_protocol.h"
-#include "vtr_siblings.h"
-#include "vtr_tablecells.h"
+#include "common/vtr_filename.h"
+#include "common/vtr_ids.h"
+#include "common/vtr_jobrow.h"
+#include "common/vtr_prompts.h"
+#include "common/vtr_protocol.h"
+#include "common/vtr_siblings.h"
+#include "common/vtr_tablecells.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

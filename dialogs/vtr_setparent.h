@@ -1,8 +1,8 @@
 #pragma once
 
-#include "vtr_codetables.h"
-#include "vtr_dependencies.h"
-#include "vtr_dialogform.h"
+#include "common/vtr_codetables.h"
+#include "common/vtr_dialogform.h"
+#include "dialogs/vtr_dependencies.h"
 #include "vtr_parameters.h"
 
 #include <QMap>

@@ -1,6 +1,6 @@
-#include "account_store.h"
+#include "farm/account_store.h"
 
-#include "secrets.h"
+#include "farm/secrets.h"
 
 namespace farm {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "money.h"
-#include "schema.h"
+#include "farm/money.h"
+#include "farm/schema.h"
 
 #include <QString>
 

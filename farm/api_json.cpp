@@ -1,6 +1,6 @@
-#include "api_json.h"
+#include "farm/api_json.h"
 
-#include "local_time.h"
+#include "farm/local_time.h"
 
 namespace farm {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "account_store.h"
-#include "frame_task.h"
-#include "job_store.h"
-#include "upload_store.h"
+#include "farm/account_store.h"
+#include "farm/frame_task.h"
+#include "farm/job_store.h"
+#include "farm/upload_store.h"
 
 #include <QJsonArray>
 #include <QJsonObject>

@@ -1,4 +1,4 @@
-#include "byte_range.h"
+#include "farm/byte_range.h"
 
 #include <QRegularExpression>
 

@@ -1,4 +1,4 @@
-#include "confinement.h"
+#include "farm/confinement.h"
 
 #include <QFile>
 #include <QFileInfo>

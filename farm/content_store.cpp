@@ -1,7 +1,7 @@
-#include "content_store.h"
+#include "farm/content_store.h"
 
-#include "durable_file.h"
-#include "secrets.h"
+#include "farm/secrets.h"
+#include "storage/durable_file.h"
 
 #include <QDir>
 #include <QDirIterator>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "package_reader.h"
-#include "schema.h"
+#include "farm/package_reader.h"
+#include "farm/schema.h"
 
 #include <QHash>
 #include <QStringList>

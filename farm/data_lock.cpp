@@ -1,4 +1,4 @@
-#include "data_lock.h"
+#include "farm/data_lock.h"
 
 #include <QDeadlineTimer>
 #include <QDir>

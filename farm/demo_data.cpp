@@ -1,7 +1,7 @@
-#include "demo_data.h"
+#include "farm/demo_data.h"
 
-#include "account_store.h"
-#include "job_store.h"
+#include "farm/account_store.h"
+#include "farm/job_store.h"
 
 #include <array>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "confinement.h"
-#include "frame_task.h"
+#include "farm/confinement.h"
+#include "farm/frame_task.h"
 
 #include <QStringList>
 

@@ -1,7 +1,7 @@
-#include "farm.h"
+#include "farm/farm.h"
 
-#include "demo_data.h"
-#include "local_time.h"
+#include "farm/demo_data.h"
+#include "farm/local_time.h"
 
 #include <QDir>
 

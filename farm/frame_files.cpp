@@ -1,7 +1,7 @@
-#include "frame_files.h"
+#include "farm/frame_files.h"
 
-#include "durable_file.h"
-#include "scene_files.h"
+#include "farm/scene_files.h"
+#include "storage/durable_file.h"
 
 #include <QDir>
 #include <QFile>

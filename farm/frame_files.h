@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frame_task.h"
+#include "farm/frame_task.h"
 
 #include <QDir>
 

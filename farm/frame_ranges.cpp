@@ -1,4 +1,4 @@
-#include "frame_ranges.h"
+#include "farm/frame_ranges.h"
 
 #include <algorithm>
 #include <numeric>

@@ -1,9 +1,9 @@
-#include "frame_routes.h"
+#include "farm/frame_routes.h"
 
-#include "api_json.h"
-#include "http_server.h"
-#include "picture_store.h"
-#include "request_gate.h"
+#include "farm/api_json.h"
+#include "farm/http_server.h"
+#include "farm/picture_store.h"
+#include "farm/request_gate.h"
 
 namespace farm {
 

@@ -1,8 +1,8 @@
-#include "http_server.h"
+#include "farm/http_server.h"
 
-#include "api_json.h"
-#include "bad_input.h"
-#include "byte_range.h"
+#include "farm/api_json.h"
+#include "farm/bad_input.h"
+#include "farm/byte_range.h"
 
 #include <QJsonDocument>
 

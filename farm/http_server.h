@@ -1,6 +1,6 @@
 #pragma once
 
-#include "api_refusal.h"
+#include "farm/api_refusal.h"
 
 #include <QFile>
 #include <QJsonObject>

@@ -1,7 +1,7 @@
-#include "job_actions.h"
+#include "farm/job_actions.h"
 
-#include "frame_ranges.h"
-#include "job_status.h"
+#include "farm/frame_ranges.h"
+#include "farm/job_status.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

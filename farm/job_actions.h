@@ -1,6 +1,6 @@
 #pragma once
 
-#include "schema.h"
+#include "farm/schema.h"
 
 #include <QStringList>
 

@@ -1,7 +1,7 @@
-#include "job_conditions.h"
+#include "farm/job_conditions.h"
 
-#include "bad_input.h"
-#include "local_time.h"
+#include "farm/bad_input.h"
+#include "farm/local_time.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -1,4 +1,4 @@
-#include "job_files.h"
+#include "farm/job_files.h"
 
 namespace farm {
 

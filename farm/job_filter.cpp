@@ -1,6 +1,6 @@
-#include "job_filter.h"
+#include "farm/job_filter.h"
 
-#include "job_status.h"
+#include "farm/job_status.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "job_conditions.h"
+#include "farm/job_conditions.h"
 
 #include <string>
 #include <variant>

@@ -1,7 +1,7 @@
-#include "job_store.h"
+#include "farm/job_store.h"
 
-#include "job_filter.h"
-#include "secrets.h"
+#include "farm/job_filter.h"
+#include "farm/secrets.h"
 
 namespace farm {
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "frame_ranges.h"
-#include "job_conditions.h"
-#include "job_files.h"
-#include "job_status.h"
-#include "money.h"
-#include "schema.h"
+#include "farm/frame_ranges.h"
+#include "farm/job_conditions.h"
+#include "farm/job_files.h"
+#include "farm/job_status.h"
+#include "farm/money.h"
+#include "farm/schema.h"
 
 #include <optional>
 #include <vector>

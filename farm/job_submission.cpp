@@ -1,9 +1,9 @@
-#include "job_submission.h"
+#include "farm/job_submission.h"
 
-#include "api_refusal.h"
-#include "bad_input.h"
-#include "content_store.h"
-#include "job_actions.h"
+#include "farm/api_refusal.h"
+#include "farm/bad_input.h"
+#include "farm/content_store.h"
+#include "farm/job_actions.h"
 
 #include <QSet>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "job_store.h"
-#include "job_types.h"
+#include "farm/job_store.h"
+#include "farm/job_types.h"
 
 #include <QJsonObject>
 

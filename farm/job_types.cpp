@@ -1,4 +1,4 @@
-#include "job_types.h"
+#include "farm/job_types.h"
 
 #include <QFile>
 #include <QJsonArray>

@@ -1,6 +1,6 @@
-#include "json_input.h"
+#include "farm/json_input.h"
 
-#include "bad_input.h"
+#include "farm/bad_input.h"
 
 #include <QJsonArray>
 

@@ -1,6 +1,6 @@
-#include "local_executor.h"
+#include "farm/local_executor.h"
 
-#include "render_process.h"
+#include "farm/render_process.h"
 
 #include <QStandardPaths>
 

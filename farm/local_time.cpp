@@ -1,4 +1,4 @@
-#include "local_time.h"
+#include "farm/local_time.h"
 
 #include <QDateTime>
 

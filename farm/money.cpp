@@ -1,4 +1,4 @@
-#include "money.h"
+#include "farm/money.h"
 
 namespace farm {
 

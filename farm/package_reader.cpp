@@ -1,7 +1,7 @@
-#include "package_reader.h"
+#include "farm/package_reader.h"
 
-#include "durable_file.h"
-#include "safe_path.h"
+#include "farm/safe_path.h"
+#include "storage/durable_file.h"
 
 #include <QCryptographicHash>
 #include <QDir>

@@ -1,6 +1,6 @@
-#include "picture_store.h"
+#include "farm/picture_store.h"
 
-#include "frame_files.h"
+#include "farm/frame_files.h"
 
 #include <fcntl.h>
 

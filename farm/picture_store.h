@@ -1,7 +1,7 @@
 #pragma once
 
-#include "frame_task.h"
-#include "schema.h"
+#include "farm/frame_task.h"
+#include "farm/schema.h"
 
 #include <QFile>
 

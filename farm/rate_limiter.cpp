@@ -1,4 +1,4 @@
-#include "rate_limiter.h"
+#include "farm/rate_limiter.h"
 
 #include <algorithm>
 #include <cmath>

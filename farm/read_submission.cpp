@@ -1,8 +1,8 @@
-#include "bad_input.h"
-#include "durable_file.h"
-#include "job_submission.h"
-#include "json_input.h"
-#include "safe_path.h"
+#include "farm/bad_input.h"
+#include "farm/job_submission.h"
+#include "farm/json_input.h"
+#include "farm/safe_path.h"
+#include "storage/durable_file.h"
 
 #include <QJsonArray>
 #include <QSet>

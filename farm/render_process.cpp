@@ -1,4 +1,4 @@
-#include "render_process.h"
+#include "farm/render_process.h"
 
 #include <QProcessEnvironment>
 #include <QStandardPaths>

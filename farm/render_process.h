@@ -1,6 +1,6 @@
 #pragma once
 
-#include "executor.h"
+#include "farm/executor.h"
 
 #include <QProcess>
 #include <QTimer>

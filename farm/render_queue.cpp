@@ -1,6 +1,6 @@
-#include "render_queue.h"
+#include "farm/render_queue.h"
 
-#include "job_status.h"
+#include "farm/job_status.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "frame_task.h"
-#include "money.h"
-#include "schema.h"
+#include "farm/frame_task.h"
+#include "farm/money.h"
+#include "farm/schema.h"
 
 #include <QStringList>
 

@@ -1,8 +1,8 @@
-#include "request_gate.h"
+#include "farm/request_gate.h"
 
-#include "account_store.h"
-#include "http_server.h"
-#include "local_time.h"
+#include "farm/account_store.h"
+#include "farm/http_server.h"
+#include "farm/local_time.h"
 
 namespace farm {
 

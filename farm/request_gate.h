@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rate_limiter.h"
+#include "farm/rate_limiter.h"
 
 #include <QJsonObject>
 

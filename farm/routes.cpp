@@ -1,14 +1,14 @@
-#include "routes.h"
+#include "farm/routes.h"
 
-#include "account_store.h"
-#include "api_json.h"
-#include "bad_input.h"
-#include "http_server.h"
-#include "job_store.h"
-#include "json_input.h"
-#include "local_time.h"
-#include "request_gate.h"
-#include "version.h"
+#include "farm/account_store.h"
+#include "farm/api_json.h"
+#include "farm/bad_input.h"
+#include "farm/http_server.h"
+#include "farm/job_store.h"
+#include "farm/json_input.h"
+#include "farm/local_time.h"
+#include "farm/request_gate.h"
+#include "farm/version.h"
 
 #include <QJsonDocument>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "job_actions.h"
-#include "rate_limiter.h"
+#include "farm/job_actions.h"
+#include "farm/rate_limiter.h"
 
 #include <QJsonObject>
 

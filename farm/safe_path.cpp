@@ -1,4 +1,4 @@
-#include "safe_path.h"
+#include "farm/safe_path.h"
 
 #include <QStringList>
 

@@ -1,9 +1,9 @@
-#include "scene_files.h"
+#include "farm/scene_files.h"
 
-#include "content_store.h"
-#include "durable_file.h"
-#include "job_files.h"
-#include "safe_path.h"
+#include "farm/content_store.h"
+#include "farm/job_files.h"
+#include "farm/safe_path.h"
+#include "storage/durable_file.h"
 
 #include <QDirIterator>
 #include <QFileInfo>

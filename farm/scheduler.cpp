@@ -1,8 +1,8 @@
-#include "scheduler.h"
+#include "farm/scheduler.h"
 
-#include "frame_files.h"
-#include "local_time.h"
-#include "render_queue.h"
+#include "farm/frame_files.h"
+#include "farm/local_time.h"
+#include "farm/render_queue.h"
 
 #include <QFileInfo>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "executor.h"
-#include "job_types.h"
+#include "farm/executor.h"
+#include "farm/job_types.h"
 
 #include <QObject>
 #include <QTimer>

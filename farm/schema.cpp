@@ -1,4 +1,4 @@
-#include "schema.h"
+#include "farm/schema.h"
 
 namespace farm {
 

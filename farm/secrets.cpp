@@ -1,4 +1,4 @@
-#include "secrets.h"
+#include "farm/secrets.h"
 
 #include <array>
 #include <mutex>

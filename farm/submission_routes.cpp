@@ -1,15 +1,15 @@
-#include "submission_routes.h"
+#include "farm/submission_routes.h"
 
-#include "api_json.h"
-#include "bad_input.h"
-#include "content_store.h"
-#include "durable_file.h"
-#include "http_server.h"
-#include "job_submission.h"
-#include "json_input.h"
-#include "local_time.h"
-#include "request_gate.h"
-#include "upload_store.h"
+#include "farm/api_json.h"
+#include "farm/bad_input.h"
+#include "farm/content_store.h"
+#include "farm/http_server.h"
+#include "farm/job_submission.h"
+#include "farm/json_input.h"
+#include "farm/local_time.h"
+#include "farm/request_gate.h"
+#include "farm/upload_store.h"
+#include "storage/durable_file.h"
 
 namespace farm {
 

@@ -1,6 +1,6 @@
-#include "upload_locks.h"
+#include "farm/upload_locks.h"
 
-#include "api_refusal.h"
+#include "farm/api_refusal.h"
 
 #include <chrono>
 

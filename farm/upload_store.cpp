@@ -1,9 +1,9 @@
-#include "upload_store.h"
+#include "farm/upload_store.h"
 
-#include "api_refusal.h"
-#include "content_store.h"
-#include "durable_file.h"
-#include "secrets.h"
+#include "farm/api_refusal.h"
+#include "farm/content_store.h"
+#include "farm/secrets.h"
+#include "storage/durable_file.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "schema.h"
-#include "upload_locks.h"
+#include "farm/schema.h"
+#include "farm/upload_locks.h"
 
 #include <QByteArray>
 #include <QJsonArray>

@@ -1,8 +1,8 @@
-#include "client_host.h"
+#include "host/client_host.h"
 
-#include "farm_process.h"
-#include "screenshot_tour.h"
-#include "session_control.h"
+#include "host/farm_process.h"
+#include "host/screenshot_tour.h"
+#include "host/session_control.h"
 #include "vtr_baseinterface.h"
 
 #include <QDebug>

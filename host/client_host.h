@@ -1,9 +1,9 @@
 #pragma once
 
-#include "host_options.h"
-#include "host_services.h"
-#include "plugin_runner.h"
-#include "preview_trigger.h"
+#include "host/host_options.h"
+#include "host/host_services.h"
+#include "host/plugin_runner.h"
+#include "host/preview_trigger.h"
 
 #include <QObject>
 

@@ -1,6 +1,6 @@
-#include "host_options.h"
+#include "host/host_options.h"
 
-#include "logger_service.h"
+#include "host/services/logger_service.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

@@ -1,8 +1,8 @@
-#include "host_services.h"
+#include "host/host_services.h"
 
-#include "download_folder.h"
-#include "host_options.h"
-#include "plugin_runner.h"
+#include "host/host_options.h"
+#include "host/plugin_runner.h"
+#include "host/ui/download_folder.h"
 
 namespace {
 

@@ -1,16 +1,16 @@
 #pragma once
 
-#include "communication_service.h"
-#include "configuration_dialog.h"
-#include "configuration_service.h"
-#include "logger_service.h"
-#include "message_box_service.h"
-#include "previewer_service.h"
-#include "qt_message_route.h"
-#include "render_core_service.h"
-#include "scene_intake.h"
-#include "settings_service.h"
-#include "ui_loader_service.h"
+#include "host/services/communication_service.h"
+#include "host/services/configuration_service.h"
+#include "host/services/logger_service.h"
+#include "host/services/previewer_service.h"
+#include "host/services/qt_message_route.h"
+#include "host/services/render_core_service.h"
+#include "host/services/settings_service.h"
+#include "host/ui/configuration_dialog.h"
+#include "host/ui/message_box_service.h"
+#include "host/ui/scene_intake.h"
+#include "host/ui/ui_loader_service.h"
 
 struct HostOptions;
 class PluginRunner;

@@ -1,7 +1,7 @@
-#include "client_host.h"
-#include "host_options.h"
-#include "single_instance.h"
-#include "termination_signals.h"
+#include "host/client_host.h"
+#include "host/host_options.h"
+#include "host/single_instance.h"
+#include "host/termination_signals.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "main_window.h"
+#include "host/main_window.h"
 
 #include <QApplication>
 #include <QTableWidget>

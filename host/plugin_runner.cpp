@@ -1,4 +1,4 @@
-#include "plugin_runner.h"
+#include "host/plugin_runner.h"
 
 #include "vtr_baseinterface.h"
 

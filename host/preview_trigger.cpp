@@ -1,7 +1,7 @@
-#include "preview_trigger.h"
+#include "host/preview_trigger.h"
 
-#include "main_window.h"
-#include "previewer_service.h"
+#include "host/main_window.h"
+#include "host/services/previewer_service.h"
 
 #include <QTableWidget>
 

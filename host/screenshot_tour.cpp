@@ -1,8 +1,8 @@
-#include "screenshot_tour.h"
+#include "host/screenshot_tour.h"
 
-#include "host_services.h"
-#include "main_window.h"
-#include "session_control.h"
+#include "host/host_services.h"
+#include "host/main_window.h"
+#include "host/session_control.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,8 +1,8 @@
-#include "session_control.h"
+#include "host/session_control.h"
 
-#include "communication_service.h"
-#include "main_window.h"
-#include "ui_loader_service.h"
+#include "host/main_window.h"
+#include "host/services/communication_service.h"
+#include "host/ui/ui_loader_service.h"
 
 #include <QCoreApplication>
 #include <QEvent>

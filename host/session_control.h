@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sign_in_window.h"
+#include "host/ui/sign_in_window.h"
 
 #include <QAction>
 #include <QObject>

@@ -1,4 +1,4 @@
-#include "single_instance.h"
+#include "host/single_instance.h"
 
 #include <QCryptographicHash>
 #include <QDebug>

@@ -1,4 +1,4 @@
-#include "termination_signals.h"
+#include "host/termination_signals.h"
 
 #ifdef Q_OS_UNIX
 

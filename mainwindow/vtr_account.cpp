@@ -1,10 +1,10 @@
-#include "vtr_account.h"
+#include "mainwindow/vtr_account.h"
 
+#include "common/vtr_plaintext.h"
+#include "mainwindow/vtr_mainform.h"
+#include "mainwindow/vtr_requests.h"
+#include "mainwindow/vtr_session.h"
 #include "vtr_communicationinterface.h"
-#include "vtr_mainform.h"
-#include "vtr_plaintext.h"
-#include "vtr_requests.h"
-#include "vtr_session.h"
 
 #include <limits>
 

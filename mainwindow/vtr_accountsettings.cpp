@@ -1,8 +1,8 @@
-#include "vtr_accountsettings.h"
+#include "mainwindow/vtr_accountsettings.h"
 
-#include "vtr_connections.h"
-#include "vtr_session.h"
-#include "vtr_siblings.h"
+#include "common/vtr_connections.h"
+#include "common/vtr_siblings.h"
+#include "mainwindow/vtr_session.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
-#include "vtr_captions.h"
+#include "mainwindow/vtr_captions.h"
 
-#include "vtr_downloadlist.h"
-#include "vtr_jobrow.h"
-#include "vtr_mainform.h"
-#include "vtr_pagestate.h"
-#include "vtr_submitlist.h"
+#include "common/vtr_jobrow.h"
+#include "mainwindow/vtr_downloadlist.h"
+#include "mainwindow/vtr_mainform.h"
+#include "mainwindow/vtr_pagestate.h"
+#include "mainwindow/vtr_submitlist.h"
 
 void VTCaptions::Retranslate(const VTMainForm& form)
 {

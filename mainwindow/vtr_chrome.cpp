@@ -1,11 +1,11 @@
-#include "vtr_chrome.h"
+#include "mainwindow/vtr_chrome.h"
 
-#include "vtr_ids.h"
-#include "vtr_mainform.h"
-#include "vtr_prompts.h"
-#include "vtr_siblings.h"
-#include "vtr_skin.h"
-#include "vtr_tables.h"
+#include "common/vtr_ids.h"
+#include "common/vtr_prompts.h"
+#include "common/vtr_siblings.h"
+#include "common/vtr_skin.h"
+#include "mainwindow/vtr_mainform.h"
+#include "mainwindow/vtr_tables.h"
 
 #include <QFileInfo>
 #include <QPointer>

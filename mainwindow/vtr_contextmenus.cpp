@@ -1,9 +1,9 @@
-#include "vtr_contextmenus.h"
+#include "mainwindow/vtr_contextmenus.h"
 
-#include "vtr_mainform.h"
-#include "vtr_pagestate.h"
-#include "vtr_submitlist.h"
-#include "vtr_tables.h"
+#include "mainwindow/vtr_mainform.h"
+#include "mainwindow/vtr_pagestate.h"
+#include "mainwindow/vtr_submitlist.h"
+#include "mainwindow/vtr_tables.h"
 
 #include <QCursor>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vtr_mapwindow.h"
+#include "mainwindow/vtr_mapwindow.h"
 
 #include <QCoreApplication>
 #include <QObject>

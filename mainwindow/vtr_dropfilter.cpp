@@ -1,6 +1,6 @@
-#include "vtr_dropfilter.h"
+#include "mainwindow/vtr_dropfilter.h"
 
-#include "vtr_siblings.h"
+#include "common/vtr_siblings.h"
 
 #ifdef Q_OS_WIN
 #include <qt_windows.h>

@@ -1,4 +1,4 @@
-#include "vtr_filereveal.h"
+#include "mainwindow/vtr_filereveal.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>

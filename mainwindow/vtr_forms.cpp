@@ -1,6 +1,6 @@
-#include "vtr_forms.h"
+#include "mainwindow/vtr_forms.h"
 
-#include "vtr_ids.h"
+#include "common/vtr_ids.h"
 #include "vtr_uiloaderinterface.h"
 
 #include <QDialog>

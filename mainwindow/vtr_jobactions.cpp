@@ -1,14 +1,14 @@
-#include "vtr_jobactions.h"
+#include "mainwindow/vtr_jobactions.h"
 
-#include "vtr_downloadlist.h"
-#include "vtr_joblist.h"
-#include "vtr_mainform.h"
-#include "vtr_pagestate.h"
-#include "vtr_prompts.h"
-#include "vtr_session.h"
-#include "vtr_siblings.h"
-#include "vtr_submitlist.h"
-#include "vtr_tables.h"
+#include "common/vtr_prompts.h"
+#include "common/vtr_siblings.h"
+#include "mainwindow/vtr_downloadlist.h"
+#include "mainwindow/vtr_joblist.h"
+#include "mainwindow/vtr_mainform.h"
+#include "mainwindow/vtr_pagestate.h"
+#include "mainwindow/vtr_session.h"
+#include "mainwindow/vtr_submitlist.h"
+#include "mainwindow/vtr_tables.h"
 
 VTJobActions::VTJobActions(const Needs& needs)
     : m_needs(needs)

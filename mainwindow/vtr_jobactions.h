@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vtr_requests.h"
+#include "mainwindow/vtr_requests.h"
 
 #include <QCoreApplication>
 #include <QObject>

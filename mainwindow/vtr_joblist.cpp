@@ -1,12 +1,12 @@
-#include "vtr_joblist.h"
+#include "mainwindow/vtr_joblist.h"
 
-#include "vtr_conditions.h"
-#include "vtr_mainform.h"
-#include "vtr_pagebar.h"
-#include "vtr_prompts.h"
-#include "vtr_siblings.h"
-#include "vtr_tablecells.h"
-#include "vtr_tables.h"
+#include "common/vtr_prompts.h"
+#include "common/vtr_siblings.h"
+#include "common/vtr_tablecells.h"
+#include "dialogs/vtr_conditions.h"
+#include "mainwindow/vtr_mainform.h"
+#include "mainwindow/vtr_pagebar.h"
+#include "mainwindow/vtr_tables.h"
 
 namespace {
 

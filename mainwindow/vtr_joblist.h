@@ -1,7 +1,7 @@
 #pragma once
 
-#include "vtr_jobrecord.h"
-#include "vtr_requests.h"
+#include "common/vtr_jobrecord.h"
+#include "mainwindow/vtr_requests.h"
 
 #include <QCoreApplication>
 #include <QObject>

@@ -1,8 +1,8 @@
-#include "vtr_mainform.h"
+#include "mainwindow/vtr_mainform.h"
 
-#include "vtr_formwidgets.h"
-#include "vtr_ids.h"
-#include "vtr_pagestate.h"
+#include "common/vtr_formwidgets.h"
+#include "common/vtr_ids.h"
+#include "mainwindow/vtr_pagestate.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "vtr_mapwindow.h"
+#include "mainwindow/vtr_mapwindow.h"
 
 #include <cstdlib>
 #include <iterator>

@@ -1,7 +1,7 @@
-#include "vtr_pagebar.h"
+#include "mainwindow/vtr_pagebar.h"
 
-#include "vtr_mainform.h"
-#include "vtr_siblings.h"
+#include "common/vtr_siblings.h"
+#include "mainwindow/vtr_mainform.h"
 
 #include <QVariant>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vtr_pagestate.h"
+#include "mainwindow/vtr_pagestate.h"
 
 #include <QCoreApplication>
 

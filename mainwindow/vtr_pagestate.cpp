@@ -1,4 +1,4 @@
-#include "vtr_pagestate.h"
+#include "mainwindow/vtr_pagestate.h"
 
 namespace {
 

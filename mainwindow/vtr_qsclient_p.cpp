@@ -1,15 +1,15 @@
-#include "vtr_qsclient_p.h"
+#include "mainwindow/vtr_qsclient_p.h"
 
-#include "vtr_dropfilter.h"
-#include "vtr_group.h"
-#include "vtr_ids.h"
-#include "vtr_search.h"
-#include "vtr_setargument.h"
-#include "vtr_setparent.h"
-#include "vtr_skin.h"
-#include "vtr_tablecells.h"
-#include "vtr_windowparts.h"
-#include "vtr_wiring.h"
+#include "common/vtr_ids.h"
+#include "common/vtr_skin.h"
+#include "common/vtr_tablecells.h"
+#include "dialogs/vtr_group.h"
+#include "dialogs/vtr_search.h"
+#include "dialogs/vtr_setargument.h"
+#include "dialogs/vtr_setparent.h"
+#include "mainwindow/vtr_dropfilter.h"
+#include "mainwindow/vtr_windowparts.h"
+#include "mainwindow/vtr_wiring.h"
 
 #include <QEvent>
 #include <QGuiApplication>

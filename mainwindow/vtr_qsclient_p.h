@@ -1,9 +1,9 @@
 #pragma once
 
-#include "vtr_codetables.h"
+#include "common/vtr_codetables.h"
+#include "common/vtr_siblings.h"
+#include "mainwindow/vtr_timers.h"
 #include "vtr_parameters.h"
-#include "vtr_siblings.h"
-#include "vtr_timers.h"
 
 #include <QModelIndex>
 #include <QPoint>

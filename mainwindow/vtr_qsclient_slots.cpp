@@ -1,13 +1,13 @@
-#include "vtr_qsclient_p.h"
+#include "mainwindow/vtr_qsclient_p.h"
 
-#include "vtr_group.h"
-#include "vtr_ids.h"
-#include "vtr_search.h"
-#include "vtr_setargument.h"
-#include "vtr_setparent.h"
-#include "vtr_skin.h"
-#include "vtr_tablecells.h"
-#include "vtr_windowparts.h"
+#include "common/vtr_ids.h"
+#include "common/vtr_skin.h"
+#include "common/vtr_tablecells.h"
+#include "dialogs/vtr_group.h"
+#include "dialogs/vtr_search.h"
+#include "dialogs/vtr_setargument.h"
+#include "dialogs/vtr_setparent.h"
+#include "mainwindow/vtr_windowparts.h"
 
 // The slots that do nothing but hand their call to the concern that knows.
 

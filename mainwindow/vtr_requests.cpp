@@ -1,7 +1,7 @@
-#include "vtr_requests.h"
+#include "mainwindow/vtr_requests.h"
 
-#include "vtr_session.h"
-#include "vtr_siblings.h"
+#include "common/vtr_siblings.h"
+#include "mainwindow/vtr_session.h"
 
 QVariantHash VTRequests::New() const
 {

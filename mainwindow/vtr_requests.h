@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vtr_protocol.h"
+#include "common/vtr_protocol.h"
 
 #include <QVariantHash>
 

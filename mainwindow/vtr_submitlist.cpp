@@ -1,14 +1,14 @@
-#include "vtr_submitlist.h"
+#include "mainwindow/vtr_submitlist.h"
 
-#include "vtr_mainform.h"
-#include "vtr_pagebar.h"
-#include "vtr_plaintext.h"
-#include "vtr_prompts.h"
-#include "vtr_siblings.h"
-#include "vtr_skin.h"
-#include "vtr_tablecells.h"
-#include "vtr_tables.h"
-#include "vtr_timers.h"
+#include "common/vtr_plaintext.h"
+#include "common/vtr_prompts.h"
+#include "common/vtr_siblings.h"
+#include "common/vtr_skin.h"
+#include "common/vtr_tablecells.h"
+#include "mainwindow/vtr_mainform.h"
+#include "mainwindow/vtr_pagebar.h"
+#include "mainwindow/vtr_tables.h"
+#include "mainwindow/vtr_timers.h"
 
 #include <QFileInfo>
 #include <QHash>

@@ -1,8 +1,8 @@
-#include "vtr_tables.h"
+#include "mainwindow/vtr_tables.h"
 
-#include "vtr_jobrow.h"
-#include "vtr_mainform.h"
-#include "vtr_pagestate.h"
+#include "common/vtr_jobrow.h"
+#include "mainwindow/vtr_mainform.h"
+#include "mainwindow/vtr_pagestate.h"
 
 #include <QEvent>
 #include <QGuiApplication>

@@ -1,7 +1,7 @@
-#include "vtr_taskquestions.h"
+#include "mainwindow/vtr_taskquestions.h"
 
-#include "vtr_siblings.h"
-#include "vtr_timers.h"
+#include "common/vtr_siblings.h"
+#include "mainwindow/vtr_timers.h"
 
 #include <QFileInfo>
 

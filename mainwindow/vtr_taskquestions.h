@@ -1,7 +1,7 @@
 #pragma once
 
-#include "vtr_prompts.h"
-#include "vtr_questionqueue.h"
+#include "common/vtr_prompts.h"
+#include "mainwindow/vtr_questionqueue.h"
 
 #include <QObject>
 

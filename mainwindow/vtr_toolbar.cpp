@@ -1,15 +1,15 @@
-#include "vtr_toolbar.h"
+#include "mainwindow/vtr_toolbar.h"
 
-#include "vtr_downloadlist.h"
-#include "vtr_group.h"
-#include "vtr_joblist.h"
-#include "vtr_mainform.h"
-#include "vtr_pagebar.h"
-#include "vtr_siblings.h"
-#include "vtr_submitlist.h"
-#include "vtr_tables.h"
-#include "vtr_timers.h"
-#include "vtr_toolbarrules.h"
+#include "common/vtr_siblings.h"
+#include "dialogs/vtr_group.h"
+#include "mainwindow/vtr_downloadlist.h"
+#include "mainwindow/vtr_joblist.h"
+#include "mainwindow/vtr_mainform.h"
+#include "mainwindow/vtr_pagebar.h"
+#include "mainwindow/vtr_submitlist.h"
+#include "mainwindow/vtr_tables.h"
+#include "mainwindow/vtr_timers.h"
+#include "mainwindow/vtr_toolbarrules.h"
 
 namespace {
 

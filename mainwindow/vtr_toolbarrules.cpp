@@ -1,6 +1,6 @@
-#include "vtr_toolbarrules.h"
+#include "mainwindow/vtr_toolbarrules.h"
 
-#include "vtr_pagestate.h"
+#include "mainwindow/vtr_pagestate.h"
 
 VTToolbarRules VTToolbarRules::ForTab(int nTab)
 {

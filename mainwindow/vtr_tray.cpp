@@ -1,10 +1,10 @@
-#include "vtr_tray.h"
+#include "mainwindow/vtr_tray.h"
 
-#include "vtr_ids.h"
-#include "vtr_mainform.h"
-#include "vtr_session.h"
-#include "vtr_siblings.h"
-#include "vtr_skin.h"
+#include "common/vtr_ids.h"
+#include "common/vtr_siblings.h"
+#include "common/vtr_skin.h"
+#include "mainwindow/vtr_mainform.h"
+#include "mainwindow/vtr_session.h"
 
 namespace {
 

@@ -1,13 +1,13 @@
-#include "vtr_windowparts.h"
+#include "mainwindow/vtr_windowparts.h"
 
-#include "vtr_captions.h"
-#include "vtr_codetables.h"
-#include "vtr_group.h"
-#include "vtr_search.h"
-#include "vtr_setargument.h"
-#include "vtr_setparent.h"
-#include "vtr_siblings.h"
-#include "vtr_timers.h"
+#include "common/vtr_codetables.h"
+#include "common/vtr_siblings.h"
+#include "dialogs/vtr_group.h"
+#include "dialogs/vtr_search.h"
+#include "dialogs/vtr_setargument.h"
+#include "dialogs/vtr_setparent.h"
+#include "mainwindow/vtr_captions.h"
+#include "mainwindow/vtr_timers.h"
 
 #include <QDialog>
 

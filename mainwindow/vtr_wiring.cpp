@@ -1,14 +1,14 @@
-#include "vtr_wiring.h"
+#include "mainwindow/vtr_wiring.h"
 
-#include "vtr_connections.h"
-#include "vtr_group.h"
+#include "common/vtr_connections.h"
+#include "common/vtr_siblings.h"
+#include "dialogs/vtr_group.h"
+#include "dialogs/vtr_search.h"
+#include "dialogs/vtr_setargument.h"
+#include "dialogs/vtr_setparent.h"
+#include "mainwindow/vtr_timers.h"
+#include "mainwindow/vtr_windowparts.h"
 #include "vtr_parameters.h"
-#include "vtr_search.h"
-#include "vtr_setargument.h"
-#include "vtr_setparent.h"
-#include "vtr_siblings.h"
-#include "vtr_timers.h"
-#include "vtr_windowparts.h"
 
 #include <QApplication>
 

@@ -1,9 +1,9 @@
-#include "vtr_qsclient.h"
+#include "plugin/vtr_qsclient.h"
 
+#include "common/vtr_connections.h"
+#include "common/vtr_ids.h"
+#include "mainwindow/vtr_qsclient_p.h"
 #include "vtr_baseappinterface.h"
-#include "vtr_connections.h"
-#include "vtr_ids.h"
-#include "vtr_qsclient_p.h"
 
 #include <ctkPluginContext.h>
 #include <ctkServiceReference.h>

@@ -1,6 +1,6 @@
-#include "vtr_qsclient_plugin.h"
+#include "plugin/vtr_qsclient_plugin.h"
 
-#include "vtr_qsclient.h"
+#include "plugin/vtr_qsclient.h"
 
 #include <ctkPluginContext.h>
 

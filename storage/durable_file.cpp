@@ -1,4 +1,4 @@
-#include "durable_file.h"
+#include "storage/durable_file.h"
 
 #include <QCryptographicHash>
 #include <QFile>

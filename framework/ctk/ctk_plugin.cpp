@@ -1,7 +1,7 @@
 #include "ctkPlugin.h"
 
-#include "framework_core.h"
-#include "plugin_manifest.h"
+#include "framework/ctk/framework_core.h"
+#include "framework/ctk/plugin_manifest.h"
 
 ctkPlugin::ctkPlugin(const QSharedPointer<FrameworkCore>& core, const QHash<QString, QString>& headers)
     : m_core(core)

@@ -2,7 +2,7 @@
 
 #include "ctkException.h"
 #include "ctkPluginException.h"
-#include "framework_core.h"
+#include "framework/ctk/framework_core.h"
 
 #include <QDir>
 #include <QFileInfo>

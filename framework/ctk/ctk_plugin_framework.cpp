@@ -3,7 +3,7 @@
 
 #include "ctkException.h"
 #include "ctkPluginConstants.h"
-#include "framework_core.h"
+#include "framework/ctk/framework_core.h"
 
 #include <QDebug>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "library_plugin.h"
-#include "service_registry.h"
+#include "framework/ctk/library_plugin.h"
+#include "framework/ctk/service_registry.h"
 
 /// What a framework and its plugins share.
 class FrameworkCore

@@ -1,9 +1,9 @@
-#include "library_plugin.h"
+#include "framework/ctk/library_plugin.h"
 
 #include "ctkPluginActivator.h"
 #include "ctkPluginException.h"
-#include "framework_core.h"
-#include "plugin_manifest.h"
+#include "framework/ctk/framework_core.h"
+#include "framework/ctk/plugin_manifest.h"
 
 #include <QFile>
 

@@ -1,4 +1,4 @@
-#include "plugin_manifest.h"
+#include "framework/ctk/plugin_manifest.h"
 
 #include "ctkPluginException.h"
 

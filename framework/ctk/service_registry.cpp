@@ -1,4 +1,4 @@
-#include "service_registry.h"
+#include "framework/ctk/service_registry.h"
 
 #include "ctkException.h"
 #include "ctkPluginConstants.h"

@@ -1,4 +1,4 @@
-#include "http_call.h"
+#include "host/http/http_call.h"
 
 #include <QJsonDocument>
 #include <QNetworkReply>

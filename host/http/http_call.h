@@ -1,6 +1,6 @@
 #pragma once
 
-#include "http_transport.h"
+#include "host/http/http_transport.h"
 
 #include <QObject>
 #include <QPointer>

@@ -1,6 +1,6 @@
-#include "http_transport.h"
+#include "host/http/http_transport.h"
 
-#include "http_call.h"
+#include "host/http/http_call.h"
 
 #include <QNetworkReply>
 #include <QNetworkRequest>

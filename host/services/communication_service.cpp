@@ -1,6 +1,6 @@
-#include "communication_service.h"
+#include "host/services/communication_service.h"
 
-#include "http_call.h"
+#include "host/http/http_call.h"
 
 using FarmProtocol::Answer;
 

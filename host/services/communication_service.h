@@ -1,8 +1,8 @@
 #pragma once
 
-#include "farm_protocol.h"
-#include "http_transport.h"
-#include "service_base.h"
+#include "host/http/http_transport.h"
+#include "host/services/farm_protocol.h"
+#include "host/services/service_base.h"
 #include "vtr_communicationinterface.h"
 
 #include <QHash>

@@ -1,6 +1,6 @@
-#include "configuration_service.h"
+#include "host/services/configuration_service.h"
 
-#include "configuration_dialog.h"
+#include "host/ui/configuration_dialog.h"
 
 ConfigurationService::ConfigurationService(ConfigurationDialog* dialog, QObject* parent)
     : ServiceBase<VTConfigurationInterface>(parent)

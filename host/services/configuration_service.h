@@ -1,7 +1,7 @@
 #pragma once
 
-#include "finish_sound.h"
-#include "service_base.h"
+#include "host/services/finish_sound.h"
+#include "host/services/service_base.h"
 #include "vtr_configurationinterface.h"
 
 class ConfigurationDialog;

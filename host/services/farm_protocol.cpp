@@ -1,4 +1,4 @@
-#include "farm_protocol.h"
+#include "host/services/farm_protocol.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>

@@ -1,4 +1,4 @@
-#include "finish_sound.h"
+#include "host/services/finish_sound.h"
 
 #include <QAudioDeviceInfo>
 #include <QFileInfo>

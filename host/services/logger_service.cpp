@@ -1,4 +1,4 @@
-#include "logger_service.h"
+#include "host/services/logger_service.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
-#include "previewer_service.h"
+#include "host/services/previewer_service.h"
 
-#include "preview_window.h"
+#include "host/ui/preview_window.h"
 
 PreviewerService::PreviewerService(UiLoaderService* loader, QObject* parent)
     : ServiceBase<VTPreviewerInterface>(parent)

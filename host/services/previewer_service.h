@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service_base.h"
+#include "host/services/service_base.h"
 #include "vtr_previewerinterface.h"
 
 #include <memory>

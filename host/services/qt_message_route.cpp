@@ -1,6 +1,6 @@
-#include "qt_message_route.h"
+#include "host/services/qt_message_route.h"
 
-#include "logger_service.h"
+#include "host/services/logger_service.h"
 
 #include <QReadLocker>
 #include <QWriteLocker>

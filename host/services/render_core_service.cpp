@@ -1,7 +1,7 @@
-#include "render_core_service.h"
+#include "host/services/render_core_service.h"
 
-#include "download_folder.h"
-#include "http_transport.h"
+#include "host/http/http_transport.h"
+#include "host/ui/download_folder.h"
 #include "vtr_settingsinterface.h"
 
 RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface* settings, QObject* parent)

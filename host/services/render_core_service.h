@@ -1,8 +1,8 @@
 #pragma once
 
-#include "download_queue.h"
-#include "service_base.h"
-#include "submit_queue.h"
+#include "host/rendercore/download/download_queue.h"
+#include "host/rendercore/submit/submit_queue.h"
+#include "host/services/service_base.h"
 #include "vtr_rendercoreinterface.h"
 
 #include <QPointer>

@@ -1,4 +1,4 @@
-#include "settings_service.h"
+#include "host/services/settings_service.h"
 
 #include <QDebug>
 

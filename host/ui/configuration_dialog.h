@@ -1,6 +1,6 @@
 #pragma once
 
-#include "skinned_form.h"
+#include "host/ui/skinned_form.h"
 
 class QLineEdit;
 class VTSettingsInterface;

@@ -1,4 +1,4 @@
-#include "download_folder.h"
+#include "host/ui/download_folder.h"
 
 #include "vtr_settingsinterface.h"
 

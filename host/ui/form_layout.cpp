@@ -1,4 +1,4 @@
-#include "form_layout.h"
+#include "host/ui/form_layout.h"
 
 #include <QSettings>
 #include <QWidget>

@@ -1,4 +1,4 @@
-#include "frameless_window.h"
+#include "host/ui/frameless_window.h"
 
 #include <QApplication>
 #include <QMouseEvent>

@@ -1,4 +1,4 @@
-#include "languages.h"
+#include "host/ui/languages.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,7 +1,7 @@
-#include "message_box_service.h"
+#include "host/ui/message_box_service.h"
 
-#include "message_text.h"
-#include "skinned_form.h"
+#include "host/ui/message_text.h"
+#include "host/ui/skinned_form.h"
 
 #include <QBoxLayout>
 #include <QDialog>

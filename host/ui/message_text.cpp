@@ -1,4 +1,4 @@
-#include "message_text.h"
+#include "host/ui/message_text.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "picture_file.h"
+#include "host/ui/picture_file.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
-#include "preview_window.h"
+#include "host/ui/preview_window.h"
 
-#include "ui_loader_service.h"
+#include "host/ui/ui_loader_service.h"
 
 #include <QEvent>
 #include <QFileInfo>

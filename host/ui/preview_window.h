@@ -1,7 +1,7 @@
 #pragma once
 
-#include "picture_file.h"
-#include "skinned_form.h"
+#include "host/ui/picture_file.h"
+#include "host/ui/skinned_form.h"
 
 #include <QPixmap>
 #include <QThreadPool>

@@ -1,6 +1,6 @@
-#include "sign_in_window.h"
+#include "host/ui/sign_in_window.h"
 
-#include "ui_loader_service.h"
+#include "host/ui/ui_loader_service.h"
 
 #include <QLabel>
 #include <QLineEdit>

@@ -1,7 +1,7 @@
-#include "skinned_form.h"
+#include "host/ui/skinned_form.h"
 
-#include "skins.h"
-#include "ui_loader_service.h"
+#include "host/ui/skins.h"
+#include "host/ui/ui_loader_service.h"
 
 #include <QApplication>
 #include <QDialog>

@@ -1,4 +1,4 @@
-#include "skins.h"
+#include "host/ui/skins.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,6 +1,6 @@
-#include "tray_menu.h"
+#include "host/ui/tray_menu.h"
 
-#include "languages.h"
+#include "host/ui/languages.h"
 
 #include <QActionGroup>
 

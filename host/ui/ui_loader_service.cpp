@@ -1,8 +1,8 @@
-#include "ui_loader_service.h"
+#include "host/ui/ui_loader_service.h"
 
-#include "frameless_window.h"
-#include "languages.h"
-#include "skins.h"
+#include "host/ui/frameless_window.h"
+#include "host/ui/languages.h"
+#include "host/ui/skins.h"
 
 #include <QCalendarWidget>
 #include <QComboBox>

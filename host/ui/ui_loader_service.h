@@ -1,9 +1,9 @@
 #pragma once
 
-#include "form_layout.h"
-#include "languages.h"
-#include "service_base.h"
-#include "tray_menu.h"
+#include "host/services/service_base.h"
+#include "host/ui/form_layout.h"
+#include "host/ui/languages.h"
+#include "host/ui/tray_menu.h"
 #include "vtr_settingsinterface.h"
 #include "vtr_uiloaderinterface.h"
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "every_slot.h"
-#include "form_roster.h"
-#include "stand_ins.h"
-#include "vtr_siblings.h"
+#include "common/vtr_siblings.h"
+#include "tests/standins/every_slot.h"
+#include "tests/standins/form_roster.h"
+#include "tests/standins/stand_ins.h"
 
 #include <QCoreApplication>
 #include <QDir>

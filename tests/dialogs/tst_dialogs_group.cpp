@@ -1,6 +1,6 @@
-#include "dialog_fixture.h"
+#include "tests/dialogs/dialog_fixture.h"
 
-#include "vtr_group.h"
+#include "dialogs/vtr_group.h"
 
 #include <QAction>
 #include <QDialog>

@@ -1,5 +1,5 @@
-#include "test_tables.h"
-#include "vtr_listfile.h"
+#include "dialogs/vtr_listfile.h"
+#include "tests/standins/test_tables.h"
 
 #include <QProcess>
 #include <QSettings>

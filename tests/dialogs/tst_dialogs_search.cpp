@@ -1,6 +1,6 @@
-#include "dialog_fixture.h"
+#include "tests/dialogs/dialog_fixture.h"
 
-#include "vtr_search.h"
+#include "dialogs/vtr_search.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,6 +1,6 @@
-#include "dialog_fixture.h"
+#include "tests/dialogs/dialog_fixture.h"
 
-#include "vtr_setargument.h"
+#include "dialogs/vtr_setargument.h"
 
 #include <QCheckBox>
 #include <QDialog>

@@ -1,7 +1,7 @@
-#include "dialog_fixture.h"
+#include "tests/dialogs/dialog_fixture.h"
 
-#include "vtr_codetables.h"
-#include "vtr_setparent.h"
+#include "common/vtr_codetables.h"
+#include "dialogs/vtr_setparent.h"
 
 #include <QDialog>
 #include <QProgressBar>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "client_host.h"
-#include "host_options.h"
+#include "host/client_host.h"
+#include "host/host_options.h"
 
 #include <QCoreApplication>
 #include <QFile>

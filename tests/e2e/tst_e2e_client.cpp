@@ -1,6 +1,6 @@
-#include "client_windows.h"
-#include "main_window.h"
-#include "running_client.h"
+#include "host/main_window.h"
+#include "tests/e2e/client_windows.h"
+#include "tests/e2e/running_client.h"
 
 #include <QLabel>
 #include <QProgressBar>

@@ -1,8 +1,8 @@
-#include "account_store.h"
-#include "client_windows.h"
-#include "job_store.h"
-#include "main_window.h"
-#include "running_client.h"
+#include "farm/account_store.h"
+#include "farm/job_store.h"
+#include "host/main_window.h"
+#include "tests/e2e/client_windows.h"
+#include "tests/e2e/running_client.h"
 
 #include <QDirIterator>
 #include <QDropEvent>

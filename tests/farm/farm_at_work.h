@@ -1,8 +1,8 @@
 #pragma once
 
-#include "farm.h"
-#include "farm_client.h"
-#include "farm_fixture.h"
+#include "farm/farm.h"
+#include "tests/farm/farm_client.h"
+#include "tests/farm/farm_fixture.h"
 
 /// A farm in a folder of its own, once it has been started, and ann who steers it over HTTP.
 class FarmAtWork : public FarmClient

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "account_store.h"
-#include "job_store.h"
-#include "schema.h"
+#include "farm/account_store.h"
+#include "farm/job_store.h"
+#include "farm/schema.h"
 
 #include <QDir>
 #include <QFile>

@@ -7,7 +7,7 @@
 #include <QPair>
 #include <QString>
 
-#include "farm_client.h"
+#include "tests/farm/farm_client.h"
 
 #include <functional>
 #include <zip.h>

@@ -1,5 +1,5 @@
-#include "farm_fixture.h"
-#include "rate_limiter.h"
+#include "farm/rate_limiter.h"
+#include "tests/farm/farm_fixture.h"
 
 #include <QtTest>
 

@@ -1,4 +1,4 @@
-#include "farm_at_work.h"
+#include "tests/farm/farm_at_work.h"
 
 #include <QtTest>
 

@@ -1,5 +1,5 @@
-#include "farm_fixture.h"
-#include "frame_files.h"
+#include "farm/frame_files.h"
+#include "tests/farm/farm_fixture.h"
 
 #include <QProcess>
 #include <QStandardPaths>

@@ -1,6 +1,6 @@
-#include "farm.h"
-#include "farm_client.h"
-#include "farm_fixture.h"
+#include "farm/farm.h"
+#include "tests/farm/farm_client.h"
+#include "tests/farm/farm_fixture.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
-#include "bad_input.h"
-#include "farm_fixture.h"
-#include "local_time.h"
+#include "farm/bad_input.h"
+#include "farm/local_time.h"
+#include "tests/farm/farm_fixture.h"
 
 #include <QtTest>
 

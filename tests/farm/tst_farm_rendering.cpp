@@ -1,10 +1,10 @@
-#include "content_store.h"
-#include "farm_fixture.h"
-#include "frame_files.h"
-#include "local_executor.h"
-#include "render_queue.h"
-#include "scene_files.h"
-#include "scheduler.h"
+#include "farm/content_store.h"
+#include "farm/frame_files.h"
+#include "farm/local_executor.h"
+#include "farm/render_queue.h"
+#include "farm/scene_files.h"
+#include "farm/scheduler.h"
+#include "tests/farm/farm_fixture.h"
 
 #include <QtTest>
 

@@ -1,9 +1,9 @@
-#include "data_lock.h"
-#include "farm_fixture.h"
-#include "job_actions.h"
-#include "money.h"
-#include "render_queue.h"
-#include "schema.h"
+#include "farm/data_lock.h"
+#include "farm/job_actions.h"
+#include "farm/money.h"
+#include "farm/render_queue.h"
+#include "farm/schema.h"
+#include "tests/farm/farm_fixture.h"
 
 #include <QtTest>
 

@@ -1,5 +1,5 @@
-#include "farm_at_work.h"
-#include "package_fixture.h"
+#include "tests/farm/farm_at_work.h"
+#include "tests/farm/package_fixture.h"
 
 #include <QBuffer>
 #include <QDirIterator>

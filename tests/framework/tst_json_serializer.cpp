@@ -1,4 +1,4 @@
-#include "test_tables.h"
+#include "tests/standins/test_tables.h"
 
 #include <qjson/serializer.h>
 

@@ -1,5 +1,5 @@
-#include "plugin_manifest.h"
-#include "test_tables.h"
+#include "framework/ctk/plugin_manifest.h"
+#include "tests/standins/test_tables.h"
 
 #include <ctkPluginException.h>
 

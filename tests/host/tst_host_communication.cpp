@@ -1,5 +1,5 @@
-#include "communication_service.h"
-#include "stand_in_server.h"
+#include "host/services/communication_service.h"
+#include "tests/host/stand_in_server.h"
 
 #include <QJsonDocument>
 #include <QSignalSpy>

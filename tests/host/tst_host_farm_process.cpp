@@ -1,4 +1,4 @@
-#include "farm_process.h"
+#include "host/farm_process.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>

@@ -1,8 +1,8 @@
 // How scenes come to the render core: dropped on the form that it filters, behind the button, from the command line.
-#include "../hostui/memory_settings.h"
-#include "render_core_service.h"
-#include "scene_intake.h"
-#include "ui_loader_service.h"
+#include "host/services/render_core_service.h"
+#include "host/ui/scene_intake.h"
+#include "host/ui/ui_loader_service.h"
+#include "tests/hostui/memory_settings.h"
 #include "vtr_messagboxinterface.h"
 
 #include <QDropEvent>

@@ -1,8 +1,8 @@
-#include "host_options.h"
-#include "logger_service.h"
-#include "qt_message_route.h"
-#include "settings_service.h"
-#include "single_instance.h"
+#include "host/host_options.h"
+#include "host/services/logger_service.h"
+#include "host/services/qt_message_route.h"
+#include "host/services/settings_service.h"
+#include "host/single_instance.h"
 
 #include <QLoggingCategory>
 #include <QSignalSpy>

@@ -1,8 +1,8 @@
-#include "../hostui/memory_settings.h"
-#include "communication_service.h"
-#include "session_control.h"
-#include "stand_in_server.h"
-#include "ui_loader_service.h"
+#include "host/services/communication_service.h"
+#include "host/session_control.h"
+#include "host/ui/ui_loader_service.h"
+#include "tests/host/stand_in_server.h"
+#include "tests/hostui/memory_settings.h"
 
 #include <QLabel>
 #include <QLineEdit>

@@ -1,9 +1,9 @@
-#include "configuration_dialog.h"
-#include "memory_settings.h"
-#include "message_box_service.h"
-#include "message_text.h"
-#include "preview_window.h"
-#include "ui_loader_service.h"
+#include "host/ui/configuration_dialog.h"
+#include "host/ui/message_box_service.h"
+#include "host/ui/message_text.h"
+#include "host/ui/preview_window.h"
+#include "host/ui/ui_loader_service.h"
+#include "tests/hostui/memory_settings.h"
 
 #include <QApplication>
 #include <QBuffer>

@@ -1,6 +1,6 @@
-#include "form_roster.h"
-#include "skins.h"
-#include "ui_loader_service.h"
+#include "host/ui/skins.h"
+#include "host/ui/ui_loader_service.h"
+#include "tests/standins/form_roster.h"
 
 #include <QDialog>
 #include <QDirIterator>

@@ -1,5 +1,5 @@
-#include "form_layout.h"
-#include "frameless_window.h"
+#include "host/ui/form_layout.h"
+#include "host/ui/frameless_window.h"
 
 #include <QMouseEvent>
 #include <QTemporaryFile>

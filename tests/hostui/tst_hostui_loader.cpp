@@ -1,6 +1,6 @@
-#include "memory_settings.h"
-#include "sign_in_window.h"
-#include "ui_loader_service.h"
+#include "host/ui/sign_in_window.h"
+#include "host/ui/ui_loader_service.h"
+#include "tests/hostui/memory_settings.h"
 
 #include <QLabel>
 #include <QMenu>

@@ -1,4 +1,4 @@
-#include "client_test.h"
+#include "tests/standins/client_test.h"
 
 #include <QCheckBox>
 

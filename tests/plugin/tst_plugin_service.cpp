@@ -1,7 +1,7 @@
-#include "client_test.h"
-#include "every_slot.h"
-#include "form_roster.h"
-#include "message_capture.h"
+#include "tests/standins/client_test.h"
+#include "tests/standins/every_slot.h"
+#include "tests/standins/form_roster.h"
+#include "tests/standins/message_capture.h"
 
 #include <ctkPluginActivator.h>
 #include <ctkPluginContext.h>

@@ -1,9 +1,9 @@
-#include "../farm/farm_client.h"
-#include "../farm/farm_fixture.h"
-#include "download_paths.h"
-#include "download_queue.h"
-#include "farm.h"
-#include "stand_in_server.h"
+#include "farm/farm.h"
+#include "host/rendercore/download/download_paths.h"
+#include "host/rendercore/download/download_queue.h"
+#include "tests/farm/farm_client.h"
+#include "tests/farm/farm_fixture.h"
+#include "tests/host/stand_in_server.h"
 
 #include <QCryptographicHash>
 #include <QtTest>

@@ -1,7 +1,7 @@
 // What scenes need, how they are packed and what arguments a job may have.
-#include "scene_analysis.h"
-#include "scene_package.h"
-#include "submit_arguments.h"
+#include "host/rendercore/submit/scene_analysis.h"
+#include "host/rendercore/submit/scene_package.h"
+#include "host/rendercore/submit/submit_arguments.h"
 
 #include <QCryptographicHash>
 #include <QtTest>

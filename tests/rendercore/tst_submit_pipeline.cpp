@@ -1,11 +1,11 @@
 // Scenes on their way to a real farm in this process.
-#include "farm.h"
-#include "farm_client.h"
-#include "farm_fixture.h"
-#include "http_transport.h"
-#include "job_status.h"
-#include "submit_arguments.h"
-#include "submit_queue.h"
+#include "farm/farm.h"
+#include "farm/job_status.h"
+#include "host/http/http_transport.h"
+#include "host/rendercore/submit/submit_arguments.h"
+#include "host/rendercore/submit/submit_queue.h"
+#include "tests/farm/farm_client.h"
+#include "tests/farm/farm_fixture.h"
 
 #include <QRandomGenerator>
 #include <QSignalSpy>

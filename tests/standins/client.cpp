@@ -1,4 +1,4 @@
-#include "client.h"
+#include "tests/standins/client.h"
 
 #include <ctkPluginContext.h>
 #include <ctkPluginFramework.h>

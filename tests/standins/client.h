@@ -1,7 +1,7 @@
 #pragma once
 
-#include "stand_ins.h"
-#include "ui_loader_stand_in.h"
+#include "tests/standins/stand_ins.h"
+#include "tests/standins/ui_loader_stand_in.h"
 
 #include <QPushButton>
 #include <QSharedPointer>

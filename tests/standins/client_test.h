@@ -1,6 +1,6 @@
 #pragma once
 
-#include "client.h"
+#include "tests/standins/client.h"
 
 #include <QMenu>
 #include <QProgressBar>

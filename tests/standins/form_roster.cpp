@@ -1,6 +1,6 @@
-#include "form_roster.h"
+#include "tests/standins/form_roster.h"
 
-#include "stand_in.h"
+#include "tests/standins/stand_in.h"
 
 #include <QCheckBox>
 #include <QComboBox>

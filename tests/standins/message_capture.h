@@ -1,6 +1,6 @@
 #pragma once
 
-#include "stand_in.h"
+#include "tests/standins/stand_in.h"
 
 /// Keeps what Qt's message handler is given while this lives, as "critical|text|file|line". One at a time.
 class MessageCapture

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "stand_in.h"
+#include "tests/standins/stand_in.h"
 #include "vtr_baseappinterface.h"
 #include "vtr_communicationinterface.h"
 #include "vtr_configurationinterface.h"

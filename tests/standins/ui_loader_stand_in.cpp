@@ -1,6 +1,6 @@
-#include "ui_loader_stand_in.h"
+#include "tests/standins/ui_loader_stand_in.h"
 
-#include "form_roster.h"
+#include "tests/standins/form_roster.h"
 
 #include <QFileInfo>
 

@@ -1,8 +1,8 @@
-#include "test_tables.h"
-#include "vtr_codetables.h"
-#include "vtr_filename.h"
-#include "vtr_mapwindow.h"
-#include "vtr_pagestate.h"
+#include "common/vtr_codetables.h"
+#include "common/vtr_filename.h"
+#include "mainwindow/vtr_mapwindow.h"
+#include "mainwindow/vtr_pagestate.h"
+#include "tests/standins/test_tables.h"
 
 #include <limits>
 #include <random>

@@ -1,6 +1,6 @@
-#include "download_paths.h"
+#include "host/rendercore/download/download_paths.h"
 
-#include "vtr_filename.h"
+#include "common/vtr_filename.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>

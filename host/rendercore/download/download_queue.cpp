@@ -1,7 +1,7 @@
-#include "download_queue.h"
+#include "host/rendercore/download/download_queue.h"
 
-#include "download_worker.h"
-#include "task_wishes.h"
+#include "host/rendercore/download/download_worker.h"
+#include "host/rendercore/download/task_wishes.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "download_limits.h"
-#include "download_store.h"
-#include "farm_access.h"
+#include "host/rendercore/download/download_limits.h"
+#include "host/rendercore/download/download_store.h"
+#include "host/rendercore/farm_access.h"
 
 #include <QObject>
 #include <QStringList>

@@ -1,6 +1,6 @@
-#include "download_store.h"
+#include "host/rendercore/download/download_store.h"
 
-#include "download_paths.h"
+#include "host/rendercore/download/download_paths.h"
 
 #include <QFileInfo>
 #include <QHash>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "database.h"
-#include "download_task.h"
+#include "host/rendercore/download/download_task.h"
+#include "storage/database.h"
 
 #include <QStringList>
 

@@ -1,8 +1,8 @@
-#include "download_worker.h"
+#include "host/rendercore/download/download_worker.h"
 
-#include "attempt.h"
-#include "file_checks.h"
-#include "file_download.h"
+#include "host/rendercore/download/attempt.h"
+#include "host/rendercore/download/file_checks.h"
+#include "host/rendercore/download/file_download.h"
 
 namespace {
 

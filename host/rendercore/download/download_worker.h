@@ -1,10 +1,10 @@
 #pragma once
 
-#include "download_limits.h"
-#include "download_store.h"
-#include "farm_access.h"
-#include "order_desk.h"
-#include "transfer_schedule.h"
+#include "host/rendercore/download/download_limits.h"
+#include "host/rendercore/download/download_store.h"
+#include "host/rendercore/download/order_desk.h"
+#include "host/rendercore/download/transfer_schedule.h"
+#include "host/rendercore/farm_access.h"
 
 #include <QObject>
 #include <QTimer>

@@ -1,11 +1,11 @@
 // What the worker makes of the wishes of people.
 
-#include "attempt.h"
-#include "download_paths.h"
-#include "download_worker.h"
-#include "file_checks.h"
-#include "file_download.h"
-#include "task_wishes.h"
+#include "host/rendercore/download/attempt.h"
+#include "host/rendercore/download/download_paths.h"
+#include "host/rendercore/download/download_worker.h"
+#include "host/rendercore/download/file_checks.h"
+#include "host/rendercore/download/file_download.h"
+#include "host/rendercore/download/task_wishes.h"
 
 #include <QFile>
 

@@ -1,6 +1,6 @@
-#include "file_checks.h"
+#include "host/rendercore/download/file_checks.h"
 
-#include "durable_file.h"
+#include "storage/durable_file.h"
 
 #include <QFileInfo>
 #include <QThread>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "download_task.h"
+#include "host/rendercore/download/download_task.h"
 
 #include <QObject>
 #include <QTimer>

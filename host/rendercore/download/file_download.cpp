@@ -1,7 +1,7 @@
-#include "file_download.h"
+#include "host/rendercore/download/file_download.h"
 
-#include "download_paths.h"
-#include "durable_file.h"
+#include "host/rendercore/download/download_paths.h"
+#include "storage/durable_file.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "download_limits.h"
-#include "download_task.h"
+#include "host/rendercore/download/download_limits.h"
+#include "host/rendercore/download/download_task.h"
 
 #include <QCryptographicHash>
 #include <QElapsedTimer>

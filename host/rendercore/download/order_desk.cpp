@@ -1,8 +1,8 @@
-#include "order_desk.h"
+#include "host/rendercore/download/order_desk.h"
 
-#include "download_store.h"
-#include "durable_file.h"
-#include "http_call.h"
+#include "host/http/http_call.h"
+#include "host/rendercore/download/download_store.h"
+#include "storage/durable_file.h"
 
 #include <QJsonArray>
 #include <QUrl>

@@ -1,4 +1,4 @@
-#include "task_wishes.h"
+#include "host/rendercore/download/task_wishes.h"
 
 namespace TaskWishes {
 

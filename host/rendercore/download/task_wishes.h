@@ -1,6 +1,6 @@
 #pragma once
 
-#include "download_task.h"
+#include "host/rendercore/download/download_task.h"
 
 /// What people may want of a task. Each wish changes a task that it applies to, and tells whether it does.
 namespace TaskWishes {

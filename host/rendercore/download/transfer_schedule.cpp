@@ -1,4 +1,4 @@
-#include "transfer_schedule.h"
+#include "host/rendercore/download/transfer_schedule.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-#include "farm_link.h"
+#include "host/rendercore/submit/farm_link.h"
 
-#include "http_call.h"
+#include "host/http/http_call.h"
 
 #include <QJsonDocument>
 

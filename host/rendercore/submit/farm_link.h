@@ -1,7 +1,7 @@
 #pragma once
 
-#include "http_transport.h"
-#include "stage_outcome.h"
+#include "host/http/http_transport.h"
+#include "host/rendercore/submit/stage_outcome.h"
 
 #include <QEventLoop>
 #include <QPointer>

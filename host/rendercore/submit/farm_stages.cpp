@@ -1,8 +1,8 @@
-#include "farm_stages.h"
+#include "host/rendercore/submit/farm_stages.h"
 
-#include "job_body.h"
-#include "local_stages.h"
-#include "submit_text.h"
+#include "host/rendercore/submit/job_body.h"
+#include "host/rendercore/submit/local_stages.h"
+#include "host/rendercore/submit/submit_text.h"
 
 #include <QFile>
 #include <QJsonArray>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "farm_link.h"
-#include "stage_outcome.h"
-#include "transfer_meter.h"
+#include "host/rendercore/submit/farm_link.h"
+#include "host/rendercore/submit/stage_outcome.h"
+#include "host/rendercore/submit/transfer_meter.h"
 
 /// The stages that the farm takes part in. They belong to the thread that made them.
 class FarmStages

@@ -1,7 +1,7 @@
-#include "job_body.h"
+#include "host/rendercore/submit/job_body.h"
 
-#include "scene_analysis.h"
-#include "submit_arguments.h"
+#include "host/rendercore/submit/scene_analysis.h"
+#include "host/rendercore/submit/submit_arguments.h"
 
 #include <QFileInfo>
 #include <QJsonArray>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "submit_task.h"
+#include "host/rendercore/submit/submit_task.h"
 
 /// What the farm is told to make a job of a task, whose arguments are such that AreArguments() holds.
 QJsonObject JobBody(const SubmitTask& task);

@@ -1,11 +1,11 @@
-#include "local_stages.h"
+#include "host/rendercore/submit/local_stages.h"
 
-#include "durable_file.h"
-#include "job_body.h"
-#include "scene_analysis.h"
-#include "scene_package.h"
-#include "submit_arguments.h"
-#include "submit_text.h"
+#include "host/rendercore/submit/job_body.h"
+#include "host/rendercore/submit/scene_analysis.h"
+#include "host/rendercore/submit/scene_package.h"
+#include "host/rendercore/submit/submit_arguments.h"
+#include "host/rendercore/submit/submit_text.h"
+#include "storage/durable_file.h"
 
 #include <QDir>
 #include <QFileInfo>

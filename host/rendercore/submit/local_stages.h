@@ -1,6 +1,6 @@
 #pragma once
 
-#include "stage_outcome.h"
+#include "host/rendercore/submit/stage_outcome.h"
 
 // The stages that need no farm. Each takes the time that it takes and looks at the order's flag in between.
 // They throw std::runtime_error, with an English sentence, when files cannot be read or written.

@@ -1,6 +1,6 @@
-#include "maya_scene.h"
+#include "host/rendercore/submit/maya_scene.h"
 
-#include "maya_statements.h"
+#include "host/rendercore/submit/maya_statements.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scene_analysis.h"
+#include "host/rendercore/submit/scene_analysis.h"
 
 /// A Maya scene. Of a text scene (`.ma`) the pictures of file nodes and the referenced scenes go along, and its frames
 /// and size are read; a binary scene (`.mb`) goes alone with one frame.

@@ -1,4 +1,4 @@
-#include "maya_statements.h"
+#include "host/rendercore/submit/maya_statements.h"
 
 #include <utility>
 

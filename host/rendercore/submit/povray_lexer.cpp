@@ -1,4 +1,4 @@
-#include "povray_lexer.h"
+#include "host/rendercore/submit/povray_lexer.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
-#include "povray_scene.h"
+#include "host/rendercore/submit/povray_scene.h"
 
-#include "povray_lexer.h"
+#include "host/rendercore/submit/povray_lexer.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scene_analysis.h"
+#include "host/rendercore/submit/scene_analysis.h"
 
 /// A POV-Ray scene with its includes, pictures, fonts and data files. POV-Ray looks for all of them from the scene's
 /// folder, so each is given the place where it will be looked for; references that climb out of that folder take the

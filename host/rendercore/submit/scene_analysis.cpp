@@ -1,8 +1,8 @@
-#include "scene_analysis.h"
+#include "host/rendercore/submit/scene_analysis.h"
 
-#include "maya_scene.h"
-#include "povray_scene.h"
-#include "submit_arguments.h"
+#include "host/rendercore/submit/maya_scene.h"
+#include "host/rendercore/submit/povray_scene.h"
+#include "host/rendercore/submit/submit_arguments.h"
 
 #include <QDir>
 #include <QFileInfo>

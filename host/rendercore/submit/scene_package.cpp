@@ -1,4 +1,4 @@
-#include "scene_package.h"
+#include "host/rendercore/submit/scene_package.h"
 
 #include <QCryptographicHash>
 #include <QFile>

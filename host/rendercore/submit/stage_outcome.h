@@ -1,7 +1,7 @@
 #pragma once
 
-#include "farm_access.h"
-#include "submit_task.h"
+#include "host/rendercore/farm_access.h"
+#include "host/rendercore/submit/submit_task.h"
 
 #include <atomic>
 #include <functional>

@@ -1,4 +1,4 @@
-#include "submit_arguments.h"
+#include "host/rendercore/submit/submit_arguments.h"
 
 #include <QJsonArray>
 #include <QVariantMap>

@@ -1,9 +1,9 @@
-#include "submit_queue.h"
+#include "host/rendercore/submit/submit_queue.h"
 
-#include "local_stages.h"
-#include "scene_analysis.h"
-#include "submit_arguments.h"
-#include "submit_text.h"
+#include "host/rendercore/submit/local_stages.h"
+#include "host/rendercore/submit/scene_analysis.h"
+#include "host/rendercore/submit/submit_arguments.h"
+#include "host/rendercore/submit/submit_text.h"
 
 #include <QDebug>
 #include <QDir>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "farm_access.h"
-#include "stage_outcome.h"
-#include "submit_store.h"
-#include "submit_worker.h"
+#include "host/rendercore/farm_access.h"
+#include "host/rendercore/submit/stage_outcome.h"
+#include "host/rendercore/submit/submit_store.h"
+#include "host/rendercore/submit/submit_worker.h"
 
 #include <QDeadlineTimer>
 #include <QHash>

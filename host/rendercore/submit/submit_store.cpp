@@ -1,4 +1,4 @@
-#include "submit_store.h"
+#include "host/rendercore/submit/submit_store.h"
 
 #include <QDateTime>
 #include <QFileInfo>

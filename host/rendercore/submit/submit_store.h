@@ -1,7 +1,7 @@
 #pragma once
 
-#include "database.h"
-#include "submit_task.h"
+#include "host/rendercore/submit/submit_task.h"
+#include "storage/database.h"
 
 #include <QSet>
 

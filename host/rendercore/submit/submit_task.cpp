@@ -1,4 +1,4 @@
-#include "submit_task.h"
+#include "host/rendercore/submit/submit_task.h"
 
 #include <QJsonArray>
 

@@ -1,6 +1,6 @@
 // Whose turn it is, and what becomes of a task when one of its stages has ended.
-#include "submit_queue.h"
-#include "submit_text.h"
+#include "host/rendercore/submit/submit_queue.h"
+#include "host/rendercore/submit/submit_text.h"
 
 #include <QFileInfo>
 

@@ -1,6 +1,6 @@
-#include "submit_worker.h"
+#include "host/rendercore/submit/submit_worker.h"
 
-#include "local_stages.h"
+#include "host/rendercore/submit/local_stages.h"
 
 #include <QDir>
 

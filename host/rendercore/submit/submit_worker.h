@@ -1,7 +1,7 @@
 #pragma once
 
-#include "farm_stages.h"
-#include "stage_outcome.h"
+#include "host/rendercore/submit/farm_stages.h"
+#include "host/rendercore/submit/stage_outcome.h"
 
 #include <QElapsedTimer>
 #include <QObject>

@@ -1,4 +1,4 @@
-#include "transfer_meter.h"
+#include "host/rendercore/submit/transfer_meter.h"
 
 #include <algorithm>
 
