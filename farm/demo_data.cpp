@@ -1,7 +1,7 @@
 #include "farm/demo_data.h"
 
-#include "farm/account_store.h"
-#include "farm/job_store.h"
+#include "farm/accounts/account_store.h"
+#include "farm/jobs/job_store.h"
 
 #include <array>
 

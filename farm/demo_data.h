@@ -1,6 +1,6 @@
 #pragma once
 
-#include "farm/schema.h"
+#include "farm/base/schema.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 #include "farm/farm.h"
 
+#include "farm/base/local_time.h"
 #include "farm/demo_data.h"
-#include "farm/local_time.h"
 
 #include <QDir>
 

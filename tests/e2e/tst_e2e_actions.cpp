@@ -1,5 +1,5 @@
-#include "farm/account_store.h"
-#include "farm/job_store.h"
+#include "farm/accounts/account_store.h"
+#include "farm/jobs/job_store.h"
 #include "host/main_window.h"
 #include "tests/e2e/client_windows.h"
 #include "tests/e2e/running_client.h"

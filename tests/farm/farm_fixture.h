@@ -1,8 +1,8 @@
 #pragma once
 
-#include "farm/account_store.h"
-#include "farm/job_store.h"
-#include "farm/schema.h"
+#include "farm/accounts/account_store.h"
+#include "farm/base/schema.h"
+#include "farm/jobs/job_store.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "farm/rate_limiter.h"
+#include "farm/http/rate_limiter.h"
 #include "tests/farm/farm_fixture.h"
 
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "farm/frame_files.h"
+#include "farm/rendering/frame_files.h"
 #include "tests/farm/farm_fixture.h"
 
 #include <QProcess>

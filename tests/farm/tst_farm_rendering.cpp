@@ -1,9 +1,9 @@
-#include "farm/content_store.h"
-#include "farm/frame_files.h"
-#include "farm/local_executor.h"
-#include "farm/render_queue.h"
-#include "farm/scene_files.h"
-#include "farm/scheduler.h"
+#include "farm/rendering/frame_files.h"
+#include "farm/rendering/local_executor.h"
+#include "farm/rendering/render_queue.h"
+#include "farm/rendering/scene_files.h"
+#include "farm/rendering/scheduler.h"
+#include "farm/uploads/content_store.h"
 #include "tests/farm/farm_fixture.h"
 
 #include <QtTest>

@@ -1,8 +1,8 @@
+#include "farm/base/money.h"
+#include "farm/base/schema.h"
 #include "farm/data_lock.h"
-#include "farm/job_actions.h"
-#include "farm/money.h"
-#include "farm/render_queue.h"
-#include "farm/schema.h"
+#include "farm/jobs/job_actions.h"
+#include "farm/rendering/render_queue.h"
 #include "tests/farm/farm_fixture.h"
 
 #include <QtTest>

@@ -1,6 +1,6 @@
 // Scenes on their way to a real farm in this process.
 #include "farm/farm.h"
-#include "farm/job_status.h"
+#include "farm/jobs/job_status.h"
 #include "host/http/http_transport.h"
 #include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_queue.h"

@@ -1,0 +1,142 @@
+#include "farm/accounts/account_store.h"
+
+#include "farm/base/secrets.h"
+
+namespace farm {
+
+namespace {
+
+struct Credentials
+{
+    std::int64_t account = 0;
+    QString name;
+    QString password;
+};
+
+Credentials FindCredentials(Database& database, const QString& name)
+{
+    return database.Read([&name](SQLite::Database& connection) {
+        SQLite::Statement query(
+            connection, "SELECT key, name, password FROM accounts WHERE name = ?1 OR email = ?1");
+        Bind(query, name);
+        if (!query.executeStep())
+            return Credentials {};
+        return Credentials {
+            query.getColumn(0).getInt64(), Text(query.getColumn(1)), Text(query.getColumn(2))};
+    });
+}
+
+} // namespace
+
+AccountStore::AccountStore(Database& database, std::int64_t sessionSeconds)
+    : m_database(database)
+    , m_sessionSeconds(sessionSeconds)
+{
+}
+
+std::int64_t AccountStore::Add(const NewAccount& account)
+{
+    const QString password = HashPassword(account.password);
+    return m_database.Write([&](SQLite::Database& connection) {
+        Execute(connection,
+            "INSERT INTO accounts(name, email, password, bound, balance, second_balance) VALUES (?, ?, ?, ?, "
+            "?, ?)",
+            account.name, account.email, password, int(account.bound), account.balance,
+            account.secondBalance);
+        return std::int64_t(connection.getLastInsertRowid());
+    });
+}
+
+std::int64_t AccountStore::AddProject(std::int64_t account, const Project& project)
+{
+    return m_database.Write([&](SQLite::Database& connection) {
+        Execute(connection, "INSERT INTO projects(account, name, pool) VALUES (?, ?, ?)", account,
+            project.name, project.pool);
+        return std::int64_t(connection.getLastInsertRowid());
+    });
+}
+
+std::optional<Session> AccountStore::SignIn(const QString& name, const QString& password, std::int64_t now)
+{
+    const Credentials known = FindCredentials(m_database, name);
+    if (!PasswordMatches(password, known.password))
+        return std::nullopt;
+    const QString token = NewToken();
+    m_database.Write([&](SQLite::Database& connection) {
+        Execute(connection, "DELETE FROM sessions WHERE expires_at <= ?", now);
+        Execute(connection, "INSERT INTO sessions(token_hash, account, expires_at) VALUES (?, ?, ?)",
+            HashToken(token), known.account, now + m_sessionSeconds);
+    });
+    return Session {known.name, token};
+}
+
+void AccountStore::SignOut(const QString& token)
+{
+    m_database.Write([&token](SQLite::Database& connection) {
+        Execute(connection, "DELETE FROM sessions WHERE token_hash = ?", HashToken(token));
+    });
+}
+
+std::optional<std::int64_t> AccountStore::AccountOf(const QString& token, std::int64_t now)
+{
+    return m_database.Read([&](SQLite::Database& connection) -> std::optional<std::int64_t> {
+        SQLite::Statement query(
+            connection, "SELECT account FROM sessions WHERE token_hash = ? AND expires_at > ?");
+        Bind(query, HashToken(token), now);
+        if (!query.executeStep())
+            return std::nullopt;
+        return query.getColumn(0).getInt64();
+    });
+}
+
+bool AccountStore::IsEmpty()
+{
+    return m_database.Read([](SQLite::Database& connection) {
+        return connection.execAndGet("SELECT NOT EXISTS (SELECT 1 FROM accounts)").getInt() != 0;
+    });
+}
+
+std::optional<std::int64_t> AccountStore::Find(const QString& name)
+{
+    const std::int64_t account = FindCredentials(m_database, name).account;
+    return account != 0 ? std::optional<std::int64_t>(account) : std::nullopt;
+}
+
+Account AccountStore::Info(std::int64_t account)
+{
+    return m_database.Read([account](SQLite::Database& connection) {
+        SQLite::Statement query(
+            connection, "SELECT name, bound, balance, second_balance FROM accounts WHERE key = ?");
+        Bind(query, account);
+        if (!query.executeStep())
+            throw std::runtime_error("no such account");
+        return Account {Text(query.getColumn(0)), query.getColumn(1).getInt() != 0,
+            query.getColumn(2).getInt64(), query.getColumn(3).getInt64()};
+    });
+}
+
+std::optional<Micros> AccountStore::Credit(const QString& name, Micros amount)
+{
+    return m_database.Write([&](SQLite::Database& connection) -> std::optional<Micros> {
+        const auto account = Find(name);
+        if (!account)
+            return std::nullopt;
+        Execute(connection, "UPDATE accounts SET balance = balance + ?2 WHERE key = ?1", *account, amount);
+        return Info(*account).balance;
+    });
+}
+
+std::vector<Project> AccountStore::Projects(std::int64_t account)
+{
+    return m_database.Read([account](SQLite::Database& connection) {
+        SQLite::Statement query(
+            connection, "SELECT name, pool FROM projects WHERE account = ? ORDER BY name");
+        Bind(query, account);
+        std::vector<Project> projects;
+        while (query.executeStep())
+            projects.push_back({Text(query.getColumn(0)), Text(query.getColumn(1))});
+        return projects;
+    });
+}
+
+} // namespace farm

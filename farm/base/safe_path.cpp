@@ -1,0 +1,40 @@
+#include "farm/base/safe_path.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+namespace farm {
+
+namespace {
+
+constexpr int longestPart = 255;
+constexpr int mostParts = 64;
+
+bool IsUnsafe(QChar character)
+{
+    return character == QLatin1Char('\\') || character.category() == QChar::Other_Control
+        || character == QChar::ReplacementCharacter;
+}
+
+bool IsSafePart(const QString& part)
+{
+    return !part.isEmpty() && part != QLatin1String(".") && part != QLatin1String("..")
+        && part.toUtf8().size() <= longestPart;
+}
+
+} // namespace
+
+bool IsSafePath(const QString& path)
+{
+    const bool hasDrive = path.size() >= 2 && path.at(1) == QLatin1Char(':') && path.at(0).isLetter();
+    // Half of a surrogate pair has no name on the disk of its own.
+    const QByteArray bytes = path.toUtf8();
+    if (hasDrive || bytes.size() > longestSafePath || QString::fromUtf8(bytes) != path
+        || std::any_of(path.cbegin(), path.cend(), IsUnsafe))
+        return false;
+    const QStringList parts = path.split(QLatin1Char('/'));
+    return parts.size() <= mostParts && std::all_of(parts.cbegin(), parts.cend(), IsSafePart);
+}
+
+} // namespace farm

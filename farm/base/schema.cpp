@@ -1,0 +1,130 @@
+#include "farm/base/schema.h"
+
+namespace farm {
+
+namespace {
+
+// Times are seconds since the epoch, amounts are millionths of the currency unit.
+constexpr const char* firstSchema = R"sql(
+CREATE TABLE accounts(
+    key INTEGER PRIMARY KEY,
+    name TEXT NOT NULL UNIQUE COLLATE NOCASE,
+    email TEXT NOT NULL UNIQUE COLLATE NOCASE,
+    password TEXT NOT NULL,
+    bound INTEGER NOT NULL,
+    balance INTEGER NOT NULL,
+    second_balance INTEGER NOT NULL);
+
+CREATE TABLE sessions(
+    token_hash TEXT PRIMARY KEY,
+    account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
+    expires_at INTEGER NOT NULL) WITHOUT ROWID;
+
+CREATE TABLE projects(
+    key INTEGER PRIMARY KEY,
+    account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
+    name TEXT NOT NULL,
+    pool TEXT NOT NULL,
+    UNIQUE(account, pool));
+
+CREATE TABLE jobs(
+    key INTEGER PRIMARY KEY,
+    id TEXT NOT NULL UNIQUE,
+    account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
+    number INTEGER NOT NULL,
+    project INTEGER REFERENCES projects,
+    type TEXT NOT NULL,
+    name TEXT NOT NULL,
+    folded_name TEXT NOT NULL,
+    business INTEGER NOT NULL,
+    status INTEGER NOT NULL,
+    scene TEXT NOT NULL,
+    width INTEGER NOT NULL,
+    height INTEGER NOT NULL,
+    submitted_at INTEGER NOT NULL,
+    ended_at INTEGER,
+    message TEXT NOT NULL DEFAULT '',
+    UNIQUE(account, number));
+CREATE INDEX jobs_by_status ON jobs(account, status, number);
+CREATE INDEX jobs_by_project ON jobs(project, number);
+CREATE INDEX jobs_by_submission ON jobs(account, submitted_at);
+CREATE INDEX jobs_by_end ON jobs(account, ended_at);
+CREATE INDEX open_jobs ON jobs(key) WHERE status IN (0, 1);
+
+CREATE TABLE frames(
+    job INTEGER NOT NULL REFERENCES jobs ON DELETE CASCADE,
+    number INTEGER NOT NULL,
+    failures INTEGER NOT NULL DEFAULT 0,
+    finished_at INTEGER,
+    PRIMARY KEY(job, number)) WITHOUT ROWID;
+CREATE INDEX open_frames ON frames(job, number) WHERE finished_at IS NULL;
+
+CREATE TABLE charges(
+    key INTEGER PRIMARY KEY,
+    account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
+    job INTEGER NOT NULL REFERENCES jobs ON DELETE CASCADE,
+    frame INTEGER NOT NULL,
+    core_milliseconds INTEGER NOT NULL,
+    amount INTEGER NOT NULL,
+    charged_at INTEGER NOT NULL);
+CREATE INDEX charges_by_job ON charges(job, amount);
+CREATE INDEX charges_by_account ON charges(account);
+)sql";
+
+// A job's frames belong to its run; a restart begins a new one. Open jobs are those that the scheduler works at:
+// waiting, running and to full render.
+constexpr const char* runsAndFullRenders = R"sql(
+ALTER TABLE jobs ADD COLUMN run INTEGER NOT NULL DEFAULT 1;
+DROP INDEX open_jobs;
+CREATE INDEX jobs_to_render ON jobs(key) WHERE status IN (0, 1, 6);
+CREATE VIEW open_jobs AS SELECT * FROM jobs WHERE status IN (0, 1, 6);
+)sql";
+
+// What an account has sent to the farm, and what its jobs have of it and leave. The ranges of a job have no frame in
+// common; together they are all that it may render.
+constexpr const char* scenesAndPictures = R"sql(
+CREATE TABLE contents(
+    account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
+    checksum TEXT NOT NULL,
+    size INTEGER NOT NULL,
+    PRIMARY KEY(account, checksum)) WITHOUT ROWID;
+
+CREATE TABLE uploads(
+    id TEXT PRIMARY KEY,
+    account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
+    checksum TEXT NOT NULL,
+    size INTEGER NOT NULL,
+    touched_at INTEGER NOT NULL,
+    unpacked TEXT,
+    UNIQUE(account, checksum, size)) WITHOUT ROWID;
+CREATE INDEX uploads_by_touch ON uploads(touched_at);
+
+ALTER TABLE jobs ADD COLUMN submission TEXT;
+CREATE UNIQUE INDEX jobs_by_client_name ON jobs(account, submission) WHERE submission IS NOT NULL;
+
+CREATE TABLE job_files(
+    job INTEGER NOT NULL REFERENCES jobs ON DELETE CASCADE,
+    path TEXT NOT NULL,
+    checksum TEXT NOT NULL,
+    PRIMARY KEY(job, path)) WITHOUT ROWID;
+
+CREATE TABLE frame_ranges(
+    job INTEGER NOT NULL REFERENCES jobs ON DELETE CASCADE,
+    first INTEGER NOT NULL,
+    last INTEGER NOT NULL,
+    PRIMARY KEY(job, first)) WITHOUT ROWID;
+INSERT INTO frame_ranges SELECT job, 1, max(number) FROM frames GROUP BY job;
+
+ALTER TABLE frames ADD COLUMN file TEXT;
+ALTER TABLE frames ADD COLUMN size INTEGER;
+ALTER TABLE frames ADD COLUMN checksum TEXT;
+)sql";
+
+} // namespace
+
+storage::Migrations Schema()
+{
+    return {firstSchema, runsAndFullRenders, scenesAndPictures};
+}
+
+} // namespace farm

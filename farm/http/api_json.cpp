@@ -1,0 +1,126 @@
+#include "farm/http/api_json.h"
+
+#include "farm/base/local_time.h"
+
+namespace farm {
+
+namespace {
+
+QJsonObject JobJson(const JobRecord& job)
+{
+    return {
+        {QStringLiteral("job_increasement"), QString::number(job.number)},
+        {QStringLiteral("job_id"), job.id},
+        {QStringLiteral("job_type"), job.type},
+        {QStringLiteral("job_name"), job.name},
+        {QStringLiteral("job_submit_time"), TimeText(job.submittedAt)},
+        {QStringLiteral("job_progress"), job.progress},
+        {QStringLiteral("job_status"), job.status},
+        {QStringLiteral("job_cost"), MoneyText(job.cost)},
+        {QStringLiteral("job_cost_unit"), Currency()},
+    };
+}
+
+} // namespace
+
+QJsonObject SessionJson(const Session& session, std::int64_t sessionSeconds)
+{
+    const QJsonObject data {
+        {QStringLiteral("token"), session.token},
+        {QStringLiteral("expiresIn"), qint64(sessionSeconds)},
+    };
+    return {
+        {QStringLiteral("loginname"), session.accountName},
+        {QStringLiteral("username"), session.accountName},
+        {QStringLiteral("data"), data},
+    };
+}
+
+QJsonObject AccountJson(const Account& account)
+{
+    QJsonObject info;
+    if (account.bound) {
+        info.insert(QStringLiteral("username"), account.name);
+        info.insert(QStringLiteral("user_rmb_balance"), MoneyText(account.balance));
+        info.insert(QStringLiteral("user_vso_balance"), MoneyText(account.secondBalance));
+    } else {
+        info.insert(QStringLiteral("user_balance"), MoneyText(account.balance).toDouble());
+    }
+    return {{QStringLiteral("isBindToVso"), account.bound}, {QStringLiteral("userInfo"), info}};
+}
+
+QJsonArray ProjectsJson(const std::vector<Project>& projects)
+{
+    QJsonArray list;
+    for (const Project& project : projects) {
+        list.append(QJsonObject {
+            {QStringLiteral("project_name"), project.name},
+            {QStringLiteral("project_pool"), project.pool},
+        });
+    }
+    return list;
+}
+
+QJsonObject JobPageJson(const JobPage& page)
+{
+    QJsonArray list;
+    for (const JobRecord& job : page.jobs)
+        list.append(JobJson(job));
+    return {{QStringLiteral("list"), list}, {QStringLiteral("total"), qint64(page.total)}};
+}
+
+QJsonObject JobInfoJson(const JobRecord& job, const JobPlan& plan)
+{
+    QJsonArray frames;
+    for (const FrameRange& range : plan.frames)
+        frames.append(
+            QJsonObject {{QStringLiteral("start"), range.first}, {QStringLiteral("end"), range.last}});
+    return {
+        {QStringLiteral("jobId"), job.id},
+        {QStringLiteral("jobType"), job.type},
+        {QStringLiteral("jobName"), job.name},
+        {QStringLiteral("jobStatus"), job.status},
+        {QStringLiteral("jobProgress"), job.progress},
+        {QStringLiteral("jobMessage"), job.message},
+        {QStringLiteral("jobFrames"), frames},
+        {QStringLiteral("jobWidth"), plan.width},
+        {QStringLiteral("jobHeight"), plan.height},
+        {QStringLiteral("jobPrerender"), plan.prerender},
+    };
+}
+
+QJsonObject UploadJson(const Upload& upload, int chunkSize)
+{
+    return {
+        {QStringLiteral("id"), upload.id},
+        {QStringLiteral("size"), qint64(upload.size)},
+        {QStringLiteral("offset"), qint64(upload.offset)},
+        {QStringLiteral("chunkSize"), chunkSize},
+        {QStringLiteral("unpacked"), upload.unpacked},
+    };
+}
+
+QJsonArray PicturesJson(const std::vector<Picture>& pictures)
+{
+    QJsonArray list;
+    for (const Picture& picture : pictures) {
+        list.append(QJsonObject {
+            {QStringLiteral("name"), picture.name},
+            {QStringLiteral("size"), qint64(picture.size)},
+            {QStringLiteral("checksum"), picture.checksum},
+        });
+    }
+    return list;
+}
+
+QJsonObject DataJson(const QJsonValue& value)
+{
+    return {{QStringLiteral("data"), value}};
+}
+
+QJsonObject ErrorJson(const char* word, const QString& message)
+{
+    return {{QStringLiteral("error"), QLatin1String(word)}, {QStringLiteral("message"), message}};
+}
+
+} // namespace farm

@@ -1,0 +1,278 @@
+#include "farm/http/http_server.h"
+
+#include "farm/http/api_json.h"
+#include "farm/http/bad_input.h"
+#include "farm/http/byte_range.h"
+
+#include <QJsonDocument>
+
+#include <httplib.h>
+#include <spdlog/spdlog.h>
+
+#include <algorithm>
+#include <array>
+#include <initializer_list>
+#include <optional>
+
+namespace farm {
+
+namespace {
+
+constexpr std::size_t largestBody = std::size_t {1024} * 1024;
+constexpr std::size_t fileBlockBytes = std::size_t {64} * 1024;
+// They mostly wait, for clients and for the disk.
+constexpr int threadCount = 64;
+constexpr int ioTimeoutSeconds = 5;
+
+void Answer(httplib::Response& response, int status, const QJsonObject& body)
+{
+    response.status = status;
+    response.set_content(
+        QJsonDocument(body).toJson(QJsonDocument::Compact).toStdString(), "application/json");
+}
+
+void Refuse(httplib::Response& response, int status, const char* word, const QString& message)
+{
+    Answer(response, status, ErrorJson(word, message));
+}
+
+// The library decompresses bodies and reads those of unknown length without a limit: that is of no use here.
+bool HasUnwantedHeader(const httplib::Request& request)
+{
+    for (const char* header : {"Transfer-Encoding", "Content-Encoding"}) {
+        if (request.has_header(header))
+            return true;
+    }
+    // It reads the bodies of other methods, too, whatever their size.
+    const auto& methods = {"GET", "HEAD", "POST", "PUT", "DELETE"};
+    if (std::find(methods.begin(), methods.end(), request.method) == methods.end())
+        return true;
+    return (request.method == "POST" || request.method == "PUT") && !request.has_header("Content-Length");
+}
+
+httplib::Server::HandlerResponse CheckHeaders(const httplib::Request& request, httplib::Response& response)
+{
+    // The library would cut ranges out of any answer, failures too, without looking whether they are in it. The request
+    // itself is not constant.
+    const_cast<httplib::Request&>(request).ranges.clear();
+    if (!HasUnwantedHeader(request))
+        return httplib::Server::HandlerResponse::Unhandled;
+    Refuse(response, 400, "bad_request", QStringLiteral("a body is sent plain, whole and with its length"));
+    return httplib::Server::HandlerResponse::Handled;
+}
+
+// Failures that no route has answered.
+void CompleteFailure(const httplib::Request&, httplib::Response& response)
+{
+    if (!response.body.empty())
+        return;
+    if (response.status == 404)
+        Refuse(response, 404, "not_found", QStringLiteral("there is nothing here"));
+    else if (response.status == 413)
+        Refuse(response, 413, "too_large", QStringLiteral("the request is too large"));
+    else if (response.status == 416)
+        Refuse(response, 416, "bad_range", QStringLiteral("the range cannot be read"));
+    else if (response.status < 500)
+        Refuse(response, response.status, "bad_request", QStringLiteral("the request cannot be read"));
+    else
+        Refuse(response, response.status, "internal", QStringLiteral("the farm has a problem"));
+}
+
+// The file's bytes, of which the range is wanted.
+void AnswerFile(httplib::Response& response, const FileAnswer& answer, const std::optional<ByteRange>& range)
+{
+    const ByteRange part = range.value_or(ByteRange {0, answer.size});
+    response.status = range ? 206 : 200;
+    response.set_header("ETag", '"' + answer.checksum.toStdString() + '"');
+    response.set_header("Accept-Ranges", "bytes");
+    if (range)
+        response.set_header("Content-Range", ContentRange(part, answer.size));
+    response.set_content_provider(static_cast<std::size_t>(part.length), "application/octet-stream",
+        [file = answer.file, part](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
+            std::array<char, fileBlockBytes> block {};
+            const qint64 wanted = qint64(std::min(length, block.size()));
+            if (!file->seek(part.offset + qint64(offset)) || file->read(block.data(), wanted) != wanted)
+                return false;
+            return sink.write(block.data(), static_cast<std::size_t>(wanted));
+        });
+}
+
+QByteArray Header(const httplib::Request& request, const char* name)
+{
+    return QByteArray::fromStdString(request.get_header_value(name));
+}
+
+void ServeFile(const httplib::Request& request, httplib::Response& response, const FileAnswer& answer)
+{
+    const QByteArray tag = '"' + answer.checksum.toLatin1() + '"';
+    if (request.has_header("If-Match") && !NamesTag(Header(request, "If-Match"), tag))
+        throw ApiRefusal {412, "changed", QStringLiteral("the file is another one now")};
+    // A range of another file is of no use.
+    const bool wantsRange = request.has_header("Range")
+        && (!request.has_header("If-Range") || Header(request, "If-Range") == tag);
+    std::optional<ByteRange> range;
+    if (wantsRange) {
+        range = ParseRange(Header(request, "Range"), answer.size);
+        if (!range) {
+            response.set_header("Content-Range", "bytes */" + std::to_string(answer.size));
+            throw ApiRefusal {416, "bad_range", QStringLiteral("the file has no such range")};
+        }
+    }
+    AnswerFile(response, answer, range);
+}
+
+// What `answer` throws becomes a failure.
+template <typename Answering>
+httplib::Server::Handler Wrap(std::size_t largest, Answering answer)
+{
+    return
+        [answer = std::move(answer), largest](const httplib::Request& request, httplib::Response& response) {
+            try {
+                if (request.body.size() > largest)
+                    throw ApiRefusal {413, "too_large", QStringLiteral("the request is too large")};
+                answer(request, response);
+            } catch (const ApiRefusal& refusal) {
+                if (refusal.retryAfterSeconds > 0)
+                    response.set_header("Retry-After", std::to_string(refusal.retryAfterSeconds));
+                Refuse(response, refusal.status, refusal.word, refusal.message);
+            } catch (const BadInput& error) {
+                Refuse(response, 400, "bad_request", QString::fromUtf8(error.what()));
+            } catch (const std::exception& error) {
+                spdlog::error("{} {} failed: {}", request.method, request.path, error.what());
+                Refuse(response, 500, "internal", QStringLiteral("the farm has a problem"));
+            }
+        };
+}
+
+httplib::Server::Handler WrapJson(std::size_t largest, HttpServer::Handler handler)
+{
+    return Wrap(largest,
+        [handler = std::move(handler)](const httplib::Request& request, httplib::Response& response) {
+            Answer(response, 200, handler(ApiRequest(request)));
+        });
+}
+
+} // namespace
+
+ApiRequest::ApiRequest(const httplib::Request& request)
+    : m_request(request)
+{
+}
+
+QString ApiRequest::Address() const
+{
+    return QString::fromStdString(m_request.remote_addr);
+}
+
+QString ApiRequest::Token() const
+{
+    const QString header = QString::fromStdString(m_request.get_header_value("Authorization"));
+    const QLatin1String scheme("Bearer ");
+    return header.startsWith(scheme, Qt::CaseInsensitive) ? header.mid(scheme.size()).trimmed() : QString();
+}
+
+QString ApiRequest::PathPart(int group) const
+{
+    return QString::fromStdString(m_request.matches[static_cast<std::size_t>(group)]);
+}
+
+QByteArray ApiRequest::Query(const char* name) const
+{
+    return QByteArray::fromStdString(m_request.get_param_value(name));
+}
+
+QJsonObject ApiRequest::Body() const
+{
+    const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(m_request.body));
+    if (!document.isObject())
+        throw BadInput("the body is no JSON object");
+    return document.object();
+}
+
+QByteArray ApiRequest::Bytes() const
+{
+    return QByteArray::fromStdString(m_request.body);
+}
+
+HttpServer::HttpServer()
+    : m_server(std::make_unique<httplib::Server>())
+{
+    SetUp();
+}
+
+HttpServer::~HttpServer()
+{
+    Stop();
+}
+
+void HttpServer::SetUp()
+{
+    m_server->new_task_queue = [] { return new httplib::ThreadPool(threadCount); };
+    m_server->set_payload_max_length(largestChunk);
+    m_server->set_read_timeout(ioTimeoutSeconds);
+    m_server->set_write_timeout(ioTimeoutSeconds);
+    // A connection that is kept open would hold a thread while it is idle.
+    m_server->set_keep_alive_max_count(1);
+    // The library's own choice lets two servers share a port.
+    m_server->set_socket_options([](socket_t socket) {
+        const int yes = 1;
+        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
+    });
+    m_server->set_pre_routing_handler(CheckHeaders);
+    m_server->set_error_handler(CompleteFailure);
+    m_server->set_logger([](const httplib::Request& request, const httplib::Response& response) {
+        spdlog::debug("{} {} {} {}", request.remote_addr, request.method, request.path, response.status);
+    });
+}
+
+void HttpServer::Get(const char* path, Handler handler)
+{
+    m_server->Get(path, WrapJson(largestBody, std::move(handler)));
+}
+
+void HttpServer::Post(const char* path, Handler handler)
+{
+    m_server->Post(path, WrapJson(largestBody, std::move(handler)));
+}
+
+void HttpServer::Put(const char* path, Handler handler)
+{
+    m_server->Put(path, WrapJson(largestChunk, std::move(handler)));
+}
+
+void HttpServer::GetFile(const char* path, FileHandler handler)
+{
+    m_server->Get(path,
+        Wrap(largestBody,
+            [handler = std::move(handler)](const httplib::Request& request, httplib::Response& response) {
+                ServeFile(request, response, handler(ApiRequest(request)));
+            }));
+}
+
+void HttpServer::Delete(const char* path, Handler handler)
+{
+    m_server->Delete(path, WrapJson(largestBody, std::move(handler)));
+}
+
+int HttpServer::Start(const QString& address, int port)
+{
+    const std::string host = address.toStdString();
+    const bool bound
+        = port == 0 ? (port = m_server->bind_to_any_port(host)) > 0 : m_server->bind_to_port(host, port);
+    if (!bound)
+        throw std::runtime_error("cannot listen on " + host);
+    m_thread = std::thread([this] { m_server->listen_after_bind(); });
+    while (!m_server->is_running())
+        std::this_thread::yield();
+    return port;
+}
+
+void HttpServer::Stop()
+{
+    if (!m_thread.joinable())
+        return;
+    m_server->stop();
+    m_thread.join();
+}
+
+} // namespace farm

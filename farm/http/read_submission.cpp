@@ -1,0 +1,119 @@
+#include "farm/base/safe_path.h"
+#include "farm/http/bad_input.h"
+#include "farm/http/json_input.h"
+#include "farm/jobs/job_submission.h"
+#include "storage/durable_file.h"
+
+#include <QJsonArray>
+#include <QSet>
+
+#include <algorithm>
+
+namespace farm {
+
+namespace {
+
+constexpr int longestSubmission = 64;
+constexpr int longestName = 256;
+constexpr int mostFiles = 4000;
+constexpr int mostRanges = 15;
+constexpr int highestFrame = 99999;
+constexpr int mostFrames = 20000;
+constexpr int mostPixels = 16384;
+
+QString NonEmptyText(const QJsonObject& body, const char* key, int longest)
+{
+    const QString text = RequiredText(body, key, longest);
+    if (text.isEmpty())
+        throw BadInput(std::string(key) + " is empty");
+    return text;
+}
+
+QJsonArray RequiredList(const QJsonObject& body, const char* key, int most)
+{
+    const QJsonValue value = body.value(QLatin1String(key));
+    const QJsonArray list = value.toArray();
+    if (!value.isArray() || list.isEmpty() || list.size() > most)
+        throw BadInput(std::string(key) + " is missing, no list, empty or too long");
+    return list;
+}
+
+// A file cannot be where a folder has to be.
+void CheckFolders(const QSet<QString>& paths)
+{
+    for (const QString& path : paths) {
+        for (int slash = path.indexOf(QLatin1Char('/')); slash >= 0;
+             slash = path.indexOf(QLatin1Char('/'), slash + 1)) {
+            if (paths.contains(path.left(slash)))
+                throw BadInput("a path of files is another one's folder");
+        }
+    }
+}
+
+std::vector<JobFile> ReadFiles(const QJsonObject& body)
+{
+    std::vector<JobFile> files;
+    QSet<QString> paths;
+    const QJsonArray list = RequiredList(body, "files", mostFiles);
+    for (const QJsonValue& value : list) {
+        const JobFile file {
+            value[QLatin1String("path")].toString(), value[QLatin1String("checksum")].toString()};
+        if (!IsSafePath(file.path))
+            throw BadInput("a path of files is not allowed");
+        if (!storage::IsChecksum(file.checksum))
+            throw BadInput("a checksum of files is none");
+        if (paths.contains(file.path))
+            throw BadInput("a path stands in files twice");
+        paths.insert(file.path);
+        files.push_back(file);
+    }
+    CheckFolders(paths);
+    return files;
+}
+
+std::vector<FrameRange> ReadFrames(const QJsonObject& body)
+{
+    std::vector<FrameRange> ranges;
+    const QJsonArray list = RequiredList(body, "frames", mostRanges);
+    for (const QJsonValue& value : list) {
+        const QJsonObject range = value.toObject();
+        ranges.push_back({RequiredInteger(range, "start", 1, highestFrame),
+            RequiredInteger(range, "end", 1, highestFrame)});
+        if (ranges.back().last < ranges.back().first)
+            throw BadInput("frames end before they start");
+    }
+    ranges = Disjoint(std::move(ranges));
+    if (FrameCount(ranges) > mostFrames)
+        throw BadInput("too many frames");
+    return ranges;
+}
+
+} // namespace
+
+Submission ReadSubmission(const QJsonObject& body, const QStringList& types)
+{
+    Submission submission;
+    NewJob& job = submission.job;
+    job.submission = NonEmptyText(body, "submission", longestSubmission);
+    job.type = RequiredText(body, "type", longestName);
+    if (!types.contains(job.type))
+        throw BadInput("type is no job type of the farm");
+    job.name = NonEmptyText(body, "name", longestName);
+    if (body.contains(QLatin1String("pool")))
+        submission.pool = RequiredText(body, "pool", longestName);
+    job.files = ReadFiles(body);
+    job.scene = RequiredText(body, "scene", longestSafePath);
+    if (std::none_of(job.files.begin(), job.files.end(),
+            [&job](const JobFile& file) { return file.path == job.scene; }))
+        throw BadInput("scene is none of files");
+    job.frames = ReadFrames(body);
+    job.width = RequiredInteger(body, "width", 1, mostPixels);
+    job.height = RequiredInteger(body, "height", 1, mostPixels);
+    const QJsonValue prerender = body.value(QLatin1String("prerender"));
+    if (!prerender.isBool())
+        throw BadInput("prerender is missing or neither true nor false");
+    job.prerender = prerender.toBool();
+    return submission;
+}
+
+} // namespace farm

@@ -1,0 +1,42 @@
+#include "farm/http/request_gate.h"
+
+#include "farm/accounts/account_store.h"
+#include "farm/base/local_time.h"
+#include "farm/http/http_server.h"
+
+namespace farm {
+
+RequestGate::RequestGate(AccountStore& accounts, Rate requests, Rate transfers)
+    : m_accounts(accounts)
+    , m_requests(requests)
+    , m_transfers(transfers)
+{
+}
+
+std::int64_t RequestGate::Authorize(const ApiRequest& request)
+{
+    return Authorize(request, m_requests);
+}
+
+std::int64_t RequestGate::AuthorizeTransfer(const ApiRequest& request)
+{
+    return Authorize(request, m_transfers);
+}
+
+std::int64_t RequestGate::Authorize(const ApiRequest& request, RateLimiter& limiter)
+{
+    const auto account = m_accounts.AccountOf(request.Token(), Now());
+    if (!account)
+        throw ApiRefusal {401, "unauthorized", QStringLiteral("sign in first")};
+    RefuseWhenTooMany(limiter.Take(std::to_string(*account)));
+    return *account;
+}
+
+void RefuseWhenTooMany(const std::optional<int>& waitSeconds)
+{
+    if (waitSeconds)
+        throw ApiRefusal {
+            429, "too_many_requests", QStringLiteral("too many requests, try again later"), *waitSeconds};
+}
+
+} // namespace farm

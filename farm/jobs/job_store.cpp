@@ -1,0 +1,158 @@
+#include "farm/jobs/job_store.h"
+
+#include "farm/base/secrets.h"
+#include "farm/jobs/job_filter.h"
+
+namespace farm {
+
+namespace {
+
+void BindFilter(SQLite::Statement& statement, const JobFilter& filter)
+{
+    int index = 0;
+    for (const auto& value : filter.values)
+        std::visit([&](const auto& plain) { statement.bind(++index, plain); }, value);
+}
+
+std::int64_t InsertJob(SQLite::Database& connection, const NewJob& job, const QString& id)
+{
+    SQLite::Statement insert(connection,
+        "INSERT INTO jobs(id, account, number, type, name, folded_name, business, status, scene, width, "
+        "height, "
+        "submitted_at, project, submission) VALUES (?1, ?2, (SELECT coalesce(max(number), 0) + 1 FROM jobs "
+        "WHERE account "
+        "= ?2), "
+        "?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13)");
+    Bind(insert, id, job.account, job.type, job.name, job.name.toCaseFolded(), int(job.rendering),
+        static_cast<int>(job.status), job.scene, job.width, job.height, job.submittedAt);
+    if (job.project)
+        insert.bind(12, *job.project);
+    if (!job.submission.isNull())
+        insert.bind(13, job.submission.toStdString());
+    insert.exec();
+    return connection.getLastInsertRowid();
+}
+
+std::int64_t NumberOf(SQLite::Database& connection, std::int64_t job)
+{
+    SQLite::Statement query(connection, "SELECT number FROM jobs WHERE key = ?");
+    Bind(query, job);
+    return query.executeStep() ? query.getColumn(0).getInt64() : 0;
+}
+
+// Of `job`. Frames and charges are counted for the jobs that are read only, however they are found.
+constexpr const char* recordColumns
+    = "number, id, type, name, submitted_at, status, "
+      "(SELECT 100 * count(finished_at) / count(*) FROM frames WHERE frames.job = job.key), "
+      "(SELECT coalesce(sum(amount), 0) FROM charges WHERE charges.job = job.key), message";
+
+JobRecord ReadRecord(SQLite::Statement& row)
+{
+    JobRecord record;
+    record.number = row.getColumn(0).getInt64();
+    record.id = Text(row.getColumn(1));
+    record.type = Text(row.getColumn(2));
+    record.name = Text(row.getColumn(3));
+    record.submittedAt = row.getColumn(4).getInt64();
+    record.status = row.getColumn(5).getInt();
+    record.progress = row.getColumn(6).getInt();
+    record.cost = row.getColumn(7).getInt64();
+    record.message = Text(row.getColumn(8));
+    return record;
+}
+
+} // namespace
+
+JobStore::JobStore(Database& database)
+    : m_database(database)
+{
+}
+
+AddedJob JobStore::Add(const NewJob& job)
+{
+    return m_database.Write([&job](SQLite::Database& connection) {
+        AddedJob added {0, NewId(), 0};
+        added.key = InsertJob(connection, job, added.id);
+        added.number = NumberOf(connection, added.key);
+        AddFrames(connection, added.key, job.frames, job.prerender);
+        AddJobFiles(connection, added.key, job.files);
+        return added;
+    });
+}
+
+JobPage JobStore::List(
+    std::int64_t account, const JobConditions& conditions, std::int64_t page, std::int64_t pageSize)
+{
+    const JobFilter filter = FilterFor(account, conditions);
+    return m_database.Read([&](SQLite::Database& connection) {
+        JobPage result;
+        SQLite::Statement count(connection, "SELECT count(*) FROM jobs WHERE " + filter.where);
+        BindFilter(count, filter);
+        if (count.executeStep())
+            result.total = count.getColumn(0).getInt64();
+        SQLite::Statement list(connection,
+            std::string("SELECT ") + recordColumns + " FROM (SELECT * FROM jobs WHERE " + filter.where
+                + " ORDER BY number DESC LIMIT ? OFFSET ?) AS job ORDER BY number DESC");
+        BindFilter(list, filter);
+        const int bound = static_cast<int>(filter.values.size());
+        list.bind(bound + 1, pageSize);
+        list.bind(bound + 2, (page - 1) * pageSize);
+        while (list.executeStep())
+            result.jobs.push_back(ReadRecord(list));
+        return result;
+    });
+}
+
+std::optional<JobRecord> JobStore::Find(std::int64_t account, const QString& id)
+{
+    return m_database.Read([&](SQLite::Database& connection) -> std::optional<JobRecord> {
+        SQLite::Statement query(connection,
+            std::string("SELECT ") + recordColumns + " FROM jobs AS job WHERE account = ? AND id = ?");
+        Bind(query, account, id);
+        if (!query.executeStep())
+            return std::nullopt;
+        return ReadRecord(query);
+    });
+}
+
+std::optional<AddedJob> JobStore::FindSubmission(std::int64_t account, const QString& submission)
+{
+    return m_database.Read([&](SQLite::Database& connection) -> std::optional<AddedJob> {
+        SQLite::Statement query(
+            connection, "SELECT key, id, number FROM jobs WHERE account = ? AND submission = ?");
+        Bind(query, account, submission);
+        if (!query.executeStep())
+            return std::nullopt;
+        return AddedJob {
+            query.getColumn(0).getInt64(), Text(query.getColumn(1)), query.getColumn(2).getInt64()};
+    });
+}
+
+std::optional<JobPlan> JobStore::Plan(std::int64_t account, const QString& id)
+{
+    return m_database.Read([&](SQLite::Database& connection) -> std::optional<JobPlan> {
+        SQLite::Statement query(connection,
+            "SELECT key, width, height, (SELECT count(*) FROM frames WHERE job = jobs.key) "
+            "FROM jobs WHERE account = ? AND id = ?");
+        Bind(query, account, id);
+        if (!query.executeStep())
+            return std::nullopt;
+        JobPlan plan;
+        plan.frames = RangesOf(connection, query.getColumn(0).getInt64());
+        plan.width = query.getColumn(1).getInt();
+        plan.height = query.getColumn(2).getInt();
+        plan.prerender = query.getColumn(3).getInt() < FrameCount(plan.frames);
+        return plan;
+    });
+}
+
+bool JobStore::HasOpenJobs(std::int64_t account)
+{
+    return m_database.Read([account](SQLite::Database& connection) {
+        SQLite::Statement query(connection, "SELECT EXISTS (SELECT 1 FROM open_jobs WHERE account = ?)");
+        Bind(query, account);
+        return query.executeStep() && query.getColumn(0).getInt() != 0;
+    });
+}
+
+} // namespace farm

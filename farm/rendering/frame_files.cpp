@@ -1,0 +1,114 @@
+#include "farm/rendering/frame_files.h"
+
+#include "farm/rendering/scene_files.h"
+#include "storage/durable_file.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <stdexcept>
+#include <unistd.h>
+
+namespace farm {
+
+namespace {
+
+QString PlainSuffix(const QString& suffix)
+{
+    static const QRegularExpression plain(QStringLiteral("^[A-Za-z0-9]{1,16}$"));
+    return plain.match(suffix).hasMatch() ? suffix : QStringLiteral("scene");
+}
+
+} // namespace
+
+FrameFiles::FrameFiles(const QString& folder, const SceneFiles& scenes)
+    : m_folder(folder)
+    , m_scenes(scenes)
+{
+}
+
+QString FrameFiles::JobFolder(const QString& jobId) const
+{
+    return QDir(m_folder).filePath(jobId);
+}
+
+QString FrameFiles::FrameName(int number, const QString& suffix)
+{
+    return QStringLiteral("frame_%1.%2").arg(number, 4, 10, QLatin1Char('0')).arg(suffix);
+}
+
+RenderPlace FrameFiles::PlaceOf(const FrameTask& task, const QString& suffix) const
+{
+    const QDir folder(JobFolder(task.jobId));
+    RenderPlace place;
+    place.sceneFolder = folder.filePath(QStringLiteral("scene"));
+    const QFileInfo scene(QDir(place.sceneFolder).filePath(task.scene));
+    place.workFolder = scene.path();
+    place.sceneFile = folder.filePath(QStringLiteral("main.") + PlainSuffix(scene.suffix()));
+    place.outputFolder = folder.filePath(QStringLiteral("unfinished"));
+    place.outputName = FrameName(task.Number(), suffix);
+    return place;
+}
+
+RenderPlace FrameFiles::Prepare(const FrameTask& task, const QString& suffix) const
+{
+    const QDir folder(JobFolder(task.jobId));
+    MakeFolder(folder);
+    RenderPlace place = PlaceOf(task, suffix);
+    if (!QDir().mkpath(place.outputFolder))
+        throw std::runtime_error("cannot make the folder of unfinished frames");
+    QFile::remove(place.Output());
+    if (task.beginsRun)
+        RemoveFrames(folder, suffix);
+    m_scenes.Provide(task, folder);
+    LinkScene(place, task.scene);
+    return place;
+}
+
+// Renderers take spaces, quotation marks and other alphabets in their arguments for something else.
+void FrameFiles::LinkScene(const RenderPlace& place, const QString& scene)
+{
+    const QString target = QFileInfo(place.sceneFolder).fileName() + QLatin1Char('/') + scene;
+    if (QFileInfo::exists(place.sceneFile))
+        return;
+    QFile::remove(place.sceneFile);
+    if (::symlink(QFile::encodeName(target).constData(), QFile::encodeName(place.sceneFile).constData()) != 0)
+        throw std::runtime_error("cannot make a link to the scene");
+}
+
+void FrameFiles::RemoveFrames(QDir folder, const QString& suffix)
+{
+    const QStringList frames
+        = folder.entryList({QStringLiteral("frame_*.") + suffix}, QDir::Files | QDir::Hidden);
+    for (const QString& frame : frames) {
+        if (!folder.remove(frame))
+            throw std::runtime_error("cannot remove a frame of the earlier run");
+    }
+}
+
+void FrameFiles::MakeFolder(const QDir& folder) const
+{
+    if (folder.exists())
+        return;
+    if (!folder.mkpath(QStringLiteral(".")))
+        throw std::runtime_error("cannot make the job's folder");
+    storage::SyncToDisk(m_folder);
+    storage::SyncToDisk(QFileInfo(m_folder).path());
+}
+
+Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix) const
+{
+    const QString unfinished = PlaceOf(task, suffix).Output();
+    const QFileInfo left(unfinished);
+    if (!left.isFile() || left.isSymLink() || left.size() == 0)
+        throw std::runtime_error("the renderer left no picture");
+    const Picture picture {
+        FrameName(task.Number(), suffix), std::int64_t(left.size()), storage::FileChecksum(unfinished)};
+    // It may be there already: kept, but not marked before a crash.
+    storage::RenameDurably(unfinished, QDir(JobFolder(task.jobId)).filePath(picture.name));
+    return picture;
+}
+
+} // namespace farm

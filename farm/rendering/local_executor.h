@@ -1,0 +1,30 @@
+#pragma once
+
+#include "farm/rendering/executor.h"
+
+#include <map>
+#include <memory>
+
+namespace farm {
+
+class RenderProcess;
+
+/// Runs renderers as processes of this machine, at the lowest priority.
+/// They end with the farm, even if it is killed.
+class LocalExecutor : public Executor
+{
+public:
+    explicit LocalExecutor(int slotCount);
+    ~LocalExecutor() override;
+
+    int Slots() const override { return m_slots; }
+    bool Has(const QString& program) const override;
+    void Start(const FrameKey& frame, const RenderCommand& command, Ended ended) override;
+    void Cancel(const FrameKey& frame) override;
+
+private:
+    int m_slots;
+    std::map<FrameKey, std::unique_ptr<RenderProcess>> m_processes;
+};
+
+} // namespace farm

@@ -1,0 +1,84 @@
+#include "farm/rendering/picture_store.h"
+
+#include "farm/rendering/frame_files.h"
+
+#include <fcntl.h>
+
+namespace farm {
+
+namespace {
+
+// A restart may lead to another picture while one is being opened.
+constexpr int attempts = 3;
+
+Picture ReadPicture(SQLite::Statement& row)
+{
+    return {Text(row.getColumn(0)), row.getColumn(1).getInt64(), Text(row.getColumn(2))};
+}
+
+std::shared_ptr<QFile> OpenFile(const QString& path)
+{
+    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    if (descriptor < 0)
+        return nullptr;
+    auto file = std::make_shared<QFile>();
+    file->open(descriptor, QIODevice::ReadOnly | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle);
+    return file;
+}
+
+} // namespace
+
+PictureStore::PictureStore(Database& database, const FrameFiles& files)
+    : m_database(database)
+    , m_files(files)
+{
+}
+
+std::optional<std::vector<Picture>> PictureStore::List(std::int64_t account, const QString& job)
+{
+    return m_database.Read([&](SQLite::Database& connection) -> std::optional<std::vector<Picture>> {
+        SQLite::Statement key(connection, "SELECT key FROM jobs WHERE account = ? AND id = ?");
+        Bind(key, account, job);
+        if (!key.executeStep())
+            return std::nullopt;
+        SQLite::Statement query(connection,
+            "SELECT file, size, checksum FROM frames WHERE job = ? AND file IS NOT NULL ORDER BY number");
+        Bind(query, std::int64_t(key.getColumn(0).getInt64()));
+        std::vector<Picture> pictures;
+        while (query.executeStep())
+            pictures.push_back(ReadPicture(query));
+        return pictures;
+    });
+}
+
+std::optional<Picture> PictureStore::Find(std::int64_t account, const QString& job, const QString& name)
+{
+    return m_database.Read([&](SQLite::Database& connection) -> std::optional<Picture> {
+        SQLite::Statement query(connection,
+            "SELECT file, size, checksum FROM frames WHERE file = ? "
+            "AND job = (SELECT key FROM jobs WHERE account = ? AND id = ?)");
+        Bind(query, name, account, job);
+        if (!query.executeStep())
+            return std::nullopt;
+        return ReadPicture(query);
+    });
+}
+
+// A restart clears what is written of a picture before its file is replaced: what is written alike before and after the
+// file was opened belongs to the file.
+std::optional<PictureStore::Opened> PictureStore::Open(
+    std::int64_t account, const QString& job, const QString& name)
+{
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        const auto before = Find(account, job, name);
+        if (!before)
+            return std::nullopt;
+        auto file = OpenFile(m_files.JobFolder(job) + QLatin1Char('/') + before->name);
+        const auto after = Find(account, job, name);
+        if (file && after && after->checksum == before->checksum && file->size() == before->size)
+            return Opened {*before, file};
+    }
+    return std::nullopt;
+}
+
+} // namespace farm

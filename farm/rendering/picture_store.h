@@ -1,0 +1,40 @@
+#pragma once
+
+#include "farm/base/schema.h"
+#include "farm/jobs/frame_task.h"
+
+#include <QFile>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace farm {
+
+class FrameFiles;
+
+/// The finished frames as the accounts fetch them. May be used by several threads at a time.
+class PictureStore
+{
+public:
+    PictureStore(Database& database, const FrameFiles& files);
+
+    /// Those of the account's job, in the order of their numbers; nothing when there is no such job.
+    std::optional<std::vector<Picture>> List(std::int64_t account, const QString& job);
+
+    struct Opened
+    {
+        Picture picture;
+        std::shared_ptr<QFile> file;
+    };
+    /// The job's picture of this name, open for reading; nothing when there is none.
+    std::optional<Opened> Open(std::int64_t account, const QString& job, const QString& name);
+
+private:
+    std::optional<Picture> Find(std::int64_t account, const QString& job, const QString& name);
+
+    Database& m_database;
+    const FrameFiles& m_files;
+};
+
+} // namespace farm

@@ -1,0 +1,85 @@
+#include "farm/rendering/scene_files.h"
+
+#include "farm/base/safe_path.h"
+#include "farm/jobs/job_files.h"
+#include "farm/uploads/content_store.h"
+#include "storage/durable_file.h"
+
+#include <QDirIterator>
+#include <QFileInfo>
+
+#include <cstdio>
+#include <stdexcept>
+
+namespace farm {
+
+namespace {
+
+void SyncTree(const QString& folder)
+{
+    QDirIterator entries(
+        folder, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDirIterator::Subdirectories);
+    while (entries.hasNext())
+        storage::SyncToDisk(entries.next());
+}
+
+void Make(const QDir& folder)
+{
+    if (!folder.mkpath(QStringLiteral(".")))
+        throw std::runtime_error("cannot make the folder of the scene");
+}
+
+} // namespace
+
+SceneFiles::SceneFiles(Database& database, const ContentStore& contents, const QString& shippedFolder)
+    : m_database(database)
+    , m_contents(contents)
+    , m_shippedFolder(shippedFolder)
+{
+}
+
+void SceneFiles::Provide(const FrameTask& task, const QDir& jobFolder) const
+{
+    const QString scene = jobFolder.filePath(QStringLiteral("scene"));
+    if (QFileInfo::exists(scene))
+        return;
+    QDir unfinished(scene + QStringLiteral(".unfinished"));
+    unfinished.removeRecursively();
+    try {
+        Make(unfinished);
+        if (!CopyOwn(task.key.job, unfinished))
+            CopyShipped(task.scene, unfinished);
+        SyncTree(unfinished.path());
+        storage::RenameDurably(unfinished.path(), scene);
+    } catch (const std::exception&) {
+        // Half a scene must not fill a disk that is full already.
+        unfinished.removeRecursively();
+        throw;
+    }
+}
+
+// A renderer gets copies: what it does to them, if it can, does nothing to the contents.
+bool SceneFiles::CopyOwn(std::int64_t job, const QDir& folder) const
+{
+    const std::vector<JobFile> files
+        = m_database.Read([job](SQLite::Database& connection) { return JobFilesOf(connection, job); });
+    for (const JobFile& file : files) {
+        const QString target = folder.filePath(file.path);
+        if (!IsSafePath(file.path))
+            throw std::runtime_error("a path of the scene is not allowed");
+        Make(QFileInfo(target).dir());
+        m_contents.CopyTo(file.checksum, target);
+    }
+    return !files.empty();
+}
+
+void SceneFiles::CopyShipped(const QString& scene, const QDir& folder) const
+{
+    const QString shipped = QDir(m_shippedFolder).filePath(scene);
+    if (!QFileInfo::exists(shipped))
+        throw std::runtime_error("the scene file is missing");
+    if (!QFile::copy(shipped, folder.filePath(scene)))
+        throw std::runtime_error("cannot write the scene file");
+}
+
+} // namespace farm

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "farm/base/schema.h"
+#include "farm/jobs/frame_task.h"
+
+#include <QDir>
+
+namespace farm {
+
+class ContentStore;
+
+/// Puts the files of a job's scene where the renderer finds them.
+class SceneFiles
+{
+public:
+    /// `shippedFolder` holds the scenes that come with the farm.
+    SceneFiles(Database& database, const ContentStore& contents, const QString& shippedFolder);
+
+    /// Makes the job's folder "scene" unless it is there: all of it or, when that fails or is cut off, none.
+    /// Throws std::runtime_error.
+    void Provide(const FrameTask& task, const QDir& jobFolder) const;
+
+private:
+    /// Returns whether the job has files of its own.
+    bool CopyOwn(std::int64_t job, const QDir& folder) const;
+    void CopyShipped(const QString& scene, const QDir& folder) const;
+
+    Database& m_database;
+    const ContentStore& m_contents;
+    QString m_shippedFolder;
+};
+
+} // namespace farm

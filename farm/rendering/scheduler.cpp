@@ -1,0 +1,161 @@
+#include "farm/rendering/scheduler.h"
+
+#include "farm/base/local_time.h"
+#include "farm/rendering/frame_files.h"
+#include "farm/rendering/render_queue.h"
+
+#include <QFileInfo>
+
+#include <spdlog/spdlog.h>
+
+namespace farm {
+
+namespace {
+
+using namespace std::chrono_literals;
+constexpr auto lookInterval = 5s;
+
+RenderCommand CommandFor(const FrameTask& task, const JobType& type, const RenderPlace& place)
+{
+    const double clock = double(task.Number() - task.firstFrame) / task.FrameSpan();
+    const QMap<QString, QString> values {
+        {QStringLiteral("scene"), place.FromWorkFolder(place.sceneFile)},
+        {QStringLiteral("scene_folder"), place.FromWorkFolder(place.sceneFolder)},
+        {QStringLiteral("output"), place.FromWorkFolder(place.Output())},
+        {QStringLiteral("output_folder"), place.FromWorkFolder(place.outputFolder)},
+        {QStringLiteral("output_name"), QFileInfo(place.outputName).completeBaseName()},
+        {QStringLiteral("width"), QString::number(task.width)},
+        {QStringLiteral("height"), QString::number(task.height)},
+        {QStringLiteral("frame"), QString::number(task.Number())},
+        {QStringLiteral("frames"), QString::number(task.FrameSpan())},
+        {QStringLiteral("clock"), QString::number(clock, 'f', 6)},
+    };
+    RenderCommand command {
+        type.program, FillIn(type.arguments, values), place.workFolder, type.frameTimeLimitSeconds, {}};
+    if (type.confined)
+        command.reach = Reach {place.sceneFolder, place.outputFolder};
+    return command;
+}
+
+} // namespace
+
+Scheduler::Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& files, const JobTypes& types)
+    : m_queue(queue)
+    , m_executor(executor)
+    , m_files(files)
+    , m_types(types)
+{
+    connect(this, &Scheduler::NudgeWanted, this, &Scheduler::Nudge, Qt::QueuedConnection);
+    connect(&m_look, &QTimer::timeout, this, &Scheduler::Nudge);
+    m_look.start(lookInterval);
+}
+
+void Scheduler::Nudge()
+{
+    try {
+        m_queue.PauseJobsInArrears();
+        CancelUnwantedFrames();
+        const QStringList types = RunnableTypes();
+        while (static_cast<int>(m_rendering.size()) < m_executor.Slots()) {
+            const auto task = m_queue.Next(types, m_lastJob, m_rendering);
+            if (!task)
+                return;
+            StartFrame(*task);
+        }
+    } catch (const std::exception& error) {
+        spdlog::error("the jobs cannot be read, trying again: {}", error.what());
+    }
+}
+
+void Scheduler::Stop()
+{
+    m_look.stop();
+    for (const FrameKey& frame : m_rendering)
+        m_executor.Cancel(frame);
+    m_rendering.clear();
+}
+
+QStringList Scheduler::RunnableTypes()
+{
+    QStringList runnable;
+    for (auto type = m_types.cbegin(); type != m_types.cend(); ++type) {
+        if (m_executor.Has(type->program)) {
+            m_missingPrograms.erase(type->program);
+            runnable.append(type.key());
+        } else if (m_missingPrograms.insert(type->program).second) {
+            spdlog::warn("the renderer {} is not installed: jobs of type {} wait for it",
+                type->program.toStdString(), type.key().toStdString());
+        }
+    }
+    return runnable;
+}
+
+void Scheduler::CancelUnwantedFrames()
+{
+    for (auto frame = m_rendering.begin(); frame != m_rendering.end();) {
+        if (m_queue.IsWanted(*frame)) {
+            ++frame;
+            continue;
+        }
+        m_executor.Cancel(*frame);
+        frame = m_rendering.erase(frame);
+    }
+}
+
+void Scheduler::StartFrame(const FrameTask& task)
+{
+    m_lastJob = task.key.job;
+    m_queue.Start(task.key.job);
+    const JobType type = m_types.value(task.type);
+    try {
+        const RenderPlace place = m_files.Prepare(task, type.suffix);
+        m_executor.Start(task.key, CommandFor(task, type, place),
+            [this, task](const RenderResult& result) { FrameEnded(task, result); });
+    } catch (const std::runtime_error& error) {
+        FrameFailed(task, QString::fromUtf8(error.what()));
+        return;
+    }
+    m_rendering.insert(task.key);
+    spdlog::debug("job {} frame {} started", task.jobId.toStdString(), task.Number());
+}
+
+void Scheduler::FrameEnded(const FrameTask& task, const RenderResult& result)
+{
+    m_rendering.erase(task.key);
+    try {
+        Record(task, result);
+    } catch (const std::exception& error) {
+        // No nudge: the next look tries again, not a loop that never rests.
+        spdlog::error("a frame could not be recorded, it will be rendered again: {}", error.what());
+        return;
+    }
+    Nudge();
+}
+
+void Scheduler::Record(const FrameTask& task, const RenderResult& result)
+{
+    if (!result.ok) {
+        FrameFailed(task, result.message);
+        return;
+    }
+    Picture picture;
+    try {
+        picture = m_files.Keep(task, m_types.value(task.type).suffix);
+    } catch (const std::runtime_error& error) {
+        FrameFailed(task, QString::fromUtf8(error.what()));
+        return;
+    }
+    m_queue.Finish(task.key, picture, result.coreMilliseconds, Now());
+    spdlog::debug("job {} frame {} finished in {} ms", task.jobId.toStdString(), task.Number(),
+        result.coreMilliseconds);
+}
+
+void Scheduler::FrameFailed(const FrameTask& task, const QString& message)
+{
+    spdlog::warn("job {} frame {} failed: {}", task.jobId.toStdString(), task.Number(),
+        message.section(QLatin1Char('\n'), 0, 0).toStdString());
+    if (m_queue.Fail(task.key, message, Now()))
+        spdlog::warn("job {} has failed", task.jobId.toStdString());
+}
+
+} // namespace farm

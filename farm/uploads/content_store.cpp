@@ -1,0 +1,159 @@
+#include "farm/uploads/content_store.h"
+
+#include "farm/base/secrets.h"
+#include "storage/durable_file.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QSet>
+
+namespace farm {
+
+namespace {
+
+constexpr int prefixDigits = 2;
+
+QString Incoming()
+{
+    return QStringLiteral("incoming");
+}
+
+void MakeFolder(const QString& path)
+{
+    if (!QDir().mkpath(path))
+        throw std::runtime_error("cannot make a folder for contents");
+}
+
+} // namespace
+
+ContentStore::ContentStore(Database& database, const QString& folder)
+    : m_database(database)
+    , m_folder(folder)
+{
+    QDir(QDir(folder).filePath(Incoming())).removeRecursively();
+    MakeFolder(folder);
+    storage::SyncToDisk(QFileInfo(folder).path());
+    RemoveStrayFiles();
+}
+
+// Taken in, but given to nobody before the farm ended.
+void ContentStore::RemoveStrayFiles()
+{
+    const QSet<QString> known = m_database.Read([](SQLite::Database& connection) {
+        SQLite::Statement query(connection, "SELECT DISTINCT checksum FROM contents");
+        QSet<QString> checksums;
+        while (query.executeStep())
+            checksums.insert(Text(query.getColumn(0)));
+        return checksums;
+    });
+    QDirIterator files(m_folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString file = files.next();
+        if (!known.contains(QFileInfo(file).fileName()))
+            QFile::remove(file);
+    }
+}
+
+QString ContentStore::FileOf(const QString& checksum) const
+{
+    return QDir(m_folder).filePath(checksum.left(prefixDigits) + QLatin1Char('/') + checksum);
+}
+
+QString ContentStore::NewIncomingFolder()
+{
+    const QString folder = QDir(m_folder).filePath(Incoming() + QLatin1Char('/') + NewId());
+    MakeFolder(folder);
+    return folder;
+}
+
+// A content that is here already is replaced by what is the same: should the disk have damaged it, it is whole again.
+void ContentStore::Take(const std::vector<UnpackedFile>& files)
+{
+    QSet<QString> taken;
+    for (const UnpackedFile& file : files) {
+        if (taken.contains(file.checksum))
+            continue;
+        taken.insert(file.checksum);
+        const QString target = FileOf(file.checksum);
+        const QString folder = QFileInfo(target).path();
+        if (!QFileInfo::exists(folder)) {
+            MakeFolder(folder);
+            storage::SyncToDisk(m_folder);
+        }
+        storage::RenameDurably(file.file, target);
+    }
+}
+
+void ContentStore::Give(std::int64_t account, const std::vector<UnpackedFile>& files)
+{
+    m_database.Write([&](SQLite::Database& connection) {
+        for (const UnpackedFile& file : files)
+            Execute(connection, "INSERT OR IGNORE INTO contents(account, checksum, size) VALUES (?, ?, ?)",
+                account, file.checksum, std::int64_t(file.size));
+    });
+}
+
+QHash<QString, std::int64_t> ContentStore::SizesOf(std::int64_t account, const QStringList& checksums)
+{
+    auto sizes = m_database.Read([&](SQLite::Database& connection) {
+        SQLite::Statement query(connection, "SELECT size FROM contents WHERE account = ? AND checksum = ?");
+        QHash<QString, std::int64_t> found;
+        for (const QString& checksum : checksums) {
+            Bind(query, account, checksum);
+            if (query.executeStep())
+                found.insert(checksum, query.getColumn(0).getInt64());
+            query.reset();
+        }
+        return found;
+    });
+    // What is missing or cut off is sent again.
+    for (auto size = sizes.begin(); size != sizes.end();)
+        size = QFileInfo(FileOf(size.key())).size() == *size ? std::next(size) : sizes.erase(size);
+    return sizes;
+}
+
+QStringList ContentStore::KnownTo(std::int64_t account, const QStringList& checksums)
+{
+    const QHash<QString, std::int64_t> sizes = SizesOf(account, checksums);
+    QStringList known;
+    for (const QString& checksum : checksums) {
+        if (sizes.contains(checksum))
+            known.append(checksum);
+    }
+    return known;
+}
+
+std::int64_t ContentStore::BytesWith(std::int64_t account, const std::vector<UnpackedFile>& files)
+{
+    return m_database.Read([&](SQLite::Database& connection) {
+        SQLite::Statement used(connection, "SELECT coalesce(sum(size), 0) FROM contents WHERE account = ?");
+        Bind(used, account);
+        std::int64_t bytes = used.executeStep() ? used.getColumn(0).getInt64() : 0;
+        SQLite::Statement query(connection, "SELECT 1 FROM contents WHERE account = ? AND checksum = ?");
+        QSet<QString> counted;
+        for (const UnpackedFile& file : files) {
+            Bind(query, account, file.checksum);
+            if (!counted.contains(file.checksum) && !query.executeStep())
+                bytes += file.size;
+            counted.insert(file.checksum);
+            query.reset();
+        }
+        return bytes;
+    });
+}
+
+void ContentStore::CopyTo(const QString& checksum, const QString& target) const
+{
+    if (!QFile::copy(FileOf(checksum), target))
+        throw std::runtime_error("a content of the scene is missing or cannot be copied");
+    if (storage::FileChecksum(target) == checksum)
+        return;
+    // Without it the account is asked to bring it again.
+    if (storage::FileChecksum(FileOf(checksum)) != checksum)
+        QFile::remove(FileOf(checksum));
+    throw std::runtime_error("a content of the scene is damaged");
+}
+
+} // namespace farm
