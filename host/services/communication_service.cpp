@@ -1,6 +1,6 @@
 #include "host/services/communication_service.h"
 
-#include "host/http/http_call.h"
+#include "host/farmclient/http_call.h"
 
 using FarmProtocol::Answer;
 

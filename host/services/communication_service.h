@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/http/http_transport.h"
+#include "host/farmclient/http_transport.h"
 #include "host/services/farm_protocol.h"
 #include "host/services/service_base.h"
 #include "vtr_communicationinterface.h"

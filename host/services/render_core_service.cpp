@@ -1,6 +1,6 @@
 #include "host/services/render_core_service.h"
 
-#include "host/http/http_transport.h"
+#include "host/farmclient/http_transport.h"
 #include "host/ui/download_folder.h"
 #include "vtr_settingsinterface.h"
 

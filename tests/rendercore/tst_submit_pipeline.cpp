@@ -1,7 +1,7 @@
 // Scenes on their way to a real farm in this process.
 #include "farm/farm.h"
 #include "farm/jobs/job_status.h"
-#include "host/http/http_transport.h"
+#include "host/farmclient/http_transport.h"
 #include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_queue.h"
 #include "tests/farm/farm_client.h"

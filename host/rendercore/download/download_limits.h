@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/http/http_transport.h"
+#include "host/farmclient/http_transport.h"
 
 /// How much is done at a time and how patiently. Times in milliseconds.
 struct DownloadLimits

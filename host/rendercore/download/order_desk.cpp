@@ -1,6 +1,6 @@
 #include "host/rendercore/download/order_desk.h"
 
-#include "host/http/http_call.h"
+#include "host/farmclient/http_call.h"
 #include "host/rendercore/download/download_store.h"
 #include "storage/durable_file.h"
 

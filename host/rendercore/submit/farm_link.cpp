@@ -1,6 +1,6 @@
 #include "host/rendercore/submit/farm_link.h"
 
-#include "host/http/http_call.h"
+#include "host/farmclient/http_call.h"
 
 #include <QJsonDocument>
 

@@ -1,6 +1,6 @@
-#include "host/http/http_transport.h"
+#include "host/farmclient/http_transport.h"
 
-#include "host/http/http_call.h"
+#include "host/farmclient/http_call.h"
 
 #include <QNetworkReply>
 #include <QNetworkRequest>

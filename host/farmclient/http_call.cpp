@@ -1,4 +1,4 @@
-#include "host/http/http_call.h"
+#include "host/farmclient/http_call.h"
 
 #include <QJsonDocument>
 #include <QNetworkReply>
