@@ -1,5 +1,5 @@
 #include "dialogs/vtr_listfile.h"
-#include "tests/standins/test_tables.h"
+#include "tests/support/test_tables.h"
 
 #include <QProcess>
 #include <QSettings>

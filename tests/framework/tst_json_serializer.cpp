@@ -1,4 +1,4 @@
-#include "tests/standins/test_tables.h"
+#include "tests/support/test_tables.h"
 
 #include <qjson/serializer.h>
 

@@ -1,5 +1,5 @@
 #include "framework/ctk/plugin_manifest.h"
-#include "tests/standins/test_tables.h"
+#include "tests/support/test_tables.h"
 
 #include <ctkPluginException.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/standins/test_tables.h"
+#include "tests/support/test_tables.h"
 #include "vtr_baseinterface.h"
 
 #include <QObject>

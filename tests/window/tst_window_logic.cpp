@@ -2,7 +2,7 @@
 #include "common/vtr_filename.h"
 #include "mainwindow/vtr_mapwindow.h"
 #include "mainwindow/vtr_pagestate.h"
-#include "tests/standins/test_tables.h"
+#include "tests/support/test_tables.h"
 
 #include <limits>
 #include <random>
