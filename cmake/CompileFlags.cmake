@@ -5,7 +5,13 @@ add_library(qsclient_flags INTERFACE)
 target_include_directories(qsclient_flags INTERFACE ${PROJECT_SOURCE_DIR})
 
 target_compile_options(qsclient_flags INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror)
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor)
+
+# For developers only: another compiler's new warning must not stop a packager.
+option(QSCLIENT_WARNINGS_AS_ERRORS "Stop at warnings" OFF)
+if(QSCLIENT_WARNINGS_AS_ERRORS)
+    target_compile_options(qsclient_flags INTERFACE -Werror)
+endif()
 
 target_compile_definitions(qsclient_flags INTERFACE
     QT_NO_CAST_FROM_ASCII
@@ -21,4 +27,18 @@ if(QSCLIENT_SANITIZE)
     target_compile_options(qsclient_flags INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     target_link_options(qsclient_flags INTERFACE -fsanitize=address,undefined)
+endif()
+
+option(QSCLIENT_COVERAGE "Count which lines the tests run; adds the target \"coverage\"" OFF)
+if(QSCLIENT_COVERAGE)
+    target_compile_options(qsclient_flags INTERFACE --coverage)
+    target_link_options(qsclient_flags INTERFACE --coverage)
+    find_program(GCOVR gcovr REQUIRED)
+    add_custom_target(coverage
+        COMMAND ${CMAKE_COMMAND} --build ${CMAKE_BINARY_DIR}
+        COMMAND ${CMAKE_CTEST_COMMAND} --output-on-failure -j2
+        COMMAND ${GCOVR} --root ${PROJECT_SOURCE_DIR} --exclude build/ --exclude tests/ --exclude bench/
+            --sort-percentage ${CMAKE_BINARY_DIR}
+        WORKING_DIRECTORY ${CMAKE_BINARY_DIR}
+        USES_TERMINAL)
 endif()
