@@ -7,11 +7,15 @@ PACKAGES="g++ cmake ninja-build ccache pkg-config
     povray povray-includes
     xvfb xauth fonts-dejavu-core fonts-inter fonts-wqy-microhei"
 
+# For ./test only: the checks of scripts/lint.sh.
+LINT_PACKAGES="git clang-format clang-tidy clazy"
+
 say() { printf '%s\n' "$*" >&2; }
 
+# install_packages PACKAGE...
 install_packages() {
     missing=""
-    for package in $PACKAGES; do
+    for package in "$@"; do
         dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed' || missing="$missing $package"
     done
     [ -z "$missing" ] && return 0
