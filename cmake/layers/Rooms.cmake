@@ -1,0 +1,52 @@
+# The rooms of the tree, from the bottom up. A room is a folder; each uses itself and the rooms named behind it, which all
+# stand above it in this list, so no arrow runs upward and there is no circle.
+set(ROOM_RULES
+    "interfaces:"
+    "common: interfaces"
+    "dialogs: common interfaces"
+    "mainwindow: dialogs common interfaces"
+    "plugin: mainwindow common interfaces"
+    "framework:"
+    "storage:"
+    "farm/base: storage"
+    "farm/accounts: farm/base storage"
+    "farm/uploads: farm/base storage"
+    "farm/jobs: farm/uploads farm/base storage"
+    "farm/rendering: farm/jobs farm/uploads farm/base storage"
+    "farm/http: farm/rendering farm/jobs farm/uploads farm/accounts farm/base storage"
+    "farm: farm/http farm/rendering farm/jobs farm/uploads farm/accounts farm/base storage"
+)
+
+# The client's own rooms link no Qt module but these; D-Bus serves one file and may be missing.
+set(PLUGIN_ROOMS interfaces common dialogs mainwindow plugin)
+set(PLUGIN_QT_MODULES Core Gui Widgets DBus)
+# Libraries with this ending see no widgets.
+set(LOGIC_QT_MODULES Core)
+
+# room_of(<variable> <path>): the innermost room that holds a file or folder, named from the root; empty for none.
+function(room_of variable path)
+    set(found "")
+    foreach(rule IN LISTS ROOM_RULES)
+        string(REGEX REPLACE ":.*" "" room "${rule}")
+        string(FIND "${path}/" "${room}/" place)
+        string(LENGTH "${found}" longest)
+        string(LENGTH "${room}" length)
+        if(place EQUAL 0 AND length GREATER longest)
+            set(found ${room})
+        endif()
+    endforeach()
+    set(${variable} "${found}" PARENT_SCOPE)
+endfunction()
+
+# may_use(<variable> <room> <other room>)
+function(may_use variable room other)
+    set(${variable} FALSE PARENT_SCOPE)
+    foreach(rule IN LISTS ROOM_RULES)
+        string(REPLACE ":" "" words "${rule}")
+        separate_arguments(words)
+        list(POP_FRONT words owner)
+        if(owner STREQUAL room AND (other STREQUAL room OR other IN_LIST words))
+            set(${variable} TRUE PARENT_SCOPE)
+        endif()
+    endforeach()
+endfunction()
