@@ -66,7 +66,7 @@ private:
         QVariantMap downloads;
     };
 
-    const Task m_task {"/scenes/shot.ma"_s, "10:00"_s, "message"_s, {}, 4, 40};
+    const Task m_task {{}, "/scenes/shot.ma"_s, "10:00"_s, "message"_s, {}, 4, 40};
     const QVariantMap m_download {{"destFile"_s, "/out/frame.png"_s}, {"srcFile"_s, "farm/frame.png"_s},
         {"jobId"_s, "job"_s}, {"status"_s, 1}, {"progress"_s, 40}};
     std::map<int, Lists> m_known;

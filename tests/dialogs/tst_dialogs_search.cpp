@@ -1,14 +1,12 @@
-#include "tests/dialogs/dialog_fixture.h"
-
-#include "dialogs/vtr_search.h"
+#include "tests/standins/client_test.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateTimeEdit>
 #include <QLineEdit>
-#include <QPushButton>
 
-class TestSearch : public QObject
+/// The search form: its choices, and the conditions that a search makes of its fields.
+class TestSearch : public ClientTest
 {
     Q_OBJECT
 
@@ -17,115 +15,113 @@ private slots:
     {
         const QString folder = QCoreApplication::applicationDirPath() + "/Conf"_s;
         QVERIFY(QDir().mkpath(folder));
-        QFile file(QString(folder + "/com.vtr.qsclient.ini"_s));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("[vtr.rendering]\nmaya=v1&Maya 2022, skipped, one&two&three, &\n[other]\nmax=c&d\n");
+        QVERIFY(WriteFile(QString(folder + "/com.vtr.qsclient.ini"_s),
+            "[vtr.rendering]\nmaya=v1&Maya 2022, skipped, one&two&three, &\n[other]\nmax=c&d\n"));
     }
 
-    void init()
+    void TurnsEachFieldIntoACondition()
     {
-        m_form.reset(NewForm("com.vtr.search"_s, {}));
-        m_search = std::make_unique<VTSearch>(m_form.get());
-        m_search->InitWidgets();
-        m_search->Update();
-        connect(m_search.get(), &VTSearch::search, this,
-            [this](QVariantMap& condition) { m_condition = condition; });
-        m_condition = {{"nothing"_s, "came"_s}};
-    }
-
-    void EachFieldBecomesACondition()
-    {
-        m_search->TriggerProjectListResponse(200, Projects("Film"_s, " 77 "_s));
-        m_search->Update();
-        Find<QLineEdit>(m_form, "lneJobId")->setText(" 12 "_s);
-        Find<QLineEdit>(m_form, "lneJobName")->setText("shot "_s);
+        DeliverProjects(200, {{"project_name"_s, "Film"_s}, {"project_pool"_s, " 77 "_s}});
+        UpdateForm();
+        Find<QLineEdit>("search", "lneJobId")->setText(" 12 "_s);
+        Find<QLineEdit>("search", "lneJobName")->setText("shot "_s);
         Choices("JobType")->setCurrentIndex(1);
         Choices("JobStatus")->setCurrentText("Waiting"_s);
         Choices("ProjectName")->setCurrentText("Film"_s);
         Choices("BusinessType")->setCurrentIndex(2);
-        Find<QCheckBox>(m_form, "checkBox_endTimeRange")->setChecked(true);
-        QDateTime time(QDate(2024, 5, 6), QTime(7, 8, 9));
-        for (const char* name : {"dteEndTimeLower", "dteEndTimeUpper"}) {
-            Find<QDateTimeEdit>(m_form, name)->setDisplayFormat("yyyy-MM-dd HH:mm:ss"_s);
-            Find<QDateTimeEdit>(m_form, name)->setDateTime(time);
-            time = time.addDays(1);
-        }
-        Search();
-        const QVariantMap expected {{"job_increasement"_s, "12"_s}, {"job_name"_s, "shot"_s},
+        QVariantMap expected {{"job_increasement"_s, "12"_s}, {"job_name"_s, "shot"_s},
             {"job_type"_s, "maya@v1@Maya 2022"_s}, {"status"_s, "0"_s}, {"pool_id"_s, "77"_s},
-            {"job_business_type"_s, "1"_s}, {"end_min_time"_s, "2024-05-06 07:08:09"_s},
-            {"end_max_time"_s, "2024-05-07 07:08:09"_s}};
-        QCOMPARE(m_condition, expected);
+            {"job_business_type"_s, "1"_s}};
+        QDateTime time(QDate(2024, 5, 6), QTime(7, 8, 9));
+        for (const char* range : {"end", "start"}) {
+            Range(range)->setChecked(true);
+            for (const bool isLower : {true, false}) {
+                time = time.addDays(1);
+                Time(range, isLower ? "Lower" : "Upper")->setDateTime(time);
+                const QString key = isLower ? "%1_min_time"_s : "%1_max_time"_s;
+                expected.insert(key.arg(QLatin1String(range)), time.toString("yyyy-MM-dd HH:mm:ss"_s));
+            }
+            Click("search", "btnSearchJob");
+            QCOMPARE(Conditions(), expected);
+        }
     }
 
-    void ChoicesOfTheForm()
+    void OffersItsChoices()
     {
-        QVariantList codes;
+        QStringList states;
         for (int i = 0; i < Choices("JobStatus")->count(); ++i)
-            codes << Choices("JobStatus")->itemData(i);
-        QCOMPARE(codes, QVariantList({-1, 0, 1, 2, 4, 5, 6, 7, 8, 9}));
-        QCOMPARE(Choices("JobStatus")->itemText(3), "Stopped"_s);
+            states << QString(
+                Choices("JobStatus")->itemText(i) + Choices("JobStatus")->itemData(i).toString());
+        QCOMPARE(states.join(","_s),
+            "-1,Waiting0,Running1,Stopped2,Finished4,Deleted5,To full render6,Failed7,Arrears8,"
+            "Pause due to arrears9"_s);
+        for (const char* range : {"start", "end"}) {
+            QCOMPARE(Time(range, "Lower")->dateTime(), QDate::currentDate().addDays(-7).startOfDay());
+            QCOMPARE(Time(range, "Upper")->date(), QDate::currentDate());
+        }
 
         // An entry of two empty parts is offered, but its blank text does not filter.
         QCOMPARE(Choices("JobType")->count(), 3);
         Choices("JobType")->setCurrentIndex(2);
-        m_search->Show();
-        QVERIFY(m_form->isVisible());
-        Search();
-        QCOMPARE(m_condition, QVariantMap());
-        QVERIFY(!m_form->isVisible());
+        m_client->Button("btnSearch"_s)->click();
+        Click("search", "btnCloseSearch");
+        QVERIFY(!Form("search")->isVisible());
+        QVERIFY(Communication().requests.isEmpty());
+        m_client->Button("btnSearch"_s)->click();
+        Click("search", "btnSearchJob");
+        QVERIFY(!Form("search")->isVisible());
+        QVERIFY(!Sent("conditions").isValid());
     }
 
-    void ProjectsShowFromTheNextUpdateOn()
+    void ShowsProjectsFromTheNextUpdateOn()
     {
-        m_search->TriggerProjectListResponse(200, Projects("Film"_s, "1"_s));
+        DeliverProjects(200, {{"project_name"_s, "Film"_s}});
         QCOMPARE(Choices("ProjectName")->count(), 1);
-        m_search->TriggerProjectListResponse(500, Projects("Other"_s, "2"_s));
-        m_search->Update();
+        DeliverProjects(500, {});
+        UpdateForm();
         QCOMPARE(Choices("ProjectName")->count(), 2);
         QCOMPARE(Choices("ProjectName")->itemText(1), "Film"_s);
-        m_search->TriggerProjectListResponse(200, {{"data"_s, "rubbish"_s}});
-        m_search->Update();
+        emit Communication().ProjectListResponse(200, {{"data"_s, "rubbish"_s}});
+        UpdateForm();
         QCOMPARE(Choices("ProjectName")->count(), 1);
     }
 
-    void ResetKeepsTheTimes()
+    void ResetsAllButTheTimes()
     {
-        Find<QLineEdit>(m_form, "lneJobId")->setText("1"_s);
+        for (const char* name : {"lneJobId", "lneJobName"})
+            Find<QLineEdit>("search", name)->setText("1"_s);
         Choices("JobStatus")->setCurrentIndex(3);
-        auto* startRange = Find<QCheckBox>(m_form, "checkBox_startTimeRange");
-        startRange->setChecked(true);
-        Find<QPushButton>(m_form, "btnReset")->click();
-        QVERIFY(Find<QLineEdit>(m_form, "lneJobId")->text().isEmpty());
+        Range("start")->setChecked(true);
+        Click("search", "btnReset");
+        QVERIFY(Find<QLineEdit>("search", "lneJobId")->text().isEmpty());
+        QVERIFY(Find<QLineEdit>("search", "lneJobName")->text().isEmpty());
         QCOMPARE(Choices("JobStatus")->currentIndex(), 0);
-        QVERIFY(startRange->isChecked());
-        QVERIFY(Find<QDateTimeEdit>(m_form, "dteStartTimeUpper")->isEnabled());
-        QVERIFY(!Find<QDateTimeEdit>(m_form, "dteEndTimeUpper")->isEnabled());
-    }
-
-    void WithoutFormNothingHappens()
-    {
-        m_form.reset();
-        CallEverySlot(m_search.get());
-        QVERIFY(m_condition.contains("nothing"_s));
+        QVERIFY(Range("start")->isChecked());
+        for (const char* bound : {"Lower", "Upper"}) {
+            QVERIFY(Time("start", bound)->isEnabled());
+            QVERIFY(!Time("end", bound)->isEnabled());
+        }
     }
 
 private:
-    static QVariantMap Projects(const QString& name, const QString& pool)
-    {
-        const QVariantMap project {{"project_name"_s, name}, {"project_pool"_s, pool}};
-        return {{"data"_s, QVariantList {project}}};
-    }
-
     QComboBox* Choices(const char* what) const
     {
-        return m_form->findChild<QComboBox*>(QString("cmb"_s + QLatin1String(what)));
+        return Find<QComboBox>("search", QByteArray("cmb").append(what));
     }
-    void Search() const { Find<QPushButton>(m_form, "btnSearchJob")->click(); }
-
-    std::unique_ptr<QWidget> m_form;
-    std::unique_ptr<VTSearch> m_search;
-    QVariantMap m_condition;
+    QCheckBox* Range(const char* range) const
+    {
+        return Form("search")->findChild<QCheckBox*>("checkBox_%1TimeRange"_s.arg(QLatin1String(range)));
+    }
+    QDateTimeEdit* Time(const char* range, const char* bound) const
+    {
+        const QString name = *range == 's' ? "dteStartTime%1"_s : "dteEndTime%1"_s;
+        return Form("search")->findChild<QDateTimeEdit*>(name.arg(QLatin1String(bound)));
+    }
+    void DeliverProjects(int result, const QVariantMap& project) const
+    {
+        emit Communication().ProjectListResponse(result, {{"data"_s, QVariantList {project}}});
+    }
+    void UpdateForm() const { QVERIFY(Client::CallOn(m_client->controllers.Find("VTSearch"), "Update")); }
 };
 
 QTEST_MAIN(TestSearch)

@@ -1,19 +1,13 @@
-#include "tests/dialogs/dialog_fixture.h"
-
-#include "dialogs/vtr_setargument.h"
+#include "tests/standins/client_test.h"
 
 #include <QCheckBox>
-#include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QSpinBox>
-#include <QTableWidget>
 
 namespace {
 
-constexpr int ArgumentColumn = 4;
-constexpr int RowHeight = 30;
+constexpr int SceneFile = 4;
 
 QVariantMap Group(int index, int start, int end)
 {
@@ -34,166 +28,135 @@ struct Confirmation
     const char* name;
     QVariantList arguments;
     QVariantList stored;
+    QString refusal;
 };
 const QVariantMap empty {{"startFrame_0"_s, 1}, {"endFrame_0"_s, 1}, {"width"_s, QString()},
     {"height"_s, QString()}, {"prerender"_s, false}};
 const Confirmation confirmations[] = {
-    {"as they were", Groups(3), Groups(3)},
-    {"more than fit", Groups(20), Groups(15)},
-    {"longest", {Group(0, 1, 1001)}, {Group(0, 1, 1001)}},
-    {"no group at all", {}, {empty}},
-    {"not a map", {"rubbish"_s}, {empty}},
+    {"as they were", Groups(3), Groups(3), {}},
+    {"more than fit", Groups(20), Groups(15), {}},
+    {"longest and last", {Group(0, 98999, 99999)}, {Group(0, 98999, 99999)}, {}},
+    {"one frame", {Group(0, 10, 10)}, {Group(0, 10, 10)}, {}},
+    {"no group at all", {}, {empty}, {}},
+    {"not a map", {"rubbish"_s}, {empty}, {}},
+    {"reversed", {Group(0, 1, 1001), Group(1, 11, 10)}, {}, "Start frame must be less than end frame!"_s},
+    {"too long", {Group(0, 1, 1001), Group(1, 1, 1002)}, {}, "Can not submit more than 1000 frames"_s},
 };
-
-struct Refusal
-{
-    const char* name;
-    int start;
-    int end;
-    QString message;
-};
-const Refusal refusals[] = {{"reversed", 11, 10, "Start frame must be less than end frame!"_s},
-    {"too long", 1, 1002, "Can not submit more than 1000 frames"_s}};
 
 } // namespace
 
-class TestSetArgument : public QObject
+/// The set-argument dialog, opened on a local task from the window's menu.
+class TestSetArgument : public ClientTest
 {
     Q_OBJECT
 
 private slots:
     void init()
     {
-        m_table = std::make_unique<QTableWidget>(2, 6);
-        for (int row = 0; row < 2; ++row) {
-            auto* name = new QTableWidgetItem("<b>scene %1</b>"_s.arg(row));
-            name->setData(Qt::UserRole, "task%1"_s.arg(row));
-            m_table->setItem(row, 0, name);
-            m_table->setItem(row, ArgumentColumn, new QTableWidgetItem);
+        ClientTest::init();
+        RenderCore().tasks = {{"task2"_s, "a/<b>two.ma"_s}, {"task1"_s, "b/one.ma"_s}};
+        emit RenderCore().SubmitListChanged();
+        Tasks()->setCurrentCell(1, 0);
+    }
+
+    void StoresOrRefusesTheArguments_data() { AddRows(confirmations); }
+    void StoresOrRefusesTheArguments()
+    {
+        const auto& [name, arguments, stored, refusal] = Row(confirmations);
+        bool isOpen = true;
+        OpenOn(arguments, [&] {
+            Click("setargument", "btnOk");
+            isOpen = Form("setargument")->isVisible();
+        });
+        QCOMPARE(isOpen, !refusal.isEmpty());
+        QCOMPARE(TakeJournal().join(","_s), isOpen ? "ShowMessage"_s : "SetArgument task1"_s);
+        QCOMPARE(RenderCore().setArguments, stored);
+        QCOMPARE(Arguments()->data(Qt::UserRole).toList(), isOpen ? arguments : stored);
+        if (isOpen)
+            QCOMPARE(MessageBox().messages, QStringList {"2|QuillStar Client||%1|Ok,|1"_s.arg(refusal)});
+    }
+
+    void TakesTheUsersInput()
+    {
+        Tasks()->setCurrentCell(0, 0);
+        OpenOn(Groups(2), [this] {
+            QCOMPARE(Find<QLabel>("setargument", "lblJobName")->text(), "<b>two"_s);
+            QCOMPARE(Find<QLabel>("setargument", "lblJobName")->textFormat(), Qt::PlainText);
+            Spin("spbGroup")->setValue(1);
+            Spin("spbEndFrame_0")->setValue(50);
+            for (const char* field : {"lneImageWidth", "lneImageHeight"}) {
+                Find<QLineEdit>("setargument", field)->clear();
+                QTest::keyClicks(Find<QLineEdit>("setargument", field), "3x-2"_s);
+            }
+            Find<QCheckBox>("setargument", "chkPrerender")->setChecked(false);
+            Click("setargument", "btnOk");
+        });
+        const QVariantMap typed {{"startFrame_0"_s, 1}, {"endFrame_0"_s, 50}, {"width"_s, "32"_s},
+            {"height"_s, "32"_s}, {"prerender"_s, false}};
+        QCOMPARE(RenderCore().setArguments, QVariantList {typed});
+        QCOMPARE(TakeJournal(), QStringList {"SetArgument task2"_s});
+        OpenOn(Groups(1), [this] {
+            Click("setargument", "btnClose");
+            QVERIFY(!Form("setargument")->isVisible());
+        });
+        QCOMPARE(TakeJournal(), QStringList());
+    }
+
+    void LeavesAnotherTaskInTheRowAlone()
+    {
+        OpenOn(Groups(1), [this] {
+            Tasks()->item(1, 0)->setData(Qt::UserRole, "Task1"_s);
+            Click("setargument", "btnOk");
+            QVERIFY(!Form("setargument")->isVisible());
+        });
+        OpenOn(Groups(1), [this] {
+            Tasks()->setRowCount(0);
+            Click("setargument", "btnOk");
+        });
+        m_client->Entry("Set argument")->trigger();
+        QCOMPARE(TakeJournal(), QStringList());
+    }
+
+    void LaysOutARowForEachGroup()
+    {
+        const auto Range = [this](int index) {
+            return Form("setargument")->findChild<QWidget*>("wgtFrameRange_%1"_s.arg(index));
+        };
+        const auto* size = Find<QWidget>("setargument", "wgtImageSize");
+        const auto* prerender = Find<QWidget>("setargument", "chkPrerender");
+        const auto* ok = Find<QWidget>("setargument", "btnOk");
+        const QRect first = Range(0)->geometry();
+        for (const int rows : {2, 15, 3}) {
+            Spin("spbGroup")->setValue(rows);
+            QVERIFY(!Range(rows - 1)->isHidden() && (rows == 15 || Range(rows)->isHidden()));
+            QCOMPARE(Range(0)->geometry(), first);
+            QCOMPARE(Range(rows - 1)->y(), first.y() + (rows - 1) * first.height());
+            QCOMPARE(size->y(), Range(rows - 1)->geometry().bottom() + 1);
+            QCOMPARE(prerender->y(), size->geometry().bottom() + 21);
+            QCOMPARE(ok->y(), prerender->geometry().bottom() + 21);
+            QCOMPARE(Form("setargument")->height(), ok->geometry().bottom() + 21);
         }
-        m_form.reset(NewForm("com.vtr.setargument"_s, {}));
-        m_dialog = std::make_unique<VTSetArgument>(m_form.get(), m_table.get());
-        m_dialog->SetServices(m_services.siblings);
-        m_dialog->InitWidgets();
-        m_services.messageBox.messages.clear();
     }
 
-    void OpensOnTheCurrentTask()
+    void SurvivesItsEndWhileOpen()
     {
-        bool opened = false;
-        QVariantMap first = Group(0, 1, 10);
-        first.insert("width"_s, "320"_s);
-        first.insert("prerender"_s, false);
-        // The size and the switch are the last group's.
-        Open(1, {first, Group(1, 2, 11)}, [&] {
-            opened = true;
-            QCOMPARE(m_form->windowTitle(), "task1"_s);
-            QCOMPARE(Find<QLabel>(m_form, "lblJobName")->text(), "<b>scene 1</b>"_s);
-            QCOMPARE(Spin("spbGroup")->value(), 2);
-            QCOMPARE(Spin("spbStartFrame_1")->value(), 2);
-            QCOMPARE(Spin("spbEndFrame_1")->value(), 11);
-            QCOMPARE(Find<QLineEdit>(m_form, "lneImageWidth")->text(), "640"_s);
-            QVERIFY(Find<QCheckBox>(m_form, "chkPrerender")->isChecked());
-        });
-        QVERIFY(opened);
-        m_table->setCurrentItem(nullptr);
-        m_dialog->TriggerSetArgument();
-        QVERIFY(!m_form->isVisible());
-    }
-
-    void ConfirmedArgumentsGoToTheTableAndOut_data() { AddRows(confirmations); }
-    void ConfirmedArgumentsGoToTheTableAndOut()
-    {
-        const QSignalSpy spy(m_dialog.get(), &VTSetArgument::setArgument);
-        Open(0, Row(confirmations).arguments, [this] { Ok()->click(); });
-        QCOMPARE(spy.size(), 1);
-        QCOMPARE(spy.first().at(0).toString(), "task0"_s);
-        QCOMPARE(spy.first().at(1).toList(), Row(confirmations).stored);
-        QCOMPARE(Stored(), Row(confirmations).stored);
-    }
-
-    void RefusedRangeKeepsTheDialogOpen_data() { AddRows(refusals); }
-    void RefusedRangeKeepsTheDialogOpen()
-    {
-        const QVariantList arguments {Group(0, 1, 1001), Group(1, Row(refusals).start, Row(refusals).end)};
-        const QSignalSpy spy(m_dialog.get(), &VTSetArgument::setArgument);
-        Open(0, arguments, [this] {
-            Ok()->click();
-            QVERIFY(m_form->isVisible());
-        });
-        QCOMPARE(m_services.messageBox.messages.size(), 1);
-        QVERIFY(m_services.messageBox.messages.first().contains(Row(refusals).message));
-        QCOMPARE(spy.size(), 0);
-        QCOMPARE(Stored(), arguments);
-    }
-
-    void AnotherTaskInTheRowIsLeftAlone()
-    {
-        const QSignalSpy spy(m_dialog.get(), &VTSetArgument::setArgument);
-        Open(1, Groups(1), [this] {
-            m_table->item(1, 0)->setData(Qt::UserRole, "Task1"_s);
-            Ok()->click();
-            QVERIFY(!m_form->isVisible());
-        });
-        Open(1, Groups(1), [this] {
-            m_table->setRowCount(0);
-            Ok()->click();
-            QVERIFY(!m_form->isVisible());
-        });
-        QCOMPARE(spy.size(), 0);
-        QVERIFY(m_services.messageBox.messages.isEmpty());
-    }
-
-    void RowsFollowTheNumberOfGroups()
-    {
-        const auto Range
-            = [this](int index) { return m_form->findChild<QWidget*>("wgtFrameRange_%1"_s.arg(index)); };
-        const auto* size = Find<QWidget>(m_form, "wgtImageSize");
-        Spin("spbGroup")->setValue(2);
-        const int height = m_form->height();
-        const int top = size->y();
-        Spin("spbGroup")->setValue(3);
-        QVERIFY(!Range(2)->isHidden() && Range(3)->isHidden());
-        QCOMPARE(Range(0)->y(), 0);
-        QCOMPARE(Range(2)->y(), Range(1)->y() + RowHeight);
-        QCOMPARE(size->y(), top + RowHeight);
-        QCOMPARE(m_form->height(), height + RowHeight);
-        QCOMPARE(m_form->height(), Ok()->geometry().bottom() + 1 + 20);
-        m_dialog->AddFrameRange(1);
-        QVERIFY(Range(1)->isHidden());
-        QCOMPARE(m_form->height(), height - RowHeight);
-    }
-
-    void DialogThatGoesWhileOpenHarmsNothing()
-    {
-        Open(0, Groups(1), [this] { m_form.reset(); });
-        CallEverySlot(m_dialog.get());
-        QVERIFY(m_services.messageBox.messages.isEmpty());
+        OpenOn(Groups(1), [this] { delete Form("setargument"); });
+        QCOMPARE(TakeJournal(), QStringList());
     }
 
 private:
-    QSpinBox* Spin(const char* name) const { return Find<QSpinBox>(m_form, name); }
-    QPushButton* Ok() const { return Find<QPushButton>(m_form, "btnOk"); }
-    QVariantList Stored() const { return m_table->item(0, ArgumentColumn)->data(Qt::UserRole).toList(); }
+    QSpinBox* Spin(const char* name) const { return Find<QSpinBox>("setargument", name); }
+    QTableWidgetItem* Arguments() const { return Tasks()->item(Tasks()->currentRow(), SceneFile); }
 
-    /// Runs the dialog on a task and does something while it is open.
-    template <typename Function>
-    void Open(int row, const QVariantList& arguments, Function whileOpen)
+    /// Opens the dialog on the current task with arguments of its own, and does something while it is open.
+    template <class Action>
+    void OpenOn(const QVariantList& arguments, Action action) const
     {
-        m_table->item(row, ArgumentColumn)->setData(Qt::UserRole, arguments);
-        m_table->setCurrentCell(row, 0);
-        QTimer::singleShot(0, m_dialog.get(), [&] {
-            whileOpen();
-            if (m_form)
-                m_form->close();
-        });
-        m_dialog->TriggerSetArgument();
+        TakeJournal();
+        Arguments()->setData(Qt::UserRole, arguments);
+        WhileOpen("setargument", action);
+        m_client->Entry("Set argument")->trigger();
     }
-
-    ServicesFixture m_services;
-    std::unique_ptr<QTableWidget> m_table;
-    std::unique_ptr<QWidget> m_form;
-    std::unique_ptr<VTSetArgument> m_dialog;
 };
 
 QTEST_MAIN(TestSetArgument)

@@ -1,42 +1,15 @@
-#include "tests/dialogs/dialog_fixture.h"
+#include "tests/standins/client_test.h"
 
-#include "common/vtr_codetables.h"
-#include "dialogs/vtr_setparent.h"
-
-#include <QDialog>
-#include <QProgressBar>
-#include <QPushButton>
 #include <QSettings>
-#include <QTableWidget>
 
 namespace {
 
-enum Column { Sequence, Name, StartTime, Progress, Status, Cost, Count };
-
-QVariantMap Job(const QString& id)
-{
-    return {{"job_id"_s, id}, {"job_type"_s, "maya"_s}, {"job_increasement"_s, "7"_s},
-        {"job_name"_s, "<b>shot</b>"_s}, {"job_submit_time"_s, "today"_s}, {"job_progress"_s, 50},
-        {"job_status"_s, 2}, {"job_cost"_s, 12.5}, {"job_cost_unit"_s, "RMB"_s}};
-}
-
-QVariantList Jobs(int count)
-{
-    QVariantList jobs;
-    for (int i = 0; i < count; ++i)
-        jobs << Job("c%1"_s.arg(i));
-    return jobs;
-}
+enum Column { Sequence, Name, StartTime, Progress, Status, Cost };
 
 QVariantMap InfoAnswer(const QString& id, int status, int identifier = 1)
 {
     const QVariantMap job {{"jobStatus"_s, status}};
     return {{"jobId"_s, id}, {"identifier"_s, identifier}, {"data"_s, QVariantMap {{"jobDatas"_s, job}}}};
-}
-
-VTParameters Parameters(const QList<QVariant>& arguments)
-{
-    return arguments.at(0).value<VTParameters>();
 }
 
 struct Choice
@@ -50,247 +23,246 @@ const Choice choices[] = {
 
 } // namespace
 
-class TestSetParent : public QObject
+/// The set-parent dialog, and the dependencies that it keeps in the account's file until all parents have finished.
+class TestSetParent : public ClientTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { qRegisterMetaType<VTParameters>("VTParameters"); }
-
-    void init()
-    {
-        m_services = std::make_unique<ServicesFixture>();
-        m_account = std::make_unique<AccountFixture>("data"_s);
-        m_jobTable = std::make_unique<QTableWidget>(0, Count);
-        m_form.reset(NewForm("com.vtr.setparent"_s, {}));
-        m_candidates = Find<QTableWidget>(m_form, "twtJobList");
-        VTCodeTables tables;
-        tables.Load();
-        m_dialog = std::make_unique<VTSetParent>(
-            m_form.get(), m_jobTable.get(), tables.mapProgressStyle, tables.mapJobStatus);
-        m_dialog->SetServices(m_services->siblings);
-        m_dialog->InitWidgets();
-        m_stops = std::make_unique<QSignalSpy>(m_dialog.get(), &VTSetParent::stopJobs);
-        m_recovers = std::make_unique<QSignalSpy>(m_dialog.get(), &VTSetParent::recoverJobs);
-    }
-
     void OpensOnlyForWaitingAndRunningJobs_data() { AddRows(choices); }
     void OpensOnlyForWaitingAndRunningJobs()
     {
-        AddJob("unchecked"_s, 4, false);
+        QVariantList jobs {MakeJob(9, 4)};
         for (const int state : Row(choices).states)
-            AddJob("s%1"_s.arg(state), state);
-        const QSignalSpy spy(m_dialog.get(), &VTSetParent::getJobList);
+            jobs.append(MakeJob(1, state));
+        SignInWithJobs(jobs);
+        for (int row = 1; row < jobs.size(); ++row)
+            Check(Jobs(), {row});
         bool opened = false;
-        Open([&] { opened = m_form->isVisible(); });
+        OpenAnd([&] { opened = Form("setparent")->isVisible(); });
         QCOMPARE(opened, Row(choices).opens);
-        QCOMPARE(spy.value(0), opened ? QVariantList({1, QString(), 1}) : QVariantList());
+        QCOMPARE(TakeJournal().count("GetJobList"_s), opened ? 1 : 0);
+        if (opened)
+            QCOMPARE(LastOf("GetJobList"),
+                (QVariantHash {{"username"_s, "ann"_s}, {"token"_s, "token-ann"_s}, {"page"_s, 1},
+                    {"pageSize"_s, 1000}, {"identifier"_s, 1}}));
     }
 
-    void CandidateRows()
+    void FillsItsRows()
     {
-        m_dialog->ShowParenList({Job("p1"_s), QVariant(), "rubbish"_s});
-        QCOMPARE(m_candidates->rowCount(), 3);
-        QCOMPARE(m_candidates->columnCount(), int(Count));
-        const auto Item = [this](int column) { return m_candidates->item(0, column); };
-        QCOMPARE(Item(Sequence)->data(Qt::UserRole).toString(), "p1"_s);
-        QCOMPARE(Item(Sequence)->checkState(), Qt::Unchecked);
-        QCOMPARE(Item(Name)->text(), "<b>shot</b>"_s);
-        QVERIFY(Item(Name)->toolTip().contains("&lt;b&gt;"_s));
-        QVERIFY(!Item(StartTime)->data(Qt::UserRole).isValid());
-        QCOMPARE(Item(Status)->text(), "Pause"_s);
-        QCOMPARE(Item(Status)->toolTip(), QString());
-        QCOMPARE(Item(Cost)->text(), "12.5RMB"_s);
-        const auto* bar = qobject_cast<QProgressBar*>(m_candidates->cellWidget(0, Progress));
-        QCOMPARE(bar->value(), 50);
-        QVERIFY(bar->styleSheet().contains("255,161,94"_s));
-        Item(Sequence)->setCheckState(Qt::Checked);
-        QCOMPARE(m_dialog->GetCheckedItem(), QStringList("p1&maya"_s));
-    }
-
-    void NewestListWins()
-    {
-        QTimer::singleShot(0, m_dialog.get(), [this] { m_dialog->ShowParenList(Jobs(2)); });
-        m_dialog->ShowParenList(Jobs(50));
-        QCOMPARE(m_candidates->rowCount(), 2);
-    }
-
-    void FillEnds()
-    {
-        const std::function<void()> ends[] = {[this] { m_dialog->CancelFill(); }, [this] { m_form->close(); },
-            [this] { m_dialog.reset(); }, [this] { m_form.reset(); }};
-        for (const auto& end : ends) {
-            if (!m_dialog)
-                init();
-            m_form->show();
-            QTimer::singleShot(0, m_form.get(), end);
-            m_dialog->ShowParenList(Jobs(50));
-            QVERIFY(!m_form || m_candidates->rowCount() < 50);
+        m_client->SignIn();
+        QVariantMap job = MakeJob(7, 2, 50);
+        job.insert("job_name"_s, "<b>shot</b>"_s);
+        Offer({job, MakeJob(8, 11), "rubbish"_s});
+        QCOMPARE(Cells(Candidates(), 0), "7|id-7, <b>shot</b>|type-7, time-7|, Pause|2, 7.5RMB|7.5RMB"_s);
+        QCOMPARE(Checks(Candidates()), "---"_s);
+        QVERIFY(Candidates()->item(0, Name)->toolTip().contains("&lt;b&gt;"_s));
+        for (const int column : {StartTime, Status, Cost}) {
+            QCOMPARE(Candidates()->item(0, column)->toolTip(), QString());
+            QCOMPARE(Candidates()->item(0, column)->textAlignment(), 132);
         }
-        CallEverySlot(m_dialog.get());
+        QCOMPARE(Bar(Candidates(), 0)->value(), 50);
+        QVERIFY(Bar(Candidates(), 0)->styleSheet().contains("255,161,94"_s));
+        for (const int row : {0, 1})
+            Candidates()->item(row, Status)->setText("?"_s);
+        emit m_client->uiLoader.LanguageChanged("vtr_de.qm"_s);
+        QCOMPARE(Candidates()->item(0, Status)->text(), "Pause"_s);
+        QCOMPARE(Candidates()->item(1, Status)->text(), "Unknown"_s);
     }
 
-    void ConfirmationStopsAndRemembersTheSons()
+    void ShowsTheNewestList()
     {
-        SignIn();
-        const auto* poll = m_dialog->findChild<QTimer*>();
-        QVERIFY(poll->isActive());
-        m_dialog->GetJobInfo();
-        QVERIFY(!poll->isActive());
-        AddJob("s1"_s, 0);
-        AddJob("s2"_s, 1);
-        Confirm({"p1"_s});
-        QVERIFY(poll->isActive());
-        QCOMPARE(m_stops->size(), 1);
-        QCOMPARE(Parameters(m_stops->first()),
-            (VTParameters {{"id[0]"_s, "s1"_s}, {"id[1]"_s, "s2"_s}, {"username"_s, "id of user"_s},
-                {"token"_s, "secret"_s}}));
-        QVERIFY(!m_form->isVisible());
-        QCOMPARE(Dependencies(), QStringList("s1&s2=p1&maya"_s));
-        Confirm({"p2"_s, "p3"_s});
-        QCOMPARE(Dependencies(), QStringList("s1&s2=p2&maya,p3&maya"_s));
+        m_client->SignIn();
+        QTimer::singleShot(0, this, [this] { Offer(MakeJobs(2)); });
+        Offer(MakeJobs(50));
+        QCOMPARE(Candidates()->rowCount(), 2);
+        Offer(MakeJobs(50));
+        QCOMPARE(Candidates()->rowCount(), 50);
     }
 
-    void JobCannotWaitForItself()
+    void EndsAFill()
     {
-        SignIn();
-        AddJob("p1"_s, 0);
-        Open([this] {
-            ConfirmOpen({"xp12"_s});
-            QVERIFY(m_form->isVisible());
-            ConfirmOpen({});
-            QVERIFY(!m_form->isVisible());
+        const std::function<void()> ends[] = {[this] { emit Communication().SignOutResponse(200, {}); },
+            [this] { Form("setparent")->close(); }, [this] { m_client->Service()->Hide(1); },
+            [this] { delete Form("setparent"); }};
+        for (const auto& end : ends) {
+            init();
+            m_client->SignIn();
+            Form("setparent")->show();
+            QTimer::singleShot(0, this, end);
+            Offer(MakeJobs(50));
+            QVERIFY(!Form("setparent") || Candidates()->rowCount() < 50);
+        }
+    }
+
+    void StopsTheSonsOnceTheFileHoldsThem()
+    {
+        SignInWithJobs({MakeJob(4, 0), MakeJob(5, 1), MakeJob(6, 0)});
+        Poll();
+        QVERIFY(!PollTimer()->isActive());
+        Check(Jobs(), {0, 2});
+        QStringList remembered;
+        Confirm({11}, [&] { remembered = Dependencies(); });
+        QCOMPARE(remembered, QStringList("id-4&id-6=id-11&type-11"_s));
+        QCOMPARE(LastOf("StopJobs"), Sons({4, 6}));
+        QVERIFY(PollTimer()->isActive());
+        QVERIFY(!Form("setparent")->isVisible());
+        Confirm({12, 13});
+        QCOMPARE(Dependencies(), QStringList("id-4&id-6=id-12&type-12,id-13&type-13"_s));
+        QCOMPARE(TakeJournal().count("StopJobs"_s), 2);
+    }
+
+    void LetsNoJobWaitForItself()
+    {
+        SignInWithJobs({MakeJob(4, 0)});
+        Check(Jobs(), {0});
+        OpenAnd([this] {
+            for (const QList<int>& parents : {QList<int> {45}, {}}) {
+                Choose(parents);
+                QCOMPARE(Form("setparent")->isVisible(), !parents.isEmpty());
+            }
         });
-        QCOMPARE(m_stops->size(), 0);
+        OpenAnd([this] {
+            Click("setparent", "btnCloseSetParent");
+            QVERIFY(!Form("setparent")->isVisible());
+        });
+        QVERIFY(!TakeJournal().contains("StopJobs"_s));
         QVERIFY(Dependencies().isEmpty());
     }
 
-    void FailedWriteIsToldAndHoldsMeanwhile()
+    void ReportsAFailedWriteAndHoldsMeanwhile()
     {
-        m_account->Block();
-        SignIn();
-        AddJob("s1"_s, 0);
-        Confirm({"p1"_s});
-        QCOMPARE(m_services->messageBox.messages.size(), 1);
-        QCOMPARE(m_services->logger.lines.size(), 1);
-        QVERIFY(m_services->logger.lines.first().contains("|8|"_s));
-        QVERIFY(!m_form->isVisible());
-        Answer(InfoAnswer("p1"_s, 4));
-        QCOMPARE(m_recovers->size(), 1);
+        QVERIFY(QDir().mkpath(m_client->AccountFile("data"_s)));
+        SignInWithJobs({MakeJob(4, 0)});
+        const QString report = "The dependency file"_s;
+        QCOMPARE(m_client->logger.lines.filter(report).filter("|8|"_s).size(), 0);
+        Check(Jobs(), {0});
+        Confirm({11});
+        QCOMPARE(MessageBox().messages.size(), 1);
+        QCOMPARE(m_client->logger.lines.filter(report).filter("|8|"_s).size(), 1);
+        Answer(InfoAnswer("id-11"_s, 4));
+        QCOMPARE(LastOf("RecoverJobs"), Sons({4}));
     }
 
-    void PollGoesRoundTheSonGroupsOfTheFile()
+    void PollsTheSonGroupsInTurn()
     {
-        m_account->Write("[parent]\na=p1&maya, odd\nb=p2&povray\n");
-        SignIn();
-        const QSignalSpy infos(m_dialog.get(), &VTSetParent::getJobInfo);
-        for (int tick = 0; tick < 4; ++tick)
-            m_dialog->GetJobInfo();
+        WriteDependencies("a=p1&maya, odd\nb=p2&povray\n");
+        m_client->SignIn();
+        Poll(4);
         Answer(InfoAnswer("p2"_s, 4));
-        for (int tick = 0; tick < 3; ++tick)
-            m_dialog->GetJobInfo();
+        Poll(3);
         QStringList asked;
-        for (const QList<QVariant>& arguments : infos)
-            asked << Parameters(arguments).value("jobId"_s).toString();
-        // Two groups, the tick that starts over, the first group, none for the one that has gone, and over again.
-        QCOMPARE(asked.join(" "_s), "p1 odd p2 p1 odd p1 odd"_s);
-        const VTParameters expected {{"id"_s, "p2"_s}, {"jobId"_s, "p2"_s}, {"jobtype"_s, "povray"_s},
-            {"identifier"_s, 1}, {"token"_s, "secret"_s}, {"username"_s, "id of user"_s}};
-        QCOMPARE(Parameters(infos.at(2)), expected);
-        QCOMPARE(Parameters(infos.at(1)).value("jobtype"_s), QVariant(QString()));
+        QVariantHash second;
+        for (const auto& request : qAsConst(Communication().requests)) {
+            if (request.operation == "GetJobInfo"_s)
+                asked << request.map.value("jobId"_s).toString() + request.map.value("jobtype"_s).toString();
+        }
+        // Two groups, the tick that starts over, the first group, none for the one that is gone, and over again.
+        QCOMPARE(asked.join(" "_s), "p1maya odd p2povray p1maya odd p1maya odd"_s);
+        const QVariantHash expected {{"id"_s, "odd"_s}, {"jobId"_s, "odd"_s}, {"jobtype"_s, QString()},
+            {"identifier"_s, 1}, {"token"_s, "token-ann"_s}, {"username"_s, "ann"_s}};
+        QCOMPARE(LastOf("GetJobInfo"), expected);
     }
 
-    void SonsAreRecoveredWhenAllParentsHaveFinished()
+    void RecoversSonsWhenAllParentsHaveFinished()
     {
-        m_account->Write("[parent]\ns1%26s2=p1&maya, p2&maya\ns3=p1&maya, p3&maya\n");
-        SignIn();
+        WriteDependencies("id-1%26id-2=p1&maya, p2&maya\nid-3=p1&maya, p3&maya\nid-4=p3&maya\n");
+        m_client->SignIn();
         Answer(InfoAnswer("p1"_s, 4), 500);
         for (const QVariantMap& answer : {InfoAnswer("p1"_s, 4, 0), InfoAnswer("p1"_s, 1), QVariantMap(),
                  InfoAnswer("p"_s, 4), InfoAnswer("p2"_s, 4)})
             Answer(answer);
-        QCOMPARE(m_recovers->size(), 0);
+        QVERIFY(!TakeJournal().contains("RecoverJobs"_s));
         Answer(InfoAnswer("p1"_s, 4));
-        QCOMPARE(m_recovers->size(), 1);
-        QCOMPARE(Parameters(m_recovers->first()),
-            (VTParameters {{"id[0]"_s, "s1"_s}, {"id[1]"_s, "s2"_s}, {"username"_s, "id of user"_s},
-                {"token"_s, "secret"_s}}));
-        QCOMPARE(Dependencies(), QStringList("s3=p1&maya,p3&maya"_s));
-        // What finished for one group counts for the next.
+        QCOMPARE(TakeJournal().count("RecoverJobs"_s), 1);
+        QCOMPARE(LastOf("RecoverJobs"), Sons({1, 2}));
+        QCOMPARE(Dependencies(), (QStringList {"id-3=p1&maya,p3&maya"_s, "id-4=p3&maya"_s}));
+        // A parent that finished counts for other groups too, also after another sign-in; and one may release several.
+        m_client->SignIn();
+        TakeJournal();
         Answer(InfoAnswer("p3"_s, 4));
-        QCOMPARE(m_recovers->size(), 2);
+        QCOMPARE(TakeJournal().count("RecoverJobs"_s), 2);
+        QCOMPARE(LastOf("RecoverJobs"), Sons({4}));
         QVERIFY(Dependencies().isEmpty());
     }
 
-    void cleanup()
-    {
-        m_dialog.reset();
-        m_form.reset();
-        m_account.reset();
-    }
-
 private:
-    void SignIn() { m_dialog->GetSettings(m_account->server, "secret"_s, m_account->user, "id of user"_s); }
-    void Answer(const QVariantMap& data, int result = 200) { m_dialog->TriggerJobInfoResponse(result, data); }
-
-    void AddJob(const QString& id, int status, bool checked = true)
+    QTableWidget* Candidates() const { return Find<QTableWidget>("setparent", "twtJobList"); }
+    QTimer* PollTimer() const { return m_client->controllers.Find("VTSetParent")->findChild<QTimer*>(); }
+    void Poll(int times = 1) const
     {
-        const int row = m_jobTable->rowCount();
-        m_jobTable->insertRow(row);
-        for (const int column : {Sequence, Status})
-            m_jobTable->setItem(row, column, new QTableWidgetItem);
-        m_jobTable->item(row, Sequence)->setData(Qt::UserRole, id);
-        m_jobTable->item(row, Sequence)->setCheckState(checked ? Qt::Checked : Qt::Unchecked);
-        m_jobTable->item(row, Status)->setData(Qt::UserRole, status);
+        while (times-- > 0)
+            QVERIFY(QMetaObject::invokeMethod(PollTimer(), "timeout"));
+    }
+    void Offer(const QVariantList& jobs) const { Communication().DeliverJobs(jobs, jobs.size(), 1); }
+    void Answer(const QVariantMap& data, int result = 200) const
+    {
+        emit Communication().JobInfoResponse(result, data);
     }
 
-    /// Runs the dialog and does something while it is open.
-    template <typename Function>
-    void Open(Function whileOpen)
+    /// Opens the dialog for the checked jobs and does something while it is open.
+    template <class Action>
+    void OpenAnd(Action action) const
     {
-        QTimer::singleShot(0, m_form.get(), [&] {
-            whileOpen();
-            m_form->close();
+        WhileOpen("setparent", action);
+        m_client->Entry("Set parent")->trigger();
+        QCoreApplication::processEvents(); // a dialog that did not open has not run the event loop either
+    }
+
+    /// Offers candidates, checks all but the first, and presses "Ok".
+    void Choose(const QList<int>& parents) const
+    {
+        QVariantList jobs {MakeJob(99)};
+        for (const int parent : parents)
+            jobs.append(MakeJob(parent));
+        Offer(jobs);
+        for (int row = 1; row < jobs.size(); ++row)
+            Check(Candidates(), {row});
+        Click("setparent", "btnOkSetParent");
+    }
+
+    /// Chooses parents for the checked jobs, and does something inside the request that stops these.
+    void Confirm(const QList<int>& parents, const std::function<void()>& whileStopping = {}) const
+    {
+        OpenAnd([&] {
+            Communication().onRequest = whileStopping;
+            Choose(parents);
         });
-        m_dialog->SetJobParent();
-        // A dialog that did not open has not run the event loop either.
-        QCoreApplication::processEvents();
     }
 
-    void ConfirmOpen(const QStringList& parents)
+    QVariantHash LastOf(const char* operation) const
     {
-        QVariantList candidates {Job("unchecked"_s)};
-        for (const QString& parent : parents)
-            candidates << Job(parent);
-        m_dialog->ShowParenList(candidates);
-        for (int row = 1; row < m_candidates->rowCount(); ++row)
-            m_candidates->item(row, Sequence)->setCheckState(Qt::Checked);
-        Find<QPushButton>(m_form, "btnOkSetParent")->click();
+        QVariantHash map;
+        for (const auto& request : qAsConst(Communication().requests)) {
+            if (request.operation == QLatin1String(operation))
+                map = request.map;
+        }
+        return map;
     }
-
-    void Confirm(const QStringList& parents)
+    static QVariantHash Sons(const QList<int>& numbers)
     {
-        Open([&] { ConfirmOpen(parents); });
+        QVariantHash request {{"username"_s, "ann"_s}, {"token"_s, "token-ann"_s}};
+        for (int i = 0; i < numbers.size(); ++i)
+            request.insert("id[%1]"_s.arg(i), "id-%1"_s.arg(numbers.at(i)));
+        return request;
     }
 
-    /// What the account's file holds, as other programs see it.
+    void WriteDependencies(const QByteArray& lines) const
+    {
+        const QString file = m_client->AccountFile("data"_s);
+        QVERIFY(QDir().mkpath(QFileInfo(file).path()) && WriteFile(file, "[parent]\n" + lines));
+    }
+
+    /// The content of the account's file, as other programs see it.
     QStringList Dependencies() const
     {
-        QSettings settings(m_account->Path(), QSettings::IniFormat);
+        QSettings settings(m_client->AccountFile("data"_s), QSettings::IniFormat);
         settings.beginGroup("parent"_s);
         QStringList lines;
         for (const QString& key : settings.allKeys())
             lines << QString(key + "="_s + settings.value(key).toStringList().join(","_s));
         return lines;
     }
-
-    std::unique_ptr<ServicesFixture> m_services;
-    std::unique_ptr<AccountFixture> m_account;
-    std::unique_ptr<QTableWidget> m_jobTable;
-    std::unique_ptr<QWidget> m_form;
-    std::unique_ptr<VTSetParent> m_dialog;
-    std::unique_ptr<QSignalSpy> m_stops;
-    std::unique_ptr<QSignalSpy> m_recovers;
-    QTableWidget* m_candidates = nullptr;
 };
 
 QTEST_MAIN(TestSetParent)

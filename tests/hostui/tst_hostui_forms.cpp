@@ -1,8 +1,6 @@
 #include "host/ui/skins.h"
 #include "host/ui/ui_loader_service.h"
-#include "tests/standins/form_roster.h"
 
-#include <QDialog>
 #include <QDirIterator>
 #include <QHeaderView>
 #include <QImageReader>
@@ -76,8 +74,6 @@ class TestForms : public QObject
     Q_OBJECT
 
 private slots:
-    void RosterIsComplete_data();
-    void RosterIsComplete();
     void MainFormIsSetUp();
     void DefaultFormShowsAPageOfRows();
     void CaptionsFit_data();
@@ -98,31 +94,6 @@ private:
 
     UiLoaderService m_loader {nullptr};
 };
-
-void TestForms::RosterIsComplete_data()
-{
-    QTest::addColumn<QString>("key");
-    for (const char* key : {"com.vtr.qsclient", "com.vtr.search", "com.vtr.setargument", "com.vtr.setparent",
-             "com.vtr.inputdialog"})
-        QTest::newRow(key) << QString::fromLatin1(key);
-}
-
-/// The client's own tests run on stand-in forms; the real ones must not lack anything of theirs.
-void TestForms::RosterIsComplete()
-{
-    QFETCH(QString, key);
-    const auto form = Load(qPrintable(key));
-    QVERIFY(form);
-    const std::unique_ptr<QWidget> standIn(NewForm(key, {}));
-    QCOMPARE(bool(qobject_cast<QDialog*>(form.get())), bool(qobject_cast<QDialog*>(standIn.get())));
-    const auto wanted = standIn->findChildren<QWidget*>(QRegularExpression(QStringLiteral("^(?!qt_).")));
-    QVERIFY(!wanted.isEmpty());
-    for (const QWidget* widget : wanted) {
-        const QByteArray name = widget->objectName().toUtf8();
-        const auto found = form->findChildren<QWidget*>(widget->objectName());
-        QVERIFY2(found.size() == 1 && found[0]->inherits(widget->metaObject()->className()), name);
-    }
-}
 
 void TestForms::MainFormIsSetUp()
 {

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Counts how often style sheets are set on progress bars while this lives.
+/// Counts the changes of progress bars' style sheets while this object lives.
 class RestyleCounter : public QObject
 {
 public:
@@ -41,12 +41,12 @@ const QString question = "4|QuillStar Client||Are you sure to delete these jobs?
 struct Choice
 {
     const char* name;
-    QList<int> checked;
+    bool checksAll;
     int current;
     QStringList ordered;
 };
-const Choice choices[] = {{"nothing", {}, -1, {}}, {"current row", {}, 2, {"id-3"_s}},
-    {"checked rows win", {0, 1}, 2, {"id-1"_s, "id-2"_s}}};
+const Choice choices[] = {{"nothing", false, -1, {}}, {"current row", false, 2, {"id-3"_s}},
+    {"checked rows win", true, 2, {"id-1"_s, "id-2"_s}}};
 
 QVariantMap List(const QVariant& list, const QVariant& total = 40)
 {
@@ -63,32 +63,41 @@ QVariant Nested(int depth)
 
 } // namespace
 
-/// The job table: what answers make of it, what presses do to its rows, and what is done with the checked jobs.
+/// The job table: filling it from answers, checking its rows, and the actions on the checked jobs.
 class TestPluginJobs : public ClientTest
 {
     Q_OBJECT
 
 private slots:
-    void fillsItsRows()
+    void FillsItsRows()
     {
         QVariantMap job = MakeJob(12, 4, 100);
         job.insert("job_name"_s, "<b>sh & ot</b>"_s);
-        SignInWithJobs({job, MakeJob(13, 11, 60)}, 2);
+        SignInWithJobs({job}, 1);
         QCOMPARE(Cells(Jobs(), 0),
             "12|id-12, <b>sh & ot</b>|type-12, time-12|time-12, Finished|4, 12.5RMB|12.5RMB"_s);
         for (const int column : {0, 1, 2, 4, 5})
             QCOMPARE(Jobs()->item(0, column)->textAlignment(), 132);
         QCOMPARE(Jobs()->item(0, 0)->checkState(), Qt::Unchecked);
         QVERIFY(Jobs()->item(0, 1)->toolTip().contains("&lt;b&gt;sh &amp; ot"_s));
-        QCOMPARE(Jobs()->item(1, 4)->text(), "Unknown"_s);
         QCOMPARE(Bar(Jobs(), 0)->value(), 100);
         QCOMPARE(Bar(Jobs(), 0)->styleSheet(),
             "QProgressBar{margin: 9px 31px 9px 0px;text-align: right;background: white;border: 1px solid "
             "rgb(125,180,75);border-radius: 5px;color: rgb(125,180,75);} QProgressBar::chunk{border-radius: "
             "5px;background: rgb(125,180,75);}"_s);
+        QStringList texts;
+        QVariantList jobs;
+        for (int status = -1; status <= 10; ++status)
+            jobs.append(MakeJob(20, status));
+        Communication().DeliverJobs(jobs, 12);
+        for (int row = 0; row < 12; ++row)
+            texts.append(Jobs()->item(row, 4)->text());
+        QCOMPARE(texts.join(","_s),
+            "Unknown,Waiting,Running,Pause,Pending,Finished,Deleted,To full render,Failed,Arrears,"
+            "Pause due to arrears,Unknown"_s);
     }
 
-    void leavesTheScreenAloneWhenNothingChanged()
+    void LeavesTheScreenAloneWhenNothingChanged()
     {
         SignInWithJobs(MakeJobs(18), 40);
         const QWidget* bar = Bar(Jobs(), 3);
@@ -111,7 +120,7 @@ private slots:
         QCOMPARE(Jobs()->item(3, 1), item);
     }
 
-    void keepsTheCurrentRowWithItsJob()
+    void KeepsTheCurrentRowWithItsJob()
     {
         SignInWithJobs(MakeJobs(5), 5);
         Jobs()->setCurrentCell(1, 2);
@@ -121,14 +130,14 @@ private slots:
         Communication().DeliverJobs(jobs, 5);
         QCOMPARE(Jobs()->currentRow(), 4);
         QCOMPARE(Jobs()->currentColumn(), 2);
-        QCOMPARE(Checks(), "-----"_s);
+        QCOMPARE(Checks(Jobs()), "-----"_s);
         jobs.removeLast();
         Communication().DeliverJobs(jobs, 4);
         QCOMPARE(Jobs()->rowCount(), 4);
         QCOMPARE(Jobs()->currentRow(), -1);
     }
 
-    void handsFinishedJobsOverOnce()
+    void HandsFinishedJobsOverOnce()
     {
         m_client->settings.values.insert("vtr.account.ann/autodownload"_s, true);
         const QVariantList jobs {MakeJob(1, 4), MakeJob(2, 1), MakeJob(3, 4), MakeJob(4, 4)};
@@ -152,7 +161,7 @@ private slots:
         QCOMPARE(RenderCore().orders.size(), 3);
     }
 
-    void passesTheParentsListOnWithoutShowingIt()
+    void PassesTheParentsListOnWithoutShowingIt()
     {
         SignInWithJobs(MakeJobs(3), 3);
         const QSignalSpy candidates(m_client->Window(), SIGNAL(showParenList(QVariantList)));
@@ -163,7 +172,7 @@ private slots:
         QCOMPARE(Jobs()->rowCount(), 3);
     }
 
-    void goesBackAPageWhenItIsEmpty()
+    void GoesBackAPageWhenItIsEmpty()
     {
         SignInWithJobs(MakeJobs(18), 40);
         m_client->Button("btnPageThree"_s)->click();
@@ -171,9 +180,9 @@ private slots:
         TakeJournal();
         Communication().DeliverJobs({}, 36);
         QCOMPARE(TakeJournal(), QStringList {"GetJobList"_s});
-        QCOMPARE(Communication().Last().map.value("page"_s), QVariant(2));
+        QCOMPARE(Sent("page"), QVariant(2));
         QCOMPARE(Jobs()->rowCount(), 0);
-        // The next time the answer comes inside of the request.
+        // This time the service answers from inside the request.
         Communication().onRequest = [this] { Communication().DeliverJobs(MakeJobs(18), 18); };
         Communication().DeliverJobs({}, 18);
         QCOMPARE(Jobs()->rowCount(), 18);
@@ -182,7 +191,7 @@ private slots:
         QCOMPARE(TakeJournal(), QStringList());
     }
 
-    void survivesMalformedAnswers()
+    void SurvivesMalformedAnswers()
     {
         SignInWithJobs(MakeJobs(3), 40);
         const QVariantList strangers {QVariant(), 5, "job"_s, QVariantList()};
@@ -203,29 +212,29 @@ private slots:
         }
     }
 
-    void checksRowsByPressing()
+    void ChecksRowsByPressing()
     {
         SignInWithJobs(MakeJobs(3), 3);
         Press(1, Qt::LeftButton);
-        QCOMPARE(Checks(), "-x-"_s);
+        QCOMPARE(Checks(Jobs()), "-x-"_s);
         QCOMPARE(MenuDuring([this] { Press(2, Qt::RightButton); }), "Download,Set parent"_s);
         QCOMPARE(MenuOf(Jobs()), QString());
         MenuDuring([this] { Press(1, Qt::RightButton); });
-        QCOMPARE(Checks(), "-xx"_s);
+        QCOMPARE(Checks(Jobs()), "-xx"_s);
         Press(1, Qt::LeftButton);
-        QCOMPARE(Checks(), "--x"_s);
+        QCOMPARE(Checks(Jobs()), "--x"_s);
         auto* all = m_client->Find<QCheckBox>("chkAll"_s);
         all->setChecked(true);
-        QCOMPARE(Checks(), "xxx"_s);
+        QCOMPARE(Checks(Jobs()), "xxx"_s);
         all->setChecked(false);
-        QCOMPARE(Checks(), "---"_s);
+        QCOMPARE(Checks(Jobs()), "---"_s);
         QVERIFY(m_client->Call("ClickedCell", 99, 0));
         QVERIFY(m_client->Call("ClickedCell", -1, -1));
-        QCOMPARE(Checks(), "---"_s);
+        QCOMPARE(Checks(Jobs()), "---"_s);
     }
 
-    void sendsTheCheckedJobs_data() { AddRows(actions); }
-    void sendsTheCheckedJobs()
+    void SendsTheCheckedJobs_data() { AddRows(actions); }
+    void SendsTheCheckedJobs()
     {
         const Action& action = Row(actions);
         SignInWithJobs(MakeJobs(12), 12);
@@ -246,12 +255,12 @@ private slots:
             request.insert("id[%1]"_s.arg(i), "id-%1"_s.arg(i + 2));
         QCOMPARE(Communication().Last().operation, QString::fromLatin1(action.name));
         QCOMPARE(Communication().Last().map, request);
-        QCOMPARE(Communication().Last().status, QVariant(CommunicationStandIn::handedOut));
+        QCOMPARE(Communication().Last().status, QVariant(CommunicationStandIn::HandedOut));
         QCOMPARE(all->isChecked(), !isAsked);
     }
 
-    void judgesTheAnswers_data() { AddRows(actions); }
-    void judgesTheAnswers()
+    void JudgesTheAnswers_data() { AddRows(actions); }
+    void JudgesTheAnswers()
     {
         const Action& action = Row(actions);
         SignInWithJobs(MakeJobs(18), 40);
@@ -262,7 +271,7 @@ private slots:
             TakeJournal();
             QMetaObject::invokeMethod(
                 &Communication(), action.answer, Q_ARG(int, result), Q_ARG(QVariantMap, data));
-            const QString page = Communication().Last().map.value("page"_s).toString();
+            const QString page = Sent("page").toString();
             return TakeJournal() == QStringList {"GetJobList"_s} ? page : MessageBox().messages.join("\n"_s);
         };
         const QString notice = "2|QuillStar Client||%1|Ok,|1"_s;
@@ -273,14 +282,15 @@ private slots:
         QCOMPARE(Judgement(500, {"id-1"_s}), action.canBeRefused ? overdue : notice.arg(action.failure));
     }
 
-    void downloadsByHand_data() { AddRows(choices); }
-    void downloadsByHand()
+    void DownloadsByHand_data() { AddRows(choices); }
+    void DownloadsByHand()
     {
         const Choice& choice = Row(choices);
         SignInWithJobs(MakeJobs(3), 3);
         Jobs()->setCurrentCell(choice.current, choice.current < 0 ? -1 : 0);
-        for (const int row : choice.checked)
-            Jobs()->item(row, 0)->setCheckState(Qt::Checked);
+        auto* all = m_client->Find<QCheckBox>("chkAll"_s);
+        all->setChecked(choice.checksAll);
+        Check(Jobs(), {2}, Qt::Unchecked);
         m_client->Entry("Download")->trigger();
         QCOMPARE(RenderCore().orders.value(0).keys(), choice.ordered);
         QCOMPARE(MessageBox().messages.size(), choice.ordered.isEmpty() ? 0 : 1);
@@ -292,11 +302,11 @@ private slots:
                 {"manual"_s, 1}}));
         QVERIFY(MessageBox().messages.first().contains(
             "|The checked items are already added to download list|"_s));
-        for (int row = 0; row < 3; ++row)
-            QCOMPARE(Jobs()->item(row, 0)->checkState(), Qt::Unchecked);
+        QCOMPARE(Checks(Jobs()), "---"_s);
+        QVERIFY(!all->isChecked());
     }
 
-    void survivesTheEndOfItsWindowBehindAQuestion_data()
+    void SurvivesTheEndOfItsWindowBehindAQuestion_data()
     {
         QTest::addColumn<QByteArray>("slot");
         QTest::addColumn<bool>("stops");
@@ -306,7 +316,7 @@ private slots:
             QTest::addRow("%s stopped", slot) << QByteArray(slot) << true;
         }
     }
-    void survivesTheEndOfItsWindowBehindAQuestion()
+    void SurvivesTheEndOfItsWindowBehindAQuestion()
     {
         QFETCH(QByteArray, slot);
         QFETCH(bool, stops);
@@ -328,7 +338,7 @@ private slots:
     }
 
 private:
-    /// Delivers an answer, works with what it shows, and checks that a sound one shows as ever.
+    /// Delivers an answer, uses the table that it leaves, and checks that a sound answer still fills it.
     void CheckAnswer(const QVariant& data, int rows) const
     {
         const int before = Jobs()->rowCount();
@@ -349,14 +359,6 @@ private:
         const QPoint cell = Jobs()->visualItemRect(Jobs()->item(row, 0)).center();
         const QPoint place = Jobs()->viewport()->mapTo(m_client->Form(), cell);
         QTest::mouseClick(m_client->Form()->windowHandle(), button, Qt::NoModifier, place);
-    }
-
-    QString Checks() const
-    {
-        QString checks;
-        for (int row = 0; row < Jobs()->rowCount(); ++row)
-            checks += Jobs()->item(row, 0)->checkState() == Qt::Checked ? "x"_s : "-"_s;
-        return checks;
     }
 };
 

@@ -65,16 +65,17 @@ const Report reports[]
     = {{"LackTextureAnswer", "4|b||Continue next step?\nBelow files are missing:\ny\nz|Cancel,Ok|0"_s},
         {"UploadRetryAnswer", "4|b|Retry uploading?Failed to upload files:|y\nz|Cancel,Ok|1"_s}};
 
-QVariantMap MakeDownload(const QString& destination, int status = 1, int progress = 30)
+QVariantMap MakeDownload(
+    const QString& destination, int status = 1, int progress = 30, const QString& message = "<i>msg</i>"_s)
 {
     return {{"destFile"_s, destination}, {"srcFile"_s, "farm/frame.png"_s}, {"jobId"_s, "id-1"_s},
-        {"status"_s, status}, {"progress"_s, progress}, {"msg"_s, "<i>msg</i>"_s}};
+        {"status"_s, status}, {"progress"_s, progress}, {"msg"_s, message}};
 }
 
 struct Switch
 {
     const char* name;
-    int receivers; ///< of the finish notice, while it is on
+    int receivers; ///< of the finish notice while the switch is on
     QString effect;
 };
 const Switch switches[]
@@ -82,36 +83,37 @@ const Switch switches[]
 
 } // namespace
 
-/// The local submission tasks with their questions, and the downloads with the switches that bear on them.
+/// The local submission tasks with their questions, and the downloads with the account's switches for them.
 class TestPluginTransfers : public ClientTest
 {
     Q_OBJECT
 
 private slots:
-    void showsTheTasksWhenTheirListChanges()
+    void ShowsTheTasksWhenTheirListChanges()
     {
-        ShowTask("t1"_s, {"/scenes/a.b/scene.v2.ma"_s, "10:00"_s, "<b>message</b>"_s, "up"_s, 1, 55});
-        ShowTask("t2"_s, {"other.max"_s, {}, {}, {}, 8});
+        ShowTask({"t2"_s, "/scenes/a.b/scene.v2.ma"_s, "10:00"_s, "<b>message</b>"_s, "up"_s, 1, 55});
+        ShowTask({"t1"_s, "other.max"_s, {}, {}, {}, 8});
         QCOMPARE(m_client->Tabs()->currentIndex(), 1);
         QCOMPARE(m_client->RunningTimers(1000).size(), 1);
         QCOMPARE(Cells(Tasks(), 0),
-            "scene.v2|t1, 10:00|false, analyze|1, /scenes/a.b/scene.v2.ma|, <b>message</b>|"_s);
-        QCOMPARE(Tasks()->item(0, Status)->textAlignment(), 132);
+            "scene.v2|t2, 10:00|false, analyze|1, /scenes/a.b/scene.v2.ma|, <b>message</b>|"_s);
+        QCOMPARE(Checks(Tasks()), "--"_s);
+        for (const int column : {Status, SceneFile, Warn})
+            QCOMPARE(Tasks()->item(0, column)->textAlignment(), 132);
         QCOMPARE(Bar(Tasks(), 0)->value(), 55);
         QCOMPARE(Tasks()->item(1, Status)->text(), "Unknown"_s);
     }
 
-    void refreshesItsRowsInPlace()
+    void RefreshesItsRowsInPlace()
     {
-        for (const char* id : {"t1", "t2", "t3"})
-            ShowTask(QLatin1String(id), {"a.ma"_s});
+        for (const char* id : {"t3", "t1", "t2"})
+            ShowTask({QLatin1String(id), "a.ma"_s});
         const QTableWidgetItem* kept = Tasks()->item(2, Name);
-        RenderCore().tasks.remove("t2"_s);
-        RenderCore().tasks["t3"_s] = {"a.ma"_s, "11:00"_s, {}, {}, 8, -5};
+        RenderCore().tasks = {{"t3"_s, "a.ma"_s}, {"t2"_s, "a.ma"_s, "11:00"_s, {}, {}, 8, -5}};
         QVERIFY(m_client->Tick(1000));
         QCOMPARE(Tasks()->rowCount(), 2);
         QCOMPARE(Tasks()->item(1, Name), kept);
-        QCOMPARE(Cells(Tasks(), 1), "a|t3, 11:00|true, |8, a.ma|, |"_s);
+        QCOMPARE(Cells(Tasks(), 1), "a|t2, 11:00|true, |8, a.ma|, |"_s);
         QCOMPARE(Bar(Tasks(), 1)->value(), 0);
 
         int changes = 0;
@@ -120,69 +122,66 @@ private slots:
         QCOMPARE(changes, 0);
     }
 
-    void showsTroubleInTheWarnColumn_data() { AddRows(troubles); }
-    void showsTroubleInTheWarnColumn()
+    void ShowsTroubleInTheWarnColumn_data() { AddRows(troubles); }
+    void ShowsTroubleInTheWarnColumn()
     {
         const Trouble& trouble = Row(troubles);
-        ShowTask("t1"_s, {"a.ma"_s});
-        RenderCore().tasks["t1"_s] = {"a.ma"_s, {}, "msg"_s, "3 of 9"_s, trouble.stage, 0, trouble.error};
+        ShowTask({"t1"_s, "a.ma"_s});
+        RenderCore().tasks = {{"t1"_s, "a.ma"_s, {}, "msg"_s, "3 of 9"_s, trouble.stage, 0, trouble.error}};
         QVERIFY(m_client->Tick(1000));
         const QTableWidgetItem* warn = Tasks()->item(0, Warn);
         QCOMPARE((QStringList {Tasks()->item(0, Status)->text(), warn->text(), warn->statusTip(),
                      warn->whatsThis(), warn->data(Qt::UserRole).toString()}),
             trouble.shown);
         QCOMPARE(warn->icon().isNull(), trouble.shown.last().isEmpty());
-        RenderCore().tasks["t1"_s].error = 0;
-        RenderCore().tasks["t1"_s].stage = 6;
+        RenderCore().tasks = {{"t1"_s, "a.ma"_s, {}, "<b>new</b>"_s, {}, 6}};
         QVERIFY(m_client->Tick(1000));
         QVERIFY(warn->icon().isNull());
         QCOMPARE(warn->data(Qt::UserRole).toString(), QString());
-        QCOMPARE(warn->toolTip(), "msg"_s);
+        QVERIFY(warn->toolTip().contains("&lt;b&gt;new"_s));
     }
 
-    void fetchesArgumentsOnceAfterTheAnalysis()
+    void FetchesArgumentsOnceAfterTheAnalysis()
     {
         const QVariantList arguments {QVariantMap {{"width"_s, 640}}};
-        ShowTask("t1"_s, {"a.ma"_s, {}, {}, {}, 2, 0, 0, arguments});
+        ShowTask({"t1"_s, "a.ma"_s, {}, {}, {}, 2, 0, 0, arguments});
         QVERIFY(m_client->Tick(1000));
         QCOMPARE(RenderCore().argumentReads, 0);
-        RenderCore().tasks["t1"_s].stage = 3;
+        RenderCore().tasks[0].stage = 3;
         for (int i = 0; i < 3; ++i)
             QVERIFY(m_client->Tick(1000));
         QCOMPARE(RenderCore().argumentReads, 1);
         QCOMPARE(Tasks()->item(0, SceneFile)->data(Qt::UserRole).toList(), arguments);
     }
 
-    void turnsBackAPageWhenTasksGo()
+    void TurnsBackAPageWhenTasksGo()
     {
-        for (int i = 0; i < 37; ++i)
-            RenderCore().tasks.insert(Numbered("t"_s, i), {});
+        for (int i = 37; i > 0; --i)
+            RenderCore().tasks.append({Numbered("t"_s, i)});
         emit RenderCore().SubmitListChanged();
         m_client->Button("btnPageThree"_s)->click();
         QCOMPARE(Tasks()->rowCount(), 1);
-        Tasks()->item(0, Name)->setCheckState(Qt::Checked);
+        Check(Tasks(), {0});
         MessageBox().answer = MessageBoxStandIn::Consent();
         m_client->Entry("Delete Tasks")->trigger();
-        QCOMPARE(TakeJournal(), (QStringList {"ShowMessage"_s, "RemoveSubmitTasks by user t36"_s}));
+        QCOMPARE(TakeJournal(), (QStringList {"ShowMessage"_s, "RemoveSubmitTasks by user t01"_s}));
         QCOMPARE(Tasks()->rowCount(), 18);
+        QCOMPARE(Tasks()->item(17, Name)->data(Qt::UserRole).toString(), "t02"_s);
         QVERIFY(!m_client->Shows("btnPageThree"_s));
 
         // The tasks of a page stay there when one before them goes or comes.
-        for (const bool isThere : {false, true}) {
-            if (isThere)
-                RenderCore().tasks.insert("t00"_s, {});
-            else
-                RenderCore().tasks.remove("t00"_s);
-            QVERIFY(m_client->Tick(1000));
-            QCOMPARE(Tasks()->rowCount(), 18);
-        }
-        for (int i = 18; i < 36; ++i)
-            RenderCore().tasks.remove(Numbered("t"_s, i));
+        const RenderCoreStandIn::Task first = RenderCore().tasks.takeFirst();
+        QVERIFY(m_client->Tick(1000));
+        QCOMPARE(Tasks()->rowCount(), 18);
+        RenderCore().tasks.prepend(first);
+        QVERIFY(m_client->Tick(1000));
+        QCOMPARE(Tasks()->rowCount(), 18);
+        RenderCore().tasks.resize(18);
         QVERIFY(m_client->Tick(1000));
         QCOMPARE(Tasks()->rowCount(), 0);
         emit RenderCore().SubmitListChanged();
         const QTableWidgetItem* kept = Tasks()->item(0, Name);
-        QCOMPARE(kept->data(Qt::UserRole).toString(), "t00"_s);
+        QCOMPARE(kept->data(Qt::UserRole).toString(), "t37"_s);
         emit RenderCore().SubmitListChanged();
         QCOMPARE(Tasks()->item(0, Name), kept);
         QVERIFY(m_client->Call("StopJobs"));
@@ -190,13 +189,13 @@ private slots:
         QCOMPARE(TakeJournal(), QStringList {"StopSubmitTasks"_s});
     }
 
-    void offersItsMenu_data() { AddRows(menuCases); }
-    void offersItsMenu()
+    void OffersItsMenu_data() { AddRows(menuCases); }
+    void OffersItsMenu()
     {
         const MenuCase& menuCase = Row(menuCases);
-        m_client->settings.values.insert("vtr.account.ann/setargument"_s, menuCase.wanted);
+        Settings().insert("vtr.account.ann/setargument"_s, menuCase.wanted);
         m_client->SignIn();
-        ShowTask("t1"_s, {menuCase.sceneFile, {}, {}, {}, menuCase.stage});
+        ShowTask({"t1"_s, menuCase.sceneFile, {}, {}, {}, menuCase.stage});
         QVERIFY(m_client->Tick(1000));
         for (int round = 0; round < 2; ++round) {
             QVERIFY(m_client->Call("ClickedCell", 0, 0));
@@ -210,11 +209,11 @@ private slots:
         QCOMPARE(TakeJournal(), QStringList {"ContinueSubmit t1"_s});
     }
 
-    void explainsTroubleOnADoubleClick_data() { AddRows(doubleClicks); }
-    void explainsTroubleOnADoubleClick()
+    void ExplainsTroubleOnADoubleClick_data() { AddRows(doubleClicks); }
+    void ExplainsTroubleOnADoubleClick()
     {
         const DoubleClick& click = Row(doubleClicks);
-        ShowTask("t.1"_s, {"a.ma"_s, {}, "msg"_s, {}, 4, 0, click.error});
+        ShowTask({"t.1"_s, "a.ma"_s, {}, "msg"_s, {}, 4, 0, click.error});
         QVERIFY(m_client->Tick(1000));
         MessageBox().answer = click.answer;
         emit Tasks()->cellDoubleClicked(0, click.column);
@@ -223,8 +222,8 @@ private slots:
         QCOMPARE(MessageBox().messages.join("\n"_s), click.message);
     }
 
-    void asksAboutReportsOneByOne_data() { AddRows(reports); }
-    void asksAboutReportsOneByOne()
+    void AsksAboutReportsOneByOne_data() { AddRows(reports); }
+    void AsksAboutReportsOneByOne()
     {
         const bool textures = &Row(reports) == reports;
         const auto Report = [this, textures](const QString& id, const QStringList& files) {
@@ -256,14 +255,16 @@ private slots:
         QCOMPARE(MessageBox().messages.last(), Row(reports).question);
     }
 
-    void showsAPageOfDownloads()
+    void ShowsAPageOfDownloads()
     {
         RenderCore().downloads = {{"d1"_s, MakeDownload("/out//shot/frame.1.png"_s)}, {"d2"_s, "no map"_s},
             {"d3"_s, MakeDownload(QString(), 17, 150)}};
         m_client->Tabs()->setCurrentIndex(2);
         QCOMPARE(Cells(Downloads(), 0),
             "frame.1.png|d1, farm/frame.png|id-1, /out//shot/frame.1.png|, Downloading|1, |"_s);
-        QCOMPARE(Downloads()->item(0, 4)->textAlignment(), 132);
+        QCOMPARE(Checks(Downloads()), "---"_s);
+        for (const int column : {4, 5})
+            QCOMPARE(Downloads()->item(0, column)->textAlignment(), 132);
         QVERIFY(Downloads()->item(0, 4)->toolTip().contains("&lt;i&gt;msg"_s));
         QCOMPARE(Bar(Downloads(), 0)->value(), 30);
         QCOMPARE(Downloads()->item(1, 4)->text(), "Waiting"_s);
@@ -271,32 +272,45 @@ private slots:
         QCOMPARE(Bar(Downloads(), 2)->styleSheet(), QString());
     }
 
-    void refreshesFromTheLiveMap()
+    void RefreshesFromTheLiveMap()
     {
         RenderCore().downloads = {{"d1"_s, MakeDownload("a"_s)}, {"d2"_s, MakeDownload("b"_s)}};
         m_client->Tabs()->setCurrentIndex(2);
         RenderCore().downloads.remove("d2"_s);
-        RenderCore().downloads["d1"_s] = MakeDownload("a"_s, 2, 100);
+        RenderCore().downloads["d1"_s] = MakeDownload("a"_s, 2, 100, "new"_s);
         QVERIFY(m_client->Tick(1000));
+        QCOMPARE(Downloads()->item(0, 4)->toolTip(), "new"_s);
         QCOMPARE(Downloads()->item(0, 4)->text(), "Finished"_s);
         QCOMPARE(Bar(Downloads(), 0)->value(), 100);
         QVERIFY(Bar(Downloads(), 0)->styleSheet().contains("rgb(125,180,75)"_s));
         QCOMPARE(Downloads()->item(1, 4)->text(), "Downloading"_s);
     }
 
-    void deletesAndRedownloadsWhatIsChecked()
+    void CountsInTheBackgroundAndTurnsBackAPage()
     {
         SignInWithJobs(MakeJobs(1), 1);
-        AddDownloads(20);
+        AddDownloads(37);
         QCOMPARE(m_client->Tabs()->currentIndex(), 0);
         QCOMPARE(Downloads()->rowCount(), 0);
         QVERIFY(!m_client->Shows("btnPageTwo"_s));
+        QCOMPARE(m_client->RunningTimers(1000).size(), 1);
+        m_client->Tabs()->setCurrentIndex(2);
+        m_client->Button("btnPageThree"_s)->click();
+        QCOMPARE(Downloads()->rowCount(), 1);
+        RenderCore().downloads.remove("d36"_s);
+        emit RenderCore().DownloadListChanged();
+        QCOMPARE(Downloads()->item(17, 0)->data(Qt::UserRole).toString(), "d35"_s);
+        QVERIFY(!m_client->Shows("btnPageThree"_s));
+    }
+
+    void DeletesAndRedownloadsWhatIsChecked()
+    {
+        AddDownloads(20);
         m_client->Tabs()->setCurrentIndex(2);
         QCOMPARE(Downloads()->rowCount(), 18);
         m_client->Button("btnPageTwo"_s)->click();
         m_client->Entry("Redownload")->trigger();
-        for (const int row : {0, 1})
-            Downloads()->item(row, 0)->setCheckState(Qt::Checked);
+        Check(Downloads(), {0, 1});
         m_client->Entry("Redownload")->trigger();
         MessageBox().answer = MessageBoxStandIn::Consent();
         for (const char* button : {"btnDelete", "btnPause", "btnRecover"})
@@ -310,19 +324,15 @@ private slots:
         QCOMPARE(MenuOf(Downloads()), "Open file path,Redownload"_s);
     }
 
-    void revealsTheFileOfTheCurrentRow()
+    void RevealsTheFileOfTheCurrentRow()
     {
-        // The file manager of this test writes down what it was asked for.
+        // Stands for the file manager and writes down its arguments.
         const QTemporaryDir folder;
         const QString note = folder.filePath("note"_s);
-        QFile program(folder.filePath("explorer.exe"_s));
-        QVERIFY(program.open(QIODevice::WriteOnly));
-        program.write(
-            R"(#!/bin/sh
-printf '%s|' $# "$@" > NOTE.new && mv NOTE.new NOTE)"_s.replace("NOTE"_s, note)
-                .toUtf8());
-        program.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        program.close();
+        const QString program = folder.filePath("explorer.exe"_s);
+        const QString script = "#!/bin/sh\nprintf '%s|' $# \"$@\" > NOTE.new && mv NOTE.new NOTE"_s;
+        QVERIFY(WriteFile(program, QString(script).replace("NOTE"_s, note).toUtf8()));
+        QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         const QByteArray path = qgetenv("PATH");
         qputenv("PATH", folder.path().toUtf8() + ":" + path);
 
@@ -333,17 +343,15 @@ printf '%s|' $# "$@" > NOTE.new && mv NOTE.new NOTE)"_s.replace("NOTE"_s, note)
         m_client->Entry("Open file path")->trigger();
         QTRY_VERIFY(QFile::exists(note));
         qputenv("PATH", path);
-        QFile written(note);
-        QVERIFY(written.open(QIODevice::ReadOnly));
-        QCOMPARE(written.readAll(), QByteArray("2|/select,|/out/a b/c;d.png|"));
+        QCOMPARE(ReadFile(note), QByteArray("2|/select,|/out/a b/c;d.png|"));
     }
 
-    void followsTheSwitchesOfTheAccount_data() { AddRows(switches); }
-    void followsTheSwitchesOfTheAccount()
+    void FollowsTheSwitchesOfTheAccount_data() { AddRows(switches); }
+    void FollowsTheSwitchesOfTheAccount()
     {
         const QString key = "vtr.account.ann/%1"_s.arg(QLatin1String(Row(switches).name));
         const char* const finish = SIGNAL(DownloadFinish(QString));
-        m_client->settings.values.insert(key, true);
+        Settings().insert(key, true);
         emit m_client->settings.SettingsUpdated();
         QVERIFY(m_client->settings.defaults.isEmpty());
 
@@ -354,15 +362,15 @@ printf '%s|' $# "$@" > NOTE.new && mv NOTE.new NOTE)"_s.replace("NOTE"_s, note)
         TakeJournal();
         emit RenderCore().DownloadFinish("frame.png"_s);
         QCOMPARE(TakeJournal().join(","_s), Row(switches).effect);
-        m_client->settings.values.insert(key, false);
+        Settings().insert(key, false);
         emit m_client->settings.SettingsUpdated();
         QCOMPARE(RenderCore().receivers(finish), 0);
     }
 
 private:
-    void ShowTask(const QString& id, const RenderCoreStandIn::Task& task) const
+    void ShowTask(const RenderCoreStandIn::Task& task) const
     {
-        RenderCore().tasks.insert(id, task);
+        RenderCore().tasks.append(task);
         emit RenderCore().SubmitListChanged();
         TakeJournal();
     }

@@ -25,8 +25,10 @@ Client::~Client()
     for (const QString& folder : {"data"_s, "Data"_s}) {
         QDir directory(QString(QCoreApplication::applicationDirPath() + "/"_s + folder));
         const QStringList files = directory.entryList({QString(m_server + "_*"_s)});
-        for (const QString& file : files)
-            directory.remove(file);
+        for (const QString& file : files) {
+            if (!directory.remove(file))
+                directory.rmdir(file);
+        }
     }
 }
 
@@ -116,6 +118,12 @@ QList<QTimer*> Client::RunningTimers(int interval) const
             running.append(timer);
     }
     return running;
+}
+
+QString Client::AccountFile(const QString& folder, const QString& userName) const
+{
+    const QString name = "%1/%2_login-%3.ini"_s.arg(folder, m_server, userName);
+    return QDir(QCoreApplication::applicationDirPath()).filePath(name);
 }
 
 bool Client::Tick(int interval) const

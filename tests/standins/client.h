@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/standins/controllers.h"
 #include "tests/standins/stand_ins.h"
 #include "tests/standins/ui_loader_stand_in.h"
 
@@ -60,9 +61,17 @@ public:
     template <class... Arguments>
     bool Call(const char* slot, const Arguments&... arguments) const
     {
-        return QMetaObject::invokeMethod(Window(), slot, Qt::DirectConnection,
+        return CallOn(Window(), slot, arguments...);
+    }
+    template <class... Arguments>
+    static bool CallOn(QObject* object, const char* slot, const Arguments&... arguments)
+    {
+        return QMetaObject::invokeMethod(object, slot, Qt::DirectConnection,
             QGenericArgument(QMetaType::typeName(qMetaTypeId<Arguments>()), &arguments)...);
     }
+
+    /// The client's file for an account in a folder beside the program.
+    QString AccountFile(const QString& folder, const QString& userName = "ann"_s) const;
 
     /// The window's running timers with an interval in milliseconds.
     QList<QTimer*> RunningTimers(int interval) const;
@@ -70,6 +79,7 @@ public:
     /// Lets the one running timer with an interval time out now. @return whether there is exactly one.
     bool Tick(int interval) const;
 
+    Controllers controllers;
     Journal journal;
     SettingsStandIn settings {journal};
     LoggerStandIn logger {journal};

@@ -1,7 +1,10 @@
 #pragma once
 
 #include "tests/standins/client.h"
+#include "tests/support/test_files.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QMenu>
 #include <QProgressBar>
 #include <QTimer>
@@ -25,17 +28,67 @@ protected:
     CommunicationStandIn& Communication() const { return m_client->communication; }
     RenderCoreStandIn& RenderCore() const { return m_client->renderCore; }
     MessageBoxStandIn& MessageBox() const { return m_client->messageBox; }
+    QVariantMap& Settings() const { return m_client->settings.values; }
     QTableWidget* Jobs() const { return m_client->Table("twtMyRender"_s); }
     QTableWidget* Tasks() const { return m_client->Table("twtLocalTask"_s); }
     QTableWidget* Downloads() const { return m_client->Table("twtDownload"_s); }
     QStringList TakeJournal() const { return m_client->journal.Take(); }
 
-    /// Signs in and shows one page of jobs; nothing of it stays in the journal.
-    void SignInWithJobs(const QVariantList& jobs, int total) const
+    /// Signs in and shows one page of jobs, and forgets the calls that this made.
+    void SignInWithJobs(const QVariantList& jobs, int total = 18) const
     {
         m_client->SignIn();
         Communication().DeliverJobs(jobs, total);
         TakeJournal();
+    }
+
+    /// Values of the last request.
+    QVariant Sent(const char* key) const { return Communication().Last().map.value(QLatin1String(key)); }
+    QVariantMap Conditions() const
+    {
+        return QJsonDocument::fromJson(Sent("conditions").toByteArray()).object().toVariantMap();
+    }
+
+    /// A dialog's form, or the main form, by the last part of its key.
+    QWidget* Form(const char* name) const
+    {
+        return m_client->uiLoader.Form("com.vtr."_s + QLatin1String(name));
+    }
+
+    template <class Widget>
+    Widget* Find(const char* form, const char* name) const
+    {
+        return Form(form)->findChild<Widget*>(QLatin1String(name));
+    }
+    void Click(const char* form, const char* button) const { Find<QPushButton>(form, button)->click(); }
+
+    /// Does something inside the next modal dialog of a form, and closes what is left of it then.
+    template <class Action>
+    void WhileOpen(const char* form, Action action) const
+    {
+        const QPointer<QWidget> dialog = Form(form);
+        QTimer::singleShot(0, dialog, [dialog, action] {
+            action();
+            if (dialog)
+                dialog->close();
+        });
+    }
+
+    static void Check(const QTableWidget* table, const QList<int>& rows, Qt::CheckState state = Qt::Checked)
+    {
+        for (const int row : rows)
+            table->item(row, 0)->setCheckState(state);
+    }
+
+    /// The check boxes of all rows: "x" checked, "-" unchecked, "?" none.
+    static QString Checks(const QTableWidget* table)
+    {
+        QString checks;
+        for (int row = 0; row < table->rowCount(); ++row) {
+            const QVariant state = table->item(row, 0)->data(Qt::CheckStateRole);
+            checks += !state.isValid() ? "?"_s : state == Qt::Checked ? "x"_s : "-"_s;
+        }
+        return checks;
     }
 
     /// A row's items, each as "text|data", with ", " between.
@@ -53,7 +106,7 @@ protected:
         return qobject_cast<QProgressBar*>(table->cellWidget(row, 3));
     }
 
-    /// The entries of the menu that opens meanwhile, and is closed again; empty when none opens.
+    /// The entries of the menu that opens during an action, which is closed again; empty when none opens.
     template <class Action>
     static QString MenuDuring(Action action)
     {
@@ -69,11 +122,12 @@ protected:
         });
         look.start(0);
         action();
+        QCoreApplication::processEvents(); // for menus that open without an event loop of their own
         return entries.join(","_s);
     }
-    static QString MenuOf(QTableWidget* table)
+    static QString MenuOf(QWidget* widget)
     {
-        return MenuDuring([table] { emit table->customContextMenuRequested(QPoint()); });
+        return MenuDuring([widget] { emit widget->customContextMenuRequested(QPoint()); });
     }
 
     std::unique_ptr<Client> m_client;

@@ -6,13 +6,13 @@
 #include <QVariant>
 #include <QVector>
 
-/// Calls every slot of an object's own class with values as they come out of their constructors.
+/// Calls every slot of an object's own class with default-constructed values.
 inline void CallEverySlot(QObject* object)
 {
     RegisterVTParameters();
     const QMetaObject* type = object->metaObject();
     QVariantMap conditions;
-    quint64 null = 0; // what types without a name at run time, pointers and enumerations, are made of
+    quint64 null = 0; // stands for pointers and enumerations, which have no name at run time
     for (int i = type->methodOffset(); i < type->methodCount(); ++i) {
         const QMetaMethod method = type->method(i);
         if (method.methodType() != QMetaMethod::Slot || method.returnType() != QMetaType::Void)

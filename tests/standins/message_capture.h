@@ -2,7 +2,7 @@
 
 #include "tests/standins/stand_in.h"
 
-/// Keeps what Qt's message handler is given while this lives, as "critical|text|file|line". One at a time.
+/// Captures Qt's messages while this object lives, each as "critical|text|file|line". Only one may live at a time.
 class MessageCapture
 {
 public:

@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <utility>
 
-/// What the stand-ins were told, across all of them and in order.
+/// Calls of all stand-ins, in their order.
 class Journal
 {
 public:
@@ -23,20 +23,20 @@ private:
 
 enum class Failure { None, Initialize, Show, Exception };
 
-/// The life cycle of a stand-in sibling: succeeds unless told otherwise and keeps what was called.
+/// The life cycle of a stand-in service: succeeds unless told otherwise and records its calls.
 template <class Interface>
 class StandIn : public Interface
 {
 public:
-    /// Status that Show hands out and that requests must bring back.
-    static constexpr int handedOut = 7;
+    /// Status that `Show` hands out and that requests must bring back.
+    static constexpr int HandedOut = 7;
 
     explicit StandIn(Journal& shared)
         : journal(shared)
     {
     }
 
-    /// How many connections a signal has; the text comes from SIGNAL().
+    /// Counts the connections of a signal, named by `SIGNAL()`.
     using QObject::receivers;
 
     int Initialize(const QVariantMap& parameters) override
@@ -50,7 +50,7 @@ public:
     int Uninitialize() override { return Called("Uninitialize"_s); }
     int Show(QVariant& result, const QVariantMap& /*parameters*/) override
     {
-        result = handedOut;
+        result = HandedOut;
         Called("Show"_s);
         return failure == Failure::Show ? -1 : 0;
     }

@@ -14,6 +14,7 @@
 #include <QIcon>
 #include <QVector>
 
+#include <algorithm>
 #include <functional>
 
 class SettingsStandIn : public StandIn<VTSettingsInterface>
@@ -32,10 +33,10 @@ public:
     void SetValue(const QString& key, const QVariant& value) override { values.insert(key, value); }
 
     QVariantMap values;
-    QVariantMap defaults; ///< as last asked for with
+    QVariantMap defaults; ///< the last default given for each key
 };
 
-/// The logger's interface is no object of its own.
+/// The logger's interface is not a QObject, so this joins the two.
 class LoggerObject : public QObject, public VTLoggerInterface
 {
     Q_OBJECT
@@ -80,7 +81,7 @@ public:
     static QString Consent() { return "btnMessageBox_2"_s; }
 
     QStringList messages;            ///< each "kind|title|text|detail|captions|flag"
-    QString answer;                  ///< name of the button that every box is closed with
+    QString answer;                  ///< name of the button that closes every box
     std::function<void()> whileOpen; ///< runs once, inside the next box
 };
 
@@ -99,18 +100,27 @@ public:
 
     using StandIn::StandIn;
 
-    int SignOut(const QVariant& s, const QVariantHash& m) override { return Take("SignOut"_s, s, m); }
-    int GetUserInfo(const QVariant& s, const QVariantHash& m) override { return Take("GetUserInfo"_s, s, m); }
-    int StopJobs(const QVariant& s, const QVariantHash& m) override { return Take("StopJobs"_s, s, m); }
-    int DeleteJobs(const QVariant& s, const QVariantHash& m) override { return Take("DeleteJobs"_s, s, m); }
-    int RecoverJobs(const QVariant& s, const QVariantHash& m) override { return Take("RecoverJobs"_s, s, m); }
-    int RestartJobs(const QVariant& s, const QVariantHash& m) override { return Take("RestartJobs"_s, s, m); }
-    int FullRender(const QVariant& s, const QVariantHash& m) override { return Take("FullRender"_s, s, m); }
-    int GetJobList(const QVariant& s, const QVariantHash& m) override { return Take("GetJobList"_s, s, m); }
-    int GetJobInfo(const QVariant& s, const QVariantHash& m) override { return Take("GetJobInfo"_s, s, m); }
+    int SignOut(const QVariant& s, const QVariantHash& m) override { return Record("SignOut"_s, s, m); }
+    int GetUserInfo(const QVariant& s, const QVariantHash& m) override
+    {
+        return Record("GetUserInfo"_s, s, m);
+    }
+    int StopJobs(const QVariant& s, const QVariantHash& m) override { return Record("StopJobs"_s, s, m); }
+    int DeleteJobs(const QVariant& s, const QVariantHash& m) override { return Record("DeleteJobs"_s, s, m); }
+    int RecoverJobs(const QVariant& s, const QVariantHash& m) override
+    {
+        return Record("RecoverJobs"_s, s, m);
+    }
+    int RestartJobs(const QVariant& s, const QVariantHash& m) override
+    {
+        return Record("RestartJobs"_s, s, m);
+    }
+    int FullRender(const QVariant& s, const QVariantHash& m) override { return Record("FullRender"_s, s, m); }
+    int GetJobList(const QVariant& s, const QVariantHash& m) override { return Record("GetJobList"_s, s, m); }
+    int GetJobInfo(const QVariant& s, const QVariantHash& m) override { return Record("GetJobInfo"_s, s, m); }
     int GetProjectList(const QVariant& s, const QVariantHash& m) override
     {
-        return Take("GetProjectList"_s, s, m);
+        return Record("GetProjectList"_s, s, m);
     }
 
     void DeliverSignIn(const QString& userName, int result = 200)
@@ -133,10 +143,10 @@ public:
     Request Last() const { return requests.isEmpty() ? Request() : requests.last(); }
 
     QVector<Request> requests;
-    std::function<void()> onRequest; ///< runs inside the next request
+    std::function<void()> onRequest; ///< runs once, inside the next request
 
 private:
-    int Take(const QString& operation, const QVariant& status, const QVariantHash& map)
+    int Record(const QString& operation, const QVariant& status, const QVariantHash& map)
     {
         requests.append({operation, status, map});
         journal.Write(operation);
@@ -154,6 +164,7 @@ class RenderCoreStandIn : public StandIn<VTRenderCoreInterface>
 public:
     struct Task
     {
+        QString id {};
         QString sceneFile {};
         QString startTime {};
         QString message {};
@@ -169,33 +180,41 @@ public:
     void RemoveSubmitTasks(const QStringList& ids, bool byUser) override
     {
         Write(byUser ? "RemoveSubmitTasks by user"_s : "RemoveSubmitTasks"_s, ids);
-        for (const QString& id : ids)
-            tasks.remove(id);
+        const auto isListed = [&ids](const Task& task) { return ids.contains(task.id); };
+        tasks.erase(std::remove_if(tasks.begin(), tasks.end(), isListed), tasks.end());
+        emit SubmitListChanged();
     }
     void RemoveDownloadTasks(const QStringList& ids) override
     {
         Write("RemoveDownloadTasks"_s, ids);
         for (const QString& id : ids)
             downloads.remove(id);
+        emit DownloadListChanged();
     }
     void StopDownloadTasks(const QStringList& ids) override { Write("StopDownloadTasks"_s, ids); }
     void ResumeDownloadTasks(const QStringList& ids) override { Write("ResumeDownloadTasks"_s, ids); }
     void StopSubmitTasks() override { journal.Write("StopSubmitTasks"_s); }
     void ResumeSubmitTasks() override { journal.Write("ResumeSubmitTasks"_s); }
     QVariantMap* GetDownloadTasks() override { return &downloads; }
-    QString GetTaskSceneFile(const QString& id) override { return tasks.value(id).sceneFile; }
-    QString GetTaskStartTime(const QString& id) override { return tasks.value(id).startTime; }
-    QString GetTaskMessage(const QString& id) override { return tasks.value(id).message; }
-    int GetTaskStage(const QString& id) override { return tasks.value(id).stage; }
-    int GetTaskProgress(const QString& id) override { return tasks.value(id).progress; }
-    QString GetTaskUploadText(const QString& id) override { return tasks.value(id).uploadText; }
-    int GetTaskErrorCode(const QString& id) override { return tasks.value(id).error; }
-    QStringList GetSubmitTaskIds() override { return tasks.keys(); }
+    QString GetTaskSceneFile(const QString& id) override { return Find(id).sceneFile; }
+    QString GetTaskStartTime(const QString& id) override { return Find(id).startTime; }
+    QString GetTaskMessage(const QString& id) override { return Find(id).message; }
+    int GetTaskStage(const QString& id) override { return Find(id).stage; }
+    int GetTaskProgress(const QString& id) override { return Find(id).progress; }
+    QString GetTaskUploadText(const QString& id) override { return Find(id).uploadText; }
+    int GetTaskErrorCode(const QString& id) override { return Find(id).error; }
+    QStringList GetSubmitTaskIds() override
+    {
+        QStringList ids;
+        for (const Task& task : qAsConst(tasks))
+            ids.append(task.id);
+        return ids;
+    }
     int GetSubmitTaskCount() override { return tasks.size(); }
     QVariantList GetTaskArguments(const QString& id) override
     {
         ++argumentReads;
-        return tasks.value(id).arguments;
+        return Find(id).arguments;
     }
     void UploadRetryAnswer(const QString& id, bool retry) override
     {
@@ -209,7 +228,11 @@ public:
     int SubmitScene(const QString& /*file*/) override { return 0; }
     void RedownloadTasks(const QStringList& ids) override { Write("RedownloadTasks"_s, ids); }
 
-    void SetArgument(QString id, QVariantList /*arguments*/) override { Write("SetArgument"_s, {id}); }
+    void SetArgument(QString id, QVariantList arguments) override
+    {
+        Write("SetArgument"_s, {id});
+        setArguments = arguments;
+    }
     void TriggerJobIdType(QVariantMap jobs) override { orders.append(jobs); }
 
     bool eventFilter(QObject* object, QEvent* event) override
@@ -218,13 +241,20 @@ public:
         return QObject::eventFilter(object, event);
     }
 
-    QMap<QString, Task> tasks;
+    QVector<Task> tasks; ///< in the order of the list, which is none
     QVariantMap downloads;
     QVector<QVariantMap> orders;
+    QVariantList setArguments; ///< as last set
     QVector<QEvent::Type> seenEvents;
     int argumentReads = 0;
 
 private:
+    Task Find(const QString& id) const
+    {
+        const auto isIt = [&id](const Task& task) { return task.id == id; };
+        const auto found = std::find_if(tasks.begin(), tasks.end(), isIt);
+        return found == tasks.end() ? Task() : *found;
+    }
     void Write(const QString& what, const QStringList& ids)
     {
         journal.Write(QString(what + " "_s + ids.join(","_s)));

@@ -1,21 +1,47 @@
 #include "tests/standins/ui_loader_stand_in.h"
 
-#include "tests/standins/form_roster.h"
-
 #include <QFileInfo>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QUiLoader>
 
-UiLoaderStandIn::UiLoaderStandIn(Journal& shared)
-    : StandIn(shared)
+namespace {
+
+QWidget* Load(const QString& key)
 {
-    skinMenu.setTitle("Skins"_s);
-    languageMenu.setTitle("Languages"_s);
+    QFile file(QStringLiteral(FORMS_FOLDER "/%1.ui").arg(key));
+    QWidget* form = file.open(QIODevice::ReadOnly) ? QUiLoader().load(&file) : nullptr;
+    if (!form)
+        qFatal("No form can be loaded from %s", qUtf8Printable(file.fileName()));
+    return form;
 }
+
+/// Takes away what the client must not rely on: buttons of one size in one row, and tables with columns.
+void Disturb(QWidget* form)
+{
+    int step = 0;
+    for (QPushButton* button : form->findChildren<QPushButton*>(QString(), Qt::FindDirectChildrenOnly)) {
+        ++step;
+        button->setGeometry(button->geometry().adjusted(0, step, step, step));
+    }
+    for (QTableWidget* table : form->findChildren<QTableWidget*>())
+        table->setColumnCount(0);
+}
+
+} // namespace
 
 QWidget* UiLoaderStandIn::LoadUi(const QString& key, QWidget* parent)
 {
     loadedKeys.append(parent ? QString(key + " with parent"_s) : key);
-    QWidget* form = missingForms.contains(key) ? nullptr : NewForm(key, leftOut);
+    QWidget* form = missingForms.contains(key) ? nullptr : Load(key);
     m_forms.insert(key, form);
+    if (!form)
+        return nullptr;
+    Disturb(form);
+    for (const QString& name : leftOut)
+        delete form->findChild<QWidget*>(name);
+    if (leftOut.contains("*"_s))
+        qDeleteAll(form->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly));
     return form;
 }
 
@@ -24,17 +50,6 @@ void UiLoaderStandIn::SetLanguage(const QString& path)
     journal.Write(QString("SetLanguage "_s + path));
     language = QFileInfo(path).fileName();
     emit LanguageChanged(language);
-}
-
-QMenu* UiLoaderStandIn::GetMenu(const QString& menu, const QString& subMenu)
-{
-    if (menu != "menuTray"_s)
-        return nullptr;
-    if (subMenu.isEmpty())
-        return &trayMenu;
-    if (subMenu == "meuSkin"_s)
-        return &skinMenu;
-    return subMenu == "meuLanguage"_s ? &languageMenu : nullptr;
 }
 
 void UiLoaderStandIn::LayoutForm(QWidget* form, const QString& file)

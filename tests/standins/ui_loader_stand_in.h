@@ -8,14 +8,14 @@
 #include <QPointer>
 #include <QWidget>
 
-/// Builds forms in code and keeps what the client asks of the shell.
+/// Loads the host's forms, less well prepared than the host does, and records what the client asks of it.
 class UiLoaderStandIn : public StandIn<VTUiLoaderInterface>
 {
     Q_OBJECT
     Q_INTERFACES(VTUiLoaderInterface)
 
 public:
-    explicit UiLoaderStandIn(Journal& shared);
+    using StandIn::StandIn;
 
     QWidget* LoadUi(const QString& key, QWidget* parent) override;
     QString GetSkin() override { return skin; }
@@ -23,7 +23,10 @@ public:
     QStringList GetLanguages() override { return {"/lang/vtr_de.qm"_s, "/lang/vtr_en.qm"_s}; }
     void SetLanguage(const QString& path) override;
     void OpenWindow(const QString& key) override { journal.Write(QString("OpenWindow "_s + key)); }
-    QMenu* GetMenu(const QString& menu, const QString& subMenu) override;
+    QMenu* GetMenu(const QString& menu, const QString& subMenu) override
+    {
+        return m_menus.value(menu + subMenu);
+    }
     void LoadSkinSettings(const QString& file) override { skinSettings.append(file); }
     void LayoutForm(QWidget* form, const QString& file) override;
 
@@ -32,7 +35,7 @@ public:
 
     QString skin = "teal"_s;
     QString language = "vtr_en.qm"_s;
-    QStringList leftOut;      ///< object names that no form shall have
+    QStringList leftOut;      ///< names of widgets that the forms lack; "*" stands for all
     QStringList missingForms; ///< keys that have no form
     QStringList loadedKeys;
     QStringList skinSettings;
@@ -43,4 +46,6 @@ public:
 
 private:
     QHash<QString, QPointer<QWidget>> m_forms;
+    const QHash<QString, QMenu*> m_menus {{"menuTray"_s, &trayMenu}, {"menuTraymeuSkin"_s, &skinMenu},
+        {"menuTraymeuLanguage"_s, &languageMenu}};
 };
