@@ -1,7 +1,15 @@
 #include "host/farm_process.h"
 
+#include "host/farmclient/backoff.h"
+
 #include <QDebug>
 #include <QRegularExpression>
+
+namespace {
+
+constexpr int LongestPause = 60000; // ms before a restart
+
+} // namespace
 
 FarmProcess::FarmProcess(const QString& program, const QString& dataFolder, QObject* parent)
     : FarmProcess(program, dataFolder, Patience(), parent)
@@ -106,7 +114,7 @@ void FarmProcess::HandleEnd()
         emit GivenUp(m_process.errorString());
         return;
     }
-    m_restart.start(m_patience.firstPause << (m_failures - 1));
+    m_restart.start(Backoff(m_patience.firstPause, LongestPause).PauseAfter(m_failures));
 }
 
 void FarmProcess::HandleLate()

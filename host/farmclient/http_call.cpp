@@ -1,5 +1,7 @@
 #include "host/farmclient/http_call.h"
 
+#include "host/farmclient/backoff.h"
+
 #include <QJsonDocument>
 #include <QNetworkReply>
 
@@ -89,7 +91,7 @@ void HttpCall::EndAttempt(const HttpResult& result)
     DropReply();
     const HttpLimits& limits = m_transport->Limits();
     if (m_request.repeatable && m_attempt < limits.attempts && IsPassing(result.status)) {
-        const int pause = limits.firstPause << (m_attempt - 1);
+        const int pause = Backoff(limits.firstPause, limits.longestPause).PauseAfter(m_attempt);
         m_pause.start(std::min(std::max(pause, result.retryAfter * 1000), limits.longestPause));
         return;
     }
