@@ -1,28 +1,28 @@
 #include "host/rendercore/download/download_queue.h"
 
-#include "host/rendercore/download/download_worker.h"
-#include "host/rendercore/download/task_wishes.h"
+#include "host/rendercore/attempt.h"
+#include "host/rendercore/download/task_commands.h"
 
 #include <QDir>
 #include <QFileInfo>
 
-#include <exception>
+#include <utility>
 
 namespace {
 
-constexpr int idDigits = 10;
+constexpr int IdDigits = 10;
 
-const QString kFile = QStringLiteral("destFile");
-const QString kStatus = QStringLiteral("status");
-const QString kProgress = QStringLiteral("progress");
-const QString kMessage = QStringLiteral("msg");
+const QString FileKey = QStringLiteral("destFile");
+const QString StatusKey = QStringLiteral("status");
+const QString ProgressKey = QStringLiteral("progress");
+const QString MessageKey = QStringLiteral("msg");
 
 QString IdOf(qint64 number)
 {
-    return QStringLiteral("%1").arg(number, idDigits, 10, QLatin1Char('0'));
+    return QStringLiteral("%1").arg(number, IdDigits, 10, QLatin1Char('0'));
 }
 
-/// What people know the file's job by, rather than its id.
+/// Names the job by its folder, which the user knows, rather than by its id.
 QString SourceOf(const DownloadTask& task)
 {
     return QFileInfo(task.file).dir().dirName() + QLatin1Char('/') + task.name;
@@ -30,9 +30,9 @@ QString SourceOf(const DownloadTask& task)
 
 QVariantMap EntryOf(const DownloadTask& task)
 {
-    return {{kFile, task.file}, {QStringLiteral("srcFile"), SourceOf(task)},
-        {QStringLiteral("jobId"), task.job}, {kStatus, static_cast<int>(task.state)},
-        {kProgress, task.progress}, {kMessage, task.message}};
+    return {{FileKey, task.file}, {QStringLiteral("srcFile"), SourceOf(task)},
+        {QStringLiteral("jobId"), task.job}, {StatusKey, static_cast<int>(task.state)},
+        {ProgressKey, task.progress}, {MessageKey, task.message}};
 }
 
 DownloadOrders OrdersOf(const QVariantMap& map)
@@ -54,36 +54,33 @@ DownloadOrders OrdersOf(const QVariantMap& map)
 DownloadQueue::DownloadQueue(const QString& folder, const DownloadLimits& limits, QObject* parent)
     : QObject(parent)
 {
-    qRegisterMetaType<DownloadTasks>("DownloadTasks");
-    qRegisterMetaType<DownloadChanges>("DownloadChanges");
-    qRegisterMetaType<DownloadWish>("DownloadWish");
     const QString file = QDir(folder).filePath(QStringLiteral("downloads.sqlite"));
-    try {
-        QDir().mkpath(folder);
-        m_store = std::make_unique<DownloadStore>(file);
-    } catch (const std::exception& failure) {
-        qCritical("there are no downloads: %s cannot be used: %s", qUtf8Printable(file), failure.what());
+    QDir().mkpath(folder);
+    // Each thread has a store of its own, so that a long list of files does not block the window.
+    std::unique_ptr<DownloadStore> store;
+    if (!Attempt("use the list of downloads", [&] {
+            m_store = std::make_unique<DownloadStore>(file);
+            store = std::make_unique<DownloadStore>(file);
+        })) {
+        m_store.reset();
         return;
     }
-    m_worker = new DownloadWorker(file, limits);
-    m_worker->moveToThread(&m_thread);
-    connect(&m_thread, &QThread::finished, m_worker, &QObject::deleteLater);
-    connect(this, &DownloadQueue::Told, m_worker,
-        [worker = m_worker](const DownloadWish& wish) { wish(worker); });
-    connect(m_worker, &DownloadWorker::Came, this, &DownloadQueue::TakeTasks);
-    connect(m_worker, &DownloadWorker::Changed, this, &DownloadQueue::TakeChanges);
-    connect(m_worker, &DownloadWorker::Finished, this, &DownloadQueue::FileFinished);
-    m_thread.setObjectName(QStringLiteral("downloads"));
-    m_thread.start();
+    DownloadListener listener;
+    listener.added = [this](int session, const DownloadTasks& tasks) {
+        PostTo(this, [this, session, tasks] { HandleAdded(session, tasks); });
+    };
+    listener.changed = [this](const DownloadChanges& changes) {
+        PostTo(this, [this, changes] { HandleChanged(changes); });
+    };
+    listener.finished
+        = [this](const QString& path) { PostTo(this, [this, path] { emit FileFinished(path); }); };
+    m_worker = std::make_unique<WorkerThread<DownloadWorker>>(
+        QStringLiteral("downloads"), [store = std::move(store), listener, limits]() mutable {
+            return std::make_unique<DownloadWorker>(std::move(store), listener, limits);
+        });
 }
 
-DownloadQueue::~DownloadQueue()
-{
-    // What was said before is done before.
-    emit Told([](const DownloadWorker*) { QThread::currentThread()->quit(); });
-    m_thread.requestInterruption();
-    m_thread.wait();
-}
+DownloadQueue::~DownloadQueue() = default;
 
 void DownloadQueue::SetAccess(const FarmAccess& access)
 {
@@ -96,70 +93,64 @@ void DownloadQueue::SetAccess(const FarmAccess& access)
         if (hadTasks)
             emit ListChanged();
     }
-    emit Told([access, session = m_session](DownloadWorker* worker) { worker->SetAccess(access, session); });
+    if (m_worker)
+        m_worker->Post(
+            [access, session = m_session](DownloadWorker& worker) { worker.SetAccess(access, session); });
 }
 
 void DownloadQueue::Order(const QVariantMap& orders)
 {
     if (m_access.owner.isEmpty())
         return;
-    bool isNew = false;
-    if (Write([&] { isNew = m_store->AddOrders(m_access.owner, OrdersOf(orders)); }) && isNew)
-        emit Told([](DownloadWorker* worker) { worker->TakeOrders(); });
+    bool areNew = false;
+    if (Save([&] { areNew = m_store->AddOrders(m_access.owner, OrdersOf(orders)); }) && areNew)
+        m_worker->Post([](DownloadWorker& worker) { worker.AskForOrders(); });
 }
 
 void DownloadQueue::Stop(const QStringList& ids)
 {
-    Change(ids, TaskWishes::Stop, &DownloadWorker::Stopped);
+    Change(ids, TaskCommands::Stop, &DownloadWorker::HandleStopped);
 }
 
 void DownloadQueue::Resume(const QStringList& ids)
 {
-    Change(ids, TaskWishes::Resume, &DownloadWorker::Resumed);
+    Change(ids, TaskCommands::Resume, &DownloadWorker::HandleResumed);
 }
 
 void DownloadQueue::Redownload(const QStringList& ids)
 {
-    Change(ids, TaskWishes::Redownload, &DownloadWorker::Reset);
+    Change(ids, TaskCommands::Redownload, &DownloadWorker::HandleReset);
 }
 
-void DownloadQueue::Change(const QStringList& ids, bool (*wish)(DownloadTask& task),
-    void (DownloadWorker::*then)(const TaskIds& ids))
+void DownloadQueue::Change(const QStringList& ids, bool (*command)(DownloadTask& task),
+    void (DownloadWorker::*handle)(const TaskIds& ids))
 {
     TaskIds changed;
-    if (!Write([&] {
-            for (const DownloadTask& task : m_store->Change(m_access.owner, Known(ids), wish))
+    if (!Save([&] {
+            for (const DownloadTask& task : m_store->Change(m_access.owner, Known(ids), command))
                 changed.append(task.id);
         })
         || changed.isEmpty())
         return;
-    emit Told([changed, then](DownloadWorker* worker) { (worker->*then)(changed); });
+    m_worker->Post([changed, handle](DownloadWorker& worker) { (worker.*handle)(changed); });
 }
 
 void DownloadQueue::Remove(const QStringList& ids)
 {
     const TaskIds known = Known(ids);
     DownloadTasks removed;
-    if (known.isEmpty() || !Write([&] { removed = m_store->Remove(m_access.owner, known); }))
+    if (known.isEmpty() || !Save([&] { removed = m_store->Remove(m_access.owner, known); }))
         return;
     for (const qint64 id : known)
         m_tasks.remove(IdOf(id));
-    emit Told([removed](DownloadWorker* worker) { worker->Removed(removed); });
+    m_worker->Post([removed](DownloadWorker& worker) { worker.HandleRemoved(removed); });
     emit ListChanged();
 }
 
-/// Whatever cannot be written has not happened.
-bool DownloadQueue::Write(const std::function<void()>& work) const
+/// Changes the data on the disk. A command that cannot be saved is not carried out.
+bool DownloadQueue::Save(const std::function<void()>& change) const
 {
-    if (!m_store)
-        return false;
-    try {
-        work();
-        return true;
-    } catch (const std::exception& failure) {
-        qCritical("downloads cannot be written: %s", failure.what());
-        return false;
-    }
+    return m_store && Attempt("save a command on downloads", change);
 }
 
 TaskIds DownloadQueue::Known(const QStringList& ids) const
@@ -172,28 +163,28 @@ TaskIds DownloadQueue::Known(const QStringList& ids) const
     return known;
 }
 
-void DownloadQueue::TakeTasks(int session, const DownloadTasks& tasks)
+void DownloadQueue::HandleAdded(int session, const DownloadTasks& tasks)
 {
     if (session != m_session)
         return;
-    emit Told([](DownloadWorker* worker) { worker->LoadOn(); });
+    m_worker->Post([](DownloadWorker& worker) { worker.LoadMore(); });
     for (const DownloadTask& task : tasks)
-        m_tasks.insert(m_tasks.cend(), IdOf(task.id), EntryOf(task)); // they come in order
+        m_tasks.insert(m_tasks.cend(), IdOf(task.id), EntryOf(task)); // mostly in this order
     emit ListChanged();
 }
 
-void DownloadQueue::TakeChanges(const DownloadChanges& changes)
+void DownloadQueue::HandleChanged(const DownloadChanges& changes)
 {
     for (const DownloadChange& change : changes) {
         const auto found = m_tasks.find(IdOf(change.id));
         if (found == m_tasks.end())
             continue;
         QVariantMap task = found->toMap();
-        task[kStatus] = static_cast<int>(change.state);
-        task[kProgress] = change.progress;
-        task[kMessage] = change.message;
+        task[StatusKey] = static_cast<int>(change.state);
+        task[ProgressKey] = change.progress;
+        task[MessageKey] = change.message;
         if (!change.file.isEmpty())
-            task[kFile] = change.file;
+            task[FileKey] = change.file;
         *found = task;
     }
 }

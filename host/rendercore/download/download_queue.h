@@ -2,79 +2,71 @@
 
 #include "host/rendercore/download/download_limits.h"
 #include "host/rendercore/download/download_store.h"
+#include "host/rendercore/download/download_worker.h"
 #include "host/rendercore/farm_access.h"
+#include "host/rendercore/worker_thread.h"
 
 #include <QObject>
 #include <QStringList>
-#include <QThread>
 #include <QVariantMap>
 
 #include <functional>
 #include <memory>
 
-class DownloadWorker;
-
-using DownloadWish = std::function<void(DownloadWorker*)>;
-Q_DECLARE_METATYPE(DownloadWish)
-
-/// The files that are on their way from the farm, as the window sees them: on the GUI thread, for the account that is
-/// signed in. Whatever touches disk or network happens in a thread of its own; only what people want is written at once.
+/// The downloads of the account that is signed in, as the window sees them. Lives on the GUI thread, where it saves the
+/// user's commands; a worker thread does everything else on disk and network.
 class DownloadQueue : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param folder for the database; made when it is missing. Without a database that can be used there are no
-    /// downloads, and the log says why.
+    /// @param folder for the database; created if missing. Without a usable database there are no downloads, and the log
+    /// says why.
     explicit DownloadQueue(
         const QString& folder, const DownloadLimits& limits = {}, QObject* parent = nullptr);
 
-    /// Breaks off what is under way; it goes on from there in the next run.
+    /// Breaks off the transfers. The next queue on this folder goes on from there.
     ~DownloadQueue() override;
 
-    /// Another owner has other tasks. Without a farm that can be reached the tasks wait where they are.
+    /// Each owner has tasks of their own. Without a farm the tasks wait.
     void SetAccess(const FarmAccess& access);
 
     /// The live table by task id; see VTRenderCoreInterface::GetDownloadTasks(). Valid as long as this object. Ids are
     /// numbers of ten digits in the order of arrival.
     QVariantMap* Tasks() { return &m_tasks; }
 
-    /// Makes a task of every file of every job; see VTRenderCoreInterface::TriggerJobIdType(). The orders are on the disk
-    /// when this returns.
+    /// Makes a task of every file of every job; see VTRenderCoreInterface::TriggerJobIdType(). The orders are on the
+    /// disk when this returns.
     void Order(const QVariantMap& orders);
 
-    // Ids that are none of a task are ignored. What was wanted is on the disk when these return.
+    // Unknown ids are ignored. The commands are on the disk when these functions return.
 
-    /// Those that wait or are on their way rest until they are resumed.
+    /// Waiting and running tasks stand still until they are resumed.
     void Stop(const QStringList& ids);
-    /// Those that are stopped or have failed go on.
+    /// Stopped and failed tasks go on where they were.
     void Resume(const QStringList& ids);
-    /// From the start, whatever their state; a finished file stays until the new one is complete.
+    /// Downloads whole files again, whatever their state. A finished file stays until the new one is complete.
     void Redownload(const QStringList& ids);
-    /// Finished files stay.
+    /// Forgets tasks. Finished files stay.
     void Remove(const QStringList& ids);
 
 signals:
-    /// Tasks have come or gone.
+    /// Tasks have been added or removed.
     void ListChanged();
-    /// A file is complete and has its name. Once a file.
+    /// A file is complete and in its place. Once for each file.
     void FileFinished(const QString& file);
 
-    /// For the worker, in its thread and after what it was told before.
-    void Told(const DownloadWish& wish);
-
 private:
-    bool Write(const std::function<void()>& work) const;
-    void Change(const QStringList& ids, bool (*wish)(DownloadTask& task),
-        void (DownloadWorker::*then)(const TaskIds& ids));
+    bool Save(const std::function<void()>& change) const;
+    void Change(const QStringList& ids, bool (*command)(DownloadTask& task),
+        void (DownloadWorker::*handle)(const TaskIds& ids));
     TaskIds Known(const QStringList& ids) const;
-    void TakeTasks(int session, const DownloadTasks& tasks);
-    void TakeChanges(const DownloadChanges& changes);
+    void HandleAdded(int session, const DownloadTasks& tasks);
+    void HandleChanged(const DownloadChanges& changes);
 
     QVariantMap m_tasks;
     FarmAccess m_access;
-    int m_session = 0; // grows with each change of the owner
-    std::unique_ptr<DownloadStore> m_store;
-    DownloadWorker* m_worker = nullptr; // ends with its thread; null without a database
-    QThread m_thread;
+    int m_session = 0;                      // grows with each change of the owner
+    std::unique_ptr<DownloadStore> m_store; // null when the database cannot be used; so is the worker
+    std::unique_ptr<WorkerThread<DownloadWorker>> m_worker;
 };

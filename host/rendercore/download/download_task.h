@@ -1,59 +1,62 @@
 #pragma once
 
-#include <QMetaType>
 #include <QString>
 #include <QVector>
 
-/// As the window shows them.
+/// The numbers are the window's.
 enum class DownloadState { Waiting = 0, Downloading = 1, Finished = 2, Failed = 3, Stopped = 4 };
 
-/// A file that is to come, or has come, from the farm.
+/// One file to be downloaded from the farm.
 struct DownloadTask
 {
-    qint64 id = 0;    ///< running number; never used again
-    QString job;      ///< the farm's id of it
-    QString name;     ///< as the farm has it, harmless or not
-    QString file;     ///< where it goes, absolute
+    qint64 id = 0;    ///< running number; never reused
+    QString job;      ///< the job's id at the farm
+    QString name;     ///< the farm's name of the file; not to be trusted as a path
+    QString file;     ///< absolute path of the destination
     qint64 size = 0;  ///< in bytes
     QString checksum; ///< SHA-256 as 64 lower-case hexadecimal digits
     DownloadState state = DownloadState::Waiting;
-    int progress = 0; ///< percent
-    bool fresh
-        = false; ///< the file that is there is the task's own of before; it does not count and is replaced
+    int progress = 0;   ///< percent
+    bool fresh = false; ///< the file at the destination is this task's own earlier one and is to be replaced
     QString message;
 };
 
-/// What a task shows from now on.
+/// What the window shows of a task from now on.
 struct DownloadChange
 {
     qint64 id = 0;
     DownloadState state = DownloadState::Waiting;
-    int progress = 0;
+    int progress = 0; ///< percent
     QString message;
-    QString file; ///< where it goes from now on; empty: where it went before
+    QString file; ///< the new destination; empty when it has not changed
 };
+
+inline DownloadChange ChangeOf(const DownloadTask& task)
+{
+    return {task.id, task.state, task.progress, task.message, {}};
+}
 
 /// A file as the farm lists it.
 struct FarmFile
 {
     QString name;
-    qint64 size = 0;
+    qint64 size = 0; ///< in bytes
     QString checksum;
 };
 
-/// The wish to have the files of a job.
+/// A request to download a job's files.
 struct DownloadOrder
 {
     enum Kind {
-        Automatic = 0, ///< counts once for a job
-        Manual = 1,    ///< also brings back what was stopped, has failed or is damaged
-        Renewal = 2    ///< only brings waiting tasks up to date, after the farm has changed their files
+        Automatic = 0, ///< counts only once for each job
+        Manual = 1,    ///< also brings back files that are stopped, failed or damaged
+        Renewal = 2    ///< only updates waiting tasks, after the farm has changed their files
     };
 
     QString job;
-    QString subDir; ///< as it came, harmless or not
+    QString subDir; ///< the window's name for the job's folder; not to be trusted as a path
     Kind kind = Automatic;
-    qint64 serial = 0; ///< tells whether the order was given anew since it was read
+    qint64 serial = 0; ///< changes whenever the order is given again
 };
 
 using DownloadTasks = QVector<DownloadTask>;
@@ -61,6 +64,3 @@ using DownloadChanges = QVector<DownloadChange>;
 using FarmFiles = QVector<FarmFile>;
 using DownloadOrders = QVector<DownloadOrder>;
 using TaskIds = QVector<qint64>;
-
-Q_DECLARE_METATYPE(DownloadTask)
-Q_DECLARE_METATYPE(DownloadChange)

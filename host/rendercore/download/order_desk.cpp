@@ -1,7 +1,7 @@
 #include "host/rendercore/download/order_desk.h"
 
 #include "host/farmclient/http_call.h"
-#include "host/rendercore/download/download_store.h"
+#include "host/rendercore/attempt.h"
 #include "storage/durable_file.h"
 
 #include <QJsonArray>
@@ -11,10 +11,9 @@
 
 namespace {
 
-constexpr double largestSize = 1LL << 50;
-constexpr int mostDoublings = 10;
+constexpr double LargestSize = 1LL << 50; // bytes
 
-/// What is no file with a name, a size and a checksum is left out.
+/// Entries without a name, a valid size or a checksum are left out.
 FarmFiles FilesOf(const QJsonObject& answer)
 {
     FarmFiles files;
@@ -25,13 +24,14 @@ FarmFiles FilesOf(const QJsonObject& answer)
         const QJsonObject object = entry.toObject();
         const double size = object.value(QLatin1String("size")).toDouble(-1);
         const FarmFile file {object.value(QLatin1String("name")).toString(),
-            static_cast<qint64>(std::clamp(size, -1.0, largestSize)),
+            static_cast<qint64>(std::clamp(size, -1.0, LargestSize)),
             object.value(QLatin1String("checksum")).toString()};
-        if (!file.name.isEmpty() && size >= 0 && size < largestSize && storage::IsChecksum(file.checksum))
+        if (!file.name.isEmpty() && size >= 0 && size < LargestSize && storage::IsChecksum(file.checksum))
             files.append(file);
     }
     if (files.size() < list.size())
-        qWarning("%d entries of a list of files cannot be read", list.size() - files.size());
+        qWarning(
+            "the farm lists %d files without a valid name, size or checksum", list.size() - files.size());
     return files;
 }
 
@@ -47,9 +47,10 @@ OrderDesk::OrderDesk(DownloadStore* store, HttpTransport* transport, const Downl
     : m_store(store)
     , m_transport(transport)
     , m_limits(limits)
+    , m_backoff(limits.firstPause, limits.longestPause)
 {
     m_pause.setSingleShot(true);
-    connect(&m_pause, &QTimer::timeout, this, &OrderDesk::Look);
+    connect(&m_pause, &QTimer::timeout, this, &OrderDesk::AskForOpenOrders);
 }
 
 OrderDesk::~OrderDesk() = default;
@@ -59,35 +60,27 @@ void OrderDesk::SetAccess(const FarmAccess& access)
     m_access = access;
     m_calls = std::make_unique<QObject>();
     m_asked.clear();
-    m_failures = 0;
-    m_pause.start(0);
+    m_backoff.Reset();
+    RetryNow();
 }
 
-void OrderDesk::Hurry()
+void OrderDesk::RetryNow()
 {
     m_pause.start(0);
 }
 
-void OrderDesk::GoOn()
-{
-    m_failures = 0;
-    m_pause.start(0);
-}
-
-void OrderDesk::Look()
+void OrderDesk::AskForOpenOrders()
 {
     if (!m_access.IsOpen() || m_asked.size() >= m_limits.lists)
         return;
-    // Those that are asked about already may be among them.
-    try {
-        const DownloadOrders orders = m_store->OpenOrders(m_access.owner, 2 * m_limits.lists);
-        for (const DownloadOrder& order : orders) {
-            if (m_asked.size() < m_limits.lists && !m_asked.contains(order.job))
-                Ask(order);
-        }
-    } catch (const std::exception& failure) {
-        qWarning("the orders of downloads cannot be read: %s", failure.what());
+    // Twice as many as are needed, since some may have been asked for already.
+    DownloadOrders orders;
+    if (!Attempt("read the download orders",
+            [&] { orders = m_store->OpenOrders(m_access.owner, 2 * m_limits.lists); }))
         m_pause.start(m_limits.longestPause);
+    for (const DownloadOrder& order : qAsConst(orders)) {
+        if (m_asked.size() < m_limits.lists && !m_asked.contains(order.job))
+            Ask(order);
     }
 }
 
@@ -99,30 +92,53 @@ void OrderDesk::Ask(const DownloadOrder& order)
     request.target = "/jobs/" + QUrl::toPercentEncoding(order.job) + "/files";
     request.token = m_access.token.toUtf8();
     connect(m_transport->Send(request, m_calls.get()), &HttpCall::Finished, this,
-        [this, order](const HttpResult& result) { Take(order, result); });
+        [this, order](const HttpResult& result) { HandleAnswer(order, result); });
 }
 
-void OrderDesk::Take(const DownloadOrder& order, const HttpResult& result)
+void OrderDesk::HandleAnswer(const DownloadOrder& order, const HttpResult& result)
 {
     m_asked.remove(order.job);
-    if (IsList(result)) {
-        emit Listed(order, FilesOf(result.json));
-    } else if (result.status == 401) {
+    if (IsList(result))
+        Apply(order, FilesOf(result.json));
+    else if (result.status == 401)
         emit SignedOut();
-    } else if (result.status == HttpResult::TooLarge || (result.status >= 400 && !IsPassing(result.status))) {
-        emit Refused(order, result.error);
-    } else {
+    else if (result.status == HttpResult::TooLarge || (result.status >= 400 && !IsPassing(result.status)))
+        Close(order, result.error);
+    else
         Postpone(order);
-    }
 }
 
+void OrderDesk::Apply(const DownloadOrder& order, const FarmFiles& files)
+{
+    OrderOutcome outcome;
+    if (!Attempt("add downloads",
+            [&] { outcome = m_store->Apply(m_access.owner, order, files, m_access.folder); })) {
+        Postpone(order);
+        return;
+    }
+    m_backoff.Reset();
+    RetryNow();
+    if (files.isEmpty() && order.kind == DownloadOrder::Manual)
+        qInfo("job %s has no files to download yet", qUtf8Printable(order.job));
+    emit Applied(order, outcome);
+}
+
+void OrderDesk::Close(const DownloadOrder& order, const QString& reason)
+{
+    qWarning(
+        "the farm does not list the files of job %s: %s", qUtf8Printable(order.job), qUtf8Printable(reason));
+    if (!Attempt("close a download order", [&] { m_store->CloseOrder(m_access.owner, order); })) {
+        Postpone(order);
+        return;
+    }
+    m_backoff.Reset();
+    RetryNow();
+    emit Refused(order);
+}
+
+/// Lets the other orders go first.
 void OrderDesk::Postpone(const DownloadOrder& order)
 {
-    try {
-        m_store->PostponeOrder(m_access.owner, order.job);
-    } catch (const std::exception& failure) {
-        qWarning("an order of downloads cannot be put off: %s", failure.what());
-    }
-    const qint64 pause = static_cast<qint64>(m_limits.firstPause) << std::min(m_failures++, mostDoublings);
-    m_pause.start(static_cast<int>(std::min<qint64>(pause, m_limits.longestPause)));
+    Attempt("postpone a download order", [&] { m_store->PostponeOrder(m_access.owner, order.job); });
+    m_pause.start(m_backoff.Fail());
 }

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "host/farmclient/backoff.h"
 #include "host/rendercore/download/download_limits.h"
-#include "host/rendercore/download/download_task.h"
+#include "host/rendercore/download/download_store.h"
 #include "host/rendercore/farm_access.h"
 
 #include <QObject>
@@ -10,9 +11,7 @@
 
 #include <memory>
 
-class DownloadStore;
-
-/// Asks the farm for the files of the jobs that were ordered, as long as it takes.
+/// Asks the farm for the files of the jobs that were ordered, until each order is answered, and makes tasks of them.
 class OrderDesk : public QObject
 {
     Q_OBJECT
@@ -22,36 +21,36 @@ public:
     OrderDesk(DownloadStore* store, HttpTransport* transport, const DownloadLimits& limits);
     ~OrderDesk() override;
 
-    /// Questions on their way are dropped; those that are open are asked anew.
+    /// Drops the requests that are under way and starts again with the orders of the new owner.
     void SetAccess(const FarmAccess& access);
 
-    // An order that was listed or refused is answered with one of these.
+    /// @param folder for the files of orders that are answered from now on.
+    void SetFolder(const QString& folder) { m_access.folder = folder; }
 
-    /// It is done with.
-    void GoOn();
-    /// It cannot be done with now; it is asked about again after a pause, which grows with each failure.
-    void Postpone(const DownloadOrder& order);
-
-    /// There are orders; they are asked about even if the last failure is not long ago.
-    void Hurry();
+    /// Asks for open orders at once, even after a failure.
+    void RetryNow();
 
 signals:
-    void Listed(const DownloadOrder& order, const FarmFiles& files);
-    /// The farm refuses the list for good, in a sentence of its own.
-    void Refused(const DownloadOrder& order, const QString& reason);
+    /// The order is answered and on the disk.
+    void Applied(const DownloadOrder& order, const OrderOutcome& outcome);
+    /// The farm refuses the order for good.
+    void Refused(const DownloadOrder& order);
     void SignedOut();
 
 private:
-    void Look();
+    void AskForOpenOrders();
     void Ask(const DownloadOrder& order);
-    void Take(const DownloadOrder& order, const HttpResult& result);
+    void HandleAnswer(const DownloadOrder& order, const HttpResult& result);
+    void Apply(const DownloadOrder& order, const FarmFiles& files);
+    void Close(const DownloadOrder& order, const QString& reason);
+    void Postpone(const DownloadOrder& order);
 
     DownloadStore* m_store;
     HttpTransport* m_transport;
     DownloadLimits m_limits;
     FarmAccess m_access;
-    std::unique_ptr<QObject> m_calls; // owns the calls of this access
-    QSet<QString> m_asked;            // jobs
+    std::unique_ptr<QObject> m_calls; // owns the requests under way
+    QSet<QString> m_asked;            // jobs of the requests under way
+    Backoff m_backoff;
     QTimer m_pause;
-    int m_failures = 0;
 };

@@ -4,56 +4,49 @@
 
 namespace {
 
-constexpr int longestAsked = 3600 * 1000;
-constexpr int mostDoublings = 20;
+constexpr int LongestAsked = 3600 * 1000; // ms
 
 } // namespace
 
-TransferSchedule::TransferSchedule(int firstPause, int longestPause, int patience)
-    : m_firstPause(firstPause)
-    , m_longestPause(longestPause)
+TransferSchedule::TransferSchedule(const Backoff& backoff, int patience)
+    : m_backoff(backoff)
     , m_patience(patience)
 {
-    m_clock.start();
 }
 
 void TransferSchedule::Clear()
 {
-    m_due.clear();
-    m_dueAt.clear();
-    m_queue.clear();
-    m_failures.clear();
-    m_failuresInARow = 0;
-    m_restEnd = 0;
+    *this = TransferSchedule(m_backoff, m_patience);
 }
 
-void TransferSchedule::Hurry(qint64 id)
+void TransferSchedule::RetryNow(qint64 id)
 {
     Forget(id);
     m_due.insert(id);
-    EndRest();
+    EndPause();
 }
 
-int TransferSchedule::Postpone(qint64 id, int atLeast)
+int TransferSchedule::Postpone(qint64 id, int atLeast, qint64 now)
 {
+    const int asked = std::min(atLeast, LongestAsked);
     const int failures = m_failures[id] + 1;
-    const int pause = std::max(Pause(failures), std::min(atLeast, longestAsked));
-    const qint64 now = m_clock.elapsed();
+    const int pause = std::max(m_backoff.PauseAfter(failures), asked);
     Forget(id);
     m_failures[id] = failures;
     m_dueAt[id] = now + pause;
     m_queue.insert({now + pause, id});
-    if (++m_failuresInARow >= m_patience || atLeast > 0)
-        m_restEnd = std::max(m_restEnd,
-            now + std::max(Pause(1 + m_failuresInARow / m_patience), std::min(atLeast, longestAsked)));
+    if (++m_failuresInARow >= m_patience || asked > 0) {
+        const int rounds = 1 + m_failuresInARow / m_patience;
+        m_pausedUntil = std::max(m_pausedUntil, now + std::max(m_backoff.PauseAfter(rounds), asked));
+    }
     return pause;
 }
 
-void TransferSchedule::Advanced(qint64 id)
+void TransferSchedule::RecordProgress(qint64 id)
 {
     m_failures.erase(id);
     m_failuresInARow = 0;
-    m_restEnd = 0;
+    EndPause();
 }
 
 void TransferSchedule::Forget(qint64 id)
@@ -67,9 +60,8 @@ void TransferSchedule::Forget(qint64 id)
     m_dueAt.erase(due);
 }
 
-std::optional<qint64> TransferSchedule::TakeDue()
+std::optional<qint64> TransferSchedule::NextDue(qint64 now)
 {
-    const qint64 now = m_clock.elapsed();
     while (!m_queue.empty() && m_queue.begin()->first <= now) {
         const qint64 id = m_queue.begin()->second;
         m_queue.erase(m_queue.begin());
@@ -83,20 +75,13 @@ std::optional<qint64> TransferSchedule::TakeDue()
     return id;
 }
 
-std::optional<int> TransferSchedule::Wait() const
+std::optional<int> TransferSchedule::Wait(qint64 now) const
 {
-    const qint64 now = m_clock.elapsed();
-    if (m_restEnd > now)
-        return static_cast<int>(m_restEnd - now);
+    if (IsPaused(now))
+        return static_cast<int>(m_pausedUntil - now);
     if (!m_due.empty())
         return 0;
     if (m_queue.empty())
         return std::nullopt;
     return static_cast<int>(std::max<qint64>(0, m_queue.begin()->first - now));
-}
-
-int TransferSchedule::Pause(int failures) const
-{
-    const qint64 pause = static_cast<qint64>(m_firstPause) << std::min(failures - 1, mostDoublings);
-    return static_cast<int>(std::min<qint64>(pause, m_longestPause));
 }

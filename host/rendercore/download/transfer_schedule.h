@@ -1,58 +1,55 @@
 #pragma once
 
-#include <QElapsedTimer>
+#include "host/farmclient/backoff.h"
+
+#include <QtGlobal>
 
 #include <map>
 #include <optional>
 #include <set>
 #include <utility>
 
-/// When the tasks that did not simply wait for their turn are tried (again). Times in milliseconds.
+/// Decides when the tasks are tried that have failed before or are to go first. Pure logic: all times are in
+/// milliseconds, `now` since any fixed moment.
 class TransferSchedule
 {
 public:
-    /// @param firstPause after a failure; doubled after each further one up to `longestPause`.
-    /// @param patience failures in a row, of whatever tasks, before everything rests.
-    TransferSchedule(int firstPause, int longestPause, int patience);
+    /// @param backoff the pauses after failures.
+    /// @param patience failures in a row, of whatever tasks, before all transfers pause.
+    TransferSchedule(const Backoff& backoff, int patience);
 
     void Clear();
 
-    /// The task may go on at once.
-    void Hurry(qint64 id);
+    /// The task may go on at once, and a pause of all transfers ends.
+    void RetryNow(qint64 id);
 
-    /// The task has failed for now and is tried again later.
-    /// @param atLeast the pause that the farm asked for, followed up to an hour; 0 for none.
+    /// The task has failed and is tried again later.
+    /// @param atLeast the pause that the farm asks for, followed up to an hour; it then applies to all transfers.
     /// @return the pause.
-    int Postpone(qint64 id, int atLeast);
+    int Postpone(qint64 id, int atLeast, qint64 now);
 
-    /// The task got bytes: its next failure, or that of others, is a first one.
-    void Advanced(qint64 id);
+    /// The task receives data: the next failure is a first one again, and a pause of all transfers ends.
+    void RecordProgress(qint64 id);
 
     void Forget(qint64 id);
 
-    /// There is something new to try.
-    void EndRest() { m_restEnd = 0; }
+    /// Ends a pause of all transfers.
+    void EndPause() { m_pausedUntil = 0; }
+    bool IsPaused(qint64 now) const { return now < m_pausedUntil; }
 
-    /// Whether nothing at all should be tried for now.
-    bool IsResting() const { return m_clock.elapsed() < m_restEnd; }
+    /// Removes and returns a task that is due, the lowest id first.
+    std::optional<qint64> NextDue(qint64 now);
 
-    /// Hands out a task whose time has come, lower numbers first.
-    std::optional<qint64> TakeDue();
-
-    /// How long until a task's time has come or the rest is over; nothing when there is nothing to wait for.
-    std::optional<int> Wait() const;
+    /// The time until a task is due or the pause ends; none when the schedule is empty.
+    std::optional<int> Wait(qint64 now) const;
 
 private:
-    int Pause(int failures) const;
-
-    int m_firstPause;
-    int m_longestPause;
+    Backoff m_backoff; // for its pauses; the failures are counted here
     int m_patience;
-    QElapsedTimer m_clock;
     std::set<qint64> m_due;
     std::map<qint64, qint64> m_dueAt;            // by task
     std::set<std::pair<qint64, qint64>> m_queue; // the same by time
     std::map<qint64, int> m_failures;            // by task
     int m_failuresInARow = 0;
-    qint64 m_restEnd = 0;
+    qint64 m_pausedUntil = 0;
 };

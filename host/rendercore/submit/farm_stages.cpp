@@ -1,8 +1,8 @@
 #include "host/rendercore/submit/farm_stages.h"
 
 #include "host/rendercore/submit/job_body.h"
-#include "host/rendercore/submit/local_stages.h"
 #include "host/rendercore/submit/submit_text.h"
+#include "host/rendercore/submit/task_packages.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -35,14 +35,14 @@ bool IsStatus(const std::optional<HttpResult>& result, int status)
 
 } // namespace
 
-StageOutcome FarmStages::Run(const StageOrder& order, const StageProgress& onProgress)
+StageOutcome FarmStages::Run(const StageRequest& request, const StageProgress& onProgress)
 {
-    m_order = &order;
+    m_request = &request;
     m_onProgress = &onProgress;
     m_outcome = {};
-    m_outcome.work = order.task.work;
-    m_farm.Begin(order.access, order.interrupted);
-    switch (order.task.next) {
+    m_outcome.work = request.task.work;
+    m_farm.Begin(request.access, request.interrupted);
+    switch (request.task.next) {
     case SubmitStage::Upload:
         UploadAll();
         break;
@@ -94,7 +94,8 @@ void FarmStages::UploadAll()
         PackedFile& file = m_outcome.work.files[index];
         if (file.isWanted && file.isSent)
             meter.Skip(file.packageSize);
-        else if (file.isWanted && !SendPackage(file, PackagePath(m_order->folder, index), meter, moved))
+        else if (file.isWanted
+            && !SendPackage(file, TaskPackages::Path(m_request->folder, index), meter, moved))
             return;
         (*m_onProgress)(meter.Percent(), meter.Text());
     }
@@ -155,7 +156,7 @@ bool FarmStages::SendChunks(
         if (!ReadUpload(*result, file, upload))
             return true;
         moved += std::max<qint64>(upload.offset - before, 0);
-        m_outcome.cameForward = m_outcome.cameForward || upload.offset > before;
+        m_outcome.advanced = m_outcome.advanced || upload.offset > before;
         meter.SetMoved(moved);
     }
     file.isSent = true;
@@ -199,13 +200,13 @@ bool FarmStages::Uncompress(PackedFile& file)
     if (!isOurs)
         Refuse(file, QStringLiteral("It has changed on its way."));
     file.isWanted = !isOurs;
-    m_outcome.cameForward = m_outcome.cameForward || isOurs;
+    m_outcome.advanced = m_outcome.advanced || isOurs;
     return true;
 }
 
 void FarmStages::Submit()
 {
-    const auto result = m_farm.Post("/jobs", JobBody(m_order->task));
+    const auto result = m_farm.Post("/jobs", JobBody(m_request->task));
     if (IsStatus(result, 409)) {
         Repeat(SubmitStage::CopySame, QString::fromLatin1(SubmitText::Busy));
         return;
@@ -260,7 +261,7 @@ bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
         return true;
     const bool isAway = result->status <= 0;
     const char* const text = isAway ? SubmitText::Unreachable : SubmitText::Busy;
-    Repeat(m_order->task.next, QString::fromLatin1(isSignedOut ? SubmitText::SessionEnded : text));
+    Repeat(m_request->task.next, QString::fromLatin1(isSignedOut ? SubmitText::SessionEnded : text));
     m_outcome.retryAfter = result->retryAfter;
     if (isSignedOut)
         m_outcome.obstacle = StageOutcome::Obstacle::Session;

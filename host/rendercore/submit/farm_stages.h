@@ -9,7 +9,7 @@ class FarmStages
 {
 public:
     /// Does the order's stage, one from CopySame on.
-    StageOutcome Run(const StageOrder& order, const StageProgress& onProgress);
+    StageOutcome Run(const StageRequest& request, const StageProgress& onProgress);
 
     /// Ends the request that is under way when the order's flag is set.
     void Interrupt() { m_farm.Interrupt(); }
@@ -40,7 +40,7 @@ private:
     void Repeat(SubmitStage next, const QString& message);
 
     FarmLink m_farm;
-    const StageOrder* m_order = nullptr; // while it runs
+    const StageRequest* m_request = nullptr; // while it runs
     const StageProgress* m_onProgress = nullptr;
     StageOutcome m_outcome;
 };

@@ -5,6 +5,7 @@
 #include "host/rendercore/submit/scene_package.h"
 #include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_text.h"
+#include "host/rendercore/submit/task_packages.h"
 #include "storage/durable_file.h"
 
 #include <QDir>
@@ -19,8 +20,8 @@ namespace {
 class ByteCount
 {
 public:
-    ByteCount(const StageOrder& order, const StageProgress& onProgress, qint64 total)
-        : m_order(order)
+    ByteCount(const StageRequest& request, const StageProgress& onProgress, qint64 total)
+        : m_request(request)
         , m_onProgress(onProgress)
         , m_total(total)
     {
@@ -31,11 +32,11 @@ public:
     {
         m_done += bytes;
         m_onProgress(m_total > 0 ? static_cast<int>(std::min(m_done, m_total) * 100 / m_total) : 0, {});
-        return !*m_order.interrupted;
+        return !*m_request.interrupted;
     }
 
 private:
-    const StageOrder& m_order;
+    const StageRequest& m_request;
     const StageProgress& m_onProgress;
     qint64 m_total;
     qint64 m_done = 0;
@@ -49,10 +50,10 @@ qint64 SizeOfSources(const SubmitWork& work)
     return size;
 }
 
-StageOutcome Done(const StageOrder& order, SubmitStage next, const SubmitWork& work)
+StageOutcome Done(const StageRequest& request, SubmitStage next, const SubmitWork& work)
 {
     StageOutcome outcome;
-    if (*order.interrupted)
+    if (*request.interrupted)
         return outcome;
     outcome.kind = StageOutcome::Kind::Done;
     outcome.next = next;
@@ -82,14 +83,14 @@ auto Naming(const PackedFile& file, Work work)
 
 } // namespace
 
-StageOutcome AnalyzeStage(const StageOrder& order, const StageProgress& onProgress)
+StageOutcome AnalyzeStage(const StageRequest& request, const StageProgress& onProgress)
 {
     // How much the scene includes is not known yet; the scene itself is the greatest part of most.
-    ByteCount count(order, onProgress, QFileInfo(order.task.scene).size());
+    ByteCount count(request, onProgress, QFileInfo(request.task.scene).size());
     const SceneAnalysis analysis
-        = AnalyseScene(order.task.scene, [&count](qint64 bytes) { return count.Add(bytes); });
+        = AnalyseScene(request.task.scene, [&count](qint64 bytes) { return count.Add(bytes); });
     StageOutcome outcome;
-    if (*order.interrupted)
+    if (*request.interrupted)
         return outcome;
     if (!analysis.error.isEmpty())
         return Unusable(analysis.error);
@@ -106,49 +107,44 @@ StageOutcome AnalyzeStage(const StageOrder& order, const StageProgress& onProgre
     }
     if (AreTooManyFiles(work))
         return Unusable(QString::fromLatin1(SubmitText::TooManyFiles));
-    outcome = Done(order, SubmitStage::Compress, work);
+    outcome = Done(request, SubmitStage::Compress, work);
     outcome.arguments
         = MakeArguments(analysis.firstFrame, analysis.lastFrame, analysis.width, analysis.height);
     return outcome;
 }
 
-StageOutcome CompressStage(const StageOrder& order, const StageProgress& onProgress)
+StageOutcome CompressStage(const StageRequest& request, const StageProgress& onProgress)
 {
-    const SubmitWork& work = order.task.work;
-    if (!QDir().mkpath(order.folder))
+    const SubmitWork& work = request.task.work;
+    if (!QDir().mkpath(request.folder))
         throw std::runtime_error("The folder for packages cannot be made.");
-    ByteCount count(order, onProgress, SizeOfSources(work));
-    for (int index = 0; index < work.files.size() && !*order.interrupted; ++index) {
+    ByteCount count(request, onProgress, SizeOfSources(work));
+    for (int index = 0; index < work.files.size() && !*request.interrupted; ++index) {
         const PackedFile& file = work.files.at(index);
         const bool isPacked = Naming(file, [&] {
-            return PackFile(file.source, file.path, PackagePath(order.folder, index),
+            return PackFile(file.source, file.path, TaskPackages::Path(request.folder, index),
                 [&count](qint64 bytes) { return count.Add(bytes); });
         });
         if (!isPacked)
             break;
     }
-    return Done(order, SubmitStage::Checksum, work);
+    return Done(request, SubmitStage::Checksum, work);
 }
 
-StageOutcome ChecksumStage(const StageOrder& order, const StageProgress& onProgress)
+StageOutcome ChecksumStage(const StageRequest& request, const StageProgress& onProgress)
 {
-    SubmitWork work = order.task.work;
-    ByteCount count(order, onProgress, SizeOfSources(work));
-    for (int index = 0; index < work.files.size() && !*order.interrupted; ++index) {
+    SubmitWork work = request.task.work;
+    ByteCount count(request, onProgress, SizeOfSources(work));
+    for (int index = 0; index < work.files.size() && !*request.interrupted; ++index) {
         PackedFile& file = work.files[index];
-        const QString package = PackagePath(order.folder, index);
+        const QString package = TaskPackages::Path(request.folder, index);
         // Of what was packed: the file itself may have changed since.
         Naming(file, [&] {
             file.checksum = PackedChecksum(package, [&count](qint64 bytes) { return count.Add(bytes); });
             file.packageChecksum
-                = storage::FileChecksum(package, [&order](qint64) { return !*order.interrupted; });
+                = storage::FileChecksum(package, [&request](qint64) { return !*request.interrupted; });
         });
         file.packageSize = QFileInfo(package).size();
     }
-    return Done(order, SubmitStage::CopySame, work);
-}
-
-QString PackagePath(const QString& folder, int file)
-{
-    return QStringLiteral("%1/%2.zip").arg(folder).arg(file, 4, 10, QLatin1Char('0'));
+    return Done(request, SubmitStage::CopySame, work);
 }

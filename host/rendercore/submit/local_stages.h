@@ -5,9 +5,6 @@
 // The stages that need no farm. Each takes the time that it takes and looks at the order's flag in between.
 // They throw std::runtime_error, with an English sentence, when files cannot be read or written.
 
-StageOutcome AnalyzeStage(const StageOrder& order, const StageProgress& onProgress);
-StageOutcome CompressStage(const StageOrder& order, const StageProgress& onProgress);
-StageOutcome ChecksumStage(const StageOrder& order, const StageProgress& onProgress);
-
-/// Where the package of the file with this index lies.
-QString PackagePath(const QString& folder, int file);
+StageOutcome AnalyzeStage(const StageRequest& request, const StageProgress& onProgress);
+StageOutcome CompressStage(const StageRequest& request, const StageProgress& onProgress);
+StageOutcome ChecksumStage(const StageRequest& request, const StageProgress& onProgress);

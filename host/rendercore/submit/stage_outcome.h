@@ -7,49 +7,47 @@
 #include <functional>
 #include <memory>
 
-/// Set from the GUI thread to end a stage early.
+/// The GUI thread sets it to end a stage early.
 using InterruptFlag = std::shared_ptr<std::atomic<bool>>;
 
-/// One stage of one task, to be done now.
-struct StageOrder
+/// A command to run one stage of one task.
+struct StageRequest
 {
-    SubmitTask task; ///< as it is now; its `next` is the stage
+    SubmitTask task; ///< a copy of the task as it is now; its `next` is the stage to run
     FarmAccess access;
     QString folder; ///< for the task's packages
     InterruptFlag interrupted;
 };
 
-/// What became of it.
+/// How a stage ended.
 struct StageOutcome
 {
     enum class Kind {
         Done,
         Interrupted,
-        TryAgain, ///< the farm cannot just now
+        TryAgain, ///< the farm cannot do it at the moment
         Failed
     };
 
-    /// What it takes to try again.
+    /// Why a stage has to be tried again.
     enum class Obstacle {
-        Request, ///< the farm answers, but cannot do this
-        Farm,    ///< it cannot be reached or wants to be left alone
-        Session  ///< it does not know who asks
+        Request, ///< the farm answers, but cannot fulfil this request
+        Farm,    ///< the farm cannot be reached, or asks to be left alone
+        Session  ///< the farm does not know the session
     };
 
     Kind kind = Kind::Interrupted;
-    SubmitStage stage = SubmitStage::Wait; ///< that it is the outcome of
-    SubmitStage next = SubmitStage::Wait;  ///< to go on with; not after Failed
-    bool cameForward = false;              ///< the farm has more of the task than before
-    Obstacle obstacle = Obstacle::Request; ///< of TryAgain
-    int retryAfter = 0;                    ///< seconds that the farm asks for
+    SubmitStage stage = SubmitStage::Wait; ///< the stage that ended
+    SubmitStage next = SubmitStage::Wait;  ///< the stage to run next; unused after a failure
+    bool advanced = false;                 ///< the farm has received more of the task than before
+    Obstacle obstacle = Obstacle::Request; ///< set for TryAgain
+    int retryAfter = 0;                    ///< seconds that the farm asks to wait
     SubmitError error = SubmitError::None;
-    QString message; ///< of a failure or a wait; of the last stage, the job's running number
+    QString message; ///< the reason for a failure or a wait; after the last stage, the number of the new job
     SubmitWork work;
-    QVariantList arguments; ///< of the analysis
-    QStringList refused;    ///< files that could not be sent
+    QVariantList arguments; ///< the scene's own, set by the analysis
+    QStringList refused;    ///< files that could not be uploaded
 };
 
-/// Tells how far the stage is, in percent, with a text about the upload where it is one.
+/// Reports the stage's progress in percent; the text describes an upload and is empty otherwise.
 using StageProgress = std::function<void(int percent, const QString& text)>;
-
-Q_DECLARE_METATYPE(StageOutcome)

@@ -1,132 +1,59 @@
 #include "host/rendercore/submit/submit_queue.h"
 
-#include "host/rendercore/submit/local_stages.h"
+#include "host/rendercore/attempt.h"
 #include "host/rendercore/submit/scene_analysis.h"
 #include "host/rendercore/submit/submit_arguments.h"
+#include "host/rendercore/submit/submit_rules.h"
 #include "host/rendercore/submit/submit_text.h"
+#include "host/rendercore/submit/task_packages.h"
 
 #include <QDebug>
 #include <QDir>
 #include <QFileInfo>
 
-#include <algorithm>
-
-namespace {
-
-/// Whether every package is as long as it was when it was made.
-bool ArePackagesThere(const SubmitTask& task, const QString& folder)
-{
-    if (!task.work.IsPacked())
-        return false;
-    for (int index = 0; index < task.work.files.size(); ++index) {
-        const QFileInfo package(PackagePath(folder, index));
-        if (!package.isFile() || package.size() != task.work.files.at(index).packageSize)
-            return false;
-    }
-    return true;
-}
-
-} // namespace
-
 SubmitQueue::SubmitQueue(const QString& folder, QObject* parent)
     : QObject(parent)
-    , m_folder(folder)
-    , m_worker(new SubmitWorker)
+    , m_packages(QDir(folder).filePath(QStringLiteral("submit")))
+    , m_worker(
+          QStringLiteral("submissions"), [] { return std::make_unique<SubmitWorker>(); },
+          QThread::LowPriority)
 {
-    qRegisterMetaType<StageOutcome>();
-    qRegisterMetaType<WorkerErrand>();
+    m_clock.start();
     m_pause.setSingleShot(true);
     connect(&m_pause, &QTimer::timeout, this, &SubmitQueue::Advance);
-    connect(&m_thread, &QThread::finished, m_worker, &QObject::deleteLater);
-    connect(this, &SubmitQueue::Ordered, m_worker, &SubmitWorker::Do, Qt::QueuedConnection);
-    connect(m_worker, &SubmitWorker::Progress, this, &SubmitQueue::ShowProgress);
-    connect(m_worker, &SubmitWorker::Ended, this, &SubmitQueue::TakeOutcome);
-    m_worker->moveToThread(&m_thread);
-    m_thread.setObjectName(QStringLiteral("submissions"));
-    m_thread.start(QThread::LowPriority);
-
-    QDir().mkpath(m_folder);
-    try {
-        m_store
-            = std::make_unique<SubmitStore>(QDir(m_folder).filePath(QStringLiteral("submissions.sqlite")));
-        emit Ordered(
-            [packages = QDir(m_folder).filePath(QStringLiteral("submit")), numbers = m_store->Numbers()](
-                SubmitWorker&) { SubmitWorker::Sweep(packages, numbers); });
-    } catch (const std::exception& failure) {
-        m_store.reset();
-        qCritical() << "the list of submissions cannot be used:" << failure.what();
-    }
+    QDir().mkpath(folder);
+    Attempt("use the list of submissions", [this, &folder] {
+        m_store = std::make_unique<SubmitStore>(QDir(folder).filePath(QStringLiteral("submissions.sqlite")));
+        m_worker.Post([packages = m_packages, tasks = m_store->Numbers()](
+                          const SubmitWorker&) { TaskPackages::Sweep(packages, tasks); });
+    });
 }
 
 SubmitQueue::~SubmitQueue()
 {
     Interrupt();
-    m_thread.quit();
-    m_thread.wait();
 }
 
-const SubmitTask* SubmitQueue::Task(const QString& id) const
+/// Changes the data on the disk; false when that fails.
+bool SubmitQueue::Save(const std::function<void(SubmitStore&)>& change)
 {
-    const auto task = m_tasks.find(m_numbers.value(id));
-    return task == m_tasks.end() ? nullptr : &task->second;
+    return m_store && Attempt("save a submission", [&] { change(*m_store); });
 }
 
-SubmitTask* SubmitQueue::Find(const QString& id)
+bool SubmitQueue::ArePackagesThere(const SubmitTask& task) const
 {
-    return Find(m_numbers.value(id));
-}
-
-SubmitTask* SubmitQueue::Find(qint64 number)
-{
-    const auto task = m_tasks.find(number);
-    return task == m_tasks.end() ? nullptr : &task->second;
-}
-
-SubmitTask& SubmitQueue::Insert(const SubmitTask& task)
-{
-    m_ids.append(task.id);
-    m_numbers.insert(task.id, task.number);
-    if (task.IsRunnable())
-        m_runnable.insert(task.number);
-    return m_tasks[task.number] = task;
-}
-
-void SubmitQueue::Erase(qint64 number)
-{
-    const QString id = m_tasks.at(number).id;
-    m_ids.removeOne(id);
-    m_numbers.remove(id);
-    m_runnable.erase(number);
-    m_tasks.erase(number);
-}
-
-QString SubmitQueue::PackageFolder(qint64 number) const
-{
-    return QStringLiteral("%1/submit/%2").arg(m_folder).arg(number);
-}
-
-/// Changes what is on the disk. False, and nothing changed, where that fails.
-bool SubmitQueue::Keep(const std::function<void(SubmitStore&)>& change)
-{
-    try {
-        if (m_store) {
-            change(*m_store);
-            return true;
-        }
-    } catch (const std::exception& failure) {
-        qCritical() << "a submission cannot be saved:" << failure.what();
-    }
-    return false;
+    return TaskPackages::AreThere(TaskPackages::Folder(m_packages, task.number), task.work);
 }
 
 void SubmitQueue::SetAccess(const FarmAccess& access)
 {
+    // The token of a session that has ended may be set again before the client has signed out.
     const bool isEnded = !m_endedToken.isEmpty() && access.token == m_endedToken;
     const bool isOtherOwner = m_access.owner != (isEnded ? QString() : access.owner);
     const bool isSame = access.apiRoot == m_access.apiRoot && access.token == m_access.token;
     if (isOtherOwner)
         EndSession();
-    else if (!isSame && NeedsFarm(m_runningStage))
+    else if (!isSame && m_run && NeedsFarm(m_run->stage))
         Interrupt();
     m_access = access;
     if (isEnded) {
@@ -134,11 +61,7 @@ void SubmitQueue::SetAccess(const FarmAccess& access)
         return;
     }
     m_endedToken.clear();
-    m_isSignedOut = false;
-    m_farmPauses = 0;
-    m_farmPause = {};
-    for (const qint64 number : m_runnable)
-        m_tasks.at(number).notBefore = {};
+    m_turns.SetFarm(access.IsOpen());
     if (isOtherOwner && !access.owner.isEmpty())
         Load();
     Advance();
@@ -147,15 +70,9 @@ void SubmitQueue::SetAccess(const FarmAccess& access)
 void SubmitQueue::Load()
 {
     QVector<SubmitTask> tasks;
-    Keep([&](SubmitStore& store) { tasks = store.Load(m_access.owner); });
+    Save([&](SubmitStore& store) { tasks = store.Load(m_access.owner); });
     for (SubmitTask& task : tasks) {
-        task.progress = task.isDone ? 100 : 0;
-        // Where the farm could not unpack them, what was packed is of no use.
-        const bool isSpoilt
-            = task.error == SubmitError::UploadRefused && task.stage == SubmitStage::Uncompress;
-        if (!task.isDone && !isSpoilt && AreArguments(task.arguments)
-            && ArePackagesThere(task, PackageFolder(task.number)))
-            task.next = SubmitStage::CopySame;
+        SubmitRules::Restore(task, ArePackagesThere(task));
         Insert(task);
     }
     if (tasks.isEmpty())
@@ -165,14 +82,28 @@ void SubmitQueue::Load()
         Ask(task);
 }
 
-/// Asks the user what the task waits to know.
+void SubmitQueue::Insert(const SubmitTask& task)
+{
+    m_tasks.Insert(task);
+    if (task.IsRunnable())
+        m_turns.Add(task.number);
+}
+
+/// Asks the user the question that the task waits for.
 void SubmitQueue::Ask(const SubmitTask& task)
 {
+    // Copies, since a receiver may remove the task.
     const QString id = task.id;
-    if (task.error == SubmitError::UploadRefused)
+    switch (SubmitRules::QuestionOf(task)) {
+    case SubmitRules::Question::RetryUpload:
         emit UploadFailed(id, QStringList(task.refused));
-    else if (task.error == SubmitError::AwaitsUser && task.stage == SubmitStage::CopySame)
+        break;
+    case SubmitRules::Question::AcceptMissingFiles:
         emit TexturesLacking(id, QStringList(task.work.missing));
+        break;
+    case SubmitRules::Question::None:
+        break;
+    }
 }
 
 bool SubmitQueue::Submit(const QString& scene)
@@ -182,7 +113,7 @@ bool SubmitQueue::Submit(const QString& scene)
         return false;
     SubmitTask task;
     const QString path = QDir::cleanPath(file.absoluteFilePath());
-    if (!Keep([&](SubmitStore& store) { task = store.Add(m_access.owner, path); }))
+    if (!Save([&](SubmitStore& store) { task = store.Add(m_access.owner, path); }))
         return false;
     Insert(task);
     emit ListChanged();
@@ -192,23 +123,23 @@ bool SubmitQueue::Submit(const QString& scene)
 
 void SubmitQueue::Remove(const QStringList& ids)
 {
-    QVector<qint64> numbers;
+    QSet<qint64> numbers;
     for (const QString& id : ids) {
-        if (m_numbers.contains(id))
-            numbers.append(m_numbers.value(id));
+        if (const SubmitTask* task = m_tasks.Find(id))
+            numbers.insert(task->number);
     }
-    if (numbers.isEmpty() || !Keep([&numbers](SubmitStore& store) { store.Remove(numbers); }))
+    const QVector<qint64> list(numbers.cbegin(), numbers.cend());
+    if (numbers.isEmpty() || !Save([&list](SubmitStore& store) { store.Remove(list); }))
         return;
-    for (const qint64 number : qAsConst(numbers)) {
-        if (!Find(number))
-            continue; // named twice
-        if (number == m_turn && m_run) {
-            m_discardAfterRun = true;
+    for (const qint64 number : list) {
+        if (m_run && number == m_run->task) {
+            m_run->discardAfterwards = true;
             Interrupt();
         } else {
             Discard(number);
         }
-        Erase(number);
+        m_turns.Remove(number);
+        m_tasks.Erase(number);
     }
     emit ListChanged();
     Advance();
@@ -219,17 +150,15 @@ void SubmitQueue::EndSession()
     Interrupt();
     m_pause.stop();
     QVector<qint64> done;
-    for (const auto& [number, task] : m_tasks) {
+    for (const auto& [number, task] : m_tasks.All()) {
         if (task.isDone)
             done.append(number);
     }
     if (!done.isEmpty())
-        Keep([&done](SubmitStore& store) { store.Remove(done); });
-    const bool hadTasks = !m_ids.isEmpty();
-    m_ids.clear();
-    m_numbers.clear();
-    m_tasks.clear();
-    m_runnable.clear();
+        Save([&done](SubmitStore& store) { store.Remove(done); });
+    const bool hadTasks = !m_tasks.Ids().isEmpty();
+    m_tasks.Clear();
+    m_turns.Clear();
     m_endedToken = m_access.token;
     m_access.owner.clear();
     if (hadTasks)
@@ -239,76 +168,70 @@ void SubmitQueue::EndSession()
 void SubmitQueue::StopAll()
 {
     QVector<const SubmitTask*> stopped;
-    for (auto& [number, task] : m_tasks) {
+    for (auto& [number, task] : m_tasks.All()) {
         if (!task.IsRunnable() && task.error != SubmitError::AwaitsUser)
             continue;
-        SetError(task, SubmitError::Stopped, QString::fromLatin1(SubmitText::Stopped));
+        SubmitRules::Halt(task, SubmitError::Stopped, QString::fromLatin1(SubmitText::Stopped));
+        m_turns.Remove(number);
         stopped.append(&task);
     }
-    Keep([&stopped](SubmitStore& store) { store.SaveAll(stopped); });
+    Save([&stopped](SubmitStore& store) { store.SaveAll(stopped); });
     Interrupt();
 }
 
 void SubmitQueue::ResumeAll()
 {
     QVector<const SubmitTask*> resumed;
-    for (auto& [number, task] : m_tasks) {
+    for (auto& [number, task] : m_tasks.All()) {
         if (task.error != SubmitError::Stopped)
             continue;
-        MakeRunnable(task);
+        SubmitRules::Release(task);
+        m_turns.Add(number);
         resumed.append(&task);
     }
-    Keep([&resumed](SubmitStore& store) { store.SaveAll(resumed); });
+    Save([&resumed](SubmitStore& store) { store.SaveAll(resumed); });
     Advance();
 }
 
 void SubmitQueue::Continue(const QString& id)
 {
-    SubmitTask* task = Find(id);
+    SubmitTask* task = m_tasks.Find(id);
     if (!task || task->isDone || task->error == SubmitError::None)
         return;
-    const bool awaits = task->error == SubmitError::AwaitsUser;
-    if (task->error == SubmitError::TexturesMissing || (awaits && task->stage == SubmitStage::CopySame)) {
-        task->goesOnWithout = true;
-        task->next = SubmitStage::Analyze; // what was missing may be in its place by now
-    } else if (awaits) {
-        task->areArgumentsChecked = true;
-    }
-    if (NeedsFarm(task->next) && !ArePackagesThere(*task, PackageFolder(task->number)))
-        task->next = SubmitStage::Analyze;
-    Resume(*task);
-    Advance();
+    SubmitRules::Continue(*task, ArePackagesThere(*task));
+    SaveRelease(*task);
 }
 
 void SubmitQueue::AnswerUploadFailure(const QString& id, bool tryAgain)
 {
-    SubmitTask* task = Find(id);
-    if (!task || task->error != SubmitError::UploadRefused)
+    SubmitTask* task = m_tasks.Find(id);
+    if (!task || SubmitRules::QuestionOf(*task) != SubmitRules::Question::RetryUpload)
         return;
     if (tryAgain)
         Continue(id);
     else
-        Rest(*task, SubmitError::GivenUp, task->message);
+        Halt(*task, SubmitError::GivenUp, task->message);
 }
 
 void SubmitQueue::AnswerMissingTextures(const QString& id, bool goOn)
 {
-    SubmitTask* task = Find(id);
-    if (!task || task->error != SubmitError::AwaitsUser || task->stage != SubmitStage::CopySame)
+    SubmitTask* task = m_tasks.Find(id);
+    if (!task || SubmitRules::QuestionOf(*task) != SubmitRules::Question::AcceptMissingFiles)
         return;
     if (!goOn) {
-        Rest(*task, SubmitError::TexturesMissing, QString::fromLatin1(SubmitText::NotWithout));
+        Halt(*task, SubmitError::TexturesMissing, QString::fromLatin1(SubmitText::NotWithout));
         return;
     }
     task->goesOnWithout = true;
-    Resume(*task);
-    Advance();
+    SubmitRules::Release(*task);
+    SaveRelease(*task);
 }
 
 void SubmitQueue::SetArguments(const QString& id, const QVariantList& arguments)
 {
-    SubmitTask* task = Find(id);
-    const bool isBeingSent = task && m_run && task->number == m_turn && task->stage == SubmitStage::Submit;
+    SubmitTask* task = m_tasks.Find(id);
+    const bool isBeingSent
+        = task && m_run && task->number == m_run->task && task->stage == SubmitStage::Submit;
     const QVariantList usable = WithUsableSizes(arguments);
     if (!task || task->isDone || isBeingSent) {
         qWarning() << "arguments come too late for" << id;
@@ -321,52 +244,158 @@ void SubmitQueue::SetArguments(const QString& id, const QVariantList& arguments)
     SubmitTask changed = *task;
     changed.arguments = usable;
     changed.areArgumentsEdited = true;
-    if (Keep([&changed](SubmitStore& store) { store.Save(changed); }))
+    if (Save([&changed](SubmitStore& store) { store.Save(changed); }))
         *task = changed;
 }
 
-void SubmitQueue::Rest(SubmitTask& task, SubmitError error, const QString& message)
+void SubmitQueue::Halt(SubmitTask& task, SubmitError error, const QString& message)
 {
-    SetError(task, error, message);
-    Keep([&task](SubmitStore& store) { store.Save(task); });
+    SubmitRules::Halt(task, error, message);
+    m_turns.Remove(task.number);
+    Save([&task](SubmitStore& store) { store.Save(task); });
 }
 
-void SubmitQueue::SetError(SubmitTask& task, SubmitError error, const QString& message)
+/// Saves a task that has been released, and gives it turns again.
+void SubmitQueue::SaveRelease(SubmitTask& task)
 {
-    task.error = error;
-    task.message = message;
-    task.uploadText.clear();
-    m_runnable.erase(task.number);
+    m_turns.Add(task.number);
+    Save([&task](SubmitStore& store) { store.Save(task); });
+    Advance();
 }
 
-/// Lets a task that stands still wait for its turn.
-void SubmitQueue::Resume(SubmitTask& task)
+bool SubmitQueue::MustCheckArguments(const SubmitTask& task) const
 {
-    MakeRunnable(task);
-    Keep([&task](SubmitStore& store) { store.Save(task); });
+    return task.next == SubmitStage::Submit && !task.areArgumentsChecked
+        && SubmitRules::HasEditableArguments(task) && m_mustCheck && m_mustCheck();
 }
 
-void SubmitQueue::MakeRunnable(SubmitTask& task)
+/// Runs the next stage, unless one is running or every task has to wait.
+void SubmitQueue::Advance()
 {
-    task.error = SubmitError::None;
-    task.message.clear();
-    task.refused.clear();
-    task.stage = SubmitStage::Wait;
-    task.progress = 0;
-    task.failures = 0;
-    task.notBefore = {};
-    m_runnable.insert(task.number);
+    m_pause.stop();
+    const auto needsFarm = [this](qint64 number) {
+        const SubmitTask& task = *m_tasks.Find(number);
+        return NeedsFarm(task.next) && !MustCheckArguments(task);
+    };
+    while (!m_run) {
+        ShowWaitForFarm();
+        const SubmitTurns::Decision decision = m_turns.Next(m_clock.elapsed(), needsFarm);
+        if (decision.wait)
+            m_pause.start(*decision.wait);
+        if (!decision.task)
+            return;
+        SubmitTask& task = *m_tasks.Find(*decision.task);
+        if (MustCheckArguments(task)) {
+            task.stage = SubmitStage::Submit;
+            Halt(task, SubmitError::AwaitsUser, QString::fromLatin1(SubmitText::CheckArguments));
+        } else {
+            Begin(task);
+        }
+    }
+}
+
+/// Tells why tasks wait that can do nothing without the farm.
+void SubmitQueue::ShowWaitForFarm()
+{
+    if (m_turns.CanAskFarm())
+        return;
+    const char* const reason = m_access.IsOpen() ? SubmitText::SessionEnded : SubmitText::Unreachable;
+    for (auto& [number, task] : m_tasks.All()) {
+        if (!task.IsRunnable() || !NeedsFarm(task.next))
+            continue;
+        SubmitRules::EnterNextStage(task);
+        task.message = task.uploadText = QString::fromLatin1(reason);
+    }
+}
+
+void SubmitQueue::Begin(SubmitTask& task)
+{
+    SubmitRules::EnterNextStage(task);
+    m_run = Run {task.number, task.next, std::make_shared<std::atomic<bool>>(false)};
+    const StageRequest request {
+        task, m_access, TaskPackages::Folder(m_packages, task.number), m_run->interrupted};
+    m_worker.Post([this, request](SubmitWorker& worker) {
+        const qint64 number = request.task.number;
+        const StageOutcome outcome = worker.Run(request, [this, number](int percent, const QString& text) {
+            PostTo(this, [this, number, percent, text] { ShowProgress(number, percent, text); });
+        });
+        PostTo(this, [this, number, outcome] { HandleOutcome(number, outcome); });
+    });
+}
+
+void SubmitQueue::ShowProgress(qint64 number, int percent, const QString& text)
+{
+    SubmitTask* task = m_tasks.Find(number);
+    if (!task || !task->IsRunnable() || !m_run || *m_run->interrupted)
+        return;
+    task->progress = percent;
+    task->uploadText = text;
+    task->message.clear();
+}
+
+void SubmitQueue::HandleOutcome(qint64 number, const StageOutcome& outcome)
+{
+    const Run run = *m_run;
+    m_run.reset();
+    if (run.discardAfterwards)
+        Discard(number);
+    SubmitTask* task = m_tasks.Find(number);
+    if (task && !task->isDone)
+        ApplyOutcome(*task, outcome, *run.interrupted);
+    Advance();
+}
+
+void SubmitQueue::ApplyOutcome(SubmitTask& task, const StageOutcome& outcome, bool wasInterrupted)
+{
+    const bool wasRunnable = task.IsRunnable();
+    switch (outcome.kind) {
+    case StageOutcome::Kind::Done:
+        if (NeedsFarm(outcome.stage))
+            m_turns.RecordAnswer(task.number, outcome.advanced);
+        SubmitRules::ApplyDone(task, outcome);
+        break;
+    case StageOutcome::Kind::Failed:
+        if (wasRunnable)
+            SubmitRules::ApplyFailed(task, outcome);
+        break;
+    case StageOutcome::Kind::TryAgain:
+    case StageOutcome::Kind::Interrupted:
+        if (outcome.kind == StageOutcome::Kind::TryAgain && wasRunnable && !wasInterrupted)
+            Postpone(task, outcome);
+        else if (NeedsFarm(outcome.stage))
+            task.work = outcome.work; // the farm keeps the packages that it has received
+        break;
+    }
+    if (outcome.kind == StageOutcome::Kind::Done && outcome.stage == SubmitStage::Checksum)
+        Save([&task](SubmitStore& store) { store.SaveWork(task); });
+    if (task.isDone)
+        Discard(task.number);
+    if (task.isDone || (wasRunnable && !task.IsRunnable())) {
+        m_turns.Remove(task.number);
+        Save([&task](SubmitStore& store) { store.Save(task); });
+        Ask(task);
+    }
+}
+
+void SubmitQueue::Postpone(SubmitTask& task, const StageOutcome& outcome)
+{
+    if (outcome.advanced)
+        m_turns.RecordAnswer(task.number, true);
+    SubmitRules::ApplyTryAgain(task, outcome);
+    if (!m_turns.Postpone(task.number, outcome.obstacle, outcome.retryAfter, m_clock.elapsed()))
+        SubmitRules::Halt(task, SubmitError::FarmRefused, QString::fromLatin1(SubmitText::Failing));
 }
 
 void SubmitQueue::Interrupt()
 {
     if (!m_run)
         return;
-    *m_run = true;
-    emit Ordered([](SubmitWorker& worker) { worker.Interrupt(); });
+    *m_run->interrupted = true;
+    m_worker.Post([](SubmitWorker& worker) { worker.Interrupt(); });
 }
 
 void SubmitQueue::Discard(qint64 number)
 {
-    emit Ordered([folder = PackageFolder(number)](SubmitWorker&) { SubmitWorker::Discard(folder); });
+    m_worker.Post([folder = TaskPackages::Folder(m_packages, number)](
+                      const SubmitWorker&) { TaskPackages::Discard(folder); });
 }

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <QDeadlineTimer>
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
 #include <QVector>
 
-/// The stages that a task goes through, as the window numbers them.
+/// The stages of a submission. The numbers are the window's.
 enum class SubmitStage { Wait, Analyze, Compress, Checksum, CopySame, Upload, Uncompress, Submit };
 
 constexpr bool NeedsFarm(SubmitStage stage)
@@ -15,40 +14,40 @@ constexpr bool NeedsFarm(SubmitStage stage)
     return stage >= SubmitStage::CopySame;
 }
 
-/// Why a task stands still. The window knows 0 and 9.
+/// Why a task has halted. The window treats 0 and 9 specially.
 enum class SubmitError {
     None = 0,
-    SceneUnusable = 1, ///< it cannot be read or needs too much
+    SceneUnusable = 1, ///< the scene cannot be read or needs too many files
     PackingFailed = 2,
-    UploadRefused = 3,   ///< the user is asked whether to try again
-    GivenUp = 4,         ///< the user did not want to
-    TexturesMissing = 5, ///< the user did not want to go on without
+    UploadRefused = 3,   ///< the user is asked whether to retry
+    GivenUp = 4,         ///< the user chose not to retry
+    TexturesMissing = 5, ///< the user chose not to go on without the missing files
     FarmRefused = 6,
     Stopped = 7,
-    AwaitsUser = 9 ///< for the go-ahead: without the missing files, or with the arguments as they are
+    AwaitsUser = 9 ///< the user has to accept missing files, or to check the arguments
 };
 
-/// One file of a submission on its way.
+/// One file of a submission.
 struct PackedFile
 {
-    QString path;            ///< in the job's folder
-    QString source;          ///< absolute
-    QString checksum;        ///< of the content, once it is packed
-    QString packageChecksum; ///< of the package, likewise
+    QString path;            ///< relative to the job's folder
+    QString source;          ///< absolute path on this machine
+    QString checksum;        ///< SHA-256 of the packed content; empty before it is packed
+    QString packageChecksum; ///< SHA-256 of the package; empty before it is packed
     qint64 packageSize = 0;  ///< in bytes
-    // Found out again after a restart:
+    // The rest is not saved; a restarted client asks the farm again.
     bool isWanted = false; ///< the farm lacks the content, and no earlier file brings it
     bool isSent = false;   ///< the farm has the whole package
     QString upload;        ///< the farm's id for the package
 };
 
-/// What the stages find out about a scene. It is made anew when a task is analysed anew.
+/// The results of the stages. A new analysis replaces them.
 struct SubmitWork
 {
     QString scene; ///< the path of one of `files`; empty before the analysis
     QVector<PackedFile> files;
-    QStringList missing;
-    int width = 0; ///< of the scene itself, in pixels
+    QStringList missing; ///< references that lead to no file, as the scene names them
+    int width = 0;       ///< the scene's own, in pixels
     int height = 0;
 
     bool IsPacked() const;
@@ -56,32 +55,31 @@ struct SubmitWork
     static SubmitWork FromJson(const QJsonObject& json);
 };
 
-/// A scene on its way to the farm.
+/// A scene being submitted to the farm.
 struct SubmitTask
 {
-    qint64 number = 0;  ///< never given twice; also names the folder of the packages
-    QString id;         ///< "<complete base name of the scene>.<number>"
-    QString scene;      ///< absolute path
-    QString started;    ///< local time, "yyyy-MM-dd HH:mm:ss"
-    QString submission; ///< the submission's name at the farm
+    qint64 number = 0; ///< never reused; also names the folder of the packages
+    QString id;        ///< "<complete base name of the scene>.<number>"
+    QString scene;     ///< absolute path
+    QString started;   ///< local time, "yyyy-MM-dd HH:mm:ss"
+    QString
+        submission; ///< identifies the submission at the farm, so that it becomes one job however often it is sent
 
-    SubmitStage stage = SubmitStage::Wait;   ///< as shown
-    SubmitStage next = SubmitStage::Analyze; ///< what is to be done when it is its turn
+    SubmitStage stage = SubmitStage::Wait;   ///< the stage shown to the user
+    SubmitStage next = SubmitStage::Analyze; ///< the stage that runs at the task's next turn
     int progress = 0;                        ///< percent of the stage
     SubmitError error = SubmitError::None;
     QString message;
     QString uploadText;
     bool isDone = false;
 
-    int failures = 0;         ///< rounds in a row in which the farm answered, but nothing came of it
-    QDeadlineTimer notBefore; ///< the farm is not asked for it earlier
-
     QVariantList arguments;           ///< empty before the analysis
-    bool areArgumentsEdited = false;  ///< they are the user's, not the scene's
-    bool goesOnWithout = false;       ///< the user has agreed to what is missing
-    bool areArgumentsChecked = false; ///< the user has agreed to the arguments
-    QStringList refused;              ///< files whose upload has failed
+    bool areArgumentsEdited = false;  ///< the user has set them; they are not the scene's own
+    bool goesOnWithout = false;       ///< the user accepts that files are missing
+    bool areArgumentsChecked = false; ///< the user has approved the arguments
+    QStringList refused;              ///< files whose upload failed
     SubmitWork work;
 
+    /// Whether the task goes on by itself: it has neither halted nor become a job.
     bool IsRunnable() const { return !isDone && error == SubmitError::None; }
 };

@@ -2,13 +2,11 @@
 
 #include "host/rendercore/submit/local_stages.h"
 
-#include <QDir>
-
-#include <stdexcept>
+#include <exception>
 
 namespace {
 
-constexpr qint64 kProgressMs = 250;
+constexpr qint64 ProgressInterval = 250; // ms
 
 SubmitError ErrorIn(SubmitStage stage)
 {
@@ -25,63 +23,39 @@ SubmitError ErrorIn(SubmitStage stage)
 
 } // namespace
 
-void SubmitWorker::Run(const StageOrder& order)
+StageOutcome SubmitWorker::Run(const StageRequest& request, const StageProgress& onProgress)
 {
     m_lastProgress.invalidate();
-    const auto onProgress = [this, number = order.task.number](int percent, const QString& text) {
-        if (m_lastProgress.isValid() && m_lastProgress.elapsed() < kProgressMs)
+    const auto onSomeProgress = [this, &onProgress](int percent, const QString& text) {
+        if (m_lastProgress.isValid() && m_lastProgress.elapsed() < ProgressInterval)
             return;
         m_lastProgress.start();
-        emit Progress(number, percent, text);
+        onProgress(percent, text);
     };
     StageOutcome outcome;
     try {
-        outcome = DoStage(order, onProgress);
+        outcome = RunStage(request, onSomeProgress);
     } catch (const std::exception& failure) {
         outcome.kind = StageOutcome::Kind::Failed;
-        outcome.error = ErrorIn(order.task.next);
+        outcome.error = ErrorIn(request.task.next);
         outcome.message = QString::fromUtf8(failure.what());
-        outcome.work = order.task.work;
+        outcome.work = request.task.work;
     }
-    outcome.stage = order.task.next;
-    emit Ended(order.task.number, outcome);
+    outcome.stage = request.task.next;
+    return outcome;
 }
 
-StageOutcome SubmitWorker::DoStage(const StageOrder& order, const StageProgress& onProgress)
+StageOutcome SubmitWorker::RunStage(const StageRequest& request, const StageProgress& onProgress)
 {
-    switch (order.task.next) {
+    switch (request.task.next) {
     case SubmitStage::Wait:
     case SubmitStage::Analyze:
-        return AnalyzeStage(order, onProgress);
+        return AnalyzeStage(request, onProgress);
     case SubmitStage::Compress:
-        return CompressStage(order, onProgress);
+        return CompressStage(request, onProgress);
     case SubmitStage::Checksum:
-        return ChecksumStage(order, onProgress);
+        return ChecksumStage(request, onProgress);
     default:
-        break;
-    }
-    if (!m_farm)
-        m_farm = std::make_unique<FarmStages>();
-    return m_farm->Run(order, onProgress);
-}
-
-void SubmitWorker::Interrupt()
-{
-    if (m_farm)
-        m_farm->Interrupt();
-}
-
-void SubmitWorker::Discard(const QString& folder)
-{
-    QDir(folder).removeRecursively();
-}
-
-void SubmitWorker::Sweep(const QString& folder, const QSet<qint64>& numbers)
-{
-    const QDir packages(folder);
-    const QStringList names = packages.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QString& name : names) {
-        if (!numbers.contains(name.toLongLong()))
-            Discard(packages.filePath(name));
+        return m_farm.Run(request, onProgress);
     }
 }

@@ -4,9 +4,9 @@
 
 #include <exception>
 
-/// Runs what may throw; the database on a full disk, for one.
-/// @param what completes "cannot" in the log.
-/// @return whether it did not throw.
+/// Runs work that may throw, such as a database on a full disk, and logs why it failed.
+/// @param what completes "cannot …" in the log.
+/// @return whether the work succeeded.
 template <typename Work>
 bool Attempt(const char* what, Work work)
 {
@@ -14,7 +14,7 @@ bool Attempt(const char* what, Work work)
         work();
         return true;
     } catch (const std::exception& failure) {
-        qWarning("downloads: cannot %s: %s", what, failure.what());
+        qWarning("cannot %s: %s", what, failure.what());
         return false;
     }
 }

@@ -1,6 +1,6 @@
-#include "host/rendercore/download/task_wishes.h"
+#include "host/rendercore/download/task_commands.h"
 
-namespace TaskWishes {
+namespace TaskCommands {
 
 bool Stop(DownloadTask& task)
 {
@@ -34,4 +34,4 @@ bool Repair(DownloadTask& task)
     return task.state == DownloadState::Finished && Redownload(task);
 }
 
-} // namespace TaskWishes
+} // namespace TaskCommands

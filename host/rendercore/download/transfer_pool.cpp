@@ -1,0 +1,275 @@
+#include "host/rendercore/download/transfer_pool.h"
+
+#include "host/rendercore/attempt.h"
+#include "host/rendercore/download/download_paths.h"
+#include "host/rendercore/download/download_store.h"
+#include "host/rendercore/download/file_download.h"
+
+#include <QFile>
+
+TransferPool::TransferPool(DownloadStore* store, HttpTransport* transport, const DownloadListener* listener,
+    const DownloadLimits& limits)
+    : m_store(store)
+    , m_transport(transport)
+    , m_listener(listener)
+    , m_limits(limits)
+    , m_schedule(Backoff(limits.firstPause, limits.longestPause), limits.transfers)
+    , m_wake(this)
+{
+    m_clock.start();
+    m_wake.setSingleShot(true);
+    connect(&m_wake, &QTimer::timeout, this, &TransferPool::Fill);
+}
+
+TransferPool::~TransferPool() = default;
+
+void TransferPool::Reset(const FarmAccess& access)
+{
+    Stop();
+    m_access = access;
+    m_schedule.Clear();
+    m_outdated.clear();
+    m_damaged.clear();
+    m_cursor = 0;
+}
+
+void TransferPool::Start()
+{
+    m_isStarted = m_access.IsOpen() && !m_access.owner.isEmpty();
+    Wake();
+}
+
+void TransferPool::Stop()
+{
+    m_isStarted = false;
+    AbortAll();
+}
+
+void TransferPool::RetryNow(const DownloadTasks& tasks)
+{
+    for (const DownloadTask& task : tasks)
+        m_schedule.RetryNow(task.id);
+    Wake();
+}
+
+void TransferPool::StartOver(const DownloadTasks& tasks)
+{
+    Discard(tasks);
+    RetryNow(tasks);
+}
+
+void TransferPool::Discard(const DownloadTasks& tasks)
+{
+    for (const DownloadTask& task : tasks) {
+        Abort(task.id);
+        QFile::remove(DownloadPaths::PartFile(task.file));
+    }
+}
+
+void TransferPool::Abort(qint64 id)
+{
+    m_active.erase(id);
+    m_schedule.Forget(id);
+    m_damaged.erase(id);
+    for (auto& entry : m_outdated)
+        entry.second.erase(id);
+    Wake();
+}
+
+std::optional<int> TransferPool::Progress(qint64 id) const
+{
+    const auto transfer = m_active.find(id);
+    return transfer == m_active.end() ? std::nullopt : std::optional<int>(transfer->second->Progress());
+}
+
+/// Starts transfers until there are enough of them.
+void TransferPool::Fill()
+{
+    if (!m_isStarted)
+        return;
+    m_wake.stop();
+    const auto hasRoom = [this] { return static_cast<int>(m_active.size()) < m_limits.transfers; };
+    if (!Attempt("start downloads", [&] {
+            while (hasRoom() && !m_schedule.IsPaused(m_clock.elapsed()) && BeginNext()) { }
+        })) {
+        m_wake.start(m_limits.longestPause);
+        return;
+    }
+    const auto wait = m_schedule.Wait(m_clock.elapsed());
+    if (wait && hasRoom())
+        m_wake.start(*wait);
+}
+
+/// False when no task waits for its first attempt and none is due for another one.
+bool TransferPool::BeginNext()
+{
+    if (const auto due = m_schedule.NextDue(m_clock.elapsed())) {
+        const auto task = m_store->Find(m_access.owner, *due);
+        if (task && task->state == DownloadState::Waiting && m_active.count(*due) == 0)
+            Begin(*task);
+        return true;
+    }
+    const auto next = m_store->NextWaiting(m_access.owner, m_cursor);
+    if (!next)
+        return false;
+    m_cursor = next->id;
+    if (m_active.count(next->id) == 0)
+        Begin(*next);
+    return true;
+}
+
+void TransferPool::Begin(const DownloadTask& task)
+{
+    auto transfer = std::make_unique<FileDownload>(m_transport, m_access.token.toUtf8(), task, m_limits);
+    FileDownload* started = transfer.get();
+    const qint64 id = task.id;
+    connect(started, &FileDownload::Progressed, this, [this, id, started] {
+        m_listener->changed({{id, DownloadState::Downloading, started->Progress(), {}, {}}});
+    });
+    connect(started, &FileDownload::Advanced, this, [this, id] { m_schedule.RecordProgress(id); });
+    connect(started, &FileDownload::Ended, this,
+        [this, id](const DownloadOutcome& outcome) { HandleEnd(id, outcome); });
+    m_active[id] = std::move(transfer);
+    // Queued, because a transfer may end at once.
+    QMetaObject::invokeMethod(started, &FileDownload::Start, Qt::QueuedConnection);
+}
+
+void TransferPool::AbortAll()
+{
+    DownloadChanges changes;
+    for (const auto& [id, transfer] : m_active)
+        changes.append({id, DownloadState::Waiting, transfer->Progress(), {}, {}});
+    m_active.clear();
+    if (!changes.isEmpty())
+        m_listener->changed(changes);
+}
+
+void TransferPool::HandleEnd(qint64 id, const DownloadOutcome& outcome)
+{
+    const auto found = m_active.find(id);
+    // The transfer is emitting this signal, so it cannot be deleted here.
+    FileDownload* transfer = found->second.release();
+    transfer->deleteLater();
+    m_active.erase(found);
+    const DownloadTask task = transfer->Task();
+    if (outcome.kind != DownloadOutcome::Damaged)
+        m_damaged.erase(id);
+    switch (outcome.kind) {
+    case DownloadOutcome::Complete:
+        Complete(task);
+        break;
+    case DownloadOutcome::Broken:
+        Postpone(task, transfer->Progress(), outcome.message, outcome.retryAfter);
+        break;
+    case DownloadOutcome::Outdated:
+        AskForNewList(task);
+        break;
+    case DownloadOutcome::Damaged:
+        HandleDamage(task, outcome.message);
+        break;
+    case DownloadOutcome::NameTaken:
+        Rename(task);
+        break;
+    case DownloadOutcome::Failed:
+        Fail(task, outcome.message);
+        break;
+    case DownloadOutcome::SignedOut:
+        m_listener->changed({{id, DownloadState::Waiting, transfer->Progress(), {}, {}}});
+        Stop();
+        break;
+    }
+    Wake();
+}
+
+/// A second attempt follows at once; a third one would hardly bring anything else.
+void TransferPool::HandleDamage(const DownloadTask& task, const QString& message)
+{
+    if (m_damaged.erase(task.id) > 0) {
+        Fail(task, message);
+        return;
+    }
+    m_damaged.insert(task.id);
+    m_schedule.RetryNow(task.id);
+}
+
+/// The file is in its place by now. A client that is killed before the task is saved finds the file whole at its next
+/// start and reports it then; one that is killed right afterwards may lose the notice, but never the file.
+void TransferPool::Complete(DownloadTask task)
+{
+    task.state = DownloadState::Finished;
+    task.progress = 100;
+    task.fresh = false;
+    task.message.clear();
+    if (!Attempt("save a finished download", [this, &task] { m_store->Save({task}); })) {
+        Postpone(task, 100,
+            tr("%1 was saved, but its state could not be recorded. The disk may be full.").arg(task.name));
+        return;
+    }
+    m_schedule.RecordProgress(task.id);
+    m_listener->changed({ChangeOf(task)});
+    m_listener->finished(task.file);
+}
+
+void TransferPool::Postpone(const DownloadTask& task, int progress, const QString& message, int retryAfter)
+{
+    const int seconds = (m_schedule.Postpone(task.id, retryAfter, m_clock.elapsed()) + 999) / 1000;
+    m_listener->changed({{task.id, DownloadState::Waiting, progress,
+        tr("%1 The next attempt is in %2 s.").arg(message, QString::number(seconds)), {}}});
+}
+
+void TransferPool::Fail(DownloadTask task, const QString& message)
+{
+    task.state = DownloadState::Failed;
+    task.message = message;
+    task.progress = 0;
+    m_schedule.Forget(task.id);
+    Attempt("save a failed download", [this, &task] { m_store->Save({task}); });
+    m_listener->changed({ChangeOf(task)});
+}
+
+void TransferPool::Rename(DownloadTask task)
+{
+    bool isRenamed = false;
+    if (!Attempt("rename a download", [&] { isRenamed = m_store->Rename(&task); }) || !isRenamed) {
+        Postpone(task, 0, tr("Another file named %1 is in the way.").arg(task.name));
+        return;
+    }
+    DownloadChange change = ChangeOf(task);
+    change.file = task.file;
+    m_listener->changed({change});
+    m_schedule.RetryNow(task.id);
+}
+
+void TransferPool::AskForNewList(const DownloadTask& task)
+{
+    const QString message = tr("%1 has changed on the farm.").arg(task.name);
+    if (!Attempt("reopen an order", [&] { m_store->ReopenOrder(m_access.owner, task.job); })) {
+        Postpone(task, 0, message);
+        return;
+    }
+    m_outdated[task.job].insert(task.id);
+    m_listener->changed({{task.id, DownloadState::Waiting, 0, message, {}}});
+    emit ListOutdated();
+}
+
+void TransferPool::HandleList(const QString& job, const QStringList& names)
+{
+    m_schedule.EndPause(); // the farm answers
+    Wake();
+    const auto found = m_outdated.find(job);
+    if (found == m_outdated.end())
+        return;
+    const std::set<qint64> ids = std::move(found->second);
+    m_outdated.erase(found);
+    Attempt("go on with outdated downloads", [&] {
+        for (const qint64 id : ids) {
+            const auto task = m_store->Find(m_access.owner, id);
+            if (!task || task->state != DownloadState::Waiting)
+                continue;
+            if (!names.contains(task->name))
+                Fail(*task, tr("The farm no longer has %1.").arg(task->name));
+            else // The list repeats what the farm has just refused to send; it may be another one a moment later.
+                Postpone(*task, 0, tr("The farm lists %1, but does not send it.").arg(task->name));
+        }
+    });
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "host/rendercore/download/download_limits.h"
+#include "host/rendercore/download/download_listener.h"
+#include "host/rendercore/download/transfer_schedule.h"
+#include "host/rendercore/farm_access.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QStringList>
+#include <QTimer>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+
+class DownloadStore;
+class FileDownload;
+struct DownloadOutcome;
+
+/// Runs the transfers of one owner, a few at a time, and records what becomes of their tasks.
+class TransferPool : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param store, transport, listener must outlive this object.
+    TransferPool(DownloadStore* store, HttpTransport* transport, const DownloadListener* listener,
+        const DownloadLimits& limits);
+    ~TransferPool() override;
+
+    /// Breaks off all transfers; the next ones begin after Start().
+    void Reset(const FarmAccess& access);
+
+    /// Starts transfers from now on, as far as the farm can be reached.
+    void Start();
+
+    /// Breaks off all transfers until the next Reset().
+    void Stop();
+
+    /// The tasks go on at once, in spite of earlier failures.
+    void RetryNow(const DownloadTasks& tasks);
+    /// The tasks are transferred again from their first byte.
+    void StartOver(const DownloadTasks& tasks);
+    /// Breaks off a transfer; what has been received stays on the disk.
+    void Abort(qint64 id);
+    /// Breaks off transfers and deletes what has been received.
+    void Discard(const DownloadTasks& tasks);
+
+    /// Percent of the running transfer of a task; none when it is not running.
+    std::optional<int> Progress(qint64 id) const;
+
+    /// The farm has answered an order: the tasks that wait for a new list of the job's files go on or fail.
+    /// @param names of the files on the list.
+    void HandleList(const QString& job, const QStringList& names);
+
+signals:
+    /// The farm no longer has a file as it was listed; the order has been reopened.
+    void ListOutdated();
+
+private:
+    void Wake() { m_wake.start(0); }
+    void Fill();
+    bool BeginNext();
+    void Begin(const DownloadTask& task);
+    void AbortAll();
+    void HandleEnd(qint64 id, const DownloadOutcome& outcome);
+    void HandleDamage(const DownloadTask& task, const QString& message);
+    void Complete(DownloadTask task);
+    void Postpone(const DownloadTask& task, int progress, const QString& message, int retryAfter = 0);
+    void Fail(DownloadTask task, const QString& message);
+    void Rename(DownloadTask task);
+    void AskForNewList(const DownloadTask& task);
+
+    DownloadStore* m_store;
+    HttpTransport* m_transport;
+    const DownloadListener* m_listener;
+    DownloadLimits m_limits;
+    FarmAccess m_access;
+    bool m_isStarted = false;
+    TransferSchedule m_schedule;
+    QElapsedTimer m_clock; // of the schedule
+    qint64 m_cursor = 0;   // all waiting tasks up to here have been started or are in the schedule
+    std::map<qint64, std::unique_ptr<FileDownload>> m_active;
+    std::map<QString, std::set<qint64>> m_outdated; // by job: tasks that wait for a new list of its files
+    std::set<qint64> m_damaged;                     // tasks on their second and last attempt
+    QTimer m_wake;
+};

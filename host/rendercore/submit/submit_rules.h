@@ -1,0 +1,43 @@
+#pragma once
+
+#include "host/rendercore/submit/stage_outcome.h"
+
+/// How a task changes by what its stages bring and by what the user decides. Pure logic on one task.
+namespace SubmitRules {
+
+/// Something that only the user can decide.
+enum class Question { None, RetryUpload, AcceptMissingFiles };
+
+/// The question that a halted task waits for.
+Question QuestionOf(const SubmitTask& task);
+
+/// Whether the window lets the user edit the arguments: of Maya scenes.
+bool HasEditableArguments(const SubmitTask& task);
+
+/// Shows the task in its next stage.
+void EnterNextStage(SubmitTask& task);
+
+/// The task stands still from now on.
+void Halt(SubmitTask& task, SubmitError error, const QString& message);
+
+/// A halted task waits for its turn again.
+void Release(SubmitTask& task);
+
+/// The user lets a halted task go on, whatever it halted for.
+/// @param arePackagesThere whether its packages are still on the disk.
+void Continue(SubmitTask& task, bool arePackagesThere);
+
+/// Decides where a task that was read from the disk goes on.
+/// @param arePackagesThere whether its packages are still on the disk.
+void Restore(SubmitTask& task, bool arePackagesThere);
+
+/// Applies an outcome of kind Done; the task may halt with a question, or be done altogether.
+void ApplyDone(SubmitTask& task, const StageOutcome& outcome);
+
+/// Applies an outcome of kind TryAgain.
+void ApplyTryAgain(SubmitTask& task, const StageOutcome& outcome);
+
+/// Applies an outcome of kind Failed; the task halts.
+void ApplyFailed(SubmitTask& task, const StageOutcome& outcome);
+
+} // namespace SubmitRules

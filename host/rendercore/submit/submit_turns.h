@@ -1,0 +1,64 @@
+#pragma once
+
+#include "host/farmclient/backoff.h"
+#include "host/rendercore/submit/stage_outcome.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+
+/// Decides which task may run, and when. One task has the turn until it halts or has to wait; then it is the turn of
+/// the next one in the circle of numbers. Pure logic: `now` is in milliseconds since any fixed moment.
+class SubmitTurns
+{
+public:
+    struct Decision
+    {
+        std::optional<qint64> task; ///< the task that may run now
+        std::optional<int> wait;    ///< without a task: milliseconds until one may run, if time alone helps
+    };
+
+    /// A runnable task, without failures so far.
+    void Add(qint64 task);
+    void Remove(qint64 task);
+    void Clear();
+
+    /// A new session or another farm ends all pauses.
+    void SetFarm(bool isOpen);
+
+    /// False without a farm or a session that it knows.
+    bool CanAskFarm() const { return m_isFarmOpen; }
+
+    /// Gives the turn to a task that may run now.
+    /// @param needsFarm whether a task's next stage takes the farm.
+    Decision Next(qint64 now, const std::function<bool(qint64)>& needsFarm);
+
+    /// The farm answers again.
+    /// @param advanced whether it has received more of the task than before.
+    void RecordAnswer(qint64 task, bool advanced);
+
+    /// The task passes on the turn and waits.
+    /// @param retryAfter seconds that the farm asks to wait.
+    /// @return false when the task has failed too often in a row; it then does not wait.
+    bool Postpone(qint64 task, StageOutcome::Obstacle obstacle, int retryAfter, qint64 now);
+
+private:
+    struct Waiting
+    {
+        Backoff backoff;
+        qint64 notBefore = 0;
+    };
+
+    qint64 WaitOf(const Waiting& task, bool needsFarm, qint64 now) const;
+
+    static constexpr int FirstPause = 500;     // ms
+    static constexpr int LongestPause = 32000; // ms
+    static constexpr int MostPauses = 7;       // in a row without progress, about a minute in all
+
+    std::map<qint64, Waiting> m_tasks;
+    Backoff m_farmBackoff {FirstPause, LongestPause};
+    qint64 m_farmNotBefore = 0;
+    bool m_isFarmOpen = false;
+    qint64 m_turn = 0; // the task that has the turn, or had it last
+    bool m_keepsTurn = false;
+};
