@@ -7,7 +7,7 @@ cd "$(dirname "$0")"
 # @param $1 folder of the .ts files to write
 update() {
     for ts in "$1"/vtr_*.ts; do
-        lupdate -silent -locations none -no-obsolete -source-language en \
+        lupdate -silent -I ../.. -locations none -no-obsolete -source-language en \
             ../../common ../../dialogs ../../mainwindow ../../plugin .. -ts "$ts"
     done
 }

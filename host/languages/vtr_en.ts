@@ -128,39 +128,12 @@
 <context>
     <name>DownloadPaths</name>
     <message>
-        <source>The folder %1 cannot be made.</source>
-        <translation>The folder %1 cannot be made.</translation>
+        <source>The folder %1 cannot be created. Please check the download folder in the settings.</source>
+        <translation>The folder %1 cannot be created. Please check the download folder in the settings.</translation>
     </message>
     <message>
-        <source>The folder %1 leads out of the download folder.</source>
-        <translation>The folder %1 leads out of the download folder.</translation>
-    </message>
-</context>
-<context>
-    <name>DownloadWorker</name>
-    <message>
-        <source>The file is there but cannot be noted.</source>
-        <translation>The file is there but cannot be noted.</translation>
-    </message>
-    <message>
-        <source>%1 It is tried again in %2 s.</source>
-        <translation>%1 It is tried again in %2 s.</translation>
-    </message>
-    <message>
-        <source>The farm has another file now.</source>
-        <translation>The farm has another file now.</translation>
-    </message>
-    <message>
-        <source>The farm no longer has this file.</source>
-        <translation>The farm no longer has this file.</translation>
-    </message>
-    <message>
-        <source>The farm does not give the file that it lists.</source>
-        <translation>The farm does not give the file that it lists.</translation>
-    </message>
-    <message>
-        <source>There is another file of this name.</source>
-        <translation>There is another file of this name.</translation>
+        <source>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</source>
+        <translation>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</translation>
     </message>
 </context>
 <context>
@@ -172,14 +145,6 @@
 </context>
 <context>
     <name>FileDownload</name>
-    <message>
-        <source>The farm does not send anything.</source>
-        <translation>The farm does not send anything.</translation>
-    </message>
-    <message>
-        <source>The transfer was interrupted.</source>
-        <translation>The transfer was interrupted.</translation>
-    </message>
     <message>
         <source>There is no farm to ask.</source>
         <translation>There is no farm to ask.</translation>
@@ -193,32 +158,36 @@
         <translation>The farm&apos;s file has another size now.</translation>
     </message>
     <message>
-        <source>The session has ended.</source>
-        <translation>The session has ended.</translation>
+        <source>The farm has stopped sending %1.</source>
+        <translation>The farm has stopped sending %1.</translation>
     </message>
     <message>
-        <source>The farm has another file now.</source>
-        <translation>The farm has another file now.</translation>
+        <source>The transfer of %1 was interrupted.</source>
+        <translation>The transfer of %1 was interrupted.</translation>
     </message>
     <message>
-        <source>The farm refuses the file (status %1).</source>
-        <translation>The farm refuses the file (status %1).</translation>
+        <source>%1 has changed on the farm.</source>
+        <translation>%1 has changed on the farm.</translation>
     </message>
     <message>
-        <source>The farm cannot send the file now (status %1).</source>
-        <translation>The farm cannot send the file now (status %1).</translation>
+        <source>The farm refuses to send %1 (status %2).</source>
+        <translation>The farm refuses to send %1 (status %2).</translation>
     </message>
     <message>
-        <source>The farm sent more than it announced.</source>
-        <translation>The farm sent more than it announced.</translation>
+        <source>The farm cannot send %1 at the moment (status %2).</source>
+        <translation>The farm cannot send %1 at the moment (status %2).</translation>
     </message>
     <message>
-        <source>The file arrived damaged: its checksum is wrong.</source>
-        <translation>The file arrived damaged: its checksum is wrong.</translation>
+        <source>The farm sent more of %1 than it had announced.</source>
+        <translation>The farm sent more of %1 than it had announced.</translation>
     </message>
     <message>
-        <source>Cannot write %1: %2</source>
-        <translation>Cannot write %1: %2</translation>
+        <source>%1 arrived damaged: its checksum is wrong.</source>
+        <translation>%1 arrived damaged: its checksum is wrong.</translation>
+    </message>
+    <message>
+        <source>%1 cannot be saved: %2</source>
+        <translation>%1 cannot be saved: %2</translation>
     </message>
 </context>
 <context>
@@ -501,6 +470,29 @@
     <message>
         <source>Sign in</source>
         <translation>Sign in</translation>
+    </message>
+</context>
+<context>
+    <name>TransferPool</name>
+    <message>
+        <source>%1 was saved, but its state could not be recorded. The disk may be full.</source>
+        <translation>%1 was saved, but its state could not be recorded. The disk may be full.</translation>
+    </message>
+    <message>
+        <source>%1 The next attempt is in %2 s.</source>
+        <translation>%1 The next attempt is in %2 s.</translation>
+    </message>
+    <message>
+        <source>Another file named %1 is in the way.</source>
+        <translation>Another file named %1 is in the way.</translation>
+    </message>
+    <message>
+        <source>The farm no longer has %1.</source>
+        <translation>The farm no longer has %1.</translation>
+    </message>
+    <message>
+        <source>The farm lists %1, but does not send it.</source>
+        <translation>The farm lists %1, but does not send it.</translation>
     </message>
 </context>
 <context>
@@ -944,12 +936,12 @@ Below files are missing:
         <translation>Please check the arguments, then continue.</translation>
     </message>
     <message>
-        <source>The farm has failed again and again. Please continue later.</source>
-        <translation>The farm has failed again and again. Please continue later.</translation>
-    </message>
-    <message>
         <source>The scene needs too many files, or their paths are too long.</source>
         <translation>The scene needs too many files, or their paths are too long.</translation>
+    </message>
+    <message>
+        <source>The farm has failed several times. Please continue the submission later.</source>
+        <translation>The farm has failed several times. Please continue the submission later.</translation>
     </message>
 </context>
 <context>

@@ -128,39 +128,12 @@
 <context>
     <name>DownloadPaths</name>
     <message>
-        <source>The folder %1 cannot be made.</source>
-        <translation>无法创建文件夹 %1。</translation>
+        <source>The folder %1 cannot be created. Please check the download folder in the settings.</source>
+        <translation>无法创建文件夹 %1。请检查设置中的下载文件夹。</translation>
     </message>
     <message>
-        <source>The folder %1 leads out of the download folder.</source>
-        <translation>文件夹 %1 指向下载文件夹之外。</translation>
-    </message>
-</context>
-<context>
-    <name>DownloadWorker</name>
-    <message>
-        <source>The file is there but cannot be noted.</source>
-        <translation>文件已下载，但无法记录。</translation>
-    </message>
-    <message>
-        <source>%1 It is tried again in %2 s.</source>
-        <translation>%1 将在 %2 秒后重试。</translation>
-    </message>
-    <message>
-        <source>The farm has another file now.</source>
-        <translation>渲染农场上的文件已更改。</translation>
-    </message>
-    <message>
-        <source>The farm no longer has this file.</source>
-        <translation>渲染农场上已没有此文件。</translation>
-    </message>
-    <message>
-        <source>The farm does not give the file that it lists.</source>
-        <translation>渲染农场未能提供其列出的文件。</translation>
-    </message>
-    <message>
-        <source>There is another file of this name.</source>
-        <translation>已有另一个同名文件。</translation>
+        <source>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</source>
+        <translation>文件夹 %1 是指向下载文件夹之外的链接，因此不会在其中保存任何内容。</translation>
     </message>
 </context>
 <context>
@@ -172,14 +145,6 @@
 </context>
 <context>
     <name>FileDownload</name>
-    <message>
-        <source>The farm does not send anything.</source>
-        <translation>渲染农场没有发送任何数据。</translation>
-    </message>
-    <message>
-        <source>The transfer was interrupted.</source>
-        <translation>传输中断。</translation>
-    </message>
     <message>
         <source>There is no farm to ask.</source>
         <translation>当前没有可用的渲染农场。</translation>
@@ -193,32 +158,36 @@
         <translation>渲染农场上的文件大小已改变。</translation>
     </message>
     <message>
-        <source>The session has ended.</source>
-        <translation>会话已结束。</translation>
+        <source>The farm has stopped sending %1.</source>
+        <translation>渲染农场已停止发送 %1。</translation>
     </message>
     <message>
-        <source>The farm has another file now.</source>
-        <translation>渲染农场上的文件已更改。</translation>
+        <source>The transfer of %1 was interrupted.</source>
+        <translation>%1 的传输已中断。</translation>
     </message>
     <message>
-        <source>The farm refuses the file (status %1).</source>
-        <translation>渲染农场拒绝提供此文件（状态 %1）。</translation>
+        <source>%1 has changed on the farm.</source>
+        <translation>渲染农场上的 %1 已更改。</translation>
     </message>
     <message>
-        <source>The farm cannot send the file now (status %1).</source>
-        <translation>渲染农场暂时无法发送此文件（状态 %1）。</translation>
+        <source>The farm refuses to send %1 (status %2).</source>
+        <translation>渲染农场拒绝发送 %1（状态 %2）。</translation>
     </message>
     <message>
-        <source>The farm sent more than it announced.</source>
-        <translation>渲染农场发送的数据超出了其声明的大小。</translation>
+        <source>The farm cannot send %1 at the moment (status %2).</source>
+        <translation>渲染农场暂时无法发送 %1（状态 %2）。</translation>
     </message>
     <message>
-        <source>The file arrived damaged: its checksum is wrong.</source>
-        <translation>文件已损坏：校验和不符。</translation>
+        <source>The farm sent more of %1 than it had announced.</source>
+        <translation>渲染农场发送的 %1 数据多于其声明的大小。</translation>
     </message>
     <message>
-        <source>Cannot write %1: %2</source>
-        <translation>无法写入 %1：%2</translation>
+        <source>%1 arrived damaged: its checksum is wrong.</source>
+        <translation>%1 已损坏：校验和不正确。</translation>
+    </message>
+    <message>
+        <source>%1 cannot be saved: %2</source>
+        <translation>无法保存 %1：%2</translation>
     </message>
 </context>
 <context>
@@ -501,6 +470,29 @@
     <message>
         <source>Sign in</source>
         <translation>登录</translation>
+    </message>
+</context>
+<context>
+    <name>TransferPool</name>
+    <message>
+        <source>%1 was saved, but its state could not be recorded. The disk may be full.</source>
+        <translation>%1 已保存，但无法记录其状态。磁盘可能已满。</translation>
+    </message>
+    <message>
+        <source>%1 The next attempt is in %2 s.</source>
+        <translation>%1 将在 %2 秒后重试。</translation>
+    </message>
+    <message>
+        <source>Another file named %1 is in the way.</source>
+        <translation>已有另一个名为 %1 的文件。</translation>
+    </message>
+    <message>
+        <source>The farm no longer has %1.</source>
+        <translation>渲染农场上已没有 %1。</translation>
+    </message>
+    <message>
+        <source>The farm lists %1, but does not send it.</source>
+        <translation>渲染农场列出了 %1，但未能提供该文件。</translation>
     </message>
 </context>
 <context>
@@ -944,12 +936,12 @@ Below files are missing:
         <translation>请检查参数，然后继续。</translation>
     </message>
     <message>
-        <source>The farm has failed again and again. Please continue later.</source>
-        <translation>渲染农场多次出错。请稍后继续。</translation>
-    </message>
-    <message>
         <source>The scene needs too many files, or their paths are too long.</source>
         <translation>场景需要的文件过多，或其路径过长。</translation>
+    </message>
+    <message>
+        <source>The farm has failed several times. Please continue the submission later.</source>
+        <translation>渲染农场多次失败。请稍后继续提交。</translation>
     </message>
 </context>
 <context>

@@ -19,7 +19,7 @@ RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface*
     });
     connect(&m_downloads, &DownloadQueue::ListChanged, this, &VTRenderCoreInterface::DownloadListChanged);
     connect(&m_downloads, &DownloadQueue::FileFinished, this, &VTRenderCoreInterface::DownloadFinish);
-    // The folder for downloads is one of them.
+    // The download folder is one of the settings.
     connect(settings, &VTSettingsInterface::SettingsUpdated, this, &RenderCoreService::PassAccess);
 }
 
@@ -92,7 +92,7 @@ void RenderCoreService::ResumeSubmitTasks()
     m_submissions.ResumeAll();
 }
 
-/// A task that is not listed has no scene, no time and no text.
+/// An empty task for an unknown id.
 const SubmitTask& RenderCoreService::Task(const QString& id) const
 {
     static const SubmitTask none;

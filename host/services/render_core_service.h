@@ -9,27 +9,28 @@
 
 class VTSettingsInterface;
 
-/// The engine of submissions and downloads as the main window knows it. Every operation is one of its two queues'.
+/// Submissions and downloads as the main window knows them. Every operation is passed on to one of the two queues.
 class RenderCoreService : public ServiceBase<VTRenderCoreInterface>
 {
     Q_OBJECT
     Q_INTERFACES(VTRenderCoreInterface)
 
 public:
-    /// @param folder for what the queues keep.
+    /// @param folder for the data of the queues.
     /// @param settings must outlive this service.
     RenderCoreService(const QString& folder, VTSettingsInterface* settings, QObject* parent = nullptr);
 
-    /// @param name tells servers apart, across starts of the client; to be set before a session begins.
+    /// Must be called before a session begins.
+    /// @param name identifies the server across starts of the client.
     void SetServerName(const QString& name) { m_serverName = name; }
-    /// @param url root of the server; empty while there is none.
+    /// @param url the root of the server; empty while there is none.
     void SetServerUrl(const QUrl& url);
 
-    /// From now on the tasks are those of this account, and go on.
+    /// Loads the tasks of this account, which then go on.
     void BeginSession(const QString& userName, const QString& token);
     void EndSession();
 
-    /// What is to see the events of the main form, on which the window installs this service as a filter.
+    /// @param filter is passed the events of the main form, on which the window installs this service as a filter.
     void SetFormFilter(QObject* filter) { m_formFilter = filter; }
     bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -9,24 +9,23 @@
 
 namespace {
 
-// Of the 255 that file systems take; the rest is for what temporary names and copies add.
-constexpr int longestBytes = 230;
-constexpr int longestSuffix = 16;
-constexpr int hashDigits = 8;
+constexpr int LongestBytes = 230; // file systems take 255; part files and copies have longer names
+constexpr int LongestSuffix = 16; // characters, with the dot
+constexpr int HashDigits = 8;
 
 QString Suffix(const QString& name)
 {
     const int dot = name.lastIndexOf(QLatin1Char('.'));
-    return dot > 0 && name.size() - dot <= longestSuffix ? name.mid(dot) : QString();
+    return dot > 0 && name.size() - dot <= LongestSuffix ? name.mid(dot) : QString();
 }
 
-/// Two long names that differ keep differing.
+/// A hash keeps shortened names distinct.
 QString Shortened(const QString& name)
 {
     const QByteArray hash = QCryptographicHash::hash(name.toUtf8(), QCryptographicHash::Sha256).toHex();
-    const QString end = QLatin1Char('~') + QString::fromLatin1(hash.left(hashDigits)) + Suffix(name);
-    QString head = name.left(longestBytes);
-    while (head.toUtf8().size() + end.toUtf8().size() > longestBytes)
+    const QString end = QLatin1Char('~') + QString::fromLatin1(hash.left(HashDigits)) + Suffix(name);
+    QString head = name.left(LongestBytes);
+    while (head.toUtf8().size() + end.toUtf8().size() > LongestBytes)
         head.chop(head.size() > 1 && head.at(head.size() - 1).isLowSurrogate() ? 2 : 1);
     return head + end;
 }
@@ -42,7 +41,7 @@ QString SafeComponent(const QString& name)
         return QStringLiteral("_");
     if (safe.startsWith(QLatin1Char('.')))
         safe.replace(0, 1, QStringLiteral("%2E"));
-    return safe.toUtf8().size() > longestBytes ? Shortened(safe) : safe;
+    return safe.toUtf8().size() > LongestBytes ? Shortened(safe) : safe;
 }
 
 QString FileName(const QString& name, int copy)
@@ -75,11 +74,13 @@ QString PrepareFolder(const QString& destination)
 {
     const QFileInfo folder(QFileInfo(destination).path());
     if (!QDir().mkpath(folder.filePath()))
-        return QCoreApplication::translate("DownloadPaths", "The folder %1 cannot be made.")
+        return QCoreApplication::translate("DownloadPaths",
+            "The folder %1 cannot be created. Please check the download folder in the settings.")
             .arg(QDir::toNativeSeparators(folder.filePath()));
     const QDir root(QFileInfo(folder.path()).canonicalFilePath());
     if (folder.canonicalFilePath() != root.filePath(folder.fileName()))
-        return QCoreApplication::translate("DownloadPaths", "The folder %1 leads out of the download folder.")
+        return QCoreApplication::translate("DownloadPaths",
+            "The folder %1 is a link that leads out of the download folder, so nothing is saved there.")
             .arg(QDir::toNativeSeparators(folder.filePath()));
     return {};
 }

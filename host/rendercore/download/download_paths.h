@@ -2,28 +2,27 @@
 
 #include <QString>
 
-/// Where downloaded files go. The names come from the farm and are never taken for paths.
+/// Where downloaded files go. Names that come from the farm are never used as paths.
 namespace DownloadPaths {
 
-/// The name as one path component that a file system takes: VTFileNamePart(), not empty, not hidden and not too long.
+/// Turns a name into one path component: VTFileNamePart(), neither empty nor hidden nor too long for a file system.
 QString SafeComponent(const QString& name);
 
-/// "<root>/<subDir>/<name>", each of the latter made one safe component.
-/// @param copy from 2 on, for a name that is taken: it goes before the suffix.
+/// "<root>/<subDir>/<name>", with `subDir` and `name` turned into safe components.
+/// @param copy from 2 on: a number that goes before the suffix, for a name that is in use.
 QString Destination(const QString& root, const QString& subDir, const QString& name, int copy = 1);
 
-/// The last component of a destination, as Destination() makes it.
+/// The last component of Destination().
 QString FileName(const QString& name, int copy);
 
-/// Whether there is anything at that path, be it a link that leads nowhere.
+/// Whether anything is at that path, even a dangling symbolic link.
 bool IsOccupied(const QString& path);
 
-/// The hidden file beside a destination that holds it as far as it has come.
+/// The hidden file beside a destination that holds what has been received so far.
 QString PartFile(const QString& destination);
 
-/// Makes the folder of a destination.
-/// @return why nothing can be written there, for people; empty when all is well. A folder that leads out of the root by
-/// a symbolic link is refused.
+/// Creates the folder of a destination. A folder that leads out of the root by a symbolic link is refused.
+/// @return a message for the user when nothing can be written there; else empty.
 QString PrepareFolder(const QString& destination);
 
 } // namespace DownloadPaths

@@ -7,9 +7,9 @@
 
 namespace {
 
-constexpr int mostCopies = 1000;
+constexpr int MostCopies = 1000;
 
-constexpr const char* firstSchema = R"sql(
+constexpr const char* FirstSchema = R"sql(
 CREATE TABLE orders(
     owner TEXT NOT NULL,
     job TEXT NOT NULL,
@@ -39,8 +39,8 @@ CREATE INDEX tasks_by_owner ON tasks(owner, id);
 CREATE INDEX waiting_tasks ON tasks(owner, id) WHERE state = 0;
 )sql";
 
-// Owners share the disk.
-constexpr const char* fileIndex = "CREATE INDEX tasks_by_file ON tasks(file)";
+// Destinations are compared across owners, since owners share the disk.
+constexpr const char* FileIndex = "CREATE INDEX tasks_by_file ON tasks(file)";
 
 #define NEXT_SERIAL "(SELECT coalesce(max(serial), 0) + 1 FROM orders)"
 #define SELECT_TASKS "SELECT id, job, name, file, size, checksum, state, progress, fresh, message FROM tasks "
@@ -77,7 +77,7 @@ std::optional<DownloadTask> First(const DownloadTasks& tasks)
     return tasks.isEmpty() ? std::nullopt : std::optional<DownloadTask>(tasks.constFirst());
 }
 
-/// Brings one job's tasks in line with the farm's list of its files, inside of a transaction.
+/// Brings one job's tasks in line with the farm's list of its files, within a transaction.
 class Reconciliation
 {
 public:
@@ -99,7 +99,7 @@ public:
             m_known.insert(task.name, task);
     }
 
-    void Take(const FarmFile& file, const QString& folder)
+    void Reconcile(const FarmFile& file, const QString& folder)
     {
         m_outcome.names.append(file.name);
         const auto known = m_known.constFind(file.name);
@@ -119,7 +119,7 @@ private:
         task.name = file.name;
         task.size = file.size;
         task.checksum = file.checksum;
-        for (int copy = 1; copy <= mostCopies; ++copy) {
+        for (int copy = 1; copy <= MostCopies; ++copy) {
             task.file = DownloadPaths::Destination(folder, m_order.subDir, file.name, copy);
             if (IsTaken(task.file, file.size))
                 continue;
@@ -129,10 +129,11 @@ private:
             m_outcome.added.append(task);
             return;
         }
-        qWarning("no name is left for a file of job %s", qUtf8Printable(m_order.job));
+        qWarning("every name for a file of job %s is in use", qUtf8Printable(m_order.job));
     }
 
-    /// A file of no task that may be this very one is looked at when the task begins.
+    /// A file of the right size that belongs to no task may be the very one; its checksum is compared when the task
+    /// begins.
     bool IsTaken(const QString& file, qint64 size)
     {
         m_isTaken.reset();
@@ -142,9 +143,9 @@ private:
 
     void Renew(DownloadTask task, const FarmFile& file)
     {
-        const bool rests = task.state != DownloadState::Waiting;
+        const bool isWaiting = task.state == DownloadState::Waiting;
         const bool isSame = task.checksum == file.checksum && task.size == file.size;
-        if ((rests && m_order.kind != DownloadOrder::Manual) || (!rests && isSame))
+        if (isWaiting ? isSame : m_order.kind != DownloadOrder::Manual)
             return;
         if (task.state == DownloadState::Finished && isSame) {
             m_outcome.doubtful.append(task);
@@ -197,14 +198,14 @@ void Close(SQLite::Database& connection, const QString& owner, const DownloadOrd
 } // namespace
 
 DownloadStore::DownloadStore(const QString& file)
-    : m_database(file, {firstSchema, fileIndex})
+    : m_database(file, {FirstSchema, FileIndex})
 {
 }
 
 bool DownloadStore::AddOrders(const QString& owner, const DownloadOrders& orders)
 {
-    // The window sends the automatic orders of finished jobs with each refresh: mostly there is nothing to write.
-    const auto counts = [&owner, &orders](SQLite::Database& connection) {
+    // The window repeats the automatic orders of finished jobs with each refresh; mostly none of them is new.
+    const auto findNew = [&owner, &orders](SQLite::Database& connection) {
         SQLite::Statement known(connection, "SELECT 1 FROM orders WHERE owner = ? AND job = ?");
         DownloadOrders counting;
         for (const DownloadOrder& order : orders) {
@@ -215,7 +216,7 @@ bool DownloadStore::AddOrders(const QString& owner, const DownloadOrders& orders
         }
         return counting;
     };
-    const DownloadOrders counting = m_database.Read(counts);
+    const DownloadOrders counting = m_database.Read(findNew);
     if (counting.isEmpty())
         return false;
     m_database.Write([&owner, &counting](SQLite::Database& connection) {
@@ -274,7 +275,7 @@ OrderOutcome DownloadStore::Apply(
     return m_database.Write([&](SQLite::Database& connection) {
         Reconciliation reconciliation(connection, owner, order);
         for (const FarmFile& file : files)
-            reconciliation.Take(file, folder);
+            reconciliation.Reconcile(file, folder);
         Close(connection, owner, order);
         return reconciliation.Outcome();
     });
@@ -307,7 +308,7 @@ bool DownloadStore::Rename(DownloadTask* task)
 {
     const QString folder = QFileInfo(task->file).path() + QLatin1Char('/');
     return m_database.Write([&](SQLite::Database& connection) {
-        for (int copy = 1; copy <= mostCopies; ++copy) {
+        for (int copy = 1; copy <= MostCopies; ++copy) {
             const QString file = folder + DownloadPaths::FileName(task->name, copy);
             if (DownloadPaths::IsOccupied(file)
                 || storage::Execute(connection,
@@ -338,13 +339,13 @@ void DownloadStore::Save(const DownloadTasks& tasks)
 }
 
 DownloadTasks DownloadStore::Change(
-    const QString& owner, const TaskIds& ids, const std::function<bool(DownloadTask&)>& verdict)
+    const QString& owner, const TaskIds& ids, const std::function<bool(DownloadTask&)>& command)
 {
     return m_database.Write([&](SQLite::Database& /*connection*/) {
         DownloadTasks changed;
         for (const qint64 id : ids) {
             auto task = Find(owner, id);
-            if (task && verdict(*task))
+            if (task && command(*task))
                 changed.append(*task);
         }
         Save(changed);

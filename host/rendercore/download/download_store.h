@@ -8,57 +8,59 @@
 #include <functional>
 #include <optional>
 
-/// What an answered order did to the tasks.
+/// How an answered order has changed the tasks.
 struct OrderOutcome
 {
     DownloadTasks added;
-    DownloadTasks renewed; ///< waiting from now on; their former contents are of no use any more
-    DownloadTasks resumed; ///< waiting again; what has come so far counts
+    DownloadTasks renewed; ///< waiting for a changed file; data received so far are useless
+    DownloadTasks resumed; ///< waiting again; data received so far count
     DownloadTasks
-        doubtful;      ///< finished, and the farm's file is the same: the file on the disk is to be looked at
-    QStringList names; ///< of all the files that the farm has
+        doubtful;      ///< finished with the farm's current file; the file on the disk should be verified
+    QStringList names; ///< all files that the farm lists
 };
 
-/// Orders and tasks on the disk. Each thread has a store of its own on the same file; every change is there when the
-/// call returns. Throws SQLite::Exception, the constructor std::runtime_error, too.
+/// Orders and tasks in a database. A change is on the disk when its function returns. Several stores can use one file.
+/// Throws SQLite::Exception; the constructor also throws std::runtime_error.
 class DownloadStore
 {
 public:
     explicit DownloadStore(const QString& file);
 
-    /// Keeps the orders that count, see DownloadOrder::Kind.
+    /// Saves the orders that count (see DownloadOrder::Kind).
     /// @return whether there are any.
     bool AddOrders(const QString& owner, const DownloadOrders& orders);
-    /// Some of the orders that were not answered yet, the longest waiting first.
+    /// Orders that have not been answered yet, the longest waiting first.
     DownloadOrders OpenOrders(const QString& owner, int limit);
-    /// Lets the others go first.
+    /// Puts an order behind all others.
     void PostponeOrder(const QString& owner, const QString& job);
-    /// A manual order that brought no files is forgotten, so that an automatic one counts when the job is finished.
+    /// Marks an order as answered. A manual one that has brought no files is forgotten, so that the automatic one counts
+    /// when the job is finished.
     void CloseOrder(const QString& owner, const DownloadOrder& order);
-    /// Asks for a job's files once more, as a renewal.
+    /// Opens a job's order again as a renewal.
     void ReopenOrder(const QString& owner, const QString& job);
 
-    /// Applies an answer and closes the order, as one transaction.
-    /// @param folder under which the files go.
+    /// Brings a job's tasks in line with the farm's list and closes the order, in one transaction.
+    /// @param folder holds the folders of all jobs.
     OrderOutcome Apply(
         const QString& owner, const DownloadOrder& order, const FarmFiles& files, const QString& folder);
 
+    /// Tasks in the order of their ids, from after `id` on.
     DownloadTasks TasksAfter(const QString& owner, qint64 id, int limit);
+    /// The first waiting task after `id`.
     std::optional<DownloadTask> NextWaiting(const QString& owner, qint64 id);
     std::optional<DownloadTask> Find(const QString& owner, qint64 id);
 
-    /// Gives a task a name that neither a task nor anything on the disk has.
-    /// @return whether there is one; the task says where it goes.
+    /// Gives a task a destination that no other task has and where nothing is on the disk.
+    /// @return false when none was found.
     bool Rename(DownloadTask* task);
 
-    /// Writes state, progress, freshness and message of each task that is still there.
+    /// Saves state, progress, `fresh` and message of each task that still exists.
     void Save(const DownloadTasks& tasks);
-    /// Writes and returns those of the owner's tasks that a verdict has changed, as one transaction. Ids that are none
-    /// of the owner's tasks are left out.
-    /// @param verdict changes a task; false where it does not apply.
+    /// Changes the owner's tasks in one transaction and returns those that have changed. Unknown ids are ignored.
+    /// @param command changes a task and returns true, or returns false where it does not apply.
     DownloadTasks Change(
-        const QString& owner, const TaskIds& ids, const std::function<bool(DownloadTask&)>& verdict);
-    /// @return those of the owner's tasks that were there.
+        const QString& owner, const TaskIds& ids, const std::function<bool(DownloadTask&)>& command);
+    /// @return the removed tasks. Unknown ids are ignored.
     DownloadTasks Remove(const QString& owner, const TaskIds& ids);
 
 private:

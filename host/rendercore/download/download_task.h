@@ -21,7 +21,7 @@ struct DownloadTask
     QString message;
 };
 
-/// What the window shows of a task from now on.
+/// A change of what the window shows of a task.
 struct DownloadChange
 {
     qint64 id = 0;

@@ -7,7 +7,7 @@
 
 #include <deque>
 
-/// Looks at files that should be whole, one at a time, so that the transfers of the thread go on between them.
+/// Verifies the checksums of finished files, one at a time, so that transfers in the same thread go on in between.
 class FileChecks : public QObject
 {
     Q_OBJECT
@@ -19,7 +19,7 @@ public:
     void Clear() { m_tasks.clear(); }
 
 signals:
-    /// The task's file is not there, or not what the task says.
+    /// The task's file is missing or differs from what was downloaded.
     void Damaged(qint64 id);
 
 private:

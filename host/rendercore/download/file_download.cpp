@@ -18,15 +18,15 @@
 
 namespace {
 
-constexpr int blockBytes = 1024 * 1024;
-constexpr int longestRetryAfter = 3600;
+constexpr int BlockBytes = 1024 * 1024;
+constexpr int LongestRetryAfter = 3600; // seconds
 
 bool IsQuitting()
 {
     return QThread::currentThread()->isInterruptionRequested();
 }
 
-/// Where the bytes of a partial answer start in a file of that size; -1 when they are none of such a file.
+/// The offset of a partial answer in a file of that size; -1 when the answer belongs to another file.
 qint64 RangeStart(const QByteArray& contentRange, qint64 size)
 {
     static const QRegularExpression range(QStringLiteral("^bytes ([0-9]{1,18})-[0-9]{1,18}/([0-9]{1,18})$"));
@@ -52,7 +52,7 @@ FileDownload::FileDownload(
     m_idle.setSingleShot(true);
     m_idle.setInterval(limits.idleTime);
     connect(&m_idle, &QTimer::timeout, this,
-        [this] { End(DownloadOutcome::Broken, tr("The farm does not send anything.")); });
+        [this] { End(DownloadOutcome::Broken, tr("The farm has stopped sending %1.").arg(m_task.name)); });
 }
 
 FileDownload::~FileDownload()
@@ -73,8 +73,8 @@ void FileDownload::Start()
     if (!trouble.isEmpty()) {
         End(DownloadOutcome::Failed, trouble);
     } else if (!m_task.fresh && DownloadPaths::IsOccupied(m_task.file)) {
-        TakeWhatIsThere();
-    } else if (TakePart()) {
+        AdoptExistingFile();
+    } else if (LoadPart()) {
         emit Progressed();
         if (m_offset == m_task.size)
             Finish();
@@ -83,13 +83,13 @@ void FileDownload::Start()
     }
 }
 
-/// The file is there already after the client was killed between giving it its name and noting that; it is reported now.
-/// Anything else in its place is somebody else's.
-void FileDownload::TakeWhatIsThere()
+/// A whole file is at its destination when the client was killed before the task was saved; it is reported now. Anything
+/// else at the destination belongs to somebody else.
+void FileDownload::AdoptExistingFile()
 {
     const bool isWhole = IsWhole();
     if (IsQuitting()) {
-        End(DownloadOutcome::Broken, tr("The transfer was interrupted."));
+        End(DownloadOutcome::Broken, tr("The transfer of %1 was interrupted.").arg(m_task.name));
         return;
     }
     QFile::remove(m_partFile);
@@ -108,7 +108,7 @@ bool FileDownload::IsWhole() const
     }
 }
 
-bool FileDownload::TakePart()
+bool FileDownload::LoadPart()
 {
     if (!OpenPart()) {
         Fail(QString::fromLocal8Bit(std::strerror(errno)));
@@ -118,23 +118,23 @@ bool FileDownload::TakePart()
         m_part.resize(0);
     if (HashPart())
         return true;
-    End(DownloadOutcome::Broken, tr("The transfer was interrupted."));
+    End(DownloadOutcome::Broken, tr("The transfer of %1 was interrupted.").arg(m_task.name));
     return false;
 }
 
-/// A link in the place of the part file is not followed.
+/// A symbolic link in place of the part file is not followed.
 bool FileDownload::OpenPart()
 {
-    constexpr int readableByAll = 0666;
+    constexpr int ReadableByAll = 0666;
     const QByteArray path = QFile::encodeName(m_partFile);
-    const int handle = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, readableByAll);
+    const int handle = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, ReadableByAll);
     return handle >= 0
         && m_part.open(handle, QIODevice::ReadWrite | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle);
 }
 
 bool FileDownload::HashPart()
 {
-    QByteArray block(blockBytes, Qt::Uninitialized);
+    QByteArray block(BlockBytes, Qt::Uninitialized);
     while (!IsQuitting()) {
         const qint64 got = m_part.read(block.data(), block.size());
         if (got <= 0)
@@ -169,7 +169,7 @@ void FileDownload::Ask()
         return;
     }
     // The network goes no faster than the disk.
-    m_reply->setReadBufferSize(blockBytes);
+    m_reply->setReadBufferSize(BlockBytes);
     connect(m_reply, &QNetworkReply::readyRead, this, &FileDownload::Receive);
     connect(m_reply, &QNetworkReply::finished, this, &FileDownload::Conclude);
     m_idle.start();
@@ -192,20 +192,23 @@ void FileDownload::Accept(int status)
 
 void FileDownload::Refuse(int status)
 {
-    const int seconds = std::clamp(m_reply->rawHeader("Retry-After").toInt(), 0, longestRetryAfter);
+    const int seconds = std::clamp(m_reply->rawHeader("Retry-After").toInt(), 0, LongestRetryAfter);
     if (status == 401) {
-        End(DownloadOutcome::SignedOut, tr("The session has ended."));
+        End(DownloadOutcome::SignedOut);
     } else if (status == 404 || status == 412) {
-        End(DownloadOutcome::Outdated, tr("The farm has another file now."));
+        End(DownloadOutcome::Outdated, tr("%1 has changed on the farm.").arg(m_task.name));
     } else if (status == 416 && !m_startedOver) {
         m_startedOver = true;
         DropReply();
         StartOver();
         Ask();
     } else if (status >= 400 && status < 500 && status != 416 && status != 408 && !IsPassing(status)) {
-        End(DownloadOutcome::Failed, tr("The farm refuses the file (status %1).").arg(status));
+        End(DownloadOutcome::Failed,
+            tr("The farm refuses to send %1 (status %2).").arg(m_task.name, QString::number(status)));
     } else {
-        End(DownloadOutcome::Broken, tr("The farm cannot send the file now (status %1).").arg(status),
+        End(DownloadOutcome::Broken,
+            tr("The farm cannot send %1 at the moment (status %2).")
+                .arg(m_task.name, QString::number(status)),
             seconds * 1000);
     }
 }
@@ -214,7 +217,7 @@ void FileDownload::Receive()
 {
     const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (status != 200 && status != 206)
-        return; // the bytes explain a refusal
+        return; // the body explains a refusal
     if (!m_accepted)
         Accept(status);
     if (m_ended)
@@ -222,10 +225,11 @@ void FileDownload::Receive()
     m_idle.start();
     const bool isFirst = m_reply->bytesAvailable() > 0 && !m_reported.isValid();
     while (m_reply->bytesAvailable() > 0) {
-        const QByteArray bytes = m_reply->read(blockBytes);
+        const QByteArray bytes = m_reply->read(BlockBytes);
         if (bytes.size() > m_task.size - m_offset) {
             StartOver();
-            End(DownloadOutcome::Outdated, tr("The farm sent more than it announced."));
+            End(DownloadOutcome::Outdated,
+                tr("The farm sent more of %1 than it had announced.").arg(m_task.name));
             return;
         }
         if (m_part.write(bytes) != bytes.size()) {
@@ -255,14 +259,15 @@ void FileDownload::Conclude()
     else if (m_accepted && m_offset == m_task.size)
         Finish();
     else
-        End(DownloadOutcome::Broken, error.isEmpty() ? tr("The transfer was interrupted.") : error);
+        End(DownloadOutcome::Broken,
+            error.isEmpty() ? tr("The transfer of %1 was interrupted.").arg(m_task.name) : error);
 }
 
 void FileDownload::Finish()
 {
     if (QString::fromLatin1(m_hash.result().toHex()) != m_task.checksum) {
         QFile::remove(m_partFile);
-        End(DownloadOutcome::Damaged, tr("The file arrived damaged: its checksum is wrong."));
+        End(DownloadOutcome::Damaged, tr("%1 arrived damaged: its checksum is wrong.").arg(m_task.name));
         return;
     }
     m_part.close();
@@ -277,7 +282,7 @@ void FileDownload::Finish()
 void FileDownload::Fail(const QString& message)
 {
     End(DownloadOutcome::Failed,
-        tr("Cannot write %1: %2").arg(QDir::toNativeSeparators(m_task.file), message));
+        tr("%1 cannot be saved: %2").arg(QDir::toNativeSeparators(m_task.file), message));
 }
 
 void FileDownload::End(DownloadOutcome::Kind kind, const QString& message, int retryAfter)

@@ -12,26 +12,26 @@
 
 class QNetworkReply;
 
-/// How one attempt to bring a file ended.
+/// How an attempt to download a file ended.
 struct DownloadOutcome
 {
     enum Kind {
-        Complete,  ///< the file has its name and is on the disk
-        Broken,    ///< for now; what has come is kept
+        Complete,  ///< the whole file is at its destination, on the disk
+        Broken,    ///< another attempt may succeed; the data received so far are kept
         Outdated,  ///< the farm has another file of that name, or none
-        Damaged,   ///< all bytes came, but not the right ones; they are gone
-        Failed,    ///< and will again
-        NameTaken, ///< by something else on the disk, which stays
+        Damaged,   ///< the checksum of the received data is wrong; they are deleted
+        Failed,    ///< another attempt would fail, too
+        NameTaken, ///< something else is at the destination, and stays there
         SignedOut, ///< the farm does not know the session
     };
 
     Kind kind = Broken;
-    QString message;    ///< for people; empty for Complete and NameTaken
-    int retryAfter = 0; ///< pause that the farm asked for, in milliseconds
+    QString message;    ///< for the user; empty for Complete, NameTaken and SignedOut
+    int retryAfter = 0; ///< the pause that the farm asks for, in milliseconds
 };
 
-/// Brings one file from the farm: into its part file, on from where that ends, and under its name once it is proved
-/// to be whole. Everything happens in the thread that it was made in, disk included.
+/// Downloads one file: appends to its part file, and moves that to the destination once the checksum is right. All work,
+/// on the disk, too, happens in the thread of this object.
 class FileDownload : public QObject
 {
     Q_OBJECT
@@ -43,6 +43,7 @@ public:
     ~FileDownload() override;
 
     const DownloadTask& Task() const { return m_task; }
+    /// In percent.
     int Progress() const;
 
     /// To be called once.
@@ -50,15 +51,15 @@ public:
 
 signals:
     void Progressed();
-    /// The first bytes of this attempt have come.
+    /// The first data of this attempt have arrived.
     void Advanced();
-    /// Once, at the end; not emitted when the object is deleted before.
+    /// Emitted once, unless the object is deleted before.
     void Ended(const DownloadOutcome& outcome);
 
 private:
-    void TakeWhatIsThere();
+    void AdoptExistingFile();
     bool IsWhole() const;
-    bool TakePart();
+    bool LoadPart();
     bool OpenPart();
     bool HashPart();
     void StartOver();
@@ -77,13 +78,13 @@ private:
     DownloadTask m_task;
     DownloadLimits m_limits;
     QString m_partFile;
-    QFile m_part; // without a name while it is open
+    QFile m_part; // opened by its descriptor, so it has no name
     QCryptographicHash m_hash {QCryptographicHash::Sha256};
-    qint64 m_offset = 0; // how much of the file is in the part file and in the hash
+    qint64 m_offset = 0; // bytes of the file that are in the part file and in the hash
     QPointer<QNetworkReply> m_reply;
     QTimer m_idle;
     QElapsedTimer m_reported;
-    bool m_accepted = false; // what comes now are the file's bytes
+    bool m_accepted = false; // the answer holds the file's data
     bool m_startedOver = false;
     bool m_ended = false;
 };

@@ -38,6 +38,6 @@ private:
     int m_retryPause;
     QString m_owner;
     bool m_isLoading = false;
-    qint64 m_lastId = 0; // of the tasks that were loaded
+    qint64 m_lastId = 0; // the last task that was loaded
     QTimer m_timer;
 };

@@ -162,7 +162,7 @@ void TransferPool::HandleEnd(qint64 id, const DownloadOutcome& outcome)
         Postpone(task, transfer->Progress(), outcome.message, outcome.retryAfter);
         break;
     case DownloadOutcome::Outdated:
-        AskForNewList(task);
+        AskForNewList(task, outcome.message);
         break;
     case DownloadOutcome::Damaged:
         HandleDamage(task, outcome.message);
@@ -240,9 +240,8 @@ void TransferPool::Rename(DownloadTask task)
     m_schedule.RetryNow(task.id);
 }
 
-void TransferPool::AskForNewList(const DownloadTask& task)
+void TransferPool::AskForNewList(const DownloadTask& task, const QString& message)
 {
-    const QString message = tr("%1 has changed on the farm.").arg(task.name);
     if (!Attempt("reopen an order", [&] { m_store->ReopenOrder(m_access.owner, task.job); })) {
         Postpone(task, 0, message);
         return;

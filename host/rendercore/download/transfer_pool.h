@@ -71,7 +71,7 @@ private:
     void Postpone(const DownloadTask& task, int progress, const QString& message, int retryAfter = 0);
     void Fail(DownloadTask task, const QString& message);
     void Rename(DownloadTask task);
-    void AskForNewList(const DownloadTask& task);
+    void AskForNewList(const DownloadTask& task, const QString& message);
 
     DownloadStore* m_store;
     HttpTransport* m_transport;
@@ -80,7 +80,7 @@ private:
     FarmAccess m_access;
     bool m_isStarted = false;
     TransferSchedule m_schedule;
-    QElapsedTimer m_clock; // of the schedule
+    QElapsedTimer m_clock; // tells the schedule the time
     qint64 m_cursor = 0;   // all waiting tasks up to here have been started or are in the schedule
     std::map<qint64, std::unique_ptr<FileDownload>> m_active;
     std::map<QString, std::set<qint64>> m_outdated; // by job: tasks that wait for a new list of its files

@@ -12,7 +12,7 @@ HttpLimits OneAttempt()
 {
     HttpLimits limits;
     limits.attempts = 1;
-    limits.attemptTime = 30000;
+    limits.attemptTime = 30000; // ms
     return limits;
 }
 
@@ -46,7 +46,7 @@ std::optional<HttpResult> FarmLink::Send(HttpRequest request, const std::functio
     QEventLoop waiting;
     m_waiting = &waiting;
     {
-        QObject owner; // a call that is not finished is cancelled with it
+        QObject owner; // its end cancels an unfinished call
         HttpCall* call = m_transport.Send(request, &owner);
         QObject::connect(call, &HttpCall::Finished, &owner, [&](const HttpResult& answer) {
             result = answer;

@@ -8,24 +8,26 @@
 
 #include <optional>
 
-/// Requests to the farm, one after another, for a thread that can wait: its event loop runs meanwhile.
-/// Each is tried once.
+/// Sends requests to the farm and waits for the answers; the thread's event loop runs meanwhile. Each request is tried
+/// once.
 class FarmLink
 {
 public:
     FarmLink();
 
-    /// Where and as whom from now on, and what ends a request early.
+    /// Sets server and session of the requests to come.
+    /// @param interrupted ends a request early.
     void Begin(const FarmAccess& access, const InterruptFlag& interrupted);
 
-    /// Ends the request that is under way when the flag is set; to be called in the client's thread.
+    /// Ends the request under way if the flag is set. To be called in the same thread.
     void Interrupt();
 
-    /// @param onSent is told how many bytes of the body are on their way.
-    /// @return the result; none when it was interrupted.
+    /// @param onSent is called with the number of bytes of the body that have been sent.
+    /// @return none when the request was interrupted.
     std::optional<HttpResult> Send(HttpRequest request, const std::function<void(qint64)>& onSent = {});
 
     /// Sends a JSON object.
+    /// @param attemptTime in milliseconds; 0 for the usual limit.
     std::optional<HttpResult> Post(const QByteArray& target, const QJsonObject& body, int attemptTime = 0);
 
 private:

@@ -12,11 +12,11 @@
 
 namespace {
 
-constexpr int kChecksumsAtOnce = 1000;
-constexpr qint64 kLargestChunk = 2LL * 1024 * 1024;
-constexpr int kChunkTime = 120 * 1000;
-constexpr int kUnpackTime = 30 * 60 * 1000;
-constexpr int kMostConflicts = 5;
+constexpr int ChecksumsAtOnce = 1000;
+constexpr qint64 LargestChunk = 2LL * 1024 * 1024; // bytes
+constexpr int ChunkTime = 120 * 1000;              // ms
+constexpr int UnpackTime = 30 * 60 * 1000;         // ms
+constexpr int MostConflicts = 5;                   // a package, before the farm counts as busy
 
 QJsonObject DataOf(const HttpResult& result)
 {
@@ -66,15 +66,15 @@ void FarmStages::CopySame()
         checksums.append(file.checksum);
     checksums.removeDuplicates();
     QSet<QString> wanted(checksums.cbegin(), checksums.cend());
-    for (int from = 0; from < checksums.size(); from += kChecksumsAtOnce) {
-        const QJsonArray some = QJsonArray::fromStringList(checksums.mid(from, kChecksumsAtOnce));
+    for (int from = 0; from < checksums.size(); from += ChecksumsAtOnce) {
+        const QJsonArray some = QJsonArray::fromStringList(checksums.mid(from, ChecksumsAtOnce));
         const auto result = m_farm.Post("/contents/known", {{QStringLiteral("checksums"), some}});
         if (!Check(result))
             return;
         const QJsonArray known = DataOf(*result).value(QLatin1String("known")).toArray();
         for (const QJsonValue& checksum : known)
             wanted.remove(checksum.toString());
-        (*m_onProgress)(std::min(from + kChecksumsAtOnce, checksums.size()) * 100 / checksums.size(), {});
+        (*m_onProgress)(std::min(from + ChecksumsAtOnce, checksums.size()) * 100 / checksums.size(), {});
     }
     for (PackedFile& file : m_outcome.work.files) {
         file.isWanted = wanted.remove(file.checksum);
@@ -102,7 +102,7 @@ void FarmStages::UploadAll()
     Conclude(SubmitStage::Uncompress);
 }
 
-/// @return whether the stage may go on, also when the package was refused.
+/// @return whether the stage may go on, which it does after a refused package, too.
 bool FarmStages::SendPackage(PackedFile& file, const QString& package, TransferMeter& meter, qint64& moved)
 {
     const auto result = m_farm.Post("/uploads",
@@ -122,7 +122,7 @@ bool FarmStages::SendChunks(
 {
     QFile content(package);
     if (!content.open(QIODevice::ReadOnly)) {
-        Refuse(file, QStringLiteral("Its package cannot be read."));
+        Refuse(file, QStringLiteral("The packed file cannot be read from the disk."));
         return true;
     }
     for (int conflicts = 0; upload.offset < file.packageSize;) {
@@ -130,11 +130,11 @@ bool FarmStages::SendChunks(
         request.verb = "PUT";
         request.target = UploadTarget(upload.id) + "?offset=" + QByteArray::number(upload.offset);
         request.contentType = "application/octet-stream";
-        request.attemptTime = kChunkTime;
+        request.attemptTime = ChunkTime;
         if (content.seek(upload.offset))
             request.body = content.read(upload.chunkSize);
         if (request.body.isEmpty()) {
-            Refuse(file, QStringLiteral("Its package cannot be read."));
+            Refuse(file, QStringLiteral("The packed file cannot be read from the disk."));
             return true;
         }
         auto result = m_farm.Send(request, [&](qint64 bytes) {
@@ -143,8 +143,8 @@ bool FarmStages::SendChunks(
             meter.SetMoved(moved + bytes);
             (*m_onProgress)(meter.Percent(), meter.Text());
         });
-        // What was sent had arrived already, or not all of what was thought to have arrived has.
-        if (IsStatus(result, 409) && ++conflicts < kMostConflicts) {
+        // The farm's offset differs from ours, so its offset is fetched.
+        if (IsStatus(result, 409) && ++conflicts < MostConflicts) {
             HttpRequest question;
             question.verb = "GET";
             question.target = UploadTarget(upload.id);
@@ -180,7 +180,7 @@ void FarmStages::UncompressAll()
 
 bool FarmStages::Uncompress(PackedFile& file)
 {
-    const auto result = m_farm.Post(UploadTarget(file.upload.toUtf8()) + "/unpack", {}, kUnpackTime);
+    const auto result = m_farm.Post(UploadTarget(file.upload.toUtf8()) + "/unpack", {}, UnpackTime);
     if (IsStatus(result, 404) || IsStatus(result, 409)) {
         file.isSent = false;
         Repeat(SubmitStage::Upload, QString::fromLatin1(SubmitText::Busy));
@@ -198,7 +198,7 @@ bool FarmStages::Uncompress(PackedFile& file)
             && value[QLatin1String("checksum")].toString() == file.checksum;
     });
     if (!isOurs)
-        Refuse(file, QStringLiteral("It has changed on its way."));
+        Refuse(file, QStringLiteral("The file arrived damaged at the farm."));
     file.isWanted = !isOurs;
     m_outcome.advanced = m_outcome.advanced || isOurs;
     return true;
@@ -217,27 +217,27 @@ void FarmStages::Submit()
     Conclude(SubmitStage::Submit);
 }
 
-/// Takes the farm's answer about a package; refuses the file where there is none that can be used.
+/// Reads the farm's state of a package. Marks the file as refused when the farm refuses it or the answer is invalid.
 bool FarmStages::ReadUpload(const HttpResult& result, const PackedFile& file, Upload& upload)
 {
     const QJsonObject data = DataOf(result);
     upload.id = data.value(QLatin1String("id")).toString().toUtf8();
     upload.offset = static_cast<qint64>(data.value(QLatin1String("offset")).toDouble(-1));
     upload.chunkSize
-        = std::min(static_cast<qint64>(data.value(QLatin1String("chunkSize")).toDouble()), kLargestChunk);
+        = std::min(static_cast<qint64>(data.value(QLatin1String("chunkSize")).toDouble()), LargestChunk);
     if (data.value(QLatin1String("unpacked")).toBool())
         upload.offset = file.packageSize;
     if (result.status != 200)
         Refuse(file, result.error);
     else if (upload.id.isEmpty() || upload.offset < 0 || upload.offset > file.packageSize
         || upload.chunkSize < 1)
-        Refuse(file, QStringLiteral("The server's answer cannot be read."));
+        Refuse(file, QStringLiteral("The farm's answer about an upload cannot be read."));
     else
         return true;
     return false;
 }
 
-/// Whether the farm did what was asked; otherwise the outcome says why not.
+/// Whether the request succeeded; otherwise the outcome tells why not.
 bool FarmStages::Check(const std::optional<HttpResult>& result)
 {
     if (!CheckPassing(result))
@@ -250,7 +250,7 @@ bool FarmStages::Check(const std::optional<HttpResult>& result)
     return false;
 }
 
-/// Whether there is an answer that will not change by asking again; otherwise the outcome says what to wait for.
+/// Whether the answer is final; otherwise the outcome tells what to wait for.
 bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
 {
     if (!result)

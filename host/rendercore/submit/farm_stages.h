@@ -4,18 +4,18 @@
 #include "host/rendercore/submit/stage_outcome.h"
 #include "host/rendercore/submit/transfer_meter.h"
 
-/// The stages that the farm takes part in. They belong to the thread that made them.
+/// The stages that need the farm. Belongs to the thread that makes it.
 class FarmStages
 {
 public:
-    /// Does the order's stage, one from CopySame on.
+    /// Runs the stage of the request, one for which NeedsFarm() holds.
     StageOutcome Run(const StageRequest& request, const StageProgress& onProgress);
 
-    /// Ends the request that is under way when the order's flag is set.
+    /// Ends the HTTP request under way if the flag of the stage is set.
     void Interrupt() { m_farm.Interrupt(); }
 
 private:
-    /// How far the farm is with a package.
+    /// The farm's state of a package.
     struct Upload
     {
         QByteArray id;
@@ -40,7 +40,7 @@ private:
     void Repeat(SubmitStage next, const QString& message);
 
     FarmLink m_farm;
-    const StageRequest* m_request = nullptr; // while it runs
+    const StageRequest* m_request = nullptr; // while a stage runs; so is m_onProgress
     const StageProgress* m_onProgress = nullptr;
     StageOutcome m_outcome;
 };

@@ -9,10 +9,10 @@
 
 namespace {
 
-constexpr int kLongestName = 256;
-constexpr int kChecksumLength = 64;
-// The farm takes 1 MiB; names, ranges and the rest are far below the difference.
-constexpr int kMostFileBytes = 1000 * 1000;
+constexpr int LongestName = 256;   // characters
+constexpr int ChecksumLength = 64; // digits
+// The farm takes 1 MiB a request; everything but the files is far smaller than the difference.
+constexpr int MostFileBytes = 1000 * 1000;
 
 QJsonObject FileMembers(const QString& path, const QString& checksum)
 {
@@ -29,7 +29,7 @@ QJsonObject JobBody(const SubmitTask& task)
     QJsonObject job = JobMembers(task.arguments, task.work.width, task.work.height);
     job.insert(QStringLiteral("submission"), task.submission);
     job.insert(QStringLiteral("type"), JobTypeOf(task.scene));
-    job.insert(QStringLiteral("name"), QFileInfo(task.scene).completeBaseName().left(kLongestName));
+    job.insert(QStringLiteral("name"), QFileInfo(task.scene).completeBaseName().left(LongestName));
     job.insert(QStringLiteral("scene"), task.work.scene);
     job.insert(QStringLiteral("files"), files);
     return job;
@@ -37,9 +37,9 @@ QJsonObject JobBody(const SubmitTask& task)
 
 bool AreTooManyFiles(const SubmitWork& work)
 {
-    const QString checksum(kChecksumLength, QLatin1Char('0'));
+    const QString checksum(ChecksumLength, QLatin1Char('0'));
     QJsonArray files;
     for (const PackedFile& file : work.files)
         files.append(FileMembers(file.path, checksum));
-    return QJsonDocument(files).toJson(QJsonDocument::Compact).size() > kMostFileBytes;
+    return QJsonDocument(files).toJson(QJsonDocument::Compact).size() > MostFileBytes;
 }

@@ -2,9 +2,8 @@
 
 #include "host/rendercore/submit/submit_task.h"
 
-/// What the farm is told to make a job of a task, whose arguments are such that AreArguments() holds.
+/// The body of the request that makes a job of a task. AreArguments() must hold for the task's arguments.
 QJsonObject JobBody(const SubmitTask& task);
 
-/// Whether what the task's files add to that is more than the farm takes in one request. Their checksums need not be
-/// known yet.
+/// Whether the list of files is too long for one request to the farm. The checksums need not be known yet.
 bool AreTooManyFiles(const SubmitWork& work);

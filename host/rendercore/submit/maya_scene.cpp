@@ -12,9 +12,9 @@
 
 namespace {
 
-constexpr qint64 kBlockBytes = 1024LL * 1024;
+constexpr qint64 BlockBytes = 1024LL * 1024;
 
-/// The nearest folder above the scene that is a project; null when there is none.
+/// The nearest project folder above the scene; null when there is none.
 QString ProjectFolder(const QString& scene)
 {
     QDir folder(QFileInfo(scene).path());
@@ -46,8 +46,8 @@ public:
     {
         Add(m_scene);
         m_result.scene = m_result.files.constFirst().path;
-        // The list grows while the texts are read.
-        for (int text = 0; text < m_texts.size() && m_result.files.size() <= kMostSceneFiles; ++text) {
+        // The list grows during the loop.
+        for (int text = 0; text < m_texts.size() && m_result.files.size() <= MostSceneFiles; ++text) {
             if (!ReadText(QString(m_texts.at(text))))
                 return m_result;
         }
@@ -83,9 +83,10 @@ private:
         }
         m_node.clear();
         const bool isScene = text == m_scene;
-        MayaStatements statements([this, isScene](const QStringList& words) { Take(words, isScene); });
+        MayaStatements statements(
+            [this, isScene](const QStringList& words) { HandleStatement(words, isScene); });
         for (;;) {
-            const QByteArray block = file.read(kBlockBytes);
+            const QByteArray block = file.read(BlockBytes);
             if (block.isEmpty())
                 return true;
             statements.Feed(block);
@@ -94,34 +95,34 @@ private:
         }
     }
 
-    void Take(const QStringList& words, bool isScene)
+    void HandleStatement(const QStringList& words, bool isScene)
     {
         const QString& command = words.constFirst();
         const QString& last = words.constLast();
         if (command == QLatin1String("file") && words.size() > 1)
-            TakeReference(last);
+            AddScene(last);
         else if ((command == QLatin1String("createNode") || command == QLatin1String("select"))
             && words.size() > 1)
             m_node = command == QLatin1String("select") ? last : words.at(1);
         else if (command == QLatin1String("setAttr") && words.size() > 2)
-            TakeAttribute(words.at(1) == QLatin1String("-k") ? words.value(3) : words.at(1), last, isScene);
+            HandleAttribute(words.at(1) == QLatin1String("-k") ? words.value(3) : words.at(1), last, isScene);
     }
 
-    /// A scene that is referenced twice carries a number in braces.
-    void TakeReference(QString reference)
+    /// A second reference to the same scene ends with a number in braces.
+    void AddScene(QString reference)
     {
         static const QRegularExpression copyNumber(QStringLiteral("\\{\\d+\\}$"));
         reference.remove(copyNumber);
-        TakePath(reference);
+        AddReference(reference);
     }
 
-    void TakeAttribute(const QString& name, const QString& value, bool isScene)
+    void HandleAttribute(const QString& name, const QString& value, bool isScene)
     {
         if (name == QLatin1String(".ftn") || name == QLatin1String(".fileTextureName")) {
-            TakePath(value);
+            AddReference(value);
             return;
         }
-        // Frames and size of a referenced scene are not the job's.
+        // The job's frames and size are those of the scene itself, not of referenced scenes.
         if (!isScene)
             return;
         if (m_node == QLatin1String(":defaultRenderGlobals")) {
@@ -137,9 +138,9 @@ private:
         }
     }
 
-    void TakePath(const QString& reference)
+    void AddReference(const QString& reference)
     {
-        if (reference.isEmpty() || m_seen.contains(reference) || m_seen.size() > kMostSceneFiles)
+        if (reference.isEmpty() || m_seen.contains(reference) || m_seen.size() > MostSceneFiles)
             return;
         m_seen.insert(reference);
         for (const QString& candidate : Candidates(reference)) {
@@ -157,7 +158,7 @@ private:
         QStringList candidates;
         if (QDir::isAbsolutePath(reference))
             candidates.append(reference);
-        // Two slashes in a row mark where the project's folder ends.
+        // Maya marks the end of the project's folder by a double slash.
         const int mark = reference.lastIndexOf(QLatin1String("//"));
         const QString within = mark >= 0 ? reference.mid(mark + 2) : reference;
         if (!QDir::isAbsolutePath(within))
@@ -165,7 +166,7 @@ private:
         return candidates;
     }
 
-    /// The files that a path with tokens stands for; the file itself where there are none.
+    /// The files that a path with tokens stands for, or the file itself.
     static QStringList FilesLike(const QString& path)
     {
         static const QRegularExpression token(
@@ -197,7 +198,7 @@ private:
     QStringList m_texts;
     QSet<QString> m_sources;
     QSet<QString> m_seen; // references
-    QString m_node;       // whose attributes are being set
+    QString m_node;       // the node that the attributes belong to
     int m_firstFrame = 1;
     int m_lastFrame = 1;
     int m_width = 0;

@@ -2,11 +2,11 @@
 
 #include "host/rendercore/submit/scene_analysis.h"
 
-/// A Maya scene. Of a text scene (`.ma`) the pictures of file nodes and the referenced scenes go along, and its frames
-/// and size are read; a binary scene (`.mb`) goes alone with one frame.
+/// Analyses a Maya scene. A text scene (`.ma`) brings the pictures of its file nodes and the scenes that it references,
+/// and tells frames and size; a binary scene (`.mb`) is sent alone, with one frame.
 ///
-/// Files beneath the project's folder, the nearest one with a workspace.mel, keep their places in it; where there is no
-/// project it is the scene's folder. Files from elsewhere go to `external/` under their absolute path; that the renderer
-/// looks for absolute paths there is the farm's path mapping. Tiles (`<UDIM>`, `<u>`, `<v>`) and frames (`<f>`) stand
-/// for all the files that fit; sequences that are only marked by a node's switches are not followed.
+/// Files in the project's folder, the nearest one above the scene with a workspace.mel, keep their places in it; without
+/// a project the scene's folder takes its part. Files from elsewhere go to `external/` and their absolute path, where the
+/// farm's path mapping makes the renderer look. Tiles (`<UDIM>`, `<u>`, `<v>`) and frames (`<f>`) stand for all files that
+/// match; sequences that are only switched on in a node are not followed.
 SceneAnalysis AnalyseMayaScene(const QString& scene, const BytesRead& onBytes);

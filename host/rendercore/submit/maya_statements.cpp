@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr int kLongestStatement = 16 * 1024;
+constexpr int LongestStatement = 16 * 1024; // bytes
 
 } // namespace
 
@@ -18,7 +18,7 @@ void MayaStatements::Feed(const QByteArray& block)
     for (const char character : block) {
         switch (m_state) {
         case State::Code:
-            TakeCode(character);
+            ReadCode(character);
             break;
         case State::Text:
             if (character == '"') {
@@ -43,7 +43,7 @@ void MayaStatements::Feed(const QByteArray& block)
     }
 }
 
-void MayaStatements::TakeCode(char character)
+void MayaStatements::ReadCode(char character)
 {
     const char before = std::exchange(m_before, character);
     if (character == '"') {
@@ -65,7 +65,7 @@ void MayaStatements::TakeCode(char character)
 
 void MayaStatements::Keep(char character)
 {
-    if (++m_kept <= kLongestStatement)
+    if (++m_kept <= LongestStatement)
         m_word += character;
 }
 

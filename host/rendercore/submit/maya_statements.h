@@ -5,9 +5,8 @@
 
 #include <functional>
 
-/// Cuts a Maya text into statements and those into words; texts in quotation marks are one word each, without the marks.
-/// It is fed block by block, however the blocks cut the text. Of a very long statement only the beginning is kept:
-/// geometry is of no interest.
+/// Splits a Maya text into statements and these into words; a quoted string is one word, without the quotation marks.
+/// The text may be fed in blocks of any size. Only the beginning of a very long statement is kept, which is geometry.
 class MayaStatements
 {
 public:
@@ -20,7 +19,7 @@ public:
 private:
     enum class State { Code, Text, Escape, Comment };
 
-    void TakeCode(char character);
+    void ReadCode(char character);
     void EndWord();
     void EndStatement();
     void Keep(char character);
@@ -29,6 +28,6 @@ private:
     State m_state = State::Code;
     QByteArray m_word;
     QStringList m_words;
-    int m_kept = 0; // bytes of the statement
-    char m_before = 0;
+    int m_kept = 0;    // bytes of the statement so far
+    char m_before = 0; // the previous character, to find comments
 };

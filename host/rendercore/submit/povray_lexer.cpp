@@ -6,14 +6,13 @@
 
 namespace {
 
-constexpr int kLongestToken = 4096;
+constexpr int LongestToken = 4096; // bytes
 
-constexpr std::array kPictureTypes {
+constexpr std::array PictureTypes {
     "png", "jpeg", "tga", "tiff", "gif", "ppm", "pgm", "iff", "sys", "exr", "hdr", "pot", "df3", "ttf"};
 
-// Those may name a picture without its type.
-constexpr std::array kPictureBlocks {
-    "image_map", "bump_map", "material_map", "image_pattern", "height_field"};
+// These blocks may name a picture without its type.
+constexpr std::array PictureBlocks {"image_map", "bump_map", "material_map", "image_pattern", "height_field"};
 
 template <typename Words>
 bool IsOneOf(const QByteArray& word, const Words& words)
@@ -45,22 +44,22 @@ void PovRayLexer::Feed(const QByteArray& block)
         switch (m_state) {
         case State::Word:
             if (IsWordPart(character)) {
-                if (m_token.size() < kLongestToken)
+                if (m_token.size() < LongestToken)
                     m_token += character;
                 break;
             }
             EndWord();
-            TakeCode(character);
+            ReadCode(character);
             break;
         case State::Code:
-            TakeCode(character);
+            ReadCode(character);
             break;
         case State::Text:
             if (character == '"')
                 EndText();
             else if (character == '\\')
                 m_state = State::Escape;
-            else if (m_token.size() < kLongestToken)
+            else if (m_token.size() < LongestToken)
                 m_token += character;
             break;
         case State::Escape:
@@ -69,13 +68,13 @@ void PovRayLexer::Feed(const QByteArray& block)
             break;
         case State::LineComment:
         case State::BlockComment:
-            TakeComment(character);
+            ReadComment(character);
             break;
         }
     }
 }
 
-void PovRayLexer::TakeCode(char character)
+void PovRayLexer::ReadCode(char character)
 {
     const char before = std::exchange(m_before, character);
     if (before == '/' && (character == '/' || character == '*')) {
@@ -89,7 +88,7 @@ void PovRayLexer::TakeCode(char character)
         m_token.clear();
         m_state = State::Text;
     } else if (IsBlank(character)) {
-        // "#  include" is a directive like "#include".
+        // "#  include" means "#include".
         if (before == '#')
             m_before = before;
     } else if (character != '#' && character != '/') {
@@ -97,7 +96,7 @@ void PovRayLexer::TakeCode(char character)
     }
 }
 
-void PovRayLexer::TakeComment(char character)
+void PovRayLexer::ReadComment(char character)
 {
     const char before = std::exchange(m_before, character);
     if (m_state == State::LineComment) {
@@ -128,9 +127,9 @@ void PovRayLexer::EndWord()
 
 void PovRayLexer::EndText()
 {
-    if (!m_token.isEmpty() && m_token.size() < kLongestToken) {
+    if (!m_token.isEmpty() && m_token.size() < LongestToken) {
         const bool isPicture
-            = IsOneOf(m_last, kPictureTypes) || (m_last == "{" && IsOneOf(m_lastButOne, kPictureBlocks));
+            = IsOneOf(m_last, PictureTypes) || (m_last == "{" && IsOneOf(m_lastButOne, PictureBlocks));
         if (m_last == "#include")
             m_found(Kind::Include, QString::fromUtf8(m_token));
         else if (isPicture)

@@ -5,7 +5,7 @@
 
 #include <functional>
 
-/// Finds the files that a POV-Ray text names. It is fed block by block, however the blocks cut the text.
+/// Finds the files that a POV-Ray text names. The text may be fed in blocks of any size.
 class PovRayLexer
 {
 public:
@@ -19,17 +19,17 @@ public:
 private:
     enum class State { Code, Word, Text, Escape, LineComment, BlockComment };
 
-    void TakeCode(char character);
-    void TakeComment(char character);
+    void ReadCode(char character);
+    void ReadComment(char character);
     void EndWord();
     void EndText();
 
     Found m_found;
     State m_state = State::Code;
-    int m_depth = 0;   // of nested block comments
-    char m_before = 0; // the character before, where two make a sign
+    int m_depth = 0;   // how many block comments are nested
+    char m_before = 0; // the previous character, for signs of two characters
     QByteArray m_token;
-    QByteArray m_last;       // the latest sign or word of the text
-    QByteArray m_lastButOne; // the one before
-    QByteArray m_openedFile; // what #fopen has named, until it is known whether it is read
+    QByteArray m_last;       // the latest sign or word
+    QByteArray m_lastButOne; // the sign or word before it
+    QByteArray m_openedFile; // the file of an #fopen, until the next word tells whether it is read
 };

@@ -13,12 +13,12 @@
 
 namespace {
 
-constexpr qint64 kBlockBytes = 1024LL * 1024;
-constexpr qint64 kLongestOptionLine = 4096;
-constexpr qint64 kLongestOptionsFile = 1024LL * 1024;
+constexpr qint64 BlockBytes = 1024LL * 1024;
+constexpr qint64 LongestOptionLine = 4096;           // bytes
+constexpr qint64 LongestOptionsFile = 1024LL * 1024; // bytes
 
-// What comes with POV-Ray, for clients on machines without it.
-constexpr std::array kStandardNames {"arrays.inc", "chars.inc", "colors.inc", "consts.inc", "crystal.ttf",
+// Files that come with POV-Ray, for machines on which it is not installed.
+constexpr std::array StandardNames {"arrays.inc", "chars.inc", "colors.inc", "consts.inc", "crystal.ttf",
     "cyrvetic.ttf", "debug.inc", "finish.inc", "functions.inc", "glass.inc", "glass_old.inc", "golds.inc",
     "ior.inc", "logo.inc", "makegrass.inc", "math.inc", "meshmaker.inc", "metals.inc", "povlogo.ttf",
     "rad_def.inc", "rand.inc", "screen.inc", "shapes.inc", "shapes2.inc", "shapes3.inc", "shapes_old.inc",
@@ -30,7 +30,7 @@ bool IsStandard(const QString& reference)
 {
     static const QStringList installed
         = QDir(QStringLiteral("/usr/share")).entryList({QStringLiteral("povray-*")}, QDir::Dirs);
-    return std::any_of(kStandardNames.begin(), kStandardNames.end(), [&reference](const char* name) {
+    return std::any_of(StandardNames.begin(), StandardNames.end(), [&reference](const char* name) {
         return reference == QLatin1String(name);
     }) || std::any_of(installed.cbegin(), installed.cend(), [&reference](const QString& version) {
         return QFileInfo(QStringLiteral("/usr/share/%1/include/%2").arg(version, reference)).isFile();
@@ -59,8 +59,8 @@ public:
     {
         Add(QFileInfo(m_scene).fileName(), m_scene);
         m_texts.append(m_scene);
-        // The list grows while the texts are read.
-        for (int text = 0; text < m_texts.size() && m_result.files.size() <= kMostSceneFiles; ++text) {
+        // The list grows during the loop.
+        for (int text = 0; text < m_texts.size() && m_result.files.size() <= MostSceneFiles; ++text) {
             if (!ReadText(QString(m_texts.at(text))))
                 return m_result;
         }
@@ -84,26 +84,26 @@ private:
         }
         const QString folder = QFileInfo(text).path();
         PovRayLexer lexer([this, &folder](PovRayLexer::Kind kind, const QString& reference) {
-            Take(kind, reference, folder);
+            AddReference(kind, reference, folder);
         });
         for (;;) {
-            const QByteArray block = file.read(kBlockBytes);
+            const QByteArray block = file.read(BlockBytes);
             if (block.isEmpty())
                 break;
             lexer.Feed(block);
             if (m_onBytes && !m_onBytes(block.size()))
                 return false;
         }
-        // A word ends with the text.
+        // The end of the text ends its last word.
         lexer.Feed("\n");
         return true;
     }
 
-    void Take(PovRayLexer::Kind kind, const QString& reference, const QString& folder)
+    void AddReference(PovRayLexer::Kind kind, const QString& reference, const QString& folder)
     {
         const QString path = QDir::cleanPath(reference);
-        if (m_seen.contains(path) || m_result.files.size() > kMostSceneFiles
-            || m_result.missing.size() > kMostSceneFiles)
+        if (m_seen.contains(path) || m_result.files.size() > MostSceneFiles
+            || m_result.missing.size() > MostSceneFiles)
             return;
         const QString source
             = FirstReadable({m_folder.absoluteFilePath(path), QDir(folder).absoluteFilePath(path)});
@@ -120,14 +120,14 @@ private:
                 m_result.missing.append(name);
             return;
         }
-        // Another text may know where it lies.
+        // An earlier text may have missed it, since its folder is another one.
         m_result.missing.removeAll(name);
         Add(path, source);
         if (kind == PovRayLexer::Kind::Include)
             m_texts.append(source);
     }
 
-    /// So far the paths start at the scene's folder; from now on at the topmost folder that one of them climbs to.
+    /// Until now the paths start at the scene's folder; from now on at the topmost folder that one of them climbs to.
     void PlaceFiles()
     {
         int climbs = 0;
@@ -150,7 +150,7 @@ private:
     QSet<QString> m_seen; // cleaned references, relative to the scene's folder
 };
 
-/// Reads the options of an animation where they stand beside the scene.
+/// Reads size and frames from the options file beside the scene, if there is one.
 void ReadOptions(const QString& scene, SceneAnalysis& analysis)
 {
     const QFileInfo file(scene);
@@ -159,9 +159,9 @@ void ReadOptions(const QString& scene, SceneAnalysis& analysis)
         return;
     std::optional<int> first;
     std::optional<int> last;
-    while (!options.atEnd() && options.pos() < kLongestOptionsFile) {
+    while (!options.atEnd() && options.pos() < LongestOptionsFile) {
         const QString line
-            = QString::fromUtf8(options.readLine(kLongestOptionLine)).section(QLatin1Char(';'), 0, 0);
+            = QString::fromUtf8(options.readLine(LongestOptionLine)).section(QLatin1Char(';'), 0, 0);
         const QString key = line.section(QLatin1Char('='), 0, 0).trimmed().toLower();
         bool isNumber = false;
         const int value = line.section(QLatin1Char('='), 1).trimmed().toInt(&isNumber);

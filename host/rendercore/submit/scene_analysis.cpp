@@ -44,14 +44,14 @@ SceneAnalysis AnalyseScene(const QString& scene, const BytesRead& onBytes)
     if (!analysis.error.isEmpty())
         return analysis;
 
-    // The parent that a renderer reaches by ".." is that of the real folder.
+    // A renderer that follows ".." gets to the parent of the real folder, not of a link to it.
     const QString path = QDir(QDir(file.absolutePath()).canonicalPath()).filePath(file.fileName());
     if (JobTypeOf(scene) == QLatin1String("povray"))
         analysis = AnalysePovRayScene(path, onBytes);
     else
         analysis = AnalyseMayaScene(path, onBytes);
-    if (analysis.files.size() > kMostSceneFiles || analysis.missing.size() > kMostSceneFiles)
-        analysis.error = QStringLiteral("The scene needs more than %1 files.").arg(kMostSceneFiles);
+    if (analysis.files.size() > MostSceneFiles || analysis.missing.size() > MostSceneFiles)
+        analysis.error = QStringLiteral("The scene needs more than %1 files.").arg(MostSceneFiles);
     return analysis;
 }
 
@@ -73,15 +73,15 @@ QString FirstReadable(const QStringList& candidates)
 
 void SetFrames(SceneAnalysis& analysis, int first, int last)
 {
-    analysis.firstFrame = std::clamp(first, 1, kLastFrame);
+    analysis.firstFrame = std::clamp(first, 1, LastFrame);
     analysis.lastFrame
-        = std::clamp(last, analysis.firstFrame, std::min(kLastFrame, analysis.firstFrame + kMostFrames - 1));
+        = std::clamp(last, analysis.firstFrame, std::min(LastFrame, analysis.firstFrame + MostFrames - 1));
 }
 
 void SetSize(SceneAnalysis& analysis, int width, int height)
 {
-    if (width >= 1 && width <= kLongestSide)
+    if (width >= 1 && width <= LongestSide)
         analysis.width = width;
-    if (height >= 1 && height <= kLongestSide)
+    if (height >= 1 && height <= LongestSide)
         analysis.height = height;
 }

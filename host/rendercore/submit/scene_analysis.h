@@ -6,54 +6,55 @@
 
 #include <functional>
 
-/// One file that a scene needs.
+/// A file that a scene needs.
 struct SceneFile
 {
-    QString path;   ///< where it is to lie at the farm: relative, with `/`, never climbing
-    QString source; ///< where it lies here, absolute
+    QString path;   ///< at the farm: relative, with `/`, without `..`
+    QString source; ///< absolute path on this machine
 };
 
-/// What a scene needs to be rendered elsewhere.
+/// The files that a scene needs to be rendered at the farm, and the job that it describes.
 struct SceneAnalysis
 {
-    QString error;            ///< English sentence; the rest counts only when it is empty
+    QString error;            ///< an English sentence; everything else is valid only when it is empty
     QString scene;            ///< the path of one of `files`
     QVector<SceneFile> files; ///< each path once, the scene first
-    QStringList missing;      ///< references that lead to no file that can be sent, as the scene names them
+    QStringList
+        missing; ///< references to files that are not there or cannot be sent, as the scene names them
     int firstFrame = 1;
     int lastFrame = 1;
-    int width = 640; ///< of the pictures in pixels
+    int width = 640; ///< of a frame, in pixels
     int height = 480;
 };
 
-/// Is told how many bytes have been read since it was last called; false ends the reading early.
+/// Called with the number of bytes read since the last call; returning false ends the reading early.
 using BytesRead = std::function<bool(qint64)>;
 
 /// The most files that a submission may have.
-constexpr int kMostSceneFiles = 4000;
+constexpr int MostSceneFiles = 4000;
 
-/// Whether this is the name of a scene that can be submitted: `.pov`, `.ma` or `.mb`.
+/// Whether a file can be submitted by its name: `.pov`, `.ma` or `.mb`.
 bool IsSceneName(const QString& file);
 
-/// The farm's job type for such a scene.
+/// The farm's job type for a scene; empty for other files.
 QString JobTypeOf(const QString& scene);
 
-/// Reads a scene and the texts that it includes, as streams, each once, and looks for every file that they name.
-/// Scenes of several hundred megabytes are fine; what an interrupted analysis returns is of no use.
+/// Reads a scene and the texts that it includes, each once as a stream, and finds the files that they name. Scenes of
+/// several hundred megabytes are fine. The result of an analysis that was ended early is not valid.
 ///
-/// What a scene puts together while it is parsed (names made of several strings, loops) is not seen, and what stands in
-/// branches that are not taken is. A binary Maya scene is sent alone.
+/// Names that a scene only puts together while it is parsed are not found; names in branches that are not taken are. A
+/// binary Maya scene is sent alone.
 /// @param scene absolute path of a file for which IsSceneName() holds.
 SceneAnalysis AnalyseScene(const QString& scene, const BytesRead& onBytes = {});
 
-/// Whether a file can be sent under this relative path: the farm takes no drives, backslashes or control characters.
+/// Whether the farm takes this relative path: it must be free of colons, backslashes and control characters.
 bool IsSendablePath(const QString& path);
 
-/// The absolute path of the first of the candidates that is a file which can be read; empty when none is.
+/// The absolute path of the first candidate that is a readable file; empty when none is.
 QString FirstReadable(const QStringList& candidates);
 
-/// The frames of an animation, brought to what a job may have: 1 to 99999, at most 20,000 of them.
+/// Sets the frames of an animation, limited to what a job may have: 1 to 99999, at most 20,000 of them.
 void SetFrames(SceneAnalysis& analysis, int first, int last);
 
-/// The size of the pictures, where it is one that a job may have; otherwise nothing changes.
+/// Sets width and height, each only if a job may have it.
 void SetSize(SceneAnalysis& analysis, int width, int height);

@@ -13,16 +13,16 @@
 
 namespace {
 
-constexpr int kBlockBytes = 1024 * 1024;
+constexpr int BlockBytes = 1024 * 1024;
 
-// What is smaller than a hundredth when packed looks like a trap to the farm when it is large; it is then not squeezed.
-constexpr qint64 kSmallFile = 64LL * 1024 * 1024;
-constexpr qint64 kLargestRatio = 100;
+// The farm takes a large file that shrinks to less than a hundredth for a trap, so such a file is stored uncompressed.
+constexpr qint64 SmallFile = 64LL * 1024 * 1024; // bytes
+constexpr qint64 LargestRatio = 100;
 
-// 1 January 2000; archives of the same file must not differ.
-constexpr zip_uint16_t kDosDate = ((2000 - 1980) << 9) | (1 << 5) | 1;
+// 1 January 2000, since archives of the same file must not differ.
+constexpr zip_uint16_t DosDate = ((2000 - 1980) << 9) | (1 << 5) | 1;
 
-/// The file that libzip reads.
+/// A file that libzip reads.
 struct Input
 {
     QFile file;
@@ -47,7 +47,7 @@ zip_int64_t Read(Input& input, void* data, zip_uint64_t length)
     return input.ended ? -1 : got;
 }
 
-/// What libzip asks of a source that is read once from its beginning to its end.
+/// The callback of a libzip source that is read once, from its beginning to its end.
 zip_int64_t Serve(void* state, void* data, zip_uint64_t length, zip_source_cmd_t command)
 {
     auto& input = *static_cast<Input*>(state);
@@ -107,7 +107,7 @@ Archive Open(const QString& path, int flags)
 bool Pack(const QString& source, const QString& path, const QString& target, zip_int32_t method,
     const std::function<bool(qint64)>& onBytes)
 {
-    Input input {QFile(source), onBytes}; // outlives the archive that reads it
+    Input input {QFile(source), onBytes}; // must outlive the archive, which reads it
     Archive archive = Open(target, ZIP_CREATE | ZIP_TRUNCATE);
     zip_source_t* content = zip_source_function(archive.get(), Serve, &input);
     if (!content)
@@ -120,14 +120,14 @@ bool Pack(const QString& source, const QString& path, const QString& target, zip
     }
     const auto entry = static_cast<zip_uint64_t>(index);
     if (zip_set_file_compression(archive.get(), entry, method, 0) < 0
-        || zip_file_set_dostime(archive.get(), entry, 0, kDosDate, 0) < 0)
+        || zip_file_set_dostime(archive.get(), entry, 0, DosDate, 0) < 0)
         Fail("A file cannot be packed", archive.get());
     if (zip_close(archive.get()) < 0) {
         if (input.ended)
             return false;
         Fail("A file cannot be packed", archive.get());
     }
-    // It has closed itself.
+    // A successful zip_close() has freed the archive.
     (void)archive.release();
     return true;
 }
@@ -140,7 +140,7 @@ bool PackFile(const QString& source, const QString& path, const QString& archive
     if (!Pack(source, path, archive, ZIP_CM_DEFLATE, onBytes))
         return false;
     const qint64 size = QFileInfo(source).size();
-    if (size < kSmallFile || QFileInfo(archive).size() * kLargestRatio > size)
+    if (size < SmallFile || QFileInfo(archive).size() * LargestRatio > size)
         return true;
     return Pack(source, path, archive, ZIP_CM_STORE, [&onBytes](qint64) { return onBytes(0); });
 }
@@ -152,7 +152,7 @@ QString PackedChecksum(const QString& archive, const std::function<bool(qint64)>
     if (!file)
         Fail("A package cannot be read", opened.get());
     QCryptographicHash hash(QCryptographicHash::Sha256);
-    QByteArray block(kBlockBytes, Qt::Uninitialized);
+    QByteArray block(BlockBytes, Qt::Uninitialized);
     for (;;) {
         const zip_int64_t got = zip_fread(file.get(), block.data(), static_cast<zip_uint64_t>(block.size()));
         if (got < 0)

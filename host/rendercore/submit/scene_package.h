@@ -4,17 +4,16 @@
 
 #include <functional>
 
-/// Packs one file into a ZIP archive of its own. Equal files of one path give equal archives.
-/// Throws std::runtime_error, with an English sentence, when the file cannot be read or the archive not written.
+/// Packs one file into a ZIP archive of its own. Equal content under equal paths gives equal archives.
+/// Throws std::runtime_error, with an English sentence, when the file cannot be read or the archive cannot be written.
 /// @param path of the file inside the archive.
-/// @param onBytes is told how many bytes of the file have been read since it was last called; false ends it early and
-/// leaves no archive.
+/// @param onBytes is called with the number of bytes read since the last call; returning false ends the packing early,
+/// without an archive.
 /// @return false when it was ended early.
 bool PackFile(const QString& source, const QString& path, const QString& archive,
     const std::function<bool(qint64)>& onBytes);
 
-/// The SHA-256 of what the archive's only file holds, read back from the archive.
-/// Throws std::runtime_error when it cannot be read.
-/// @param onBytes is told how many bytes have been read since it was last called; false ends the reading early, with
-/// an empty result.
+/// The SHA-256 of the content of an archive's only file. Throws std::runtime_error when it cannot be read.
+/// @param onBytes is called with the number of bytes read since the last call; returning false ends the reading early,
+/// with an empty result.
 QString PackedChecksum(const QString& archive, const std::function<bool(qint64)>& onBytes);

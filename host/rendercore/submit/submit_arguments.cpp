@@ -5,9 +5,9 @@
 
 namespace {
 
-const QString kWidth = QStringLiteral("width");
-const QString kHeight = QStringLiteral("height");
-const QString kPrerender = QStringLiteral("prerender");
+const QString WidthKey = QStringLiteral("width");
+const QString HeightKey = QStringLiteral("height");
+const QString PrerenderKey = QStringLiteral("prerender");
 
 QString StartKey(int range)
 {
@@ -23,15 +23,15 @@ bool IsSide(const QString& text)
 {
     bool isNumber = false;
     const int side = text.toInt(&isNumber);
-    return text.isEmpty() || (isNumber && side >= 1 && side <= kLongestSide);
+    return text.isEmpty() || (isNumber && side >= 1 && side <= LongestSide);
 }
 
 } // namespace
 
 QVariantList MakeArguments(int firstFrame, int lastFrame, int width, int height)
 {
-    return {QVariantMap {{StartKey(0), firstFrame}, {EndKey(0), lastFrame}, {kWidth, QString::number(width)},
-        {kHeight, QString::number(height)}, {kPrerender, false}}};
+    return {QVariantMap {{StartKey(0), firstFrame}, {EndKey(0), lastFrame},
+        {WidthKey, QString::number(width)}, {HeightKey, QString::number(height)}, {PrerenderKey, false}}};
 }
 
 QVariantList WithUsableSizes(const QVariantList& arguments)
@@ -39,7 +39,7 @@ QVariantList WithUsableSizes(const QVariantList& arguments)
     QVariantList usable;
     for (const QVariant& range : arguments) {
         QVariantMap values = range.toMap();
-        for (const QString& side : {kWidth, kHeight}) {
+        for (const QString& side : {WidthKey, HeightKey}) {
             if (!IsSide(values.value(side).toString()))
                 values.insert(side, QString());
         }
@@ -50,19 +50,19 @@ QVariantList WithUsableSizes(const QVariantList& arguments)
 
 bool AreArguments(const QVariantList& arguments)
 {
-    if (arguments.isEmpty() || arguments.size() > kMostRanges)
+    if (arguments.isEmpty() || arguments.size() > MostRanges)
         return false;
     int frames = 0;
     for (int range = 0; range < arguments.size(); ++range) {
         const QVariantMap values = arguments.at(range).toMap();
         const int start = values.value(StartKey(range)).toInt();
         const int end = values.value(EndKey(range)).toInt();
-        if (start < 1 || end < start || end > kLastFrame || !IsSide(values.value(kWidth).toString())
-            || !IsSide(values.value(kHeight).toString()))
+        if (start < 1 || end < start || end > LastFrame || !IsSide(values.value(WidthKey).toString())
+            || !IsSide(values.value(HeightKey).toString()))
             return false;
         frames += end - start + 1;
     }
-    return frames <= kMostFrames;
+    return frames <= MostFrames;
 }
 
 QJsonObject JobMembers(const QVariantList& arguments, int width, int height)
@@ -73,11 +73,11 @@ QJsonObject JobMembers(const QVariantList& arguments, int width, int height)
         frames.append(QJsonObject {{QStringLiteral("start"), values.value(StartKey(range)).toInt()},
             {QStringLiteral("end"), values.value(EndKey(range)).toInt()}});
     }
-    // Every range carries the same size and switch; like the dialog, the last one counts.
+    // Every range carries the same size and switch. The last one counts, as in the dialog.
     const QVariantMap last = arguments.value(arguments.size() - 1).toMap();
-    const QString widthText = last.value(kWidth).toString();
-    const QString heightText = last.value(kHeight).toString();
-    return {{QStringLiteral("frames"), frames}, {kWidth, widthText.isEmpty() ? width : widthText.toInt()},
-        {kHeight, heightText.isEmpty() ? height : heightText.toInt()},
-        {kPrerender, last.value(kPrerender).toBool()}};
+    const QString widthText = last.value(WidthKey).toString();
+    const QString heightText = last.value(HeightKey).toString();
+    return {{QStringLiteral("frames"), frames}, {WidthKey, widthText.isEmpty() ? width : widthText.toInt()},
+        {HeightKey, heightText.isEmpty() ? height : heightText.toInt()},
+        {PrerenderKey, last.value(PrerenderKey).toBool()}};
 }

@@ -108,10 +108,10 @@ private:
     QString m_packages;                   // the folder for the packages of all tasks
     std::unique_ptr<SubmitStore> m_store; // null when the database cannot be used
     FarmAccess m_access;
-    QString m_endedToken; // of the latest session that has ended
+    QString m_endedToken; // the latest ended session
     std::function<bool()> m_mustCheck;
     SubmitTasks m_tasks;
-    SubmitTurns m_turns; // of the runnable tasks
+    SubmitTurns m_turns; // knows the runnable tasks
     QElapsedTimer m_clock;
     QTimer m_pause; // until a task may run
     std::optional<Run> m_run;

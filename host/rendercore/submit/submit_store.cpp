@@ -11,7 +11,7 @@ namespace {
 using storage::Execute;
 using storage::Text;
 
-constexpr const char* kFirstSchema = R"sql(
+constexpr const char* FirstSchema = R"sql(
 CREATE TABLE tasks(
     number INTEGER PRIMARY KEY AUTOINCREMENT,
     owner TEXT NOT NULL,
@@ -31,8 +31,8 @@ CREATE TABLE tasks(
 CREATE INDEX tasks_by_owner ON tasks(owner);
 )sql";
 
-// Who has made arguments was not kept before; they may be the user's.
-constexpr const char* kEditedArguments = R"sql(
+// Earlier versions did not record who had set the arguments; it may have been the user.
+constexpr const char* EditedArguments = R"sql(
 ALTER TABLE tasks ADD COLUMN arguments_edited INTEGER NOT NULL DEFAULT 0;
 UPDATE tasks SET arguments_edited = 1 WHERE arguments <> '[]';
 )sql";
@@ -76,7 +76,7 @@ SubmitTask TaskOf(const SQLite::Statement& row)
 } // namespace
 
 SubmitStore::SubmitStore(const QString& file)
-    : m_database(file, {kFirstSchema, kEditedArguments})
+    : m_database(file, {FirstSchema, EditedArguments})
 {
 }
 

@@ -5,30 +5,30 @@
 
 #include <QSet>
 
-/// The tasks on the disk. What a function has been told to keep is there when it returns.
-/// Throws std::exception where the database fails.
+/// The tasks in a database. A change is on the disk when its function returns. Throws std::exception when the database
+/// fails.
 class SubmitStore
 {
 public:
-    /// @param file path of the database; its folder must exist.
+    /// @param file the path of the database; its folder must exist.
     explicit SubmitStore(const QString& file);
 
-    /// Takes a scene for an owner; the task is at its beginning.
+    /// Makes a task of a scene, before its first stage.
     SubmitTask Add(const QString& owner, const QString& scene);
 
-    /// The owner's tasks, the oldest first, each as it was saved last.
+    /// The owner's tasks, the oldest first.
     QVector<SubmitTask> Load(const QString& owner);
 
-    /// Saves everything but what the stages found out. A task that is gone stays gone.
+    /// Saves everything but the task's `work`. A removed task is not added again.
     void Save(const SubmitTask& task);
 
-    /// Saves all of them, or none when it fails.
+    /// Saves all tasks or, on failure, none.
     void SaveAll(const QVector<const SubmitTask*>& tasks);
 
-    /// Saves what the stages found out, and the rest with it.
+    /// Saves the whole task.
     void SaveWork(const SubmitTask& task);
 
-    /// Forgets all of these, or none when it fails.
+    /// Removes all of these tasks or, on failure, none.
     void Remove(const QVector<qint64>& numbers);
 
     /// The numbers of all owners' tasks.

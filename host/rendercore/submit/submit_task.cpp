@@ -6,31 +6,31 @@
 
 namespace {
 
-const QString kScene = QStringLiteral("scene");
-const QString kFiles = QStringLiteral("files");
-const QString kMissing = QStringLiteral("missing");
-const QString kWidth = QStringLiteral("width");
-const QString kHeight = QStringLiteral("height");
-const QString kPath = QStringLiteral("path");
-const QString kSource = QStringLiteral("source");
-const QString kChecksum = QStringLiteral("checksum");
-const QString kPackageChecksum = QStringLiteral("packageChecksum");
-const QString kPackageSize = QStringLiteral("packageSize");
+const QString SceneKey = QStringLiteral("scene");
+const QString FilesKey = QStringLiteral("files");
+const QString MissingKey = QStringLiteral("missing");
+const QString WidthKey = QStringLiteral("width");
+const QString HeightKey = QStringLiteral("height");
+const QString PathKey = QStringLiteral("path");
+const QString SourceKey = QStringLiteral("source");
+const QString ChecksumKey = QStringLiteral("checksum");
+const QString PackageChecksumKey = QStringLiteral("packageChecksum");
+const QString PackageSizeKey = QStringLiteral("packageSize");
 
 QJsonObject FileToJson(const PackedFile& file)
 {
-    return {{kPath, file.path}, {kSource, file.source}, {kChecksum, file.checksum},
-        {kPackageChecksum, file.packageChecksum}, {kPackageSize, file.packageSize}};
+    return {{PathKey, file.path}, {SourceKey, file.source}, {ChecksumKey, file.checksum},
+        {PackageChecksumKey, file.packageChecksum}, {PackageSizeKey, file.packageSize}};
 }
 
 PackedFile FileFromJson(const QJsonObject& json)
 {
     PackedFile file;
-    file.path = json.value(kPath).toString();
-    file.source = json.value(kSource).toString();
-    file.checksum = json.value(kChecksum).toString();
-    file.packageChecksum = json.value(kPackageChecksum).toString();
-    file.packageSize = static_cast<qint64>(json.value(kPackageSize).toDouble());
+    file.path = json.value(PathKey).toString();
+    file.source = json.value(SourceKey).toString();
+    file.checksum = json.value(ChecksumKey).toString();
+    file.packageChecksum = json.value(PackageChecksumKey).toString();
+    file.packageSize = static_cast<qint64>(json.value(PackageSizeKey).toDouble());
     return file;
 }
 
@@ -48,19 +48,19 @@ QJsonObject SubmitWork::ToJson() const
     QJsonArray packed;
     for (const PackedFile& file : files)
         packed.append(FileToJson(file));
-    return {{kScene, scene}, {kFiles, packed}, {kMissing, QJsonArray::fromStringList(missing)},
-        {kWidth, width}, {kHeight, height}};
+    return {{SceneKey, scene}, {FilesKey, packed}, {MissingKey, QJsonArray::fromStringList(missing)},
+        {WidthKey, width}, {HeightKey, height}};
 }
 
 SubmitWork SubmitWork::FromJson(const QJsonObject& json)
 {
     SubmitWork work;
-    work.scene = json.value(kScene).toString();
-    const QJsonArray packed = json.value(kFiles).toArray();
+    work.scene = json.value(SceneKey).toString();
+    const QJsonArray packed = json.value(FilesKey).toArray();
     for (const QJsonValue& file : packed)
         work.files.append(FileFromJson(file.toObject()));
-    work.missing = json.value(kMissing).toVariant().toStringList();
-    work.width = json.value(kWidth).toInt();
-    work.height = json.value(kHeight).toInt();
+    work.missing = json.value(MissingKey).toVariant().toStringList();
+    work.width = json.value(WidthKey).toInt();
+    work.height = json.value(HeightKey).toInt();
     return work;
 }

@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-/// What tasks say. The window translates these sentences in its own context.
+/// Messages of tasks. The window translates them, in its own context.
 namespace SubmitText {
 
 constexpr const char* Unreachable
@@ -10,8 +10,8 @@ constexpr const char* Unreachable
 constexpr const char* Busy = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The farm is busy. Trying again.");
 constexpr const char* SessionEnded
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "Your session has ended. Please sign in again.");
-constexpr const char* Failing
-    = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The farm has failed again and again. Please continue later.");
+constexpr const char* Failing = QT_TRANSLATE_NOOP(
+    "VTQsClientPrivate", "The farm has failed several times. Please continue the submission later.");
 constexpr const char* TooManyFiles
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The scene needs too many files, or their paths are too long.");
 constexpr const char* Stopped = QT_TRANSLATE_NOOP("VTQsClientPrivate", "Stopped.");

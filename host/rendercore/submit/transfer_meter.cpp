@@ -4,8 +4,8 @@
 
 namespace {
 
-constexpr qint64 kWindowMs = 4000;
-constexpr qint64 kSampleMs = 100;
+constexpr qint64 SpeedWindow = 4000;   // ms
+constexpr qint64 SampleInterval = 100; // ms
 
 struct Unit
 {
@@ -19,7 +19,7 @@ Unit UnitFor(double bytes)
         return {1e9, "GB"};
     if (bytes >= 1e6)
         return {1e6, "MB"};
-    return {1e3, "kB"};
+    return {1e3, "B"};
 }
 
 QString InUnit(double bytes, const Unit& unit)
@@ -40,10 +40,10 @@ void TransferMeter::SetMoved(qint64 bytes)
 {
     m_moved = bytes;
     const qint64 now = m_clock.elapsed();
-    if (now - m_samples.back().first < kSampleMs)
+    if (now - m_samples.back().first < SampleInterval)
         return;
     m_samples.emplace_back(now, bytes);
-    while (m_samples.size() > 2 && now - m_samples.front().first > kWindowMs)
+    while (m_samples.size() > 2 && now - m_samples.front().first > SpeedWindow)
         m_samples.pop_front();
 }
 
@@ -60,7 +60,7 @@ QString TransferMeter::Text() const
                                    InUnit(static_cast<double>(m_total), unit), QLatin1String(unit.name));
     const qint64 time = m_clock.elapsed() - m_samples.front().first;
     const double speed = static_cast<double>(m_moved - m_samples.front().second) * 1000
-        / static_cast<double>(std::max<qint64>(time, kSampleMs));
+        / static_cast<double>(std::max<qint64>(time, SampleInterval));
     if (speed <= 0)
         return amount;
     const Unit speedUnit = UnitFor(speed);

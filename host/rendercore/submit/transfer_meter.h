@@ -6,17 +6,17 @@
 #include <deque>
 #include <utility>
 
-/// How much of a transfer is done and how fast it has been of late.
+/// Measures how much of a transfer is done, and its speed during the last seconds.
 class TransferMeter
 {
 public:
     /// @param total in bytes.
     explicit TransferMeter(qint64 total);
 
-    /// What is done already counts, but not as speed.
+    /// Counts bytes that need no transfer; they do not count as speed.
     void Skip(qint64 bytes) { m_skipped += bytes; }
 
-    /// @param bytes moved altogether, what was skipped not among them.
+    /// @param bytes transferred altogether, without the skipped ones.
     void SetMoved(qint64 bytes);
 
     int Percent() const;
@@ -31,5 +31,5 @@ private:
     qint64 m_skipped = 0;
     qint64 m_moved = 0;
     QElapsedTimer m_clock;
-    std::deque<std::pair<qint64, qint64>> m_samples; // milliseconds and bytes moved by then
+    std::deque<std::pair<qint64, qint64>> m_samples; // milliseconds and the bytes transferred by then
 };
