@@ -16,11 +16,18 @@ constexpr int ChecksumsAtOnce = 1000;
 constexpr qint64 LargestChunk = 2LL * 1024 * 1024; // bytes
 constexpr int ChunkTime = 120 * 1000;              // ms
 constexpr int UnpackTime = 30 * 60 * 1000;         // ms
-constexpr int MostConflicts = 5;                   // a package, before the farm counts as busy
+constexpr int MostStalls = 5;                      // answers, for one package, with nothing new received
+constexpr double LargestSize = 1LL << 50;          // bytes
 
 QJsonObject DataOf(const HttpResult& result)
 {
     return result.json.value(QLatin1String("data")).toObject();
+}
+
+/// -1 when the value is no number of bytes.
+qint64 BytesOf(const QJsonValue& value)
+{
+    return static_cast<qint64>(std::clamp(value.toDouble(-1), -1.0, LargestSize));
 }
 
 QByteArray UploadTarget(const QByteArray& id)
@@ -89,13 +96,11 @@ void FarmStages::UploadAll()
     for (const PackedFile& file : qAsConst(m_outcome.work.files))
         total += file.isWanted ? file.packageSize : 0;
     TransferMeter meter(total);
-    qint64 moved = 0;
     for (int index = 0; index < m_outcome.work.files.size(); ++index) {
         PackedFile& file = m_outcome.work.files[index];
         if (file.isWanted && file.isSent)
             meter.Skip(file.packageSize);
-        else if (file.isWanted
-            && !SendPackage(file, TaskPackages::Path(m_request->folder, index), meter, moved))
+        else if (file.isWanted && !SendPackage(file, TaskPackages::Path(m_request->folder, index), meter))
             return;
         (*m_onProgress)(meter.Percent(), meter.Text());
     }
@@ -103,7 +108,7 @@ void FarmStages::UploadAll()
 }
 
 /// @return whether the stage may go on, which it does after a refused package, too.
-bool FarmStages::SendPackage(PackedFile& file, const QString& package, TransferMeter& meter, qint64& moved)
+bool FarmStages::SendPackage(PackedFile& file, const QString& package, TransferMeter& meter)
 {
     const auto result = m_farm.Post("/uploads",
         {{QStringLiteral("checksum"), file.packageChecksum}, {QStringLiteral("size"), file.packageSize}});
@@ -114,53 +119,59 @@ bool FarmStages::SendPackage(PackedFile& file, const QString& package, TransferM
         return true;
     file.upload = QString::fromUtf8(upload.id);
     meter.Skip(upload.offset);
-    return SendChunks(file, package, upload, meter, moved);
+    return SendChunks(file, package, upload, meter);
 }
 
-bool FarmStages::SendChunks(
-    PackedFile& file, const QString& package, Upload& upload, TransferMeter& meter, qint64& moved)
+/// @return as SendPackage().
+bool FarmStages::SendChunks(PackedFile& file, const QString& package, Upload& upload, TransferMeter& meter)
 {
     QFile content(package);
-    if (!content.open(QIODevice::ReadOnly)) {
-        Refuse(file, QStringLiteral("The packed file cannot be read from the disk."));
-        return true;
-    }
-    for (int conflicts = 0; upload.offset < file.packageSize;) {
-        HttpRequest request;
-        request.verb = "PUT";
-        request.target = UploadTarget(upload.id) + "?offset=" + QByteArray::number(upload.offset);
-        request.contentType = "application/octet-stream";
-        request.attemptTime = ChunkTime;
-        if (content.seek(upload.offset))
-            request.body = content.read(upload.chunkSize);
-        if (request.body.isEmpty()) {
+    content.open(QIODevice::ReadOnly);
+    for (int stalls = 0; upload.offset < file.packageSize;) {
+        const QByteArray chunk = content.seek(upload.offset) ? content.read(upload.chunkSize) : QByteArray();
+        if (chunk.isEmpty()) {
             Refuse(file, QStringLiteral("The packed file cannot be read from the disk."));
             return true;
         }
-        auto result = m_farm.Send(request, [&](qint64 bytes) {
-            if (bytes == 0)
-                return;
-            meter.SetMoved(moved + bytes);
-            (*m_onProgress)(meter.Percent(), meter.Text());
-        });
-        // The farm's offset differs from ours, so its offset is fetched.
-        if (IsStatus(result, 409) && ++conflicts < MostConflicts) {
-            HttpRequest question;
-            question.verb = "GET";
-            question.target = UploadTarget(upload.id);
-            result = m_farm.Send(question);
-        }
+        const auto result = SendChunk(upload, chunk, meter);
         if (!CheckPassing(result))
             return false;
         const qint64 before = upload.offset;
         if (!ReadUpload(*result, file, upload))
             return true;
-        moved += std::max<qint64>(upload.offset - before, 0);
-        m_outcome.advanced = m_outcome.advanced || upload.offset > before;
-        meter.SetMoved(moved);
+        if (upload.offset > before) {
+            meter.Add(upload.offset - before);
+            m_outcome.advanced = true;
+        } else if (++stalls == MostStalls) {
+            Refuse(file, QStringLiteral("The farm does not keep what it is sent."));
+            return true;
+        }
     }
     file.isSent = true;
     return true;
+}
+
+/// @return the farm's state of the upload, unless it fails.
+std::optional<HttpResult> FarmStages::SendChunk(
+    const Upload& upload, const QByteArray& chunk, TransferMeter& meter)
+{
+    HttpRequest request;
+    request.verb = "PUT";
+    request.target = UploadTarget(upload.id) + "?offset=" + QByteArray::number(upload.offset);
+    request.contentType = "application/octet-stream";
+    request.attemptTime = ChunkTime;
+    request.body = chunk;
+    const auto result = m_farm.Send(request, [this, &meter](qint64 bytes) {
+        meter.SetInFlight(bytes);
+        (*m_onProgress)(meter.Percent(), meter.Text());
+    });
+    if (!IsStatus(result, 409))
+        return result;
+    // The farm's offset differs from ours, so its offset is fetched.
+    HttpRequest question;
+    question.verb = "GET";
+    question.target = UploadTarget(upload.id);
+    return m_farm.Send(question);
 }
 
 void FarmStages::UncompressAll()
@@ -222,9 +233,8 @@ bool FarmStages::ReadUpload(const HttpResult& result, const PackedFile& file, Up
 {
     const QJsonObject data = DataOf(result);
     upload.id = data.value(QLatin1String("id")).toString().toUtf8();
-    upload.offset = static_cast<qint64>(data.value(QLatin1String("offset")).toDouble(-1));
-    upload.chunkSize
-        = std::min(static_cast<qint64>(data.value(QLatin1String("chunkSize")).toDouble()), LargestChunk);
+    upload.offset = BytesOf(data.value(QLatin1String("offset")));
+    upload.chunkSize = std::min(BytesOf(data.value(QLatin1String("chunkSize"))), LargestChunk);
     if (data.value(QLatin1String("unpacked")).toBool())
         upload.offset = file.packageSize;
     if (result.status != 200)

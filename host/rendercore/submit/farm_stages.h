@@ -25,9 +25,9 @@ private:
 
     void CopySame();
     void UploadAll();
-    bool SendPackage(PackedFile& file, const QString& package, TransferMeter& meter, qint64& moved);
-    bool SendChunks(
-        PackedFile& file, const QString& package, Upload& upload, TransferMeter& meter, qint64& moved);
+    bool SendPackage(PackedFile& file, const QString& package, TransferMeter& meter);
+    bool SendChunks(PackedFile& file, const QString& package, Upload& upload, TransferMeter& meter);
+    std::optional<HttpResult> SendChunk(const Upload& upload, const QByteArray& chunk, TransferMeter& meter);
     void UncompressAll();
     bool Uncompress(PackedFile& file);
     void Submit();

@@ -11,7 +11,7 @@ enum class Question { None, RetryUpload, AcceptMissingFiles };
 /// The question that a halted task waits for.
 Question QuestionOf(const SubmitTask& task);
 
-/// Whether the window lets the user edit the arguments: of Maya scenes.
+/// Whether the window lets the user edit the arguments: of Maya scenes with a lower-case suffix.
 bool HasEditableArguments(const SubmitTask& task);
 
 /// Shows the task in its next stage.

@@ -19,7 +19,7 @@ Unit UnitFor(double bytes)
         return {1e9, "GB"};
     if (bytes >= 1e6)
         return {1e6, "MB"};
-    return {1e3, "B"};
+    return {1e3, "kB"};
 }
 
 QString InUnit(double bytes, const Unit& unit)
@@ -36,13 +36,25 @@ TransferMeter::TransferMeter(qint64 total)
     m_samples.emplace_back(0, 0);
 }
 
-void TransferMeter::SetMoved(qint64 bytes)
+void TransferMeter::Add(qint64 bytes)
 {
-    m_moved = bytes;
+    m_arrived += bytes;
+    m_inFlight = 0;
+    Sample();
+}
+
+void TransferMeter::SetInFlight(qint64 bytes)
+{
+    m_inFlight = bytes;
+    Sample();
+}
+
+void TransferMeter::Sample()
+{
     const qint64 now = m_clock.elapsed();
     if (now - m_samples.back().first < SampleInterval)
         return;
-    m_samples.emplace_back(now, bytes);
+    m_samples.emplace_back(now, Moved());
     while (m_samples.size() > 2 && now - m_samples.front().first > SpeedWindow)
         m_samples.pop_front();
 }
@@ -59,7 +71,7 @@ QString TransferMeter::Text() const
                                .arg(InUnit(static_cast<double>(std::min(Done(), m_total)), unit),
                                    InUnit(static_cast<double>(m_total), unit), QLatin1String(unit.name));
     const qint64 time = m_clock.elapsed() - m_samples.front().first;
-    const double speed = static_cast<double>(m_moved - m_samples.front().second) * 1000
+    const double speed = static_cast<double>(Moved() - m_samples.front().second) * 1000
         / static_cast<double>(std::max<qint64>(time, SampleInterval));
     if (speed <= 0)
         return amount;

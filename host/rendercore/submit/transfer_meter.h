@@ -16,8 +16,11 @@ public:
     /// Counts bytes that need no transfer; they do not count as speed.
     void Skip(qint64 bytes) { m_skipped += bytes; }
 
-    /// @param bytes transferred altogether, without the skipped ones.
-    void SetMoved(qint64 bytes);
+    /// Counts bytes that have arrived; nothing is in flight now.
+    void Add(qint64 bytes);
+
+    /// Sets how many bytes of the next chunk have been sent so far.
+    void SetInFlight(qint64 bytes);
 
     int Percent() const;
 
@@ -25,11 +28,14 @@ public:
     QString Text() const;
 
 private:
-    qint64 Done() const { return m_skipped + m_moved; }
+    qint64 Moved() const { return m_arrived + m_inFlight; }
+    qint64 Done() const { return m_skipped + Moved(); }
+    void Sample();
 
     qint64 m_total;
     qint64 m_skipped = 0;
-    qint64 m_moved = 0;
+    qint64 m_arrived = 0;
+    qint64 m_inFlight = 0;
     QElapsedTimer m_clock;
     std::deque<std::pair<qint64, qint64>> m_samples; // milliseconds and the bytes transferred by then
 };
