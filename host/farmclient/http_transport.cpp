@@ -54,7 +54,8 @@ QUrl FarmApiRoot(const QUrl& server)
 bool IsAnswered(const QNetworkReply& reply)
 {
     const int error = reply.error();
-    return error == QNetworkReply::NoError
+    // Qt reports status 400 as an invalid operation of the protocol.
+    return error == QNetworkReply::NoError || error == QNetworkReply::ProtocolInvalidOperationError
         || (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError)
         || (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
 }
