@@ -18,7 +18,8 @@ PluginRunner::PluginRunner(const QString& storageFolder)
     QVariantHash properties;
     properties.insert(QStringLiteral("org.commontk.pluginfw.storage"), storageFolder);
     properties.insert(QStringLiteral("org.commontk.pluginfw.storage.clean"), QStringLiteral("onFirstInit"));
-    m_framework = ctkPluginFrameworkFactory(properties).getFramework();
+    m_factory = std::make_unique<ctkPluginFrameworkFactory>(properties);
+    m_framework = m_factory->getFramework();
     m_framework->init();
     m_framework->start();
     m_context = m_framework->getPluginContext();

@@ -3,9 +3,12 @@
 #include <QSharedPointer>
 #include <QString>
 
+#include <memory>
+
 class ctkPlugin;
 class ctkPluginContext;
 class ctkPluginFramework;
+class ctkPluginFrameworkFactory;
 class QObject;
 class VTBaseInterface;
 
@@ -36,6 +39,8 @@ public:
 private:
     VTBaseInterface* FindService() const;
 
+    /// With an installed CTK the factory owns the framework, so it is declared first and destroyed last.
+    std::unique_ptr<ctkPluginFrameworkFactory> m_factory;
     QSharedPointer<ctkPluginFramework> m_framework;
     QSharedPointer<ctkPlugin> m_plugin;
     ctkPluginContext* m_context = nullptr;

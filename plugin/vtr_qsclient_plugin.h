@@ -3,6 +3,7 @@
 #include <ctkPluginActivator.h>
 
 #include <QObject>
+#include <QPointer>
 
 #include <memory>
 
@@ -20,11 +21,15 @@ public:
     ~VTQsClientPlugin() override;
 
     /// Creates the service object and registers it under "VTBaseInterface". The host initialises it later.
+    /// Called on the GUI thread.
     void start(ctkPluginContext* context) override;
 
-    /// Deletes the service object; harmless without a start.
+    /// Deletes the service object; harmless without a start. On another thread than the GUI's, which is where CTK
+    /// stops a whole framework, the deletion is left to the GUI thread's event loop.
     void stop(ctkPluginContext* context) override;
 
 private:
     std::unique_ptr<VTQsClient> m_pService;
+    /// A stopped service object that the GUI thread has not deleted yet.
+    QPointer<VTQsClient> m_pStoppedService;
 };

@@ -7,6 +7,7 @@
 
 #include <QPluginLoader>
 #include <QSystemTrayIcon>
+#include <QThread>
 
 namespace {
 
@@ -102,6 +103,32 @@ private slots:
             QCOMPARE(Communication().receivers(SIGNAL(JobListResponse(int, QVariantMap))), 0);
             QCOMPARE(m_client->uiLoader.trayMenu.actions().size(), 2);
             QCOMPARE(m_client->settings.calls.count("Uninitialize"_s), round);
+        }
+    }
+
+    void LeavesItsWindowToTheGuiThreadWhenStoppedOnAnother()
+    {
+        QPluginLoader loader(QStringLiteral(PLUGIN_FILE));
+        auto* activator = qobject_cast<ctkPluginActivator*>(loader.instance());
+        for (const bool startsAtOnce : {false, true}) {
+            QVERIFY(m_client->Open());
+            SignInWithJobs(MakeJobs(3), 3);
+            const QPointer<QWidget> window = m_client->Window();
+            const QThread* deletedOn = nullptr;
+            connect(window, &QObject::destroyed, [&deletedOn] { deletedOn = QThread::currentThread(); });
+
+            const std::unique_ptr<QThread> other(QThread::create([activator] { activator->stop(nullptr); }));
+            other->start();
+            QVERIFY(other->wait(30000)); // no event loop runs here meanwhile
+            QVERIFY(window);
+
+            if (!startsAtOnce)
+                QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            m_client->Stop();
+            m_client->Start();
+            QVERIFY(!window && m_client->Window());
+            QCOMPARE(deletedOn, thread());
+            QCOMPARE(m_client->settings.calls.last(), "Uninitialize"_s);
         }
     }
 

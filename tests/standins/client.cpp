@@ -7,10 +7,17 @@
 #include <QAction>
 #include <QApplication>
 #include <QDir>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <QUrl>
 
 #include <algorithm>
+
+namespace {
+
+constexpr int LongestStop = 30000; // ms
+
+} // namespace
 
 Client::Client()
     : m_server("stand-in-%1"_s.arg(QCoreApplication::applicationPid()))
@@ -21,7 +28,7 @@ Client::Client()
 Client::~Client()
 {
     if (m_framework)
-        m_framework->stop();
+        StopFramework();
     for (const QString& folder : {"data"_s, "Data"_s}) {
         QDir directory(QString(QCoreApplication::applicationDirPath() + "/"_s + folder));
         const QStringList files = directory.entryList({QString(m_server + "_*"_s)});
@@ -41,11 +48,33 @@ QList<QPair<QString, QObject*>> Client::Siblings()
         {"VTBaseAppInterface"_s, &application}};
 }
 
+void Client::StartFramework()
+{
+    // An installed CTK keeps a database, whose folder it reads once a process. Tests run side by side, each in its own.
+    static const QTemporaryDir storage;
+    ctkProperties properties;
+    properties.insert("org.commontk.pluginfw.storage"_s, storage.path());
+    properties.insert("org.commontk.pluginfw.storage.clean"_s, "onFirstInit"_s);
+    m_factory = std::make_unique<ctkPluginFrameworkFactory>(properties);
+    m_framework = m_factory->getFramework();
+    m_framework->start();
+}
+
+void Client::StopFramework()
+{
+    m_framework->stop();
+    // An installed CTK stops the plugin on another thread, which leaves the window to this thread's event loop.
+    const auto hasStopped = [this] { return m_framework->getState() == ctkPlugin::RESOLVED; };
+    if (!QTest::qWaitFor(hasStopped, LongestStop))
+        qFatal("The plugin framework does not stop");
+    m_framework->waitForStop(LongestStop); // returns when that thread has let go of the framework
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 void Client::Start()
 {
     if (!m_framework) {
-        m_framework = ctkPluginFrameworkFactory().getFramework();
-        m_framework->start();
+        StartFramework();
         for (const auto& [interface, sibling] : Siblings()) {
             if (!leftOut.contains(interface))
                 Context()->registerService({interface}, sibling);

@@ -9,9 +9,12 @@
 #include <QTableWidget>
 #include <QTabWidget>
 
+#include <memory>
+
 class ctkPlugin;
 class ctkPluginContext;
 class ctkPluginFramework;
+class ctkPluginFrameworkFactory;
 class QAction;
 class QTimer;
 
@@ -96,9 +99,13 @@ public:
 
 private:
     QList<QPair<QString, QObject*>> Siblings();
+    void StartFramework();
+    void StopFramework();
 
     /// A server name of this process alone, because the client keeps files by it.
     QString m_server;
+    /// With an installed CTK the factory owns the framework, so it is declared first and destroyed last.
+    std::unique_ptr<ctkPluginFrameworkFactory> m_factory;
     QSharedPointer<ctkPluginFramework> m_framework;
     QSharedPointer<ctkPlugin> m_plugin;
 };
