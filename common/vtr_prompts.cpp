@@ -1,6 +1,6 @@
 #include "common/vtr_prompts.h"
 
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "common/vtr_skin.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include "common/vtr_ids.h"
 #include "common/vtr_plaintext.h"
 #include "common/vtr_prompts.h"
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "common/vtr_skin.h"
 #include "dialogs/vtr_conditions.h"
 

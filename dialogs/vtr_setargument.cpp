@@ -3,7 +3,7 @@
 #include "common/vtr_ids.h"
 #include "common/vtr_plaintext.h"
 #include "common/vtr_prompts.h"
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "common/vtr_tablecells.h"
 #include "dialogs/vtr_renderarguments.h"
 

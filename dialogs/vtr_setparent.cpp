@@ -5,7 +5,7 @@
 #include "common/vtr_jobrow.h"
 #include "common/vtr_prompts.h"
 #include "common/vtr_protocol.h"
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "common/vtr_tablecells.h"
 
 #include <QCoreApplication>

@@ -2,7 +2,7 @@
 
 #include "common/vtr_codetables.h"
 #include "common/vtr_dialogform.h"
-#include "dialogs/vtr_dependencies.h"
+#include "dialogs/vtr_jobdependencies.h"
 #include "vtr_parameters.h"
 
 #include <QMap>

@@ -1,7 +1,7 @@
 #include "mainwindow/vtr_accountsettings.h"
 
 #include "common/vtr_connections.h"
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "mainwindow/vtr_session.h"
 
 namespace {

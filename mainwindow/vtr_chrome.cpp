@@ -2,7 +2,7 @@
 
 #include "common/vtr_ids.h"
 #include "common/vtr_prompts.h"
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "common/vtr_skin.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_tables.h"

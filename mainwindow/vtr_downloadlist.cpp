@@ -1,7 +1,7 @@
 #include "mainwindow/vtr_downloadlist.h"
 
 #include "common/vtr_plaintext.h"
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "common/vtr_tablecells.h"
 #include "mainwindow/vtr_filereveal.h"
 #include "mainwindow/vtr_mainform.h"

@@ -1,6 +1,6 @@
 #include "mainwindow/vtr_dropfilter.h"
 
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 
 #ifdef Q_OS_WIN
 #include <qt_windows.h>

@@ -1,7 +1,7 @@
 #include "mainwindow/vtr_jobactions.h"
 
 #include "common/vtr_prompts.h"
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "mainwindow/vtr_downloadlist.h"
 #include "mainwindow/vtr_joblist.h"
 #include "mainwindow/vtr_mainform.h"

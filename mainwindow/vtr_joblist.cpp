@@ -1,7 +1,7 @@
 #include "mainwindow/vtr_joblist.h"
 
 #include "common/vtr_prompts.h"
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "common/vtr_tablecells.h"
 #include "dialogs/vtr_conditions.h"
 #include "mainwindow/vtr_mainform.h"

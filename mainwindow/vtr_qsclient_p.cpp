@@ -7,8 +7,8 @@
 #include "dialogs/vtr_search.h"
 #include "dialogs/vtr_setargument.h"
 #include "dialogs/vtr_setparent.h"
+#include "mainwindow/vtr_concerns.h"
 #include "mainwindow/vtr_dropfilter.h"
-#include "mainwindow/vtr_windowparts.h"
 #include "mainwindow/vtr_wiring.h"
 
 #include <QEvent>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/vtr_codetables.h"
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "mainwindow/vtr_timers.h"
 #include "vtr_parameters.h"
 

@@ -7,7 +7,7 @@
 #include "dialogs/vtr_search.h"
 #include "dialogs/vtr_setargument.h"
 #include "dialogs/vtr_setparent.h"
-#include "mainwindow/vtr_windowparts.h"
+#include "mainwindow/vtr_concerns.h"
 
 // The slots that do nothing but hand their call to the concern that knows.
 

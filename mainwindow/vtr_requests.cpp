@@ -1,6 +1,6 @@
 #include "mainwindow/vtr_requests.h"
 
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "mainwindow/vtr_session.h"
 
 QVariantHash VTRequests::New() const

@@ -1,11 +1,11 @@
 #include "mainwindow/vtr_signin.h"
 
 #include "common/vtr_plaintext.h"
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "common/vtr_tablecells.h"
 #include "dialogs/vtr_search.h"
 #include "dialogs/vtr_setparent.h"
-#include "mainwindow/vtr_account.h"
+#include "mainwindow/vtr_accountpanel.h"
 #include "mainwindow/vtr_joblist.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_pagebar.h"

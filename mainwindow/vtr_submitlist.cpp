@@ -2,7 +2,7 @@
 
 #include "common/vtr_plaintext.h"
 #include "common/vtr_prompts.h"
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "common/vtr_skin.h"
 #include "common/vtr_tablecells.h"
 #include "mainwindow/vtr_mainform.h"

@@ -1,6 +1,6 @@
 #include "mainwindow/vtr_taskquestions.h"
 
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "mainwindow/vtr_timers.h"
 
 #include <QFileInfo>

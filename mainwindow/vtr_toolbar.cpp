@@ -1,6 +1,6 @@
 #include "mainwindow/vtr_toolbar.h"
 
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "dialogs/vtr_group.h"
 #include "mainwindow/vtr_downloadlist.h"
 #include "mainwindow/vtr_joblist.h"

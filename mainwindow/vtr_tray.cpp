@@ -1,7 +1,7 @@
 #include "mainwindow/vtr_tray.h"
 
 #include "common/vtr_ids.h"
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "common/vtr_skin.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_session.h"

@@ -1,13 +1,13 @@
 #include "mainwindow/vtr_wiring.h"
 
 #include "common/vtr_connections.h"
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "dialogs/vtr_group.h"
 #include "dialogs/vtr_search.h"
 #include "dialogs/vtr_setargument.h"
 #include "dialogs/vtr_setparent.h"
+#include "mainwindow/vtr_concerns.h"
 #include "mainwindow/vtr_timers.h"
-#include "mainwindow/vtr_windowparts.h"
 #include "vtr_parameters.h"
 
 #include <QApplication>

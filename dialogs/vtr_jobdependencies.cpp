@@ -1,4 +1,4 @@
-#include "dialogs/vtr_dependencies.h"
+#include "dialogs/vtr_jobdependencies.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
-#include "mainwindow/vtr_windowparts.h"
+#include "mainwindow/vtr_concerns.h"
 
 #include "common/vtr_codetables.h"
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 #include "dialogs/vtr_group.h"
 #include "dialogs/vtr_search.h"
 #include "dialogs/vtr_setargument.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/vtr_prompts.h"
-#include "mainwindow/vtr_account.h"
+#include "mainwindow/vtr_accountpanel.h"
 #include "mainwindow/vtr_accountsettings.h"
 #include "mainwindow/vtr_chrome.h"
 #include "mainwindow/vtr_contextmenus.h"

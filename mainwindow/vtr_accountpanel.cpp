@@ -1,4 +1,4 @@
-#include "mainwindow/vtr_account.h"
+#include "mainwindow/vtr_accountpanel.h"
 
 #include "common/vtr_plaintext.h"
 #include "mainwindow/vtr_mainform.h"

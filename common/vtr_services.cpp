@@ -1,4 +1,4 @@
-#include "common/vtr_siblings.h"
+#include "common/vtr_services.h"
 
 namespace {
 
