@@ -44,8 +44,8 @@ VTAnswer VTPrompts::AskToConfirm(const QString& strQuestion) const
 QString VTPrompts::Show(int nKind, const QString& strTitle, const QString& strText, const QString& strDetail,
     const QVariantHash& mapButtons, bool bFlag) const
 {
-    if (!m_siblings.pMessageBox)
+    if (!m_services.pMessageBox)
         return QString();
-    const QIcon icon = VTSkin::MainIcon(m_siblings.Skin());
-    return m_siblings.pMessageBox->ShowMessage(nKind, strTitle, strText, icon, strDetail, mapButtons, bFlag);
+    const QIcon icon = VTSkin::MainIcon(m_services.Skin());
+    return m_services.pMessageBox->ShowMessage(nKind, strTitle, strText, icon, strDetail, mapButtons, bFlag);
 }

@@ -4,7 +4,7 @@
 #include <QString>
 #include <QVariantHash>
 
-struct VTSiblings;
+struct VTServices;
 
 /// A question for the user. The buttons are named "btnMessageBox_1" (the refusal) and "btnMessageBox_2" (the consent).
 struct VTQuestion
@@ -32,8 +32,8 @@ class VTPrompts
 
 public:
     /// @param siblings must outlive this object.
-    explicit VTPrompts(const VTSiblings& siblings)
-        : m_siblings(siblings)
+    explicit VTPrompts(const VTServices& services)
+        : m_services(services)
     {
     }
 
@@ -48,5 +48,5 @@ private:
     QString Show(int nKind, const QString& strTitle, const QString& strText, const QString& strDetail,
         const QVariantHash& mapButtons, bool bFlag) const;
 
-    const VTSiblings& m_siblings;
+    const VTServices& m_services;
 };

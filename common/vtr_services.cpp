@@ -14,7 +14,7 @@ void Write(VTLoggerInterface* pLogger, const QString& strMessage, int nLevel)
 
 } // namespace
 
-bool VTSiblings::SameServices(const VTSiblings& other) const
+bool VTServices::SameServices(const VTServices& other) const
 {
     return pSettings == other.pSettings && pLoggerObject == other.pLoggerObject
         && pUiLoader == other.pUiLoader && pMessageBox == other.pMessageBox
@@ -22,17 +22,17 @@ bool VTSiblings::SameServices(const VTSiblings& other) const
         && pConfiguration == other.pConfiguration && pPreviewer == other.pPreviewer;
 }
 
-QString VTSiblings::Skin() const
+QString VTServices::Skin() const
 {
     return pUiLoader ? pUiLoader->GetSkin() : QString();
 }
 
-void VTSiblings::LogDebug(const QString& strMessage) const
+void VTServices::LogDebug(const QString& strMessage) const
 {
     Write(Logger(), strMessage, LevelDebug);
 }
 
-void VTSiblings::LogCritical(const QString& strMessage) const
+void VTServices::LogCritical(const QString& strMessage) const
 {
     Write(Logger(), strMessage, LevelCritical);
 }

@@ -12,7 +12,7 @@
 #include <QPointer>
 
 /// The sibling services as they were attached; none is owned, each may be missing.
-struct VTSiblings
+struct VTServices
 {
     ctkPluginContext* pContext = nullptr;
     /// The host's parameters, passed on to every sibling.
@@ -39,7 +39,7 @@ struct VTSiblings
     VTLoggerInterface* Logger() const { return qobject_cast<VTLoggerInterface*>(pLoggerObject.data()); }
 
     /// Whether these are the same service objects, whatever their statuses.
-    bool SameServices(const VTSiblings& other) const;
+    bool SameServices(const VTServices& other) const;
 
     /// Name of the current skin; empty without a loader.
     QString Skin() const;

@@ -50,12 +50,12 @@ void Write(QTableWidget* pTable, int nRow, int nColumn, const VTCell& cell)
     SetAttributes(pItem, cell.varData, cell.strTip, cell.bCheckable);
 }
 
-QProgressBar* NewProgressBar(int nPercent, const VTCodeTables& tables)
+QProgressBar* NewProgressBar(int nPercent, const VTCodeTables& codeTables)
 {
     auto* pBar = new QProgressBar;
     pBar->setTextVisible(true);
     pBar->setRange(0, 100);
-    SetProgress(pBar, nPercent, tables.ProgressStyle(nPercent));
+    SetProgress(pBar, nPercent, codeTables.ProgressStyle(nPercent));
     return pBar;
 }
 
@@ -69,20 +69,20 @@ void SetProgress(QProgressBar* pBar, int nPercent, const QString& strStyle)
         pBar->setStyleSheet(strStyle);
 }
 
-void WriteProgress(QTableWidget* pTable, int nRow, int nColumn, int nPercent, const VTCodeTables& tables)
+void WriteProgress(QTableWidget* pTable, int nRow, int nColumn, int nPercent, const VTCodeTables& codeTables)
 {
     if (auto* pBar = qobject_cast<QProgressBar*>(pTable->cellWidget(nRow, nColumn)))
-        SetProgress(pBar, nPercent, tables.ProgressStyle(nPercent));
+        SetProgress(pBar, nPercent, codeTables.ProgressStyle(nPercent));
     else
-        pTable->setCellWidget(nRow, nColumn, NewProgressBar(nPercent, tables));
+        pTable->setCellWidget(nRow, nColumn, NewProgressBar(nPercent, codeTables));
 }
 
-void WriteJob(QTableWidget* pTable, int nRow, const VTJobRecord& job, const VTCodeTables& tables)
+void WriteJob(QTableWidget* pTable, int nRow, const VTJobRecord& job, const VTCodeTables& codeTables)
 {
-    const VTJobRow row = VTMakeJobRow(job, tables.mapJobStatus);
+    const VTJobRow row = VTMakeJobRow(job, codeTables.mapJobStatus);
     for (int nColumn = 0; nColumn < VTJobColumn::Count; ++nColumn) {
         if (nColumn == VTJobColumn::Progress)
-            WriteProgress(pTable, nRow, nColumn, job.nProgress, tables);
+            WriteProgress(pTable, nRow, nColumn, job.nProgress, codeTables);
         else
             Write(pTable, nRow, nColumn, row[nColumn]);
     }

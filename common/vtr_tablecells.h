@@ -26,16 +26,16 @@ QList<int> CheckedRows(const QTableWidget* pTable);
 void Write(QTableWidget* pTable, int nRow, int nColumn, const VTCell& cell);
 
 /// A bar of 0 to 100 percent with visible text. The caller owns it until a table takes it.
-QProgressBar* NewProgressBar(int nPercent, const VTCodeTables& tables);
+QProgressBar* NewProgressBar(int nPercent, const VTCodeTables& codeTables);
 
 /// Sets a bar to a percentage; the style sheet is parsed only when the band changes. Out of range shows an empty bar.
 void SetProgress(QProgressBar* pBar, int nPercent, const QString& strStyle);
 
 /// Brings the bar of a cell, made when there is none yet, to a percentage.
-void WriteProgress(QTableWidget* pTable, int nRow, int nColumn, int nPercent, const VTCodeTables& tables);
+void WriteProgress(QTableWidget* pTable, int nRow, int nColumn, int nPercent, const VTCodeTables& codeTables);
 
 /// All cells of a job's row.
-void WriteJob(QTableWidget* pTable, int nRow, const VTJobRecord& job, const VTCodeTables& tables);
+void WriteJob(QTableWidget* pTable, int nRow, const VTJobRecord& job, const VTCodeTables& codeTables);
 
 /// Removes all rows.
 void Clear(QTableWidget* pTable);

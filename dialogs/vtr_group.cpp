@@ -146,9 +146,9 @@ void VTGroup::UpdateGroup()
     for (const VTNamedList& group : lstGroup)
         m_pGroupList->addItem(NewGroupItem(group.strName, group.lstValue));
 
-    const bool bSettings = m_pSiblings && m_pSiblings->pSettings;
+    const bool bSettings = m_pServices && m_pServices->pSettings;
     const QString strCurrent
-        = bSettings ? m_pSiblings->pSettings->Value(CurrentProjectKey(), QVariant()).toString() : QString();
+        = bSettings ? m_pServices->pSettings->Value(CurrentProjectKey(), QVariant()).toString() : QString();
     const bool bThere = std::any_of(lstGroup.begin(), lstGroup.end(),
         [&strCurrent](const VTNamedList& group) { return group.strName == strCurrent; });
     SetCurrentProject(bThere ? strCurrent : lstGroup.value(0).strName);
@@ -297,8 +297,8 @@ QString VTGroup::CurrentProject() const
 void VTGroup::SetCurrentProject(const QString& strName)
 {
     VTSetPlainText(m_pLblProjectV, strName, true);
-    if (m_pSiblings && m_pSiblings->pSettings)
-        m_pSiblings->pSettings->SetValue(CurrentProjectKey(), strName);
+    if (m_pServices && m_pServices->pSettings)
+        m_pServices->pSettings->SetValue(CurrentProjectKey(), strName);
 }
 
 QString VTGroup::CurrentProjectKey() const
@@ -308,8 +308,8 @@ QString VTGroup::CurrentProjectKey() const
 
 void VTGroup::ReportUnsaved() const
 {
-    if (!m_pSiblings)
+    if (!m_pServices)
         return;
-    m_pSiblings->LogCritical(QStringLiteral("The group file cannot be written: %1").arg(m_groups.Path()));
-    VTPrompts(*m_pSiblings).Notify(tr("The groups could not be saved."));
+    m_pServices->LogCritical(QStringLiteral("The group file cannot be written: %1").arg(m_groups.Path()));
+    VTPrompts(*m_pServices).Notify(tr("The groups could not be saved."));
 }

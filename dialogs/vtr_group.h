@@ -17,7 +17,7 @@ class QListWidget;
 class QListWidgetItem;
 class QMenu;
 class QPushButton;
-struct VTSiblings;
+struct VTServices;
 
 /// Controller of the group panel: filters the job list by status or by the user's own groups of jobs, called projects.
 ///
@@ -31,10 +31,10 @@ public:
     VTGroup(QWidget* mainForm, QWidget* wgtGroup, QDialog* inputDialog);
 
     /// @param siblings must live until Retire().
-    void SetServices(const VTSiblings& siblings) { m_pSiblings = &siblings; }
+    void SetServices(const VTServices& services) { m_pServices = &services; }
 
     /// Ends the use of the services, for good: their owner goes before this object does.
-    void Retire() { m_pSiblings = nullptr; }
+    void Retire() { m_pServices = nullptr; }
 
     /// Builds the two pages and the menu; once, before any other call.
     void InitWidgets();
@@ -93,7 +93,7 @@ private:
     QLabel* m_pLblTip = nullptr;
     QLabel* m_pLblTitle = nullptr;
     QLineEdit* m_pLneInput = nullptr;
-    const VTSiblings* m_pSiblings = nullptr;
+    const VTServices* m_pServices = nullptr;
     VTListFile m_groups;
     QString m_strUserName;
     QString m_strClosedIcon;

@@ -19,13 +19,13 @@ VTParentJob VTParentJob::FromEntry(const QString& strEntry)
     return {lstPart.value(0), lstPart.value(1)};
 }
 
-void VTDependencies::Open(const QString& strPath)
+void VTJobDependencies::Open(const QString& strPath)
 {
     m_file = VTListFile(strPath, QStringLiteral("parent"));
     Requeue();
 }
 
-bool VTDependencies::Record(const QStringList& lstSon, const QStringList& lstParentEntry)
+bool VTJobDependencies::Record(const QStringList& lstSon, const QStringList& lstParentEntry)
 {
     const QString strKey = lstSon.join(Separator);
     const bool bSaved = m_file.Set(strKey, lstParentEntry);
@@ -33,7 +33,7 @@ bool VTDependencies::Record(const QStringList& lstSon, const QStringList& lstPar
     return bSaved;
 }
 
-bool VTDependencies::Requeue()
+bool VTJobDependencies::Requeue()
 {
     m_lstQueue.clear();
     const QVector<VTNamedList> lstGroup = m_file.Entries();
@@ -42,7 +42,7 @@ bool VTDependencies::Requeue()
     return HasQueued();
 }
 
-QVector<VTParentJob> VTDependencies::TakeNext()
+QVector<VTParentJob> VTJobDependencies::TakeNext()
 {
     QVector<VTParentJob> lstParent;
     const QStringList lstEntry = m_file.Value(m_lstQueue.takeFirst());
@@ -51,7 +51,7 @@ QVector<VTParentJob> VTDependencies::TakeNext()
     return lstParent;
 }
 
-QStringList VTDependencies::Finish(const QString& strJobId)
+QStringList VTJobDependencies::Finish(const QString& strJobId)
 {
     m_setFinished.insert(strJobId);
     QStringList lstKey;
@@ -63,7 +63,7 @@ QStringList VTDependencies::Finish(const QString& strJobId)
     return lstKey;
 }
 
-bool VTDependencies::AllFinished(const QStringList& lstParentEntry) const
+bool VTJobDependencies::AllFinished(const QStringList& lstParentEntry) const
 {
     return std::all_of(lstParentEntry.begin(), lstParentEntry.end(), [this](const QString& strEntry) {
         return m_setFinished.contains(VTParentJob::FromEntry(strEntry).strId);

@@ -21,7 +21,7 @@ struct VTParentJob
 /// Jobs that wait for other jobs: the account's dependency file, and the queue in which its parents are asked about.
 ///
 /// Jobs that were made to wait together are one son group. Its key is their identities joined by "&".
-class VTDependencies
+class VTJobDependencies
 {
 public:
     /// Goes over to an account's file and queues all its son groups.

@@ -152,8 +152,8 @@ bool VTSetArgument::Accepts(const VTFrameRange& range) const
     const VTFrameCheck check = VTCheckFrames(range);
     if (check == VTFrameCheck::Valid)
         return true;
-    if (m_pSiblings)
-        VTPrompts(*m_pSiblings)
+    if (m_pServices)
+        VTPrompts(*m_pServices)
             .Notify(check == VTFrameCheck::Reversed ? tr("Start frame must be less than end frame!")
                                                     : tr("Can not submit more than 1000 frames"));
     return false;

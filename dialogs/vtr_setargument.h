@@ -15,7 +15,7 @@ class QPushButton;
 class QSpinBox;
 class QTableWidget;
 struct VTFrameRange;
-struct VTSiblings;
+struct VTServices;
 
 /// Controller of the set-argument dialog: edits the render arguments of the local task in the task table's current row.
 class VTSetArgument : public QObject
@@ -28,10 +28,10 @@ public:
     VTSetArgument(QWidget* pForm, QTableWidget* pTaskTable);
 
     /// @param siblings must live until Retire().
-    void SetServices(const VTSiblings& siblings) { m_pSiblings = &siblings; }
+    void SetServices(const VTServices& services) { m_pServices = &services; }
 
     /// Ends the use of the services, for good: their owner goes before this object does.
-    void Retire() { m_pSiblings = nullptr; }
+    void Retire() { m_pServices = nullptr; }
 
     /// Finds the form's widgets and connects them; once, before any other call.
     void InitWidgets();
@@ -66,7 +66,7 @@ private:
 
     VTDialogForm m_form;
     QPointer<QTableWidget> m_pTaskTable;
-    const VTSiblings* m_pSiblings = nullptr;
+    const VTServices* m_pServices = nullptr;
     QPushButton* m_pBtnClose = nullptr;
     QLabel* m_pLblJobName = nullptr;
     QLabel* m_pLblGroup = nullptr;

@@ -41,19 +41,19 @@ VTSetParent::VTSetParent(QWidget* pForm, QTableWidget* pJobTable, QMap<int, QStr
     , m_pJobTable(pJobTable)
     , m_pPollTimer(new QTimer(this))
 {
-    m_tables.mapProgressStyle = progressStyles;
-    m_tables.mapJobStatus = statusTexts;
+    m_codeTables.mapProgressStyle = progressStyles;
+    m_codeTables.mapJobStatus = statusTexts;
     m_pPollTimer->setInterval(PollInterval);
     connect(m_pPollTimer, &QTimer::timeout, this, &VTSetParent::GetJobInfo);
 }
 
 void VTSetParent::Retire()
 {
-    m_pSiblings = nullptr;
+    m_pServices = nullptr;
     m_pPollTimer->stop();
     CancelFill();
     // Answers that still come must not take anything out of the file: nobody would recover the jobs.
-    m_dependencies = VTDependencies();
+    m_jobDependencies = VTJobDependencies();
 }
 
 void VTSetParent::CancelFill()
@@ -87,7 +87,7 @@ void VTSetParent::ChangeLanguage()
     m_pCandidates->setHorizontalHeaderLabels(VTJobHeaders());
     for (int nRow = 0; nRow < m_pCandidates->rowCount(); ++nRow) {
         if (QTableWidgetItem* pItem = m_pCandidates->item(nRow, VTJobColumn::Status))
-            pItem->setText(m_tables.JobStatusText(pItem->data(Qt::UserRole).toInt()));
+            pItem->setText(m_codeTables.JobStatusText(pItem->data(Qt::UserRole).toInt()));
     }
 }
 
@@ -139,7 +139,7 @@ void VTSetParent::TriggerSetParentOk()
             return;
     }
     // On the disk first: jobs that were stopped and forgotten would wait for ever.
-    const bool bSaved = m_dependencies.Record(lstSon, lstParent);
+    const bool bSaved = m_jobDependencies.Record(lstSon, lstParent);
     m_pPollTimer->start();
     const QPointer<VTSetParent> pSelf(this);
     emit stopJobs(JobsRequest(lstSon));
@@ -181,14 +181,14 @@ void VTSetParent::AppendCandidates(const QVector<VTJobRecord>& lstJob)
 
 void VTSetParent::WriteCandidate(int nRow, const VTJobRecord& job)
 {
-    VTJobRow row = VTMakeJobRow(job, m_tables.mapJobStatus);
+    VTJobRow row = VTMakeJobRow(job, m_codeTables.mapJobStatus);
     row[VTJobColumn::StartTime].varData.clear();
     for (const int nColumn : {VTJobColumn::StartTime, VTJobColumn::Status, VTJobColumn::Cost})
         row[nColumn].strTip.clear();
 
     for (int nColumn = 0; nColumn < VTJobColumn::Count; ++nColumn) {
         if (nColumn == VTJobColumn::Progress)
-            VTTableCells::WriteProgress(m_pCandidates, nRow, nColumn, job.nProgress, m_tables);
+            VTTableCells::WriteProgress(m_pCandidates, nRow, nColumn, job.nProgress, m_codeTables);
         else
             VTTableCells::Write(m_pCandidates, nRow, nColumn, row[nColumn]);
     }
@@ -212,14 +212,14 @@ QStringList VTSetParent::GetCheckedItem()
 
 void VTSetParent::GetJobInfo()
 {
-    if (!m_dependencies.HasQueued()) {
-        if (!m_dependencies.Requeue())
+    if (!m_jobDependencies.HasQueued()) {
+        if (!m_jobDependencies.Requeue())
             m_pPollTimer->stop();
         return;
     }
     const QPointer<VTSetParent> pSelf(this);
     const int nSession = m_nSession;
-    const QVector<VTParentJob> lstParent = m_dependencies.TakeNext();
+    const QVector<VTParentJob> lstParent = m_jobDependencies.TakeNext();
     for (const VTParentJob& parent : lstParent) {
         emit getJobInfo(InfoRequest(parent));
         if (!pSelf || nSession != m_nSession)
@@ -232,8 +232,8 @@ void VTSetParent::GetSettings(QString strServer, QString strToken, QString strUs
     ++m_nSession;
     m_strToken = strToken;
     m_strUserId = strUserId;
-    m_dependencies.Open(VTAccountFile(QStringLiteral("data"), strServer, strUsername));
-    if (!QFileInfo(m_dependencies.Path()).isWritable())
+    m_jobDependencies.Open(VTAccountFile(QStringLiteral("data"), strServer, strUsername));
+    if (!QFileInfo(m_jobDependencies.Path()).isWritable())
         ReportUnsaved(false);
     m_pPollTimer->start();
 }
@@ -247,11 +247,11 @@ void VTSetParent::TriggerJobInfoResponse(int nRet, QVariantMap mapData)
         return;
     const QPointer<VTSetParent> pSelf(this);
     const int nSession = m_nSession;
-    const QStringList lstKey = m_dependencies.Finish(strJobId);
+    const QStringList lstKey = m_jobDependencies.Finish(strJobId);
     for (const QString& strKey : lstKey) {
-        if (!m_dependencies.Release(strKey))
+        if (!m_jobDependencies.Release(strKey))
             ReportUnsaved(false);
-        emit recoverJobs(JobsRequest(VTDependencies::Sons(strKey)));
+        emit recoverJobs(JobsRequest(VTJobDependencies::Sons(strKey)));
         if (!pSelf || nSession != m_nSession)
             return;
     }
@@ -276,12 +276,12 @@ VTParameters VTSetParent::InfoRequest(const VTParentJob& parent) const
 
 void VTSetParent::ReportUnsaved(bool bNotify) const
 {
-    if (!m_pSiblings)
+    if (!m_pServices)
         return;
-    m_pSiblings->LogCritical(
-        QStringLiteral("The dependency file cannot be written: %1").arg(m_dependencies.Path()));
+    m_pServices->LogCritical(
+        QStringLiteral("The dependency file cannot be written: %1").arg(m_jobDependencies.Path()));
     if (bNotify)
-        VTPrompts(*m_pSiblings)
+        VTPrompts(*m_pServices)
             .Notify(tr("The dependency could not be saved. The jobs will be resumed only while the client is "
                        "running."));
 }

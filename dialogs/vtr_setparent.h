@@ -17,7 +17,7 @@ class QPushButton;
 class QTableWidget;
 class QTimer;
 struct VTJobRecord;
-struct VTSiblings;
+struct VTServices;
 
 /// Controller of the set-parent dialog: makes the jobs checked in the job table wait for others.
 ///
@@ -34,7 +34,7 @@ public:
         QMap<int, QString> statusTexts);
 
     /// @param siblings must live until Retire().
-    void SetServices(const VTSiblings& siblings) { m_pSiblings = &siblings; }
+    void SetServices(const VTServices& services) { m_pServices = &services; }
 
     /// Ends the use of the services, the poll and a fill, for good: the owner goes before this object does.
     void Retire();
@@ -83,9 +83,9 @@ private:
     QTableWidget* m_pCandidates = nullptr;
     QPushButton* m_pBtnClose = nullptr;
     QPushButton* m_pBtnOk = nullptr;
-    const VTSiblings* m_pSiblings = nullptr;
-    VTCodeTables m_tables;
-    VTDependencies m_dependencies;
+    const VTServices* m_pServices = nullptr;
+    VTCodeTables m_codeTables;
+    VTJobDependencies m_jobDependencies;
     QTimer* m_pPollTimer;
     QString m_strToken;
     QString m_strUserId;

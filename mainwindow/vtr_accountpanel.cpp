@@ -20,31 +20,31 @@ QString BalanceCharacter(double dBalance)
 
 } // namespace
 
-VTAccount::VTAccount(const VTMainForm& form, const VTRequests& requests, VTSession& session)
+VTAccountPanel::VTAccountPanel(const VTMainForm& form, const VTRequests& requests, VTSession& session)
     : m_form(form)
     , m_requests(requests)
     , m_session(session)
 {
 }
 
-void VTAccount::TakeNames(const QVariantMap& mapAnswer)
+void VTAccountPanel::TakeNames(const QVariantMap& mapAnswer)
 {
     m_session.strLoginName = mapAnswer.value(VTProtocol::LoginName).toString();
     m_session.strUserName = mapAnswer.value(VTProtocol::UserName).toString();
     VTSetPlainText(m_form.lblUserName, m_session.strLoginName);
 }
 
-void VTAccount::TakeToken(const QVariantMap& mapAnswer)
+void VTAccountPanel::TakeToken(const QVariantMap& mapAnswer)
 {
     m_session.strToken = VTProtocol::Payload(mapAnswer).value(VTProtocol::Token).toString();
 }
 
-void VTAccount::RequestUserInfo() const
+void VTAccountPanel::RequestUserInfo() const
 {
     m_requests.Send(&VTCommunicationInterface::GetUserInfo);
 }
 
-void VTAccount::TakeUserInfo(int nRet, const QVariantMap& mapAnswer)
+void VTAccountPanel::HandleUserInfoAnswer(int nRet, const QVariantMap& mapAnswer)
 {
     if (nRet != VTProtocol::Success)
         return;
@@ -60,7 +60,7 @@ void VTAccount::TakeUserInfo(int nRet, const QVariantMap& mapAnswer)
     VTSetPlainText(m_form.lblUserName, mapUser.value(VTProtocol::UserName).toString());
 }
 
-void VTAccount::ShowBalances(const QString& strMain, const QString& strCredits, bool bBound)
+void VTAccountPanel::ShowBalances(const QString& strMain, const QString& strCredits, bool bBound)
 {
     if (bBound)
         VTSetPlainText(m_form.lblCyb, strCredits, true);

@@ -9,13 +9,13 @@ struct VTMainForm;
 struct VTSession;
 
 /// The account panel and the values of the session.
-class VTAccount : public QObject
+class VTAccountPanel : public QObject
 {
     Q_OBJECT
 
 public:
     /// All must outlive this object.
-    VTAccount(const VTMainForm& form, const VTRequests& requests, VTSession& session);
+    VTAccountPanel(const VTMainForm& form, const VTRequests& requests, VTSession& session);
 
     /// Takes the user's names from the sign-in answer and shows who is signed in.
     void TakeNames(const QVariantMap& mapAnswer);
@@ -24,7 +24,7 @@ public:
     void RequestUserInfo() const;
 
     /// Shows the balances of a user-info answer.
-    void TakeUserInfo(int nRet, const QVariantMap& mapAnswer);
+    void HandleUserInfoAnswer(int nRet, const QVariantMap& mapAnswer);
 
 private:
     void ShowBalances(const QString& strMain, const QString& strCredits, bool bBound);

@@ -23,9 +23,9 @@ void VTAccountSettings::Load(const QObject* pWindow)
     // clang-format off
     m_bAutoDownload = Read(QStringLiteral("autodownload"));
     SwitchConnection(Read(QStringLiteral("popupfinish")),
-        {m_siblings.pRenderCore, SIGNAL(DownloadFinish(QString)), pWindow, SLOT(PopupFinish(QString))});
+        {m_services.pRenderCore, SIGNAL(DownloadFinish(QString)), pWindow, SLOT(PopupFinish(QString))});
     SwitchConnection(Read(QStringLiteral("soundfinish")),
-        {m_siblings.pRenderCore, SIGNAL(DownloadFinish(QString)), m_siblings.pConfiguration, SLOT(Finish(QString))});
+        {m_services.pRenderCore, SIGNAL(DownloadFinish(QString)), m_services.pConfiguration, SLOT(Finish(QString))});
     m_bSetArgument = Read(QStringLiteral("setargument"));
     // clang-format on
 }
@@ -33,5 +33,5 @@ void VTAccountSettings::Load(const QObject* pWindow)
 bool VTAccountSettings::Read(const QString& strName) const
 {
     const QString strKey = QStringLiteral("vtr.account.%1/%2").arg(m_session.strUserName, strName);
-    return m_siblings.pSettings && m_siblings.pSettings->Value(strKey, 0).toBool();
+    return m_services.pSettings && m_services.pSettings->Value(strKey, 0).toBool();
 }

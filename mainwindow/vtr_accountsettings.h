@@ -3,15 +3,15 @@
 #include <QObject>
 
 struct VTSession;
-struct VTSiblings;
+struct VTServices;
 
 /// The four switches that each account keeps in the settings service.
 class VTAccountSettings
 {
 public:
     /// All must outlive this object.
-    VTAccountSettings(const VTSiblings& siblings, const VTSession& session)
-        : m_siblings(siblings)
+    VTAccountSettings(const VTServices& services, const VTSession& session)
+        : m_services(services)
         , m_session(session)
     {
     }
@@ -26,7 +26,7 @@ public:
 private:
     bool Read(const QString& strName) const;
 
-    const VTSiblings& m_siblings;
+    const VTServices& m_services;
     const VTSession& m_session;
     bool m_bAutoDownload = false;
     bool m_bSetArgument = false;

@@ -28,24 +28,24 @@ constexpr int LanguagePrefixLength = 4;
 
 } // namespace
 
-VTChrome::VTChrome(const VTMainForm& form, const VTSiblings& siblings, const VTPrompts& prompts)
+VTChrome::VTChrome(const VTMainForm& form, const VTServices& services, const VTPrompts& prompts)
     : m_form(form)
-    , m_siblings(siblings)
+    , m_services(services)
     , m_prompts(prompts)
 {
 }
 
 void VTChrome::ShowForm() const
 {
-    m_form.pForm->setWindowIcon(VTSkin::MainIcon(m_siblings.Skin()));
+    m_form.pForm->setWindowIcon(VTSkin::MainIcon(m_services.Skin()));
     m_form.pForm->show();
 }
 
 void VTChrome::Restyle(const QString& strSkin) const
 {
     VTSkin::ApplyToForm(m_form.pForm, strSkin, VTIds::Client);
-    if (m_siblings.pUiLoader)
-        m_siblings.pUiLoader->LoadSkinSettings(VTSkin::LayoutFile(strSkin, VTIds::Client));
+    if (m_services.pUiLoader)
+        m_services.pUiLoader->LoadSkinSettings(VTSkin::LayoutFile(strSkin, VTIds::Client));
 }
 
 void VTChrome::Maximize()
@@ -67,8 +67,8 @@ void VTChrome::Restore()
 
 void VTChrome::LayoutForm() const
 {
-    if (m_siblings.pUiLoader)
-        m_siblings.pUiLoader->LayoutForm(m_form.pForm, VTSkin::LayoutFile(m_siblings.Skin(), VTIds::Client));
+    if (m_services.pUiLoader)
+        m_services.pUiLoader->LayoutForm(m_form.pForm, VTSkin::LayoutFile(m_services.Skin(), VTIds::Client));
 }
 
 void VTChrome::AskToQuit()
@@ -76,8 +76,8 @@ void VTChrome::AskToQuit()
     const QPointer<VTChrome> pThis(this);
     if (m_prompts.AskToConfirm(tr("Are you sure to quit?")) != VTAnswer::Agreed || !pThis)
         return;
-    if (m_siblings.pRenderCore)
-        m_siblings.pRenderCore->RemoveSubmitTasks(VTTables::AllIds(m_form.twtLocalTask), false);
+    if (m_services.pRenderCore)
+        m_services.pRenderCore->RemoveSubmitTasks(VTTables::AllIds(m_form.twtLocalTask), false);
     if (pThis)
         m_form.pForm->hide();
     QCoreApplication::exit(0);
@@ -85,7 +85,7 @@ void VTChrome::AskToQuit()
 
 void VTChrome::UpdateLanguage()
 {
-    m_strLanguage = m_siblings.pUiLoader ? m_siblings.pUiLoader->GetLanguage() : QString();
+    m_strLanguage = m_services.pUiLoader ? m_services.pUiLoader->GetLanguage() : QString();
     const QString strImage = QFileInfo(m_strLanguage).completeBaseName().mid(LanguagePrefixLength);
     const QString strSheet = LanguageButtonSheet().arg(strImage);
     if (m_form.btnLang->styleSheet() != strSheet)
@@ -94,14 +94,14 @@ void VTChrome::UpdateLanguage()
 
 void VTChrome::ToggleLanguage() const
 {
-    if (!m_siblings.pUiLoader)
+    if (!m_services.pUiLoader)
         return;
     const QString strCurrent = QFileInfo(m_strLanguage).fileName();
-    const QStringList lstLanguage = m_siblings.pUiLoader->GetLanguages();
+    const QStringList lstLanguage = m_services.pUiLoader->GetLanguages();
     for (const QString& strLanguage : lstLanguage) {
         if (QFileInfo(strLanguage).fileName() == strCurrent)
             continue;
-        m_siblings.pUiLoader->SetLanguage(strLanguage);
+        m_services.pUiLoader->SetLanguage(strLanguage);
         return;
     }
 }

@@ -8,7 +8,7 @@
 class QWidget;
 class VTPrompts;
 struct VTMainForm;
-struct VTSiblings;
+struct VTServices;
 
 /// What surrounds the content of the main form: size, layout, the current language and the way out.
 class VTChrome : public QObject
@@ -17,7 +17,7 @@ class VTChrome : public QObject
 
 public:
     /// All must outlive this object.
-    VTChrome(const VTMainForm& form, const VTSiblings& siblings, const VTPrompts& prompts);
+    VTChrome(const VTMainForm& form, const VTServices& services, const VTPrompts& prompts);
 
     /// Shows the main form with the skin's icon.
     void ShowForm() const;
@@ -40,7 +40,7 @@ public:
 
 private:
     const VTMainForm& m_form;
-    const VTSiblings& m_siblings;
+    const VTServices& m_services;
     const VTPrompts& m_prompts;
     /// How much larger the screen is than the form in normal size.
     QSize m_sizeDelta {0, 0};

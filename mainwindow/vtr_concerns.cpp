@@ -34,39 +34,39 @@ public:
 
 } // namespace
 
-VTWindowParts::VTWindowParts(
-    QWidget* pWindow, const VTSiblings& siblings, const VTCodeTables& codeTables, const VTTimers& timers)
-    : forms(siblings.pUiLoader)
+VTConcerns::VTConcerns(
+    QWidget* pWindow, const VTServices& services, const VTCodeTables& codeTables, const VTTimers& timers)
+    : forms(services.pUiLoader)
     , form(forms.pMain)
     , pGroup(new VTGroup(forms.pMain, form.wgtGroup, forms.pInput))
     , pSetParent(new VTSetParent(
           forms.pSetParent, form.twtMyRender, codeTables.mapProgressStyle, codeTables.mapJobStatus))
     , pSetArgument(new VTSetArgument(forms.pSetArgument, form.twtLocalTask))
     , pSearch(new VTSearch(forms.pSearch))
-    , prompts(siblings)
-    , requests(siblings, session)
-    , settings(siblings, session)
+    , prompts(services)
+    , requests(services, session)
+    , settings(services, session)
     , tables(form)
-    , pageBar(form, siblings)
+    , pageBar(form, services)
     , account(form, requests, session)
-    , chrome(form, siblings, prompts)
-    , tray(pWindow, form, siblings, session)
+    , chrome(form, services, prompts)
+    , tray(pWindow, form, services, session)
     , menus(pWindow, form, tables)
-    , jobList({form, siblings, codeTables, requests, prompts, tables, pageBar})
-    , submitList({form, siblings, codeTables, timers, prompts, pageBar})
-    , downloadList({form, siblings, codeTables, timers, pageBar})
-    , jobActions({form, siblings, session, requests, tables, prompts, jobList, submitList, downloadList})
-    , toolbar({form, siblings, timers, tables, *pGroup, pageBar, jobList, submitList, downloadList})
-    , uploadRetries(siblings, prompts, timers.pUploadRetry, TaskQuestionTexts::UploadRetry,
+    , jobList({form, services, codeTables, requests, prompts, tables, pageBar})
+    , submitList({form, services, codeTables, timers, prompts, pageBar})
+    , downloadList({form, services, codeTables, timers, pageBar})
+    , jobActions({form, services, session, requests, tables, prompts, jobList, submitList, downloadList})
+    , toolbar({form, services, timers, tables, *pGroup, pageBar, jobList, submitList, downloadList})
+    , uploadRetries(services, prompts, timers.pUploadRetry, TaskQuestionTexts::UploadRetry,
           &VTRenderCoreInterface::UploadRetryAnswer)
-    , lackedTextures(siblings, prompts, timers.pLackTexture, TaskQuestionTexts::LackedTexture,
+    , lackedTextures(services, prompts, timers.pLackTexture, TaskQuestionTexts::LackedTexture,
           &VTRenderCoreInterface::LackTextureAnswer)
     , signIn(
-          {form, siblings, timers, requests, session, account, pageBar, jobList, tray, *pSearch, *pSetParent})
+          {form, services, timers, requests, session, account, pageBar, jobList, tray, *pSearch, *pSetParent})
 {
-    pSetArgument->SetServices(siblings);
-    pSetParent->SetServices(siblings);
-    pGroup->SetServices(siblings);
+    pSetArgument->SetServices(services);
+    pSetParent->SetServices(services);
+    pGroup->SetServices(services);
     pSetArgument->InitWidgets();
     pSetParent->InitWidgets();
     pSearch->InitWidgets();
@@ -78,7 +78,7 @@ VTWindowParts::VTWindowParts(
     form.pForm->setMouseTracking(true);
 }
 
-VTWindowParts::~VTWindowParts()
+VTConcerns::~VTConcerns()
 {
     // The controllers outlive this object by a moment, the services that they know do not.
     pSetArgument->Retire();
@@ -86,7 +86,7 @@ VTWindowParts::~VTWindowParts()
     pGroup->Retire();
 }
 
-void VTWindowParts::ChangeSkin(const QString& strSkin) const
+void VTConcerns::ChangeSkin(const QString& strSkin) const
 {
     pSetArgument->ChangeSkin(strSkin);
     pSetParent->ChangeSkin(strSkin);
@@ -95,7 +95,7 @@ void VTWindowParts::ChangeSkin(const QString& strSkin) const
     tray.ApplySkin(strSkin);
 }
 
-void VTWindowParts::ChangeLanguage()
+void VTConcerns::ChangeLanguage()
 {
     chrome.UpdateLanguage();
     VTCaptions::Retranslate(form);
@@ -107,7 +107,7 @@ void VTWindowParts::ChangeLanguage()
     pGroup->ChangeLanguage();
 }
 
-QVector<QPointer<QObject>> VTWindowParts::Remains() const
+QVector<QPointer<QObject>> VTConcerns::Remains() const
 {
     // Controllers before the forms that they look after.
     QVector<QPointer<QObject>> lstRemnant {

@@ -28,7 +28,7 @@ class VTSearch;
 class VTSetArgument;
 class VTSetParent;
 struct VTCodeTables;
-struct VTSiblings;
+struct VTServices;
 struct VTTimers;
 
 /// A dialog controller, which is scheduled for deletion, not deleted, when its owner goes.
@@ -36,12 +36,12 @@ template <typename Controller>
 using VTController = QScopedPointer<Controller, QScopedPointerDeleteLater>;
 
 /// The built window: forms, dialog controllers and the concerns that share them, each after those it needs.
-struct VTWindowParts
+struct VTConcerns
 {
     /// @param pWindow parent of tray icon and menus; all must outlive this object.
-    VTWindowParts(
-        QWidget* pWindow, const VTSiblings& siblings, const VTCodeTables& codeTables, const VTTimers& timers);
-    ~VTWindowParts();
+    VTConcerns(
+        QWidget* pWindow, const VTServices& services, const VTCodeTables& codeTables, const VTTimers& timers);
+    ~VTConcerns();
 
     /// Restyles what lies outside the main form: dialogs and tray icon.
     void ChangeSkin(const QString& strSkin) const;
@@ -64,7 +64,7 @@ struct VTWindowParts
     VTAccountSettings settings;
     VTTables tables;
     VTPageBar pageBar;
-    VTAccount account;
+    VTAccountPanel account;
     VTChrome chrome;
     VTTray tray;
     VTContextMenus menus;

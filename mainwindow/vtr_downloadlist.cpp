@@ -11,12 +11,12 @@
 
 #include <QFileInfo>
 
-VTDownloadList::VTDownloadList(const Needs& needs)
-    : m_needs(needs)
-    , m_pTable(needs.form.twtDownload)
+VTDownloadList::VTDownloadList(const Dependencies& dependencies)
+    : m_deps(dependencies)
+    , m_pTable(dependencies.form.twtDownload)
 {
-    if (m_needs.siblings.pRenderCore)
-        m_pTasks = m_needs.siblings.pRenderCore->GetDownloadTasks();
+    if (m_deps.services.pRenderCore)
+        m_pTasks = m_deps.services.pRenderCore->GetDownloadTasks();
 }
 
 QStringList VTDownloadList::Headers()
@@ -26,7 +26,7 @@ QStringList VTDownloadList::Headers()
 
 const QVariantMap* VTDownloadList::Tasks() const
 {
-    return m_needs.siblings.pRenderCore ? m_pTasks : nullptr;
+    return m_deps.services.pRenderCore ? m_pTasks : nullptr;
 }
 
 void VTDownloadList::BuildPage(int nPage)
@@ -47,7 +47,7 @@ void VTDownloadList::BuildPage(int nPage)
 
 void VTDownloadList::BuildCurrentPage()
 {
-    BuildPage(m_needs.pageBar.CurrentPage(VTList::Downloads));
+    BuildPage(m_deps.pageBar.CurrentPage(VTList::Downloads));
 }
 
 void VTDownloadList::WriteRow(int nRow, const QString& strTaskId, const QVariantMap& mapTask)
@@ -73,10 +73,10 @@ void VTDownloadList::WriteRow(int nRow, const QString& strTaskId, const QVariant
 void VTDownloadList::WriteState(int nRow, const QVariantMap& mapTask)
 {
     VTTableCells::WriteProgress(m_pTable, nRow, VTDownloadColumn::Progress,
-        mapTask.value(QStringLiteral("progress")).toInt(), m_needs.tables);
+        mapTask.value(QStringLiteral("progress")).toInt(), m_deps.codeTables);
 
     const int nState = mapTask.value(QStringLiteral("status")).toInt();
-    const QString strState = m_needs.tables.mapDownloadState.value(nState);
+    const QString strState = m_deps.codeTables.mapDownloadState.value(nState);
     QTableWidgetItem* pStatus = VTTableCells::ItemAt(m_pTable, nRow, VTDownloadColumn::Status);
     pStatus->setText(strState.isEmpty() ? tr("Unkown") : tr(qUtf8Printable(strState)));
     pStatus->setData(Qt::UserRole, nState);
@@ -89,15 +89,15 @@ void VTDownloadList::ListChanged()
     const QVariantMap* pTasks = Tasks();
     if (!pTasks)
         return;
-    VTPageState& state = m_needs.pageBar.State(VTList::Downloads);
+    VTPageState& state = m_deps.pageBar.State(VTList::Downloads);
     state.nTotalRecords = pTasks->size();
     state.StepBackWhenBeyond(pTasks->size());
-    if (m_needs.form.tbwContainer->currentIndex() == VTList::Downloads) {
-        m_needs.pageBar.Show(VTList::Downloads, pTasks->size());
+    if (m_deps.form.tbwContainer->currentIndex() == VTList::Downloads) {
+        m_deps.pageBar.Show(VTList::Downloads, pTasks->size());
         if (m_pTable->rowCount() < VTPageSize)
             BuildCurrentPage();
     }
-    VTTimers::StartOnce(m_needs.timers.pDownloadList);
+    VTTimers::StartOnce(m_deps.timers.pDownloadList);
 }
 
 void VTDownloadList::Refresh()
@@ -114,20 +114,20 @@ void VTDownloadList::Refresh()
 
 void VTDownloadList::Delete(const QStringList& lstTaskId)
 {
-    if (!m_needs.siblings.pRenderCore)
+    if (!m_deps.services.pRenderCore)
         return;
-    m_needs.siblings.pRenderCore->RemoveDownloadTasks(lstTaskId);
+    m_deps.services.pRenderCore->RemoveDownloadTasks(lstTaskId);
     m_place.Forget();
     const QVariantMap* pTasks = Tasks();
-    m_needs.pageBar.State(VTList::Downloads).nTotalRecords = pTasks ? pTasks->size() : 0;
-    BuildPage(m_needs.pageBar.CorrectAfterDeletion(VTList::Downloads));
+    m_deps.pageBar.State(VTList::Downloads).nTotalRecords = pTasks ? pTasks->size() : 0;
+    BuildPage(m_deps.pageBar.CorrectAfterDeletion(VTList::Downloads));
 }
 
 void VTDownloadList::Redownload(const QStringList& lstTaskId)
 {
     m_place.Forget();
-    if (m_needs.siblings.pRenderCore)
-        m_needs.siblings.pRenderCore->RedownloadTasks(lstTaskId);
+    if (m_deps.services.pRenderCore)
+        m_deps.services.pRenderCore->RedownloadTasks(lstTaskId);
 }
 
 void VTDownloadList::RevealCurrentFile() const

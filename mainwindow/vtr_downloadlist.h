@@ -11,7 +11,7 @@ class QTableWidget;
 class VTPageBar;
 struct VTCodeTables;
 struct VTMainForm;
-struct VTSiblings;
+struct VTServices;
 struct VTTimers;
 
 /// Columns of the downloads' table.
@@ -25,17 +25,17 @@ class VTDownloadList : public QObject
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
 
 public:
-    struct Needs
+    struct Dependencies
     {
         const VTMainForm& form;
-        const VTSiblings& siblings;
-        const VTCodeTables& tables;
+        const VTServices& services;
+        const VTCodeTables& codeTables;
         const VTTimers& timers;
         VTPageBar& pageBar;
     };
 
     /// What the needs refer to must outlive this object. Asks the render core for its map.
-    explicit VTDownloadList(const Needs& needs);
+    explicit VTDownloadList(const Dependencies& dependencies);
 
     static QStringList Headers();
 
@@ -57,7 +57,7 @@ private:
     void WriteRow(int nRow, const QString& strTaskId, const QVariantMap& mapTask);
     void WriteState(int nRow, const QVariantMap& mapTask);
 
-    Needs m_needs;
+    Dependencies m_deps;
     QTableWidget* m_pTable;
     const QVariantMap* m_pTasks = nullptr;
     VTMapWindow m_place;

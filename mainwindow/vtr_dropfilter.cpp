@@ -6,7 +6,7 @@
 #include <qt_windows.h>
 #include <QWidget>
 
-void VTAllowFileDrops(QWidget* pWindow, const VTSiblings& siblings)
+void VTAllowFileDrops(QWidget* pWindow, const VTServices& services)
 {
     constexpr UINT MessageDropFiles = 563;
     constexpr DWORD Allow = 1;
@@ -20,9 +20,9 @@ void VTAllowFileDrops(QWidget* pWindow, const VTSiblings& siblings)
         return;
     const bool bAllowed
         = changeFilter(reinterpret_cast<HWND>(pWindow->winId()), MessageDropFiles, Allow, nullptr);
-    siblings.LogDebug(
+    services.LogDebug(
         bAllowed ? QStringLiteral("WM_DROPFILES SUCCESS") : QStringLiteral("WM_DROPFILES ERROR"));
 }
 #else
-void VTAllowFileDrops(QWidget* /*pWindow*/, const VTSiblings& /*siblings*/) { }
+void VTAllowFileDrops(QWidget* /*pWindow*/, const VTServices& /*services*/) { }
 #endif

@@ -1,7 +1,7 @@
 #pragma once
 
 class QWidget;
-struct VTSiblings;
+struct VTServices;
 
 /// Lets files that are dropped by programs of lower rights reach the window, where the system filters such messages.
-void VTAllowFileDrops(QWidget* pWindow, const VTSiblings& siblings);
+void VTAllowFileDrops(QWidget* pWindow, const VTServices& services);

@@ -10,51 +10,51 @@
 #include "mainwindow/vtr_submitlist.h"
 #include "mainwindow/vtr_tables.h"
 
-VTJobActions::VTJobActions(const Needs& needs)
-    : m_needs(needs)
+VTJobActions::VTJobActions(const Dependencies& dependencies)
+    : m_deps(dependencies)
 {
 }
 
 int VTJobActions::CurrentTab() const
 {
-    return m_needs.form.tbwContainer->currentIndex();
+    return m_deps.form.tbwContainer->currentIndex();
 }
 
 void VTJobActions::Send(VTRequests::Operation operation, const QStringList& lstJobId) const
 {
-    QVariantHash mapRequest = m_needs.requests.New();
+    QVariantHash mapRequest = m_deps.requests.New();
     VTProtocol::AddJobIds(mapRequest, lstJobId);
-    m_needs.requests.Send(operation, mapRequest);
+    m_deps.requests.Send(operation, mapRequest);
 }
 
 void VTJobActions::SendForJobs(VTRequests::Operation operation) const
 {
     if (CurrentTab() == VTList::Jobs)
-        Send(operation, m_needs.rows.CheckedIds(VTList::Jobs));
+        Send(operation, m_deps.tables.CheckedIds(VTList::Jobs));
 }
 
 void VTJobActions::Delete()
 {
     const int nTab = CurrentTab();
-    const bool bSignedIn = m_needs.session.bSignedIn;
+    const bool bSignedIn = m_deps.session.bSignedIn;
     const QPointer<VTJobActions> pThis(this);
-    const VTAnswer answer = m_needs.prompts.AskToConfirm(tr("Are you sure to delete these jobs?"));
+    const VTAnswer answer = m_deps.prompts.AskToConfirm(tr("Are you sure to delete these jobs?"));
     if (answer != VTAnswer::Agreed || !pThis)
         return;
     // The answer is about the rows that were in front, in the session that was on.
-    if (CurrentTab() != nTab || m_needs.session.bSignedIn != bSignedIn)
+    if (CurrentTab() != nTab || m_deps.session.bSignedIn != bSignedIn)
         return;
-    const QStringList lstId = m_needs.rows.CheckedIds(nTab);
-    m_needs.rows.UncheckAll();
+    const QStringList lstId = m_deps.tables.CheckedIds(nTab);
+    m_deps.tables.UncheckAll();
     switch (nTab) {
     case VTList::Jobs:
         Send(&VTCommunicationInterface::DeleteJobs, lstId);
         break;
     case VTList::LocalTasks:
-        m_needs.submitList.Delete(lstId);
+        m_deps.submitList.Delete(lstId);
         break;
     case VTList::Downloads:
-        m_needs.downloadList.Delete(lstId);
+        m_deps.downloadList.Delete(lstId);
         break;
     default:
         break;
@@ -63,8 +63,8 @@ void VTJobActions::Delete()
 
 void VTJobActions::Stop() const
 {
-    if (CurrentTab() == VTList::LocalTasks && m_needs.siblings.pRenderCore)
-        m_needs.siblings.pRenderCore->StopSubmitTasks();
+    if (CurrentTab() == VTList::LocalTasks && m_deps.services.pRenderCore)
+        m_deps.services.pRenderCore->StopSubmitTasks();
     else
         SendForJobs(&VTCommunicationInterface::StopJobs);
 }
@@ -84,45 +84,45 @@ void VTJobActions::FullRender() const
     SendForJobs(&VTCommunicationInterface::FullRender);
 }
 
-void VTJobActions::TakeDeleteAnswer(int nRet) const
+void VTJobActions::HandleDeleteAnswer(int nRet) const
 {
-    TakeAnswer(nRet, tr("Delete jobs failed!"));
+    HandleAnswer(nRet, tr("Delete jobs failed!"));
 }
 
-void VTJobActions::TakeStopAnswer(int nRet) const
+void VTJobActions::HandleStopAnswer(int nRet) const
 {
-    TakeAnswer(nRet, tr("Stop jobs failed!"));
+    HandleAnswer(nRet, tr("Stop jobs failed!"));
 }
 
-void VTJobActions::TakeRecoverAnswer(int nRet, const QVariantMap& mapAnswer) const
+void VTJobActions::HandleRecoverAnswer(int nRet, const QVariantMap& mapAnswer) const
 {
-    TakeAnswerOrRefusal(nRet, mapAnswer, tr("Recover jobs failed!"));
+    HandleAnswerOrRefusal(nRet, mapAnswer, tr("Recover jobs failed!"));
 }
 
-void VTJobActions::TakeRestartAnswer(int nRet, const QVariantMap& mapAnswer) const
+void VTJobActions::HandleRestartAnswer(int nRet, const QVariantMap& mapAnswer) const
 {
-    TakeAnswerOrRefusal(nRet, mapAnswer, tr("Restart jobs failed!"));
+    HandleAnswerOrRefusal(nRet, mapAnswer, tr("Restart jobs failed!"));
 }
 
-void VTJobActions::TakeFullRenderAnswer(int nRet, const QVariantMap& mapAnswer) const
+void VTJobActions::HandleFullRenderAnswer(int nRet, const QVariantMap& mapAnswer) const
 {
-    TakeAnswerOrRefusal(nRet, mapAnswer, tr("Full render jobs failed!"));
+    HandleAnswerOrRefusal(nRet, mapAnswer, tr("Full render jobs failed!"));
 }
 
-void VTJobActions::TakeAnswer(int nRet, const QString& strFailure) const
+void VTJobActions::HandleAnswer(int nRet, const QString& strFailure) const
 {
     if (nRet == VTProtocol::Success)
-        m_needs.jobList.RequestCurrentPage();
+        m_deps.jobList.RequestCurrentPage();
     else
-        m_needs.prompts.Notify(strFailure);
+        m_deps.prompts.Notify(strFailure);
 }
 
-void VTJobActions::TakeAnswerOrRefusal(
+void VTJobActions::HandleAnswerOrRefusal(
     int nRet, const QVariantMap& mapAnswer, const QString& strFailure) const
 {
     // A refusal counts even where the answer as a whole succeeded.
     if (!VTProtocol::Payload(mapAnswer).value(VTProtocol::NotAllowedJobs).toList().isEmpty())
-        m_needs.prompts.Notify(tr("Amount Overdue!"));
+        m_deps.prompts.Notify(tr("Amount Overdue!"));
     else
-        TakeAnswer(nRet, strFailure);
+        HandleAnswer(nRet, strFailure);
 }

@@ -13,7 +13,7 @@ class VTSubmitList;
 class VTTables;
 struct VTMainForm;
 struct VTSession;
-struct VTSiblings;
+struct VTServices;
 
 /// The five actions of the toolbar on the checked rows of the current tab, and the judgement of the farm's answers.
 class VTJobActions : public QObject
@@ -21,13 +21,13 @@ class VTJobActions : public QObject
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
 
 public:
-    struct Needs
+    struct Dependencies
     {
         const VTMainForm& form;
-        const VTSiblings& siblings;
+        const VTServices& services;
         const VTSession& session;
         const VTRequests& requests;
-        const VTTables& rows;
+        const VTTables& tables;
         const VTPrompts& prompts;
         const VTJobList& jobList;
         VTSubmitList& submitList;
@@ -35,7 +35,7 @@ public:
     };
 
     /// What the needs refer to must outlive this object.
-    explicit VTJobActions(const Needs& needs);
+    explicit VTJobActions(const Dependencies& dependencies);
 
     /// Asks first; on the other tabs it deletes local tasks or downloads.
     void Delete();
@@ -46,11 +46,11 @@ public:
     void Restart() const;
     void FullRender() const;
 
-    void TakeDeleteAnswer(int nRet) const;
-    void TakeStopAnswer(int nRet) const;
-    void TakeRecoverAnswer(int nRet, const QVariantMap& mapAnswer) const;
-    void TakeRestartAnswer(int nRet, const QVariantMap& mapAnswer) const;
-    void TakeFullRenderAnswer(int nRet, const QVariantMap& mapAnswer) const;
+    void HandleDeleteAnswer(int nRet) const;
+    void HandleStopAnswer(int nRet) const;
+    void HandleRecoverAnswer(int nRet, const QVariantMap& mapAnswer) const;
+    void HandleRestartAnswer(int nRet, const QVariantMap& mapAnswer) const;
+    void HandleFullRenderAnswer(int nRet, const QVariantMap& mapAnswer) const;
 
 private:
     int CurrentTab() const;
@@ -58,8 +58,8 @@ private:
     /// Sends an action for the checked jobs when the farm's jobs are in front.
     void SendForJobs(VTRequests::Operation operation) const;
 
-    void TakeAnswer(int nRet, const QString& strFailure) const;
-    void TakeAnswerOrRefusal(int nRet, const QVariantMap& mapAnswer, const QString& strFailure) const;
+    void HandleAnswer(int nRet, const QString& strFailure) const;
+    void HandleAnswerOrRefusal(int nRet, const QVariantMap& mapAnswer, const QString& strFailure) const;
 
-    Needs m_needs;
+    Dependencies m_deps;
 };

@@ -34,25 +34,25 @@ void AddOrder(QVariantMap& mapOrders, const QTableWidget* pTable, int nRow)
 
 } // namespace
 
-VTJobList::VTJobList(const Needs& needs)
-    : m_needs(needs)
+VTJobList::VTJobList(const Dependencies& dependencies)
+    : m_deps(dependencies)
 {
 }
 
 void VTJobList::Request(int nPage, const QString& strConditions, int nFlag) const
 {
-    QVariantHash mapRequest = m_needs.requests.New();
+    QVariantHash mapRequest = m_deps.requests.New();
     mapRequest.insert(VTProtocol::PageSize, nFlag != 0 ? CandidatePageSize : VTPageSize);
     mapRequest.insert(VTProtocol::Page, nPage);
     mapRequest.insert(VTProtocol::Identifier, nFlag);
     if (!strConditions.isEmpty())
         mapRequest.insert(VTProtocol::Conditions, strConditions);
-    m_needs.requests.Send(&VTCommunicationInterface::GetJobList, mapRequest);
+    m_deps.requests.Send(&VTCommunicationInterface::GetJobList, mapRequest);
 }
 
 void VTJobList::RequestCurrentPage() const
 {
-    RequestPage(m_needs.pageBar.CurrentPage(VTList::Jobs));
+    RequestPage(m_deps.pageBar.CurrentPage(VTList::Jobs));
 }
 
 void VTJobList::Search(const QVariantMap& mapCondition)
@@ -60,11 +60,11 @@ void VTJobList::Search(const QVariantMap& mapCondition)
     m_strConditions.clear();
     if (!mapCondition.isEmpty())
         m_strConditions = VTConditionText(mapCondition);
-    m_needs.pageBar.State(VTList::Jobs).ResetPosition();
+    m_deps.pageBar.State(VTList::Jobs).ResetPosition();
     RequestPage(1);
 }
 
-void VTJobList::TakeAnswer(int nRet, const QVariantMap& mapAnswer)
+void VTJobList::HandleAnswer(int nRet, const QVariantMap& mapAnswer)
 {
     if (nRet != VTProtocol::Success)
         return;
@@ -78,22 +78,22 @@ void VTJobList::TakeAnswer(int nRet, const QVariantMap& mapAnswer)
         ShowNoJobs();
         return;
     }
-    if (m_needs.form.tbwContainer->currentIndex() == VTList::Jobs)
-        m_needs.pageBar.Show(VTList::Jobs, mapData.value(VTProtocol::Total).toInt());
+    if (m_deps.form.tbwContainer->currentIndex() == VTList::Jobs)
+        m_deps.pageBar.Show(VTList::Jobs, mapData.value(VTProtocol::Total).toInt());
     const QVector<VTJobRecord> lstRecord = Records(lstJob);
-    Fill(m_needs.form.twtMyRender, lstRecord);
+    Fill(m_deps.form.twtMyRender, lstRecord);
     HandOverFinished(lstRecord);
 }
 
 void VTJobList::ShowNoJobs()
 {
-    VTPageState& state = m_needs.pageBar.State(VTList::Jobs);
+    VTPageState& state = m_deps.pageBar.State(VTList::Jobs);
     const bool bStepBack = state.nCurrentPage > 1;
     if (bStepBack)
         --state.nCurrentPage;
-    if (m_needs.form.twtMyRender->rowCount() > 0) {
-        VTTableCells::Clear(m_needs.form.twtMyRender);
-        m_needs.pageBar.Show(VTList::Jobs, 0);
+    if (m_deps.form.twtMyRender->rowCount() > 0) {
+        VTTableCells::Clear(m_deps.form.twtMyRender);
+        m_deps.pageBar.Show(VTList::Jobs, 0);
     }
     // Last, since the answer may be here before the call returns.
     if (bStepBack)
@@ -109,7 +109,7 @@ void VTJobList::Fill(QTableWidget* pTable, const QVector<VTJobRecord>& lstJob)
     pTable->setRowCount(lstJob.size());
     for (int nRow = 0; nRow < lstJob.size(); ++nRow) {
         const VTJobRecord& job = lstJob.at(nRow);
-        VTTableCells::WriteJob(pTable, nRow, job, m_needs.tables);
+        VTTableCells::WriteJob(pTable, nRow, job, m_deps.codeTables);
         if (nCurrentRow < 0 && !job.strId.isEmpty() && job.strId == strCurrentId)
             nCurrentRow = nRow;
     }
@@ -126,7 +126,7 @@ void VTJobList::HandOverFinished(const QVector<VTJobRecord>& lstJob)
     for (const VTJobRecord& job : lstJob) {
         if (job.nStatus != VTCodeTables::JobFinished || m_setHandedOver.contains(job.strId))
             continue;
-        m_needs.siblings.LogDebug(QStringLiteral("auto download: %1").arg(job.strId));
+        m_deps.services.LogDebug(QStringLiteral("auto download: %1").arg(job.strId));
         mapOrders.insert(job.strId, VTDownloadOrder(job.strType, job.strSequence, job.strName, false));
     }
     if (mapOrders.isEmpty())
@@ -138,7 +138,7 @@ void VTJobList::HandOverFinished(const QVector<VTJobRecord>& lstJob)
 
 QVariantMap VTJobList::CheckedOrders() const
 {
-    const QTableWidget* pTable = m_needs.form.twtMyRender;
+    const QTableWidget* pTable = m_deps.form.twtMyRender;
     QVariantMap mapOrders;
     for (int nRow = 0; nRow < pTable->rowCount(); ++nRow) {
         const QTableWidgetItem* pItem = pTable->item(nRow, VTJobColumn::Sequence);
@@ -159,10 +159,10 @@ void VTJobList::OrderDownloads()
     emit OrdersReady(mapOrders);
     if (!pThis)
         return;
-    m_needs.prompts.Notify(QCoreApplication::translate(
+    m_deps.prompts.Notify(QCoreApplication::translate(
         "VTQsClientPrivate", "The checked items are already added to download list"));
     if (!pThis)
         return;
-    VTTables::UncheckRows(m_needs.form.twtMyRender);
-    m_needs.rows.UncheckAll();
+    VTTables::UncheckRows(m_deps.form.twtMyRender);
+    m_deps.tables.UncheckAll();
 }

@@ -15,7 +15,7 @@ class VTPrompts;
 class VTTables;
 struct VTCodeTables;
 struct VTMainForm;
-struct VTSiblings;
+struct VTServices;
 
 /// The farm's jobs: asks for pages of them, shows the answers and hands newly finished jobs over for download.
 class VTJobList : public QObject
@@ -23,19 +23,19 @@ class VTJobList : public QObject
     Q_OBJECT
 
 public:
-    struct Needs
+    struct Dependencies
     {
         const VTMainForm& form;
-        const VTSiblings& siblings;
-        const VTCodeTables& tables;
+        const VTServices& services;
+        const VTCodeTables& codeTables;
         const VTRequests& requests;
         const VTPrompts& prompts;
-        const VTTables& rows;
+        const VTTables& tables;
         VTPageBar& pageBar;
     };
 
     /// What the needs refer to must outlive this object.
-    explicit VTJobList(const Needs& needs);
+    explicit VTJobList(const Dependencies& dependencies);
 
     /// @param nFlag 0 for the job table, any other for the set-parent dialog's list of up to 1000 jobs.
     void Request(int nPage, const QString& strConditions, int nFlag) const;
@@ -49,7 +49,7 @@ public:
     void SetConditions(const QString& strConditions) { m_strConditions = strConditions; }
 
     /// Takes the answer to a request.
-    void TakeAnswer(int nRet, const QVariantMap& mapAnswer);
+    void HandleAnswer(int nRet, const QVariantMap& mapAnswer);
 
     /// Orders the download of the checked jobs, or of the current row when none is checked.
     void OrderDownloads();
@@ -71,7 +71,7 @@ private:
     void HandOverFinished(const QVector<VTJobRecord>& lstJob);
     QVariantMap CheckedOrders() const;
 
-    Needs m_needs;
+    Dependencies m_deps;
     QString m_strConditions;
     QSet<QString> m_setHandedOver;
     bool m_bAutoDownload = false;

@@ -11,9 +11,9 @@ constexpr char IndexProperty[] = "index";
 
 } // namespace
 
-VTPageBar::VTPageBar(const VTMainForm& form, const VTSiblings& siblings)
+VTPageBar::VTPageBar(const VTMainForm& form, const VTServices& services)
     : m_form(form)
-    , m_siblings(siblings)
+    , m_services(services)
 {
     for (int i = 0; i < VTPagesPerGroup; ++i)
         m_form.btnPages.at(std::size_t(i))->setProperty(IndexProperty, i + 1);
@@ -21,7 +21,7 @@ VTPageBar::VTPageBar(const VTMainForm& form, const VTSiblings& siblings)
 
 void VTPageBar::Show(int nList, int nTotal)
 {
-    m_siblings.LogDebug(QStringLiteral("total: %1").arg(nTotal));
+    m_services.LogDebug(QStringLiteral("total: %1").arg(nTotal));
     VTPageState& state = State(nList);
     state.Recount(nTotal);
     SetVisibleButtons(state);

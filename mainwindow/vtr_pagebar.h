@@ -6,14 +6,14 @@
 
 class QPushButton;
 struct VTMainForm;
-struct VTSiblings;
+struct VTServices;
 
 /// The bar of nine page buttons, which the three lists share, and where each list stands.
 class VTPageBar
 {
 public:
     /// @param form, siblings must outlive this object.
-    VTPageBar(const VTMainForm& form, const VTSiblings& siblings);
+    VTPageBar(const VTMainForm& form, const VTServices& services);
 
     VTPageState& State(int nList) { return m_states.at(std::size_t(nList)); }
     int CurrentPage(int nList) { return State(nList).nCurrentPage; }
@@ -37,6 +37,6 @@ private:
     void PlaceButtons(const VTPageState& state);
 
     const VTMainForm& m_form;
-    const VTSiblings& m_siblings;
+    const VTServices& m_services;
     VTPageStates m_states;
 };

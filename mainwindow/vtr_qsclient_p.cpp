@@ -34,43 +34,44 @@ VTQsClientPrivate::VTQsClientPrivate(QWidget* pParent)
 VTQsClientPrivate::~VTQsClientPrivate()
 {
     // While the parts go, their last events must find none.
-    m_pParts.reset();
+    m_pConcerns.reset();
 }
 
 void VTQsClientPrivate::BuildInterface()
 {
-    if (m_pParts && m_builtFor.SameServices(m_siblings))
+    if (m_pConcerns && m_builtFor.SameServices(m_services))
         return;
-    DropParts();
-    m_pParts = std::make_unique<VTWindowParts>(this, m_siblings, m_codeTables, m_timers);
+    DropConcerns();
+    m_pConcerns = std::make_unique<VTConcerns>(this, m_services, m_codeTables, m_timers);
     ConnectConcerns();
-    VTWireWindow(this, *m_pParts, m_siblings, m_timers);
-    VTAllowFileDrops(this, m_siblings);
+    VTWireWindow(this, *m_pConcerns, m_services, m_timers);
+    VTAllowFileDrops(this, m_services);
 
-    ChangeSkin(m_siblings.Skin());
+    ChangeSkin(m_services.Skin());
     ChangeLanguage(QString());
-    m_builtFor = m_siblings;
+    m_builtFor = m_services;
 }
 
-void VTQsClientPrivate::DropParts()
+void VTQsClientPrivate::DropConcerns()
 {
     disconnect(m_formDestroyed);
-    m_builtFor = VTSiblings();
+    m_builtFor = VTServices();
     m_lstOldRemains = Remains();
     m_timers.StopAll();
-    m_pParts.reset();
+    m_pConcerns.reset();
 }
 
 void VTQsClientPrivate::ConnectConcerns()
 {
     // Without its form the window is as if never built.
-    m_formDestroyed = connect(m_pParts->form.pForm, &QObject::destroyed, this, &VTQsClientPrivate::DropParts);
+    m_formDestroyed
+        = connect(m_pConcerns->form.pForm, &QObject::destroyed, this, &VTQsClientPrivate::DropConcerns);
 
-    connect(&m_pParts->jobList, &VTJobList::OrdersReady, this, &VTQsClientPrivate::JobIdType);
-    connect(&m_pParts->jobList, &VTJobList::CandidatesArrived, this, &VTQsClientPrivate::showParenList);
-    connect(&m_pParts->signIn, &VTSignIn::SignedIn, this, &VTQsClientPrivate::login);
-    connect(&m_pParts->signIn, &VTSignIn::UserKnown, this, &VTQsClientPrivate::UpdateSettings);
-    connect(&m_pParts->signIn, &VTSignIn::UserInfoTimerStarted, this, [this] {
+    connect(&m_pConcerns->jobList, &VTJobList::OrdersReady, this, &VTQsClientPrivate::JobIdType);
+    connect(&m_pConcerns->jobList, &VTJobList::CandidatesArrived, this, &VTQsClientPrivate::showParenList);
+    connect(&m_pConcerns->signIn, &VTSignIn::SignedIn, this, &VTQsClientPrivate::login);
+    connect(&m_pConcerns->signIn, &VTSignIn::UserKnown, this, &VTQsClientPrivate::UpdateSettings);
+    connect(&m_pConcerns->signIn, &VTSignIn::UserInfoTimerStarted, this, [this] {
         // Made again at every sign-in, so that after a second one each timeout asks twice.
         connect(m_timers.pUserInfo, SIGNAL(timeout()), this, SLOT(GetUserInfo()));
     });
@@ -78,25 +79,25 @@ void VTQsClientPrivate::ConnectConcerns()
 
 void VTQsClientPrivate::ShowForm()
 {
-    if (m_pParts)
-        m_pParts->chrome.ShowForm();
+    if (m_pConcerns)
+        m_pConcerns->chrome.ShowForm();
 }
 
 void VTQsClientPrivate::ShowTrayIcon()
 {
-    if (m_pParts)
-        m_pParts->tray.Show();
+    if (m_pConcerns)
+        m_pConcerns->tray.Show();
 }
 
 void VTQsClientPrivate::CacheSubmitTasks()
 {
-    if (m_siblings.pRenderCore)
-        m_lstSubmitTask = m_siblings.pRenderCore->GetSubmitTaskIds();
+    if (m_services.pRenderCore)
+        m_lstSubmitTask = m_services.pRenderCore->GetSubmitTaskIds();
 }
 
 QVector<QPointer<QObject>> VTQsClientPrivate::Remains() const
 {
-    return m_pParts ? m_pParts->Remains() + m_lstOldRemains : m_lstOldRemains;
+    return m_pConcerns ? m_pConcerns->Remains() + m_lstOldRemains : m_lstOldRemains;
 }
 
 void VTQsClientPrivate::LoadGlobalSettings()
@@ -106,41 +107,41 @@ void VTQsClientPrivate::LoadGlobalSettings()
 
 void VTQsClientPrivate::ChangeSkin(QString strSkin)
 {
-    if (!m_pParts)
+    if (!m_pConcerns)
         return;
-    m_pParts->chrome.Restyle(strSkin);
+    m_pConcerns->chrome.Restyle(strSkin);
     VTSkin::ApplyStyleSheet(this, strSkin, VTIds::Menu);
-    m_pParts->ChangeSkin(strSkin);
+    m_pConcerns->ChangeSkin(strSkin);
 }
 
 void VTQsClientPrivate::ChangeLanguage(QString /*strLanguage*/)
 {
     // What the loader says now counts, not what it announced.
-    if (m_pParts)
-        m_pParts->ChangeLanguage();
+    if (m_pConcerns)
+        m_pConcerns->ChangeLanguage();
 }
 
 void VTQsClientPrivate::ShowWindow(QString strKey)
 {
-    if (!m_pParts || strKey != VTIds::Client)
+    if (!m_pConcerns || strKey != VTIds::Client)
         return;
-    m_pParts->form.pForm->show();
-    m_pParts->form.pForm->activateWindow();
+    m_pConcerns->form.pForm->show();
+    m_pConcerns->form.pForm->activateWindow();
 }
 
 void VTQsClientPrivate::ShowWindowMaximized()
 {
-    if (!m_pParts)
+    if (!m_pConcerns)
         return;
-    m_pParts->chrome.Maximize();
+    m_pConcerns->chrome.Maximize();
     AnnounceNewSize();
 }
 
 void VTQsClientPrivate::ShowWindowNormal()
 {
-    if (!m_pParts)
+    if (!m_pConcerns)
         return;
-    m_pParts->chrome.Restore();
+    m_pConcerns->chrome.Restore();
     AnnounceNewSize();
 }
 
@@ -152,8 +153,8 @@ void VTQsClientPrivate::AnnounceNewSize()
 bool VTQsClientPrivate::eventFilter(QObject* obj, QEvent* event)
 {
     // The skin's layout file decides where the form's children go, so the form itself never sees its resizing.
-    if (m_pParts && obj == m_pParts->form.pForm && event->type() == QEvent::Resize) {
-        m_pParts->chrome.LayoutForm();
+    if (m_pConcerns && obj == m_pConcerns->form.pForm && event->type() == QEvent::Resize) {
+        m_pConcerns->chrome.LayoutForm();
         return true;
     }
     return QWidget::eventFilter(obj, event);
@@ -162,29 +163,29 @@ bool VTQsClientPrivate::eventFilter(QObject* obj, QEvent* event)
 void VTQsClientPrivate::PageButtonClicked()
 {
     const auto* pButton = qobject_cast<QPushButton*>(sender());
-    if (!m_pParts || !pButton)
+    if (!m_pConcerns || !pButton)
         return;
-    const int nTab = m_pParts->form.tbwContainer->currentIndex();
-    if (!m_pParts->form.Table(nTab) || !m_pParts->pageBar.Click(pButton, nTab))
+    const int nTab = m_pConcerns->form.tbwContainer->currentIndex();
+    if (!m_pConcerns->form.Table(nTab) || !m_pConcerns->pageBar.Click(pButton, nTab))
         return;
     // The bar of the farm's jobs is redrawn when the answer arrives.
     if (nTab != VTList::Jobs)
-        m_pParts->pageBar.Redraw(nTab);
-    m_pParts->toolbar.ShowPage(nTab);
+        m_pConcerns->pageBar.Redraw(nTab);
+    m_pConcerns->toolbar.ShowPage(nTab);
 }
 
 void VTQsClientPrivate::RefreshJobList()
 {
-    if (m_pParts && m_pParts->form.tbwContainer->currentIndex() == VTList::Jobs)
-        m_pParts->jobList.RequestCurrentPage();
+    if (m_pConcerns && m_pConcerns->form.tbwContainer->currentIndex() == VTList::Jobs)
+        m_pConcerns->jobList.RequestCurrentPage();
 }
 
 void VTQsClientPrivate::UpdateSettings()
 {
-    if (!m_pParts)
+    if (!m_pConcerns)
         return;
-    m_pParts->settings.Load(this);
-    m_pParts->jobList.SetAutoDownload(m_pParts->settings.AutoDownload());
+    m_pConcerns->settings.Load(this);
+    m_pConcerns->jobList.SetAutoDownload(m_pConcerns->settings.AutoDownload());
 }
 
 void VTQsClientPrivate::SetItemAttribute(

@@ -16,7 +16,7 @@
 
 class QProgressBar;
 class QTableWidgetItem;
-struct VTWindowParts;
+struct VTConcerns;
 
 /// The client's main window and private part of the service object.
 ///
@@ -31,7 +31,7 @@ public:
     ~VTQsClientPrivate() override;
 
     /// The siblings as attached so far; kept by the service object.
-    VTSiblings& Siblings() { return m_siblings; }
+    VTServices& Services() { return m_services; }
 
     /// Builds forms, concerns and connections for the attached siblings. Does nothing when that is done already.
     void BuildInterface();
@@ -114,18 +114,18 @@ public slots:
     void Condition(QString strCondition);
 
 private:
-    void DropParts();
+    void DropConcerns();
     void ConnectConcerns();
     void AnnounceNewSize();
 
-    VTSiblings m_siblings;
+    VTServices m_services;
     /// The services that the parts were built for.
-    VTSiblings m_builtFor;
+    VTServices m_builtFor;
     VTCodeTables m_codeTables;
     VTTimers m_timers;
     QStringList m_lstSubmitTask;
     QMetaObject::Connection m_formDestroyed;
     /// Of parts that were built for other services before.
     QVector<QPointer<QObject>> m_lstOldRemains;
-    std::unique_ptr<VTWindowParts> m_pParts;
+    std::unique_ptr<VTConcerns> m_pConcerns;
 };

@@ -10,6 +10,6 @@ QVariantHash VTRequests::New() const
 
 void VTRequests::Send(Operation operation, const QVariantHash& mapRequest) const
 {
-    if (VTCommunicationInterface* pCommunication = m_siblings.pCommunication)
-        (pCommunication->*operation)(QVariant(m_siblings.nCommunicationStatus), mapRequest);
+    if (VTCommunicationInterface* pCommunication = m_services.pCommunication)
+        (pCommunication->*operation)(QVariant(m_services.nCommunicationStatus), mapRequest);
 }

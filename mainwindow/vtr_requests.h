@@ -6,7 +6,7 @@
 
 class VTCommunicationInterface;
 struct VTSession;
-struct VTSiblings;
+struct VTServices;
 
 /// Sends requests to the communication service in the session's name. Without the service nothing is sent.
 class VTRequests
@@ -15,8 +15,8 @@ public:
     using Operation = int (VTCommunicationInterface::*)(const QVariant&, const QVariantHash&);
 
     /// @param siblings, session must outlive this object.
-    VTRequests(const VTSiblings& siblings, const VTSession& session)
-        : m_siblings(siblings)
+    VTRequests(const VTServices& services, const VTSession& session)
+        : m_services(services)
         , m_session(session)
     {
     }
@@ -30,6 +30,6 @@ public:
     void Send(Operation operation) const { Send(operation, New()); }
 
 private:
-    const VTSiblings& m_siblings;
+    const VTServices& m_services;
     const VTSession& m_session;
 };

@@ -14,72 +14,71 @@
 #include "mainwindow/vtr_timers.h"
 #include "mainwindow/vtr_tray.h"
 
-VTSignIn::VTSignIn(const Needs& needs)
-    : m_needs(needs)
+VTSignIn::VTSignIn(const Dependencies& dependencies)
+    : m_deps(dependencies)
 {
 }
 
-void VTSignIn::TakeSignInAnswer(int nRet, const QVariantMap& mapAnswer)
+void VTSignIn::HandleSignInAnswer(int nRet, const QVariantMap& mapAnswer)
 {
     if (nRet != VTProtocol::Success)
         return;
-    m_needs.form.RaiseOverlays();
-    m_needs.account.TakeNames(mapAnswer);
+    m_deps.form.RaiseOverlays();
+    m_deps.account.TakeNames(mapAnswer);
     emit UserKnown();
-    m_needs.account.TakeToken(mapAnswer);
-    m_needs.account.RequestUserInfo();
-    m_needs.timers.pUserInfo->start(VTTimers::UserInfoInterval);
+    m_deps.account.TakeToken(mapAnswer);
+    m_deps.account.RequestUserInfo();
+    m_deps.timers.pUserInfo->start(VTTimers::UserInfoInterval);
     emit UserInfoTimerStarted();
-    m_needs.jobList.RequestPage(1);
-    VTTimers::StartOnce(m_needs.timers.pJobList);
+    m_deps.jobList.RequestPage(1);
+    VTTimers::StartOnce(m_deps.timers.pJobList);
     AnnounceSession();
-    m_needs.session.bSignedIn = true;
-    m_needs.requests.Send(&VTCommunicationInterface::GetProjectList);
-    if (m_needs.siblings.pConfiguration)
-        VTSetPlainText(m_needs.form.lblVersionV, m_needs.siblings.pConfiguration->GetVersion());
+    m_deps.session.bSignedIn = true;
+    m_deps.requests.Send(&VTCommunicationInterface::GetProjectList);
+    if (m_deps.services.pConfiguration)
+        VTSetPlainText(m_deps.form.lblVersionV, m_deps.services.pConfiguration->GetVersion());
 }
 
 void VTSignIn::AnnounceSession()
 {
-    VTSession& session = m_needs.session;
-    if (m_needs.siblings.pSettings)
+    VTSession& session = m_deps.session;
+    if (m_deps.services.pSettings)
         session.strServer
-            = m_needs.siblings.pSettings->Value(QStringLiteral("vtr.web/currentserver"), QVariant())
+            = m_deps.services.pSettings->Value(QStringLiteral("vtr.web/currentserver"), QVariant())
                   .toString();
-    m_needs.setParent.GetSettings(
+    m_deps.setParent.GetSettings(
         session.strServer, session.strToken, session.strLoginName, session.strUserName);
-    m_needs.tray.ShowServer(session.strServer);
+    m_deps.tray.ShowServer(session.strServer);
     emit SignedIn(session.strServer, session.strLoginName, session.strToken, session.strUserName);
 }
 
 void VTSignIn::RequestSignOut() const
 {
     // An answer that is here before the call returns clears the table, and the host may delete the window on it.
-    const QStringList lstTaskId = VTTables::AllIds(m_needs.form.twtLocalTask);
-    const QPointer<VTRenderCoreInterface> pRenderCore = m_needs.siblings.pRenderCore;
-    m_needs.requests.Send(&VTCommunicationInterface::SignOut);
+    const QStringList lstTaskId = VTTables::AllIds(m_deps.form.twtLocalTask);
+    const QPointer<VTRenderCoreInterface> pRenderCore = m_deps.services.pRenderCore;
+    m_deps.requests.Send(&VTCommunicationInterface::SignOut);
     if (pRenderCore)
         pRenderCore->RemoveSubmitTasks(lstTaskId, false);
 }
 
-void VTSignIn::TakeSignOutAnswer()
+void VTSignIn::HandleSignOutAnswer()
 {
-    m_needs.timers.pJobList->stop();
-    m_needs.timers.pUserInfo->stop();
-    m_needs.session.bSignedIn = false;
-    m_needs.setParent.CancelFill();
-    m_needs.form.pForm->close();
-    m_needs.search.Close();
-    m_needs.jobList.ForgetHandedOver();
-    m_needs.pageBar.Reset();
+    m_deps.timers.pJobList->stop();
+    m_deps.timers.pUserInfo->stop();
+    m_deps.session.bSignedIn = false;
+    m_deps.setParent.CancelFill();
+    m_deps.form.pForm->close();
+    m_deps.search.Close();
+    m_deps.jobList.ForgetHandedOver();
+    m_deps.pageBar.Reset();
     ClearLists();
 }
 
 void VTSignIn::ClearLists()
 {
-    for (QTableWidget* pTable :
-        {m_needs.form.twtDownload, m_needs.form.twtLocalTask, m_needs.form.twtMyRender})
+    for (QTableWidget* pTable : {m_deps.form.twtDownload, m_deps.form.twtLocalTask, m_deps.form.twtMyRender})
         VTTableCells::Clear(pTable);
-    m_needs.pageBar.Show(VTList::Downloads, 0);
-    m_needs.pageBar.Show(VTList::LocalTasks, 0);
+    m_deps.pageBar.Show(VTList::Downloads, 0);
+    m_deps.pageBar.Show(VTList::LocalTasks, 0);
 }

@@ -3,7 +3,7 @@
 #include <QObject>
 #include <QVariantMap>
 
-class VTAccount;
+class VTAccountPanel;
 class VTJobList;
 class VTPageBar;
 class VTRequests;
@@ -12,7 +12,7 @@ class VTSetParent;
 class VTTray;
 struct VTMainForm;
 struct VTSession;
-struct VTSiblings;
+struct VTServices;
 struct VTTimers;
 
 /// The beginning and the end of a session.
@@ -21,14 +21,14 @@ class VTSignIn : public QObject
     Q_OBJECT
 
 public:
-    struct Needs
+    struct Dependencies
     {
         const VTMainForm& form;
-        const VTSiblings& siblings;
+        const VTServices& services;
         const VTTimers& timers;
         const VTRequests& requests;
         VTSession& session;
-        VTAccount& account;
+        VTAccountPanel& account;
         VTPageBar& pageBar;
         VTJobList& jobList;
         VTTray& tray;
@@ -37,13 +37,13 @@ public:
     };
 
     /// What the needs refer to must outlive this object.
-    explicit VTSignIn(const Needs& needs);
+    explicit VTSignIn(const Dependencies& dependencies);
 
-    void TakeSignInAnswer(int nRet, const QVariantMap& mapAnswer);
+    void HandleSignInAnswer(int nRet, const QVariantMap& mapAnswer);
     void RequestSignOut() const;
 
     /// Ends the session, whatever the farm says of it.
-    void TakeSignOutAnswer();
+    void HandleSignOutAnswer();
 
 signals:
     /// The user's names are known; the per-account settings can be read.
@@ -56,5 +56,5 @@ private:
     void AnnounceSession();
     void ClearLists();
 
-    Needs m_needs;
+    Dependencies m_deps;
 };

@@ -36,9 +36,9 @@ void ClearIcon(QTableWidgetItem* pItem)
 
 } // namespace
 
-VTSubmitList::VTSubmitList(const Needs& needs)
-    : m_needs(needs)
-    , m_pTable(needs.form.twtLocalTask)
+VTSubmitList::VTSubmitList(const Dependencies& dependencies)
+    : m_deps(dependencies)
+    , m_pTable(dependencies.form.twtLocalTask)
 {
 }
 
@@ -50,11 +50,11 @@ QStringList VTSubmitList::Headers()
 void VTSubmitList::BuildPage(int nPage)
 {
     VTTableCells::Clear(m_pTable);
-    if (!m_needs.siblings.pRenderCore || nPage < 1)
+    if (!m_deps.services.pRenderCore || nPage < 1)
         return;
     m_nFirstPlace = (nPage - 1) * VTPageSize;
     const QStringList lstOnPage
-        = m_needs.siblings.pRenderCore->GetSubmitTaskIds().mid(m_nFirstPlace, VTPageSize);
+        = m_deps.services.pRenderCore->GetSubmitTaskIds().mid(m_nFirstPlace, VTPageSize);
     m_pTable->setRowCount(lstOnPage.size());
     for (int nRow = 0; nRow < lstOnPage.size(); ++nRow)
         WriteRow(nRow, lstOnPage.at(nRow));
@@ -62,12 +62,12 @@ void VTSubmitList::BuildPage(int nPage)
 
 void VTSubmitList::BuildCurrentPage()
 {
-    BuildPage(m_needs.pageBar.CurrentPage(VTList::LocalTasks));
+    BuildPage(m_deps.pageBar.CurrentPage(VTList::LocalTasks));
 }
 
 void VTSubmitList::WriteRow(int nRow, const QString& strTaskId)
 {
-    VTRenderCoreInterface& renderCore = *m_needs.siblings.pRenderCore;
+    VTRenderCoreInterface& renderCore = *m_deps.services.pRenderCore;
     const QString strSceneFile = renderCore.GetTaskSceneFile(strTaskId);
     const int nStage = renderCore.GetTaskStage(strTaskId);
     const auto Put = [this, nRow](int nColumn, const QString& strText) {
@@ -80,10 +80,10 @@ void VTSubmitList::WriteRow(int nRow, const QString& strTaskId)
     pName->setCheckState(Qt::Unchecked);
     Put(VTTaskColumn::StartTime, renderCore.GetTaskStartTime(strTaskId))->setData(Qt::UserRole, false);
     Put(VTTaskColumn::Status,
-        m_needs.tables.mapTaskStage.contains(nStage) ? StageText(nStage) : tr("Unknown"))
+        m_deps.codeTables.mapTaskStage.contains(nStage) ? StageText(nStage) : tr("Unknown"))
         ->setData(Qt::UserRole, nStage);
     VTTableCells::WriteProgress(
-        m_pTable, nRow, VTTaskColumn::Progress, renderCore.GetTaskProgress(strTaskId), m_needs.tables);
+        m_pTable, nRow, VTTaskColumn::Progress, renderCore.GetTaskProgress(strTaskId), m_deps.codeTables);
     Put(VTTaskColumn::SceneFile, strSceneFile)->setToolTip(VTPlainToolTip(strSceneFile));
     Put(VTTaskColumn::Warn, tr(qUtf8Printable(renderCore.GetTaskMessage(strTaskId))));
     for (const int nColumn : {VTTaskColumn::Status, VTTaskColumn::SceneFile, VTTaskColumn::Warn})
@@ -92,17 +92,17 @@ void VTSubmitList::WriteRow(int nRow, const QString& strTaskId)
 
 void VTSubmitList::ListChanged()
 {
-    if (!m_needs.siblings.pRenderCore)
+    if (!m_deps.services.pRenderCore)
         return;
-    const int nCount = m_needs.siblings.pRenderCore->GetSubmitTaskCount();
-    VTPageState& state = m_needs.pageBar.State(VTList::LocalTasks);
+    const int nCount = m_deps.services.pRenderCore->GetSubmitTaskCount();
+    VTPageState& state = m_deps.pageBar.State(VTList::LocalTasks);
     state.nTotalRecords = nCount;
     state.StepBackWhenBeyond(nCount);
-    m_needs.pageBar.Show(VTList::LocalTasks, nCount);
+    m_deps.pageBar.Show(VTList::LocalTasks, nCount);
     if (m_pTable->rowCount() < VTPageSize)
         BuildCurrentPage();
-    VTTimers::StartOnce(m_needs.timers.pSubmitList);
-    m_needs.form.tbwContainer->setCurrentIndex(VTList::LocalTasks);
+    VTTimers::StartOnce(m_deps.timers.pSubmitList);
+    m_deps.form.tbwContainer->setCurrentIndex(VTList::LocalTasks);
 }
 
 QVector<int> VTSubmitList::PlacesOfRows(const QStringList& lstId) const
@@ -131,9 +131,9 @@ QVector<int> VTSubmitList::PlacesOfRows(const QStringList& lstId) const
 
 void VTSubmitList::Refresh()
 {
-    if (!m_needs.siblings.pRenderCore)
+    if (!m_deps.services.pRenderCore)
         return;
-    const QVector<int> lstPlace = PlacesOfRows(m_needs.siblings.pRenderCore->GetSubmitTaskIds());
+    const QVector<int> lstPlace = PlacesOfRows(m_deps.services.pRenderCore->GetSubmitTaskIds());
     int nRow = 0;
     for (const int nPlace : lstPlace) {
         if (nPlace < 0) {
@@ -149,13 +149,13 @@ void VTSubmitList::Refresh()
 
 QString VTSubmitList::StageText(int nStage) const
 {
-    const QString strStage = m_needs.tables.mapTaskStage.value(nStage);
+    const QString strStage = m_deps.codeTables.mapTaskStage.value(nStage);
     return strStage.isEmpty() ? QString() : tr(qUtf8Printable(strStage));
 }
 
 void VTSubmitList::RefreshRow(int nRow, const QString& strTaskId)
 {
-    VTRenderCoreInterface& renderCore = *m_needs.siblings.pRenderCore;
+    VTRenderCoreInterface& renderCore = *m_deps.services.pRenderCore;
     QTableWidgetItem* pStartTime = VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::StartTime);
     pStartTime->setText(renderCore.GetTaskStartTime(strTaskId));
     const int nError = renderCore.GetTaskErrorCode(strTaskId);
@@ -166,7 +166,7 @@ void VTSubmitList::RefreshRow(int nRow, const QString& strTaskId)
     pStatus->setData(Qt::UserRole, nStage);
 
     VTTableCells::WriteProgress(m_pTable, nRow, VTTaskColumn::Progress,
-        qMax(0, renderCore.GetTaskProgress(strTaskId)), m_needs.tables);
+        qMax(0, renderCore.GetTaskProgress(strTaskId)), m_deps.codeTables);
     const QString strMessage = tr(qUtf8Printable(renderCore.GetTaskMessage(strTaskId)));
 
     // The arguments are known once the scene is analysed; they are read once a row, so that edits stay.
@@ -193,7 +193,7 @@ void VTSubmitList::RefreshWarning(
     SetText(pWarn, Qt::WhatsThisRole, strMessage);
     SetText(pWarn, Qt::DisplayRole, QString());
     if (nError != 0 && strIcon.isEmpty()) {
-        const QString strWarning = VTSkin::WarningIconFile(m_needs.siblings.Skin());
+        const QString strWarning = VTSkin::WarningIconFile(m_deps.services.Skin());
         pWarn->setIcon(QIcon(strWarning));
         pWarn->setData(Qt::UserRole, strWarning);
     } else if (nError == 0 && !strIcon.isEmpty()) {
@@ -205,38 +205,38 @@ void VTSubmitList::RefreshWarning(
 
 void VTSubmitList::Delete(const QStringList& lstTaskId)
 {
-    if (!m_needs.siblings.pRenderCore)
+    if (!m_deps.services.pRenderCore)
         return;
-    m_needs.siblings.pRenderCore->RemoveSubmitTasks(lstTaskId, true);
-    m_needs.pageBar.State(VTList::LocalTasks).nTotalRecords
-        = m_needs.siblings.pRenderCore->GetSubmitTaskCount();
-    BuildPage(m_needs.pageBar.CorrectAfterDeletion(VTList::LocalTasks));
+    m_deps.services.pRenderCore->RemoveSubmitTasks(lstTaskId, true);
+    m_deps.pageBar.State(VTList::LocalTasks).nTotalRecords
+        = m_deps.services.pRenderCore->GetSubmitTaskCount();
+    BuildPage(m_deps.pageBar.CorrectAfterDeletion(VTList::LocalTasks));
 }
 
 void VTSubmitList::ContinueCurrent() const
 {
     const int nRow = m_pTable->currentRow();
-    if (nRow >= 0 && m_needs.siblings.pRenderCore)
-        m_needs.siblings.pRenderCore->ContinueSubmit(VTTables::IdAt(m_pTable, nRow));
+    if (nRow >= 0 && m_deps.services.pRenderCore)
+        m_deps.services.pRenderCore->ContinueSubmit(VTTables::IdAt(m_pTable, nRow));
 }
 
 void VTSubmitList::DoubleClicked(int nRow, int nColumn)
 {
     const QTableWidgetItem* pWarn = m_pTable->item(nRow, VTTaskColumn::Warn);
-    if (nColumn != VTTaskColumn::Warn || !pWarn || !m_needs.siblings.pRenderCore)
+    if (nColumn != VTTaskColumn::Warn || !pWarn || !m_deps.services.pRenderCore)
         return;
     const QString strTaskId = VTTables::IdAt(m_pTable, nRow);
-    const int nError = m_needs.siblings.pRenderCore->GetTaskErrorCode(strTaskId);
+    const int nError = m_deps.services.pRenderCore->GetTaskErrorCode(strTaskId);
     const QString strText = pWarn->whatsThis();
     if (nError == 0)
         return;
     if (nError != ErrorAwaitsUser) {
-        m_needs.prompts.Notify(tr(qUtf8Printable(strText)));
+        m_deps.prompts.Notify(tr(qUtf8Printable(strText)));
         return;
     }
     const QPointer<VTSubmitList> pThis(this);
-    const VTAnswer answer = m_needs.prompts.Ask({QFileInfo(strTaskId).completeBaseName(), pWarn->statusTip(),
+    const VTAnswer answer = m_deps.prompts.Ask({QFileInfo(strTaskId).completeBaseName(), pWarn->statusTip(),
         strText, tr("Cancel"), tr("Submit"), true});
-    if (pThis && answer == VTAnswer::Agreed && m_needs.siblings.pRenderCore)
-        m_needs.siblings.pRenderCore->ContinueSubmit(strTaskId);
+    if (pThis && answer == VTAnswer::Agreed && m_deps.services.pRenderCore)
+        m_deps.services.pRenderCore->ContinueSubmit(strTaskId);
 }

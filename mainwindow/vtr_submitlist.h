@@ -11,7 +11,7 @@ class VTPageBar;
 class VTPrompts;
 struct VTCodeTables;
 struct VTMainForm;
-struct VTSiblings;
+struct VTServices;
 struct VTTimers;
 
 /// Columns of the local tasks' table and what their items keep as data.
@@ -32,18 +32,18 @@ class VTSubmitList : public QObject
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
 
 public:
-    struct Needs
+    struct Dependencies
     {
         const VTMainForm& form;
-        const VTSiblings& siblings;
-        const VTCodeTables& tables;
+        const VTServices& services;
+        const VTCodeTables& codeTables;
         const VTTimers& timers;
         const VTPrompts& prompts;
         VTPageBar& pageBar;
     };
 
     /// What the needs refer to must outlive this object.
-    explicit VTSubmitList(const Needs& needs);
+    explicit VTSubmitList(const Dependencies& dependencies);
 
     static QStringList Headers();
 
@@ -74,7 +74,7 @@ private:
     /// For each row the place of its task in the list, -1 for one that is gone.
     QVector<int> PlacesOfRows(const QStringList& lstId) const;
 
-    Needs m_needs;
+    Dependencies m_deps;
     QTableWidget* m_pTable;
     int m_nFirstPlace = 0; ///< where the first row's task was found last
 };

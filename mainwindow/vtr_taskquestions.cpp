@@ -7,9 +7,9 @@
 
 #include <utility>
 
-VTTaskQuestions::VTTaskQuestions(const VTSiblings& siblings, const VTPrompts& prompts, QTimer* pTimer,
+VTTaskQuestions::VTTaskQuestions(const VTServices& services, const VTPrompts& prompts, QTimer* pTimer,
     MakeQuestion makeQuestion, AnswerOperation answer)
-    : m_siblings(siblings)
+    : m_services(services)
     , m_prompts(prompts)
     , m_pTimer(pTimer)
     , m_makeQuestion(std::move(makeQuestion))
@@ -39,8 +39,8 @@ void VTTaskQuestions::Tick()
     const VTAnswer answer = m_prompts.Ask(question);
     if (!pThis)
         return;
-    if (answer != VTAnswer::None && m_siblings.pRenderCore)
-        (m_siblings.pRenderCore->*m_answer)(report->strTaskId, answer == VTAnswer::Agreed);
+    if (answer != VTAnswer::None && m_services.pRenderCore)
+        (m_services.pRenderCore->*m_answer)(report->strTaskId, answer == VTAnswer::Agreed);
     if (pThis)
         m_queue.Answered();
 }

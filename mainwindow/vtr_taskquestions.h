@@ -21,7 +21,7 @@ public:
     using AnswerOperation = void (VTRenderCoreInterface::*)(const QString&, bool);
 
     /// siblings, prompts and pTimer must outlive this object.
-    VTTaskQuestions(const VTSiblings& siblings, const VTPrompts& prompts, QTimer* pTimer,
+    VTTaskQuestions(const VTServices& services, const VTPrompts& prompts, QTimer* pTimer,
         MakeQuestion makeQuestion, AnswerOperation answer);
 
     void Add(const QString& strTaskId, const QStringList& lstFile);
@@ -30,7 +30,7 @@ public:
     void Tick();
 
 private:
-    const VTSiblings& m_siblings;
+    const VTServices& m_services;
     const VTPrompts& m_prompts;
     QTimer* m_pTimer;
     MakeQuestion m_makeQuestion;

@@ -18,39 +18,39 @@ constexpr int GroupPageOfConditions = 2;
 
 } // namespace
 
-VTToolbar::VTToolbar(const Needs& needs)
-    : m_needs(needs)
+VTToolbar::VTToolbar(const Dependencies& dependencies)
+    : m_deps(dependencies)
 {
 }
 
 void VTToolbar::ChangeTab(int nTab)
 {
-    if (!m_needs.form.Table(nTab))
+    if (!m_deps.form.Table(nTab))
         return;
-    m_needs.pageBar.Redraw(nTab);
-    m_needs.tables.UncheckAll();
-    m_needs.siblings.LogDebug(QStringLiteral("index: %1").arg(nTab));
+    m_deps.pageBar.Redraw(nTab);
+    m_deps.tables.UncheckAll();
+    m_deps.services.LogDebug(QStringLiteral("index: %1").arg(nTab));
     SwitchTimers(nTab);
     ApplyRules(VTToolbarRules::ForTab(nTab));
     if (nTab == VTList::Jobs)
-        m_needs.form.btnRecover->setToolTip(tr("Recover"));
-    if (nTab == VTList::Jobs && m_needs.group.CurrentPage() == GroupPageOfConditions)
-        m_needs.jobList.SetConditions(m_needs.group.CurrentProjectCondition());
+        m_deps.form.btnRecover->setToolTip(tr("Recover"));
+    if (nTab == VTList::Jobs && m_deps.group.CurrentPage() == GroupPageOfConditions)
+        m_deps.jobList.SetConditions(m_deps.group.CurrentProjectCondition());
     ShowPage(nTab);
-    m_needs.form.RaiseOverlays();
+    m_deps.form.RaiseOverlays();
 }
 
 void VTToolbar::ShowPage(int nTab)
 {
     switch (nTab) {
     case VTList::Jobs:
-        m_needs.jobList.RequestCurrentPage();
+        m_deps.jobList.RequestCurrentPage();
         break;
     case VTList::LocalTasks:
-        m_needs.submitList.BuildCurrentPage();
+        m_deps.submitList.BuildCurrentPage();
         break;
     case VTList::Downloads:
-        m_needs.downloadList.BuildCurrentPage();
+        m_deps.downloadList.BuildCurrentPage();
         break;
     default:
         break;
@@ -65,13 +65,13 @@ void VTToolbar::SwitchTimers(int nTab) const
         else
             pTimer->stop();
     };
-    Switch(m_needs.timers.pSubmitList, nTab == VTList::LocalTasks);
-    Switch(m_needs.timers.pDownloadList, nTab == VTList::Downloads);
+    Switch(m_deps.timers.pSubmitList, nTab == VTList::LocalTasks);
+    Switch(m_deps.timers.pDownloadList, nTab == VTList::Downloads);
 }
 
 void VTToolbar::ApplyRules(const VTToolbarRules& rules) const
 {
-    const VTMainForm& form = m_needs.form;
+    const VTMainForm& form = m_deps.form;
     form.btnFullRender->setVisible(rules.bFullRender);
     form.btnRestart->setVisible(rules.bRestart);
     form.btnSearch->setVisible(rules.bSearch);
@@ -83,7 +83,7 @@ void VTToolbar::ApplyRules(const VTToolbarRules& rules) const
 
 void VTToolbar::PlaceDelete(const VTToolbarRules& rules) const
 {
-    const VTMainForm& form = m_needs.form;
+    const VTMainForm& form = m_deps.form;
     if (rules.deletePlace == VTToolbarRules::DeletePlace::Unmoved)
         return;
     const bool bBesideRestart = rules.deletePlace == VTToolbarRules::DeletePlace::BesideRestart;
@@ -93,20 +93,20 @@ void VTToolbar::PlaceDelete(const VTToolbarRules& rules) const
 
 void VTToolbar::Relayout()
 {
-    const int nTab = m_needs.form.tbwContainer->currentIndex();
-    if (!m_needs.form.Table(nTab))
+    const int nTab = m_deps.form.tbwContainer->currentIndex();
+    if (!m_deps.form.Table(nTab))
         return;
-    m_needs.pageBar.Redraw(nTab);
-    m_needs.tables.SpreadColumns(nTab);
+    m_deps.pageBar.Redraw(nTab);
+    m_deps.tables.SpreadColumns(nTab);
     PlaceDelete(VTToolbarRules::ForTab(nTab));
 }
 
 void VTToolbar::ApplyCondition(const QString& strCondition)
 {
-    if (m_needs.form.tbwContainer->currentIndex() != VTList::Jobs)
-        m_needs.form.tbwContainer->setCurrentIndex(VTList::Jobs);
-    m_needs.jobList.SetConditions(strCondition);
-    m_needs.timers.pSubmitList->stop();
-    m_needs.timers.pDownloadList->stop();
-    m_needs.jobList.RequestPage(1);
+    if (m_deps.form.tbwContainer->currentIndex() != VTList::Jobs)
+        m_deps.form.tbwContainer->setCurrentIndex(VTList::Jobs);
+    m_deps.jobList.SetConditions(strCondition);
+    m_deps.timers.pSubmitList->stop();
+    m_deps.timers.pDownloadList->stop();
+    m_deps.jobList.RequestPage(1);
 }

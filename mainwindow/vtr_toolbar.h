@@ -10,7 +10,7 @@ class VTPageBar;
 class VTSubmitList;
 class VTTables;
 struct VTMainForm;
-struct VTSiblings;
+struct VTServices;
 struct VTTimers;
 struct VTToolbarRules;
 
@@ -20,10 +20,10 @@ class VTToolbar
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
 
 public:
-    struct Needs
+    struct Dependencies
     {
         const VTMainForm& form;
-        const VTSiblings& siblings;
+        const VTServices& services;
         const VTTimers& timers;
         const VTTables& tables;
         VTGroup& group;
@@ -34,7 +34,7 @@ public:
     };
 
     /// What the needs refer to must outlive this object.
-    explicit VTToolbar(const Needs& needs);
+    explicit VTToolbar(const Dependencies& dependencies);
 
     /// Sets buttons, timers and content for a tab that has come to the front.
     void ChangeTab(int nTab);
@@ -53,5 +53,5 @@ private:
     void PlaceDelete(const VTToolbarRules& rules) const;
     void SwitchTimers(int nTab) const;
 
-    Needs m_needs;
+    Dependencies m_deps;
 };

@@ -18,16 +18,16 @@ const QString& TrayMenu()
 
 } // namespace
 
-VTTray::VTTray(QWidget* pWindow, const VTMainForm& form, const VTSiblings& siblings, const VTSession& session)
+VTTray::VTTray(QWidget* pWindow, const VTMainForm& form, const VTServices& services, const VTSession& session)
     : m_form(form)
-    , m_siblings(siblings)
+    , m_services(services)
     , m_session(session)
     , m_pIcon(std::make_unique<QSystemTrayIcon>(pWindow))
     , m_pQuit(std::make_unique<QAction>())
     , m_pServer(std::make_unique<QAction>())
 {
-    if (m_siblings.pUiLoader)
-        m_pMenu = m_siblings.pUiLoader->GetMenu(TrayMenu(), QString());
+    if (m_services.pUiLoader)
+        m_pMenu = m_services.pUiLoader->GetMenu(TrayMenu(), QString());
     if (!m_pMenu) {
         m_pOwnMenu = std::make_unique<QMenu>();
         m_pMenu = m_pOwnMenu.get();
@@ -36,12 +36,12 @@ VTTray::VTTray(QWidget* pWindow, const VTMainForm& form, const VTSiblings& sibli
     AddSubMenu(QStringLiteral("meuLanguage"));
     m_pMenu->addAction(m_pQuit.get());
     m_pIcon->setContextMenu(m_pMenu);
-    ApplySkin(m_siblings.Skin());
+    ApplySkin(m_services.Skin());
 }
 
 void VTTray::AddSubMenu(const QString& strName) const
 {
-    QMenu* pSubMenu = m_siblings.pUiLoader ? m_siblings.pUiLoader->GetMenu(TrayMenu(), strName) : nullptr;
+    QMenu* pSubMenu = m_services.pUiLoader ? m_services.pUiLoader->GetMenu(TrayMenu(), strName) : nullptr;
     if (pSubMenu && pSubMenu != m_pMenu && !m_pMenu->actions().contains(pSubMenu->menuAction()))
         m_pMenu->addMenu(pSubMenu);
 }
@@ -73,8 +73,8 @@ void VTTray::Activate(QSystemTrayIcon::ActivationReason reason) const
     if (m_session.bSignedIn) {
         m_form.pForm->show();
         m_form.pForm->activateWindow();
-    } else if (m_siblings.pUiLoader) {
-        m_siblings.pUiLoader->OpenWindow(VTIds::SignInWindow);
+    } else if (m_services.pUiLoader) {
+        m_services.pUiLoader->OpenWindow(VTIds::SignInWindow);
     }
 }
 

@@ -10,7 +10,7 @@
 
 struct VTMainForm;
 struct VTSession;
-struct VTSiblings;
+struct VTServices;
 
 /// The tray icon with its menu, which is the loader's and gets a quit entry, and a server entry at sign-in.
 class VTTray
@@ -19,7 +19,7 @@ class VTTray
 
 public:
     /// @param pWindow parent of the icon; all must outlive this object.
-    VTTray(QWidget* pWindow, const VTMainForm& form, const VTSiblings& siblings, const VTSession& session);
+    VTTray(QWidget* pWindow, const VTMainForm& form, const VTServices& services, const VTSession& session);
 
     QSystemTrayIcon* Icon() const { return m_pIcon.get(); }
     QAction* QuitAction() const { return m_pQuit.get(); }
@@ -41,7 +41,7 @@ private:
     void AddSubMenu(const QString& strName) const;
 
     const VTMainForm& m_form;
-    const VTSiblings& m_siblings;
+    const VTServices& m_services;
     const VTSession& m_session;
     std::unique_ptr<QSystemTrayIcon> m_pIcon;
     std::unique_ptr<QAction> m_pQuit;

@@ -16,9 +16,9 @@
 // clang-format off
 namespace {
 
-void WireForm(const QWidget* pWindow, const VTWindowParts& parts, const VTSiblings& siblings)
+void WireForm(const QWidget* pWindow, const VTConcerns& concerns, const VTServices& services)
 {
-    const VTMainForm& form = parts.form;
+    const VTMainForm& form = concerns.form;
     VTConnect({
         {form.btnSystemMin, SIGNAL(clicked()), form.pForm, SLOT(close())},
         {form.btnFullRender, SIGNAL(clicked()), pWindow, SLOT(FullRender())},
@@ -26,33 +26,33 @@ void WireForm(const QWidget* pWindow, const VTWindowParts& parts, const VTSiblin
         {form.btnRecover, SIGNAL(clicked()), pWindow, SLOT(RecoverJobs())},
         {form.btnPause, SIGNAL(clicked()), pWindow, SLOT(StopJobs())},
         {form.btnRestart, SIGNAL(clicked()), pWindow, SLOT(RestartJobs())},
-        {form.btnSettings, SIGNAL(clicked()), siblings.pConfiguration, SLOT(ShowConf())},
-        {parts.pSetArgument.data(), SIGNAL(setArgument(QString,QVariantList)), siblings.pRenderCore, SLOT(SetArgument(QString,QVariantList))},
-        {parts.pGroup.data(), SIGNAL(condition(QString)), pWindow, SLOT(Condition(QString))},
-        {pWindow, SIGNAL(login(QString,QString,QString, QString)), parts.pGroup.data(), SLOT(Login(QString,QString,QString, QString))},
+        {form.btnSettings, SIGNAL(clicked()), services.pConfiguration, SLOT(ShowConf())},
+        {concerns.pSetArgument.data(), SIGNAL(setArgument(QString,QVariantList)), services.pRenderCore, SLOT(SetArgument(QString,QVariantList))},
+        {concerns.pGroup.data(), SIGNAL(condition(QString)), pWindow, SLOT(Condition(QString))},
+        {pWindow, SIGNAL(login(QString,QString,QString, QString)), concerns.pGroup.data(), SLOT(Login(QString,QString,QString, QString))},
         {pWindow, SIGNAL(windowSizeChanged()), pWindow, SLOT(AdjustPageButtons())},
-        {pWindow, SIGNAL(windowSizeChanged()), parts.pGroup.data(), SLOT(WindowSizeChanged())},
+        {pWindow, SIGNAL(windowSizeChanged()), concerns.pGroup.data(), SLOT(WindowSizeChanged())},
     });
     for (const QPushButton* btnPage : form.PageButtons())
         VTConnect({{btnPage, SIGNAL(clicked()), pWindow, SLOT(PageButtonClicked())}});
 }
 
-void WireTitleBar(const QWidget* pWindow, const VTWindowParts& parts, const VTSiblings& siblings)
+void WireTitleBar(const QWidget* pWindow, const VTConcerns& concerns, const VTServices& services)
 {
-    const VTMainForm& form = parts.form;
+    const VTMainForm& form = concerns.form;
     VTConnect({
-        {siblings.pUiLoader, SIGNAL(SkinChanged(QString)), pWindow, SLOT(ChangeSkin(QString))},
-        {siblings.pUiLoader, SIGNAL(LanguageChanged(QString)), pWindow, SLOT(ChangeLanguage(QString))},
+        {services.pUiLoader, SIGNAL(SkinChanged(QString)), pWindow, SLOT(ChangeSkin(QString))},
+        {services.pUiLoader, SIGNAL(LanguageChanged(QString)), pWindow, SLOT(ChangeLanguage(QString))},
         {form.btnSystemClose, SIGNAL(clicked()), pWindow, SLOT(Close())},
         {form.btnSystemMaxmax, SIGNAL(clicked()), pWindow, SLOT(ShowWindowNormal())},
         {form.btnSystemMaxnormal, SIGNAL(clicked()), pWindow, SLOT(ShowWindowMaximized())},
-        {siblings.pUiLoader, SIGNAL(ShowWindow(QString)), pWindow, SLOT(ShowWindow(QString))},
+        {services.pUiLoader, SIGNAL(ShowWindow(QString)), pWindow, SLOT(ShowWindow(QString))},
     });
 }
 
-void WireCommunication(const QWidget* pWindow, const VTWindowParts& parts, const VTSiblings& siblings)
+void WireCommunication(const QWidget* pWindow, const VTConcerns& concerns, const VTServices& services)
 {
-    const QObject* pCommunication = siblings.pCommunication;
+    const QObject* pCommunication = services.pCommunication;
     VTConnect({
         {pCommunication, SIGNAL(SignInResponse(int, QVariantMap)), pWindow, SLOT(TriggerSignInResponse(int, QVariantMap))},
         {pCommunication, SIGNAL(JobListResponse(int,QVariantMap)), pWindow, SLOT(TriggerJobListResponse(int, QVariantMap))},
@@ -63,15 +63,15 @@ void WireCommunication(const QWidget* pWindow, const VTWindowParts& parts, const
         {pCommunication, SIGNAL(RestartJobResponse(int,QVariantMap)), pWindow, SLOT(TriggerRestartJobsResponse(int,QVariantMap))},
         {pCommunication, SIGNAL(StopJobResponse(int,QVariantMap)), pWindow, SLOT(TriggerStopJobsResponse(int,QVariantMap))},
         {pCommunication, SIGNAL(FullRenderResponse(int,QVariantMap)), pWindow, SLOT(TriggerFullRenderResponse(int,QVariantMap))},
-        {pCommunication, SIGNAL(JobInfoResponse(int,QVariantMap)), parts.pSetParent.data(), SLOT(TriggerJobInfoResponse(int,QVariantMap))},
-        {pCommunication, SIGNAL(ProjectListResponse(int,QVariantMap)), parts.pSearch.data(), SLOT(TriggerProjectListResponse(int,QVariantMap))},
+        {pCommunication, SIGNAL(JobInfoResponse(int,QVariantMap)), concerns.pSetParent.data(), SLOT(TriggerJobInfoResponse(int,QVariantMap))},
+        {pCommunication, SIGNAL(ProjectListResponse(int,QVariantMap)), concerns.pSearch.data(), SLOT(TriggerProjectListResponse(int,QVariantMap))},
     });
 }
 
-void WireListsAndTimers(const QWidget* pWindow, const VTWindowParts& parts, const VTSiblings& siblings, const VTTimers& timers)
+void WireListsAndTimers(const QWidget* pWindow, const VTConcerns& concerns, const VTServices& services, const VTTimers& timers)
 {
-    const VTMainForm& form = parts.form;
-    const QObject* pRenderCore = siblings.pRenderCore;
+    const VTMainForm& form = concerns.form;
+    const QObject* pRenderCore = services.pRenderCore;
     VTConnect({
         {form.chkAll, SIGNAL(stateChanged(int)), pWindow, SLOT(TriggerStateChanged(int))},
         {pRenderCore, SIGNAL(SubmitListChanged()), pWindow, SLOT(TriggerSubmitListChanged())},
@@ -93,18 +93,18 @@ void WireListsAndTimers(const QWidget* pWindow, const VTWindowParts& parts, cons
         {timers.pJobList, SIGNAL(timeout()), pWindow, SLOT(RefreshJobList())},
         {pRenderCore, SIGNAL(failFile(QString,QStringList)), pWindow, SLOT(TriggerFailFile(QString,QStringList))},
         {pRenderCore, SIGNAL(lackedTexture(QString,QStringList)), pWindow, SLOT(TriggerLackedTexture(QString,QStringList))},
-        {parts.pSearch.data(), SIGNAL(search(QVariantMap&)), pWindow, SLOT(SearchJob(QVariantMap&))},
-        {form.btnSearch, SIGNAL(clicked()), parts.pSearch.data(), SLOT(Show())},
+        {concerns.pSearch.data(), SIGNAL(search(QVariantMap&)), pWindow, SLOT(SearchJob(QVariantMap&))},
+        {form.btnSearch, SIGNAL(clicked()), concerns.pSearch.data(), SLOT(Show())},
     });
 }
 
-void WireMenus(const QWidget* pWindow, const VTWindowParts& parts)
+void WireMenus(const QWidget* pWindow, const VTConcerns& concerns)
 {
-    const VTContextMenus& menus = parts.menus;
-    const QObject* pSetParent = parts.pSetParent.data();
+    const VTContextMenus& menus = concerns.menus;
+    const QObject* pSetParent = concerns.pSetParent.data();
     VTConnect({
-        {parts.tray.QuitAction(), SIGNAL(triggered()), qApp, SLOT(quit())},
-        {parts.tray.Icon(), SIGNAL(activated(QSystemTrayIcon::ActivationReason)), pWindow, SLOT(TriggerActivated(QSystemTrayIcon::ActivationReason))},
+        {concerns.tray.QuitAction(), SIGNAL(triggered()), qApp, SLOT(quit())},
+        {concerns.tray.Icon(), SIGNAL(activated(QSystemTrayIcon::ActivationReason)), pWindow, SLOT(TriggerActivated(QSystemTrayIcon::ActivationReason))},
         {menus.pSetParent, SIGNAL(triggered()), pSetParent, SLOT(SetJobParent())},
         {menus.pDownload, SIGNAL(triggered()), pWindow, SLOT(ManualDownload())},
         {pSetParent, SIGNAL(getJobList(int,QString,int)), pWindow, SLOT(GetJobList(int,QString,int))},
@@ -116,7 +116,7 @@ void WireMenus(const QWidget* pWindow, const VTWindowParts& parts)
         {menus.pRedownload, SIGNAL(triggered()), pWindow, SLOT(Redownload())},
         {menus.pSubmit, SIGNAL(triggered()), pWindow, SLOT(TriggerSubmit())},
         {menus.pDeleteTasks, SIGNAL(triggered()), pWindow, SLOT(DeleteJobs())},
-        {menus.pSetArgument, SIGNAL(triggered()), parts.pSetArgument.data(), SLOT(TriggerSetArgument())},
+        {menus.pSetArgument, SIGNAL(triggered()), concerns.pSetArgument.data(), SLOT(TriggerSetArgument())},
     });
 }
 
@@ -124,17 +124,17 @@ void WireMenus(const QWidget* pWindow, const VTWindowParts& parts)
 // clang-format on
 
 void VTWireWindow(
-    QWidget* pWindow, const VTWindowParts& parts, const VTSiblings& siblings, const VTTimers& timers)
+    QWidget* pWindow, const VTConcerns& concerns, const VTServices& services, const VTTimers& timers)
 {
     RegisterVTParameters();
-    WireForm(pWindow, parts, siblings);
-    WireTitleBar(pWindow, parts, siblings);
-    WireCommunication(pWindow, parts, siblings);
-    WireListsAndTimers(pWindow, parts, siblings, timers);
-    WireMenus(pWindow, parts);
+    WireForm(pWindow, concerns, services);
+    WireTitleBar(pWindow, concerns, services);
+    WireCommunication(pWindow, concerns, services);
+    WireListsAndTimers(pWindow, concerns, services, timers);
+    WireMenus(pWindow, concerns);
 
     // The render core sees the form's events, dropped scenes among them, after the window itself.
-    if (siblings.pRenderCore)
-        parts.form.pForm->installEventFilter(siblings.pRenderCore);
-    parts.form.pForm->installEventFilter(pWindow);
+    if (services.pRenderCore)
+        concerns.form.pForm->installEventFilter(services.pRenderCore);
+    concerns.form.pForm->installEventFilter(pWindow);
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 class QWidget;
-struct VTSiblings;
+struct VTServices;
 struct VTTimers;
-struct VTWindowParts;
+struct VTConcerns;
 
 /// Makes the window's connections: form, services and dialogs, then tray and menus.
 void VTWireWindow(
-    QWidget* pWindow, const VTWindowParts& parts, const VTSiblings& siblings, const VTTimers& timers);
+    QWidget* pWindow, const VTConcerns& concerns, const VTServices& services, const VTTimers& timers);

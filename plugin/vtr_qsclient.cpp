@@ -22,29 +22,29 @@ constexpr int BadRequest = -4;
 VTQsClient* g_pInstance = nullptr;
 
 /// A sibling to look up: its interface name is the registry key, the line marks it in the diagnostics.
-struct SiblingEntry
+struct ServiceEntry
 {
     const char* szInterface;
     QLatin1String strServiceId;
     int nLine;
 };
 
-const SiblingEntry Settings {"VTSettingsInterface", VTIds::Settings, 199};
-const SiblingEntry Logger {"VTLoggerInterface", VTIds::Logger, 218};
-const SiblingEntry UiLoader {"VTUiLoaderInterface", VTIds::UiLoader, 230};
-const SiblingEntry MessageBox {"VTMessagboxInterface", VTIds::MessageBox, 243};
-const SiblingEntry Communication {"VTCommunicationInterface", VTIds::Communication, 257};
-const SiblingEntry RenderCore {"VTRenderCoreInterface", VTIds::RenderCore, 274};
-const SiblingEntry Configuration {"VTConfigurationInterface", VTIds::Configuration, 290};
-const SiblingEntry Previewer {"VTPreviewerInterface", VTIds::Previewer, 304};
+const ServiceEntry Settings {"VTSettingsInterface", VTIds::Settings, 199};
+const ServiceEntry Logger {"VTLoggerInterface", VTIds::Logger, 218};
+const ServiceEntry UiLoader {"VTUiLoaderInterface", VTIds::UiLoader, 230};
+const ServiceEntry MessageBox {"VTMessagboxInterface", VTIds::MessageBox, 243};
+const ServiceEntry Communication {"VTCommunicationInterface", VTIds::Communication, 257};
+const ServiceEntry RenderCore {"VTRenderCoreInterface", VTIds::RenderCore, 274};
+const ServiceEntry Configuration {"VTConfigurationInterface", VTIds::Configuration, 290};
+const ServiceEntry Previewer {"VTPreviewerInterface", VTIds::Previewer, 304};
 
-QString Interface(const SiblingEntry& entry)
+QString Interface(const ServiceEntry& entry)
 {
     return QLatin1String(entry.szInterface);
 }
 
 /// Says on Qt's own message handler that a sibling is missing or failed. @return false, for the caller to pass on.
-bool ReportInvalid(const SiblingEntry& entry)
+bool ReportInvalid(const ServiceEntry& entry)
 {
     const QMessageLogger log("vtr_qsclient", entry.nLine, "AttachPlugins");
     if (entry.strServiceId == VTIds::UiLoader) {
@@ -56,10 +56,10 @@ bool ReportInvalid(const SiblingEntry& entry)
     return false;
 }
 
-QObject* Find(const VTSiblings& siblings, const SiblingEntry& entry)
+QObject* Find(const VTServices& services, const ServiceEntry& entry)
 {
-    const ctkServiceReference reference = siblings.pContext->getServiceReference(Interface(entry));
-    return reference ? siblings.pContext->getService(reference) : nullptr;
+    const ctkServiceReference reference = services.pContext->getServiceReference(Interface(entry));
+    return reference ? services.pContext->getService(reference) : nullptr;
 }
 
 bool Start(VTBaseInterface* pService, const QVariantMap& mapParameters, int& nStatus)
@@ -74,17 +74,17 @@ bool Start(VTBaseInterface* pService, const QVariantMap& mapParameters, int& nSt
 
 /// Finds, initialises and starts one sibling and keeps its status.
 template <typename Service>
-bool Attach(const VTSiblings& siblings, const SiblingEntry& entry, QPointer<Service>& pService, int& nStatus)
+bool Attach(const VTServices& services, const ServiceEntry& entry, QPointer<Service>& pService, int& nStatus)
 {
-    pService = qobject_cast<Service*>(Find(siblings, entry));
-    return Start(pService, siblings.mapParameters, nStatus) || ReportInvalid(entry);
+    pService = qobject_cast<Service*>(Find(services, entry));
+    return Start(pService, services.mapParameters, nStatus) || ReportInvalid(entry);
 }
 
-bool AttachLogger(VTSiblings& siblings)
+bool AttachLogger(VTServices& services)
 {
-    siblings.pLoggerObject = Find(siblings, Logger);
-    VTLoggerInterface* pLogger = siblings.Logger();
-    const bool bStarted = pLogger && pLogger->Initialize(siblings.mapParameters) == 0;
+    services.pLoggerObject = Find(services, Logger);
+    VTLoggerInterface* pLogger = services.Logger();
+    const bool bStarted = pLogger && pLogger->Initialize(services.mapParameters) == 0;
     return bStarted || ReportInvalid(Logger);
 }
 
@@ -99,13 +99,13 @@ QVector<QPointer<VTBaseAppInterface>> Applications(ctkPluginContext* pContext)
     return lstApplication;
 }
 
-void ActivateApplications(const VTSiblings& siblings, const QVariant& varRequest)
+void ActivateApplications(const VTServices& services, const QVariant& varRequest)
 {
     try {
-        const auto lstApplication = Applications(siblings.pContext);
+        const auto lstApplication = Applications(services.pContext);
         for (const QPointer<VTBaseAppInterface>& pApplication : lstApplication) {
             if (pApplication)
-                pApplication->Activate(varRequest, siblings.mapParameters);
+                pApplication->Activate(varRequest, services.mapParameters);
         }
     } catch (const std::exception& exception) {
         qWarning("The host's applications were not activated: %s", exception.what());
@@ -157,11 +157,11 @@ int VTQsClient::Initialize(const QVariantMap& mapParameters)
 {
     if (m_bInitialised)
         return Success;
-    VTSiblings& siblings = Window()->Siblings();
-    siblings.pContext = mapParameters.value(QStringLiteral("plugin_context")).value<ctkPluginContext*>();
-    if (!siblings.pContext)
+    VTServices& services = Window()->Services();
+    services.pContext = mapParameters.value(QStringLiteral("plugin_context")).value<ctkPluginContext*>();
+    if (!services.pContext)
         return Failure;
-    siblings.mapParameters = mapParameters;
+    services.mapParameters = mapParameters;
     if (AttachPlugins(QString()) != Success)
         return Failure;
     m_bInitialised = true;
@@ -171,7 +171,7 @@ int VTQsClient::Initialize(const QVariantMap& mapParameters)
 int VTQsClient::AttachPlugins(const QString& strKey)
 {
     try {
-        if (!AttachSiblings(strKey))
+        if (!AttachServices(strKey))
             return Failure;
         AttachApplications();
         m_pWindow->LoadGlobalSettings();
@@ -185,57 +185,57 @@ int VTQsClient::AttachPlugins(const QString& strKey)
     return Failure;
 }
 
-bool VTQsClient::AttachSiblings(const QString& strKey)
+bool VTQsClient::AttachServices(const QString& strKey)
 {
-    VTSiblings& siblings = m_pWindow->Siblings();
+    VTServices& services = m_pWindow->Services();
     const auto Wanted = [&strKey](QLatin1String strId) { return strKey.isEmpty() || strKey == strId; };
 
     if (Wanted(VTIds::Settings)) {
-        if (!Attach(siblings, Settings, siblings.pSettings, siblings.nSettingsStatus))
+        if (!Attach(services, Settings, services.pSettings, services.nSettingsStatus))
             return false;
-        VTConnect({{siblings.pSettings, SIGNAL(SettingsUpdated()), m_pWindow.get(), SLOT(UpdateSettings())}});
+        VTConnect({{services.pSettings, SIGNAL(SettingsUpdated()), m_pWindow.get(), SLOT(UpdateSettings())}});
     }
-    if (Wanted(VTIds::Logger) && !AttachLogger(siblings))
+    if (Wanted(VTIds::Logger) && !AttachLogger(services))
         return false;
 
     int nNoStatus = 0;
-    if (!Attach(siblings, UiLoader, siblings.pUiLoader, nNoStatus))
+    if (!Attach(services, UiLoader, services.pUiLoader, nNoStatus))
         return false;
-    VTConnect({{siblings.pUiLoader, SIGNAL(ShowWindow(QString)), this, SLOT(ShowWindow(QString))}});
+    VTConnect({{services.pUiLoader, SIGNAL(ShowWindow(QString)), this, SLOT(ShowWindow(QString))}});
 
-    return Attach(siblings, MessageBox, siblings.pMessageBox, siblings.nMessageBoxStatus)
-        && Attach(siblings, Communication, siblings.pCommunication, siblings.nCommunicationStatus)
+    return Attach(services, MessageBox, services.pMessageBox, services.nMessageBoxStatus)
+        && Attach(services, Communication, services.pCommunication, services.nCommunicationStatus)
         && (!Wanted(VTIds::RenderCore)
-            || Attach(siblings, RenderCore, siblings.pRenderCore, siblings.nRenderCoreStatus))
-        && Attach(siblings, Configuration, siblings.pConfiguration, siblings.nConfigurationStatus)
-        && Attach(siblings, Previewer, siblings.pPreviewer, siblings.nPreviewerStatus);
+            || Attach(services, RenderCore, services.pRenderCore, services.nRenderCoreStatus))
+        && Attach(services, Configuration, services.pConfiguration, services.nConfigurationStatus)
+        && Attach(services, Previewer, services.pPreviewer, services.nPreviewerStatus);
 }
 
 void VTQsClient::AttachApplications()
 {
-    const VTSiblings& siblings = m_pWindow->Siblings();
+    const VTServices& services = m_pWindow->Services();
     QVariant varResult;
-    const auto lstApplication = Applications(siblings.pContext);
+    const auto lstApplication = Applications(services.pContext);
     for (const QPointer<VTBaseAppInterface>& pApplication : lstApplication) {
         if (pApplication)
-            pApplication->Initialize(siblings.mapParameters);
+            pApplication->Initialize(services.mapParameters);
         if (pApplication)
-            pApplication->Show(varResult, siblings.mapParameters);
+            pApplication->Show(varResult, services.mapParameters);
     }
 }
 
 int VTQsClient::Uninitialize()
 {
     if (m_pWindow) {
-        VTSiblings& siblings = m_pWindow->Siblings();
-        if (siblings.pSettings) {
-            siblings.pSettings->Hide(QVariant(siblings.nSettingsStatus));
-            siblings.pSettings->Uninitialize();
+        VTServices& services = m_pWindow->Services();
+        if (services.pSettings) {
+            services.pSettings->Hide(QVariant(services.nSettingsStatus));
+            services.pSettings->Uninitialize();
         }
-        if (VTLoggerInterface* pLogger = siblings.Logger())
+        if (VTLoggerInterface* pLogger = services.Logger())
             pLogger->Uninitialize();
         // What is released is used no more; a later Initialize attaches anew.
-        siblings = VTSiblings();
+        services = VTServices();
     }
     Hide(QVariant(m_nWindowState));
     m_bInitialised = false;
@@ -277,9 +277,9 @@ int VTQsClient::Activate(const QVariant& varRequest, const QVariantMap& /*mapPar
         return nStatus;
     if (!m_pWindow)
         return Success;
-    const VTSiblings siblings = m_pWindow->Siblings();
-    if (siblings.pContext)
-        ActivateApplications(siblings, varRequest);
+    const VTServices services = m_pWindow->Services();
+    if (services.pContext)
+        ActivateApplications(services, varRequest);
     if (m_pWindow) {
         m_pWindow->CacheSubmitTasks();
         m_pWindow->ShowTrayIcon();

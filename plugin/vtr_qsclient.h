@@ -48,7 +48,7 @@ private:
     int CheckRequest(const QVariant& varRequest) const;
     /// @param strKey narrows settings, logger and render core to the one with this service id; empty for all.
     int AttachPlugins(const QString& strKey);
-    bool AttachSiblings(const QString& strKey);
+    bool AttachServices(const QString& strKey);
     void AttachApplications();
     VTQsClientPrivate* Window();
     void DeleteWindow();
