@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/vtr_codetables.h"
+#include "common/vtr_columns.h"
 #include "common/vtr_jobrecord.h"
 
 #include <QString>
@@ -8,12 +9,7 @@
 
 #include <array>
 
-/// Columns of every table that lists farm jobs.
-namespace VTJobColumn {
-enum { Sequence, Name, StartTime, Progress, Status, Cost, Count };
-}
-
-/// What one cell shows and keeps; the tool tip is plain text.
+/// Text, data and plain-text tool tip of one cell.
 struct VTCell
 {
     QString strText;
@@ -22,8 +18,8 @@ struct VTCell
     bool bCheckable = false;
 };
 
-/// The cells of a job's row. The Progress column has none of its own: a bar of the record's percentage stands there.
-using VTJobRow = std::array<VTCell, VTJobColumn::Count>;
+/// The cells of a job's row. The cell of the Progress column is unused: the record's percentage is shown by a bar.
+using VTJobRow = std::array<VTCell, VTColumnCount>;
 VTJobRow VTMakeJobRow(const VTJobRecord& job, const QMap<int, QString>& mapStatus);
 
 /// Translated captions of the six columns.

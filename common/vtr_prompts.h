@@ -31,7 +31,7 @@ class VTPrompts
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
 
 public:
-    /// @param siblings must outlive this object.
+    /// @param services must outlive this object.
     explicit VTPrompts(const VTServices& services)
         : m_services(services)
     {

@@ -11,11 +11,11 @@
 
 #include <QPointer>
 
-/// The sibling services as they were attached; none is owned, each may be missing.
+/// The host's services as they were attached. None is owned; each may be missing or go away.
 struct VTServices
 {
     ctkPluginContext* pContext = nullptr;
-    /// The host's parameters, passed on to every sibling.
+    /// The host's parameters, passed on to every service.
     QVariantMap mapParameters;
 
     QPointer<VTSettingsInterface> pSettings;
@@ -27,18 +27,18 @@ struct VTServices
     QPointer<VTConfigurationInterface> pConfiguration;
     QPointer<VTPreviewerInterface> pPreviewer;
 
-    // What each sibling's Show wrote; passed back with later requests.
+    // The statuses that the services' Show returned; some later requests pass them back.
     int nSettingsStatus = 0;
-    int nMessageBoxStatus = 0;
     int nCommunicationStatus = 0;
+    int nMessageBoxStatus = 0; // contract: kept, read by nobody, as the three below
     int nRenderCoreStatus = 0;
     int nConfigurationStatus = 0;
     int nPreviewerStatus = 0;
 
-    /// The logger, which is known as an object because its interface is none; null when it is gone.
+    /// The logger, null when it is gone. Its interface is no QObject, so the pointer to its object is kept.
     VTLoggerInterface* Logger() const { return qobject_cast<VTLoggerInterface*>(pLoggerObject.data()); }
 
-    /// Whether these are the same service objects, whatever their statuses.
+    /// @return whether both hold the same service objects, whatever their statuses.
     bool SameServices(const VTServices& other) const;
 
     /// Name of the current skin; empty without a loader.

@@ -9,6 +9,8 @@ namespace VTTableCells {
 
 void SetAttributes(QTableWidgetItem* pItem, const QVariant& varData, const QString& strTip, bool bCheckable)
 {
+    if (!pItem)
+        return;
     if (bCheckable)
         pItem->setCheckState(Qt::Unchecked);
     pItem->setData(Qt::UserRole, varData);
@@ -30,17 +32,6 @@ QVariant Data(const QTableWidget* pTable, int nRow, int nColumn)
 {
     const QTableWidgetItem* pItem = pTable->item(nRow, nColumn);
     return pItem ? pItem->data(Qt::UserRole) : QVariant();
-}
-
-QList<int> CheckedRows(const QTableWidget* pTable)
-{
-    QList<int> lstRow;
-    for (int nRow = 0; nRow < pTable->rowCount(); ++nRow) {
-        const QTableWidgetItem* pItem = pTable->item(nRow, 0);
-        if (pItem && pItem->checkState() == Qt::Checked)
-            lstRow.append(nRow);
-    }
-    return lstRow;
 }
 
 void Write(QTableWidget* pTable, int nRow, int nColumn, const VTCell& cell)
@@ -80,18 +71,12 @@ void WriteProgress(QTableWidget* pTable, int nRow, int nColumn, int nPercent, co
 void WriteJob(QTableWidget* pTable, int nRow, const VTJobRecord& job, const VTCodeTables& codeTables)
 {
     const VTJobRow row = VTMakeJobRow(job, codeTables.mapJobStatus);
-    for (int nColumn = 0; nColumn < VTJobColumn::Count; ++nColumn) {
+    for (int nColumn = 0; nColumn < VTColumnCount; ++nColumn) {
         if (nColumn == VTJobColumn::Progress)
             WriteProgress(pTable, nRow, nColumn, job.nProgress, codeTables);
         else
             Write(pTable, nRow, nColumn, row[nColumn]);
     }
-}
-
-void Clear(QTableWidget* pTable)
-{
-    pTable->clearContents();
-    pTable->setRowCount(0);
 }
 
 } // namespace VTTableCells

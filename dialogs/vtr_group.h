@@ -30,7 +30,7 @@ public:
     /// None of the three is owned or null.
     VTGroup(QWidget* mainForm, QWidget* wgtGroup, QDialog* inputDialog);
 
-    /// @param siblings must live until Retire().
+    /// @param services must live until Retire().
     void SetServices(const VTServices& services) { m_pServices = &services; }
 
     /// Ends the use of the services, for good: their owner goes before this object does.

@@ -1,10 +1,12 @@
 #include "dialogs/vtr_setargument.h"
 
+#include "common/vtr_columns.h"
 #include "common/vtr_ids.h"
 #include "common/vtr_plaintext.h"
 #include "common/vtr_prompts.h"
 #include "common/vtr_services.h"
 #include "common/vtr_tablecells.h"
+#include "common/vtr_tablerows.h"
 #include "dialogs/vtr_renderarguments.h"
 
 #include <QCheckBox>
@@ -20,9 +22,6 @@ namespace {
 constexpr int GroupCount = 15;
 constexpr int MaxFrame = 99999;
 constexpr int Gap = 20;
-
-constexpr int IdColumn = 0;
-constexpr int ArgumentColumn = 4;
 
 constexpr char RowProperty[] = "row";
 
@@ -106,9 +105,9 @@ void VTSetArgument::TriggerSetArgument()
     QWidget* pForm = m_form.Form();
     pForm->setProperty(RowProperty, nRow);
     // The title keeps the task's identity until the dialog is confirmed: by then the row may hold another task.
-    pForm->setWindowTitle(VTTableCells::Data(m_pTaskTable, nRow, IdColumn).toString());
-    ReadArguments(VTTableCells::Data(m_pTaskTable, nRow, ArgumentColumn).toList());
-    const QTableWidgetItem* pName = m_pTaskTable->item(nRow, IdColumn);
+    pForm->setWindowTitle(VTTableRows::Id(m_pTaskTable, nRow));
+    ReadArguments(VTTableCells::Data(m_pTaskTable, nRow, VTTaskColumn::SceneFile).toList());
+    const QTableWidgetItem* pName = m_pTaskTable->item(nRow, VTTaskColumn::Name);
     VTSetPlainText(m_pLblJobName, pName ? pName->text() : QString());
     m_form.Exec();
 }
@@ -165,9 +164,9 @@ void VTSetArgument::StoreArguments(const QVariantList& lstArguments)
         return;
     const int nRow = m_form.Form()->property(RowProperty).toInt();
     const QString strId = m_form.Form()->windowTitle();
-    QTableWidgetItem* pId = m_pTaskTable->item(nRow, IdColumn);
-    QTableWidgetItem* pArguments = m_pTaskTable->item(nRow, ArgumentColumn);
-    if (!pId || !pArguments || pId->data(Qt::UserRole).toString() != strId)
+    QTableWidgetItem* pArguments = m_pTaskTable->item(nRow, VTTaskColumn::SceneFile);
+    if (!pArguments || !m_pTaskTable->item(nRow, VTTaskColumn::Name)
+        || VTTableRows::Id(m_pTaskTable, nRow) != strId)
         return;
     pArguments->setData(Qt::UserRole, lstArguments);
     emit setArgument(strId, lstArguments);

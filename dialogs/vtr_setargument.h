@@ -27,7 +27,7 @@ public:
     /// @param pTaskTable the local tasks; not owned.
     VTSetArgument(QWidget* pForm, QTableWidget* pTaskTable);
 
-    /// @param siblings must live until Retire().
+    /// @param services must live until Retire().
     void SetServices(const VTServices& services) { m_pServices = &services; }
 
     /// Ends the use of the services, for good: their owner goes before this object does.

@@ -7,6 +7,7 @@
 #include "common/vtr_protocol.h"
 #include "common/vtr_services.h"
 #include "common/vtr_tablecells.h"
+#include "common/vtr_tablerows.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -51,12 +52,12 @@ void VTSetParent::Retire()
 {
     m_pServices = nullptr;
     m_pPollTimer->stop();
-    CancelFill();
-    // Answers that still come must not take anything out of the file: nobody would recover the jobs.
+    EndSession();
+    // Late answers must not remove anything from the file, since nobody would recover the jobs.
     m_jobDependencies = VTJobDependencies();
 }
 
-void VTSetParent::CancelFill()
+void VTSetParent::EndSession()
 {
     ++m_nFill;
     ++m_nSession;
@@ -66,7 +67,7 @@ void VTSetParent::InitWidgets()
 {
     m_form.SetDialogFlags();
     m_pCandidates = m_form.Find<QTableWidget>(QStringLiteral("twtJobList"));
-    m_pCandidates->setColumnCount(VTJobColumn::Count);
+    m_pCandidates->setColumnCount(VTColumnCount);
     m_pCandidates->setSortingEnabled(false);
     m_pBtnClose = m_form.Find<QPushButton>(QStringLiteral("btnCloseSetParent"));
     m_pBtnOk = m_form.Find<QPushButton>(QStringLiteral("btnOkSetParent"));
@@ -113,12 +114,12 @@ QStringList VTSetParent::WaitingSons() const
     QStringList lstSon;
     if (!m_pJobTable)
         return lstSon;
-    const QList<int> lstRow = VTTableCells::CheckedRows(m_pJobTable);
+    const QList<int> lstRow = VTTableRows::Checked(m_pJobTable);
     for (const int nRow : lstRow) {
         const int nStatus = VTTableCells::Data(m_pJobTable, nRow, VTJobColumn::Status).toInt();
         if (nStatus != VTCodeTables::JobWaiting && nStatus != VTCodeTables::JobRunning)
             return {};
-        lstSon.append(VTTableCells::Data(m_pJobTable, nRow, VTJobColumn::Sequence).toString());
+        lstSon.append(VTTableRows::Id(m_pJobTable, nRow));
     }
     return lstSon;
 }
@@ -156,7 +157,7 @@ void VTSetParent::ShowParenList(QVariantList lstJobs)
     const int nFill = ++m_nFill;
     const bool bShown = m_form.Form()->isVisible();
     const QPointer<VTSetParent> pSelf(this);
-    VTTableCells::Clear(m_pCandidates);
+    VTTableRows::Clear(m_pCandidates);
     QVector<VTJobRecord> lstBatch;
     for (int i = 0; i < lstJobs.size(); ++i) {
         lstBatch.append(VTJobRecord::FromMap(lstJobs.at(i).toMap()));
@@ -186,7 +187,7 @@ void VTSetParent::WriteCandidate(int nRow, const VTJobRecord& job)
     for (const int nColumn : {VTJobColumn::StartTime, VTJobColumn::Status, VTJobColumn::Cost})
         row[nColumn].strTip.clear();
 
-    for (int nColumn = 0; nColumn < VTJobColumn::Count; ++nColumn) {
+    for (int nColumn = 0; nColumn < VTColumnCount; ++nColumn) {
         if (nColumn == VTJobColumn::Progress)
             VTTableCells::WriteProgress(m_pCandidates, nRow, nColumn, job.nProgress, m_codeTables);
         else
@@ -201,9 +202,9 @@ QStringList VTSetParent::GetCheckedItem()
     QStringList lstEntry;
     if (!IsBound())
         return lstEntry;
-    const QList<int> lstRow = VTTableCells::CheckedRows(m_pCandidates);
+    const QList<int> lstRow = VTTableRows::Checked(m_pCandidates);
     for (const int nRow : lstRow) {
-        const VTParentJob parent {VTTableCells::Data(m_pCandidates, nRow, VTJobColumn::Sequence).toString(),
+        const VTParentJob parent {VTTableRows::Id(m_pCandidates, nRow),
             VTTableCells::Data(m_pCandidates, nRow, VTJobColumn::Name).toString()};
         lstEntry.append(parent.Entry());
     }

@@ -33,18 +33,17 @@ public:
     VTSetParent(QWidget* pForm, QTableWidget* pJobTable, QMap<int, QString> progressStyles,
         QMap<int, QString> statusTexts);
 
-    /// @param siblings must live until Retire().
+    /// @param services must live until Retire().
     void SetServices(const VTServices& services) { m_pServices = &services; }
 
-    /// Ends the use of the services, the poll and a fill, for good: the owner goes before this object does.
+    /// Ends the use of the services, the poll and a fill for good. The services' owner goes before this object does.
     void Retire();
 
     /// Finds the form's widgets and connects them; once, before any other call.
     void InitWidgets();
 
-    /// The session has ended: ends a fill of the candidate list that is under way, after the row in hand, and whatever
-    /// else waits for an answer.
-    void CancelFill();
+    /// Ends the session: stops a fill of the candidate list after the row in hand, and whatever else waits for an answer.
+    void EndSession();
 
 signals:
     void getJobList(int nPage, QString strCondition, int nFlage);

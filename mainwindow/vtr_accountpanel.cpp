@@ -3,7 +3,7 @@
 #include "common/vtr_plaintext.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_requests.h"
-#include "mainwindow/vtr_session.h"
+#include "mainwindow/vtr_timers.h"
 #include "vtr_communicationinterface.h"
 
 #include <limits>
@@ -20,31 +20,35 @@ QString BalanceCharacter(double dBalance)
 
 } // namespace
 
-VTAccountPanel::VTAccountPanel(const VTMainForm& form, const VTRequests& requests, VTSession& session)
-    : m_form(form)
-    , m_requests(requests)
-    , m_session(session)
+VTAccountPanel::VTAccountPanel(const Dependencies& dependencies)
+    : m_deps(dependencies)
 {
 }
 
-void VTAccountPanel::TakeNames(const QVariantMap& mapAnswer)
+void VTAccountPanel::ShowUser(const QString& strName) const
 {
-    m_session.strLoginName = mapAnswer.value(VTProtocol::LoginName).toString();
-    m_session.strUserName = mapAnswer.value(VTProtocol::UserName).toString();
-    VTSetPlainText(m_form.lblUserName, m_session.strLoginName);
+    VTSetPlainText(m_deps.form.lblUserName, strName);
 }
 
-void VTAccountPanel::TakeToken(const QVariantMap& mapAnswer)
+void VTAccountPanel::StartPolling() const
 {
-    m_session.strToken = VTProtocol::Payload(mapAnswer).value(VTProtocol::Token).toString();
+    RequestUserInfo();
+    m_deps.timers.pUserInfo->start(VTTimers::UserInfoInterval);
+    // contract: made again at every sign-in, so that after a second one each timeout requests twice
+    QObject::connect(m_deps.timers.pUserInfo, SIGNAL(timeout()), m_deps.pWindow, SLOT(GetUserInfo()));
+}
+
+void VTAccountPanel::StopPolling() const
+{
+    m_deps.timers.pUserInfo->stop();
 }
 
 void VTAccountPanel::RequestUserInfo() const
 {
-    m_requests.Send(&VTCommunicationInterface::GetUserInfo);
+    m_deps.requests.Send(&VTCommunicationInterface::GetUserInfo, m_deps.requests.New());
 }
 
-void VTAccountPanel::HandleUserInfoAnswer(int nRet, const QVariantMap& mapAnswer)
+void VTAccountPanel::HandleUserInfoAnswer(int nRet, const QVariantMap& mapAnswer) const
 {
     if (nRet != VTProtocol::Success)
         return;
@@ -57,14 +61,15 @@ void VTAccountPanel::HandleUserInfoAnswer(int nRet, const QVariantMap& mapAnswer
     }
     ShowBalances(mapUser.value(QStringLiteral("user_rmb_balance")).toString(),
         mapUser.value(QStringLiteral("user_vso_balance")).toString(), true);
-    VTSetPlainText(m_form.lblUserName, mapUser.value(VTProtocol::UserName).toString());
+    ShowUser(mapUser.value(VTProtocol::UserName).toString());
 }
 
-void VTAccountPanel::ShowBalances(const QString& strMain, const QString& strCredits, bool bBound)
+void VTAccountPanel::ShowBalances(const QString& strMain, const QString& strCredits, bool bBound) const
 {
+    const VTMainForm& form = m_deps.form;
     if (bBound)
-        VTSetPlainText(m_form.lblCyb, strCredits, true);
-    m_form.lblCybU->setVisible(bBound);
-    m_form.lblCyb->setVisible(bBound);
-    VTSetPlainText(m_form.lblRmb, strMain, true);
+        VTSetPlainText(form.lblCyb, strCredits, true);
+    form.lblCybU->setVisible(bBound);
+    form.lblCyb->setVisible(bBound);
+    VTSetPlainText(form.lblRmb, strMain, true);
 }

@@ -1,35 +1,41 @@
 #pragma once
 
-#include <QObject>
 #include <QVariantMap>
 
-class QTimer;
+class QObject;
 class VTRequests;
 struct VTMainForm;
-struct VTSession;
+struct VTTimers;
 
-/// The account panel and the values of the session.
-class VTAccountPanel : public QObject
+/// The account panel: who is signed in, and the balances, which are asked for again and again.
+class VTAccountPanel
 {
-    Q_OBJECT
-
 public:
-    /// All must outlive this object.
-    VTAccountPanel(const VTMainForm& form, const VTRequests& requests, VTSession& session);
+    struct Dependencies
+    {
+        QObject* pWindow; ///< has the slot GetUserInfo() for the timer
+        const VTMainForm& form;
+        const VTRequests& requests;
+        const VTTimers& timers;
+    };
 
-    /// Takes the user's names from the sign-in answer and shows who is signed in.
-    void TakeNames(const QVariantMap& mapAnswer);
-    void TakeToken(const QVariantMap& mapAnswer);
+    /// Everything in `dependencies` must outlive this object.
+    explicit VTAccountPanel(const Dependencies& dependencies);
+
+    void ShowUser(const QString& strName) const;
+
+    /// Requests the user's information at once and every 30 seconds from then on. Each further call adds one request to
+    /// every timeout.
+    void StartPolling() const;
+    void StopPolling() const;
 
     void RequestUserInfo() const;
 
     /// Shows the balances of a user-info answer.
-    void HandleUserInfoAnswer(int nRet, const QVariantMap& mapAnswer);
+    void HandleUserInfoAnswer(int nRet, const QVariantMap& mapAnswer) const;
 
 private:
-    void ShowBalances(const QString& strMain, const QString& strCredits, bool bBound);
+    void ShowBalances(const QString& strMain, const QString& strCredits, bool bBound) const;
 
-    const VTMainForm& m_form;
-    const VTRequests& m_requests;
-    VTSession& m_session;
+    Dependencies m_deps;
 };

@@ -16,18 +16,17 @@ void SwitchConnection(bool bOn, const VTConnection& connection)
 
 } // namespace
 
-void VTAccountSettings::Load(const QObject* pWindow)
+void VTAccountSettings::Load()
 {
     if (m_session.strUserName.isEmpty())
         return;
-    // clang-format off
     m_bAutoDownload = Read(QStringLiteral("autodownload"));
     SwitchConnection(Read(QStringLiteral("popupfinish")),
-        {m_services.pRenderCore, SIGNAL(DownloadFinish(QString)), pWindow, SLOT(PopupFinish(QString))});
+        {m_services.pRenderCore, SIGNAL(DownloadFinish(QString)), m_pWindow, SLOT(PopupFinish(QString))});
     SwitchConnection(Read(QStringLiteral("soundfinish")),
-        {m_services.pRenderCore, SIGNAL(DownloadFinish(QString)), m_services.pConfiguration, SLOT(Finish(QString))});
-    m_bSetArgument = Read(QStringLiteral("setargument"));
-    // clang-format on
+        {m_services.pRenderCore, SIGNAL(DownloadFinish(QString)), m_services.pConfiguration,
+            SLOT(Finish(QString))});
+    m_bOffersArguments = Read(QStringLiteral("setargument"));
 }
 
 bool VTAccountSettings::Read(const QString& strName) const

@@ -2,32 +2,37 @@
 
 #include <QObject>
 
-struct VTSession;
 struct VTServices;
+struct VTSession;
 
 /// The four switches that each account keeps in the settings service.
 class VTAccountSettings
 {
 public:
-    /// All must outlive this object.
-    VTAccountSettings(const VTServices& services, const VTSession& session)
-        : m_services(services)
+    /// @param pWindow has the slot PopupFinish(QString); all must outlive this object.
+    VTAccountSettings(const QObject* pWindow, const VTServices& services, const VTSession& session)
+        : m_pWindow(pWindow)
+        , m_services(services)
         , m_session(session)
     {
     }
 
-    /// Reads the switches and connects the render core's finish notice to those who want it: to the slot
-    /// PopupFinish(QString) of pWindow and to the configuration service. Does nothing while no user is known.
-    void Load(const QObject* pWindow);
+    /// Reads the switches, and connects the render core's finish notice to the window's balloon and to the
+    /// configuration service's sound as they say. Does nothing while no user is known.
+    void Load();
 
+    /// Whether finished jobs are downloaded without being asked for.
     bool AutoDownload() const { return m_bAutoDownload; }
-    bool SetArgument() const { return m_bSetArgument; }
+
+    /// Whether the menu of the local tasks offers to edit render arguments.
+    bool OffersArguments() const { return m_bOffersArguments; }
 
 private:
     bool Read(const QString& strName) const;
 
+    const QObject* m_pWindow;
     const VTServices& m_services;
     const VTSession& m_session;
     bool m_bAutoDownload = false;
-    bool m_bSetArgument = false;
+    bool m_bOffersArguments = false;
 };

@@ -4,32 +4,25 @@
 #include "common/vtr_prompts.h"
 #include "common/vtr_services.h"
 #include "common/vtr_skin.h"
+#include "common/vtr_tablerows.h"
 #include "mainwindow/vtr_mainform.h"
-#include "mainwindow/vtr_tables.h"
 
-#include <QFileInfo>
+#include <QEvent>
 #include <QPointer>
 #include <QScreen>
+#include <QTimer>
 
 namespace {
 
-/// Sheet of the language button; %1 is the name of the language's image.
-const QString& LanguageButtonSheet()
-{
-    static const QString strSheet
-        = QStringLiteral("QPushButton{border-image: url(:/default/%1_normal.png);}"
-                         "QPushButton:hover{border-image: url(:/default/%1_hover.png);}"
-                         "QPushButton:pressed{border-image: url(:/default/%1_pressed.png);}");
-    return strSheet;
-}
-
-/// Language files are named "vtr_<language>.qm".
-constexpr int LanguagePrefixLength = 4;
+/// A maximised or restored form has its new size only a moment later.
+constexpr int NewSizeDelay = 100; // ms
 
 } // namespace
 
-VTChrome::VTChrome(const VTMainForm& form, const VTServices& services, const VTPrompts& prompts)
-    : m_form(form)
+VTChrome::VTChrome(
+    QWidget* pWindow, const VTMainForm& form, const VTServices& services, const VTPrompts& prompts)
+    : m_pWindow(pWindow)
+    , m_form(form)
     , m_services(services)
     , m_prompts(prompts)
 {
@@ -41,11 +34,12 @@ void VTChrome::ShowForm() const
     m_form.pForm->show();
 }
 
-void VTChrome::Restyle(const QString& strSkin) const
+void VTChrome::ShowOnRequest(const QString& strKey) const
 {
-    VTSkin::ApplyToForm(m_form.pForm, strSkin, VTIds::Client);
-    if (m_services.pUiLoader)
-        m_services.pUiLoader->LoadSkinSettings(VTSkin::LayoutFile(strSkin, VTIds::Client));
+    if (strKey != VTIds::Client)
+        return;
+    m_form.pForm->show();
+    m_form.pForm->activateWindow();
 }
 
 void VTChrome::Maximize()
@@ -55,6 +49,7 @@ void VTChrome::Maximize()
     m_sizeDelta = m_form.pForm->screen()->availableSize() - m_form.pForm->size();
     m_form.tbwContainer->setFixedSize(m_form.tbwContainer->size() + m_sizeDelta);
     m_form.pForm->showMaximized();
+    AnnounceNewSize();
 }
 
 void VTChrome::Restore()
@@ -63,12 +58,22 @@ void VTChrome::Restore()
     m_form.btnSystemMaxnormal->show();
     m_form.tbwContainer->setFixedSize(m_form.tbwContainer->size() - m_sizeDelta);
     m_form.pForm->showNormal();
+    AnnounceNewSize();
 }
 
-void VTChrome::LayoutForm() const
+void VTChrome::AnnounceNewSize() const
 {
+    QTimer::singleShot(NewSizeDelay, m_pWindow, SIGNAL(windowSizeChanged()));
+}
+
+bool VTChrome::HandleEvent(const QObject* pObject, const QEvent* pEvent) const
+{
+    if (pObject != m_form.pForm || pEvent->type() != QEvent::Resize)
+        return false;
+    // The skin's layout file places the form's children, so the form itself never sees the event.
     if (m_services.pUiLoader)
         m_services.pUiLoader->LayoutForm(m_form.pForm, VTSkin::LayoutFile(m_services.Skin(), VTIds::Client));
+    return true;
 }
 
 void VTChrome::AskToQuit()
@@ -77,31 +82,8 @@ void VTChrome::AskToQuit()
     if (m_prompts.AskToConfirm(tr("Are you sure to quit?")) != VTAnswer::Agreed || !pThis)
         return;
     if (m_services.pRenderCore)
-        m_services.pRenderCore->RemoveSubmitTasks(VTTables::AllIds(m_form.twtLocalTask), false);
+        m_services.pRenderCore->RemoveSubmitTasks(VTTableRows::AllIds(m_form.twtLocalTask), false);
     if (pThis)
         m_form.pForm->hide();
     QCoreApplication::exit(0);
-}
-
-void VTChrome::UpdateLanguage()
-{
-    m_strLanguage = m_services.pUiLoader ? m_services.pUiLoader->GetLanguage() : QString();
-    const QString strImage = QFileInfo(m_strLanguage).completeBaseName().mid(LanguagePrefixLength);
-    const QString strSheet = LanguageButtonSheet().arg(strImage);
-    if (m_form.btnLang->styleSheet() != strSheet)
-        m_form.btnLang->setStyleSheet(strSheet);
-}
-
-void VTChrome::ToggleLanguage() const
-{
-    if (!m_services.pUiLoader)
-        return;
-    const QString strCurrent = QFileInfo(m_strLanguage).fileName();
-    const QStringList lstLanguage = m_services.pUiLoader->GetLanguages();
-    for (const QString& strLanguage : lstLanguage) {
-        if (QFileInfo(strLanguage).fileName() == strCurrent)
-            continue;
-        m_services.pUiLoader->SetLanguage(strLanguage);
-        return;
-    }
 }

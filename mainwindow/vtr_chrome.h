@@ -5,44 +5,44 @@
 #include <QSize>
 #include <QString>
 
+class QEvent;
 class QWidget;
 class VTPrompts;
 struct VTMainForm;
 struct VTServices;
 
-/// What surrounds the content of the main form: size, layout, the current language and the way out.
+/// The frame of the main form: showing it, its size and layout, and quitting.
 class VTChrome : public QObject
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
 
 public:
-    /// All must outlive this object.
-    VTChrome(const VTMainForm& form, const VTServices& services, const VTPrompts& prompts);
+    /// @param pWindow emits windowSizeChanged(); all must outlive this object.
+    VTChrome(QWidget* pWindow, const VTMainForm& form, const VTServices& services, const VTPrompts& prompts);
 
     /// Shows the main form with the skin's icon.
     void ShowForm() const;
-    void Restyle(const QString& strSkin) const;
 
+    /// Brings the main form to the front when strKey names it.
+    void ShowOnRequest(const QString& strKey) const;
+
+    // Both let the window emit windowSizeChanged() once the form has its new size.
     void Maximize();
     void Restore();
 
-    /// Places the form's children for its present size.
-    void LayoutForm() const;
+    /// Lays the main form out when the event resizes it. @return whether the event ends here.
+    bool HandleEvent(const QObject* pObject, const QEvent* pEvent) const;
 
     /// Asks, then hands all local tasks back to the render core and ends the application.
     void AskToQuit();
 
-    /// Reads the loader's current language and gives the language button its image.
-    void UpdateLanguage();
-
-    /// Switches to the first installed language that is not the current one.
-    void ToggleLanguage() const;
-
 private:
+    void AnnounceNewSize() const;
+
+    QWidget* m_pWindow;
     const VTMainForm& m_form;
     const VTServices& m_services;
     const VTPrompts& m_prompts;
-    /// How much larger the screen is than the form in normal size.
+    /// Difference between the screen and the form in normal size.
     QSize m_sizeDelta {0, 0};
-    QString m_strLanguage;
 };

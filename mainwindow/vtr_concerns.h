@@ -3,6 +3,7 @@
 #include "common/vtr_prompts.h"
 #include "mainwindow/vtr_accountpanel.h"
 #include "mainwindow/vtr_accountsettings.h"
+#include "mainwindow/vtr_appearance.h"
 #include "mainwindow/vtr_chrome.h"
 #include "mainwindow/vtr_contextmenus.h"
 #include "mainwindow/vtr_downloadlist.h"
@@ -16,6 +17,7 @@
 #include "mainwindow/vtr_signin.h"
 #include "mainwindow/vtr_submitlist.h"
 #include "mainwindow/vtr_tables.h"
+#include "mainwindow/vtr_tabs.h"
 #include "mainwindow/vtr_taskquestions.h"
 #include "mainwindow/vtr_toolbar.h"
 #include "mainwindow/vtr_tray.h"
@@ -31,11 +33,11 @@ struct VTCodeTables;
 struct VTServices;
 struct VTTimers;
 
-/// A dialog controller, which is scheduled for deletion, not deleted, when its owner goes.
+/// Owns a dialog controller and schedules it for deletion at the end.
 template <typename Controller>
 using VTController = QScopedPointer<Controller, QScopedPointerDeleteLater>;
 
-/// The built window: forms, dialog controllers and the concerns that share them, each after those it needs.
+/// The built window: forms, dialog controllers, and the concerns that share them, each after its dependencies.
 struct VTConcerns
 {
     /// @param pWindow parent of tray icon and menus; all must outlive this object.
@@ -43,12 +45,8 @@ struct VTConcerns
         QWidget* pWindow, const VTServices& services, const VTCodeTables& codeTables, const VTTimers& timers);
     ~VTConcerns();
 
-    /// Restyles what lies outside the main form: dialogs and tray icon.
-    void ChangeSkin(const QString& strSkin) const;
-    void ChangeLanguage();
-
-    /// Everything that is only scheduled for deletion when this object goes.
-    QVector<QPointer<QObject>> Remains() const;
+    /// The objects that are not deleted with this one but left to the event loop: dialog controllers and forms.
+    QVector<QPointer<QObject>> DeferredDeletions() const;
 
     VTSession session;
     VTForms forms;
@@ -64,15 +62,17 @@ struct VTConcerns
     VTAccountSettings settings;
     VTTables tables;
     VTPageBar pageBar;
-    VTAccountPanel account;
+    VTAccountPanel accountPanel;
     VTChrome chrome;
     VTTray tray;
     VTContextMenus menus;
+    VTAppearance appearance;
     VTJobList jobList;
     VTSubmitList submitList;
     VTDownloadList downloadList;
     VTJobActions jobActions;
     VTToolbar toolbar;
+    VTTabs tabs;
     VTTaskQuestions uploadRetries;
     VTTaskQuestions lackedTextures;
     VTSignIn signIn;

@@ -1,16 +1,19 @@
 #include "mainwindow/vtr_contextmenus.h"
 
+#include "common/vtr_columns.h"
+#include "mainwindow/vtr_accountsettings.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_pagestate.h"
-#include "mainwindow/vtr_submitlist.h"
 #include "mainwindow/vtr_tables.h"
 
 #include <QCursor>
 #include <QFileInfo>
 #include <QPointer>
 
-VTContextMenus::VTContextMenus(QWidget* pWindow, const VTMainForm& form, VTTables& tables)
+VTContextMenus::VTContextMenus(
+    QWidget* pWindow, const VTMainForm& form, const VTAccountSettings& settings, VTTables& tables)
     : m_form(form)
+    , m_settings(settings)
     , m_tables(tables)
     , m_jobMenu(pWindow)
     , m_submitMenu(pWindow)
@@ -48,7 +51,7 @@ void VTContextMenus::RunDownloadMenu()
         Run(m_downloadMenu);
 }
 
-void VTContextMenus::RunSubmitMenu(bool bArgumentsWanted)
+void VTContextMenus::RunSubmitMenu()
 {
     const int nRow = m_tables.PressedRow();
     const QTableWidget* pTable = m_form.twtLocalTask;
@@ -56,8 +59,8 @@ void VTContextMenus::RunSubmitMenu(bool bArgumentsWanted)
         return;
     if (!pTable->item(nRow, VTTaskColumn::SceneFile))
         return;
-    if (bArgumentsWanted && HasArguments(nRow))
-        m_submitMenu.addAction(pSetArgument); // one that is there is not added again
+    if (m_settings.OffersArguments() && HasArguments(nRow))
+        m_submitMenu.addAction(pSetArgument); // not added again when it is there
     else
         m_submitMenu.removeAction(pSetArgument);
     Run(m_submitMenu);

@@ -1,12 +1,14 @@
 #include "mainwindow/vtr_downloadlist.h"
 
+#include "common/vtr_codetables.h"
+#include "common/vtr_columns.h"
 #include "common/vtr_plaintext.h"
 #include "common/vtr_services.h"
 #include "common/vtr_tablecells.h"
+#include "common/vtr_tablerows.h"
 #include "mainwindow/vtr_filereveal.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_pagebar.h"
-#include "mainwindow/vtr_tables.h"
 #include "mainwindow/vtr_timers.h"
 
 #include <QFileInfo>
@@ -31,7 +33,7 @@ const QVariantMap* VTDownloadList::Tasks() const
 
 void VTDownloadList::BuildPage(int nPage)
 {
-    VTTableCells::Clear(m_pTable);
+    VTTableRows::Clear(m_pTable);
     const QVariantMap* pTasks = Tasks();
     if (!pTasks)
         return;
@@ -39,7 +41,7 @@ void VTDownloadList::BuildPage(int nPage)
     auto itTask = m_place.At(*pTasks, nFirst);
     if (itTask == pTasks->constEnd())
         return;
-    // All rows at once: each change of their number lays out the progress bars of those before.
+    // All rows are added at once: each change of their number lays out all progress bars that are there already.
     m_pTable->setRowCount(qMin(VTPageSize, pTasks->size() - nFirst));
     for (int nRow = 0; nRow < m_pTable->rowCount(); ++nRow, ++itTask)
         WriteRow(nRow, itTask.key(), itTask->toMap());
@@ -83,7 +85,7 @@ void VTDownloadList::WriteState(int nRow, const QVariantMap& mapTask)
     pStatus->setToolTip(VTPlainToolTip(mapTask.value(QStringLiteral("msg")).toString()));
 }
 
-void VTDownloadList::ListChanged()
+void VTDownloadList::HandleListChange()
 {
     m_place.Forget();
     const QVariantMap* pTasks = Tasks();
@@ -104,7 +106,7 @@ void VTDownloadList::Refresh()
 {
     const QVariantMap* pTasks = Tasks();
     for (int nRow = 0; pTasks && nRow < m_pTable->rowCount(); ++nRow) {
-        const auto itTask = pTasks->constFind(VTTables::IdAt(m_pTable, nRow));
+        const auto itTask = pTasks->constFind(VTTableRows::Id(m_pTable, nRow));
         if (itTask != pTasks->constEnd())
             WriteState(nRow, itTask->toMap());
         else
@@ -123,11 +125,11 @@ void VTDownloadList::Delete(const QStringList& lstTaskId)
     BuildPage(m_deps.pageBar.CorrectAfterDeletion(VTList::Downloads));
 }
 
-void VTDownloadList::Redownload(const QStringList& lstTaskId)
+void VTDownloadList::RedownloadChecked()
 {
     m_place.Forget();
     if (m_deps.services.pRenderCore)
-        m_deps.services.pRenderCore->RedownloadTasks(lstTaskId);
+        m_deps.services.pRenderCore->RedownloadTasks(VTTableRows::CheckedIds(m_pTable));
 }
 
 void VTDownloadList::RevealCurrentFile() const

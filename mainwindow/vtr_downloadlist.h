@@ -14,12 +14,7 @@ struct VTMainForm;
 struct VTServices;
 struct VTTimers;
 
-/// Columns of the downloads' table.
-namespace VTDownloadColumn {
-enum { Name, Source, Dest, Progress, Status, StartTime };
-}
-
-/// The downloads, a page at a time, read from the render core's live map and refreshed in place.
+/// The list of downloads, a page at a time, read from the render core's live map and refreshed in place.
 class VTDownloadList : public QObject
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
@@ -34,19 +29,25 @@ public:
         VTPageBar& pageBar;
     };
 
-    /// What the needs refer to must outlive this object. Asks the render core for its map.
+    /// Asks the render core for its map. Everything in `dependencies` must outlive this object.
     explicit VTDownloadList(const Dependencies& dependencies);
 
     static QStringList Headers();
 
     void BuildPage(int nPage);
     void BuildCurrentPage();
-    void ListChanged();
+
+    /// Adapts page state, page bar and table after downloads have come or gone.
+    void HandleListChange();
+
+    /// Updates progress and state of the rows on the screen.
     void Refresh();
 
-    /// Deletes downloads and shows what is left.
+    /// Deletes downloads and shows the remaining ones.
     void Delete(const QStringList& lstTaskId);
-    void Redownload(const QStringList& lstTaskId);
+
+    /// Starts the checked downloads again.
+    void RedownloadChecked();
 
     /// Shows the file of the current row in the system's file manager.
     void RevealCurrentFile() const;

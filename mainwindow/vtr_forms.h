@@ -7,8 +7,8 @@
 class QDialog;
 class VTUiLoaderInterface;
 
-/// The five forms of the client as the loader builds them; owned, and scheduled for deletion with this
-/// object, unless the loader has given one a parent.
+/// The five forms of the client as the loader builds them. They are scheduled for deletion when this object goes, except
+/// those that the loader has given a parent.
 ///
 /// A form that the loader does not have is logged and replaced by an empty one, so none is null at first. The host may
 /// destroy a form at any time.
@@ -20,7 +20,7 @@ public:
     VTForms(const VTForms&) = delete;
     VTForms& operator=(const VTForms&) = delete;
 
-    /// Those of the forms that are there and go with this object.
+    /// The forms that still exist and are scheduled for deletion when this object goes.
     QVector<QWidget*> Owned() const;
 
     // In the order in which they are loaded.

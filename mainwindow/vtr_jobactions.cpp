@@ -41,7 +41,7 @@ void VTJobActions::Delete()
     const VTAnswer answer = m_deps.prompts.AskToConfirm(tr("Are you sure to delete these jobs?"));
     if (answer != VTAnswer::Agreed || !pThis)
         return;
-    // The answer is about the rows that were in front, in the session that was on.
+    // The consent holds for the tab and the session in which the question was asked.
     if (CurrentTab() != nTab || m_deps.session.bSignedIn != bSignedIn)
         return;
     const QStringList lstId = m_deps.tables.CheckedIds(nTab);
@@ -120,7 +120,7 @@ void VTJobActions::HandleAnswer(int nRet, const QString& strFailure) const
 void VTJobActions::HandleAnswerOrRefusal(
     int nRet, const QVariantMap& mapAnswer, const QString& strFailure) const
 {
-    // A refusal counts even where the answer as a whole succeeded.
+    // The farm can refuse single jobs even where the answer as a whole reports success.
     if (!VTProtocol::Payload(mapAnswer).value(VTProtocol::NotAllowedJobs).toList().isEmpty())
         m_deps.prompts.Notify(tr("Amount Overdue!"));
     else

@@ -15,7 +15,7 @@ struct VTMainForm;
 struct VTSession;
 struct VTServices;
 
-/// The five actions of the toolbar on the checked rows of the current tab, and the judgement of the farm's answers.
+/// The five actions of the toolbar on the checked rows of the current tab, and the farm's answers to them.
 class VTJobActions : public QObject
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
@@ -34,18 +34,21 @@ public:
         VTDownloadList& downloadList;
     };
 
-    /// What the needs refer to must outlive this object.
+    /// Everything in `dependencies` must outlive this object.
     explicit VTJobActions(const Dependencies& dependencies);
 
-    /// Asks first; on the other tabs it deletes local tasks or downloads.
+    /// Asks, then deletes the checked jobs, local tasks or downloads.
     void Delete();
 
-    /// Stops jobs; on the local tasks' tab it stops all submissions.
+    /// Stops the checked jobs, or on the local tasks' tab all submissions.
     void Stop() const;
+
+    // These act on farm jobs only.
     void Recover() const;
     void Restart() const;
     void FullRender() const;
 
+    // On success the current page is requested again; a failure is reported to the user.
     void HandleDeleteAnswer(int nRet) const;
     void HandleStopAnswer(int nRet) const;
     void HandleRecoverAnswer(int nRet, const QVariantMap& mapAnswer) const;
@@ -55,7 +58,7 @@ public:
 private:
     int CurrentTab() const;
     void Send(VTRequests::Operation operation, const QStringList& lstJobId) const;
-    /// Sends an action for the checked jobs when the farm's jobs are in front.
+    /// Sends an action for the checked jobs while the farm's jobs are in front.
     void SendForJobs(VTRequests::Operation operation) const;
 
     void HandleAnswer(int nRet, const QString& strFailure) const;

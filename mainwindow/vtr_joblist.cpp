@@ -3,10 +3,16 @@
 #include "common/vtr_prompts.h"
 #include "common/vtr_services.h"
 #include "common/vtr_tablecells.h"
+#include "common/vtr_tablerows.h"
 #include "dialogs/vtr_conditions.h"
+#include "mainwindow/vtr_accountsettings.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_pagebar.h"
+#include "mainwindow/vtr_requests.h"
 #include "mainwindow/vtr_tables.h"
+
+#include <QCoreApplication>
+#include <QPointer>
 
 namespace {
 
@@ -55,6 +61,12 @@ void VTJobList::RequestCurrentPage() const
     RequestPage(m_deps.pageBar.CurrentPage(VTList::Jobs));
 }
 
+void VTJobList::Refresh() const
+{
+    if (m_deps.form.tbwContainer->currentIndex() == VTList::Jobs)
+        RequestCurrentPage();
+}
+
 void VTJobList::Search(const QVariantMap& mapCondition)
 {
     m_strConditions.clear();
@@ -92,17 +104,17 @@ void VTJobList::ShowNoJobs()
     if (bStepBack)
         --state.nCurrentPage;
     if (m_deps.form.twtMyRender->rowCount() > 0) {
-        VTTableCells::Clear(m_deps.form.twtMyRender);
+        VTTableRows::Clear(m_deps.form.twtMyRender);
         m_deps.pageBar.Show(VTList::Jobs, 0);
     }
-    // Last, since the answer may be here before the call returns.
+    // The request comes last, because its answer may arrive before the call returns.
     if (bStepBack)
         RequestCurrentPage();
 }
 
 void VTJobList::Fill(QTableWidget* pTable, const QVector<VTJobRecord>& lstJob)
 {
-    const QString strCurrentId = VTTables::IdAt(pTable, pTable->currentRow());
+    const QString strCurrentId = VTTableRows::Id(pTable, pTable->currentRow());
     const int nCurrentColumn = pTable->currentColumn();
     int nCurrentRow = -1;
 
@@ -113,14 +125,14 @@ void VTJobList::Fill(QTableWidget* pTable, const QVector<VTJobRecord>& lstJob)
         if (nCurrentRow < 0 && !job.strId.isEmpty() && job.strId == strCurrentId)
             nCurrentRow = nRow;
     }
-    // The current row belongs to a job, not to a place on the screen.
+    // The current row follows its job, wherever the job stands now.
     if (nCurrentRow != pTable->currentRow())
         pTable->setCurrentCell(nCurrentRow, nCurrentRow < 0 ? -1 : nCurrentColumn);
 }
 
 void VTJobList::HandOverFinished(const QVector<VTJobRecord>& lstJob)
 {
-    if (!m_bAutoDownload)
+    if (!m_deps.settings.AutoDownload())
         return;
     QVariantMap mapOrders;
     for (const VTJobRecord& job : lstJob) {
@@ -140,11 +152,9 @@ QVariantMap VTJobList::CheckedOrders() const
 {
     const QTableWidget* pTable = m_deps.form.twtMyRender;
     QVariantMap mapOrders;
-    for (int nRow = 0; nRow < pTable->rowCount(); ++nRow) {
-        const QTableWidgetItem* pItem = pTable->item(nRow, VTJobColumn::Sequence);
-        if (pItem && pItem->checkState() == Qt::Checked)
-            AddOrder(mapOrders, pTable, nRow);
-    }
+    const QList<int> lstRow = VTTableRows::Checked(pTable);
+    for (const int nRow : lstRow)
+        AddOrder(mapOrders, pTable, nRow);
     if (mapOrders.isEmpty() && pTable->currentRow() >= 0)
         AddOrder(mapOrders, pTable, pTable->currentRow());
     return mapOrders;
@@ -163,6 +173,6 @@ void VTJobList::OrderDownloads()
         "VTQsClientPrivate", "The checked items are already added to download list"));
     if (!pThis)
         return;
-    VTTables::UncheckRows(m_deps.form.twtMyRender);
+    VTTableRows::SetCheckStates(m_deps.form.twtMyRender, Qt::Unchecked);
     m_deps.tables.UncheckAll();
 }

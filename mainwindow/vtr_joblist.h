@@ -1,23 +1,22 @@
 #pragma once
 
 #include "common/vtr_jobrecord.h"
-#include "mainwindow/vtr_requests.h"
-
-#include <QCoreApplication>
 #include <QObject>
 #include <QSet>
 #include <QVariantList>
 #include <QVector>
 
 class QTableWidget;
+class VTAccountSettings;
 class VTPageBar;
 class VTPrompts;
+class VTRequests;
 class VTTables;
 struct VTCodeTables;
 struct VTMainForm;
 struct VTServices;
 
-/// The farm's jobs: asks for pages of them, shows the answers and hands newly finished jobs over for download.
+/// The list of the farm's jobs: requests pages, shows the answers and orders downloads of finished or checked jobs.
 class VTJobList : public QObject
 {
     Q_OBJECT
@@ -27,6 +26,7 @@ public:
     {
         const VTMainForm& form;
         const VTServices& services;
+        const VTAccountSettings& settings;
         const VTCodeTables& codeTables;
         const VTRequests& requests;
         const VTPrompts& prompts;
@@ -34,35 +34,37 @@ public:
         VTPageBar& pageBar;
     };
 
-    /// What the needs refer to must outlive this object.
+    /// Everything in `dependencies` must outlive this object.
     explicit VTJobList(const Dependencies& dependencies);
 
-    /// @param nFlag 0 for the job table, any other for the set-parent dialog's list of up to 1000 jobs.
+    /// Requests a page with conditions; an empty text filters nothing.
+    /// @param nFlag 0 for the job table, any other for the candidates of the set-parent dialog, up to 1000 a page.
     void Request(int nPage, const QString& strConditions, int nFlag) const;
 
-    /// Requests a page, or the current one, with the conditions in force.
+    /// Requests a page with the conditions in force.
     void RequestPage(int nPage) const { Request(nPage, m_strConditions, 0); }
     void RequestCurrentPage() const;
 
-    /// Search: a map of conditions, empty for none. Starts at page 1.
+    /// Requests the current page while the farm's jobs are in front.
+    void Refresh() const;
+
+    /// Filters by a map of conditions, empty for none, and requests page 1.
     void Search(const QVariantMap& mapCondition);
     void SetConditions(const QString& strConditions) { m_strConditions = strConditions; }
 
-    /// Takes the answer to a request.
+    /// Shows the jobs of an answer, or passes them on as candidates, and hands newly finished ones over for download.
     void HandleAnswer(int nRet, const QVariantMap& mapAnswer);
 
     /// Orders the download of the checked jobs, or of the current row when none is checked.
     void OrderDownloads();
 
-    void SetAutoDownload(bool bOn) { m_bAutoDownload = bOn; }
-
-    /// A new session may download finished jobs again.
+    /// Lets the next session hand over finished jobs that were handed over before.
     void ForgetHandedOver() { m_setHandedOver.clear(); }
 
 signals:
     /// Download orders by job id.
     void OrdersReady(QVariantMap mapJobIdType);
-    /// Job records for the set-parent dialog.
+    /// Job records for the candidate list of the set-parent dialog.
     void CandidatesArrived(QVariantList lstData);
 
 private:
@@ -74,5 +76,4 @@ private:
     Dependencies m_deps;
     QString m_strConditions;
     QSet<QString> m_setHandedOver;
-    bool m_bAutoDownload = false;
 };

@@ -12,7 +12,7 @@ struct VTServices;
 class VTPageBar
 {
 public:
-    /// @param form, siblings must outlive this object.
+    /// Both must outlive this object.
     VTPageBar(const VTMainForm& form, const VTServices& services);
 
     VTPageState& State(int nList) { return m_states.at(std::size_t(nList)); }

@@ -1,7 +1,5 @@
 #include "mainwindow/vtr_qsclient_p.h"
 
-#include "common/vtr_ids.h"
-#include "common/vtr_skin.h"
 #include "common/vtr_tablecells.h"
 #include "dialogs/vtr_group.h"
 #include "dialogs/vtr_search.h"
@@ -11,16 +9,11 @@
 #include "mainwindow/vtr_dropfilter.h"
 #include "mainwindow/vtr_wiring.h"
 
-#include <QEvent>
 #include <QGuiApplication>
 #include <QTextCodec>
 
-namespace {
-
-/// A maximised or restored window has its new size only a moment later.
-constexpr int NewSizeDelay = 100; // ms
-
-} // namespace
+#include <functional>
+#include <utility>
 
 VTQsClientPrivate::VTQsClientPrivate(QWidget* pParent)
     : QWidget(pParent)
@@ -33,7 +26,7 @@ VTQsClientPrivate::VTQsClientPrivate(QWidget* pParent)
 
 VTQsClientPrivate::~VTQsClientPrivate()
 {
-    // While the parts go, their last events must find none.
+    // Deleting the concerns sends last events to the slots, which must find no concerns then.
     m_pConcerns.reset();
 }
 
@@ -56,37 +49,25 @@ void VTQsClientPrivate::DropConcerns()
 {
     disconnect(m_formDestroyed);
     m_builtFor = VTServices();
-    m_lstOldRemains = Remains();
+    m_lstDeferred = DeferredDeletions();
     m_timers.StopAll();
     m_pConcerns.reset();
 }
 
 void VTQsClientPrivate::ConnectConcerns()
 {
-    // Without its form the window is as if never built.
+    // Without its main form the window is as if it had never been built.
     m_formDestroyed
         = connect(m_pConcerns->form.pForm, &QObject::destroyed, this, &VTQsClientPrivate::DropConcerns);
 
     connect(&m_pConcerns->jobList, &VTJobList::OrdersReady, this, &VTQsClientPrivate::JobIdType);
     connect(&m_pConcerns->jobList, &VTJobList::CandidatesArrived, this, &VTQsClientPrivate::showParenList);
     connect(&m_pConcerns->signIn, &VTSignIn::SignedIn, this, &VTQsClientPrivate::login);
-    connect(&m_pConcerns->signIn, &VTSignIn::UserKnown, this, &VTQsClientPrivate::UpdateSettings);
-    connect(&m_pConcerns->signIn, &VTSignIn::UserInfoTimerStarted, this, [this] {
-        // Made again at every sign-in, so that after a second one each timeout asks twice.
-        connect(m_timers.pUserInfo, SIGNAL(timeout()), this, SLOT(GetUserInfo()));
-    });
 }
 
-void VTQsClientPrivate::ShowForm()
+QVector<QPointer<QObject>> VTQsClientPrivate::DeferredDeletions() const
 {
-    if (m_pConcerns)
-        m_pConcerns->chrome.ShowForm();
-}
-
-void VTQsClientPrivate::ShowTrayIcon()
-{
-    if (m_pConcerns)
-        m_pConcerns->tray.Show();
+    return m_pConcerns ? m_pConcerns->DeferredDeletions() + m_lstDeferred : m_lstDeferred;
 }
 
 void VTQsClientPrivate::CacheSubmitTasks()
@@ -95,9 +76,44 @@ void VTQsClientPrivate::CacheSubmitTasks()
         m_lstSubmitTask = m_services.pRenderCore->GetSubmitTaskIds();
 }
 
-QVector<QPointer<QObject>> VTQsClientPrivate::Remains() const
+template <class Concern, class Operation, class... Arguments>
+void VTQsClientPrivate::Forward(
+    Concern VTConcerns::*pConcern, Operation operation, Arguments&&... arguments) const
 {
-    return m_pConcerns ? m_pConcerns->Remains() + m_lstOldRemains : m_lstOldRemains;
+    if (m_pConcerns)
+        std::invoke(operation, m_pConcerns.get()->*pConcern, std::forward<Arguments>(arguments)...);
+}
+
+void VTQsClientPrivate::ShowForm()
+{
+    Forward(&VTConcerns::chrome, &VTChrome::ShowForm);
+}
+
+void VTQsClientPrivate::ShowTrayIcon()
+{
+    Forward(&VTConcerns::tray, &VTTray::Show);
+}
+
+// ---- The contract's slots in their order: each forwards to the concern that acts. ----
+
+void VTQsClientPrivate::ChangeSkin(QString strSkin)
+{
+    Forward(&VTConcerns::appearance, &VTAppearance::ChangeSkin, strSkin);
+}
+
+void VTQsClientPrivate::ChangeLanguage(QString /*strLanguage*/)
+{
+    Forward(&VTConcerns::appearance, &VTAppearance::ChangeLanguage);
+}
+
+void VTQsClientPrivate::Close()
+{
+    Forward(&VTConcerns::chrome, &VTChrome::AskToQuit);
+}
+
+void VTQsClientPrivate::ShowWindow(QString strKey)
+{
+    Forward(&VTConcerns::chrome, &VTChrome::ShowOnRequest, strKey);
 }
 
 void VTQsClientPrivate::LoadGlobalSettings()
@@ -105,97 +121,270 @@ void VTQsClientPrivate::LoadGlobalSettings()
     m_codeTables.Load();
 }
 
-void VTQsClientPrivate::ChangeSkin(QString strSkin)
-{
-    if (!m_pConcerns)
-        return;
-    m_pConcerns->chrome.Restyle(strSkin);
-    VTSkin::ApplyStyleSheet(this, strSkin, VTIds::Menu);
-    m_pConcerns->ChangeSkin(strSkin);
-}
-
-void VTQsClientPrivate::ChangeLanguage(QString /*strLanguage*/)
-{
-    // What the loader says now counts, not what it announced.
-    if (m_pConcerns)
-        m_pConcerns->ChangeLanguage();
-}
-
-void VTQsClientPrivate::ShowWindow(QString strKey)
-{
-    if (!m_pConcerns || strKey != VTIds::Client)
-        return;
-    m_pConcerns->form.pForm->show();
-    m_pConcerns->form.pForm->activateWindow();
-}
-
 void VTQsClientPrivate::ShowWindowMaximized()
 {
-    if (!m_pConcerns)
-        return;
-    m_pConcerns->chrome.Maximize();
-    AnnounceNewSize();
+    Forward(&VTConcerns::chrome, &VTChrome::Maximize);
 }
 
 void VTQsClientPrivate::ShowWindowNormal()
 {
-    if (!m_pConcerns)
-        return;
-    m_pConcerns->chrome.Restore();
-    AnnounceNewSize();
+    Forward(&VTConcerns::chrome, &VTChrome::Restore);
 }
 
-void VTQsClientPrivate::AnnounceNewSize()
+void VTQsClientPrivate::TriggerSignInResponse(int nRet, QVariantMap mapData)
 {
-    QTimer::singleShot(NewSizeDelay, this, SIGNAL(windowSizeChanged()));
+    Forward(&VTConcerns::signIn, &VTSignIn::HandleSignInAnswer, nRet, mapData);
 }
 
-bool VTQsClientPrivate::eventFilter(QObject* obj, QEvent* event)
+void VTQsClientPrivate::TriggerSignOutResponse(int /*nRet*/, QVariantMap /*mapData*/)
 {
-    // The skin's layout file decides where the form's children go, so the form itself never sees its resizing.
-    if (m_pConcerns && obj == m_pConcerns->form.pForm && event->type() == QEvent::Resize) {
-        m_pConcerns->chrome.LayoutForm();
-        return true;
-    }
-    return QWidget::eventFilter(obj, event);
+    Forward(&VTConcerns::signIn, &VTSignIn::HandleSignOutAnswer);
+}
+
+void VTQsClientPrivate::TriggerJobListResponse(int nRet, QVariantMap mapData)
+{
+    Forward(&VTConcerns::jobList, &VTJobList::HandleAnswer, nRet, mapData);
+}
+
+void VTQsClientPrivate::TriggerDeleteJobResponse(int nRet, QVariantMap /*mapData*/)
+{
+    Forward(&VTConcerns::jobActions, &VTJobActions::HandleDeleteAnswer, nRet);
+}
+
+void VTQsClientPrivate::TriggerUserInfoResponse(int nRet, QVariantMap mapData)
+{
+    Forward(&VTConcerns::accountPanel, &VTAccountPanel::HandleUserInfoAnswer, nRet, mapData);
+}
+
+void VTQsClientPrivate::TriggerRecoverJobsResponse(int nRet, QVariantMap mapData)
+{
+    Forward(&VTConcerns::jobActions, &VTJobActions::HandleRecoverAnswer, nRet, mapData);
+}
+
+void VTQsClientPrivate::TriggerStopJobsResponse(int nRet, QVariantMap /*mapData*/)
+{
+    Forward(&VTConcerns::jobActions, &VTJobActions::HandleStopAnswer, nRet);
+}
+
+void VTQsClientPrivate::TriggerRestartJobsResponse(int nRet, QVariantMap mapData)
+{
+    Forward(&VTConcerns::jobActions, &VTJobActions::HandleRestartAnswer, nRet, mapData);
+}
+
+void VTQsClientPrivate::TriggerFullRenderResponse(int nRet, QVariantMap mapData)
+{
+    Forward(&VTConcerns::jobActions, &VTJobActions::HandleFullRenderAnswer, nRet, mapData);
+}
+
+void VTQsClientPrivate::GetUserInfo()
+{
+    Forward(&VTConcerns::accountPanel, &VTAccountPanel::RequestUserInfo);
 }
 
 void VTQsClientPrivate::PageButtonClicked()
 {
-    const auto* pButton = qobject_cast<QPushButton*>(sender());
-    if (!m_pConcerns || !pButton)
-        return;
-    const int nTab = m_pConcerns->form.tbwContainer->currentIndex();
-    if (!m_pConcerns->form.Table(nTab) || !m_pConcerns->pageBar.Click(pButton, nTab))
-        return;
-    // The bar of the farm's jobs is redrawn when the answer arrives.
-    if (nTab != VTList::Jobs)
-        m_pConcerns->pageBar.Redraw(nTab);
-    m_pConcerns->toolbar.ShowPage(nTab);
+    Forward(&VTConcerns::tabs, &VTTabs::HandlePageButton, sender());
 }
 
-void VTQsClientPrivate::RefreshJobList()
+void VTQsClientPrivate::ClickedCell(int nRows, int /*nCol*/)
 {
-    if (m_pConcerns && m_pConcerns->form.tbwContainer->currentIndex() == VTList::Jobs)
-        m_pConcerns->jobList.RequestCurrentPage();
+    Forward(&VTConcerns::tables, &VTTables::Press, nRows);
+}
+
+void VTQsClientPrivate::JobListContextMenu(QPoint /*Pos*/)
+{
+    Forward(&VTConcerns::menus, &VTContextMenus::RunJobMenu);
+}
+
+void VTQsClientPrivate::DownloadListContextMenu(QPoint /*Pos*/)
+{
+    Forward(&VTConcerns::menus, &VTContextMenus::RunDownloadMenu);
+}
+
+void VTQsClientPrivate::DeleteJobs()
+{
+    Forward(&VTConcerns::jobActions, &VTJobActions::Delete);
+}
+
+void VTQsClientPrivate::StopJobs()
+{
+    Forward(&VTConcerns::jobActions, &VTJobActions::Stop);
+}
+
+void VTQsClientPrivate::RecoverJobs()
+{
+    Forward(&VTConcerns::jobActions, &VTJobActions::Recover);
+}
+
+void VTQsClientPrivate::RestartJobs()
+{
+    Forward(&VTConcerns::jobActions, &VTJobActions::Restart);
+}
+
+void VTQsClientPrivate::FullRender()
+{
+    Forward(&VTConcerns::jobActions, &VTJobActions::FullRender);
+}
+
+void VTQsClientPrivate::StopJobs(VTParameters parameters)
+{
+    Forward(&VTConcerns::requests, &VTRequests::Send, &VTCommunicationInterface::StopJobs, parameters);
+}
+
+void VTQsClientPrivate::RecoverJobs(VTParameters parameters)
+{
+    Forward(&VTConcerns::requests, &VTRequests::Send, &VTCommunicationInterface::RecoverJobs, parameters);
+}
+
+void VTQsClientPrivate::GetJobInfo(VTParameters parameters)
+{
+    Forward(&VTConcerns::requests, &VTRequests::Send, &VTCommunicationInterface::GetJobInfo, parameters);
+}
+
+void VTQsClientPrivate::TriggerSubmitListChanged()
+{
+    Forward(&VTConcerns::submitList, &VTSubmitList::HandleListChange);
+}
+
+void VTQsClientPrivate::TriggerDownloadListChanged()
+{
+    Forward(&VTConcerns::downloadList, &VTDownloadList::HandleListChange);
+}
+
+void VTQsClientPrivate::ChangeTab(int nIndex)
+{
+    Forward(&VTConcerns::tabs, &VTTabs::HandleChange, nIndex);
+}
+
+void VTQsClientPrivate::TriggerTreeViewClicked(QModelIndex /*index*/) { } // contract: the tree has no entries
+
+void VTQsClientPrivate::SignOut()
+{
+    Forward(&VTConcerns::signIn, &VTSignIn::RequestSignOut);
+}
+
+void VTQsClientPrivate::TriggerChangeLanguage()
+{
+    Forward(&VTConcerns::appearance, &VTAppearance::ToggleLanguage);
+}
+
+void VTQsClientPrivate::TriggerActivated(QSystemTrayIcon::ActivationReason reason)
+{
+    Forward(&VTConcerns::tray, &VTTray::Activate, reason);
+}
+
+void VTQsClientPrivate::ShowDownloadTasks()
+{
+    Forward(&VTConcerns::downloadList, &VTDownloadList::Refresh);
+}
+
+void VTQsClientPrivate::ShowSubmitList()
+{
+    Forward(&VTConcerns::submitList, &VTSubmitList::Refresh);
+}
+
+void VTQsClientPrivate::TriggerStateChanged(int nState)
+{
+    Forward(&VTConcerns::tables, &VTTables::CheckAll, nState);
 }
 
 void VTQsClientPrivate::UpdateSettings()
 {
-    if (!m_pConcerns)
-        return;
-    m_pConcerns->settings.Load(this);
-    m_pConcerns->jobList.SetAutoDownload(m_pConcerns->settings.AutoDownload());
+    Forward(&VTConcerns::settings, &VTAccountSettings::Load);
+}
+
+void VTQsClientPrivate::ManualDownload()
+{
+    Forward(&VTConcerns::jobList, &VTJobList::OrderDownloads);
+}
+
+bool VTQsClientPrivate::eventFilter(QObject* obj, QEvent* event)
+{
+    return (m_pConcerns && m_pConcerns->chrome.HandleEvent(obj, event)) || QWidget::eventFilter(obj, event);
+}
+
+void VTQsClientPrivate::AdjustPageButtons()
+{
+    Forward(&VTConcerns::tabs, &VTTabs::Relayout);
+}
+
+void VTQsClientPrivate::RefreshJobList()
+{
+    Forward(&VTConcerns::jobList, &VTJobList::Refresh);
+}
+
+void VTQsClientPrivate::PopupFinish(QString strFile)
+{
+    Forward(&VTConcerns::tray, &VTTray::ShowFinished, strFile);
+}
+
+void VTQsClientPrivate::OpenFilePosition()
+{
+    Forward(&VTConcerns::downloadList, &VTDownloadList::RevealCurrentFile);
+}
+
+void VTQsClientPrivate::TriggerFailFile(QString strJobId, QStringList lstFailFile)
+{
+    Forward(&VTConcerns::uploadRetries, &VTTaskQuestions::Add, strJobId, lstFailFile);
+}
+
+void VTQsClientPrivate::TriggerLackedTexture(QString strJobId, QStringList lstLackedTexture)
+{
+    Forward(&VTConcerns::lackedTextures, &VTTaskQuestions::Add, strJobId, lstLackedTexture);
+}
+
+void VTQsClientPrivate::SubmitListContextMenu(QPoint /*Pos*/)
+{
+    Forward(&VTConcerns::menus, &VTContextMenus::RunSubmitMenu);
+}
+
+void VTQsClientPrivate::UploadRetryOption()
+{
+    Forward(&VTConcerns::uploadRetries, &VTTaskQuestions::Tick);
+}
+
+void VTQsClientPrivate::LackTextureOption()
+{
+    Forward(&VTConcerns::lackedTextures, &VTTaskQuestions::Tick);
+}
+
+void VTQsClientPrivate::TriggerSubmit()
+{
+    Forward(&VTConcerns::submitList, &VTSubmitList::ContinueCurrent);
+}
+
+void VTQsClientPrivate::Redownload()
+{
+    Forward(&VTConcerns::downloadList, &VTDownloadList::RedownloadChecked);
 }
 
 void VTQsClientPrivate::SetItemAttribute(
     QTableWidgetItem* item, QVariant varData, QString strTip, bool bEnableChecked)
 {
-    if (item)
-        VTTableCells::SetAttributes(item, varData, strTip, bEnableChecked);
+    VTTableCells::SetAttributes(item, varData, strTip, bEnableChecked);
 }
 
 QProgressBar* VTQsClientPrivate::GetANewProgressBar(int nPercent)
 {
     return VTTableCells::NewProgressBar(nPercent, m_codeTables);
+}
+
+void VTQsClientPrivate::SearchJob(QVariantMap& mapCondition)
+{
+    Forward(&VTConcerns::jobList, &VTJobList::Search, mapCondition);
+}
+
+void VTQsClientPrivate::CellDoubleClicked(int row, int column)
+{
+    Forward(&VTConcerns::submitList, &VTSubmitList::HandleDoubleClick, row, column);
+}
+
+void VTQsClientPrivate::GetJobList(int nPage, QString strConditions, int nFlag)
+{
+    Forward(&VTConcerns::jobList, &VTJobList::Request, nPage, strConditions, nFlag);
+}
+
+void VTQsClientPrivate::Condition(QString strCondition)
+{
+    Forward(&VTConcerns::tabs, &VTTabs::FilterJobs, strCondition);
 }

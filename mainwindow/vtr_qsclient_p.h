@@ -5,8 +5,11 @@
 #include "mainwindow/vtr_timers.h"
 #include "vtr_parameters.h"
 
+#include <QMetaObject>
 #include <QModelIndex>
 #include <QPoint>
+#include <QPointer>
+#include <QStringList>
 #include <QSystemTrayIcon>
 #include <QVariant>
 #include <QVector>
@@ -20,8 +23,8 @@ struct VTConcerns;
 
 /// The client's main window and private part of the service object.
 ///
-/// It carries the contract with the siblings: its signals and slots in their fixed order, each slot a forward to the
-/// concern that knows. Until BuildInterface has run there is neither form nor concern, and every slot is harmless.
+/// It carries the contract with host and services: signals and slots in a fixed order, each slot one forward to the
+/// concern that acts. Until `BuildInterface` has run there is neither form nor concern, and every slot is harmless.
 class VTQsClientPrivate : public QWidget
 {
     Q_OBJECT
@@ -30,10 +33,10 @@ public:
     explicit VTQsClientPrivate(QWidget* pParent = nullptr);
     ~VTQsClientPrivate() override;
 
-    /// The siblings as attached so far; kept by the service object.
+    /// The services as far as they are attached; the service object fills them in.
     VTServices& Services() { return m_services; }
 
-    /// Builds forms, concerns and connections for the attached siblings. Does nothing when that is done already.
+    /// Builds forms, concerns and connections for the attached services, unless they are built for the same ones already.
     void BuildInterface();
 
     void ShowForm();
@@ -42,8 +45,8 @@ public:
     /// Keeps the render core's present list of local tasks.
     void CacheSubmitTasks();
 
-    /// What is only scheduled for deletion when the window goes: the dialog controllers and the forms.
-    QVector<QPointer<QObject>> Remains() const;
+    /// The objects that are not deleted with the window but left to the event loop: dialog controllers and forms.
+    QVector<QPointer<QObject>> DeferredDeletions() const;
 
 signals:
     void JobIdType(QVariantMap mapJobIdType);
@@ -116,16 +119,19 @@ public slots:
 private:
     void DropConcerns();
     void ConnectConcerns();
-    void AnnounceNewSize();
+
+    /// Hands a call to one of the concerns; does nothing while there are none.
+    template <class Concern, class Operation, class... Arguments>
+    void Forward(Concern VTConcerns::*pConcern, Operation operation, Arguments&&... arguments) const;
 
     VTServices m_services;
-    /// The services that the parts were built for.
+    /// The services for which the concerns were built.
     VTServices m_builtFor;
     VTCodeTables m_codeTables;
     VTTimers m_timers;
-    QStringList m_lstSubmitTask;
+    QStringList m_lstSubmitTask; // contract: kept, read by nobody
     QMetaObject::Connection m_formDestroyed;
-    /// Of parts that were built for other services before.
-    QVector<QPointer<QObject>> m_lstOldRemains;
+    /// Left to the event loop by concerns that were built for other services before.
+    QVector<QPointer<QObject>> m_lstDeferred;
     std::unique_ptr<VTConcerns> m_pConcerns;
 };

@@ -5,9 +5,9 @@
 
 #include <optional>
 
-/// Reports that wait for the user's answer, one a task, taken in the order of the task ids.
+/// Reports that wait for the user's answer, one a task, in the order of the task ids.
 ///
-/// Only one question is out at a time: Take gives nothing until the last one taken is answered.
+/// Only one question is open at a time: `Take` gives nothing until `Answered` is called for the previous report.
 class VTQuestionQueue
 {
 public:
@@ -21,7 +21,7 @@ public:
     void Add(const QString& strTaskId, const QStringList& lstFile) { m_mapFiles.insert(strTaskId, lstFile); }
     bool IsEmpty() const { return m_mapFiles.isEmpty(); }
 
-    /// The next report, to be asked about until Answered is called.
+    /// Removes and returns the next report.
     std::optional<Report> Take()
     {
         if (m_bAsking || m_mapFiles.isEmpty())

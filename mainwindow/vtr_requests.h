@@ -8,26 +8,24 @@ class VTCommunicationInterface;
 struct VTSession;
 struct VTServices;
 
-/// Sends requests to the communication service in the session's name. Without the service nothing is sent.
+/// Makes requests in the session's name and sends them to the communication service. Without the service nothing is
+/// sent.
 class VTRequests
 {
 public:
     using Operation = int (VTCommunicationInterface::*)(const QVariant&, const QVariantHash&);
 
-    /// @param siblings, session must outlive this object.
+    /// Both must outlive this object.
     VTRequests(const VTServices& services, const VTSession& session)
         : m_services(services)
         , m_session(session)
     {
     }
 
-    /// A request with the session's "username" and "token".
+    /// @return a request with the session's "username" and "token" and nothing else.
     QVariantHash New() const;
 
     void Send(Operation operation, const QVariantHash& mapRequest) const;
-
-    /// A request that carries nothing but the session.
-    void Send(Operation operation) const { Send(operation, New()); }
 
 private:
     const VTServices& m_services;

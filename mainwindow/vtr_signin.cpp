@@ -2,15 +2,16 @@
 
 #include "common/vtr_plaintext.h"
 #include "common/vtr_services.h"
-#include "common/vtr_tablecells.h"
+#include "common/vtr_tablerows.h"
 #include "dialogs/vtr_search.h"
 #include "dialogs/vtr_setparent.h"
 #include "mainwindow/vtr_accountpanel.h"
+#include "mainwindow/vtr_accountsettings.h"
 #include "mainwindow/vtr_joblist.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_pagebar.h"
+#include "mainwindow/vtr_requests.h"
 #include "mainwindow/vtr_session.h"
-#include "mainwindow/vtr_tables.h"
 #include "mainwindow/vtr_timers.h"
 #include "mainwindow/vtr_tray.h"
 
@@ -23,18 +24,19 @@ void VTSignIn::HandleSignInAnswer(int nRet, const QVariantMap& mapAnswer)
 {
     if (nRet != VTProtocol::Success)
         return;
+    VTSession& session = m_deps.session;
     m_deps.form.RaiseOverlays();
-    m_deps.account.TakeNames(mapAnswer);
-    emit UserKnown();
-    m_deps.account.TakeToken(mapAnswer);
-    m_deps.account.RequestUserInfo();
-    m_deps.timers.pUserInfo->start(VTTimers::UserInfoInterval);
-    emit UserInfoTimerStarted();
+    session.strLoginName = mapAnswer.value(VTProtocol::LoginName).toString();
+    session.strUserName = mapAnswer.value(VTProtocol::UserName).toString();
+    m_deps.accountPanel.ShowUser(session.strLoginName);
+    m_deps.settings.Load();
+    session.strToken = VTProtocol::Payload(mapAnswer).value(VTProtocol::Token).toString();
+    m_deps.accountPanel.StartPolling();
     m_deps.jobList.RequestPage(1);
     VTTimers::StartOnce(m_deps.timers.pJobList);
     AnnounceSession();
-    m_deps.session.bSignedIn = true;
-    m_deps.requests.Send(&VTCommunicationInterface::GetProjectList);
+    session.bSignedIn = true;
+    m_deps.requests.Send(&VTCommunicationInterface::GetProjectList, m_deps.requests.New());
     if (m_deps.services.pConfiguration)
         VTSetPlainText(m_deps.form.lblVersionV, m_deps.services.pConfiguration->GetVersion());
 }
@@ -54,10 +56,10 @@ void VTSignIn::AnnounceSession()
 
 void VTSignIn::RequestSignOut() const
 {
-    // An answer that is here before the call returns clears the table, and the host may delete the window on it.
-    const QStringList lstTaskId = VTTables::AllIds(m_deps.form.twtLocalTask);
+    // The answer may arrive before the call returns: it clears the table, and the host may then delete the window.
+    const QStringList lstTaskId = VTTableRows::AllIds(m_deps.form.twtLocalTask);
     const QPointer<VTRenderCoreInterface> pRenderCore = m_deps.services.pRenderCore;
-    m_deps.requests.Send(&VTCommunicationInterface::SignOut);
+    m_deps.requests.Send(&VTCommunicationInterface::SignOut, m_deps.requests.New());
     if (pRenderCore)
         pRenderCore->RemoveSubmitTasks(lstTaskId, false);
 }
@@ -65,9 +67,9 @@ void VTSignIn::RequestSignOut() const
 void VTSignIn::HandleSignOutAnswer()
 {
     m_deps.timers.pJobList->stop();
-    m_deps.timers.pUserInfo->stop();
+    m_deps.accountPanel.StopPolling();
     m_deps.session.bSignedIn = false;
-    m_deps.setParent.CancelFill();
+    m_deps.setParent.EndSession();
     m_deps.form.pForm->close();
     m_deps.search.Close();
     m_deps.jobList.ForgetHandedOver();
@@ -78,7 +80,7 @@ void VTSignIn::HandleSignOutAnswer()
 void VTSignIn::ClearLists()
 {
     for (QTableWidget* pTable : {m_deps.form.twtDownload, m_deps.form.twtLocalTask, m_deps.form.twtMyRender})
-        VTTableCells::Clear(pTable);
+        VTTableRows::Clear(pTable);
     m_deps.pageBar.Show(VTList::Downloads, 0);
     m_deps.pageBar.Show(VTList::LocalTasks, 0);
 }

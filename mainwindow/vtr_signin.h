@@ -4,6 +4,7 @@
 #include <QVariantMap>
 
 class VTAccountPanel;
+class VTAccountSettings;
 class VTJobList;
 class VTPageBar;
 class VTRequests;
@@ -11,8 +12,8 @@ class VTSearch;
 class VTSetParent;
 class VTTray;
 struct VTMainForm;
-struct VTSession;
 struct VTServices;
+struct VTSession;
 struct VTTimers;
 
 /// The beginning and the end of a session.
@@ -28,7 +29,8 @@ public:
         const VTTimers& timers;
         const VTRequests& requests;
         VTSession& session;
-        VTAccountPanel& account;
+        VTAccountSettings& settings;
+        const VTAccountPanel& accountPanel;
         VTPageBar& pageBar;
         VTJobList& jobList;
         VTTray& tray;
@@ -36,20 +38,19 @@ public:
         VTSetParent& setParent;
     };
 
-    /// What the needs refer to must outlive this object.
+    /// Everything in `dependencies` must outlive this object.
     explicit VTSignIn(const Dependencies& dependencies);
 
+    /// Begins the session of a successful answer; ignores any other.
     void HandleSignInAnswer(int nRet, const QVariantMap& mapAnswer);
+
+    /// Asks the farm to end the session, and hands all local tasks back to the render core.
     void RequestSignOut() const;
 
-    /// Ends the session, whatever the farm says of it.
+    /// Ends the session, whether or not the farm reports success.
     void HandleSignOutAnswer();
 
 signals:
-    /// The user's names are known; the per-account settings can be read.
-    void UserKnown();
-    /// The user-info timer has been started for this session.
-    void UserInfoTimerStarted();
     void SignedIn(QString strServer, QString strLoginName, QString strToken, QString strUserName);
 
 private:

@@ -1,17 +1,20 @@
 #include "mainwindow/vtr_submitlist.h"
 
+#include "common/vtr_codetables.h"
+#include "common/vtr_columns.h"
 #include "common/vtr_plaintext.h"
 #include "common/vtr_prompts.h"
 #include "common/vtr_services.h"
 #include "common/vtr_skin.h"
 #include "common/vtr_tablecells.h"
+#include "common/vtr_tablerows.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_pagebar.h"
-#include "mainwindow/vtr_tables.h"
 #include "mainwindow/vtr_timers.h"
 
 #include <QFileInfo>
 #include <QHash>
+#include <QPointer>
 
 namespace {
 
@@ -20,14 +23,14 @@ constexpr int StageCopySame = 4;
 constexpr int StageUpload = 5;
 constexpr int ErrorAwaitsUser = 9;
 
-/// Sets a text only when it differs: even an empty one counts as a change to an item that had none.
+/// Sets a text only when it differs: for an item that had none, even an empty text counts as a change.
 void SetText(QTableWidgetItem* pItem, int nRole, const QString& strText)
 {
     if (pItem->data(nRole).toString() != strText)
         pItem->setData(nRole, strText);
 }
 
-/// An icon never equals another, so setting one always repaints: touch it only when it changes.
+/// Clears an icon only when there is one: icons are never equal to each other, so setting one always repaints.
 void ClearIcon(QTableWidgetItem* pItem)
 {
     if (!pItem->icon().isNull())
@@ -49,7 +52,7 @@ QStringList VTSubmitList::Headers()
 
 void VTSubmitList::BuildPage(int nPage)
 {
-    VTTableCells::Clear(m_pTable);
+    VTTableRows::Clear(m_pTable);
     if (!m_deps.services.pRenderCore || nPage < 1)
         return;
     m_nFirstPlace = (nPage - 1) * VTPageSize;
@@ -90,7 +93,7 @@ void VTSubmitList::WriteRow(int nRow, const QString& strTaskId)
         m_pTable->item(nRow, nColumn)->setTextAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
 }
 
-void VTSubmitList::ListChanged()
+void VTSubmitList::HandleListChange()
 {
     if (!m_deps.services.pRenderCore)
         return;
@@ -110,15 +113,15 @@ QVector<int> VTSubmitList::PlacesOfRows(const QStringList& lstId) const
     QVector<int> lstPlace(m_pTable->rowCount(), -1);
     QHash<QString, int> mapMoved;
     for (int nRow = 0; nRow < lstPlace.size(); ++nRow) {
-        const QString strTaskId = VTTables::IdAt(m_pTable, nRow);
+        const QString strTaskId = VTTableRows::Id(m_pTable, nRow);
         const int nExpected = m_nFirstPlace + nRow;
         if (nExpected < lstId.size() && lstId.at(nExpected) == strTaskId)
             lstPlace[nRow] = nExpected;
         else
             mapMoved.insert(strTaskId, nRow);
     }
-    // One walk for all that are not where they were, and outwards, because most have moved by a few places only: a page
-    // costs the same however long the list.
+    // Tasks that are not at their expected place are searched for in one walk outwards: most have moved by a few places
+    // only, so a page costs the same however long the list is.
     const int nFarthest = qMax(m_nFirstPlace, lstId.size() - m_nFirstPlace);
     for (int nDistance = 0; nDistance <= nFarthest && !mapMoved.isEmpty(); ++nDistance) {
         for (const int nPlace : {m_nFirstPlace - nDistance, m_nFirstPlace + nDistance}) {
@@ -142,7 +145,7 @@ void VTSubmitList::Refresh()
         }
         if (nRow == 0)
             m_nFirstPlace = nPlace;
-        RefreshRow(nRow, VTTables::IdAt(m_pTable, nRow));
+        RefreshRow(nRow, VTTableRows::Id(m_pTable, nRow));
         ++nRow;
     }
 }
@@ -169,7 +172,7 @@ void VTSubmitList::RefreshRow(int nRow, const QString& strTaskId)
         qMax(0, renderCore.GetTaskProgress(strTaskId)), m_deps.codeTables);
     const QString strMessage = tr(qUtf8Printable(renderCore.GetTaskMessage(strTaskId)));
 
-    // The arguments are known once the scene is analysed; they are read once a row, so that edits stay.
+    // The arguments are known once the scene is analysed. They are read only once a row, so that edits stay.
     if (nStage >= StageChecksum && !pStartTime->data(Qt::UserRole).toBool()) {
         VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::SceneFile)
             ->setData(Qt::UserRole, renderCore.GetTaskArguments(strTaskId));
@@ -217,15 +220,15 @@ void VTSubmitList::ContinueCurrent() const
 {
     const int nRow = m_pTable->currentRow();
     if (nRow >= 0 && m_deps.services.pRenderCore)
-        m_deps.services.pRenderCore->ContinueSubmit(VTTables::IdAt(m_pTable, nRow));
+        m_deps.services.pRenderCore->ContinueSubmit(VTTableRows::Id(m_pTable, nRow));
 }
 
-void VTSubmitList::DoubleClicked(int nRow, int nColumn)
+void VTSubmitList::HandleDoubleClick(int nRow, int nColumn)
 {
     const QTableWidgetItem* pWarn = m_pTable->item(nRow, VTTaskColumn::Warn);
     if (nColumn != VTTaskColumn::Warn || !pWarn || !m_deps.services.pRenderCore)
         return;
-    const QString strTaskId = VTTables::IdAt(m_pTable, nRow);
+    const QString strTaskId = VTTableRows::Id(m_pTable, nRow);
     const int nError = m_deps.services.pRenderCore->GetTaskErrorCode(strTaskId);
     const QString strText = pWarn->whatsThis();
     if (nError == 0)

@@ -14,19 +14,7 @@ struct VTMainForm;
 struct VTServices;
 struct VTTimers;
 
-/// Columns of the local tasks' table and what their items keep as data.
-namespace VTTaskColumn {
-enum {
-    Name,      ///< task id
-    StartTime, ///< whether the arguments were fetched (bool)
-    Status,    ///< stage code
-    Progress,
-    SceneFile, ///< the task's argument list
-    Warn       ///< resource path of the icon shown
-};
-}
-
-/// The local submission tasks, a page at a time, refreshed in place.
+/// The list of local submission tasks, a page at a time, refreshed in place.
 class VTSubmitList : public QObject
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
@@ -42,7 +30,7 @@ public:
         VTPageBar& pageBar;
     };
 
-    /// What the needs refer to must outlive this object.
+    /// Everything in `dependencies` must outlive this object.
     explicit VTSubmitList(const Dependencies& dependencies);
 
     static QStringList Headers();
@@ -50,20 +38,21 @@ public:
     void BuildPage(int nPage);
     void BuildCurrentPage();
 
-    /// The render core's list has changed: brings the tab to the front.
-    void ListChanged();
+    /// Adapts page state, page bar and table after tasks have come or gone, and brings the tab to the front.
+    void HandleListChange();
 
-    /// Brings the rows on the screen up to date and drops those whose task is gone.
+    /// Updates the rows on the screen and removes those whose task has gone.
     void Refresh();
 
-    /// Deletes tasks in the user's name and shows what is left.
+    /// Deletes tasks in the user's name and shows the remaining ones.
     void Delete(const QStringList& lstTaskId);
 
-    /// Goes on with the task of the current row.
+    /// Tells the render core to go on with the task of the current row.
     void ContinueCurrent() const;
 
-    /// Explains a task's failure, or asks whether to go on with one that waits for it.
-    void DoubleClicked(int nRow, int nColumn);
+    /// Handles a double click on a warning: explains a failure, or asks whether to go on with a task that waits for the
+    /// user.
+    void HandleDoubleClick(int nRow, int nColumn);
 
 private:
     void WriteRow(int nRow, const QString& strTaskId);
@@ -71,10 +60,10 @@ private:
     void RefreshWarning(QTableWidgetItem* pWarn, const QString& strMessage, int nStage, int nError) const;
     QString StageText(int nStage) const;
 
-    /// For each row the place of its task in the list, -1 for one that is gone.
+    /// @return for each row the index of its task in the list, -1 for one that has gone.
     QVector<int> PlacesOfRows(const QStringList& lstId) const;
 
     Dependencies m_deps;
     QTableWidget* m_pTable;
-    int m_nFirstPlace = 0; ///< where the first row's task was found last
+    int m_nFirstPlace = 0; ///< index in the list at which the first row's task was found last
 };

@@ -1,6 +1,7 @@
 #include "mainwindow/vtr_tables.h"
 
-#include "common/vtr_jobrow.h"
+#include "common/vtr_columns.h"
+#include "common/vtr_tablerows.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_pagestate.h"
 
@@ -10,8 +11,8 @@
 
 namespace {
 
-/// A press anywhere in a row toggles its check box. Were the box to react to the click as well, the two would cancel
-/// each other out; so it leaves the mouse to the press and answers to the keyboard only.
+/// Lets a check box react to the keyboard only. A press anywhere in a row toggles its box already; if the box reacted to
+/// the mouse as well, the two would cancel each other out.
 class RowDelegate : public QStyledItemDelegate
 {
 public:
@@ -38,35 +39,15 @@ VTTables::VTTables(const VTMainForm& form)
 
 QStringList VTTables::CheckedIds(int nTab) const
 {
-    QStringList lstId;
     const QTableWidget* pTable = m_form.Table(nTab);
-    for (int nRow = 0; pTable && nRow < pTable->rowCount(); ++nRow) {
-        const QTableWidgetItem* pItem = pTable->item(nRow, 0);
-        if (pItem && pItem->checkState() == Qt::Checked)
-            lstId.append(pItem->data(Qt::UserRole).toString());
-    }
-    return lstId;
-}
-
-QString VTTables::IdAt(const QTableWidget* pTable, int nRow)
-{
-    const QTableWidgetItem* pItem = pTable->item(nRow, 0);
-    return pItem ? pItem->data(Qt::UserRole).toString() : QString();
-}
-
-QStringList VTTables::AllIds(const QTableWidget* pTable)
-{
-    QStringList lstId;
-    for (int nRow = 0; nRow < pTable->rowCount(); ++nRow)
-        lstId.append(IdAt(pTable, nRow));
-    return lstId;
+    return pTable ? VTTableRows::CheckedIds(pTable) : QStringList();
 }
 
 void VTTables::Press(int nRow)
 {
     m_nPressedRow = nRow;
     const QTableWidget* pTable = m_form.CurrentTable();
-    QTableWidgetItem* pItem = pTable ? pTable->item(nRow, 0) : nullptr;
+    QTableWidgetItem* pItem = pTable ? pTable->item(nRow, VTIdColumn) : nullptr;
     if (!pItem)
         return;
     const bool bRightButton = QGuiApplication::mouseButtons().testFlag(Qt::RightButton);
@@ -74,18 +55,10 @@ void VTTables::Press(int nRow)
     pItem->setCheckState(bUncheck ? Qt::Unchecked : Qt::Checked);
 }
 
-void VTTables::SetCheckStates(const QTableWidget* pTable, Qt::CheckState state)
-{
-    for (int nRow = 0; nRow < pTable->rowCount(); ++nRow) {
-        if (QTableWidgetItem* pItem = pTable->item(nRow, 0))
-            pItem->setCheckState(state);
-    }
-}
-
 void VTTables::CheckAll(int nState) const
 {
     if (const QTableWidget* pTable = m_form.CurrentTable())
-        SetCheckStates(pTable, Qt::CheckState(nState));
+        VTTableRows::SetCheckStates(pTable, Qt::CheckState(nState));
 }
 
 void VTTables::UncheckAll() const
@@ -96,8 +69,8 @@ void VTTables::UncheckAll() const
 void VTTables::SetUpColumns() const
 {
     for (int nTab = 0; nTab < VTList::Count; ++nTab) {
-        m_form.Table(nTab)->setColumnCount(VTJobColumn::Count);
-        m_form.Table(nTab)->setSortingEnabled(false); // rows stand where the lists put them
+        m_form.Table(nTab)->setColumnCount(VTColumnCount);
+        m_form.Table(nTab)->setSortingEnabled(false); // the lists decide the order
     }
 }
 

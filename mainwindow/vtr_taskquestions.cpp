@@ -4,16 +4,14 @@
 #include "mainwindow/vtr_timers.h"
 
 #include <QFileInfo>
+#include <QPointer>
 
-#include <utility>
-
-VTTaskQuestions::VTTaskQuestions(const VTServices& services, const VTPrompts& prompts, QTimer* pTimer,
-    MakeQuestion makeQuestion, AnswerOperation answer)
-    : m_services(services)
+VTTaskQuestions::VTTaskQuestions(
+    Subject subject, const VTServices& services, const VTPrompts& prompts, QTimer* pTimer)
+    : m_subject(subject)
+    , m_services(services)
     , m_prompts(prompts)
     , m_pTimer(pTimer)
-    , m_makeQuestion(std::move(makeQuestion))
-    , m_answer(answer)
 {
 }
 
@@ -32,15 +30,33 @@ void VTTaskQuestions::Tick()
     const auto report = m_queue.Take();
     if (!report)
         return;
-    const QString strName = QFileInfo(report->strTaskId).completeBaseName();
-    const VTQuestion question = m_makeQuestion(strName, report->lstFile.join(QLatin1Char('\n')));
-
     const QPointer<VTTaskQuestions> pThis(this);
-    const VTAnswer answer = m_prompts.Ask(question);
+    const VTAnswer answer = m_prompts.Ask(Question(*report));
     if (!pThis)
         return;
-    if (answer != VTAnswer::None && m_services.pRenderCore)
-        (m_services.pRenderCore->*m_answer)(report->strTaskId, answer == VTAnswer::Agreed);
+    if (answer != VTAnswer::None)
+        Answer(report->strTaskId, answer == VTAnswer::Agreed);
     if (pThis)
         m_queue.Answered();
+}
+
+VTQuestion VTTaskQuestions::Question(const VTQuestionQueue::Report& report) const
+{
+    const QString strTask = QFileInfo(report.strTaskId).completeBaseName();
+    const QString strFiles = report.lstFile.join(QLatin1Char('\n'));
+    if (m_subject == Subject::FailedUploads)
+        return {
+            strTask, tr("Retry uploading?Failed to upload files:"), strFiles, tr("Cancel"), tr("Ok"), true};
+    return {strTask, QString(), tr("Continue next step?\nBelow files are missing:\n%1").arg(strFiles),
+        tr("Cancel"), tr("Ok"), false};
+}
+
+void VTTaskQuestions::Answer(const QString& strTaskId, bool bAgreed) const
+{
+    if (!m_services.pRenderCore)
+        return;
+    if (m_subject == Subject::FailedUploads)
+        m_services.pRenderCore->UploadRetryAnswer(strTaskId, bAgreed);
+    else
+        m_services.pRenderCore->LackTextureAnswer(strTaskId, bAgreed);
 }

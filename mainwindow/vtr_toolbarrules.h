@@ -1,6 +1,6 @@
 #pragma once
 
-/// Which action buttons a tab of the main form has.
+/// The action buttons that a tab of the main form has.
 struct VTToolbarRules
 {
     enum class DeletePlace { Unmoved, BesideRestart, BesidePause };
@@ -11,7 +11,7 @@ struct VTToolbarRules
     bool bRecover = false;
     bool bPause = false;
     bool bDelete = false;
-    /// The button that btnDelete stands right of.
+    /// Button on the right of which `btnDelete` stands.
     DeletePlace deletePlace = DeletePlace::Unmoved;
 
     static VTToolbarRules ForTab(int nTab);

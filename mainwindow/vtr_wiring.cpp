@@ -12,7 +12,7 @@
 
 #include <QApplication>
 
-// The signatures are part of the contract with the siblings, so they stand here as they are declared there.
+// The signatures are part of the contract with the services, so they are written here as the services declare them.
 // clang-format off
 namespace {
 
@@ -133,7 +133,7 @@ void VTWireWindow(
     WireListsAndTimers(pWindow, concerns, services, timers);
     WireMenus(pWindow, concerns);
 
-    // The render core sees the form's events, dropped scenes among them, after the window itself.
+    // The render core takes dropped scenes from the form's events. The filter installed last sees the events first.
     if (services.pRenderCore)
         concerns.form.pForm->installEventFilter(services.pRenderCore);
     concerns.form.pForm->installEventFilter(pWindow);

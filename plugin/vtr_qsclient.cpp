@@ -21,7 +21,7 @@ constexpr int BadRequest = -4;
 
 VTQsClient* g_pInstance = nullptr;
 
-/// A sibling to look up: its interface name is the registry key, the line marks it in the diagnostics.
+/// A service to look up by its interface name. The line marks it in the diagnostics.
 struct ServiceEntry
 {
     const char* szInterface;
@@ -43,7 +43,7 @@ QString Interface(const ServiceEntry& entry)
     return QLatin1String(entry.szInterface);
 }
 
-/// Says on Qt's own message handler that a sibling is missing or failed. @return false, for the caller to pass on.
+/// Logs through Qt's own message handler that a service is missing or failed. @return false, for the caller to return.
 bool ReportInvalid(const ServiceEntry& entry)
 {
     const QMessageLogger log("vtr_qsclient", entry.nLine, "AttachPlugins");
@@ -72,7 +72,7 @@ bool Start(VTBaseInterface* pService, const QVariantMap& mapParameters, int& nSt
     return true;
 }
 
-/// Finds, initialises and starts one sibling and keeps its status.
+/// Finds, initialises and starts one service and keeps its status.
 template <typename Service>
 bool Attach(const VTServices& services, const ServiceEntry& entry, QPointer<Service>& pService, int& nStatus)
 {
@@ -125,9 +125,9 @@ VTQsClient::~VTQsClient()
 {
     Uninitialize();
     DeleteWindow();
-    // Nothing of the plugin may be left to the event loop: its code can be gone by then.
-    for (const QPointer<QObject>& pRemnant : qAsConst(m_lstRemains))
-        delete pRemnant.data();
+    // Nothing of the plugin may be left to the event loop, which can run when the plugin's code is gone.
+    for (const QPointer<QObject>& pObject : qAsConst(m_lstDeferred))
+        delete pObject.data();
     if (g_pInstance == this)
         g_pInstance = nullptr;
 }
@@ -148,8 +148,8 @@ void VTQsClient::DeleteWindow()
 {
     if (!m_pWindow)
         return;
-    m_lstRemains = m_pWindow->Remains() + m_lstRemains;
-    m_lstRemains.removeAll(QPointer<QObject>());
+    m_lstDeferred = m_pWindow->DeferredDeletions() + m_lstDeferred;
+    m_lstDeferred.removeAll(QPointer<QObject>());
     m_pWindow.reset();
 }
 
@@ -234,7 +234,7 @@ int VTQsClient::Uninitialize()
         }
         if (VTLoggerInterface* pLogger = services.Logger())
             pLogger->Uninitialize();
-        // What is released is used no more; a later Initialize attaches anew.
+        // Released services are not used any more; a later Initialize attaches anew.
         services = VTServices();
     }
     Hide(QVariant(m_nWindowState));
@@ -296,4 +296,4 @@ int VTQsClient::Close(const QVariant& varRequest)
     return Success;
 }
 
-void VTQsClient::ShowWindow(QString /*strAppKey*/) { }
+void VTQsClient::ShowWindow(QString /*strAppKey*/) { } // contract: the window's own slot is the one that acts

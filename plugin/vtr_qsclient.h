@@ -23,7 +23,7 @@ public:
     /// The service object created last, null when there is none.
     static VTQsClient* Instance();
 
-    /// Attaches the sibling services found through the context under "plugin_context" and builds the window.
+    /// Attaches the services found through the context under "plugin_context" and builds the window.
     int Initialize(const QVariantMap& mapParameters) override;
     int Uninitialize() override;
 
@@ -38,7 +38,7 @@ public:
     int Close(const QVariant& varRequest) override;
 
 public slots:
-    /// Connected to the loader; the window's own slot of this name is the one that acts.
+    /// Connected to the UI loader.
     void ShowWindow(QString strAppKey);
 
 private:
@@ -46,7 +46,7 @@ private:
 
     /// 0 when a request may be carried out, else the status to return.
     int CheckRequest(const QVariant& varRequest) const;
-    /// @param strKey narrows settings, logger and render core to the one with this service id; empty for all.
+    /// @param strKey contract: narrows settings, logger and render core to the one with this service id; always empty.
     int AttachPlugins(const QString& strKey);
     bool AttachServices(const QString& strKey);
     void AttachApplications();
@@ -56,6 +56,6 @@ private:
     std::unique_ptr<VTQsClientPrivate> m_pWindow;
     int m_nWindowState = NotShown;
     bool m_bInitialised = false;
-    /// What deleted windows have left for the event loop to delete.
-    QVector<QPointer<QObject>> m_lstRemains;
+    /// Objects of deleted windows that were left to the event loop.
+    QVector<QPointer<QObject>> m_lstDeferred;
 };

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QString>
+
+class QObject;
+class VTDownloadList;
+class VTGroup;
+class VTJobList;
+class VTPageBar;
+class VTSubmitList;
+class VTTables;
+class VTToolbar;
+struct VTMainForm;
+struct VTServices;
+struct VTTimers;
+
+/// The three tabs: which one is in front, and what its list, page bar, toolbar and timers show for it.
+class VTTabs
+{
+public:
+    struct Dependencies
+    {
+        const VTMainForm& form;
+        const VTServices& services;
+        const VTTimers& timers;
+        const VTTables& tables;
+        const VTToolbar& toolbar;
+        VTGroup& group;
+        VTPageBar& pageBar;
+        VTJobList& jobList;
+        VTSubmitList& submitList;
+        VTDownloadList& downloadList;
+    };
+
+    /// Everything in `dependencies` must outlive this object.
+    explicit VTTabs(const Dependencies& dependencies);
+
+    /// Sets page bar, toolbar and timers for the tab that has come to the front, and shows its current page.
+    void HandleChange(int nTab);
+
+    /// Moves the current tab's list as a button of the page bar says, and shows the page.
+    void HandlePageButton(const QObject* pButton);
+
+    /// Filters the farm's jobs by conditions from the group panel: brings their tab to the front and requests page 1.
+    void FilterJobs(const QString& strConditions);
+
+    /// Adapts page bar, columns and delete button of the current tab to the window's new size.
+    void Relayout();
+
+private:
+    void ShowCurrentPage(int nTab);
+    void SwitchTimers(int nTab) const;
+
+    Dependencies m_deps;
+};
