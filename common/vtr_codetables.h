@@ -3,7 +3,8 @@
 #include <QMap>
 #include <QString>
 
-/// The client's tables from code to text. The texts are the English ones, which are also the translation keys.
+/// The code tables: texts of job status, task stage and download state, and styles of progress bars. The texts are
+/// English and serve as translation keys.
 struct VTCodeTables
 {
     static constexpr int JobWaiting = 0;
@@ -11,7 +12,7 @@ struct VTCodeTables
     static constexpr int JobFinished = 4;
 
     QMap<int, QString> mapJobStatus;
-    /// Band (percent / 50) to the style sheet of a progress bar.
+    /// Style sheets of a progress bar by band (percent / 50).
     QMap<int, QString> mapProgressStyle;
     QMap<int, QString> mapTaskStage;
     QMap<int, QString> mapDownloadState;
@@ -19,7 +20,7 @@ struct VTCodeTables
     /// Fills all four tables.
     void Load();
 
-    /// Translated text of a job status, "Unknown" translated for a code that is not in the table.
+    /// Translated text of a job status; the translation of "Unknown" for a code that is not in the table.
     QString JobStatusText(int nStatus) const { return JobStatusText(mapJobStatus, nStatus); }
     static QString JobStatusText(const QMap<int, QString>& mapStatus, int nStatus);
 

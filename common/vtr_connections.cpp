@@ -18,7 +18,7 @@ void ConnectOnce(const VTConnection& connection)
     const bool bBoth = pSender && pReceiver;
     if (bBoth && QObject::connect(pSender, szSignal, pReceiver, szSlot, Qt::UniqueConnection))
         return;
-    // A unique connection that was there already is refused too, and is all right.
+    // connect() also fails for a unique connection that exists already, which is no error.
     if (bBoth && HasMethod(pSender, szSignal) && HasMethod(pReceiver, szSlot))
         return;
     qCritical("No connection from %s of %s to %s of %s", szSignal + 1,

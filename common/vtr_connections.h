@@ -13,5 +13,5 @@ struct VTConnection
     const char* szSlot;
 };
 
-/// Makes connections that exist once however often this runs. One that cannot be made is logged by its names.
+/// Makes connections, each once however often this is called. A connection that cannot be made is logged by its names.
 void VTConnect(std::initializer_list<VTConnection> lstConnection);

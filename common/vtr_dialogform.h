@@ -6,16 +6,16 @@
 
 class QDialog;
 
-/// The form of a dialog controller: what the dialogs share about flags, skins and finding widgets.
+/// The form of a dialog controller, with its window flags, skin and widgets.
 ///
-/// The form is not owned and may go away before its controller; Form() is null then.
+/// The form is not owned and may be deleted before its controller; `Form()` is null then.
 class VTDialogForm
 {
 public:
     VTDialogForm(QWidget* pForm, const QString& strKey);
 
     QWidget* Form() const { return m_pForm; }
-    /// The form as a dialog, null when it is another kind of widget or gone.
+    /// The form as a dialog; null when it is another kind of widget or deleted.
     QDialog* Dialog() const;
 
     /// Makes the form a frameless, fixed-size dialog window.
@@ -24,8 +24,8 @@ public:
     /// Restyles the form for a skin and gives it the skin's icon.
     void ApplySkin(const QString& strSkin) const;
 
-    /// Runs the form as a modal dialog until it closes; nothing when it is no dialog or open already. The caller itself
-    /// may be gone afterwards.
+    /// Runs the form as a modal dialog until it closes. Does nothing when the form is no dialog or is open already. The
+    /// caller itself may have been deleted when this returns.
     void Exec() const;
     void Close() const;
 

@@ -6,8 +6,8 @@
 
 /// Finds a widget of a form by object name.
 ///
-/// A form that lacks it is an error, logged with the form's key and the object's name; a hidden stand-in, a child of the
-/// form, then takes its place, so that the rest of the window works on.
+/// A missing widget is logged as an error with the form's key and the object's name. A hidden stand-in, a child of the
+/// form, takes its place, so that the rest of the window still works.
 /// @return never null when pForm is not null.
 template <typename Widget>
 Widget* VTFindWidget(QWidget* pForm, const QString& strFormKey, const QString& strName)

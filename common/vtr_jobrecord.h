@@ -11,13 +11,14 @@ struct VTJobRecord
     QString strType;       ///< "job_type": render type
     QString strName;       ///< "job_name"
     QString strSubmitTime; ///< "job_submit_time", as the farm formats it
-    QString strCost;       ///< "job_cost" and "job_cost_unit", joined with nothing between
+    QString strCost;       ///< "job_cost" directly followed by "job_cost_unit"
     int nProgress = 0;     ///< "job_progress": percent
     int nStatus = 0;       ///< "job_status": see VTCodeTables
 
     static VTJobRecord FromMap(const QVariantMap& mapJob);
 };
 
-/// A download order for the render core: where the files of one job go and who asked for them.
+/// An order to the render core to download the files of one job.
+/// @param bManual true when the user ordered it, false for an automatic download.
 QVariantMap VTDownloadOrder(
     const QString& strJobType, const QString& strSequence, const QString& strName, bool bManual);

@@ -4,9 +4,8 @@
 
 class QLabel;
 
-/// Text for a tool tip that shows exactly what was given: a text that Qt would take for markup comes back escaped,
-/// any other unchanged.
+/// Makes a text safe as a tool tip: a text that Qt would take for markup is escaped, any other is returned unchanged.
 QString VTPlainToolTip(const QString& strText);
 
-/// Sets a label's text as plain text, and as its tool tip when asked for.
+/// Sets a label's text as plain text; with bToolTip also as its tool tip.
 void VTSetPlainText(QLabel* pLabel, const QString& strText, bool bToolTip = false);

@@ -20,12 +20,12 @@ struct VTQuestion
 enum class VTAnswer {
     Refused,
     Agreed,
-    None ///< closed without a button, or nobody there to ask
+    None ///< closed without a button, or there is no message-box service
 };
 
-/// Notices and questions in the window's name, through the message-box service.
+/// Shows notices and questions of the window through the message-box service.
 ///
-/// Both run an event loop: when they return, the caller itself may be gone.
+/// Both run an event loop: when they return, the caller itself may have been deleted.
 class VTPrompts
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
@@ -41,7 +41,7 @@ public:
     void Notify(const QString& strText) const;
     VTAnswer Ask(const VTQuestion& question) const;
 
-    /// The question under the window's title that stands in the detail field: "Cancel" or "Ok".
+    /// Asks a question under the window's title, in the detail field, with the buttons "Cancel" and "Ok".
     VTAnswer AskToConfirm(const QString& strQuestion) const;
 
 private:

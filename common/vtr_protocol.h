@@ -11,7 +11,7 @@ namespace VTProtocol {
 /// The only result code that means success.
 inline constexpr int Success = 200;
 
-// In every request; the values come from the sign-in answer.
+// In every request. The values come from the sign-in answer.
 inline const QLatin1String UserName("username");
 inline const QLatin1String Token("token");
 
@@ -36,10 +36,10 @@ inline const QLatin1String OrderManual("manual");
 /// The two keys that every request carries.
 QVariantHash SessionRequest(const QString& strUserName, const QString& strToken);
 
-/// Adds the jobs under "id[0]", "id[1]", … without gaps.
+/// Adds job ids under "id[0]", "id[1]", … without gaps.
 void AddJobIds(QVariantHash& mapRequest, const QStringList& lstJobId);
 
-/// The payload of an answer; empty when there is none.
+/// @return the payload of an answer; empty when there is none.
 QVariantMap Payload(const QVariantMap& mapAnswer);
 
 } // namespace VTProtocol

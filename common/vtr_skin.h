@@ -16,11 +16,11 @@ QString ClosedPageIconFile(const QString& strSkin);
 QString OpenPageIconFile(const QString& strSkin);
 QIcon MainIcon(const QString& strSkin);
 
-/// Gives a widget the style sheet of a skin; a missing file counts as an empty sheet. The sheet is parsed only when it
-/// differs from the one the widget has.
+/// Gives a widget the style sheet of a skin; a missing file counts as an empty sheet. The sheet is set only when it
+/// differs from the widget's present one, since parsing is expensive.
 void ApplyStyleSheet(QWidget* pWidget, const QString& strSkin, const QString& strKey);
 
-/// What every form does on a skin change: background filling and its style sheet.
+/// Fills the form's background and gives it the skin's style sheet.
 void ApplyToForm(QWidget* pForm, const QString& strSkin, const QString& strKey);
 
 } // namespace VTSkin

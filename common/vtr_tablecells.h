@@ -16,7 +16,7 @@ namespace VTTableCells {
 /// item is ignored.
 void SetAttributes(QTableWidgetItem* pItem, const QVariant& varData, const QString& strTip, bool bCheckable);
 
-/// The item of a cell, made when there is none yet. The table owns it.
+/// @return the item of a cell, which is made when there is none yet. The table owns it.
 QTableWidgetItem* ItemAt(QTableWidget* pTable, int nRow, int nColumn);
 
 /// The data (`Qt::UserRole`) of a cell; invalid when there is no such cell.

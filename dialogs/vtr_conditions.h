@@ -12,12 +12,12 @@ struct VTTimeRange
     QString strMax;
 };
 
-/// What the search form holds; an empty text or a missing range does not filter.
+/// The fields of the search form. An empty text or a missing range does not filter.
 struct VTSearchFields
 {
     QString strSequence;
     QString strName;
-    QString strType;   ///< the job type's three parts joined by "@"
+    QString strType;   ///< the three parts of a `VTJobType` joined by "@"
     QString strStatus; ///< decimal status code
     QString strPool;   ///< the project's pool
     QString strBusinessType;
@@ -25,15 +25,15 @@ struct VTSearchFields
     std::optional<VTTimeRange> endTime;
 };
 
-/// The job list's conditions of one search; all values are texts.
+/// Makes the job list's conditions from the fields of a search. All values are texts.
 QVariantMap VTSearchConditions(const VTSearchFields& fields);
 
-/// Conditions as the job-list request carries them: a JSON object as text.
+/// Writes conditions in the form of the job-list request: a JSON object as text.
 QString VTConditionText(const QVariantMap& mapCondition);
 
 /// Condition text for the jobs of one status.
 QString VTStatusConditionText(int nStatus);
 
-/// Condition text for the jobs of a group. A group without jobs asks for a job that does not exist, since a condition
-/// without identities would not filter at all.
+/// Condition text for the jobs of a group. An empty group asks for a job that does not exist, since a condition without
+/// ids would not filter at all.
 QString VTGroupConditionText(const QStringList& lstGuid);

@@ -15,7 +15,7 @@ bool SyncOne(const QString& strPath)
     const int nHandle = ::open(QFile::encodeName(strPath).constData(), O_RDONLY | O_CLOEXEC);
     if (nHandle < 0)
         return false;
-    // Some file systems cannot sync a folder and need not.
+    // EINVAL: the file system cannot sync folders, and need not.
     const bool bSynced = ::fsync(nHandle) == 0 || errno == EINVAL;
     ::close(nHandle);
     return bSynced;
@@ -25,7 +25,7 @@ bool SyncOne(const QString& strPath)
 
 bool VTSyncToDisk(const QString& strPath)
 {
-    // The folder may be as new as the file, so its own name counts too.
+    // The folder may be new as well, so its own entry in the folder above is synced too.
     const QString strFolder = QFileInfo(strPath).absolutePath();
     return SyncOne(strPath) && SyncOne(strFolder) && SyncOne(QFileInfo(strFolder).absolutePath());
 }

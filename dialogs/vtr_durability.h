@@ -2,6 +2,6 @@
 
 #include <QString>
 
-/// Waits until a file and its place in the folders above it are on the disk, so that both survive a power cut.
-/// @return false when the disk reported an error or the file is not there.
+/// Waits until a file and its entries in the folders above it are on the disk, so that they survive a power cut.
+/// @return false when the disk reported an error or the file does not exist.
 bool VTSyncToDisk(const QString& strPath);

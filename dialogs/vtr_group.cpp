@@ -26,10 +26,10 @@ namespace {
 
 enum Page { StatusPage, GroupPage };
 
-/// The tool box offers its menu on a page that it does not have.
-constexpr int MenuPage = 2;
+/// Page on whose header the tool box offers its menu.
+constexpr int MenuPage = 2; // contract: the tool box has pages 0 and 1 only
 
-constexpr int StatusPageHeight = 290;
+constexpr int StatusPageHeight = 290; // pixels, as the two below
 constexpr int SpaceBelowPanel = 60;
 constexpr int SpaceInPanel = 10;
 
@@ -190,7 +190,7 @@ void VTGroup::Login(QString strServer, QString strUsername, QString strToken, QS
     if (!IsBound())
         return;
     UpdateGroup();
-    // Opening each page once gives it its icon and size; the first one stays open.
+    // Opening each page once gives it its icon and size. The first page stays open.
     for (int i = m_pToolBox->count(); i >= 0; --i)
         m_pToolBox->setCurrentIndex(i);
 }
@@ -263,7 +263,7 @@ void VTGroup::ClickedOk()
         m_inputForm.Close();
 }
 
-/// Adds a group on top of the list, unless there is one of that name. This object may be gone afterwards.
+/// Adds a group on top of the list, unless one of that name exists. This object may be deleted meanwhile.
 void VTGroup::AddNamedGroup(const QString& strName)
 {
     if (!IsBound() || !m_groups.IsOpen() || strName.isEmpty() || m_groups.Contains(strName))
@@ -288,7 +288,7 @@ void VTGroup::WindowSizeChanged()
         CurrentPage() == StatusPage ? StatusPageHeight : qMax(0, m_pWgtGroup->height() - SpaceInPanel));
 }
 
-/// The name as the label shows it.
+/// Name of the current project, which the label shows.
 QString VTGroup::CurrentProject() const
 {
     return m_pToolBox ? m_pLblProjectV->text() : QString();

@@ -33,24 +33,25 @@ public:
     /// @param services must live until Retire().
     void SetServices(const VTServices& services) { m_pServices = &services; }
 
-    /// Ends the use of the services, for good: their owner goes before this object does.
+    /// Ends the use of the services for good. The services' owner goes before this object does.
     void Retire() { m_pServices = nullptr; }
 
-    /// Builds the two pages and the menu; once, before any other call.
+    /// Builds the two pages and the menu. To be called once, before anything else.
     void InitWidgets();
 
-    /// Condition text of the current project.
+    /// Condition text of the current project, from the file as it is now.
     QString CurrentProjectCondition();
 
     /// Index of the open page.
     int CurrentPage() const;
 
 signals:
-    /// A filter was chosen: the condition text, empty for all jobs.
+    /// The user has chosen a filter. The condition text is empty for all jobs.
     void condition(QString strCondition);
 
 public slots:
-    /// Lists the groups of the file anew and falls back to the first one when the current project has gone.
+    /// Lists the groups of the file anew. If the current project is no longer among them, the first group becomes
+    /// current.
     void UpdateGroup();
     void ChangeLanguage();
     void AddGroup();
@@ -79,7 +80,7 @@ private:
 
     QPointer<QWidget> m_pMainForm;
     QPointer<QWidget> m_pWgtGroup;
-    QPointer<QToolBox> m_pToolBox; ///< while it lives, so does all that belongs to the main form
+    QPointer<QToolBox> m_pToolBox; ///< as long as it exists, so do all widgets of the main form
     VTDialogForm m_inputForm;
     QLabel* m_pLblProject = nullptr;
     QLabel* m_pLblProjectV = nullptr;

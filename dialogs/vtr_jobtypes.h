@@ -3,10 +3,9 @@
 #include <QList>
 #include <QStringList>
 
-/// A job type to choose from: its key in the configuration file, its first part and its second part, which is the
-/// text shown.
+/// A job type to choose from: its key in the configuration file, its first part, and its second part, which is shown.
 using VTJobType = QStringList;
 
-/// The job types of the client's configuration file: the keys of its group "vtr.rendering" hold lists of entries
-/// "first&second". Entries of another form are skipped; a file that cannot be read has no types.
+/// Reads the job types from the client's configuration file. The keys of its group "vtr.rendering" hold lists of
+/// entries "first&second"; entries of another form are skipped. A file that cannot be read has no types.
 QList<VTJobType> VTReadJobTypes(const QString& strPath);

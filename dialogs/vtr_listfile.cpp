@@ -16,8 +16,8 @@ const QLatin1String PercentCode("%25");
 const QLatin1String SlashCode("%2F");
 const QLatin1String BackslashCode("%5C");
 
-// QSettings drops slashes that separate nothing, and turns backslashes into slashes on some systems. A name that looks
-// like an escaped one is not left as it is either, else it would come back as something else.
+// QSettings drops leading, trailing and doubled slashes, and turns backslashes into slashes on some systems. A name
+// that contains an escape code itself is escaped too, so that it is read back unchanged.
 bool StaysWhole(const QString& strName)
 {
     return !strName.startsWith(Slash) && !strName.endsWith(Slash) && !strName.contains(QLatin1String("//"))
@@ -41,7 +41,7 @@ QString NameOf(const QString& strKey)
     strName.replace(SlashCode, QLatin1String("/"))
         .replace(BackslashCode, QLatin1String("\\"))
         .replace(PercentCode, QLatin1String("%"));
-    // What was not written here is a plain name.
+    // A key that this class would not have written is a plain name of another program.
     return KeyOf(strName) == strKey ? strName : strKey;
 }
 
@@ -91,7 +91,7 @@ bool VTListFile::Remove(const QString& strName) const
         return false;
     const QStringList lstKey = KeysOf(strName);
     for (const QString& strKey : lstKey) {
-        // QSettings removes "a/b" along with "a"; here they are two names.
+        // QSettings removes "a/b" along with "a", but here they are two names.
         QVariantMap mapKept;
         const QStringList lstAll = Keys();
         for (const QString& strOther : lstAll) {
@@ -105,7 +105,7 @@ bool VTListFile::Remove(const QString& strName) const
     return Save();
 }
 
-/// The keys of the group as they are in the file now.
+/// The keys of the group in the file as it is now.
 QStringList VTListFile::Keys() const
 {
     QStringList lstKey;
@@ -123,7 +123,7 @@ QStringList VTListFile::Keys() const
     return lstKey;
 }
 
-/// The keys that stand for a name, the one that other programs would use first.
+/// The keys of a name: first the plain name, which other programs use, then its escaped forms.
 QStringList VTListFile::KeysOf(const QString& strName) const
 {
     QStringList lstFound;
@@ -144,8 +144,8 @@ QString VTListFile::FullKey(const QString& strKey) const
 
 void VTListFile::Sync() const
 {
-    // Who is killed while taking the lock leaves it without a number in it, and QSettings would wait half a minute for
-    // such an owner. A lock that somebody holds is not removed.
+    // A process that is killed while it takes the lock leaves an empty lock file, for which QSettings would wait half a
+    // minute. A lock that a process holds is not removed.
     const QFileInfo lock(m_strPath + QLatin1String(".lock"));
     if (lock.exists() && lock.size() == 0)
         QLockFile(lock.filePath()).removeStaleLockFile();
@@ -155,7 +155,7 @@ void VTListFile::Sync() const
 bool VTListFile::Save() const
 {
     Sync();
-    // The status of an object keeps its first error; another object on the same file tells how it is now.
+    // A QSettings object keeps its first error for ever, so another object on the file tells the present state.
     return QSettings(m_strPath, QSettings::IniFormat).status() == QSettings::NoError
         && VTSyncToDisk(m_strPath);
 }

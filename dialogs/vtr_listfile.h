@@ -15,30 +15,30 @@ struct VTNamedList
 
 /// Named string lists in one group of an INI file, in the form that QSettings reads and writes.
 ///
-/// Other programs may write the file at any time: it is looked at anew in each call. Writing replaces the file as a
-/// whole, so that whoever is killed leaves the old file or the new one. A file that QSettings can only read in part is
-/// kept as a copy beside it ("….damaged"), since the next write would drop the rest. Without a path all reads are
-/// empty and all writes fail.
+/// Other programs may write the file at any time, so every call reads it anew. Each write replaces the whole file, so a
+/// process that is killed leaves either the old file or the new one. If QSettings can read only part of the file, a
+/// copy is kept beside it ("….damaged"), since the next write drops the rest. Without a path all reads are empty and
+/// all writes fail.
 class VTListFile
 {
 public:
     VTListFile() = default;
 
-    /// Creates the file, and its folder, unless it exists.
+    /// Creates the file and its folder, unless the file exists.
     VTListFile(const QString& strPath, const QString& strGroup);
 
     bool IsOpen() const { return m_pSettings != nullptr; }
     QString Path() const { return m_strPath; }
 
-    /// All entries in the file's order. A name is any text but the empty one, slashes at any place included.
+    /// All entries in the file's order. A name is any text that is not empty; it may contain slashes.
     QVector<VTNamedList> Entries() const;
     bool Contains(const QString& strName) const { return !KeysOf(strName).isEmpty(); }
     /// Empty when there is no entry of that name.
     QStringList Value(const QString& strName) const;
 
     /// Writes an entry.
-    /// @return whether it is on the disk. When not, the entry holds for as long as this object lives, and each later
-    /// call tries to write it again.
+    /// @return whether it is on the disk. If not, the entry is kept while this object lives, and each later call tries
+    /// to write it again.
     bool Set(const QString& strName, const QVariant& varValue) const;
     bool Remove(const QString& strName) const;
 

@@ -18,7 +18,7 @@ enum class VTFrameCheck {
 
 VTFrameCheck VTCheckFrames(const VTFrameRange& range);
 
-/// What all groups of a task share. The size is text, as typed; it may be empty.
+/// Arguments that all groups of a task share. The size is text, as typed; it may be empty.
 struct VTImageArguments
 {
     QString strWidth;
@@ -26,8 +26,8 @@ struct VTImageArguments
     bool bPrerender = false;
 };
 
-/// The render arguments of a local task are a list with one map a group; the group's index is part of the keys of its
-/// frames. A missing group or key reads as 0, false or empty.
+/// Reads and writes the render arguments of a local task: a list with one map a group. The keys of a group's frames
+/// contain its index. A missing group or key reads as 0, false or empty.
 namespace VTRenderArguments {
 
 QVariantMap MakeGroup(int nGroup, const VTFrameRange& range, const VTImageArguments& image);

@@ -24,7 +24,7 @@ QString ConfigurationFile()
         + QLatin1String(".ini"));
 }
 
-/// The data of the chosen item; none while the blank item is chosen.
+/// Data of the chosen item; invalid while the blank item is chosen.
 QVariant ChosenData(const QComboBox* pCombo)
 {
     return pCombo->currentText().trimmed().isEmpty() ? QVariant() : pCombo->currentData();

@@ -16,7 +16,8 @@ class QLineEdit;
 class QPushButton;
 class QStyledItemDelegate;
 
-/// Controller of the job search form: offers the filters and turns what was filled in into conditions of the job list.
+/// Controller of the job search form: offers the filters and turns the filled-in fields into conditions of the job
+/// list.
 class VTSearch : public QObject
 {
     Q_OBJECT
@@ -25,24 +26,24 @@ public:
     /// @param pForm not owned, never null.
     explicit VTSearch(QWidget* pForm);
 
-    /// Finds the form's widgets and connects them; once, before any other call.
+    /// Finds the form's widgets and connects them. To be called once, before anything else.
     void InitWidgets();
 
 signals:
-    /// One search. The map belongs to the sender; a receiver may change it during the call.
+    /// The user searches. The map belongs to the sender; a receiver may change it during the call.
     void search(QVariantMap& mapCondition);
 
 public slots:
     void ClickSearch();
     void ClickReset();
-    /// Empties the fields and refills the choices.
+    /// Empties the fields and fills the combo boxes again.
     void Update();
     void Show();
     void UpdateTimeEditStatus();
     void ChangeSkin(QString strSkin);
     void ChangeLanguage();
     void Close();
-    /// The projects show from the next Update() on.
+    /// Stores the projects of the answer. They appear with the next `Update()`.
     void TriggerProjectListResponse(int nRet, QVariantMap mapData);
 
 private:

@@ -21,7 +21,7 @@ namespace {
 
 constexpr int GroupCount = 15;
 constexpr int MaxFrame = 99999;
-constexpr int Gap = 20;
+constexpr int Gap = 20; // pixels
 
 constexpr char RowProperty[] = "row";
 
@@ -104,7 +104,7 @@ void VTSetArgument::TriggerSetArgument()
     const int nRow = m_pTaskTable->currentRow();
     QWidget* pForm = m_form.Form();
     pForm->setProperty(RowProperty, nRow);
-    // The title keeps the task's identity until the dialog is confirmed: by then the row may hold another task.
+    // The title keeps the task's id until the dialog is confirmed, because the row may hold another task by then.
     pForm->setWindowTitle(VTTableRows::Id(m_pTaskTable, nRow));
     ReadArguments(VTTableCells::Data(m_pTaskTable, nRow, VTTaskColumn::SceneFile).toList());
     const QTableWidgetItem* pName = m_pTaskTable->item(nRow, VTTaskColumn::Name);
@@ -145,7 +145,7 @@ void VTSetArgument::TriggerArgumentOk()
         m_form.Close();
 }
 
-/// Tells the user what is wrong with a range that is not accepted; this object may be gone then.
+/// Tells the user what is wrong with an invalid range; this object may be deleted meanwhile.
 bool VTSetArgument::Accepts(const VTFrameRange& range) const
 {
     const VTFrameCheck check = VTCheckFrames(range);

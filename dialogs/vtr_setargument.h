@@ -24,26 +24,26 @@ class VTSetArgument : public QObject
 
 public:
     /// @param pForm not owned, never null.
-    /// @param pTaskTable the local tasks; not owned.
+    /// @param pTaskTable table of the local tasks; not owned.
     VTSetArgument(QWidget* pForm, QTableWidget* pTaskTable);
 
     /// @param services must live until Retire().
     void SetServices(const VTServices& services) { m_pServices = &services; }
 
-    /// Ends the use of the services, for good: their owner goes before this object does.
+    /// Ends the use of the services for good. The services' owner goes before this object does.
     void Retire() { m_pServices = nullptr; }
 
-    /// Finds the form's widgets and connects them; once, before any other call.
+    /// Finds the form's widgets and connects them. To be called once, before anything else.
     void InitWidgets();
 
 signals:
-    /// A task's arguments were confirmed, one map a group.
+    /// The user has confirmed a task's arguments, one map a group.
     void setArgument(QString strId, QVariantList lstData);
 
 public slots:
     void ChangeSkin(QString strSkin);
     void ChangeLanguage();
-    /// Runs the dialog on the current task.
+    /// Runs the dialog for the current task.
     void TriggerSetArgument();
     void TriggerArgumentOk();
     /// Shows the rows of the first nGroup frame ranges and lays the rest of the form out below them.

@@ -17,9 +17,9 @@
 
 namespace {
 
-constexpr int PollInterval = 1000;
+constexpr int PollInterval = 1000; // ms
 
-/// A table lays out all its bars again for each one that comes; so rows come several at a time.
+/// Rows are added in batches, because a table lays out all its progress bars again at each addition.
 constexpr int BatchSize = 32;
 
 constexpr int FirstPage = 1;
@@ -27,7 +27,7 @@ constexpr int ListForParents = 1;
 
 constexpr char SonsProperty[] = "sonlist";
 
-/// The job's status, as the job-info answer nests it.
+/// Status of the job in a job-info answer.
 int ReportedStatus(const QVariantMap& mapAnswer)
 {
     const QVariantMap mapJob = VTProtocol::Payload(mapAnswer).value(QStringLiteral("jobDatas")).toMap();
@@ -103,12 +103,12 @@ void VTSetParent::SetJobParent()
     const QPointer<VTSetParent> pSelf(this);
     const int nSession = m_nSession;
     emit getJobList(FirstPage, QString(), ListForParents);
-    // An answer that came at once has run events already, and may have outlasted the session.
+    // An answer that came at once has processed events, so the session may have ended meanwhile.
     if (pSelf && nSession == m_nSession)
         m_form.Exec();
 }
 
-/// The checked jobs; none when one of them is in a state in which it cannot wait.
+/// Ids of the checked jobs; none when one of them is neither waiting nor running.
 QStringList VTSetParent::WaitingSons() const
 {
     QStringList lstSon;
@@ -134,12 +134,12 @@ void VTSetParent::TriggerSetParentOk()
         return;
     }
     const QString strParents = lstParent.join(QLatin1Char('&'));
-    // A job cannot wait for itself. Part of another's identity counts as well.
+    // A job cannot wait for itself. contract: an id that is contained in a parent's id or type counts as well.
     for (const QString& strSon : lstSon) {
         if (strParents.contains(strSon))
             return;
     }
-    // On the disk first: jobs that were stopped and forgotten would wait for ever.
+    // The file is written first: jobs that were stopped but not recorded would wait for ever.
     const bool bSaved = m_jobDependencies.Record(lstSon, lstParent);
     m_pPollTimer->start();
     const QPointer<VTSetParent> pSelf(this);
@@ -166,7 +166,7 @@ void VTSetParent::ShowParenList(QVariantList lstJobs)
             lstBatch.clear();
         }
         QCoreApplication::processEvents();
-        // Anything may have happened: sign-out, a newer list, the end of the dialog or of all this.
+        // Events may have ended the session, the dialog or this object, or brought a newer list.
         if (!pSelf || nFill != m_nFill || !m_form.Form() || (bShown && !m_form.Form()->isVisible()))
             return;
     }
@@ -241,7 +241,7 @@ void VTSetParent::GetSettings(QString strServer, QString strToken, QString strUs
 
 void VTSetParent::TriggerJobInfoResponse(int nRet, QVariantMap mapData)
 {
-    // The window asks for job information too; only this dialog's requests are marked.
+    // Only this dialog marks its requests with the identifier; answers to other requests are ignored.
     const QString strJobId = mapData.value(QStringLiteral("jobId")).toString();
     if (nRet != VTProtocol::Success || !mapData.value(VTProtocol::Identifier).toBool() || strJobId.isEmpty()
         || ReportedStatus(mapData) != VTCodeTables::JobFinished)

@@ -21,15 +21,15 @@ struct VTServices;
 
 /// Controller of the set-parent dialog: makes the jobs checked in the job table wait for others.
 ///
-/// Waiting jobs are stopped and written to the account's dependency file; their parents are asked about once a second,
-/// and when all have finished the jobs are recovered. The farm is reached through the signals.
+/// Waiting jobs are stopped and recorded in the account's dependency file. One son group a second has its parents asked
+/// about, and when all its parents have finished, its jobs are recovered. Requests to the farm leave as signals.
 class VTSetParent : public QObject
 {
     Q_OBJECT
 
 public:
     /// @param pForm not owned, never null.
-    /// @param pJobTable the account's jobs; not owned.
+    /// @param pJobTable table of the account's jobs; not owned.
     VTSetParent(QWidget* pForm, QTableWidget* pJobTable, QMap<int, QString> progressStyles,
         QMap<int, QString> statusTexts);
 
@@ -39,10 +39,11 @@ public:
     /// Ends the use of the services, the poll and a fill for good. The services' owner goes before this object does.
     void Retire();
 
-    /// Finds the form's widgets and connects them; once, before any other call.
+    /// Finds the form's widgets and connects them. To be called once, before anything else.
     void InitWidgets();
 
-    /// Ends the session: stops a fill of the candidate list after the row in hand, and whatever else waits for an answer.
+    /// Ends the session: stops a fill of the candidates after the present batch, and ignores answers that are still to
+    /// come.
     void EndSession();
 
 signals:
@@ -54,17 +55,18 @@ signals:
 public slots:
     void ChangeSkin(QString strSkin);
     void ChangeLanguage();
-    /// Runs the dialog for the jobs checked in the job table; does nothing unless all of them are waiting or running.
+    /// Runs the dialog for the jobs checked in the job table. Does nothing unless all of them are waiting or running.
     void SetJobParent();
     void TriggerSetParentOk();
-    /// Fills the candidate list. The dialog stays responsive meanwhile; a newer list takes over.
+    /// Fills the table of candidates. The dialog stays responsive meanwhile; a newer list replaces this one.
     void ShowParenList(QVariantList lstJobs);
     /// The checked candidates, each as "id&type".
     QStringList GetCheckedItem();
-    /// One step of the poll: asks about the parents of the next son group.
+    /// Does one step of the poll: asks about the parents of the next son group.
     void GetJobInfo();
-    /// Goes over to the dependencies of an account that has signed in.
-    /// @param strUsername names the file; strUserId goes into the requests.
+    /// Switches to the job dependencies of an account that has signed in.
+    /// @param strUsername login name, part of the file name.
+    /// @param strUserId user name, sent in the requests.
     void GetSettings(QString strServer, QString strToken, QString strUsername, QString strUserId);
     void TriggerJobInfoResponse(int nRet, QVariantMap mapData);
 

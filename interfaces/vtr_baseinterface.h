@@ -9,10 +9,11 @@
 // Host and plugin put the same type under the parameter "plugin_context".
 Q_DECLARE_METATYPE(ctkPluginContext*)
 
-/// Life cycle of every service of the host family, called on the GUI thread.
+/// Life cycle of every service of the host family. All operations are called on the GUI thread.
 ///
 /// All six return a status: 0 success, -1 failure, -3 not initialised, -4 the request's integer value is not 1.
-/// They are slots 0 to 5 of the table, hence no virtual destructor: a service is never deleted through this type.
+/// They are entries 0 to 5 of the virtual table, so there is no virtual destructor: no service is deleted through this
+/// type.
 class VTBaseInterface
 {
 public:

@@ -8,9 +8,9 @@
 
 /// All requests to the farm and their answers.
 ///
-/// A request takes the status that Show wrote at attachment and a map keyed by the protocol's field names ("username"
-/// and "token" in each); it returns 0 when it was taken. The answer comes later as a signal: only 200 is success, the
-/// payload stands under "data".
+/// A request takes the status that `Show` wrote at attachment, and a map keyed by the protocol's field names
+/// ("username" and "token" in each). It returns 0 when it was accepted. The answer comes as a signal, at once or later:
+/// `nRet` is 200 for success and anything else for failure; the payload is under "data".
 class VTCommunicationInterface : public QObject, public VTBaseInterface
 {
     Q_OBJECT

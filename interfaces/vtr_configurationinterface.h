@@ -14,12 +14,15 @@ class VTConfigurationInterface : public QObject, public VTBaseInterface
 public:
     using QObject::QObject;
 
+    /// @return the client's version as shown to the user.
     virtual QString GetVersion() = 0;
 
 public slots:
+    /// Opens the configuration dialog.
     virtual void ShowConf() = 0;
 
-    /// Says audibly that a download has finished.
+    /// Plays the sound for a finished download.
+    /// @param strFile path of the downloaded file.
     virtual void Finish(QString strFile) = 0;
 };
 

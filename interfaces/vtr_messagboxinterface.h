@@ -16,11 +16,11 @@ class VTMessagboxInterface : public QObject, public VTBaseInterface
 public:
     using QObject::QObject;
 
-    /// Asks and waits. All texts are plain text, never markup.
+    /// Shows a message and waits until it is closed. All texts are plain text, never markup.
     /// @param nKind 2 for notices, 4 for questions.
     /// @param mapButtons object name ("btnMessageBox_1", "btnMessageBox_2") to translated caption.
-    /// @param bFlag true where the detail text is a list or notice of its own, false where it is the question itself.
-    /// @return object name of the button pressed; empty when the box was closed otherwise.
+    /// @param bFlag true when the detail is a list or notice of its own, false when it is the question itself.
+    /// @return object name of the button that was pressed; empty when the box was closed without one.
     virtual QString ShowMessage(int nKind, const QString& strTitle, const QString& strText, const QIcon& icon,
         const QString& strDetail, const QVariantHash& mapButtons, bool bFlag)
         = 0;

@@ -10,8 +10,8 @@
 
 /// The engine of local submissions (analysis, upload) and of downloads.
 ///
-/// Everything the window sees of it happens on the GUI thread. Task ids are the engine's own strings; an unknown id
-/// reads as empty, 0 or an empty list.
+/// All calls and signals run on the GUI thread. Task ids are strings that the engine chooses; for an unknown id a
+/// getter returns an empty text, 0 or an empty list.
 class VTRenderCoreInterface : public QObject, public VTBaseInterface
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ class VTRenderCoreInterface : public QObject, public VTBaseInterface
 public:
     using QObject::QObject;
 
-    /// @param bByUser true when the user deletes tasks, false with every listed task at sign-out and quit.
+    /// @param bByUser true when the user deletes tasks; false at sign-out and quit, with all listed tasks.
     virtual void RemoveSubmitTasks(const QStringList& lstTaskId, bool bByUser) = 0;
     virtual void RemoveDownloadTasks(const QStringList& lstTaskId) = 0;
     virtual void StopDownloadTasks(const QStringList& lstTaskId) = 0;
@@ -29,7 +29,7 @@ public:
     virtual void ResumeSubmitTasks() = 0;
 
     /// The live download tasks by id, each a map of "destFile", "srcFile", "jobId", "status" (0 waiting,
-    /// 1 downloading, 2 finished, 3 failed, 4 stopped), "progress" (percent) and "msg". Valid as long as the engine.
+    /// 1 downloading, 2 finished, 3 failed, 4 stopped), "progress" (percent) and "msg". The engine owns the map.
     virtual QVariantMap* GetDownloadTasks() = 0;
 
     virtual QString GetTaskSceneFile(const QString& strTaskId) = 0;
@@ -39,39 +39,53 @@ public:
     /// 0 wait, 1 analyze, 2 compress, 3 checksum, 4 copysame, 5 upload, 6 uncompress, 7 submit.
     virtual int GetTaskStage(const QString& strTaskId) = 0;
 
-    /// Percent of the present stage, 0 to 100.
+    /// Progress of the present stage, 0 to 100 percent.
     virtual int GetTaskProgress(const QString& strTaskId) = 0;
+
+    /// Text about the running upload, for example its speed.
     virtual QString GetTaskUploadText(const QString& strTaskId) = 0;
 
-    /// 0 none, 9 waiting for the user's go-ahead, any other a failure.
+    /// 0 no error, 9 the task waits for the user's consent to go on, any other a failure.
     virtual int GetTaskErrorCode(const QString& strTaskId) = 0;
 
-    /// In display order.
+    /// Ids of all submissions, in display order.
     virtual QStringList GetSubmitTaskIds() = 0;
     virtual int GetSubmitTaskCount() = 0;
 
     /// One map per frame-range group: "startFrame_%1", "endFrame_%1", "width", "height", "prerender".
     virtual QVariantList GetTaskArguments(const QString& strTaskId) = 0;
 
+    // Answers to the signals failFile and lackedTexture.
     virtual void UploadRetryAnswer(const QString& strJobId, bool bRetry) = 0;
     virtual void LackTextureAnswer(const QString& strJobId, bool bContinue) = 0;
+
+    /// Goes on with a task that waits for the user.
     virtual void ContinueSubmit(const QString& strTaskId) = 0;
 
-    /// @return 0 when the scene was taken.
+    /// Starts the submission of a scene. @return 0 when the scene was accepted.
     virtual int SubmitScene(const QString& strSceneFile) = 0;
     virtual void RedownloadTasks(const QStringList& lstTaskId) = 0;
 
 public slots:
+    /// Replaces a task's render arguments; one map a group, as `GetTaskArguments` returns them.
     virtual void SetArgument(QString strId, QVariantList lstData) = 0;
 
-    /// Download orders: job id to a map of "jobType", "subDir" and "manual" (1 asked for by the user, 0 automatic).
+    /// Orders downloads.
+    /// @param mapJobIdType job id to a map of "jobType", "subDir" (folder for the job's files) and "manual" (1 ordered
+    /// by the user, 0 automatic).
     virtual void TriggerJobIdType(QVariantMap mapJobIdType) = 0;
 
 signals:
     void SubmitListChanged();
     void DownloadListChanged();
+
+    /// Files of a task could not be uploaded; `UploadRetryAnswer` is expected.
     void failFile(QString strJobId, QStringList lstFailFile);
+
+    /// Files that a task's scene uses are missing; `LackTextureAnswer` is expected.
     void lackedTexture(QString strJobId, QStringList lstLackedTexture);
+
+    /// @param strFile path of the downloaded file.
     void DownloadFinish(QString strFile);
 };
 

@@ -19,7 +19,7 @@ public:
     virtual void SetValue(const QString& strKey, const QVariant& varValue) = 0;
 
 signals:
-    /// Some value was changed by the user, for example in the configuration dialog.
+    /// The user has changed a value, for example in the configuration dialog.
     void SettingsUpdated();
 };
 

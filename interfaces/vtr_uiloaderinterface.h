@@ -9,7 +9,7 @@
 class QMenu;
 class QWidget;
 
-/// The shell of the host: forms, skins, languages, menus and the switching between registered windows.
+/// The host's forms, skins, languages and menus, and the windows registered with it.
 class VTUiLoaderInterface : public QObject, public VTBaseInterface
 {
     Q_OBJECT
@@ -18,7 +18,8 @@ class VTUiLoaderInterface : public QObject, public VTBaseInterface
 public:
     using QObject::QObject;
 
-    /// Builds the form registered under a key. The caller owns it unless a parent is given; null when there is none.
+    /// Builds the form registered under a key. The caller owns it unless a parent is given.
+    /// @return null when there is no such form.
     virtual QWidget* LoadUi(const QString& strKey, QWidget* pParent) = 0;
 
     /// Name of the current skin, which is the name of its resource folder.
@@ -37,12 +38,13 @@ public:
     virtual void OpenWindow(const QString& strKey) = 0;
 
     /// @param strSubMenu a sub-menu of strMenu; empty for the menu itself.
-    /// @return the loader's own menu, null when there is none of that name.
+    /// @return the menu, which the loader owns; null when there is none of that name.
     virtual QMenu* GetMenu(const QString& strMenu, const QString& strSubMenu) = 0;
 
+    /// Reads the skin's settings from an INI file.
     virtual void LoadSkinSettings(const QString& strIniFile) = 0;
 
-    /// Places the form's children for its present size as the skin's layout file says.
+    /// Places the form's children for its present size, as the skin's INI file says.
     virtual void LayoutForm(QWidget* pForm, const QString& strIniFile) = 0;
 
 signals:

@@ -7,7 +7,7 @@ class VTRequests;
 struct VTMainForm;
 struct VTTimers;
 
-/// The account panel: who is signed in, and the balances, which are asked for again and again.
+/// The account panel: name and balances of the user.
 class VTAccountPanel
 {
 public:
@@ -24,8 +24,8 @@ public:
 
     void ShowUser(const QString& strName) const;
 
-    /// Requests the user's information at once and every 30 seconds from then on. Each further call adds one request to
-    /// every timeout.
+    /// Requests the user's information at once and every 30 seconds from then on. Each further call makes every timeout
+    /// send one request more.
     void StartPolling() const;
     void StopPolling() const;
 

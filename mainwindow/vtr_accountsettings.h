@@ -17,11 +17,11 @@ public:
     {
     }
 
-    /// Reads the switches, and connects the render core's finish notice to the window's balloon and to the
-    /// configuration service's sound as they say. Does nothing while no user is known.
+    /// Reads the switches and connects or disconnects balloon and sound for finished downloads accordingly. Does
+    /// nothing while no user is known.
     void Load();
 
-    /// Whether finished jobs are downloaded without being asked for.
+    /// Whether finished jobs are downloaded automatically.
     bool AutoDownload() const { return m_bAutoDownload; }
 
     /// Whether the menu of the local tasks offers to edit render arguments.

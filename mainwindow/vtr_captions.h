@@ -10,7 +10,7 @@ class VTCaptions
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
 
 public:
-    /// Sets every caption, tool tip, tab title and column header again.
+    /// Sets every caption, tool tip, tab title and column header in the current language.
     static void Retranslate(const VTMainForm& form);
 
 private:

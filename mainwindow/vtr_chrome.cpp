@@ -14,7 +14,7 @@
 
 namespace {
 
-/// A maximised or restored form has its new size only a moment later.
+/// Time after which a maximised or restored form has its new size.
 constexpr int NewSizeDelay = 100; // ms
 
 } // namespace

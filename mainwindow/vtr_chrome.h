@@ -26,11 +26,11 @@ public:
     /// Brings the main form to the front when strKey names it.
     void ShowOnRequest(const QString& strKey) const;
 
-    // Both let the window emit windowSizeChanged() once the form has its new size.
+    // After both, the window emits windowSizeChanged() when the form has its new size.
     void Maximize();
     void Restore();
 
-    /// Lays the main form out when the event resizes it. @return whether the event ends here.
+    /// Lays the main form out when the event resizes it. @return whether the event is consumed.
     bool HandleEvent(const QObject* pObject, const QEvent* pEvent) const;
 
     /// Asks, then hands all local tasks back to the render core and ends the application.

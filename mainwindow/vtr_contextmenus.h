@@ -38,7 +38,7 @@ private:
     QMenu m_downloadMenu;
 
 public:
-    // The entries; each belongs to its menu.
+    // The entries, each owned by its menu.
     QAction* const pDownload;
     QAction* const pSetParent;
     QAction* const pSubmit;

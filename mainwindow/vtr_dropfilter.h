@@ -3,5 +3,5 @@
 class QWidget;
 struct VTServices;
 
-/// Lets files that are dropped by programs of lower rights reach the window, where the system filters such messages.
+/// Lets the window accept files dropped by programs with fewer rights, on systems that filter such messages.
 void VTAllowFileDrops(QWidget* pWindow, const VTServices& services);

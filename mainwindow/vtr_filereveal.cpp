@@ -21,7 +21,7 @@ void OpenFolderOf(const QString& strPath)
 }
 
 #ifdef QSCLIENT_HAVE_DBUS
-/// Asks the desktop's file manager on the session bus; one that does not answer leaves the folder to be opened.
+/// Asks the desktop's file manager on the session bus. If none answers, the folder is opened.
 void RevealInFileManager(const QString& strPath)
 {
     QDBusMessage message = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),

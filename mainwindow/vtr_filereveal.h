@@ -2,5 +2,5 @@
 
 #include <QString>
 
-/// Shows a file selected in the system's file manager; nothing happens for an empty path.
+/// Shows a file in the system's file manager, selected. Does nothing for an empty path.
 void VTRevealFile(const QString& strPath);

@@ -7,8 +7,8 @@
 class QDialog;
 class VTUiLoaderInterface;
 
-/// The five forms of the client as the loader builds them. They are scheduled for deletion when this object goes, except
-/// those that the loader has given a parent.
+/// The five forms of the client as the loader builds them. They are scheduled for deletion when this object goes,
+/// except those that the loader has given a parent.
 ///
 /// A form that the loader does not have is logged and replaced by an empty one, so none is null at first. The host may
 /// destroy a form at any time.

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Finds widgets by the name of the member that they are kept in.
+/// Finds widgets by the name of the member that holds them.
 class Finder
 {
 public:

@@ -9,8 +9,8 @@
 
 #include <array>
 
-/// The widgets of the main form, found by object name. None is owned and none is null: one that the form lacks is
-/// logged and replaced by a hidden stand-in.
+/// The widgets of the main form, found by object name. None is owned, and none is null: a missing one is logged and
+/// replaced by a hidden stand-in.
 struct VTMainForm
 {
     explicit VTMainForm(QWidget* pForm);
@@ -60,18 +60,18 @@ struct VTMainForm
 
     QPushButton* btnNextPage;
     QPushButton* btnNextGroup;
-    /// Page-number buttons, the first page of the group first.
+    /// Page-number buttons in the order of their pages.
     std::array<QPushButton*, 5> btnPages;
     QPushButton* btnPreGroup;
     QPushButton* btnPrePage;
 
-    /// The page bar from right to left.
+    /// All buttons of the page bar, from right to left.
     std::array<QPushButton*, 9> PageButtons() const;
 
     /// Table of a tab, null for a tab that has none.
     QTableWidget* Table(int nTab) const;
     QTableWidget* CurrentTable() const { return Table(tbwContainer->currentIndex()); }
 
-    /// Brings everything that lies over the tabs to the top.
+    /// Raises the widgets that lie over the tabs.
     void RaiseOverlays() const;
 };

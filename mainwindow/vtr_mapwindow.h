@@ -3,20 +3,20 @@
 #include <QString>
 #include <QVariantMap>
 
-/// Finds the entry with a given number in a map that belongs to somebody else, without copying the map or its keys.
+/// Finds the entry with a given index in a map of another owner, without copying the map or its keys.
 ///
-/// Walks from the nearest known place: the beginning, the end, or where the last search ended.
+/// It walks from the nearest known place: the beginning, the end, or the place of the last search.
 class VTMapWindow
 {
 public:
-    /// The entry with this number in key order, the end when there is none.
+    /// @return the entry with this index in key order, the end when there is none.
     QVariantMap::const_iterator At(const QVariantMap& map, int nIndex);
 
-    /// To be called when entries may have come or gone.
+    /// To be called when entries may have been added or removed.
     void Forget() { m_nSize = -1; }
 
 private:
     QString m_strKey;
     int m_nIndex = 0;
-    int m_nSize = -1; ///< of the map that the place was found in
+    int m_nSize = -1; ///< size of the map at the last search; -1 when the place is not known
 };

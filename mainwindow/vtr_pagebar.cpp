@@ -52,7 +52,7 @@ void VTPageBar::PlaceButtons(const VTPageState& state)
             continue;
         const int nPage = state.PageOfButton(nIndex);
         pButton->setText(QString::number(nPage));
-        // The focus is what marks the current page.
+        // The focus marks the current page.
         if (nPage == state.nCurrentPage)
             pButton->setFocus();
     }

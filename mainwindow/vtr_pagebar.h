@@ -8,7 +8,7 @@ class QPushButton;
 struct VTMainForm;
 struct VTServices;
 
-/// The bar of nine page buttons, which the three lists share, and where each list stands.
+/// The bar of nine page buttons, which the three lists share, and the page state of each list.
 class VTPageBar
 {
 public:
@@ -21,10 +21,10 @@ public:
     /// Recomputes a list's pages and draws the bar for it.
     void Show(int nList, int nTotal);
 
-    /// Draws the bar for a list as it stands.
+    /// Draws the bar for a list with its stored number of records.
     void Redraw(int nList) { Show(nList, State(nList).nTotalRecords); }
 
-    /// Moves a list as the button says. @return whether a page is to be shown.
+    /// Moves a list as a button of the bar says. @return whether a page is to be shown.
     bool Click(const QPushButton* pButton, int nList);
 
     /// Corrects a list's position after rows were deleted and redraws the bar. @return the page to show.

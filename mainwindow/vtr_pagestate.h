@@ -2,7 +2,7 @@
 
 #include <array>
 
-/// The client's three lists; the numbers are also the tabs of the main form.
+/// The client's three lists. Their numbers are also those of the tabs.
 namespace VTList {
 enum { Jobs, LocalTasks, Downloads, Count };
 }
@@ -10,7 +10,7 @@ enum { Jobs, LocalTasks, Downloads, Count };
 inline constexpr int VTPageSize = 18;
 inline constexpr int VTPagesPerGroup = 5;
 
-/// Position in one list that is shown page by page, with the pages in groups of five. Pages and groups count from 1.
+/// Position in a list that is shown page by page, with the pages in groups of five. Pages and groups count from 1.
 struct VTPageState
 {
     /// A click on the page bar.
@@ -22,20 +22,20 @@ struct VTPageState
     int nCurrentGroup = 1;
     int nTotalRecords = 0;
 
-    /// Recomputes pages and groups for a number of records; the position is left alone.
+    /// Computes pages and groups for a number of records. The position is left alone.
     void Recount(int nRecords);
 
-    /// Back to page 1 with one page; the number of records is kept.
+    /// Goes back to page 1 of one page. The number of records is kept.
     void ResetPosition();
 
-    /// @param nPage the page asked for, used by Step::Page only.
-    /// @return whether the page is to be shown; false when the step leads nowhere.
+    /// @param nPage the page to go to, for Step::Page only.
+    /// @return whether the page is to be shown; false when there is no page in that direction.
     bool Move(Step step, int nPage = 0);
 
-    /// One page back when the current page lies behind the last of nRecords.
+    /// Goes one page back when the current page lies behind the last of nRecords.
     void StepBackWhenBeyond(int nRecords);
 
-    /// After a deletion: one page back when the current page has just been emptied, and the group that belongs to it.
+    /// Goes one page back when a deletion has just emptied the current page, and to the group of the current page.
     void CorrectAfterDeletion();
 
     /// Index of the first record of the current page.
@@ -44,7 +44,7 @@ struct VTPageState
     bool HasPreviousGroup() const { return nTotalPages > VTPagesPerGroup && nCurrentGroup != 1; }
     bool HasNextGroup() const { return nTotalPages > VTPagesPerGroup && nCurrentGroup != nTotalGroups; }
 
-    /// Page that the button with this index (1 to 5) stands for.
+    /// Page of the page-number button with this index (1 to 5).
     int PageOfButton(int nIndex) const { return (nCurrentGroup - 1) * VTPagesPerGroup + nIndex; }
 };
 

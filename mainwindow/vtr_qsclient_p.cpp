@@ -26,7 +26,7 @@ VTQsClientPrivate::VTQsClientPrivate(QWidget* pParent)
 
 VTQsClientPrivate::~VTQsClientPrivate()
 {
-    // Deleting the concerns sends last events to the slots, which must find no concerns then.
+    // Deleting the concerns sends events to this object, whose slots must find no concerns then.
     m_pConcerns.reset();
 }
 

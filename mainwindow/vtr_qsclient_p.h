@@ -36,13 +36,14 @@ public:
     /// The services as far as they are attached; the service object fills them in.
     VTServices& Services() { return m_services; }
 
-    /// Builds forms, concerns and connections for the attached services, unless they are built for the same ones already.
+    /// Builds forms, concerns and connections for the attached services, unless they are built for the same ones
+    /// already.
     void BuildInterface();
 
     void ShowForm();
     void ShowTrayIcon();
 
-    /// Keeps the render core's present list of local tasks.
+    /// Stores the render core's present list of local tasks.
     void CacheSubmitTasks();
 
     /// The objects that are not deleted with the window but left to the event loop: dialog controllers and forms.
@@ -131,7 +132,7 @@ private:
     VTTimers m_timers;
     QStringList m_lstSubmitTask; // contract: kept, read by nobody
     QMetaObject::Connection m_formDestroyed;
-    /// Left to the event loop by concerns that were built for other services before.
+    /// Objects that earlier concerns, built for other services, have left to the event loop.
     QVector<QPointer<QObject>> m_lstDeferred;
     std::unique_ptr<VTConcerns> m_pConcerns;
 };

@@ -8,9 +8,9 @@
 
 class QTimer;
 
-/// Reports of the render core about files of local tasks, on which the user decides.
+/// Asks the user about reports of the render core on files of local tasks.
 ///
-/// They are asked about one at a time and a tick apart, so that no question opens from inside the render core's signal.
+/// Questions are asked one at a time and a tick apart, so that none opens from inside the render core's signal.
 class VTTaskQuestions : public QObject
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)

@@ -12,7 +12,7 @@ struct VTMainForm;
 struct VTSession;
 struct VTServices;
 
-/// The tray icon with its menu, which is the loader's and gets a quit entry, and a server entry at sign-in.
+/// The tray icon with its menu. The menu comes from the loader; it gets a quit entry, and at sign-in a server entry.
 class VTTray
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
@@ -28,13 +28,13 @@ public:
     void ApplySkin(const QString& strSkin) const;
     void Retranslate() const;
 
-    /// Puts the server's name in front of the quit entry; there is one such entry however often this runs.
+    /// Shows the server's name in an entry before the quit entry, which is made once.
     void ShowServer(const QString& strServer);
 
-    /// A double click brings the main form forward, or the sign-in window while nobody is signed in.
+    /// Brings the main form to the front on a double click, or the sign-in window while nobody is signed in.
     void Activate(QSystemTrayIcon::ActivationReason reason) const;
 
-    /// Says that a file was downloaded.
+    /// Shows a balloon for a downloaded file.
     void ShowFinished(const QString& strFile) const;
 
 private:

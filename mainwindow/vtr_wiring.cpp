@@ -133,7 +133,7 @@ void VTWireWindow(
     WireListsAndTimers(pWindow, concerns, services, timers);
     WireMenus(pWindow, concerns);
 
-    // The render core takes dropped scenes from the form's events. The filter installed last sees the events first.
+    // The render core takes dropped scenes from the form's events. The window, installed last, sees the events first.
     if (services.pRenderCore)
         concerns.form.pForm->installEventFilter(services.pRenderCore);
     concerns.form.pForm->installEventFilter(pWindow);

@@ -20,14 +20,16 @@ public:
     VTQsClient();
     ~VTQsClient() override;
 
-    /// The service object created last, null when there is none.
+    /// @return the service object created last, null when there is none.
     static VTQsClient* Instance();
 
     /// Attaches the services found through the context under "plugin_context" and builds the window.
     int Initialize(const QVariantMap& mapParameters) override;
+
+    /// Releases the services and deletes the window if it is shown.
     int Uninitialize() override;
 
-    /// Shows the main form and writes the window state (1 shown) into varResult.
+    /// Shows the main form and writes the window state (1: shown) into varResult.
     int Show(QVariant& varResult, const QVariantMap& mapParameters) override;
 
     /// Deletes the window.
@@ -44,7 +46,7 @@ public slots:
 private:
     enum WindowState { NotShown = -1, Shown = 1 };
 
-    /// 0 when a request may be carried out, else the status to return.
+    /// @return 0 when a request may be carried out, else the status for the caller to return.
     int CheckRequest(const QVariant& varRequest) const;
     /// @param strKey contract: narrows settings, logger and render core to the one with this service id; always empty.
     int AttachPlugins(const QString& strKey);
