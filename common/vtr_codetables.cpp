@@ -1,6 +1,5 @@
 #include "common/vtr_codetables.h"
 
-#include <QCoreApplication>
 #include <QObject>
 
 namespace {

@@ -1,7 +1,8 @@
 #include "common/vtr_jobrow.h"
 
+#include "common/vtr_codetables.h"
+
 #include <QObject>
-#include <QStringList>
 
 VTJobRow VTMakeJobRow(const VTJobRecord& job, const QMap<int, QString>& mapStatus)
 {

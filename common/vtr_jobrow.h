@@ -1,10 +1,11 @@
 #pragma once
 
-#include "common/vtr_codetables.h"
 #include "common/vtr_columns.h"
 #include "common/vtr_jobrecord.h"
 
+#include <QMap>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 #include <array>

@@ -1,7 +1,7 @@
 #include "common/vtr_plaintext.h"
 
 #include <QLabel>
-#include <QTextDocument>
+#include <QTextDocument> // Qt::mightBeRichText
 
 QString VTPlainToolTip(const QString& strText)
 {

@@ -1,5 +1,6 @@
 #include "common/vtr_tablecells.h"
 
+#include "common/vtr_codetables.h"
 #include "common/vtr_plaintext.h"
 
 #include <QProgressBar>

@@ -7,6 +7,7 @@
 class QProgressBar;
 class QTableWidget;
 class QTableWidgetItem;
+struct VTCodeTables;
 
 /// Writes the cells of the client's tables. Texts, bars and style sheets are set only where they differ, so writing the
 /// same row again neither parses a style sheet nor repaints.

@@ -1,6 +1,7 @@
 #include "mainwindow/vtr_accountpanel.h"
 
 #include "common/vtr_plaintext.h"
+#include "common/vtr_protocol.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_requests.h"
 #include "mainwindow/vtr_timers.h"

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QObject>
+#include <QString>
 
+class QObject;
 struct VTServices;
 struct VTSession;
 

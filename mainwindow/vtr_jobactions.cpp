@@ -1,6 +1,7 @@
 #include "mainwindow/vtr_jobactions.h"
 
 #include "common/vtr_prompts.h"
+#include "common/vtr_protocol.h"
 #include "common/vtr_services.h"
 #include "mainwindow/vtr_downloadlist.h"
 #include "mainwindow/vtr_joblist.h"
@@ -9,6 +10,8 @@
 #include "mainwindow/vtr_session.h"
 #include "mainwindow/vtr_submitlist.h"
 #include "mainwindow/vtr_tables.h"
+
+#include <QPointer>
 
 VTJobActions::VTJobActions(const Dependencies& dependencies)
     : m_deps(dependencies)

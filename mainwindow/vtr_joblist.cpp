@@ -1,6 +1,9 @@
 #include "mainwindow/vtr_joblist.h"
 
+#include "common/vtr_codetables.h"
+#include "common/vtr_columns.h"
 #include "common/vtr_prompts.h"
+#include "common/vtr_protocol.h"
 #include "common/vtr_services.h"
 #include "common/vtr_tablecells.h"
 #include "common/vtr_tablerows.h"

@@ -2,8 +2,6 @@
 
 #include "mainwindow/vtr_pagestate.h"
 
-#include <QCoreApplication>
-
 class QPushButton;
 struct VTMainForm;
 struct VTServices;

@@ -1,10 +1,6 @@
 #include "mainwindow/vtr_qsclient_p.h"
 
 #include "common/vtr_tablecells.h"
-#include "dialogs/vtr_group.h"
-#include "dialogs/vtr_search.h"
-#include "dialogs/vtr_setargument.h"
-#include "dialogs/vtr_setparent.h"
 #include "mainwindow/vtr_concerns.h"
 #include "mainwindow/vtr_dropfilter.h"
 #include "mainwindow/vtr_wiring.h"

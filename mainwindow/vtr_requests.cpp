@@ -1,5 +1,6 @@
 #include "mainwindow/vtr_requests.h"
 
+#include "common/vtr_protocol.h"
 #include "common/vtr_services.h"
 #include "mainwindow/vtr_session.h"
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "common/vtr_protocol.h"
-
 #include <QVariantHash>
 
 class VTCommunicationInterface;

@@ -1,6 +1,7 @@
 #include "mainwindow/vtr_signin.h"
 
 #include "common/vtr_plaintext.h"
+#include "common/vtr_protocol.h"
 #include "common/vtr_services.h"
 #include "common/vtr_tablerows.h"
 #include "dialogs/vtr_search.h"
