@@ -99,17 +99,32 @@ QVector<QPointer<VTBaseAppInterface>> Applications(ctkPluginContext* pContext)
     return lstApplication;
 }
 
-void ActivateApplications(const VTServices& services, const QVariant& varRequest)
+/// Calls something that may throw; an exception is logged and ends here.
+template <typename Call>
+void CallLogged(Call call)
 {
     try {
-        const auto lstApplication = Applications(services.pContext);
-        for (const QPointer<VTBaseAppInterface>& pApplication : lstApplication) {
-            if (pApplication)
-                pApplication->Activate(varRequest, services.mapParameters);
-        }
+        call();
     } catch (const std::exception& exception) {
-        qWarning("The host's applications were not activated: %s", exception.what());
+        qWarning("An application of the host failed: %s", exception.what());
+    } catch (...) {
+        qWarning("An application of the host failed");
     }
+}
+
+/// Calls each of the host's applications. An exception from one does not keep the others from being called.
+template <typename Call>
+void CallApplications(ctkPluginContext* pContext, Call call)
+{
+    CallLogged([&] {
+        const auto lstApplication = Applications(pContext);
+        for (const QPointer<VTBaseAppInterface>& pApplication : lstApplication) {
+            CallLogged([&] {
+                if (pApplication)
+                    call(pApplication);
+            });
+        }
+    });
 }
 
 } // namespace
@@ -215,13 +230,11 @@ void VTQsClient::AttachApplications()
 {
     const VTServices& services = m_pWindow->Services();
     QVariant varResult;
-    const auto lstApplication = Applications(services.pContext);
-    for (const QPointer<VTBaseAppInterface>& pApplication : lstApplication) {
-        if (pApplication)
-            pApplication->Initialize(services.mapParameters);
+    CallApplications(services.pContext, [&](const QPointer<VTBaseAppInterface>& pApplication) {
+        pApplication->Initialize(services.mapParameters);
         if (pApplication)
             pApplication->Show(varResult, services.mapParameters);
-    }
+    });
 }
 
 int VTQsClient::Uninitialize()
@@ -278,8 +291,11 @@ int VTQsClient::Activate(const QVariant& varRequest, const QVariantMap& /*mapPar
     if (!m_pWindow)
         return Success;
     const VTServices services = m_pWindow->Services();
-    if (services.pContext)
-        ActivateApplications(services, varRequest);
+    if (services.pContext) {
+        CallApplications(services.pContext, [&](const QPointer<VTBaseAppInterface>& pApplication) {
+            pApplication->Activate(varRequest, services.mapParameters);
+        });
+    }
     if (m_pWindow) {
         m_pWindow->CacheSubmitTasks();
         m_pWindow->ShowTrayIcon();
