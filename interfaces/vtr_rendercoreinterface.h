@@ -23,10 +23,12 @@ public:
     /// @param bByUser true when the user deletes tasks; false at sign-out and quit, with all listed tasks.
     virtual void RemoveSubmitTasks(const QStringList& lstTaskId, bool bByUser) = 0;
     virtual void RemoveDownloadTasks(const QStringList& lstTaskId) = 0;
+    // contract: the window does not call these two
     virtual void StopDownloadTasks(const QStringList& lstTaskId) = 0;
     virtual void ResumeDownloadTasks(const QStringList& lstTaskId) = 0;
+
     virtual void StopSubmitTasks() = 0;
-    virtual void ResumeSubmitTasks() = 0;
+    virtual void ResumeSubmitTasks() = 0; // contract: the window does not call it
 
     /// The live download tasks by id, each a map of "destFile", "srcFile", "jobId", "status" (0 waiting,
     /// 1 downloading, 2 finished, 3 failed, 4 stopped), "progress" (percent) and "msg". The engine owns the map.

@@ -28,7 +28,7 @@ struct VTMainForm
 
     QPushButton* btnRecover;
     QPushButton* btnPause;
-    QPushButton* btnStop;
+    QPushButton* btnStop; // contract: connected to nothing
     QPushButton* btnRestart;
     QPushButton* btnSearch;
     QPushButton* btnDelete;
@@ -36,7 +36,7 @@ struct VTMainForm
     QPushButton* btnSubmit;
     QCheckBox* chkAll;
 
-    QTreeView* myRender;
+    QTreeView* myRender; // contract: found, used by nobody
     QWidget* wgtGroup;
 
     QTabWidget* tbwContainer;
@@ -55,7 +55,7 @@ struct VTMainForm
     QLabel* lblVersionV;
     QLabel* lblChargeC;
     QLabel* lblCharge;
-    QLabel* lblChargeV;
+    QLabel* lblChargeV; // contract: found, used by nobody
     QPushButton* btnRecharge;
 
     QPushButton* btnNextPage;

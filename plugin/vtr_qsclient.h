@@ -21,7 +21,7 @@ public:
     ~VTQsClient() override;
 
     /// @return the service object created last, null when there is none.
-    static VTQsClient* Instance();
+    static VTQsClient* Instance(); // contract: called by nobody
 
     /// Attaches the services found through the context under "plugin_context" and builds the window.
     int Initialize(const QVariantMap& mapParameters) override;
