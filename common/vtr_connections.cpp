@@ -21,9 +21,9 @@ void ConnectOnce(const VTConnection& connection)
     // connect() also fails for a unique connection that exists already, which is no error.
     if (bBoth && HasMethod(pSender, szSignal) && HasMethod(pReceiver, szSlot))
         return;
-    qCritical("No connection from %s of %s to %s of %s", szSignal + 1,
-        pSender ? pSender->metaObject()->className() : "nobody", szSlot + 1,
-        pReceiver ? pReceiver->metaObject()->className() : "nobody");
+    qCritical("Signal %s of %s cannot be connected to %s of %s", szSignal + 1,
+        pSender ? pSender->metaObject()->className() : "no object", szSlot + 1,
+        pReceiver ? pReceiver->metaObject()->className() : "no object");
 }
 
 } // namespace

@@ -311,5 +311,6 @@ void VTGroup::ReportUnsaved() const
     if (!m_pServices)
         return;
     m_pServices->LogCritical(QStringLiteral("The group file cannot be written: %1").arg(m_groups.Path()));
-    VTPrompts(*m_pServices).Notify(tr("The groups could not be saved."));
+    VTPrompts(*m_pServices)
+        .Notify(tr("The groups could not be saved. Changes may be lost when you sign out or quit."));
 }

@@ -193,9 +193,9 @@ int VTQsClient::AttachPlugins(const QString& strKey)
         m_pWindow->BuildInterface();
         return Success;
     } catch (const std::exception& exception) {
-        qCritical("[%s] %s", VTIds::Client.data(), exception.what());
+        qCritical("[%s] The services could not be attached: %s", VTIds::Client.data(), exception.what());
     } catch (...) {
-        qCritical("[%s] Attachment failed", VTIds::Client.data());
+        qCritical("[%s] The services could not be attached", VTIds::Client.data());
     }
     return Failure;
 }
