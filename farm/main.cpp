@@ -1,5 +1,5 @@
+#include "farm/base/version.h"
 #include "farm/farm.h"
-#include "farm/version.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

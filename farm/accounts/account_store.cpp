@@ -1,6 +1,6 @@
 #include "farm/accounts/account_store.h"
 
-#include "farm/base/secrets.h"
+#include "farm/accounts/secrets.h"
 
 namespace farm {
 

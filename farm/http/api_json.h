@@ -1,8 +1,8 @@
 #pragma once
 
 #include "farm/accounts/account_store.h"
-#include "farm/jobs/frame_task.h"
 #include "farm/jobs/job_store.h"
+#include "farm/rendering/frame_task.h"
 #include "farm/uploads/upload_store.h"
 
 #include <QJsonArray>

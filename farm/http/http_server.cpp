@@ -1,7 +1,7 @@
 #include "farm/http/http_server.h"
 
 #include "farm/http/api_json.h"
-#include "farm/http/bad_input.h"
+#include "farm/base/errors.h"
 #include "farm/http/byte_range.h"
 
 #include <QJsonDocument>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "farm/http/api_refusal.h"
+#include "farm/http/http_refusal.h"
 
 #include <QFile>
 #include <QJsonObject>

@@ -1,6 +1,6 @@
 #include "farm/http/json_input.h"
 
-#include "farm/http/bad_input.h"
+#include "farm/base/errors.h"
 
 #include <QJsonArray>
 

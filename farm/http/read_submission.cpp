@@ -1,5 +1,5 @@
 #include "farm/base/safe_path.h"
-#include "farm/http/bad_input.h"
+#include "farm/base/errors.h"
 #include "farm/http/json_input.h"
 #include "farm/jobs/job_submission.h"
 #include "storage/durable_file.h"

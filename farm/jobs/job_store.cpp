@@ -1,6 +1,6 @@
 #include "farm/jobs/job_store.h"
 
-#include "farm/base/secrets.h"
+#include "farm/accounts/secrets.h"
 #include "farm/jobs/job_filter.h"
 
 namespace farm {

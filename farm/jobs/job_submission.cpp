@@ -1,7 +1,7 @@
 #include "farm/jobs/job_submission.h"
 
-#include "farm/http/api_refusal.h"
-#include "farm/http/bad_input.h"
+#include "farm/http/http_refusal.h"
+#include "farm/base/errors.h"
 #include "farm/jobs/job_actions.h"
 #include "farm/uploads/content_store.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "farm/jobs/job_store.h"
-#include "farm/jobs/job_types.h"
+#include "farm/rendering/job_types.h"
 
 #include <QJsonObject>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "farm/jobs/frame_task.h"
 #include "farm/rendering/confinement.h"
+#include "farm/rendering/frame_task.h"
 
 #include <QStringList>
 

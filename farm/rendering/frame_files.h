@@ -1,6 +1,6 @@
 #pragma once
 
-#include "farm/jobs/frame_task.h"
+#include "farm/rendering/frame_task.h"
 
 #include <QDir>
 

@@ -2,7 +2,7 @@
 
 #include "farm/base/money.h"
 #include "farm/base/schema.h"
-#include "farm/jobs/frame_task.h"
+#include "farm/rendering/frame_task.h"
 
 #include <QStringList>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "farm/jobs/job_types.h"
 #include "farm/rendering/executor.h"
+#include "farm/rendering/job_types.h"
 
 #include <QObject>
 #include <QTimer>

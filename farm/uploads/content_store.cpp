@@ -1,6 +1,6 @@
 #include "farm/uploads/content_store.h"
 
-#include "farm/base/secrets.h"
+#include "farm/accounts/secrets.h"
 #include "storage/durable_file.h"
 
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "farm/uploads/upload_locks.h"
 
-#include "farm/http/api_refusal.h"
+#include "farm/http/http_refusal.h"
 
 #include <chrono>
 

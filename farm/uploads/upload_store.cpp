@@ -1,7 +1,7 @@
 #include "farm/uploads/upload_store.h"
 
-#include "farm/base/secrets.h"
-#include "farm/http/api_refusal.h"
+#include "farm/accounts/secrets.h"
+#include "farm/http/http_refusal.h"
 #include "farm/uploads/content_store.h"
 #include "storage/durable_file.h"
 

@@ -1,5 +1,5 @@
 #include "farm/base/local_time.h"
-#include "farm/http/bad_input.h"
+#include "farm/base/errors.h"
 #include "tests/farm/farm_fixture.h"
 
 #include <QtTest>

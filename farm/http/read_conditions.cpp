@@ -1,7 +1,7 @@
 #include "farm/jobs/job_conditions.h"
 
 #include "farm/base/local_time.h"
-#include "farm/http/bad_input.h"
+#include "farm/base/errors.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

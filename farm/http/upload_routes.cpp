@@ -1,8 +1,8 @@
-#include "farm/http/submission_routes.h"
+#include "farm/http/upload_routes.h"
 
 #include "farm/base/local_time.h"
 #include "farm/http/api_json.h"
-#include "farm/http/bad_input.h"
+#include "farm/base/errors.h"
 #include "farm/http/http_server.h"
 #include "farm/http/json_input.h"
 #include "farm/http/request_gate.h"

@@ -1,14 +1,14 @@
-#include "farm/http/routes.h"
+#include "farm/http/account_routes.h"
 
 #include "farm/accounts/account_store.h"
+#include "farm/base/errors.h"
 #include "farm/base/local_time.h"
+#include "farm/base/version.h"
 #include "farm/http/api_json.h"
-#include "farm/http/bad_input.h"
 #include "farm/http/http_server.h"
 #include "farm/http/json_input.h"
 #include "farm/http/request_gate.h"
 #include "farm/jobs/job_store.h"
-#include "farm/version.h"
 
 #include <QJsonDocument>
 

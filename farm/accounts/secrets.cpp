@@ -1,4 +1,4 @@
-#include "farm/base/secrets.h"
+#include "farm/accounts/secrets.h"
 
 #include <array>
 #include <mutex>

@@ -1,4 +1,4 @@
-#include "farm/jobs/job_types.h"
+#include "farm/rendering/job_types.h"
 
 #include <QFile>
 #include <QJsonArray>
