@@ -9,9 +9,9 @@ namespace farm {
 
 namespace {
 
-constexpr int pastJobs = 52;
-constexpr std::int64_t hour = 3600;
-constexpr std::int64_t threeWeeks = hour * 24 * 21;
+constexpr int PastJobs = 52;
+constexpr std::int64_t Hour = 3600;
+constexpr std::int64_t ThreeWeeks = Hour * 24 * 21;
 
 struct Sequence
 {
@@ -19,7 +19,7 @@ struct Sequence
     const char* scene;
 };
 
-constexpr std::array<Sequence, 8> sequences {{
+constexpr std::array<Sequence, 8> Sequences {{
     {"harbour", "lighthouse.pov"},
     {"orrery", "orrery.pov"},
     {"temple", "colonnade.pov"},
@@ -36,7 +36,7 @@ struct DemoProject
     const char* pool;
 };
 
-constexpr std::array<DemoProject, 3> demoProjects {{
+constexpr std::array<DemoProject, 3> DemoProjects {{
     {"Harbour Lights", "pool-harbour"},
     {"Celestial", "pool-celestial"},
     {"Main Titles", "pool-titles"},
@@ -51,7 +51,7 @@ struct LiveJob
 };
 
 // The first one is finished within a minute, so that there are pictures to fetch.
-constexpr std::array<LiveJob, 10> liveJobs {{
+constexpr std::array<LiveJob, 10> LiveJobs {{
     {"water_test", "ripples.pov", 6, JobStatus::Running},
     {"harbour_sh110", "lighthouse.pov", 120, JobStatus::Running},
     {"orrery_sh110", "orrery.pov", 90, JobStatus::Running},
@@ -68,9 +68,9 @@ JobStatus PastStatus(int index)
 {
     if (index == 7)
         return JobStatus::Deleted;
-    if (index == pastJobs - 4)
+    if (index == PastJobs - 4)
         return JobStatus::ToFullRender;
-    if (index == pastJobs - 2 || index == pastJobs - 9)
+    if (index == PastJobs - 2 || index == PastJobs - 9)
         return JobStatus::Pending;
     if (index % 11 == 5)
         return JobStatus::Paused;
@@ -99,15 +99,15 @@ int FramesDone(JobStatus status, int frames)
 
 NewJob PastJob(int index, std::int64_t now)
 {
-    const Sequence& sequence = sequences.at(static_cast<std::size_t>(index) % sequences.size());
-    const int shot = 10 * (index / static_cast<int>(sequences.size()) + 1);
+    const Sequence& sequence = Sequences.at(static_cast<std::size_t>(index) % Sequences.size());
+    const int shot = 10 * (index / static_cast<int>(Sequences.size()) + 1);
     NewJob job;
     job.type = QStringLiteral("povray");
     job.name = QStringLiteral("%1_sh%2").arg(QLatin1String(sequence.name)).arg(shot, 3, 10, QLatin1Char('0'));
     // Names are the users' business: this one keeps whoever shows them honest.
-    if (index == pastJobs - 1)
+    if (index == PastJobs - 1)
         job.name = QStringLiteral("<b>title</b>_v2");
-    if (index == pastJobs - 6) {
+    if (index == PastJobs - 6) {
         job.name += QStringLiteral("_pre");
         job.prerender = true;
     }
@@ -116,7 +116,7 @@ NewJob PastJob(int index, std::int64_t now)
     job.scene = QLatin1String(sequence.scene);
     job.frames = {{1, 24 + index * 17 % 97}};
     job.submittedAt
-        = now - threeWeeks + index * (threeWeeks - 3 * hour) / pastJobs + std::int64_t {index} * 613 % hour;
+        = now - ThreeWeeks + index * (ThreeWeeks - 3 * Hour) / PastJobs + std::int64_t {index} * 613 % Hour;
     return job;
 }
 
@@ -131,7 +131,7 @@ void AddPastJob(SQLite::Database& connection, JobStore& jobs, const NewJob& job)
         "INSERT INTO charges(account, job, frame, core_milliseconds, amount, charged_at) "
         "SELECT ?2, job, number, 6000 + number * 7919 % 9000, (6000 + number * 7919 % 9000) * ?3 / 1000, "
         "finished_at FROM frames WHERE job = ?1 AND finished_at IS NOT NULL",
-        key, job.account, usualPrice);
+        key, job.account, DefaultPrice);
     if (job.status != JobStatus::Finished && job.status != JobStatus::Failed)
         return;
     Execute(connection, "UPDATE jobs SET ended_at = ?2, message = ?3 WHERE key = ?1", key,
@@ -147,7 +147,7 @@ std::int64_t AddDemoAccount(AccountStore& accounts, std::vector<std::int64_t>& p
     account.password = QStringLiteral("demo");
     account.balance = 65'980'000;
     const std::int64_t key = accounts.Add(account);
-    for (const DemoProject& project : demoProjects)
+    for (const DemoProject& project : DemoProjects)
         projects.push_back(
             accounts.AddProject(key, {QLatin1String(project.name), QLatin1String(project.pool)}));
     return key;
@@ -157,7 +157,7 @@ void AddDemo(SQLite::Database& connection, AccountStore& accounts, JobStore& job
 {
     std::vector<std::int64_t> projects;
     const std::int64_t account = AddDemoAccount(accounts, projects);
-    for (int index = 0; index < pastJobs; ++index) {
+    for (int index = 0; index < PastJobs; ++index) {
         NewJob job = PastJob(index, now);
         job.account = account;
         job.project = projects.at(static_cast<std::size_t>(index) % projects.size());
@@ -177,7 +177,7 @@ void AddStudio(SQLite::Database& connection, AccountStore& accounts, JobStore& j
     const std::int64_t key = accounts.Add(account);
     const std::int64_t project
         = accounts.AddProject(key, {QStringLiteral("Showreel"), QStringLiteral("pool-showreel")});
-    for (int index = 0; index < pastJobs; index += 9) {
+    for (int index = 0; index < PastJobs; index += 9) {
         NewJob job = PastJob(index, now);
         job.account = key;
         job.project = project;
@@ -188,7 +188,7 @@ void AddStudio(SQLite::Database& connection, AccountStore& accounts, JobStore& j
 // An account whose money ran out while a job was being rendered and others were waiting.
 void AddArrears(SQLite::Database& connection, AccountStore& accounts, JobStore& jobs, std::int64_t now)
 {
-    constexpr std::array<JobStatus, 5> statuses {JobStatus::Finished, JobStatus::Finished,
+    constexpr std::array<JobStatus, 5> Statuses {JobStatus::Finished, JobStatus::Finished,
         JobStatus::PausedInArrears, JobStatus::Arrears, JobStatus::Arrears};
     NewAccount account;
     account.name = QStringLiteral("arrears");
@@ -196,18 +196,18 @@ void AddArrears(SQLite::Database& connection, AccountStore& accounts, JobStore& 
     account.password = QStringLiteral("arrears");
     account.balance = -370'000;
     const std::int64_t key = accounts.Add(account);
-    for (std::size_t index = 0; index < statuses.size(); ++index) {
+    for (std::size_t index = 0; index < Statuses.size(); ++index) {
         NewJob job = PastJob(static_cast<int>(index), now);
         job.account = key;
-        job.status = statuses.at(index);
+        job.status = Statuses.at(index);
         AddPastJob(connection, jobs, job);
     }
 }
 
 void AddLiveJobs(JobStore& jobs, std::int64_t account, std::int64_t now)
 {
-    std::int64_t age = liveJobs.size();
-    for (const LiveJob& live : liveJobs) {
+    std::int64_t age = LiveJobs.size();
+    for (const LiveJob& live : LiveJobs) {
         NewJob job;
         job.account = account;
         job.type = QStringLiteral("povray");

@@ -14,15 +14,15 @@ namespace farm {
 
 namespace {
 
-constexpr int lockWaitMs = 5000;
-constexpr std::chrono::hours forgetInterval {1};
+constexpr int LockWaitMs = 5000;
+constexpr std::chrono::hours ForgetInterval {1};
 
 } // namespace
 
 Farm::Farm(const FarmSettings& settings)
     : m_settings(settings)
     , m_dataFolder(MakeFolder(settings.dataFolder))
-    , m_lock(m_dataFolder, lockWaitMs)
+    , m_lock(m_dataFolder, LockWaitMs)
     , m_database(DatabaseFile(m_dataFolder), Schema())
     , m_accounts(m_database, settings.sessionSeconds)
     , m_jobs(m_database)
@@ -45,7 +45,7 @@ Farm::Farm(const FarmSettings& settings)
 {
     ForgetOldUploads();
     QObject::connect(&m_forgetting, &QTimer::timeout, [this] { ForgetOldUploads(); });
-    m_forgetting.start(forgetInterval);
+    m_forgetting.start(ForgetInterval);
     if (settings.demo)
         ProvideDemo(m_database, m_accounts, m_jobs, Now());
     m_routes.AddTo(m_server);

@@ -33,7 +33,7 @@ struct FarmSettings
     int port = 0;
     /// Frames rendered at a time.
     int slotCount = 1;
-    Micros pricePerCoreSecond = usualPrice;
+    Micros pricePerCoreSecond = DefaultPrice;
     std::int64_t sessionSeconds = std::int64_t {7} * 24 * 3600;
     /// Makes the demo accounts in an empty farm and keeps them supplied with work.
     bool demo = true;

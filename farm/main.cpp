@@ -22,10 +22,10 @@
 
 namespace {
 
-constexpr double dearestCoreSecond = 1000;
-constexpr std::chrono::seconds longestEnd {3};
-constexpr std::int64_t gibibyte = std::int64_t {1} << 30;
-constexpr int mostGibibytes = 1'000'000;
+constexpr double DearestCoreSecond = 1000;
+constexpr std::chrono::seconds LongestEnd {3};
+constexpr std::int64_t Gibibyte = std::int64_t {1} << 30;
+constexpr int MostGibibytes = 1'000'000;
 
 struct Options
 {
@@ -99,13 +99,13 @@ farm::Micros AmountOf(const QString& text, const QString& name, double least, do
 
 void ReadCredit(const QCommandLineParser& parser, Options& options)
 {
-    constexpr double smallestCoin = 0.01;
-    constexpr double mostAtOnce = 1e6;
+    constexpr double SmallestCoin = 0.01;
+    constexpr double MostAtOnce = 1e6;
     const QString name = QStringLiteral("credit");
     options.creditAccount = parser.value(name);
     if (options.creditAccount.isEmpty())
         RefuseOption(name);
-    options.creditAmount = AmountOf(parser.positionalArguments().value(0), name, smallestCoin, mostAtOnce);
+    options.creditAmount = AmountOf(parser.positionalArguments().value(0), name, SmallestCoin, MostAtOnce);
 }
 
 void SetLogLevel(const QString& level)
@@ -121,7 +121,7 @@ void AddOptions(QCommandLineParser& parser)
     const QString beside = QCoreApplication::applicationDirPath() + QStringLiteral("/farm/");
     // One core is left to the people at the machine.
     const QString freeCores = QString::number(std::max(1, QThread::idealThreadCount() - 1));
-    const QString price = QString::number(double(farm::usualPrice) / 1e6);
+    const QString price = QString::number(double(farm::DefaultPrice) / 1e6);
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addOptions({
@@ -172,8 +172,8 @@ Options ReadOptions()
     options.settings.port = IntegerOption(parser, QStringLiteral("port"), 0, 65535);
     options.settings.slotCount = IntegerOption(parser, QStringLiteral("slots"), 1, 1024);
     options.settings.pricePerCoreSecond
-        = AmountOf(parser.value(QStringLiteral("price")), QStringLiteral("price"), 0, dearestCoreSecond);
-    options.settings.quota = IntegerOption(parser, QStringLiteral("quota"), 0, mostGibibytes) * gibibyte;
+        = AmountOf(parser.value(QStringLiteral("price")), QStringLiteral("price"), 0, DearestCoreSecond);
+    options.settings.quota = IntegerOption(parser, QStringLiteral("quota"), 0, MostGibibytes) * Gibibyte;
     options.settings.demo = !parser.isSet(QStringLiteral("no-demo"));
     options.stopWithStdin = parser.isSet(QStringLiteral("stop-with-stdin"));
     return options;
@@ -205,7 +205,7 @@ int Run(const Options& options)
     spdlog::info("ending");
     // A client that keeps its connection must not keep the farm; what was acknowledged is on the disk.
     std::thread([] {
-        std::this_thread::sleep_for(longestEnd);
+        std::this_thread::sleep_for(LongestEnd);
         std::_Exit(0);
     }).detach();
     return result;

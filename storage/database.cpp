@@ -7,12 +7,12 @@ namespace storage {
 
 namespace {
 
-constexpr int busyTimeoutMs = 5000;
+constexpr int BusyTimeoutMs = 5000;
 
 } // namespace
 
 Database::Database(const QString& path, const Migrations& migrations)
-    : m_connection(path.toStdString(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, busyTimeoutMs)
+    : m_connection(path.toStdString(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, BusyTimeoutMs)
 {
     m_connection.exec("PRAGMA journal_mode = WAL");
     m_connection.exec("PRAGMA synchronous = FULL");

@@ -14,8 +14,8 @@ namespace storage {
 
 namespace {
 
-constexpr qint64 blockBytes = 1024 * 1024;
-constexpr int checksumDigits = 64;
+constexpr qint64 BlockBytes = 1024 * 1024;
+constexpr int ChecksumDigits = 64;
 
 bool IsLowerHexDigit(QChar character)
 {
@@ -51,7 +51,7 @@ QString FileChecksum(const QString& path, const std::function<bool(qint64)>& onB
     if (!file.open(QIODevice::ReadOnly))
         throw std::runtime_error("cannot read a file: " + file.errorString().toStdString());
     QCryptographicHash hash(QCryptographicHash::Sha256);
-    QByteArray block(blockBytes, Qt::Uninitialized);
+    QByteArray block(BlockBytes, Qt::Uninitialized);
     for (;;) {
         const qint64 got = file.read(block.data(), block.size());
         if (got < 0)
@@ -66,7 +66,7 @@ QString FileChecksum(const QString& path, const std::function<bool(qint64)>& onB
 
 bool IsChecksum(const QString& text)
 {
-    return text.size() == checksumDigits && std::all_of(text.cbegin(), text.cend(), IsLowerHexDigit);
+    return text.size() == ChecksumDigits && std::all_of(text.cbegin(), text.cend(), IsLowerHexDigit);
 }
 
 } // namespace storage

@@ -9,9 +9,9 @@ QString Currency()
 
 QString MoneyText(Micros amount)
 {
-    constexpr Micros microsPerCent = 10000;
-    const Micros half = amount < 0 ? -microsPerCent / 2 : microsPerCent / 2;
-    const Micros cents = (amount + half) / microsPerCent;
+    constexpr Micros MicrosPerCent = 10000;
+    const Micros half = amount < 0 ? -MicrosPerCent / 2 : MicrosPerCent / 2;
+    const Micros cents = (amount + half) / MicrosPerCent;
     const Micros positive = cents < 0 ? -cents : cents;
     return QStringLiteral("%1%2.%3")
         .arg(cents < 0 ? QStringLiteral("-") : QString())

@@ -10,7 +10,7 @@ namespace farm {
 using Micros = std::int64_t;
 
 /// The price of a core-second where none is set.
-constexpr Micros usualPrice = 10'000;
+constexpr Micros DefaultPrice = 10'000;
 
 /// The one currency of the farm.
 QString Currency();

@@ -8,8 +8,8 @@ namespace farm {
 
 namespace {
 
-constexpr int longestPart = 255;
-constexpr int mostParts = 64;
+constexpr int LongestPart = 255;
+constexpr int MostParts = 64;
 
 bool IsUnsafe(QChar character)
 {
@@ -20,7 +20,7 @@ bool IsUnsafe(QChar character)
 bool IsSafePart(const QString& part)
 {
     return !part.isEmpty() && part != QLatin1String(".") && part != QLatin1String("..")
-        && part.toUtf8().size() <= longestPart;
+        && part.toUtf8().size() <= LongestPart;
 }
 
 } // namespace
@@ -30,11 +30,11 @@ bool IsSafePath(const QString& path)
     const bool hasDrive = path.size() >= 2 && path.at(1) == QLatin1Char(':') && path.at(0).isLetter();
     // Half of a surrogate pair has no name on the disk of its own.
     const QByteArray bytes = path.toUtf8();
-    if (hasDrive || bytes.size() > longestSafePath || QString::fromUtf8(bytes) != path
+    if (hasDrive || bytes.size() > LongestSafePath || QString::fromUtf8(bytes) != path
         || std::any_of(path.cbegin(), path.cend(), IsUnsafe))
         return false;
     const QStringList parts = path.split(QLatin1Char('/'));
-    return parts.size() <= mostParts && std::all_of(parts.cbegin(), parts.cend(), IsSafePart);
+    return parts.size() <= MostParts && std::all_of(parts.cbegin(), parts.cend(), IsSafePart);
 }
 
 } // namespace farm

@@ -5,7 +5,7 @@ namespace farm {
 namespace {
 
 // Times are seconds since the epoch, amounts are millionths of the currency unit.
-constexpr const char* firstSchema = R"sql(
+constexpr const char* FirstSchema = R"sql(
 CREATE TABLE accounts(
     key INTEGER PRIMARY KEY,
     name TEXT NOT NULL UNIQUE COLLATE NOCASE,
@@ -73,7 +73,7 @@ CREATE INDEX charges_by_account ON charges(account);
 
 // A job's frames belong to its run; a restart begins a new one. Open jobs are those that the scheduler works at:
 // waiting, running and to full render.
-constexpr const char* runsAndFullRenders = R"sql(
+constexpr const char* RunsAndFullRenders = R"sql(
 ALTER TABLE jobs ADD COLUMN run INTEGER NOT NULL DEFAULT 1;
 DROP INDEX open_jobs;
 CREATE INDEX jobs_to_render ON jobs(key) WHERE status IN (0, 1, 6);
@@ -82,7 +82,7 @@ CREATE VIEW open_jobs AS SELECT * FROM jobs WHERE status IN (0, 1, 6);
 
 // What an account has sent to the farm, and what its jobs have of it and leave. The ranges of a job have no frame in
 // common; together they are all that it may render.
-constexpr const char* scenesAndPictures = R"sql(
+constexpr const char* ScenesAndPictures = R"sql(
 CREATE TABLE contents(
     account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
     checksum TEXT NOT NULL,
@@ -124,7 +124,7 @@ ALTER TABLE frames ADD COLUMN checksum TEXT;
 
 storage::Migrations Schema()
 {
-    return {firstSchema, runsAndFullRenders, scenesAndPictures};
+    return {FirstSchema, RunsAndFullRenders, ScenesAndPictures};
 }
 
 } // namespace farm

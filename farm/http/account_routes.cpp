@@ -18,12 +18,12 @@ namespace farm {
 
 namespace {
 
-constexpr int longestName = 256;
-constexpr int longestPassword = 1024;
-constexpr std::int64_t largestPage = 1'000'000'000;
-constexpr std::int64_t largestPageSize = 1000;
-constexpr std::int64_t usualPageSize = 18;
-constexpr int mostIds = 1000;
+constexpr int LongestName = 256;
+constexpr int LongestPassword = 1024;
+constexpr std::int64_t LargestPage = 1'000'000'000;
+constexpr std::int64_t LargestPageSize = 1000;
+constexpr std::int64_t DefaultPageSize = 18;
+constexpr int MostIds = 1000;
 
 ApiRefusal NoSuchJob()
 {
@@ -93,8 +93,8 @@ void Routes::AddTo(HttpServer& server)
 QJsonObject Routes::SignIn(const ApiRequest& request)
 {
     const QJsonObject body = request.Body();
-    const QString name = RequiredText(body, "username", longestName);
-    const QString password = RequiredText(body, "password", longestPassword);
+    const QString name = RequiredText(body, "username", LongestName);
+    const QString password = RequiredText(body, "password", LongestPassword);
     const std::string nameKey = name.toCaseFolded().toStdString();
     RefuseWhenTooMany(m_signInsByAddress.Take(request.Address().toStdString()));
     RefuseWhenTooMany(m_failedSignInsByName.Take(nameKey));
@@ -125,8 +125,8 @@ QJsonObject Routes::ListJobs(const ApiRequest& request)
 {
     const std::int64_t account = m_gate.Authorize(request);
     return DataJson(JobPageJson(m_jobs.List(account, ParseJobConditions(request.Query("conditions")),
-        NumberIn(request.Query("page"), 1, largestPage),
-        NumberIn(request.Query("pageSize"), usualPageSize, largestPageSize))));
+        NumberIn(request.Query("page"), 1, LargestPage),
+        NumberIn(request.Query("pageSize"), DefaultPageSize, LargestPageSize))));
 }
 
 QJsonObject Routes::SearchJobs(const ApiRequest& request)
@@ -135,8 +135,8 @@ QJsonObject Routes::SearchJobs(const ApiRequest& request)
     const QJsonObject body = request.Body();
     return DataJson(JobPageJson(
         m_jobs.List(account, ParseJobConditions(PlainText(body.value(QLatin1String("conditions")))),
-            NumberIn(PlainText(body.value(QLatin1String("page"))), 1, largestPage),
-            NumberIn(PlainText(body.value(QLatin1String("pageSize"))), usualPageSize, largestPageSize))));
+            NumberIn(PlainText(body.value(QLatin1String("page"))), 1, LargestPage),
+            NumberIn(PlainText(body.value(QLatin1String("pageSize"))), DefaultPageSize, LargestPageSize))));
 }
 
 QJsonObject Routes::ShowJob(const ApiRequest& request)
@@ -152,7 +152,7 @@ QJsonObject Routes::ShowJob(const ApiRequest& request)
 QJsonObject Routes::Act(JobAction action, const ApiRequest& request)
 {
     const std::int64_t account = m_gate.Authorize(request);
-    const auto refused = m_actions.Do(action, account, RequiredTexts(request.Body(), "ids", mostIds), Now());
+    const auto refused = m_actions.Do(action, account, RequiredTexts(request.Body(), "ids", MostIds), Now());
     if (!refused)
         throw NoSuchJob();
     return DataJson(QJsonObject {{QStringLiteral("notAllowedJobs"), QJsonArray::fromStringList(*refused)}});

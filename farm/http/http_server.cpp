@@ -18,11 +18,11 @@ namespace farm {
 
 namespace {
 
-constexpr std::size_t largestBody = std::size_t {1024} * 1024;
-constexpr std::size_t fileBlockBytes = std::size_t {64} * 1024;
+constexpr std::size_t LargestBody = std::size_t {1024} * 1024;
+constexpr std::size_t FileBlockBytes = std::size_t {64} * 1024;
 // They mostly wait, for clients and for the disk.
-constexpr int threadCount = 64;
-constexpr int ioTimeoutSeconds = 5;
+constexpr int ThreadCount = 64;
+constexpr int IoTimeoutSeconds = 5;
 
 void Answer(httplib::Response& response, int status, const QJsonObject& body)
 {
@@ -89,7 +89,7 @@ void AnswerFile(httplib::Response& response, const FileAnswer& answer, const std
         response.set_header("Content-Range", ContentRange(part, answer.size));
     response.set_content_provider(static_cast<std::size_t>(part.length), "application/octet-stream",
         [file = answer.file, part](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
-            std::array<char, fileBlockBytes> block {};
+            std::array<char, FileBlockBytes> block {};
             const qint64 wanted = qint64(std::min(length, block.size()));
             if (!file->seek(part.offset + qint64(offset)) || file->read(block.data(), wanted) != wanted)
                 return false;
@@ -207,10 +207,10 @@ HttpServer::~HttpServer()
 
 void HttpServer::SetUp()
 {
-    m_server->new_task_queue = [] { return new httplib::ThreadPool(threadCount); };
-    m_server->set_payload_max_length(largestChunk);
-    m_server->set_read_timeout(ioTimeoutSeconds);
-    m_server->set_write_timeout(ioTimeoutSeconds);
+    m_server->new_task_queue = [] { return new httplib::ThreadPool(ThreadCount); };
+    m_server->set_payload_max_length(LargestChunk);
+    m_server->set_read_timeout(IoTimeoutSeconds);
+    m_server->set_write_timeout(IoTimeoutSeconds);
     // A connection that is kept open would hold a thread while it is idle.
     m_server->set_keep_alive_max_count(1);
     // The library's own choice lets two servers share a port.
@@ -227,23 +227,23 @@ void HttpServer::SetUp()
 
 void HttpServer::Get(const char* path, Handler handler)
 {
-    m_server->Get(path, WrapJson(largestBody, std::move(handler)));
+    m_server->Get(path, WrapJson(LargestBody, std::move(handler)));
 }
 
 void HttpServer::Post(const char* path, Handler handler)
 {
-    m_server->Post(path, WrapJson(largestBody, std::move(handler)));
+    m_server->Post(path, WrapJson(LargestBody, std::move(handler)));
 }
 
 void HttpServer::Put(const char* path, Handler handler)
 {
-    m_server->Put(path, WrapJson(largestChunk, std::move(handler)));
+    m_server->Put(path, WrapJson(LargestChunk, std::move(handler)));
 }
 
 void HttpServer::GetFile(const char* path, FileHandler handler)
 {
     m_server->Get(path,
-        Wrap(largestBody,
+        Wrap(LargestBody,
             [handler = std::move(handler)](const httplib::Request& request, httplib::Response& response) {
                 ServeFile(request, response, handler(ApiRequest(request)));
             }));
@@ -251,7 +251,7 @@ void HttpServer::GetFile(const char* path, FileHandler handler)
 
 void HttpServer::Delete(const char* path, Handler handler)
 {
-    m_server->Delete(path, WrapJson(largestBody, std::move(handler)));
+    m_server->Delete(path, WrapJson(LargestBody, std::move(handler)));
 }
 
 int HttpServer::Start(const QString& address, int port)

@@ -57,7 +57,7 @@ public:
     using FileHandler = std::function<FileAnswer(const ApiRequest&)>;
 
     /// The most bytes that the body of a PUT may have; other bodies have at most 1 MiB.
-    static constexpr int largestChunk = 4 * 1024 * 1024;
+    static constexpr int LargestChunk = 4 * 1024 * 1024;
 
     HttpServer();
     /// Ends the server as Stop() does.

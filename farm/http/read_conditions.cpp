@@ -25,9 +25,9 @@ QString TextOf(const QJsonObject& conditions, const char* key)
         return {};
     if (value.isString())
         return value.toString().trimmed();
-    constexpr double largestExactDouble = 9007199254740992.0;
+    constexpr double LargestExactDouble = 9007199254740992.0;
     const double number = value.toDouble(std::nan(""));
-    if (!(std::abs(number) <= largestExactDouble) || number != std::floor(number))
+    if (!(std::abs(number) <= LargestExactDouble) || number != std::floor(number))
         Refuse(key);
     return QString::number(static_cast<qint64>(number));
 }

@@ -13,13 +13,13 @@ namespace farm {
 
 namespace {
 
-constexpr int longestSubmission = 64;
-constexpr int longestName = 256;
-constexpr int mostFiles = 4000;
-constexpr int mostRanges = 15;
-constexpr int highestFrame = 99999;
-constexpr int mostFrames = 20000;
-constexpr int mostPixels = 16384;
+constexpr int LongestSubmission = 64;
+constexpr int LongestName = 256;
+constexpr int MostFiles = 4000;
+constexpr int MostRanges = 15;
+constexpr int HighestFrame = 99999;
+constexpr int MostFrames = 20000;
+constexpr int MostPixels = 16384;
 
 QString NonEmptyText(const QJsonObject& body, const char* key, int longest)
 {
@@ -54,7 +54,7 @@ std::vector<JobFile> ReadFiles(const QJsonObject& body)
 {
     std::vector<JobFile> files;
     QSet<QString> paths;
-    const QJsonArray list = RequiredList(body, "files", mostFiles);
+    const QJsonArray list = RequiredList(body, "files", MostFiles);
     for (const QJsonValue& value : list) {
         const JobFile file {
             value[QLatin1String("path")].toString(), value[QLatin1String("checksum")].toString()};
@@ -74,16 +74,16 @@ std::vector<JobFile> ReadFiles(const QJsonObject& body)
 std::vector<FrameRange> ReadFrames(const QJsonObject& body)
 {
     std::vector<FrameRange> ranges;
-    const QJsonArray list = RequiredList(body, "frames", mostRanges);
+    const QJsonArray list = RequiredList(body, "frames", MostRanges);
     for (const QJsonValue& value : list) {
         const QJsonObject range = value.toObject();
-        ranges.push_back({RequiredInteger(range, "start", 1, highestFrame),
-            RequiredInteger(range, "end", 1, highestFrame)});
+        ranges.push_back({RequiredInteger(range, "start", 1, HighestFrame),
+            RequiredInteger(range, "end", 1, HighestFrame)});
         if (ranges.back().last < ranges.back().first)
             throw BadInput("frames end before they start");
     }
     ranges = Disjoint(std::move(ranges));
-    if (FrameCount(ranges) > mostFrames)
+    if (FrameCount(ranges) > MostFrames)
         throw BadInput("too many frames");
     return ranges;
 }
@@ -94,21 +94,21 @@ Submission ReadSubmission(const QJsonObject& body, const QStringList& types)
 {
     Submission submission;
     NewJob& job = submission.job;
-    job.submission = NonEmptyText(body, "submission", longestSubmission);
-    job.type = RequiredText(body, "type", longestName);
+    job.submission = NonEmptyText(body, "submission", LongestSubmission);
+    job.type = RequiredText(body, "type", LongestName);
     if (!types.contains(job.type))
         throw BadInput("type is no job type of the farm");
-    job.name = NonEmptyText(body, "name", longestName);
+    job.name = NonEmptyText(body, "name", LongestName);
     if (body.contains(QLatin1String("pool")))
-        submission.pool = RequiredText(body, "pool", longestName);
+        submission.pool = RequiredText(body, "pool", LongestName);
     job.files = ReadFiles(body);
-    job.scene = RequiredText(body, "scene", longestSafePath);
+    job.scene = RequiredText(body, "scene", LongestSafePath);
     if (std::none_of(job.files.begin(), job.files.end(),
             [&job](const JobFile& file) { return file.path == job.scene; }))
         throw BadInput("scene is none of files");
     job.frames = ReadFrames(body);
-    job.width = RequiredInteger(body, "width", 1, mostPixels);
-    job.height = RequiredInteger(body, "height", 1, mostPixels);
+    job.width = RequiredInteger(body, "width", 1, MostPixels);
+    job.height = RequiredInteger(body, "height", 1, MostPixels);
     const QJsonValue prerender = body.value(QLatin1String("prerender"));
     if (!prerender.isBool())
         throw BadInput("prerender is missing or neither true nor false");

@@ -15,8 +15,8 @@ namespace farm {
 
 namespace {
 
-constexpr int mostChecksums = 1000;
-constexpr int checksumDigits = 64;
+constexpr int MostChecksums = 1000;
+constexpr int ChecksumDigits = 64;
 
 void RequireChecksum(const QString& text)
 {
@@ -27,17 +27,17 @@ void RequireChecksum(const QString& text)
 // JSON has no integers; those below 2^53 are exact.
 std::int64_t RequiredSize(const QJsonObject& body)
 {
-    constexpr double largest = 9007199254740992.0;
+    constexpr double Largest = 9007199254740992.0;
     const QJsonValue value = body.value(QLatin1String("size"));
     const double number = value.toDouble();
-    if (!value.isDouble() || !(number >= 1 && number < largest) || number != double(std::int64_t(number)))
+    if (!value.isDouble() || !(number >= 1 && number < Largest) || number != double(std::int64_t(number)))
         throw BadInput("size is missing or no number of bytes");
     return std::int64_t(number);
 }
 
 QJsonObject UploadData(const Upload& upload)
 {
-    return DataJson(UploadJson(upload, HttpServer::largestChunk));
+    return DataJson(UploadJson(upload, HttpServer::LargestChunk));
 }
 
 } // namespace
@@ -67,7 +67,7 @@ void SubmissionRoutes::AddTo(HttpServer& server)
 QJsonObject SubmissionRoutes::ListKnown(const ApiRequest& request)
 {
     const std::int64_t account = m_gate.AuthorizeTransfer(request);
-    const QStringList checksums = RequiredTexts(request.Body(), "checksums", mostChecksums);
+    const QStringList checksums = RequiredTexts(request.Body(), "checksums", MostChecksums);
     for (const QString& checksum : checksums)
         RequireChecksum(checksum);
     return DataJson(QJsonObject {
@@ -78,7 +78,7 @@ QJsonObject SubmissionRoutes::BeginUpload(const ApiRequest& request)
 {
     const std::int64_t account = m_gate.AuthorizeTransfer(request);
     const QJsonObject body = request.Body();
-    const QString checksum = RequiredText(body, "checksum", checksumDigits);
+    const QString checksum = RequiredText(body, "checksum", ChecksumDigits);
     RequireChecksum(checksum);
     return UploadData(m_uploads.Begin(account, checksum, RequiredSize(body), Now()));
 }

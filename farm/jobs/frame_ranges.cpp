@@ -8,7 +8,7 @@ namespace farm {
 namespace {
 
 // Of the jobs whose keys are a JSON array, the first value.
-constexpr const char* wantedFrames
+constexpr const char* WantedFrames
     = "WITH RECURSIVE wanted(job, number, last) AS ("
       "SELECT job, first, last FROM frame_ranges WHERE job IN (SELECT value FROM json_each(?1)) "
       "UNION ALL SELECT job, number + 1, last FROM wanted WHERE number < last) ";
@@ -41,7 +41,7 @@ void AddFrames(
     for (const FrameRange& range : ranges)
         Execute(connection, "INSERT INTO frame_ranges(job, first, last) VALUES (?, ?, ?)", job, range.first,
             range.last);
-    const std::string sql = std::string(wantedFrames)
+    const std::string sql = std::string(WantedFrames)
         + "INSERT INTO frames(job, number) SELECT job, number FROM (SELECT job, number, "
           "row_number() OVER (ORDER BY number) AS place, count(*) OVER () AS total FROM wanted) "
           "WHERE NOT ?2 OR place IN (1, (total + 1) / 2, total)";
@@ -50,7 +50,7 @@ void AddFrames(
 
 void AddMissingFrames(SQLite::Database& connection, const QString& jobs)
 {
-    const std::string sql = std::string(wantedFrames)
+    const std::string sql = std::string(WantedFrames)
         + "INSERT OR IGNORE INTO frames(job, number) SELECT job, number FROM wanted";
     Execute(connection, sql.c_str(), jobs);
 }

@@ -41,7 +41,7 @@ std::int64_t NumberOf(SQLite::Database& connection, std::int64_t job)
 }
 
 // Of `job`. Frames and charges are counted for the jobs that are read only, however they are found.
-constexpr const char* recordColumns
+constexpr const char* RecordColumns
     = "number, id, type, name, submitted_at, status, "
       "(SELECT 100 * count(finished_at) / count(*) FROM frames WHERE frames.job = job.key), "
       "(SELECT coalesce(sum(amount), 0) FROM charges WHERE charges.job = job.key), message";
@@ -91,7 +91,7 @@ JobPage JobStore::List(
         if (count.executeStep())
             result.total = count.getColumn(0).getInt64();
         SQLite::Statement list(connection,
-            std::string("SELECT ") + recordColumns + " FROM (SELECT * FROM jobs WHERE " + filter.where
+            std::string("SELECT ") + RecordColumns + " FROM (SELECT * FROM jobs WHERE " + filter.where
                 + " ORDER BY number DESC LIMIT ? OFFSET ?) AS job ORDER BY number DESC");
         BindFilter(list, filter);
         const int bound = static_cast<int>(filter.values.size());
@@ -107,7 +107,7 @@ std::optional<JobRecord> JobStore::Find(std::int64_t account, const QString& id)
 {
     return m_database.Read([&](SQLite::Database& connection) -> std::optional<JobRecord> {
         SQLite::Statement query(connection,
-            std::string("SELECT ") + recordColumns + " FROM jobs AS job WHERE account = ? AND id = ?");
+            std::string("SELECT ") + RecordColumns + " FROM jobs AS job WHERE account = ? AND id = ?");
         Bind(query, account, id);
         if (!query.executeStep())
             return std::nullopt;

@@ -15,24 +15,24 @@ namespace farm {
 
 namespace {
 
-constexpr quint64 readFiles
+constexpr quint64 ReadFiles
     = LANDLOCK_ACCESS_FS_EXECUTE | LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_READ_DIR;
 // Neither links nor devices are among it.
-constexpr quint64 writeFiles = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_READ_DIR
+constexpr quint64 WriteFiles = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_READ_DIR
     | LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_REMOVE_FILE | LANDLOCK_ACCESS_FS_REMOVE_DIR
     | LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_MAKE_DIR;
-constexpr quint64 useDevice = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_WRITE_FILE;
-constexpr quint64 ofFiles
+constexpr quint64 UseDevice = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_WRITE_FILE;
+constexpr quint64 OfFiles
     = LANDLOCK_ACCESS_FS_EXECUTE | LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_WRITE_FILE;
 // All accesses that the oldest version of Landlock knows; later ones come one by one.
-constexpr quint64 firstAccesses = (LANDLOCK_ACCESS_FS_MAKE_SYM << 1) - 1;
-constexpr quint64 truncateFiles = quint64 {1} << 14;
-constexpr int versionWithTruncate = 3;
+constexpr quint64 FirstAccesses = (LANDLOCK_ACCESS_FS_MAKE_SYM << 1) - 1;
+constexpr quint64 TruncateFiles = quint64 {1} << 14;
+constexpr int VersionWithTruncate = 3;
 
-constexpr const char* systemPaths[]
+constexpr const char* SystemPaths[]
     = {"/usr", "/bin", "/sbin", "/lib", "/lib32", "/lib64", "/etc/ld.so.cache", "/etc/ld.so.preload",
         "/etc/alternatives", "/etc/fonts", "/etc/localtime", "/etc/povray"};
-constexpr const char* devices[] = {"/dev/null", "/dev/zero", "/dev/random", "/dev/urandom"};
+constexpr const char* Devices[] = {"/dev/null", "/dev/zero", "/dev/random", "/dev/urandom"};
 
 int Version()
 {
@@ -43,7 +43,7 @@ int Version()
 
 quint64 Truncate()
 {
-    return Version() >= versionWithTruncate ? truncateFiles : 0;
+    return Version() >= VersionWithTruncate ? TruncateFiles : 0;
 }
 
 } // namespace
@@ -58,18 +58,18 @@ Confinement::Confinement(const Reach& reach, const QString& program)
     if (!IsSupported())
         return;
     landlock_ruleset_attr attributes {};
-    attributes.handled_access_fs = firstAccesses | Truncate();
+    attributes.handled_access_fs = FirstAccesses | Truncate();
     m_ruleset = static_cast<int>(
         ::syscall(SYS_landlock_create_ruleset, &attributes, sizeof(attributes.handled_access_fs), 0));
     if (m_ruleset < 0)
         throw std::runtime_error("a renderer cannot be confined");
-    for (const char* path : systemPaths)
-        Allow(QString::fromLatin1(path), readFiles);
-    for (const char* device : devices)
-        Allow(QString::fromLatin1(device), useDevice | Truncate());
-    Allow(QFileInfo(program).canonicalPath(), readFiles);
-    Allow(reach.readable, readFiles);
-    Allow(reach.writable, writeFiles | Truncate());
+    for (const char* path : SystemPaths)
+        Allow(QString::fromLatin1(path), ReadFiles);
+    for (const char* device : Devices)
+        Allow(QString::fromLatin1(device), UseDevice | Truncate());
+    Allow(QFileInfo(program).canonicalPath(), ReadFiles);
+    Allow(reach.readable, ReadFiles);
+    Allow(reach.writable, WriteFiles | Truncate());
 }
 
 Confinement::~Confinement()
@@ -89,7 +89,7 @@ void Confinement::Allow(const QString& path, quint64 access) const
     };
     const bool isFolder = ::fstat(file, &status) == 0 && S_ISDIR(status.st_mode);
     landlock_path_beneath_attr rule {};
-    rule.allowed_access = isFolder ? access : access & (ofFiles | truncateFiles);
+    rule.allowed_access = isFolder ? access : access & (OfFiles | TruncateFiles);
     rule.parent_fd = file;
     const long result = ::syscall(SYS_landlock_add_rule, m_ruleset, LANDLOCK_RULE_PATH_BENEATH, &rule, 0);
     ::close(file);

@@ -9,7 +9,7 @@ namespace farm {
 namespace {
 
 // A restart may lead to another picture while one is being opened.
-constexpr int attempts = 3;
+constexpr int Attempts = 3;
 
 Picture ReadPicture(SQLite::Statement& row)
 {
@@ -69,7 +69,7 @@ std::optional<Picture> PictureStore::Find(std::int64_t account, const QString& j
 std::optional<PictureStore::Opened> PictureStore::Open(
     std::int64_t account, const QString& job, const QString& name)
 {
-    for (int attempt = 0; attempt < attempts; ++attempt) {
+    for (int attempt = 0; attempt < Attempts; ++attempt) {
         const auto before = Find(account, job, name);
         if (!before)
             return std::nullopt;

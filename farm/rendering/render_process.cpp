@@ -16,8 +16,8 @@ namespace farm {
 namespace {
 
 // Renderers say last what went wrong.
-constexpr int outputTailBytes = 400;
-constexpr int lowestPriority = 19;
+constexpr int OutputTailBytes = 400;
+constexpr int LowestPriority = 19;
 
 std::int64_t Milliseconds(const timeval& time)
 {
@@ -91,7 +91,7 @@ void RenderProcess::Run()
 void RenderProcess::setupChildProcess()
 {
     ::setpgid(0, 0);
-    ::setpriority(PRIO_PROCESS, 0, lowestPriority);
+    ::setpriority(PRIO_PROCESS, 0, LowestPriority);
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     // A renderer must not keep the connections of clients open.
     ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
@@ -109,7 +109,7 @@ void RenderProcess::KillAll()
 void RenderProcess::CollectOutput()
 {
     m_outputTail += readAll();
-    m_outputTail = m_outputTail.right(outputTailBytes);
+    m_outputTail = m_outputTail.right(OutputTailBytes);
 }
 
 void RenderProcess::ReportExit(int exitCode, QProcess::ExitStatus status)
@@ -138,7 +138,7 @@ QString RenderProcess::Message(int exitCode, QProcess::ExitStatus status) const
     else if (status == QProcess::CrashExit)
         reason = QStringLiteral("the renderer crashed");
     // The first line may have lost its beginning.
-    const int cut = m_outputTail.size() < outputTailBytes ? 0 : m_outputTail.indexOf('\n') + 1;
+    const int cut = m_outputTail.size() < OutputTailBytes ? 0 : m_outputTail.indexOf('\n') + 1;
     const QString output = QString::fromUtf8(m_outputTail.mid(cut)).trimmed();
     return output.isEmpty() ? reason : reason + QStringLiteral("\n") + output;
 }

@@ -9,7 +9,7 @@ namespace farm {
 
 namespace {
 
-constexpr int attemptsPerFrame = 3;
+constexpr int AttemptsPerFrame = 3;
 
 std::optional<FrameKey> OpenFrame(
     SQLite::Database& connection, std::int64_t job, int run, const std::set<FrameKey>& taken)
@@ -143,7 +143,7 @@ bool RenderQueue::Fail(const FrameKey& frame, const QString& message, std::int64
                    "WHERE key IN (SELECT key FROM open_jobs WHERE key = ?1) "
                    "AND (SELECT failures FROM frames WHERE job = ?1 AND number = ?2) >= ?6",
                    frame.job, frame.number, static_cast<int>(JobStatus::Failed), now, message,
-                   attemptsPerFrame)
+                   AttemptsPerFrame)
             != 0;
     });
 }

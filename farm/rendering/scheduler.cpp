@@ -13,7 +13,7 @@ namespace farm {
 namespace {
 
 using namespace std::chrono_literals;
-constexpr auto lookInterval = 5s;
+constexpr auto LookInterval = 5s;
 
 RenderCommand CommandFor(const FrameTask& task, const JobType& type, const RenderPlace& place)
 {
@@ -47,7 +47,7 @@ Scheduler::Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& f
 {
     connect(this, &Scheduler::NudgeWanted, this, &Scheduler::Nudge, Qt::QueuedConnection);
     connect(&m_look, &QTimer::timeout, this, &Scheduler::Nudge);
-    m_look.start(lookInterval);
+    m_look.start(LookInterval);
 }
 
 void Scheduler::Nudge()

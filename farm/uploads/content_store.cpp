@@ -13,7 +13,7 @@ namespace farm {
 
 namespace {
 
-constexpr int prefixDigits = 2;
+constexpr int PrefixDigits = 2;
 
 QString Incoming()
 {
@@ -58,7 +58,7 @@ void ContentStore::RemoveStrayFiles()
 
 QString ContentStore::FileOf(const QString& checksum) const
 {
-    return QDir(m_folder).filePath(checksum.left(prefixDigits) + QLatin1Char('/') + checksum);
+    return QDir(m_folder).filePath(checksum.left(PrefixDigits) + QLatin1Char('/') + checksum);
 }
 
 QString ContentStore::NewIncomingFolder()

@@ -18,11 +18,11 @@ namespace farm {
 
 namespace {
 
-constexpr zip_int64_t mostEntries = 10000;
-constexpr qint64 mostTimesLarger = 200;
-constexpr qint64 alwaysAllowedBytes = qint64 {64} * 1024 * 1024;
-constexpr int blockBytes = 256 * 1024;
-constexpr int unixModeShift = 16;
+constexpr zip_int64_t MostEntries = 10000;
+constexpr qint64 MostTimesLarger = 200;
+constexpr qint64 AlwaysAllowedBytes = qint64 {64} * 1024 * 1024;
+constexpr int BlockBytes = 256 * 1024;
+constexpr int UnixModeShift = 16;
 
 struct CloseArchive
 {
@@ -56,7 +56,7 @@ bool IsPlainFile(zip_t* archive, zip_uint64_t index)
     zip_uint32_t attributes = 0;
     if (zip_file_get_external_attributes(archive, index, 0, &system, &attributes) != 0)
         return false;
-    const mode_t kind = (attributes >> unixModeShift) & S_IFMT;
+    const mode_t kind = (attributes >> UnixModeShift) & S_IFMT;
     return system != ZIP_OPSYS_UNIX || kind == 0 || kind == S_IFREG;
 }
 
@@ -71,10 +71,10 @@ QString PathOf(zip_t* archive, zip_uint64_t index)
 
 EntryInfo InfoOf(zip_t* archive, zip_uint64_t index)
 {
-    constexpr zip_uint64_t needed = ZIP_STAT_SIZE | ZIP_STAT_ENCRYPTION_METHOD;
+    constexpr zip_uint64_t Needed = ZIP_STAT_SIZE | ZIP_STAT_ENCRYPTION_METHOD;
     zip_stat_t stat;
     zip_stat_init(&stat);
-    if (zip_stat_index(archive, index, 0, &stat) != 0 || (stat.valid & needed) != needed)
+    if (zip_stat_index(archive, index, 0, &stat) != 0 || (stat.valid & Needed) != Needed)
         throw BadPackage("an entry of the package cannot be read");
     if (stat.encryption_method != ZIP_EM_NONE)
         throw BadPackage("an entry of the package is encrypted");
@@ -88,9 +88,9 @@ EntryInfo InfoOf(zip_t* archive, zip_uint64_t index)
 std::vector<EntryInfo> CheckedEntries(zip_t* archive, qint64 packageBytes)
 {
     const zip_int64_t count = zip_get_num_entries(archive, 0);
-    if (count < 1 || count > mostEntries)
+    if (count < 1 || count > MostEntries)
         throw BadPackage("the package has no or too many entries");
-    const qint64 mostBytes = std::max(packageBytes * mostTimesLarger, alwaysAllowedBytes);
+    const qint64 mostBytes = std::max(packageBytes * MostTimesLarger, AlwaysAllowedBytes);
     std::vector<EntryInfo> entries;
     QSet<QString> paths;
     qint64 bytes = 0;
@@ -114,7 +114,7 @@ void ReadEntry(zip_t* archive, zip_uint64_t index, qint64 announced, Take take)
     const Entry entry(zip_fopen_index(archive, index, 0));
     if (!entry)
         throw BadPackage("an entry of the package cannot be read");
-    QByteArray block(blockBytes, Qt::Uninitialized);
+    QByteArray block(BlockBytes, Qt::Uninitialized);
     qint64 total = 0;
     for (;;) {
         const zip_int64_t got = zip_fread(entry.get(), block.data(), zip_uint64_t(block.size()));

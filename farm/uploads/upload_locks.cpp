@@ -9,7 +9,7 @@ namespace farm {
 namespace {
 
 using namespace std::chrono_literals;
-constexpr auto patience = 500ms;
+constexpr auto Patience = 500ms;
 
 } // namespace
 
@@ -18,7 +18,7 @@ UploadLocks::Hold::Hold(UploadLocks& locks, const QString& id)
     , m_id(id)
 {
     std::unique_lock<std::mutex> lock(m_locks.m_mutex);
-    if (!m_locks.m_released.wait_for(lock, patience, [this] { return !m_locks.m_held.contains(m_id); }))
+    if (!m_locks.m_released.wait_for(lock, Patience, [this] { return !m_locks.m_held.contains(m_id); }))
         throw ApiRefusal {409, "conflict", QStringLiteral("another request is at work at the upload")};
     m_locks.m_held.insert(m_id);
 }

@@ -20,9 +20,9 @@ namespace farm {
 
 namespace {
 
-constexpr std::int64_t secondsKept = std::int64_t {7} * 24 * 3600;
+constexpr std::int64_t SecondsKept = std::int64_t {7} * 24 * 3600;
 // Scenes have up to 4000 files, each of which may come in a package of its own.
-constexpr int mostUnfinished = 10000;
+constexpr int MostUnfinished = 10000;
 
 ApiRefusal NoSuchUpload()
 {
@@ -137,7 +137,7 @@ Upload UploadStore::Find(std::int64_t account, const QString& id)
 
 Upload UploadStore::Begin(std::int64_t account, const QString& checksum, std::int64_t size, std::int64_t now)
 {
-    if (size > largestPackage)
+    if (size > LargestPackage)
         throw ApiRefusal {413, "too_large", QStringLiteral("packages may not be that large")};
     const std::lock_guard<std::mutex> lock(m_quotaMutex);
     const auto known = m_database.Read([&](SQLite::Database& connection) -> std::optional<QString> {
@@ -191,7 +191,7 @@ void UploadStore::CheckCount(std::int64_t account)
             connection, "SELECT count(*) FROM uploads WHERE account = ? AND unpacked IS NULL");
         Bind(query, account);
         query.executeStep();
-        if (query.getColumn(0).getInt() >= mostUnfinished)
+        if (query.getColumn(0).getInt() >= MostUnfinished)
             throw QuotaExceeded();
     });
 }
@@ -291,7 +291,7 @@ void UploadStore::Forget(const QString& id)
 
 void UploadStore::ForgetOld(std::int64_t now)
 {
-    const std::int64_t bound = now - secondsKept;
+    const std::int64_t bound = now - SecondsKept;
     const QStringList old = m_database.Read([bound](SQLite::Database& connection) {
         SQLite::Statement query(connection, "SELECT id FROM uploads WHERE touched_at <= ?");
         Bind(query, bound);

@@ -33,7 +33,7 @@ struct Upload
 class UploadStore
 {
 public:
-    static constexpr std::int64_t largestPackage = std::int64_t {8} * 1024 * 1024 * 1024;
+    static constexpr std::int64_t LargestPackage = std::int64_t {8} * 1024 * 1024 * 1024;
 
     /// Makes the folder and removes the packages that nobody waits for. Throws std::runtime_error.
     /// @param quota is what the contents and unfinished uploads of an account may take, in bytes.

@@ -15,7 +15,7 @@ public:
 
     /// Starts the farm or starts it again; without job types nothing is rendered.
     void Start(const QByteArray& types = "{}", std::int64_t quota = farm::FarmSettings().quota,
-        farm::Micros price = farm::usualPrice)
+        farm::Micros price = farm::DefaultPrice)
     {
         End();
         farm::FarmSettings settings;

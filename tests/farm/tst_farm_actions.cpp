@@ -141,7 +141,7 @@ private slots:
     void ARecoveredJobMayBeFinishedAlready()
     {
         const QString id = Add("job", 1, JobStatus::Paused);
-        RenderQueue(m_farm->data.database, usualPrice).Finish({1, 1}, {}, 1, 100);
+        RenderQueue(m_farm->data.database, DefaultPrice).Finish({1, 1}, {}, 1, 100);
         QCOMPARE(Status(id), int(JobStatus::Paused));
         m_farm->Start(ScriptedTypes(QLatin1String(gatedScript)));
         QCOMPARE(Do("recover", {id}).status, 200);
@@ -178,7 +178,7 @@ private slots:
         QVERIFY(!QFile::exists(left));
         QCOMPARE(Status(id), int(JobStatus::Running));
         // What the earlier run reports late is not counted.
-        RenderQueue(m_farm->data.database, usualPrice).Finish({1, 4, 1}, {}, 1, 100);
+        RenderQueue(m_farm->data.database, DefaultPrice).Finish({1, 4, 1}, {}, 1, 100);
         QTRY_COMPARE_WITH_TIMEOUT(Progress(id), 50, patienceMs);
         QVERIFY(OpenGate());
         QTRY_COMPARE_WITH_TIMEOUT(Status(id), int(JobStatus::Finished), patienceMs);

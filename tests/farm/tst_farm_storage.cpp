@@ -69,7 +69,7 @@ private slots:
                 "INSERT INTO frames(job, number, finished_at) VALUES (7, 1, 9), (7, 3, NULL), (7, 5, NULL)");
         });
         FarmData data(folder.path());
-        const auto next = RenderQueue(data.database, usualPrice).Next({QStringLiteral("povray")}, 0, {});
+        const auto next = RenderQueue(data.database, DefaultPrice).Next({QStringLiteral("povray")}, 0, {});
         QVERIFY(next);
         QCOMPARE(next->jobId, QStringLiteral("old"));
         QCOMPARE(next->Number(), 3);
