@@ -1,4 +1,5 @@
 #include "dialogs/vtr_listfile.h"
+#include "tests/support/disk_calls.h"
 #include "tests/support/test_tables.h"
 
 #include <QProcess>
@@ -116,6 +117,20 @@ private slots:
         timer.start();
         QVERIFY(file.Set("name"_s, QString()));
         QVERIFY(timer.elapsed() < 10000);
+    }
+
+    // A power cut loses what a kill does not: bytes and names that are not on the disk yet.
+    void IsOnTheDiskBeforeItIsAcknowledged()
+    {
+        const VTListFile file(m_path, "group"_s);
+        diskCalls.clear();
+        QVERIFY(file.Set("name"_s, "value"_s));
+        QCOMPARE(diskCalls.mid(diskCalls.size() - 3),
+            QStringList({"sync lists.ini"_s, "sync sub"_s,
+                QString("sync "_s + QFileInfo(m_folder->path()).fileName())}));
+        diskFails = true;
+        QVERIFY(!file.Set("name"_s, "other"_s));
+        diskFails = false;
     }
 
     void KillLosesNothingThatWasAcknowledged()

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QFile>
+#include <QFileInfo>
+#include <QStringList>
+
+#include <cerrno>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+/// The calls by which this program puts changes on the disk, in order: "sync <file name>" and "rename <new file name>".
+inline QStringList diskCalls;
+/// Makes syncing fail, as on a broken disk.
+inline bool diskFails = false;
+
+namespace disk_calls {
+
+inline int Sync(int file, long call)
+{
+    const QString path = QFileInfo(QStringLiteral("/proc/self/fd/%1").arg(file)).symLinkTarget();
+    diskCalls.append(QStringLiteral("sync ") + QFileInfo(path).fileName());
+    errno = EIO;
+    return diskFails ? -1 : int(::syscall(call, file));
+}
+
+} // namespace disk_calls
+
+// These replace the C library's functions in the whole test program, libraries included. Include this header in one source
+// of a test program only.
+extern "C" {
+__attribute__((visibility("default"))) int fsync(int file)
+{
+    return disk_calls::Sync(file, SYS_fsync);
+}
+__attribute__((visibility("default"))) int fdatasync(int file)
+{
+    return disk_calls::Sync(file, SYS_fdatasync);
+}
+__attribute__((visibility("default"))) int rename(const char* from, const char* to) noexcept
+{
+    diskCalls.append(QStringLiteral("rename ") + QFileInfo(QFile::decodeName(to)).fileName());
+    return int(::syscall(SYS_rename, from, to));
+}
+}
