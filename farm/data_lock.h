@@ -4,13 +4,12 @@
 
 namespace farm {
 
-/// Holds a data folder for one farm at a time.
-/// The system lets go of it when the process ends, however it ends.
+/// Reserves a data folder for one farm. The system releases it when the process ends, however it ends.
 class DataLock
 {
 public:
-    /// Waits up to `waitMs` for a farm that is just ending.
-    /// Throws std::runtime_error when the folder stays taken.
+    /// Waits up to `waitMs` milliseconds for a farm that is ending.
+    /// Throws std::runtime_error when another farm keeps the folder.
     DataLock(const QString& folder, int waitMs);
     ~DataLock();
 

@@ -50,7 +50,7 @@ struct LiveJob
     JobStatus status;
 };
 
-// The first one is finished within a minute, so that there are pictures to fetch.
+// The first job is finished within a minute, so that there are pictures to fetch.
 constexpr std::array<LiveJob, 10> LiveJobs {{
     {"water_test", "ripples.pov", 6, JobStatus::Running},
     {"harbour_sh110", "lighthouse.pov", 120, JobStatus::Running},
@@ -104,7 +104,7 @@ NewJob PastJob(int index, std::int64_t now)
     NewJob job;
     job.type = QStringLiteral("povray");
     job.name = QStringLiteral("%1_sh%2").arg(QLatin1String(sequence.name)).arg(shot, 3, 10, QLatin1Char('0'));
-    // Names are the users' business: this one keeps whoever shows them honest.
+    // Users may choose any name; this one shows whether a client takes names for markup.
     if (index == PastJobs - 1)
         job.name = QStringLiteral("<b>title</b>_v2");
     if (index == PastJobs - 6) {
@@ -120,7 +120,7 @@ NewJob PastJob(int index, std::int64_t now)
     return job;
 }
 
-// What rendering would have left, written in bulk; there are no pictures of these frames.
+// Records the job as if it had been rendered, but without pictures.
 void AddPastJob(SQLite::Database& connection, JobStore& jobs, const NewJob& job)
 {
     const std::int64_t key = jobs.Add(job).key;
@@ -185,7 +185,7 @@ void AddStudio(SQLite::Database& connection, AccountStore& accounts, JobStore& j
     }
 }
 
-// An account whose money ran out while a job was being rendered and others were waiting.
+// An account whose balance was spent while one job was being rendered and others were waiting.
 void AddArrears(SQLite::Database& connection, AccountStore& accounts, JobStore& jobs, std::int64_t now)
 {
     constexpr std::array<JobStatus, 5> Statuses {JobStatus::Finished, JobStatus::Finished,

@@ -9,8 +9,8 @@ namespace farm {
 class AccountStore;
 class JobStore;
 
-/// Fills an empty farm with the accounts "demo", "studio" and "arrears" and three weeks of their jobs. Gives "demo" jobs
-/// to render whenever it has none left, so that there is always something to see. Other farms are left alone.
+/// Fills an empty farm with the accounts "demo", "studio" and "arrears" and three weeks of their jobs. If "demo" has no open
+/// job left, it gets new ones, so that there is always something to see. A farm without these accounts stays as it is.
 void ProvideDemo(Database& database, AccountStore& accounts, JobStore& jobs, std::int64_t now);
 
 } // namespace farm

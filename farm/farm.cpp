@@ -14,7 +14,7 @@ namespace farm {
 
 namespace {
 
-constexpr int LockWaitMs = 5000;
+constexpr int LockWait = 5000; // ms
 constexpr std::chrono::hours ForgetInterval {1};
 
 } // namespace
@@ -22,7 +22,7 @@ constexpr std::chrono::hours ForgetInterval {1};
 Farm::Farm(const FarmSettings& settings)
     : m_settings(settings)
     , m_dataFolder(MakeFolder(settings.dataFolder))
-    , m_lock(m_dataFolder, LockWaitMs)
+    , m_lock(m_dataFolder, LockWait)
     , m_database(DatabaseFile(m_dataFolder), Schema())
     , m_accounts(m_database, settings.sessionSeconds)
     , m_jobs(m_database)
@@ -34,40 +34,34 @@ Farm::Farm(const FarmSettings& settings)
     , m_files(Folder("jobs"), m_scenes)
     , m_pictures(m_database, m_files)
     , m_executor(settings.slotCount)
-    , m_scheduler(m_queue, m_executor, m_files, m_types)
+    , m_scheduler(m_queue, m_executor, m_files, m_types, settings.lookInterval)
     , m_actions(m_database, [this] { m_scheduler.NudgeLater(); })
     , m_submission(m_database, m_jobs, m_contents, m_types.keys(), settings.quota,
           [this] { m_scheduler.NudgeLater(); })
-    , m_gate(m_accounts, settings.limits.requestsByAccount, settings.limits.transfersByAccount)
-    , m_routes(m_gate, m_accounts, m_jobs, m_actions, settings.limits)
-    , m_submissionRoutes(m_gate, m_contents, m_uploads, m_submission)
-    , m_frameRoutes(m_gate, m_pictures)
+    , m_http(
+          {m_accounts, m_contents, m_uploads, m_jobs, m_actions, m_submission, m_pictures}, settings.limits)
 {
     ForgetOldUploads();
-    QObject::connect(&m_forgetting, &QTimer::timeout, [this] { ForgetOldUploads(); });
-    m_forgetting.start(ForgetInterval);
+    QObject::connect(&m_forgetTimer, &QTimer::timeout, [this] { ForgetOldUploads(); });
+    m_forgetTimer.start(ForgetInterval);
     if (settings.demo)
         ProvideDemo(m_database, m_accounts, m_jobs, Now());
-    m_routes.AddTo(m_server);
-    m_submissionRoutes.AddTo(m_server);
-    m_frameRoutes.AddTo(m_server);
-    m_port = m_server.Start(settings.address, settings.port);
+    m_port = m_http.Start(settings.address, settings.port);
     m_scheduler.Nudge();
 }
 
-// Renderers end at once; requests in work may take a moment.
 Farm::~Farm()
 {
-    m_forgetting.stop();
-    m_uploads.Interrupt();
+    // Renderers first: a client that keeps its connection may force the process to exit while the server is stopping.
     m_scheduler.Stop();
-    m_server.Stop();
+    m_uploads.Interrupt();
+    m_http.Stop();
 }
 
 QString Farm::MakeFolder(const QString& path)
 {
     if (path.isEmpty() || !QDir().mkpath(path))
-        throw std::runtime_error("cannot make the data folder");
+        throw std::runtime_error("cannot create the data folder");
     return QDir(path).absolutePath();
 }
 
@@ -80,10 +74,8 @@ void Farm::ForgetOldUploads()
 {
     try {
         m_uploads.ForgetOld(Now());
-    } catch (const ApiRefusal&) {
-        // Somebody is just touching one.
     } catch (const std::exception& error) {
-        spdlog::error("old uploads cannot be forgotten, trying again: {}", error.what());
+        spdlog::error("old uploads cannot be removed; the farm tries again in an hour: {}", error.what());
     }
 }
 

@@ -3,11 +3,7 @@
 #include "farm/accounts/account_store.h"
 #include "farm/base/schema.h"
 #include "farm/data_lock.h"
-#include "farm/http/frame_routes.h"
-#include "farm/http/http_server.h"
-#include "farm/http/request_gate.h"
-#include "farm/http/account_routes.h"
-#include "farm/http/upload_routes.h"
+#include "farm/http/http_api.h"
 #include "farm/jobs/job_actions.h"
 #include "farm/jobs/job_store.h"
 #include "farm/jobs/job_submission.h"
@@ -20,40 +16,46 @@
 #include "farm/uploads/content_store.h"
 #include "farm/uploads/upload_store.h"
 
+#include <chrono>
+
 namespace farm {
 
 struct FarmSettings
 {
-    /// Holds the database and the jobs' files; made when it is missing.
+    /// Holds the database and all files; created when it is missing.
     QString dataFolder;
+    /// Holds the scenes that come with the farm.
     QString sceneFolder;
     QString jobTypesFile;
     QString address = QStringLiteral("127.0.0.1");
     /// 0 takes a free one.
     int port = 0;
-    /// Frames rendered at a time.
+    /// How many frames are rendered at a time.
     int slotCount = 1;
+    /// How often the scheduler looks at the jobs without being told that they have changed.
+    std::chrono::milliseconds lookInterval {5000};
     Micros pricePerCoreSecond = DefaultPrice;
     std::int64_t sessionSeconds = std::int64_t {7} * 24 * 3600;
-    /// Makes the demo accounts in an empty farm and keeps them supplied with work.
+    /// Creates the demo accounts in an empty farm and keeps "demo" supplied with jobs.
     bool demo = true;
-    /// What the contents and unfinished uploads of an account may take, in bytes.
+    /// How many bytes the contents and unfinished uploads of an account may take.
     std::int64_t quota = std::int64_t {20} * 1024 * 1024 * 1024;
     RequestLimits limits;
 };
 
-/// A farm at work: from construction to destruction it serves requests and renders.
+/// A running farm: from construction to destruction it serves requests and renders.
 class Farm
 {
 public:
-    /// Throws std::exception when the data, the job types or the port cannot be had.
+    /// Throws std::exception when the data folder or the port cannot be used or the job types cannot be read.
     explicit Farm(const FarmSettings& settings);
+    /// Ends renderers at once and waits for the requests being served.
     ~Farm();
 
-    /// The database in a farm's data folder.
+    /// The path of the database in a data folder.
     static QString DatabaseFile(const QString& dataFolder);
 
-    /// For example "http://127.0.0.1:40123".
+    /// Where clients reach the farm, for example "http://127.0.0.1:40123".
     QString Url() const;
 
 private:
@@ -78,12 +80,8 @@ private:
     Scheduler m_scheduler;
     JobActions m_actions;
     JobSubmission m_submission;
-    RequestGate m_gate;
-    Routes m_routes;
-    SubmissionRoutes m_submissionRoutes;
-    FrameRoutes m_frameRoutes;
-    QTimer m_forgetting;
-    HttpServer m_server;
+    HttpApi m_http;
+    QTimer m_forgetTimer;
     int m_port = 0;
 };
 

@@ -31,12 +31,12 @@ struct Options
 {
     farm::FarmSettings settings;
     bool stopWithStdin = false;
-    /// Pay into this account instead of serving.
+    /// The account to pay into instead of serving; empty to serve.
     QString creditAccount;
     farm::Micros creditAmount = 0;
 };
 
-// Write end of the pipe that carries a signal from its handler into the event loop.
+// The write end of the pipe that carries a signal from its handler into the event loop.
 int signalPipe = -1;
 
 void HandleSignal(int)
@@ -49,7 +49,7 @@ std::unique_ptr<QSocketNotifier> QuitOnSignals()
 {
     int ends[2] = {};
     if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0)
-        throw std::runtime_error("cannot make a pipe");
+        throw std::runtime_error("cannot create a pipe");
     signalPipe = ends[1];
     auto notifier = std::make_unique<QSocketNotifier>(ends[0], QSocketNotifier::Read);
     QObject::connect(notifier.get(), &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
@@ -119,7 +119,7 @@ void SetLogLevel(const QString& level)
 void AddOptions(QCommandLineParser& parser)
 {
     const QString beside = QCoreApplication::applicationDirPath() + QStringLiteral("/farm/");
-    // One core is left to the people at the machine.
+    // One core stays free for the people at the machine.
     const QString freeCores = QString::number(std::max(1, QThread::idealThreadCount() - 1));
     const QString price = QString::number(double(farm::DefaultPrice) / 1e6);
     parser.addHelpOption();
@@ -132,18 +132,18 @@ void AddOptions(QCommandLineParser& parser)
             QStringLiteral("port"), QStringLiteral("0")},
         {QStringLiteral("slots"), QStringLiteral("Frames rendered at a time."), QStringLiteral("number"),
             freeCores},
-        {QStringLiteral("quota"), QStringLiteral("What the files of an account may take."),
+        {QStringLiteral("quota"), QStringLiteral("Space for the files of each account."),
             QStringLiteral("GiB"), QStringLiteral("20")},
         {QStringLiteral("price"), QStringLiteral("Price of a core-second."), QStringLiteral("amount"), price},
         {QStringLiteral("job-types"), QStringLiteral("File that says how job types are rendered."),
             QStringLiteral("file"), beside + QStringLiteral("job_types.json")},
         {QStringLiteral("scenes"), QStringLiteral("Folder of the scenes that jobs may name."),
             QStringLiteral("folder"), beside + QStringLiteral("scenes")},
-        {QStringLiteral("no-demo"), QStringLiteral("Make no demo accounts and jobs.")},
+        {QStringLiteral("no-demo"), QStringLiteral("Create no demo accounts and jobs.")},
         {QStringLiteral("credit"),
-            QStringLiteral("Pay <amount>, the argument after the name, into this account and end."),
+            QStringLiteral("Pay an amount, given after the name, into this account, then exit."),
             QStringLiteral("name> <amount")},
-        {QStringLiteral("stop-with-stdin"), QStringLiteral("End at the end of standard input.")},
+        {QStringLiteral("stop-with-stdin"), QStringLiteral("Exit at the end of standard input.")},
         {QStringLiteral("log-level"), QStringLiteral("trace, debug, info, warning, error, critical or off."),
             QStringLiteral("level"), QStringLiteral("info")},
     });
@@ -179,7 +179,7 @@ Options ReadOptions()
     return options;
 }
 
-/// Safe also while the farm runs: the balance is changed in one transaction.
+/// May be used while the farm runs: the balance is changed in one transaction.
 int PayIn(const Options& options)
 {
     const QString file = farm::Farm::DatabaseFile(options.settings.dataFolder);
@@ -187,10 +187,8 @@ int PayIn(const Options& options)
         throw std::runtime_error("there is no farm in the data folder");
     farm::Database database(file, farm::Schema());
     farm::AccountStore accounts(database, 0);
-    const auto balance = accounts.Credit(options.creditAccount, options.creditAmount);
-    if (!balance)
-        throw std::runtime_error("the farm has no such account");
-    std::printf("balance: %s %s\n", qPrintable(farm::MoneyText(*balance)), qPrintable(farm::Currency()));
+    const farm::Micros balance = accounts.Credit(options.creditAccount, options.creditAmount);
+    std::printf("balance: %s %s\n", qPrintable(farm::MoneyText(balance)), qPrintable(farm::Currency()));
     return 0;
 }
 
@@ -203,7 +201,7 @@ int Run(const Options& options)
     std::fflush(stdout);
     const int result = QCoreApplication::exec();
     spdlog::info("ending");
-    // A client that keeps its connection must not keep the farm; what was acknowledged is on the disk.
+    // A client that keeps its connection must not hold up the end. Everything acknowledged is on the disk.
     std::thread([] {
         std::this_thread::sleep_for(LongestEnd);
         std::_Exit(0);
@@ -216,7 +214,7 @@ int Run(const Options& options)
 int main(int argc, char** argv)
 {
     spdlog::set_default_logger(spdlog::stderr_color_mt("farm"));
-    // The data hold password hashes and other people's pictures.
+    // The data folder holds password hashes and other people's pictures.
     ::umask(077);
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("quillstar-farmd"));
@@ -225,7 +223,7 @@ int main(int argc, char** argv)
         const Options options = ReadOptions();
         return options.creditAccount.isEmpty() ? Run(options) : PayIn(options);
     } catch (const std::exception& error) {
-        spdlog::critical("cannot go on: {}", error.what());
+        spdlog::critical("quillstar-farmd cannot run: {}", error.what());
         return 1;
     }
 }

@@ -7,12 +7,12 @@ namespace storage {
 
 namespace {
 
-constexpr int BusyTimeoutMs = 5000;
+constexpr int BusyTimeout = 5000; // ms
 
 } // namespace
 
 Database::Database(const QString& path, const Migrations& migrations)
-    : m_connection(path.toStdString(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, BusyTimeoutMs)
+    : m_connection(path.toStdString(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, BusyTimeout)
 {
     m_connection.exec("PRAGMA journal_mode = WAL");
     m_connection.exec("PRAGMA synchronous = FULL");
@@ -25,7 +25,7 @@ void Database::Migrate(const Migrations& migrations)
     const int known = static_cast<int>(migrations.size());
     const int found = m_connection.execAndGet("PRAGMA user_version").getInt();
     if (found > known)
-        throw std::runtime_error("the data were written by a newer version");
+        throw std::runtime_error("the data folder was written by a newer version of this program");
     for (int version = found; version < known; ++version) {
         Write([&migrations, version](SQLite::Database& connection) {
             connection.exec(migrations.at(static_cast<std::size_t>(version)));

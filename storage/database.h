@@ -11,19 +11,19 @@
 
 namespace storage {
 
-/// SQL scripts; number n leads from schema version n to n + 1. Those that were released are never changed.
+/// SQL scripts: number n leads from schema version n to n + 1. A released script is never changed.
 using Migrations = std::vector<const char*>;
 
-/// A database file: one connection, used by one thread at a time.
+/// A database file over one connection, which threads use in turns.
 /// Every change is on the disk when Write() returns. Errors are thrown as SQLite::Exception.
 class Database
 {
 public:
     /// Opens or creates the file and brings its schema up to date.
-    /// Throws std::runtime_error when a newer program has written it.
+    /// Throws std::runtime_error when a newer version of the program has written it.
     Database(const QString& path, const Migrations& migrations);
 
-    /// Runs `work(SQLite::Database&)` while nobody else uses the connection.
+    /// Runs `work(SQLite::Database&)` while no other thread uses the connection.
     template <typename Work>
     auto Read(Work work)
     {
@@ -31,8 +31,8 @@ public:
         return work(m_connection);
     }
 
-    /// Runs `work(SQLite::Database&)` as one transaction; an exception leaves everything as it was.
-    /// Inside of another Write() it becomes part of that one, which must let its exceptions pass.
+    /// Runs `work(SQLite::Database&)` as one transaction; an exception rolls it back.
+    /// A Write() inside another one joins its transaction; the outer `work` must not catch the inner one's exceptions.
     template <typename Work>
     auto Write(Work work)
     {
@@ -65,12 +65,13 @@ void BindAt(SQLite::Statement& statement, int index, const Value& value)
     if constexpr (std::is_same_v<Value, QString>)
         statement.bind(index, value.toStdString());
     else if constexpr (std::is_integral_v<Value>)
-        statement.bind(index, static_cast<std::int64_t>(value)); // qint64 is another type than that one
+        statement.bind(
+            index, static_cast<std::int64_t>(value)); // qint64 and std::int64_t are different types here
     else
         statement.bind(index, value);
 }
 
-/// Gives the placeholders their values, from the first on.
+/// Binds the values to the placeholders in order, beginning with the first.
 template <typename... Values>
 void Bind(SQLite::Statement& statement, const Values&... values)
 {
@@ -78,7 +79,7 @@ void Bind(SQLite::Statement& statement, const Values&... values)
     (BindAt(statement, ++index, values), ...);
 }
 
-/// Runs a statement that returns no rows; returns how many rows it changed.
+/// Runs a statement that yields no rows; returns how many rows it changed.
 template <typename... Values>
 int Execute(SQLite::Database& connection, const char* sql, const Values&... values)
 {

@@ -1,26 +1,29 @@
 #include "storage/durable_file.h"
 
-#include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
 
-#include <algorithm>
 #include <cstdio>
 #include <fcntl.h>
 #include <stdexcept>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace storage {
 
 namespace {
 
-constexpr qint64 BlockBytes = 1024 * 1024;
-constexpr int ChecksumDigits = 64;
-
-bool IsLowerHexDigit(QChar character)
+bool WriteAndSync(int file, std::int64_t offset, const QByteArray& bytes)
 {
-    return (character >= QLatin1Char('0') && character <= QLatin1Char('9'))
-        || (character >= QLatin1Char('a') && character <= QLatin1Char('f'));
+    int written = 0;
+    while (written < bytes.size()) {
+        const ssize_t count = ::pwrite(file, bytes.constData() + written,
+            static_cast<std::size_t>(bytes.size() - written), off_t(offset + written));
+        if (count <= 0)
+            return false;
+        written += static_cast<int>(count);
+    }
+    return ::fsync(file) == 0;
 }
 
 } // namespace
@@ -45,28 +48,20 @@ void RenameDurably(const QString& from, const QString& to)
     SyncToDisk(QFileInfo(to).path());
 }
 
-QString FileChecksum(const QString& path, const std::function<bool(qint64)>& onBytes)
+void AppendDurably(const QString& path, std::int64_t offset, const QByteArray& bytes)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw std::runtime_error("cannot read a file: " + file.errorString().toStdString());
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    QByteArray block(BlockBytes, Qt::Uninitialized);
-    for (;;) {
-        const qint64 got = file.read(block.data(), block.size());
-        if (got < 0)
-            throw std::runtime_error("cannot read a file: " + file.errorString().toStdString());
-        if (got == 0)
-            return QString::fromLatin1(hash.result().toHex());
-        hash.addData(block.constData(), static_cast<int>(got));
-        if (onBytes && !onBytes(got))
-            return {};
-    }
-}
-
-bool IsChecksum(const QString& text)
-{
-    return text.size() == ChecksumDigits && std::all_of(text.cbegin(), text.cend(), IsLowerHexDigit);
+    const int file
+        = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    const bool done = file >= 0 && WriteAndSync(file, offset, bytes);
+    if (file >= 0 && !done && ::ftruncate(file, off_t(offset)) != 0)
+        QFile::remove(path);
+    if (file >= 0)
+        ::close(file);
+    if (!done)
+        throw std::runtime_error("cannot append to a file");
+    // A new file is on the disk only when its folder is.
+    if (offset == 0)
+        SyncToDisk(QFileInfo(path).path());
 }
 
 } // namespace storage

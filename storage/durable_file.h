@@ -1,24 +1,22 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
-#include <functional>
+#include <cstdint>
 
+/// Changes to files that survive a power cut. All functions throw std::runtime_error when the disk refuses.
 namespace storage {
 
-/// Returns when the file or folder is on the disk. Throws std::runtime_error.
+/// Returns when the file or folder is on the disk.
 void SyncToDisk(const QString& path);
 
-/// Gives a complete file its final name, in place of a file that may have it already; both names are in one folder.
-/// The file and its name are on the disk when it returns. Throws std::runtime_error.
+/// Moves a complete file or folder to its final name on the same disk; a file that has this name already is replaced.
+/// Content and name are on the disk when it returns.
 void RenameDurably(const QString& from, const QString& to);
 
-/// The SHA-256 of a file as 64 lower-case hexadecimal digits. Throws std::runtime_error when it cannot be read.
-/// @param onBytes is told how many bytes have been read since it was last called; false ends the reading early, with an
-/// empty result.
-QString FileChecksum(const QString& path, const std::function<bool(qint64)>& onBytes = {});
-
-/// Whether the text is such a checksum.
-bool IsChecksum(const QString& text);
+/// Writes the bytes at `offset`, the present end of the file, which is created when `offset` is 0. They are on the disk
+/// when it returns; when they cannot be written, the file is cut back to `offset`.
+void AppendDurably(const QString& path, std::int64_t offset, const QByteArray& bytes);
 
 } // namespace storage

@@ -11,8 +11,8 @@ set(ROOM_RULES
     "farm/base: storage"
     "farm/accounts: farm/base storage"
     "farm/uploads: farm/base storage"
-    "farm/jobs: farm/uploads farm/base storage"
-    "farm/rendering: farm/jobs farm/uploads farm/base storage"
+    "farm/jobs: farm/uploads farm/accounts farm/base storage"
+    "farm/rendering: farm/jobs farm/uploads farm/accounts farm/base storage"
     "farm/http: farm/rendering farm/jobs farm/uploads farm/accounts farm/base storage"
     "farm: farm/http farm/rendering farm/jobs farm/uploads farm/accounts farm/base storage"
 )

@@ -1,6 +1,7 @@
 #include "farm/accounts/account_store.h"
 
 #include "farm/accounts/secrets.h"
+#include "farm/base/errors.h"
 
 namespace farm {
 
@@ -115,12 +116,12 @@ Account AccountStore::Info(std::int64_t account)
     });
 }
 
-std::optional<Micros> AccountStore::Credit(const QString& name, Micros amount)
+Micros AccountStore::Credit(const QString& name, Micros amount)
 {
-    return m_database.Write([&](SQLite::Database& connection) -> std::optional<Micros> {
+    return m_database.Write([&](SQLite::Database& connection) {
         const auto account = Find(name);
         if (!account)
-            return std::nullopt;
+            throw NotFound("the farm has no such account");
         Execute(connection, "UPDATE accounts SET balance = balance + ?2 WHERE key = ?1", *account, amount);
         return Info(*account).balance;
     });

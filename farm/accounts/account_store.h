@@ -18,6 +18,7 @@ struct NewAccount
     QString password;
     bool bound = false;
     Micros balance = 0;
+    /// Only accounts that are bound have one.
     Micros secondBalance = 0;
 };
 
@@ -41,30 +42,34 @@ struct Session
     QString token;
 };
 
-/// Accounts, their sessions and their projects. Times are seconds since the epoch.
+/// Accounts, their sessions and their projects. May be used by several threads at a time.
+/// Accounts are known by a key; times are seconds since the epoch.
 class AccountStore
 {
 public:
-    /// Sessions end `sessionSeconds` after sign-in.
+    /// A session ends `sessionSeconds` after it began.
     AccountStore(Database& database, std::int64_t sessionSeconds);
 
-    /// Returns the account's key; throws SQLite::Exception when name or e-mail address is taken.
+    /// Returns the account's key; throws SQLite::Exception when the name or the e-mail address is taken.
     std::int64_t Add(const NewAccount& account);
+    /// Returns the project's key.
     std::int64_t AddProject(std::int64_t account, const Project& project);
 
-    /// `name` is the account's name or e-mail address, in any case. Nothing when it or the password is wrong.
+    /// `name` is the account's name or e-mail address in any case. Nothing when the name or the password is wrong.
     std::optional<Session> SignIn(const QString& name, const QString& password, std::int64_t now);
-    /// Harmless when the session has ended already.
+    /// Does nothing when the session has ended already.
     void SignOut(const QString& token);
-    /// The key of the account whose session this is, while the session lasts.
+    /// The account whose session this is; nothing once the session has ended.
     std::optional<std::int64_t> AccountOf(const QString& token, std::int64_t now);
 
     bool IsEmpty();
-    /// The key of the account with this name.
+    /// The account with this name or e-mail address.
     std::optional<std::int64_t> Find(const QString& name);
     Account Info(std::int64_t account);
-    /// Pays the amount in; returns the new balance, or nothing when there is no account with this name.
-    std::optional<Micros> Credit(const QString& name, Micros amount);
+    /// Pays the amount into the account with this name or e-mail address and returns the new balance.
+    /// Throws NotFound.
+    Micros Credit(const QString& name, Micros amount);
+    /// In the order of their names.
     std::vector<Project> Projects(std::int64_t account);
 
     std::int64_t SessionSeconds() const { return m_sessionSeconds; }

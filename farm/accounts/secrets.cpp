@@ -1,5 +1,7 @@
 #include "farm/accounts/secrets.h"
 
+#include "farm/base/random.h"
+
 #include <array>
 #include <mutex>
 #include <sodium.h>
@@ -9,46 +11,31 @@ namespace farm {
 
 namespace {
 
-void EnsureSodium()
-{
-    static const bool ready = sodium_init() >= 0;
-    if (!ready)
-        throw std::runtime_error("no source of random numbers");
-}
-
-// One password at a time: each takes 64 MiB, and a crowd of sign-ins must not take the machine's memory.
+// One password at a time: each takes 64 MiB, and a crowd of sign-ins must not use up the machine's memory.
 std::mutex& PasswordMutex()
 {
     static std::mutex mutex;
     return mutex;
 }
 
-QByteArray RandomBytes(int count)
-{
-    EnsureSodium();
-    QByteArray bytes(count, '\0');
-    randombytes_buf(bytes.data(), static_cast<std::size_t>(count));
-    return bytes;
-}
-
 } // namespace
 
 QString HashPassword(const QString& password)
 {
-    EnsureSodium();
+    PrepareSodium();
     const std::lock_guard<std::mutex> lock(PasswordMutex());
     const QByteArray plain = password.toUtf8();
     std::array<char, crypto_pwhash_STRBYTES> stored {};
     if (crypto_pwhash_str(stored.data(), plain.constData(), static_cast<unsigned long long>(plain.size()),
             crypto_pwhash_OPSLIMIT_INTERACTIVE, crypto_pwhash_MEMLIMIT_INTERACTIVE)
         != 0)
-        throw std::runtime_error("not enough memory to hash a password");
+        throw std::runtime_error("there is not enough memory to hash a password");
     return QString::fromLatin1(stored.data());
 }
 
 bool PasswordMatches(const QString& password, const QString& stored)
 {
-    // Without this an unknown name would be told from a wrong password by the time the answer takes.
+    // An unknown name takes as long as a wrong password, so that the time does not tell which names exist.
     static const QByteArray nobody = HashPassword(QString::fromLatin1(RandomBytes(16).toHex())).toLatin1();
     const std::lock_guard<std::mutex> lock(PasswordMutex());
     const QByteArray plain = password.toUtf8();
@@ -67,18 +54,13 @@ QString NewToken()
 
 QString HashToken(const QString& token)
 {
-    EnsureSodium();
+    PrepareSodium();
     const QByteArray text = token.toUtf8();
     QByteArray hash(crypto_generichash_BYTES, '\0');
     crypto_generichash(reinterpret_cast<unsigned char*>(hash.data()), static_cast<std::size_t>(hash.size()),
         reinterpret_cast<const unsigned char*>(text.constData()),
         static_cast<unsigned long long>(text.size()), nullptr, 0);
     return QString::fromLatin1(hash.toHex());
-}
-
-QString NewId()
-{
-    return QString::fromLatin1(RandomBytes(12).toHex());
 }
 
 } // namespace farm

@@ -2,22 +2,20 @@
 
 #include <QString>
 
-/// Passwords and session tokens; the only place that knows how they are kept.
+/// How passwords and session tokens are kept; no other code knows.
 namespace farm {
 
 /// The text to store for a password. Takes about a tenth of a second and 64 MiB.
 QString HashPassword(const QString& password);
 
-/// As dear as HashPassword(). `stored` may be empty: then the answer is no, after the same time.
+/// Whether this is the password that `stored` was made from. Takes as long as HashPassword(), also when `stored` is empty,
+/// which no password matches.
 bool PasswordMatches(const QString& password, const QString& stored);
 
 /// 256 random bits as text that can stand in a header.
 QString NewToken();
 
-/// What is stored of a token, so that the database does not give sessions away.
+/// The text to store for a token, which does not reveal the token.
 QString HashToken(const QString& token);
-
-/// 96 random bits as hexadecimal digits, for identities that cannot be guessed.
-QString NewId();
 
 } // namespace farm

@@ -2,13 +2,56 @@
 
 #include <stdexcept>
 
+/// Why the farm does not do what it was asked to do. The texts are sentences for whoever asked; of the request they
+/// repeat nothing but the names of its members.
 namespace farm {
 
-/// A request cannot be read. The text is for its sender and repeats nothing of the request but key names.
-class BadInput : public std::runtime_error
+class Refusal : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
+};
+
+/// The request itself is wrong: something is missing, has another type or is out of range.
+class InvalidInput : public Refusal
+{
+public:
+    using Refusal::Refusal;
+};
+
+/// There is no such thing, or it belongs to another account.
+class NotFound : public Refusal
+{
+public:
+    using Refusal::Refusal;
+};
+
+/// The request does not fit the present state, which whoever asked should look at again.
+class Conflict : public Refusal
+{
+public:
+    using Refusal::Refusal;
+};
+
+/// Another request is being served with the same thing.
+class Busy : public Conflict
+{
+public:
+    using Conflict::Conflict;
+};
+
+/// More than the farm accepts from anybody.
+class TooLarge : public Refusal
+{
+public:
+    using Refusal::Refusal;
+};
+
+/// More than the account may take.
+class QuotaExceeded : public Refusal
+{
+public:
+    using Refusal::Refusal;
 };
 
 } // namespace farm

@@ -6,19 +6,19 @@
 
 namespace farm {
 
-/// An amount in millionths of the currency unit, so that sums stay exact.
+/// An amount in millionths of the currency unit: integers, so that sums stay exact.
 using Micros = std::int64_t;
 
-/// The price of a core-second where none is set.
+/// The price of a core-second unless the farm is started with another one.
 constexpr Micros DefaultPrice = 10'000;
 
-/// The one currency of the farm.
+/// The code of the currency in which the farm charges.
 QString Currency();
 
-/// Rounded to two decimals, for example "12.50" or "-0.05".
+/// The amount rounded to two decimals, for example "12.50" or "-0.05".
 QString MoneyText(Micros amount);
 
-/// What `coreMilliseconds` cost at `pricePerCoreSecond`, rounded to the nearest millionth.
+/// The price of `coreMilliseconds` of processor time, rounded to the nearest millionth.
 Micros Charge(std::int64_t coreMilliseconds, Micros pricePerCoreSecond);
 
 } // namespace farm

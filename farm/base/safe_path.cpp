@@ -8,7 +8,7 @@ namespace farm {
 
 namespace {
 
-constexpr int LongestPart = 255;
+constexpr int LongestPart = 255; // bytes
 constexpr int MostParts = 64;
 
 bool IsUnsafe(QChar character)
@@ -28,7 +28,7 @@ bool IsSafePart(const QString& part)
 bool IsSafePath(const QString& path)
 {
     const bool hasDrive = path.size() >= 2 && path.at(1) == QLatin1Char(':') && path.at(0).isLetter();
-    // Half of a surrogate pair has no name on the disk of its own.
+    // Half of a surrogate pair cannot be written as UTF-8, so two such paths could become one file.
     const QByteArray bytes = path.toUtf8();
     if (hasDrive || bytes.size() > LongestSafePath || QString::fromUtf8(bytes) != path
         || std::any_of(path.cbegin(), path.cend(), IsUnsafe))

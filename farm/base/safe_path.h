@@ -4,10 +4,12 @@
 
 namespace farm {
 
-/// Whether a path that came from outside can be used below a folder: relative, with `/` between parts that name
-/// something (no `.`, no `..`), without a drive, backslashes and control characters, and not longer than file systems
-/// allow (255 bytes a part, 1024 in all).
+/// The most bytes that a path from outside may have.
 constexpr int LongestSafePath = 1024;
+
+/// Whether a path from outside can be used below a folder: relative, its parts separated by `/` and none of them empty,
+/// `.` or `..`, without a drive, backslashes and control characters, and not longer than file systems allow (255 bytes
+/// a part, 64 parts, LongestSafePath in all).
 bool IsSafePath(const QString& path);
 
 } // namespace farm

@@ -100,6 +100,19 @@ QJsonObject UploadJson(const Upload& upload, int chunkSize)
     };
 }
 
+QJsonArray PackedFilesJson(const std::vector<PackedFile>& files)
+{
+    QJsonArray list;
+    for (const PackedFile& file : files) {
+        list.append(QJsonObject {
+            {QStringLiteral("path"), file.path},
+            {QStringLiteral("size"), file.size},
+            {QStringLiteral("checksum"), file.checksum},
+        });
+    }
+    return list;
+}
+
 QJsonArray PicturesJson(const std::vector<Picture>& pictures)
 {
     QJsonArray list;

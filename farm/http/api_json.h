@@ -2,7 +2,7 @@
 
 #include "farm/accounts/account_store.h"
 #include "farm/jobs/job_store.h"
-#include "farm/rendering/frame_task.h"
+#include "farm/rendering/picture.h"
 #include "farm/uploads/upload_store.h"
 
 #include <QJsonArray>
@@ -16,10 +16,13 @@ QJsonObject AccountJson(const Account& account);
 QJsonArray ProjectsJson(const std::vector<Project>& projects);
 QJsonObject JobPageJson(const JobPage& page);
 QJsonObject JobInfoJson(const JobRecord& job, const JobPlan& plan);
+/// @param chunkSize is the most bytes that one request may append.
 QJsonObject UploadJson(const Upload& upload, int chunkSize);
+QJsonArray PackedFilesJson(const std::vector<PackedFile>& files);
 QJsonArray PicturesJson(const std::vector<Picture>& pictures);
-/// The answer that has this as its member "data".
+/// An object with the value as its member "data".
 QJsonObject DataJson(const QJsonValue& value);
+/// @param word is the error's name for programs, `message` its sentence for people.
 QJsonObject ErrorJson(const char* word, const QString& message);
 
 } // namespace farm

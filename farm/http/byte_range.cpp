@@ -8,7 +8,7 @@ namespace farm {
 
 std::optional<ByteRange> ParseRange(const QByteArray& header, std::int64_t size)
 {
-    // Eighteen digits fit into a number.
+    // A number of eighteen digits fits into 64 bits.
     static const QRegularExpression form(QStringLiteral("^bytes=(\\d{0,18})-(\\d{0,18})$"));
     const QRegularExpressionMatch match = form.match(QString::fromLatin1(header.trimmed()));
     const QString first = match.captured(1);
@@ -16,7 +16,7 @@ std::optional<ByteRange> ParseRange(const QByteArray& header, std::int64_t size)
     if (!match.hasMatch() || (first.isEmpty() && last.isEmpty()))
         return std::nullopt;
     ByteRange range;
-    // Without a first byte it is the last ones.
+    // "-n" asks for the last n bytes.
     range.offset = first.isEmpty() ? std::max<std::int64_t>(0, size - last.toLongLong()) : first.toLongLong();
     const std::int64_t end
         = first.isEmpty() || last.isEmpty() ? size : std::min<std::int64_t>(size, last.toLongLong() + 1);

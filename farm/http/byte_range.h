@@ -15,11 +15,11 @@ struct ByteRange
     std::int64_t length = 0;
 };
 
-/// The range that a Range header asks for, as far as the file reaches; nothing when it cannot be read, asks for several
-/// or asks for none of the file's `size` bytes.
+/// The range that a Range header asks for, cut to the file's `size` bytes. Nothing when the header cannot be read, asks for
+/// several ranges or asks for no byte of the file.
 std::optional<ByteRange> ParseRange(const QByteArray& header, std::int64_t size);
 
-/// What a Content-Range header says of it.
+/// The value of the Content-Range header of an answer that holds this range.
 std::string ContentRange(const ByteRange& range, std::int64_t size);
 
 /// Whether an If-Match header names this entity tag.

@@ -24,18 +24,14 @@ void FrameRoutes::AddTo(HttpServer& server)
 QJsonObject FrameRoutes::ListPictures(const ApiRequest& request)
 {
     const auto pictures = m_pictures.List(m_gate.AuthorizeTransfer(request), request.PathPart());
-    if (!pictures)
-        throw ApiRefusal {404, "not_found", QStringLiteral("there is no such job")};
-    return DataJson(QJsonObject {{QStringLiteral("list"), PicturesJson(*pictures)}});
+    return DataJson(QJsonObject {{QStringLiteral("list"), PicturesJson(pictures)}});
 }
 
 FileAnswer FrameRoutes::SendPicture(const ApiRequest& request)
 {
     const auto opened
         = m_pictures.Open(m_gate.AuthorizeTransfer(request), request.PathPart(), request.PathPart(2));
-    if (!opened)
-        throw ApiRefusal {404, "not_found", QStringLiteral("there is no such file")};
-    return {opened->file, opened->picture.size, opened->picture.checksum};
+    return {opened.file, opened.picture.size, opened.picture.checksum};
 }
 
 } // namespace farm

@@ -10,7 +10,7 @@ class PictureStore;
 class RequestGate;
 struct FileAnswer;
 
-/// The requests by which finished frames leave the farm.
+/// Requests by which clients fetch finished frames.
 class FrameRoutes
 {
 public:

@@ -4,13 +4,18 @@
 
 namespace farm {
 
-/// A request is refused: thrown by what cannot do it, becomes the answer with this status.
-struct ApiRefusal
+class Refusal;
+
+/// The answer to a request that is refused: a status, a word for programs and a sentence for people. Routes throw it.
+struct HttpRefusal
 {
     int status;
     const char* word;
     QString message;
     int retryAfterSeconds = 0;
 };
+
+/// How the farm answers a request that one of its rooms has refused.
+HttpRefusal HttpRefusalFor(const Refusal& refusal);
 
 } // namespace farm

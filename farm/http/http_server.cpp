@@ -1,8 +1,9 @@
 #include "farm/http/http_server.h"
 
-#include "farm/http/api_json.h"
 #include "farm/base/errors.h"
+#include "farm/http/api_json.h"
 #include "farm/http/byte_range.h"
+#include "farm/http/http_refusal.h"
 
 #include <QJsonDocument>
 
@@ -18,11 +19,11 @@ namespace farm {
 
 namespace {
 
-constexpr std::size_t LargestBody = std::size_t {1024} * 1024;
-constexpr std::size_t FileBlockBytes = std::size_t {64} * 1024;
-// They mostly wait, for clients and for the disk.
+constexpr std::size_t LargestBody = std::size_t {1024} * 1024; // bytes
+constexpr std::size_t FileBlock = std::size_t {64} * 1024;     // bytes
+// Many, because threads mostly wait for clients and for the disk.
 constexpr int ThreadCount = 64;
-constexpr int IoTimeoutSeconds = 5;
+constexpr int IoTimeout = 5; // s
 
 void Answer(httplib::Response& response, int status, const QJsonObject& body)
 {
@@ -31,19 +32,26 @@ void Answer(httplib::Response& response, int status, const QJsonObject& body)
         QJsonDocument(body).toJson(QJsonDocument::Compact).toStdString(), "application/json");
 }
 
-void Refuse(httplib::Response& response, int status, const char* word, const QString& message)
+void Refuse(httplib::Response& response, const HttpRefusal& refusal)
 {
-    Answer(response, status, ErrorJson(word, message));
+    if (refusal.retryAfterSeconds > 0)
+        response.set_header("Retry-After", std::to_string(refusal.retryAfterSeconds));
+    Answer(response, refusal.status, ErrorJson(refusal.word, refusal.message));
 }
 
-// The library decompresses bodies and reads those of unknown length without a limit: that is of no use here.
+HttpRefusal InternalError(int status = 500)
+{
+    return {status, "internal", QStringLiteral("the farm has a problem")};
+}
+
+// The library decompresses bodies, and reads bodies of unknown length, without any limit on their size.
 bool HasUnwantedHeader(const httplib::Request& request)
 {
     for (const char* header : {"Transfer-Encoding", "Content-Encoding"}) {
         if (request.has_header(header))
             return true;
     }
-    // It reads the bodies of other methods, too, whatever their size.
+    // It also reads bodies of any size that come with other methods.
     const auto& methods = {"GET", "HEAD", "POST", "PUT", "DELETE"};
     if (std::find(methods.begin(), methods.end(), request.method) == methods.end())
         return true;
@@ -52,33 +60,34 @@ bool HasUnwantedHeader(const httplib::Request& request)
 
 httplib::Server::HandlerResponse CheckHeaders(const httplib::Request& request, httplib::Response& response)
 {
-    // The library would cut ranges out of any answer, failures too, without looking whether they are in it. The request
-    // itself is not constant.
+    // The library would cut the ranges out of every answer, failures too, without checking that they are inside it.
+    // Casting is safe: the request that the library passes is not a constant object.
     const_cast<httplib::Request&>(request).ranges.clear();
     if (!HasUnwantedHeader(request))
         return httplib::Server::HandlerResponse::Unhandled;
-    Refuse(response, 400, "bad_request", QStringLiteral("a body is sent plain, whole and with its length"));
+    Refuse(response,
+        {400, "bad_request", QStringLiteral("a body must be sent plain, whole and with its Content-Length")});
     return httplib::Server::HandlerResponse::Handled;
 }
 
-// Failures that no route has answered.
+// Gives failures that the library itself answers, without a body, the form of all others.
 void CompleteFailure(const httplib::Request&, httplib::Response& response)
 {
     if (!response.body.empty())
         return;
     if (response.status == 404)
-        Refuse(response, 404, "not_found", QStringLiteral("there is nothing here"));
+        Refuse(response, {404, "not_found", QStringLiteral("there is nothing under this path")});
     else if (response.status == 413)
-        Refuse(response, 413, "too_large", QStringLiteral("the request is too large"));
+        Refuse(response, {413, "too_large", QStringLiteral("the request is too large")});
     else if (response.status == 416)
-        Refuse(response, 416, "bad_range", QStringLiteral("the range cannot be read"));
+        Refuse(response, {416, "bad_range", QStringLiteral("the range cannot be read")});
     else if (response.status < 500)
-        Refuse(response, response.status, "bad_request", QStringLiteral("the request cannot be read"));
+        Refuse(response, {response.status, "bad_request", QStringLiteral("the request cannot be read")});
     else
-        Refuse(response, response.status, "internal", QStringLiteral("the farm has a problem"));
+        Refuse(response, InternalError(response.status));
 }
 
-// The file's bytes, of which the range is wanted.
+// Answers the range of the file's bytes, or all of them.
 void AnswerFile(httplib::Response& response, const FileAnswer& answer, const std::optional<ByteRange>& range)
 {
     const ByteRange part = range.value_or(ByteRange {0, answer.size});
@@ -89,7 +98,7 @@ void AnswerFile(httplib::Response& response, const FileAnswer& answer, const std
         response.set_header("Content-Range", ContentRange(part, answer.size));
     response.set_content_provider(static_cast<std::size_t>(part.length), "application/octet-stream",
         [file = answer.file, part](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
-            std::array<char, FileBlockBytes> block {};
+            std::array<char, FileBlock> block {};
             const qint64 wanted = qint64(std::min(length, block.size()));
             if (!file->seek(part.offset + qint64(offset)) || file->read(block.data(), wanted) != wanted)
                 return false;
@@ -106,8 +115,8 @@ void ServeFile(const httplib::Request& request, httplib::Response& response, con
 {
     const QByteArray tag = '"' + answer.checksum.toLatin1() + '"';
     if (request.has_header("If-Match") && !NamesTag(Header(request, "If-Match"), tag))
-        throw ApiRefusal {412, "changed", QStringLiteral("the file is another one now")};
-    // A range of another file is of no use.
+        throw HttpRefusal {412, "changed", QStringLiteral("the file is not the one that If-Match names")};
+    // If-Range asks for the whole file when it is no longer the one that the client knows a part of.
     const bool wantsRange = request.has_header("Range")
         && (!request.has_header("If-Range") || Header(request, "If-Range") == tag);
     std::optional<ByteRange> range;
@@ -115,13 +124,13 @@ void ServeFile(const httplib::Request& request, httplib::Response& response, con
         range = ParseRange(Header(request, "Range"), answer.size);
         if (!range) {
             response.set_header("Content-Range", "bytes */" + std::to_string(answer.size));
-            throw ApiRefusal {416, "bad_range", QStringLiteral("the file has no such range")};
+            throw HttpRefusal {416, "bad_range", QStringLiteral("the file has no such range")};
         }
     }
     AnswerFile(response, answer, range);
 }
 
-// What `answer` throws becomes a failure.
+// Turns whatever `answer` throws into the answer of a failure.
 template <typename Answering>
 httplib::Server::Handler Wrap(std::size_t largest, Answering answer)
 {
@@ -129,17 +138,15 @@ httplib::Server::Handler Wrap(std::size_t largest, Answering answer)
         [answer = std::move(answer), largest](const httplib::Request& request, httplib::Response& response) {
             try {
                 if (request.body.size() > largest)
-                    throw ApiRefusal {413, "too_large", QStringLiteral("the request is too large")};
+                    throw TooLarge("the request is too large");
                 answer(request, response);
-            } catch (const ApiRefusal& refusal) {
-                if (refusal.retryAfterSeconds > 0)
-                    response.set_header("Retry-After", std::to_string(refusal.retryAfterSeconds));
-                Refuse(response, refusal.status, refusal.word, refusal.message);
-            } catch (const BadInput& error) {
-                Refuse(response, 400, "bad_request", QString::fromUtf8(error.what()));
+            } catch (const HttpRefusal& refusal) {
+                Refuse(response, refusal);
+            } catch (const Refusal& refusal) {
+                Refuse(response, HttpRefusalFor(refusal));
             } catch (const std::exception& error) {
                 spdlog::error("{} {} failed: {}", request.method, request.path, error.what());
-                Refuse(response, 500, "internal", QStringLiteral("the farm has a problem"));
+                Refuse(response, InternalError());
             }
         };
 }
@@ -185,7 +192,7 @@ QJsonObject ApiRequest::Body() const
 {
     const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(m_request.body));
     if (!document.isObject())
-        throw BadInput("the body is no JSON object");
+        throw InvalidInput("the body must be a JSON object");
     return document.object();
 }
 
@@ -209,11 +216,11 @@ void HttpServer::SetUp()
 {
     m_server->new_task_queue = [] { return new httplib::ThreadPool(ThreadCount); };
     m_server->set_payload_max_length(LargestChunk);
-    m_server->set_read_timeout(IoTimeoutSeconds);
-    m_server->set_write_timeout(IoTimeoutSeconds);
-    // A connection that is kept open would hold a thread while it is idle.
+    m_server->set_read_timeout(IoTimeout);
+    m_server->set_write_timeout(IoTimeout);
+    // An idle connection that is kept open would occupy a thread.
     m_server->set_keep_alive_max_count(1);
-    // The library's own choice lets two servers share a port.
+    // The library's default, SO_REUSEPORT, would let two servers share a port.
     m_server->set_socket_options([](socket_t socket) {
         const int yes = 1;
         ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "farm/http/http_refusal.h"
-
 #include <QFile>
 #include <QJsonObject>
 #include <QString>
@@ -17,7 +15,7 @@ struct Request;
 
 namespace farm {
 
-/// A request as the routes see it. Texts are as sent: nothing of them has been checked.
+/// A request as the routes see it. Texts are unchecked, as the client sent them.
 class ApiRequest
 {
 public:
@@ -25,56 +23,56 @@ public:
 
     /// The caller's network address.
     QString Address() const;
-    /// The session token of the Authorization header, or empty.
+    /// The session token of the Authorization header; empty when there is none.
     QString Token() const;
-    /// What a group in the route's path stands for; they count from 1.
+    /// The text that a group in the route's path has matched; groups count from 1.
     QString PathPart(int group = 1) const;
-    /// A parameter of the query, or empty.
+    /// A parameter of the query; empty when there is none.
     QByteArray Query(const char* name) const;
-    /// The body; throws BadInput when it is no JSON object.
+    /// The body; throws InvalidInput when it is no JSON object.
     QJsonObject Body() const;
-    /// The body as it came.
+    /// The body as raw bytes.
     QByteArray Bytes() const;
 
 private:
     const httplib::Request& m_request;
 };
 
-/// A file that a route answers.
+/// An answer that is a file.
 struct FileAnswer
 {
-    /// Open: the answer is these bytes, whatever becomes of the name.
+    /// Open for reading, so that a removed or replaced file is still sent whole.
     std::shared_ptr<QFile> file;
     std::int64_t size = 0;
     QString checksum;
 };
 
-/// Serves JSON, and files, over HTTP in threads of its own.
+/// Serves JSON and files over HTTP in threads of its own.
 class HttpServer
 {
 public:
     using Handler = std::function<QJsonObject(const ApiRequest&)>;
     using FileHandler = std::function<FileAnswer(const ApiRequest&)>;
 
-    /// The most bytes that the body of a PUT may have; other bodies have at most 1 MiB.
+    /// The most bytes that the body of a PUT may have; other bodies may have 1 MiB.
     static constexpr int LargestChunk = 4 * 1024 * 1024;
 
     HttpServer();
-    /// Ends the server as Stop() does.
+    /// Calls Stop().
     ~HttpServer();
 
-    /// Before Start(). Handlers run in several threads at a time. They may throw ApiRefusal and BadInput;
-    /// any other exception becomes a 500 whose reason only the log holds. `path` is a regular expression.
+    /// Routes are added before Start(). `path` is a regular expression. Handlers run in several threads at a time and may
+    /// throw HttpRefusal and Refusal; any other exception is logged and answered with 500.
     void Get(const char* path, Handler handler);
     void Post(const char* path, Handler handler);
     void Put(const char* path, Handler handler);
     void Delete(const char* path, Handler handler);
-    /// Answers ranges and looks at If-Match; reads the file in blocks.
+    /// Serves a file in blocks, with support for Range, If-Range and If-Match.
     void GetFile(const char* path, FileHandler handler);
 
-    /// Listens; port 0 takes a free one. Returns the port; throws std::runtime_error when it cannot be had.
+    /// Listens; port 0 takes a free one. Returns the port. Throws std::runtime_error when it cannot listen there.
     int Start(const QString& address, int port);
-    /// Lets the requests in work end, then closes.
+    /// Returns when the requests being served have been answered.
     void Stop();
 
 private:

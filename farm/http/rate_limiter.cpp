@@ -37,8 +37,8 @@ double RateLimiter::Left(const Bucket& bucket, Clock::time_point now) const
     return std::min(m_rate.burst, bucket.left + passed.count() * m_rate.perSecond);
 }
 
-// A full bucket says the same as none. The threshold follows what is left, so that a flood of keys is not
-// searched through at each request.
+// A full bucket means the same as no bucket. The next threshold is twice the number of buckets that stay, so that not every
+// request of a flood searches through all keys.
 void RateLimiter::DropFullBuckets(Clock::time_point now)
 {
     for (auto bucket = m_buckets.begin(); bucket != m_buckets.end();) {

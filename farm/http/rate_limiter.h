@@ -8,7 +8,7 @@
 
 namespace farm {
 
-/// How often something may happen: `burst` times at once, then `perSecond` times a second.
+/// How often something may happen: `burst` times at once, and `perSecond` times a second in the long run.
 struct Rate
 {
     double burst;
@@ -23,8 +23,7 @@ public:
 
     explicit RateLimiter(Rate rate);
 
-    /// Takes one use. When none is left, nothing is taken and the seconds until the next (at least 1) are
-    /// returned.
+    /// Takes one use. Returns nothing, or, when no use is left, the seconds until the next one (at least 1).
     std::optional<int> Take(const std::string& key, Clock::time_point now = Clock::now());
 
     /// Gives back a use that turned out not to count.

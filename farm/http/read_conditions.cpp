@@ -1,7 +1,7 @@
-#include "farm/jobs/job_conditions.h"
+#include "farm/http/read_conditions.h"
 
-#include "farm/base/local_time.h"
 #include "farm/base/errors.h"
+#include "farm/base/local_time.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -14,10 +14,10 @@ namespace {
 
 [[noreturn]] void Refuse(const char* key)
 {
-    throw BadInput(std::string("the condition ") + key + " cannot be read");
+    throw InvalidInput(std::string("the condition ") + key + " cannot be read");
 }
 
-// Text, or a whole number as text: clients send codes either way.
+// Clients send codes as texts or as whole numbers; both are returned as text.
 QString TextOf(const QJsonObject& conditions, const char* key)
 {
     const QJsonValue value = conditions.value(QLatin1String(key));
@@ -55,25 +55,23 @@ std::optional<std::int64_t> TimeOf(const QJsonObject& conditions, const char* ke
     return time;
 }
 
-// "group@type@label" or the bare name.
+// A type comes as "group@type@label" or as its bare name.
 QString TypeOf(const QJsonObject& conditions)
 {
-    constexpr const char* key = "job_type";
-    const QString text = TextOf(conditions, key);
+    const QString text = TextOf(conditions, "job_type");
     const QStringList parts = text.split(QLatin1Char('@'));
     if (parts.size() == 1)
         return text;
     if (parts.size() != 3)
-        Refuse(key);
+        Refuse("job_type");
     return parts.at(1);
 }
 
 std::optional<std::int64_t> BusinessOf(const QJsonObject& conditions)
 {
-    constexpr const char* key = "job_business_type";
-    const auto business = NumberOf(conditions, key);
+    const auto business = NumberOf(conditions, "job_business_type");
     if (business && *business != 0 && *business != 1)
-        Refuse(key);
+        Refuse("job_business_type");
     return business;
 }
 
@@ -90,13 +88,13 @@ std::optional<QStringList> IdsOf(const QJsonObject& conditions)
 
 } // namespace
 
-JobConditions ParseJobConditions(const QByteArray& text)
+JobConditions ReadJobConditions(const QByteArray& text)
 {
     if (text.trimmed().isEmpty())
         return {};
     const QJsonDocument document = QJsonDocument::fromJson(text);
     if (!document.isObject())
-        throw BadInput("conditions is no JSON object");
+        throw InvalidInput("conditions must be a JSON object");
     const QJsonObject object = document.object();
     JobConditions conditions;
     conditions.number = NumberOf(object, "job_increasement");

@@ -1,8 +1,9 @@
-#include "farm/base/safe_path.h"
+#include "farm/http/read_submission.h"
+
 #include "farm/base/errors.h"
+#include "farm/base/safe_path.h"
 #include "farm/http/json_input.h"
-#include "farm/jobs/job_submission.h"
-#include "storage/durable_file.h"
+#include "storage/checksum.h"
 
 #include <QJsonArray>
 #include <QSet>
@@ -25,7 +26,7 @@ QString NonEmptyText(const QJsonObject& body, const char* key, int longest)
 {
     const QString text = RequiredText(body, key, longest);
     if (text.isEmpty())
-        throw BadInput(std::string(key) + " is empty");
+        throw InvalidInput(std::string(key) + " is empty");
     return text;
 }
 
@@ -34,18 +35,18 @@ QJsonArray RequiredList(const QJsonObject& body, const char* key, int most)
     const QJsonValue value = body.value(QLatin1String(key));
     const QJsonArray list = value.toArray();
     if (!value.isArray() || list.isEmpty() || list.size() > most)
-        throw BadInput(std::string(key) + " is missing, no list, empty or too long");
+        throw InvalidInput(std::string(key) + " is missing, is no list, is empty or is too long");
     return list;
 }
 
-// A file cannot be where a folder has to be.
+// On the disk a path cannot be both a file and a folder.
 void CheckFolders(const QSet<QString>& paths)
 {
     for (const QString& path : paths) {
         for (int slash = path.indexOf(QLatin1Char('/')); slash >= 0;
              slash = path.indexOf(QLatin1Char('/'), slash + 1)) {
             if (paths.contains(path.left(slash)))
-                throw BadInput("a path of files is another one's folder");
+                throw InvalidInput("a path in files is also the folder of another one");
         }
     }
 }
@@ -59,11 +60,11 @@ std::vector<JobFile> ReadFiles(const QJsonObject& body)
         const JobFile file {
             value[QLatin1String("path")].toString(), value[QLatin1String("checksum")].toString()};
         if (!IsSafePath(file.path))
-            throw BadInput("a path of files is not allowed");
+            throw InvalidInput("a path in files is not allowed");
         if (!storage::IsChecksum(file.checksum))
-            throw BadInput("a checksum of files is none");
+            throw InvalidInput("a checksum in files does not have 64 lower-case hexadecimal digits");
         if (paths.contains(file.path))
-            throw BadInput("a path stands in files twice");
+            throw InvalidInput("a path stands in files twice");
         paths.insert(file.path);
         files.push_back(file);
     }
@@ -80,24 +81,22 @@ std::vector<FrameRange> ReadFrames(const QJsonObject& body)
         ranges.push_back({RequiredInteger(range, "start", 1, HighestFrame),
             RequiredInteger(range, "end", 1, HighestFrame)});
         if (ranges.back().last < ranges.back().first)
-            throw BadInput("frames end before they start");
+            throw InvalidInput("a range in frames ends before it starts");
     }
     ranges = Disjoint(std::move(ranges));
     if (FrameCount(ranges) > MostFrames)
-        throw BadInput("too many frames");
+        throw InvalidInput("the ranges in frames hold too many frames");
     return ranges;
 }
 
 } // namespace
 
-Submission ReadSubmission(const QJsonObject& body, const QStringList& types)
+Submission ReadSubmission(const QJsonObject& body)
 {
     Submission submission;
     NewJob& job = submission.job;
     job.submission = NonEmptyText(body, "submission", LongestSubmission);
     job.type = RequiredText(body, "type", LongestName);
-    if (!types.contains(job.type))
-        throw BadInput("type is no job type of the farm");
     job.name = NonEmptyText(body, "name", LongestName);
     if (body.contains(QLatin1String("pool")))
         submission.pool = RequiredText(body, "pool", LongestName);
@@ -105,13 +104,13 @@ Submission ReadSubmission(const QJsonObject& body, const QStringList& types)
     job.scene = RequiredText(body, "scene", LongestSafePath);
     if (std::none_of(job.files.begin(), job.files.end(),
             [&job](const JobFile& file) { return file.path == job.scene; }))
-        throw BadInput("scene is none of files");
+        throw InvalidInput("scene is none of the paths in files");
     job.frames = ReadFrames(body);
     job.width = RequiredInteger(body, "width", 1, MostPixels);
     job.height = RequiredInteger(body, "height", 1, MostPixels);
     const QJsonValue prerender = body.value(QLatin1String("prerender"));
     if (!prerender.isBool())
-        throw BadInput("prerender is missing or neither true nor false");
+        throw InvalidInput("prerender is missing or is neither true nor false");
     job.prerender = prerender.toBool();
     return submission;
 }

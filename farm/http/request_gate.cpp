@@ -2,14 +2,15 @@
 
 #include "farm/accounts/account_store.h"
 #include "farm/base/local_time.h"
+#include "farm/http/http_refusal.h"
 #include "farm/http/http_server.h"
 
 namespace farm {
 
-RequestGate::RequestGate(AccountStore& accounts, Rate requests, Rate transfers)
+RequestGate::RequestGate(AccountStore& accounts, const RequestLimits& limits)
     : m_accounts(accounts)
-    , m_requests(requests)
-    , m_transfers(transfers)
+    , m_requests(limits.requestsByAccount)
+    , m_transfers(limits.transfersByAccount)
 {
 }
 
@@ -27,7 +28,7 @@ std::int64_t RequestGate::Authorize(const ApiRequest& request, RateLimiter& limi
 {
     const auto account = m_accounts.AccountOf(request.Token(), Now());
     if (!account)
-        throw ApiRefusal {401, "unauthorized", QStringLiteral("sign in first")};
+        throw HttpRefusal {401, "unauthorized", QStringLiteral("sign in first")};
     RefuseWhenTooMany(limiter.Take(std::to_string(*account)));
     return *account;
 }
@@ -35,8 +36,8 @@ std::int64_t RequestGate::Authorize(const ApiRequest& request, RateLimiter& limi
 void RefuseWhenTooMany(const std::optional<int>& waitSeconds)
 {
     if (waitSeconds)
-        throw ApiRefusal {
-            429, "too_many_requests", QStringLiteral("too many requests, try again later"), *waitSeconds};
+        throw HttpRefusal {429, "too_many_requests",
+            QStringLiteral("there were too many requests; try again later"), *waitSeconds};
 }
 
 } // namespace farm

@@ -2,8 +2,6 @@
 
 #include "farm/http/rate_limiter.h"
 
-#include <QJsonObject>
-
 #include <cstdint>
 
 namespace farm {
@@ -11,16 +9,25 @@ namespace farm {
 class AccountStore;
 class ApiRequest;
 
-/// Lets requests in: finds their accounts, and refuses those without a session and those that are too many.
+/// How often clients may ask.
+struct RequestLimits
+{
+    Rate signInsByAddress {30, 0.5};
+    Rate failedSignInsByName {10, 0.1};
+    Rate requestsByAccount {200, 20};
+    /// Requests that carry bytes of files, and the steps of a submission.
+    Rate transfersByAccount {1000, 200};
+};
+
+/// Finds the account that a request comes from. Refuses requests without a session, and too many of them.
 class RequestGate
 {
 public:
-    /// `requests` and `transfers` are each for an account.
-    RequestGate(AccountStore& accounts, Rate requests, Rate transfers);
+    RequestGate(AccountStore& accounts, const RequestLimits& limits);
 
-    /// The account whose session the request belongs to.
+    /// The account whose session the request carries.
     std::int64_t Authorize(const ApiRequest& request);
-    /// As well, for what carries the bytes of files and for the steps of a submission.
+    /// The same for requests that count as transfers.
     std::int64_t AuthorizeTransfer(const ApiRequest& request);
 
 private:
@@ -31,7 +38,7 @@ private:
     RateLimiter m_transfers;
 };
 
-/// Refuses a request when there is a time to wait.
+/// Refuses the request if `waitSeconds`, the result of RateLimiter::Take(), says that it came too soon.
 void RefuseWhenTooMany(const std::optional<int>& waitSeconds);
 
 } // namespace farm

@@ -7,7 +7,7 @@ namespace farm {
 
 namespace {
 
-// Of the jobs whose keys are a JSON array, the first value.
+// All frames in the ranges of the jobs whose keys are in the JSON array ?1.
 constexpr const char* WantedFrames
     = "WITH RECURSIVE wanted(job, number, last) AS ("
       "SELECT job, first, last FROM frame_ranges WHERE job IN (SELECT value FROM json_each(?1)) "

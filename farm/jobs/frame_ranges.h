@@ -6,27 +6,28 @@
 
 namespace farm {
 
-/// Frames with these numbers and those between, from 1.
+/// The frames from `first` to `last`, both included; numbers count from 1.
 struct FrameRange
 {
     int first = 1;
     int last = 1;
 };
 
-/// The same frames in ascending ranges that have none in common.
+/// The same frames in ascending ranges that do not overlap.
 std::vector<FrameRange> Disjoint(std::vector<FrameRange> ranges);
 
-/// How many frames disjoint ranges hold.
+/// How many frames are in ranges that do not overlap.
 int FrameCount(const std::vector<FrameRange>& ranges);
 
-/// Gives a new job its ranges, which are disjoint, and their frames; of a prerender job the first, the middle and the
-/// last one.
+/// Gives a new job its ranges, which must not overlap, and its frames: all of them, or the first, the middle and the last
+/// one when it is a prerender job.
 void AddFrames(
     SQLite::Database& connection, std::int64_t job, const std::vector<FrameRange>& ranges, bool prerender);
 
-/// Adds the frames of the jobs' ranges that are missing. @param jobs is a JSON array of keys.
+/// Adds the frames that the jobs' ranges hold and the jobs lack. @param jobs is a JSON array of keys.
 void AddMissingFrames(SQLite::Database& connection, const QString& jobs);
 
+/// The ranges of a job in ascending order.
 std::vector<FrameRange> RangesOf(SQLite::Database& connection, std::int64_t job);
 
 } // namespace farm

@@ -1,5 +1,7 @@
 #include "farm/jobs/job_actions.h"
 
+#include "farm/accounts/arrears.h"
+#include "farm/base/errors.h"
 #include "farm/jobs/frame_ranges.h"
 #include "farm/jobs/job_status.h"
 
@@ -13,15 +15,15 @@ namespace farm {
 
 namespace {
 
-/// What an action does to which jobs, and whether they go on rendering by it.
 struct Rule
 {
+    /// A condition over `jobs`; its numbers are codes of JobStatus.
     const char* appliesTo;
     JobStatus next;
+    /// The jobs are rendered again afterwards.
     bool sendsToWork;
 };
 
-// The codes are those of JobStatus.
 Rule RuleOf(JobAction action)
 {
     switch (action) {
@@ -41,8 +43,8 @@ Rule RuleOf(JobAction action)
     throw std::logic_error("no such action");
 }
 
-/// The keys of the jobs to which the action applies, as a JSON array; nothing when an id is not the account's.
-std::optional<QString> AffectedJobs(
+/// The keys of the jobs to which the action applies, as a JSON array.
+QString AffectedJobs(
     SQLite::Database& connection, const char* appliesTo, std::int64_t account, const QStringList& ids)
 {
     SQLite::Statement query(connection,
@@ -52,7 +54,7 @@ std::optional<QString> AffectedJobs(
         QString::fromUtf8(QJsonDocument(QJsonArray::fromStringList(ids)).toJson(QJsonDocument::Compact)));
     query.executeStep();
     if (query.getColumn(0).getInt() != ids.size())
-        return std::nullopt;
+        throw NotFound("there is no such job");
     return Text(query.getColumn(1));
 }
 
@@ -62,7 +64,7 @@ void ForgetFrames(SQLite::Database& connection, const QString& jobs)
         "UPDATE frames SET finished_at = NULL, file = NULL, size = NULL, checksum = NULL WHERE job IN "
         "(SELECT value FROM json_each(?))",
         jobs);
-    // A frame that is just being rendered belongs to the earlier run and is not counted for this one.
+    // A frame that is being rendered now belongs to the earlier run and does not count for the new one.
     Execute(connection, "UPDATE jobs SET run = run + 1 WHERE key IN (SELECT value FROM json_each(?))", jobs);
 }
 
@@ -74,7 +76,7 @@ void SendToWork(SQLite::Database& connection, const QString& jobs, std::int64_t 
         jobs);
     Execute(connection,
         "UPDATE jobs SET ended_at = NULL, message = '' WHERE key IN (SELECT value FROM json_each(?))", jobs);
-    // The last frame may have been finished just when the job was stopped.
+    // A job that was stopped while its last frame ended has nothing left to render.
     Execute(connection,
         "UPDATE jobs SET status = ?2, ended_at = ?3 WHERE key IN (SELECT value FROM json_each(?1)) "
         "AND NOT EXISTS (SELECT 1 FROM frames WHERE job = jobs.key AND finished_at IS NULL)",
@@ -83,43 +85,31 @@ void SendToWork(SQLite::Database& connection, const QString& jobs, std::int64_t 
 
 } // namespace
 
-bool IsInArrears(SQLite::Database& connection, std::int64_t account)
-{
-    SQLite::Statement query(connection, "SELECT 1 FROM accounts WHERE key = ? AND balance <= 0");
-    Bind(query, account);
-    return query.executeStep();
-}
-
 JobActions::JobActions(Database& database, std::function<void()> changed)
     : m_database(database)
     , m_changed(std::move(changed))
 {
 }
 
-std::optional<QStringList> JobActions::Do(
-    JobAction action, std::int64_t account, QStringList ids, std::int64_t now)
+QStringList JobActions::Apply(JobAction action, std::int64_t account, QStringList ids, std::int64_t now)
 {
     ids.removeDuplicates();
     const Rule rule = RuleOf(action);
-    const auto act = [&](SQLite::Database& connection) -> std::optional<QStringList> {
-        const auto jobs = AffectedJobs(connection, rule.appliesTo, account, ids);
-        if (!jobs)
-            return std::nullopt;
+    const QStringList refused = m_database.Write([&](SQLite::Database& connection) {
+        const QString jobs = AffectedJobs(connection, rule.appliesTo, account, ids);
         if (rule.sendsToWork && IsInArrears(connection, account))
             return ids;
         Execute(connection, "UPDATE jobs SET status = ?2 WHERE key IN (SELECT value FROM json_each(?1))",
-            *jobs, static_cast<int>(rule.next));
+            jobs, static_cast<int>(rule.next));
         if (action == JobAction::Restart)
-            ForgetFrames(connection, *jobs);
+            ForgetFrames(connection, jobs);
         if (action == JobAction::FullRender)
-            AddMissingFrames(connection, *jobs);
+            AddMissingFrames(connection, jobs);
         if (rule.sendsToWork)
-            SendToWork(connection, *jobs, now);
+            SendToWork(connection, jobs, now);
         return QStringList();
-    };
-    const auto refused = m_database.Write(act);
-    if (refused)
-        m_changed();
+    });
+    m_changed();
     return refused;
 }
 

@@ -6,26 +6,23 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 
 namespace farm {
 
 enum class JobAction { Stop, Recover, Restart, Delete, FullRender };
 
-/// Whether the account's balance is spent.
-bool IsInArrears(SQLite::Database& connection, std::int64_t account);
-
-/// What accounts do with their jobs. Each action is one transaction; doing it again changes nothing more.
+/// The actions of accounts on their jobs. Each is one transaction; applying one a second time changes nothing more, except
+/// for Restart. May be used by several threads at a time.
 class JobActions
 {
 public:
-    /// `changed` is called after each change, in the thread that asked for it.
+    /// @param changed is called after each action, in the thread that asked for it.
     JobActions(Database& database, std::function<void()> changed);
 
-    /// Does it to all of the account's jobs named, as far as it applies to their states.
-    /// Returns the ids that are refused because the account is in arrears, for which nothing is done. Nothing is
-    /// returned, and nothing done at all, when an id is not the account's. `now` is in seconds since the epoch.
-    std::optional<QStringList> Do(JobAction action, std::int64_t account, QStringList ids, std::int64_t now);
+    /// Applies the action to the account's jobs with these ids; jobs whose status does not allow it are left as they are.
+    /// `now` is in seconds since the epoch. Returns the ids that are refused, all of them or none: an account in arrears
+    /// may not send jobs to work. Throws NotFound, and does nothing, when an id is none of the account's jobs.
+    QStringList Apply(JobAction action, std::int64_t account, QStringList ids, std::int64_t now);
 
 private:
     Database& m_database;

@@ -8,8 +8,8 @@
 
 namespace farm {
 
-/// Which jobs a list holds; a part without a value asks for nothing.
-/// Times are seconds since the epoch, inclusive.
+/// Which jobs a list holds: those that meet all conditions. An empty member is no condition.
+/// Times are seconds since the epoch; both bounds are included.
 struct JobConditions
 {
     std::optional<std::int64_t> number;
@@ -24,9 +24,5 @@ struct JobConditions
     std::optional<std::int64_t> endedFrom;
     std::optional<std::int64_t> endedTo;
 };
-
-/// Reads the conditions of a job-list request: a JSON object as text, or nothing.
-/// Throws BadInput when the text is no object or a value cannot be read.
-JobConditions ParseJobConditions(const QByteArray& text);
 
 } // namespace farm

@@ -9,12 +9,12 @@ namespace farm {
 /// A file of a job's scene.
 struct JobFile
 {
-    /// In the folder of the scene.
+    /// Relative to the folder of the scene.
     QString path;
     QString checksum;
 };
 
-/// In one of the connection's transactions.
+/// To be called inside a Database::Write().
 void AddJobFiles(SQLite::Database& connection, std::int64_t job, const std::vector<JobFile>& files);
 std::vector<JobFile> JobFilesOf(SQLite::Database& connection, std::int64_t job);
 

@@ -41,7 +41,7 @@ private:
     JobFilter m_filter;
 };
 
-// One placeholder however many ids there are.
+// One placeholder holds any number of ids.
 QString JsonArray(const QStringList& texts)
 {
     return QString::fromUtf8(QJsonDocument(QJsonArray::fromStringList(texts)).toJson(QJsonDocument::Compact));

@@ -8,14 +8,14 @@
 
 namespace farm {
 
-/// A WHERE clause over `jobs` (and `projects`) with a placeholder for each of `values`, in order.
+/// A WHERE clause over `jobs` with a placeholder for each of `values`, in order.
 struct JobFilter
 {
     std::string where;
     std::vector<std::variant<std::int64_t, std::string>> values;
 };
 
-/// The jobs of the account that meet the conditions; deleted ones only when their status is asked for.
+/// The account's jobs that meet the conditions; deleted jobs only when their status is a condition.
 JobFilter FilterFor(std::int64_t account, const JobConditions& conditions);
 
 } // namespace farm

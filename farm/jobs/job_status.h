@@ -2,7 +2,7 @@
 
 namespace farm {
 
-/// The codes that the client shows; stored and sent as they are, also in the texts of SQL statements.
+/// The codes are part of the interface to clients and of the database; SQL statements name them as numbers.
 enum class JobStatus {
     Waiting = 0,
     Running = 1,

@@ -1,6 +1,7 @@
 #include "farm/jobs/job_store.h"
 
-#include "farm/accounts/secrets.h"
+#include "farm/base/errors.h"
+#include "farm/base/random.h"
 #include "farm/jobs/job_filter.h"
 
 namespace farm {
@@ -17,11 +18,9 @@ void BindFilter(SQLite::Statement& statement, const JobFilter& filter)
 std::int64_t InsertJob(SQLite::Database& connection, const NewJob& job, const QString& id)
 {
     SQLite::Statement insert(connection,
-        "INSERT INTO jobs(id, account, number, type, name, folded_name, business, status, scene, width, "
-        "height, "
-        "submitted_at, project, submission) VALUES (?1, ?2, (SELECT coalesce(max(number), 0) + 1 FROM jobs "
-        "WHERE account "
-        "= ?2), "
+        "INSERT INTO jobs(id, account, number, "
+        "type, name, folded_name, business, status, scene, width, height, submitted_at, project, submission) "
+        "VALUES (?1, ?2, (SELECT coalesce(max(number), 0) + 1 FROM jobs WHERE account = ?2), "
         "?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13)");
     Bind(insert, id, job.account, job.type, job.name, job.name.toCaseFolded(), int(job.rendering),
         static_cast<int>(job.status), job.scene, job.width, job.height, job.submittedAt);
@@ -40,7 +39,8 @@ std::int64_t NumberOf(SQLite::Database& connection, std::int64_t job)
     return query.executeStep() ? query.getColumn(0).getInt64() : 0;
 }
 
-// Of `job`. Frames and charges are counted for the jobs that are read only, however they are found.
+// The columns of a job record over a table `job`. Frames and charges are counted for its rows only, so it is to be cut
+// to the page first.
 constexpr const char* RecordColumns
     = "number, id, type, name, submitted_at, status, "
       "(SELECT 100 * count(finished_at) / count(*) FROM frames WHERE frames.job = job.key), "
@@ -103,14 +103,14 @@ JobPage JobStore::List(
     });
 }
 
-std::optional<JobRecord> JobStore::Find(std::int64_t account, const QString& id)
+JobRecord JobStore::Find(std::int64_t account, const QString& id)
 {
-    return m_database.Read([&](SQLite::Database& connection) -> std::optional<JobRecord> {
+    return m_database.Read([&](SQLite::Database& connection) {
         SQLite::Statement query(connection,
             std::string("SELECT ") + RecordColumns + " FROM jobs AS job WHERE account = ? AND id = ?");
         Bind(query, account, id);
         if (!query.executeStep())
-            return std::nullopt;
+            throw NotFound("there is no such job");
         return ReadRecord(query);
     });
 }
@@ -128,15 +128,15 @@ std::optional<AddedJob> JobStore::FindSubmission(std::int64_t account, const QSt
     });
 }
 
-std::optional<JobPlan> JobStore::Plan(std::int64_t account, const QString& id)
+JobPlan JobStore::Plan(std::int64_t account, const QString& id)
 {
-    return m_database.Read([&](SQLite::Database& connection) -> std::optional<JobPlan> {
+    return m_database.Read([&](SQLite::Database& connection) {
         SQLite::Statement query(connection,
             "SELECT key, width, height, (SELECT count(*) FROM frames WHERE job = jobs.key) "
             "FROM jobs WHERE account = ? AND id = ?");
         Bind(query, account, id);
         if (!query.executeStep())
-            return std::nullopt;
+            throw NotFound("there is no such job");
         JobPlan plan;
         plan.frames = RangesOf(connection, query.getColumn(0).getInt64());
         plan.width = query.getColumn(1).getInt();

@@ -18,19 +18,20 @@ struct NewJob
     std::optional<std::int64_t> project;
     QString type;
     QString name;
+    /// Rendering work, in contrast to normal work.
     bool rendering = true;
     JobStatus status = JobStatus::Waiting;
     /// The path of one of `files` or, when there are none, the name of a scene that comes with the farm.
     QString scene;
     std::vector<JobFile> files;
-    int width = 320;
-    int height = 180;
-    /// They have no frame in common.
+    int width = 320;  // pixels
+    int height = 180; // pixels
+    /// Ranges that do not overlap.
     std::vector<FrameRange> frames = std::vector<FrameRange>(1);
     /// Only the first, the middle and the last frame are rendered for now.
     bool prerender = false;
-    std::int64_t submittedAt = 0;
-    /// The client's own name of the submission, unique within the account; null for none.
+    std::int64_t submittedAt = 0; // seconds since the epoch
+    /// The client's own name for the submission, unique within the account; null for none.
     QString submission;
 };
 
@@ -38,18 +39,20 @@ struct AddedJob
 {
     std::int64_t key = 0;
     QString id;
+    /// The running number within the account, from 1.
     std::int64_t number = 0;
 };
 
+/// A job as lists show it.
 struct JobRecord
 {
     std::int64_t number = 0;
     QString id;
     QString type;
     QString name;
-    std::int64_t submittedAt = 0;
-    int progress = 0;
-    int status = 0;
+    std::int64_t submittedAt = 0; // seconds since the epoch
+    int progress = 0;             // percent of its frames
+    int status = 0;               // a JobStatus
     Micros cost = 0;
     /// Why the job has failed.
     QString message;
@@ -61,40 +64,41 @@ struct JobPlan
     std::vector<FrameRange> frames;
     int width = 0;
     int height = 0;
-    /// Frames are missing that only a full render adds.
+    /// Some frames of the ranges are missing, which only a full render adds.
     bool prerender = false;
 };
 
 struct JobPage
 {
     std::vector<JobRecord> jobs;
-    /// Of all pages.
+    /// The number of jobs on all pages.
     std::int64_t total = 0;
 };
 
-/// The jobs as their accounts see them.
+/// The jobs as their accounts see them. May be used by several threads at a time.
 class JobStore
 {
 public:
     explicit JobStore(Database& database);
 
-    /// Takes the job in with its frames open and the account's next running number.
+    /// Adds the job with its frames open and gives it the account's next running number.
     AddedJob Add(const NewJob& job);
 
-    /// `page` counts from 1; a page past the end is empty. Both are at least 1 and their product fits.
+    /// One page of the jobs that meet the conditions, newest first. `page` counts from 1; a page past the end is empty.
+    /// Both numbers are at least 1, and their product fits into their type.
     JobPage List(
         std::int64_t account, const JobConditions& conditions, std::int64_t page, std::int64_t pageSize);
 
-    /// The account's job with this id, also a deleted one.
-    std::optional<JobRecord> Find(std::int64_t account, const QString& id);
+    /// The account's job with this id, also a deleted one. Throws NotFound.
+    JobRecord Find(std::int64_t account, const QString& id);
 
-    /// The job that came with this submission.
+    /// The job that this submission made; nothing when there is none yet.
     std::optional<AddedJob> FindSubmission(std::int64_t account, const QString& submission);
 
-    /// How the account's job with this id is rendered.
-    std::optional<JobPlan> Plan(std::int64_t account, const QString& id);
+    /// How the account's job with this id is rendered. Throws NotFound.
+    JobPlan Plan(std::int64_t account, const QString& id);
 
-    /// Whether the account has a job that is rendered or will be by itself.
+    /// Whether any job of the account is waiting, running or to full render.
     bool HasOpenJobs(std::int64_t account);
 
 private:

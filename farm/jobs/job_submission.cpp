@@ -1,8 +1,7 @@
 #include "farm/jobs/job_submission.h"
 
-#include "farm/http/http_refusal.h"
+#include "farm/accounts/arrears.h"
 #include "farm/base/errors.h"
-#include "farm/jobs/job_actions.h"
 #include "farm/uploads/content_store.h"
 
 #include <QSet>
@@ -18,7 +17,7 @@ std::int64_t ProjectOf(SQLite::Database& connection, std::int64_t account, const
     SQLite::Statement query(connection, "SELECT key FROM projects WHERE account = ? AND pool = ?");
     Bind(query, account, pool);
     if (!query.executeStep())
-        throw BadInput("pool is none of the account's projects");
+        throw InvalidInput("pool belongs to none of the account's projects");
     return query.getColumn(0).getInt64();
 }
 
@@ -35,9 +34,10 @@ JobSubmission::JobSubmission(Database& database, JobStore& jobs, ContentStore& c
 {
 }
 
-AddedJob JobSubmission::Submit(std::int64_t account, const QJsonObject& body, std::int64_t now)
+AddedJob JobSubmission::Submit(std::int64_t account, Submission submission, std::int64_t now)
 {
-    Submission submission = ReadSubmission(body, m_types);
+    if (!m_types.contains(submission.job.type))
+        throw InvalidInput("type is none of the farm's job types");
     submission.job.account = account;
     submission.job.submittedAt = now;
     const AddedJob job = m_database.Write([&](SQLite::Database& connection) {
@@ -51,24 +51,28 @@ AddedJob JobSubmission::Submit(std::int64_t account, const QJsonObject& body, st
 AddedJob JobSubmission::Add(SQLite::Database& connection, Submission& submission)
 {
     NewJob& job = submission.job;
+    CheckFiles(job);
+    if (!submission.pool.isEmpty())
+        job.project = ProjectOf(connection, job.account, submission.pool);
+    job.status = IsInArrears(connection, job.account) ? JobStatus::Arrears : JobStatus::Waiting;
+    return m_jobs.Add(job);
+}
+
+void JobSubmission::CheckFiles(const NewJob& job)
+{
     QSet<QString> checksums;
     for (const JobFile& file : job.files)
         checksums.insert(file.checksum);
     const auto sizes = m_contents.SizesOf(job.account, checksums.values());
     if (sizes.size() != checksums.size())
-        throw ApiRefusal {409, "conflict", QStringLiteral("the farm lacks a content of the files")};
-    // The job gets a copy of each file, also where one content stands under many names.
+        throw Conflict("the farm lacks the content of one of the files");
+    // The job gets a copy of each file, so a content counts as often as it is named.
     std::int64_t bytes = 0;
     for (const JobFile& file : job.files) {
         bytes += sizes.value(file.checksum);
         if (bytes > m_quota)
-            throw ApiRefusal {
-                507, "quota_exceeded", QStringLiteral("the files of the job exceed the account's quota")};
+            throw QuotaExceeded("the files of the job exceed the account's quota");
     }
-    if (!submission.pool.isEmpty())
-        job.project = ProjectOf(connection, job.account, submission.pool);
-    job.status = IsInArrears(connection, job.account) ? JobStatus::Arrears : JobStatus::Waiting;
-    return m_jobs.Add(job);
 }
 
 } // namespace farm

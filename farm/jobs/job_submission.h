@@ -1,9 +1,8 @@
 #pragma once
 
 #include "farm/jobs/job_store.h"
-#include "farm/rendering/job_types.h"
 
-#include <QJsonObject>
+#include <QStringList>
 
 #include <functional>
 
@@ -11,31 +10,33 @@ namespace farm {
 
 class ContentStore;
 
-/// What a client submits, read and checked by itself: contents, project and balance are not looked at yet.
+/// A job that a client submits; its values are within their ranges.
 struct Submission
 {
+    /// Without account, project, status and time of submission.
     NewJob job;
-    /// Of the project; empty for none.
+    /// The project's pool; empty for no project.
     QString pool;
 };
 
-/// Throws BadInput when a member is missing, of another type or out of range. `types` are the farm's job types.
-Submission ReadSubmission(const QJsonObject& body, const QStringList& types);
-
-/// Makes jobs of what clients submit. May be used by several threads at a time.
+/// Makes jobs of submissions. May be used by several threads at a time.
 class JobSubmission
 {
 public:
-    /// `changed` is called after each new job, in the thread that submitted it.
+    /// @param types are the names of the farm's job types.
+    /// @param quota is how many bytes the files of a job may take.
+    /// @param changed is called after each new job, in the thread that submitted it.
     JobSubmission(Database& database, JobStore& jobs, ContentStore& contents, const QStringList& types,
         std::int64_t quota, std::function<void()> changed);
 
-    /// The job of this submission, which may have come before. Throws BadInput, and ApiRefusal when the account lacks
-    /// one of the contents or the files are larger than the quota together.
-    AddedJob Submit(std::int64_t account, const QJsonObject& body, std::int64_t now);
+    /// The job of this submission: a new one, or the one that an earlier call with the same `submission` made. `now` is in
+    /// seconds since the epoch. Throws InvalidInput when the type or the pool is unknown, Conflict when the account has
+    /// not sent one of the contents, and QuotaExceeded.
+    AddedJob Submit(std::int64_t account, Submission submission, std::int64_t now);
 
 private:
     AddedJob Add(SQLite::Database& connection, Submission& submission);
+    void CheckFiles(const NewJob& job);
 
     Database& m_database;
     JobStore& m_jobs;

@@ -17,14 +17,14 @@ namespace {
 
 constexpr quint64 ReadFiles
     = LANDLOCK_ACCESS_FS_EXECUTE | LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_READ_DIR;
-// Neither links nor devices are among it.
+// Links and devices may not be created.
 constexpr quint64 WriteFiles = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_READ_DIR
     | LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_REMOVE_FILE | LANDLOCK_ACCESS_FS_REMOVE_DIR
     | LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_MAKE_DIR;
 constexpr quint64 UseDevice = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_WRITE_FILE;
-constexpr quint64 OfFiles
+constexpr quint64 FileAccesses
     = LANDLOCK_ACCESS_FS_EXECUTE | LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_WRITE_FILE;
-// All accesses that the oldest version of Landlock knows; later ones come one by one.
+// All accesses that the first version of Landlock knows.
 constexpr quint64 FirstAccesses = (LANDLOCK_ACCESS_FS_MAKE_SYM << 1) - 1;
 constexpr quint64 TruncateFiles = quint64 {1} << 14;
 constexpr int VersionWithTruncate = 3;
@@ -62,7 +62,7 @@ Confinement::Confinement(const Reach& reach, const QString& program)
     m_ruleset = static_cast<int>(
         ::syscall(SYS_landlock_create_ruleset, &attributes, sizeof(attributes.handled_access_fs), 0));
     if (m_ruleset < 0)
-        throw std::runtime_error("a renderer cannot be confined");
+        throw std::runtime_error("the renderer cannot be confined");
     for (const char* path : SystemPaths)
         Allow(QString::fromLatin1(path), ReadFiles);
     for (const char* device : Devices)
@@ -78,7 +78,7 @@ Confinement::~Confinement()
         ::close(m_ruleset);
 }
 
-// What does not exist needs no permission.
+// A path that does not exist needs no rule.
 void Confinement::Allow(const QString& path, quint64 access) const
 {
     const int file = ::open(QFile::encodeName(path).constData(), O_PATH | O_CLOEXEC);
@@ -89,12 +89,12 @@ void Confinement::Allow(const QString& path, quint64 access) const
     };
     const bool isFolder = ::fstat(file, &status) == 0 && S_ISDIR(status.st_mode);
     landlock_path_beneath_attr rule {};
-    rule.allowed_access = isFolder ? access : access & (OfFiles | TruncateFiles);
+    rule.allowed_access = isFolder ? access : access & (FileAccesses | TruncateFiles);
     rule.parent_fd = file;
     const long result = ::syscall(SYS_landlock_add_rule, m_ruleset, LANDLOCK_RULE_PATH_BENEATH, &rule, 0);
     ::close(file);
     if (result != 0)
-        throw std::runtime_error("a renderer cannot be confined");
+        throw std::runtime_error("the renderer cannot be confined");
 }
 
 bool Confinement::Enter() const

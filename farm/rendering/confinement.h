@@ -4,29 +4,29 @@
 
 namespace farm {
 
-/// What a renderer may touch of this machine: programs, libraries and fonts to run with, files below one folder to read
-/// and below another one to write. It may neither look at nor change anything else.
+/// The part of this machine that a renderer may use: it may read the installed programs, libraries and fonts and the files
+/// below `readable`, and write below `writable`, but neither read nor change anything else.
 struct Reach
 {
     QString readable;
     QString writable;
 };
 
-/// The kernel's part of it (Landlock): prepared before the renderer's process is made, entered in it.
+/// Limits a process to its reach by means of the kernel (Landlock). Prepared in the farm, entered in the new process.
 class Confinement
 {
 public:
     /// Whether this machine's kernel can confine a process.
     static bool IsSupported();
 
-    /// @param program is the renderer's executable, with its folder.
+    /// @param program is the full path of the renderer's executable.
     Confinement(const Reach& reach, const QString& program);
     ~Confinement();
     Confinement(const Confinement&) = delete;
     Confinement& operator=(const Confinement&) = delete;
 
-    /// From now on the calling process, and whatever it starts, has this reach. Makes system calls only, as is needed
-    /// between fork and exec. Returns whether that is so; true as well where the kernel cannot do it.
+    /// Limits the calling process and all processes that it starts. Makes system calls only, as code between fork and
+    /// exec must. Returns false when the process could not be limited although the kernel supports it.
     bool Enter() const;
 
 private:

@@ -1,6 +1,7 @@
 #include "farm/rendering/frame_files.h"
 
 #include "farm/rendering/scene_files.h"
+#include "storage/checksum.h"
 #include "storage/durable_file.h"
 
 #include <QDir>
@@ -58,7 +59,7 @@ RenderPlace FrameFiles::Prepare(const FrameTask& task, const QString& suffix) co
     MakeFolder(folder);
     RenderPlace place = PlaceOf(task, suffix);
     if (!QDir().mkpath(place.outputFolder))
-        throw std::runtime_error("cannot make the folder of unfinished frames");
+        throw std::runtime_error("cannot create the folder of unfinished frames");
     QFile::remove(place.Output());
     if (task.beginsRun)
         RemoveFrames(folder, suffix);
@@ -67,7 +68,7 @@ RenderPlace FrameFiles::Prepare(const FrameTask& task, const QString& suffix) co
     return place;
 }
 
-// Renderers take spaces, quotation marks and other alphabets in their arguments for something else.
+// Renderers misread spaces, quotation marks and non-Latin letters in their arguments; the link's name has none.
 void FrameFiles::LinkScene(const RenderPlace& place, const QString& scene)
 {
     const QString target = QFileInfo(place.sceneFolder).fileName() + QLatin1Char('/') + scene;
@@ -75,7 +76,7 @@ void FrameFiles::LinkScene(const RenderPlace& place, const QString& scene)
         return;
     QFile::remove(place.sceneFile);
     if (::symlink(QFile::encodeName(target).constData(), QFile::encodeName(place.sceneFile).constData()) != 0)
-        throw std::runtime_error("cannot make a link to the scene");
+        throw std::runtime_error("cannot create a link to the scene");
 }
 
 void FrameFiles::RemoveFrames(QDir folder, const QString& suffix)
@@ -93,7 +94,7 @@ void FrameFiles::MakeFolder(const QDir& folder) const
     if (folder.exists())
         return;
     if (!folder.mkpath(QStringLiteral(".")))
-        throw std::runtime_error("cannot make the job's folder");
+        throw std::runtime_error("cannot create the job's folder");
     storage::SyncToDisk(m_folder);
     storage::SyncToDisk(QFileInfo(m_folder).path());
 }
@@ -106,7 +107,7 @@ Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix) const
         throw std::runtime_error("the renderer left no picture");
     const Picture picture {
         FrameName(task.Number(), suffix), std::int64_t(left.size()), storage::FileChecksum(unfinished)};
-    // It may be there already: kept, but not marked before a crash.
+    // The picture may be in its place already: a crash can come between this and the recording of the frame.
     storage::RenameDurably(unfinished, QDir(JobFolder(task.jobId)).filePath(picture.name));
     return picture;
 }

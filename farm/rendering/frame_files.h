@@ -1,6 +1,7 @@
 #pragma once
 
 #include "farm/rendering/frame_task.h"
+#include "farm/rendering/picture.h"
 
 #include <QDir>
 
@@ -8,25 +9,25 @@ namespace farm {
 
 class SceneFiles;
 
-/// Where the renderer of a frame works.
+/// The paths with which the renderer of a frame works.
 struct RenderPlace
 {
     /// Holds all files of the scene.
     QString sceneFolder;
-    /// The folder that the scene file is in: what is named relatively in it is found from there.
+    /// The scene file's folder, in which the renderer runs, because scenes name other files relative to it.
     QString workFolder;
-    /// The scene under a name that no renderer stumbles over, whatever it is called.
+    /// A link to the scene file whose name no renderer misreads.
     QString sceneFile;
     QString outputFolder;
-    /// In `outputFolder`.
+    /// The name of the picture in `outputFolder`.
     QString outputName;
 
     QString Output() const { return outputFolder + QLatin1Char('/') + outputName; }
-    /// A path of these as it is seen from the work folder.
+    /// One of these paths relative to the work folder.
     QString FromWorkFolder(const QString& path) const { return QDir(workFolder).relativeFilePath(path); }
 };
 
-/// The files of the jobs: each has a folder of its own, named by its id, with the scene and finished frames.
+/// The files of the jobs: each job has a folder, named by its id, for the scene and the finished frames.
 class FrameFiles
 {
 public:
@@ -37,11 +38,10 @@ public:
     /// "frame_0001.png" for number 1 and suffix "png".
     static QString FrameName(int number, const QString& suffix);
 
-    /// Makes the job's folder, puts its scene there and removes what an earlier attempt at the frame, or an earlier run
-    /// of the job, left.
+    /// Creates the job's folder with its scene; removes the files of earlier attempts at the frame and of earlier runs.
     /// Throws std::runtime_error.
     RenderPlace Prepare(const FrameTask& task, const QString& suffix) const;
-    /// Gives a rendered frame its place once it is on the disk. Throws std::runtime_error.
+    /// Moves a rendered frame to its place; it is on the disk when it returns. Throws std::runtime_error.
     Picture Keep(const FrameTask& task, const QString& suffix) const;
 
 private:

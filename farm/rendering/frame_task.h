@@ -7,13 +7,13 @@
 
 namespace farm {
 
-/// A frame of a job, in one of the job's runs: a restart begins a new one.
+/// A frame of a job in one of the job's runs.
 struct FrameKey
 {
     std::int64_t job = 0;
-    /// As the renderer knows it, from 1.
+    /// The frame's number in the scene, from 1.
     int number = 0;
-    /// From 1.
+    /// Counts from 1; each restart of the job begins another run.
     int run = 1;
 };
 
@@ -22,27 +22,19 @@ inline bool operator<(const FrameKey& one, const FrameKey& other)
     return std::tie(one.job, one.number, one.run) < std::tie(other.job, other.number, other.run);
 }
 
-/// A finished picture: its name in the job's folder, its size in bytes and its SHA-256.
-struct Picture
-{
-    QString name;
-    std::int64_t size = 0;
-    QString checksum;
-};
-
-/// A frame to render and what is needed for it.
+/// A frame to render and everything needed for it.
 struct FrameTask
 {
     FrameKey key;
     QString jobId;
     QString type;
     QString scene;
-    int width = 0;
-    int height = 0;
-    /// The first and the last frame of the job, whichever of those between it has.
+    int width = 0;  // pixels
+    int height = 0; // pixels
+    /// The lowest and the highest number in the job's ranges, also when the frames with these numbers are missing.
     int firstFrame = 1;
     int lastFrame = 1;
-    /// No frame of the run is finished yet.
+    /// No frame of this run is finished yet.
     bool beginsRun = false;
 
     int FrameSpan() const { return lastFrame - firstFrame + 1; }

@@ -20,12 +20,11 @@ JobType ReadJobType(const QString& name, const QJsonObject& object)
     for (const QJsonValue& argument : arguments)
         type.arguments.append(argument.toString());
     type.suffix = object.value(QLatin1String("suffix")).toString();
-    type.frameTimeLimitSeconds
-        = object.value(QLatin1String("frame_time_limit")).toInt(type.frameTimeLimitSeconds);
+    type.frameTimeLimit = object.value(QLatin1String("frame_time_limit")).toInt(type.frameTimeLimit);
     type.confined = object.value(QLatin1String("confined")).toBool(true);
-    if (type.program.isEmpty() || type.suffix.isEmpty() || type.frameTimeLimitSeconds < 1)
+    if (type.program.isEmpty() || type.suffix.isEmpty() || type.frameTimeLimit < 1)
         throw std::runtime_error("the job type " + name.toStdString()
-            + " needs program, suffix and a frame_time_limit of at least 1");
+            + " needs a program, a suffix and a frame_time_limit of at least 1 second");
     return type;
 }
 

@@ -6,27 +6,27 @@
 
 namespace farm {
 
-/// How jobs of one type are rendered. Arguments hold placeholders: {scene} is the scene file, {scene_folder} the folder
-/// of all the scene's files, and the picture is to be {output}, which is {output_folder} with {output_name} and the
-/// suffix; these are paths from the scene file's folder, in which the renderer runs, and need no quoting. {width} and
-/// {height} are pixels, {frame} is the frame's number, {frames} how many there are from the job's first frame to its
-/// last, and {clock} goes from 0 towards 1 over them.
+/// How jobs of one type are rendered. Arguments may hold placeholders:
+/// {scene} is the scene file and {scene_folder} the folder of all the scene's files; {output} is the picture to write,
+/// that is {output_name} with the suffix in {output_folder}. All are paths relative to the scene file's folder, in which
+/// the renderer runs, and need no quoting. {width} and {height} are pixels, {frame} is the frame's number, {frames} how
+/// many numbers there are from the job's first frame to its last, and {clock} goes from 0 towards 1 over them.
 struct JobType
 {
     QString program;
     QStringList arguments;
     QString suffix;
-    int frameTimeLimitSeconds = 3600;
-    /// The renderer may read only its scene, besides the machine's programs, and write only its picture.
+    int frameTimeLimit = 3600; // s
+    /// The renderer may read nothing but its scene and the machine's programs, and write nothing but its picture.
     bool confined = true;
 };
 
 using JobTypes = QMap<QString, JobType>;
 
-/// Throws std::runtime_error naming what is wrong when the file is missing or does not hold job types.
+/// Reads a JSON file of job types by name. Throws std::runtime_error that says what is wrong with the file.
 JobTypes ReadJobTypes(const QString& path);
 
-/// Puts values in place of the placeholders. A value is never searched for placeholders; unknown ones stay.
+/// Replaces the placeholders by their values. Placeholders inside values are not replaced; unknown ones stay as they are.
 QStringList FillIn(const QStringList& arguments, const QMap<QString, QString>& values);
 
 } // namespace farm

@@ -14,7 +14,7 @@ LocalExecutor::LocalExecutor(int slotCount)
     : m_slots(std::max(1, slotCount))
 {
     if (!Confinement::IsSupported())
-        spdlog::warn("this machine's kernel has no Landlock: renderers can read what the farm can");
+        spdlog::warn("this machine's kernel has no Landlock: renderers can read whatever the farm can");
 }
 
 LocalExecutor::~LocalExecutor() = default;
@@ -27,7 +27,7 @@ bool LocalExecutor::Has(const QString& program) const
 void LocalExecutor::Start(const FrameKey& frame, const RenderCommand& command, Ended ended)
 {
     auto process = std::make_unique<RenderProcess>(command);
-    // Queued: a renderer that cannot be started may report so before Run() returns.
+    // Queued, because a renderer that cannot be started may report it before Run() returns.
     QObject::connect(
         process.get(), &RenderProcess::Ended, process.get(),
         [this, frame, ended = std::move(ended)](const RenderResult& result) {

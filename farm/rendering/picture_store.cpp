@@ -1,5 +1,6 @@
 #include "farm/rendering/picture_store.h"
 
+#include "farm/base/errors.h"
 #include "farm/rendering/frame_files.h"
 
 #include <fcntl.h>
@@ -8,7 +9,7 @@ namespace farm {
 
 namespace {
 
-// A restart may lead to another picture while one is being opened.
+// How often a picture is opened when restarts of the job replace it meanwhile.
 constexpr int Attempts = 3;
 
 Picture ReadPicture(SQLite::Statement& row)
@@ -34,13 +35,13 @@ PictureStore::PictureStore(Database& database, const FrameFiles& files)
 {
 }
 
-std::optional<std::vector<Picture>> PictureStore::List(std::int64_t account, const QString& job)
+std::vector<Picture> PictureStore::List(std::int64_t account, const QString& job)
 {
-    return m_database.Read([&](SQLite::Database& connection) -> std::optional<std::vector<Picture>> {
+    return m_database.Read([&](SQLite::Database& connection) {
         SQLite::Statement key(connection, "SELECT key FROM jobs WHERE account = ? AND id = ?");
         Bind(key, account, job);
         if (!key.executeStep())
-            return std::nullopt;
+            throw NotFound("there is no such job");
         SQLite::Statement query(connection,
             "SELECT file, size, checksum FROM frames WHERE job = ? AND file IS NOT NULL ORDER BY number");
         Bind(query, std::int64_t(key.getColumn(0).getInt64()));
@@ -64,21 +65,20 @@ std::optional<Picture> PictureStore::Find(std::int64_t account, const QString& j
     });
 }
 
-// A restart clears what is written of a picture before its file is replaced: what is written alike before and after the
-// file was opened belongs to the file.
-std::optional<PictureStore::Opened> PictureStore::Open(
-    std::int64_t account, const QString& job, const QString& name)
+// A restart deletes the record of a picture before the file is replaced. So a record that is the same before and after the
+// file was opened belongs to that file.
+PictureStore::Opened PictureStore::Open(std::int64_t account, const QString& job, const QString& name)
 {
     for (int attempt = 0; attempt < Attempts; ++attempt) {
         const auto before = Find(account, job, name);
         if (!before)
-            return std::nullopt;
+            break;
         auto file = OpenFile(m_files.JobFolder(job) + QLatin1Char('/') + before->name);
         const auto after = Find(account, job, name);
         if (file && after && after->checksum == before->checksum && file->size() == before->size)
-            return Opened {*before, file};
+            return {*before, file};
     }
-    return std::nullopt;
+    throw NotFound("there is no such file");
 }
 
 } // namespace farm

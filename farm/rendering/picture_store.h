@@ -1,7 +1,7 @@
 #pragma once
 
 #include "farm/base/schema.h"
-#include "farm/rendering/frame_task.h"
+#include "farm/rendering/picture.h"
 
 #include <QFile>
 
@@ -13,22 +13,23 @@ namespace farm {
 
 class FrameFiles;
 
-/// The finished frames as the accounts fetch them. May be used by several threads at a time.
+/// The finished frames as accounts fetch them. May be used by several threads at a time.
 class PictureStore
 {
 public:
     PictureStore(Database& database, const FrameFiles& files);
 
-    /// Those of the account's job, in the order of their numbers; nothing when there is no such job.
-    std::optional<std::vector<Picture>> List(std::int64_t account, const QString& job);
+    /// The pictures of the account's job in the order of their numbers. Throws NotFound when there is no such job.
+    std::vector<Picture> List(std::int64_t account, const QString& job);
 
     struct Opened
     {
         Picture picture;
+        /// Open for reading.
         std::shared_ptr<QFile> file;
     };
-    /// The job's picture of this name, open for reading; nothing when there is none.
-    std::optional<Opened> Open(std::int64_t account, const QString& job, const QString& name);
+    /// The job's picture with this name. Throws NotFound.
+    Opened Open(std::int64_t account, const QString& job, const QString& name);
 
 private:
     std::optional<Picture> Find(std::int64_t account, const QString& job, const QString& name);

@@ -15,8 +15,8 @@ namespace farm {
 
 namespace {
 
-// Renderers say last what went wrong.
-constexpr int OutputTailBytes = 400;
+// The end of a renderer's output says what went wrong.
+constexpr int OutputTail = 400; // bytes
 constexpr int LowestPriority = 19;
 
 std::int64_t Milliseconds(const timeval& time)
@@ -24,8 +24,8 @@ std::int64_t Milliseconds(const timeval& time)
     return std::int64_t {time.tv_sec} * 1000 + time.tv_usec / 1000;
 }
 
-// The processor time of the renderers that have ended since the last call. Called whenever one has ended,
-// this is its time; there is no better account of a single child once QProcess has reaped it.
+// The processor time of the renderers that have ended since the last call. As this is called whenever one has ended, it is
+// that one's time; the system no longer tells the time of a single process once QProcess has waited for it.
 std::int64_t TakeCoreMilliseconds()
 {
     static std::int64_t known = 0;
@@ -38,7 +38,7 @@ std::int64_t TakeCoreMilliseconds()
 } // namespace
 
 RenderProcess::RenderProcess(const RenderCommand& command)
-    : m_timeLimitSeconds(command.timeLimitSeconds)
+    : m_timeLimit(command.timeLimit)
 {
     setProgram(command.program);
     if (command.reach)
@@ -51,11 +51,11 @@ RenderProcess::RenderProcess(const RenderCommand& command)
     connect(
         this, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this, &RenderProcess::ReportExit);
     connect(this, &QProcess::errorOccurred, this, &RenderProcess::ReportError);
-    connect(&m_timeLimit, &QTimer::timeout, this, [this] {
+    connect(&m_timeLimitTimer, &QTimer::timeout, this, [this] {
         m_timedOut = true;
         KillAll();
     });
-    m_timeLimit.setSingleShot(true);
+    m_timeLimitTimer.setSingleShot(true);
 }
 
 RenderProcess::~RenderProcess()
@@ -66,15 +66,15 @@ RenderProcess::~RenderProcess()
     TakeCoreMilliseconds();
 }
 
-// Of the farm's environment a confined renderer learns only what it needs; its home is where it may write.
+// A confined renderer gets only the part of the farm's environment that it needs; its home is where it may write.
 void RenderProcess::Confine(const Reach& reach, const QString& program)
 {
     m_confinement = std::make_unique<Confinement>(reach, QStandardPaths::findExecutable(program));
-    const QProcessEnvironment farms = QProcessEnvironment::systemEnvironment();
+    const QProcessEnvironment inherited = QProcessEnvironment::systemEnvironment();
     QProcessEnvironment own;
     for (const char* name : {"PATH", "LANG", "LC_ALL", "TZ"}) {
-        if (farms.contains(QLatin1String(name)))
-            own.insert(QLatin1String(name), farms.value(QLatin1String(name)));
+        if (inherited.contains(QLatin1String(name)))
+            own.insert(QLatin1String(name), inherited.value(QLatin1String(name)));
     }
     for (const char* name : {"HOME", "TMPDIR"})
         own.insert(QLatin1String(name), reach.writable);
@@ -83,7 +83,7 @@ void RenderProcess::Confine(const Reach& reach, const QString& program)
 
 void RenderProcess::Run()
 {
-    m_timeLimit.start(std::chrono::seconds(m_timeLimitSeconds));
+    m_timeLimitTimer.start(m_timeLimit);
     start();
 }
 
@@ -93,7 +93,7 @@ void RenderProcess::setupChildProcess()
     ::setpgid(0, 0);
     ::setpriority(PRIO_PROCESS, 0, LowestPriority);
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    // A renderer must not keep the connections of clients open.
+    // An inherited connection would stay open for the client until the renderer ends.
     ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
     if (m_confinement && !m_confinement->Enter())
         ::_exit(EXIT_FAILURE);
@@ -109,7 +109,7 @@ void RenderProcess::KillAll()
 void RenderProcess::CollectOutput()
 {
     m_outputTail += readAll();
-    m_outputTail = m_outputTail.right(OutputTailBytes);
+    m_outputTail = m_outputTail.right(OutputTail);
 }
 
 void RenderProcess::ReportExit(int exitCode, QProcess::ExitStatus status)
@@ -137,8 +137,8 @@ QString RenderProcess::Message(int exitCode, QProcess::ExitStatus status) const
         reason = QStringLiteral("the renderer exceeded its time limit");
     else if (status == QProcess::CrashExit)
         reason = QStringLiteral("the renderer crashed");
-    // The first line may have lost its beginning.
-    const int cut = m_outputTail.size() < OutputTailBytes ? 0 : m_outputTail.indexOf('\n') + 1;
+    // When output was cut off, its first line is not whole.
+    const int cut = m_outputTail.size() < OutputTail ? 0 : m_outputTail.indexOf('\n') + 1;
     const QString output = QString::fromUtf8(m_outputTail.mid(cut)).trimmed();
     return output.isEmpty() ? reason : reason + QStringLiteral("\n") + output;
 }

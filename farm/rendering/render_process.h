@@ -5,24 +5,25 @@
 #include <QProcess>
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
 
 namespace farm {
 
-/// One run of a renderer. Destroying it ends the renderer and whatever that has started.
+/// One run of a renderer. The destructor ends the renderer and all processes that it has started.
 class RenderProcess : public QProcess
 {
     Q_OBJECT
 
 public:
-    /// Throws std::runtime_error when it cannot be confined as the command asks.
+    /// Throws std::runtime_error when the renderer cannot be confined as the command asks.
     explicit RenderProcess(const RenderCommand& command);
     ~RenderProcess() override;
 
     void Run();
 
 signals:
-    /// Sent once.
+    /// Emitted once, when the renderer has ended or could not be started.
     void Ended(const farm::RenderResult& result);
 
 protected:
@@ -34,12 +35,11 @@ private:
     void ReportError(QProcess::ProcessError error);
     QString Message(int exitCode, QProcess::ExitStatus status) const;
     void KillAll();
-
     void Confine(const Reach& reach, const QString& program);
 
     std::unique_ptr<Confinement> m_confinement;
-    int m_timeLimitSeconds;
-    QTimer m_timeLimit;
+    std::chrono::seconds m_timeLimit;
+    QTimer m_timeLimitTimer;
     QByteArray m_outputTail;
     bool m_timedOut = false;
 };

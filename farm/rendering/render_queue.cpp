@@ -1,5 +1,6 @@
 #include "farm/rendering/render_queue.h"
 
+#include "farm/accounts/arrears.h"
 #include "farm/jobs/job_status.h"
 
 #include <QJsonArray>
@@ -96,8 +97,10 @@ void RenderQueue::PauseJobsInArrears()
 {
     m_database.Write([](SQLite::Database& connection) {
         Execute(connection,
-            "UPDATE jobs SET status = iif(status = ?1, ?2, ?3) WHERE key IN (SELECT key FROM open_jobs "
-            "WHERE account IN (SELECT key FROM accounts WHERE balance <= 0))",
+            (std::string("UPDATE jobs SET status = iif(status = ?1, ?2, ?3) WHERE key IN "
+                         "(SELECT key FROM open_jobs WHERE account IN (")
+                + AccountsInArrears + "))")
+                .c_str(),
             static_cast<int>(JobStatus::Running), static_cast<int>(JobStatus::PausedInArrears),
             static_cast<int>(JobStatus::Arrears));
     });

@@ -3,6 +3,7 @@
 #include "farm/base/money.h"
 #include "farm/base/schema.h"
 #include "farm/rendering/frame_task.h"
+#include "farm/rendering/picture.h"
 
 #include <QStringList>
 
@@ -11,35 +12,34 @@
 
 namespace farm {
 
-/// The work that the jobs hold, and what is written down when a piece of it is done.
-/// A frame being rendered is not marked: after a crash it is simply still open.
+/// The open frames of all jobs, and the records of those that are finished: pictures, charges and balances.
+/// A frame that is being rendered is not marked, so after a crash it is still open.
 class RenderQueue
 {
 public:
     RenderQueue(Database& database, Micros pricePerCoreSecond);
 
-    /// The next open frame that is not among `taken`, of an open job of one of these types.
-    /// Running jobs go first and take turns: the one after `lastJob` is the next.
+    /// The next open frame outside `taken` of an open job that has one of these types; nothing when there is none.
+    /// Running jobs go first and take turns, beginning with the one after `lastJob`.
     std::optional<FrameTask> Next(
         const QStringList& types, std::int64_t lastJob, const std::set<FrameKey>& taken);
 
-    /// Whether the job is open and still in the frame's run.
+    /// Whether the frame's job is open and has not been restarted since.
     bool IsWanted(const FrameKey& frame);
 
-    /// An open job is running from now on.
+    /// Marks an open job as running.
     void Start(std::int64_t job);
 
-    /// Pauses the open jobs of the accounts whose balance is spent.
+    /// Pauses the open jobs of all accounts in arrears.
     void PauseJobsInArrears();
 
-    /// Marks the frame finished with this picture, charges it and lowers the account's balance, all or nothing; the job is
-    /// finished with its last frame. Nothing happens when the frame is marked already or
-    /// belongs to an earlier run.
+    /// Records a finished frame in one transaction: its picture, the charge, the account's lower balance and, with the
+    /// last frame, the end of the job. Does nothing when the frame is recorded already or belongs to an earlier run.
     void Finish(
         const FrameKey& frame, const Picture& picture, std::int64_t coreMilliseconds, std::int64_t now);
 
-    /// Counts a failed attempt; at the third of a frame the job has failed and keeps the message.
-    /// Returns whether the job has failed.
+    /// Counts a failed attempt at the frame. With the third one the job fails and keeps the message.
+    /// Returns whether this made the job fail.
     bool Fail(const FrameKey& frame, const QString& message, std::int64_t now);
 
 private:

@@ -26,7 +26,7 @@ void SyncTree(const QString& folder)
 void Make(const QDir& folder)
 {
     if (!folder.mkpath(QStringLiteral(".")))
-        throw std::runtime_error("cannot make the folder of the scene");
+        throw std::runtime_error("cannot create the folder of the scene");
 }
 
 } // namespace
@@ -52,13 +52,13 @@ void SceneFiles::Provide(const FrameTask& task, const QDir& jobFolder) const
         SyncTree(unfinished.path());
         storage::RenameDurably(unfinished.path(), scene);
     } catch (const std::exception&) {
-        // Half a scene must not fill a disk that is full already.
+        // The disk may be full; half a scene must not stay on it.
         unfinished.removeRecursively();
         throw;
     }
 }
 
-// A renderer gets copies: what it does to them, if it can, does nothing to the contents.
+// Renderers get copies, so that nothing they do can change the contents, which several jobs may share.
 bool SceneFiles::CopyOwn(std::int64_t job, const QDir& folder) const
 {
     const std::vector<JobFile> files

@@ -9,14 +9,14 @@ namespace farm {
 
 class ContentStore;
 
-/// Puts the files of a job's scene where the renderer finds them.
+/// Copies the files of a job's scene to where the renderer finds them.
 class SceneFiles
 {
 public:
-    /// `shippedFolder` holds the scenes that come with the farm.
+    /// @param shippedFolder holds the scenes that come with the farm.
     SceneFiles(Database& database, const ContentStore& contents, const QString& shippedFolder);
 
-    /// Makes the job's folder "scene" unless it is there: all of it or, when that fails or is cut off, none.
+    /// Creates the folder "scene" in the job's folder unless it exists; it is never left incomplete.
     /// Throws std::runtime_error.
     void Provide(const FrameTask& task, const QDir& jobFolder) const;
 

@@ -12,9 +12,6 @@ namespace farm {
 
 namespace {
 
-using namespace std::chrono_literals;
-constexpr auto LookInterval = 5s;
-
 RenderCommand CommandFor(const FrameTask& task, const JobType& type, const RenderPlace& place)
 {
     const double clock = double(task.Number() - task.firstFrame) / task.FrameSpan();
@@ -31,7 +28,7 @@ RenderCommand CommandFor(const FrameTask& task, const JobType& type, const Rende
         {QStringLiteral("clock"), QString::number(clock, 'f', 6)},
     };
     RenderCommand command {
-        type.program, FillIn(type.arguments, values), place.workFolder, type.frameTimeLimitSeconds, {}};
+        type.program, FillIn(type.arguments, values), place.workFolder, type.frameTimeLimit, {}};
     if (type.confined)
         command.reach = Reach {place.sceneFolder, place.outputFolder};
     return command;
@@ -39,7 +36,8 @@ RenderCommand CommandFor(const FrameTask& task, const JobType& type, const Rende
 
 } // namespace
 
-Scheduler::Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& files, const JobTypes& types)
+Scheduler::Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& files, const JobTypes& types,
+    std::chrono::milliseconds lookInterval)
     : m_queue(queue)
     , m_executor(executor)
     , m_files(files)
@@ -47,7 +45,7 @@ Scheduler::Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& f
 {
     connect(this, &Scheduler::NudgeWanted, this, &Scheduler::Nudge, Qt::QueuedConnection);
     connect(&m_look, &QTimer::timeout, this, &Scheduler::Nudge);
-    m_look.start(LookInterval);
+    m_look.start(lookInterval);
 }
 
 void Scheduler::Nudge()
@@ -63,16 +61,14 @@ void Scheduler::Nudge()
             StartFrame(*task);
         }
     } catch (const std::exception& error) {
-        spdlog::error("the jobs cannot be read, trying again: {}", error.what());
+        spdlog::error("the jobs cannot be read; the scheduler tries again soon: {}", error.what());
     }
 }
 
 void Scheduler::Stop()
 {
-    m_look.stop();
     for (const FrameKey& frame : m_rendering)
         m_executor.Cancel(frame);
-    m_rendering.clear();
 }
 
 QStringList Scheduler::RunnableTypes()
@@ -83,7 +79,7 @@ QStringList Scheduler::RunnableTypes()
             m_missingPrograms.erase(type->program);
             runnable.append(type.key());
         } else if (m_missingPrograms.insert(type->program).second) {
-            spdlog::warn("the renderer {} is not installed: jobs of type {} wait for it",
+            spdlog::warn("the renderer {} is not installed; jobs of type {} wait for it",
                 type->program.toStdString(), type.key().toStdString());
         }
     }
@@ -125,8 +121,8 @@ void Scheduler::FrameEnded(const FrameTask& task, const RenderResult& result)
     try {
         Record(task, result);
     } catch (const std::exception& error) {
-        // No nudge: the next look tries again, not a loop that never rests.
-        spdlog::error("a frame could not be recorded, it will be rendered again: {}", error.what());
+        // Without a nudge: rendering the frame again at once could become an endless loop.
+        spdlog::error("a finished frame could not be recorded and will be rendered again: {}", error.what());
         return;
     }
     Nudge();

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
 #include <set>
 
 namespace farm {
@@ -19,15 +20,17 @@ class Scheduler : public QObject
     Q_OBJECT
 
 public:
-    Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& files, const JobTypes& types);
+    /// @param lookInterval is how often the scheduler looks at the jobs by itself.
+    Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& files, const JobTypes& types,
+        std::chrono::milliseconds lookInterval);
 
-    /// Looks at the jobs anew: pauses those in arrears, ends the frames that are no longer wanted, then fills the
-    /// free slots. To be called after a change to the jobs; a look is also taken every few seconds.
+    /// Looks at the jobs: pauses those in arrears, cancels the frames that are no longer wanted and fills the free slots.
+    /// To be called when jobs have changed.
     void Nudge();
-    /// Does so as soon as the scheduler's thread comes to it. May be called in any thread.
+    /// Calls Nudge() later in the scheduler's thread. May be called in any thread.
     void NudgeLater() { emit NudgeWanted(); }
 
-    /// Ends all frames being rendered and starts no more.
+    /// Cancels all frames being rendered. Their slots count as taken from then on, so no others start in them.
     void Stop();
 
 signals:

@@ -1,6 +1,7 @@
 #include "farm/uploads/content_store.h"
 
-#include "farm/accounts/secrets.h"
+#include "farm/base/random.h"
+#include "storage/checksum.h"
 #include "storage/durable_file.h"
 
 #include <QDir>
@@ -13,6 +14,7 @@ namespace farm {
 
 namespace {
 
+// Contents are spread over folders named by the first digits of their checksums.
 constexpr int PrefixDigits = 2;
 
 QString Incoming()
@@ -23,7 +25,7 @@ QString Incoming()
 void MakeFolder(const QString& path)
 {
     if (!QDir().mkpath(path))
-        throw std::runtime_error("cannot make a folder for contents");
+        throw std::runtime_error("cannot create a folder for contents");
 }
 
 } // namespace
@@ -38,7 +40,7 @@ ContentStore::ContentStore(Database& database, const QString& folder)
     RemoveStrayFiles();
 }
 
-// Taken in, but given to nobody before the farm ended.
+// A farm that ends between Take() and Give() leaves files that belong to no account.
 void ContentStore::RemoveStrayFiles()
 {
     const QSet<QString> known = m_database.Read([](SQLite::Database& connection) {
@@ -68,7 +70,7 @@ QString ContentStore::NewIncomingFolder()
     return folder;
 }
 
-// A content that is here already is replaced by what is the same: should the disk have damaged it, it is whole again.
+// A content that is here already is replaced by its equal: if the disk has damaged it, this repairs it.
 void ContentStore::Take(const std::vector<UnpackedFile>& files)
 {
     QSet<QString> taken;
@@ -108,7 +110,7 @@ QHash<QString, std::int64_t> ContentStore::SizesOf(std::int64_t account, const Q
         }
         return found;
     });
-    // What is missing or cut off is sent again.
+    // A content that is missing or cut off counts as unknown, so that the client sends it again.
     for (auto size = sizes.begin(); size != sizes.end();)
         size = QFileInfo(FileOf(size.key())).size() == *size ? std::next(size) : sizes.erase(size);
     return sizes;
@@ -150,7 +152,7 @@ void ContentStore::CopyTo(const QString& checksum, const QString& target) const
         throw std::runtime_error("a content of the scene is missing or cannot be copied");
     if (storage::FileChecksum(target) == checksum)
         return;
-    // Without it the account is asked to bring it again.
+    // Once the damaged file is gone, the content counts as unknown and the client sends it again.
     if (storage::FileChecksum(FileOf(checksum)) != checksum)
         QFile::remove(FileOf(checksum));
     throw std::runtime_error("a content of the scene is damaged");

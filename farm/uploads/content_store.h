@@ -11,27 +11,28 @@
 
 namespace farm {
 
-/// The contents of files, by checksum and each once, and which account has brought which.
+/// The contents of files, each kept once under its checksum, and which accounts have sent which.
 /// May be used by several threads at a time.
 class ContentStore
 {
 public:
-    /// Makes the folder and removes what was being taken in when the farm ended. Throws std::runtime_error.
+    /// Creates the folder and removes what was left half taken in. Throws std::runtime_error.
     ContentStore(Database& database, const QString& folder);
 
-    /// A new, empty folder for files that are to become contents; Take() finds them there.
+    /// A new, empty folder on the disk of the contents, for files that are to be passed to Take().
     QString NewIncomingFolder();
 
-    /// Moves the files in; they are on the disk when it returns. They belong to nobody yet.
+    /// Moves the files in; they are on the disk when it returns, but belong to no account yet.
     void Take(const std::vector<UnpackedFile>& files);
-    /// The contents are the account's from now on.
+    /// Makes the contents the account's.
     void Give(std::int64_t account, const std::vector<UnpackedFile>& files);
 
-    /// The sizes in bytes of those of the contents that the account has here.
+    /// The sizes in bytes of the given contents. Left out are those that the account has not sent, and those that are
+    /// missing or cut off on the disk.
     QHash<QString, std::int64_t> SizesOf(std::int64_t account, const QStringList& checksums);
-    /// Those of the checksums whose contents the account has here.
+    /// The given checksums without those that SizesOf() leaves out.
     QStringList KnownTo(std::int64_t account, const QStringList& checksums);
-    /// The sizes of the account's contents together, and those of the files among them that it does not have yet.
+    /// The bytes that the account's contents would take together once these files were among them.
     std::int64_t BytesWith(std::int64_t account, const std::vector<UnpackedFile>& files);
 
     /// Copies a content to a file that does not exist yet and verifies the copy. Throws std::runtime_error.

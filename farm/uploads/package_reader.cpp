@@ -19,10 +19,11 @@ namespace farm {
 namespace {
 
 constexpr zip_int64_t MostEntries = 10000;
+// Files that take more than this times the package's size, and more than AlwaysAllowedBytes, are taken for a bomb.
 constexpr qint64 MostTimesLarger = 200;
 constexpr qint64 AlwaysAllowedBytes = qint64 {64} * 1024 * 1024;
 constexpr int BlockBytes = 256 * 1024;
-constexpr int UnixModeShift = 16;
+constexpr int UnixModeShift = 16; // bits
 
 struct CloseArchive
 {
@@ -107,7 +108,7 @@ std::vector<EntryInfo> CheckedEntries(zip_t* archive, qint64 packageBytes)
     return entries;
 }
 
-// Calls `take` with one block after the other. A file is never longer than its entry announces.
+// Calls `take` with one block after the other, and never with more bytes than the entry announces.
 template <typename Take>
 void ReadEntry(zip_t* archive, zip_uint64_t index, qint64 announced, Take take)
 {
@@ -148,7 +149,7 @@ UnpackedFile UnpackEntry(zip_t* archive, zip_uint64_t index, const EntryInfo& en
     if (!file.flush())
         throw std::runtime_error("cannot write a content");
     storage::SyncToDisk(target);
-    return {entry.path, entry.size, QString::fromLatin1(hash.result().toHex()), target};
+    return {{entry.path, entry.size, QString::fromLatin1(hash.result().toHex())}, target};
 }
 
 } // namespace

@@ -1,21 +1,22 @@
 #pragma once
 
+#include "farm/base/errors.h"
+
 #include <QString>
 
 #include <functional>
-#include <stdexcept>
 #include <vector>
 
 namespace farm {
 
-/// A package is refused. The text is for its sender.
-class BadPackage : public std::runtime_error
+/// A package is refused as a whole.
+class BadPackage : public Refusal
 {
 public:
-    using std::runtime_error::runtime_error;
+    using Refusal::Refusal;
 };
 
-/// The work was given up because the farm ends.
+/// The work was given up because the farm is ending.
 class Interrupted : public std::runtime_error
 {
 public:
@@ -25,24 +26,30 @@ public:
     }
 };
 
-/// A file that came out of a package.
-struct UnpackedFile
+/// A file that came in a package.
+struct PackedFile
 {
     QString path;
-    qint64 size = 0;
+    qint64 size = 0; // bytes
     QString checksum;
-    /// Where its content is now.
+};
+
+/// A file that was taken out of a package.
+struct UnpackedFile : PackedFile
+{
+    /// The file on this machine that holds the content.
     QString file;
 };
 
-/// Takes the files of a ZIP archive out into `folder`, which exists, under names of the reader's own. Nothing that the
-/// archive says of itself is believed. Throws BadPackage when it is refused, Interrupted, and std::runtime_error when
-/// files cannot be written; what has been taken out by then is the caller's to remove.
-/// @param goOn is asked now and then; false gives the work up.
+/// Writes the files of a ZIP archive into the existing `folder` under names of the reader's own. Trusts nothing that the
+/// archive says about itself. Throws BadPackage when the archive is refused, Interrupted, and std::runtime_error when a
+/// file cannot be written; the caller removes what was written by then.
+/// @param goOn is asked before each block; false gives the work up.
 std::vector<UnpackedFile> Unpack(
     const QString& package, const QString& folder, const std::function<bool()>& goOn);
 
-/// What the files of the package will take, as it announces, after all checks that need no unpacking. Throws BadPackage.
+/// The bytes that the files of the package will take by its own account, after all checks that need no unpacking.
+/// Throws BadPackage.
 qint64 AnnouncedBytes(const QString& package);
 
 } // namespace farm

@@ -1,6 +1,6 @@
 #include "farm/uploads/upload_locks.h"
 
-#include "farm/http/http_refusal.h"
+#include "farm/base/errors.h"
 
 #include <chrono>
 
@@ -9,7 +9,7 @@ namespace farm {
 namespace {
 
 using namespace std::chrono_literals;
-constexpr auto Patience = 500ms;
+constexpr auto LongestWait = 500ms;
 
 } // namespace
 
@@ -18,8 +18,8 @@ UploadLocks::Hold::Hold(UploadLocks& locks, const QString& id)
     , m_id(id)
 {
     std::unique_lock<std::mutex> lock(m_locks.m_mutex);
-    if (!m_locks.m_released.wait_for(lock, Patience, [this] { return !m_locks.m_held.contains(m_id); }))
-        throw ApiRefusal {409, "conflict", QStringLiteral("another request is at work at the upload")};
+    if (!m_locks.m_released.wait_for(lock, LongestWait, [this] { return !m_locks.m_held.contains(m_id); }))
+        throw Busy("another request is working on this upload");
     m_locks.m_held.insert(m_id);
 }
 

@@ -8,15 +8,15 @@
 
 namespace farm {
 
-/// Lets one thread at a time work at an upload.
+/// Lets one thread at a time work on an upload.
 class UploadLocks
 {
 public:
-    /// Holds an upload as long as it lives.
+    /// Holds an upload as long as this object lives.
     class Hold
     {
     public:
-        /// Waits a moment for the upload. Throws ApiRefusal when another request keeps it.
+        /// Waits half a second for the upload at most. Throws Busy when another thread still holds it.
         Hold(UploadLocks& locks, const QString& id);
         ~Hold();
         Hold(const Hold&) = delete;

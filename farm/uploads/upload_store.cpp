@@ -1,45 +1,34 @@
 #include "farm/uploads/upload_store.h"
 
-#include "farm/accounts/secrets.h"
-#include "farm/http/http_refusal.h"
+#include "farm/base/errors.h"
+#include "farm/base/random.h"
 #include "farm/uploads/content_store.h"
+#include "storage/checksum.h"
 #include "storage/durable_file.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <fcntl.h>
 #include <optional>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace farm {
 
 namespace {
 
-constexpr std::int64_t SecondsKept = std::int64_t {7} * 24 * 3600;
-// Scenes have up to 4000 files, each of which may come in a package of its own.
+constexpr std::int64_t SecondsKept = std::int64_t {7} * 24 * 3600; // since the last touch
+// A scene has up to 4000 files, each of which may come in a package of its own.
 constexpr int MostUnfinished = 10000;
 
-ApiRefusal NoSuchUpload()
+QuotaExceeded OverQuota()
 {
-    return {404, "not_found", QStringLiteral("there is no such upload")};
+    return QuotaExceeded("this would exceed the account's quota");
 }
 
-ApiRefusal Conflict(const QString& message)
-{
-    return {409, "conflict", message};
-}
-
-ApiRefusal QuotaExceeded()
-{
-    return {507, "quota_exceeded", QStringLiteral("the account's quota would be exceeded")};
-}
-
-/// Removes a folder with all that is in it when it goes.
+/// Removes a folder and everything in it at the end of the scope.
 class FolderGuard
 {
 public:
@@ -55,43 +44,24 @@ private:
     QDir m_folder;
 };
 
-QJsonArray FilesJson(const std::vector<UnpackedFile>& files)
+// The database keeps the list of an upload's files as JSON.
+QString TextOf(const std::vector<PackedFile>& files)
 {
     QJsonArray list;
-    for (const UnpackedFile& file : files) {
+    for (const PackedFile& file : files)
         list.append(QJsonObject {{QStringLiteral("path"), file.path}, {QStringLiteral("size"), file.size},
             {QStringLiteral("checksum"), file.checksum}});
-    }
-    return list;
+    return QString::fromUtf8(QJsonDocument(list).toJson(QJsonDocument::Compact));
 }
 
-bool WriteAt(int file, std::int64_t offset, const QByteArray& bytes)
+std::vector<PackedFile> FilesOf(const QString& text)
 {
-    int written = 0;
-    while (written < bytes.size()) {
-        const ssize_t count = ::pwrite(file, bytes.constData() + written,
-            static_cast<std::size_t>(bytes.size() - written), off_t(offset + written));
-        if (count <= 0)
-            return false;
-        written += static_cast<int>(count);
-    }
-    return ::fsync(file) == 0;
-}
-
-// What does not get to the disk whole is taken back.
-void AppendDurably(const QString& path, std::int64_t offset, const QByteArray& bytes)
-{
-    const int file
-        = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-    const bool done = file >= 0 && WriteAt(file, offset, bytes);
-    if (file >= 0 && !done && ::ftruncate(file, off_t(offset)) != 0)
-        QFile::remove(path);
-    if (file >= 0)
-        ::close(file);
-    if (!done)
-        throw std::runtime_error("cannot write an upload");
-    if (offset == 0)
-        storage::SyncToDisk(QFileInfo(path).path());
+    std::vector<PackedFile> files;
+    const QJsonArray list = QJsonDocument::fromJson(text.toUtf8()).array();
+    for (const QJsonValue& file : list)
+        files.push_back({file[QLatin1String("path")].toString(),
+            qint64(file[QLatin1String("size")].toDouble()), file[QLatin1String("checksum")].toString()});
+    return files;
 }
 
 } // namespace
@@ -104,7 +74,7 @@ UploadStore::UploadStore(
     , m_quota(quota)
 {
     if (!QDir().mkpath(folder))
-        throw std::runtime_error("cannot make the folder of the uploads");
+        throw std::runtime_error("cannot create the folder of the uploads");
     storage::SyncToDisk(QFileInfo(folder).path());
     RemoveStrayFiles();
 }
@@ -121,14 +91,14 @@ Upload UploadStore::Find(std::int64_t account, const QString& id)
             connection, "SELECT checksum, size, unpacked FROM uploads WHERE account = ? AND id = ?");
         Bind(query, account, id);
         if (!query.executeStep())
-            throw NoSuchUpload();
+            throw NotFound("there is no such upload");
         Upload found;
         found.id = id;
         found.checksum = Text(query.getColumn(0));
         found.size = query.getColumn(1).getInt64();
         found.unpacked = !query.isColumnNull(2);
         if (found.unpacked)
-            found.files = QJsonDocument::fromJson(Text(query.getColumn(2)).toUtf8()).array();
+            found.files = FilesOf(Text(query.getColumn(2)));
         return found;
     });
     upload.offset = upload.unpacked ? upload.size : std::int64_t(QFileInfo(FileOf(id)).size());
@@ -138,7 +108,7 @@ Upload UploadStore::Find(std::int64_t account, const QString& id)
 Upload UploadStore::Begin(std::int64_t account, const QString& checksum, std::int64_t size, std::int64_t now)
 {
     if (size > LargestPackage)
-        throw ApiRefusal {413, "too_large", QStringLiteral("packages may not be that large")};
+        throw TooLarge("a package may not be larger than 8 GiB");
     const std::lock_guard<std::mutex> lock(m_quotaMutex);
     const auto known = m_database.Read([&](SQLite::Database& connection) -> std::optional<QString> {
         SQLite::Statement query(
@@ -159,12 +129,12 @@ Upload UploadStore::Begin(std::int64_t account, const QString& checksum, std::in
     return upload;
 }
 
-// What was unpacked once may have been lost or damaged since: then it is needed again.
+// The disk may have lost or damaged contents that were unpacked earlier; the package is then needed again.
 bool UploadStore::HasLostContents(std::int64_t account, const Upload& upload)
 {
     QStringList checksums;
-    for (const QJsonValue& file : upload.files)
-        checksums.append(file[QLatin1String("checksum")].toString());
+    for (const PackedFile& file : upload.files)
+        checksums.append(file.checksum);
     return m_contents.KnownTo(account, checksums).size() < checksums.size();
 }
 
@@ -192,11 +162,11 @@ void UploadStore::CheckCount(std::int64_t account)
         Bind(query, account);
         query.executeStep();
         if (query.getColumn(0).getInt() >= MostUnfinished)
-            throw QuotaExceeded();
+            throw OverQuota();
     });
 }
 
-// `more` is what counts besides the uploads.
+// `more` bytes count besides the account's unfinished uploads.
 void UploadStore::CheckQuota(std::int64_t account, std::int64_t more)
 {
     m_database.Read([&](SQLite::Database& connection) {
@@ -205,7 +175,7 @@ void UploadStore::CheckQuota(std::int64_t account, std::int64_t more)
         Bind(query, account);
         query.executeStep();
         if (query.getColumn(0).getInt64() + more > m_quota)
-            throw QuotaExceeded();
+            throw OverQuota();
     });
 }
 
@@ -215,12 +185,12 @@ Upload UploadStore::Append(
     const UploadLocks::Hold hold(m_locks, id);
     Upload upload = Find(account, id);
     if (offset != upload.offset)
-        throw Conflict(QStringLiteral("the upload has come to another offset"));
+        throw Conflict("the upload ends at another offset");
     if (bytes.size() > upload.size - offset)
-        throw ApiRefusal {400, "bad_request", QStringLiteral("that is more than was announced")};
+        throw InvalidInput("the package would become larger than was announced");
     if (bytes.isEmpty())
         return upload;
-    AppendDurably(FileOf(id), offset, bytes);
+    storage::AppendDurably(FileOf(id), offset, bytes);
     Touch(id, now);
     upload.offset += bytes.size();
     return upload;
@@ -229,21 +199,21 @@ Upload UploadStore::Append(
 Upload UploadStore::Unpack(std::int64_t account, const QString& id, std::int64_t now)
 {
     const UploadLocks::Hold hold(m_locks, id);
-    // One package at a time, so that what an account unpacks at once stays within its quota.
+    // One package of an account at a time, so that what is being unpacked stays within the quota.
     const UploadLocks::Hold turn(m_locks, QStringLiteral("account %1").arg(account));
     Upload upload = Find(account, id);
     if (upload.unpacked)
         return upload;
     if (upload.offset < upload.size)
-        throw Conflict(QStringLiteral("the package is not complete"));
+        throw Conflict("the package is not complete");
     Touch(id, now);
     const QString incoming = m_contents.NewIncomingFolder();
     const FolderGuard guard(incoming);
     try {
         TakeContents(account, upload, incoming);
-    } catch (const BadPackage& error) {
+    } catch (const BadPackage&) {
         Forget(id);
-        throw ApiRefusal {422, "bad_package", QString::fromUtf8(error.what())};
+        throw;
     }
     QFile::remove(FileOf(id));
     return upload;
@@ -257,21 +227,21 @@ void UploadStore::TakeContents(std::int64_t account, Upload& upload, const QStri
     if (checksum.isEmpty())
         throw Interrupted();
     if (checksum != upload.checksum)
-        throw BadPackage("the package is not what was announced");
-    // More than the quota must not even get to the disk for a while.
+        throw BadPackage("the package does not have the announced checksum");
+    // Not even for a while may the files take more of the disk than the quota.
     if (AnnouncedBytes(package) > m_quota)
-        throw QuotaExceeded();
+        throw OverQuota();
     const std::vector<UnpackedFile> files = farm::Unpack(package, incoming, goOn);
     const std::lock_guard<std::mutex> lock(m_quotaMutex);
-    // The package itself goes.
+    // The package itself no longer counts: it is deleted.
     CheckQuota(account, m_contents.BytesWith(account, files) - upload.size);
     m_contents.Take(files);
-    upload.files = FilesJson(files);
+    upload.files.assign(files.begin(), files.end());
     upload.unpacked = true;
     m_database.Write([&](SQLite::Database& connection) {
         m_contents.Give(account, files);
-        Execute(connection, "UPDATE uploads SET unpacked = ?2 WHERE id = ?1", upload.id,
-            QString::fromUtf8(QJsonDocument(upload.files).toJson(QJsonDocument::Compact)));
+        Execute(
+            connection, "UPDATE uploads SET unpacked = ?2 WHERE id = ?1", upload.id, TextOf(upload.files));
     });
 }
 
@@ -314,8 +284,8 @@ void UploadStore::ForgetWhenOld(const QString& id, std::int64_t bound)
         });
         if (isGone)
             QFile::remove(FileOf(id));
-    } catch (const ApiRefusal&) {
-        // Somebody works at it: it is not old.
+    } catch (const Busy&) {
+        // An upload that is being worked on is not old.
     }
 }
 

@@ -1,14 +1,15 @@
 #pragma once
 
 #include "farm/base/schema.h"
+#include "farm/uploads/package_reader.h"
 #include "farm/uploads/upload_locks.h"
 
 #include <QByteArray>
-#include <QJsonArray>
 
 #include <atomic>
 #include <cstdint>
 #include <mutex>
+#include <vector>
 
 namespace farm {
 
@@ -21,41 +22,42 @@ struct Upload
     QString checksum;
     /// Of the whole package, in bytes.
     std::int64_t size = 0;
-    /// How much of it is on the disk, in bytes.
+    /// How many bytes of it are on the disk.
     std::int64_t offset = 0;
     bool unpacked = false;
-    /// Once it is unpacked: path, size and checksum of each file.
-    QJsonArray files;
+    /// The files of the package, once it is unpacked.
+    std::vector<PackedFile> files;
 };
 
-/// The packages that come in chunks. May be used by several threads at a time; one at a time works at an upload.
-/// What cannot be done is thrown as ApiRefusal. Times are seconds since the epoch.
+/// The packages that come in chunks. May be used by several threads at a time, of which one at a time works on an upload.
+/// An id that is none of the account's uploads throws NotFound. Times are seconds since the epoch.
 class UploadStore
 {
 public:
-    static constexpr std::int64_t LargestPackage = std::int64_t {8} * 1024 * 1024 * 1024;
+    static constexpr std::int64_t LargestPackage = std::int64_t {8} * 1024 * 1024 * 1024; // bytes
 
-    /// Makes the folder and removes the packages that nobody waits for. Throws std::runtime_error.
-    /// @param quota is what the contents and unfinished uploads of an account may take, in bytes.
+    /// Creates the folder and removes packages that belong to no upload. Throws std::runtime_error.
+    /// @param quota is how many bytes the contents and unfinished uploads of an account may take.
     UploadStore(Database& database, ContentStore& contents, const QString& folder, std::int64_t quota);
 
-    /// The account's upload of this package, or a new one.
+    /// The account's upload of this package, or a new one. Throws TooLarge and QuotaExceeded.
     Upload Begin(std::int64_t account, const QString& checksum, std::int64_t size, std::int64_t now);
     Upload Find(std::int64_t account, const QString& id);
-    /// Adds bytes at the end, which must be at `offset`; they are on the disk when it returns.
+    /// Appends bytes, which are on the disk when it returns. Throws Conflict when the upload does not end at `offset`,
+    /// InvalidInput when the package would become larger than was announced, and Busy.
     Upload Append(std::int64_t account, const QString& id, std::int64_t offset, const QByteArray& bytes,
         std::int64_t now);
-    /// Verifies the package, takes its contents in and forgets it; asked again it gives the same answer.
+    /// Verifies the package, takes its contents in and deletes it; asked again, it gives the same answer.
+    /// Throws Conflict while bytes are missing, BadPackage, QuotaExceeded and Busy.
     Upload Unpack(std::int64_t account, const QString& id, std::int64_t now);
 
     /// Forgets the uploads that nobody has touched for seven days.
     void ForgetOld(std::int64_t now);
-    /// Gives up what is being unpacked, since the farm ends.
+    /// Makes Unpack() give up, because the farm is ending.
     void Interrupt() { m_interrupted = true; }
 
 private:
     QString FileOf(const QString& id) const;
-    Upload Require(std::int64_t account, const QString& id);
     void Touch(const QString& id, std::int64_t now);
     void Forget(const QString& id);
     void RemoveStrayFiles();
@@ -71,7 +73,7 @@ private:
     QString m_folder;
     std::int64_t m_quota;
     UploadLocks m_locks;
-    // What counts against a quota is looked at and added by one thread at a time.
+    // Held from checking a quota until what was checked is recorded.
     std::mutex m_quotaMutex;
     std::atomic<bool> m_interrupted {false};
 };

@@ -128,7 +128,7 @@ void TestE2eActions::ASonWaitsForItsParentAcrossARestart()
     job.name = QStringLiteral("parent");
     job.status = JobStatus::Paused;
     const QString parent = jobs.Add(job).id;
-    const auto statusOf = [&](const QString& id) { return jobs.Find(job.account, id)->status; };
+    const auto statusOf = [&](const QString& id) { return jobs.Find(job.account, id).status; };
     const QString gatedFarm = GatedFarm();
 
     QCOMPARE(m_client->Start(QStringLiteral("waiter"), gatedFarm), QString());

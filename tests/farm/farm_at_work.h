@@ -4,29 +4,27 @@
 #include "tests/farm/farm_client.h"
 #include "tests/farm/farm_fixture.h"
 
-/// A farm in a folder of its own, once it has been started, and ann who steers it over HTTP.
+/// A farm in a folder of its own, which runs once it was started, and its client ann.
 class FarmAtWork : public FarmClient
 {
 public:
     FarmAtWork()
         : data(m_folder.path())
     {
-    }
-
-    /// Starts the farm or starts it again; without job types nothing is rendered.
-    void Start(const QByteArray& types = "{}", std::int64_t quota = farm::FarmSettings().quota,
-        farm::Micros price = farm::DefaultPrice)
-    {
-        End();
-        farm::FarmSettings settings;
         settings.dataFolder = m_folder.path();
         settings.sceneFolder = m_folder.path();
         settings.jobTypesFile = Path("types.json");
-        settings.pricePerCoreSecond = price;
         settings.demo = false;
-        settings.quota = quota;
+        // So long that nothing but a nudge makes the scheduler look at the jobs.
+        settings.lookInterval = std::chrono::hours(1);
         WriteFile(Path("scene.txt"), "the farm's scene");
-        WriteFile(Path("types.json"), types);
+    }
+
+    /// Starts the farm, or starts it again; without job types nothing is rendered.
+    void Start(const QByteArray& types = "{}")
+    {
+        End();
+        WriteFile(settings.jobTypesFile, types);
         m_farm = std::make_unique<farm::Farm>(settings);
         SetUrl(m_farm->Url());
         SignIn("ann", "secret");
@@ -40,20 +38,28 @@ public:
         return m_folder.filePath(Fill(pattern, parts));
     }
 
-    /// What the scripted renderers have noted, in one line.
+    /// The notes of the scripted renderers in one line.
     QByteArray Log() const { return ReadFile(Path("jobs/log")).replace('\n', ' ').trimmed(); }
 
-    int Status(const QString& id) { return data.jobs.Find(data.account, id)->status; }
+    /// Lets the scripted renderers that wait for jobs/gate go on.
+    bool OpenGate() const { return WriteFile(Path("jobs/gate"), {}); }
 
-    void Change(const char* sql)
+    /// Adds a job of ann's without the farm noticing; returns its id.
+    QString Add(int frames, farm::JobStatus status = farm::JobStatus::Waiting)
     {
-        data.database.Write([sql](SQLite::Database& connection) { connection.exec(sql); });
+        farm::NewJob job = data.Job("job"_s, frames);
+        job.status = status;
+        return data.jobs.Add(job).id;
     }
+
+    int Status(const QString& id) { return data.jobs.Find(data.account, id).status; }
+    int Progress(const QString& id) { return data.jobs.Find(data.account, id).progress; }
 
 private:
     QTemporaryDir m_folder;
 
 public:
+    farm::FarmSettings settings;
     FarmData data;
 
 private:

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/farm/farm_fixture.h"
+
 #include <QCryptographicHash>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -20,8 +22,8 @@ struct Reply
     QByteArray retryAfter;
     QByteArray tag;
 
-    QJsonValue Data(const char* key) const { return body[QLatin1String("data")][QLatin1String(key)]; }
-    QString Error() const { return body[QLatin1String("error")].toString(); }
+    QJsonValue Data(const char* key) const { return body["data"_s][QLatin1String(key)]; }
+    QString Error() const { return body["error"_s].toString(); }
 };
 
 inline QString Sha256(const QByteArray& bytes)
@@ -29,14 +31,14 @@ inline QString Sha256(const QByteArray& bytes)
     return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
 }
 
-/// A pattern whose %1, %2 … are the parts.
+/// The pattern with its %1, %2 … replaced by the parts.
 inline QString Fill(const char* pattern, const QStringList& parts)
 {
     return std::accumulate(parts.begin(), parts.end(), QString::fromLatin1(pattern),
         [](const QString& text, const QString& part) { return text.arg(part); });
 }
 
-/// Sends requests to a farm and waits for the answers; the event loop runs meanwhile.
+/// Sends requests to a farm and waits for the answers. The event loop runs meanwhile.
 class FarmClient
 {
 public:
@@ -47,7 +49,7 @@ public:
     Reply Send(const QByteArray& method, const QString& path, const QByteArray& body = {},
         const QString& token = QString(), const Headers& headers = {})
     {
-        QNetworkRequest request(QUrl(m_url + QStringLiteral("/api/v1") + path));
+        QNetworkRequest request(QUrl(m_url + "/api/v1"_s + path));
         request.setHeader(QNetworkRequest::ContentTypeHeader, QByteArray("application/json"));
         if (!token.isEmpty())
             request.setRawHeader("Authorization", "Bearer " + token.toLatin1());
@@ -56,24 +58,23 @@ public:
         const std::unique_ptr<QNetworkReply> reply(m_network.sendCustomRequest(request, method, body));
         QSignalSpy finished(reply.get(), &QNetworkReply::finished);
         if (!reply->isFinished())
-            finished.wait(30000);
+            finished.wait(patienceMs);
         const QByteArray bytes = reply->readAll();
         return {reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), bytes,
             QJsonDocument::fromJson(bytes).object(), reply->rawHeader("Retry-After"),
             reply->rawHeader("ETag")};
     }
 
-    /// The session's token, also for the requests that follow; empty when the farm refuses.
+    /// Returns the session's token, which the following requests carry; empty when the farm refuses.
     QString SignIn(const char* name, const char* password)
     {
-        const QJsonObject body {{QStringLiteral("username"), QLatin1String(name)},
-            {QStringLiteral("password"), QLatin1String(password)}};
-        const Reply reply = Send("POST", QStringLiteral("/session"), QJsonDocument(body).toJson());
+        const QJsonObject body {{"username"_s, QLatin1String(name)}, {"password"_s, QLatin1String(password)}};
+        const Reply reply = Send("POST", "/session"_s, QJsonDocument(body).toJson());
         m_token = reply.Data("token").toString();
         return m_token;
     }
 
-    /// Requests of who has signed in last. The pattern's %1, %2 … stand for the parts.
+    /// These carry the token of the last sign-in. The pattern's %1, %2 … are replaced by the parts.
     Reply Get(const char* pattern, const QStringList& parts = {}, const Headers& headers = {})
     {
         return Send("GET", Fill(pattern, parts), {}, m_token, headers);
@@ -84,16 +85,14 @@ public:
         return Send("POST", Fill(pattern, parts), QJsonDocument(body).toJson(), m_token);
     }
 
-    Reply Do(const char* action, const QStringList& ids)
+    Reply Apply(const char* action, const QStringList& ids)
     {
-        return Post("/jobs/%1", {{QStringLiteral("ids"), QJsonArray::fromStringList(ids)}},
-            {QString::fromLatin1(action)});
+        return Post("/jobs/%1", {{"ids"_s, QJsonArray::fromStringList(ids)}}, {QString::fromLatin1(action)});
     }
 
     Reply BeginUpload(const QByteArray& package)
     {
-        return Post("/uploads",
-            {{QStringLiteral("checksum"), Sha256(package)}, {QStringLiteral("size"), package.size()}});
+        return Post("/uploads", {{"checksum"_s, Sha256(package)}, {"size"_s, package.size()}});
     }
 
     Reply Put(const QString& upload, int offset, const QByteArray& bytes)
@@ -104,7 +103,7 @@ public:
 
     Reply Unpack(const QString& upload) { return Post("/uploads/%1/unpack", {}, {upload}); }
 
-    /// The answer to the unpacking of a package that was sent whole.
+    /// Sends a package whole and returns the answer to its unpacking.
     Reply Deliver(const QByteArray& package)
     {
         const QString upload = BeginUpload(package).Data("id").toString();
@@ -112,20 +111,20 @@ public:
         return Unpack(upload);
     }
 
-    /// Sends bytes as they are; the answer is to be read from the socket.
+    /// Sends raw bytes; the answer can be read from the socket.
     std::unique_ptr<QTcpSocket> SendRaw(const QByteArray& bytes, qint64 bufferSize = 0) const
     {
         auto socket = std::make_unique<QTcpSocket>();
         socket->setReadBufferSize(bufferSize);
         const QUrl url(m_url);
         socket->connectToHost(url.host(), quint16(url.port()));
-        socket->waitForConnected();
+        socket->waitForConnected(patienceMs);
         socket->write(bytes);
-        socket->waitForBytesWritten();
+        socket->waitForBytesWritten(patienceMs);
         return socket;
     }
 
-    /// A header field that makes a raw request one of who has signed in last.
+    /// The header field that gives a raw request the token of the last sign-in.
     QByteArray RawToken() const { return "Authorization: Bearer " + m_token.toLatin1() + "\r\n"; }
 
 private:

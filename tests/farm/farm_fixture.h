@@ -3,44 +3,58 @@
 #include "farm/accounts/account_store.h"
 #include "farm/base/schema.h"
 #include "farm/jobs/job_store.h"
+#include "tests/support/test_files.h"
+#include "tests/support/test_tables.h"
 
 #include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
 
-/// How long a test waits for what must come: renderers run at the lowest priority, on busy machines.
+/// The longest wait for an event that must come, in ms. Generous, as renderers run at the lowest priority.
 constexpr int patienceMs = 60000;
 
-/// A farm's data in a folder of their own, with one account "ann" (password "secret", balance 10).
+/// The database in a farm's folder, with the account "ann" (password "secret", balance 10).
 class FarmData
 {
 public:
     explicit FarmData(const QString& folder)
-        : database(QDir(folder).filePath(QStringLiteral("farm.sqlite")), farm::Schema())
+        : database(QDir(folder).filePath("farm.sqlite"_s), farm::Schema())
         , accounts(database, 3600)
         , jobs(database)
     {
-        const auto known = accounts.Find(QStringLiteral("ann"));
-        account = known ? *known
-                        : accounts.Add({QStringLiteral("ann"), QStringLiteral("Ann@example.org"),
-                            QStringLiteral("secret"), false, 10'000'000, 0});
+        const auto known = accounts.Find("ann"_s);
+        account
+            = known ? *known : accounts.Add({"ann"_s, "Ann@example.org"_s, "secret"_s, false, 10'000'000, 0});
     }
 
     farm::NewJob Job(const QString& name, int frames = 1) const
     {
         farm::NewJob job;
         job.account = account;
-        job.type = QStringLiteral("povray");
+        job.type = "povray"_s;
         job.name = name;
-        job.scene = QStringLiteral("scene.txt");
+        job.scene = "scene.txt"_s;
         job.frames = {{1, frames}};
         return job;
     }
 
+    /// Ann's newest job, where a test has one at a time.
     farm::JobRecord Only() { return jobs.List(account, {}, 1, 1).jobs.at(0); }
+
+    farm::Micros Balance() { return accounts.Info(account).balance; }
+
+    int Count(const char* sql)
+    {
+        return database.Read(
+            [sql](SQLite::Database& connection) { return connection.execAndGet(sql).getInt(); });
+    }
+
+    void Change(const char* sql)
+    {
+        database.Write([sql](SQLite::Database& connection) { connection.exec(sql); });
+    }
 
     farm::Database database;
     farm::AccountStore accounts;
@@ -48,28 +62,21 @@ public:
     std::int64_t account = 0;
 };
 
-inline bool WriteFile(const QString& path, const QByteArray& content)
+inline QJsonObject Json(const QByteArray& text)
 {
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+    return QJsonDocument::fromJson(text).object();
 }
 
-inline QByteArray ReadFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-/// Job types of which "povray" is rendered by a shell script.
-inline QByteArray ScriptedTypes(const QString& script, int frameTimeLimitSeconds = 600)
+/// Job types of which "povray" is rendered by a shell script. @param frameTimeLimit is in seconds.
+inline QByteArray ScriptedTypes(const QByteArray& script, int frameTimeLimit = 600)
 {
     const QJsonObject type {
-        {QStringLiteral("program"), QStringLiteral("/bin/sh")},
-        {QStringLiteral("arguments"), QJsonArray {QStringLiteral("-c"), script}},
-        {QStringLiteral("suffix"), QStringLiteral("txt")},
-        {QStringLiteral("frame_time_limit"), frameTimeLimitSeconds},
-        // It leaves notes beside the jobs.
-        {QStringLiteral("confined"), false},
+        {"program"_s, "/bin/sh"_s},
+        {"arguments"_s, QJsonArray {"-c"_s, QString::fromLatin1(script)}},
+        {"suffix"_s, "txt"_s},
+        {"frame_time_limit"_s, frameTimeLimit},
+        // Scripts leave notes beside the jobs.
+        {"confined"_s, false},
     };
-    return QJsonDocument(QJsonObject {{QStringLiteral("povray"), type}}).toJson();
+    return QJsonDocument(QJsonObject {{"povray"_s, type}}).toJson();
 }

@@ -12,10 +12,10 @@
 #include <functional>
 #include <zip.h>
 
-/// Paths and contents.
+/// The paths and contents of a scene's files.
 using SceneContents = QList<QPair<QByteArray, QByteArray>>;
 
-/// A ZIP archive; `change` may do to it, before it is written, what no honest client does.
+/// A ZIP archive. `change` may alter it before it is written, as no honest client would.
 inline QByteArray Package(const SceneContents& files, const std::function<void(zip_t*)>& change = {})
 {
     zip_error_t error;
@@ -40,17 +40,15 @@ inline QByteArray Package(const SceneContents& files, const std::function<void(z
     return bytes;
 }
 
-/// A submission of these files, of which the first is the scene.
+/// A submission of these files, the first of which is the scene file.
 inline QJsonObject SubmissionOf(const SceneContents& files, const char* name = "first")
 {
     QJsonArray list;
     for (const auto& file : files)
-        list.append(QJsonObject {{QStringLiteral("path"), QString::fromUtf8(file.first)},
-            {QStringLiteral("checksum"), Sha256(file.second)}});
-    const QJsonArray frames {QJsonObject {{QStringLiteral("start"), 1}, {QStringLiteral("end"), 1}}};
-    return {{QStringLiteral("submission"), QLatin1String(name)},
-        {QStringLiteral("type"), QStringLiteral("povray")}, {QStringLiteral("name"), QStringLiteral("a job")},
-        {QStringLiteral("scene"), QString::fromUtf8(files.at(0).first)}, {QStringLiteral("files"), list},
-        {QStringLiteral("frames"), frames}, {QStringLiteral("width"), 48}, {QStringLiteral("height"), 36},
-        {QStringLiteral("prerender"), false}};
+        list.append(
+            QJsonObject {{"path"_s, QString::fromUtf8(file.first)}, {"checksum"_s, Sha256(file.second)}});
+    const QJsonArray frames {QJsonObject {{"start"_s, 1}, {"end"_s, 1}}};
+    return {{"submission"_s, QLatin1String(name)}, {"type"_s, "povray"_s}, {"name"_s, "a job"_s},
+        {"scene"_s, QString::fromUtf8(files.at(0).first)}, {"files"_s, list}, {"frames"_s, frames},
+        {"width"_s, 48}, {"height"_s, 36}, {"prerender"_s, false}};
 }

@@ -20,7 +20,7 @@ private slots:
         for (const char* name : {"ann", "ANN", "ann@EXAMPLE.org"}) {
             const auto session = signIn(name, "secret");
             QVERIFY2(session, name);
-            QCOMPARE(session->accountName, QStringLiteral("ann"));
+            QCOMPARE(session->accountName, "ann"_s);
             QCOMPARE(data.accounts.AccountOf(session->token, 100), std::optional(data.account));
         }
         for (const char* password : {"Secret", "", "secret "})
@@ -33,10 +33,8 @@ private slots:
     {
         QTemporaryDir folder;
         FarmData data(folder.path());
-        const QString first
-            = data.accounts.SignIn(QStringLiteral("ann"), QStringLiteral("secret"), 1000)->token;
-        const QString second
-            = data.accounts.SignIn(QStringLiteral("ann"), QStringLiteral("secret"), 2000)->token;
+        const QString first = data.accounts.SignIn("ann"_s, "secret"_s, 1000)->token;
+        const QString second = data.accounts.SignIn("ann"_s, "secret"_s, 2000)->token;
         QVERIFY(first != second);
         QVERIFY(data.accounts.AccountOf(first, 1000 + 3599));
         QVERIFY(!data.accounts.AccountOf(first, 1000 + 3600));
@@ -45,24 +43,24 @@ private slots:
         QVERIFY(!data.accounts.AccountOf(second, 2000));
         QVERIFY(data.accounts.AccountOf(first, 2000));
         QVERIFY(!data.accounts.AccountOf(QString(), 2000));
+        data.accounts.SignIn("ann"_s, "secret"_s, 1000 + 3600);
+        QCOMPARE(data.Count("SELECT count(*) FROM sessions"), 1);
     }
 
-    void NoSecretIsOnTheDisk()
+    void KeepsNoSecretOnTheDisk()
     {
         QTemporaryDir folder;
         FarmData data(folder.path());
-        data.accounts.Add({QStringLiteral("bob"), QStringLiteral("bob@example.org"),
-            QStringLiteral("correct-horse-battery"), false, 0, 0});
-        const auto session
-            = data.accounts.SignIn(QStringLiteral("bob"), QStringLiteral("correct-horse-battery"), 1000);
-        const QByteArray disk = ReadFile(folder.filePath(QStringLiteral("farm.sqlite")))
-            + ReadFile(folder.filePath(QStringLiteral("farm.sqlite-wal")));
+        data.accounts.Add({"bob"_s, "bob@example.org"_s, "correct-horse-battery"_s, false, 0, 0});
+        const auto session = data.accounts.SignIn("bob"_s, "correct-horse-battery"_s, 1000);
+        const QByteArray disk
+            = ReadFile(folder.filePath("farm.sqlite"_s)) + ReadFile(folder.filePath("farm.sqlite-wal"_s));
         QVERIFY(disk.contains("bob@example.org"));
         QVERIFY(!disk.contains("correct-horse-battery"));
         QVERIFY(!disk.contains(session->token.toLatin1()));
     }
 
-    void UsesRunOutAndComeBack()
+    void LimitsUsesPerTime()
     {
         using namespace std::chrono_literals;
         const RateLimiter::Clock::time_point start {};
@@ -81,8 +79,8 @@ private slots:
         QVERIFY(limiter.Take("ann", start + 1h));
     }
 
-    // A flood of keys must neither slow the limiter down nor set free those who are over the limit.
-    void FullBucketsAreForgotten()
+    // A flood of keys must not make the limiter forget who is over the limit.
+    void ForgetsFullBucketsOnly()
     {
         const RateLimiter::Clock::time_point start {};
         RateLimiter limiter({1, 0.001});

@@ -145,7 +145,7 @@ void DownloadsTest::AJobOfTheFarmArrivesOnce()
     settings.demo = false;
     settings.limits = {{1000, 1000}, {1000, 1000}, {1000, 1000}};
     WriteFile(data + QLatin1String("/scene.txt"), "a scene");
-    WriteFile(settings.jobTypesFile, ScriptedTypes(QStringLiteral("head -c 300000 /dev/urandom > {output}")));
+    WriteFile(settings.jobTypesFile, ScriptedTypes("head -c 300000 /dev/urandom > {output}"));
     FarmData accounts(data);
     const QString job = accounts.jobs.Add(accounts.Job(QStringLiteral("shot"), frames)).id;
     const farm::Farm farm(settings);

@@ -1,6 +1,6 @@
 #include "host/rendercore/download/file_checks.h"
 
-#include "storage/durable_file.h"
+#include "storage/checksum.h"
 
 #include <QFileInfo>
 #include <QThread>

@@ -1,6 +1,7 @@
 #include "host/rendercore/download/file_download.h"
 
 #include "host/rendercore/download/download_paths.h"
+#include "storage/checksum.h"
 #include "storage/durable_file.h"
 
 #include <QDir>

@@ -2,7 +2,7 @@
 
 #include "host/farmclient/http_call.h"
 #include "host/rendercore/attempt.h"
-#include "storage/durable_file.h"
+#include "storage/checksum.h"
 
 #include <QJsonArray>
 #include <QUrl>

@@ -6,7 +6,7 @@
 #include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_text.h"
 #include "host/rendercore/submit/task_packages.h"
-#include "storage/durable_file.h"
+#include "storage/checksum.h"
 
 #include <QDir>
 #include <QFileInfo>

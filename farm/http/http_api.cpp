@@ -1,0 +1,31 @@
+#include "farm/http/http_api.h"
+
+#include "farm/base/version.h"
+
+namespace farm {
+
+namespace {
+
+QJsonObject Health(const ApiRequest&)
+{
+    return {
+        {QStringLiteral("name"), QStringLiteral("quillstar-farmd")}, {QStringLiteral("version"), Version()}};
+}
+
+} // namespace
+
+HttpApi::HttpApi(const Dependencies& dependencies, const RequestLimits& limits)
+    : m_gate(dependencies.accounts, limits)
+    , m_accounts(m_gate, dependencies.accounts, limits)
+    , m_uploads(m_gate, dependencies.contents, dependencies.uploads)
+    , m_jobs(m_gate, dependencies.jobs, dependencies.actions, dependencies.submission)
+    , m_frames(m_gate, dependencies.pictures)
+{
+    m_server.Get("/api/v1/health", Health);
+    m_accounts.AddTo(m_server);
+    m_uploads.AddTo(m_server);
+    m_jobs.AddTo(m_server);
+    m_frames.AddTo(m_server);
+}
+
+} // namespace farm

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "farm/http/account_routes.h"
+#include "farm/http/frame_routes.h"
+#include "farm/http/http_server.h"
+#include "farm/http/job_routes.h"
+#include "farm/http/request_gate.h"
+#include "farm/http/upload_routes.h"
+
+namespace farm {
+
+/// The farm's HTTP interface: all routes over one server.
+class HttpApi
+{
+public:
+    /// Everything in it must outlive the interface.
+    struct Dependencies
+    {
+        AccountStore& accounts;
+        ContentStore& contents;
+        UploadStore& uploads;
+        JobStore& jobs;
+        JobActions& actions;
+        JobSubmission& submission;
+        PictureStore& pictures;
+    };
+
+    HttpApi(const Dependencies& dependencies, const RequestLimits& limits);
+
+    /// Listens; port 0 takes a free one. Returns the port. Throws std::runtime_error when it cannot listen there.
+    int Start(const QString& address, int port) { return m_server.Start(address, port); }
+    /// Returns when the requests being served have been answered.
+    void Stop() { m_server.Stop(); }
+
+private:
+    RequestGate m_gate;
+    AccountRoutes m_accounts;
+    UploadRoutes m_uploads;
+    JobRoutes m_jobs;
+    FrameRoutes m_frames;
+    HttpServer m_server;
+};
+
+} // namespace farm
