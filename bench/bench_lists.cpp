@@ -9,19 +9,19 @@
 
 namespace {
 
-constexpr int pageSize = 18;
-constexpr int tickInterval = 1000;
+constexpr int PageSize = 18;
+constexpr int TickInterval = 1000; // ms
 
-/// What a million entries may cost at most, in terms of a hundred.
-constexpr double limit = 1.5;
+/// The highest ratio of the cost of a million entries to that of a hundred.
+constexpr double Limit = 1.5;
 
-/// Mark of what depends on the number: a map knows no positions, so after a change the page has to be counted off anew.
-const char* const notJudged = "*";
+/// Marks a benchmark whose cost may grow: a map knows no positions, so after a change the page is counted off anew.
+const char* const NotJudged = "*";
 
-enum List { LocalTasks = 1, Downloads = 2 }; // by their tabs
+enum List { LocalTasks = 1, Downloads = 2 }; // the numbers of their tabs
 enum Place { First, Middle, Last };
 
-/// A render core that costs nothing itself: it hands out shared lists, and all tasks are alike.
+/// A render core that adds no cost of its own: it hands out shared lists of tasks that are all alike.
 class SharedLists : public RenderCoreStandIn
 {
 public:
@@ -37,7 +37,7 @@ public:
     QStringList GetSubmitTaskIds() override { return m_ids; }
     int GetSubmitTaskCount() override { return m_ids.size(); }
 
-    /// Changes the number of tasks and of downloads; each number is made once.
+    /// Sets the number of tasks and of downloads. The lists of each number are built once.
     void Resize(int count)
     {
         Lists& lists = m_known[count];
@@ -50,7 +50,7 @@ public:
         downloads = lists.downloads;
     }
 
-    /// Takes the first task away, and brings it back the time after: all others move by one place.
+    /// Removes the first task, and restores it at the next call, so that all others move by one place.
     void ShiftTasks()
     {
         if (m_first.isEmpty())
@@ -71,7 +71,7 @@ private:
         {"jobId"_s, "job"_s}, {"status"_s, 1}, {"progress"_s, 40}};
     std::map<int, Lists> m_known;
     QStringList m_ids;
-    QString m_first; ///< while it is away
+    QString m_first; ///< the removed task, or empty
 };
 
 /// The open window of the built plugin.
@@ -86,14 +86,14 @@ public:
         return m_client.Open();
     }
 
-    /// Shows a place of a list with a number of entries.
+    /// Shows the first, middle or last page of a list with `count` entries.
     void Show(List list, int count, Place place)
     {
         m_renderCore.Resize(count);
         m_client.Tabs()->setCurrentIndex(list);
         ChangeList(list);
-        const int pages = (count + pageSize - 1) / pageSize;
-        // No page bar is long enough to get there in one step, so it gets a button that is.
+        const int pages = (count + PageSize - 1) / PageSize;
+        // The page bar never offers that page in one step, so one of its buttons is given the page's number.
         const int page = place == First ? 1 : place == Middle ? pages / 2 : pages;
         m_client.Button("btnPageOne"_s)->setText(QString::number(page));
         m_client.Button("btnPageOne"_s)->click();
@@ -109,18 +109,18 @@ public:
             emit m_renderCore.DownloadListChanged();
     }
 
-    /// To the next page, and back again the time after.
+    /// Goes to the next page, and back again at the next call.
     void ChangePage()
     {
         m_client.Button(m_isForward ? "btnNextPage"_s : "btnPrePage"_s)->click();
         m_isForward = !m_isForward;
     }
 
-    bool Tick() { return m_client.Tick(tickInterval); }
+    bool Tick() { return m_client.Tick(TickInterval); }
 
     void ShiftTasks() { m_renderCore.ShiftTasks(); }
 
-    /// Paints, and deletes what was let go.
+    /// Paints, and deletes the widgets that the list released.
     static void Settle()
     {
         QCoreApplication::processEvents();
@@ -136,7 +136,7 @@ private:
 
 Window* window = nullptr;
 
-/// Measures an action where a list is shown, again and again.
+/// Measures an action on a page of a list.
 template <class Action>
 void Measure(benchmark::State& state, List list, int count, Place place, Action action)
 {
@@ -181,7 +181,7 @@ int main(int argc, char** argv)
         const List measured = list;
         Add(name + " list change", list, [measured] { window->ChangeList(measured); });
         Add(name + " page change", list, [] { window->ChangePage(); });
-        Add(name + " page after a change" + (list == Downloads ? notJudged : ""), list, [measured] {
+        Add(name + " page after a change" + (list == Downloads ? NotJudged : ""), list, [measured] {
             window->ChangeList(measured);
             window->ChangePage();
         });
@@ -193,5 +193,5 @@ int main(int argc, char** argv)
     });
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    return reporter.Conclude(limit, notJudged) ? 0 : 1;
+    return reporter.Conclude(Limit, NotJudged) ? 0 : 1;
 }

@@ -5,18 +5,18 @@
 #include <map>
 #include <string>
 
-/// Compares what each benchmark costs with few and with many entries.
+/// Compares the cost of each benchmark with few entries to that with many.
 ///
-/// Takes names of the form "what/entries/place", and of repetitions the quickest.
+/// Benchmarks are named "what/entries/place". The quickest repetition counts.
 class RatioReporter : public benchmark::BenchmarkReporter
 {
 public:
     bool ReportContext(const Context& /*context*/) override { return true; }
     void ReportRuns(const std::vector<Run>& runs) override;
 
-    /// Prints microseconds by number of entries, and the last's ratio to the first.
-    /// @param notJudged part of the names that the limit does not hold for.
-    /// @return whether none is above the limit.
+    /// Prints the cost in microseconds by number of entries, and the ratio of the highest number's cost to the lowest's.
+    /// @param notJudged marks, as a part of its name, a benchmark that may exceed the limit.
+    /// @return whether all others are within the limit.
     bool Conclude(double limit, const std::string& notJudged) const;
 
 private:

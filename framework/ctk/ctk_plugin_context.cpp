@@ -16,7 +16,7 @@ ctkPluginContext::ctkPluginContext(const ctkPlugin& plugin)
 FrameworkCore& ctkPluginContext::ValidCore() const
 {
     if (m_plugin.getPluginContext() != this)
-        throw ctkIllegalStateException(QStringLiteral("The plugin context is not valid any more"));
+        throw ctkIllegalStateException(QStringLiteral("The plugin is not active, so its context is invalid"));
     return *m_plugin.m_core;
 }
 
@@ -36,7 +36,7 @@ QSharedPointer<ctkPlugin> ctkPluginContext::installPlugin(const QUrl& location, 
     const auto installed = QSharedPointer<LibraryPlugin>::create(m_plugin.m_core, file);
     for (const auto& plugin : std::as_const(core.plugins)) {
         if (plugin->getSymbolicName() == installed->getSymbolicName()) {
-            throw ctkPluginException(QStringLiteral("%1 is installed already, from %2")
+            throw ctkPluginException(QStringLiteral("%1 is already installed from %2")
                                          .arg(plugin->getSymbolicName(), plugin->File()),
                 ctkPluginException::DUPLICATE_PLUGIN_ERROR);
         }

@@ -17,7 +17,7 @@ ctkPluginFramework::ctkPluginFramework(const QSharedPointer<FrameworkCore>& core
 ctkPluginFramework::~ctkPluginFramework()
 {
     ctkPluginFramework::stop();
-    // The plugins share the core that holds them.
+    // The core holds the plugins and they hold the core, so this breaks the circle.
     Core().plugins.clear();
 }
 

@@ -3,13 +3,13 @@
 #include "framework/ctk/library_plugin.h"
 #include "framework/ctk/service_registry.h"
 
-/// What a framework and its plugins share.
+/// The state that a framework shares with its plugins.
 class FrameworkCore
 {
 public:
     bool running = false;
     ServiceRegistry services;
     QList<QSharedPointer<LibraryPlugin>> plugins;
-    /// In the order of their starts.
+    /// Active plugins in the order in which they were started.
     QList<LibraryPlugin*> started;
 };

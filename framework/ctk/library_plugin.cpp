@@ -17,7 +17,7 @@ namespace {
 /// Loads the library, which registers its resources, and reads the manifest among them.
 ManifestHeaders LoadManifest(const QString& file)
 {
-    // A loaded library stays loaded: meta-types, queued events and static data of it may outlive every stop.
+    // The library stays loaded: its meta-types, queued events and static data may outlive every stop.
     QPluginLoader loader(file);
     if (!loader.load())
         Refuse(loader.errorString(), ctkPluginException::READ_ERROR);
@@ -29,7 +29,7 @@ ManifestHeaders LoadManifest(const QString& file)
     return ParseManifest(manifest.readAll());
 }
 
-/// Runs one half of an activator, which is foreign code. Returns what it threw, or a null string.
+/// Calls an activator's start or stop, which may throw anything. @return the error's text; null when there is none.
 template <typename Call>
 QString FailureOf(Call call)
 {

@@ -4,17 +4,17 @@
 
 #include <QPluginLoader>
 
-/// A plugin that lives in a library of its own.
+/// A plugin in a library file.
 class LibraryPlugin final : public ctkPlugin
 {
 public:
-    /// Loads the library and reads its manifest. Throws ctkPluginException where either fails.
+    /// Loads the library and reads its manifest. Throws `ctkPluginException` when either fails.
     LibraryPlugin(const QSharedPointer<FrameworkCore>& core, const QString& file);
 
     void start(const StartOptions& options) override;
     void stop(const StopOptions& options) override;
 
-    /// The library's file, as it was installed.
+    /// The path that the library was installed from.
     QString File() const { return m_file; }
 
 private:

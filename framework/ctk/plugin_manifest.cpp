@@ -13,7 +13,7 @@ namespace {
         ctkPluginException::MANIFEST_ERROR);
 }
 
-/// The lines of the main section. They are joined as bytes: a fold may fall inside of a character.
+/// The unfolded lines of the main section. They are joined as bytes, because a fold may split a character.
 QList<QByteArray> UnfoldedLines(const QByteArray& text)
 {
     QList<QByteArray> lines;

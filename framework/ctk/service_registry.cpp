@@ -14,7 +14,7 @@ void CheckNames(const QStringList& names, const QObject* object)
     if (!object)
         throw ctkInvalidArgumentException(QStringLiteral("A service needs an object"));
     if (names.isEmpty())
-        throw ctkInvalidArgumentException(QStringLiteral("A service needs a class name"));
+        throw ctkInvalidArgumentException(QStringLiteral("A service needs at least one class name"));
     for (const QString& name : names) {
         if (name.isEmpty())
             throw ctkInvalidArgumentException(QStringLiteral("A class name of a service is empty"));
@@ -85,7 +85,7 @@ ctkServiceReference::operator bool() const
 ServiceEntry& ctkServiceRegistration::RegisteredEntry() const
 {
     if (!m_entry || !m_entry->registered)
-        throw ctkIllegalStateException(QStringLiteral("The service is not registered any more"));
+        throw ctkIllegalStateException(QStringLiteral("The service is no longer registered"));
     return *m_entry;
 }
 

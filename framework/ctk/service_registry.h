@@ -20,23 +20,23 @@ struct ServiceEntry
     bool registered = true;
     QHash<const ctkPlugin*, int> uses;
 
-    /// Registered, and the object not destroyed behind the registry's back.
+    /// Whether the service is registered and its object exists; the registrant may destroy that without a word.
     bool IsLive() const { return registered && object; }
     bool ComesBefore(const ServiceEntry& other) const;
     void Withdraw();
 };
 
-/// The services of one framework, in the order in which references are handed out.
+/// The services of one framework, sorted as `ctkPluginContext::getServiceReferences` returns them.
 class ServiceRegistry
 {
 public:
-    /// Throws ctkInvalidArgumentException; see ctkPluginContext::registerService().
+    /// Throws `ctkInvalidArgumentException` as `ctkPluginContext::registerService` does.
     QSharedPointer<ServiceEntry> Add(
         const ctkPlugin* owner, const QStringList& names, QObject* object, const ctkDictionary& properties);
 
     QList<QSharedPointer<ServiceEntry>> Find(const QString& name) const;
 
-    /// Withdraws what a plugin registered and ends its uses of the others.
+    /// Withdraws the services of a plugin and ends its use of others' services.
     void Release(const ctkPlugin* plugin);
 
 private:

@@ -11,7 +11,7 @@ namespace {
 
 QByteArray ToJson(const QVariant& value, bool& ok);
 
-/// Text, number, boolean or null as Qt writes it, which is only done inside of an array.
+/// Writes a text, number, boolean or null. Qt writes these only as elements of an array, so the brackets are cut off.
 QByteArray ScalarToJson(const QJsonValue& value)
 {
     return QJsonDocument(QJsonArray {value}).toJson(QJsonDocument::Compact).chopped(1).mid(1);
@@ -31,7 +31,7 @@ QByteArray MembersToJson(const Container& container, bool& ok)
     QByteArrayList members;
     for (auto it = container.cbegin(); it != container.cend(); ++it)
         members.append(ScalarToJson(it.key()) + ':' + ToJson(it.value(), ok));
-    // A hash has no order of its own; the text shall not change from run to run.
+    // A hash has no fixed order, and the text must not change from run to run.
     std::sort(members.begin(), members.end());
     return '{' + members.join(',') + '}';
 }
@@ -50,7 +50,7 @@ QByteArray ToJson(const QVariant& value, bool& ok)
         return ListToJson(value.toList(), ok);
     case QMetaType::Bool:
         return ScalarToJson(value.toBool());
-    // Qt's writer rounds integers to doubles, which spoils those above 2^53.
+    // Qt's writer turns integers into doubles, which cannot hold all of those above 2^53.
     case QMetaType::Int:
     case QMetaType::LongLong:
         return QByteArray::number(value.toLongLong());

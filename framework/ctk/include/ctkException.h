@@ -6,7 +6,7 @@
 #include <QByteArray>
 #include <QString>
 
-/// Base of everything the framework throws.
+/// Base class of all exceptions of the framework.
 class CTK_PLUGINFW_EXPORT ctkException : public std::exception
 {
 public:

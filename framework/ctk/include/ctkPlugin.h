@@ -6,7 +6,7 @@
 #include <QFlags>
 #include <QHash>
 
-/// A plugin and its life: installed, started, stopped, and started again.
+/// A plugin, which is installed once and then started and stopped as often as needed.
 class CTK_PLUGINFW_EXPORT ctkPlugin
 {
 public:
@@ -25,19 +25,19 @@ public:
 
     virtual ~ctkPlugin();
 
-    /// Runs the activator at once, whatever the options; does nothing on an active plugin. Throws ctkPluginException
-    /// where the framework is not running, the library has no activator, the activator throws (what it registered is
-    /// withdrawn), or the plugin is just starting or stopping.
+    /// Runs the activator at once, whatever the options; does nothing when the plugin is active. Throws
+    /// `ctkPluginException` when the framework is not running, the library has no activator, the activator throws (its
+    /// services are withdrawn then), or the plugin is starting or stopping at the moment.
     virtual void start(const StartOptions& options = StartOptions()) = 0;
 
-    /// Stops an active plugin and withdraws its services; does nothing on one that is not started. Throws
-    /// ctkPluginException where the activator throws (the plugin is stopped all the same) or the plugin is just
-    /// starting or stopping.
+    /// Stops an active plugin and withdraws its services; does nothing when the plugin is not active. Throws
+    /// `ctkPluginException` when the activator throws (the plugin is stopped all the same), or when the plugin is
+    /// starting or stopping at the moment.
     virtual void stop(const StopOptions& options = StopOptions()) = 0;
 
     State getState() const { return m_state; }
 
-    /// Owned by the plugin; null unless it is starting, active or stopping.
+    /// The plugin owns its context. Null unless the plugin is starting, active or stopping.
     ctkPluginContext* getPluginContext() const;
 
     QString getSymbolicName() const;
@@ -52,7 +52,7 @@ protected:
     FrameworkCore& Core() const { return *m_core; }
     void SetState(State state) { m_state = state; }
 
-    /// Ends what the plugin has in the framework: its services, its uses of others, its context.
+    /// Withdraws the plugin's services, ends its use of others' services and invalidates its context.
     void Retire();
 
 private:

@@ -4,16 +4,16 @@
 
 #include <QtPlugin>
 
-/// What the root object of a plugin library implements.
+/// The interface of the root object of a plugin library.
 class CTK_PLUGINFW_EXPORT ctkPluginActivator
 {
 public:
     virtual ~ctkPluginActivator() = default;
 
-    /// Brings the plugin up. An exception stops the start and withdraws what was registered so far.
+    /// Starts the plugin. An exception makes the start fail and withdraws the services registered so far.
     virtual void start(ctkPluginContext* context) = 0;
 
-    /// Takes the plugin down. Its services are withdrawn afterwards.
+    /// Stops the plugin. Its services are withdrawn afterwards.
     virtual void stop(ctkPluginContext* context) = 0;
 };
 

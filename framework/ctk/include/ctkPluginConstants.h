@@ -7,6 +7,6 @@
 /// Names of well-known properties.
 struct CTK_PLUGINFW_EXPORT ctkPluginConstants
 {
-    /// Of a service, set at its registration: an int; references of a higher ranking come first. Default 0.
+    /// A service property, an int that is set at the registration: services of a higher ranking come first. Default 0.
     static const QString SERVICE_RANKING;
 };

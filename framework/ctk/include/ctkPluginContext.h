@@ -14,36 +14,36 @@ class QIODevice;
 class QObject;
 class QUrl;
 
-/// A plugin's way into the framework: its services and those of the others.
+/// A plugin's access to the framework: it registers services and finds those of other plugins.
 ///
-/// Owned by its plugin and valid while that is starting, active or stopping; afterwards every call throws
-/// ctkIllegalStateException. For use on one thread.
+/// The plugin owns its context, which is valid while the plugin is starting, active or stopping. Afterwards every call
+/// throws `ctkIllegalStateException`. All calls must come from one thread.
 class CTK_PLUGINFW_EXPORT ctkPluginContext
 {
 public:
-    /// Loads the library behind a `file:` URL and reads its manifest. The same path again gives the plugin that is
-    /// already there. Throws ctkPluginException for what is no plugin library, has no sound manifest or takes the
-    /// symbolic name of another plugin; reading from a device is not supported.
+    /// Loads the library at a `file:` URL and reads its manifest. A path that is installed already gives its plugin.
+    /// Throws `ctkPluginException` when the file is no plugin library, when its manifest is malformed, or when another
+    /// plugin has its symbolic name. Reading from a device is not supported.
     QSharedPointer<ctkPlugin> installPlugin(const QUrl& location, QIODevice* input = nullptr);
 
-    /// Registers an object, which stays the caller's, under class or interface names. The service is withdrawn when
-    /// this plugin stops. Throws ctkInvalidArgumentException for a null object, no or an empty name, and a name that
-    /// the object does not inherit.
+    /// Registers an object, which the caller still owns, under class or interface names. The service is withdrawn when
+    /// this plugin stops. Throws `ctkInvalidArgumentException` for a null object, for a missing or empty name, and for
+    /// a name that the object does not inherit.
     ctkServiceRegistration registerService(
         const QStringList& classes, QObject* service, const ctkDictionary& properties = ctkDictionary());
 
-    /// The reference that comes first under a name; empty where there is none.
+    /// The first of `getServiceReferences`; empty when there is none.
     ctkServiceReference getServiceReference(const QString& name);
 
-    /// All references under a name, the highest ranking first, then in the order of registration. Filters are not
-    /// supported: throws ctkInvalidArgumentException for a filter that is not empty.
+    /// All references under a name, those of the highest ranking first, then in the order of registration. Filters are
+    /// not supported: a filter that is not empty throws `ctkInvalidArgumentException`.
     QList<ctkServiceReference> getServiceReferences(const QString& name, const QString& filter = QString());
 
-    /// The object of a service, still owned by its registrant; null once it is withdrawn or destroyed. Throws
-    /// ctkInvalidArgumentException for an empty reference.
+    /// The object of a service, which its registrant owns; null once the service is withdrawn or its object destroyed.
+    /// Throws `ctkInvalidArgumentException` for an empty reference.
     QObject* getService(const ctkServiceReference& reference);
 
-    /// Gives up one use of a service. Returns whether this plugin was using it.
+    /// Ends one use of a service. @return whether this plugin was using it.
     bool ungetService(const ctkServiceReference& reference);
 
 private:

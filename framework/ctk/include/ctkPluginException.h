@@ -2,7 +2,7 @@
 
 #include "ctkException.h"
 
-/// A plugin could not be installed, started or stopped.
+/// Thrown when a plugin cannot be installed, started or stopped.
 class CTK_PLUGINFW_EXPORT ctkPluginException : public ctkRuntimeException
 {
 public:

@@ -2,24 +2,24 @@
 
 #include "ctkPlugin.h"
 
-/// The framework itself, the plugin that hosts the others. Made by ctkPluginFrameworkFactory.
+/// The framework itself, which is a plugin too and hosts the others. `ctkPluginFrameworkFactory` makes it.
 class CTK_PLUGINFW_EXPORT ctkPluginFramework : public ctkPlugin
 {
 public:
-    /// Stops the framework and lets go of its plugins.
+    /// Stops the framework and releases its plugins.
     ~ctkPluginFramework() override;
 
-    /// Makes the context valid, so that services can be registered before the start. Does nothing once that is done.
+    /// Makes the context valid, so that services can be registered before the start. A second call does nothing.
     void init();
 
-    /// Goes through init() where that was not done. No plugin is started by it.
+    /// Calls `init` if nobody has. Starts no plugin.
     void start(const StartOptions& options = StartOptions()) override;
 
-    /// Stops the plugins, the last one started first, then withdraws the framework's own services. An activator that
-    /// throws is logged and holds up nothing.
+    /// Stops the plugins, the last one started first, then withdraws the framework's own services. The exception of an
+    /// activator is logged, and the other plugins are stopped all the same.
     void stop(const StopOptions& options = StopOptions()) override;
 
-    /// Returns at once: stop() has finished when it returns.
+    /// Returns at once, because `stop` returns only when everything is stopped.
     void waitForStop(unsigned long timeout);
 
 private:

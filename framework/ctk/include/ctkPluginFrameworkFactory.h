@@ -3,14 +3,14 @@
 #include "ctkDictionary.h"
 #include "ctkPluginFramework.h"
 
-/// Makes one framework, which lives as long as someone holds it.
+/// Makes one framework.
 class CTK_PLUGINFW_EXPORT ctkPluginFrameworkFactory
 {
 public:
-    /// The properties steer an installed framework; the embedded one has nothing to be steered.
+    /// An installed framework reads its settings from the properties; this one has none and ignores them.
     explicit ctkPluginFrameworkFactory(const ctkProperties& properties = ctkProperties());
 
-    /// The same framework at every call.
+    /// @return the same framework at every call. Keep the factory as long as the framework: an installed one needs it.
     QSharedPointer<ctkPluginFramework> getFramework() const { return m_framework; }
 
 private:

@@ -2,7 +2,7 @@
 
 #include "ctkException.h"
 
-/// A service could not be handed out.
+/// Thrown when a service is not available.
 class CTK_PLUGINFW_EXPORT ctkServiceException : public ctkRuntimeException
 {
 public:

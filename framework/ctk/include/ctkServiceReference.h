@@ -6,14 +6,14 @@
 
 struct ServiceEntry;
 
-/// A handle of a registered service; a value, cheap to copy, that keeps the service neither alive nor registered.
+/// A handle to a registered service. It is cheap to copy and keeps the service neither alive nor registered.
 class CTK_PLUGINFW_EXPORT ctkServiceReference
 {
 public:
-    /// Refers to no service.
+    /// An empty reference.
     ctkServiceReference() = default;
 
-    /// Whether the service is still registered and its object still there.
+    /// Whether the service is still registered and its object still exists.
     operator bool() const;
 
 private:

@@ -2,19 +2,19 @@
 
 #include "ctkServiceReference.h"
 
-/// The registrant's handle of its service. Dropping it leaves the service registered.
+/// The registrant's handle to its service. The service stays registered when the handle is dropped.
 class CTK_PLUGINFW_EXPORT ctkServiceRegistration
 {
 public:
-    /// Stands for no registration.
+    /// An empty registration.
     ctkServiceRegistration() = default;
 
     operator bool() const { return !m_entry.isNull(); }
 
-    /// Throws ctkIllegalStateException once the service is withdrawn, and for an empty registration.
+    /// Throws `ctkIllegalStateException` when the service is withdrawn or the registration empty.
     ctkServiceReference getReference() const;
 
-    /// Withdraws the service. Throws ctkIllegalStateException once it is withdrawn, and for an empty registration.
+    /// Withdraws the service. Throws `ctkIllegalStateException` when that is done already or the registration empty.
     void unregister();
 
 private:

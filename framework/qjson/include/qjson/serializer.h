@@ -9,16 +9,16 @@ namespace QJson {
 
 /// Turns a variant into JSON text, compact and in UTF-8.
 ///
-/// Maps, hashes, lists, string lists, strings, numbers, booleans and whatever converts to a string are written; an
-/// invalid variant is null. Anything else, at any depth, and numbers that are not finite fail the whole text.
+/// Accepts maps, hashes, lists, string lists, strings, numbers, booleans and all that converts to a string. An invalid
+/// variant becomes null. Any other type, at any depth, and a number that is not finite make the whole text fail.
 class Serializer
 {
 public:
-    /// Returns an empty array on failure.
+    /// @return an empty array on failure.
     QByteArray serialize(const QVariant& value);
-    /// The same, with the outcome in `ok`, which may be null.
+    /// Sets `ok`, which may be null, to whether the text could be written.
     QByteArray serialize(const QVariant& value, bool* ok);
-    /// Writes the text to an open device; a device that does not take all of it is a failure as well.
+    /// Writes the text to an open device. It is a failure too when the device does not take all of the text.
     void serialize(const QVariant& value, QIODevice* device, bool* ok);
 };
 
