@@ -11,8 +11,8 @@ class Greeter : public QObject
     Q_OBJECT
 };
 
-/// A plugin with one service. The application's property "journal" receives its starts and stops; its property
-/// "misbehaviour" chooses how it fails.
+/// A plugin with one service. It notes its starts and stops in the application's property "journal" and fails as the
+/// property "misbehaviour" says.
 class SamplePlugin : public QObject, public ctkPluginActivator
 {
     Q_OBJECT
@@ -51,7 +51,7 @@ private:
             context.installPlugin(qApp->property("location").toUrl())->start();
     }
 
-    // Outlives every stop, so that only the framework can have withdrawn the service.
+    // Lives on after a stop, so that only the framework can withdraw the service.
     Greeter m_greeter;
 };
 

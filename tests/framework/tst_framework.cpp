@@ -1,3 +1,4 @@
+#include "tests/support/test_files.h"
 #include "tests/support/test_tables.h"
 
 #include <ctkException.h>
@@ -13,12 +14,10 @@
 namespace {
 
 const QString hostFile = QStringLiteral(HOST_PLUGIN);
-const QString guestFile = QStringLiteral(GUEST_PLUGIN);
-const QString inertFile = QStringLiteral(INERT_PLUGIN);
 const QString greeter = "Greeter"_s;
 const QString object = "QObject"_s;
 
-/// The type of the ctkPluginException that a call throws; none where it throws nothing.
+/// The type of the `ctkPluginException` that a call throws; none when it throws nothing.
 template <typename Call>
 std::optional<ctkPluginException::Type> ThrownType(Call call)
 {
@@ -32,7 +31,7 @@ std::optional<ctkPluginException::Type> ThrownType(Call call)
 
 } // namespace
 
-/// The service registry, and the lives of real plugin libraries.
+/// The service registry, and the life cycle of real plugin libraries.
 class TestFramework : public QObject
 {
     Q_OBJECT
@@ -47,24 +46,20 @@ private slots:
         m_context = m_framework->getPluginContext();
     }
 
-    void cleanup() { m_framework.reset(); }
-
-    void ordersReferencesByRankingThenRegistration()
+    void OrdersReferencesByRankingThenRegistration()
     {
-        QObject first, second, third, fourth, fifth;
-        Register(&first, 0);
-        Register(&second, 7);
-        Register(&third, -1);
-        Register(&fourth, 7);
-        Register(&fifth);
-        QList<QObject*> found;
+        QObject services[5];
+        const QVariant rankings[] = {0, 7, -1, 7, QVariant()};
+        for (int i = 0; i < 5; ++i)
+            Register(&services[i], rankings[i]);
+        QVector<qint64> found;
         for (const auto& reference : m_context->getServiceReferences(object))
-            found.append(m_context->getService(reference));
-        QCOMPARE(found, (QList<QObject*> {&second, &fourth, &first, &fifth, &third}));
-        QCOMPARE(m_context->getService(m_context->getServiceReference(object)), &second);
+            found.append(m_context->getService(reference) - services);
+        QCOMPARE(found, (QVector<qint64> {1, 3, 0, 4, 2}));
+        QCOMPARE(m_context->getService(m_context->getServiceReference(object)), &services[1]);
     }
 
-    void findsAServiceUnderEachOfItsNames()
+    void FindsAServiceUnderEachOfItsNames()
     {
         QTimer timer;
         m_context->registerService({"QTimer"_s, object}, &timer);
@@ -76,7 +71,7 @@ private slots:
             m_context->getServiceReferences(object, "(a=b)"_s), ctkInvalidArgumentException);
     }
 
-    void refusesARegistration()
+    void RefusesARegistration()
     {
         QObject service;
         for (const QStringList& names : {QStringList(), {object, QString()}, {object, "QTimer"_s}})
@@ -86,7 +81,7 @@ private slots:
         QVERIFY(m_context->getServiceReferences(object).isEmpty());
     }
 
-    void handsOutNoServiceThatIsGone()
+    void HandsOutNoServiceThatIsGone()
     {
         for (const bool byDestruction : {false, true}) {
             auto service = std::make_unique<QObject>();
@@ -101,7 +96,7 @@ private slots:
             QVERIFY(!m_context->getService(reference));
             QVERIFY(!m_context->getServiceReference(object));
 
-            // A registrant may well delete its object first, but withdraws it once only.
+            // A registrant may delete its object first, but it withdraws the service only once.
             if (byDestruction)
                 registration.unregister();
             QVERIFY_EXCEPTION_THROWN(registration.unregister(), ctkIllegalStateException);
@@ -109,7 +104,7 @@ private slots:
         }
     }
 
-    void endsTheContextWithTheFramework()
+    void EndsTheContextWithTheFramework()
     {
         QObject service;
         const ctkServiceReference reference = Register(&service).getReference();
@@ -124,7 +119,7 @@ private slots:
         QVERIFY(!m_framework->getPluginContext()->getServiceReference(object));
     }
 
-    void installsStartsAndStopsAgainAndAgain()
+    void InstallsStartsAndStopsAgainAndAgain()
     {
         const auto plugin = Install(hostFile);
         QCOMPARE(plugin->getSymbolicName(), "sample.host"_s);
@@ -149,10 +144,10 @@ private slots:
         QCOMPARE(Journal(), "start sample.host,stop sample.host,start sample.host,stop sample.host"_s);
     }
 
-    void stopsPluginsInReverseOrderOfTheirStarts()
+    void StopsPluginsInReverseOrderOfTheirStarts()
     {
         const auto host = Install(hostFile);
-        const auto guest = Install(guestFile);
+        const auto guest = Install(QStringLiteral(GUEST_PLUGIN));
         guest->start();
         host->start();
         QCOMPARE(m_context->getServiceReferences(greeter).size(), 2);
@@ -165,7 +160,7 @@ private slots:
         QVERIFY(Journal().endsWith(",start sample.host,stop sample.host"_s));
     }
 
-    void undoesAFailedStart()
+    void UndoesAFailedStart()
     {
         const auto plugin = Install(hostFile);
         for (const char* misbehaviour : {"start exception", "start number", "start again"}) {
@@ -179,15 +174,15 @@ private slots:
         plugin->start();
         QVERIFY(m_context->getServiceReference(greeter));
 
-        const auto inert = Install(inertFile);
+        const auto inert = Install(QStringLiteral(INERT_PLUGIN));
         QCOMPARE(ThrownType([&] { inert->start(); }), ctkPluginException::ACTIVATOR_ERROR);
         QCOMPARE(inert->getState(), ctkPlugin::INSTALLED);
     }
 
-    void stopsInSpiteOfAFailure()
+    void StopsInSpiteOfAFailure()
     {
         const auto host = Install(hostFile);
-        const auto guest = Install(guestFile);
+        const auto guest = Install(QStringLiteral(GUEST_PLUGIN));
         host->start();
         Misbehave("stop exception"_s);
         QCOMPARE(ThrownType([&] { host->stop(); }), ctkPluginException::ACTIVATOR_ERROR);
@@ -202,16 +197,14 @@ private slots:
         QCOMPARE(guest->getState(), ctkPlugin::RESOLVED);
     }
 
-    void refusesToInstall()
+    void RefusesToInstall()
     {
         const QTemporaryDir folder;
         const QString text = folder.filePath("libsample_text.so"_s);
         const QString nameless = folder.filePath("libsample_nameless.so"_s);
         const QString twin = folder.filePath(QFileInfo(hostFile).fileName());
-        QFile file(text);
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("not a library\n") > 0);
-        file.close();
-        QVERIFY(QFile::copy(hostFile, nameless) && QFile::copy(hostFile, twin));
+        QVERIFY(WriteFile(text, "not a library\n") && QFile::copy(hostFile, nameless)
+            && QFile::copy(hostFile, twin));
         const auto host = Install(hostFile);
         const QMap<QString, ctkPluginException::Type> refusals {{text, ctkPluginException::READ_ERROR},
             {folder.filePath("libnone.so"_s), ctkPluginException::READ_ERROR},

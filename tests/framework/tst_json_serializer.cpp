@@ -13,7 +13,7 @@ struct Value
 {
     const char* name;
     QVariant value;
-    QByteArray text; ///< empty when there is none
+    QByteArray text; ///< empty when the value is refused
 };
 const QVariant object = QVariant::fromValue<QObject*>(nullptr);
 const Value values[] = {
@@ -41,24 +41,29 @@ class TestJsonSerializer : public QObject
     Q_OBJECT
 
 private slots:
-    void writesOrRefuses_data() { AddRows(values); }
-    void writesOrRefuses()
+    void WritesOrRefuses_data() { AddRows(values); }
+    void WritesOrRefuses()
     {
         const auto& [name, value, text] = Row(values);
         bool ok = text.isEmpty();
         QCOMPARE(QJson::Serializer().serialize(value, &ok), text);
         QCOMPARE(ok, !text.isEmpty());
         QCOMPARE(QJson::Serializer().serialize(value), text);
-
         QBuffer device;
-        QJson::Serializer().serialize(value, &device, &ok);
-        QVERIFY2(!ok, "the device is closed");
-        QVERIFY(device.open(QIODevice::WriteOnly));
+        device.open(QIODevice::WriteOnly);
         QJson::Serializer().serialize(value, &device, &ok);
         QCOMPARE(ok, !text.isEmpty());
         QCOMPARE(device.data(), text);
-        QJson::Serializer().serialize(value, static_cast<QIODevice*>(nullptr), &ok);
-        QVERIFY(!ok);
+    }
+
+    void RefusesADeviceThatTakesNothing()
+    {
+        QBuffer closed;
+        for (QIODevice* device : {static_cast<QIODevice*>(&closed), static_cast<QIODevice*>(nullptr)}) {
+            bool ok = true;
+            QJson::Serializer().serialize(true, device, &ok);
+            QVERIFY(!ok);
+        }
     }
 };
 

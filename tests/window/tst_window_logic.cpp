@@ -51,14 +51,14 @@ const Name names[] = {
 
 } // namespace
 
-/// Types of the window that need no window: page positions, places in maps, file names, bands.
+/// The window's types that need no widgets: page states, places in maps, file names and progress colours.
 class TestWindowLogic : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void countsPagesAndGroups_data() { AddRows(sizes); }
-    void countsPagesAndGroups()
+    void CountsPagesAndGroups_data() { AddRows(sizes); }
+    void CountsPagesAndGroups()
     {
         const Size& size = Row(sizes);
         VTPageState state;
@@ -72,8 +72,8 @@ private slots:
         QVERIFY(!state.HasPreviousGroup());
     }
 
-    void correctsItsPageAfterADeletion_data() { AddRows(deletions); }
-    void correctsItsPageAfterADeletion()
+    void CorrectsItsPageAfterADeletion_data() { AddRows(deletions); }
+    void CorrectsItsPageAfterADeletion()
     {
         const Deletion& deletion = Row(deletions);
         VTPageState state;
@@ -85,7 +85,7 @@ private slots:
         QCOMPARE(state.nCurrentGroup, deletion.newGroup);
     }
 
-    void findsPlacesInAMapThatChanges()
+    void FindsPlacesInAMapThatChanges()
     {
         std::mt19937 random(5);
         const auto Below = [&random](int limit) { return int(random() % unsigned(limit)); };
@@ -108,8 +108,8 @@ private slots:
         }
     }
 
-    void encodesWhatCannotStandInAFileName_data() { AddRows(names); }
-    void encodesWhatCannotStandInAFileName()
+    void EncodesCharactersThatFileNamesLack_data() { AddRows(names); }
+    void EncodesCharactersThatFileNamesLack()
     {
         const QString name = Row(names).text;
         QCOMPARE(VTFileNamePart(name), Row(names).encoded);
@@ -118,7 +118,7 @@ private slots:
         QCOMPARE(QFileInfo(file).path(), QCoreApplication::applicationDirPath() + "/Data"_s);
     }
 
-    void coloursProgressByBand()
+    void ColoursProgressByBand()
     {
         VTCodeTables tables;
         tables.Load();
