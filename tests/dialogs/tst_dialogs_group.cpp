@@ -21,7 +21,7 @@ private slots:
 
     void ListsTheGroupsOfTheAccount()
     {
-        WriteGroups("beta=g1, \"g\\\"2\"\nalpha=\n");
+        WriteAccountFile("Data"_s, "[jobgroup]\nbeta=g1, \"g\\\"2\"\nalpha=\n");
         CurrentProject() = "beta"_s;
         m_client->SignIn();
         QCOMPARE(Listed(), "alpha,beta"_s);
@@ -38,7 +38,7 @@ private slots:
 
     void ReplacesAProjectThatIsGone()
     {
-        WriteGroups("beta=g1\nalpha=g2\n");
+        WriteAccountFile("Data"_s, "[jobgroup]\nbeta=g1\nalpha=g2\n");
         CurrentProject() = "Beta"_s;
         m_client->SignIn();
         QCOMPARE(Project()->text(), "alpha"_s);
@@ -56,7 +56,7 @@ private slots:
     {
         m_client->SignIn();
         AddGroup("film"_s);
-        WriteGroups("film=g2, g1\n");
+        WriteAccountFile("Data"_s, "[jobgroup]\nfilm=g2, g1\n");
         emit m_groups->itemClicked(m_groups->item(0));
         QCOMPARE(Condition(), "g2,g1"_s);
         QCOMPARE(Project()->text(), "film"_s);
@@ -111,12 +111,6 @@ private slots:
     }
 
 private:
-    void WriteGroups(const QByteArray& groups) const
-    {
-        const QString file = m_client->AccountFile("Data"_s);
-        QVERIFY(QDir().mkpath(QFileInfo(file).path()) && WriteFile(file, "[jobgroup]\n" + groups));
-    }
-
     /// Types a name into the input dialog and presses one of its buttons.
     void AddGroup(const QString& name, const char* button = "btnOk") const
     {

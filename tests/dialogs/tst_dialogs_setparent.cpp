@@ -12,15 +12,6 @@ QVariantMap InfoAnswer(const QString& id, int status, int identifier = 1)
     return {{"jobId"_s, id}, {"identifier"_s, identifier}, {"data"_s, QVariantMap {{"jobDatas"_s, job}}}};
 }
 
-struct Choice
-{
-    const char* name;
-    QList<int> states; ///< of the checked jobs
-    bool opens;
-};
-const Choice choices[] = {
-    {"nothing checked", {}, false}, {"waiting and running", {0, 1}, true}, {"one finished", {0, 4}, false}};
-
 } // namespace
 
 /// The set-parent dialog, and the dependencies that it keeps in the account's file until all parents have finished.
@@ -29,23 +20,24 @@ class TestSetParent : public ClientTest
     Q_OBJECT
 
 private slots:
-    void OpensOnlyForWaitingAndRunningJobs_data() { AddRows(choices); }
     void OpensOnlyForWaitingAndRunningJobs()
     {
-        QVariantList jobs {MakeJob(9, 4)};
-        for (const int state : Row(choices).states)
-            jobs.append(MakeJob(1, state));
-        SignInWithJobs(jobs);
-        for (int row = 1; row < jobs.size(); ++row)
-            Check(Jobs(), {row});
-        bool opened = false;
-        OpenAnd([&] { opened = Form("setparent")->isVisible(); });
-        QCOMPARE(opened, Row(choices).opens);
-        QCOMPARE(TakeJournal().count("GetJobList"_s), opened ? 1 : 0);
-        if (opened)
-            QCOMPARE(LastOf("GetJobList"),
-                (QVariantHash {{"username"_s, "ann"_s}, {"token"_s, "token-ann"_s}, {"page"_s, 1},
-                    {"pageSize"_s, 1000}, {"identifier"_s, 1}}));
+        for (const QList<int>& states : {QList<int>(), {0, 1}, {0, 4}}) {
+            QVariantList jobs {MakeJob(9, 4)};
+            for (const int state : states)
+                jobs.append(MakeJob(1, state));
+            SignInWithJobs(jobs);
+            for (int row = 1; row < jobs.size(); ++row)
+                Check(Jobs(), {row});
+            bool opened = false;
+            OpenAnd([&] { opened = Form("setparent")->isVisible(); });
+            QCOMPARE(opened, states == QList<int>({0, 1}));
+            QCOMPARE(TakeJournal().count("GetJobList"_s), opened ? 1 : 0);
+            if (opened)
+                QCOMPARE(LastOf("GetJobList"),
+                    (QVariantHash {{"username"_s, "ann"_s}, {"token"_s, "token-ann"_s}, {"page"_s, 1},
+                        {"pageSize"_s, 1000}, {"identifier"_s, 1}}));
+        }
     }
 
     void FillsItsRows()
@@ -146,13 +138,12 @@ private slots:
 
     void PollsTheSonGroupsInTurn()
     {
-        WriteDependencies("a=p1&maya, odd\nb=p2&povray\n");
+        WriteAccountFile("data"_s, "[parent]\na=p1&maya, odd\nb=p2&povray\n");
         m_client->SignIn();
         Poll(4);
         Answer(InfoAnswer("p2"_s, 4));
         Poll(3);
         QStringList asked;
-        QVariantHash second;
         for (const auto& request : qAsConst(Communication().requests)) {
             if (request.operation == "GetJobInfo"_s)
                 asked << request.map.value("jobId"_s).toString() + request.map.value("jobtype"_s).toString();
@@ -166,7 +157,8 @@ private slots:
 
     void RecoversSonsWhenAllParentsHaveFinished()
     {
-        WriteDependencies("id-1%26id-2=p1&maya, p2&maya\nid-3=p1&maya, p3&maya\nid-4=p3&maya\n");
+        WriteAccountFile(
+            "data"_s, "[parent]\nid-1%26id-2=p1&maya, p2&maya\nid-3=p1&maya, p3&maya\nid-4=p3&maya\n");
         m_client->SignIn();
         Answer(InfoAnswer("p1"_s, 4), 500);
         for (const QVariantMap& answer : {InfoAnswer("p1"_s, 4, 0), InfoAnswer("p1"_s, 1), QVariantMap(),
@@ -245,12 +237,6 @@ private:
         for (int i = 0; i < numbers.size(); ++i)
             request.insert("id[%1]"_s.arg(i), "id-%1"_s.arg(numbers.at(i)));
         return request;
-    }
-
-    void WriteDependencies(const QByteArray& lines) const
-    {
-        const QString file = m_client->AccountFile("data"_s);
-        QVERIFY(QDir().mkpath(QFileInfo(file).path()) && WriteFile(file, "[parent]\n" + lines));
     }
 
     /// The content of the account's file, as other programs see it.

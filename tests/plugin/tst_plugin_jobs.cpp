@@ -38,16 +38,6 @@ const Action actions[] = {
 
 const QString question = "4|QuillStar Client||Are you sure to delete these jobs?|Cancel,Ok|0"_s;
 
-struct Choice
-{
-    const char* name;
-    bool checksAll;
-    int current;
-    QStringList ordered;
-};
-const Choice choices[] = {{"nothing", false, -1, {}}, {"current row", false, 2, {"id-3"_s}},
-    {"checked rows win", true, 2, {"id-1"_s, "id-2"_s}}};
-
 QVariantMap List(const QVariant& list, const QVariant& total = 40)
 {
     return {{"list"_s, list}, {"total"_s, total}};
@@ -282,59 +272,53 @@ private slots:
         QCOMPARE(Judgement(500, {"id-1"_s}), action.canBeRefused ? overdue : notice.arg(action.failure));
     }
 
-    void DownloadsByHand_data() { AddRows(choices); }
     void DownloadsByHand()
     {
-        const Choice& choice = Row(choices);
-        SignInWithJobs(MakeJobs(3), 3);
-        Jobs()->setCurrentCell(choice.current, choice.current < 0 ? -1 : 0);
+        const auto Order = [](int number) {
+            return QVariantMap {{"jobType"_s, "type-%1"_s.arg(number)},
+                {"subDir"_s, "%1_name-%1"_s.arg(number)}, {"manual"_s, 1}};
+        };
+        SignInWithJobs(MakeJobs(3));
         auto* all = m_client->Find<QCheckBox>("chkAll"_s);
-        all->setChecked(choice.checksAll);
+        Jobs()->setCurrentCell(-1, -1);
+        m_client->Entry("Download")->trigger();
+        QVERIFY(RenderCore().orders.isEmpty() && MessageBox().messages.isEmpty());
+        Jobs()->setCurrentCell(2, 0);
+        m_client->Entry("Download")->trigger();
+        QCOMPARE(RenderCore().orders.value(0), (QVariantMap {{"id-3"_s, Order(3)}}));
+        all->setChecked(true);
         Check(Jobs(), {2}, Qt::Unchecked);
         m_client->Entry("Download")->trigger();
-        QCOMPARE(RenderCore().orders.value(0).keys(), choice.ordered);
-        QCOMPARE(MessageBox().messages.size(), choice.ordered.isEmpty() ? 0 : 1);
-        if (choice.ordered.isEmpty())
-            return;
-        const QString number = choice.ordered.first().mid(3);
-        QCOMPARE(RenderCore().orders.first().first().toMap(),
-            (QVariantMap {{"jobType"_s, "type-%1"_s.arg(number)}, {"subDir"_s, "%1_name-%1"_s.arg(number)},
-                {"manual"_s, 1}}));
-        QVERIFY(MessageBox().messages.first().contains(
-            "|The checked items are already added to download list|"_s));
+        QCOMPARE(RenderCore().orders.value(1), (QVariantMap {{"id-1"_s, Order(1)}, {"id-2"_s, Order(2)}}));
+        QCOMPARE(MessageBox().messages.value(1),
+            "2|QuillStar Client||The checked items are already added to download list|Ok,|1"_s);
         QCOMPARE(Checks(Jobs()), "---"_s);
         QVERIFY(!all->isChecked());
     }
 
-    void SurvivesTheEndOfItsWindowBehindAQuestion_data()
-    {
-        QTest::addColumn<QByteArray>("slot");
-        QTest::addColumn<bool>("stops");
-        for (const char* slot :
-            {"Close", "DeleteJobs", "ManualDownload", "UploadRetryOption", "LackTextureOption"}) {
-            QTest::addRow("%s hidden", slot) << QByteArray(slot) << false;
-            QTest::addRow("%s stopped", slot) << QByteArray(slot) << true;
-        }
-    }
     void SurvivesTheEndOfItsWindowBehindAQuestion()
     {
-        QFETCH(QByteArray, slot);
-        QFETCH(bool, stops);
-        SignInWithJobs(MakeJobs(3), 3);
-        Jobs()->setCurrentCell(0, 0);
-        emit RenderCore().failFile("a"_s, {});
-        emit RenderCore().lackedTexture("a"_s, {});
-        MessageBox().answer = MessageBoxStandIn::Consent();
-        MessageBox().whileOpen = [this, stops] {
-            if (stops)
-                m_client->Stop();
-            else
-                m_client->Service()->Hide(1);
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        };
-        QVERIFY(m_client->Call(slot));
-        QVERIFY(!m_client->Window());
-        QCOMPARE(TakeJournal(), QStringList {"ShowMessage"_s});
+        for (const char* slot :
+            {"Close", "DeleteJobs", "ManualDownload", "UploadRetryOption", "LackTextureOption"}) {
+            for (const bool stops : {false, true}) {
+                init();
+                SignInWithJobs(MakeJobs(3));
+                Jobs()->setCurrentCell(0, 0);
+                emit RenderCore().failFile("a"_s, {});
+                emit RenderCore().lackedTexture("a"_s, {});
+                MessageBox().answer = MessageBoxStandIn::Consent();
+                MessageBox().whileOpen = [this, stops] {
+                    if (stops)
+                        m_client->Stop();
+                    else
+                        m_client->Service()->Hide(1);
+                    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+                };
+                QVERIFY(m_client->Call(slot));
+                QVERIFY(!m_client->Window());
+                QCOMPARE(TakeJournal(), QStringList {"ShowMessage"_s});
+            }
+        }
     }
 
 private:

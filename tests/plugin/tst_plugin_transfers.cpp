@@ -46,24 +46,15 @@ struct DoubleClick
     QString message;
 };
 const QString notice = "2|QuillStar Client||msg|Ok,|1"_s;
-const QString question = "4|t|Lacked of texture files:|msg|Cancel,Submit|1"_s;
+const QString lackQuestion = "4|t|Lacked of texture files:|msg|Cancel,Submit|1"_s;
 const DoubleClick doubleClicks[] = {
     {"no error", 0, Warn, {}, {}, {}},
     {"other column", 9, Status, {}, {}, {}},
     {"notice", 3, Warn, MessageBoxStandIn::Consent(), "ShowMessage"_s, notice},
-    {"refused", 9, Warn, MessageBoxStandIn::Refusal(), "ShowMessage"_s, question},
-    {"closed", 9, Warn, {}, "ShowMessage"_s, question},
-    {"agreed", 9, Warn, MessageBoxStandIn::Consent(), "ShowMessage,ContinueSubmit t.1"_s, question},
+    {"refused", 9, Warn, MessageBoxStandIn::Refusal(), "ShowMessage"_s, lackQuestion},
+    {"closed", 9, Warn, {}, "ShowMessage"_s, lackQuestion},
+    {"agreed", 9, Warn, MessageBoxStandIn::Consent(), "ShowMessage,ContinueSubmit t.1"_s, lackQuestion},
 };
-
-struct Report
-{
-    const char* name; ///< of the answer
-    QString question;
-};
-const Report reports[]
-    = {{"LackTextureAnswer", "4|b||Continue next step?\nBelow files are missing:\ny\nz|Cancel,Ok|0"_s},
-        {"UploadRetryAnswer", "4|b|Retry uploading?Failed to upload files:|y\nz|Cancel,Ok|1"_s}};
 
 QVariantMap MakeDownload(
     const QString& destination, int status = 1, int progress = 30, const QString& message = "<i>msg</i>"_s)
@@ -71,15 +62,6 @@ QVariantMap MakeDownload(
     return {{"destFile"_s, destination}, {"srcFile"_s, "farm/frame.png"_s}, {"jobId"_s, "id-1"_s},
         {"status"_s, status}, {"progress"_s, progress}, {"msg"_s, message}};
 }
-
-struct Switch
-{
-    const char* name;
-    int receivers; ///< of the finish notice while the switch is on
-    QString effect;
-};
-const Switch switches[]
-    = {{"popupfinish", 1, {}}, {"soundfinish", 1, "Finish frame.png"_s}, {"autodownload", 0, {}}};
 
 } // namespace
 
@@ -222,12 +204,20 @@ private slots:
         QCOMPARE(MessageBox().messages.join("\n"_s), click.message);
     }
 
-    void AsksAboutReportsOneByOne_data() { AddRows(reports); }
+    void AsksAboutReportsOneByOne_data()
+    {
+        QTest::addColumn<QString>("question");
+        QTest::newRow("LackTextureAnswer")
+            << "4|b||Continue next step?\nBelow files are missing:\ny\nz|Cancel,Ok|0"_s;
+        QTest::newRow("UploadRetryAnswer")
+            << "4|b|Retry uploading?Failed to upload files:|y\nz|Cancel,Ok|1"_s;
+    }
     void AsksAboutReportsOneByOne()
     {
-        const bool textures = &Row(reports) == reports;
-        const auto Report = [this, textures](const QString& id, const QStringList& files) {
-            if (textures)
+        QFETCH(QString, question);
+        const QString answer = QLatin1String(QTest::currentDataTag());
+        const auto Report = [&](const QString& id, const QStringList& files) {
+            if (answer.startsWith("Lack"_s))
                 emit RenderCore().lackedTexture(id, files);
             else
                 emit RenderCore().failFile(id, files);
@@ -251,8 +241,8 @@ private slots:
         QVERIFY(m_client->RunningTimers(1000).isEmpty());
 
         QCOMPARE(TakeJournal().join(","_s),
-            "ShowMessage,%1 yes a.1,ShowMessage,%1 no 0,ShowMessage"_s.arg(QLatin1String(Row(reports).name)));
-        QCOMPARE(MessageBox().messages.last(), Row(reports).question);
+            "ShowMessage,%1 yes a.1,ShowMessage,%1 no 0,ShowMessage"_s.arg(answer));
+        QCOMPARE(MessageBox().messages.last(), question);
     }
 
     void ShowsAPageOfDownloads()
@@ -341,30 +331,32 @@ private slots:
         m_client->Tabs()->setCurrentIndex(2);
         Downloads()->setCurrentCell(0, 0);
         m_client->Entry("Open file path")->trigger();
-        QTRY_VERIFY(QFile::exists(note));
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(note), Patience);
         qputenv("PATH", path);
         QCOMPARE(ReadFile(note), QByteArray("2|/select,|/out/a b/c;d.png|"));
     }
 
-    void FollowsTheSwitchesOfTheAccount_data() { AddRows(switches); }
     void FollowsTheSwitchesOfTheAccount()
     {
-        const QString key = "vtr.account.ann/%1"_s.arg(QLatin1String(Row(switches).name));
         const char* const finish = SIGNAL(DownloadFinish(QString));
-        Settings().insert(key, true);
-        emit m_client->settings.SettingsUpdated();
-        QVERIFY(m_client->settings.defaults.isEmpty());
-
-        m_client->SignIn();
-        QCOMPARE(m_client->settings.defaults.value(key), QVariant(0));
-        emit m_client->settings.SettingsUpdated();
-        QCOMPARE(RenderCore().receivers(finish), Row(switches).receivers);
-        TakeJournal();
-        emit RenderCore().DownloadFinish("frame.png"_s);
-        QCOMPARE(TakeJournal().join(","_s), Row(switches).effect);
-        Settings().insert(key, false);
-        emit m_client->settings.SettingsUpdated();
-        QCOMPARE(RenderCore().receivers(finish), 0);
+        for (const char* name : {"popupfinish", "soundfinish", "autodownload"}) {
+            init();
+            const QString key = "vtr.account.ann/%1"_s.arg(QLatin1String(name));
+            Settings().insert(key, true);
+            emit m_client->settings.SettingsUpdated();
+            QVERIFY(m_client->settings.defaults.isEmpty());
+            m_client->SignIn();
+            QCOMPARE(m_client->settings.defaults.value(key), QVariant(0));
+            emit m_client->settings.SettingsUpdated();
+            QCOMPARE(RenderCore().receivers(finish), key.endsWith("finish"_s) ? 1 : 0);
+            TakeJournal();
+            emit RenderCore().DownloadFinish("frame.png"_s);
+            QCOMPARE(
+                TakeJournal().join(","_s), key.endsWith("soundfinish"_s) ? "Finish frame.png"_s : QString());
+            Settings().insert(key, false);
+            emit m_client->settings.SettingsUpdated();
+            QCOMPARE(RenderCore().receivers(finish), 0);
+        }
     }
 
 private:

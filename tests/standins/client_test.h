@@ -42,6 +42,12 @@ protected:
         TakeJournal();
     }
 
+    void WriteAccountFile(const QString& folder, const QByteArray& text) const
+    {
+        const QString file = m_client->AccountFile(folder);
+        QVERIFY(QDir().mkpath(QFileInfo(file).path()) && WriteFile(file, text));
+    }
+
     /// Values of the last request.
     QVariant Sent(const char* key) const { return Communication().Last().map.value(QLatin1String(key)); }
     QVariantMap Conditions() const

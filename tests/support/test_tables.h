@@ -8,6 +8,9 @@ inline QString operator""_s(const char* text, std::size_t length)
     return QString::fromUtf8(text, int(length));
 }
 
+/// How long a test waits for an event: long enough for a machine that does much else.
+constexpr int Patience = 60000; // ms
+
 /// Data rows for a test function from a table of cases, each of which has a `name`.
 template <class Case, std::size_t Count>
 void AddRows(const Case (&cases)[Count])
@@ -17,7 +20,7 @@ void AddRows(const Case (&cases)[Count])
         QTest::newRow(cases[i].name) << int(i);
 }
 
-/// The case of the present row.
+/// The case of the current row.
 template <class Case, std::size_t Count>
 const Case& Row(const Case (&cases)[Count])
 {
