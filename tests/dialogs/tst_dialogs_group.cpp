@@ -6,7 +6,7 @@
 #include <QListWidget>
 #include <QToolBox>
 
-/// The group panel: the account's groups, the current project and the menu, as a session shows and changes them.
+/// The group panel during a session: the account's groups, the current project and the menu.
 class TestGroup : public ClientTest
 {
     Q_OBJECT
@@ -108,6 +108,8 @@ private slots:
     {
         QCOMPARE(MenuOf(m_pages), QString());
         QCOMPARE(MenuOf(m_groups), "Add,Delete"_s);
+        for (QWidget* list : m_pages->findChildren<QListWidget*>())
+            QCOMPARE(list->focusPolicy(), Qt::NoFocus); // the focus marks the current page
     }
 
 private:

@@ -142,13 +142,17 @@ private slots:
     {
         OpenOn(Groups(1), [this] { delete Form("setargument"); });
         QCOMPARE(TakeJournal(), QStringList());
+        init();
+        MessageBox().whileOpen = [this] { m_client->Service()->Hide(1); };
+        OpenOn({Group(0, 2, 1)}, [this] { Click("setargument", "btnOk"); });
+        QVERIFY(!m_client->Window());
     }
 
 private:
     QSpinBox* Spin(const char* name) const { return Find<QSpinBox>("setargument", name); }
     QTableWidgetItem* Arguments() const { return Tasks()->item(Tasks()->currentRow(), SceneFile); }
 
-    /// Opens the dialog on the current task with arguments of its own, and does something while it is open.
+    /// Gives the current task arguments, opens the dialog on it and runs the action while the dialog is open.
     template <class Action>
     void OpenOn(const QVariantList& arguments, Action action) const
     {

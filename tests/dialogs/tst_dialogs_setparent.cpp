@@ -90,6 +90,7 @@ private slots:
     void StopsTheSonsOnceTheFileHoldsThem()
     {
         SignInWithJobs({MakeJob(4, 0), MakeJob(5, 1), MakeJob(6, 0)});
+        QCOMPARE(PollTimer()->interval(), 1000);
         Poll();
         QVERIFY(!PollTimer()->isActive());
         Check(Jobs(), {0, 2});
@@ -148,7 +149,7 @@ private slots:
             if (request.operation == "GetJobInfo"_s)
                 asked << request.map.value("jobId"_s).toString() + request.map.value("jobtype"_s).toString();
         }
-        // Two groups, the tick that starts over, the first group, none for the one that is gone, and over again.
+        // Both groups, a tick that reloads the list, group a, a tick for the removed group b, a reload, group a.
         QCOMPARE(asked.join(" "_s), "p1maya odd p2povray p1maya odd p1maya odd"_s);
         const QVariantHash expected {{"id"_s, "odd"_s}, {"jobId"_s, "odd"_s}, {"jobtype"_s, QString()},
             {"identifier"_s, 1}, {"token"_s, "token-ann"_s}, {"username"_s, "ann"_s}};
@@ -169,7 +170,7 @@ private slots:
         QCOMPARE(TakeJournal().count("RecoverJobs"_s), 1);
         QCOMPARE(LastOf("RecoverJobs"), Sons({1, 2}));
         QCOMPARE(Dependencies(), (QStringList {"id-3=p1&maya,p3&maya"_s, "id-4=p3&maya"_s}));
-        // A parent that finished counts for other groups too, also after another sign-in; and one may release several.
+        // A finished parent counts for every group, even after another sign-in, and may release several groups.
         m_client->SignIn();
         TakeJournal();
         Answer(InfoAnswer("p3"_s, 4));
@@ -198,7 +199,7 @@ private:
     {
         WhileOpen("setparent", action);
         m_client->Entry("Set parent")->trigger();
-        QCoreApplication::processEvents(); // a dialog that did not open has not run the event loop either
+        QCoreApplication::processEvents(); // runs the action even if the dialog does not open
     }
 
     /// Offers candidates, checks all but the first, and presses "Ok".
@@ -213,7 +214,7 @@ private:
         Click("setparent", "btnOkSetParent");
     }
 
-    /// Chooses parents for the checked jobs, and does something inside the request that stops these.
+    /// Chooses parents for the checked jobs. The action runs inside the request that stops those jobs.
     void Confirm(const QList<int>& parents, const std::function<void()>& whileStopping = {}) const
     {
         OpenAnd([&] {

@@ -1,7 +1,7 @@
 #include <QObject>
 #include <QtPlugin>
 
-/// A sound Qt plugin with a manifest, but without an activator.
+/// A valid Qt plugin with a manifest but without an activator.
 class InertPlugin : public QObject
 {
     Q_OBJECT

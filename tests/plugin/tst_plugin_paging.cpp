@@ -9,6 +9,9 @@ namespace {
 const QStringList pageButtons = "btnNextPage btnNextGroup btnPageFive btnPageFour btnPageThree btnPageTwo "
                                 "btnPageOne btnPreGroup btnPrePage"_s.split(" "_s);
 
+const QStringList overlays = pageButtons
+    + "chkAll btnDelete btnFullRender btnPause btnSearch btnRecover btnRestart btnStop"_s.split(" "_s);
+
 struct Walk
 {
     const char* name;
@@ -154,6 +157,13 @@ private slots:
         QCOMPARE(Page(), QVariant(2));
     }
 
+    void RaisesItsButtonsAtSignIn()
+    {
+        m_client->Tabs()->raise();
+        m_client->SignIn();
+        QCOMPARE(OnTop(), overlays);
+    }
+
     void ChangesTheToolbarWithTheTab_data() { AddRows(toolbars); }
     void ChangesTheToolbarWithTheTab()
     {
@@ -162,6 +172,7 @@ private slots:
         auto* all = m_client->Find<QCheckBox>("chkAll"_s);
         all->setChecked(true);
         m_client->Button("btnStop"_s)->show();
+        m_client->Tabs()->raise();
         QPushButton* deleteButton = m_client->Button("btnDelete"_s);
         const QRect before = deleteButton->geometry();
         m_client->Tabs()->setCurrentIndex(toolbar.tab);
@@ -176,6 +187,7 @@ private slots:
         QVERIFY(!all->isChecked());
         QCOMPARE(m_client->RunningTimers(1000).size(), toolbar.tab == 0 ? 0 : 1);
         QVERIFY(m_client->logger.lines.contains("index: %1|128|default||-1"_s.arg(toolbar.tab)));
+        QCOMPARE(OnTop(), overlays);
         if (toolbar.anchor.isEmpty())
             return;
         const QRect place = m_client->Button(toolbar.anchor)->geometry();
@@ -187,6 +199,15 @@ private slots:
     }
 
 private:
+    /// The form's topmost widgets in their stacking order, as many as there are overlays.
+    QStringList OnTop() const
+    {
+        QStringList names;
+        for (const QObject* widget : m_client->Form()->children())
+            names.append(widget->objectName());
+        return names.mid(names.size() - overlays.size());
+    }
+
     QVariant Page() const { return Sent("page"); }
 
     /// Visible page buttons from left to right: "<", numbers, ">"; a star marks the one with the focus.

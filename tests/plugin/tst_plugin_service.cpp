@@ -162,7 +162,7 @@ private slots:
         QCOMPARE(state, QVariant(1));
         QVERIFY(!m_client->Form()->isVisible());
 
-        // The other applications go along.
+        // The host's other applications are activated too.
         const auto* icon = m_client->Window()->findChild<QSystemTrayIcon*>();
         QVERIFY(!icon->isVisible());
         QCOMPARE(m_client->Service()->Activate(1, {}), 0);
@@ -296,6 +296,7 @@ private slots:
         QCoreApplication::sendEvent(m_client->Form(), &drag);
         QVERIFY(RenderCore().seenEvents.contains(QEvent::DragEnter));
         QVERIFY(m_client->Form()->acceptDrops() && m_client->Form()->hasMouseTracking());
+        QVERIFY(m_client->Window()->acceptDrops());
 
         m_client->Button("btnSearch"_s)->click();
         QVERIFY(Form("search")->isVisible());
@@ -346,7 +347,7 @@ private:
             .arg(service.Hide(request));
     }
 
-    /// Checks how many connections each signal of a service has: one, but for the exceptions.
+    /// Checks how many connections each signal of a service has: one unless `exceptions` says otherwise.
     template <class StandIn>
     static void CheckReceivers(const StandIn& service, const QMap<QByteArray, int>& exceptions)
     {

@@ -178,7 +178,9 @@ private slots:
             QVERIFY2(Form(name)->styleSheet().contains("/* plum %1 */"_s.arg(QLatin1String(name))), name);
             const bool isInput = qstrcmp(name, "inputdialog") == 0;
             QVERIFY2(Form(name)->autoFillBackground() != isInput, name);
-            const bool hasIcon = !isInput && qstrcmp(name, "qsclient") != 0;
+            const bool isDialog = qstrcmp(name, "qsclient") != 0;
+            const bool hasIcon = isDialog && !isInput;
+            QCOMPARE(Form(name)->windowFlags().testFlag(Qt::FramelessWindowHint), isDialog);
             QCOMPARE(Form(name)->windowIcon().availableSizes() == mainIcon, hasIcon);
         }
         QCOMPARE(TrayIcon()->icon().availableSizes(), mainIcon);
@@ -192,7 +194,7 @@ private slots:
         emit loader.SkinChanged("no such skin"_s);
         QCOMPARE(m_client->Form()->styleSheet() + m_client->Window()->styleSheet(), QString());
 
-        // A form is laid out anew instead of resized.
+        // The skin's layout file replaces the form's own resizing.
         loader.layouts.clear();
         loader.skin = "plum"_s;
         QResizeEvent resize(QSize(500, 400), m_client->Form()->size());
@@ -286,7 +288,7 @@ private slots:
         QCOMPARE(m_client->uiLoader.trayMenu.actions().last()->text(), "~Quit"_s);
         QCOMPARE(TrayIcon()->toolTip(), "~Quillstar Client"_s);
 
-        // A status filter goes by its code, whatever the language.
+        // The status filter sends the status code in any language.
         auto* filters = m_client->Form()->findChildren<QListWidget*>().at(0);
         for (const int row : {0, 1, 2}) {
             emit filters->itemClicked(filters->item(row));
@@ -327,7 +329,7 @@ private:
     QLabel* Label(const char* name) const { return m_client->Find<QLabel>(QLatin1String(name)); }
     QSystemTrayIcon* TrayIcon() const { return m_client->Window()->findChild<QSystemTrayIcon*>(); }
 
-    /// The texts of a form that went through the translator, sorted.
+    /// All texts of a form that the translator marked, sorted.
     static QStringList Marked(const QWidget* form)
     {
         QStringList texts {form->windowTitle()};

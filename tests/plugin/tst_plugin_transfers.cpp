@@ -2,6 +2,8 @@
 
 #include <QTemporaryDir>
 
+#include <random>
+
 namespace {
 
 enum Column { Name, StartTime, Status, Progress, SceneFile, Warn };
@@ -136,6 +138,36 @@ private slots:
         QCOMPARE(Tasks()->item(0, SceneFile)->data(Qt::UserRole).toList(), arguments);
     }
 
+    void KeepsTheRowsOfAPageWhileTasksMove()
+    {
+        std::mt19937 random(5);
+        QVector<RenderCoreStandIn::Task>& tasks = RenderCore().tasks;
+        for (int i = 0; i < 60; ++i)
+            tasks.append({Numbered("t"_s, i), Numbered("scene"_s, i)});
+        emit RenderCore().SubmitListChanged();
+        m_client->Button("btnPageTwo"_s)->click();
+        for (int round = 0; round < 20; ++round) {
+            if (round % 4 == 3)
+                std::shuffle(tasks.begin(), tasks.end(), random);
+            else
+                tasks.move(int(random() % tasks.size()), int(random() % tasks.size()));
+            tasks.remove(int(random() % tasks.size()));
+            QStringList expected;
+            for (const QString& id : Ids(Tasks())) {
+                for (RenderCoreStandIn::Task& task : tasks) {
+                    task.startTime = "%1 of %2"_s.arg(round).arg(task.id);
+                    if (task.id == id)
+                        expected.append(id);
+                }
+            }
+            QVERIFY(m_client->Tick(1000));
+            QCOMPARE(Ids(Tasks()), expected);
+            for (int row = 0; row < expected.size(); ++row)
+                QCOMPARE(
+                    Tasks()->item(row, StartTime)->text(), "%1 of %2"_s.arg(round).arg(expected.at(row)));
+        }
+    }
+
     void TurnsBackAPageWhenTasksGo()
     {
         for (int i = 37; i > 0; --i)
@@ -151,7 +183,7 @@ private slots:
         QCOMPARE(Tasks()->item(17, Name)->data(Qt::UserRole).toString(), "t02"_s);
         QVERIFY(!m_client->Shows("btnPageThree"_s));
 
-        // The tasks of a page stay there when one before them goes or comes.
+        // A page keeps its tasks when a task before them is removed or added.
         const RenderCoreStandIn::Task first = RenderCore().tasks.takeFirst();
         QVERIFY(m_client->Tick(1000));
         QCOMPARE(Tasks()->rowCount(), 18);
@@ -316,7 +348,7 @@ private slots:
 
     void RevealsTheFileOfTheCurrentRow()
     {
-        // Stands for the file manager and writes down its arguments.
+        // This script replaces the file manager and records its arguments.
         const QTemporaryDir folder;
         const QString note = folder.filePath("note"_s);
         const QString program = folder.filePath("explorer.exe"_s);
@@ -360,6 +392,14 @@ private slots:
     }
 
 private:
+    static QStringList Ids(const QTableWidget* table)
+    {
+        QStringList ids;
+        for (int row = 0; row < table->rowCount(); ++row)
+            ids.append(table->item(row, Name)->data(Qt::UserRole).toString());
+        return ids;
+    }
+
     void ShowTask(const RenderCoreStandIn::Task& task) const
     {
         RenderCore().tasks.append(task);

@@ -11,7 +11,7 @@
 
 #include <memory>
 
-/// A test of the client that finds it open, with nobody signed in, before each of its functions.
+/// A test whose functions each start with a client that is open, with nobody signed in.
 class ClientTest : public QObject
 {
     Q_OBJECT
@@ -34,7 +34,7 @@ protected:
     QTableWidget* Downloads() const { return m_client->Table("twtDownload"_s); }
     QStringList TakeJournal() const { return m_client->journal.Take(); }
 
-    /// Signs in and shows one page of jobs, and forgets the calls that this made.
+    /// Signs in and delivers one page of jobs; the journal is empty afterwards.
     void SignInWithJobs(const QVariantList& jobs, int total = 18) const
     {
         m_client->SignIn();
@@ -68,7 +68,7 @@ protected:
     }
     void Click(const char* form, const char* button) const { Find<QPushButton>(form, button)->click(); }
 
-    /// Does something inside the next modal dialog of a form, and closes what is left of it then.
+    /// Runs an action inside the next modal dialog of a form, and closes the dialog if the action has not.
     template <class Action>
     void WhileOpen(const char* form, Action action) const
     {

@@ -5,8 +5,8 @@
 #include <QHash>
 #include <QPointer>
 
-/// Finds objects of the plugin by class while it builds them: the dialog controllers have no parent to search in, but
-/// the application sees each of them get a child.
+/// Finds the plugin's objects by class. The dialog controllers have no parent to search in, but the application sees
+/// each of them receive a child.
 class Controllers : public QObject
 {
 public:

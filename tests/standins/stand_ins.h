@@ -241,7 +241,7 @@ public:
         return QObject::eventFilter(object, event);
     }
 
-    QVector<Task> tasks; ///< in the order of the list, which is none
+    QVector<Task> tasks; ///< in list order, which need not be that of the ids
     QVariantMap downloads;
     QVector<QVariantMap> orders;
     QVariantList setArguments; ///< as last set

@@ -16,7 +16,7 @@ QWidget* Load(const QString& key)
     return form;
 }
 
-/// Takes away what the client must not rely on: buttons of one size in one row, and tables with columns.
+/// Spoils properties that the client must not rely on: buttons of one size in one row, and tables with columns.
 void Disturb(QWidget* form)
 {
     int step = 0;

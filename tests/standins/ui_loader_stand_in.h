@@ -8,7 +8,7 @@
 #include <QPointer>
 #include <QWidget>
 
-/// Loads the host's forms, less well prepared than the host does, and records what the client asks of it.
+/// Loads the host's forms with some of their properties spoilt, and records the client's calls.
 class UiLoaderStandIn : public StandIn<VTUiLoaderInterface>
 {
     Q_OBJECT

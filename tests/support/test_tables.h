@@ -8,7 +8,7 @@ inline QString operator""_s(const char* text, std::size_t length)
     return QString::fromUtf8(text, int(length));
 }
 
-/// How long a test waits for an event: long enough for a machine that does much else.
+/// How long a test waits for an event; generous, so that a busy machine passes too.
 constexpr int Patience = 60000; // ms
 
 /// Data rows for a test function from a table of cases, each of which has a `name`.
