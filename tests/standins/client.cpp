@@ -5,7 +5,7 @@
 #include <ctkPluginFrameworkFactory.h>
 
 #include <QAction>
-#include <QApplication>
+#include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -39,7 +39,7 @@ Client::~Client()
     }
 }
 
-QList<QPair<QString, QObject*>> Client::Siblings()
+QList<QPair<QString, QObject*>> Client::Services()
 {
     return {{"VTSettingsInterface"_s, &settings}, {"VTLoggerInterface"_s, &logger},
         {"VTUiLoaderInterface"_s, &uiLoader}, {"VTMessagboxInterface"_s, &messageBox},
@@ -75,9 +75,9 @@ void Client::Start()
 {
     if (!m_framework) {
         StartFramework();
-        for (const auto& [interface, sibling] : Siblings()) {
+        for (const auto& [interface, service] : Services()) {
             if (!leftOut.contains(interface))
-                Context()->registerService({interface}, sibling);
+                Context()->registerService({interface}, service);
         }
     }
     m_plugin = Context()->installPlugin(QUrl::fromLocalFile(QStringLiteral(PLUGIN_FILE)));
@@ -86,9 +86,9 @@ void Client::Start()
 
 void Client::Register(const QString& interface)
 {
-    for (const auto& [name, sibling] : Siblings()) {
+    for (const auto& [name, service] : Services()) {
         if (name == interface)
-            Context()->registerService({name}, sibling);
+            Context()->registerService({name}, service);
     }
 }
 
@@ -120,16 +120,6 @@ ctkPluginContext* Client::Context() const
     return m_framework->getPluginContext();
 }
 
-QWidget* Client::Window() const
-{
-    const QWidgetList widgets = QApplication::topLevelWidgets();
-    for (QWidget* widget : widgets) {
-        if (qstrcmp(widget->metaObject()->className(), "VTQsClientPrivate") == 0)
-            return widget;
-    }
-    return nullptr;
-}
-
 QAction* Client::Entry(const char* text) const
 {
     const auto actions = Window()->findChildren<QAction*>();
@@ -149,10 +139,10 @@ QList<QTimer*> Client::RunningTimers(int interval) const
     return running;
 }
 
-QString Client::AccountFile(const QString& folder, const QString& userName) const
+QString Client::AccountFile(const QString& folder) const
 {
-    const QString name = "%1/%2_login-%3.ini"_s.arg(folder, m_server, userName);
-    return QDir(QCoreApplication::applicationDirPath()).filePath(name);
+    return QDir(QCoreApplication::applicationDirPath())
+        .filePath("%1/%2_login-ann.ini"_s.arg(folder, m_server));
 }
 
 bool Client::Tick(int interval) const

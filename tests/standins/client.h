@@ -18,18 +18,18 @@ class ctkPluginFrameworkFactory;
 class QAction;
 class QTimer;
 
-/// The whole client: the built plugin file, started in a framework of its own among stand-in siblings.
+/// The built plugin file, started in a framework of its own among stand-in services.
 class Client
 {
 public:
     Client();
     ~Client();
 
-    /// Starts the framework, registers the siblings that are not left out, installs and starts the plugin.
+    /// Starts the framework, registers the services but for those in `leftOut`, and starts the plugin.
     void Start();
     void Register(const QString& interface);
 
-    /// Tells the service to initialise with the framework's context. @return its status.
+    /// Initialises the plugin's service with the framework's context. @return its status.
     int Initialize();
 
     /// Starts, initialises and shows. @return whether the main form is on the screen.
@@ -37,14 +37,14 @@ public:
 
     void SignIn(const QString& userName = "ann"_s) { communication.DeliverSignIn(userName); }
 
-    /// Stops the plugin; Start() brings it back.
+    /// Stops the plugin, which `Start` can start again.
     void Stop();
 
     VTBaseInterface* Service() const;
     ctkPluginContext* Context() const;
 
     /// The client's window object; null when there is none.
-    QWidget* Window() const;
+    QWidget* Window() const { return qobject_cast<QWidget*>(controllers.Find("VTQsClientPrivate")); }
     QWidget* Form() const { return uiLoader.Form("com.vtr.qsclient"_s); }
 
     template <class Widget>
@@ -73,13 +73,13 @@ public:
             QGenericArgument(QMetaType::typeName(qMetaTypeId<Arguments>()), &arguments)...);
     }
 
-    /// The client's file for an account in a folder beside the program.
-    QString AccountFile(const QString& folder, const QString& userName = "ann"_s) const;
+    /// The path of ann's file in a folder beside the program.
+    QString AccountFile(const QString& folder) const;
 
-    /// The window's running timers with an interval in milliseconds.
+    /// The window's running timers of an interval in milliseconds.
     QList<QTimer*> RunningTimers(int interval) const;
 
-    /// Lets the one running timer with an interval time out now. @return whether there is exactly one.
+    /// Lets the only running timer of an interval time out now. @return whether there is exactly one.
     bool Tick(int interval) const;
 
     Controllers controllers;
@@ -94,15 +94,15 @@ public:
     PreviewerStandIn previewer {journal};
     ApplicationStandIn application {journal};
 
-    /// Interface names that Start() does not register.
+    /// Names of interfaces that `Start` does not register.
     QStringList leftOut;
 
 private:
-    QList<QPair<QString, QObject*>> Siblings();
+    QList<QPair<QString, QObject*>> Services();
     void StartFramework();
     void StopFramework();
 
-    /// A server name of this process alone, because the client keeps files by it.
+    /// Names the account files, so no other process uses it.
     QString m_server;
     /// With an installed CTK the factory owns the framework, so it is declared first and destroyed last.
     std::unique_ptr<ctkPluginFrameworkFactory> m_factory;
@@ -110,9 +110,9 @@ private:
     QSharedPointer<ctkPlugin> m_plugin;
 };
 
-/// A name with two digits, so that names sort by number.
+/// A name with a number of two digits, so that names sort by number.
 QString Numbered(const QString& prefix, int number);
 
-/// A job as the farm describes it, named after its number.
+/// A job record whose values tell its number.
 QVariantMap MakeJob(int number, int status = 1, int progress = 10);
 QVariantList MakeJobs(int count);
