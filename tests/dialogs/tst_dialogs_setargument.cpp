@@ -23,16 +23,10 @@ QVariantList Groups(int count)
     return groups;
 }
 
-struct Confirmation
-{
-    const char* name;
-    QVariantList arguments;
-    QVariantList stored;
-    QString refusal;
-};
 const QVariantMap empty {{"startFrame_0"_s, 1}, {"endFrame_0"_s, 1}, {"width"_s, QString()},
     {"height"_s, QString()}, {"prerender"_s, false}};
-const Confirmation confirmations[] = {
+/// Name, the task's arguments, the arguments stored by "Ok", and the refusal.
+const std::tuple<const char*, QVariantList, QVariantList, QString> confirmations[] = {
     {"as they were", Groups(3), Groups(3), {}},
     {"more than fit", Groups(20), Groups(15), {}},
     {"longest and last", {Group(0, 98999, 99999)}, {Group(0, 98999, 99999)}, {}},

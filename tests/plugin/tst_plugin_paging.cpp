@@ -12,15 +12,8 @@ const QStringList pageButtons = "btnNextPage btnNextGroup btnPageFive btnPageFou
 const QStringList overlays = pageButtons
     + "chkAll btnDelete btnFullRender btnPause btnSearch btnRecover btnRestart btnStop"_s.split(" "_s);
 
-struct Walk
-{
-    const char* name;
-    int total;
-    QString clicks;
-    QString requests; ///< requested pages
-    QString bar;      ///< see PageBar()
-};
-const Walk walks[] = {
+/// Name, number of jobs, clicks, pages requested by them, and the page bar at the end as `PageBar` tells it.
+const std::tuple<const char*, int, QString, QString, QString> walks[] = {
     {"empty", 0, {}, {}, "1*"_s},
     {"one page", 18, "btnNextPage btnPrePage"_s, {}, "1*"_s},
     {"two pages", 19, "btnNextPage"_s, "2"_s, "1 2*"_s},
@@ -34,14 +27,8 @@ const Walk walks[] = {
         "6 11 15 16 17"_s, "< 16 17*"_s},
 };
 
-struct Toolbar
-{
-    const char* name;
-    int tab;
-    QString shown;
-    QString anchor; ///< the button that btnDelete stands beside
-};
-const Toolbar toolbars[] = {
+/// Name, tab, visible buttons, and the button that btnDelete stands beside.
+const std::tuple<const char*, int, QString, QString> toolbars[] = {
     {"jobs", 0, "btnRecover btnPause btnRestart btnSearch btnDelete btnFullRender"_s, "btnRestart"_s},
     {"local tasks", 1, {}, {}},
     {"downloads", 2, "btnRecover btnPause btnDelete"_s, "btnPause"_s},
@@ -58,18 +45,18 @@ private slots:
     void WalksThroughThePages_data() { AddRows(walks); }
     void WalksThroughThePages()
     {
-        const Walk& walk = Row(walks);
-        SignInWithJobs(MakeJobs(18), walk.total);
+        const auto& [name, total, clicks, requests, bar] = Row(walks);
+        SignInWithJobs(MakeJobs(18), total);
         QStringList pages;
-        for (const QString& click : walk.clicks.split(" "_s, Qt::SkipEmptyParts)) {
+        for (const QString& click : clicks.split(" "_s, Qt::SkipEmptyParts)) {
             m_client->Button(click)->click();
             if (TakeJournal().isEmpty())
                 continue;
             pages.append(Page().toString());
-            Communication().DeliverJobs(MakeJobs(18), walk.total);
+            Communication().DeliverJobs(MakeJobs(18), total);
         }
-        QCOMPARE(pages.join(" "_s), walk.requests);
-        QCOMPARE(PageBar(), walk.bar);
+        QCOMPARE(pages.join(" "_s), requests);
+        QCOMPARE(PageBar(), bar);
         QVERIFY(m_client->Shows("btnNextPage"_s) && m_client->Shows("btnPrePage"_s));
     }
 
@@ -167,30 +154,30 @@ private slots:
     void ChangesTheToolbarWithTheTab_data() { AddRows(toolbars); }
     void ChangesTheToolbarWithTheTab()
     {
-        const Toolbar& toolbar = Row(toolbars);
-        m_client->Tabs()->setCurrentIndex(toolbar.tab == 1 ? 0 : 1);
+        const auto& [name, tab, shown, anchor] = Row(toolbars);
+        m_client->Tabs()->setCurrentIndex(tab == 1 ? 0 : 1);
         auto* all = m_client->Find<QCheckBox>("chkAll"_s);
         all->setChecked(true);
         m_client->Button("btnStop"_s)->show();
         m_client->Tabs()->raise();
         QPushButton* deleteButton = m_client->Button("btnDelete"_s);
         const QRect before = deleteButton->geometry();
-        m_client->Tabs()->setCurrentIndex(toolbar.tab);
+        m_client->Tabs()->setCurrentIndex(tab);
 
         QStringList visible;
-        for (const QString& name : toolbars[0].shown.split(" "_s)) {
-            if (m_client->Shows(name))
-                visible.append(name);
+        for (const QString& button : std::get<2>(toolbars[0]).split(" "_s)) {
+            if (m_client->Shows(button))
+                visible.append(button);
         }
-        QCOMPARE(visible.join(" "_s), toolbar.shown);
+        QCOMPARE(visible.join(" "_s), shown);
         QVERIFY(m_client->Shows("btnStop"_s));
         QVERIFY(!all->isChecked());
-        QCOMPARE(m_client->RunningTimers(1000).size(), toolbar.tab == 0 ? 0 : 1);
-        QVERIFY(m_client->logger.lines.contains("index: %1|128|default||-1"_s.arg(toolbar.tab)));
+        QCOMPARE(m_client->RunningTimers(1000).size(), tab == 0 ? 0 : 1);
+        QVERIFY(m_client->logger.lines.contains("index: %1|128|default||-1"_s.arg(tab)));
         QCOMPARE(OnTop(), overlays);
-        if (toolbar.anchor.isEmpty())
+        if (anchor.isEmpty())
             return;
-        const QRect place = m_client->Button(toolbar.anchor)->geometry();
+        const QRect place = m_client->Button(anchor)->geometry();
         const int left = place.x() + place.width() + 5;
         QCOMPARE(deleteButton->geometry(), before.translated(left - before.x(), 0));
         deleteButton->move(0, 0);

@@ -11,16 +11,12 @@
 
 namespace {
 
-struct Service
-{
-    const char* name; ///< of the interface
-    const char* module;
-    int line; ///< reported with its absence
-};
-const Service services[] = {{"VTSettingsInterface", "settings", 199}, {"VTLoggerInterface", "logger", 218},
-    {"VTUiLoaderInterface", "uiloader", 230}, {"VTMessagboxInterface", "messagebox", 243},
-    {"VTCommunicationInterface", "communication", 257}, {"VTRenderCoreInterface", "rendercore", 274},
-    {"VTConfigurationInterface", "configuration", 290}, {"VTPreviewerInterface", "previewer", 304}};
+/// Interface, module, and the line that its failure is reported with.
+const std::tuple<const char*, const char*, int> services[]
+    = {{"VTSettingsInterface", "settings", 199}, {"VTLoggerInterface", "logger", 218},
+        {"VTUiLoaderInterface", "uiloader", 230}, {"VTMessagboxInterface", "messagebox", 243},
+        {"VTCommunicationInterface", "communication", 257}, {"VTRenderCoreInterface", "rendercore", 274},
+        {"VTConfigurationInterface", "configuration", 290}, {"VTPreviewerInterface", "previewer", 304}};
 
 const char* const declaredMethods[] = {"JobIdType(QVariantMap)", "showParenList(QVariantList)",
     "login(QString,QString,QString,QString)", "windowSizeChanged()", "ChangeSkin(QString)",
@@ -45,15 +41,11 @@ const char* const declaredMethods[] = {"JobIdType(QVariantMap)", "showParenList(
     "SearchJob(QVariantMap&)", "CellDoubleClicked(int,int)", "GetJobList(int,QString,int)",
     "GetJobList(int,QString)", "GetJobList(int)", "Condition(QString)"};
 
-struct Button
-{
-    const char* name;
-    const char* effect;
-};
-const Button buttons[] = {{"btnSystemClose", "ShowMessage"}, {"btnSettings", "ShowConf"},
-    {"btnFullRender", "FullRender"}, {"btnDelete", "ShowMessage"}, {"btnRecover", "RecoverJobs"},
-    {"btnPause", "StopJobs"}, {"btnRestart", "RestartJobs"}, {"btnLang", "SetLanguage /lang/vtr_de.qm"},
-    {"btnStop", ""}, {"btnSubmit", ""}, {"btnRecharge", ""}, {"btnMessage", ""}, {"btnSkin", ""}};
+const QPair<const char*, const char*> buttons[]
+    = {{"btnSystemClose", "ShowMessage"}, {"btnSettings", "ShowConf"}, {"btnFullRender", "FullRender"},
+        {"btnDelete", "ShowMessage"}, {"btnRecover", "RecoverJobs"}, {"btnPause", "StopJobs"},
+        {"btnRestart", "RestartJobs"}, {"btnLang", "SetLanguage /lang/vtr_de.qm"}, {"btnStop", ""},
+        {"btnSubmit", ""}, {"btnRecharge", ""}, {"btnMessage", ""}, {"btnSkin", ""}};
 
 const QString formKeys
     = "com.vtr.qsclient com.vtr.setargument com.vtr.setparent com.vtr.search com.vtr.inputdialog"_s;
@@ -217,13 +209,13 @@ private slots:
     void ReportsAServiceThatIsMissingOrFails_data() { AddRows(services); }
     void ReportsAServiceThatIsMissingOrFails()
     {
-        const Service& service = Row(services);
-        const QString interface = QLatin1String(service.name);
+        const auto& service = Row(services);
+        const auto& [name, module, line] = service;
+        const QString interface = QLatin1String(name);
         const QString level
             = interface == "VTUiLoaderInterface"_s ? "debug|"_s : "critical|[com.vtr.qsclient] "_s;
-        const QStringList report {QString(level
-            + "Module com.vtr.%1 is invalid|vtr_qsclient|%2"_s.arg(QLatin1String(service.module))
-                  .arg(service.line))};
+        const QStringList report {QString(
+            level + "Module com.vtr.%1 is invalid|vtr_qsclient|%2"_s.arg(QLatin1String(module)).arg(line))};
         m_client->leftOut = QStringList {interface, "VTBaseAppInterface"_s};
         m_client->Start();
         const MessageCapture capture;
@@ -287,9 +279,9 @@ private slots:
     void ConnectsItsForm()
     {
         QVERIFY(m_client->Open());
-        for (const Button& button : buttons) {
-            m_client->Button(QLatin1String(button.name))->click();
-            QVERIFY2(TakeJournal().join(","_s) == QLatin1String(button.effect), button.name);
+        for (const auto& [button, effect] : buttons) {
+            m_client->Button(QLatin1String(button))->click();
+            QVERIFY2(TakeJournal().join(","_s) == QLatin1String(effect), button);
         }
         QMimeData files;
         QDragEnterEvent drag(QPoint(), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);

@@ -8,14 +8,8 @@ namespace {
 
 enum Column { Name, StartTime, Status, Progress, SceneFile, Warn };
 
-struct Trouble
-{
-    const char* name;
-    int stage;
-    int error;
-    QStringList shown; ///< status, text, status tip, what's this, icon path
-};
-const Trouble troubles[] = {
+/// Name, stage, error code, and what the row shows: status, text, status tip, what's this, icon path.
+const std::tuple<const char*, int, int, QStringList> troubles[] = {
     {"upload", 5, 0, {"upload"_s, "3 of 9"_s, {}, {}, {}}},
     {"failed upload", 5, 3, {"uploadfail"_s, {}, {}, "msg"_s, ":/teal/warning.png"_s}},
     {"textures", 4, 9, {"copysamefail"_s, {}, "Lacked of texture files:"_s, "msg"_s, ":/teal/warning.png"_s}},
@@ -24,32 +18,17 @@ const Trouble troubles[] = {
 
 const QString shortMenu = "Continue submit,Delete Tasks"_s;
 const QString fullMenu = "Continue submit,Delete Tasks,Set argument"_s;
-struct MenuCase
-{
-    const char* name;
-    QString sceneFile;
-    int stage;
-    bool wanted;
-    bool checked;
-    QString menu;
-};
-const MenuCase menuCases[] = {{"ma", "a.ma"_s, 3, true, true, fullMenu},
-    {"mb", "x.y.mb"_s, 4, true, true, fullMenu}, {"capitals", "a.MA"_s, 3, true, true, shortMenu},
-    {"max", "a.max"_s, 3, true, true, shortMenu}, {"early", "a.ma"_s, 2, true, true, shortMenu},
-    {"unwanted", "a.ma"_s, 3, false, true, shortMenu}, {"nothing checked", "a.ma"_s, 3, true, false, {}}};
+/// Name, scene file, stage, whether the account wants the entry, whether the row is checked, and the menu.
+const std::tuple<const char*, QString, int, bool, bool, QString> menuCases[]
+    = {{"ma", "a.ma"_s, 3, true, true, fullMenu}, {"mb", "x.y.mb"_s, 4, true, true, fullMenu},
+        {"capitals", "a.MA"_s, 3, true, true, shortMenu}, {"max", "a.max"_s, 3, true, true, shortMenu},
+        {"early", "a.ma"_s, 2, true, true, shortMenu}, {"unwanted", "a.ma"_s, 3, false, true, shortMenu},
+        {"nothing checked", "a.ma"_s, 3, true, false, {}}};
 
-struct DoubleClick
-{
-    const char* name;
-    int error;
-    int column;
-    QString answer;
-    QString effect;
-    QString message;
-};
 const QString notice = "2|QuillStar Client||msg|Ok,|1"_s;
 const QString lackQuestion = "4|t|Lacked of texture files:|msg|Cancel,Submit|1"_s;
-const DoubleClick doubleClicks[] = {
+/// Name, error code, column, answer, calls and message.
+const std::tuple<const char*, int, int, QString, QString, QString> doubleClicks[] = {
     {"no error", 0, Warn, {}, {}, {}},
     {"other column", 9, Status, {}, {}, {}},
     {"notice", 3, Warn, MessageBoxStandIn::Consent(), "ShowMessage"_s, notice},
@@ -109,15 +88,15 @@ private slots:
     void ShowsTroubleInTheWarnColumn_data() { AddRows(troubles); }
     void ShowsTroubleInTheWarnColumn()
     {
-        const Trouble& trouble = Row(troubles);
+        const auto& [name, stage, error, shown] = Row(troubles);
         ShowTask({"t1"_s, "a.ma"_s});
-        RenderCore().tasks = {{"t1"_s, "a.ma"_s, {}, "msg"_s, "3 of 9"_s, trouble.stage, 0, trouble.error}};
+        RenderCore().tasks = {{"t1"_s, "a.ma"_s, {}, "msg"_s, "3 of 9"_s, stage, 0, error}};
         QVERIFY(m_client->Tick(1000));
         const QTableWidgetItem* warn = Tasks()->item(0, Warn);
         QCOMPARE((QStringList {Tasks()->item(0, Status)->text(), warn->text(), warn->statusTip(),
                      warn->whatsThis(), warn->data(Qt::UserRole).toString()}),
-            trouble.shown);
-        QCOMPARE(warn->icon().isNull(), trouble.shown.last().isEmpty());
+            shown);
+        QCOMPARE(warn->icon().isNull(), shown.last().isEmpty());
         RenderCore().tasks = {{"t1"_s, "a.ma"_s, {}, "<b>new</b>"_s, {}, 6}};
         QVERIFY(m_client->Tick(1000));
         QVERIFY(warn->icon().isNull());
@@ -206,15 +185,15 @@ private slots:
     void OffersItsMenu_data() { AddRows(menuCases); }
     void OffersItsMenu()
     {
-        const MenuCase& menuCase = Row(menuCases);
-        Settings().insert("vtr.account.ann/setargument"_s, menuCase.wanted);
+        const auto& [name, sceneFile, stage, wanted, checked, menu] = Row(menuCases);
+        Settings().insert("vtr.account.ann/setargument"_s, wanted);
         m_client->SignIn();
-        ShowTask({"t1"_s, menuCase.sceneFile, {}, {}, {}, menuCase.stage});
+        ShowTask({"t1"_s, sceneFile, {}, {}, {}, stage});
         QVERIFY(m_client->Tick(1000));
         for (int round = 0; round < 2; ++round) {
             QVERIFY(m_client->Call("ClickedCell", 0, 0));
-            Tasks()->item(0, Name)->setCheckState(menuCase.checked ? Qt::Checked : Qt::Unchecked);
-            QCOMPARE(MenuOf(Tasks()), menuCase.menu);
+            Tasks()->item(0, Name)->setCheckState(checked ? Qt::Checked : Qt::Unchecked);
+            QCOMPARE(MenuOf(Tasks()), menu);
         }
         QCOMPARE(MenuOf(Tasks()), QString());
         m_client->Entry("Continue submit")->trigger();
@@ -226,14 +205,14 @@ private slots:
     void ExplainsTroubleOnADoubleClick_data() { AddRows(doubleClicks); }
     void ExplainsTroubleOnADoubleClick()
     {
-        const DoubleClick& click = Row(doubleClicks);
-        ShowTask({"t.1"_s, "a.ma"_s, {}, "msg"_s, {}, 4, 0, click.error});
+        const auto& [name, error, column, answer, effect, message] = Row(doubleClicks);
+        ShowTask({"t.1"_s, "a.ma"_s, {}, "msg"_s, {}, 4, 0, error});
         QVERIFY(m_client->Tick(1000));
-        MessageBox().answer = click.answer;
-        emit Tasks()->cellDoubleClicked(0, click.column);
+        MessageBox().answer = answer;
+        emit Tasks()->cellDoubleClicked(0, column);
         QVERIFY(m_client->Call("CellDoubleClicked", -1, int(Warn)));
-        QCOMPARE(TakeJournal().join(","_s), click.effect);
-        QCOMPARE(MessageBox().messages.join("\n"_s), click.message);
+        QCOMPARE(TakeJournal().join(","_s), effect);
+        QCOMPARE(MessageBox().messages.join("\n"_s), message);
     }
 
     void AsksAboutReportsOneByOne_data()

@@ -9,36 +9,17 @@
 
 namespace {
 
-struct Size
-{
-    const char* name;
-    int records;
-    int pages;
-    int groups;
-};
-const Size sizes[] = {{"negative", -1, 1, 1}, {"none", 0, 1, 1}, {"a page", 18, 1, 1},
-    {"a page and one", 19, 2, 1}, {"a group", 90, 5, 1}, {"a group and one", 91, 6, 2},
+/// Name, records, pages and groups.
+const std::tuple<const char*, int, int, int> sizes[] = {{"negative", -1, 1, 1}, {"none", 0, 1, 1},
+    {"a page", 18, 1, 1}, {"a page and one", 19, 2, 1}, {"a group", 90, 5, 1}, {"a group and one", 91, 6, 2},
     {"two groups", 180, 10, 2}, {"most", std::numeric_limits<int>::max(), 119304648, 23860930}};
 
-struct Deletion
-{
-    const char* name;
-    int page;
-    int records;
-    int newPage;
-    int newGroup;
-};
-const Deletion deletions[] = {{"emptied", 3, 36, 2, 1}, {"emptied into the group before", 6, 90, 5, 1},
-    {"emptied within a later group", 7, 108, 6, 2}, {"emptied first page", 1, 0, 1, 1},
-    {"rows left", 6, 91, 6, 2}, {"more than one page gone", 6, 50, 6, 2}};
+/// Name, page and records; the corrected page and group.
+const std::tuple<const char*, int, int, int, int> deletions[] = {{"emptied", 3, 36, 2, 1},
+    {"emptied into the group before", 6, 90, 5, 1}, {"emptied within a later group", 7, 108, 6, 2},
+    {"emptied first page", 1, 0, 1, 1}, {"rows left", 6, 91, 6, 2}, {"more than one page gone", 6, 50, 6, 2}};
 
-struct Name
-{
-    const char* name;
-    QString text;
-    QString encoded;
-};
-const Name names[] = {
+const std::tuple<const char*, QString, QString> names[] = {
     {"plain", "Ann 100%, farm-1.example"_s, "Ann 100%, farm-1.example"_s},
     {"letters", "ä王"_s, "ä王"_s},
     {"way out", "../../x"_s, "..%2F..%2Fx"_s},
@@ -60,29 +41,29 @@ private slots:
     void CountsPagesAndGroups_data() { AddRows(sizes); }
     void CountsPagesAndGroups()
     {
-        const Size& size = Row(sizes);
+        const auto& [name, records, pages, groups] = Row(sizes);
         VTPageState state;
         state.nCurrentPage = 3;
-        state.Recount(size.records);
-        QCOMPARE(state.nTotalPages, size.pages);
-        QCOMPARE(state.nTotalGroups, size.groups);
-        QCOMPARE(state.nTotalRecords, size.records);
+        state.Recount(records);
+        QCOMPARE(state.nTotalPages, pages);
+        QCOMPARE(state.nTotalGroups, groups);
+        QCOMPARE(state.nTotalRecords, records);
         QCOMPARE(state.nCurrentPage, 3);
-        QCOMPARE(state.HasNextGroup(), size.pages > 5);
+        QCOMPARE(state.HasNextGroup(), pages > 5);
         QVERIFY(!state.HasPreviousGroup());
     }
 
     void CorrectsItsPageAfterADeletion_data() { AddRows(deletions); }
     void CorrectsItsPageAfterADeletion()
     {
-        const Deletion& deletion = Row(deletions);
+        const auto& [name, page, records, newPage, newGroup] = Row(deletions);
         VTPageState state;
-        state.nCurrentPage = deletion.page;
-        state.nCurrentGroup = (deletion.page + 4) / 5;
-        state.nTotalRecords = deletion.records;
+        state.nCurrentPage = page;
+        state.nCurrentGroup = (page + 4) / 5;
+        state.nTotalRecords = records;
         state.CorrectAfterDeletion();
-        QCOMPARE(state.nCurrentPage, deletion.newPage);
-        QCOMPARE(state.nCurrentGroup, deletion.newGroup);
+        QCOMPARE(state.nCurrentPage, newPage);
+        QCOMPARE(state.nCurrentGroup, newGroup);
     }
 
     void FindsPlacesInAMapThatChanges()
@@ -111,9 +92,9 @@ private slots:
     void EncodesCharactersThatFileNamesLack_data() { AddRows(names); }
     void EncodesCharactersThatFileNamesLack()
     {
-        const QString name = Row(names).text;
-        QCOMPARE(VTFileNamePart(name), Row(names).encoded);
-        const QString file = VTAccountFile("Data"_s, name, name);
+        const auto& [name, text, encoded] = Row(names);
+        QCOMPARE(VTFileNamePart(text), encoded);
+        const QString file = VTAccountFile("Data"_s, text, text);
         QCOMPARE(QDir::cleanPath(file), file);
         QCOMPARE(QFileInfo(file).path(), QCoreApplication::applicationDirPath() + "/Data"_s);
     }
