@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QDateTimeEdit>
 #include <QLineEdit>
+#include <QStyledItemDelegate>
 
 /// The search form: its choices, and the conditions that a search makes of its fields.
 class TestSearch : public ClientTest
@@ -59,6 +60,9 @@ private slots:
             QCOMPARE(Time(range, "Lower")->dateTime(), QDate::currentDate().addDays(-7).startOfDay());
             QCOMPARE(Time(range, "Upper")->date(), QDate::currentDate());
         }
+
+        for (const char* choices : {"JobType", "JobStatus", "ProjectName", "BusinessType"})
+            QCOMPARE(Choices(choices)->itemDelegate()->metaObject()->className(), "QStyledItemDelegate");
 
         // An entry of two empty parts is offered, but its blank text does not filter.
         QCOMPARE(Choices("JobType")->count(), 3);

@@ -53,6 +53,7 @@ private slots:
             QCOMPARE(Candidates()->item(0, column)->toolTip(), QString());
             QCOMPARE(Candidates()->item(0, column)->textAlignment(), 132);
         }
+        QVERIFY(!Candidates()->item(0, Name)->data(Qt::TextAlignmentRole).isValid());
         QCOMPARE(Bar(Candidates(), 0)->value(), 50);
         QVERIFY(Bar(Candidates(), 0)->styleSheet().contains("255,161,94"_s));
         for (const int row : {0, 1})

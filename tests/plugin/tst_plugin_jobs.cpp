@@ -296,6 +296,16 @@ private slots:
         QVERIFY(!all->isChecked());
     }
 
+    void DeletesNothingAfterTheSession()
+    {
+        SignInWithJobs(MakeJobs(3));
+        Check(Jobs(), {0});
+        MessageBox().answer = MessageBoxStandIn::Consent();
+        MessageBox().whileOpen = [this] { emit Communication().SignOutResponse(200, {}); };
+        m_client->Button("btnDelete"_s)->click();
+        QCOMPARE(TakeJournal(), QStringList {"ShowMessage"_s});
+    }
+
     void SurvivesTheEndOfItsWindowBehindAQuestion()
     {
         for (const char* slot :

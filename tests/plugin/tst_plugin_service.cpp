@@ -196,6 +196,7 @@ private slots:
             QVERIFY(m_client->Open());
             m_client->SignIn();
             delete Form(form);
+            QCOMPARE(m_client->RunningTimers(15000).size(), *controller ? 1 : 0);
             emit m_client->uiLoader.SkinChanged("teal"_s);
             emit m_client->uiLoader.LanguageChanged("vtr_de.qm"_s);
             Communication().DeliverJobs(MakeJobs(3), 3, 1);
@@ -256,6 +257,7 @@ private slots:
             Communication().failure = failure;
             QCOMPARE(m_client->Initialize(), failure == Failure::None ? 0 : -1);
         }
+        QCOMPARE(MessageCapture::Take().filter("No connection"_s), QStringList());
         for (int round = 0; round < 2; ++round) {
             QVERIFY(m_client->Open());
             CheckReceivers(Communication(), {});

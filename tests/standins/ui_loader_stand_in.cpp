@@ -16,7 +16,8 @@ QWidget* Load(const QString& key)
     return form;
 }
 
-/// Spoils properties that the client must not rely on: buttons of one size in one row, and tables with columns.
+/// Spoils properties that the client must not rely on: buttons of one size in one row, and tables that have columns and
+/// keep the order of their rows.
 void Disturb(QWidget* form)
 {
     int step = 0;
@@ -24,8 +25,10 @@ void Disturb(QWidget* form)
         ++step;
         button->setGeometry(button->geometry().adjusted(0, step, step, step));
     }
-    for (QTableWidget* table : form->findChildren<QTableWidget*>())
+    for (QTableWidget* table : form->findChildren<QTableWidget*>()) {
         table->setColumnCount(0);
+        table->setSortingEnabled(true);
+    }
 }
 
 } // namespace
