@@ -21,9 +21,9 @@ public:
 
     /// @param session is passed to the listener with the tasks that are loaded for this owner.
     void SetAccess(const FarmAccess& access, int session);
-    /// The listener has processed the tasks that were added last.
+    /// Goes on loading after the listener has processed the tasks that were added last.
     void LoadMore() { m_loader.Continue(); }
-    /// There are new orders on the disk.
+    /// Looks for new orders on the disk.
     void AskForOrders() { m_desk.RetryNow(); }
 
     // The user's commands have been applied to these tasks on the disk.

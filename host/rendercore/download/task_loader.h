@@ -21,7 +21,7 @@ public:
     /// Reads the tasks of an owner from the first one on. Without an owner there is nothing to read.
     void Start(const QString& owner);
 
-    /// The last batch has been processed.
+    /// Goes on after the last batch has been processed.
     void Continue();
 
     bool IsLoading() const { return m_isLoading; }

@@ -39,9 +39,9 @@ public:
     /// Breaks off all transfers until the next Reset().
     void Stop();
 
-    /// The tasks go on at once, in spite of earlier failures.
+    /// Lets tasks go on at once, in spite of earlier failures.
     void RetryNow(const DownloadTasks& tasks);
-    /// The tasks are transferred again from their first byte.
+    /// Transfers the tasks' files again from their first byte.
     void StartOver(const DownloadTasks& tasks);
     /// Breaks off a transfer; what has been received stays on the disk.
     void Abort(qint64 id);
@@ -51,7 +51,7 @@ public:
     /// Percent of the running transfer of a task; none when it is not running.
     std::optional<int> Progress(qint64 id) const;
 
-    /// The farm has answered an order: the tasks that wait for a new list of the job's files go on or fail.
+    /// Lets the tasks that wait for a new list of their job's files go on, or fail.
     /// @param names of the files on the list.
     void HandleList(const QString& job, const QStringList& names);
 

@@ -20,15 +20,15 @@ public:
 
     void Clear();
 
-    /// The task may go on at once, and a pause of all transfers ends.
+    /// Lets a task go on at once, and ends a pause of all transfers.
     void RetryNow(qint64 id);
 
-    /// The task has failed and is tried again later.
+    /// Postpones a task that has failed.
     /// @param atLeast the pause that the farm asks for, followed up to an hour; it then applies to all transfers.
     /// @return the pause.
     int Postpone(qint64 id, int atLeast, qint64 now);
 
-    /// The task receives data: the next failure is a first one again, and a pause of all transfers ends.
+    /// Records that a task receives data: the next failure is a first one again, and a pause of all transfers ends.
     void RecordProgress(qint64 id);
 
     void Forget(qint64 id);
@@ -44,11 +44,11 @@ public:
     std::optional<int> Wait(qint64 now) const;
 
 private:
-    Backoff m_backoff; // for its pauses; the failures are counted here
+    Backoff m_backoff; // computes the pauses; the failures are counted below
     int m_patience;
     std::set<qint64> m_due;
     std::map<qint64, qint64> m_dueAt;            // by task
-    std::set<std::pair<qint64, qint64>> m_queue; // the same by time
+    std::set<std::pair<qint64, qint64>> m_queue; // the same, by time and task
     std::map<qint64, int> m_failures;            // by task
     int m_failuresInARow = 0;
     qint64 m_pausedUntil = 0;

@@ -122,7 +122,7 @@ bool FarmStages::SendPackage(PackedFile& file, const QString& package, TransferM
     return SendChunks(file, package, upload, meter);
 }
 
-/// @return as SendPackage().
+/// @return whether the stage may go on, as for SendPackage().
 bool FarmStages::SendChunks(PackedFile& file, const QString& package, Upload& upload, TransferMeter& meter)
 {
     QFile content(package);
@@ -151,7 +151,7 @@ bool FarmStages::SendChunks(PackedFile& file, const QString& package, Upload& up
     return true;
 }
 
-/// @return the farm's state of the upload, unless it fails.
+/// @return the farm's answer with its state of the upload, or a failure.
 std::optional<HttpResult> FarmStages::SendChunk(
     const Upload& upload, const QByteArray& chunk, TransferMeter& meter)
 {

@@ -120,7 +120,7 @@ private:
                 m_result.missing.append(name);
             return;
         }
-        // An earlier text may have missed it, since its folder is another one.
+        // An earlier text may not have found the file from its own folder.
         m_result.missing.removeAll(name);
         Add(path, source);
         if (kind == PovRayLexer::Kind::Include)

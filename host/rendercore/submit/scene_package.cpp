@@ -15,7 +15,7 @@ namespace {
 
 constexpr int BlockBytes = 1024 * 1024;
 
-// The farm takes a large file that shrinks to less than a hundredth for a trap, so such a file is stored uncompressed.
+// The farm rejects large files that grow more than a hundredfold when unpacked, so these are stored uncompressed.
 constexpr qint64 SmallFile = 64LL * 1024 * 1024; // bytes
 constexpr qint64 LargestRatio = 100;
 

@@ -34,7 +34,7 @@ SubmitQueue::~SubmitQueue()
     Interrupt();
 }
 
-/// Changes the data on the disk; false when that fails.
+/// @return whether the change is on the disk.
 bool SubmitQueue::Save(const std::function<void(SubmitStore&)>& change)
 {
     return m_store && Attempt("save a submission", [&] { change(*m_store); });
@@ -255,7 +255,7 @@ void SubmitQueue::Halt(SubmitTask& task, SubmitError error, const QString& messa
     Save([&task](SubmitStore& store) { store.Save(task); });
 }
 
-/// Saves a task that has been released, and gives it turns again.
+/// Gives turns to a released task again, and saves it.
 void SubmitQueue::SaveRelease(SubmitTask& task)
 {
     m_turns.Add(task.number);
@@ -294,7 +294,7 @@ void SubmitQueue::Advance()
     }
 }
 
-/// Tells why tasks wait that can do nothing without the farm.
+/// Without a farm, shows why the tasks wait whose next stage needs it.
 void SubmitQueue::ShowWaitForFarm()
 {
     if (m_turns.CanAskFarm())

@@ -11,19 +11,19 @@ enum class Question { None, RetryUpload, AcceptMissingFiles };
 /// The question that a halted task waits for.
 Question QuestionOf(const SubmitTask& task);
 
-/// Whether the window lets the user edit the arguments: of Maya scenes with a lower-case suffix.
+/// Whether the window lets the user edit the task's arguments, as it does for Maya scenes with a lower-case suffix.
 bool HasEditableArguments(const SubmitTask& task);
 
 /// Shows the task in its next stage.
 void EnterNextStage(SubmitTask& task);
 
-/// The task stands still from now on.
+/// Makes the task stand still.
 void Halt(SubmitTask& task, SubmitError error, const QString& message);
 
-/// A halted task waits for its turn again.
+/// Lets a halted task wait for its turn again.
 void Release(SubmitTask& task);
 
-/// The user lets a halted task go on, whatever it halted for.
+/// Lets a halted task go on at the user's command, whatever it halted for.
 /// @param arePackagesThere whether its packages are still on the disk.
 void Continue(SubmitTask& task, bool arePackagesThere);
 

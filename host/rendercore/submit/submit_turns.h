@@ -18,12 +18,12 @@ public:
         std::optional<int> wait;    ///< without a task: milliseconds until one may run, if time alone helps
     };
 
-    /// A runnable task, without failures so far.
+    /// Adds a runnable task, without failures so far.
     void Add(qint64 task);
     void Remove(qint64 task);
     void Clear();
 
-    /// A new session or another farm ends all pauses.
+    /// Sets whether there is a farm and a session, and ends all pauses.
     void SetFarm(bool isOpen);
 
     /// False without a farm or a session that it knows.
@@ -33,11 +33,11 @@ public:
     /// @param needsFarm whether a task's next stage takes the farm.
     Decision Next(qint64 now, const std::function<bool(qint64)>& needsFarm);
 
-    /// The farm answers again.
+    /// Records that the farm has done what the task asked for.
     /// @param advanced whether it has received more of the task than before.
     void RecordAnswer(qint64 task, bool advanced);
 
-    /// The task passes on the turn and waits.
+    /// Makes the task wait and pass on its turn.
     /// @param retryAfter seconds that the farm asks to wait.
     /// @return false when the task has failed too often in a row; it then does not wait.
     bool Postpone(qint64 task, StageOutcome::Obstacle obstacle, int retryAfter, qint64 now);
