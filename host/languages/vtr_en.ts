@@ -150,14 +150,6 @@
         <translation>There is no farm to ask.</translation>
     </message>
     <message>
-        <source>The farm sent another part of the file than was asked for.</source>
-        <translation>The farm sent another part of the file than was asked for.</translation>
-    </message>
-    <message>
-        <source>The farm&apos;s file has another size now.</source>
-        <translation>The farm&apos;s file has another size now.</translation>
-    </message>
-    <message>
         <source>The farm has stopped sending %1.</source>
         <translation>The farm has stopped sending %1.</translation>
     </message>
@@ -188,6 +180,14 @@
     <message>
         <source>%1 cannot be saved: %2</source>
         <translation>%1 cannot be saved: %2</translation>
+    </message>
+    <message>
+        <source>The farm sent another part of %1 than was asked for.</source>
+        <translation>The farm sent another part of %1 than was asked for.</translation>
+    </message>
+    <message>
+        <source>%1 has another size on the farm now.</source>
+        <translation>%1 has another size on the farm now.</translation>
     </message>
 </context>
 <context>

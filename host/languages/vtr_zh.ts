@@ -150,14 +150,6 @@
         <translation>当前没有可用的渲染农场。</translation>
     </message>
     <message>
-        <source>The farm sent another part of the file than was asked for.</source>
-        <translation>渲染农场发送的不是所请求的文件部分。</translation>
-    </message>
-    <message>
-        <source>The farm&apos;s file has another size now.</source>
-        <translation>渲染农场上的文件大小已改变。</translation>
-    </message>
-    <message>
         <source>The farm has stopped sending %1.</source>
         <translation>渲染农场已停止发送 %1。</translation>
     </message>
@@ -188,6 +180,14 @@
     <message>
         <source>%1 cannot be saved: %2</source>
         <translation>无法保存 %1：%2</translation>
+    </message>
+    <message>
+        <source>The farm sent another part of %1 than was asked for.</source>
+        <translation>渲染农场发送的不是所请求的 %1 部分。</translation>
+    </message>
+    <message>
+        <source>%1 has another size on the farm now.</source>
+        <translation>渲染农场上 %1 的大小已更改。</translation>
     </message>
 </context>
 <context>

@@ -183,9 +183,10 @@ void FileDownload::Accept(int status)
     if (status == 200 && m_offset > 0)
         StartOver();
     if (start != m_offset) {
-        End(DownloadOutcome::Broken, tr("The farm sent another part of the file than was asked for."));
+        End(DownloadOutcome::Broken,
+            tr("The farm sent another part of %1 than was asked for.").arg(m_task.name));
     } else if (length.isValid() && length.toLongLong() != m_task.size - m_offset) {
-        End(DownloadOutcome::Outdated, tr("The farm's file has another size now."));
+        End(DownloadOutcome::Outdated, tr("%1 has another size on the farm now.").arg(m_task.name));
     } else {
         m_accepted = true;
     }
