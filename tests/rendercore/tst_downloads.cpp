@@ -1,53 +1,43 @@
-#include "farm/farm.h"
+// Downloads from a server that misbehaves.
 #include "host/rendercore/download/download_paths.h"
 #include "host/rendercore/download/download_queue.h"
-#include "tests/farm/farm_client.h"
-#include "tests/farm/farm_fixture.h"
 #include "tests/host/stand_in_server.h"
-
-#include <QCryptographicHash>
-#include <QtTest>
+#include "tests/support/disk_calls.h"
+#include "tests/support/test_files.h"
+#include "tests/support/test_tables.h"
 
 using HttpReply = StandInServer::Reply;
-using HttpReplies = QList<StandInServer::Reply>;
-Q_DECLARE_METATYPE(HttpReplies)
+using HttpReplies = QList<HttpReply>;
 
 namespace {
 
 enum Status { Waiting, Downloading, Finished, Failed, Stopped };
 
-const QByteArray kFrame = QByteArray(150000, 'q') + "the end";
-const QByteArray kOtherFrame = QByteArray(90000, 'x') + "the other end";
-
-DownloadLimits Impatient(int transfers)
-{
-    DownloadLimits limits;
-    limits.transfers = transfers;
-    limits.idleTime = 5000;
-    limits.firstPause = 5;
-    limits.longestPause = 40;
-    limits.http.firstPause = 1;
-    return limits;
-}
-
-QVariantMap Order(const QString& job, bool manual)
-{
-    return {{job,
-        QVariantMap {
-            {QStringLiteral("subDir"), QStringLiteral("12_shot")}, {QStringLiteral("manual"), int(manual)}}}};
-}
+const QByteArray FrameData = QByteArray(150000, 'q') + "the end";
+const QByteArray OtherData = QByteArray(90000, 'x') + "the other end";
 
 QByteArray Checksum(const QByteArray& content)
 {
     return QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex();
 }
 
-/// A list of one file of this content.
-HttpReply Listed(const QByteArray& content, const QByteArray& name = "frame_0001.png")
+/// JSON in apostrophes.
+QByteArray Json(const QString& text)
 {
-    return StandInServer::Http(200,
-        R"({"data": {"list": [{"name": ")" + name + R"(", "size": )" + QByteArray::number(content.size())
-            + R"(, "checksum": ")" + Checksum(content) + R"("}]}})");
+    return text.toUtf8().replace('\'', '"');
+}
+
+/// An entry of a list of files.
+QByteArray Entry(const QByteArray& content, const char* name = "frame_0001.png")
+{
+    return Json("{'name': '%1', 'size': %2, 'checksum': '%3'}"_s.arg(QLatin1String(name))
+                    .arg(content.size())
+                    .arg(QLatin1String(Checksum(content))));
+}
+
+HttpReply Listed(const QByteArray& entries)
+{
+    return StandInServer::Http(200, Json("{'data': {'list': ["_s) + entries + "]}}");
 }
 
 HttpReply Whole(const QByteArray& content)
@@ -55,30 +45,91 @@ HttpReply Whole(const QByteArray& content)
     return StandInServer::Http(200, content);
 }
 
-HttpReply Cut(const QByteArray& content, int missing)
-{
-    return {Whole(content).bytes.chopped(missing), false};
-}
-
-HttpReply Rest(const QByteArray& content, int from)
+HttpReply Rest(const QByteArray& content, int from, int size = FrameData.size())
 {
     return StandInServer::Http(206, content.mid(from),
         "Content-Range: bytes " + QByteArray::number(from) + '-' + QByteArray::number(content.size() - 1)
-            + '/' + QByteArray::number(content.size()) + "\r\n");
+            + '/' + QByteArray::number(size) + "\r\n");
 }
+
+HttpReply Answer(int status, const QByteArray& headers = {})
+{
+    return StandInServer::Http(status, "{}", headers);
+}
+
+constexpr int Patience = 60000; // ms
+constexpr int CutAt = 100007;   // bytes of a frame that arrive before it is cut
+const HttpReply CutFrame {Whole(FrameData).bytes.chopped(50000), false};
+const HttpReply Endless {"HTTP/1.1 200 OK\r\n\r\n" + FrameData + FrameData, false};
+const HttpReply NoRange {"HTTP/1.1 206 Partial\r\n\r\n" + FrameData.mid(CutAt), false};
+const QByteArray RangeLine = "Range: bytes=100007-\r\n";
+const QByteArray Condition = "If-Match: \"" + Checksum(FrameData) + '"';
+
+struct TransferCase
+{
+    const char* name;
+    HttpReplies replies; ///< after the list
+    Status status;
+    int requests;
+    QByteArray lastRequest = {};    ///< what it holds
+    QByteArray content = FrameData; ///< of the finished file
+    QByteArray part = {};           ///< in the part file from the start
+    QByteArray there = {};          ///< a stranger's file at the destination
+};
+
+const TransferCase TransferCases[] = {
+    {"own file without a note", {}, Finished, 1, {}, {}, {}, FrameData},
+    {"stranger's file of that size", {Whole(FrameData)}, Finished, 2, {}, {}, {},
+        QByteArray(FrameData.size(), 'z')},
+    {"stranger's file", {Whole(FrameData)}, Finished, 2, {}, {}, {}, OtherData},
+    {"whole part file", {}, Finished, 1, {}, FrameData, FrameData},
+    {"part file longer than the file", {Whole(FrameData)}, Finished, 2, Condition, FrameData,
+        FrameData + 'x'},
+    {"damaged part file", {Whole(FrameData)}, Finished, 2, Condition, FrameData,
+        QByteArray(FrameData.size(), 'z')},
+    {"whole", {Whole(FrameData)}, Finished, 2, Condition},
+    {"cut", {CutFrame, Rest(FrameData, CutAt)}, Finished, 3, RangeLine},
+    {"cut, with the condition", {CutFrame, Rest(FrameData, CutAt)}, Finished, 3, Condition},
+    {"cut, no ranges", {CutFrame, Whole(FrameData)}, Finished, 3, RangeLine},
+    {"cut, another range", {CutFrame, Rest(FrameData, CutAt + 1), Rest(FrameData, CutAt)}, Finished, 4,
+        RangeLine},
+    {"cut, range of another file", {CutFrame, Rest(FrameData, CutAt, 9), Rest(FrameData, CutAt)}, Finished, 4,
+        RangeLine},
+    {"cut, range that is not said", {CutFrame, NoRange, Rest(FrameData, CutAt)}, Finished, 4, RangeLine},
+    {"cut, range refused", {CutFrame, Answer(416), Whole(FrameData)}, Finished, 4},
+    {"range refused for ever", {CutFrame, Answer(416), Answer(416), Whole(FrameData)}, Finished, 5},
+    {"cut, changed meanwhile", {CutFrame, Answer(412), Listed(Entry(OtherData)), Whole(OtherData)}, Finished,
+        5, Checksum(OtherData), OtherData},
+    {"gone", {Answer(404), Listed(Entry(FrameData, "frame_0002.png"))}, Failed, 3},
+    {"listed, but not sent at first", {Answer(404), Listed(Entry(FrameData)), Whole(FrameData)}, Finished, 4},
+    {"no longer listed", {Answer(404), Answer(403)}, Failed, 3},
+    {"wrong bytes once", {Whole(QByteArray(FrameData.size(), 'z')), Whole(FrameData)}, Finished, 3},
+    {"wrong bytes", {Whole(QByteArray(FrameData.size(), 'z'))}, Failed, 3},
+    {"too many bytes", {Endless, Listed(Entry(FrameData)), Whole(FrameData)}, Finished, 4},
+    {"too few bytes", {Whole(FrameData.left(CutAt)), Listed(Entry(FrameData)), Whole(FrameData)}, Finished,
+        4},
+    {"busy", {Answer(429, "Retry-After: 0\r\n"), Answer(503), Answer(408), Whole(FrameData)}, Finished, 5},
+    {"refused", {Answer(403)}, Failed, 2},
+    {"redirected", {Answer(302, "Location: /elsewhere\r\n"), Whole(FrameData)}, Finished, 3},
+};
 
 /// A queue of one owner, with what the window sees of it.
 class Client
 {
 public:
-    Client(const QString& folder, const QUrl& server, const QString& token = QStringLiteral("abc"),
-        int transfers = 1)
-        : queue(folder + QLatin1String("/transfer"), Impatient(transfers))
-        , access {FarmApiRoot(server), token, QStringLiteral("farm/ann"), folder + QLatin1String("/frames")}
+    Client(const QString& folder, const QUrl& server)
+        : queue(folder + "/transfer"_s, Impatient())
+        , access {FarmApiRoot(server), "abc"_s, "farm/ann"_s, folder + "/frames"_s}
     {
         queue.SetAccess(access);
     }
 
+    void Order(const QString& job = "j1"_s, bool isManual = true)
+    {
+        queue.Order({{job, QVariantMap {{"subDir"_s, "12_shot"_s}, {"manual"_s, int(isManual)}}}});
+    }
+
+    QStringList Ids() const { return queue.Tasks()->keys(); }
     QVariant Value(const char* key) const
     {
         return queue.Tasks()->isEmpty() ? QVariant()
@@ -87,15 +138,29 @@ public:
     int Count(Status status) const
     {
         const QVariantMap& tasks = *queue.Tasks();
-        return static_cast<int>(std::count_if(tasks.cbegin(), tasks.cend(), [status](const QVariant& task) {
-            return task.toMap().value(QStringLiteral("status")) == int(status);
-        }));
+        return int(std::count_if(tasks.cbegin(), tasks.cend(),
+            [status](const QVariant& task) { return task.toMap().value("status"_s) == int(status); }));
+    }
+    bool Await(Status status, int count = 1) const
+    {
+        return QTest::qWaitFor([&] { return Count(status) == count; }, Patience);
     }
 
     mutable DownloadQueue queue;
     FarmAccess access;
     QSignalSpy finished {&queue, &DownloadQueue::FileFinished};
     QSignalSpy changed {&queue, &DownloadQueue::ListChanged};
+
+private:
+    static DownloadLimits Impatient()
+    {
+        DownloadLimits limits;
+        limits.transfers = 1; // the server's replies come in order
+        limits.firstPause = 5;
+        limits.longestPause = 40;
+        limits.http.firstPause = 1;
+        return limits;
+    }
 };
 
 } // namespace
@@ -104,321 +169,232 @@ class DownloadsTest : public QObject
 {
     Q_OBJECT
 
-private slots:
-    void init();
-    void AJobOfTheFarmArrivesOnce();
-    void BreaksAreGotOver_data();
-    void BreaksAreGotOver();
-    void HostileNamesStayInTheFolder_data();
-    void HostileNamesStayInTheFolder();
-    void LinksOutOfTheFolderAreNotFollowed_data();
-    void LinksOutOfTheFolderAreNotFollowed();
-    void AFinishedFileStaysUntilItIsReplaced();
-    void FilesOfOthersStay_data();
-    void FilesOfOthersStay();
-    void StoppedTasksGoOnWhereTheyWere();
-    void AManualOrderRepairsWhatIsDamaged();
-    void TasksRestWithoutTheirOwner();
-
 private:
-    QString Frame() const { return m_folder->filePath(QStringLiteral("frames/12_shot/frame_0001.png")); }
+    QString Path(const char* name) const { return m_folder->filePath(QString::fromLatin1(name)); }
+    QString Frame() const { return Path("frames/12_shot/frame_0001.png"); }
     QString Part() const { return DownloadPaths::PartFile(Frame()); }
+    DownloadStore Disk() const { return DownloadStore(Path("transfer/downloads.sqlite")); }
+    bool AwaitRequests(int count) const
+    {
+        return QTest::qWaitFor([&] { return m_server->Requests().size() == count; }, Patience);
+    }
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<StandInServer> m_server;
-};
 
-void DownloadsTest::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_server = std::make_unique<StandInServer>();
-}
-
-void DownloadsTest::AJobOfTheFarmArrivesOnce()
-{
-    constexpr int frames = 12;
-    const QString data = m_folder->filePath(QStringLiteral("farm"));
-    QVERIFY(QDir().mkpath(data));
-    farm::FarmSettings settings;
-    settings.dataFolder = settings.sceneFolder = data;
-    settings.jobTypesFile = data + QLatin1String("/types.json");
-    settings.demo = false;
-    settings.limits = {{1000, 1000}, {1000, 1000}, {1000, 1000}};
-    WriteFile(data + QLatin1String("/scene.txt"), "a scene");
-    WriteFile(settings.jobTypesFile, ScriptedTypes("head -c 300000 /dev/urandom > {output}"));
-    FarmData accounts(data);
-    const QString job = accounts.jobs.Add(accounts.Job(QStringLiteral("shot"), frames)).id;
-    const farm::Farm farm(settings);
-    QTRY_COMPARE_WITH_TIMEOUT(accounts.Only().progress, 100, patienceMs);
-    FarmClient web;
-    web.SetUrl(farm.Url());
-    const QString token = web.SignIn("ann", "secret");
-    const auto client
-        = [&] { return std::make_unique<Client>(m_folder->path(), QUrl(farm.Url()), token, 4); };
-
-    // Killed in the middle, twice, it goes on.
-    auto first = client();
-    first->queue.Order(Order(job, false));
-    for (int part = 1; part <= 2; ++part) {
-        QTRY_VERIFY(first->Count(Finished) >= 3 * part);
-        first.reset();
-        first = client();
+private slots:
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_server = std::make_unique<StandInServer>();
     }
-    QTRY_COMPARE(first->Count(Finished), frames);
-    QVERIFY(first->finished.count() <= frames - 6);
-    const QString folder = m_folder->filePath(QStringLiteral("frames/12_shot/"));
-    const QStringList names = QDir(folder).entryList(QDir::Files | QDir::Hidden);
-    QCOMPARE(names.size(), frames);
-    for (const QString& name : names)
-        QVERIFY(ReadFile(folder + name)
-            == ReadFile(data + QLatin1String("/jobs/") + job + QLatin1Char('/') + name));
-    QCOMPARE(first->queue.Tasks()->firstKey(), QStringLiteral("0000000001"));
-    QCOMPARE(first->Value("destFile").toString(), folder + names.first());
-    QCOMPARE(first->Value("progress").toInt(), 100);
 
-    // Rendered anew, so that all checksums differ: the window's automatic orders do not count any more.
-    const QByteArray before = ReadFile(folder + names.last());
-    QVERIFY(web.Send("POST", QStringLiteral("/jobs/restart"), R"({"ids":[")" + job.toUtf8() + R"("]})", token)
-                .status
-        == 200);
-    QTRY_COMPARE_WITH_TIMEOUT(accounts.Only().progress, 100, patienceMs);
-    auto second = client();
-    QTRY_COMPARE(second->Count(Finished), frames);
-    second->queue.Order(Order(job, false));
-    second->queue.Order(Order(QStringLiteral("nobody's"), true)); // refused, which takes a while to know
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("nobody's")));
-    QSignalSpy asked(&second->queue, &DownloadQueue::ListChanged);
-    QTRY_COMPARE(second->Count(Finished), frames);
-    QCOMPARE(second->finished.count(), 0);
-    QCOMPARE(ReadFile(folder + names.last()), before);
+    void GoesOnWhereTheClientEnded()
+    {
+        const QByteArray list
+            = Entry(FrameData, "a") + ',' + Entry(OtherData, "b") + ',' + Entry(FrameData, "c");
+        m_server->SetReplies({Listed(list), Whole(FrameData), StandInServer::Held(Whole(FrameData)),
+            Whole(OtherData), Whole(FrameData), Listed(Entry(OtherData, "a") + ',' + Entry(OtherData, "b")),
+            Whole(OtherData)});
+        auto client = std::make_unique<Client>(m_folder->path(), m_server->Url());
+        client->Order("j1"_s, false);
+        QVERIFY(AwaitRequests(3));
+        client = std::make_unique<Client>(m_folder->path(), m_server->Url());
+        QVERIFY(client->Await(Finished, 3));
+        QCOMPARE(client->finished.count(), 2);
+        QVERIFY(ReadFile(Path("frames/12_shot/b")) == OtherData);
 
-    second->queue.Order(Order(job, true));
-    QTRY_COMPARE(second->finished.count(), frames);
-    QCOMPARE(second->Count(Finished), frames);
-    QVERIFY(ReadFile(folder + names.last()) != before);
-    QCOMPARE(asked.count(), 0);
-}
+        // Rendered anew: the automatic order does not count again, the manual one does.
+        client->Order("j1"_s, false);
+        client->Order("j1"_s);
+        QVERIFY(QTest::qWaitFor([&] { return client->finished.count() == 3; }, Patience));
+        QVERIFY(ReadFile(Path("frames/12_shot/a")) == OtherData);
+        QCOMPARE(m_server->Requests().size(), 7);
+    }
 
-void DownloadsTest::BreaksAreGotOver_data()
-{
-    QTest::addColumn<HttpReplies>("replies");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QByteArray>("lastRequest");
-    const auto row = [](const char* name, const HttpReplies& replies, Status status,
-                         const QByteArray& lastRequest = {}, const QByteArray& content = kFrame) {
-        QTest::newRow(name) << (HttpReplies {Listed(kFrame)} + replies) << int(status)
-                            << (status == Finished ? content : QByteArray()) << lastRequest;
-    };
-    const QByteArray range = "Range: bytes=" + QByteArray::number(kFrame.size() - 50000) + "-\r\n";
-    const int got = kFrame.size() - 50000;
-    const HttpReply endless {"HTTP/1.1 200 OK\r\n\r\n" + kFrame + kFrame, false};
+    void GetsOverBreaks_data() { AddRows(TransferCases); }
 
-    row("whole", {Whole(kFrame)}, Finished, "If-Match: \"" + Checksum(kFrame) + '"');
-    row("cut", {Cut(kFrame, 50000), Rest(kFrame, got)}, Finished, range);
-    row("cut, no ranges", {Cut(kFrame, 50000), Whole(kFrame)}, Finished, range);
-    row("cut, another range", {Cut(kFrame, 50000), Rest(kFrame, got + 1), Rest(kFrame, got)}, Finished,
-        range);
-    row("cut, range refused", {Cut(kFrame, 50000), StandInServer::Http(416, "{}"), Whole(kFrame)}, Finished);
-    row("cut, changed meanwhile",
-        {Cut(kFrame, 50000), StandInServer::Http(412, "{}"), Listed(kOtherFrame), Whole(kOtherFrame)},
-        Finished, Checksum(kOtherFrame), kOtherFrame);
-    row("gone", {StandInServer::Http(404, "{}"), Listed(kFrame, "frame_0002.png")}, Failed);
-    row("wrong bytes once", {Whole(QByteArray(kFrame.size(), 'z')), Whole(kFrame)}, Finished);
-    row("wrong bytes", {Whole(QByteArray(kFrame.size(), 'z'))}, Failed);
-    row("too many bytes", {endless, Listed(kFrame), Whole(kFrame)}, Finished);
-    row("busy", {StandInServer::Http(429, "{}"), StandInServer::Http(503, "{}"), Whole(kFrame)}, Finished);
-    row("refused", {StandInServer::Http(403, "{}")}, Failed);
-}
+    void GetsOverBreaks()
+    {
+        const TransferCase& row = Row(TransferCases);
+        m_server->SetReplies(HttpReplies {Listed(Entry(FrameData))} + row.replies);
+        QDir().mkpath(Path("frames/12_shot"));
+        QVERIFY(row.part.isEmpty() || WriteFile(Part(), row.part));
+        QVERIFY(row.there.isEmpty() || WriteFile(Frame(), row.there));
+        Client client(m_folder->path(), m_server->Url());
+        TakeDiskCalls();
+        client.Order("j1"_s, false);
+        QVERIFY(client.Await(row.status));
+        const bool isFinished = row.status == Finished;
+        const bool isRenamed = !row.there.isEmpty() && row.there != FrameData;
+        const QString file = isRenamed ? Path("frames/12_shot/frame_0001 (2).png") : Frame();
+        QCOMPARE(client.Value("msg").toString().isEmpty(), isFinished);
+        QCOMPARE(client.Value("progress").toInt(), isFinished ? 100 : 0);
+        QCOMPARE(client.Value("destFile").toString(), file);
+        QCOMPARE(client.Value("srcFile").toString(), "12_shot/frame_0001.png"_s);
+        QVERIFY(!isRenamed || (ReadFile(Frame()) == row.there && ReadFile(file) == FrameData));
+        QVERIFY(!row.there.isEmpty() || ReadFile(file) == (isFinished ? row.content : QByteArray()));
+        QVERIFY(!isFinished || !QFile::exists(DownloadPaths::PartFile(file)));
+        QCOMPARE(client.finished.count(), isFinished ? 1 : 0);
+        QCOMPARE(client.changed.count(), 1);
+        QCOMPARE(client.Ids(), QStringList {"0000000001"_s});
+        QCOMPARE(m_server->Requests().size(), row.requests);
+        QVERIFY2(
+            m_server->Requests().constLast().contains(row.lastRequest), m_server->Requests().constLast());
+        // The data are on the disk before they get their name, and the name is before the task is done.
+        const QStringList journal = TakeDiskCalls().filter(QRegularExpression("frame|12_shot"_s));
+        const QStringList durable {
+            "sync .frame_0001.png.part"_s, "rename frame_0001.png"_s, "sync 12_shot"_s};
+        QVERIFY2(isRenamed || journal == (isFinished && row.there.isEmpty() ? durable : QStringList()),
+            qPrintable(journal.join(QLatin1Char('\n'))));
+    }
 
-void DownloadsTest::BreaksAreGotOver()
-{
-    QFETCH(HttpReplies, replies);
-    QFETCH(QByteArray, content);
-    QFETCH(QByteArray, lastRequest);
-    m_server->SetReplies(replies);
-    const Client client(m_folder->path(), m_server->Url());
-    client.queue.Order(Order(QStringLiteral("j1"), false));
-    QTRY_VERIFY(client.Count(Finished) + client.Count(Failed) == 1);
-    QTEST(client.Value("status").toInt(), "status");
-    QCOMPARE(client.Value("msg").toString().isEmpty(), !content.isEmpty());
-    QVERIFY(ReadFile(Frame()) == content);
-    QCOMPARE(client.finished.count(), content.isEmpty() ? 0 : 1);
-    QCOMPARE(client.changed.count(), 1);
-    QVERIFY(content.isEmpty() || !QFile::exists(Part()));
-    QVERIFY2(m_server->Requests().constLast().contains(lastRequest), m_server->Requests().constLast());
-}
+    void AsksUntilAnOrderIsAnswered()
+    {
+        const QByteArray bad = Json(
+            "{'name': '', 'size': 1, 'checksum': '%1'}, {'name': 'b', 'size': -1, 'checksum': '%1'},"
+            "{'name': 'c', 'size': 1e300, 'checksum': '%1'}, {'name': 'd', 'size': 1, 'checksum': 'x'}, 7,"_s
+                .arg(QLatin1String(Checksum(FrameData))));
+        m_server->SetReplies({Answer(503), Answer(503), Answer(503), StandInServer::Http(200, "[]"),
+            Answer(429), Listed(bad + Entry(FrameData)), Whole(FrameData)});
+        Client client(m_folder->path(), m_server->Url());
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("5 files"_s));
+        client.Order();
+        QVERIFY(client.Await(Finished));
+        QCOMPARE(client.Ids().size(), 1);
+        QCOMPARE(m_server->Requests().size(), 7);
+    }
 
-void DownloadsTest::HostileNamesStayInTheFolder_data()
-{
-    QTest::addColumn<QString>("subDir");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("path");
-    const auto row = [](const char* title, const char* subDir, const char* name, const char* path) {
-        QTest::newRow(title) << QString::fromUtf8(subDir) << QString::fromUtf8(name)
-                             << QString::fromUtf8(path);
-    };
-    const QByteArray longName = QByteArray("\xc3\xa4").repeated(200) + ".png";
-    row("harmless", "12_shot", "frame 1.png", "12_shot/frame 1.png");
-    row("climbing", "..", "../../.bashrc", "%2E%2E/%2E.%2F..%2F.bashrc");
-    row("empty and hidden", "", ".part", "_/%2Epart");
-    row("absolute", "/etc", "a\\b\nc", "%2Fetc/a%5Cb%0Ac");
-    row("long", "s", longName.constData(), "");
-}
+    void WaitsForFarmSessionAndOwner()
+    {
+        m_server->SetReplies({Listed(Entry(FrameData)), StandInServer::Held(Whole(FrameData)), Answer(401),
+            Whole(FrameData), Listed(Entry(OtherData, "new.png")), Whole(OtherData)});
+        Client client(m_folder->path(), m_server->Url());
+        client.Order();
+        QVERIFY(client.Await(Downloading));
+        const FarmAccess access = client.access;
+        client.access.apiRoot.clear();
+        client.queue.SetAccess(client.access);
+        QVERIFY(client.Await(Waiting));
+        client.access.apiRoot = access.apiRoot;
+        client.queue.SetAccess(client.access);
+        QVERIFY(AwaitRequests(3));
+        client.access.folder = Path("elsewhere"); // alone, it wakes nothing, for the session has ended
+        client.queue.SetAccess(client.access);
+        client.access.owner = "farm/bob"_s;
+        client.queue.SetAccess(client.access);
+        QVERIFY(client.queue.Tasks()->isEmpty());
+        client.access.owner = access.owner;
+        client.access.token = "def"_s;
+        client.queue.SetAccess(client.access);
+        QVERIFY(client.Await(Finished));
+        QVERIFY(m_server->Requests().constLast().contains("Authorization: Bearer def\r\n"));
+        QVERIFY(QFile::exists(Frame()));
+        QCOMPARE(client.changed.count(), 3);
+        client.access.folder = Path("third"); // for new orders
+        client.queue.SetAccess(client.access);
+        client.Order("j2"_s);
+        QVERIFY(client.Await(Finished, 2));
+        QVERIFY(ReadFile(Path("third/12_shot/new.png")) == OtherData);
+        QCOMPARE(m_server->Requests().size(), 6);
+    }
 
-void DownloadsTest::HostileNamesStayInTheFolder()
-{
-    QFETCH(QString, subDir);
-    QFETCH(QString, name);
-    QFETCH(QString, path);
-    const QString file = DownloadPaths::Destination(QStringLiteral("/srv"), subDir, name);
-    if (!path.isEmpty())
-        QCOMPARE(file, QString(QStringLiteral("/srv/") + path));
-    QCOMPARE(QDir::cleanPath(file), file);
-    QCOMPARE(file.count(QLatin1Char('/')), 3);
-    QVERIFY(QFileInfo(DownloadPaths::PartFile(file)).fileName().toUtf8().size() < 255);
-    QVERIFY(DownloadPaths::Destination(QStringLiteral("/srv"), subDir, name, 2) != file);
-}
+    void FollowsNoLinkOutOfTheFolder_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::newRow("frames/12_shot") << "elsewhere"_s;
+        QTest::newRow("frames/12_shot/.frame_0001.png.part") << "elsewhere/precious"_s;
+    }
 
-void DownloadsTest::LinksOutOfTheFolderAreNotFollowed_data()
-{
-    QTest::addColumn<QString>("link");
-    QTest::addColumn<QString>("target");
-    QTest::newRow("folder") << QStringLiteral("frames/12_shot") << QStringLiteral("elsewhere");
-    QTest::newRow("part file") << QStringLiteral("frames/12_shot/.frame_0001.png.part")
-                               << QStringLiteral("elsewhere/precious");
-}
+    void FollowsNoLinkOutOfTheFolder()
+    {
+        QFETCH(QString, target);
+        const QString link = Path(QTest::currentDataTag());
+        QDir().mkpath(Path("elsewhere"));
+        WriteFile(Path("elsewhere/precious"), "precious");
+        QDir().mkpath(QFileInfo(link).path());
+        QVERIFY(QFile::link(m_folder->filePath(target), link));
+        m_server->SetReplies({Listed(Entry(FrameData)), Whole(FrameData)});
+        Client client(m_folder->path(), m_server->Url());
+        client.Order();
+        QVERIFY(client.Await(Failed));
+        QVERIFY(!client.Value("msg").toString().isEmpty());
+        QCOMPARE(QDir(Path("elsewhere")).entryList(QDir::Files | QDir::Hidden), QStringList {"precious"_s});
+        QCOMPARE(ReadFile(Path("elsewhere/precious")), QByteArray("precious"));
+    }
 
-void DownloadsTest::LinksOutOfTheFolderAreNotFollowed()
-{
-    QFETCH(QString, link);
-    QFETCH(QString, target);
-    QDir().mkpath(m_folder->filePath(QStringLiteral("elsewhere")));
-    WriteFile(m_folder->filePath(QStringLiteral("elsewhere/precious")), "precious");
-    QDir().mkpath(QFileInfo(m_folder->filePath(link)).path());
-    QVERIFY(QFile::link(m_folder->filePath(target), m_folder->filePath(link)));
-    m_server->SetReplies({Listed(kFrame), Whole(kFrame)});
-    const Client client(m_folder->path(), m_server->Url());
-    client.queue.Order(Order(QStringLiteral("j1"), true));
-    QTRY_COMPARE(client.Count(Failed), 1);
-    QVERIFY(!client.Value("msg").toString().isEmpty());
-    QCOMPARE(QDir(m_folder->filePath(QStringLiteral("elsewhere"))).entryList(QDir::Files | QDir::Hidden),
-        QStringList {QStringLiteral("precious")});
-    QCOMPARE(ReadFile(m_folder->filePath(QStringLiteral("elsewhere/precious"))), QByteArray("precious"));
-}
+    void KeepsAFinishedFileUntilItIsReplaced()
+    {
+        m_server->SetReplies(
+            {Listed(Entry(FrameData)), Whole(FrameData), StandInServer::Held(Whole(FrameData))});
+        Client client(m_folder->path(), m_server->Url());
+        client.Order();
+        QVERIFY(client.Await(Finished));
+        WriteFile(Frame(), OtherData);
+        client.queue.Redownload({client.Ids().constFirst(), "77"_s, "x"_s});
+        QVERIFY(AwaitRequests(3));
+        QCOMPARE(client.Count(Finished), 0);
+        QVERIFY(ReadFile(Frame()) == OtherData);
+        m_server->Release(2);
+        QVERIFY(client.Await(Finished));
+        QCOMPARE(client.finished.count(), 2);
+        QVERIFY(ReadFile(Frame()) == FrameData);
+        client.queue.Remove(client.Ids());
+        QVERIFY(client.queue.Tasks()->isEmpty());
+        QVERIFY(Disk().TasksAfter(client.access.owner, 0, 1).isEmpty()); // even if the client is killed now
+        QVERIFY(QFile::exists(Frame()));
+    }
 
-void DownloadsTest::AFinishedFileStaysUntilItIsReplaced()
-{
-    m_server->SetReplies({Listed(kFrame), Whole(kFrame), StandInServer::Held(Whole(kFrame))});
-    const Client client(m_folder->path(), m_server->Url());
-    client.queue.Order(Order(QStringLiteral("j1"), true));
-    QTRY_COMPARE(client.finished.count(), 1);
-    WriteFile(Frame(), kOtherFrame);
-    client.queue.Redownload({client.queue.Tasks()->firstKey(), QStringLiteral("77"), QStringLiteral("x")});
-    QTRY_COMPARE(m_server->Requests().size(), 3);
-    QCOMPARE(client.Count(Finished), 0);
-    QVERIFY(ReadFile(Frame()) == kOtherFrame);
-    m_server->Release(2);
-    QTRY_COMPARE(client.Count(Finished), 1);
-    QCOMPARE(client.finished.count(), 2);
-    QVERIFY(ReadFile(Frame()) == kFrame);
-    client.queue.Remove(client.queue.Tasks()->keys());
-    QVERIFY(client.queue.Tasks()->isEmpty());
-    DownloadStore disk(m_folder->filePath(QStringLiteral("transfer/downloads.sqlite")));
-    QVERIFY(disk.TasksAfter(client.access.owner, 0, 1).isEmpty()); // even if the client is killed now
-    QVERIFY(QFile::exists(Frame()));
-}
+    void StoppedTasksGoOnWhereTheyWere()
+    {
+        m_server->SetReplies({Listed(Entry(FrameData)), CutFrame, StandInServer::Held(Whole(FrameData))});
+        Client client(m_folder->path(), m_server->Url());
+        client.Order();
+        QVERIFY(AwaitRequests(3));
+        client.queue.Stop(client.Ids());
+        QCOMPARE(Disk().TasksAfter(client.access.owner, 0, 1).constFirst().state, DownloadState::Stopped);
+        QVERIFY(client.Await(Stopped));
+        QTRY_COMPARE_WITH_TIMEOUT(client.Value("progress").toInt(), 66, Patience);
+        QTRY_COMPARE_WITH_TIMEOUT(
+            Disk().TasksAfter(client.access.owner, 0, 1).constFirst().progress, 66, Patience);
 
-void DownloadsTest::FilesOfOthersStay_data()
-{
-    QTest::addColumn<QByteArray>("there");
-    QTest::addColumn<QString>("name");
-    QTest::newRow("the same") << kFrame << QStringLiteral("frame_0001.png");
-    QTest::newRow("of another size") << kOtherFrame << QStringLiteral("frame_0001 (3).png");
-    QTest::newRow("of the same size")
-        << QByteArray(kFrame.size(), 'z') << QStringLiteral("frame_0001 (3).png");
-}
+        client.queue.Resume(client.Ids());
+        QVERIFY(AwaitRequests(4));
+        QVERIFY(m_server->Requests().constLast().contains(RangeLine));
+        QVERIFY(QFile::exists(Part()));
+        // The listener reads the list, and removes what is gone already, from inside the removal.
+        QStringList left {"not called"_s};
+        const QStringList ids = client.Ids();
+        connect(&client.queue, &DownloadQueue::ListChanged, this, [&] {
+            left = client.Ids();
+            client.queue.Remove(ids);
+        });
+        client.queue.Remove(ids);
+        QVERIFY(left.isEmpty());
+        QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(Part()), Patience);
+        QCOMPARE(client.changed.count(), 2);
+        QCOMPARE(client.finished.count(), 0);
+    }
 
-/// The first name is a stranger's, the second another account's.
-void DownloadsTest::FilesOfOthersStay()
-{
-    QFETCH(QByteArray, there);
-    QFETCH(QString, name);
-    QDir().mkpath(m_folder->filePath(QStringLiteral("frames/12_shot")));
-    WriteFile(Frame(), "a stranger's");
-    m_server->SetReplies({Listed(kOtherFrame), Whole(kOtherFrame), Listed(kFrame), Whole(kFrame)});
-    Client client(m_folder->path(), m_server->Url());
-    client.queue.Order(Order(QStringLiteral("j1"), true));
-    QTRY_COMPARE(client.finished.count(), 1);
-    const QString others = client.finished.takeFirst().constFirst().toString();
-    WriteFile(Frame(), there);
-    client.access.owner = QStringLiteral("farm/bob");
-    client.queue.SetAccess(client.access);
-    client.queue.Order(Order(QStringLiteral("j1"), true));
-    QTRY_COMPARE(client.Count(Finished), 1);
-    QCOMPARE(QFileInfo(client.Value("destFile").toString()).fileName(), name);
-    QVERIFY(ReadFile(client.Value("destFile").toString()) == kFrame);
-    QVERIFY(ReadFile(Frame()) == there && ReadFile(others) == kOtherFrame);
-}
-
-void DownloadsTest::StoppedTasksGoOnWhereTheyWere()
-{
-    m_server->SetReplies({Listed(kFrame), Cut(kFrame, 50000), StandInServer::Held(Whole(kFrame))});
-    const Client client(m_folder->path(), m_server->Url());
-    client.queue.Order(Order(QStringLiteral("j1"), true));
-    QTRY_COMPARE(m_server->Requests().size(), 3);
-    const QStringList ids = client.queue.Tasks()->keys();
-    client.queue.Stop(ids);
-    DownloadStore disk(m_folder->filePath(QStringLiteral("transfer/downloads.sqlite")));
-    QCOMPARE(disk.TasksAfter(client.access.owner, 0, 1).constFirst().state, DownloadState::Stopped);
-    QTRY_COMPARE(client.Count(Stopped), 1);
-    QTRY_COMPARE(client.Value("progress").toInt(), 66);
-
-    client.queue.Resume(ids);
-    QTRY_COMPARE(m_server->Requests().size(), 4);
-    QVERIFY(m_server->Requests().constLast().contains("Range: bytes=100007-\r\n"));
-    QVERIFY(QFile::exists(Part()));
-    client.queue.Remove(ids);
-    QVERIFY(client.queue.Tasks()->isEmpty());
-    QTRY_VERIFY(!QFile::exists(Part()));
-    QCOMPARE(client.changed.count(), 2);
-    QCOMPARE(client.finished.count(), 0);
-}
-
-void DownloadsTest::AManualOrderRepairsWhatIsDamaged()
-{
-    m_server->SetReplies({Listed(kFrame), Whole(kFrame), Listed(kFrame), Listed(kFrame), Whole(kFrame)});
-    const Client client(m_folder->path(), m_server->Url());
-    client.queue.Order(Order(QStringLiteral("j1"), true));
-    QTRY_COMPARE(client.finished.count(), 1);
-    client.queue.Order(Order(QStringLiteral("j1"), true)); // whole: it stays
-    QTRY_COMPARE(m_server->Requests().size(), 3);
-    WriteFile(Frame(), QByteArray(kFrame.size(), 'z'));
-    client.queue.Order(Order(QStringLiteral("j1"), true));
-    QTRY_COMPARE(client.finished.count(), 2);
-    QVERIFY(ReadFile(Frame()) == kFrame);
-    QCOMPARE(m_server->Requests().size(), 5);
-}
-
-void DownloadsTest::TasksRestWithoutTheirOwner()
-{
-    m_server->SetReplies({Listed(kFrame), StandInServer::Held(Whole(kFrame)), Whole(kFrame)});
-    Client client(m_folder->path(), m_server->Url());
-    client.queue.Order(Order(QStringLiteral("j1"), true));
-    QTRY_COMPARE(client.Count(Downloading), 1);
-    const FarmAccess access = client.access;
-    client.access.apiRoot.clear();
-    client.queue.SetAccess(client.access);
-    QTRY_COMPARE(client.Count(Waiting), 1);
-
-    client.access = access;
-    client.access.owner = QStringLiteral("farm/bob");
-    client.queue.SetAccess(client.access);
-    QVERIFY(client.queue.Tasks()->isEmpty());
-    client.queue.SetAccess(access);
-    QTRY_COMPARE(client.Count(Finished), 1);
-    QCOMPARE(client.finished.count(), 1);
-}
+    void RepairsWhatIsDamagedWhenOrdered()
+    {
+        const HttpReply list = Listed(Entry(FrameData));
+        m_server->SetReplies({list, Whole(FrameData), list, list, Whole(FrameData), list, Whole(FrameData)});
+        Client client(m_folder->path(), m_server->Url());
+        client.Order();
+        QVERIFY(client.Await(Finished));
+        client.Order(); // whole: it stays
+        QVERIFY(AwaitRequests(3));
+        WriteFile(Frame(), QByteArray(FrameData.size(), 'z'));
+        client.Order();
+        QVERIFY(QTest::qWaitFor([&] { return client.finished.count() == 2; }, Patience));
+        QVERIFY(ReadFile(Frame()) == FrameData);
+        QVERIFY(QFile::remove(Frame()));
+        client.Order();
+        QVERIFY(QTest::qWaitFor([&] { return client.finished.count() == 3; }, Patience));
+        QCOMPARE(m_server->Requests().size(), 7);
+    }
+};
 
 QTEST_GUILESS_MAIN(DownloadsTest)
 #include "tst_downloads.moc"

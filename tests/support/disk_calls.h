@@ -5,25 +5,43 @@
 #include <QStringList>
 
 #include <cerrno>
+#include <mutex>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 
 /// The calls by which this program puts changes on the disk, in order: "sync <file name>" and "rename <new file name>".
+/// Use TakeDiskCalls() while other threads write.
 inline QStringList diskCalls;
 /// Makes syncing fail, as on a broken disk.
 inline bool diskFails = false;
 
 namespace disk_calls {
 
+inline std::mutex lock;
+
+inline void Record(const QString& call)
+{
+    const std::lock_guard<std::mutex> locked(lock);
+    diskCalls.append(call);
+}
+
 inline int Sync(int file, long call)
 {
     const QString path = QFileInfo(QStringLiteral("/proc/self/fd/%1").arg(file)).symLinkTarget();
-    diskCalls.append(QStringLiteral("sync ") + QFileInfo(path).fileName());
+    Record(QStringLiteral("sync ") + QFileInfo(path).fileName());
     errno = EIO;
     return diskFails ? -1 : int(::syscall(call, file));
 }
 
 } // namespace disk_calls
+
+/// The calls since the last time.
+inline QStringList TakeDiskCalls()
+{
+    const std::lock_guard<std::mutex> locked(disk_calls::lock);
+    return std::exchange(diskCalls, QStringList());
+}
 
 // These replace the C library's functions in the whole test program, libraries included. Include this header in one source
 // of a test program only.
@@ -38,7 +56,7 @@ __attribute__((visibility("default"))) int fdatasync(int file)
 }
 __attribute__((visibility("default"))) int rename(const char* from, const char* to) noexcept
 {
-    diskCalls.append(QStringLiteral("rename ") + QFileInfo(QFile::decodeName(to)).fileName());
+    disk_calls::Record(QStringLiteral("rename ") + QFileInfo(QFile::decodeName(to)).fileName());
     return int(::syscall(SYS_rename, from, to));
 }
 }

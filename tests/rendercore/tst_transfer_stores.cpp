@@ -1,0 +1,315 @@
+// What a client that is killed, or loses power, finds on the disk when it starts again.
+#include "host/rendercore/download/download_paths.h"
+#include "host/rendercore/download/download_store.h"
+#include "host/rendercore/submit/submit_arguments.h"
+#include "host/rendercore/submit/submit_store.h"
+#include "tests/support/disk_calls.h"
+#include "tests/support/test_files.h"
+#include "tests/support/test_tables.h"
+
+namespace {
+
+const QString Ann = "farm/ann"_s;
+const QString Bob = "farm/bob"_s;
+constexpr const char* FirstSubmitSchema = R"sql(
+CREATE TABLE tasks(number INTEGER PRIMARY KEY AUTOINCREMENT, owner TEXT NOT NULL, scene TEXT NOT NULL,
+    started TEXT NOT NULL, submission TEXT NOT NULL, stage INTEGER NOT NULL DEFAULT 0, error INTEGER NOT NULL DEFAULT 0,
+    message TEXT NOT NULL DEFAULT '', arguments TEXT NOT NULL DEFAULT '[]', goes_on_without INTEGER NOT NULL DEFAULT 0,
+    arguments_checked INTEGER NOT NULL DEFAULT 0, refused TEXT NOT NULL DEFAULT '[]', done INTEGER NOT NULL DEFAULT 0,
+    work TEXT NOT NULL DEFAULT '{}');
+INSERT INTO tasks(owner, scene, started, submission, arguments) VALUES('farm/ann', '/a.pov', 't', 's', '[]');
+INSERT INTO tasks(owner, scene, started, submission, arguments) VALUES('farm/ann', '/b.pov', 't', 's', '[{"width":"9"}]');
+)sql";
+
+FarmFile File(const char* name, char checksum = 'a', qint64 size = 10)
+{
+    return {QString::fromLatin1(name), size, QString(64, QLatin1Char(checksum))};
+}
+
+struct ReconcileCase
+{
+    const char* name;
+    DownloadOrder::Kind kind;
+    bool isSame; ///< the farm lists the file as before
+    const char*
+        results; ///< for waiting, finished, failed and stopped tasks: new, resumed, doubtful or untouched
+};
+
+const ReconcileCase ReconcileCases[] = {
+    {"automatic, same", DownloadOrder::Automatic, true, "----"},
+    {"automatic, changed", DownloadOrder::Automatic, false, "n---"},
+    {"manual, same", DownloadOrder::Manual, true, "-drr"},
+    {"manual, changed", DownloadOrder::Manual, false, "nnnn"},
+    {"renewal, same", DownloadOrder::Renewal, true, "----"},
+    {"renewal, changed", DownloadOrder::Renewal, false, "n---"},
+};
+
+struct NameCase
+{
+    const char* name;
+    QString subDir;
+    QString file;
+    QString path; ///< empty where it is too long to be told
+};
+
+const NameCase NameCases[] = {
+    {"harmless", "12_shot"_s, "frame 1.png"_s, "12_shot/frame 1.png"_s},
+    {"climbing", ".."_s, "../../.bashrc"_s, "%2E%2E/%2E.%2F..%2F.bashrc"_s},
+    {"empty and hidden", {}, ".part"_s, "_/%2Epart"_s},
+    {"absolute", "/etc"_s, "a\\b\nc"_s, "%2Fetc/a%5Cb%0Ac"_s},
+    {"long", "s"_s, "\xc3\xa4"_s.repeated(200) + ".png"_s, {}},
+    {"long and beyond the plane", "s"_s, "\xf0\x9f\x8c\x84"_s.repeated(80), {}},
+    {"with a long suffix", "s"_s, "a."_s + "\xc3\xa4"_s.repeated(200), {}},
+};
+
+} // namespace
+
+class TransferStoresTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    QString Path(const QString& name) const { return m_folder->filePath(name); }
+    DownloadStore Downloads() const { return DownloadStore(Path("downloads.sqlite"_s)); }
+    SubmitStore Submissions() const { return SubmitStore(Path("submissions.sqlite"_s)); }
+
+    OrderOutcome Apply(DownloadOrder::Kind kind, const FarmFiles& files, const QString& owner = Ann) const
+    {
+        return Downloads().Apply(owner, {"j1"_s, "shot"_s, kind, 0}, files, Path("frames"_s));
+    }
+
+    /// The open orders as "job kind" each.
+    QString Orders(int limit = 9, const QString& owner = Ann) const
+    {
+        QStringList orders;
+        for (const DownloadOrder& order : Downloads().OpenOrders(owner, limit))
+            orders.append(order.job + QString::number(order.kind));
+        return orders.join(QLatin1Char(' '));
+    }
+
+    static DownloadOrder Order(const QString& job, DownloadOrder::Kind kind)
+    {
+        return {job, "shot"_s, kind, 0};
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+
+private slots:
+    void init() { m_folder = std::make_unique<QTemporaryDir>(); }
+
+    void SubmissionsSurvive()
+    {
+        SubmitTask task = Submissions().Add(Ann, "/x/a.b.pov"_s);
+        QCOMPARE(task.id, "a.b.1"_s);
+        task.stage = SubmitStage::Upload;
+        task.error = SubmitError::UploadRefused;
+        task.message = "why"_s;
+        task.arguments = MakeArguments(1, 9, 640, 480);
+        task.refused = QStringList {"/a"_s};
+        task.isDone = task.goesOnWithout = task.areArgumentsChecked = task.areArgumentsEdited = true;
+        PackedFile file;
+        file.path = "p"_s;
+        file.source = "s"_s;
+        file.checksum = "c"_s;
+        file.packageChecksum = "d"_s;
+        file.packageSize = 1LL << 40;
+        task.work.files = {file};
+        task.work.scene = "p"_s;
+        task.work.missing = QStringList {"m"_s};
+        task.work.width = 32;
+        task.work.height = 16;
+        TakeDiskCalls();
+        Submissions().SaveWork(task);
+        QVERIFY(TakeDiskCalls().contains("sync submissions.sqlite-wal"_s));
+
+        const SubmitTask loaded = Submissions().Load(Ann).value(0);
+        QCOMPARE(loaded.id + loaded.scene + loaded.started + loaded.submission + loaded.message,
+            task.id + task.scene + task.started + task.submission + task.message);
+        QVERIFY(loaded.stage == task.stage && loaded.error == task.error && loaded.refused == task.refused);
+        QCOMPARE(QJsonArray::fromVariantList(loaded.arguments), QJsonArray::fromVariantList(task.arguments));
+        QVERIFY(
+            loaded.isDone && loaded.goesOnWithout && loaded.areArgumentsChecked && loaded.areArgumentsEdited);
+        QCOMPARE(loaded.work.ToJson(), task.work.ToJson());
+        QVERIFY(loaded.work.IsPacked() && loaded.work.files.constFirst().packageSize == 1LL << 40);
+
+        task.work = {};
+        task.isDone = task.goesOnWithout = task.areArgumentsChecked = task.areArgumentsEdited = false;
+        Submissions().Save(task); // without its work
+        const SubmitTask saved = Submissions().Load(Ann).constFirst();
+        QVERIFY(
+            !saved.isDone && !saved.goesOnWithout && !saved.areArgumentsChecked && !saved.areArgumentsEdited);
+        QCOMPARE(saved.work.scene, "p"_s);
+    }
+
+    void SubmissionsAreTheirOwners()
+    {
+        SubmitStore store = Submissions();
+        SubmitTask task = store.Add(Ann, "/a.pov"_s);
+        SubmitTask other = store.Add(Bob, "/a.pov"_s);
+        const qint64 third = store.Add(Ann, "/a.pov"_s).number;
+        QVERIFY(task.submission != other.submission);
+        QCOMPARE(store.Numbers(), QSet<qint64>({task.number, other.number, third}));
+        QCOMPARE(store.Load(Ann).size(), 2);
+        QCOMPARE(store.Load(Ann).constLast().number, third);
+        task.message = other.message = "why"_s;
+        store.SaveAll({&task, &other});
+        QCOMPARE(store.Load(Ann).constFirst().message + store.Load(Bob).constFirst().message, "whywhy"_s);
+        store.Remove({task.number, third});
+        store.Save(task);
+        QVERIFY(store.Load(Ann).isEmpty());
+        QCOMPARE(store.Load(Bob).size(), 1);
+        QCOMPARE(store.Add(Ann, "/a.pov"_s).id, "a.4"_s); // numbers are not used again
+    }
+
+    void SubmissionsOfAnEarlierVersionSurvive()
+    {
+        storage::Database(Path("submissions.sqlite"_s), {FirstSubmitSchema});
+        const QVector<SubmitTask> tasks = Submissions().Load(Ann);
+        QCOMPARE(tasks.size(), 2);
+        QVERIFY(!tasks.at(0).areArgumentsEdited && tasks.at(1).areArgumentsEdited);
+    }
+
+    void OrdersSurvive()
+    {
+        DownloadStore store = Downloads();
+        const auto order = [&store](const char* job, DownloadOrder::Kind kind, const QString& owner = Ann) {
+            return store.AddOrders(owner, {Order(QString::fromLatin1(job), kind)});
+        };
+        TakeDiskCalls();
+        QVERIFY(order("b", DownloadOrder::Automatic));
+        QVERIFY(TakeDiskCalls().contains("sync downloads.sqlite-wal"_s));
+        QVERIFY(!order("b", DownloadOrder::Automatic)); // counts once
+        QVERIFY(order("b", DownloadOrder::Automatic, Bob));
+        QVERIFY(order("a", DownloadOrder::Manual));
+        QCOMPARE(Orders(), "b0 a1"_s);
+        QCOMPARE(Orders(1), "b0"_s);
+        QVERIFY(order("b", DownloadOrder::Manual));
+        QCOMPARE(Orders(), "a1 b1"_s);
+        store.PostponeOrder(Ann, "a"_s);
+        QCOMPARE(Orders(), "b1 a1"_s);
+
+        const DownloadOrder stale = store.OpenOrders(Ann, 1).constFirst();
+        QVERIFY(order("b", DownloadOrder::Manual)); // once more, while it is being answered
+        store.CloseOrder(Ann, stale);
+        QCOMPARE(Orders(), "a1 b1"_s);
+        for (const DownloadOrder& open : store.OpenOrders(Ann, 9))
+            store.CloseOrder(Ann, open);
+        QCOMPARE(Orders(), QString());
+        QVERIFY(order("a", DownloadOrder::Automatic)); // the manual order brought nothing
+        store.ReopenOrder(Ann, "a"_s);
+        QCOMPARE(Orders(), "a0"_s); // it was open
+        store.CloseOrder(Ann, store.OpenOrders(Ann, 1).constFirst());
+        QVERIFY(!order("a", DownloadOrder::Automatic));
+        store.ReopenOrder(Ann, "a"_s);
+        QCOMPARE(Orders(), "a2"_s);
+        QCOMPARE(Orders(9, Bob), "b0"_s);
+    }
+
+    void AppliesLists_data() { AddRows(ReconcileCases); }
+
+    void AppliesLists()
+    {
+        const ReconcileCase& row = Row(ReconcileCases);
+        const DownloadState states[] = {
+            DownloadState::Waiting, DownloadState::Finished, DownloadState::Failed, DownloadState::Stopped};
+        for (int index = 0; index < 4; ++index) {
+            init();
+            DownloadTasks tasks = Apply(DownloadOrder::Automatic, {File("f.png")}).added;
+            QCOMPARE(tasks.size(), 1);
+            tasks[0].state = states[index];
+            tasks[0].progress = 50;
+            tasks[0].message = "why"_s;
+            Downloads().Save(tasks);
+            const OrderOutcome outcome
+                = Apply(row.kind, {File("f.png", row.isSame ? 'a' : 'b'), File("new.png")});
+            const char result = row.results[index];
+            QCOMPARE(outcome.renewed.size(), result == 'n' ? 1 : 0);
+            QCOMPARE(outcome.resumed.size(), result == 'r' ? 1 : 0);
+            QCOMPARE(outcome.doubtful.size(), result == 'd' ? 1 : 0);
+            QCOMPARE(outcome.added.size(), row.kind == DownloadOrder::Renewal ? 0 : 1);
+            QCOMPARE(outcome.names, QStringList({"f.png"_s, "new.png"_s}));
+            const DownloadTask task = *Downloads().Find(Ann, tasks[0].id);
+            const bool isWaiting = result == 'n' || result == 'r';
+            QCOMPARE(task.state, isWaiting ? DownloadState::Waiting : states[index]);
+            QCOMPARE(task.message.isEmpty(), isWaiting);
+            QCOMPARE(task.progress, result == 'n' ? 0 : 50);
+            QCOMPARE(task.checksum.at(0), QLatin1Char(result == 'n' ? 'b' : 'a'));
+            QCOMPARE(task.fresh, result == 'n' && states[index] == DownloadState::Finished);
+            const DownloadTasks reported = outcome.renewed + outcome.resumed;
+            QVERIFY(reported.isEmpty() || reported.constFirst().state == DownloadState::Waiting);
+            QVERIFY(reported.isEmpty() || reported.constFirst().fresh == task.fresh);
+        }
+    }
+
+    void GivesEachFileAPlaceOfItsOwn()
+    {
+        QDir().mkpath(Path("frames/shot"_s));
+        QVERIFY(WriteFile(Path("frames/shot/a.png"_s), "of another size"));
+        QVERIFY(WriteFile(Path("frames/shot/b.png"_s), "equal size"));
+        QVERIFY(QFile::link(Path("nowhere"_s), Path("frames/shot/c.png"_s)));
+        DownloadTasks tasks
+            = Apply(DownloadOrder::Automatic, {File("a.png"), File("b.png"), File("c.png")}).added;
+        tasks += Apply(DownloadOrder::Automatic, {File("a.png")}, Bob).added;
+        QStringList names;
+        for (const DownloadTask& task : qAsConst(tasks))
+            names.append(QFileInfo(task.file).fileName());
+        QCOMPARE(names, QStringList({"a (2).png"_s, "b.png"_s, "c (2).png"_s, "a (3).png"_s}));
+        DownloadTask renamed = tasks.at(1);
+        QVERIFY(Downloads().Rename(&renamed));
+        QCOMPARE(renamed.file, Path("frames/shot/b (2).png"_s));
+        QCOMPARE(Downloads().Find(Ann, renamed.id)->file, renamed.file);
+    }
+
+    void FindsTasksOfTheirOwner()
+    {
+        DownloadTasks tasks
+            = Apply(DownloadOrder::Automatic, {File("c.png"), File("a.png"), File("b.png", 'b', 0)}).added;
+        const qint64 theirs = Apply(DownloadOrder::Automatic, {File("a.png")}, Bob).added.constFirst().id;
+        DownloadStore store = Downloads();
+        QCOMPARE(store.TasksAfter(Ann, 0, 2).size(), 2);
+        QCOMPARE(store.TasksAfter(Ann, tasks.at(0).id, 9).constFirst().name, "a.png"_s);
+        QVERIFY(!store.Find(Ann, theirs));
+        tasks[1].state = DownloadState::Stopped;
+        store.Save(tasks);
+        QCOMPARE(store.NextWaiting(Ann, tasks.at(0).id)->id, tasks.at(2).id);
+        QVERIFY(!store.NextWaiting(Ann, tasks.at(2).id));
+
+        const auto fail = [](DownloadTask& task) {
+            task.state = DownloadState::Failed;
+            return task.name != "a.png"_s;
+        };
+        TakeDiskCalls();
+        QCOMPARE(store.Change(Ann, {theirs, tasks.at(2).id, tasks.at(1).id, 77}, fail).size(), 1);
+        QVERIFY(TakeDiskCalls().contains("sync downloads.sqlite-wal"_s));
+        QCOMPARE(store.Find(Ann, tasks.at(1).id)->state, DownloadState::Stopped);
+        QCOMPARE(store.Find(Ann, tasks.at(2).id)->state, DownloadState::Failed);
+        QCOMPARE(store.Remove(Ann, {tasks.at(2).id, theirs, 77, tasks.at(0).id}).size(), 2);
+        QVERIFY(store.Find(Bob, theirs));
+        QVERIFY(!store.Find(Ann, tasks.at(0).id));
+        const OrderOutcome again = Apply(DownloadOrder::Manual, {File("c.png"), File("c.png", 'b')});
+        QVERIFY(again.added.constFirst().id > theirs);          // ids are not used again
+        QCOMPARE(again.added.size() + again.renewed.size(), 2); // the same name twice is one task
+    }
+
+    void KeepsHostileNamesInTheFolder_data() { AddRows(NameCases); }
+
+    void KeepsHostileNamesInTheFolder()
+    {
+        const NameCase& row = Row(NameCases);
+        const QString file = DownloadPaths::Destination("/srv"_s, row.subDir, row.file);
+        if (!row.path.isEmpty())
+            QCOMPARE(file, QString("/srv/"_s + row.path));
+        QCOMPARE(QDir::cleanPath(file), file);
+        QCOMPARE(file.count(QLatin1Char('/')), 3);
+        QCOMPARE(QString::fromUtf8(file.toUtf8()), file); // no half of a character
+        QVERIFY(QFileInfo(DownloadPaths::PartFile(file)).fileName().toUtf8().size() < 255);
+        const QString second = DownloadPaths::Destination("/srv"_s, row.subDir, row.file, 2);
+        QVERIFY(second != file);
+        QCOMPARE(second.endsWith(".png"_s), row.file.endsWith(".png"_s));
+        const QString longer = DownloadPaths::Destination("/srv"_s, row.subDir, row.file + ".png"_s);
+        QCOMPARE(longer == file + ".png"_s, !row.path.isEmpty()); // long names stay distinct
+    }
+};
+
+QTEST_GUILESS_MAIN(TransferStoresTest)
+#include "tst_transfer_stores.moc"
