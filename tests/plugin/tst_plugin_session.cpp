@@ -347,7 +347,7 @@ private:
             }
             const auto* table = qobject_cast<const QTableWidget*>(object);
             for (int column = 0; table && column < table->columnCount(); ++column)
-                texts.append(table->horizontalHeaderItem(column)->text());
+                texts.append(table->model()->headerData(column, Qt::Horizontal).toString());
         }
         texts = texts.filter(QRegularExpression("^~"_s)).replaceInStrings("~"_s, QString());
         texts.sort();
