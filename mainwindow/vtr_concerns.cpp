@@ -67,7 +67,8 @@ QVector<QPointer<QObject>> VTConcerns::DeferredDeletions() const
     // Each controller stands before the form that it controls.
     QVector<QPointer<QObject>> lstObject {
         pSetArgument.data(), pSetParent.data(), pSearch.data(), pGroup.data()};
-    for (QWidget* pForm : forms.Owned())
+    const QVector<QWidget*> lstForm = forms.Owned();
+    for (QWidget* pForm : lstForm)
         lstObject.append(pForm);
     return lstObject;
 }

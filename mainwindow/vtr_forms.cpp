@@ -42,7 +42,8 @@ VTForms::~VTForms()
     }
     if (pInput)
         pInput->hide();
-    for (QWidget* pForm : Owned())
+    const QVector<QWidget*> lstOwned = Owned();
+    for (QWidget* pForm : lstOwned)
         pForm->deleteLater();
 }
 
