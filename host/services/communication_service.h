@@ -1,7 +1,7 @@
 #pragma once
 
+#include "host/farmclient/farm_protocol.h"
 #include "host/farmclient/http_transport.h"
-#include "host/services/farm_protocol.h"
 #include "host/services/service_base.h"
 #include "vtr_communicationinterface.h"
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "host/farmclient/farm_access.h"
 #include "host/rendercore/download/download_limits.h"
 #include "host/rendercore/download/download_store.h"
 #include "host/rendercore/download/download_worker.h"
-#include "host/rendercore/farm_access.h"
 #include "host/rendercore/worker_thread.h"
 
 #include <QObject>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/farmclient/farm_access.h"
 #include "host/rendercore/download/download_limits.h"
 #include "host/rendercore/download/download_listener.h"
 #include "host/rendercore/download/download_store.h"
@@ -7,7 +8,6 @@
 #include "host/rendercore/download/order_desk.h"
 #include "host/rendercore/download/task_loader.h"
 #include "host/rendercore/download/transfer_pool.h"
-#include "host/rendercore/farm_access.h"
 
 #include <memory>
 

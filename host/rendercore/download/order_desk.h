@@ -1,9 +1,9 @@
 #pragma once
 
 #include "host/farmclient/backoff.h"
+#include "host/farmclient/farm_access.h"
 #include "host/rendercore/download/download_limits.h"
 #include "host/rendercore/download/download_store.h"
-#include "host/rendercore/farm_access.h"
 
 #include <QObject>
 #include <QSet>

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "host/farmclient/farm_access.h"
 #include "host/rendercore/download/download_limits.h"
 #include "host/rendercore/download/download_listener.h"
 #include "host/rendercore/download/transfer_schedule.h"
-#include "host/rendercore/farm_access.h"
 
 #include <QElapsedTimer>
 #include <QObject>

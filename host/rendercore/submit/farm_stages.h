@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/rendercore/submit/farm_link.h"
+#include "host/farmclient/farm_link.h"
 #include "host/rendercore/submit/stage_outcome.h"
 #include "host/rendercore/submit/transfer_meter.h"
 

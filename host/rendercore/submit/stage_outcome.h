@@ -1,14 +1,10 @@
 #pragma once
 
-#include "host/rendercore/farm_access.h"
+#include "host/farmclient/farm_access.h"
+#include "host/farmclient/interrupt_flag.h"
 #include "host/rendercore/submit/submit_task.h"
 
-#include <atomic>
 #include <functional>
-#include <memory>
-
-/// The GUI thread sets it to end a stage early.
-using InterruptFlag = std::shared_ptr<std::atomic<bool>>;
 
 /// A command to run one stage of one task.
 struct StageRequest

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/rendercore/farm_access.h"
+#include "host/farmclient/farm_access.h"
 #include "host/rendercore/submit/stage_outcome.h"
 #include "host/rendercore/submit/submit_store.h"
 #include "host/rendercore/submit/submit_tasks.h"

@@ -1,4 +1,4 @@
-#include "host/services/farm_protocol.h"
+#include "host/farmclient/farm_protocol.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>

@@ -1,4 +1,4 @@
-#include "host/rendercore/submit/farm_link.h"
+#include "host/farmclient/farm_link.h"
 
 #include "host/farmclient/http_call.h"
 

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "host/farmclient/http_transport.h"
-#include "host/rendercore/submit/stage_outcome.h"
+#include "host/farmclient/farm_access.h"
+#include "host/farmclient/interrupt_flag.h"
 
 #include <QEventLoop>
 #include <QPointer>
 
+#include <functional>
 #include <optional>
 
 /// Sends requests to the farm and waits for the answers; the thread's event loop runs meanwhile. Each request is tried
