@@ -2,7 +2,7 @@
 
 #include "host/ui/preview_window.h"
 
-PreviewerService::PreviewerService(UiLoaderService* loader, QObject* parent)
+PreviewerService::PreviewerService(VTUiLoaderInterface* loader, QObject* parent)
     : ServiceBase<VTPreviewerInterface>(parent)
     , m_loader(loader)
 {

@@ -6,7 +6,7 @@
 #include <memory>
 
 class PreviewWindow;
-class UiLoaderService;
+class VTUiLoaderInterface;
 
 /// Shows finished frames in a window of its own.
 class PreviewerService : public ServiceBase<VTPreviewerInterface>
@@ -16,7 +16,7 @@ class PreviewerService : public ServiceBase<VTPreviewerInterface>
 
 public:
     /// @param loader must outlive this service.
-    explicit PreviewerService(UiLoaderService* loader, QObject* parent = nullptr);
+    explicit PreviewerService(VTUiLoaderInterface* loader, QObject* parent = nullptr);
     ~PreviewerService() override;
 
     /// With a "file" among the parameters, the path of a picture, the window shows it.
@@ -26,6 +26,6 @@ public:
     void Open(const QString& file);
 
 private:
-    UiLoaderService* m_loader;
+    VTUiLoaderInterface* m_loader;
     std::unique_ptr<PreviewWindow> m_window; // made when it is first needed
 };

@@ -34,7 +34,7 @@ QString SettingKey(const QString& userName, const char* setting)
 } // namespace
 
 ConfigurationDialog::ConfigurationDialog(
-    UiLoaderService* loader, VTSettingsInterface* settings, QObject* parent)
+    VTUiLoaderInterface* loader, VTSettingsInterface* settings, QObject* parent)
     : QObject(parent)
     , m_form(loader, QStringLiteral("com.vtr.configuration"))
     , m_settings(settings)

@@ -12,7 +12,8 @@ class ConfigurationDialog : public QObject
 
 public:
     /// @param settings must outlive the dialog.
-    ConfigurationDialog(UiLoaderService* loader, VTSettingsInterface* settings, QObject* parent = nullptr);
+    ConfigurationDialog(
+        VTUiLoaderInterface* loader, VTSettingsInterface* settings, QObject* parent = nullptr);
 
     QWidget* Form() const { return m_form.Form(); }
 

@@ -78,7 +78,7 @@ QPushButton* AddButton(
 
 } // namespace
 
-MessageBoxService::MessageBoxService(UiLoaderService* loader, QObject* parent)
+MessageBoxService::MessageBoxService(VTUiLoaderInterface* loader, QObject* parent)
     : ServiceBase(parent)
     , m_loader(loader)
 {

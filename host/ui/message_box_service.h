@@ -5,7 +5,7 @@
 
 #include <QPointer>
 
-class UiLoaderService;
+class VTUiLoaderInterface;
 
 /// Message boxes on the form "com.vtr.messagebox", in the current skin. They show plain text only.
 class MessageBoxService : public ServiceBase<VTMessagboxInterface>
@@ -15,12 +15,12 @@ class MessageBoxService : public ServiceBase<VTMessagboxInterface>
 
 public:
     /// @param loader must outlive the boxes.
-    explicit MessageBoxService(UiLoaderService* loader, QObject* parent = nullptr);
+    explicit MessageBoxService(VTUiLoaderInterface* loader, QObject* parent = nullptr);
 
     /// Enter presses the button whose name has the highest number. Without any button there is one, "btnMessageBox_1".
     QString ShowMessage(int kind, const QString& title, const QString& text, const QIcon& icon,
         const QString& detail, const QVariantHash& buttons, bool list) override;
 
 private:
-    UiLoaderService* m_loader;
+    VTUiLoaderInterface* m_loader;
 };

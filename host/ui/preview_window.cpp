@@ -1,6 +1,6 @@
 #include "host/ui/preview_window.h"
 
-#include "host/ui/ui_loader_service.h"
+#include "vtr_uiloaderinterface.h"
 
 #include <QEvent>
 #include <QFileInfo>
@@ -17,7 +17,7 @@ constexpr int kSettleTime = 150;
 
 } // namespace
 
-PreviewWindow::PreviewWindow(UiLoaderService* loader, QObject* parent)
+PreviewWindow::PreviewWindow(VTUiLoaderInterface* loader, QObject* parent)
     : QObject(parent)
     , m_form(loader, QStringLiteral("com.vtr.previewer"))
     , m_title(m_form.Find<QLabel>("lblTitle"))
@@ -44,7 +44,7 @@ PreviewWindow::PreviewWindow(UiLoaderService* loader, QObject* parent)
     connect(m_previous, &QPushButton::clicked, this, &PreviewWindow::Previous);
     connect(m_next, &QPushButton::clicked, this, &PreviewWindow::Next);
     connect(m_actualSize, &QPushButton::toggled, this, &PreviewWindow::Display);
-    connect(loader, &UiLoaderService::LanguageChanged, this, &PreviewWindow::Display);
+    connect(loader, &VTUiLoaderInterface::LanguageChanged, this, &PreviewWindow::Display);
     AddShortcut(Qt::Key_Escape, &PreviewWindow::Close);
     AddShortcut(Qt::Key_Left, &PreviewWindow::Previous);
     AddShortcut(Qt::Key_Right, &PreviewWindow::Next);

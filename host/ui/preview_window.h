@@ -18,7 +18,7 @@ class PreviewWindow : public QObject
     Q_OBJECT
 
 public:
-    explicit PreviewWindow(UiLoaderService* loader, QObject* parent = nullptr);
+    explicit PreviewWindow(VTUiLoaderInterface* loader, QObject* parent = nullptr);
 
     QWidget* Form() const { return m_form.Form(); }
 

@@ -1,6 +1,6 @@
 #include "host/ui/sign_in_window.h"
 
-#include "host/ui/ui_loader_service.h"
+#include "vtr_uiloaderinterface.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -12,7 +12,7 @@ constexpr int FailureLength = 160;
 
 } // namespace
 
-SignInWindow::SignInWindow(UiLoaderService* loader, QObject* parent)
+SignInWindow::SignInWindow(VTUiLoaderInterface* loader, QObject* parent)
     : QObject(parent)
     , m_form(loader, QStringLiteral("com.vtr.authclient"))
     , m_name(m_form.Find<QLineEdit>("lneName"))
@@ -27,7 +27,7 @@ SignInWindow::SignInWindow(UiLoaderService* loader, QObject* parent)
     connect(m_signIn, &QPushButton::clicked, this, &SignInWindow::Request);
     connect(m_form.Find<QPushButton>("btnSystemMin"), &QPushButton::clicked, Form(), &QWidget::showMinimized);
     connect(m_form.Find<QPushButton>("btnClose"), &QPushButton::clicked, Form(), &QWidget::close);
-    connect(loader, &UiLoaderService::LanguageChanged, this, &SignInWindow::UpdateButton);
+    connect(loader, &VTUiLoaderInterface::LanguageChanged, this, &SignInWindow::UpdateButton);
     UpdateButton();
 }
 

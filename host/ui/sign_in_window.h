@@ -12,7 +12,7 @@ class SignInWindow : public QObject
     Q_OBJECT
 
 public:
-    explicit SignInWindow(UiLoaderService* loader, QObject* parent = nullptr);
+    explicit SignInWindow(VTUiLoaderInterface* loader, QObject* parent = nullptr);
 
     QWidget* Form() const { return m_form.Form(); }
 

@@ -1,13 +1,13 @@
 #include "host/ui/skinned_form.h"
 
 #include "host/ui/skins.h"
-#include "host/ui/ui_loader_service.h"
+#include "vtr_uiloaderinterface.h"
 
 #include <QApplication>
 #include <QDialog>
 #include <QWindow>
 
-SkinnedForm::SkinnedForm(UiLoaderService* loader, const QString& key, QObject* parent)
+SkinnedForm::SkinnedForm(VTUiLoaderInterface* loader, const QString& key, QObject* parent)
     : QObject(parent)
     , m_loader(loader)
     , m_key(key)
@@ -17,7 +17,7 @@ SkinnedForm::SkinnedForm(UiLoaderService* loader, const QString& key, QObject* p
     const Qt::WindowType type = qobject_cast<QDialog*>(m_form.get()) ? Qt::Dialog : Qt::Window;
     m_form->setWindowFlags(type | Qt::FramelessWindowHint | Qt::WindowMinimizeButtonHint);
     m_form->setAutoFillBackground(true);
-    connect(loader, &UiLoaderService::SkinChanged, this, &SkinnedForm::Restyle);
+    connect(loader, &VTUiLoaderInterface::SkinChanged, this, &SkinnedForm::Restyle);
     Restyle();
 }
 

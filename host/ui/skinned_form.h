@@ -7,7 +7,7 @@
 #include <memory>
 
 class QDialog;
-class UiLoaderService;
+class VTUiLoaderInterface;
 
 /// A form of the host itself: loaded, frameless, and in the current skin as long as it lives. Its fixed texts follow the
 /// language by themselves.
@@ -17,7 +17,7 @@ class SkinnedForm : public QObject
 
 public:
     /// @param key a form that the host ships; without it the host cannot work and ends.
-    SkinnedForm(UiLoaderService* loader, const QString& key, QObject* parent = nullptr);
+    SkinnedForm(VTUiLoaderInterface* loader, const QString& key, QObject* parent = nullptr);
     ~SkinnedForm() override;
 
     QWidget* Form() const { return m_form.get(); }
@@ -39,7 +39,7 @@ private:
     void Require(const void* found, const char* what) const;
     void Restyle();
 
-    QPointer<UiLoaderService> m_loader;
+    QPointer<VTUiLoaderInterface> m_loader;
     QString m_key;
     std::unique_ptr<QWidget> m_form;
 };
