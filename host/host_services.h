@@ -3,14 +3,14 @@
 #include "host/services/communication_service.h"
 #include "host/services/configuration_service.h"
 #include "host/services/logger_service.h"
+#include "host/services/message_box_service.h"
 #include "host/services/previewer_service.h"
 #include "host/services/qt_message_route.h"
 #include "host/services/render_core_service.h"
 #include "host/services/settings_service.h"
+#include "host/services/ui_loader_service.h"
 #include "host/ui/configuration_dialog.h"
-#include "host/ui/message_box_service.h"
 #include "host/ui/scene_intake.h"
-#include "host/ui/ui_loader_service.h"
 
 struct HostOptions;
 class PluginRunner;

@@ -2,7 +2,7 @@
 
 #include "host/main_window.h"
 #include "host/services/communication_service.h"
-#include "host/ui/ui_loader_service.h"
+#include "host/services/ui_loader_service.h"
 
 #include <QCoreApplication>
 #include <QEvent>

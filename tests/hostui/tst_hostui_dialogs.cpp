@@ -1,8 +1,8 @@
+#include "host/services/message_box_service.h"
+#include "host/services/ui_loader_service.h"
 #include "host/ui/configuration_dialog.h"
-#include "host/ui/message_box_service.h"
 #include "host/ui/message_text.h"
 #include "host/ui/preview_window.h"
-#include "host/ui/ui_loader_service.h"
 #include "tests/hostui/memory_settings.h"
 
 #include <QApplication>

@@ -1,5 +1,5 @@
+#include "host/services/ui_loader_service.h"
 #include "host/ui/skins.h"
-#include "host/ui/ui_loader_service.h"
 
 #include <QDirIterator>
 #include <QHeaderView>

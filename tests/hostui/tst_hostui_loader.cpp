@@ -1,5 +1,5 @@
+#include "host/services/ui_loader_service.h"
 #include "host/ui/sign_in_window.h"
-#include "host/ui/ui_loader_service.h"
 #include "tests/hostui/memory_settings.h"
 
 #include <QLabel>

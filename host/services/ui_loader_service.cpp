@@ -1,4 +1,4 @@
-#include "host/ui/ui_loader_service.h"
+#include "host/services/ui_loader_service.h"
 
 #include "host/ui/frameless_window.h"
 #include "host/ui/languages.h"

@@ -1,4 +1,4 @@
-#include "host/ui/message_box_service.h"
+#include "host/services/message_box_service.h"
 
 #include "host/ui/message_text.h"
 #include "host/ui/skinned_form.h"
