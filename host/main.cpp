@@ -1,7 +1,7 @@
-#include "host/client_host.h"
-#include "host/host_options.h"
-#include "host/single_instance.h"
-#include "host/termination_signals.h"
+#include "host/app/client_host.h"
+#include "host/app/host_options.h"
+#include "host/process/single_instance.h"
+#include "host/process/termination_signals.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "host/services/render_core_service.h"
 
 #include "host/farmclient/http_transport.h"
-#include "host/ui/download_folder.h"
+#include "host/settings/download_folder.h"
 #include "vtr_settingsinterface.h"
 
 RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface* settings, QObject* parent)

@@ -1,6 +1,6 @@
 #include "host/ui/configuration_dialog.h"
 
-#include "host/ui/download_folder.h"
+#include "host/settings/download_folder.h"
 #include "vtr_settingsinterface.h"
 
 #include <QCheckBox>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/client_host.h"
-#include "host/host_options.h"
+#include "host/app/client_host.h"
+#include "host/app/host_options.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "farm/accounts/account_store.h"
 #include "farm/jobs/job_store.h"
-#include "host/main_window.h"
+#include "host/mainform/main_form.h"
 #include "tests/e2e/client_windows.h"
 #include "tests/e2e/running_client.h"
 

@@ -1,4 +1,4 @@
-#include "host/main_window.h"
+#include "host/mainform/main_form.h"
 #include "tests/e2e/client_windows.h"
 #include "tests/e2e/running_client.h"
 

@@ -1,7 +1,7 @@
 // How scenes come to the render core: dropped on the form that it filters, behind the button, from the command line.
+#include "host/mainform/scene_intake.h"
 #include "host/services/render_core_service.h"
 #include "host/services/ui_loader_service.h"
-#include "host/ui/scene_intake.h"
 #include "tests/hostui/memory_settings.h"
 #include "vtr_messagboxinterface.h"
 

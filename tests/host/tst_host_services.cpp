@@ -1,8 +1,8 @@
-#include "host/host_options.h"
+#include "host/app/host_options.h"
+#include "host/process/single_instance.h"
 #include "host/services/logger_service.h"
 #include "host/services/qt_message_route.h"
 #include "host/services/settings_service.h"
-#include "host/single_instance.h"
 
 #include <QLoggingCategory>
 #include <QSignalSpy>

@@ -1,6 +1,6 @@
+#include "host/app/session_control.h"
 #include "host/services/communication_service.h"
 #include "host/services/ui_loader_service.h"
-#include "host/session_control.h"
 #include "tests/host/stand_in_server.h"
 #include "tests/hostui/memory_settings.h"
 

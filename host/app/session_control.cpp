@@ -1,6 +1,6 @@
-#include "host/session_control.h"
+#include "host/app/session_control.h"
 
-#include "host/main_window.h"
+#include "host/mainform/main_form.h"
 #include "host/services/communication_service.h"
 #include "host/services/ui_loader_service.h"
 

@@ -1,4 +1,4 @@
-#include "host/termination_signals.h"
+#include "host/process/termination_signals.h"
 
 #ifdef Q_OS_UNIX
 

@@ -1,4 +1,4 @@
-#include "host/plugin_runner.h"
+#include "host/app/plugin_runner.h"
 
 #include "vtr_baseinterface.h"
 

@@ -1,8 +1,8 @@
-#include "host/client_host.h"
+#include "host/app/client_host.h"
 
-#include "host/farm_process.h"
-#include "host/screenshot_tour.h"
-#include "host/session_control.h"
+#include "host/app/session_control.h"
+#include "host/process/farm_process.h"
+#include "host/tour/screenshot_tour.h"
 #include "vtr_baseinterface.h"
 
 #include <QDebug>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/mainform/scene_intake.h"
 #include "host/services/communication_service.h"
 #include "host/services/configuration_service.h"
 #include "host/services/logger_service.h"
@@ -10,7 +11,6 @@
 #include "host/services/settings_service.h"
 #include "host/services/ui_loader_service.h"
 #include "host/ui/configuration_dialog.h"
-#include "host/ui/scene_intake.h"
 
 struct HostOptions;
 class PluginRunner;

@@ -1,8 +1,8 @@
-#include "host/host_services.h"
+#include "host/app/host_services.h"
 
-#include "host/host_options.h"
-#include "host/plugin_runner.h"
-#include "host/ui/download_folder.h"
+#include "host/app/host_options.h"
+#include "host/app/plugin_runner.h"
+#include "host/settings/download_folder.h"
 
 namespace {
 

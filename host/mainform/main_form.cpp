@@ -1,4 +1,4 @@
-#include "host/main_window.h"
+#include "host/mainform/main_form.h"
 
 #include <QApplication>
 #include <QTableWidget>

@@ -1,4 +1,4 @@
-#include "host/single_instance.h"
+#include "host/process/single_instance.h"
 
 #include <QCryptographicHash>
 #include <QDebug>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "host/host_options.h"
-#include "host/host_services.h"
-#include "host/plugin_runner.h"
-#include "host/preview_trigger.h"
+#include "host/app/host_options.h"
+#include "host/app/host_services.h"
+#include "host/app/plugin_runner.h"
+#include "host/mainform/preview_trigger.h"
 
 #include <QObject>
 

@@ -1,4 +1,4 @@
-#include "host/farm_process.h"
+#include "host/process/farm_process.h"
 
 #include "host/farmclient/backoff.h"
 

@@ -1,4 +1,4 @@
-#include "host/ui/download_folder.h"
+#include "host/settings/download_folder.h"
 
 #include "vtr_settingsinterface.h"
 

@@ -1,6 +1,6 @@
-#include "host/preview_trigger.h"
+#include "host/mainform/preview_trigger.h"
 
-#include "host/main_window.h"
+#include "host/mainform/main_form.h"
 #include "host/services/previewer_service.h"
 
 #include <QTableWidget>

@@ -1,8 +1,8 @@
-#include "host/screenshot_tour.h"
+#include "host/tour/screenshot_tour.h"
 
-#include "host/host_services.h"
-#include "host/main_window.h"
-#include "host/session_control.h"
+#include "host/app/host_services.h"
+#include "host/app/session_control.h"
+#include "host/mainform/main_form.h"
 
 #include <QApplication>
 #include <QDir>

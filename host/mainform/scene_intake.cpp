@@ -1,4 +1,4 @@
-#include "host/ui/scene_intake.h"
+#include "host/mainform/scene_intake.h"
 
 #include "vtr_messagboxinterface.h"
 #include "vtr_rendercoreinterface.h"

@@ -1,4 +1,4 @@
-#include "host/host_options.h"
+#include "host/app/host_options.h"
 
 #include "host/services/logger_service.h"
 
