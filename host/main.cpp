@@ -2,12 +2,14 @@
 #include "host/app/host_options.h"
 #include "host/process/single_instance.h"
 #include "host/process/termination_signals.h"
+#include "host/tour/screenshot_tour.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QLockFile>
 
 #include <cstdio>
+#include <memory>
 
 namespace {
 
@@ -41,9 +43,13 @@ int main(int argc, char* argv[])
     if (!options.Parse(QApplication::arguments(), &error))
         return Fail(error);
 
+    const bool isTour = !options.screenshotFolder.isEmpty();
+    if (isTour)
+        options.autoSignIn = false; // the tour does, after a picture of the sign-in window
+
     const SingleInstance instance(options.configFile);
     if (!instance.IsFirst()) {
-        if (!options.screenshotFolder.isEmpty() || !instance.CallFirst(options.scenes))
+        if (isTour || !instance.CallFirst(options.scenes))
             return Fail(QStringLiteral("the client is already running"));
         return 0;
     }
@@ -61,5 +67,6 @@ int main(int argc, char* argv[])
     QObject::connect(&instance, &SingleInstance::Called, &host, &ClientHost::ComeForward);
     if (!host.Start(&error))
         return Fail(error);
+    const auto tour = isTour ? std::make_unique<ScreenshotTour>(options.screenshotFolder, &host) : nullptr;
     return QApplication::exec();
 }

@@ -2,7 +2,6 @@
 
 #include "host/app/session_control.h"
 #include "host/process/farm_process.h"
-#include "host/tour/screenshot_tour.h"
 #include "vtr_baseinterface.h"
 
 #include <QDebug>
@@ -51,7 +50,6 @@ ClientHost::ClientHost(const HostOptions& options, QObject* parent)
 
 ClientHost::~ClientHost()
 {
-    m_tour.reset();
     m_session.reset();
     m_runner.reset();
     UseNoServer();
@@ -85,8 +83,6 @@ bool ClientHost::Start(QString* error)
     m_services.scenes.Take(m_options.scenes);
     if (!SetAccount(embedded, error))
         return false;
-    if (!m_options.screenshotFolder.isEmpty())
-        m_tour = std::make_unique<ScreenshotTour>(m_options.screenshotFolder, &m_services, m_session.get());
 
     if (embedded)
         StartFarm();
@@ -162,9 +158,7 @@ void ClientHost::StartFarm()
 
 void ClientHost::BeginSession()
 {
-    if (m_tour)
-        m_tour->Start();
-    else if (m_options.autoSignIn)
+    if (m_options.autoSignIn)
         m_session->SignInAutomatically();
     else
         m_session->ShowSignIn();

@@ -10,7 +10,6 @@
 #include <memory>
 
 class FarmProcess;
-class ScreenshotTour;
 class SessionControl;
 class VTBaseInterface;
 
@@ -31,6 +30,11 @@ public:
     /// Shows the window that the user is looking for, and takes the scenes that came with the wish.
     void ComeForward(const QStringList& scenes);
 
+    HostServices& Services() { return m_services; }
+
+    /// Only after a successful Start.
+    SessionControl& Session() { return *m_session; }
+
 private:
     bool StartPlugin(QString* error);
     bool SetAccount(bool embedded, QString* error);
@@ -47,6 +51,5 @@ private:
     VTBaseInterface* m_client = nullptr; // the plugin's, while the runner runs it
     std::unique_ptr<SessionControl> m_session;
     std::unique_ptr<FarmProcess> m_farm;
-    std::unique_ptr<ScreenshotTour> m_tour;
     bool m_sessionBegun = false;
 };

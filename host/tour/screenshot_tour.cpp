@@ -1,6 +1,6 @@
 #include "host/tour/screenshot_tour.h"
 
-#include "host/app/host_services.h"
+#include "host/app/client_host.h"
 #include "host/app/session_control.h"
 #include "host/mainform/main_form.h"
 
@@ -55,10 +55,10 @@ QTabWidget* Tabs()
 
 } // namespace
 
-ScreenshotTour::ScreenshotTour(const QString& folder, HostServices* services, SessionControl* session)
+ScreenshotTour::ScreenshotTour(const QString& folder, ClientHost* host)
     : m_folder(folder)
-    , m_services(services)
-    , m_session(session)
+    , m_services(&host->Services())
+    , m_session(&host->Session())
 {
     m_opener.setSingleShot(true);
     connect(&m_opener, &QTimer::timeout, this, [this] { m_open(); });
@@ -88,13 +88,8 @@ ScreenshotTour::ScreenshotTour(const QString& folder, HostServices* services, Se
     });
     PlanMenu();
     PlanPreview();
-}
-
-void ScreenshotTour::Start()
-{
     m_time.start();
     m_ticker.start(kTick);
-    m_session->ShowSignIn();
 }
 
 void ScreenshotTour::PlanSession()
@@ -250,6 +245,7 @@ void ScreenshotTour::Proceed()
     m_idleTicks = 0;
     const Step step = m_steps.front();
     m_steps.pop_front();
+    m_time.start();
     step.act();
 }
 

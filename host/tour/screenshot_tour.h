@@ -9,22 +9,21 @@
 #include <deque>
 #include <functional>
 
+class ClientHost;
 class SessionControl;
-class QTabWidget;
 struct HostServices;
 
-/// Walks through the client's windows, saves a picture of each and ends the application: with 0 when all are saved,
-/// with 1 and a message on standard error when something that should show does not within a minute.
+/// Walks through the client's windows, saves a picture of each and ends the application: with 0 when all are saved, with 1
+/// and a message on standard error when a window that should show does not within a minute.
 class ScreenshotTour : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param services, session must outlive the tour.
-    ScreenshotTour(const QString& folder, HostServices* services, SessionControl* session);
-
-    /// To be called once the server's address is known.
-    void Start();
+    /// Begins when the sign-in window shows.
+    /// @param folder for the pictures.
+    /// @param host must outlive the tour, must have started and must not sign in by itself.
+    ScreenshotTour(const QString& folder, ClientHost* host);
 
 private:
     /// Waits until something is there, then acts on it.
