@@ -56,7 +56,7 @@ std::optional<HttpResult> FarmLink::Send(HttpRequest request, const std::functio
             QObject::connect(call, &HttpCall::Sent, &owner, onSent);
         waiting.exec();
     }
-    if (*m_interrupted && !(result && result->status == 200))
+    if (*m_interrupted && !(result && result->status == HttpStatus::Ok))
         return std::nullopt;
     return result;
 }

@@ -1,5 +1,7 @@
 #include "host/farmclient/farm_protocol.h"
 
+#include "host/farmclient/farm_numbers.h"
+
 #include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -10,10 +12,6 @@
 namespace FarmProtocol {
 
 namespace {
-
-constexpr int kLongestJobList = 1000;
-constexpr int kLongestToken = 4096;
-constexpr int kLongestTarget = 4096; // the farm takes twice as much, what stands between may take less
 
 QByteArray TokenOf(const QVariantHash& request)
 {
@@ -40,10 +38,10 @@ QJsonValue Data(const QJsonObject& body, QLatin1String key)
     return Data(body).toObject().value(key);
 }
 
-/// A token goes into a header line: printable ASCII without blanks, or the line could be broken by it.
+/// A token becomes part of a header line, so it must be printable ASCII without blanks.
 bool IsToken(const QString& text)
 {
-    return !text.isEmpty() && text.size() <= kLongestToken
+    return !text.isEmpty() && text.size() <= FarmNumbers::LongestToken
         && std::all_of(
             text.begin(), text.end(), [](QChar c) { return c.unicode() > 32 && c.unicode() < 127; });
 }
@@ -58,7 +56,7 @@ HttpRequest SignInRequest(const QString& name, const QString& password)
 
 HttpRequest SignOutRequest(const QVariantHash& request)
 {
-    // Once is enough: the user waits for the end of the session, and the token expires by itself.
+    // Not repeated: the user waits for the sign-out, and the token expires anyway.
     return {"DELETE", "/session", TokenOf(request), {}, false};
 }
 
@@ -81,7 +79,7 @@ HttpRequest JobListRequest(const QVariantHash& request)
     const QString conditions = request.value(QStringLiteral("conditions")).toString();
     if (!conditions.isEmpty())
         target += "&conditions=" + QUrl::toPercentEncoding(conditions);
-    if (target.size() <= kLongestTarget)
+    if (target.size() <= FarmNumbers::LongestTarget)
         return Get(target, request);
     const QJsonObject body {{QStringLiteral("page"), page}, {QStringLiteral("pageSize"), pageSize},
         {QStringLiteral("conditions"), conditions}};
@@ -91,7 +89,7 @@ HttpRequest JobListRequest(const QVariantHash& request)
 HttpRequest JobInfoRequest(const QVariantHash& request)
 {
     QByteArray id = QUrl::toPercentEncoding(request.value(QStringLiteral("id")).toString());
-    // An id of dots would be read as a way through the path, escaped or not; no job has one.
+    // Even escaped, dots alone would be resolved as a relative path; no job has such an id.
     if (id.count('.') == id.size())
         id.replace('.', '-');
     return Get("/jobs/" + id, request);
@@ -131,7 +129,7 @@ bool IsProjectList(const QJsonObject& body)
 bool IsJobList(const QJsonObject& body)
 {
     const QJsonValue list = Data(body, QLatin1String("list"));
-    return list.isArray() && list.toArray().size() <= kLongestJobList
+    return list.isArray() && list.toArray().size() <= FarmNumbers::MostListedJobs
         && Data(body, QLatin1String("total")).toInt(-1) >= 0;
 }
 
@@ -144,10 +142,10 @@ Answer Decode(const HttpResult& result, Check check, const QVariantMap& echo)
 {
     Answer answer {result.status, {}};
     QString message = result.error;
-    if (answer.code == 200 && check(result.json)) {
+    if (answer.code == HttpStatus::Ok && check(result.json)) {
         answer.map = result.json.toVariantMap();
     } else {
-        if (answer.code == 200) {
+        if (answer.code == HttpStatus::Ok) {
             answer.code = HttpResult::NotJson;
             message = QCoreApplication::translate("FarmProtocol", "The server's answer is incomplete.");
         } else if (Data(result.json).isObject()) {

@@ -5,17 +5,17 @@
 #include <QVariantHash>
 #include <QVariantMap>
 
-/// The farm's HTTP interface as values: client requests to HTTP requests, HTTP results to client answers.
+/// Translates the window's requests into HTTP requests and HTTP results into the window's answers.
 namespace FarmProtocol {
 
-/// What the client gets: 200 and the payload under "data", or another code and, where there is one, "message".
+/// The answer that the window receives: code 200 with the payload under "data", or another code with a "message".
 struct Answer
 {
     int code = 0;
     QVariantMap map;
 };
 
-/// Says whether the body of a success is one; what is not becomes an answer of code HttpResult::NotJson.
+/// @return whether the body of a successful answer is complete; if not, the code becomes HttpResult::NotJson.
 using Check = bool (*)(const QJsonObject& body);
 
 HttpRequest SignInRequest(const QString& name, const QString& password);
@@ -25,7 +25,7 @@ HttpRequest ProjectListRequest(const QVariantHash& request);
 HttpRequest JobListRequest(const QVariantHash& request);
 HttpRequest JobInfoRequest(const QVariantHash& request);
 
-/// @param action last part of the action's path, for example "stop".
+/// @param action last segment of the path, for example "stop".
 HttpRequest JobActionRequest(const QByteArray& action, const QVariantHash& request);
 
 bool IsAnyObject(const QJsonObject& body);
@@ -35,7 +35,7 @@ bool IsProjectList(const QJsonObject& body);
 bool IsJobList(const QJsonObject& body);
 bool IsJobInfo(const QJsonObject& body);
 
-/// @param echo entries of the request that the answer carries at top level, whether it failed or not.
+/// @param echo entries of the request that the answer repeats at top level, also when it failed.
 Answer Decode(const HttpResult& result, Check check, const QVariantMap& echo);
 
 } // namespace FarmProtocol

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kLongestRetryAfter = 3600; // seconds
+constexpr int LongestRetryAfter = 3600; // seconds
 
 HttpResult ResultOf(const QNetworkReply& reply, const QByteArray& body)
 {
@@ -19,10 +19,10 @@ HttpResult ResultOf(const QNetworkReply& reply, const QByteArray& body)
 
     const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     const QJsonDocument document = QJsonDocument::fromJson(body);
-    if (status == 200 && !document.isObject())
+    if (status == HttpStatus::Ok && !document.isObject())
         return {HttpResult::NotJson, {}, HttpCall::tr("The server's answer cannot be read.")};
     HttpResult result {status, document.object(), {}};
-    if (status != 200) {
+    if (status != HttpStatus::Ok) {
         result.error = result.json.value(QLatin1String("message")).toString();
         if (result.error.isEmpty())
             result.error = HttpCall::tr("The server answered with status %1.").arg(status);
@@ -39,8 +39,8 @@ HttpCall::HttpCall(HttpTransport* transport, const HttpRequest& request, QObject
 {
     m_deadline.setSingleShot(true);
     m_pause.setSingleShot(true);
-    connect(&m_deadline, &QTimer::timeout, this, &HttpCall::TimeOut);
-    connect(&m_pause, &QTimer::timeout, this, &HttpCall::GoOn);
+    connect(&m_deadline, &QTimer::timeout, this, &HttpCall::HandleTimeout);
+    connect(&m_pause, &QTimer::timeout, this, &HttpCall::HandlePauseEnd);
     Attempt();
 }
 
@@ -55,11 +55,11 @@ void HttpCall::Attempt()
     m_received.clear();
     m_reply = m_transport->Begin(m_request);
     if (!m_reply) {
-        EndAttempt({HttpResult::Unreachable, {}, tr("No server is known yet.")});
+        EndAttempt({HttpResult::Unreachable, {}, tr("The farm is not running at the moment.")});
         return;
     }
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpCall::Collect);
-    connect(m_reply, &QNetworkReply::finished, this, &HttpCall::Conclude);
+    connect(m_reply, &QNetworkReply::finished, this, &HttpCall::HandleFinished);
     connect(m_reply, &QNetworkReply::uploadProgress, this, &HttpCall::Sent);
     m_deadline.start(m_request.attemptTime > 0 ? m_request.attemptTime : m_transport->Limits().attemptTime);
 }
@@ -71,18 +71,18 @@ void HttpCall::Collect()
         EndAttempt({HttpResult::TooLarge, {}, tr("The server's answer is too large.")});
 }
 
-void HttpCall::TimeOut()
+void HttpCall::HandleTimeout()
 {
     EndAttempt({HttpResult::TimedOut, {}, tr("The server did not answer in time.")});
 }
 
-void HttpCall::Conclude()
+void HttpCall::HandleFinished()
 {
     Collect();
     if (!m_reply)
         return;
     HttpResult result = ResultOf(*m_reply, m_received);
-    result.retryAfter = std::clamp(m_reply->rawHeader("Retry-After").toInt(), 0, kLongestRetryAfter);
+    result.retryAfter = std::clamp(m_reply->rawHeader("Retry-After").toInt(), 0, LongestRetryAfter);
     EndAttempt(result);
 }
 
@@ -90,7 +90,7 @@ void HttpCall::EndAttempt(const HttpResult& result)
 {
     DropReply();
     const HttpLimits& limits = m_transport->Limits();
-    if (m_request.repeatable && m_attempt < limits.attempts && IsPassing(result.status)) {
+    if (m_request.repeatable && m_attempt < limits.attempts && IsTransient(result.status)) {
         const int pause = Backoff(limits.firstPause, limits.longestPause).PauseAfter(m_attempt);
         m_pause.start(std::min(std::max(pause, result.retryAfter * 1000), limits.longestPause));
         return;
@@ -99,13 +99,13 @@ void HttpCall::EndAttempt(const HttpResult& result)
     m_pause.start(0);
 }
 
-void HttpCall::GoOn()
+void HttpCall::HandlePauseEnd()
 {
     if (!m_result) {
         Attempt();
         return;
     }
-    // Whoever hears of it may delete this call: touch nothing of it afterwards, the result included.
+    // A receiver may delete this call, and m_result with it, so nothing of it may be used afterwards.
     const HttpResult result = *m_result;
     deleteLater();
     emit Finished(result);

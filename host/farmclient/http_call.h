@@ -8,7 +8,7 @@
 
 #include <optional>
 
-/// One request through all its attempts. Reports once, never from inside the call that sent it, and deletes itself.
+/// One request through all its attempts. It reports once, never from inside HttpTransport::Send, and then deletes itself.
 class HttpCall : public QObject
 {
     Q_OBJECT
@@ -19,24 +19,24 @@ public:
     ~HttpCall() override;
 
 signals:
-    /// How much of the body is on its way, in bytes; less than before when another attempt begins.
+    /// @param bytes of the body sent by the current attempt; starts again from 0 with each attempt.
     void Sent(qint64 bytes);
     void Finished(const HttpResult& result);
 
 private:
     void Attempt();
     void Collect();
-    void TimeOut();
-    void Conclude();
+    void HandleTimeout();
+    void HandleFinished();
     void EndAttempt(const HttpResult& result);
     void DropReply();
-    void GoOn();
+    void HandlePauseEnd();
 
     HttpTransport* m_transport;
     HttpRequest m_request;
     QPointer<QNetworkReply> m_reply;
     QByteArray m_received;
-    std::optional<HttpResult> m_result; // once there is no further attempt
+    std::optional<HttpResult> m_result; // set when no attempt follows
     QTimer m_deadline;
     QTimer m_pause; // before the next attempt, or before the result is reported
     int m_attempt = 0;

@@ -32,7 +32,7 @@ QNetworkReply* HttpTransport::Begin(const HttpRequest& request)
     message.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
     message.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("QuillStar/" QSCLIENT_VERSION));
     message.setRawHeader("Accept", "application/json");
-    // Plain bytes, so that the limit on an answer's size counts what arrives and nothing is inflated unseen.
+    // Uncompressed, so that the limit on an answer's size counts the bytes received.
     message.setRawHeader("Accept-Encoding", "identity");
     if (!request.token.isEmpty())
         message.setRawHeader("Authorization", "Bearer " + request.token);
@@ -70,8 +70,8 @@ void Discard(QPointer<QNetworkReply>& reply, const QObject* receiver)
     reply.clear();
 }
 
-bool IsPassing(int status)
+bool IsTransient(int status)
 {
-    return status == HttpResult::Unreachable || status == HttpResult::TimedOut || status == 429
-        || status >= 500;
+    return status == HttpResult::Unreachable || status == HttpResult::TimedOut
+        || status == HttpStatus::TooManyRequests || status >= HttpStatus::ServerError;
 }

@@ -3,5 +3,5 @@
 #include <atomic>
 #include <memory>
 
-/// Set from the GUI thread to end early what a worker thread is doing.
+/// The GUI thread sets it to make a worker thread stop its current work early.
 using InterruptFlag = std::shared_ptr<std::atomic<bool>>;

@@ -205,8 +205,8 @@
         <translation>The server answered with status %1.</translation>
     </message>
     <message>
-        <source>No server is known yet.</source>
-        <translation>No server is known yet.</translation>
+        <source>The farm is not running at the moment.</source>
+        <translation>The farm is not running at the moment.</translation>
     </message>
     <message>
         <source>The server&apos;s answer is too large.</source>

@@ -205,8 +205,8 @@
         <translation>服务器返回状态码 %1。</translation>
     </message>
     <message>
-        <source>No server is known yet.</source>
-        <translation>尚未找到服务器。</translation>
+        <source>The farm is not running at the moment.</source>
+        <translation>渲染农场目前没有运行。</translation>
     </message>
     <message>
         <source>The server&apos;s answer is too large.</source>

@@ -110,7 +110,7 @@ HttpCall* CommunicationService::Send(const HttpRequest& request, const Handling&
         const Answer answer = FarmProtocol::Decode(result, handling.check, handling.echo);
         const QPointer<QObject> session = m_session.get();
         emit(this->*handling.response)(answer.code, answer.map);
-        if (ofSession && answer.code == 401 && session)
+        if (ofSession && answer.code == HttpStatus::Unauthorized && session)
             ReportExpiry();
     });
     return call;

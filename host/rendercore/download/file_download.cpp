@@ -178,9 +178,11 @@ void FileDownload::Ask()
 
 void FileDownload::Accept(int status)
 {
-    const qint64 start = status == 206 ? RangeStart(m_reply->rawHeader("Content-Range"), m_task.size) : 0;
+    const qint64 start = status == HttpStatus::PartialContent
+        ? RangeStart(m_reply->rawHeader("Content-Range"), m_task.size)
+        : 0;
     const QVariant length = m_reply->header(QNetworkRequest::ContentLengthHeader);
-    if (status == 200 && m_offset > 0)
+    if (status == HttpStatus::Ok && m_offset > 0)
         StartOver();
     if (start != m_offset) {
         End(DownloadOutcome::Broken,
@@ -195,16 +197,18 @@ void FileDownload::Accept(int status)
 void FileDownload::Refuse(int status)
 {
     const int seconds = std::clamp(m_reply->rawHeader("Retry-After").toInt(), 0, LongestRetryAfter);
-    if (status == 401) {
+    if (status == HttpStatus::Unauthorized) {
         End(DownloadOutcome::SignedOut);
-    } else if (status == 404 || status == 412) {
+    } else if (status == HttpStatus::NotFound || status == HttpStatus::PreconditionFailed) {
         End(DownloadOutcome::Outdated, tr("%1 has changed on the farm.").arg(m_task.name));
-    } else if (status == 416 && !m_startedOver) {
+    } else if (status == HttpStatus::RangeNotSatisfiable && !m_startedOver) {
         m_startedOver = true;
         DropReply();
         StartOver();
         Ask();
-    } else if (status >= 400 && status < 500 && status != 416 && status != 408 && !IsPassing(status)) {
+    } else if (status >= HttpStatus::BadRequest && status < HttpStatus::ServerError
+        && status != HttpStatus::RangeNotSatisfiable && status != HttpStatus::RequestTimeout
+        && !IsTransient(status)) {
         End(DownloadOutcome::Failed,
             tr("The farm refuses to send %1 (status %2).").arg(m_task.name, QString::number(status)));
     } else {
@@ -218,7 +222,7 @@ void FileDownload::Refuse(int status)
 void FileDownload::Receive()
 {
     const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (status != 200 && status != 206)
+    if (status != HttpStatus::Ok && status != HttpStatus::PartialContent)
         return; // the body explains a refusal
     if (!m_accepted)
         Accept(status);

@@ -37,7 +37,7 @@ FarmFiles FilesOf(const QJsonObject& answer)
 
 bool IsList(const HttpResult& result)
 {
-    return result.status == 200
+    return result.status == HttpStatus::Ok
         && result.json.value(QLatin1String("data")).toObject().value(QLatin1String("list")).isArray();
 }
 
@@ -100,9 +100,10 @@ void OrderDesk::HandleAnswer(const DownloadOrder& order, const HttpResult& resul
     m_asked.remove(order.job);
     if (IsList(result))
         Apply(order, FilesOf(result.json));
-    else if (result.status == 401)
+    else if (result.status == HttpStatus::Unauthorized)
         emit SignedOut();
-    else if (result.status == HttpResult::TooLarge || (result.status >= 400 && !IsPassing(result.status)))
+    else if (result.status == HttpResult::TooLarge
+        || (result.status >= HttpStatus::BadRequest && !IsTransient(result.status)))
         Close(order, result.error);
     else
         Postpone(order);

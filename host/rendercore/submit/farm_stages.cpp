@@ -1,5 +1,6 @@
 #include "host/rendercore/submit/farm_stages.h"
 
+#include "host/farmclient/farm_numbers.h"
 #include "host/rendercore/submit/job_body.h"
 #include "host/rendercore/submit/submit_text.h"
 #include "host/rendercore/submit/task_packages.h"
@@ -12,12 +13,10 @@
 
 namespace {
 
-constexpr int ChecksumsAtOnce = 1000;
-constexpr qint64 LargestChunk = 2LL * 1024 * 1024; // bytes
-constexpr int ChunkTime = 120 * 1000;              // ms
-constexpr int UnpackTime = 30 * 60 * 1000;         // ms
-constexpr int MostStalls = 5;                      // answers, for one package, with nothing new received
-constexpr double LargestSize = 1LL << 50;          // bytes
+constexpr int ChunkTime = 120 * 1000;      // ms
+constexpr int UnpackTime = 30 * 60 * 1000; // ms
+constexpr int MostStalls = 5;              // answers, for one package, with nothing new received
+constexpr double LargestSize = 1LL << 50;  // bytes
 
 QJsonObject DataOf(const HttpResult& result)
 {
@@ -73,15 +72,16 @@ void FarmStages::CopySame()
         checksums.append(file.checksum);
     checksums.removeDuplicates();
     QSet<QString> wanted(checksums.cbegin(), checksums.cend());
-    for (int from = 0; from < checksums.size(); from += ChecksumsAtOnce) {
-        const QJsonArray some = QJsonArray::fromStringList(checksums.mid(from, ChecksumsAtOnce));
+    for (int from = 0; from < checksums.size(); from += FarmNumbers::MostChecksums) {
+        const QJsonArray some = QJsonArray::fromStringList(checksums.mid(from, FarmNumbers::MostChecksums));
         const auto result = m_farm.Post("/contents/known", {{QStringLiteral("checksums"), some}});
         if (!Check(result))
             return;
         const QJsonArray known = DataOf(*result).value(QLatin1String("known")).toArray();
         for (const QJsonValue& checksum : known)
             wanted.remove(checksum.toString());
-        (*m_onProgress)(std::min(from + ChecksumsAtOnce, checksums.size()) * 100 / checksums.size(), {});
+        (*m_onProgress)(
+            std::min(from + FarmNumbers::MostChecksums, checksums.size()) * 100 / checksums.size(), {});
     }
     for (PackedFile& file : m_outcome.work.files) {
         file.isWanted = wanted.remove(file.checksum);
@@ -165,7 +165,7 @@ std::optional<HttpResult> FarmStages::SendChunk(
         meter.SetInFlight(bytes);
         (*m_onProgress)(meter.Percent(), meter.Text());
     });
-    if (!IsStatus(result, 409))
+    if (!IsStatus(result, HttpStatus::Conflict))
         return result;
     // The farm's offset differs from ours, so its offset is fetched.
     HttpRequest question;
@@ -192,14 +192,14 @@ void FarmStages::UncompressAll()
 bool FarmStages::Uncompress(PackedFile& file)
 {
     const auto result = m_farm.Post(UploadTarget(file.upload.toUtf8()) + "/unpack", {}, UnpackTime);
-    if (IsStatus(result, 404) || IsStatus(result, 409)) {
+    if (IsStatus(result, HttpStatus::NotFound) || IsStatus(result, HttpStatus::Conflict)) {
         file.isSent = false;
         Repeat(SubmitStage::Upload, QString::fromLatin1(SubmitText::Busy));
         return false;
     }
     if (!CheckPassing(result))
         return false;
-    if (result->status != 200) {
+    if (result->status != HttpStatus::Ok) {
         Refuse(file, result->error);
         return true;
     }
@@ -218,7 +218,7 @@ bool FarmStages::Uncompress(PackedFile& file)
 void FarmStages::Submit()
 {
     const auto result = m_farm.Post("/jobs", JobBody(m_request->task));
-    if (IsStatus(result, 409)) {
+    if (IsStatus(result, HttpStatus::Conflict)) {
         Repeat(SubmitStage::CopySame, QString::fromLatin1(SubmitText::Busy));
         return;
     }
@@ -234,10 +234,10 @@ bool FarmStages::ReadUpload(const HttpResult& result, const PackedFile& file, Up
     const QJsonObject data = DataOf(result);
     upload.id = data.value(QLatin1String("id")).toString().toUtf8();
     upload.offset = BytesOf(data.value(QLatin1String("offset")));
-    upload.chunkSize = std::min(BytesOf(data.value(QLatin1String("chunkSize"))), LargestChunk);
+    upload.chunkSize = std::min(BytesOf(data.value(QLatin1String("chunkSize"))), FarmNumbers::LargestChunk);
     if (data.value(QLatin1String("unpacked")).toBool())
         upload.offset = file.packageSize;
-    if (result.status != 200)
+    if (result.status != HttpStatus::Ok)
         Refuse(file, result.error);
     else if (upload.id.isEmpty() || upload.offset < 0 || upload.offset > file.packageSize
         || upload.chunkSize < 1)
@@ -252,7 +252,7 @@ bool FarmStages::Check(const std::optional<HttpResult>& result)
 {
     if (!CheckPassing(result))
         return false;
-    if (result->status == 200)
+    if (result->status == HttpStatus::Ok)
         return true;
     m_outcome.kind = StageOutcome::Kind::Failed;
     m_outcome.error = SubmitError::FarmRefused;
@@ -265,9 +265,9 @@ bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
 {
     if (!result)
         return false;
-    const bool isFull = result->status == 507;
-    const bool isSignedOut = result->status == 401;
-    if (isFull || !(isSignedOut || IsPassing(result->status)))
+    const bool isFull = result->status == HttpStatus::InsufficientStorage;
+    const bool isSignedOut = result->status == HttpStatus::Unauthorized;
+    if (isFull || !(isSignedOut || IsTransient(result->status)))
         return true;
     const bool isAway = result->status <= 0;
     const char* const text = isAway ? SubmitText::Unreachable : SubmitText::Busy;
@@ -275,7 +275,7 @@ bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
     m_outcome.retryAfter = result->retryAfter;
     if (isSignedOut)
         m_outcome.obstacle = StageOutcome::Obstacle::Session;
-    else if (isAway || result->status == 429)
+    else if (isAway || result->status == HttpStatus::TooManyRequests)
         m_outcome.obstacle = StageOutcome::Obstacle::Farm;
     return false;
 }

@@ -1,5 +1,6 @@
 #include "host/rendercore/submit/job_body.h"
 
+#include "host/farmclient/farm_numbers.h"
 #include "host/rendercore/submit/scene_analysis.h"
 #include "host/rendercore/submit/submit_arguments.h"
 
@@ -8,11 +9,6 @@
 #include <QJsonDocument>
 
 namespace {
-
-constexpr int LongestName = 256;   // characters
-constexpr int ChecksumLength = 64; // digits
-// The farm takes 1 MiB a request; everything but the files is far smaller than the difference.
-constexpr int MostFileBytes = 1000 * 1000;
 
 QJsonObject FileMembers(const QString& path, const QString& checksum)
 {
@@ -29,7 +25,8 @@ QJsonObject JobBody(const SubmitTask& task)
     QJsonObject job = JobMembers(task.arguments, task.work.width, task.work.height);
     job.insert(QStringLiteral("submission"), task.submission);
     job.insert(QStringLiteral("type"), JobTypeOf(task.scene));
-    job.insert(QStringLiteral("name"), QFileInfo(task.scene).completeBaseName().left(LongestName));
+    job.insert(
+        QStringLiteral("name"), QFileInfo(task.scene).completeBaseName().left(FarmNumbers::LongestName));
     job.insert(QStringLiteral("scene"), task.work.scene);
     job.insert(QStringLiteral("files"), files);
     return job;
@@ -37,9 +34,9 @@ QJsonObject JobBody(const SubmitTask& task)
 
 bool AreTooManyFiles(const SubmitWork& work)
 {
-    const QString checksum(ChecksumLength, QLatin1Char('0'));
+    const QString checksum(FarmNumbers::ChecksumLength, QLatin1Char('0'));
     QJsonArray files;
     for (const PackedFile& file : work.files)
         files.append(FileMembers(file.path, checksum));
-    return QJsonDocument(files).toJson(QJsonDocument::Compact).size() > MostFileBytes;
+    return QJsonDocument(files).toJson(QJsonDocument::Compact).size() > FarmNumbers::MostFileListBytes;
 }

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QtGlobal>
+
+/// The HTTP statuses that mean something to the client.
+namespace HttpStatus {
+
+constexpr int Ok = 200;
+constexpr int PartialContent = 206;
+constexpr int BadRequest = 400;
+constexpr int Unauthorized = 401; ///< the farm does not know the session
+constexpr int NotFound = 404;
+constexpr int RequestTimeout = 408;
+constexpr int Conflict = 409;
+constexpr int PreconditionFailed = 412;
+constexpr int RangeNotSatisfiable = 416;
+constexpr int TooManyRequests = 429;
+constexpr int ServerError = 500; ///< the first of them
+constexpr int InsufficientStorage = 507;
+
+} // namespace HttpStatus
+
+/// The sizes that the farm and the client agree on. The farm's own limits are in docs/farm-api.md.
+namespace FarmNumbers {
+
+constexpr int LongestToken = 4096;
+constexpr int LongestTarget = 4096; ///< bytes; the farm takes twice as many, a proxy may take fewer
+constexpr int LongestName = 256;    ///< of a job
+constexpr int ChecksumLength = 64;  ///< hexadecimal digits of SHA-256
+constexpr int MostListedJobs = 1000;
+constexpr int MostChecksums = 1000;                 ///< in one question for known contents
+constexpr int MostFileListBytes = 1000 * 1000;      ///< of a submission; the farm takes 1 MiB with all else
+constexpr qint64 LargestChunk = 2LL * 1024 * 1024;  ///< bytes of an upload sent at once
+constexpr qint64 LongestAnswer = 8LL * 1024 * 1024; ///< bytes of a JSON answer
+
+} // namespace FarmNumbers
