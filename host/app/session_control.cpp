@@ -109,7 +109,7 @@ void SessionControl::HandleSignIn(int code, const QVariantMap& answer)
     m_signedIn = true;
     m_signOut.setEnabled(true);
     m_window.SetBusy(false);
-    m_window.Succeeded();
+    m_window.Reset();
     m_settings->SetValue(LastNameKey(), answer.value(QStringLiteral("loginname")));
     m_window.Form()->hide();
     emit SignedIn(answer.value(QStringLiteral("username")).toString(),

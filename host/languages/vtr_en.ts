@@ -253,20 +253,20 @@
         <translation>%1 × %2 pixels</translation>
     </message>
     <message>
-        <source>The file is not there, or cannot be read.</source>
-        <translation>The file is not there, or cannot be read.</translation>
+        <source>The file does not exist or cannot be read.</source>
+        <translation>The file does not exist or cannot be read.</translation>
     </message>
     <message>
-        <source>The file is no picture that can be shown here.</source>
-        <translation>The file is no picture that can be shown here.</translation>
+        <source>The file is not a picture that can be shown here.</source>
+        <translation>The file is not a picture that can be shown here.</translation>
     </message>
     <message>
         <source>The picture is too large to be shown here.</source>
         <translation>The picture is too large to be shown here.</translation>
     </message>
     <message>
-        <source>The picture is broken.</source>
-        <translation>The picture is broken.</translation>
+        <source>The picture is damaged.</source>
+        <translation>The picture is damaged.</translation>
     </message>
 </context>
 <context>
@@ -288,8 +288,8 @@
         <translation>Next picture</translation>
     </message>
     <message>
-        <source>Show every pixel</source>
-        <translation>Show every pixel</translation>
+        <source>Show in actual size</source>
+        <translation>Show in actual size</translation>
     </message>
 </context>
 <context>

@@ -253,11 +253,11 @@
         <translation>%1 × %2 像素</translation>
     </message>
     <message>
-        <source>The file is not there, or cannot be read.</source>
+        <source>The file does not exist or cannot be read.</source>
         <translation>文件不存在或无法读取。</translation>
     </message>
     <message>
-        <source>The file is no picture that can be shown here.</source>
+        <source>The file is not a picture that can be shown here.</source>
         <translation>此文件不是可在此显示的图片。</translation>
     </message>
     <message>
@@ -265,7 +265,7 @@
         <translation>图片过大，无法在此显示。</translation>
     </message>
     <message>
-        <source>The picture is broken.</source>
+        <source>The picture is damaged.</source>
         <translation>图片已损坏。</translation>
     </message>
 </context>
@@ -288,8 +288,8 @@
         <translation>下一张</translation>
     </message>
     <message>
-        <source>Show every pixel</source>
-        <translation>按原始像素显示</translation>
+        <source>Show in actual size</source>
+        <translation>按实际大小显示</translation>
     </message>
 </context>
 <context>

@@ -80,7 +80,7 @@ int CommunicationService::GetJobList(const QVariant& status, const QVariantHash&
 {
     if (const int refusal = CheckRequest(status))
         return refusal;
-    // An older page must not arrive after the one that the user has turned to since.
+    // The answer for an earlier page must not arrive after the one for the page now shown.
     const QString key = QStringLiteral("identifier");
     QPointer<HttpCall>& newest = m_jobLists[request.value(key).toInt()];
     delete newest.data();

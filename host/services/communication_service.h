@@ -10,10 +10,10 @@
 
 #include <memory>
 
-/// All requests to the farm.
+/// Sends the window's requests to the farm.
 ///
-/// A request that is taken gets its answer as a signal, later, whatever becomes of the server. The exceptions: requests
-/// of a session that has ended, or that a newer one replaces, are cancelled and never answered.
+/// Every accepted request is answered by a signal, later, whatever happens to the server. The only exceptions are
+/// requests of an ended session and job lists that a newer request replaces: they are cancelled and never answered.
 class CommunicationService : public ServiceBase<VTCommunicationInterface>
 {
     Q_OBJECT
@@ -22,10 +22,10 @@ class CommunicationService : public ServiceBase<VTCommunicationInterface>
 public:
     explicit CommunicationService(const HttpLimits& limits = {}, QObject* parent = nullptr);
 
-    /// @param url root of the server, without the interface's own path; empty while there is none.
+    /// @param url root of the server, without the path of the farm's interface; empty while there is none.
     void SetServerUrl(const QUrl& url);
 
-    /// Ends what is left of an earlier session and starts a new one; answered by SignInResponse.
+    /// Cancels the requests of an earlier session and starts a new one; answered by SignInResponse.
     void SignIn(const QString& name, const QString& password);
 
     int SignOut(const QVariant& status, const QVariantHash& request) override;
@@ -40,13 +40,13 @@ public:
     int GetProjectList(const QVariant& status, const QVariantHash& request) override;
 
 signals:
-    /// The server no longer knows the session that a request belonged to. Once a session.
+    /// The farm no longer knows the session. Emitted once a session.
     void SessionExpired();
 
 private:
     using Response = void (VTCommunicationInterface::*)(int, QVariantMap);
 
-    /// What is to be done with the result of a request.
+    /// Says how the result of a request becomes an answer.
     struct Handling
     {
         FarmProtocol::Check check;
@@ -62,7 +62,7 @@ private:
     void ReportExpiry();
 
     HttpTransport m_transport;
-    std::unique_ptr<QObject> m_session;        // owns the session's calls, so that they end with it
-    QHash<int, QPointer<HttpCall>> m_jobLists; // the newest request by its identifier
+    std::unique_ptr<QObject> m_session;        // owns the session's calls, which end with it
+    QHash<int, QPointer<HttpCall>> m_jobLists; // the newest call by the request's identifier
     bool m_expiryReported = false;
 };

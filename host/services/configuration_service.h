@@ -6,7 +6,7 @@
 
 class ConfigurationDialog;
 
-/// The configuration dialog, the finish sound and the client's version.
+/// Opens the configuration dialog, plays the finish sound and knows the client's version.
 class ConfigurationService : public ServiceBase<VTConfigurationInterface>
 {
     Q_OBJECT
@@ -16,7 +16,7 @@ public:
     /// @param dialog must outlive this service.
     explicit ConfigurationService(ConfigurationDialog* dialog, QObject* parent = nullptr);
 
-    /// The account whose switches the dialog shows.
+    /// Sets the account whose settings the dialog shows.
     void SetUserName(const QString& userName);
 
     QString GetVersion() override;
@@ -24,7 +24,8 @@ public:
 public slots:
     void ShowConf() override;
 
-    /// Plays a chime, once a second at most.
+    /// Plays a chime, at most once a second.
+    /// @param file the finished download; not used.
     void Finish(QString file) override;
 
 private:

@@ -13,9 +13,9 @@ static void InitSounds()
 
 namespace {
 
-constexpr qint64 shortestPauseMs = 1000;
+constexpr qint64 ShortestPause = 1000; // ms
 
-/// Looked for before Qt Multimedia is touched, which complains where there is no sound server.
+/// Asked before Qt Multimedia is used, which prints warnings without a sound server.
 bool IsSoundServerThere()
 {
     if (!qEnvironmentVariableIsEmpty("PULSE_SERVER"))
@@ -33,7 +33,7 @@ FinishSound::~FinishSound() = default;
 
 void FinishSound::Play()
 {
-    if (m_played.isValid() && !m_played.hasExpired(shortestPauseMs))
+    if (m_played.isValid() && !m_played.hasExpired(ShortestPause))
         return;
     m_played.start();
     if (!IsSoundServerThere() || QAudioDeviceInfo::defaultOutputDevice().isNull())

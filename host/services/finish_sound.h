@@ -6,17 +6,17 @@
 
 class QSoundEffect;
 
-/// The chime of a finished download, on the default audio device; nothing where there is none.
+/// Plays the chime of a finished download on the default audio device; silent without one.
 class FinishSound
 {
 public:
     FinishSound();
     ~FinishSound();
 
-    /// Returns at once. Asked for again within a second it stays silent.
+    /// Returns at once. Calls within a second of the last sound are ignored.
     void Play();
 
 private:
-    std::unique_ptr<QSoundEffect> m_effect; // made when it is first needed
+    std::unique_ptr<QSoundEffect> m_effect; // created on first use
     QElapsedTimer m_played;
 };

@@ -11,7 +11,7 @@ namespace spdlog {
 class logger;
 } // namespace spdlog
 
-/// The logger interface on a QObject, so that it can be registered and cast like the other services.
+/// Makes the logger interface a QObject, so that it can be registered and cast like the other services.
 class LoggerObject : public QObject, public VTLoggerInterface
 {
     Q_OBJECT
@@ -21,27 +21,27 @@ public:
     using QObject::QObject;
 };
 
-/// What the log keeps and where.
+/// Where the log is written and which messages it keeps.
 struct LogOptions
 {
-    QString file;                           ///< empty: console only
-    QString level = QStringLiteral("info"); ///< least severe level that is kept: one of Levels()
+    QString file;                           ///< empty for the console only
+    QString level = QStringLiteral("info"); ///< the least severe level to keep, one of Levels()
     int maxFileBytes = 4 * 1024 * 1024;
-    int oldFiles = 3; ///< rotated files beside the current one
+    int oldFiles = 3; ///< rotated files kept beside the current one
     bool console = true;
 
     static QStringList Levels();
 };
 
-/// The log sink: one line a message, with time, level and category, into a rotating file and the console.
+/// Writes one line a message, with time, level and category, to a rotating file and the console.
 ///
-/// May be written to from any thread.
+/// Write may be called in any thread.
 class LoggerService : public ServiceBase<LoggerObject>
 {
     Q_OBJECT
 
 public:
-    /// The numbers that Write takes; the greater the number, the less severe the message.
+    /// The levels that Write takes; the greater the number, the less severe the message.
     enum Level { Critical = 8, Error = 16, Warning = 32, Info = 64, Debug = 128 };
 
     explicit LoggerService(const LogOptions& options, QObject* parent = nullptr);

@@ -16,12 +16,12 @@ namespace {
 
 constexpr int KindQuestion = 4;
 constexpr int MaximumTitleWidth = 340;
-constexpr int AreaColumns = 60; ///< about, for the height of the area
+constexpr int AreaColumns = 60; // estimated characters a line, for the height of the area
 constexpr int AreaMargin = 12;
 constexpr int MinimumAreaLines = 3;
 constexpr int MaximumAreaLines = 12;
 
-/// Names in the order of the numbers that they end with: "btnMessageBox_2" before "btnMessageBox_10".
+/// Sorts names by the number at their end: "btnMessageBox_2" comes before "btnMessageBox_10".
 QStringList InOrder(QStringList names)
 {
     std::sort(names.begin(), names.end(), [](const QString& one, const QString& other) {
@@ -56,11 +56,11 @@ void FillKind(const SkinnedForm& box, int kind)
     const QString name = kind == KindQuestion ? QStringLiteral("question") : QStringLiteral("notice");
     auto* label = box.Find<QLabel>("lblIcon");
     label->setProperty("kind", name);
-    // The style sheet chooses the picture by the property, and looks at it only when it is set.
+    // The style sheet chooses the picture by this property, but evaluates it only when a sheet is set.
     label->setStyleSheet(label->styleSheet());
 }
 
-/// @return the new button; pressing it notes its name and closes the dialog.
+/// @return the new button; a click stores its name in `pressed` and closes the dialog.
 QPushButton* AddButton(
     QDialog* dialog, QWidget* row, const QString& name, const QString& caption, QString* pressed)
 {

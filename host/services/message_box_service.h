@@ -7,7 +7,7 @@
 
 class VTUiLoaderInterface;
 
-/// Message boxes on the form "com.vtr.messagebox", in the current skin. They show plain text only.
+/// Shows message boxes on the form "com.vtr.messagebox", in the current skin. Their texts are plain, never markup.
 class MessageBoxService : public ServiceBase<VTMessagboxInterface>
 {
     Q_OBJECT
@@ -17,7 +17,8 @@ public:
     /// @param loader must outlive the boxes.
     explicit MessageBoxService(VTUiLoaderInterface* loader, QObject* parent = nullptr);
 
-    /// Enter presses the button whose name has the highest number. Without any button there is one, "btnMessageBox_1".
+    /// Enter presses the button whose name has the highest number. Without `buttons` there is one, "btnMessageBox_1".
+    /// @return the name of the pressed button; empty when the box was closed otherwise.
     QString ShowMessage(int kind, const QString& title, const QString& text, const QIcon& icon,
         const QString& detail, const QVariantHash& buttons, bool list) override;
 

@@ -19,13 +19,13 @@ public:
     explicit PreviewerService(VTUiLoaderInterface* loader, QObject* parent = nullptr);
     ~PreviewerService() override;
 
-    /// With a "file" among the parameters, the path of a picture, the window shows it.
+    /// If `parameters` hold a "file", the path of a picture, the window shows it.
     int Show(QVariant& result, const QVariantMap& parameters) override;
 
-    /// Shows the file; see PreviewWindow::Open().
+    /// Shows the picture; see PreviewWindow::Open.
     void Open(const QString& file);
 
 private:
     VTUiLoaderInterface* m_loader;
-    std::unique_ptr<PreviewWindow> m_window; // made when it is first needed
+    std::unique_ptr<PreviewWindow> m_window; // created on first use
 };

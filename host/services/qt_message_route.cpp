@@ -7,7 +7,7 @@
 
 namespace {
 
-// The message handler is a plain function and may run on any thread, also while the route is taken down.
+// The message handler is a plain function and may run in any thread, also while the route is being destroyed.
 QReadWriteLock s_lock;
 LoggerService* s_logger = nullptr;
 

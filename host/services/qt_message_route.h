@@ -4,7 +4,7 @@
 
 class LoggerService;
 
-/// Sends Qt's own messages (qDebug, qWarning, …) to the log for as long as it lives. One at a time.
+/// Sends Qt's messages (qDebug, qWarning, …) to the log while it lives. Only one may exist at a time.
 class QtMessageRoute
 {
 public:

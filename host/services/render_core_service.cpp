@@ -19,21 +19,21 @@ RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface*
     });
     connect(&m_downloads, &DownloadQueue::ListChanged, this, &VTRenderCoreInterface::DownloadListChanged);
     connect(&m_downloads, &DownloadQueue::FileFinished, this, &VTRenderCoreInterface::DownloadFinish);
-    // The download folder is one of the settings.
-    connect(settings, &VTSettingsInterface::SettingsUpdated, this, &RenderCoreService::PassAccess);
+    // The folder for downloads is a setting.
+    connect(settings, &VTSettingsInterface::SettingsUpdated, this, &RenderCoreService::UpdateAccess);
 }
 
 void RenderCoreService::SetServerUrl(const QUrl& url)
 {
     m_server = url;
-    PassAccess();
+    UpdateAccess();
 }
 
 void RenderCoreService::BeginSession(const QString& userName, const QString& token)
 {
     m_userName = userName;
     m_token = token;
-    PassAccess();
+    UpdateAccess();
 }
 
 void RenderCoreService::EndSession()
@@ -46,7 +46,7 @@ bool RenderCoreService::eventFilter(QObject* watched, QEvent* event)
     return m_formFilter && m_formFilter->eventFilter(watched, event);
 }
 
-void RenderCoreService::PassAccess()
+void RenderCoreService::UpdateAccess()
 {
     FarmAccess access;
     access.apiRoot = FarmApiRoot(m_server);
@@ -92,7 +92,7 @@ void RenderCoreService::ResumeSubmitTasks()
     m_submissions.ResumeAll();
 }
 
-/// An empty task for an unknown id.
+/// @return an empty task for an unknown id.
 const SubmitTask& RenderCoreService::Task(const QString& id) const
 {
     static const SubmitTask none;

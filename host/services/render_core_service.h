@@ -9,28 +9,28 @@
 
 class VTSettingsInterface;
 
-/// Submissions and downloads as the main window knows them. Every operation is passed on to one of the two queues.
+/// The engine of submissions and downloads, as the main window sees it. Every operation is forwarded to one of two queues.
 class RenderCoreService : public ServiceBase<VTRenderCoreInterface>
 {
     Q_OBJECT
     Q_INTERFACES(VTRenderCoreInterface)
 
 public:
-    /// @param folder for the data of the queues.
+    /// @param folder for the queues' databases and packages.
     /// @param settings must outlive this service.
     RenderCoreService(const QString& folder, VTSettingsInterface* settings, QObject* parent = nullptr);
 
-    /// Must be called before a session begins.
-    /// @param name identifies the server across starts of the client.
+    /// @param name identifies the server across starts of the client. Set it before a session begins.
     void SetServerName(const QString& name) { m_serverName = name; }
-    /// @param url the root of the server; empty while there is none.
+
+    /// @param url root of the server; empty while there is none.
     void SetServerUrl(const QUrl& url);
 
-    /// Loads the tasks of this account, which then go on.
+    /// Shows the account's tasks and lets them continue.
     void BeginSession(const QString& userName, const QString& token);
     void EndSession();
 
-    /// @param filter is passed the events of the main form, on which the window installs this service as a filter.
+    /// Sets the filter for events of the main form, on which the window installs this service as an event filter.
     void SetFormFilter(QObject* filter) { m_formFilter = filter; }
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -62,7 +62,7 @@ public slots:
     void TriggerJobIdType(QVariantMap orders) override;
 
 private:
-    void PassAccess();
+    void UpdateAccess();
     const SubmitTask& Task(const QString& id) const;
 
     VTSettingsInterface* m_settings;

@@ -2,9 +2,9 @@
 
 #include "vtr_baseinterface.h"
 
-/// The six life-cycle operations of a sibling service, written once.
+/// The six life-cycle operations that all services share.
 ///
-/// Show hands out the status that the other operations, and the requests of a service that has some, must bring back.
+/// Show hands out a status that callers pass to the other operations, and to the requests of the communication service.
 template <class Interface>
 class ServiceBase : public Interface
 {
@@ -46,7 +46,7 @@ public:
 protected:
     enum Status { StatusOk = 0, StatusNotInitialised = -3, StatusBadRequest = -4 };
 
-    /// StatusOk when the service is initialised and the request is the status that Show handed out.
+    /// @return StatusOk when the service is initialised and `request` is the status that Show handed out.
     int CheckRequest(const QVariant& request) const
     {
         if (!m_initialised)

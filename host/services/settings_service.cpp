@@ -9,7 +9,7 @@ SettingsService::SettingsService(const QString& file, QObject* parent)
     m_saving.setSingleShot(true);
     connect(&m_saving, &QTimer::timeout, this, &SettingsService::Save);
     if (m_store.status() != QSettings::NoError)
-        qWarning().noquote() << "the settings file cannot be read:" << m_store.fileName();
+        qWarning().noquote() << "cannot read the settings file" << m_store.fileName();
 }
 
 QVariant SettingsService::Value(const QString& key, const QVariant& fallback)
@@ -29,6 +29,6 @@ void SettingsService::Save()
 {
     m_store.sync();
     if (m_store.status() != QSettings::NoError)
-        qWarning().noquote() << "the settings cannot be saved:" << m_store.fileName();
+        qWarning().noquote() << "cannot save the settings to" << m_store.fileName();
     emit SettingsUpdated();
 }

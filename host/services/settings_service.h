@@ -6,19 +6,19 @@
 #include <QSettings>
 #include <QTimer>
 
-/// The settings store: one INI file, written atomically.
+/// Keeps the settings in one INI file, which is written atomically.
 class SettingsService : public ServiceBase<VTSettingsInterface>
 {
     Q_OBJECT
     Q_INTERFACES(VTSettingsInterface)
 
 public:
-    /// @param file path of the INI file; it and its folder are created at the first write.
+    /// @param file path of the INI file. The file and its folder are created with the first change.
     explicit SettingsService(const QString& file, QObject* parent = nullptr);
 
     QVariant Value(const QString& key, const QVariant& fallback) override;
 
-    /// Announces a changed value by SettingsUpdated, once for all values set before control returns to the event loop.
+    /// Emits SettingsUpdated later, once for all values changed before control returns to the event loop.
     void SetValue(const QString& key, const QVariant& value) override;
 
 private:

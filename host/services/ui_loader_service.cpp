@@ -24,17 +24,17 @@ const QLatin1String DefaultLanguage("vtr_en.qm");
 const QLatin1String SkinSetting("vtr.ui/skin");
 const QLatin1String LanguageSetting("vtr.ui/language");
 
-constexpr QSize CalendarSize(288, 248); // for six weeks below the bar that a skin styles
+constexpr QSize CalendarSize(288, 248); // room for six weeks below the bar that a skin styles
 
-/// Gives the lists and calendars that pop up what style sheets cannot give.
+/// Adjusts pop-up lists and calendars where style sheets cannot.
 void PreparePopups(const QWidget* form)
 {
-    // A box's own delegate knows nothing of style sheets.
+    // A combo box's own delegate ignores style sheets.
     const auto boxes = form->findChildren<QComboBox*>();
     for (QComboBox* box : boxes)
         box->setItemDelegate(new QStyledItemDelegate(box));
 
-    // Weekends would be red, which is the colour of failures here and hard to read on some grounds.
+    // Qt shows weekends in red, which means failure here and is hard to read on some backgrounds.
     const auto edits = form->findChildren<QDateTimeEdit*>();
     for (const QDateTimeEdit* edit : edits) {
         QCalendarWidget* calendar = edit->calendarWidget();
@@ -61,7 +61,7 @@ UiLoaderService::UiLoaderService(VTSettingsInterface* settings, QObject* parent)
     m_skin = Remembered(SkinSetting, DefaultSkin);
     if (!GetSkins().contains(m_skin))
         m_skin = DefaultSkin;
-    TakeRememberedLanguage();
+    RestoreLanguage();
 
     connect(&m_trayMenu, &TrayMenu::SkinChosen, this, &UiLoaderService::SetSkin);
     connect(&m_trayMenu, &TrayMenu::LanguageChosen, this, &UiLoaderService::SetLanguage);
@@ -75,11 +75,11 @@ UiLoaderService::~UiLoaderService() = default;
 
 QWidget* UiLoaderService::LoadUi(const QString& key, QWidget* parent)
 {
-    // Looked up in the list, so that a key is never taken for a path.
+    // Looking the name up in the listing keeps a key from being used as a path.
     const QDir forms(QStringLiteral(":/forms"));
     const QString name = key + QLatin1String(".ui");
     if (!forms.entryList(QDir::Files).contains(name)) {
-        qWarning("There is no form %s", qUtf8Printable(key));
+        qWarning("there is no form %s", qUtf8Printable(key));
         return nullptr;
     }
     QFile file(forms.filePath(name));
@@ -107,7 +107,7 @@ void UiLoaderService::PrepareMainForm(QWidget* form)
         return;
     QMenu* menu = GetMenu(QStringLiteral("menuTray"), QStringLiteral("meuSkin"));
     button->setMenu(menu);
-    // The button hears nothing of a mouse that leaves it while its menu is open.
+    // The button gets no leave event while its menu is open.
     connect(menu, &QMenu::aboutToHide, button, [button] {
         const bool isOver = button->rect().contains(button->mapFromGlobal(QCursor::pos()));
         button->setAttribute(Qt::WA_UnderMouse, isOver);
@@ -145,7 +145,7 @@ bool UiLoaderService::InstallLanguage(const QString& file)
     return true;
 }
 
-void UiLoaderService::TakeRememberedLanguage()
+void UiLoaderService::RestoreLanguage()
 {
     const QStringList files = GetLanguages();
     for (const QString& wanted : {Remembered(LanguageSetting, DefaultLanguage), QString(DefaultLanguage)}) {

@@ -12,18 +12,18 @@
 
 #include <memory>
 
-/// Forms, skins, languages, the tray menu and the switching between windows.
+/// Loads forms, switches skins and languages, and owns the tray menu.
 ///
-/// Forms and the built-in skins are resources; further skins are found as "skins/*.rcc" and languages as
-/// "languages/vtr_<locale>.qm" next to the executable. The user's choice is kept under "vtr.ui/skin" and
-/// "vtr.ui/language".
+/// Forms and the built-in skins are resources. Additional skins are files "skins/*.rcc" and languages are files
+/// "languages/vtr_<locale>.qm" next to the executable. The settings "vtr.ui/skin" and "vtr.ui/language" keep the user's
+/// choice.
 class UiLoaderService final : public ServiceBase<VTUiLoaderInterface>
 {
     Q_OBJECT
     Q_INTERFACES(VTUiLoaderInterface)
 
 public:
-    /// @param settings may be null, then nothing is remembered; must outlive the loader.
+    /// @param settings must outlive the loader; null when nothing is to be remembered.
     explicit UiLoaderService(VTSettingsInterface* settings, QObject* parent = nullptr);
     ~UiLoaderService() override;
 
@@ -38,25 +38,26 @@ public:
     void LayoutForm(QWidget* form, const QString& iniFile) override;
 
     QStringList GetSkins() const;
-    /// @param name an entry of GetSkins(); any other is ignored.
+
+    /// @param name an entry of GetSkins(); other names are ignored.
     void SetSkin(const QString& name);
 
-    /// Makes a window known to OpenWindow; the caller keeps it.
+    /// Lets OpenWindow show this window. The caller keeps ownership.
     void RegisterWindow(const QString& key, QWidget* window);
 
 private:
     void Remember(const QString& key, const QString& value);
     QString Remembered(const QString& key, const QString& fallback) const;
-    void TakeRememberedLanguage();
+    void RestoreLanguage();
     bool InstallLanguage(const QString& file);
     void ListChoices();
     void PrepareMainForm(QWidget* form);
 
     QPointer<VTSettingsInterface> m_settings;
     QString m_skin;
-    QString m_languageFile; ///< empty when no language file is installed
+    QString m_languageFile; // empty when no language file is installed
     Translations m_translations;
     TrayMenu m_trayMenu;
     QHash<QString, QPointer<QWidget>> m_windows;
-    QHash<QString, FormLayout> m_layouts; ///< by layout file
+    QHash<QString, FormLayout> m_layouts; // by layout file
 };

@@ -4,8 +4,8 @@
 
 class VTSettingsInterface;
 
-/// Where an account's finished frames go: as its user chose, else as is set for all accounts, else below the desktop's
-/// folder for downloads.
+/// Decides where an account's finished frames are saved: in the folder that its user chose, else in the one set for all
+/// accounts, else below the desktop's folder for downloads.
 namespace DownloadFolder {
 
 QString SettingKey(const QString& userName);

@@ -73,7 +73,7 @@ void ConfigurationDialog::Store(const QString& userName)
     for (const Switch& entry : Switches)
         m_settings->SetValue(
             SettingKey(userName, entry.setting), m_form.Find<QCheckBox>(entry.box)->isChecked());
-    // The desktop's folder may move; it is not nailed down by looking at it.
+    // An unchanged folder is not stored, so that the default keeps following the desktop's folder.
     if (ChosenFolder() != DownloadFolder::Of(m_settings, userName))
         m_settings->SetValue(DownloadFolder::SettingKey(userName), ChosenFolder());
 }

@@ -5,7 +5,7 @@
 class QLineEdit;
 class VTSettingsInterface;
 
-/// The per-account switches and the folder for downloads, on the form "com.vtr.configuration".
+/// Edits an account's switches and its folder for downloads, on the form "com.vtr.configuration".
 class ConfigurationDialog : public QObject
 {
     Q_OBJECT
@@ -17,8 +17,8 @@ public:
 
     QWidget* Form() const { return m_form.Form(); }
 
-    /// Shows the settings of a user and waits; they are stored when the user confirms. Nothing happens for an empty name
-    /// or while the dialog is open.
+    /// Shows the settings of a user, waits, and stores them if the user confirms. Does nothing for an empty name or while
+    /// the dialog is open.
     void Run(const QString& userName);
 
 private:

@@ -8,10 +8,10 @@
 
 class QWidget;
 
-/// How a child follows the size of its form; distances and sizes in pixels.
+/// Says how a child follows the size of its form. Distances and sizes are in pixels.
 ///
-/// On each axis: two distances stretch the child between them, one distance keeps its size, none leaves it as it is. A
-/// size of the rule goes before the child's own.
+/// On each axis, two distances stretch the child, one distance keeps its size, and none leaves it unchanged. A size in
+/// the rule overrides the child's own.
 struct AnchorRule
 {
     std::optional<int> left;
@@ -20,23 +20,23 @@ struct AnchorRule
     std::optional<int> top;
     std::optional<int> bottom;
     std::optional<int> height;
-    /// Object name of a child whose horizontal movement this one shares, so that their distance stays.
+    /// Object name of a child; this one moves horizontally with it, so that their distance stays the same.
     QString with;
 };
 
-/// @return where a child that stands at `current` comes to stand in a form of that size. Sizes are never negative.
+/// @return the new geometry of a child at `current` in a form of that size; never of negative size.
 QRect Anchored(const QRect& current, const QSize& form, const AnchorRule& rule);
 
-/// The anchor rules of a form's children by object name, read from a layout file.
+/// The anchor rules of a form's children, by object name.
 class FormLayout
 {
 public:
     FormLayout() = default;
 
-    /// Reads an INI file: one group a child; values that are no numbers and unknown keys are ignored.
+    /// Reads an INI file with one group for each child. Unknown keys and values that are not numbers are ignored.
     static FormLayout Read(const QString& iniFile);
 
-    /// Places the children that have a rule. A child of fixed size gets a new fixed size.
+    /// Places the children that have a rule. A child of fixed size is given a new fixed size.
     void Apply(QWidget* form) const;
 
     const QMap<QString, AnchorRule>& Rules() const { return m_rules; }

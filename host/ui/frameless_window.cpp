@@ -22,7 +22,7 @@ QCursor CursorFor(Qt::Edges edges)
     return edges & (Qt::LeftEdge | Qt::RightEdge) ? Qt::SizeHorCursor : Qt::SizeVerCursor;
 }
 
-/// @return the rectangle moved as little as needed to lie in the bounds; its top left corner does in any case.
+/// @return the rectangle moved into the bounds; if it is larger than they are, its top left corner is inside.
 QRect KeptWithin(QRect rect, const QRect& bounds)
 {
     rect.moveRight(qMin(rect.right(), bounds.right()));
@@ -39,7 +39,7 @@ Qt::Edges EdgesAt(const QPoint& point, const QSize& window)
     const QRect inner = QRect(QPoint(), window).adjusted(EdgeWidth, EdgeWidth, -EdgeWidth, -EdgeWidth);
     if (inner.contains(point))
         return {};
-    // Near a corner both edges count, which makes the corners large enough to hit.
+    // Near a corner both edges count, so that corners are large enough to hit.
     Qt::Edges edges;
     edges.setFlag(Qt::LeftEdge, point.x() < CornerLength);
     edges.setFlag(Qt::RightEdge, point.x() >= window.width() - CornerLength);

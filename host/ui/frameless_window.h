@@ -9,16 +9,15 @@ class QEvent;
 class QMouseEvent;
 class QWidget;
 
-/// The edges of a window of that size which a point near its border lies on.
+/// @return the edges that a drag from this point moves; none for a point inside.
 Qt::Edges EdgesAt(const QPoint& point, const QSize& window);
 
-/// @return the geometry of a window after dragging some of its edges by `delta`; not smaller than `minimum`, and the
-/// edges that are not dragged stay where they are.
+/// @return the geometry after dragging some edges by `delta`, not smaller than `minimum`. The other edges stay in place.
 QRect DraggedEdges(const QRect& start, Qt::Edges edges, const QPoint& delta, const QSize& minimum);
 
-/// What the frame would do for a form without one: moved by its title bar, resized by its edges, placed when shown.
+/// Replaces the frame of a form without one: moves it by its title bar, resizes it by its edges, places it when shown.
 ///
-/// A child of the form. The window system's own move and resize are used where it offers them.
+/// The form owns it. It leaves moving and resizing to the window system where that supports them.
 class FramelessWindow : public QObject
 {
     Q_OBJECT
@@ -26,8 +25,8 @@ class FramelessWindow : public QObject
 public:
     enum Kind { Dialog, Main };
 
-    /// @param kind a dialog is centred over the active window each time it is shown and keeps its size; a main window is
-    /// placed once, can be resized, and a double click on its title bar presses its maximise or restore button.
+    /// @param kind A dialog keeps its size and is centred over the active window each time it is shown. A main window is
+    /// placed once and can be resized; a double click on its title bar presses its maximise or restore button.
     FramelessWindow(QWidget* form, Kind kind);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -47,6 +46,6 @@ private:
 
     bool m_dragging = false;
     Qt::Edges m_draggedEdges;
-    QPoint m_dragStart; ///< global
+    QPoint m_dragStart; // global
     QRect m_startGeometry;
 };

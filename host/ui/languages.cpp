@@ -36,7 +36,7 @@ QLocale LocaleOf(const QString& file)
 QString DisplayName(const QString& file)
 {
     const QString code = CodeOf(file);
-    // Plain English would be called American.
+    // For plain "en" Qt answers "American English".
     if (code == QLatin1String("en"))
         return QLocale::languageToString(QLocale::English);
     const QString name = LocaleOf(file).nativeLanguageName();

@@ -6,24 +6,24 @@
 
 #include <memory>
 
-/// Languages are files named "vtr_<locale>.qm" in one folder.
+/// Language files: "vtr_<locale>.qm" in one folder.
 namespace Languages {
 
-/// Absolute paths of the language files of a folder, by name.
+/// @return the absolute paths of a folder's language files, sorted by name.
 QStringList Files(const QString& folder);
 
 QLocale LocaleOf(const QString& file);
 
-/// The language's name in itself, for example "Deutsch".
+/// @return the language's own name for itself, for example "Deutsch".
 QString DisplayName(const QString& file);
 
 } // namespace Languages
 
-/// The language in use: translations of a language file, Qt's own where the machine has them, and the locale.
+/// The installed language: the translations of a file, Qt's own where the machine has them, and the locale.
 class Translations
 {
 public:
-    /// @return false, with everything as it was, when the file holds no translations.
+    /// @return false, with nothing changed, when the file holds no translations.
     bool Install(const QString& file);
 
 private:

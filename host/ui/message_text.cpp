@@ -4,7 +4,7 @@ namespace {
 
 constexpr int LabelLines = 8;
 constexpr int LabelLength = 500;
-constexpr int LabelWord = 40; ///< longer words, paths for example, cannot be wrapped
+constexpr int LabelWord = 40; // characters; longer words, such as paths, cannot be wrapped
 
 bool HasLongWord(const QString& text)
 {

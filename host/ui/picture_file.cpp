@@ -7,36 +7,36 @@
 
 namespace {
 
-constexpr int longestSide = 16384;
-constexpr qint64 mostBytes = 512LL * 1024 * 1024;
-constexpr int mostBitsPerPixel = 64;
+constexpr int LongestSide = 16384; // pixels
+constexpr qint64 MostBytes = 512LL * 1024 * 1024;
+constexpr int MostBitsPerPixel = 64;
 
-// What renderers write. Formats that are programs of a kind, such as SVG, are not among them.
-constexpr const char* formats[]
+// Formats that renderers write. SVG and other formats that are interpreted like programs are left out on purpose.
+constexpr const char* Formats[]
     = {"png", "jpg", "jpeg", "bmp", "gif", "ppm", "pgm", "pbm", "tif", "tiff", "tga", "webp"};
 
 bool IsKnown(const QByteArray& format)
 {
     return std::any_of(
-        std::begin(formats), std::end(formats), [&format](const char* known) { return format == known; });
+        std::begin(Formats), std::end(Formats), [&format](const char* known) { return format == known; });
 }
 
 bool IsTooLarge(const QImageReader& reader)
 {
     const QSize size = reader.size();
-    if (size.width() > longestSide || size.height() > longestSide)
+    if (size.width() > LongestSide || size.height() > LongestSide)
         return true;
     const QImage::Format format = reader.imageFormat();
     const int bits
-        = format == QImage::Format_Invalid ? mostBitsPerPixel : QImage::toPixelFormat(format).bitsPerPixel();
-    return static_cast<qint64>(size.width()) * size.height() * bits / 8 > mostBytes;
+        = format == QImage::Format_Invalid ? MostBitsPerPixel : QImage::toPixelFormat(format).bitsPerPixel();
+    return static_cast<qint64>(size.width()) * size.height() * bits / 8 > MostBytes;
 }
 
 } // namespace
 
 PictureFile PictureFile::Read(const QString& file)
 {
-    // A pipe, for one, would never end.
+    // Reading a pipe, for example, would never end.
     if (!QFileInfo(file).isFile())
         return {{}, Missing};
     QFile device(file);
@@ -45,7 +45,7 @@ PictureFile PictureFile::Read(const QString& file)
     QImageReader reader(&device);
     reader.setDecideFormatFromContent(true);
     if (!reader.canRead() || !IsKnown(reader.format()))
-        return {{}, NoPicture};
+        return {{}, NotAPicture};
     if (!reader.size().isValid() || reader.size().isEmpty())
         return {{}, Broken};
     if (IsTooLarge(reader))
@@ -54,11 +54,11 @@ PictureFile PictureFile::Read(const QString& file)
     return image.isNull() ? PictureFile {{}, Broken} : PictureFile {image, None};
 }
 
-QStringList PictureFile::Siblings(const QString& file)
+QStringList PictureFile::InSameFolder(const QString& file)
 {
     const QFileInfo info(file);
     QStringList filters;
-    for (const char* format : formats)
+    for (const char* format : Formats)
         filters.append(QLatin1String("*.") + QLatin1String(format));
     QStringList names = info.dir().entryList(filters, QDir::Files);
     if (!names.contains(info.fileName()))

@@ -5,20 +5,20 @@
 #include <QString>
 #include <QStringList>
 
-/// A picture from a file, or why there is none.
+/// A picture read from a file, or the reason why it could not be read.
 struct PictureFile
 {
-    enum Trouble { None, Missing, NoPicture, TooLarge, Broken };
+    enum Error { None, Missing, NotAPicture, TooLarge, Broken };
 
     QImage image;
-    Trouble trouble = None;
+    Error error = None;
 
-    /// Reads a file that anybody may have made: what it is shows in its content, and how large it says it is is looked
-    /// at before it is decoded. At most 16384 pixels a side and 512 MiB. May be called in any thread.
+    /// Reads a file from an untrusted source: the format is recognised by its content, and its size is checked before it
+    /// is decoded. Accepts at most 16384 pixels a side and 512 MiB. May be called in any thread.
     static PictureFile Read(const QString& file);
 
-    /// The folder's files whose names are those of pictures, and the file itself; paths in the order of their names.
-    static QStringList Siblings(const QString& file);
+    /// @return the paths of the pictures in the same folder, including the file itself, sorted by name.
+    static QStringList InSameFolder(const QString& file);
 };
 
 Q_DECLARE_METATYPE(PictureFile)

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int kSettleTime = 150;
+constexpr int SettleTime = 150; // ms
 
 } // namespace
 
@@ -32,9 +32,9 @@ PreviewWindow::PreviewWindow(VTUiLoaderInterface* loader, QObject* parent)
     qRegisterMetaType<PictureFile>();
     m_reader.setMaxThreadCount(1);
     m_settled.setSingleShot(true);
-    m_settled.setInterval(kSettleTime);
+    m_settled.setInterval(SettleTime);
     connect(&m_settled, &QTimer::timeout, this, [this] { DisplayPicture(Qt::SmoothTransformation); });
-    connect(this, &PreviewWindow::Read, this, &PreviewWindow::Take, Qt::QueuedConnection);
+    connect(this, &PreviewWindow::Read, this, &PreviewWindow::HandlePicture, Qt::QueuedConnection);
     m_area->viewport()->installEventFilter(this);
     auto* footer = m_form.Find<QWidget>("wgtFooter");
     footer->layout()->addWidget(new QSizeGrip(footer));
@@ -70,11 +70,11 @@ void PreviewWindow::Turn(int step)
         Load(m_files.at(index));
 }
 
-/// Decoding a large picture takes a while, and the window goes on meanwhile.
+/// Reads the file in another thread, because decoding a large picture takes a while.
 void PreviewWindow::Load(const QString& file)
 {
     m_file = QFileInfo(file).absoluteFilePath();
-    m_files = PictureFile::Siblings(m_file); // there may be more of them by now
+    m_files = PictureFile::InSameFolder(m_file); // listed again, since downloads may have added some
     m_shown = {};
     m_pixmap = {};
     m_loading = true;
@@ -85,7 +85,7 @@ void PreviewWindow::Load(const QString& file)
     });
 }
 
-void PreviewWindow::Take(int generation, const PictureFile& picture)
+void PreviewWindow::HandlePicture(int generation, const PictureFile& picture)
 {
     if (generation != m_generation)
         return;
@@ -114,7 +114,7 @@ void PreviewWindow::DisplayPicture(Qt::TransformationMode mode)
     m_settled.stop();
     const QSize room = m_area->viewport()->size();
     if (m_pixmap.isNull()) {
-        m_picture->setText(m_loading ? QString() : Sentence());
+        m_picture->setText(m_loading ? QString() : ErrorText());
         m_picture->resize(room);
         return;
     }
@@ -129,26 +129,26 @@ void PreviewWindow::DisplayPicture(Qt::TransformationMode mode)
     m_picture->resize(pixmap.size() / ratio);
 }
 
-QString PreviewWindow::Sentence() const
+QString PreviewWindow::ErrorText() const
 {
-    switch (m_shown.trouble) {
+    switch (m_shown.error) {
     case PictureFile::Missing:
-        return tr("The file is not there, or cannot be read.");
-    case PictureFile::NoPicture:
-        return tr("The file is no picture that can be shown here.");
+        return tr("The file does not exist or cannot be read.");
+    case PictureFile::NotAPicture:
+        return tr("The file is not a picture that can be shown here.");
     case PictureFile::TooLarge:
         return tr("The picture is too large to be shown here.");
     case PictureFile::None:
     case PictureFile::Broken:
         break;
     }
-    return tr("The picture is broken.");
+    return tr("The picture is damaged.");
 }
 
 bool PreviewWindow::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::Resize && watched == m_area->viewport()) {
-        // Smooth scaling of a large picture takes longer than the next size does to come.
+        // Smooth scaling of a large picture is too slow while the window is being resized.
         DisplayPicture(Qt::FastTransformation);
         m_settled.start();
     }

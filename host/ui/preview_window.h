@@ -11,8 +11,8 @@ class QLabel;
 class QPushButton;
 class QScrollArea;
 
-/// Shows the pictures of a folder one by one, on the form "com.vtr.previewer": fitted into the window or pixel by
-/// pixel. Arrow keys turn the pages, Escape closes.
+/// Shows the pictures of a folder one at a time, on the form "com.vtr.previewer", fitted into the window or in actual size.
+/// The arrow keys show the previous and next picture, Escape closes the window.
 class PreviewWindow : public QObject
 {
     Q_OBJECT
@@ -22,13 +22,13 @@ public:
 
     QWidget* Form() const { return m_form.Form(); }
 
-    /// Shows the window with this file. What is no picture is answered with a sentence in its place.
+    /// Shows the window with this picture, or a sentence that says why it cannot be shown.
     void Open(const QString& file);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 signals:
-    /// A file was read, in another thread than the window's.
+    /// Emitted in the reading thread when a file has been read.
     void Read(int generation, const PictureFile& picture);
 
 private:
@@ -38,10 +38,10 @@ private:
     void Close() { Form()->close(); }
     void Turn(int step);
     void Load(const QString& file);
-    void Take(int generation, const PictureFile& picture);
+    void HandlePicture(int generation, const PictureFile& picture);
     void Display();
     void DisplayPicture(Qt::TransformationMode mode);
-    QString Sentence() const;
+    QString ErrorText() const;
 
     SkinnedForm m_form;
     QLabel* m_title;
@@ -52,12 +52,12 @@ private:
     QPushButton* m_previous;
     QPushButton* m_next;
     QPushButton* m_actualSize;
-    QStringList m_files; // of the folder
+    QStringList m_files; // all pictures of the folder
     QString m_file;
     PictureFile m_shown;
     QPixmap m_pixmap;
     QTimer m_settled; // runs while the window is being resized
     bool m_loading = false;
-    int m_generation = 0; // of the file that is wanted; what was read for an earlier one is dropped
-    QThreadPool m_reader; // last: it waits for what it reads
+    int m_generation = 0; // of the file that is being loaded; results for earlier ones are dropped
+    QThreadPool m_reader; // last member, because its destructor waits for the reading thread
 };

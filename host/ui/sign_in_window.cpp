@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int FailureLength = 160;
+constexpr int FailureLength = 160; // characters
 
 } // namespace
 
@@ -58,7 +58,7 @@ void SignInWindow::ShowFailure(const QString& message)
     m_password->selectAll();
 }
 
-void SignInWindow::Succeeded()
+void SignInWindow::Reset()
 {
     SetBusy(false);
     m_failure->clear();

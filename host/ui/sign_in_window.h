@@ -6,7 +6,7 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 
-/// The sign-in window, the form "com.vtr.authclient".
+/// Asks for user name and password, on the form "com.vtr.authclient".
 class SignInWindow : public QObject
 {
     Q_OBJECT
@@ -17,17 +17,17 @@ public:
     QWidget* Form() const { return m_form.Form(); }
 
 public slots:
-    /// Puts the user's name in and the cursor into the password.
+    /// Fills in the user's name and moves the cursor to the password.
     void SetName(const QString& name);
 
-    /// While busy nothing can be entered or sent.
+    /// While busy, nothing can be entered or sent.
     void SetBusy(bool busy);
 
-    /// Ends being busy and says why signing in failed.
+    /// Says why signing in failed and lets the user try again.
     void ShowFailure(const QString& message);
 
-    /// Ends being busy and forgets the password.
-    void Succeeded();
+    /// Clears the password after a successful sign-in.
+    void Reset();
 
 signals:
     void SignInRequested(const QString& name, const QString& password);

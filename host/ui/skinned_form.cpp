@@ -28,7 +28,7 @@ bool SkinnedForm::Exec() const
     auto* dialog = qobject_cast<QDialog*>(m_form.get());
     Require(dialog, "dialog");
     if (const QWidget* active = QApplication::activeWindow()) {
-        dialog->winId(); // makes the window that can be put in front of the other
+        dialog->winId(); // creates the native window that windowHandle() returns
         dialog->windowHandle()->setTransientParent(active->windowHandle());
     }
     return dialog->exec() == QDialog::Accepted;

@@ -9,20 +9,20 @@
 class QDialog;
 class VTUiLoaderInterface;
 
-/// A form of the host itself: loaded, frameless, and in the current skin as long as it lives. Its fixed texts follow the
-/// language by themselves.
+/// A form of the host itself, without a frame and always in the current skin. Its fixed texts follow the language by
+/// themselves.
 class SkinnedForm : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param key a form that the host ships; without it the host cannot work and ends.
+    /// @param key of a form that is built into the host. The program aborts if it is missing.
     SkinnedForm(VTUiLoaderInterface* loader, const QString& key, QObject* parent = nullptr);
     ~SkinnedForm() override;
 
     QWidget* Form() const { return m_form.get(); }
 
-    /// @return the child of that name and type, which the form must have.
+    /// @return the child of that name and type. The program aborts if the form has none.
     template <typename Widget>
     Widget* Find(const char* name) const
     {
@@ -31,8 +31,8 @@ public:
         return child;
     }
 
-    /// Shows the form, which must be a dialog, until it is closed. It stays in front of the window active now.
-    /// @return true when it was accepted.
+    /// Shows the form, which must be a dialog, in front of the active window until it is closed.
+    /// @return whether it was accepted.
     bool Exec() const;
 
 private:

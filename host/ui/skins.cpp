@@ -11,7 +11,7 @@
 
 #include <algorithm>
 
-// Q_INIT_RESOURCE must stand outside of every namespace.
+// Q_INIT_RESOURCE does not work inside a namespace.
 static void InitBuiltInResources()
 {
     Q_INIT_RESOURCE(host_ui);

@@ -3,13 +3,13 @@
 #include <QIcon>
 #include <QStringList>
 
-/// Skins are resource folders: ":/<skin>/<form key>.qss", ":/<skin>/main.png" and others.
+/// Skins are resource folders that hold ":/<skin>/<form key>.qss", ":/<skin>/main.png" and other files.
 namespace Skins {
 
-/// Makes the built-in forms and skins available, and those of the resource files (*.rcc) in a folder.
+/// Makes the built-in forms and skins available, and those in the resource files (*.rcc) of a folder.
 void Install(const QString& folder);
 
-/// Names of the skins: the resource folders that hold a style sheet for the main form.
+/// @return the names of all skins, which are the resource folders with a style sheet for the main form.
 QStringList Names();
 
 /// @return the style sheet of a form or menu, empty when the skin has none.
@@ -17,10 +17,10 @@ QString StyleSheet(const QString& skin, const QString& key);
 
 QIcon MainIcon(const QString& skin);
 
-/// Path of the file with the skin's application-wide look and the layout of the main form.
+/// @return the path of the file with the skin's fonts, colours and layout of the main form.
 QString SettingsFile(const QString& skin);
 
-/// Gives the application the font and the colours of a settings file; what the file leaves out stays as it is.
+/// Sets the application's font and colours from a settings file. Entries that the file leaves out stay unchanged.
 void ApplySettings(const QString& iniFile);
 
 } // namespace Skins

@@ -6,11 +6,11 @@
 
 namespace {
 
-/// Skins are listed by the names of their folders; those that are built in have translations.
+/// Skins are listed by the names of their folders. The names of the built-in ones are translated.
 [[maybe_unused]] constexpr const char* BuiltInSkins[]
     = {QT_TRANSLATE_NOOP("TrayMenu", "Default"), QT_TRANSLATE_NOOP("TrayMenu", "Dark")};
 
-/// Adds one entry of a choice; its data is what is chosen.
+/// @param choice becomes the entry's data.
 void AddChoice(QActionGroup* group, const QString& text, const QString& choice, bool current)
 {
     QAction* action = group->addAction(text);
@@ -26,7 +26,7 @@ QActionGroup* NewChoice(QMenu* menu)
     return new QActionGroup(menu);
 }
 
-/// '&' would be taken for the mark of a shortcut.
+/// Escapes '&', which menus take for the mark of a shortcut.
 QString MenuText(QString text)
 {
     return text.replace(QLatin1Char('&'), QLatin1String("&&"));

@@ -11,12 +11,14 @@ class TrayMenu : public QObject
 public:
     explicit TrayMenu(QObject* parent = nullptr);
 
-    /// @return the menu of that object name ("menuTray", "meuSkin", "meuLanguage"), null when there is none.
-    /// @param subMenu empty for the menu itself.
+    /// @param menu "menuTray".
+    /// @param subMenu "meuSkin" or "meuLanguage"; empty for the menu itself.
+    /// @return null for other names.
     QMenu* Find(const QString& menu, const QString& subMenu);
 
     void ListSkins(const QStringList& names, const QString& current);
-    /// @param files language files, as Languages::Files lists them.
+
+    /// @param files as returned by Languages::Files.
     void ListLanguages(const QStringList& files, const QString& current);
 
     void SetStyleSheet(const QString& sheet) { m_menu.setStyleSheet(sheet); }

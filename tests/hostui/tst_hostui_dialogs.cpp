@@ -262,12 +262,12 @@ private slots:
         QImage(300, 200, QImage::Format_RGB32).save(&buffer, "PNG");
         const QByteArray header = "P6\n";
         QTest::newRow("picture") << png << QString();
-        QTest::newRow("picture cut off") << png.left(60) << QStringLiteral("The picture is broken.");
+        QTest::newRow("picture cut off") << png.left(60) << QStringLiteral("The picture is damaged.");
         QTest::newRow("empty") << QByteArray()
-                               << QStringLiteral("The file is no picture that can be shown here.");
+                               << QStringLiteral("The file is not a picture that can be shown here.");
         QTest::newRow("drawing") << QByteArray(
             "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>")
-                                 << QStringLiteral("The file is no picture that can be shown here.");
+                                 << QStringLiteral("The file is not a picture that can be shown here.");
         QTest::newRow("too wide") << QByteArray(header + "16385 1\n255\n")
                                   << QStringLiteral("The picture is too large to be shown here.");
         QTest::newRow("too many pixels") << QByteArray(header + "16384 16384\n255\n")

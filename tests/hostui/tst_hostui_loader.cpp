@@ -54,7 +54,7 @@ void TestLoader::BadKeysGiveNoForm()
     UiLoaderService loader(nullptr);
     for (const char* key :
         {"com.vtr.nothing", "", "../forms/com.vtr.search", "/forms/com.vtr.search", "*", "COM.VTR.SEARCH"}) {
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^There is no form ")));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^there is no form ")));
         QVERIFY2(!loader.LoadUi(QLatin1String(key), nullptr), key);
     }
 }
