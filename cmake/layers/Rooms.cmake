@@ -15,6 +15,16 @@ set(ROOM_RULES
     "farm/rendering: farm/jobs farm/uploads farm/accounts farm/base storage"
     "farm/http: farm/rendering farm/jobs farm/uploads farm/accounts farm/base storage"
     "farm: farm/http farm/rendering farm/jobs farm/uploads farm/accounts farm/base storage"
+    "host/farmclient:"
+    "host/rendercore: host/farmclient storage common"
+    "host/settings: interfaces"
+    "host/ui: host/settings interfaces"
+    "host/services: host/ui host/settings host/rendercore host/farmclient interfaces"
+    "host/mainform: interfaces"
+    "host/process:"
+    "host/app: host/process host/mainform host/services host/ui host/settings host/farmclient interfaces"
+    "host/tour: host/app host/mainform host/services"
+    "host: host/tour host/process host/app"
 )
 
 # The client's own rooms link no Qt module but these; D-Bus serves one file and may be missing.
