@@ -19,7 +19,8 @@ int Fail(const QString& message)
     return 1;
 }
 
-/// Whether no other client, with another configuration, works on the same databases.
+/// Keeps clients with other configurations away from the same databases.
+/// @return false when another client holds the lock.
 bool Lock(QLockFile& lock)
 {
     lock.setStaleLockTime(0);
@@ -45,11 +46,11 @@ int main(int argc, char* argv[])
 
     const bool isTour = !options.screenshotFolder.isEmpty();
     if (isTour)
-        options.autoSignIn = false; // the tour does, after a picture of the sign-in window
+        options.autoSignIn = false; // the tour signs in after saving a picture of the sign-in window
 
     const SingleInstance instance(options.configFile);
     if (!instance.IsFirst()) {
-        if (isTour || !instance.CallFirst(options.scenes))
+        if (isTour || !instance.ActivateFirst(options.scenes))
             return Fail(QStringLiteral("the client is already running"));
         return 0;
     }
@@ -64,7 +65,7 @@ int main(int argc, char* argv[])
     ClientHost host(options);
     const TerminationSignals termination;
     QObject::connect(&termination, &TerminationSignals::Received, &application, &QApplication::quit);
-    QObject::connect(&instance, &SingleInstance::Called, &host, &ClientHost::ComeForward);
+    QObject::connect(&instance, &SingleInstance::Activated, &host, &ClientHost::Activate);
     if (!host.Start(&error))
         return Fail(error);
     const auto tour = isTour ? std::make_unique<ScreenshotTour>(options.screenshotFolder, &host) : nullptr;

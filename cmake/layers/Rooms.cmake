@@ -21,7 +21,7 @@ set(ROOM_RULES
     "host/ui: host/settings interfaces"
     "host/services: host/ui host/settings host/rendercore host/farmclient interfaces"
     "host/mainform: interfaces"
-    "host/process:"
+    "host/process: host/farmclient"
     "host/app: host/process host/mainform host/services host/ui host/settings host/farmclient interfaces"
     "host/tour: host/app host/mainform host/services"
     "host: host/tour host/process host/app"

@@ -2,6 +2,7 @@
 
 #include "host/app/session_control.h"
 #include "host/process/farm_process.h"
+#include "host/settings/setting_keys.h"
 #include "vtr_baseinterface.h"
 
 #include <QDebug>
@@ -9,28 +10,28 @@
 
 namespace {
 
-// The embedded farm's own account, made at its first start.
-const QString kDemoAccount = QStringLiteral("demo");
+// The embedded farm creates this account at its first start; its password is its name.
+const QString DemoAccount = QStringLiteral("demo");
 
-// The main window shows the server's name translated.
-constexpr const char* kEmbeddedServer = QT_TRANSLATE_NOOP("VTQsClientPrivate", "embedded");
+// The main window translates the server's name.
+constexpr const char* EmbeddedServer = QT_TRANSLATE_NOOP("VTQsClientPrivate", "embedded");
 
-constexpr int kLongestPassword = 1024;
+constexpr int LongestPassword = 1024; // bytes
 
-/// The first line of a file; null where the file cannot be read.
+/// @return the first line of a file; a null string when the file cannot be read.
 QString FirstLine(const QString& file)
 {
     QFile input(file);
     if (!input.open(QIODevice::ReadOnly))
         return {};
-    QByteArray line = input.readLine(kLongestPassword);
+    QByteArray line = input.readLine(LongestPassword);
     while (line.endsWith('\n') || line.endsWith('\r'))
         line.chop(1);
     return QString::fromUtf8(line);
 }
 
-/// One host may have several farms, by port or by path.
-QString DistinctName(const QUrl& server)
+/// Names a server by its whole URL, because one machine may run several farms, on different ports or paths.
+QString UniqueName(const QUrl& server)
 {
     QString name = server.toString();
     while (name.endsWith(QLatin1Char('/')))
@@ -44,8 +45,8 @@ ClientHost::ClientHost(const HostOptions& options, QObject* parent)
     : QObject(parent)
     , m_options(options)
     , m_services(options)
-    , m_preview(&m_services.previewer)
 {
+    connect(&m_preview, &PreviewTrigger::PreviewRequested, &m_services.previewer, &PreviewerService::Open);
 }
 
 ClientHost::~ClientHost()
@@ -59,28 +60,21 @@ ClientHost::~ClientHost()
 bool ClientHost::Start(QString* error)
 {
     if (m_options.server.isEmpty())
-        m_options.server
-            = ServerUrl(m_services.settings.Value(QStringLiteral("vtr.web/serverurl"), {}).toString());
+        m_options.server = ServerUrl(m_services.settings.Value(SettingKeys::ServerUrl, {}).toString());
     const bool embedded = m_options.server.isEmpty();
     // The plugin reads the server's name at sign-in.
-    m_services.settings.SetValue(QStringLiteral("vtr.web/currentserver"),
-        embedded ? QString::fromLatin1(kEmbeddedServer) : m_options.server.host());
-    // The address of an embedded farm changes with each of its starts.
+    m_services.settings.SetValue(
+        SettingKeys::ServerName, embedded ? QString::fromLatin1(EmbeddedServer) : m_options.server.host());
+    // The embedded farm's address changes with each start, so a fixed name identifies it.
     m_services.renderCore.SetServerName(
-        embedded ? QString::fromLatin1(kEmbeddedServer) : DistinctName(m_options.server));
+        embedded ? QString::fromLatin1(EmbeddedServer) : UniqueName(m_options.server));
 
     if (!StartPlugin(error))
         return false;
     m_session = std::make_unique<SessionControl>(
         &m_services.loader, &m_services.communication, &m_services.settings);
-    connect(m_session.get(), &SessionControl::SignedIn, this, &ClientHost::ShowClient);
-    connect(
-        m_session.get(), &SessionControl::SignedIn, &m_services.renderCore, &RenderCoreService::BeginSession);
-    connect(
-        m_session.get(), &SessionControl::SignedOut, &m_services.renderCore, &RenderCoreService::EndSession);
-    connect(m_session.get(), &SessionControl::SignedIn, &m_services.scenes, &SceneIntake::Open);
-    connect(m_session.get(), &SessionControl::SignedOut, &m_services.scenes, &SceneIntake::Close);
-    m_services.scenes.Take(m_options.scenes);
+    ConnectSession();
+    m_services.scenes.Submit(m_options.scenes);
     if (!SetAccount(embedded, error))
         return false;
 
@@ -91,11 +85,21 @@ bool ClientHost::Start(QString* error)
     return true;
 }
 
-void ClientHost::ComeForward(const QStringList& scenes)
+void ClientHost::Activate(const QStringList& scenes)
 {
-    m_services.scenes.Take(scenes);
+    m_services.scenes.Submit(scenes);
     if (m_session)
-        m_session->ComeForward();
+        m_session->ShowWindow();
+}
+
+void ClientHost::ConnectSession()
+{
+    const SessionControl* session = m_session.get();
+    connect(session, &SessionControl::SignedIn, this, &ClientHost::ShowClient);
+    connect(session, &SessionControl::SignedIn, &m_services.renderCore, &RenderCoreService::BeginSession);
+    connect(session, &SessionControl::SignedOut, &m_services.renderCore, &RenderCoreService::EndSession);
+    connect(session, &SessionControl::SignedIn, &m_services.scenes, &SceneIntake::BeginSession);
+    connect(session, &SessionControl::SignedOut, &m_services.scenes, &SceneIntake::EndSession);
 }
 
 bool ClientHost::StartPlugin(QString* error)
@@ -118,12 +122,12 @@ bool ClientHost::SetAccount(bool embedded, QString* error)
     if (!m_options.user.isEmpty()) {
         const QString password = FirstLine(m_options.passwordFile);
         if (password.isEmpty()) {
-            *error = QStringLiteral("no password can be read from %1").arg(m_options.passwordFile);
+            *error = QStringLiteral("cannot read a password from %1").arg(m_options.passwordFile);
             return false;
         }
         m_session->SetAccount(m_options.user, password);
     } else if (embedded) {
-        m_session->SetAccount(kDemoAccount, kDemoAccount);
+        m_session->SetAccount(DemoAccount, DemoAccount);
     }
     return true;
 }
@@ -150,8 +154,8 @@ void ClientHost::StartFarm()
     connect(m_farm.get(), &FarmProcess::Listening, this, &ClientHost::UseServer);
     connect(m_farm.get(), &FarmProcess::Lost, this, [this] { UseNoServer(); });
     connect(m_farm.get(), &FarmProcess::GivenUp, this, [this](const QString& reason) {
-        qCritical().noquote() << "the embedded farm cannot be kept running:" << reason;
-        m_session->ShowFailure(tr("The embedded farm cannot be started."));
+        qCritical().noquote() << "the embedded farm keeps crashing:" << reason;
+        m_session->ShowFailure(tr("The embedded farm could not be started. Please restart the client."));
     });
     m_farm->Start();
 }
@@ -169,6 +173,6 @@ void ClientHost::ShowClient(const QString& userName)
     m_services.configuration.SetUserName(userName);
     QVariant state;
     if (m_client->Show(state, {}) != 0)
-        qCritical() << "the main window cannot be shown";
+        qCritical() << "cannot show the main window";
     m_preview.Attach();
 }

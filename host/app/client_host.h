@@ -13,7 +13,7 @@ class FarmProcess;
 class SessionControl;
 class VTBaseInterface;
 
-/// The running client: the services, the plugin that shows them and, where no server is configured, the farm.
+/// The running client: the services, the plugin that uses them and, if no server is configured, the embedded farm.
 class ClientHost : public QObject
 {
     Q_OBJECT
@@ -21,14 +21,14 @@ class ClientHost : public QObject
 public:
     explicit ClientHost(const HostOptions& options, QObject* parent = nullptr);
 
-    /// Ends everything in the reverse order of its start.
+    /// Stops session, plugin and farm in the reverse order of their start.
     ~ClientHost() override;
 
-    /// @param error receives an English sentence where the client cannot start.
+    /// @param error receives an English sentence when the client cannot start.
     bool Start(QString* error);
 
-    /// Shows the window that the user is looking for, and takes the scenes that came with the wish.
-    void ComeForward(const QStringList& scenes);
+    /// Shows the main window, or the sign-in window while nobody is signed in, and submits the scenes.
+    void Activate(const QStringList& scenes);
 
     HostServices& Services() { return m_services; }
 
@@ -37,6 +37,7 @@ public:
 
 private:
     bool StartPlugin(QString* error);
+    void ConnectSession();
     bool SetAccount(bool embedded, QString* error);
     void UseServer(const QUrl& url);
     void UseNoServer();
@@ -48,7 +49,7 @@ private:
     HostServices m_services;
     PreviewTrigger m_preview;
     std::unique_ptr<PluginRunner> m_runner;
-    VTBaseInterface* m_client = nullptr; // the plugin's, while the runner runs it
+    VTBaseInterface* m_client = nullptr; // owned by the plugin; valid until m_runner stops it
     std::unique_ptr<SessionControl> m_session;
     std::unique_ptr<FarmProcess> m_farm;
     bool m_sessionBegun = false;

@@ -49,7 +49,7 @@ void AddOptions(QCommandLineParser& parser)
         "DIR");
     add("user", "Sign in as <NAME>.", "NAME");
     add("password-file", "Read the password for --user from the first line of <FILE>.", "FILE");
-    add("no-auto-sign-in", "Show the sign-in window also where a user name and password are known.", "");
+    add("no-auto-sign-in", "Show the sign-in window even if a user name and password are known.", "");
     add("skin", "Use the skin <NAME>.", "NAME");
     add("language", "Use the language <LOCALE>, for example en.", "LOCALE");
     add("log-level", "Log messages of <LEVEL> and above: trace, debug, info, warning, error or critical.",
@@ -58,7 +58,7 @@ void AddOptions(QCommandLineParser& parser)
     add("farm", "Start the embedded farm from <FILE>.", "FILE", BesideProgram(FarmFileName()));
     parser.addPositionalArgument(QStringLiteral("scenes"),
         QStringLiteral("Scenes to submit: .pov, .ma or .mb."), QStringLiteral("[scene …]"));
-    add("screenshots", "Save a picture of every window to <DIR>, then end.", "DIR");
+    add("screenshots", "Save a picture of every window to <DIR>, then quit.", "DIR");
 }
 
 QString AbsolutePath(const QString& path)

@@ -4,29 +4,30 @@
 #include <QStringList>
 #include <QUrl>
 
-/// What the command line asks for. Folders and files are absolute paths.
+/// The options of the command line. Folders and files are absolute paths.
 struct HostOptions
 {
-    QUrl server; ///< empty: as configured, else the embedded farm
+    QUrl server; ///< empty for the configured server or else the embedded farm
     QString configFile;
     QString dataFolder;
-    QString user; ///< empty: ask for it, or the demo account where the farm is the embedded one
+    QString user; ///< empty to ask, or for the demo account of the embedded farm
     QString passwordFile;
     bool autoSignIn = true;
-    QString skin;     ///< empty: as configured
+    QString skin;     ///< empty for the configured one
     QString language; ///< likewise
     QString logLevel;
-    QString downloadFolder; ///< for accounts that have chosen none; empty: as configured
+    QString downloadFolder; ///< for accounts that have chosen none; empty for the configured one
     QString pluginFile;
     QString farmProgram;
-    QString screenshotFolder; ///< empty: no screenshots
-    QStringList scenes;       ///< to be submitted
+    QString screenshotFolder; ///< empty for no tour of screenshots
+    QStringList scenes;       ///< files to submit
 
-    /// Reads the command line, program name first, on the application object, which must exist.
-    /// @param error receives an English sentence where the command line is wrong.
-    /// @return whether it could be read. `--help` and `--version` print and end the process.
+    /// Reads the command line, program name first. The application object must exist.
+    /// @param error receives an English sentence when the command line is wrong.
+    /// @return whether the command line is right. `--help` and `--version` print their text and end the process.
     bool Parse(const QStringList& arguments, QString* error);
 };
 
-/// The root of a server as the user wrote it: http or https with a host name; empty where it is none.
+/// @param text the root of a server as the user typed it.
+/// @return its URL; empty unless the text is an http or https URL of a host, without user, query or fragment.
 QUrl ServerUrl(const QString& text);

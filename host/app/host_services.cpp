@@ -2,7 +2,7 @@
 
 #include "host/app/host_options.h"
 #include "host/app/plugin_runner.h"
-#include "host/settings/download_folder.h"
+#include "host/settings/setting_keys.h"
 
 namespace {
 
@@ -14,16 +14,15 @@ LogOptions LogOptionsOf(const HostOptions& options)
     return log;
 }
 
-/// What the command line asks for is remembered like what is chosen in the client.
+/// Stores the choices of the command line, which are remembered like those made in the client.
 VTSettingsInterface* WithChoices(SettingsService& settings, const HostOptions& options)
 {
     if (!options.skin.isEmpty())
-        settings.SetValue(QStringLiteral("vtr.ui/skin"), options.skin);
+        settings.SetValue(SettingKeys::Skin, options.skin);
     if (!options.language.isEmpty())
-        settings.SetValue(
-            QStringLiteral("vtr.ui/language"), QStringLiteral("vtr_%1.qm").arg(options.language));
+        settings.SetValue(SettingKeys::Language, QStringLiteral("vtr_%1.qm").arg(options.language));
     if (!options.downloadFolder.isEmpty())
-        settings.SetValue(DownloadFolder::UsualKey(), options.downloadFolder);
+        settings.SetValue(SettingKeys::DownloadFolder, options.downloadFolder);
     return &settings;
 }
 

@@ -15,12 +15,12 @@
 struct HostOptions;
 class PluginRunner;
 
-/// The sibling services of the plugin, built in the order in which they need each other.
+/// All services that the plugin asks for. Each member is built after the ones it depends on.
 struct HostServices
 {
     explicit HostServices(const HostOptions& options);
 
-    /// Registers each service under its interface's name. The services must outlive the runner.
+    /// Registers each service under the name of its interface. The services must outlive the runner.
     void RegisterWith(PluginRunner& runner);
 
     LoggerService logger;

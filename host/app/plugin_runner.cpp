@@ -14,7 +14,7 @@
 
 PluginRunner::PluginRunner(const QString& storageFolder)
 {
-    // The cache is built anew at each start, so that a plugin file that was replaced is not taken from it.
+    // The cache is rebuilt at each start, so that it never holds an older version of the plugin's file.
     QVariantHash properties;
     properties.insert(QStringLiteral("org.commontk.pluginfw.storage"), storageFolder);
     properties.insert(QStringLiteral("org.commontk.pluginfw.storage.clean"), QStringLiteral("onFirstInit"));
@@ -32,7 +32,7 @@ PluginRunner::~PluginRunner()
         m_framework->stop();
         m_framework->waitForStop(5000);
     } catch (const std::exception& error) {
-        qWarning() << "the plugin framework does not stop:" << error.what();
+        qWarning() << "cannot stop the plugin framework:" << error.what();
     }
 }
 
@@ -52,14 +52,14 @@ VTBaseInterface* PluginRunner::Start(const QString& pluginFile, QString* error)
     }
     VTBaseInterface* service = FindService();
     if (!service) {
-        *error = QStringLiteral("the plugin offers no service");
+        *error = QStringLiteral("the plugin registers no service");
         return nullptr;
     }
     const int status
         = service->Initialize({{QStringLiteral("plugin_context"), QVariant::fromValue(m_context)}});
     if (status == 0)
         return service;
-    *error = QStringLiteral("the plugin's service refuses to start (%1)").arg(status);
+    *error = QStringLiteral("the plugin's service failed to initialise (status %1)").arg(status);
     return nullptr;
 }
 
@@ -72,7 +72,7 @@ void PluginRunner::Stop()
     try {
         m_plugin->stop();
     } catch (const std::exception& error) {
-        qWarning() << "the plugin does not stop:" << error.what();
+        qWarning() << "cannot stop the plugin:" << error.what();
     }
     m_plugin.reset();
 }

@@ -12,25 +12,24 @@ class ctkPluginFrameworkFactory;
 class QObject;
 class VTBaseInterface;
 
-/// The plugin framework and the one plugin that runs in it.
+/// Runs the plugin framework with the one plugin in it.
 class PluginRunner
 {
 public:
-    /// Starts the framework. Throws what the framework throws (a std::exception).
-    /// @param storageFolder where an installed framework keeps its cache.
+    /// Starts the framework; throws a std::exception when that fails.
+    /// @param storageFolder for the framework's cache of plugins.
     explicit PluginRunner(const QString& storageFolder);
 
-    /// Ends what Start began and the framework.
+    /// Stops the plugin, then the framework.
     ~PluginRunner();
 
     Q_DISABLE_COPY(PluginRunner)
 
-    /// Registers a service under its interface's name. The object stays the caller's and must outlive this one.
+    /// Registers a service under the name of its interface. The caller keeps ownership; the service must outlive the runner.
     void Register(const char* interfaceName, QObject* service);
 
     /// Loads and starts the plugin and initialises its service.
-    /// @return the plugin's service, valid until Stop; null where it offers none or the service refuses, with the
-    ///         reason in error.
+    /// @return the plugin's service, valid until Stop; null, with the reason in `error`, when there is none or it fails.
     VTBaseInterface* Start(const QString& pluginFile, QString* error);
 
     /// Uninitialises the service and stops the plugin. May be called again.

@@ -3,6 +3,7 @@
 #include "host/mainform/main_form.h"
 #include "host/services/communication_service.h"
 #include "host/services/ui_loader_service.h"
+#include "host/settings/setting_keys.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -15,11 +16,6 @@ namespace {
 QString SignInKey()
 {
     return QStringLiteral("com.vtr.authclient");
-}
-
-QString LastNameKey()
-{
-    return QStringLiteral("vtr.auth/lastname");
 }
 
 void RequestSignOut()
@@ -40,10 +36,11 @@ SessionControl::SessionControl(UiLoaderService* loader, CommunicationService* co
 {
     m_loader->RegisterWindow(SignInKey(), m_window.Form());
     m_window.Form()->installEventFilter(this);
-    m_window.SetName(m_settings->Value(LastNameKey(), {}).toString());
+    m_window.SetName(m_settings->Value(SettingKeys::LastName, {}).toString());
     connect(&m_window, &SignInWindow::SignInRequested, this, &SessionControl::SignIn);
-    connect(communication, &CommunicationService::SignInResponse, this, &SessionControl::HandleSignIn);
-    connect(communication, &CommunicationService::SignOutResponse, this, &SessionControl::HandleSignOut);
+    connect(communication, &CommunicationService::SignInResponse, this, &SessionControl::HandleSignInAnswer);
+    connect(
+        communication, &CommunicationService::SignOutResponse, this, &SessionControl::HandleSignOutAnswer);
     connect(communication, &CommunicationService::SessionExpired, this, &SessionControl::HandleExpiry);
     AddMenuEntry();
 }
@@ -80,14 +77,14 @@ void SessionControl::ShowFailure(const QString& message)
     m_window.ShowFailure(message);
 }
 
-void SessionControl::ComeForward()
+void SessionControl::ShowWindow()
 {
     m_loader->OpenWindow(m_signedIn ? QStringLiteral("com.vtr.qsclient") : SignInKey());
 }
 
 bool SessionControl::eventFilter(QObject* watched, QEvent* event)
 {
-    // Without a tray there would be nothing left on the screen to come back from.
+    // Without a tray icon, closing the last window would leave no way to get it back.
     if (watched == m_window.Form() && event->type() == QEvent::Close && !m_signedIn
         && !QSystemTrayIcon::isSystemTrayAvailable())
         QCoreApplication::quit();
@@ -100,9 +97,9 @@ void SessionControl::SignIn(const QString& name, const QString& password)
     m_communication->SignIn(name, password);
 }
 
-void SessionControl::HandleSignIn(int code, const QVariantMap& answer)
+void SessionControl::HandleSignInAnswer(int code, const QVariantMap& answer)
 {
-    if (code != 200) {
+    if (code != HttpStatus::Ok) {
         ShowFailure(FailureText(code, answer.value(QStringLiteral("message")).toString()));
         return;
     }
@@ -110,27 +107,27 @@ void SessionControl::HandleSignIn(int code, const QVariantMap& answer)
     m_signOut.setEnabled(true);
     m_window.SetBusy(false);
     m_window.Reset();
-    m_settings->SetValue(LastNameKey(), answer.value(QStringLiteral("loginname")));
+    m_settings->SetValue(SettingKeys::LastName, answer.value(QStringLiteral("loginname")));
     m_window.Form()->hide();
     emit SignedIn(answer.value(QStringLiteral("username")).toString(),
         answer.value(QStringLiteral("data")).toMap().value(QStringLiteral("token")).toString());
-    ComeForward();
+    ShowWindow();
 }
 
-/// What the user reads: the server's own words are English, so the usual failures have texts here.
+/// Translates the usual failures; the server's own messages are English.
 QString SessionControl::FailureText(int code, const QString& message)
 {
     switch (code) {
-    case 401:
+    case HttpStatus::Unauthorized:
         return tr("The user name or the password is wrong.");
-    case 429:
+    case HttpStatus::TooManyRequests:
         return tr("Too many attempts. Please try again in a moment.");
     default:
         return message;
     }
 }
 
-void SessionControl::HandleSignOut()
+void SessionControl::HandleSignOutAnswer()
 {
     m_signedIn = false;
     m_signOut.setEnabled(false);
@@ -156,7 +153,7 @@ void SessionControl::AddMenuEntry()
     QMenu* menu = m_loader->GetMenu(QStringLiteral("menuTray"), {});
     if (!menu)
         return;
-    // The last entry is the main window's: it quits.
+    // The last entry is the main window's "Quit".
     const QList<QAction*> entries = menu->actions();
     menu->insertAction(entries.isEmpty() ? nullptr : entries.constLast(), &m_signOut);
 }

@@ -11,36 +11,36 @@ class CommunicationService;
 class UiLoaderService;
 class VTSettingsInterface;
 
-/// Who is signed in, and which window shows for it: the sign-in window or the main one.
+/// Signs the user in and out and shows the window that belongs to the session: the sign-in window or the main window.
 class SessionControl : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Build it after the plugin has started, so that the main window hears of each answer first.
+    /// Create it after the plugin has started, so that the main window receives each answer first.
     SessionControl(UiLoaderService* loader, CommunicationService* communication,
         VTSettingsInterface* settings, QObject* parent = nullptr);
 
     bool IsSignedIn() const { return m_signedIn; }
     QWidget* SignInForm() { return m_window.Form(); }
 
-    /// The account that SignInAutomatically uses. The password is kept in memory until then.
+    /// Sets the account for SignInAutomatically, which forgets the password again.
     void SetAccount(const QString& name, const QString& password);
 
-    /// Signs in with the account that was set; without one it shows the sign-in window.
+    /// Signs in with the account that was set, or shows the sign-in window if there is none.
     void SignInAutomatically();
 
     void ShowSignIn();
 
-    /// Shows why nobody can sign in now.
+    /// Shows a reason in the sign-in window; ignored while somebody is signed in.
     void ShowFailure(const QString& message);
 
-    /// Brings the window that is right for the session to the front.
-    void ComeForward();
+    /// Brings the main window to the front, or the sign-in window while nobody is signed in.
+    void ShowWindow();
 
 signals:
-    /// @param userName the account's own name.
-    /// @param token of the session, never to be logged.
+    /// @param userName the "username" of the answer, which identifies the account.
+    /// @param token of the session; must never be logged.
     void SignedIn(const QString& userName, const QString& token);
     void SignedOut();
 
@@ -49,9 +49,9 @@ protected:
 
 private:
     void SignIn(const QString& name, const QString& password);
-    void HandleSignIn(int code, const QVariantMap& answer);
+    void HandleSignInAnswer(int code, const QVariantMap& answer);
     static QString FailureText(int code, const QString& message);
-    void HandleSignOut();
+    void HandleSignOutAnswer();
     void HandleExpiry();
     void AddMenuEntry();
     void TranslateMenuEntry();

@@ -43,8 +43,8 @@
 <context>
     <name>ClientHost</name>
     <message>
-        <source>The embedded farm cannot be started.</source>
-        <translation>The embedded farm cannot be started.</translation>
+        <source>The embedded farm could not be started. Please restart the client.</source>
+        <translation>The embedded farm could not be started. Please restart the client.</translation>
     </message>
 </context>
 <context>

@@ -43,8 +43,8 @@
 <context>
     <name>ClientHost</name>
     <message>
-        <source>The embedded farm cannot be started.</source>
-        <translation>无法启动内置渲染农场。</translation>
+        <source>The embedded farm could not be started. Please restart the client.</source>
+        <translation>无法启动内置渲染农场，请重新启动客户端。</translation>
     </message>
 </context>
 <context>

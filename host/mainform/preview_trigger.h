@@ -2,22 +2,21 @@
 
 #include <QObject>
 
-class PreviewerService;
-
-/// Opens a finished download that is double-clicked in the main form, which leaves that to the host.
+/// Notices double clicks on finished downloads in the main form. The window leaves opening them to the host.
 class PreviewTrigger : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param previewer must outlive this object.
-    explicit PreviewTrigger(PreviewerService* previewer, QObject* parent = nullptr);
+    using QObject::QObject;
 
-    /// To be called when the main form is shown; it may be another one than the last time.
+    /// Watches the table of downloads. Call it whenever the main form is shown, because the form may be a new one.
     void Attach();
 
-private:
-    void Open(int row);
+signals:
+    /// @param file path of the finished download.
+    void PreviewRequested(const QString& file);
 
-    PreviewerService* m_previewer;
+private:
+    void HandleDoubleClick(int row);
 };

@@ -16,9 +16,9 @@
 
 namespace {
 
-constexpr int kNotice = 2;
+constexpr int NoticeKind = 2;
 
-/// The scenes among what is being dragged.
+/// @return the scene files among the dragged ones.
 QStringList ScenesOf(const QMimeData* data)
 {
     static const QStringList suffixes {QStringLiteral("pov"), QStringLiteral("ma"), QStringLiteral("mb")};
@@ -41,32 +41,32 @@ SceneIntake::SceneIntake(VTRenderCoreInterface* renderCore, VTMessagboxInterface
     , m_messageBox(messageBox)
     , m_loader(loader)
 {
-    m_soon.setSingleShot(true);
-    m_soon.setInterval(0);
-    connect(&m_soon, &QTimer::timeout, this, &SceneIntake::TakeWaiting);
+    m_submitting.setSingleShot(true);
+    m_submitting.setInterval(0);
+    connect(&m_submitting, &QTimer::timeout, this, &SceneIntake::SubmitWaiting);
 }
 
-void SceneIntake::Take(const QStringList& scenes)
+void SceneIntake::Submit(const QStringList& scenes)
 {
     m_waiting.append(scenes);
-    // Whoever brings them may be in the middle of a drop; a notice would hold it up.
-    m_soon.start();
+    // The caller may be handling a drop, which a notice must not hold up.
+    m_submitting.start();
 }
 
-void SceneIntake::Open()
+void SceneIntake::BeginSession()
 {
-    m_open = true;
-    m_soon.start();
+    m_signedIn = true;
+    m_submitting.start();
 }
 
-void SceneIntake::Close()
+void SceneIntake::EndSession()
 {
-    m_open = false;
+    m_signedIn = false;
 }
 
-void SceneIntake::TakeWaiting()
+void SceneIntake::SubmitWaiting()
 {
-    if (!m_open)
+    if (!m_signedIn)
         return;
     QStringList refused;
     const QStringList scenes = std::exchange(m_waiting, QStringList());
@@ -77,8 +77,8 @@ void SceneIntake::TakeWaiting()
     if (refused.isEmpty())
         return;
     const QIcon icon(QStringLiteral(":/%1/main.png").arg(m_loader->GetSkin()));
-    m_messageBox->ShowMessage(kNotice, tr("QuillStar Client"), tr("These scenes cannot be submitted:"), icon,
-        refused.join(QLatin1Char('\n')), {{QStringLiteral("btnMessageBox_1"), tr("Ok")}}, true);
+    m_messageBox->ShowMessage(NoticeKind, tr("QuillStar Client"), tr("These scenes cannot be submitted:"),
+        icon, refused.join(QLatin1Char('\n')), {{QStringLiteral("btnMessageBox_1"), tr("Ok")}}, true);
 }
 
 bool SceneIntake::eventFilter(QObject* watched, QEvent* event)
@@ -94,7 +94,7 @@ bool SceneIntake::eventFilter(QObject* watched, QEvent* event)
         drag->setDropAction(Qt::CopyAction);
         drag->setAccepted(!scenes.isEmpty());
         if (event->type() == QEvent::Drop && !scenes.isEmpty())
-            Take(scenes);
+            Submit(scenes);
         return true;
     }
     default:
@@ -116,10 +116,10 @@ void SceneIntake::AskForScenes()
     m_dialog = new QFileDialog(m_form, tr("Submit a scene"), {}, tr("Scenes (*.pov *.ma *.mb)"));
     m_dialog->setAttribute(Qt::WA_DeleteOnClose);
     m_dialog->setFileMode(QFileDialog::ExistingFiles);
-    // Chosen for a session that has ended meanwhile, they are nobody's.
+    // Scenes chosen for a session that has ended must not be submitted in the next one.
     connect(m_dialog, &QFileDialog::filesSelected, this, [this](const QStringList& scenes) {
-        if (m_open)
-            Take(scenes);
+        if (m_signedIn)
+            Submit(scenes);
     });
     m_dialog->open();
 }

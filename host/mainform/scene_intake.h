@@ -11,38 +11,38 @@ class VTMessagboxInterface;
 class VTRenderCoreInterface;
 class VTUiLoaderInterface;
 
-/// The ways by which the user brings scenes: dropped on the main form, chosen behind its button "btnSubmit", or handed
-/// over by the command line. As an event filter on the form it sees the drops; at the first event it finds the button.
+/// Submits the scenes that the user drops on the main form, chooses with its button "btnSubmit", or names on the command
+/// line. As an event filter of the form it sees drops; with the first event it finds the button.
 class SceneIntake : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The services must outlive the intake.
+    /// All services must outlive this object.
     SceneIntake(VTRenderCoreInterface* renderCore, VTMessagboxInterface* messageBox,
         VTUiLoaderInterface* loader, QObject* parent = nullptr);
 
-    /// Submits the scenes, once somebody is signed in. Those that are not taken are named to the user in one notice.
-    void Take(const QStringList& scenes);
+    /// Submits the scenes as soon as somebody is signed in. One notice names those that cannot be submitted.
+    void Submit(const QStringList& scenes);
 
-    /// Somebody is signed in.
-    void Open();
-    /// Nobody is any more; what comes waits.
-    void Close();
+    void BeginSession();
+
+    /// Scenes submitted from now on wait for the next session.
+    void EndSession();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void Attach(QWidget* form);
     void AskForScenes();
-    void TakeWaiting();
+    void SubmitWaiting();
 
     VTRenderCoreInterface* m_renderCore;
     VTMessagboxInterface* m_messageBox;
     VTUiLoaderInterface* m_loader;
     QPointer<QWidget> m_form;
     QStringList m_waiting;
-    QTimer m_soon;
-    bool m_open = false;
+    QTimer m_submitting; // submits once control returns to the event loop
+    bool m_signedIn = false;
     QPointer<QFileDialog> m_dialog;
 };

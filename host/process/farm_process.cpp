@@ -12,28 +12,28 @@ constexpr int LongestPause = 60000; // ms before a restart
 } // namespace
 
 FarmProcess::FarmProcess(const QString& program, const QString& dataFolder, QObject* parent)
-    : FarmProcess(program, dataFolder, Patience(), parent)
+    : FarmProcess(program, dataFolder, Limits(), parent)
 {
 }
 
 FarmProcess::FarmProcess(
-    const QString& program, const QString& dataFolder, const Patience& patience, QObject* parent)
+    const QString& program, const QString& dataFolder, const Limits& limits, QObject* parent)
     : QObject(parent)
     , m_program(program)
     , m_dataFolder(dataFolder)
-    , m_patience(patience)
+    , m_limits(limits)
 {
     m_startDeadline.setSingleShot(true);
     m_restart.setSingleShot(true);
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     connect(&m_process, &QProcess::readyReadStandardOutput, this, &FarmProcess::ReadOutput);
-    connect(
-        &m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this, &FarmProcess::HandleEnd);
+    connect(&m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
+        &FarmProcess::HandleExit);
     connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
-            HandleEnd();
+            HandleExit();
     });
-    connect(&m_startDeadline, &QTimer::timeout, this, &FarmProcess::HandleLate);
+    connect(&m_startDeadline, &QTimer::timeout, this, &FarmProcess::HandleStartTimeout);
     connect(&m_restart, &QTimer::timeout, this, &FarmProcess::Launch);
 }
 
@@ -60,17 +60,17 @@ void FarmProcess::Stop()
     if (m_process.state() == QProcess::NotRunning)
         return;
     m_process.closeWriteChannel();
-    if (m_process.waitForFinished(m_patience.end))
+    if (m_process.waitForFinished(m_limits.end))
         return;
-    qWarning() << "the farm does not end by itself";
+    qWarning() << "the farm did not end in time; terminating it";
     m_process.terminate();
-    if (!m_process.waitForFinished(m_patience.end)) {
+    if (!m_process.waitForFinished(m_limits.end)) {
         m_process.kill();
-        m_process.waitForFinished(m_patience.end);
+        m_process.waitForFinished(m_limits.end);
     }
 }
 
-QUrl FarmProcess::AnnouncedAddress(const QByteArray& line)
+QUrl FarmProcess::ReadAnnouncement(const QByteArray& line)
 {
     static const QRegularExpression pattern(
         QStringLiteral("^listening on (http://127\\.0\\.0\\.1:([0-9]{1,5}))$"));
@@ -81,7 +81,7 @@ QUrl FarmProcess::AnnouncedAddress(const QByteArray& line)
 
 void FarmProcess::Launch()
 {
-    m_startDeadline.start(m_patience.start);
+    m_startDeadline.start(m_limits.start);
     m_process.start(m_program,
         {QStringLiteral("--data"), m_dataFolder, QStringLiteral("--port"), QStringLiteral("0"),
             QStringLiteral("--stop-with-stdin")});
@@ -90,7 +90,7 @@ void FarmProcess::Launch()
 void FarmProcess::ReadOutput()
 {
     while (m_process.canReadLine()) {
-        const QUrl url = AnnouncedAddress(m_process.readLine());
+        const QUrl url = ReadAnnouncement(m_process.readLine());
         if (url.isEmpty())
             continue;
         m_startDeadline.stop();
@@ -99,26 +99,26 @@ void FarmProcess::ReadOutput()
     }
 }
 
-void FarmProcess::HandleEnd()
+void FarmProcess::HandleExit()
 {
     m_startDeadline.stop();
     if (!m_wanted)
         return;
-    qWarning().noquote() << "the farm has ended unexpectedly:" << m_process.errorString();
-    if (m_listening.isValid() && m_listening.hasExpired(m_patience.steady))
+    qWarning().noquote() << "the farm ended unexpectedly:" << m_process.errorString();
+    if (m_listening.isValid() && m_listening.hasExpired(m_limits.steady))
         m_failures = 0;
     m_listening.invalidate();
     emit Lost();
-    if (++m_failures > m_patience.restarts) {
+    if (++m_failures > m_limits.restarts) {
         m_wanted = false;
         emit GivenUp(m_process.errorString());
         return;
     }
-    m_restart.start(Backoff(m_patience.firstPause, LongestPause).PauseAfter(m_failures));
+    m_restart.start(Backoff(m_limits.firstPause, LongestPause).PauseAfter(m_failures));
 }
 
-void FarmProcess::HandleLate()
+void FarmProcess::HandleStartTimeout()
 {
-    qWarning() << "the farm announces no address";
+    qWarning() << "the farm did not announce its address in time; killing it";
     m_process.kill();
 }

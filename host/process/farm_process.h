@@ -6,59 +6,61 @@
 #include <QTimer>
 #include <QUrl>
 
-/// The embedded farm: a server process of the host's own, started on a free loopback port and kept running.
+/// Runs the embedded farm, a server process on a free loopback port, and restarts it when it crashes.
 ///
-/// It ends when its standard input does, so it does not survive the host, however that ends.
+/// The farm ends when its standard input is closed, so it never outlives the host.
 class FarmProcess : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Times in milliseconds.
-    struct Patience
+    /// Times are in milliseconds.
+    struct Limits
     {
-        int start = 20000;    ///< from the start of the process to its address
+        int start = 20000;    ///< for the process to announce its address
         int firstPause = 500; ///< before the first restart; doubled before each further one
-        int restarts = 6;     ///< in a row, before it is given up
-        int steady = 10000;   ///< of taking requests, after which earlier failures no longer count
-        int end = 4000;       ///< from the end of its input to its own, before it is made to end
+        int restarts = 6;     ///< in a row before giving up
+        int steady = 10000;   ///< of listening, after which earlier failures no longer count
+        int end = 4000;       ///< for the process to end by itself before it is terminated, then killed
     };
 
-    FarmProcess(const QString& program, const QString& dataFolder, const Patience& patience,
-        QObject* parent = nullptr);
+    FarmProcess(
+        const QString& program, const QString& dataFolder, const Limits& limits, QObject* parent = nullptr);
     FarmProcess(const QString& program, const QString& dataFolder, QObject* parent = nullptr);
 
-    /// Ends the farm as Stop does.
+    /// Stops the farm like Stop.
     ~FarmProcess() override;
 
     void Start();
 
-    /// Ends the farm and waits for it, a few seconds at the most. It is not restarted.
+    /// Stops the farm for good and waits for it to end, for a few seconds at most.
     void Stop();
 
-    /// 0 when it is not running.
+    /// @return 0 while the farm is not running.
     qint64 ProcessId() const { return m_process.processId(); }
 
-    /// The address in a line of the farm's output, empty where the line is no announcement of one.
-    static QUrl AnnouncedAddress(const QByteArray& line);
+    /// @return the address that a line of the farm's output announces; empty for any other line.
+    static QUrl ReadAnnouncement(const QByteArray& line);
 
 signals:
-    /// The farm takes requests at this address; again, with another one, after each restart.
+    /// The farm accepts requests at this address, which changes with each restart.
     void Listening(const QUrl& url);
 
-    /// The farm is not running; it is started again where that has not been tried too often.
+    /// The farm has crashed. Either a restart or GivenUp follows.
     void Lost();
+
+    /// The farm has crashed too often and is not restarted.
     void GivenUp(const QString& reason);
 
 private:
     void Launch();
     void ReadOutput();
-    void HandleEnd();
-    void HandleLate();
+    void HandleExit();
+    void HandleStartTimeout();
 
     QString m_program;
     QString m_dataFolder;
-    Patience m_patience;
+    Limits m_limits;
     QProcess m_process;
     QTimer m_startDeadline;
     QTimer m_restart;

@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr int kCallTime = 2000;
-constexpr qint64 kLongestCall = 1024LL * 1024;
+constexpr int CallTime = 2000;                // ms
+constexpr qint64 LongestCall = 1024LL * 1024; // bytes
 
 QString RuntimeFolder()
 {
@@ -40,38 +40,38 @@ SingleInstance::SingleInstance(const QString& configFile, QObject* parent)
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     QLocalServer::removeServer(m_name);
     if (!m_server.listen(m_name))
-        qWarning().noquote() << "other starts of the client cannot reach this one:" << m_server.errorString();
+        qWarning().noquote() << "cannot listen for other starts of the client:" << m_server.errorString();
     connect(&m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* caller = m_server.nextPendingConnection())
-            Listen(caller);
+            ReadScenes(caller);
     });
 }
 
-/// A caller sends its scenes and hangs up.
-void SingleInstance::Listen(QLocalSocket* caller)
+/// The caller sends its scenes as a JSON array and disconnects.
+void SingleInstance::ReadScenes(QLocalSocket* caller)
 {
     const auto conclude = [this, caller] {
         caller->disconnect(this);
         caller->deleteLater();
-        emit Called(QJsonDocument::fromJson(caller->read(kLongestCall)).toVariant().toStringList());
+        emit Activated(QJsonDocument::fromJson(caller->read(LongestCall)).toVariant().toStringList());
     };
     if (caller->state() == QLocalSocket::UnconnectedState) {
         conclude();
         return;
     }
-    caller->setReadBufferSize(kLongestCall);
+    caller->setReadBufferSize(LongestCall);
     connect(caller, &QLocalSocket::disconnected, this, conclude);
 }
 
-bool SingleInstance::CallFirst(const QStringList& scenes) const
+bool SingleInstance::ActivateFirst(const QStringList& scenes) const
 {
     QLocalSocket socket;
     socket.connectToServer(m_name);
-    if (!socket.waitForConnected(kCallTime))
+    if (!socket.waitForConnected(CallTime))
         return false;
     socket.write(QJsonDocument(QJsonArray::fromStringList(scenes)).toJson(QJsonDocument::Compact));
     while (socket.bytesToWrite() > 0) {
-        if (!socket.waitForBytesWritten(kCallTime))
+        if (!socket.waitForBytesWritten(CallTime))
             return false;
     }
     socket.disconnectFromServer();

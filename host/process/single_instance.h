@@ -7,29 +7,30 @@
 
 class QLocalSocket;
 
-/// One client for each user and configuration: a second start only brings the first one forward and
-/// hands it its scenes.
+/// Keeps to one client for each user and configuration. A second start shows the first one's window and passes its scenes
+/// on.
 class SingleInstance : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param configFile absolute path; with the user's account it makes up the identity.
+    /// @param configFile absolute path; together with the user's home folder it identifies the client.
     explicit SingleInstance(const QString& configFile, QObject* parent = nullptr);
 
-    /// False where another client with this identity is running.
+    /// @return false when another client with the same identity is running.
     bool IsFirst() const { return m_first; }
 
-    /// Asks the client that is running to come forward and to take these scenes. Returns whether it could be reached.
-    bool CallFirst(const QStringList& scenes = {}) const;
+    /// Asks the running client to show its window and to submit these scenes.
+    /// @return whether it could be reached.
+    bool ActivateFirst(const QStringList& scenes = {}) const;
 
 signals:
-    /// Another start of the client asked for this one.
-    /// @param scenes that it brought, as absolute paths.
-    void Called(const QStringList& scenes);
+    /// Another start of the client asked this one to show its window.
+    /// @param scenes absolute paths of the scenes to submit.
+    void Activated(const QStringList& scenes);
 
 private:
-    void Listen(QLocalSocket* caller);
+    void ReadScenes(QLocalSocket* caller);
 
     QString m_name;
     QLockFile m_lock;

@@ -12,9 +12,9 @@
 
 namespace {
 
-constexpr std::array<int, 3> kSignals {SIGINT, SIGTERM, SIGHUP};
+constexpr std::array<int, 3> Signals {SIGINT, SIGTERM, SIGHUP};
 
-// Written to by the handler, which may do hardly anything else.
+// The handler writes to this pipe, since a signal handler may do little else.
 std::array<int, 2> s_pipe {-1, -1};
 
 void Handle(int number)
@@ -28,7 +28,7 @@ void SetHandlers(void (*handler)(int))
     struct sigaction action = {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
-    for (const int number : kSignals)
+    for (const int number : Signals)
         sigaction(number, &action, nullptr);
 }
 

@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-/// Turns the signals that ask a process to end (interrupt, terminate, hang-up) into a Qt signal. One at a time.
+/// Turns SIGINT, SIGTERM and SIGHUP into a Qt signal. Only one object may exist at a time; without effect on Windows.
 class TerminationSignals : public QObject
 {
     Q_OBJECT

@@ -2,6 +2,7 @@
 
 #include "host/farmclient/http_transport.h"
 #include "host/settings/download_folder.h"
+#include "host/settings/setting_keys.h"
 #include "vtr_settingsinterface.h"
 
 RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface* settings, QObject* parent)
@@ -13,10 +14,8 @@ RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface*
     connect(&m_submissions, &SubmitQueue::ListChanged, this, &VTRenderCoreInterface::SubmitListChanged);
     connect(&m_submissions, &SubmitQueue::UploadFailed, this, &VTRenderCoreInterface::failFile);
     connect(&m_submissions, &SubmitQueue::TexturesLacking, this, &VTRenderCoreInterface::lackedTexture);
-    m_submissions.SetArgumentsCheck([this] {
-        const QString key = QStringLiteral("vtr.account.%1/setargument").arg(m_userName);
-        return m_settings->Value(key, 0).toBool();
-    });
+    m_submissions.SetArgumentsCheck(
+        [this] { return m_settings->Value(SettingKeys::OfAccount(m_userName, "setargument"), 0).toBool(); });
     connect(&m_downloads, &DownloadQueue::ListChanged, this, &VTRenderCoreInterface::DownloadListChanged);
     connect(&m_downloads, &DownloadQueue::FileFinished, this, &VTRenderCoreInterface::DownloadFinish);
     // The folder for downloads is a setting.

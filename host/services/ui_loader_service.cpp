@@ -1,5 +1,6 @@
 #include "host/services/ui_loader_service.h"
 
+#include "host/settings/setting_keys.h"
 #include "host/ui/frameless_window.h"
 #include "host/ui/languages.h"
 #include "host/ui/skins.h"
@@ -21,8 +22,6 @@ const QLatin1String MainFormKey("com.vtr.qsclient");
 const QLatin1String MenuKey("com.vtr.menu");
 const QLatin1String DefaultSkin("default");
 const QLatin1String DefaultLanguage("vtr_en.qm");
-const QLatin1String SkinSetting("vtr.ui/skin");
-const QLatin1String LanguageSetting("vtr.ui/language");
 
 constexpr QSize CalendarSize(288, 248); // room for six weeks below the bar that a skin styles
 
@@ -58,7 +57,7 @@ UiLoaderService::UiLoaderService(VTSettingsInterface* settings, QObject* parent)
     , m_settings(settings)
 {
     Skins::Install(NextToExecutable("skins"));
-    m_skin = Remembered(SkinSetting, DefaultSkin);
+    m_skin = Remembered(SettingKeys::Skin, DefaultSkin);
     if (!GetSkins().contains(m_skin))
         m_skin = DefaultSkin;
     RestoreLanguage();
@@ -129,7 +128,7 @@ void UiLoaderService::SetLanguage(const QString& file)
 {
     if (file == m_languageFile || !GetLanguages().contains(file) || !InstallLanguage(file))
         return;
-    Remember(LanguageSetting, GetLanguage());
+    Remember(SettingKeys::Language, GetLanguage());
     m_trayMenu.Retranslate();
     ListChoices();
     emit LanguageChanged(file);
@@ -148,7 +147,8 @@ bool UiLoaderService::InstallLanguage(const QString& file)
 void UiLoaderService::RestoreLanguage()
 {
     const QStringList files = GetLanguages();
-    for (const QString& wanted : {Remembered(LanguageSetting, DefaultLanguage), QString(DefaultLanguage)}) {
+    for (const QString& wanted :
+        {Remembered(SettingKeys::Language, DefaultLanguage), QString(DefaultLanguage)}) {
         for (const QString& file : files) {
             if (QFileInfo(file).fileName() == wanted && InstallLanguage(file))
                 return;
@@ -197,7 +197,7 @@ void UiLoaderService::SetSkin(const QString& name)
     if (name == m_skin || !GetSkins().contains(name))
         return;
     m_skin = name;
-    Remember(SkinSetting, name);
+    Remember(SettingKeys::Skin, name);
     LoadSkinSettings(Skins::SettingsFile(name));
     m_trayMenu.SetStyleSheet(Skins::StyleSheet(name, MenuKey));
     ListChoices();

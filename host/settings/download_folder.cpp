@@ -1,5 +1,6 @@
 #include "host/settings/download_folder.h"
 
+#include "host/settings/setting_keys.h"
 #include "vtr_settingsinterface.h"
 
 #include <QDir>
@@ -7,24 +8,18 @@
 
 namespace DownloadFolder {
 
-QString SettingKey(const QString& userName)
+QString Key(const QString& userName)
 {
-    return QStringLiteral("vtr.account.%1/downloadfolder").arg(userName);
-}
-
-QString UsualKey()
-{
-    return QStringLiteral("vtr.downloads/folder");
+    return SettingKeys::OfAccount(userName, "downloadfolder");
 }
 
 QString Of(VTSettingsInterface* settings, const QString& userName)
 {
-    const QString chosen = settings->Value(SettingKey(userName), {}).toString();
-    if (QDir::isAbsolutePath(chosen))
-        return QDir::cleanPath(chosen);
-    const QString usual = settings->Value(UsualKey(), {}).toString();
-    if (QDir::isAbsolutePath(usual))
-        return QDir::cleanPath(usual);
+    for (const QString& key : {Key(userName), QString(SettingKeys::DownloadFolder)}) {
+        const QString folder = settings->Value(key, {}).toString();
+        if (QDir::isAbsolutePath(folder))
+            return QDir::cleanPath(folder);
+    }
     return QStandardPaths::writableLocation(QStandardPaths::DownloadLocation) + QLatin1String("/QuillStar");
 }
 

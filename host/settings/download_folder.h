@@ -8,10 +8,8 @@ class VTSettingsInterface;
 /// accounts, else below the desktop's folder for downloads.
 namespace DownloadFolder {
 
-QString SettingKey(const QString& userName);
-
-/// The setting for all accounts.
-QString UsualKey();
+/// The setting of one account.
+QString Key(const QString& userName);
 
 /// @return an absolute path.
 QString Of(VTSettingsInterface* settings, const QString& userName);

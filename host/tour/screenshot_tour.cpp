@@ -17,15 +17,15 @@
 
 namespace {
 
-constexpr int kTick = 100;
-constexpr int kSettlingTicks = 4; // for layouts and pictures that follow an act a moment later
-constexpr int kRefreshTicks = 20;
-constexpr int kLongest = 60000;
-constexpr int kRunning = 1;
-constexpr int kSubmit = 7;
-constexpr int kWhole = 100;
+constexpr int Tick = 100;          // ms
+constexpr int SettlingTicks = 4;   // for layouts and pictures that follow a step with a delay
+constexpr int RefreshTicks = 20;   // between two refreshes of the job list
+constexpr int LongestStep = 60000; // ms
+constexpr int RunningStatus = 1;
+constexpr int LastStage = 7;  // of a submission
+constexpr int Complete = 100; // percent
 
-/// A text of the main window in the language in use.
+/// @return a text of the main window in the current language.
 QString ClientText(const char* text)
 {
     return QCoreApplication::translate("VTQsClientPrivate", text);
@@ -36,7 +36,7 @@ bool Always()
     return true;
 }
 
-/// The top-level form that holds a child of this name; null while there is none.
+/// @return the top-level form that has a child of this name; null while there is none.
 QWidget* FindForm(const QString& childName)
 {
     const QWidgetList windows = QApplication::topLevelWidgets();
@@ -89,7 +89,7 @@ ScreenshotTour::ScreenshotTour(const QString& folder, ClientHost* host)
     PlanMenu();
     PlanPreview();
     m_time.start();
-    m_ticker.start(kTick);
+    m_ticker.start(Tick);
 }
 
 void ScreenshotTour::PlanSession()
@@ -110,7 +110,7 @@ void ScreenshotTour::PlanSession()
         {QStringLiteral("a running job that advances"), [this] { return HasJobAdvanced(); }, [] {}});
 }
 
-/// @param name empty: only turn to the tab.
+/// @param name of the picture; empty to change the tab only.
 void ScreenshotTour::PlanTab(int index, const QString& name)
 {
     m_steps.push_back({QStringLiteral("the tabs"), [] { return Tabs() != nullptr; },
@@ -131,7 +131,7 @@ void ScreenshotTour::PlanDialog(const QString& childName, const QString& name)
         }});
 }
 
-/// Submits a scene of the embedded farm's and waits until it has become a job.
+/// Submits one of the embedded farm's scenes and waits until it has become a job.
 void ScreenshotTour::PlanSubmission()
 {
     m_steps.push_back({QStringLiteral("the session"), Always, [this] {
@@ -141,19 +141,19 @@ void ScreenshotTour::PlanSubmission()
     const auto isSubmitted = [this] {
         VTRenderCoreInterface& core = m_services->renderCore;
         const QString id = core.GetSubmitTaskIds().value(0);
-        return core.GetTaskStage(id) == kSubmit && core.GetTaskProgress(id) == kWhole;
+        return core.GetTaskStage(id) == LastStage && core.GetTaskProgress(id) == Complete;
     };
     m_steps.push_back({QStringLiteral("a submitted scene"), isSubmitted, [] {}});
     m_steps.push_back({QStringLiteral("the list of tasks"),
         [] {
             const QTableWidget* tasks = FindTable(QStringLiteral("twtLocalTask"));
             const auto* bar = tasks ? qobject_cast<QProgressBar*>(tasks->cellWidget(0, 3)) : nullptr;
-            return bar && bar->value() == kWhole;
+            return bar && bar->value() == Complete;
         },
         [this] { Save(FindJobTable()->window(), QStringLiteral("local-tasks")); }});
 }
 
-/// Downloads what the job that has advanced has finished so far.
+/// Downloads the frames that the running job has finished so far.
 void ScreenshotTour::PlanDownload()
 {
     m_steps.push_back({QStringLiteral("the tabs"), [] { return Tabs() != nullptr; },
@@ -165,12 +165,12 @@ void ScreenshotTour::PlanDownload()
         [] {
             const QTableWidget* downloads = FindDownloadTable();
             const auto* bar = downloads ? qobject_cast<QProgressBar*>(downloads->cellWidget(0, 3)) : nullptr;
-            return bar && bar->value() == kWhole;
+            return bar && bar->value() == Complete;
         },
         [this] { Save(FindJobTable()->window(), QStringLiteral("downloads")); }});
 }
 
-/// Fills the dialog's list of candidates, as it does itself when it is opened for chosen jobs.
+/// Requests the candidates, as the dialog does when it is opened for checked jobs.
 void ScreenshotTour::PlanParents()
 {
     m_steps.push_back({QStringLiteral("the window"), [] { return FindMainWindow() != nullptr; },
@@ -186,7 +186,7 @@ void ScreenshotTour::PlanParents()
         [] {}});
 }
 
-/// @param open shows a modal window and returns when that is closed.
+/// @param open shows a modal window and returns when it is closed.
 void ScreenshotTour::PlanModal(const QString& name, const std::function<void()>& open)
 {
     m_steps.push_back({name, Always, [this, open] {
@@ -213,7 +213,7 @@ void ScreenshotTour::PlanMenu()
         }});
 }
 
-/// Previews what was downloaded.
+/// Opens the preview of the downloaded frame.
 void ScreenshotTour::PlanPreview()
 {
     const QString picture = QStringLiteral("lblPicture");
@@ -236,11 +236,11 @@ void ScreenshotTour::Proceed()
         End({});
         return;
     }
-    if (m_time.hasExpired(kLongest)) {
-        End(m_steps.front().awaited + QStringLiteral(" did not show"));
+    if (m_time.hasExpired(LongestStep)) {
+        End(m_steps.front().awaited + QStringLiteral(" did not show in time"));
         return;
     }
-    if (++m_idleTicks < kSettlingTicks || !m_steps.front().isThere())
+    if (++m_idleTicks < SettlingTicks || !m_steps.front().isThere())
         return;
     m_idleTicks = 0;
     const Step step = m_steps.front();
@@ -267,7 +267,7 @@ bool ScreenshotTour::HasJobAdvanced()
         const auto* bar = qobject_cast<QProgressBar*>(jobs->cellWidget(row, 3));
         const QTableWidgetItem* state = jobs->item(row, 4);
         const QTableWidgetItem* job = jobs->item(row, 0);
-        if (!bar || !state || !job || state->data(Qt::UserRole).toInt() != kRunning)
+        if (!bar || !state || !job || state->data(Qt::UserRole).toInt() != RunningStatus)
             continue;
         const QString id = job->data(Qt::UserRole).toString();
         if (!m_firstProgress.contains(id))
@@ -278,7 +278,7 @@ bool ScreenshotTour::HasJobAdvanced()
             return true;
         }
     }
-    if (QWidget* window = FindMainWindow(); window && m_idleTicks % kRefreshTicks == 0)
+    if (QWidget* window = FindMainWindow(); window && m_idleTicks % RefreshTicks == 0)
         QMetaObject::invokeMethod(window, "RefreshJobList");
     return false;
 }

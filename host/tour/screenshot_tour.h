@@ -13,8 +13,8 @@ class ClientHost;
 class SessionControl;
 struct HostServices;
 
-/// Walks through the client's windows, saves a picture of each and ends the application: with 0 when all are saved, with 1
-/// and a message on standard error when a window that should show does not within a minute.
+/// Opens each of the client's windows, saves a picture of it and ends the application: with 0 when all pictures are saved,
+/// with 1 and a message on standard error when a window does not show within a minute.
 class ScreenshotTour : public QObject
 {
     Q_OBJECT
@@ -26,10 +26,10 @@ public:
     ScreenshotTour(const QString& folder, ClientHost* host);
 
 private:
-    /// Waits until something is there, then acts on it.
+    /// Waits for a condition, then acts.
     struct Step
     {
-        QString awaited;
+        QString awaited; // names the condition in the message of a failure
         std::function<bool()> isThere;
         std::function<void()> act;
     };
@@ -53,10 +53,10 @@ private:
     SessionControl* m_session;
     std::deque<Step> m_steps;
     QTimer m_ticker;
-    QTimer m_opener; // opens modal windows apart from the ticker, which must go on meanwhile
+    QTimer m_opener; // opens modal windows outside the ticker's slot, so that it keeps ticking
     std::function<void()> m_open;
     QElapsedTimer m_time;
     QHash<QString, int> m_firstProgress; // by job
-    QVariantMap m_order;                 // of a job that has a finished frame
+    QVariantMap m_order;                 // downloads a job that has a finished frame
     int m_idleTicks = 0;
 };

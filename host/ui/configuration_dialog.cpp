@@ -1,6 +1,7 @@
 #include "host/ui/configuration_dialog.h"
 
 #include "host/settings/download_folder.h"
+#include "host/settings/setting_keys.h"
 #include "vtr_settingsinterface.h"
 
 #include <QCheckBox>
@@ -25,11 +26,6 @@ constexpr Switch Switches[] = {
     {"chkSoundFinish", "soundfinish"},
     {"chkSetArgument", "setargument"},
 };
-
-QString SettingKey(const QString& userName, const char* setting)
-{
-    return QLatin1String("vtr.account.") + userName + QLatin1Char('/') + QLatin1String(setting);
-}
 
 } // namespace
 
@@ -64,7 +60,7 @@ void ConfigurationDialog::Load(const QString& userName)
 {
     for (const Switch& entry : Switches)
         m_form.Find<QCheckBox>(entry.box)->setChecked(
-            m_settings->Value(SettingKey(userName, entry.setting), 0).toBool());
+            m_settings->Value(SettingKeys::OfAccount(userName, entry.setting), 0).toBool());
     m_folder->setText(QDir::toNativeSeparators(DownloadFolder::Of(m_settings, userName)));
 }
 
@@ -72,10 +68,10 @@ void ConfigurationDialog::Store(const QString& userName)
 {
     for (const Switch& entry : Switches)
         m_settings->SetValue(
-            SettingKey(userName, entry.setting), m_form.Find<QCheckBox>(entry.box)->isChecked());
+            SettingKeys::OfAccount(userName, entry.setting), m_form.Find<QCheckBox>(entry.box)->isChecked());
     // An unchanged folder is not stored, so that the default keeps following the desktop's folder.
     if (ChosenFolder() != DownloadFolder::Of(m_settings, userName))
-        m_settings->SetValue(DownloadFolder::SettingKey(userName), ChosenFolder());
+        m_settings->SetValue(DownloadFolder::Key(userName), ChosenFolder());
 }
 
 QString ConfigurationDialog::ChosenFolder() const

@@ -9,14 +9,14 @@
 namespace {
 
 /// @param start in milliseconds, for the address to be announced.
-FarmProcess::Patience Impatient(int start)
+FarmProcess::Limits Impatient(int start)
 {
-    FarmProcess::Patience patience;
-    patience.start = start;
-    patience.firstPause = 5;
-    patience.restarts = 2;
-    patience.end = 200;
-    return patience;
+    FarmProcess::Limits limits;
+    limits.start = start;
+    limits.firstPause = 5;
+    limits.restarts = 2;
+    limits.end = 200;
+    return limits;
 }
 
 bool IsRunning(qint64 id)
@@ -34,12 +34,12 @@ class TestHostFarmProcess : public QObject
 private slots:
     void ReadsTheAddress()
     {
-        QCOMPARE(FarmProcess::AnnouncedAddress("listening on http://127.0.0.1:4711\n"),
+        QCOMPARE(FarmProcess::ReadAnnouncement("listening on http://127.0.0.1:4711\n"),
             QUrl(QStringLiteral("http://127.0.0.1:4711")));
         for (const char* line : {"listening on http://farm.example:4711\n",
                  "listening on http://127.0.0.1:0\n", "listening on http://127.0.0.1:65536\n",
                  "listening on http://127.0.0.1:4711/x\n", "now listening on http://127.0.0.1:4711\n"})
-            QVERIFY2(FarmProcess::AnnouncedAddress(line).isEmpty(), line);
+            QVERIFY2(FarmProcess::ReadAnnouncement(line).isEmpty(), line);
     }
 
     void RestartsAndEnds_data()

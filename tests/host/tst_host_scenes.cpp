@@ -78,9 +78,9 @@ private slots:
 
         // What comes before sign-in waits for it; what is no scene is named once.
         const QString gone = m_folder.filePath(QStringLiteral("gone.pov"));
-        intake.Take({gone, folder});
+        intake.Submit({gone, folder});
         renderCore.BeginSession(QStringLiteral("ann"), QStringLiteral("token"));
-        intake.Open();
+        intake.BeginSession();
         QTRY_COMPARE(
             renderCore.GetSubmitTaskIds(), QStringList({QStringLiteral("a.1"), QStringLiteral("b.2")}));
         QTRY_COMPARE(notices.details, QStringList(gone + QLatin1Char('\n') + folder));

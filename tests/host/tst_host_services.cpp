@@ -154,11 +154,11 @@ private slots:
     {
         const SingleInstance first(m_file);
         QVERIFY(first.IsFirst());
-        QSignalSpy calls(&first, &SingleInstance::Called);
+        QSignalSpy calls(&first, &SingleInstance::Activated);
         const SingleInstance second(m_file);
         QVERIFY(!second.IsFirst());
         const QStringList scenes {QStringLiteral("/a/ä \".pov"), QStringLiteral("/b.ma")};
-        QVERIFY(second.CallFirst(scenes));
+        QVERIFY(second.ActivateFirst(scenes));
         QTRY_COMPARE(calls.count(), 1);
         QCOMPARE(calls[0][0].toStringList(), scenes);
         QVERIFY(SingleInstance(m_file + QStringLiteral(".other")).IsFirst());
