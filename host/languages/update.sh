@@ -1,10 +1,10 @@
 #!/bin/sh
-# Brings the translation files up to date with the sources (needs qttools5-dev-tools). English is its own translation.
-# With --check nothing is changed: prints the texts that lack a translation and fails when there are any.
+# Updates the translation files from the sources (needs qttools5-dev-tools). English is its own translation.
+# With --check it changes nothing, prints the texts that lack a translation and fails if there are any.
 set -eu
 cd "$(dirname "$0")"
 
-# @param $1 folder of the .ts files to write
+# $1: folder of the .ts files
 update() {
     for ts in "$1"/vtr_*.ts; do
         lupdate -silent -I ../.. -locations none -no-obsolete -source-language en \

@@ -1,9 +1,9 @@
-# A skin is a folder here that holds a palette.cmake. The style sheets, the layout file and the icons are made from the
-# templates in style/ with the palette's colours, and the pictures of style/ are shared; any other file of the skin's
-# folder is taken as it is, also in place of what style/ gives under the same name.
+# A skin is a folder here with a palette.cmake. Its style sheets, layout file and icons are generated from the templates in
+# style/ with the palette's colours; the pictures in style/ are shared. Other files in the skin's folder are used
+# unchanged and replace those of the same name from style/.
 
-# Appends to `result` in the caller's scope the lines of a resource file for one skin. Templates of style sheets may use
-# @controls@ and @menu@ besides the colours.
+# Appends the resource file's lines for one skin to `result` in the caller's scope. Besides the colours, templates of style
+# sheets may use @controls@ and @menu@.
 function(skin_entries folder result)
     get_filename_component(skin ${folder} NAME)
     set(style ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/style)
@@ -41,7 +41,7 @@ function(skin_entries folder result)
     set(${result} "${${result}}  <qresource prefix=\"/${skin}\">\n${lines}  </qresource>\n" PARENT_SCOPE)
 endfunction()
 
-# Writes a resource file of all skins of this folder and all forms of another one.
+# Writes a resource file with all skins of this folder and all forms of another folder.
 function(write_ui_resources qrc forms_folder)
     set(entries "")
     file(GLOB palettes CONFIGURE_DEPENDS ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/*/palette.cmake)

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Draws the skins' PNG images anew from their source/*.svg, each also in double size (needs librsvg2-bin).
+# Redraws the skins' PNG images from source/*.svg, each also at double size (needs librsvg2-bin).
 set -eu
 cd "$(dirname "$0")"
 for svg in */source/*.svg; do

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes finish.wav, the sound of a finished download: two soft bell tones, a fourth apart."""
+"""Generates finish.wav, the sound of a finished download: two soft bell tones, a fourth apart."""
 
 import math
 import pathlib
