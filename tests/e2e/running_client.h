@@ -1,97 +1,96 @@
 #pragma once
 
+#include "farm/accounts/account_store.h"
 #include "host/app/client_host.h"
-#include "host/app/host_options.h"
+#include "tests/support/test_files.h"
+#include "tests/support/test_tables.h"
+#include "tests/support/waiting.h"
 
-#include <QCoreApplication>
-#include <QFile>
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLabel>
+#include <QPlainTextEdit>
 #include <QTemporaryDir>
-#include <QTimer>
 
-#include <functional>
 #include <memory>
 
-constexpr int SignInTime = 60000;  // ms; the farm may make its demo data first
-constexpr int RenderTime = 120000; // ms
-
-inline QString BesideProgram(const char* name)
+inline QString BesideProgram(const QString& name)
 {
-    return QCoreApplication::applicationDirPath() + QLatin1Char('/') + QLatin1String(name);
+    return QCoreApplication::applicationDirPath() + QLatin1Char('/') + name;
 }
 
-inline bool WriteFile(const QString& path, const QByteArray& content)
+/// @return the widget of this name in whichever window of the client holds it; null while there is none.
+template <typename Widget>
+Widget* Find(const char* name)
 {
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+    const auto windows = QApplication::topLevelWidgets();
+    for (const QWidget* window : windows) {
+        if (auto* found = window->findChild<Widget*>(QLatin1String(name)))
+            return found;
+    }
+    return nullptr;
 }
 
-inline QByteArray ReadFile(const QString& path)
+/// Presses a button of the message box that is open, if there is one.
+/// @return whether there is one and its text contains `text`.
+inline bool Answer(const QString& text, const char* button)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    const QWidget* box = QApplication::activeModalWidget();
+    if (!box)
+        return false;
+    const QString shown = box->findChild<QLabel*>("lblText"_s)->text()
+        + box->findChild<QPlainTextEdit*>("txtDetail"_s)->toPlainText();
+    box->findChild<QAbstractButton*>(QLatin1String(button))->click();
+    return shown.contains(text);
 }
 
 /// A client with its embedded farm, all of whose data are in one folder.
 class RunningClient
 {
 public:
-    /// In the folder, which goes with this object.
+    ~RunningClient()
+    {
+        Stop();
+        // The window keeps what it remembers of an account beside the program.
+        for (const char* folder : {"data/", "Data/"})
+            QFile::remove(BesideProgram(QLatin1String(folder) + "embedded_%1.ini"_s.arg(m_account)));
+    }
+
+    /// @return a path in the folder of the client's data, which is removed with this object.
     QString Path(const QString& name) const { return m_folder.filePath(name); }
 
-    /// Starts the client, with an account whose password is its name. Returns what went wrong.
-    QString Start(const QString& account, const QString& farmProgram = {})
+    /// Opens the database of a farm that is not running yet and adds an account whose password is its name.
+    std::unique_ptr<farm::Database> PrepareFarm(const QString& account, std::int64_t* id)
     {
-        WriteFile(Path(QStringLiteral("password")), account.toUtf8());
-        QStringList arguments {QStringLiteral("quillstar"), QStringLiteral("--config"),
-            Path(QStringLiteral("client.ini")), QStringLiteral("--data"), m_folder.path(),
-            QStringLiteral("--user"), account, QStringLiteral("--password-file"),
-            Path(QStringLiteral("password"))};
-        if (!farmProgram.isEmpty())
-            arguments += {QStringLiteral("--farm"), farmProgram};
+        QDir().mkdir(Path("farm"_s));
+        auto database = std::make_unique<farm::Database>(Path("farm/farm.sqlite"_s), farm::Schema());
+        *id = farm::AccountStore(*database, 3600)
+                  .Add({account, account + "@example.org"_s, account, false, 50'000'000, 0});
+        return database;
+    }
+
+    /// Starts the client and signs in with an account whose password is its name.
+    /// @return why it could not start; empty when it did.
+    QString Start(const QString& account, const QString& farmProgram = BesideProgram("quillstar-farmd"_s))
+    {
+        m_account = account;
+        WriteFile(Path("password"_s), account.toUtf8());
         HostOptions options;
         QString error;
-        if (!options.Parse(arguments, &error))
-            return error;
-        m_account = account;
-        m_client = std::make_unique<ClientHost>(options);
-        m_client->Start(&error);
+        if (options.Parse(
+                {"quillstar"_s, "--config"_s, Path("client.ini"_s), "--data"_s, m_folder.path(), "--user"_s,
+                    account, "--password-file"_s, Path("password"_s), "--farm"_s, farmProgram},
+                &error)) {
+            m_client = std::make_unique<ClientHost>(options);
+            m_client->Start(&error);
+        }
         return error;
     }
 
-    void End() { m_client.reset(); }
-
-    ~RunningClient()
-    {
-        End();
-        // The window keeps what it remembers of an account beside the program.
-        for (const char* folder : {"data", "Data"})
-            QFile::remove(BesideProgram(folder) + QStringLiteral("/embedded_%1.ini").arg(m_account));
-    }
+    void Stop() { m_client.reset(); }
 
 private:
     QTemporaryDir m_folder;
     QString m_account;
     std::unique_ptr<ClientHost> m_client;
-};
-
-/// Does something once, as soon as it can be done: also while a modal dialog runs. `step` says whether it was done.
-class Soon
-{
-public:
-    explicit Soon(std::function<bool()> step)
-    {
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this, step = std::move(step)] {
-            m_timer.stop(); // the step may open another dialog
-            m_done = step();
-            if (!m_done)
-                m_timer.start();
-        });
-        m_timer.start(50);
-    }
-
-    bool IsDone() const { return m_done; }
-
-private:
-    QTimer m_timer;
-    bool m_done = false;
 };

@@ -7,11 +7,11 @@
 #include <QTcpSocket>
 #include <QUrl>
 
-/// An HTTP server on a loopback port that answers as it is told, badly if need be.
+/// An HTTP server on a loopback port that answers with prepared bytes, which need not be valid HTTP.
 class StandInServer : public QObject
 {
 public:
-    /// What happens to one request: bytes are sent as they are, then the connection is closed.
+    /// The answer to one request: the bytes are sent unchanged, then the connection is closed.
     struct Reply
     {
         QByteArray bytes;
@@ -30,7 +30,7 @@ public:
             qFatal("no loopback port to listen on");
     }
 
-    /// A whole answer.
+    /// @return a complete answer.
     static Reply Http(int status, const QByteArray& body = "{}", const QByteArray& headers = {})
     {
         return {"HTTP/1.1 " + QByteArray::number(status)
@@ -38,15 +38,15 @@ public:
             + QByteArray::number(body.size()) + "\r\nConnection: close\r\n" + headers + "\r\n" + body};
     }
 
-    /// An answer that is not sent before Release.
+    /// @return a reply that is not sent before Release.
     static Reply Held(const Reply& reply) { return {reply.bytes, true}; }
 
     QUrl Url() const { return QUrl(QStringLiteral("http://127.0.0.1:%1").arg(m_server.serverPort())); }
 
-    /// The replies to the coming requests, in order; the last one also serves all that follow.
+    /// Sets the replies to the next requests, in order. The last one also answers all later requests.
     void SetReplies(const QList<Reply>& replies) { m_replies = replies; }
 
-    /// Sends the held reply to the request of this index.
+    /// Sends the held reply to the request with this index.
     void Release(int request)
     {
         const Exchange& exchange = m_exchanges.at(request);
@@ -54,7 +54,7 @@ public:
             Send(exchange.socket, exchange.reply.bytes);
     }
 
-    /// Head and body of each request so far, in order.
+    /// @return head and body of each request so far, in order.
     QList<QByteArray> Requests() const { return m_requests; }
 
 private:

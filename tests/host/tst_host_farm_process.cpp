@@ -1,23 +1,32 @@
 #include "host/process/farm_process.h"
+#include "tests/support/test_files.h"
+#include "tests/support/test_tables.h"
+#include "tests/support/waiting.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QtTest>
 
 #include <csignal>
 
 namespace {
 
-/// @param start in milliseconds, for the address to be announced.
-FarmProcess::Limits Impatient(int start)
+struct Failure
 {
-    FarmProcess::Limits limits;
-    limits.start = start;
-    limits.firstPause = 5;
-    limits.restarts = 2;
-    limits.end = 200;
-    return limits;
-}
+    const char* name;
+    QByteArray program;
+};
+const Failure failures[] = {
+    {"crashes at once", "exit 1"},
+    {"crashes when it listens", "echo listening on http://127.0.0.1:4711; exit 1"},
+    {"announces nothing", "exec cat >/dev/null"},
+    {"cannot be started", {}},
+};
+
+const QByteArray listen = "echo starting; echo listening on http://127.0.0.1:4711; ";
+const Failure farms[] = {
+    {"ends when asked", listen + "exec cat >/dev/null"},
+    {"ignores the request", "trap '' TERM; " + listen + "while :; do read x; done"},
+};
 
 bool IsRunning(qint64 id)
 {
@@ -26,41 +35,35 @@ bool IsRunning(qint64 id)
 
 } // namespace
 
-/// Start, loss and end of the embedded farm, with stand-in programs.
+/// Start, crash and end of the embedded farm, with shell scripts in its place.
 class TestHostFarmProcess : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void ReadsTheAddress()
+    void init() { m_limits = {Patience, 5, 2, Patience, 200}; }
+
+    void ReadsTheAnnouncedAddress()
     {
         QCOMPARE(FarmProcess::ReadAnnouncement("listening on http://127.0.0.1:4711\n"),
-            QUrl(QStringLiteral("http://127.0.0.1:4711")));
+            QUrl("http://127.0.0.1:4711"_s));
         for (const char* line : {"listening on http://farm.example:4711\n",
                  "listening on http://127.0.0.1:0\n", "listening on http://127.0.0.1:65536\n",
                  "listening on http://127.0.0.1:4711/x\n", "now listening on http://127.0.0.1:4711\n"})
             QVERIFY2(FarmProcess::ReadAnnouncement(line).isEmpty(), line);
     }
 
-    void RestartsAndEnds_data()
+    void RestartsAfterACrashAndStopsForGood_data() { AddRows(farms); }
+    void RestartsAfterACrashAndStopsForGood()
     {
-        QTest::addColumn<QByteArray>("text");
-        const QByteArray start = "echo starting; echo listening on http://127.0.0.1:4711; ";
-        QTest::newRow("ends when asked") << QByteArray(start + "exec cat >/dev/null");
-        QTest::newRow("does not listen") << QByteArray("trap '' TERM; " + start + "while :; do read x; done");
-    }
-
-    void RestartsAndEnds()
-    {
-        QFETCH(QByteArray, text);
-        FarmProcess farm(Program(text), m_folder.path(), Impatient(5000));
+        FarmProcess farm(Program(Row(farms).program), m_folder.path(), m_limits);
         QSignalSpy listening(&farm, &FarmProcess::Listening);
         QSignalSpy lost(&farm, &FarmProcess::Lost);
         farm.Start();
-        QTRY_COMPARE(listening.count(), 1);
+        EVENTUALLY_COMPARE(listening.count(), 1);
         const qint64 first = farm.ProcessId();
         QCOMPARE(kill(static_cast<pid_t>(first), SIGKILL), 0);
-        QTRY_COMPARE(listening.count(), 2);
+        EVENTUALLY_COMPARE(listening.count(), 2);
         const qint64 second = farm.ProcessId();
         QVERIFY(second != first && IsRunning(second));
         farm.Stop();
@@ -68,40 +71,40 @@ private slots:
         QCOMPARE(lost.count(), 1);
     }
 
-    void GivesUp_data()
+    void GivesUpAfterTooManyFailures_data() { AddRows(failures); }
+    void GivesUpAfterTooManyFailures()
     {
-        QTest::addColumn<QByteArray>("text");
-        QTest::newRow("crashes at once") << QByteArray("exit 1");
-        QTest::newRow("crashes when it listens")
-            << QByteArray("echo listening on http://127.0.0.1:4711; exit 1");
-        QTest::newRow("announces nothing") << QByteArray("exec cat >/dev/null");
-        QTest::newRow("is no program") << QByteArray();
-    }
-
-    void GivesUp()
-    {
-        QFETCH(QByteArray, text);
-        FarmProcess farm(Program(text), m_folder.path(), Impatient(200));
+        m_limits.start = 200;
+        FarmProcess farm(Program(Row(failures).program), m_folder.path(), m_limits);
         QSignalSpy lost(&farm, &FarmProcess::Lost);
         QSignalSpy givenUp(&farm, &FarmProcess::GivenUp);
         farm.Start();
-        QTRY_COMPARE(givenUp.count(), 1);
-        QCOMPARE(lost.count(), 3);
+        EVENTUALLY_COMPARE(givenUp.count(), 1);
+        QCOMPARE(lost.count(), m_limits.restarts + 1);
+    }
+
+    void ForgetsFailuresAfterASteadyTime()
+    {
+        m_limits.steady = 10;
+        FarmProcess farm(Program(listen + "sleep 0.05; exit 1"), m_folder.path(), m_limits);
+        QSignalSpy listening(&farm, &FarmProcess::Listening);
+        farm.Start();
+        EVENTUALLY(listening.count() > m_limits.restarts + 1);
     }
 
 private:
-    /// A program of shell text; the farm's arguments are its own. One that cannot be started for no text.
+    /// @return the path of a shell script; of a file that cannot be executed when `text` is empty.
     QString Program(const QByteArray& text)
     {
-        const QString path = m_folder.filePath(QString::fromLatin1(QTest::currentDataTag()));
-        QFile file(path);
-        if (!text.isEmpty() && file.open(QIODevice::WriteOnly))
-            file.write("#!/bin/sh\n" + text + "\n");
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        const QString path = m_folder.filePath(QString::number(++m_programs));
+        WriteFile(path, text.isEmpty() ? text : "#!/bin/sh\n" + text + "\n");
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         return path;
     }
 
     QTemporaryDir m_folder;
+    FarmProcess::Limits m_limits;
+    int m_programs = 0;
 };
 
 QTEST_GUILESS_MAIN(TestHostFarmProcess)

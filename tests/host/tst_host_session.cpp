@@ -3,15 +3,16 @@
 #include "host/services/ui_loader_service.h"
 #include "tests/host/stand_in_server.h"
 #include "tests/hostui/memory_settings.h"
+#include "tests/support/test_tables.h"
+#include "tests/support/waiting.h"
 
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QtTest>
 
-/// Takes the place of the plugin's window, which the session control finds by this name.
+/// Stands in for the plugin's window, which SessionControl finds by the name of this class.
 class VTQsClientPrivate : public QWidget
 {
     Q_OBJECT
@@ -23,7 +24,7 @@ signals:
     void SignOutAsked();
 };
 
-/// The signing in and out of a client, without a plugin and with a stand-in for the server.
+/// The session of a client without a plugin, with a stand-in for the server.
 struct Client
 {
     Client()
@@ -33,7 +34,7 @@ struct Client
         server.SetReplies({StandInServer::Http(
             200, R"({"loginname": "demo", "username": "u1", "data": {"token": "abc"}})")});
         QObject::connect(&window, &VTQsClientPrivate::SignOutAsked, &communication, [this] {
-            communication.SignOut(1, {{QStringLiteral("token"), QStringLiteral("abc")}});
+            communication.SignOut(1, {{"token"_s, "abc"_s}});
         });
     }
 
@@ -50,12 +51,12 @@ struct Client
     UiLoaderService loader {&settings};
     CommunicationService communication;
     VTQsClientPrivate window;
-    QMenu* tray = loader.GetMenu(QStringLiteral("menuTray"), {});
-    QAction* quit = tray->addAction(QStringLiteral("Quit"));
+    QMenu* tray = loader.GetMenu("menuTray"_s, {});
+    QAction* quit = tray->addAction("Quit"_s);
     SessionControl session {&loader, &communication, &settings};
 };
 
-/// Which window shows for which state of the session, and what the sign-in window shows and asks.
+/// The windows that belong to the states of a session, and the sign-in window.
 class TestHostSession : public QObject
 {
     Q_OBJECT
@@ -64,7 +65,7 @@ private slots:
     void init() { m_client = std::make_unique<Client>(); }
     void cleanup() { m_client.reset(); }
 
-    void SignsInWithTheAccountThatWasSetAndOutFromTheMenu()
+    void SignsInWithAnAccountAndOutFromTheMenu()
     {
         QSignalSpy signedIn(&m_client->session, &SessionControl::SignedIn);
         QSignalSpy shown(&m_client->loader, &VTUiLoaderInterface::ShowWindow);
@@ -72,16 +73,16 @@ private slots:
         QVERIFY(!signOut->isEnabled());
         SignIn();
         QCOMPARE(signedIn.count(), 1);
-        QCOMPARE(signedIn[0][0].toString(), QStringLiteral("u1"));
-        QCOMPARE(shown.constLast()[0].toString(), QStringLiteral("com.vtr.qsclient"));
+        QCOMPARE(signedIn[0][0].toString(), "u1"_s);
+        QCOMPARE(shown.constLast()[0].toString(), "com.vtr.qsclient"_s);
         QVERIFY(!m_client->session.SignInForm()->isVisible());
-        const QVariant name = m_client->settings.values.value(QStringLiteral("vtr.auth/lastname"));
-        QCOMPARE(name.toString(), QStringLiteral("demo"));
+        const QVariant name = m_client->settings.values.value("vtr.auth/lastname"_s);
+        QCOMPARE(name.toString(), "demo"_s);
 
         m_client->server.SetReplies({StandInServer::Http(500)});
         QVERIFY(signOut->isEnabled());
         m_client->SignOutEntry()->trigger();
-        QTRY_VERIFY(!m_client->session.IsSignedIn());
+        EVENTUALLY(!m_client->session.IsSignedIn());
         QVERIFY(m_client->session.SignInForm()->isVisible());
         QVERIFY(!signOut->isEnabled());
     }
@@ -94,14 +95,14 @@ private slots:
         auto* password = m_client->Find<QLineEdit>("lnePassword");
         const auto* button = m_client->Find<QPushButton>("btnSignIn");
         QCOMPARE(password->echoMode(), QLineEdit::Password);
-        name->setText(QStringLiteral("   "));
-        password->setText(QStringLiteral(" secret "));
+        name->setText("   "_s);
+        password->setText(" secret "_s);
         QVERIFY(!button->isEnabled());
-        QTest::keyClick(password, Qt::Key_Return); // asks nothing yet
-        name->setText(QStringLiteral(" demo "));
+        QTest::keyClick(password, Qt::Key_Return); // ignored without a name
+        name->setText(" demo "_s);
         QTest::keyClick(name, Qt::Key_Return);
         QVERIFY(!button->isEnabled() && !password->isEnabled());
-        QTRY_VERIFY(m_client->session.IsSignedIn());
+        EVENTUALLY(m_client->session.IsSignedIn());
         QCOMPARE(m_client->server.Requests().size(), 1);
         QVERIFY(m_client->server.Requests().at(0).endsWith(R"({"password":" secret ","username":"demo"})"));
         QVERIFY(password->text().isEmpty());
@@ -113,36 +114,36 @@ private slots:
             StandInServer::Http(403, "{\"message\": \"" + QByteArray(100000, 'x') + "\"}")});
         auto* password = m_client->Find<QLineEdit>("lnePassword");
         const auto* failure = m_client->Find<QLabel>("lblFailure");
-        m_client->session.SetAccount(QStringLiteral("demo"), QStringLiteral("wrong"));
+        m_client->session.SetAccount("demo"_s, "wrong"_s);
         m_client->session.SignInAutomatically();
-        QTRY_VERIFY(m_client->session.SignInForm()->isVisible());
+        EVENTUALLY(m_client->session.SignInForm()->isVisible());
         QVERIFY(!m_client->session.IsSignedIn());
-        QCOMPARE(failure->text(), QStringLiteral("Wrong <b>name</b>."));
+        QCOMPARE(failure->text(), "Wrong <b>name</b>."_s);
         QCOMPARE(failure->textFormat(), Qt::PlainText);
 
-        password->setText(QStringLiteral("secret"));
+        password->setText("secret"_s);
         m_client->Find<QPushButton>("btnSignIn")->click();
         QVERIFY(failure->text().isEmpty());
-        QTRY_VERIFY(failure->text().startsWith(QLatin1String("xxx")));
+        EVENTUALLY(failure->text().startsWith(QLatin1String("xxx")));
         QVERIFY(failure->text().size() < 1000);
-        QCOMPARE(password->text(), QStringLiteral("secret"));
+        QCOMPARE(password->text(), "secret"_s);
     }
 
     void EndsAnExpiredSession()
     {
         SignIn();
         m_client->server.SetReplies({StandInServer::Http(401)});
-        m_client->communication.GetUserInfo(1, {{QStringLiteral("token"), QStringLiteral("abc")}});
-        QTRY_VERIFY(!m_client->session.IsSignedIn());
+        m_client->communication.GetUserInfo(1, {{"token"_s, "abc"_s}});
+        EVENTUALLY(!m_client->session.IsSignedIn());
         QVERIFY(m_client->session.SignInForm()->isVisible());
     }
 
 private:
     void SignIn()
     {
-        m_client->session.SetAccount(QStringLiteral("demo"), QStringLiteral("demo"));
+        m_client->session.SetAccount("demo"_s, "demo"_s);
         m_client->session.SignInAutomatically();
-        QTRY_VERIFY(m_client->session.IsSignedIn());
+        EVENTUALLY(m_client->session.IsSignedIn());
     }
 
     std::unique_ptr<Client> m_client;

@@ -5,7 +5,7 @@
 
 #include <QVariantMap>
 
-/// Settings that live as long as the test.
+/// Settings that are kept in memory only.
 class MemorySettings : public ServiceBase<VTSettingsInterface>
 {
 public:

@@ -4,6 +4,9 @@
 #include "host/ui/message_text.h"
 #include "host/ui/preview_window.h"
 #include "tests/hostui/memory_settings.h"
+#include "tests/support/test_files.h"
+#include "tests/support/test_tables.h"
+#include "tests/support/waiting.h"
 
 #include <QApplication>
 #include <QBuffer>
@@ -15,32 +18,87 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QTemporaryDir>
-#include <QTimer>
-#include <QtTest>
-
-#include <functional>
 
 namespace {
 
 QString Lines(int count)
 {
-    QStringList lines;
-    for (int i = 0; i < count; ++i)
-        lines.append(QStringLiteral("textures/wood_%1.png").arg(i));
-    return lines.join(QLatin1Char('\n'));
+    return "textures/wood.png\n"_s.repeated(count).trimmed();
 }
 
-QString ButtonName(int number)
+const QString question = "Sure?"_s;
+const QString two = Lines(2);
+const QString many = Lines(10000);
+const QString path(60, QLatin1Char('x'));
+
+struct Message
 {
-    return QStringLiteral("btnMessageBox_%1").arg(number);
+    const char* name;
+    QString text;
+    QString detail;
+    bool list;
+    QString label;
+    QString area;
+};
+const Message messages[] = {
+    {"nothing", {}, {}, false, {}, {}},
+    {"detail alone", {}, question, true, question, {}},
+    {"text and list", question, two, true, question, two},
+    {"question of two lines", {}, two, false, two, {}},
+    {"notice of two lines", {}, two, true, {}, two},
+    {"huge question", {}, many, false, {}, many},
+    {"huge text", many, {}, true, {}, many},
+    {"huge text and list", many, two, true, {}, QString(many + "\n\n"_s + two)},
+    {"word that cannot be wrapped", {}, path, false, {}, path},
+};
+
+struct Press
+{
+    const char* name;
+    QStringList buttons;
+    const char* pressed;
+    const char* answer;
+};
+const Press presses[] = {
+    {"first of two", {"btnMessageBox_1"_s, "btnMessageBox_2"_s}, "btnMessageBox_1", "btnMessageBox_1"},
+    {"ten after two", {"btnMessageBox_2"_s, "btnMessageBox_10"_s}, "btnMessageBox_10", "btnMessageBox_10"},
+    {"none given", {}, "btnMessageBox_1", "btnMessageBox_1"},
+    {"enter", {"btnMessageBox_1"_s, "btnMessageBox_2"_s}, "Return", "btnMessageBox_2"},
+    {"escape", {"btnMessageBox_1"_s, "btnMessageBox_2"_s}, "Esc", ""},
+    {"close button", {"btnMessageBox_1"_s, "btnMessageBox_2"_s}, "btnClose", ""},
+};
+
+QByteArray Png()
+{
+    QByteArray png;
+    QBuffer buffer(&png);
+    QImage(300, 200, QImage::Format_RGB32).save(&buffer, "PNG");
+    return png;
 }
 
-QVariantHash Buttons(const QList<int>& numbers)
+const QString noPicture = "The file is not a picture that can be shown here."_s;
+const QString tooLarge = "The picture is too large to be shown here."_s;
+
+struct Picture
 {
-    QVariantHash buttons;
-    for (const int number : numbers)
-        buttons.insert(ButtonName(number), QStringLiteral("Caption & %1").arg(number));
-    return buttons;
+    const char* name;
+    QByteArray content;
+    QString shown;
+};
+const Picture pictures[] = {
+    {"picture", Png(), {}},
+    {"picture cut off", Png().left(60), "The picture is damaged."_s},
+    {"drawing", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>", noPicture},
+    {"too wide", "P6\n16385 1\n255\n", tooLarge},
+    {"too many pixels", "P6\n16384 16384\n255\n", tooLarge},
+};
+
+QVariantHash Captions(const QStringList& buttons)
+{
+    QVariantHash captions;
+    for (const QString& button : buttons)
+        captions.insert(button, "Caption & %1"_s.arg(button));
+    return captions;
 }
 
 QStringList NamesFromLeftToRight(const QWidget* row)
@@ -52,30 +110,20 @@ QStringList NamesFromLeftToRight(const QWidget* row)
     return names.values();
 }
 
-/// Does something once events are handled, also those of a modal dialog.
-class Soon : public QTimer
-{
-public:
-    explicit Soon(const std::function<void()>& act)
-    {
-        setSingleShot(true);
-        connect(this, &QTimer::timeout, act);
-        start(0);
-    }
-};
-
-/// Does something to the modal dialog that is about to be shown, which must close it.
+/// Acts on the modal dialog that is about to be shown, and closes it if the action did not.
 class Then : public Soon
 {
 public:
     explicit Then(const std::function<void(QDialog*)>& act)
         : Soon([act] {
             auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            act(dialog);
-            if (!dialog->isVisible())
-                return;
-            dialog->reject();
-            QFAIL("the dialog stays open");
+            if (dialog)
+                act(dialog);
+            if (dialog && dialog->isVisible()) {
+                dialog->reject();
+                QTest::qFail("the dialog stays open", __FILE__, __LINE__);
+            }
+            return dialog != nullptr;
         })
     {
     }
@@ -83,87 +131,43 @@ public:
 
 } // namespace
 
-/// The dialogs that the host shows by itself: message boxes and the configuration.
+/// The windows that the host shows by itself: message boxes, the configuration, the preview.
 class TestDialogs : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void TextsFindTheirPlace_data()
+    void ArrangesTexts_data() { AddRows(messages); }
+    void ArrangesTexts()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("detail");
-        QTest::addColumn<bool>("list");
-        QTest::addColumn<QString>("label");
-        QTest::addColumn<QString>("area");
-        const QString none;
-        const QString question = QStringLiteral("Sure?");
-        const QString two = Lines(2);
-        const QString many = Lines(10000);
-        const QString path(60, QLatin1Char('x'));
-        QTest::newRow("nothing") << none << none << false << none << none;
-        QTest::newRow("detail alone") << none << question << false << question << none;
-        QTest::newRow("notice") << none << question << true << question << none;
-        QTest::newRow("text and list") << question << two << true << question << two;
-        QTest::newRow("question of two lines") << none << two << false << two << none;
-        QTest::newRow("notice of two lines") << none << two << true << none << two;
-        QTest::newRow("huge question") << none << many << false << none << many;
-        QTest::newRow("huge text") << many << none << true << none << many;
-        QTest::newRow("both") << many << two << true << none << QString(many + QStringLiteral("\n\n") + two);
-        QTest::newRow("word that cannot be wrapped") << none << path << false << none << path;
+        const Message& row = Row(messages);
+        const MessageText arranged = ArrangeMessage(row.text, row.detail, row.list);
+        QCOMPARE(arranged.label, row.label);
+        QCOMPARE(arranged.area, row.area);
     }
 
-    void TextsFindTheirPlace()
+    void AnswersByButtonAndKey_data() { AddRows(presses); }
+    void AnswersByButtonAndKey()
     {
-        QFETCH(QString, text);
-        QFETCH(QString, detail);
-        QFETCH(bool, list);
-        const MessageText message = ArrangeMessage(text, detail, list);
-        QTEST(message.label, "label");
-        QTEST(message.area, "area");
-    }
-
-    void AnswersByButtonKeyAndClose_data()
-    {
-        QTest::addColumn<QList<int>>("numbers");
-        QTest::addColumn<QString>("pressed");
-        QTest::addColumn<QString>("answer");
-        const QList<int> two {1, 2};
-        QTest::newRow("only one") << QList<int> {1} << ButtonName(1) << ButtonName(1);
-        QTest::newRow("first of two") << two << ButtonName(1) << ButtonName(1);
-        QTest::newRow("second of two") << two << ButtonName(2) << ButtonName(2);
-        QTest::newRow("ten after two") << QList<int> {1, 2, 10} << ButtonName(10) << ButtonName(10);
-        QTest::newRow("none given") << QList<int>() << ButtonName(1) << ButtonName(1);
-        QTest::newRow("enter") << two << "Return" << ButtonName(2);
-        QTest::newRow("escape") << two << "Esc" << QString();
-        QTest::newRow("close button") << two << "btnClose" << QString();
-    }
-
-    void AnswersByButtonKeyAndClose()
-    {
-        QFETCH(QList<int>, numbers);
-        QFETCH(QString, pressed);
+        const Press& row = Row(presses);
         QStringList shown;
         const Then then([&](QDialog* box) {
-            shown = NamesFromLeftToRight(box->findChild<QWidget*>(QStringLiteral("wgtButtons")));
-            if (auto* button = box->findChild<QPushButton*>(pressed))
+            shown = NamesFromLeftToRight(box->findChild<QWidget*>("wgtButtons"_s));
+            if (auto* button = box->findChild<QPushButton*>(QLatin1String(row.pressed)))
                 button->click();
             else
-                QTest::keyClick(box, Qt::Key(QKeySequence(pressed)[0]));
+                QTest::keyClick(box, Qt::Key(QKeySequence(QLatin1String(row.pressed))[0]));
         });
-        QTEST(
-            m_service.ShowMessage(4, {}, {}, {}, QStringLiteral("Sure?"), Buttons(numbers), false), "answer");
-        QStringList order;
-        for (const int number : numbers.isEmpty() ? QList<int> {1} : numbers)
-            order.append(ButtonName(number));
-        QCOMPARE(shown, order);
+        QCOMPARE(m_service.ShowMessage(4, {}, {}, {}, question, Captions(row.buttons), false),
+            QLatin1String(row.answer));
+        QCOMPARE(shown, row.buttons.isEmpty() ? QStringList("btnMessageBox_1"_s) : row.buttons);
     }
 
-    void ShowsWhatItIsGivenAsPlainText()
+    void ShowsTextsAsPlainText()
     {
-        const QString text = QStringLiteral("<b>bold</b> & <img src='x'>");
-        const QString list = QStringLiteral("<i>") + Lines(10000);
-        const QIcon icon(QStringLiteral(":/default/main.png"));
+        const QString text = "<b>bold</b> & <img src='x'>"_s;
+        const QString list = "<i>"_s + many;
+        const QIcon icon(":/default/main.png"_s);
         for (const auto& [kind, picture] : {std::pair(2, "notice"), std::pair(4, "question")}) {
             const Then then([&, shown = QLatin1String(picture)](QDialog* box) {
                 QCOMPARE(box->windowTitle(), text);
@@ -173,9 +177,8 @@ private slots:
                     QCOMPARE(label->text(), text);
                     QCOMPARE(label->textFormat(), Qt::PlainText);
                 }
-                QCOMPARE(
-                    box->findChild<QLabel*>(QStringLiteral("lblIcon"))->property("kind").toString(), shown);
-                QCOMPARE(box->findChild<QPushButton*>(ButtonName(1))->text(), QStringLiteral("Caption & 1"));
+                QCOMPARE(box->findChild<QLabel*>("lblIcon"_s)->property("kind").toString(), shown);
+                QCOMPARE(box->findChild<QPushButton*>("b1"_s)->text(), "Caption & b1"_s);
                 const auto* area = box->findChild<QPlainTextEdit*>();
                 QCOMPARE(area->toPlainText(), list);
                 QVERIFY(area->isReadOnly());
@@ -183,112 +186,84 @@ private slots:
                 QVERIFY(box->width() <= screen.width() && box->height() <= screen.height());
                 box->reject();
             });
-            m_service.ShowMessage(kind, text, text, icon, list, Buttons({1, 2}), true);
+            m_service.ShowMessage(kind, text, text, icon, list, Captions({"b1"_s}), true);
         }
     }
 
-    void EndsWithTheApplication()
+    void StoresTheConfigurationWhenConfirmed()
     {
-        QString answer = QStringLiteral("none");
-        const Soon ask([&] {
-            const Soon quit(&QCoreApplication::quit);
-            answer = m_service.ShowMessage(4, {}, {}, {}, QStringLiteral("Sure?"), Buttons({1, 2}), false);
-        });
-        QCoreApplication::exec();
-        QCOMPARE(answer, QString());
+        const QVariantMap before {{"vtr.account.demo/autodownload"_s, true}};
+        const QVariantMap after {{"vtr.account.demo/autodownload"_s, false},
+            {"vtr.account.demo/popupfinish"_s, false}, {"vtr.account.demo/soundfinish"_s, false},
+            {"vtr.account.demo/setargument"_s, true}};
+        for (const char* button : {"btnCancel", "btnClose", "btnOk"}) {
+            MemorySettings settings;
+            settings.values = before;
+            ConfigurationDialog dialog(&m_loader, &settings);
+            dialog.Run(QString()); // returns at once, since nobody is signed in
+            const Then then([&](QDialog* shown) {
+                auto* download = shown->findChild<QCheckBox*>("chkAutoDownload"_s);
+                auto* argument = shown->findChild<QCheckBox*>("chkSetArgument"_s);
+                QVERIFY(download->isChecked() && !argument->isChecked());
+                download->setChecked(false);
+                argument->setChecked(true);
+                shown->findChild<QPushButton*>(QLatin1String(button))->click();
+            });
+            dialog.Run("demo"_s);
+            QCOMPARE(settings.values, qstrcmp(button, "btnOk") == 0 ? after : before);
+        }
     }
 
-    void ConfigurationStoresWhatIsConfirmed_data()
-    {
-        QTest::addColumn<QString>("button");
-        for (const char* button : {"btnOk", "btnCancel", "btnClose"})
-            QTest::newRow(button) << QString::fromLatin1(button);
-    }
-
-    void ConfigurationStoresWhatIsConfirmed()
-    {
-        QFETCH(QString, button);
-        const QString prefix = QStringLiteral("vtr.account.demo/");
-        const QVariantMap before {{prefix + QStringLiteral("autodownload"), true}};
-        const QVariantMap after {{prefix + QStringLiteral("autodownload"), false},
-            {prefix + QStringLiteral("popupfinish"), false}, {prefix + QStringLiteral("soundfinish"), false},
-            {prefix + QStringLiteral("setargument"), true}};
-        MemorySettings settings;
-        settings.values = before;
-        ConfigurationDialog dialog(&m_loader, &settings);
-        dialog.Run(QString()); // nobody's: returns at once
-        QCOMPARE(settings.values, before);
-        const Then then([&](QDialog* shown) {
-            auto* download = shown->findChild<QCheckBox*>(QStringLiteral("chkAutoDownload"));
-            auto* argument = shown->findChild<QCheckBox*>(QStringLiteral("chkSetArgument"));
-            QVERIFY(download->isChecked() && !argument->isChecked());
-            download->setChecked(false);
-            argument->setChecked(true);
-            shown->findChild<QPushButton*>(button)->click();
-        });
-        dialog.Run(QStringLiteral("demo"));
-        QCOMPARE(settings.values, button == QLatin1String("btnOk") ? after : before);
-    }
-
-    void ConfigurationTakesAWholePathForDownloads()
+    void TakesAbsolutePathsForDownloadsOnly()
     {
         MemorySettings settings;
         ConfigurationDialog dialog(&m_loader, &settings);
-        auto* folder = dialog.Form()->findChild<QLineEdit*>(QStringLiteral("lneDownloadFolder"));
-        auto* ok = dialog.Form()->findChild<QPushButton*>(QStringLiteral("btnOk"));
-        QTimer opened;
-        opened.setSingleShot(true);
-        connect(&opened, &QTimer::timeout, this, [&] {
-            QVERIFY(folder->text().endsWith(QLatin1String("/QuillStar")));
-            for (const char* text : {"", "frames", "~/frames"}) {
+        const Then then([](QDialog* shown) {
+            auto* folder = shown->findChild<QLineEdit*>("lneDownloadFolder"_s);
+            auto* ok = shown->findChild<QPushButton*>("btnOk"_s);
+            QVERIFY(folder->text().endsWith("/QuillStar"_s));
+            for (const char* text : {"", "frames", "~/frames", " /srv//frames/ "}) {
+                QVERIFY(shown->isVisible());
                 folder->setText(QLatin1String(text));
-                ok->click(); // does nothing
+                ok->click();
             }
-            folder->setText(QStringLiteral(" /srv//frames/ "));
-            ok->click();
         });
-        opened.start(0);
-        dialog.Run(QStringLiteral("demo"));
-        QCOMPARE(settings.values.value(QStringLiteral("vtr.account.demo/downloadfolder")).toString(),
-            QStringLiteral("/srv/frames"));
+        dialog.Run("demo"_s);
+        QCOMPARE(settings.values.value("vtr.account.demo/downloadfolder"_s).toString(), "/srv/frames"_s);
     }
 
-    void PreviewRefusesWhatIsNoPicture_data()
+    void PreviewsPicturesOnly_data() { AddRows(pictures); }
+    void PreviewsPicturesOnly()
     {
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<QString>("answer");
-        QByteArray png;
-        QBuffer buffer(&png);
-        QImage(300, 200, QImage::Format_RGB32).save(&buffer, "PNG");
-        const QByteArray header = "P6\n";
-        QTest::newRow("picture") << png << QString();
-        QTest::newRow("picture cut off") << png.left(60) << QStringLiteral("The picture is damaged.");
-        QTest::newRow("empty") << QByteArray()
-                               << QStringLiteral("The file is not a picture that can be shown here.");
-        QTest::newRow("drawing") << QByteArray(
-            "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>")
-                                 << QStringLiteral("The file is not a picture that can be shown here.");
-        QTest::newRow("too wide") << QByteArray(header + "16385 1\n255\n")
-                                  << QStringLiteral("The picture is too large to be shown here.");
-        QTest::newRow("too many pixels") << QByteArray(header + "16384 16384\n255\n")
-                                         << QStringLiteral("The picture is too large to be shown here.");
-    }
-
-    void PreviewRefusesWhatIsNoPicture()
-    {
-        QFETCH(QByteArray, content);
         const QTemporaryDir folder;
-        QFile file(folder.filePath(QStringLiteral("frame_0001.png")));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        file.close();
+        const QString file = folder.filePath("frame_0001.png"_s);
+        QVERIFY(WriteFile(file, Row(pictures).content));
         PreviewWindow window(&m_loader);
-        const auto* shown = window.Form()->findChild<QLabel*>(QStringLiteral("lblPicture"));
-        window.Open(file.fileName());
-        QTRY_VERIFY(!shown->text().isEmpty() || !shown->pixmap(Qt::ReturnByValue).isNull());
-        QTEST(shown->text(), "answer");
+        const auto* shown = window.Form()->findChild<QLabel*>("lblPicture"_s);
+        window.Open(file);
+        EVENTUALLY(!shown->text().isEmpty() || !shown->pixmap(Qt::ReturnByValue).isNull());
+        QCOMPARE(shown->text(), Row(pictures).shown);
         QTest::keyClick(window.Form(), Qt::Key_Escape);
         QVERIFY(!window.Form()->isVisible());
+    }
+
+    void TurnsThePicturesOfAFolder()
+    {
+        const QTemporaryDir folder;
+        for (const char* name : {"b.png", "a.png", "c.png", "notes.txt"})
+            QVERIFY(WriteFile(folder.filePath(QLatin1String(name)), Png()));
+        PreviewWindow window(&m_loader);
+        const auto* title = window.Form()->findChild<QLabel*>("lblTitle"_s);
+        window.Open(folder.filePath("b.png"_s));
+        QVERIFY(QTest::qWaitForWindowActive(window.Form(), Patience)); // or its keys do nothing
+        const std::pair<int, const char*> turns[] = {{Qt::Key_Right, "c.png"}, {Qt::Key_Right, "c.png"},
+            {Qt::Key_Left, "b.png"}, {Qt::Key_Left, "a.png"}, {Qt::Key_Left, "a.png"}};
+        for (const auto& [key, name] : turns) {
+            QTest::keyClick(window.Form(), Qt::Key(key));
+            QCOMPARE(title->text(), QLatin1String(name));
+        }
+        QCOMPARE(window.Form()->findChild<QLabel*>("lblPosition"_s)->text(), "1 of 3"_s);
+        EVENTUALLY_COMPARE(window.Form()->findChild<QLabel*>("lblSize"_s)->text(), "300 × 200 pixels"_s);
     }
 
 private:

@@ -1,18 +1,17 @@
 #include "host/services/ui_loader_service.h"
 #include "host/ui/sign_in_window.h"
 #include "tests/hostui/memory_settings.h"
+#include "tests/support/test_tables.h"
+#include "tests/support/waiting.h"
 
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QtTest>
 
 #include <memory>
 
 namespace {
-
-const QString Tray = QStringLiteral("menuTray");
 
 QStringList FileNames(const QStringList& paths)
 {
@@ -22,7 +21,7 @@ QStringList FileNames(const QStringList& paths)
     return names;
 }
 
-QString CheckedText(const QMenu* menu)
+QStringList CheckedTexts(const QMenu* menu)
 {
     QStringList texts;
     const auto actions = menu->actions();
@@ -30,162 +29,144 @@ QString CheckedText(const QMenu* menu)
         if (action->isChecked())
             texts.append(action->text());
     }
-    return texts.join(QLatin1Char(','));
+    return texts;
 }
 
 } // namespace
 
+/// Forms, skins, languages and menus of the loader, beside which the test has installed one more skin and language.
 class TestLoader : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void BadKeysGiveNoForm();
-    void SkinsAreListedAndSwitched();
-    void LanguagesAreListedAndSwitched();
-    void ChoicesAreRememberedAndRubbishIsNot();
-    void MenusChoose();
-    void OpenWindowShowsAndTells();
-    void MainFormIsFramelessAndFollowsItsLayout();
+    void init()
+    {
+        m_settings.values.clear();
+        m_loader = std::make_unique<UiLoaderService>(&m_settings);
+    }
+
+    void LoadsNothingForABadKey()
+    {
+        for (const char* key : {"com.vtr.nothing", "", "../forms/com.vtr.search", "*", "COM.VTR.SEARCH"}) {
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^there is no form "_s));
+            QVERIFY2(!m_loader->LoadUi(QLatin1String(key), nullptr), key);
+        }
+    }
+
+    void ListsAndSwitchesSkins()
+    {
+        QCOMPARE(m_loader->GetSkins(), QStringList({"dark"_s, "default"_s, "night"_s}));
+        QCOMPARE(m_loader->GetSkin(), "default"_s);
+        QSignalSpy changed(m_loader.get(), &UiLoaderService::SkinChanged);
+        for (const char* name : {"default", "forms", "", "../default", "Night"})
+            m_loader->SetSkin(QLatin1String(name));
+        QCOMPARE(changed.size(), 0);
+        m_loader->SetSkin("night"_s);
+        QCOMPARE(changed.size(), 1);
+        QCOMPARE(changed[0][0].toString(), "night"_s);
+        QCOMPARE(m_loader->GetSkin(), "night"_s);
+    }
+
+    void ListsAndSwitchesLanguages()
+    {
+        const QStringList languages = m_loader->GetLanguages();
+        QCOMPARE(FileNames(languages), QStringList({"vtr_de.qm"_s, "vtr_en.qm"_s, "vtr_zh.qm"_s}));
+        QCOMPARE(m_loader->GetLanguage(), "vtr_en.qm"_s);
+
+        const SignInWindow window(m_loader.get());
+        const auto* fixed = window.Form()->findChild<QLabel*>("lblName"_s);
+        const auto* button = window.Form()->findChild<QPushButton*>("btnSignIn"_s);
+        QSignalSpy changed(m_loader.get(), &UiLoaderService::LanguageChanged);
+        m_loader->SetLanguage("vtr_de.qm"_s); // not an entry of the list
+        m_loader->SetLanguage(languages[1]);  // the current one
+        QCOMPARE(changed.size(), 0);
+        m_loader->SetLanguage(languages[0]);
+        QCOMPARE(changed.size(), 1);
+        QCOMPARE(changed[0][0].toString(), languages[0]);
+        QCOMPARE(m_loader->GetLanguage(), "vtr_de.qm"_s);
+        EVENTUALLY_COMPARE(fixed->text(), "Benutzername"_s);
+        EVENTUALLY_COMPARE(button->text(), "Anmelden"_s);
+        m_loader->SetLanguage(languages[1]);
+        EVENTUALLY_COMPARE(fixed->text(), "User name"_s);
+    }
+
+    void RemembersChoicesAndIgnoresDamagedOnes()
+    {
+        m_loader->SetSkin("night"_s);
+        m_loader->SetLanguage(m_loader->GetLanguages().constFirst());
+        m_loader = std::make_unique<UiLoaderService>(&m_settings);
+        QCOMPARE(m_loader->GetSkin(), "night"_s);
+        QCOMPARE(m_loader->GetLanguage(), "vtr_de.qm"_s);
+        QCOMPARE(QCoreApplication::translate("TrayMenu", "Language"), "Sprache"_s);
+        m_settings.values = {{"vtr.ui/skin"_s, "../../etc"_s}, {"vtr.ui/language"_s, QVariantList {1, 2}}};
+        m_loader = std::make_unique<UiLoaderService>(&m_settings);
+        QCOMPARE(m_loader->GetSkin(), "default"_s);
+        QCOMPARE(m_loader->GetLanguage(), "vtr_en.qm"_s);
+    }
+
+    void SwitchesByTheTrayMenu()
+    {
+        QMenu* skins = m_loader->GetMenu("menuTray"_s, "meuSkin"_s);
+        QMenu* languages = m_loader->GetMenu("menuTray"_s, "meuLanguage"_s);
+        QVERIFY(m_loader->GetMenu("menuTray"_s, QString()) && skins && languages);
+        QCOMPARE(m_loader->GetMenu("meuSkin"_s, QString()), nullptr);
+        QCOMPARE(m_loader->GetMenu("menuTray"_s, "meuNothing"_s), nullptr);
+
+        QCOMPARE(CheckedTexts(skins), QStringList("Default"_s));
+        skins->actions().constLast()->trigger();
+        QCOMPARE(m_loader->GetSkin(), "night"_s);
+        QCOMPARE(CheckedTexts(skins), QStringList("Night"_s));
+        QCOMPARE(skins->actions().size(), 3);
+
+        languages->actions().constFirst()->trigger();
+        QCOMPARE(m_loader->GetLanguage(), "vtr_de.qm"_s);
+        QCOMPARE(CheckedTexts(languages), QStringList("Deutsch"_s));
+        QCOMPARE(languages->title(), "Sprache"_s);
+    }
+
+    void OpensRegisteredWindowsAndAnnouncesEachKey()
+    {
+        QSignalSpy announced(m_loader.get(), &UiLoaderService::ShowWindow);
+        auto window = std::make_unique<QWidget>();
+        m_loader->RegisterWindow("com.vtr.authclient"_s, window.get());
+        m_loader->OpenWindow("com.vtr.authclient"_s);
+        QVERIFY(window->isVisible());
+        window.reset();
+        m_loader->OpenWindow("com.vtr.authclient"_s); // deleted by now
+        m_loader->OpenWindow("com.vtr.qsclient"_s);   // never registered
+        QCOMPARE(announced.size(), 3);
+        QCOMPARE(announced[2][0].toString(), "com.vtr.qsclient"_s);
+    }
+
+    void LaysTheMainFormOutAsDesigned()
+    {
+        const std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr.qsclient"_s, nullptr));
+        QVERIFY(form->windowFlags() & Qt::FramelessWindowHint);
+        const QString layout = ":/default/com.vtr.qsclient.ini"_s;
+        const auto places = [&form] {
+            QList<QRect> found;
+            for (const char* name : {"tbwContainer", "btnNextPage", "btnPageOne", "btnDelete"})
+                found.append(form->findChild<QWidget*>(QLatin1String(name))->geometry());
+            return found;
+        };
+        const QList<QRect> before = places();
+        m_loader->LayoutForm(form.get(), layout);
+        QCOMPARE(places(), before); // nothing jumps at the first resize
+
+        form->resize(form->width() + 100, form->height() + 50);
+        m_loader->LayoutForm(form.get(), layout);
+        QCOMPARE(places(),
+            QList<QRect>({before[0].adjusted(0, 0, 100, 50), before[1].translated(100, 50),
+                before[2].translated(100, 50), before[3]}));
+        m_loader->LayoutForm(nullptr, layout);
+        m_loader->LayoutForm(form.get(), ":/nothing.ini"_s);
+    }
+
+private:
+    MemorySettings m_settings;
+    std::unique_ptr<UiLoaderService> m_loader;
 };
-
-void TestLoader::BadKeysGiveNoForm()
-{
-    UiLoaderService loader(nullptr);
-    for (const char* key :
-        {"com.vtr.nothing", "", "../forms/com.vtr.search", "/forms/com.vtr.search", "*", "COM.VTR.SEARCH"}) {
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^there is no form ")));
-        QVERIFY2(!loader.LoadUi(QLatin1String(key), nullptr), key);
-    }
-}
-
-void TestLoader::SkinsAreListedAndSwitched()
-{
-    UiLoaderService loader(nullptr);
-    QCOMPARE(loader.GetSkins(),
-        QStringList({QStringLiteral("dark"), QStringLiteral("default"), QStringLiteral("night")}));
-    QCOMPARE(loader.GetSkin(), QStringLiteral("default"));
-
-    QSignalSpy changed(&loader, &UiLoaderService::SkinChanged);
-    for (const char* name : {"default", "forms", "", "../default", "Night"})
-        loader.SetSkin(QLatin1String(name));
-    QCOMPARE(changed.size(), 0);
-    loader.SetSkin(QStringLiteral("night"));
-    QCOMPARE(changed.size(), 1);
-    QCOMPARE(changed[0][0].toString(), QStringLiteral("night"));
-    QCOMPARE(loader.GetSkin(), QStringLiteral("night"));
-}
-
-void TestLoader::LanguagesAreListedAndSwitched()
-{
-    UiLoaderService loader(nullptr);
-    const QStringList languages = loader.GetLanguages();
-    QCOMPARE(FileNames(languages),
-        QStringList({QStringLiteral("vtr_de.qm"), QStringLiteral("vtr_en.qm"), QStringLiteral("vtr_zh.qm")}));
-    QCOMPARE(loader.GetLanguage(), QStringLiteral("vtr_en.qm"));
-
-    const SignInWindow window(&loader);
-    const auto* fixed = window.Form()->findChild<QLabel*>(QStringLiteral("lblName"));
-    const auto* button = window.Form()->findChild<QPushButton*>(QStringLiteral("btnSignIn"));
-    QSignalSpy changed(&loader, &UiLoaderService::LanguageChanged);
-    loader.SetLanguage(QStringLiteral("vtr_de.qm")); // not as listed
-    loader.SetLanguage(languages[1]);                // the present one
-    QCOMPARE(changed.size(), 0);
-    loader.SetLanguage(languages[0]);
-    QCOMPARE(changed.size(), 1);
-    QCOMPARE(changed[0][0].toString(), languages[0]);
-    QCOMPARE(loader.GetLanguage(), QStringLiteral("vtr_de.qm"));
-    QTRY_COMPARE(fixed->text(), QStringLiteral("Benutzername"));
-    QTRY_COMPARE(button->text(), QStringLiteral("Anmelden"));
-    loader.SetLanguage(languages[1]);
-    QTRY_COMPARE(fixed->text(), QStringLiteral("User name"));
-}
-
-void TestLoader::ChoicesAreRememberedAndRubbishIsNot()
-{
-    MemorySettings settings;
-    {
-        UiLoaderService loader(&settings);
-        loader.SetSkin(QStringLiteral("night"));
-        loader.SetLanguage(loader.GetLanguages().constFirst());
-    }
-    {
-        UiLoaderService next(&settings);
-        QCOMPARE(next.GetSkin(), QStringLiteral("night"));
-        QCOMPARE(next.GetLanguage(), QStringLiteral("vtr_de.qm"));
-        QCOMPARE(QCoreApplication::translate("TrayMenu", "Language"), QStringLiteral("Sprache"));
-    }
-    settings.values = {{QStringLiteral("vtr.ui/skin"), QStringLiteral("../../etc")},
-        {QStringLiteral("vtr.ui/language"), QVariantList {1, 2}}};
-    UiLoaderService loader(&settings);
-    QCOMPARE(loader.GetSkin(), QStringLiteral("default"));
-    QCOMPARE(loader.GetLanguage(), QStringLiteral("vtr_en.qm"));
-}
-
-void TestLoader::MenusChoose()
-{
-    UiLoaderService loader(nullptr);
-    const QMenu* tray = loader.GetMenu(Tray, QString());
-    QMenu* skins = loader.GetMenu(Tray, QStringLiteral("meuSkin"));
-    QMenu* languages = loader.GetMenu(Tray, QStringLiteral("meuLanguage"));
-    QVERIFY(tray && skins && languages);
-    QCOMPARE(loader.GetMenu(QStringLiteral("meuSkin"), QString()), nullptr);
-    QCOMPARE(loader.GetMenu(Tray, QStringLiteral("meuNothing")), nullptr);
-
-    QCOMPARE(CheckedText(skins), QStringLiteral("Default"));
-    skins->actions().constLast()->trigger();
-    QCOMPARE(loader.GetSkin(), QStringLiteral("night"));
-    QCOMPARE(CheckedText(skins), QStringLiteral("Night"));
-    QCOMPARE(skins->actions().size(), 3);
-
-    languages->actions().constFirst()->trigger();
-    QCOMPARE(loader.GetLanguage(), QStringLiteral("vtr_de.qm"));
-    QCOMPARE(CheckedText(languages), QStringLiteral("Deutsch"));
-    QCOMPARE(languages->title(), QStringLiteral("Sprache"));
-}
-
-void TestLoader::OpenWindowShowsAndTells()
-{
-    UiLoaderService loader(nullptr);
-    QSignalSpy told(&loader, &UiLoaderService::ShowWindow);
-    const QString key = QStringLiteral("com.vtr.authclient");
-    auto window = std::make_unique<QWidget>();
-    loader.RegisterWindow(key, window.get());
-    loader.OpenWindow(key);
-    QVERIFY(window->isVisible());
-    window.reset();
-    loader.OpenWindow(key);                                // gone meanwhile
-    loader.OpenWindow(QStringLiteral("com.vtr.qsclient")); // never registered
-    QCOMPARE(told.size(), 3);
-    QCOMPARE(told[2][0].toString(), QStringLiteral("com.vtr.qsclient"));
-}
-
-void TestLoader::MainFormIsFramelessAndFollowsItsLayout()
-{
-    UiLoaderService loader(nullptr);
-    const std::unique_ptr<QWidget> form(loader.LoadUi(QStringLiteral("com.vtr.qsclient"), nullptr));
-    QVERIFY(form->windowFlags() & Qt::FramelessWindowHint);
-    const QString layout = QStringLiteral(":/default/com.vtr.qsclient.ini");
-    const auto places = [&form] {
-        QList<QRect> found;
-        for (const char* name : {"tbwContainer", "btnNextPage", "btnPageOne", "btnDelete"})
-            found.append(form->findChild<QWidget*>(QLatin1String(name))->geometry());
-        return found;
-    };
-
-    // The form's own geometry is what the layout gives at that size, so nothing jumps at the first resize.
-    const QList<QRect> before = places();
-    loader.LayoutForm(form.get(), layout);
-    QCOMPARE(places(), before);
-
-    form->resize(form->width() + 100, form->height() + 50);
-    loader.LayoutForm(form.get(), layout);
-    QCOMPARE(places(),
-        QList<QRect>({before[0].adjusted(0, 0, 100, 50), before[1].translated(100, 50),
-            before[2].translated(100, 50), before[3]}));
-    loader.LayoutForm(nullptr, layout);
-    loader.LayoutForm(form.get(), QStringLiteral(":/nothing.ini"));
-}
 
 QTEST_MAIN(TestLoader)
 #include "tst_hostui_loader.moc"

@@ -1,0 +1,180 @@
+#include "host/mainform/scene_intake.h"
+#include "host/services/render_core_service.h"
+#include "host/services/ui_loader_service.h"
+#include "tests/host/stand_in_server.h"
+#include "tests/hostui/memory_settings.h"
+#include "tests/support/test_files.h"
+#include "tests/support/test_tables.h"
+#include "tests/support/waiting.h"
+#include "vtr_messagboxinterface.h"
+
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QMimeData>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+namespace {
+
+class Notices : public ServiceBase<VTMessagboxInterface>
+{
+public:
+    QString ShowMessage(int, const QString&, const QString&, const QIcon&, const QString& detail,
+        const QVariantHash&, bool) override
+    {
+        details.append(detail);
+        return {};
+    }
+
+    QStringList details;
+};
+
+bool Drop(RenderCoreService& renderCore, QWidget& form, const QStringList& files)
+{
+    QMimeData data;
+    QList<QUrl> urls;
+    for (const QString& file : files)
+        urls.append(QUrl::fromLocalFile(file));
+    data.setUrls(urls);
+    QDropEvent drop({}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    drop.ignore();
+    // The application would deliver the event only while a real drag is running.
+    renderCore.eventFilter(&form, &drop);
+    return drop.isAccepted();
+}
+
+} // namespace
+
+/// The render core as the window and the user reach it.
+class TestHostRenderCore : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void SubmitsScenesInEveryWay()
+    {
+        MemorySettings settings;
+        UiLoaderService loader(&settings);
+        RenderCoreService renderCore(m_folder.filePath("transfer"_s), &settings);
+        Notices notices;
+        SceneIntake intake(&renderCore, &notices, &loader);
+        renderCore.SetFormFilter(&intake);
+        QWidget form;
+        QPushButton button(&form);
+        button.setObjectName("btnSubmit"_s);
+        form.installEventFilter(&renderCore);
+
+        const QString folder = m_folder.filePath("folder.pov"_s);
+        QVERIFY(QDir().mkdir(folder));
+        QVERIFY(!Drop(renderCore, form, {File("note.txt"_s), folder}));
+        QVERIFY(Drop(renderCore, form, {File("a.pov"_s), folder, File("b.MB"_s)}));
+        QCOMPARE(renderCore.GetSubmitTaskCount(), 0);
+
+        // Scenes wait for the sign-in; one notice names the files that are none.
+        const QString gone = m_folder.filePath("gone.pov"_s);
+        intake.Submit({gone, folder});
+        renderCore.BeginSession("ann"_s, "token"_s);
+        intake.BeginSession();
+        EVENTUALLY_COMPARE(renderCore.GetSubmitTaskIds(), QStringList({"a.1"_s, "b.2"_s}));
+        EVENTUALLY_COMPARE(notices.details, QStringList(gone + QLatin1Char('\n') + folder));
+        QCOMPARE(renderCore.GetTaskSceneFile("a.1"_s), m_folder.filePath("a.pov"_s));
+
+        button.click();
+        button.click();
+        const auto dialogs = form.findChildren<QFileDialog*>();
+        QCOMPARE(dialogs.size(), 1);
+        emit dialogs.constFirst()->filesSelected({File("c.ma"_s)});
+        EVENTUALLY_COMPARE(renderCore.GetSubmitTaskIds().value(2), "c.3"_s);
+
+        intake.EndSession();
+        emit dialogs.constFirst()->filesSelected({File("d.ma"_s)});
+        intake.BeginSession();
+        renderCore.RemoveSubmitTasks({}, false);
+        QCoreApplication::processEvents();
+        QCOMPARE(renderCore.GetSubmitTaskCount(), 0);
+        QCOMPARE(renderCore.SubmitScene(m_folder.filePath("a.pov"_s)), -1);
+        QCOMPARE(notices.details.size(), 1);
+    }
+
+    void PassesCommandsOnToTheSubmissions()
+    {
+        enum Error { None, TexturesMissing = 5, Stopped = 7 };
+        MemorySettings settings;
+        StandInServer farm;
+        farm.SetReplies({StandInServer::Held({})});
+        RenderCoreService renderCore(m_folder.filePath("submissions"_s), &settings);
+        renderCore.SetServerUrl(farm.Url());
+        renderCore.BeginSession("ann"_s, "token"_s);
+        const QString plain = "plain.1"_s;
+        QCOMPARE(renderCore.SubmitScene(File("plain.pov"_s, "camera { location 0 }\n")), 0);
+        EVENTUALLY_COMPARE(farm.Requests().size(), 1);
+        QCOMPARE(renderCore.GetTaskStage(plain), 4);
+        QVariantMap range = renderCore.GetTaskArguments(plain).value(0).toMap();
+        range.insert("endFrame_0"_s, 7);
+        renderCore.SetArgument(plain, {range});
+        QCOMPARE(renderCore.GetTaskArguments(plain), QVariantList {range});
+        renderCore.StopSubmitTasks();
+        QCOMPARE(renderCore.GetTaskErrorCode(plain), int(Stopped));
+        QVERIFY(!renderCore.GetTaskMessage(plain).isEmpty() && !renderCore.GetTaskStartTime(plain).isEmpty());
+        renderCore.ResumeSubmitTasks();
+        QCOMPARE(renderCore.GetTaskErrorCode(plain), int(None));
+        renderCore.RemoveSubmitTasks({plain}, true);
+        QCOMPARE(renderCore.GetSubmitTaskCount(), 0);
+
+        farm.SetReplies({StandInServer::Http(200, R"({"data": {"known": []}})"), StandInServer::Held({})});
+        QSignalSpy lacked(&renderCore, &VTRenderCoreInterface::lackedTexture);
+        const QString lacking = "lacking.2"_s;
+        renderCore.SubmitScene(
+            File("lacking.pov"_s, "sphere { 0, 1 pigment { image_map { png \"gone.png\" } } }\n"));
+        EVENTUALLY_COMPARE(lacked.count(), 1);
+        QCOMPARE(lacked[0][0].toString(), lacking);
+        renderCore.LackTextureAnswer(lacking, false);
+        QCOMPARE(renderCore.GetTaskErrorCode(lacking), int(TexturesMissing));
+        renderCore.ContinueSubmit(lacking);
+        QCOMPARE(renderCore.GetTaskErrorCode(lacking), int(None));
+    }
+
+    void PassesCommandsOnToTheDownloads()
+    {
+        enum Status { Downloading = 1, Stopped = 4 };
+        MemorySettings settings;
+        settings.SetValue("vtr.downloads/folder"_s, m_folder.filePath("frames"_s));
+        QByteArray list = R"({"data": {"list": [{"name": "f.png", "size": 4, "checksum": "SUM"}]}})";
+        list.replace("SUM", QByteArray(64, 'a'));
+        StandInServer farm;
+        farm.SetReplies({StandInServer::Http(200, list), StandInServer::Held({})});
+        RenderCoreService renderCore(m_folder.filePath("downloads"_s), &settings);
+        renderCore.SetServerUrl(farm.Url());
+        renderCore.BeginSession("ann"_s, "token"_s);
+        const QVariantMap& tasks = *renderCore.GetDownloadTasks();
+        const auto value = [&](const char* key) {
+            return tasks.isEmpty() ? QVariant() : tasks.first().toMap().value(QLatin1String(key));
+        };
+        renderCore.TriggerJobIdType({{"7"_s, QVariantMap {{"subDir"_s, "7_shot"_s}, {"manual"_s, 1}}}});
+        EVENTUALLY_COMPARE(value("status"), QVariant(Downloading));
+        QCOMPARE(value("destFile").toString(), m_folder.filePath("frames/7_shot/f.png"_s));
+        for (const auto resume :
+            {&RenderCoreService::ResumeDownloadTasks, &RenderCoreService::RedownloadTasks}) {
+            renderCore.StopDownloadTasks(tasks.keys());
+            EVENTUALLY_COMPARE(value("status"), QVariant(Stopped));
+            (renderCore.*resume)(tasks.keys());
+            EVENTUALLY_COMPARE(value("status"), QVariant(Downloading));
+        }
+        renderCore.RemoveDownloadTasks(tasks.keys());
+        EVENTUALLY(tasks.isEmpty());
+    }
+
+private:
+    QString File(const QString& name, const QByteArray& content = {}) const
+    {
+        const QString path = m_folder.filePath(name);
+        WriteFile(path, content);
+        return path;
+    }
+
+    QTemporaryDir m_folder;
+};
+
+QTEST_MAIN(TestHostRenderCore)
+#include "tst_host_rendercore.moc"
