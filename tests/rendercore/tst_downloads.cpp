@@ -57,7 +57,6 @@ HttpReply Answer(int status, const QByteArray& headers = {})
     return StandInServer::Http(status, "{}", headers);
 }
 
-constexpr int Patience = 60000; // ms
 constexpr int CutAt = 100007;   // bytes of a frame that arrive before it is cut
 const HttpReply CutFrame {Whole(FrameData).bytes.chopped(50000), false};
 const HttpReply Endless {"HTTP/1.1 200 OK\r\n\r\n" + FrameData + FrameData, false};
