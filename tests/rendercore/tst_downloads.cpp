@@ -57,7 +57,7 @@ HttpReply Answer(int status, const QByteArray& headers = {})
     return StandInServer::Http(status, "{}", headers);
 }
 
-constexpr int CutAt = 100007;   // bytes of a frame that arrive before it is cut
+constexpr int CutAt = 100007; // bytes of a frame that arrive before it is cut
 const HttpReply CutFrame {Whole(FrameData).bytes.chopped(50000), false};
 const HttpReply Endless {"HTTP/1.1 200 OK\r\n\r\n" + FrameData + FrameData, false};
 const HttpReply NoRange {"HTTP/1.1 206 Partial\r\n\r\n" + FrameData.mid(CutAt), false};
