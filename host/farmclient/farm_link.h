@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/farmclient/http_transport.h"
 #include "host/farmclient/farm_access.h"
+#include "host/farmclient/http_transport.h"
 #include "host/farmclient/interrupt_flag.h"
 
 #include <QEventLoop>
