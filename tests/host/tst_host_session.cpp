@@ -136,6 +136,7 @@ private slots:
         m_client->communication.GetUserInfo(1, {{"token"_s, "abc"_s}});
         EVENTUALLY(!m_client->session.IsSignedIn());
         QVERIFY(m_client->session.SignInForm()->isVisible());
+        QVERIFY(!m_client->Find<QLabel>("lblFailure")->text().isEmpty());
     }
 
 private:
