@@ -16,7 +16,7 @@ public:
     /// Counts a failure and returns the pause before the next attempt.
     int Fail() { return PauseAfter(++m_failures); }
 
-    /// The next failure is a first one again.
+    /// The failure count starts over.
     void Reset() { m_failures = 0; }
 
     int Failures() const { return m_failures; }

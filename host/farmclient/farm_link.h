@@ -17,11 +17,11 @@ class FarmLink
 public:
     FarmLink();
 
-    /// Sets server and session of the requests to come.
+    /// Sets server and session for the following requests.
     /// @param interrupted ends a request early.
     void Begin(const FarmAccess& access, const InterruptFlag& interrupted);
 
-    /// Ends the request under way if the flag is set. To be called in the same thread.
+    /// Ends the current request if the flag is set. Must be called in the same thread.
     void Interrupt();
 
     /// @param onSent is called with the number of bytes of the body that have been sent.

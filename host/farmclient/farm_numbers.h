@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-/// The HTTP statuses that mean something to the client.
+/// The HTTP statuses to which the client reacts.
 namespace HttpStatus {
 
 constexpr int Ok = 200;
@@ -24,12 +24,12 @@ constexpr int InsufficientStorage = 507;
 namespace FarmNumbers {
 
 constexpr int LongestToken = 4096;
-constexpr int LongestTarget = 4096; ///< bytes; the farm takes twice as many, a proxy may take fewer
+constexpr int LongestTarget = 4096; ///< bytes; the farm accepts twice as many, a proxy may accept fewer
 constexpr int LongestName = 256;    ///< of a job
 constexpr int ChecksumLength = 64;  ///< hexadecimal digits of SHA-256
 constexpr int MostListedJobs = 1000;
-constexpr int MostChecksums = 1000;                 ///< in one question for known contents
-constexpr int MostFileListBytes = 1000 * 1000;      ///< of a submission; the farm takes 1 MiB with all else
+constexpr int MostChecksums = 1000;            ///< in one request
+constexpr int MostFileListBytes = 1000 * 1000; ///< of a submission; the farm accepts 1 MiB for the whole body
 constexpr qint64 LargestChunk = 2LL * 1024 * 1024;  ///< bytes of an upload sent at once
 constexpr qint64 LongestAnswer = 8LL * 1024 * 1024; ///< bytes of a JSON answer
 

@@ -56,7 +56,7 @@ HttpRequest SignInRequest(const QString& name, const QString& password)
 
 HttpRequest SignOutRequest(const QVariantHash& request)
 {
-    // Not repeated: the user waits for the sign-out, and the token expires anyway.
+    // Never repeated: the user is waiting for the sign-out, and the token expires anyway.
     return {"DELETE", "/session", TokenOf(request), {}, false};
 }
 

@@ -35,7 +35,7 @@ bool IsProjectList(const QJsonObject& body);
 bool IsJobList(const QJsonObject& body);
 bool IsJobInfo(const QJsonObject& body);
 
-/// @param echo entries of the request that the answer repeats at top level, also when it failed.
+/// @param echo entries of the request that the answer repeats at top level, even when it failed.
 Answer Decode(const HttpResult& result, Check check, const QVariantMap& echo);
 
 } // namespace FarmProtocol

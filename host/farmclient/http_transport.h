@@ -36,12 +36,12 @@ struct HttpResult
     static constexpr int NotJson = -4;
 
     int status = Unreachable;
-    QJsonObject json;   ///< the answer's body, also of a failure; empty unless the body is a JSON object
+    QJsonObject json;   ///< the answer's body, even of a failure; empty unless the body is a JSON object
     QString error;      ///< sentence for the user; empty when status is 200
     int retryAfter = 0; ///< seconds that the server asks clients to wait, at most an hour
 };
 
-/// How long and how often the transport tries. Times are in milliseconds.
+/// Time and retry limits, in milliseconds.
 struct HttpLimits
 {
     int attemptTime = 10000; ///< for one attempt, from its start to the answer's last byte
@@ -67,7 +67,7 @@ public:
     /// @param owner owns the call and must not outlive this transport.
     HttpCall* Send(const HttpRequest& request, QObject* owner);
 
-    /// Makes one attempt, whatever the kind of answer. The caller owns the reply; null while there is no server.
+    /// Makes one attempt and accepts any kind of answer. The caller owns the reply; null while there is no server.
     QNetworkReply* Begin(const HttpRequest& request);
     const HttpLimits& Limits() const { return m_limits; }
 

@@ -146,8 +146,8 @@
 <context>
     <name>FileDownload</name>
     <message>
-        <source>There is no farm to ask.</source>
-        <translation>There is no farm to ask.</translation>
+        <source>The farm is not available at the moment.</source>
+        <translation>The farm is not available at the moment.</translation>
     </message>
     <message>
         <source>The farm has stopped sending %1.</source>
@@ -170,8 +170,8 @@
         <translation>The farm cannot send %1 at the moment (status %2).</translation>
     </message>
     <message>
-        <source>The farm sent more of %1 than it had announced.</source>
-        <translation>The farm sent more of %1 than it had announced.</translation>
+        <source>The farm sent more data for %1 than announced.</source>
+        <translation>The farm sent more data for %1 than announced.</translation>
     </message>
     <message>
         <source>%1 arrived damaged: its checksum is wrong.</source>
@@ -182,12 +182,12 @@
         <translation>%1 cannot be saved: %2</translation>
     </message>
     <message>
-        <source>The farm sent another part of %1 than was asked for.</source>
-        <translation>The farm sent another part of %1 than was asked for.</translation>
+        <source>The farm sent a different part of %1 than requested.</source>
+        <translation>The farm sent a different part of %1 than requested.</translation>
     </message>
     <message>
-        <source>%1 has another size on the farm now.</source>
-        <translation>%1 has another size on the farm now.</translation>
+        <source>The size of %1 has changed on the farm.</source>
+        <translation>The size of %1 has changed on the farm.</translation>
     </message>
 </context>
 <context>
@@ -942,6 +942,34 @@ Below files are missing:
     <message>
         <source>The farm has failed several times. Please continue the submission later.</source>
         <translation>The farm has failed several times. Please continue the submission later.</translation>
+    </message>
+    <message>
+        <source>The scene file cannot be read.</source>
+        <translation>The scene file cannot be read.</translation>
+    </message>
+    <message>
+        <source>The name of the scene file contains characters that the farm does not accept.</source>
+        <translation>The name of the scene file contains characters that the farm does not accept.</translation>
+    </message>
+    <message>
+        <source>The folder for packed files cannot be created. The disk may be full.</source>
+        <translation>The folder for packed files cannot be created. The disk may be full.</translation>
+    </message>
+    <message>
+        <source>The packed file cannot be read from the disk.</source>
+        <translation>The packed file cannot be read from the disk.</translation>
+    </message>
+    <message>
+        <source>The farm did not store the uploaded data. Please try again later.</source>
+        <translation>The farm did not store the uploaded data. Please try again later.</translation>
+    </message>
+    <message>
+        <source>The file arrived damaged at the farm.</source>
+        <translation>The file arrived damaged at the farm.</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s answer about an upload cannot be read.</source>
+        <translation>The farm&apos;s answer about an upload cannot be read.</translation>
     </message>
 </context>
 <context>

@@ -146,7 +146,7 @@
 <context>
     <name>FileDownload</name>
     <message>
-        <source>There is no farm to ask.</source>
+        <source>The farm is not available at the moment.</source>
         <translation>当前没有可用的渲染农场。</translation>
     </message>
     <message>
@@ -170,7 +170,7 @@
         <translation>渲染农场暂时无法发送 %1（状态 %2）。</translation>
     </message>
     <message>
-        <source>The farm sent more of %1 than it had announced.</source>
+        <source>The farm sent more data for %1 than announced.</source>
         <translation>渲染农场发送的 %1 数据多于其声明的大小。</translation>
     </message>
     <message>
@@ -182,11 +182,11 @@
         <translation>无法保存 %1：%2</translation>
     </message>
     <message>
-        <source>The farm sent another part of %1 than was asked for.</source>
+        <source>The farm sent a different part of %1 than requested.</source>
         <translation>渲染农场发送的不是所请求的 %1 部分。</translation>
     </message>
     <message>
-        <source>%1 has another size on the farm now.</source>
+        <source>The size of %1 has changed on the farm.</source>
         <translation>渲染农场上 %1 的大小已更改。</translation>
     </message>
 </context>
@@ -942,6 +942,34 @@ Below files are missing:
     <message>
         <source>The farm has failed several times. Please continue the submission later.</source>
         <translation>渲染农场多次失败。请稍后继续提交。</translation>
+    </message>
+    <message>
+        <source>The scene file cannot be read.</source>
+        <translation>无法读取场景文件。</translation>
+    </message>
+    <message>
+        <source>The name of the scene file contains characters that the farm does not accept.</source>
+        <translation>场景文件名包含渲染农场不接受的字符。</translation>
+    </message>
+    <message>
+        <source>The folder for packed files cannot be created. The disk may be full.</source>
+        <translation>无法创建用于打包文件的文件夹。磁盘可能已满。</translation>
+    </message>
+    <message>
+        <source>The packed file cannot be read from the disk.</source>
+        <translation>无法从磁盘读取打包文件。</translation>
+    </message>
+    <message>
+        <source>The farm did not store the uploaded data. Please try again later.</source>
+        <translation>渲染农场未保存上传的数据。请稍后重试。</translation>
+    </message>
+    <message>
+        <source>The file arrived damaged at the farm.</source>
+        <translation>文件到达渲染农场时已损坏。</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s answer about an upload cannot be read.</source>
+        <translation>无法读取渲染农场关于上传的响应。</translation>
     </message>
 </context>
 <context>

@@ -62,7 +62,7 @@ void FarmProcess::Stop()
     m_process.closeWriteChannel();
     if (m_process.waitForFinished(m_limits.end))
         return;
-    qWarning() << "the farm did not end in time; terminating it";
+    qWarning() << "the farm did not exit in time; terminating it";
     m_process.terminate();
     if (!m_process.waitForFinished(m_limits.end)) {
         m_process.kill();
@@ -104,7 +104,7 @@ void FarmProcess::HandleExit()
     m_startDeadline.stop();
     if (!m_wanted)
         return;
-    qWarning().noquote() << "the farm ended unexpectedly:" << m_process.errorString();
+    qWarning().noquote() << "the farm exited unexpectedly:" << m_process.errorString();
     if (m_listening.isValid() && m_listening.hasExpired(m_limits.steady))
         m_failures = 0;
     m_listening.invalidate();

@@ -8,7 +8,7 @@
 
 /// Runs the embedded farm, a server process on a free loopback port, and restarts it when it crashes.
 ///
-/// The farm ends when its standard input is closed, so it never outlives the host.
+/// The farm exits when its standard input is closed, so it never outlives the host.
 class FarmProcess : public QObject
 {
     Q_OBJECT
@@ -21,19 +21,19 @@ public:
         int firstPause = 500; ///< before the first restart; doubled before each further one
         int restarts = 6;     ///< in a row before giving up
         int steady = 10000;   ///< of listening, after which earlier failures no longer count
-        int end = 4000;       ///< for the process to end by itself before it is terminated, then killed
+        int end = 4000;       ///< for the process to exit by itself before it is terminated, then killed
     };
 
     FarmProcess(
         const QString& program, const QString& dataFolder, const Limits& limits, QObject* parent = nullptr);
     FarmProcess(const QString& program, const QString& dataFolder, QObject* parent = nullptr);
 
-    /// Stops the farm like Stop.
+    /// Calls `Stop()`.
     ~FarmProcess() override;
 
     void Start();
 
-    /// Stops the farm for good and waits for it to end, for a few seconds at most.
+    /// Stops the farm permanently and waits for it to end, for a few seconds at most.
     void Stop();
 
     /// @return 0 while the farm is not running.

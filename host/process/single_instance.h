@@ -7,7 +7,7 @@
 
 class QLocalSocket;
 
-/// Keeps to one client for each user and configuration. A second start shows the first one's window and passes its scenes
+/// Allows one client for each user and configuration. A second start shows the window of the first and passes its scenes
 /// on.
 class SingleInstance : public QObject
 {

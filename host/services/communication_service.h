@@ -40,13 +40,13 @@ public:
     int GetProjectList(const QVariant& status, const QVariantHash& request) override;
 
 signals:
-    /// The farm no longer knows the session. Emitted once a session.
+    /// The farm no longer knows the session. Emitted once per session.
     void SessionExpired();
 
 private:
     using Response = void (VTCommunicationInterface::*)(int, QVariantMap);
 
-    /// Says how the result of a request becomes an answer.
+    /// Converts the result of a request into an answer.
     struct Handling
     {
         FarmProtocol::Check check;

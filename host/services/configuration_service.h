@@ -24,7 +24,7 @@ public:
 public slots:
     void ShowConf() override;
 
-    /// Plays a chime, at most once a second.
+    /// Plays a chime, at most once per second.
     /// @param file the finished download; not used.
     void Finish(QString file) override;
 

@@ -15,7 +15,7 @@ namespace {
 
 constexpr qint64 ShortestPause = 1000; // ms
 
-/// Asked before Qt Multimedia is used, which prints warnings without a sound server.
+/// Checked first: Qt Multimedia prints warnings without a sound server.
 bool IsSoundServerThere()
 {
     if (!qEnvironmentVariableIsEmpty("PULSE_SERVER"))

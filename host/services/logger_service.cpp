@@ -25,7 +25,7 @@ spdlog::level::level_enum SeverityOf(int level)
     return level <= LoggerService::Debug ? spdlog::level::debug : spdlog::level::trace;
 }
 
-/// Keeps a message on one line, also when a name from the server contains control characters.
+/// Keeps a message on one line, even when a name from the server contains control characters.
 QString OneLine(const QString& text)
 {
     QString line;

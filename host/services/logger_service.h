@@ -21,7 +21,7 @@ public:
     using QObject::QObject;
 };
 
-/// Where the log is written and which messages it keeps.
+/// Options of the log.
 struct LogOptions
 {
     QString file;                           ///< empty for the console only
@@ -33,7 +33,7 @@ struct LogOptions
     static QStringList Levels();
 };
 
-/// Writes one line a message, with time, level and category, to a rotating file and the console.
+/// Writes one line per message, with time, level and category, to a rotating file and the console.
 ///
 /// Write may be called in any thread.
 class LoggerService : public ServiceBase<LoggerObject>
@@ -41,7 +41,7 @@ class LoggerService : public ServiceBase<LoggerObject>
     Q_OBJECT
 
 public:
-    /// The levels that Write takes; the greater the number, the less severe the message.
+    /// The levels that Write accepts; the greater the number, the less severe the message.
     enum Level { Critical = 8, Error = 16, Warning = 32, Info = 64, Debug = 128 };
 
     explicit LoggerService(const LogOptions& options, QObject* parent = nullptr);

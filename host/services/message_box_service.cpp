@@ -16,7 +16,7 @@ namespace {
 
 constexpr int KindQuestion = 4;
 constexpr int MaximumTitleWidth = 340;
-constexpr int AreaColumns = 60; // estimated characters a line, for the height of the area
+constexpr int AreaColumns = 60; // estimated characters per line, for the height of the area
 constexpr int AreaMargin = 12;
 constexpr int MinimumAreaLines = 3;
 constexpr int MaximumAreaLines = 12;

@@ -23,7 +23,7 @@ class UiLoaderService final : public ServiceBase<VTUiLoaderInterface>
     Q_INTERFACES(VTUiLoaderInterface)
 
 public:
-    /// @param settings must outlive the loader; null when nothing is to be remembered.
+    /// @param settings must outlive the loader; null if the choices should not be saved.
     explicit UiLoaderService(VTSettingsInterface* settings, QObject* parent = nullptr);
     ~UiLoaderService() override;
 

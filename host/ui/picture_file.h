@@ -14,7 +14,7 @@ struct PictureFile
     Error error = None;
 
     /// Reads a file from an untrusted source: the format is recognised by its content, and its size is checked before it
-    /// is decoded. Accepts at most 16384 pixels a side and 512 MiB. May be called in any thread.
+    /// is decoded. Accepts at most 16384 pixels per side and 512 MiB. May be called in any thread.
     static PictureFile Read(const QString& file);
 
     /// @return the paths of the pictures in the same folder, including the file itself, sorted by name.

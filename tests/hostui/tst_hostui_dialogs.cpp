@@ -247,7 +247,7 @@ private slots:
         QVERIFY(!window.Form()->isVisible());
     }
 
-    void TurnsThePicturesOfAFolder()
+    void StepsThroughThePicturesOfAFolder()
     {
         const QTemporaryDir folder;
         for (const char* name : {"b.png", "a.png", "c.png", "notes.txt"})

@@ -76,7 +76,7 @@ QWidget* AddChild(QWidget* form, const char* name, const QRect& geometry)
 
 } // namespace
 
-/// Where children of a form go, and how a window without a frame is moved and resized.
+/// Placement of a form's children; moving and resizing a frameless window.
 class TestLayout : public QObject
 {
     Q_OBJECT
@@ -115,7 +115,7 @@ private slots:
         QCOMPARE(next->pos(), QPoint(650, 360));
         QCOMPARE(page->pos(), QPoint(610, 360));
 
-        page->move(500, page->y()); // the window moves its buttons, too
+        page->move(500, page->y()); // the window moves its buttons as well
         form.resize(600, 400);
         layout.Apply(&form);
         QCOMPARE(next->pos(), QPoint(550, 360));

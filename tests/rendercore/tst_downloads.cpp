@@ -70,7 +70,7 @@ struct TransferCase
     HttpReplies replies; ///< after the list
     Status status;
     int requests;
-    QByteArray lastRequest = {};    ///< what it holds
+    QByteArray lastRequest = {};    ///< its contents
     QByteArray content = FrameData; ///< of the finished file
     QByteArray part = {};           ///< in the part file from the start
     QByteArray there = {};          ///< a stranger's file at the destination
@@ -211,9 +211,9 @@ private slots:
         QCOMPARE(m_server->Requests().size(), 7);
     }
 
-    void GetsOverBreaks_data() { AddRows(TransferCases); }
+    void RecoversFromBrokenTransfers_data() { AddRows(TransferCases); }
 
-    void GetsOverBreaks()
+    void RecoversFromBrokenTransfers()
     {
         const TransferCase& row = Row(TransferCases);
         m_server->SetReplies(HttpReplies {Listed(Entry(FrameData))} + row.replies);
@@ -278,7 +278,7 @@ private slots:
         client.access.apiRoot = access.apiRoot;
         client.queue.SetAccess(client.access);
         QVERIFY(AwaitRequests(3));
-        client.access.folder = Path("elsewhere"); // alone, it wakes nothing, for the session has ended
+        client.access.folder = Path("elsewhere"); // a new folder alone starts nothing: the session has ended
         client.queue.SetAccess(client.access);
         client.access.owner = "farm/bob"_s;
         client.queue.SetAccess(client.access);
@@ -361,7 +361,7 @@ private slots:
         QVERIFY(AwaitRequests(4));
         QVERIFY(m_server->Requests().constLast().contains(RangeLine));
         QVERIFY(QFile::exists(Part()));
-        // The listener reads the list, and removes what is gone already, from inside the removal.
+        // The listener reads the list, and removes a task that is already gone, while handling the removal.
         QStringList left {"not called"_s};
         const QStringList ids = client.Ids();
         connect(&client.queue, &DownloadQueue::ListChanged, this, [&] {

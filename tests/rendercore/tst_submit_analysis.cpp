@@ -1,4 +1,4 @@
-// What scenes need, how they are packed and what arguments a job may have.
+// Scene analysis, packing and limits of arguments.
 #include "host/rendercore/submit/scene_analysis.h"
 #include "host/rendercore/submit/scene_package.h"
 #include "host/rendercore/submit/submit_arguments.h"
@@ -63,7 +63,7 @@ private slots:
             "a.pov in/b.inc c.inc x.png");
         row("pov folders above", "png \"../../q/t.png\" png \"../s/./u.png\" png \"@/v.png\"",
             {{name("q/t.png"), ""}, {name("p/s/u.png"), ""}, {name("v.png"), ""}},
-            "p/s/a.pov q/t.png p/s/u.png", "@/v.png (name it relative to the scene)");
+            "p/s/a.pov q/t.png p/s/u.png", "@/v.png (use a path relative to the scene)");
         row("pov too high", "png \"../../../../../../../../../etc/passwd\" png \"a\\\\b.png\" png \"in\"",
             {{name("p/s/in/x"), ""}, {name("p/s/a\\b.png"), ""}}, "a.pov",
             "../../../../../../../../../etc/passwd a\\b.png in");

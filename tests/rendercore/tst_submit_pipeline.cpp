@@ -78,7 +78,7 @@ private:
 
     SubmitTask Task(const QString& id) const { return m_queue->Task(id) ? *m_queue->Task(id) : SubmitTask(); }
 
-    /// Waits until a task is a job, or for its error.
+    /// Waits until a task has become a job or has halted with an error.
     bool Await(const QString& id, SubmitError error = SubmitError::None) const
     {
         return QTest::qWaitFor(
@@ -135,14 +135,14 @@ private slots:
         QVERIFY(Await(id, SubmitError::AwaitsUser));
         QCOMPARE(lacking.size(), 1);
         QCOMPARE(lacking.at(0).at(1).toStringList(), QStringList {"gone.png"_s});
-        m_queue->AnswerUploadFailure(id, true); // not what is asked
+        m_queue->AnswerUploadFailure(id, true); // another question is open
         m_queue->AnswerMissingTextures(id, false);
         QCOMPARE(Task(id).error, SubmitError::TexturesMissing);
         m_queue->SetArguments(id, Arguments(4, 5, "32"_s, "16385"_s)); // the scene's own height
         m_queue->SetArguments(id, Arguments(5, 4, {}, {}));            // no frames: ignored
         StartQueue();
         QCOMPARE(Task(id).error, SubmitError::TexturesMissing);
-        QVERIFY(WriteFile(Path("shots/gone.png"_s), "here")); // goes along by now
+        QVERIFY(WriteFile(Path("shots/gone.png"_s), "here")); // now included
         m_queue->Continue(id);
         QVERIFY(Await(id));
         QCOMPARE(Count("contents"), 4);
@@ -152,7 +152,7 @@ private slots:
         QCOMPARE(Count("frames WHERE number IN (4, 5)"), Count("frames"));
         QTRY_COMPARE_WITH_TIMEOUT(m_data->Only().status, int(farm::JobStatus::Finished), patienceMs);
 
-        // What the farm has is not sent again.
+        // Contents that the farm has are not sent again.
         QVERIFY(QFile::remove(Path("shots/gone.png"_s)));
         const int uploads = Count("uploads");
         QVERIFY(m_queue->Submit(Path("shots/one.pov"_s)));
@@ -220,7 +220,7 @@ private slots:
         QVERIFY(Await(id, SubmitError::UploadRefused));
         QCOMPARE(failed.size(), 1);
         QCOMPARE(failed.at(0).at(1).toStringList(), QStringList {Path("large.png"_s)});
-        m_queue->AnswerMissingTextures(id, true); // not what is asked
+        m_queue->AnswerMissingTextures(id, true); // another question is open
         m_queue->AnswerUploadFailure(id, true);
         QTRY_COMPARE_WITH_TIMEOUT(failed.size(), 2, patienceMs);
         m_queue->AnswerUploadFailure(id, false);
@@ -236,7 +236,7 @@ private slots:
         const QString id = SubmitLarge();
         Submit({{"b.pov"_s, "sphere{0,1}"}});
         QVERIFY(QTest::qWaitFor([&] { return Task(id).stage >= SubmitStage::Upload; }, patienceMs));
-        // The listener removes the other task from inside the removal.
+        // The listener removes the other task while handling the removal.
         QStringList left;
         connect(m_queue.get(), &SubmitQueue::ListChanged, this, [&] {
             left = m_queue->Ids();
@@ -253,11 +253,11 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(Packages().isEmpty(), patienceMs);
     }
 
-    void LetsOthersPassWhatTheFarmCannotTakeNow()
+    void LetsOtherTasksGoFirstWhileTheFarmIsFull()
     {
         QVERIFY(Await(Submit({{"known.pov"_s, "sphere{0,1}"}})));
         QDir farm(Path("farm"_s));
-        QVERIFY(farm.rename("uploads"_s, "away"_s)); // uploads fail, jobs can be made
+        QVERIFY(farm.rename("uploads"_s, "away"_s)); // uploads fail, jobs can be created
         const QString stuck = SubmitLarge();
         QTRY_COMPARE_WITH_TIMEOUT(Task(stuck).message, "The farm is busy. Trying again."_s, patienceMs);
         QVERIFY(m_queue->Submit(Path("known.pov"_s)));
@@ -283,9 +283,9 @@ private slots:
         m_queue->ResumeAll();
         QVERIFY(Await(id, SubmitError::AwaitsUser));
         QCOMPARE(Task(id).stage, SubmitStage::Submit);
-        QVERIFY(Await(other)); // others pass
+        QVERIFY(Await(other)); // other tasks go first
 
-        // Somebody else sees none of it.
+        // Another account sees none of these tasks.
         FarmAccess access = m_access;
         access.owner = "test/bob"_s;
         m_queue->SetAccess(access);

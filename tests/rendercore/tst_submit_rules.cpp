@@ -1,4 +1,4 @@
-// How submissions change by what their stages bring and by what the user decides.
+// State changes of submissions.
 #include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_rules.h"
 #include "tests/support/test_tables.h"

@@ -1,4 +1,4 @@
-// The stages of a submission: against a server that answers as it is told, and on files that are not as they should be.
+// The stages of a submission, against a scripted server and on broken files.
 #include "host/rendercore/submit/job_body.h"
 #include "host/rendercore/submit/submit_worker.h"
 #include "host/rendercore/submit/task_packages.h"
@@ -81,7 +81,7 @@ const StageCase StageCases[] = {
         "POST /uploads PUT /uploads/u?offset=0 0123 GET /uploads/u PUT /uploads/u?offset=8 89"},
     {"never the same offset", Stage::Upload, {Upload(0), Status(409)}, Refused},
     {"keeps nothing", Stage::Upload, {Upload(4), Upload(4)},
-        "failed 3 wanted: a refused: /a: The farm does not keep what it is sent.",
+        "failed 3 wanted: a refused: /a: The farm did not store the uploaded data. Please try again later.",
         "POST /uploads PUT /uploads/u?offset=4 4567 PUT /uploads/u?offset=4 4567 PUT /uploads/u?offset=4 "
         "4567 "
         "PUT /uploads/u?offset=4 4567 PUT /uploads/u?offset=4 4567"},
@@ -235,7 +235,7 @@ private slots:
         const StageRequest request = Request(Stage::Upload);
         QTimer poll;
         connect(&poll, &QTimer::timeout, this, [&] {
-            m_worker.Interrupt(); // without the flag, the stage goes on
+            m_worker.Interrupt(); // without the flag, the stage continues
             *request.interrupted = !m_server->Requests().isEmpty();
         });
         poll.start(1);

@@ -1,4 +1,4 @@
-// When transfers are tried: turns, pauses and commands, without threads, disk or network.
+// Turns, pauses and commands, without threads, disk or network.
 #include "host/rendercore/download/task_commands.h"
 #include "host/rendercore/download/transfer_schedule.h"
 #include "host/rendercore/submit/submit_turns.h"
@@ -8,7 +8,7 @@ namespace {
 
 using Obstacle = StageOutcome::Obstacle;
 
-/// Plays a script of steps, each a letter and mostly the number of a task, and writes down who gets the turn.
+/// Plays a script of steps, each a letter usually followed by a task number; records who gets the turn.
 class TurnsPlay
 {
 public:
@@ -29,7 +29,7 @@ private:
         case '-':
             m_turns.Remove(number);
             break;
-        case '@': // so much time passes
+        case '@': // that many milliseconds pass
             m_now += number;
             break;
         case 'l': // the task does not need the farm
@@ -45,7 +45,7 @@ private:
         case 'r': // the farm cannot fulfil a request; "r205": of task 2, for 5 seconds
             Postpone(Obstacle::Request, number);
             break;
-        case 'f': // the farm is away
+        case 'f': // the farm cannot be reached
             Postpone(Obstacle::Farm, number);
             break;
         case 's': // the session has ended
@@ -96,10 +96,10 @@ const TurnsCase TurnsCases[] = {
         "1 wait:500 1 wait:1000 1 wait:2000"},
     {"an answer ends the doubling", "o +1 f1 @500 f1 @1000 b1 f1 ?", "wait:500"},
     {"a refused request ends the doubling", "o +1 f1 @500 r1 @500 f1 ?", "wait:500"},
-    {"the farm's wish for a pause counts", "o +1 f103 ? @3000 ?", "wait:3000 1"},
+    {"the farm's requested pause counts", "o +1 f103 ? @3000 ?", "wait:3000 1"},
     {"but not a shorter one than ours", "o +1 f1 f1 f1 f101 ?", "wait:4000"},
     {"a task's pause doubles", "o +1 r1 ? @500 r1 ? @1000 ?", "wait:500 wait:1000 1"},
-    {"the task's own wish for a pause", "o +1 r104 ?", "wait:4000"},
+    {"the task's own requested pause", "o +1 r104 ?", "wait:4000"},
     {"gives up without progress", "o +1 r1 r1 r1 r1 r1 r1 r1 ? r1", "wait:32000 given_up"},
     {"progress starts the count again", "o +1 r1 r1 r1 r1 r1 r1 r1 a1 r1 ?", "wait:500"},
     {"an answer without progress does not", "o +1 r1 r1 r1 r1 r1 r1 r1 b1 r1", "given_up"},
@@ -185,7 +185,7 @@ private slots:
         QCOMPARE(m_schedule.Postpone(7, 0, 9000), 100);
     }
 
-    void HandsOutWhatIsDueByNumber()
+    void HandsOutDueTasksByNumber()
     {
         m_schedule.Postpone(9, 0, 0);
         m_schedule.Postpone(4, 0, 10);

@@ -1,4 +1,4 @@
-// What a client that is killed, or loses power, finds on the disk when it starts again.
+// The data that a killed client finds at its next start.
 #include "host/rendercore/download/download_paths.h"
 #include "host/rendercore/download/download_store.h"
 #include "host/rendercore/submit/submit_arguments.h"
@@ -49,7 +49,7 @@ struct NameCase
     const char* name;
     QString subDir;
     QString file;
-    QString path; ///< empty where it is too long to be told
+    QString path; ///< empty when the name is shortened
 };
 
 const NameCase NameCases[] = {
@@ -141,7 +141,7 @@ private slots:
         QCOMPARE(saved.work.scene, "p"_s);
     }
 
-    void SubmissionsAreTheirOwners()
+    void EachOwnerHasTasksOfTheirOwn()
     {
         SubmitStore store = Submissions();
         SubmitTask task = store.Add(Ann, "/a.pov"_s);
@@ -158,7 +158,7 @@ private slots:
         store.Save(task);
         QVERIFY(store.Load(Ann).isEmpty());
         QCOMPARE(store.Load(Bob).size(), 1);
-        QCOMPARE(store.Add(Ann, "/a.pov"_s).id, "a.4"_s); // numbers are not used again
+        QCOMPARE(store.Add(Ann, "/a.pov"_s).id, "a.4"_s); // numbers are never reused
     }
 
     void SubmissionsOfAnEarlierVersionSurvive()
@@ -287,7 +287,7 @@ private slots:
         QVERIFY(store.Find(Bob, theirs));
         QVERIFY(!store.Find(Ann, tasks.at(0).id));
         const OrderOutcome again = Apply(DownloadOrder::Manual, {File("c.png"), File("c.png", 'b')});
-        QVERIFY(again.added.constFirst().id > theirs);          // ids are not used again
+        QVERIFY(again.added.constFirst().id > theirs);          // ids are never reused
         QCOMPARE(again.added.size() + again.renewed.size(), 2); // the same name twice is one task
     }
 
@@ -301,7 +301,7 @@ private slots:
             QCOMPARE(file, QString("/srv/"_s + row.path));
         QCOMPARE(QDir::cleanPath(file), file);
         QCOMPARE(file.count(QLatin1Char('/')), 3);
-        QCOMPARE(QString::fromUtf8(file.toUtf8()), file); // no half of a character
+        QCOMPARE(QString::fromUtf8(file.toUtf8()), file); // no split surrogate pair
         QVERIFY(QFileInfo(DownloadPaths::PartFile(file)).fileName().toUtf8().size() < 255);
         const QString second = DownloadPaths::Destination("/srv"_s, row.subDir, row.file, 2);
         QVERIFY(second != file);

@@ -2,11 +2,11 @@
 
 #include "host/farmclient/http_transport.h"
 
-/// How much is transferred at a time, and how patiently. Times in milliseconds.
+/// Limits of downloads: parallel transfers and pauses, in milliseconds.
 struct DownloadLimits
 {
-    int transfers = 4;     ///< files transferred at a time
-    int lists = 2;         ///< requests for a job's files at a time
+    int transfers = 4;     ///< parallel transfers
+    int lists = 2;         ///< parallel requests for a job's files
     int idleTime = 30000;  ///< without any data before a transfer counts as broken
     int firstPause = 1000; ///< after a failure; doubles with each further one
     int longestPause = 60000;

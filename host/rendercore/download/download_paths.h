@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// Where downloaded files go. Names that come from the farm are never used as paths.
+/// Paths of downloaded files. Names that come from the farm are never used as paths.
 namespace DownloadPaths {
 
 /// Turns a name into one path component: VTFileNamePart(), neither empty nor hidden nor too long for a file system.
@@ -22,7 +22,7 @@ bool IsOccupied(const QString& path);
 QString PartFile(const QString& destination);
 
 /// Creates the folder of a destination. A folder that leads out of the root by a symbolic link is refused.
-/// @return a message for the user when nothing can be written there; else empty.
+/// @return a message for the user when nothing can be written there; otherwise empty.
 QString PrepareFolder(const QString& destination);
 
 } // namespace DownloadPaths

@@ -169,7 +169,7 @@ void DownloadQueue::HandleAdded(int session, const DownloadTasks& tasks)
         return;
     m_worker->Post([](DownloadWorker& worker) { worker.LoadMore(); });
     for (const DownloadTask& task : tasks)
-        m_tasks.insert(m_tasks.cend(), IdOf(task.id), EntryOf(task)); // mostly in this order
+        m_tasks.insert(m_tasks.cend(), IdOf(task.id), EntryOf(task)); // usually in this order
     emit ListChanged();
 }
 

@@ -25,35 +25,35 @@ public:
     explicit DownloadQueue(
         const QString& folder, const DownloadLimits& limits = {}, QObject* parent = nullptr);
 
-    /// Breaks off the transfers. The next queue on this folder goes on from there.
+    /// Aborts the transfers; the next queue on this folder resumes them.
     ~DownloadQueue() override;
 
     /// Each owner has tasks of their own. Without a farm the tasks wait.
     void SetAccess(const FarmAccess& access);
 
-    /// The live table by task id; see VTRenderCoreInterface::GetDownloadTasks(). Valid as long as this object. Ids are
+    /// The live map by task id; see VTRenderCoreInterface::GetDownloadTasks(). Valid as long as this object. Ids are
     /// numbers of ten digits in the order of arrival.
     QVariantMap* Tasks() { return &m_tasks; }
 
-    /// Makes a task of every file of every job; see VTRenderCoreInterface::TriggerJobIdType(). The orders are on the
+    /// Creates a task for every file of every job; see VTRenderCoreInterface::TriggerJobIdType(). The orders are on the
     /// disk when this returns.
     void Order(const QVariantMap& orders);
 
     // Unknown ids are ignored. The commands are on the disk when these functions return.
 
-    /// Waiting and running tasks stand still until they are resumed.
+    /// Stops waiting and running tasks until they are resumed.
     void Stop(const QStringList& ids);
-    /// Stopped and failed tasks go on where they were.
+    /// Lets stopped and failed tasks continue from the data received so far.
     void Resume(const QStringList& ids);
     /// Downloads whole files again, whatever their state. A finished file stays until the new one is complete.
     void Redownload(const QStringList& ids);
-    /// Forgets tasks. Finished files stay.
+    /// Removes tasks. Finished files stay.
     void Remove(const QStringList& ids);
 
 signals:
     /// Tasks have been added or removed.
     void ListChanged();
-    /// A file is complete and in its place. Once for each file.
+    /// A file is complete and in its place. Emitted once for each file.
     void FileFinished(const QString& file);
 
 private:

@@ -132,8 +132,8 @@ private:
         qWarning("every name for a file of job %s is in use", qUtf8Printable(m_order.job));
     }
 
-    /// A file of the right size that belongs to no task may be the very one; its checksum is compared when the task
-    /// begins.
+    /// A file of the right size that belongs to no task may be the wanted file itself; its checksum is compared when
+    /// the task begins.
     bool IsTaken(const QString& file, qint64 size)
     {
         m_isTaken.reset();
@@ -204,7 +204,7 @@ DownloadStore::DownloadStore(const QString& file)
 
 bool DownloadStore::AddOrders(const QString& owner, const DownloadOrders& orders)
 {
-    // The window repeats the automatic orders of finished jobs with each refresh; mostly none of them is new.
+    // The window repeats the automatic orders of finished jobs with each refresh; usually none of them is new.
     const auto findNew = [&owner, &orders](SQLite::Database& connection) {
         SQLite::Statement known(connection, "SELECT 1 FROM orders WHERE owner = ? AND job = ?");
         DownloadOrders counting;

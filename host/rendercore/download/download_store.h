@@ -8,7 +8,7 @@
 #include <functional>
 #include <optional>
 
-/// How an answered order has changed the tasks.
+/// The changes that an answered order made to the tasks.
 struct OrderOutcome
 {
     DownloadTasks added;
@@ -44,7 +44,7 @@ public:
     OrderOutcome Apply(
         const QString& owner, const DownloadOrder& order, const FarmFiles& files, const QString& folder);
 
-    /// Tasks in the order of their ids, from after `id` on.
+    /// Tasks with ids above `id`, in ascending order.
     DownloadTasks TasksAfter(const QString& owner, qint64 id, int limit);
     /// The first waiting task after `id`.
     std::optional<DownloadTask> NextWaiting(const QString& owner, qint64 id);

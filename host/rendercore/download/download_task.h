@@ -3,13 +3,13 @@
 #include <QString>
 #include <QVector>
 
-/// The numbers are the window's.
+/// The values that `VTRenderCoreInterface` defines.
 enum class DownloadState { Waiting = 0, Downloading = 1, Finished = 2, Failed = 3, Stopped = 4 };
 
 /// One file to be downloaded from the farm.
 struct DownloadTask
 {
-    qint64 id = 0;    ///< running number; never reused
+    qint64 id = 0;    ///< sequential number; never reused
     QString job;      ///< the job's id at the farm
     QString name;     ///< the farm's name of the file; not to be trusted as a path
     QString file;     ///< absolute path of the destination

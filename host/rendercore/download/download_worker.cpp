@@ -43,7 +43,7 @@ void DownloadWorker::SetAccess(const FarmAccess& access, int session)
         m_checks.Clear();
         m_loader.Start(access.owner);
     }
-    // Transfers begin when the listener has been told of all tasks.
+    // Transfers begin once the listener knows all tasks.
     if (!m_loader.IsLoading())
         m_pool.Start();
 }

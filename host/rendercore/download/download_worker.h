@@ -11,8 +11,8 @@
 
 #include <memory>
 
-/// Carries out the commands of the GUI thread: loads tasks, has orders answered and files transferred, for one owner at
-/// a time. Lives in a thread of its own; every function is called there, in the order of the user's commands.
+/// Carries out the commands of the GUI thread for one owner at a time: loads tasks, gets orders answered and files
+/// transferred. Lives in a thread of its own; every function is called there, in the order of the user's commands.
 class DownloadWorker
 {
 public:
@@ -21,7 +21,7 @@ public:
 
     /// @param session is passed to the listener with the tasks that are loaded for this owner.
     void SetAccess(const FarmAccess& access, int session);
-    /// Goes on loading after the listener has processed the tasks that were added last.
+    /// Continues loading after the listener has processed the tasks that were added last.
     void LoadMore() { m_loader.Continue(); }
     /// Looks for new orders on the disk.
     void AskForOrders() { m_desk.RetryNow(); }

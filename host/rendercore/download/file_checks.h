@@ -7,7 +7,7 @@
 
 #include <deque>
 
-/// Verifies the checksums of finished files, one at a time, so that transfers in the same thread go on in between.
+/// Verifies the checksums of finished files, one at a time, so that transfers in the same thread continue in between.
 class FileChecks : public QObject
 {
     Q_OBJECT

@@ -84,8 +84,8 @@ void FileDownload::Start()
     }
 }
 
-/// A whole file is at its destination when the client was killed before the task was saved; it is reported now. Anything
-/// else at the destination belongs to somebody else.
+/// The complete file is already at its destination if the client was killed before the task was saved; it is reported
+/// now. Anything else at the destination belongs to somebody else.
 void FileDownload::AdoptExistingFile()
 {
     const bool isWhole = IsWhole();
@@ -166,10 +166,10 @@ void FileDownload::Ask()
     m_accepted = false;
     m_reply = m_transport->Begin(request);
     if (!m_reply) {
-        End(DownloadOutcome::Broken, tr("There is no farm to ask."));
+        End(DownloadOutcome::Broken, tr("The farm is not available at the moment."));
         return;
     }
-    // The network goes no faster than the disk.
+    // A bounded buffer keeps the network from outrunning the disk.
     m_reply->setReadBufferSize(BlockBytes);
     connect(m_reply, &QNetworkReply::readyRead, this, &FileDownload::Receive);
     connect(m_reply, &QNetworkReply::finished, this, &FileDownload::Conclude);
@@ -186,9 +186,9 @@ void FileDownload::Accept(int status)
         StartOver();
     if (start != m_offset) {
         End(DownloadOutcome::Broken,
-            tr("The farm sent another part of %1 than was asked for.").arg(m_task.name));
+            tr("The farm sent a different part of %1 than requested.").arg(m_task.name));
     } else if (length.isValid() && length.toLongLong() != m_task.size - m_offset) {
-        End(DownloadOutcome::Outdated, tr("%1 has another size on the farm now.").arg(m_task.name));
+        End(DownloadOutcome::Outdated, tr("The size of %1 has changed on the farm.").arg(m_task.name));
     } else {
         m_accepted = true;
     }
@@ -235,7 +235,7 @@ void FileDownload::Receive()
         if (bytes.size() > m_task.size - m_offset) {
             StartOver();
             End(DownloadOutcome::Outdated,
-                tr("The farm sent more of %1 than it had announced.").arg(m_task.name));
+                tr("The farm sent more data for %1 than announced.").arg(m_task.name));
             return;
         }
         if (m_part.write(bytes) != bytes.size()) {

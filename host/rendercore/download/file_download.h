@@ -12,7 +12,7 @@
 
 class QNetworkReply;
 
-/// How an attempt to download a file ended.
+/// The result of an attempt to download a file.
 struct DownloadOutcome
 {
     enum Kind {
@@ -20,7 +20,7 @@ struct DownloadOutcome
         Broken,    ///< another attempt may succeed; the data received so far are kept
         Outdated,  ///< the farm has another file of that name, or none
         Damaged,   ///< the checksum of the received data is wrong; they are deleted
-        Failed,    ///< another attempt would fail, too
+        Failed,    ///< another attempt would fail as well
         NameTaken, ///< something else is at the destination, and stays there
         SignedOut, ///< the farm does not know the session
     };
@@ -31,7 +31,7 @@ struct DownloadOutcome
 };
 
 /// Downloads one file: appends to its part file, and moves that to the destination once the checksum is right. All work,
-/// on the disk, too, happens in the thread of this object.
+/// including disk access, happens in this object's thread.
 class FileDownload : public QObject
 {
     Q_OBJECT
@@ -43,10 +43,10 @@ public:
     ~FileDownload() override;
 
     const DownloadTask& Task() const { return m_task; }
-    /// In percent.
+    /// @return percent.
     int Progress() const;
 
-    /// To be called once.
+    /// Must be called only once.
     void Start();
 
 signals:

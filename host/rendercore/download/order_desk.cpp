@@ -73,7 +73,7 @@ void OrderDesk::AskForOpenOrders()
 {
     if (!m_access.IsOpen() || m_asked.size() >= m_limits.lists)
         return;
-    // Twice as many as are needed, since some may have been asked for already.
+    // Reads twice as many as needed, since some may have been requested already.
     DownloadOrders orders;
     if (!Attempt("read the download orders",
             [&] { orders = m_store->OpenOrders(m_access.owner, 2 * m_limits.lists); }))

@@ -11,7 +11,7 @@
 
 #include <memory>
 
-/// Asks the farm for the files of the jobs that were ordered, until each order is answered, and makes tasks of them.
+/// Asks the farm for the files of ordered jobs until each order is answered, and creates tasks for them.
 class OrderDesk : public QObject
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ public:
     OrderDesk(DownloadStore* store, HttpTransport* transport, const DownloadLimits& limits);
     ~OrderDesk() override;
 
-    /// Drops the requests that are under way and starts again with the orders of the new owner.
+    /// Drops the running requests and starts over with the orders of the new owner.
     void SetAccess(const FarmAccess& access);
 
     /// @param folder for the files of orders that are answered from now on.
@@ -33,7 +33,7 @@ public:
 signals:
     /// The order is answered and on the disk.
     void Applied(const DownloadOrder& order, const OrderOutcome& outcome);
-    /// The farm refuses the order for good.
+    /// The farm refuses the order permanently.
     void Refused(const DownloadOrder& order);
     void SignedOut();
 
@@ -49,8 +49,8 @@ private:
     HttpTransport* m_transport;
     DownloadLimits m_limits;
     FarmAccess m_access;
-    std::unique_ptr<QObject> m_calls; // owns the requests under way
-    QSet<QString> m_asked;            // jobs of the requests under way
+    std::unique_ptr<QObject> m_calls; // owns the running requests
+    QSet<QString> m_asked;            // jobs of the running requests
     Backoff m_backoff;
     QTimer m_pause;
 };

@@ -7,8 +7,8 @@
 
 class DownloadStore;
 
-/// Reads an owner's tasks in batches. The next one is read when the last has been processed, so that a long list never
-/// floods the GUI thread.
+/// Reads an owner's tasks in batches. The next batch is read when the last one has been processed, so that a long list
+/// never floods the GUI thread.
 class TaskLoader : public QObject
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ public:
     /// Reads the tasks of an owner from the first one on. Without an owner there is nothing to read.
     void Start(const QString& owner);
 
-    /// Goes on after the last batch has been processed.
+    /// Continues after the last batch has been processed.
     void Continue();
 
     bool IsLoading() const { return m_isLoading; }

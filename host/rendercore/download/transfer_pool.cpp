@@ -82,7 +82,7 @@ std::optional<int> TransferPool::Progress(qint64 id) const
     return transfer == m_active.end() ? std::nullopt : std::optional<int>(transfer->second->Progress());
 }
 
-/// Starts transfers until there are enough of them.
+/// Starts transfers up to the limit.
 void TransferPool::Fill()
 {
     if (!m_isStarted)
@@ -100,7 +100,7 @@ void TransferPool::Fill()
         m_wake.start(*wait);
 }
 
-/// False when no task waits for its first attempt and none is due for another one.
+/// @return false when no task waits for its first attempt and none is due for another one.
 bool TransferPool::BeginNext()
 {
     if (const auto due = m_schedule.NextDue(m_clock.elapsed())) {
@@ -181,7 +181,7 @@ void TransferPool::HandleEnd(qint64 id, const DownloadOutcome& outcome)
     Wake();
 }
 
-/// A second attempt follows at once; a third one would hardly bring anything else.
+/// The first damaged file is fetched again at once; a second one fails the task.
 void TransferPool::HandleDamage(const DownloadTask& task, const QString& message)
 {
     if (m_damaged.erase(task.id) > 0) {
@@ -192,8 +192,8 @@ void TransferPool::HandleDamage(const DownloadTask& task, const QString& message
     m_schedule.RetryNow(task.id);
 }
 
-/// The file is in its place by now. A client that is killed before the task is saved finds the file whole at its next
-/// start and reports it then; one that is killed right afterwards may lose the notice, but never the file.
+/// The file is in its place by now. A client that is killed before the task is saved finds the complete file at its
+/// next start and reports it then; one that is killed right afterwards may lose the notice, but never the file.
 void TransferPool::Complete(DownloadTask task)
 {
     task.state = DownloadState::Finished;
@@ -260,14 +260,14 @@ void TransferPool::HandleList(const QString& job, const QStringList& names)
         return;
     const std::set<qint64> ids = std::move(found->second);
     m_outdated.erase(found);
-    Attempt("go on with outdated downloads", [&] {
+    Attempt("continue outdated downloads", [&] {
         for (const qint64 id : ids) {
             const auto task = m_store->Find(m_access.owner, id);
             if (!task || task->state != DownloadState::Waiting)
                 continue;
             if (!names.contains(task->name))
                 Fail(*task, tr("The farm no longer has %1.").arg(task->name));
-            else // The list repeats what the farm has just refused to send; it may be another one a moment later.
+            else // The farm lists the file that it has just refused to send; try again later.
                 Postpone(*task, 0, tr("The farm lists %1, but does not send it.").arg(task->name));
         }
     });

@@ -19,7 +19,7 @@ class DownloadStore;
 class FileDownload;
 struct DownloadOutcome;
 
-/// Runs the transfers of one owner, a few at a time, and records what becomes of their tasks.
+/// Runs the transfers of one owner, a few at a time, and records the results in their tasks.
 class TransferPool : public QObject
 {
     Q_OBJECT
@@ -30,28 +30,28 @@ public:
         const DownloadLimits& limits);
     ~TransferPool() override;
 
-    /// Breaks off all transfers; the next ones begin after Start().
+    /// Aborts all transfers; the next ones begin after Start().
     void Reset(const FarmAccess& access);
 
-    /// Starts transfers from now on, as far as the farm can be reached.
+    /// Starts transfers from now on while the farm can be reached.
     void Start();
 
-    /// Breaks off all transfers until the next Reset().
+    /// Aborts all transfers until the next Reset().
     void Stop();
 
-    /// Lets tasks go on at once, in spite of earlier failures.
+    /// Retries tasks at once, regardless of earlier failures.
     void RetryNow(const DownloadTasks& tasks);
     /// Transfers the tasks' files again from their first byte.
     void StartOver(const DownloadTasks& tasks);
-    /// Breaks off a transfer; what has been received stays on the disk.
+    /// Aborts a transfer; the data received so far stay on the disk.
     void Abort(qint64 id);
-    /// Breaks off transfers and deletes what has been received.
+    /// Aborts transfers and deletes the data received so far.
     void Discard(const DownloadTasks& tasks);
 
     /// Percent of the running transfer of a task; none when it is not running.
     std::optional<int> Progress(qint64 id) const;
 
-    /// Lets the tasks that wait for a new list of their job's files go on, or fail.
+    /// Lets the tasks that wait for a new list of their job's files continue or fail.
     /// @param names of the files on the list.
     void HandleList(const QString& job, const QStringList& names);
 
@@ -80,7 +80,7 @@ private:
     FarmAccess m_access;
     bool m_isStarted = false;
     TransferSchedule m_schedule;
-    QElapsedTimer m_clock; // tells the schedule the time
+    QElapsedTimer m_clock; // measures time for the schedule
     qint64 m_cursor = 0;   // all waiting tasks up to here have been started or are in the schedule
     std::map<qint64, std::unique_ptr<FileDownload>> m_active;
     std::map<QString, std::set<qint64>> m_outdated; // by job: tasks that wait for a new list of its files

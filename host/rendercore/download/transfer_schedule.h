@@ -9,18 +9,18 @@
 #include <set>
 #include <utility>
 
-/// Decides when the tasks are tried that have failed before or are to go first. Pure logic: all times are in
-/// milliseconds, `now` since any fixed moment.
+/// Decides when failed tasks are retried and which tasks go first. Pure logic: all times are in milliseconds, `now`
+/// since any fixed moment.
 class TransferSchedule
 {
 public:
     /// @param backoff the pauses after failures.
-    /// @param patience failures in a row, of whatever tasks, before all transfers pause.
+    /// @param patience failures in a row, of any tasks, before all transfers pause.
     TransferSchedule(const Backoff& backoff, int patience);
 
     void Clear();
 
-    /// Lets a task go on at once, and ends a pause of all transfers.
+    /// Makes a task due at once and ends a pause of all transfers.
     void RetryNow(qint64 id);
 
     /// Postpones a task that has failed.
@@ -28,7 +28,7 @@ public:
     /// @return the pause.
     int Postpone(qint64 id, int atLeast, qint64 now);
 
-    /// Records that a task receives data: the next failure is a first one again, and a pause of all transfers ends.
+    /// Records that a task receives data. The failure count starts over, and a pause of all transfers ends.
     void RecordProgress(qint64 id);
 
     void Forget(qint64 id);
@@ -48,7 +48,7 @@ private:
     int m_patience;
     std::set<qint64> m_due;
     std::map<qint64, qint64> m_dueAt;            // by task
-    std::set<std::pair<qint64, qint64>> m_queue; // the same, by time and task
+    std::set<std::pair<qint64, qint64>> m_queue; // the same entries, by time and task
     std::map<qint64, int> m_failures;            // by task
     int m_failuresInARow = 0;
     qint64 m_pausedUntil = 0;

@@ -23,7 +23,7 @@ QJsonObject DataOf(const HttpResult& result)
     return result.json.value(QLatin1String("data")).toObject();
 }
 
-/// -1 when the value is no number of bytes.
+/// @return -1 when the value is not a number of bytes.
 qint64 BytesOf(const QJsonValue& value)
 {
     return static_cast<qint64>(std::clamp(value.toDouble(-1), -1.0, LargestSize));
@@ -107,7 +107,7 @@ void FarmStages::UploadAll()
     Conclude(SubmitStage::Uncompress);
 }
 
-/// @return whether the stage may go on, which it does after a refused package, too.
+/// @return whether the stage may continue, as it does even after a refused package.
 bool FarmStages::SendPackage(PackedFile& file, const QString& package, TransferMeter& meter)
 {
     const auto result = m_farm.Post("/uploads",
@@ -122,7 +122,7 @@ bool FarmStages::SendPackage(PackedFile& file, const QString& package, TransferM
     return SendChunks(file, package, upload, meter);
 }
 
-/// @return whether the stage may go on, as for SendPackage().
+/// @return whether the stage may continue, as for SendPackage().
 bool FarmStages::SendChunks(PackedFile& file, const QString& package, Upload& upload, TransferMeter& meter)
 {
     QFile content(package);
@@ -130,7 +130,7 @@ bool FarmStages::SendChunks(PackedFile& file, const QString& package, Upload& up
     for (int stalls = 0; upload.offset < file.packageSize;) {
         const QByteArray chunk = content.seek(upload.offset) ? content.read(upload.chunkSize) : QByteArray();
         if (chunk.isEmpty()) {
-            Refuse(file, QStringLiteral("The packed file cannot be read from the disk."));
+            Refuse(file, QString::fromLatin1(SubmitText::PackageUnreadable));
             return true;
         }
         const auto result = SendChunk(upload, chunk, meter);
@@ -143,7 +143,7 @@ bool FarmStages::SendChunks(PackedFile& file, const QString& package, Upload& up
             meter.Add(upload.offset - before);
             m_outcome.advanced = true;
         } else if (++stalls == MostStalls) {
-            Refuse(file, QStringLiteral("The farm does not keep what it is sent."));
+            Refuse(file, QString::fromLatin1(SubmitText::NotStored));
             return true;
         }
     }
@@ -167,7 +167,7 @@ std::optional<HttpResult> FarmStages::SendChunk(
     });
     if (!IsStatus(result, HttpStatus::Conflict))
         return result;
-    // The farm's offset differs from ours, so its offset is fetched.
+    // The farm's offset differs from ours, so it is fetched.
     HttpRequest question;
     question.verb = "GET";
     question.target = UploadTarget(upload.id);
@@ -209,7 +209,7 @@ bool FarmStages::Uncompress(PackedFile& file)
             && value[QLatin1String("checksum")].toString() == file.checksum;
     });
     if (!isOurs)
-        Refuse(file, QStringLiteral("The file arrived damaged at the farm."));
+        Refuse(file, QString::fromLatin1(SubmitText::ArrivedDamaged));
     file.isWanted = !isOurs;
     m_outcome.advanced = m_outcome.advanced || isOurs;
     return true;
@@ -241,13 +241,13 @@ bool FarmStages::ReadUpload(const HttpResult& result, const PackedFile& file, Up
         Refuse(file, result.error);
     else if (upload.id.isEmpty() || upload.offset < 0 || upload.offset > file.packageSize
         || upload.chunkSize < 1)
-        Refuse(file, QStringLiteral("The farm's answer about an upload cannot be read."));
+        Refuse(file, QString::fromLatin1(SubmitText::AnswerUnreadable));
     else
         return true;
     return false;
 }
 
-/// Whether the request succeeded; otherwise the outcome tells why not.
+/// @return whether the request succeeded; otherwise the outcome holds the reason.
 bool FarmStages::Check(const std::optional<HttpResult>& result)
 {
     if (!CheckPassing(result))
@@ -260,7 +260,7 @@ bool FarmStages::Check(const std::optional<HttpResult>& result)
     return false;
 }
 
-/// Whether the answer is final; otherwise the outcome tells what to wait for.
+/// @return whether the answer is final; otherwise the outcome says what to wait for.
 bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
 {
     if (!result)

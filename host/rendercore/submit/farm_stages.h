@@ -4,14 +4,14 @@
 #include "host/rendercore/submit/stage_outcome.h"
 #include "host/rendercore/submit/transfer_meter.h"
 
-/// The stages that need the farm. Belongs to the thread that makes it.
+/// The stages that need the farm. Belongs to the thread that creates it.
 class FarmStages
 {
 public:
     /// Runs the stage of the request, one for which NeedsFarm() holds.
     StageOutcome Run(const StageRequest& request, const StageProgress& onProgress);
 
-    /// Ends the HTTP request under way if the flag of the stage is set.
+    /// Ends the current HTTP request if the flag of the stage is set.
     void Interrupt() { m_farm.Interrupt(); }
 
 private:

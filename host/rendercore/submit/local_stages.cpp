@@ -27,7 +27,7 @@ public:
     {
     }
 
-    /// False when the stage should end early.
+    /// @return false when the stage should end early.
     bool Add(qint64 bytes)
     {
         m_done += bytes;
@@ -70,7 +70,7 @@ StageOutcome Unusable(const QString& reason)
     return outcome;
 }
 
-/// Works on one file; a failure names it.
+/// Adds the file's name to any failure of `work`.
 template <typename Work>
 auto Naming(const PackedFile& file, Work work)
 {
@@ -85,7 +85,7 @@ auto Naming(const PackedFile& file, Work work)
 
 StageOutcome AnalyzeStage(const StageRequest& request, const StageProgress& onProgress)
 {
-    // The sizes of included files are not known yet; mostly the scene itself is the greatest part.
+    // The sizes of included files are still unknown; usually the scene itself is the largest part.
     ByteCount count(request, onProgress, QFileInfo(request.task.scene).size());
     const SceneAnalysis analysis
         = AnalyseScene(request.task.scene, [&count](qint64 bytes) { return count.Add(bytes); });
@@ -117,7 +117,7 @@ StageOutcome CompressStage(const StageRequest& request, const StageProgress& onP
 {
     const SubmitWork& work = request.task.work;
     if (!QDir().mkpath(request.folder))
-        throw std::runtime_error("The folder for packed files cannot be created. The disk may be full.");
+        throw std::runtime_error(SubmitText::NoPackageFolder);
     ByteCount count(request, onProgress, SizeOfSources(work));
     for (int index = 0; index < work.files.size() && !*request.interrupted; ++index) {
         const PackedFile& file = work.files.at(index);
@@ -138,7 +138,7 @@ StageOutcome ChecksumStage(const StageRequest& request, const StageProgress& onP
     for (int index = 0; index < work.files.size() && !*request.interrupted; ++index) {
         PackedFile& file = work.files[index];
         const QString package = TaskPackages::Path(request.folder, index);
-        // The packed content counts, since the source may have changed after it was packed.
+        // Hash the packed content: the source may have changed since.
         Naming(file, [&] {
             file.checksum = PackedChecksum(package, [&count](qint64 bytes) { return count.Add(bytes); });
             file.packageChecksum

@@ -158,7 +158,7 @@ private:
         QStringList candidates;
         if (QDir::isAbsolutePath(reference))
             candidates.append(reference);
-        // Maya marks the end of the project's folder by a double slash.
+        // Maya marks the end of the project's folder with a double slash.
         const int mark = reference.lastIndexOf(QLatin1String("//"));
         const QString within = mark >= 0 ? reference.mid(mark + 2) : reference;
         if (!QDir::isAbsolutePath(within))
@@ -166,7 +166,7 @@ private:
         return candidates;
     }
 
-    /// The files that a path with tokens stands for, or the file itself.
+    /// The files that match a path with tokens, or the file itself.
     static QStringList FilesLike(const QString& path)
     {
         static const QRegularExpression token(

@@ -27,9 +27,9 @@ private:
     Found m_found;
     State m_state = State::Code;
     int m_depth = 0;   // how many block comments are nested
-    char m_before = 0; // the previous character, for signs of two characters
+    char m_before = 0; // the previous character, for symbols of two characters
     QByteArray m_token;
-    QByteArray m_last;       // the latest sign or word
-    QByteArray m_lastButOne; // the sign or word before it
-    QByteArray m_openedFile; // the file of an #fopen, until the next word tells whether it is read
+    QByteArray m_last;       // the latest symbol or word
+    QByteArray m_lastButOne; // the symbol or word before it
+    QByteArray m_openedFile; // the file of an #fopen, until the next word shows whether it is read
 };

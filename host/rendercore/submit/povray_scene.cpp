@@ -94,7 +94,7 @@ private:
             if (m_onBytes && !m_onBytes(block.size()))
                 return false;
         }
-        // The end of the text ends its last word.
+        // The lexer reports a word at its end, so the last one needs a separator.
         lexer.Feed("\n");
         return true;
     }
@@ -113,8 +113,9 @@ private:
         }
         const int depth = m_folder.path().split(QLatin1Char('/'), Qt::SkipEmptyParts).size();
         const bool isAbsolute = QDir::isAbsolutePath(path);
-        const QString name
-            = isAbsolute ? QString(reference + QLatin1String(" (name it relative to the scene)")) : reference;
+        const QString name = isAbsolute
+            ? QString(reference + QLatin1String(" (use a path relative to the scene)"))
+            : reference;
         if (source.isEmpty() || isAbsolute || !IsSendablePath(path) || CountOfClimbs(path) >= depth) {
             if (!m_result.missing.contains(name))
                 m_result.missing.append(name);
@@ -127,7 +128,7 @@ private:
             m_texts.append(source);
     }
 
-    /// Until now the paths start at the scene's folder; from now on at the topmost folder that one of them climbs to.
+    /// Rebases the paths from the scene's folder to the topmost folder that one of them climbs to.
     void PlaceFiles()
     {
         int climbs = 0;

@@ -3,6 +3,7 @@
 #include "host/rendercore/submit/maya_scene.h"
 #include "host/rendercore/submit/povray_scene.h"
 #include "host/rendercore/submit/submit_arguments.h"
+#include "host/rendercore/submit/submit_text.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -37,10 +38,9 @@ SceneAnalysis AnalyseScene(const QString& scene, const BytesRead& onBytes)
     const QFileInfo file(scene);
     SceneAnalysis analysis;
     if (!file.isFile() || !file.isReadable())
-        analysis.error = QStringLiteral("The scene file cannot be read.");
+        analysis.error = QString::fromLatin1(SubmitText::SceneUnreadable);
     else if (!IsSendablePath(file.fileName()))
-        analysis.error
-            = QStringLiteral("The name of the scene file has characters that the farm does not take.");
+        analysis.error = QString::fromLatin1(SubmitText::SceneNameRefused);
     if (!analysis.error.isEmpty())
         return analysis;
 

@@ -42,12 +42,12 @@ QString JobTypeOf(const QString& scene);
 /// Reads a scene and the texts that it includes, each once as a stream, and finds the files that they name. Scenes of
 /// several hundred megabytes are fine. The result of an analysis that was ended early is not valid.
 ///
-/// Names that a scene only puts together while it is parsed are not found; names in branches that are not taken are. A
-/// binary Maya scene is sent alone.
+/// Names that a scene composes at parse time are not found; names in branches not taken are. A binary Maya scene is
+/// sent alone.
 /// @param scene absolute path of a file for which IsSceneName() holds.
 SceneAnalysis AnalyseScene(const QString& scene, const BytesRead& onBytes = {});
 
-/// Whether the farm takes this relative path: it must be free of colons, backslashes and control characters.
+/// Whether the farm accepts this relative path: it must be free of colons, backslashes and control characters.
 bool IsSendablePath(const QString& path);
 
 /// The absolute path of the first candidate that is a readable file; empty when none is.

@@ -19,7 +19,7 @@ constexpr int BlockBytes = 1024 * 1024;
 constexpr qint64 SmallFile = 64LL * 1024 * 1024; // bytes
 constexpr qint64 LargestRatio = 100;
 
-// 1 January 2000, since archives of the same file must not differ.
+// A fixed date, 1 January 2000, because archives of the same file must not differ.
 constexpr zip_uint16_t DosDate = ((2000 - 1980) << 9) | (1 << 5) | 1;
 
 /// A file that libzip reads.

@@ -15,7 +15,7 @@ struct StageRequest
     InterruptFlag interrupted;
 };
 
-/// How a stage ended.
+/// The result of a stage.
 struct StageOutcome
 {
     enum class Kind {
@@ -25,10 +25,10 @@ struct StageOutcome
         Failed
     };
 
-    /// Why a stage has to be tried again.
+    /// The reason why a stage has to be tried again.
     enum class Obstacle {
         Request, ///< the farm answers, but cannot fulfil this request
-        Farm,    ///< the farm cannot be reached, or asks to be left alone
+        Farm,    ///< the farm cannot be reached, or asks clients to wait
         Session  ///< the farm does not know the session
     };
 
@@ -41,7 +41,7 @@ struct StageOutcome
     SubmitError error = SubmitError::None;
     QString message; ///< the reason for a failure or a wait; after the last stage, the number of the new job
     SubmitWork work;
-    QVariantList arguments; ///< the scene's own, set by the analysis
+    QVariantList arguments; ///< the scene's own arguments, set by the analysis
     QStringList refused;    ///< files that could not be uploaded
 };
 

@@ -73,7 +73,7 @@ QJsonObject JobMembers(const QVariantList& arguments, int width, int height)
         frames.append(QJsonObject {{QStringLiteral("start"), values.value(StartKey(range)).toInt()},
             {QStringLiteral("end"), values.value(EndKey(range)).toInt()}});
     }
-    // Every range carries the same size and switch. The last one counts, as in the dialog.
+    // Every range carries the same size and switch. The last range is used, as in the dialog.
     const QVariantMap last = arguments.value(arguments.size() - 1).toMap();
     const QString widthText = last.value(WidthKey).toString();
     const QString heightText = last.value(HeightKey).toString();

@@ -7,7 +7,6 @@
 #include "host/rendercore/submit/submit_text.h"
 #include "host/rendercore/submit/task_packages.h"
 
-#include <QDebug>
 #include <QDir>
 #include <QFileInfo>
 
@@ -94,16 +93,11 @@ void SubmitQueue::Ask(const SubmitTask& task)
 {
     // Copies, since a receiver may remove the task.
     const QString id = task.id;
-    switch (SubmitRules::QuestionOf(task)) {
-    case SubmitRules::Question::RetryUpload:
+    const SubmitRules::Question question = SubmitRules::QuestionOf(task);
+    if (question == SubmitRules::Question::RetryUpload)
         emit UploadFailed(id, QStringList(task.refused));
-        break;
-    case SubmitRules::Question::AcceptMissingFiles:
+    else if (question == SubmitRules::Question::AcceptMissingFiles)
         emit TexturesLacking(id, QStringList(task.work.missing));
-        break;
-    case SubmitRules::Question::None:
-        break;
-    }
 }
 
 bool SubmitQueue::Submit(const QString& scene)
@@ -234,11 +228,11 @@ void SubmitQueue::SetArguments(const QString& id, const QVariantList& arguments)
         = task && m_run && task->number == m_run->task && task->stage == SubmitStage::Submit;
     const QVariantList usable = WithUsableSizes(arguments);
     if (!task || task->isDone || isBeingSent) {
-        qWarning() << "arguments come too late for" << id;
+        qWarning("ignoring arguments for %s: its job is being submitted", qUtf8Printable(id));
         return;
     }
     if (!AreArguments(usable)) {
-        qWarning() << "no job can be made of the arguments for" << id;
+        qWarning("ignoring invalid arguments for %s", qUtf8Printable(id));
         return;
     }
     SubmitTask changed = *task;
@@ -255,7 +249,7 @@ void SubmitQueue::Halt(SubmitTask& task, SubmitError error, const QString& messa
     Save([&task](SubmitStore& store) { store.Save(task); });
 }
 
-/// Gives turns to a released task again, and saves it.
+/// Puts a released task back in turn and saves it.
 void SubmitQueue::SaveRelease(SubmitTask& task)
 {
     m_turns.Add(task.number);
@@ -294,7 +288,7 @@ void SubmitQueue::Advance()
     }
 }
 
-/// Without a farm, shows why the tasks wait whose next stage needs it.
+/// While the farm cannot be asked, shows the reason on every task whose next stage needs it.
 void SubmitQueue::ShowWaitForFarm()
 {
     if (m_turns.CanAskFarm())

@@ -31,7 +31,7 @@ public:
     /// @param folder for the database and the packages; created if missing.
     explicit SubmitQueue(const QString& folder, QObject* parent = nullptr);
 
-    /// Interrupts the running stage. The next queue on this folder goes on from there.
+    /// Aborts the running stage; the next queue on this folder resumes it.
     ~SubmitQueue() override;
 
     /// Each owner has tasks of their own. Without a farm the tasks wait at their next stage that needs it.
@@ -43,14 +43,14 @@ public:
 
     const QStringList& Ids() const { return m_tasks.Ids(); }
 
-    /// Null when there is no task with this id. Valid until control returns to the event loop.
+    /// Null for an unknown id. Valid until control returns to the event loop.
     const SubmitTask* Task(const QString& id) const { return m_tasks.Find(id); }
 
-    /// Makes a task of a scene.
-    /// @return false when nobody is signed in, or when the file is no scene or cannot be read.
+    /// Creates a task for a scene.
+    /// @return false when nobody is signed in, or when the file is not a scene or cannot be read.
     bool Submit(const QString& scene);
 
-    /// Deletes tasks for good; the farm forgets unfinished uploads by itself.
+    /// Deletes tasks permanently; the farm discards unfinished uploads by itself.
     void Remove(const QStringList& ids);
 
     /// Removes the tasks that are done; the others wait until their owner signs in again.
@@ -59,7 +59,7 @@ public:
     void StopAll();
     void ResumeAll();
 
-    /// Lets a halted task go on, whatever it halted for.
+    /// Lets a halted task continue, whatever the reason for the halt.
     void Continue(const QString& id);
 
     void AnswerUploadFailure(const QString& id, bool tryAgain);
@@ -108,12 +108,13 @@ private:
     QString m_packages;                   // the folder for the packages of all tasks
     std::unique_ptr<SubmitStore> m_store; // null when the database cannot be used
     FarmAccess m_access;
-    QString m_endedToken; // the latest ended session
+    QString m_endedToken; // of the latest session that has ended
     std::function<bool()> m_mustCheck;
     SubmitTasks m_tasks;
     SubmitTurns m_turns; // knows the runnable tasks
     QElapsedTimer m_clock;
     QTimer m_pause; // until a task may run
     std::optional<Run> m_run;
-    WorkerThread<SubmitWorker> m_worker; // last, so that it ends before what its results are handed to
+    // Declared last: it must end before the members that its results touch.
+    WorkerThread<SubmitWorker> m_worker;
 };

@@ -89,7 +89,7 @@ void Continue(SubmitTask& task, bool arePackagesThere)
 void Restore(SubmitTask& task, bool arePackagesThere)
 {
     task.progress = task.isDone ? 100 : 0;
-    // Packages that the farm could not unpack are made anew.
+    // Packages that the farm could not unpack are rebuilt.
     const bool areSpoilt = task.error == SubmitError::UploadRefused && task.stage == SubmitStage::Uncompress;
     const bool arePackagesUsable = arePackagesThere && !areSpoilt && AreArguments(task.arguments);
     task.next = arePackagesUsable ? SubmitStage::CopySame : SubmitStage::Analyze;
@@ -133,7 +133,7 @@ void ApplyFailed(SubmitTask& task, const StageOutcome& outcome)
         task.work = outcome.work;
         task.refused = outcome.refused;
     }
-    // A package that could not be made, or that the farm could not unpack, is made anew from the scene.
+    // A package that could not be made, or that the farm could not unpack, is rebuilt from the scene.
     if (outcome.stage == SubmitStage::Compress || outcome.stage == SubmitStage::Checksum
         || outcome.stage == SubmitStage::Uncompress)
         task.next = SubmitStage::Analyze;

@@ -2,10 +2,10 @@
 
 #include "host/rendercore/submit/stage_outcome.h"
 
-/// How a task changes by what its stages bring and by what the user decides. Pure logic on one task.
+/// State changes of one task, caused by stage outcomes and by the user. Pure logic.
 namespace SubmitRules {
 
-/// Something that only the user can decide.
+/// A decision that only the user can make.
 enum class Question { None, RetryUpload, AcceptMissingFiles };
 
 /// The question that a halted task waits for.
@@ -17,21 +17,21 @@ bool HasEditableArguments(const SubmitTask& task);
 /// Shows the task in its next stage.
 void EnterNextStage(SubmitTask& task);
 
-/// Makes the task stand still.
+/// Halts the task with an error.
 void Halt(SubmitTask& task, SubmitError error, const QString& message);
 
 /// Lets a halted task wait for its turn again.
 void Release(SubmitTask& task);
 
-/// Lets a halted task go on at the user's command, whatever it halted for.
+/// Lets a halted task continue at the user's command, whatever the reason for the halt.
 /// @param arePackagesThere whether its packages are still on the disk.
 void Continue(SubmitTask& task, bool arePackagesThere);
 
-/// Decides where a task that was read from the disk goes on.
+/// Decides at which stage a task that was read from the disk continues.
 /// @param arePackagesThere whether its packages are still on the disk.
 void Restore(SubmitTask& task, bool arePackagesThere);
 
-/// Applies an outcome of kind Done; the task may halt with a question, or be done altogether.
+/// Applies an outcome of kind Done; the task may halt with a question, or be finished.
 void ApplyDone(SubmitTask& task, const StageOutcome& outcome);
 
 /// Applies an outcome of kind TryAgain.

@@ -13,7 +13,7 @@ public:
     /// @param file the path of the database; its folder must exist.
     explicit SubmitStore(const QString& file);
 
-    /// Makes a task of a scene, before its first stage.
+    /// Creates a task for a scene, before its first stage.
     SubmitTask Add(const QString& owner, const QString& scene);
 
     /// The owner's tasks, the oldest first.

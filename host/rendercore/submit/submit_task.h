@@ -6,7 +6,7 @@
 #include <QVariantList>
 #include <QVector>
 
-/// The stages of a submission. The numbers are the window's.
+/// The stages of a submission, with the values that `VTRenderCoreInterface` defines.
 enum class SubmitStage { Wait, Analyze, Compress, Checksum, CopySame, Upload, Uncompress, Submit };
 
 constexpr bool NeedsFarm(SubmitStage stage)
@@ -14,7 +14,7 @@ constexpr bool NeedsFarm(SubmitStage stage)
     return stage >= SubmitStage::CopySame;
 }
 
-/// Why a task has halted. The window treats 0 and 9 specially.
+/// The reason why a task has halted. The window treats 0 and 9 specially.
 enum class SubmitError {
     None = 0,
     SceneUnusable = 1, ///< the scene cannot be read or needs too many files
@@ -47,7 +47,7 @@ struct SubmitWork
     QString scene; ///< the path of one of `files`; empty before the analysis
     QVector<PackedFile> files;
     QStringList missing; ///< references that lead to no file, as the scene names them
-    int width = 0;       ///< the scene's own, in pixels
+    int width = 0;       ///< of the scene itself, in pixels
     int height = 0;
 
     bool IsPacked() const;
@@ -80,6 +80,6 @@ struct SubmitTask
     QStringList refused;              ///< files whose upload failed
     SubmitWork work;
 
-    /// Whether the task goes on by itself: it has neither halted nor become a job.
+    /// Whether the task continues by itself: it has neither halted nor become a job.
     bool IsRunnable() const { return !isDone && error == SubmitError::None; }
 };

@@ -46,7 +46,7 @@ public:
         return task == m_tasks.end() ? nullptr : &task->second;
     }
 
-    /// In the order in which the tasks came.
+    /// Task ids in the order of arrival.
     const QStringList& Ids() const { return m_ids; }
 
     /// All tasks by number.

@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-/// Messages of tasks. The window translates them, in its own context.
+/// Messages of tasks. The window translates them in its own context.
 namespace SubmitText {
 
 constexpr const char* Unreachable
@@ -19,5 +19,19 @@ constexpr const char* NotWithout
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "Not submitted, because files are missing.");
 constexpr const char* CheckArguments
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "Please check the arguments, then continue.");
+constexpr const char* SceneUnreadable
+    = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The scene file cannot be read.");
+constexpr const char* SceneNameRefused = QT_TRANSLATE_NOOP(
+    "VTQsClientPrivate", "The name of the scene file contains characters that the farm does not accept.");
+constexpr const char* NoPackageFolder = QT_TRANSLATE_NOOP(
+    "VTQsClientPrivate", "The folder for packed files cannot be created. The disk may be full.");
+constexpr const char* PackageUnreadable
+    = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The packed file cannot be read from the disk.");
+constexpr const char* NotStored = QT_TRANSLATE_NOOP(
+    "VTQsClientPrivate", "The farm did not store the uploaded data. Please try again later.");
+constexpr const char* ArrivedDamaged
+    = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The file arrived damaged at the farm.");
+constexpr const char* AnswerUnreadable
+    = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The farm's answer about an upload cannot be read.");
 
 } // namespace SubmitText

@@ -35,7 +35,7 @@ void SubmitTurns::SetFarm(bool isOpen)
         task.notBefore = 0;
 }
 
-/// -1 when the task needs a farm or a session that is not there.
+/// @return -1 when the task needs a farm or a session that is not there.
 qint64 SubmitTurns::WaitOf(const Waiting& task, bool needsFarm, qint64 now) const
 {
     if (!needsFarm)

@@ -8,7 +8,7 @@
 #include <optional>
 
 /// Decides which task may run, and when. One task has the turn until it halts or has to wait; then it is the turn of
-/// the next one in the circle of numbers. Pure logic: `now` is in milliseconds since any fixed moment.
+/// the task with the next number, cyclically. Pure logic: `now` is in milliseconds since any fixed moment.
 class SubmitTurns
 {
 public:
@@ -26,14 +26,14 @@ public:
     /// Sets whether there is a farm and a session, and ends all pauses.
     void SetFarm(bool isOpen);
 
-    /// False without a farm or a session that it knows.
+    /// @return false without a farm or a session that it knows.
     bool CanAskFarm() const { return m_isFarmOpen; }
 
     /// Gives the turn to a task that may run now.
-    /// @param needsFarm whether a task's next stage takes the farm.
+    /// @param needsFarm whether a task's next stage needs the farm.
     Decision Next(qint64 now, const std::function<bool(qint64)>& needsFarm);
 
-    /// Records that the farm has done what the task asked for.
+    /// Records that the farm has fulfilled the task's request.
     /// @param advanced whether it has received more of the task than before.
     void RecordAnswer(qint64 task, bool advanced);
 

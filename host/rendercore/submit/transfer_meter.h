@@ -6,7 +6,7 @@
 #include <deque>
 #include <utility>
 
-/// Measures how much of a transfer is done, and its speed during the last seconds.
+/// Measures the progress of a transfer and its speed during the last seconds.
 class TransferMeter
 {
 public:
