@@ -1,6 +1,6 @@
 #pragma once
 
-// The columns of the client's tables, and what their items keep as data (`Qt::UserRole`).
+// The columns of the client's tables, and the data (`Qt::UserRole`) of their items that others read.
 
 /// In every table: the item that has the row's check box and keeps the identifier of its job or task.
 inline constexpr int VTIdColumn = 0;

@@ -312,5 +312,6 @@ void VTGroup::ReportUnsaved() const
         return;
     m_pServices->LogCritical(QStringLiteral("The group file cannot be written: %1").arg(m_groups.Path()));
     VTPrompts(*m_pServices)
-        .Notify(tr("The groups could not be saved. Changes may be lost when you sign out or quit."));
+        .Notify(
+            tr("The groups could not be saved. Changes may be lost when you quit or another user signs in."));
 }

@@ -21,8 +21,9 @@ struct VTServices;
 
 /// Controller of the set-parent dialog: makes the jobs checked in the job table wait for others.
 ///
-/// Waiting jobs are stopped and recorded in the account's dependency file. One son group a second has its parents asked
-/// about, and when all its parents have finished, its jobs are recovered. Requests to the farm leave as signals.
+/// Waiting jobs are stopped and recorded in the account's dependency file. Once a second the farm is asked about the
+/// parents of the next son group, and when all of them have finished, the group's jobs are recovered. Requests to the farm
+/// leave as signals.
 class VTSetParent : public QObject
 {
     Q_OBJECT
@@ -42,8 +43,8 @@ public:
     /// Finds the form's widgets and connects them. To be called once, before anything else.
     void InitWidgets();
 
-    /// Ends the session: stops a fill of the candidates after the present batch, and ignores answers that are still to
-    /// come.
+    /// Ends the work under way for the session: a fill of the candidates stops at the next row, a poll or a recovery
+    /// after the present request, and a dialog that is about to open stays closed.
     void EndSession();
 
 signals:

@@ -48,8 +48,8 @@ void VTChrome::Maximize()
     m_form.btnSystemMaxnormal->hide();
     m_sizeDelta = m_form.pForm->screen()->availableSize() - m_form.pForm->size();
     m_form.tbwContainer->setFixedSize(m_form.tbwContainer->size() + m_sizeDelta);
-    m_form.pForm->showMaximized();
     AnnounceNewSize();
+    m_form.pForm->showMaximized(); // last: the form may not outlive its own events, nor this object the form
 }
 
 void VTChrome::Restore()
@@ -57,8 +57,8 @@ void VTChrome::Restore()
     m_form.btnSystemMaxmax->hide();
     m_form.btnSystemMaxnormal->show();
     m_form.tbwContainer->setFixedSize(m_form.tbwContainer->size() - m_sizeDelta);
-    m_form.pForm->showNormal();
     AnnounceNewSize();
+    m_form.pForm->showNormal(); // last, as above
 }
 
 void VTChrome::AnnounceNewSize() const

@@ -64,7 +64,7 @@ VTConcerns::~VTConcerns()
 
 QVector<QPointer<QObject>> VTConcerns::DeferredDeletions() const
 {
-    // Each controller stands before the form that it controls.
+    // The caller deletes them in this order: controllers before their forms.
     QVector<QPointer<QObject>> lstObject {
         pSetArgument.data(), pSetParent.data(), pSearch.data(), pGroup.data()};
     const QVector<QWidget*> lstForm = forms.Owned();

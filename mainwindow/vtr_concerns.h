@@ -33,7 +33,7 @@ struct VTCodeTables;
 struct VTServices;
 struct VTTimers;
 
-/// Owns a dialog controller and schedules it for deletion at the end.
+/// Owns a dialog controller and schedules it for deletion when it goes out of scope.
 template <typename Controller>
 using VTController = QScopedPointer<Controller, QScopedPointerDeleteLater>;
 

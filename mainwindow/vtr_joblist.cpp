@@ -128,7 +128,7 @@ void VTJobList::Fill(QTableWidget* pTable, const QVector<VTJobRecord>& lstJob)
         if (nCurrentRow < 0 && !job.strId.isEmpty() && job.strId == strCurrentId)
             nCurrentRow = nRow;
     }
-    // The current row follows its job, wherever the job stands now.
+    // The current row stays with its job.
     if (nCurrentRow != pTable->currentRow())
         pTable->setCurrentCell(nCurrentRow, nCurrentRow < 0 ? -1 : nCurrentColumn);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/vtr_jobrecord.h"
+
 #include <QObject>
 #include <QSet>
 #include <QVariantList>

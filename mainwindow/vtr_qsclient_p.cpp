@@ -90,7 +90,7 @@ void VTQsClientPrivate::ShowTrayIcon()
     Forward(&VTConcerns::tray, &VTTray::Show);
 }
 
-// ---- The contract's slots in their order: each forwards to the concern that acts. ----
+// ---- The contract's slots in their order: forwards to the concerns that act. ----
 
 void VTQsClientPrivate::ChangeSkin(QString strSkin)
 {

@@ -23,8 +23,8 @@ struct VTConcerns;
 
 /// The client's main window and private part of the service object.
 ///
-/// It carries the contract with host and services: signals and slots in a fixed order, each slot one forward to the
-/// concern that acts. Until `BuildInterface` has run there is neither form nor concern, and every slot is harmless.
+/// It carries the contract with host and services: signals and slots in a fixed order. A slot is one forward to the
+/// concern that acts; four that need none do their one thing here. Until `BuildInterface` has run there is neither form nor concern, and every slot is harmless.
 class VTQsClientPrivate : public QWidget
 {
     Q_OBJECT

@@ -14,7 +14,7 @@ struct VTMainForm;
 struct VTServices;
 struct VTTimers;
 
-/// The three tabs: which one is in front, and what its list, page bar, toolbar and timers show for it.
+/// Switches list, page bar, toolbar and timers with the tab in front.
 class VTTabs
 {
 public:

@@ -8,7 +8,7 @@
 
 class QTimer;
 
-/// Asks the user about reports of the render core on files of local tasks.
+/// Asks the user what to do about files that a local task could not upload or find.
 ///
 /// Questions are asked one at a time and a tick apart, so that none opens from inside the render core's signal.
 class VTTaskQuestions : public QObject
@@ -17,8 +17,8 @@ class VTTaskQuestions : public QObject
 
 public:
     enum class Subject {
-        FailedUploads,  ///< retry?
-        MissingTextures ///< go on without them?
+        FailedUploads,  ///< asks whether to upload them again
+        MissingTextures ///< asks whether to go on without them
     };
 
     /// All must outlive this object.

@@ -11,7 +11,7 @@ struct VTToolbarRules
     bool bRecover = false;
     bool bPause = false;
     bool bDelete = false;
-    /// Button on the right of which `btnDelete` stands.
+    /// Where `btnDelete` is placed.
     DeletePlace deletePlace = DeletePlace::Unmoved;
 
     static VTToolbarRules ForTab(int nTab);

@@ -28,7 +28,7 @@ public:
     void ApplySkin(const QString& strSkin) const;
     void Retranslate() const;
 
-    /// Shows the server's name in an entry before the quit entry, which is made once.
+    /// Shows the server's name in one entry in front of the quit entry, however often it is called.
     void ShowServer(const QString& strServer);
 
     /// Brings the main form to the front on a double click, or the sign-in window while nobody is signed in.

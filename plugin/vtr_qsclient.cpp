@@ -99,7 +99,7 @@ QVector<QPointer<VTBaseAppInterface>> Applications(ctkPluginContext* pContext)
     return lstApplication;
 }
 
-/// Calls something that may throw; an exception is logged and ends here.
+/// Calls something of the host's applications; an exception is logged and ends here.
 template <typename Call>
 void CallLogged(Call call)
 {
@@ -116,15 +116,13 @@ void CallLogged(Call call)
 template <typename Call>
 void CallApplications(ctkPluginContext* pContext, Call call)
 {
-    CallLogged([&] {
-        const auto lstApplication = Applications(pContext);
-        for (const QPointer<VTBaseAppInterface>& pApplication : lstApplication) {
-            CallLogged([&] {
-                if (pApplication)
-                    call(pApplication);
-            });
-        }
-    });
+    const auto lstApplication = Applications(pContext);
+    for (const QPointer<VTBaseAppInterface>& pApplication : lstApplication) {
+        CallLogged([&] {
+            if (pApplication)
+                call(pApplication);
+        });
+    }
 }
 
 } // namespace
@@ -292,8 +290,10 @@ int VTQsClient::Activate(const QVariant& varRequest, const QVariantMap& /*mapPar
         return Success;
     const VTServices services = m_pWindow->Services();
     if (services.pContext) {
-        CallApplications(services.pContext, [&](const QPointer<VTBaseAppInterface>& pApplication) {
-            pApplication->Activate(varRequest, services.mapParameters);
+        CallLogged([&] {
+            CallApplications(services.pContext, [&](const QPointer<VTBaseAppInterface>& pApplication) {
+                pApplication->Activate(varRequest, services.mapParameters);
+            });
         });
     }
     if (m_pWindow) {
@@ -312,4 +312,4 @@ int VTQsClient::Close(const QVariant& varRequest)
     return Success;
 }
 
-void VTQsClient::ShowWindow(QString /*strAppKey*/) { } // contract: the window's own slot is the one that acts
+void VTQsClient::ShowWindow(QString /*strAppKey*/) { } // contract

@@ -40,7 +40,7 @@ public:
     int Close(const QVariant& varRequest) override;
 
 public slots:
-    /// Connected to the UI loader.
+    /// Does nothing; the window's slot of the same name acts.
     void ShowWindow(QString strAppKey);
 
 private:

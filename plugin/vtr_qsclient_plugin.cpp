@@ -10,9 +10,9 @@
 
 namespace {
 
-/// Creates the thread storage in which Qt looks up the OpenGL context of a window that it deletes. When the framework
-/// stops, CTK destroys a thread storage of its own, and Qt reuses its slot, with the old value still in it, for the
-/// next storage created. If that were this one, deleting a window would crash.
+/// Creates the thread storage in which Qt looks up the OpenGL context when it deletes a window. A stopping CTK destroys
+/// a thread storage of its own, and the next one created gets its slot with the stale value in it. Created only then, this
+/// storage would make the deletion crash, so it is created before.
 void PrepareToDeleteWindows()
 {
 #ifndef QT_NO_OPENGL
@@ -33,7 +33,7 @@ VTQsClientPlugin::~VTQsClientPlugin()
 
 void VTQsClientPlugin::start(ctkPluginContext* context)
 {
-    // Both use the host's services: the earlier object must be done with them before the new one begins.
+    // A service object left by an earlier stop still uses the host's services, so it goes before the new one starts.
     delete m_pStoppedService.data();
     PrepareToDeleteWindows();
     m_pService = std::make_unique<VTQsClient>();

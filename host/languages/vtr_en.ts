@@ -565,8 +565,8 @@
         <translation>Please input group name</translation>
     </message>
     <message>
-        <source>The groups could not be saved. Changes may be lost when you sign out or quit.</source>
-        <translation>The groups could not be saved. Changes may be lost when you sign out or quit.</translation>
+        <source>The groups could not be saved. Changes may be lost when you quit or another user signs in.</source>
+        <translation>The groups could not be saved. Changes may be lost when you quit or another user signs in.</translation>
     </message>
 </context>
 <context>

@@ -565,8 +565,8 @@
         <translation>请输入分组名称</translation>
     </message>
     <message>
-        <source>The groups could not be saved. Changes may be lost when you sign out or quit.</source>
-        <translation>无法保存分组。注销或退出后，更改可能会丢失。</translation>
+        <source>The groups could not be saved. Changes may be lost when you quit or another user signs in.</source>
+        <translation>无法保存分组。退出或其他用户登录后，更改可能会丢失。</translation>
     </message>
 </context>
 <context>
