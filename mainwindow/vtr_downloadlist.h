@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mainwindow/vtr_mapwindow.h"
+#include "mainwindow/vtr_mapcursor.h"
 
 #include <QCoreApplication>
 #include <QObject>
@@ -61,5 +61,5 @@ private:
     Dependencies m_deps;
     QTableWidget* m_pTable;
     const QVariantMap* m_pTasks = nullptr;
-    VTMapWindow m_place;
+    VTMapCursor m_place;
 };

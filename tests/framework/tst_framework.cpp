@@ -13,9 +13,9 @@
 
 namespace {
 
-const QString hostFile = QStringLiteral(HOST_PLUGIN);
-const QString greeter = "Greeter"_s;
-const QString object = "QObject"_s;
+const QString HostFile = QStringLiteral(HOST_PLUGIN);
+const QString Greeter = "Greeter"_s;
+const QString Object = "QObject"_s;
 
 /// The type of the `ctkPluginException` that a call throws; none when it throws nothing.
 template <typename Call>
@@ -53,32 +53,32 @@ private slots:
         for (int i = 0; i < 5; ++i)
             Register(&services[i], rankings[i]);
         QVector<qint64> found;
-        for (const auto& reference : m_context->getServiceReferences(object))
+        for (const auto& reference : m_context->getServiceReferences(Object))
             found.append(m_context->getService(reference) - services);
         QCOMPARE(found, (QVector<qint64> {1, 3, 0, 4, 2}));
-        QCOMPARE(m_context->getService(m_context->getServiceReference(object)), &services[1]);
+        QCOMPARE(m_context->getService(m_context->getServiceReference(Object)), &services[1]);
     }
 
     void FindsAServiceUnderEachOfItsNames()
     {
         QTimer timer;
-        m_context->registerService({"QTimer"_s, object}, &timer);
-        for (const QString& name : {"QTimer"_s, object})
+        m_context->registerService({"QTimer"_s, Object}, &timer);
+        for (const QString& name : {"QTimer"_s, Object})
             QCOMPARE(m_context->getService(m_context->getServiceReference(name)), &timer);
         QVERIFY(!m_context->getServiceReference("QThread"_s));
         QVERIFY_EXCEPTION_THROWN(m_context->getService({}), ctkInvalidArgumentException);
         QVERIFY_EXCEPTION_THROWN(
-            m_context->getServiceReferences(object, "(a=b)"_s), ctkInvalidArgumentException);
+            m_context->getServiceReferences(Object, "(a=b)"_s), ctkInvalidArgumentException);
     }
 
     void RefusesARegistration()
     {
         QObject service;
-        for (const QStringList& names : {QStringList(), {object, QString()}, {object, "QTimer"_s}})
+        for (const QStringList& names : {QStringList(), {Object, QString()}, {Object, "QTimer"_s}})
             QVERIFY_EXCEPTION_THROWN(
                 m_context->registerService(names, &service), ctkInvalidArgumentException);
-        QVERIFY_EXCEPTION_THROWN(m_context->registerService({object}, nullptr), ctkInvalidArgumentException);
-        QVERIFY(m_context->getServiceReferences(object).isEmpty());
+        QVERIFY_EXCEPTION_THROWN(m_context->registerService({Object}, nullptr), ctkInvalidArgumentException);
+        QVERIFY(m_context->getServiceReferences(Object).isEmpty());
     }
 
     void HandsOutNoServiceThatIsGone()
@@ -94,7 +94,7 @@ private slots:
                 registration.unregister();
             QVERIFY(!reference);
             QVERIFY(!m_context->getService(reference));
-            QVERIFY(!m_context->getServiceReference(object));
+            QVERIFY(!m_context->getServiceReference(Object));
 
             // A registrant may delete its object first, but it withdraws the service only once.
             if (byDestruction)
@@ -116,41 +116,41 @@ private slots:
         QVERIFY_EXCEPTION_THROWN(Register(&service), ctkIllegalStateException);
         QVERIFY_EXCEPTION_THROWN(m_context->getService(reference), ctkIllegalStateException);
         m_framework->start();
-        QVERIFY(!m_framework->getPluginContext()->getServiceReference(object));
+        QVERIFY(!m_framework->getPluginContext()->getServiceReference(Object));
     }
 
     void InstallsStartsAndStopsAgainAndAgain()
     {
-        const auto plugin = Install(hostFile);
+        const auto plugin = Install(HostFile);
         QCOMPARE(plugin->getSymbolicName(), "sample.host"_s);
         QCOMPARE(plugin->getHeaders().value("Plugin-Vendor"_s), "Samples"_s);
         QCOMPARE(plugin->getState(), ctkPlugin::INSTALLED);
         QVERIFY(!plugin->getPluginContext());
-        QCOMPARE(Install(QFileInfo(hostFile).path() + "/../plugins/libsample_host.so"_s), plugin);
+        QCOMPARE(Install(QFileInfo(HostFile).path() + "/../plugins/libsample_host.so"_s), plugin);
         for (int round = 0; round < 2; ++round) {
             plugin->start(ctkPlugin::START_TRANSIENT);
             plugin->start();
             QCOMPARE(plugin->getState(), ctkPlugin::ACTIVE);
             ctkPluginContext* const context = plugin->getPluginContext();
-            const ctkServiceReference reference = m_context->getServiceReference(greeter);
+            const ctkServiceReference reference = m_context->getServiceReference(Greeter);
             QVERIFY(m_context->getService(reference)->inherits("Greeter"));
             plugin->stop();
             plugin->stop();
             QCOMPARE(plugin->getState(), ctkPlugin::RESOLVED);
             QVERIFY(!reference);
             QVERIFY(!plugin->getPluginContext());
-            QVERIFY_EXCEPTION_THROWN(context->getServiceReference(greeter), ctkIllegalStateException);
+            QVERIFY_EXCEPTION_THROWN(context->getServiceReference(Greeter), ctkIllegalStateException);
         }
         QCOMPARE(Journal(), "start sample.host,stop sample.host,start sample.host,stop sample.host"_s);
     }
 
     void StopsPluginsInReverseOrderOfTheirStarts()
     {
-        const auto host = Install(hostFile);
+        const auto host = Install(HostFile);
         const auto guest = Install(QStringLiteral(GUEST_PLUGIN));
         guest->start();
         host->start();
-        QCOMPARE(m_context->getServiceReferences(greeter).size(), 2);
+        QCOMPARE(m_context->getServiceReferences(Greeter).size(), 2);
         m_framework->stop();
         QVERIFY(Journal().endsWith(",stop sample.host,stop sample.guest"_s));
         QCOMPARE(ThrownType([&] { host->start(); }), ctkPluginException::INVALID_OPERATION);
@@ -162,17 +162,17 @@ private slots:
 
     void UndoesAFailedStart()
     {
-        const auto plugin = Install(hostFile);
+        const auto plugin = Install(HostFile);
         for (const char* misbehaviour : {"start exception", "start number", "start again"}) {
             Misbehave(QLatin1String(misbehaviour));
             QCOMPARE(ThrownType([&] { plugin->start(); }), ctkPluginException::ACTIVATOR_ERROR);
             QCOMPARE(plugin->getState(), ctkPlugin::RESOLVED);
-            QVERIFY(!m_context->getServiceReference(greeter));
+            QVERIFY(!m_context->getServiceReference(Greeter));
         }
         QCOMPARE(Journal(), "start sample.host,start sample.host,start sample.host"_s);
         Misbehave(QString());
         plugin->start();
-        QVERIFY(m_context->getServiceReference(greeter));
+        QVERIFY(m_context->getServiceReference(Greeter));
 
         const auto inert = Install(QStringLiteral(INERT_PLUGIN));
         QCOMPARE(ThrownType([&] { inert->start(); }), ctkPluginException::ACTIVATOR_ERROR);
@@ -181,13 +181,13 @@ private slots:
 
     void StopsInSpiteOfAFailure()
     {
-        const auto host = Install(hostFile);
+        const auto host = Install(HostFile);
         const auto guest = Install(QStringLiteral(GUEST_PLUGIN));
         host->start();
         Misbehave("stop exception"_s);
         QCOMPARE(ThrownType([&] { host->stop(); }), ctkPluginException::ACTIVATOR_ERROR);
         QCOMPARE(host->getState(), ctkPlugin::RESOLVED);
-        QVERIFY(!m_context->getServiceReference(greeter));
+        QVERIFY(!m_context->getServiceReference(Greeter));
         host->start();
         guest->start();
         for (int plugin = 0; plugin < 2; ++plugin)
@@ -202,10 +202,10 @@ private slots:
         const QTemporaryDir folder;
         const QString text = folder.filePath("libsample_text.so"_s);
         const QString nameless = folder.filePath("libsample_nameless.so"_s);
-        const QString twin = folder.filePath(QFileInfo(hostFile).fileName());
-        QVERIFY(WriteFile(text, "not a library\n") && QFile::copy(hostFile, nameless)
-            && QFile::copy(hostFile, twin));
-        const auto host = Install(hostFile);
+        const QString twin = folder.filePath(QFileInfo(HostFile).fileName());
+        QVERIFY(WriteFile(text, "not a library\n") && QFile::copy(HostFile, nameless)
+            && QFile::copy(HostFile, twin));
+        const auto host = Install(HostFile);
         const QMap<QString, ctkPluginException::Type> refusals {{text, ctkPluginException::READ_ERROR},
             {folder.filePath("libnone.so"_s), ctkPluginException::READ_ERROR},
             {nameless, ctkPluginException::MANIFEST_ERROR},
@@ -215,7 +215,7 @@ private slots:
         QCOMPARE(
             ThrownType([this] { m_context->installPlugin(QUrl("http://localhost/libsample_host.so"_s)); }),
             ctkPluginException::UNSUPPORTED_OPERATION);
-        QCOMPARE(Install(hostFile), host);
+        QCOMPARE(Install(HostFile), host);
     }
 
 private:
@@ -224,7 +224,7 @@ private:
     static void Misbehave(const QString& how)
     {
         qApp->setProperty("misbehaviour", how);
-        qApp->setProperty("location", QUrl::fromLocalFile(hostFile));
+        qApp->setProperty("location", QUrl::fromLocalFile(HostFile));
     }
 
     QSharedPointer<ctkPlugin> Install(const QString& file)
@@ -237,7 +237,7 @@ private:
         ctkDictionary properties;
         if (ranking.isValid())
             properties.insert(ctkPluginConstants::SERVICE_RANKING, ranking);
-        return m_context->registerService({object}, service, properties);
+        return m_context->registerService({Object}, service, properties);
     }
 
     QSharedPointer<ctkPluginFramework> m_framework;

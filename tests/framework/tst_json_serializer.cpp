@@ -15,8 +15,8 @@ struct Value
     QVariant value;
     QByteArray text; ///< empty when the value is refused
 };
-const QVariant object = QVariant::fromValue<QObject*>(nullptr);
-const Value values[] = {
+const QVariant Object = QVariant::fromValue<QObject*>(nullptr);
+const Value Values[] = {
     {"invalid", {}, "null"},
     {"bool", true, "true"},
     {"64 bits", std::numeric_limits<qlonglong>::min(), "-9223372036854775808"},
@@ -28,8 +28,8 @@ const Value values[] = {
     {"empty map", QVariantMap(), "{}"},
     {"members sorted", QVariantHash {{"b"_s, 1}, {"a\""_s, 2}, {"c"_s, 3}}, "{\"a\\\"\":2,\"b\":1,\"c\":3}"},
     {"map in a hash", QVariantHash {{"k"_s, QVariantMap {{"k"_s, 1}}}}, "{\"k\":{\"k\":1}}"},
-    {"object", object, {}},
-    {"object deep down", QVariantMap {{"k"_s, QVariantHash {{"k"_s, object}}}}, {}},
+    {"object", Object, {}},
+    {"object deep down", QVariantMap {{"k"_s, QVariantHash {{"k"_s, Object}}}}, {}},
     {"not a number", std::nan(""), {}},
     {"infinite", QVariantList {std::numeric_limits<double>::infinity()}, {}},
 };
@@ -41,10 +41,10 @@ class TestJsonSerializer : public QObject
     Q_OBJECT
 
 private slots:
-    void WritesOrRefuses_data() { AddRows(values); }
+    void WritesOrRefuses_data() { AddRows(Values); }
     void WritesOrRefuses()
     {
-        const auto& [name, value, text] = Row(values);
+        const auto& [name, value, text] = Row(Values);
         bool ok = text.isEmpty();
         QCOMPARE(QJson::Serializer().serialize(value, &ok), text);
         QCOMPARE(ok, !text.isEmpty());

@@ -22,7 +22,7 @@ private slots:
         }
     }
 
-    void RefusesWhatIsNoManifest()
+    void RefusesMalformedManifests()
     {
         for (const QByteArray& text : {QByteArray(), QByteArray("Plugin-Version: 1.0.0\n"),
                  QByteArray("Plugin-SymbolicName: \r\n"), QByteArray("Plugin-SymbolicName: a.b\nrubbish\n"),

@@ -28,7 +28,7 @@ struct Action
     QString failure;
     bool canBeRefused;
 };
-const Action actions[] = {
+const Action Actions[] = {
     {"DeleteJobs", "btnDelete"_s, "DeleteJobResponse", "Delete jobs failed!"_s, false},
     {"StopJobs", "btnPause"_s, "StopJobResponse", "Stop jobs failed!"_s, false},
     {"RecoverJobs", "btnRecover"_s, "RecoverJobResponse", "Recover jobs failed!"_s, true},
@@ -36,7 +36,7 @@ const Action actions[] = {
     {"FullRender", "btnFullRender"_s, "FullRenderResponse", "Full render jobs failed!"_s, true},
 };
 
-const QString question = "4|QuillStar Client||Are you sure to delete these jobs?|Cancel,Ok|0"_s;
+const QString Question = "4|QuillStar Client||Are you sure to delete these jobs?|Cancel,Ok|0"_s;
 
 QVariantMap List(const QVariant& list, const QVariant& total = 40)
 {
@@ -223,10 +223,10 @@ private slots:
         QCOMPARE(Checks(Jobs()), "---"_s);
     }
 
-    void SendsTheCheckedJobs_data() { AddRows(actions); }
+    void SendsTheCheckedJobs_data() { AddRows(Actions); }
     void SendsTheCheckedJobs()
     {
-        const Action& action = Row(actions);
+        const Action& action = Row(Actions);
         SignInWithJobs(MakeJobs(12), 12);
         auto* all = m_client->Find<QCheckBox>("chkAll"_s);
         all->setChecked(true);
@@ -239,7 +239,7 @@ private slots:
             MessageBox().answer = answer;
             m_client->Button(action.button)->click();
         }
-        QCOMPARE(MessageBox().messages.value(2), isAsked ? question : QString());
+        QCOMPARE(MessageBox().messages.value(2), isAsked ? Question : QString());
         QVariantHash request {{"username"_s, "ann"_s}, {"token"_s, "token-ann"_s}, {"id[0]"_s, "id-1"_s}};
         for (int i = 1; i < 11; ++i)
             request.insert("id[%1]"_s.arg(i), "id-%1"_s.arg(i + 2));
@@ -249,10 +249,10 @@ private slots:
         QCOMPARE(all->isChecked(), !isAsked);
     }
 
-    void JudgesTheAnswers_data() { AddRows(actions); }
-    void JudgesTheAnswers()
+    void ReportsFailuresAndRefusals_data() { AddRows(Actions); }
+    void ReportsFailuresAndRefusals()
     {
-        const Action& action = Row(actions);
+        const Action& action = Row(Actions);
         SignInWithJobs(MakeJobs(18), 40);
         m_client->Button("btnPageTwo"_s)->click();
         const auto Judgement = [this, &action](int result, const QVariantList& refused) {

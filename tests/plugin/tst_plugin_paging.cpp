@@ -6,14 +6,14 @@
 
 namespace {
 
-const QStringList pageButtons = "btnNextPage btnNextGroup btnPageFive btnPageFour btnPageThree btnPageTwo "
+const QStringList PageButtons = "btnNextPage btnNextGroup btnPageFive btnPageFour btnPageThree btnPageTwo "
                                 "btnPageOne btnPreGroup btnPrePage"_s.split(" "_s);
 
-const QStringList overlays = pageButtons
+const QStringList Overlays = PageButtons
     + "chkAll btnDelete btnFullRender btnPause btnSearch btnRecover btnRestart btnStop"_s.split(" "_s);
 
 /// Name, number of jobs, clicks, pages requested by them, and the page bar at the end as `PageBar` tells it.
-const std::tuple<const char*, int, QString, QString, QString> walks[] = {
+const std::tuple<const char*, int, QString, QString, QString> Walks[] = {
     {"empty", 0, {}, {}, "1*"_s},
     {"one page", 18, "btnNextPage btnPrePage"_s, {}, "1*"_s},
     {"two pages", 19, "btnNextPage"_s, "2"_s, "1 2*"_s},
@@ -28,7 +28,7 @@ const std::tuple<const char*, int, QString, QString, QString> walks[] = {
 };
 
 /// Name, tab, visible buttons, and the button that btnDelete stands beside.
-const std::tuple<const char*, int, QString, QString> toolbars[] = {
+const std::tuple<const char*, int, QString, QString> Toolbars[] = {
     {"jobs", 0, "btnRecover btnPause btnRestart btnSearch btnDelete btnFullRender"_s, "btnRestart"_s},
     {"local tasks", 1, {}, {}},
     {"downloads", 2, "btnRecover btnPause btnDelete"_s, "btnPause"_s},
@@ -42,10 +42,10 @@ class TestPluginPaging : public ClientTest
     Q_OBJECT
 
 private slots:
-    void WalksThroughThePages_data() { AddRows(walks); }
+    void WalksThroughThePages_data() { AddRows(Walks); }
     void WalksThroughThePages()
     {
-        const auto& [name, total, clicks, requests, bar] = Row(walks);
+        const auto& [name, total, clicks, requests, bar] = Row(Walks);
         SignInWithJobs(MakeJobs(18), total);
         QStringList pages;
         for (const QString& click : clicks.split(" "_s, Qt::SkipEmptyParts)) {
@@ -68,7 +68,7 @@ private slots:
         for (const int total : {200, 40, 200}) {
             Communication().DeliverJobs(MakeJobs(18), total);
             int left = anchor.x() + anchor.width();
-            for (const QString& name : pageButtons) {
+            for (const QString& name : PageButtons) {
                 const QPushButton* button = m_client->Button(name);
                 if (!m_client->Shows(name))
                     continue;
@@ -148,13 +148,13 @@ private slots:
     {
         m_client->Tabs()->raise();
         m_client->SignIn();
-        QCOMPARE(OnTop(), overlays);
+        QCOMPARE(OnTop(), Overlays);
     }
 
-    void ChangesTheToolbarWithTheTab_data() { AddRows(toolbars); }
+    void ChangesTheToolbarWithTheTab_data() { AddRows(Toolbars); }
     void ChangesTheToolbarWithTheTab()
     {
-        const auto& [name, tab, shown, anchor] = Row(toolbars);
+        const auto& [name, tab, shown, anchor] = Row(Toolbars);
         m_client->Tabs()->setCurrentIndex(tab == 1 ? 0 : 1);
         auto* all = m_client->Find<QCheckBox>("chkAll"_s);
         all->setChecked(true);
@@ -165,7 +165,7 @@ private slots:
         m_client->Tabs()->setCurrentIndex(tab);
 
         QStringList visible;
-        for (const QString& button : std::get<2>(toolbars[0]).split(" "_s)) {
+        for (const QString& button : std::get<2>(Toolbars[0]).split(" "_s)) {
             if (m_client->Shows(button))
                 visible.append(button);
         }
@@ -174,7 +174,7 @@ private slots:
         QVERIFY(!all->isChecked());
         QCOMPARE(m_client->RunningTimers(1000).size(), tab == 0 ? 0 : 1);
         QVERIFY(m_client->logger.lines.contains("index: %1|128|default||-1"_s.arg(tab)));
-        QCOMPARE(OnTop(), overlays);
+        QCOMPARE(OnTop(), Overlays);
         if (anchor.isEmpty())
             return;
         const QRect place = m_client->Button(anchor)->geometry();
@@ -192,7 +192,7 @@ private:
         QStringList names;
         for (const QObject* widget : m_client->Form()->children())
             names.append(widget->objectName());
-        return names.mid(names.size() - overlays.size());
+        return names.mid(names.size() - Overlays.size());
     }
 
     QVariant Page() const { return Sent("page"); }
@@ -202,7 +202,7 @@ private:
     {
         const QMap<QString, QString> arrows {{"btnPreGroup"_s, "<"_s}, {"btnNextGroup"_s, ">"_s}};
         QStringList bar;
-        for (const QString& name : pageButtons) {
+        for (const QString& name : PageButtons) {
             if (name.endsWith("Page"_s) || !m_client->Shows(name))
                 continue;
             const QPushButton* button = m_client->Button(name);

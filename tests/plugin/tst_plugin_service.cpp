@@ -12,13 +12,13 @@
 namespace {
 
 /// Interface, module, and the line that its failure is reported with.
-const std::tuple<const char*, const char*, int> services[]
+const std::tuple<const char*, const char*, int> Services[]
     = {{"VTSettingsInterface", "settings", 199}, {"VTLoggerInterface", "logger", 218},
         {"VTUiLoaderInterface", "uiloader", 230}, {"VTMessagboxInterface", "messagebox", 243},
         {"VTCommunicationInterface", "communication", 257}, {"VTRenderCoreInterface", "rendercore", 274},
         {"VTConfigurationInterface", "configuration", 290}, {"VTPreviewerInterface", "previewer", 304}};
 
-const char* const declaredMethods[] = {"JobIdType(QVariantMap)", "showParenList(QVariantList)",
+const char* const DeclaredMethods[] = {"JobIdType(QVariantMap)", "showParenList(QVariantList)",
     "login(QString,QString,QString,QString)", "windowSizeChanged()", "ChangeSkin(QString)",
     "ChangeLanguage(QString)", "Close()", "ShowWindow(QString)", "LoadGlobalSettings()",
     "ShowWindowMaximized()", "ShowWindowNormal()", "TriggerSignInResponse(int,QVariantMap)",
@@ -41,13 +41,13 @@ const char* const declaredMethods[] = {"JobIdType(QVariantMap)", "showParenList(
     "SearchJob(QVariantMap&)", "CellDoubleClicked(int,int)", "GetJobList(int,QString,int)",
     "GetJobList(int,QString)", "GetJobList(int)", "Condition(QString)"};
 
-const QPair<const char*, const char*> buttons[]
+const QPair<const char*, const char*> Buttons[]
     = {{"btnSystemClose", "ShowMessage"}, {"btnSettings", "ShowConf"}, {"btnFullRender", "FullRender"},
         {"btnDelete", "ShowMessage"}, {"btnRecover", "RecoverJobs"}, {"btnPause", "StopJobs"},
         {"btnRestart", "RestartJobs"}, {"btnLang", "SetLanguage /lang/vtr_de.qm"}, {"btnStop", ""},
         {"btnSubmit", ""}, {"btnRecharge", ""}, {"btnMessage", ""}, {"btnSkin", ""}};
 
-const QString formKeys
+const QString FormKeys
     = "com.vtr.qsclient com.vtr.setargument com.vtr.setparent com.vtr.search com.vtr.inputdialog"_s;
 
 } // namespace
@@ -146,7 +146,7 @@ private slots:
     {
         m_client->application.failure = Failure::Show;
         QVERIFY(m_client->Open());
-        QCOMPARE(m_client->uiLoader.loadedKeys.join(" "_s), formKeys);
+        QCOMPARE(m_client->uiLoader.loadedKeys.join(" "_s), FormKeys);
         QVERIFY(!QGuiApplication::quitOnLastWindowClosed());
         m_client->Form()->hide();
         QVariant state;
@@ -207,10 +207,10 @@ private slots:
         }
     }
 
-    void ReportsAServiceThatIsMissingOrFails_data() { AddRows(services); }
+    void ReportsAServiceThatIsMissingOrFails_data() { AddRows(Services); }
     void ReportsAServiceThatIsMissingOrFails()
     {
-        const auto& service = Row(services);
+        const auto& service = Row(Services);
         const auto& [name, module, line] = service;
         const QString interface = QLatin1String(name);
         const QString level
@@ -228,7 +228,7 @@ private slots:
         Failure* const failures[] = {&m_client->settings.failure, &m_client->logger.failure,
             &m_client->uiLoader.failure, &MessageBox().failure, &Communication().failure,
             &RenderCore().failure, &m_client->configuration.failure, &m_client->previewer.failure};
-        Failure& failure = *failures[&service - services];
+        Failure& failure = *failures[&service - Services];
         failure = Failure::Initialize;
         QCOMPARE(m_client->Initialize(), -1);
         QCOMPARE(MessageCapture::Take(), report);
@@ -242,7 +242,7 @@ private slots:
         m_client->Start();
         const QMetaObject* type = m_client->Window()->metaObject();
         int method = type->methodOffset();
-        for (const char* signature : declaredMethods)
+        for (const char* signature : DeclaredMethods)
             QCOMPARE(type->method(method++).methodSignature(), QByteArray(signature));
     }
 
@@ -281,7 +281,7 @@ private slots:
     void ConnectsItsForm()
     {
         QVERIFY(m_client->Open());
-        for (const auto& [button, effect] : buttons) {
+        for (const auto& [button, effect] : Buttons) {
             m_client->Button(QLatin1String(button))->click();
             QVERIFY2(TakeJournal().join(","_s) == QLatin1String(effect), button);
         }
@@ -307,7 +307,7 @@ private slots:
         QVERIFY(m_client->Open());
         QCOMPARE(MessageCapture::Take(), QStringList());
         const std::tuple<QStringList, QStringList, int> lacks[]
-            = {{{"*"_s}, {}, 50}, {{"twtMyRender"_s}, {}, 1}, {{}, formKeys.split(" "_s), 5}};
+            = {{{"*"_s}, {}, 50}, {{"twtMyRender"_s}, {}, 1}, {{}, FormKeys.split(" "_s), 5}};
         for (const auto& [widgets, forms, complaints] : lacks) {
             init();
             m_client->uiLoader.leftOut = widgets;

@@ -14,15 +14,15 @@ namespace {
 constexpr int JobListInterval = 15000;
 constexpr int UserInfoInterval = 30000;
 
-const char* const dressedForms[] = {"qsclient", "setargument", "setparent", "search", "inputdialog"};
-const QList<QSize> mainIcon {QSize(1, 1)};
+const char* const DressedForms[] = {"qsclient", "setargument", "setparent", "search", "inputdialog"};
+const QList<QSize> MainIcon {QSize(1, 1)};
 
 struct Captions
 {
     const char* form;
     QString texts;
 };
-const Captions translated[] = {
+const Captions Translated[] = {
     {"qsclient",
         "All,Balance,Charge,Cost,Cost,Delete,Delete the checked rows,Dest,Download,Finished,Full "
         "render,Group,"
@@ -41,7 +41,7 @@ const Captions translated[] = {
     {"inputdialog", "Cancel,Group name:,Ok,Please input group name"_s},
 };
 
-const char* const tables[] = {"twtMyRender", "twtLocalTask", "twtDownload"};
+const char* const Tables[] = {"twtMyRender", "twtLocalTask", "twtDownload"};
 
 /// Marks every translated text.
 class MarkingTranslator : public QTranslator
@@ -157,7 +157,7 @@ private slots:
         emit Communication().SignOutResponse(500, {});
         QVERIFY(!m_client->Form()->isVisible());
         QVERIFY(!m_client->Tick(JobListInterval) && !m_client->Tick(UserInfoInterval));
-        for (const char* table : tables)
+        for (const char* table : Tables)
             QCOMPARE(m_client->Table(QLatin1String(table))->rowCount(), 0);
         QCOMPARE(m_client->Button("btnPageOne"_s)->text(), "1"_s);
         QVERIFY(!m_client->Shows("btnPageTwo"_s) && !m_client->Shows("btnPreGroup"_s));
@@ -170,20 +170,20 @@ private slots:
         UiLoaderStandIn& loader = m_client->uiLoader;
         QCOMPARE(loader.skinSettings, QStringList {":/teal/com.vtr.qsclient.ini"_s});
         auto* pages = m_client->Find<QToolBox>(QString());
-        for (const char* name : dressedForms)
+        for (const char* name : DressedForms)
             Form(name)->setAutoFillBackground(false);
         emit loader.SkinChanged("plum"_s);
         QCOMPARE(loader.skinSettings.last(), ":/plum/com.vtr.qsclient.ini"_s);
-        for (const char* name : dressedForms) {
+        for (const char* name : DressedForms) {
             QVERIFY2(Form(name)->styleSheet().contains("/* plum %1 */"_s.arg(QLatin1String(name))), name);
             const bool isInput = qstrcmp(name, "inputdialog") == 0;
             QVERIFY2(Form(name)->autoFillBackground() != isInput, name);
             const bool isDialog = qstrcmp(name, "qsclient") != 0;
             const bool hasIcon = isDialog && !isInput;
             QCOMPARE(Form(name)->windowFlags().testFlag(Qt::FramelessWindowHint), isDialog);
-            QCOMPARE(Form(name)->windowIcon().availableSizes() == mainIcon, hasIcon);
+            QCOMPARE(Form(name)->windowIcon().availableSizes() == MainIcon, hasIcon);
         }
-        QCOMPARE(TrayIcon()->icon().availableSizes(), mainIcon);
+        QCOMPARE(TrayIcon()->icon().availableSizes(), MainIcon);
         for (QWidget* widget :
             {m_client->Window(), static_cast<QWidget*>(m_client->Form()->findChild<QMenu*>())})
             QVERIFY(widget->styleSheet().contains("/* plum menu */"_s));
@@ -280,7 +280,7 @@ private slots:
         RenderCore().tasks = {{"t"_s}};
         emit m_client->uiLoader.LanguageChanged("vtr_de.qm"_s);
         QCoreApplication::removeTranslator(&translator);
-        for (const Captions& captions : translated)
+        for (const Captions& captions : Translated)
             QCOMPARE(Marked(Form(captions.form)).join(","_s), captions.texts);
         for (const char* entry : {"~Download", "~Set parent", "~Continue submit", "~Delete Tasks",
                  "~Set argument", "~Open file path", "~Redownload"})

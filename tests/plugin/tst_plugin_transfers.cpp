@@ -9,32 +9,32 @@ namespace {
 enum Column { Name, StartTime, Status, Progress, SceneFile, Warn };
 
 /// Name, stage, error code, and what the row shows: status, text, status tip, what's this, icon path.
-const std::tuple<const char*, int, int, QStringList> troubles[] = {
+const std::tuple<const char*, int, int, QStringList> Troubles[] = {
     {"upload", 5, 0, {"upload"_s, "3 of 9"_s, {}, {}, {}}},
     {"failed upload", 5, 3, {"uploadfail"_s, {}, {}, "msg"_s, ":/teal/warning.png"_s}},
     {"textures", 4, 9, {"copysamefail"_s, {}, "Lacked of texture files:"_s, "msg"_s, ":/teal/warning.png"_s}},
     {"well", 2, 0, {"compress"_s, {}, {}, "msg"_s, {}}},
 };
 
-const QString shortMenu = "Continue submit,Delete Tasks"_s;
-const QString fullMenu = "Continue submit,Delete Tasks,Set argument"_s;
+const QString ShortMenu = "Continue submit,Delete Tasks"_s;
+const QString FullMenu = "Continue submit,Delete Tasks,Set argument"_s;
 /// Name, scene file, stage, whether the account wants the entry, whether the row is checked, and the menu.
-const std::tuple<const char*, QString, int, bool, bool, QString> menuCases[]
-    = {{"ma", "a.ma"_s, 3, true, true, fullMenu}, {"mb", "x.y.mb"_s, 4, true, true, fullMenu},
-        {"capitals", "a.MA"_s, 3, true, true, shortMenu}, {"max", "a.max"_s, 3, true, true, shortMenu},
-        {"early", "a.ma"_s, 2, true, true, shortMenu}, {"unwanted", "a.ma"_s, 3, false, true, shortMenu},
+const std::tuple<const char*, QString, int, bool, bool, QString> MenuCases[]
+    = {{"ma", "a.ma"_s, 3, true, true, FullMenu}, {"mb", "x.y.mb"_s, 4, true, true, FullMenu},
+        {"capitals", "a.MA"_s, 3, true, true, ShortMenu}, {"max", "a.max"_s, 3, true, true, ShortMenu},
+        {"early", "a.ma"_s, 2, true, true, ShortMenu}, {"unwanted", "a.ma"_s, 3, false, true, ShortMenu},
         {"nothing checked", "a.ma"_s, 3, true, false, {}}};
 
-const QString notice = "2|QuillStar Client||msg|Ok,|1"_s;
-const QString lackQuestion = "4|t|Lacked of texture files:|msg|Cancel,Submit|1"_s;
+const QString Notice = "2|QuillStar Client||msg|Ok,|1"_s;
+const QString LackQuestion = "4|t|Lacked of texture files:|msg|Cancel,Submit|1"_s;
 /// Name, error code, column, answer, calls and message.
-const std::tuple<const char*, int, int, QString, QString, QString> doubleClicks[] = {
+const std::tuple<const char*, int, int, QString, QString, QString> DoubleClicks[] = {
     {"no error", 0, Warn, {}, {}, {}},
     {"other column", 9, Status, {}, {}, {}},
-    {"notice", 3, Warn, MessageBoxStandIn::Consent(), "ShowMessage"_s, notice},
-    {"refused", 9, Warn, MessageBoxStandIn::Refusal(), "ShowMessage"_s, lackQuestion},
-    {"closed", 9, Warn, {}, "ShowMessage"_s, lackQuestion},
-    {"agreed", 9, Warn, MessageBoxStandIn::Consent(), "ShowMessage,ContinueSubmit t.1"_s, lackQuestion},
+    {"notice", 3, Warn, MessageBoxStandIn::Consent(), "ShowMessage"_s, Notice},
+    {"refused", 9, Warn, MessageBoxStandIn::Refusal(), "ShowMessage"_s, LackQuestion},
+    {"closed", 9, Warn, {}, "ShowMessage"_s, LackQuestion},
+    {"agreed", 9, Warn, MessageBoxStandIn::Consent(), "ShowMessage,ContinueSubmit t.1"_s, LackQuestion},
 };
 
 QVariantMap MakeDownload(
@@ -85,10 +85,10 @@ private slots:
         QCOMPARE(changes, 0);
     }
 
-    void ShowsTroubleInTheWarnColumn_data() { AddRows(troubles); }
+    void ShowsTroubleInTheWarnColumn_data() { AddRows(Troubles); }
     void ShowsTroubleInTheWarnColumn()
     {
-        const auto& [name, stage, error, shown] = Row(troubles);
+        const auto& [name, stage, error, shown] = Row(Troubles);
         ShowTask({"t1"_s, "a.ma"_s});
         RenderCore().tasks = {{"t1"_s, "a.ma"_s, {}, "msg"_s, "3 of 9"_s, stage, 0, error}};
         QVERIFY(m_client->Tick(1000));
@@ -182,10 +182,10 @@ private slots:
         QCOMPARE(TakeJournal(), QStringList {"StopSubmitTasks"_s});
     }
 
-    void OffersItsMenu_data() { AddRows(menuCases); }
+    void OffersItsMenu_data() { AddRows(MenuCases); }
     void OffersItsMenu()
     {
-        const auto& [name, sceneFile, stage, wanted, checked, menu] = Row(menuCases);
+        const auto& [name, sceneFile, stage, wanted, checked, menu] = Row(MenuCases);
         Settings().insert("vtr.account.ann/setargument"_s, wanted);
         m_client->SignIn();
         ShowTask({"t1"_s, sceneFile, {}, {}, {}, stage});
@@ -202,10 +202,10 @@ private slots:
         QCOMPARE(TakeJournal(), QStringList {"ContinueSubmit t1"_s});
     }
 
-    void ExplainsTroubleOnADoubleClick_data() { AddRows(doubleClicks); }
+    void ExplainsTroubleOnADoubleClick_data() { AddRows(DoubleClicks); }
     void ExplainsTroubleOnADoubleClick()
     {
-        const auto& [name, error, column, answer, effect, message] = Row(doubleClicks);
+        const auto& [name, error, column, answer, effect, message] = Row(DoubleClicks);
         ShowTask({"t.1"_s, "a.ma"_s, {}, "msg"_s, {}, 4, 0, error});
         QVERIFY(m_client->Tick(1000));
         MessageBox().answer = answer;

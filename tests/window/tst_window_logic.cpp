@@ -1,6 +1,6 @@
 #include "common/vtr_codetables.h"
 #include "common/vtr_filename.h"
-#include "mainwindow/vtr_mapwindow.h"
+#include "mainwindow/vtr_mapcursor.h"
 #include "mainwindow/vtr_pagestate.h"
 #include "tests/support/test_tables.h"
 
@@ -10,16 +10,16 @@
 namespace {
 
 /// Name, records, pages and groups.
-const std::tuple<const char*, int, int, int> sizes[] = {{"negative", -1, 1, 1}, {"none", 0, 1, 1},
+const std::tuple<const char*, int, int, int> Sizes[] = {{"negative", -1, 1, 1}, {"none", 0, 1, 1},
     {"a page", 18, 1, 1}, {"a page and one", 19, 2, 1}, {"a group", 90, 5, 1}, {"a group and one", 91, 6, 2},
     {"two groups", 180, 10, 2}, {"most", std::numeric_limits<int>::max(), 119304648, 23860930}};
 
 /// Name, page and records; the corrected page and group.
-const std::tuple<const char*, int, int, int, int> deletions[] = {{"emptied", 3, 36, 2, 1},
+const std::tuple<const char*, int, int, int, int> Deletions[] = {{"emptied", 3, 36, 2, 1},
     {"emptied into the group before", 6, 90, 5, 1}, {"emptied within a later group", 7, 108, 6, 2},
     {"emptied first page", 1, 0, 1, 1}, {"rows left", 6, 91, 6, 2}, {"more than one page gone", 6, 50, 6, 2}};
 
-const std::tuple<const char*, QString, QString> names[] = {
+const std::tuple<const char*, QString, QString> Names[] = {
     {"plain", "Ann 100%, farm-1.example"_s, "Ann 100%, farm-1.example"_s},
     {"letters", "ä王"_s, "ä王"_s},
     {"way out", "../../x"_s, "..%2F..%2Fx"_s},
@@ -38,10 +38,10 @@ class TestWindowLogic : public QObject
     Q_OBJECT
 
 private slots:
-    void CountsPagesAndGroups_data() { AddRows(sizes); }
+    void CountsPagesAndGroups_data() { AddRows(Sizes); }
     void CountsPagesAndGroups()
     {
-        const auto& [name, records, pages, groups] = Row(sizes);
+        const auto& [name, records, pages, groups] = Row(Sizes);
         VTPageState state;
         state.nCurrentPage = 3;
         state.Recount(records);
@@ -53,10 +53,10 @@ private slots:
         QVERIFY(!state.HasPreviousGroup());
     }
 
-    void CorrectsItsPageAfterADeletion_data() { AddRows(deletions); }
+    void CorrectsItsPageAfterADeletion_data() { AddRows(Deletions); }
     void CorrectsItsPageAfterADeletion()
     {
-        const auto& [name, page, records, newPage, newGroup] = Row(deletions);
+        const auto& [name, page, records, newPage, newGroup] = Row(Deletions);
         VTPageState state;
         state.nCurrentPage = page;
         state.nCurrentGroup = (page + 4) / 5;
@@ -71,16 +71,16 @@ private slots:
         std::mt19937 random(5);
         const auto Below = [&random](int limit) { return int(random() % unsigned(limit)); };
         QVariantMap map;
-        VTMapWindow window;
+        VTMapCursor cursor;
         for (int round = 0; round < 4000; ++round) {
             if (Below(4) == 0) {
                 const QString key = QString::number(Below(300));
                 if (map.remove(key) == 0)
                     map.insert(key, round);
-                window.Forget();
+                cursor.Forget();
             }
             const int index = Below(320) - 10;
-            const auto place = window.At(map, index);
+            const auto place = cursor.At(map, index);
             const QStringList keys = map.keys();
             if (index < 0 || index >= keys.size())
                 QVERIFY(place == map.constEnd());
@@ -89,10 +89,10 @@ private slots:
         }
     }
 
-    void EncodesCharactersThatFileNamesLack_data() { AddRows(names); }
+    void EncodesCharactersThatFileNamesLack_data() { AddRows(Names); }
     void EncodesCharactersThatFileNamesLack()
     {
-        const auto& [name, text, encoded] = Row(names);
+        const auto& [name, text, encoded] = Row(Names);
         QCOMPARE(VTFileNamePart(text), encoded);
         const QString file = VTAccountFile("Data"_s, text, text);
         QCOMPARE(QDir::cleanPath(file), file);

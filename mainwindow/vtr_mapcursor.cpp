@@ -1,9 +1,9 @@
-#include "mainwindow/vtr_mapwindow.h"
+#include "mainwindow/vtr_mapcursor.h"
 
 #include <cstdlib>
 #include <iterator>
 
-QVariantMap::const_iterator VTMapWindow::At(const QVariantMap& map, int nIndex)
+QVariantMap::const_iterator VTMapCursor::At(const QVariantMap& map, int nIndex)
 {
     if (nIndex < 0 || nIndex >= map.size())
         return map.constEnd();

@@ -6,7 +6,7 @@
 /// Finds the entry with a given index in a map of another owner, without copying the map or its keys.
 ///
 /// It walks from the nearest known place: the beginning, the end, or the place of the last search.
-class VTMapWindow
+class VTMapCursor
 {
 public:
     /// @return the entry with this index in key order, the end when there is none.
