@@ -12,16 +12,17 @@ namespace {
 constexpr int PageSize = 18;
 constexpr int TickInterval = 1000; // ms
 
-/// The highest ratio of the cost of a million entries to that of a hundred.
+/// The highest permitted ratio of the cost of a million entries to that of a hundred.
 constexpr double Limit = 1.5;
 
-/// Marks a benchmark whose cost may grow: a map knows no positions, so after a change the page is counted off anew.
+/// Marks a benchmark whose cost may grow: a map has no indices, so after a change the page
+/// is counted from one end.
 const char* const NotJudged = "*";
 
 enum List { LocalTasks = 1, Downloads = 2 }; // the numbers of their tabs
 enum Place { First, Middle, Last };
 
-/// A render core that adds no cost of its own: it hands out shared lists of tasks that are all alike.
+/// A render core that adds no cost of its own: it returns shared lists of identical tasks.
 class SharedLists : public RenderCoreStandIn
 {
 public:
@@ -50,7 +51,7 @@ public:
         downloads = lists.downloads;
     }
 
-    /// Removes the first task, and restores it at the next call, so that all others move by one place.
+    /// Removes the first task, or restores it at the next call, so that all others move by one place.
     void ShiftTasks()
     {
         if (m_first.isEmpty())
@@ -109,7 +110,7 @@ public:
             emit m_renderCore.DownloadListChanged();
     }
 
-    /// Goes to the next page, and back again at the next call.
+    /// Goes to the next page, or back at the next call.
     void ChangePage()
     {
         m_client.Button(m_isForward ? "btnNextPage"_s : "btnPrePage"_s)->click();

@@ -1,13 +1,13 @@
-# Warnings, strictness and sanitizers, in one interface target that every target of ours links.
+# Warnings, strictness and sanitizers, in one interface target that all of the project's targets link.
 add_library(qsclient_flags INTERFACE)
 
-# Headers are named by their path from here ("mainwindow/vtr_joblist.h"), so an include shows which room it reaches into.
+# Headers are named by their path from here ("mainwindow/vtr_joblist.h"), so that an include shows which room it uses.
 target_include_directories(qsclient_flags INTERFACE ${PROJECT_SOURCE_DIR})
 
 target_compile_options(qsclient_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor)
 
-# For developers only: another compiler's new warning must not stop a packager.
+# Off by default: a new warning of another compiler must not stop a packager.
 option(QSCLIENT_WARNINGS_AS_ERRORS "Stop at warnings" OFF)
 if(QSCLIENT_WARNINGS_AS_ERRORS)
     target_compile_options(qsclient_flags INTERFACE -Werror)

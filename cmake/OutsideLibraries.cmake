@@ -1,5 +1,5 @@
 # The two outside libraries of the plugin: installed ones where an option asks for them, else the embedded subset.
-# The rest of the build links only qsclient_ctk and qsclient_qjson, which stand for either kind.
+# The rest of the build links only qsclient_ctk and qsclient_qjson, whichever kind they stand for.
 add_library(qsclient_ctk INTERFACE)
 add_library(qsclient_qjson INTERFACE)
 
@@ -7,7 +7,7 @@ if(NOT (QSCLIENT_USE_SYSTEM_CTK AND QSCLIENT_USE_SYSTEM_QJSON))
     add_subdirectory(framework)
 endif()
 
-# Headers that an installed library lacks are written here, a folder for each library.
+# Headers that an installed library lacks are generated here, in one folder per library.
 set(bridge ${CMAKE_BINARY_DIR}/bridge)
 
 if(QSCLIENT_USE_SYSTEM_CTK)

@@ -7,7 +7,7 @@ namespace {
 
 bool HasMethod(const QObject* pObject, const char* szMethod)
 {
-    // SIGNAL() and SLOT() put one character in front of the signature.
+    // SIGNAL() and SLOT() put one character before the signature.
     const QByteArray strSignature = QMetaObject::normalizedSignature(szMethod + 1);
     return pObject->metaObject()->indexOfMethod(strSignature.constData()) >= 0;
 }
@@ -18,7 +18,7 @@ void ConnectOnce(const VTConnection& connection)
     const bool bBoth = pSender && pReceiver;
     if (bBoth && QObject::connect(pSender, szSignal, pReceiver, szSlot, Qt::UniqueConnection))
         return;
-    // connect() also fails for a unique connection that exists already, which is no error.
+    // connect() also fails for a unique connection that exists already, which is not an error.
     if (bBoth && HasMethod(pSender, szSignal) && HasMethod(pReceiver, szSlot))
         return;
     qCritical("Signal %s of %s cannot be connected to %s of %s", szSignal + 1,

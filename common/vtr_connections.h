@@ -13,5 +13,5 @@ struct VTConnection
     const char* szSlot;
 };
 
-/// Makes connections, each once however often this is called. A connection that cannot be made is logged by its names.
+/// Makes each connection once, however often it is called; logs any that cannot be made.
 void VTConnect(std::initializer_list<VTConnection> lstConnection);

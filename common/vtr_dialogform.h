@@ -24,8 +24,8 @@ public:
     /// Restyles the form for a skin and gives it the skin's icon.
     void ApplySkin(const QString& strSkin) const;
 
-    /// Runs the form as a modal dialog until it closes. Does nothing when the form is no dialog or is open already. The
-    /// caller itself may have been deleted when this returns.
+    /// Runs the form as a modal dialog until it closes. Does nothing when the form is not a dialog or is open already.
+    /// The caller itself may have been deleted when this returns.
     void Exec() const;
     void Close() const;
 

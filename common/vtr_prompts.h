@@ -20,7 +20,7 @@ struct VTQuestion
 enum class VTAnswer {
     Refused,
     Agreed,
-    None ///< closed without a button, or there is no message-box service
+    None ///< the box was closed without a button, or there is no message-box service
 };
 
 /// Shows notices and questions of the window through the message-box service.

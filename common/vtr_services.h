@@ -30,12 +30,12 @@ struct VTServices
     // The statuses that the services' Show returned; some later requests pass them back.
     int nSettingsStatus = 0;
     int nCommunicationStatus = 0;
-    int nMessageBoxStatus = 0; // contract: kept, read by nobody, as the three below
+    int nMessageBoxStatus = 0; // contract: kept but never read, like the three below
     int nRenderCoreStatus = 0;
     int nConfigurationStatus = 0;
     int nPreviewerStatus = 0;
 
-    /// The logger, null when it is gone. Its interface is no QObject, so the pointer to its object is kept.
+    /// The logger; null when it is gone. Its interface is not a QObject, so a guarded pointer to its object is kept.
     VTLoggerInterface* Logger() const { return qobject_cast<VTLoggerInterface*>(pLoggerObject.data()); }
 
     /// @return whether both hold the same service objects, whatever their statuses.

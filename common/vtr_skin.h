@@ -17,7 +17,7 @@ QString OpenPageIconFile(const QString& strSkin);
 QIcon MainIcon(const QString& strSkin);
 
 /// Gives a widget the style sheet of a skin; a missing file counts as an empty sheet. The sheet is set only when it
-/// differs from the widget's present one, since parsing is expensive.
+/// differs from the widget's current one, since parsing is expensive.
 void ApplyStyleSheet(QWidget* pWidget, const QString& strSkin, const QString& strKey);
 
 /// Fills the form's background and gives it the skin's style sheet.

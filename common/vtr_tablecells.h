@@ -17,7 +17,7 @@ namespace VTTableCells {
 /// item is ignored.
 void SetAttributes(QTableWidgetItem* pItem, const QVariant& varData, const QString& strTip, bool bCheckable);
 
-/// @return the item of a cell, which is made when there is none yet. The table owns it.
+/// The item of a cell, created if missing. The table owns it.
 QTableWidgetItem* ItemAt(QTableWidget* pTable, int nRow, int nColumn);
 
 /// The data (`Qt::UserRole`) of a cell; invalid when there is no such cell.
@@ -29,10 +29,11 @@ void Write(QTableWidget* pTable, int nRow, int nColumn, const VTCell& cell);
 /// Makes a bar of 0 to 100 percent with visible text. The caller owns it until a table takes it.
 QProgressBar* NewProgressBar(int nPercent, const VTCodeTables& codeTables);
 
-/// Sets a bar to a percentage; the style sheet is parsed only when the band changes. Out of range shows an empty bar.
+/// Sets a bar to a percentage; the style sheet is parsed only when the band changes. A value out of range
+/// empties the bar.
 void SetProgress(QProgressBar* pBar, int nPercent, const QString& strStyle);
 
-/// Sets the bar of a cell to a percentage; makes the bar when there is none yet.
+/// Sets the bar of a cell to a percentage; creates the bar if missing.
 void WriteProgress(QTableWidget* pTable, int nRow, int nColumn, int nPercent, const VTCodeTables& codeTables);
 
 /// Writes all cells of a job's row.

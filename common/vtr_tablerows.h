@@ -5,7 +5,7 @@
 
 class QTableWidget;
 
-/// The rows of any of the client's tables: their identifiers and check boxes, which stand in `VTIdColumn`.
+/// The rows of any of the client's tables: their identifiers and check boxes, which are in `VTIdColumn`.
 namespace VTTableRows {
 
 /// Identifier of a row; empty when there is no such row.

@@ -25,7 +25,7 @@ bool SyncOne(const QString& strPath)
 
 bool VTSyncToDisk(const QString& strPath)
 {
-    // The folder may be new as well, so its own entry in the folder above is synced too.
+    // The folder itself may be new, so its entry in the folder above is synced too.
     const QString strFolder = QFileInfo(strPath).absolutePath();
     return SyncOne(strPath) && SyncOne(strFolder) && SyncOne(QFileInfo(strFolder).absolutePath());
 }

@@ -26,10 +26,10 @@ namespace {
 
 enum Page { StatusPage, GroupPage };
 
-/// Page on whose header the tool box offers its menu.
+/// Page whose header offers the context menu.
 constexpr int MenuPage = 2; // contract: the tool box has pages 0 and 1 only
 
-constexpr int StatusPageHeight = 290; // pixels, as the two below
+constexpr int StatusPageHeight = 290; // pixels, like the two below
 constexpr int SpaceBelowPanel = 60;
 constexpr int SpaceInPanel = 10;
 
@@ -190,7 +190,7 @@ void VTGroup::Login(QString strServer, QString strUsername, QString strToken, QS
     if (!IsBound())
         return;
     UpdateGroup();
-    // Opening each page once gives it its icon and size. The first page stays open.
+    // Each page gets its icon and size when it is opened. The first page stays open.
     for (int i = m_pToolBox->count(); i >= 0; --i)
         m_pToolBox->setCurrentIndex(i);
 }

@@ -27,13 +27,13 @@ class VTGroup : public QObject
     Q_OBJECT
 
 public:
-    /// None of the three is owned or null.
+    /// None is owned; none may be null.
     VTGroup(QWidget* mainForm, QWidget* wgtGroup, QDialog* inputDialog);
 
     /// @param services must live until Retire().
     void SetServices(const VTServices& services) { m_pServices = &services; }
 
-    /// Ends the use of the services for good. The services' owner goes before this object does.
+    /// Stops using the services, whose owner is deleted before this object.
     void Retire() { m_pServices = nullptr; }
 
     /// Builds the two pages and the menu. To be called once, before anything else.
@@ -46,11 +46,11 @@ public:
     int CurrentPage() const;
 
 signals:
-    /// The user has chosen a filter. The condition text is empty for all jobs.
+    /// The user has chosen a filter. An empty condition text stands for all jobs.
     void condition(QString strCondition);
 
 public slots:
-    /// Lists the groups of the file anew. If the current project is no longer among them, the first group becomes
+    /// Refills the list of groups from the file. If the current project is no longer among them, the first group becomes
     /// current.
     void UpdateGroup();
     void ChangeLanguage();
@@ -80,7 +80,7 @@ private:
 
     QPointer<QWidget> m_pMainForm;
     QPointer<QWidget> m_pWgtGroup;
-    QPointer<QToolBox> m_pToolBox; ///< as long as it exists, so do all widgets of the main form
+    QPointer<QToolBox> m_pToolBox; ///< while it exists, all widgets of the main form exist
     VTDialogForm m_inputForm;
     QLabel* m_pLblProject = nullptr;
     QLabel* m_pLblProjectV = nullptr;

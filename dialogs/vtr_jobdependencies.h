@@ -18,7 +18,8 @@ struct VTParentJob
     static VTParentJob FromEntry(const QString& strEntry);
 };
 
-/// Jobs that wait for other jobs: the account's dependency file, and the queue in which the parents are asked about.
+/// Jobs that wait for other jobs: the account's dependency file, and the queue of son groups whose parents are polled
+/// next.
 ///
 /// Jobs that were made to wait together are one son group. Its key is their ids joined by "&".
 class VTJobDependencies
@@ -29,7 +30,7 @@ public:
     QString Path() const { return m_file.Path(); }
 
     /// Makes a son group wait for the jobs of the entries and queues it.
-    /// @return whether this is on the disk. If not, it is in force until the client ends.
+    /// @return whether it was saved. If not, it holds until the client quits.
     bool Record(const QStringList& lstSon, const QStringList& lstParentEntry);
 
     bool HasQueued() const { return !m_lstQueue.isEmpty(); }
@@ -44,7 +45,7 @@ public:
     /// @return the keys of the son groups that wait for it and whose other parents have finished too.
     QStringList Finish(const QString& strJobId);
 
-    /// Removes a son group from the file. @return whether this is on the disk.
+    /// Removes a son group from the file. @return whether the file was saved.
     bool Release(const QString& strKey) const { return m_file.Remove(strKey); }
 
     static QStringList Sons(const QString& strKey) { return strKey.split(QLatin1Char('&')); }

@@ -3,7 +3,8 @@
 #include <QList>
 #include <QStringList>
 
-/// A job type to choose from: its key in the configuration file, its first part, and its second part, which is shown.
+/// A job type that the user can choose: its key in the configuration file, its first part, and its second part, which
+/// is shown.
 using VTJobType = QStringList;
 
 /// Reads the job types from the client's configuration file. The keys of its group "vtr.rendering" hold lists of

@@ -41,7 +41,7 @@ QString NameOf(const QString& strKey)
     strName.replace(SlashCode, QLatin1String("/"))
         .replace(BackslashCode, QLatin1String("\\"))
         .replace(PercentCode, QLatin1String("%"));
-    // A key that this class would not have written is a plain name of another program.
+    // A key that this class would not write comes from another program and is a plain name.
     return KeyOf(strName) == strKey ? strName : strKey;
 }
 
@@ -155,7 +155,7 @@ void VTListFile::Sync() const
 bool VTListFile::Save() const
 {
     Sync();
-    // A QSettings object keeps its first error for ever, so another object on the file tells the present state.
+    // A QSettings object never clears its first error, so a fresh one reports the current state.
     return QSettings(m_strPath, QSettings::IniFormat).status() == QSettings::NoError
         && VTSyncToDisk(m_strPath);
 }

@@ -15,7 +15,7 @@ struct VTNamedList
 
 /// Named string lists in one group of an INI file, in the form that QSettings reads and writes.
 ///
-/// Other programs may write the file at any time, so every call reads it anew. Each write replaces the whole file, so a
+/// Other programs may write the file at any time, so every call rereads it. Each write replaces the whole file, so a
 /// process that is killed leaves either the old file or the new one. If QSettings can read only part of the file, a
 /// copy is kept beside it ("….damaged"), since the next write drops the rest. Without a path all reads are empty and
 /// all writes fail.
@@ -37,8 +37,8 @@ public:
     QStringList Value(const QString& strName) const;
 
     /// Writes an entry.
-    /// @return whether it is on the disk. If not, the entry is kept while this object lives, and each later call tries
-    /// to write it again.
+    /// @return whether it is on the disk. If not, this object keeps the entry, and each later call tries to write it
+    /// again.
     bool Set(const QString& strName, const QVariant& varValue) const;
     bool Remove(const QString& strName) const;
 

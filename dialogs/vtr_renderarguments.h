@@ -26,7 +26,7 @@ struct VTImageArguments
     bool bPrerender = false;
 };
 
-/// Reads and writes the render arguments of a local task: a list with one map a group. The keys of a group's frames
+/// Reads and writes the render arguments of a local task: a list with one map per group. The keys of a group's frames
 /// contain its index. A missing group or key reads as 0, false or empty.
 namespace VTRenderArguments {
 

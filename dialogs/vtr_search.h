@@ -30,7 +30,7 @@ public:
     void InitWidgets();
 
 signals:
-    /// The user searches. The map belongs to the sender; a receiver may change it during the call.
+    /// The user has started a search. The map belongs to the sender; a receiver may change it during the call.
     void search(QVariantMap& mapCondition);
 
 public slots:

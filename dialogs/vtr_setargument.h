@@ -30,14 +30,14 @@ public:
     /// @param services must live until Retire().
     void SetServices(const VTServices& services) { m_pServices = &services; }
 
-    /// Ends the use of the services for good. The services' owner goes before this object does.
+    /// Stops using the services, whose owner is deleted before this object.
     void Retire() { m_pServices = nullptr; }
 
     /// Finds the form's widgets and connects them. To be called once, before anything else.
     void InitWidgets();
 
 signals:
-    /// The user has confirmed a task's arguments, one map a group.
+    /// The user has confirmed a task's arguments, one map per group.
     void setArgument(QString strId, QVariantList lstData);
 
 public slots:

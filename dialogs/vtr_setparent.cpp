@@ -139,7 +139,7 @@ void VTSetParent::TriggerSetParentOk()
         if (strParents.contains(strSon))
             return;
     }
-    // The file is written first: jobs that were stopped but not recorded would wait for ever.
+    // The file is written first: jobs that were stopped but not recorded would wait forever.
     const bool bSaved = m_jobDependencies.Record(lstSon, lstParent);
     m_pPollTimer->start();
     const QPointer<VTSetParent> pSelf(this);

@@ -22,8 +22,8 @@ struct VTServices;
 /// Controller of the set-parent dialog: makes the jobs checked in the job table wait for others.
 ///
 /// Waiting jobs are stopped and recorded in the account's dependency file. Once a second the farm is asked about the
-/// parents of the next son group, and when all of them have finished, the group's jobs are recovered. Requests to the farm
-/// leave as signals.
+/// parents of the next son group, and when all of them have finished, the group's jobs are recovered. Requests to the
+/// farm are emitted as signals.
 class VTSetParent : public QObject
 {
     Q_OBJECT
@@ -37,14 +37,14 @@ public:
     /// @param services must live until Retire().
     void SetServices(const VTServices& services) { m_pServices = &services; }
 
-    /// Ends the use of the services, the poll and a fill for good. The services' owner goes before this object does.
+    /// Stops the poll, a fill and the use of the services, whose owner is deleted before this object.
     void Retire();
 
     /// Finds the form's widgets and connects them. To be called once, before anything else.
     void InitWidgets();
 
     /// Ends the work under way for the session: a fill of the candidates stops at the next row, a poll or a recovery
-    /// after the present request, and a dialog that is about to open stays closed.
+    /// after the current request, and a dialog that is about to open stays closed.
     void EndSession();
 
 signals:

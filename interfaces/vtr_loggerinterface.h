@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// The host's log. The interface has no signals and is no QObject; its implementation is one.
+/// The host's log. The interface has no signals and is not a QObject; its implementation is one.
 class VTLoggerInterface : public VTBaseInterface
 {
 public:

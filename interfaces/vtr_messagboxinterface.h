@@ -20,7 +20,7 @@ public:
     /// @param nKind 2 for notices, 4 for questions.
     /// @param mapButtons object name ("btnMessageBox_1", "btnMessageBox_2") to translated caption.
     /// @param bFlag true when the detail is a list or notice of its own, false when it is the question itself.
-    /// @return object name of the button that was pressed; empty when the box was closed without one.
+    /// @return object name of the button that was pressed; empty if the box was closed in another way.
     virtual QString ShowMessage(int nKind, const QString& strTitle, const QString& strText, const QIcon& icon,
         const QString& strDetail, const QVariantHash& mapButtons, bool bFlag)
         = 0;

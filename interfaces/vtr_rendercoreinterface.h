@@ -38,16 +38,16 @@ public:
     virtual QString GetTaskStartTime(const QString& strTaskId) = 0;
     virtual QString GetTaskMessage(const QString& strTaskId) = 0;
 
-    /// 0 wait, 1 analyze, 2 compress, 3 checksum, 4 copysame, 5 upload, 6 uncompress, 7 submit.
+    /// The current stage: 0 wait, 1 analyze, 2 compress, 3 checksum, 4 copysame, 5 upload, 6 uncompress, 7 submit.
     virtual int GetTaskStage(const QString& strTaskId) = 0;
 
-    /// Progress of the present stage, 0 to 100 percent.
+    /// Progress of the current stage, 0 to 100 percent.
     virtual int GetTaskProgress(const QString& strTaskId) = 0;
 
     /// Text about the running upload, for example its speed.
     virtual QString GetTaskUploadText(const QString& strTaskId) = 0;
 
-    /// 0 no error, 9 the task waits for the user's consent to go on, any other a failure.
+    /// 0 no error, 9 the task waits for the user's consent to go on, any other code a failure.
     virtual int GetTaskErrorCode(const QString& strTaskId) = 0;
 
     /// Ids of all submissions, in display order.
@@ -69,7 +69,7 @@ public:
     virtual void RedownloadTasks(const QStringList& lstTaskId) = 0;
 
 public slots:
-    /// Replaces a task's render arguments; one map a group, as `GetTaskArguments` returns them.
+    /// Replaces a task's render arguments; one map per group, as `GetTaskArguments` returns them.
     virtual void SetArgument(QString strId, QVariantList lstData) = 0;
 
     /// Orders downloads.

@@ -38,13 +38,13 @@ public:
     virtual void OpenWindow(const QString& strKey) = 0;
 
     /// @param strSubMenu a sub-menu of strMenu; empty for the menu itself.
-    /// @return the menu, which the loader owns; null when there is none of that name.
+    /// @return the menu, which the loader owns; null when no menu has that name.
     virtual QMenu* GetMenu(const QString& strMenu, const QString& strSubMenu) = 0;
 
     /// Reads the skin's settings from an INI file.
     virtual void LoadSkinSettings(const QString& strIniFile) = 0;
 
-    /// Places the form's children for its present size, as the skin's INI file says.
+    /// Places the form's children for its current size, as the skin's INI file says.
     virtual void LayoutForm(QWidget* pForm, const QString& strIniFile) = 0;
 
 signals:

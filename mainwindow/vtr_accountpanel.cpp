@@ -35,7 +35,7 @@ void VTAccountPanel::StartPolling() const
 {
     RequestUserInfo();
     m_deps.timers.pUserInfo->start(VTTimers::UserInfoInterval);
-    // contract: made again at every sign-in, so that after a second one each timeout requests twice
+    // contract: connected again at every sign-in, so that after the second one each timeout sends two requests
     QObject::connect(m_deps.timers.pUserInfo, SIGNAL(timeout()), m_deps.pWindow, SLOT(GetUserInfo()));
 }
 

@@ -25,7 +25,7 @@ public:
     void ShowUser(const QString& strName) const;
 
     /// Requests the user's information at once and every 30 seconds from then on. Each further call makes every timeout
-    /// send one request more.
+    /// send one more request.
     void StartPolling() const;
     void StopPolling() const;
 

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// Sheet of the language button; %1 is the name of the language's image.
+/// Style sheet of the language button; %1 is the name of the language's image.
 const QString& LanguageButtonSheet()
 {
     static const QString strSheet

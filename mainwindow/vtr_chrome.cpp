@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Time after which a maximised or restored form has its new size.
+/// Time after which a maximised or restored form is sure to have its new size.
 constexpr int NewSizeDelay = 100; // ms
 
 } // namespace
@@ -49,7 +49,7 @@ void VTChrome::Maximize()
     m_sizeDelta = m_form.pForm->screen()->availableSize() - m_form.pForm->size();
     m_form.tbwContainer->setFixedSize(m_form.tbwContainer->size() + m_sizeDelta);
     AnnounceNewSize();
-    m_form.pForm->showMaximized(); // last: the form may not outlive its own events, nor this object the form
+    m_form.pForm->showMaximized(); // last: its events may delete the form, and with it this object
 }
 
 void VTChrome::Restore()

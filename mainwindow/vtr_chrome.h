@@ -11,7 +11,7 @@ class VTPrompts;
 struct VTMainForm;
 struct VTServices;
 
-/// The frame of the main form: showing it, its size and layout, and quitting.
+/// Shows, sizes and lays out the main form, and quits.
 class VTChrome : public QObject
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
@@ -33,7 +33,7 @@ public:
     /// Lays the main form out when the event resizes it. @return whether the event is consumed.
     bool HandleEvent(const QObject* pObject, const QEvent* pEvent) const;
 
-    /// Asks, then hands all local tasks back to the render core and ends the application.
+    /// Asks, then tells the render core that the session's local tasks end (they are kept), and ends the application.
     void AskToQuit();
 
 private:

@@ -56,7 +56,7 @@ VTConcerns::VTConcerns(
 
 VTConcerns::~VTConcerns()
 {
-    // The controllers are deleted a moment after this object, when the services may be gone already.
+    // The controllers are deleted shortly after this object, when the services may be gone already.
     pSetArgument->Retire();
     pSetParent->Retire();
     pGroup->Retire();

@@ -37,7 +37,7 @@ struct VTTimers;
 template <typename Controller>
 using VTController = QScopedPointer<Controller, QScopedPointerDeleteLater>;
 
-/// The built window: forms, dialog controllers, and the concerns that share them, each after its dependencies.
+/// The built window: forms, dialog controllers and concerns, each declared after what it depends on.
 struct VTConcerns
 {
     /// @param pWindow parent of tray icon and menus; all must outlive this object.
@@ -45,7 +45,7 @@ struct VTConcerns
         QWidget* pWindow, const VTServices& services, const VTCodeTables& codeTables, const VTTimers& timers);
     ~VTConcerns();
 
-    /// The objects that are not deleted with this one but left to the event loop: dialog controllers and forms.
+    /// The dialog controllers and forms, which are not deleted with this object but left to the event loop.
     QVector<QPointer<QObject>> DeferredDeletions() const;
 
     VTSession session;

@@ -60,7 +60,7 @@ void VTContextMenus::RunSubmitMenu()
     if (!pTable->item(nRow, VTTaskColumn::SceneFile))
         return;
     if (m_settings.OffersArguments() && HasArguments(nRow))
-        m_submitMenu.addAction(pSetArgument); // not added again when it is there
+        m_submitMenu.addAction(pSetArgument); // adding it again does not duplicate it
     else
         m_submitMenu.removeAction(pSetArgument);
     Run(m_submitMenu);

@@ -9,7 +9,7 @@ class VTAccountSettings;
 class VTTables;
 struct VTMainForm;
 
-/// The context menus of the three tables. Each opens at the cursor, at most once for a press on a row.
+/// The context menus of the three tables. Each opens at the cursor, at most once per press on a row.
 class VTContextMenus : public QObject
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)

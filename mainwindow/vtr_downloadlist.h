@@ -14,7 +14,7 @@ struct VTMainForm;
 struct VTServices;
 struct VTTimers;
 
-/// The list of downloads, a page at a time, read from the render core's live map and refreshed in place.
+/// The list of downloads, shown page by page from the render core's live map and refreshed in place.
 class VTDownloadList : public QObject
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)

@@ -16,7 +16,8 @@ Form* Load(VTUiLoaderInterface* pUiLoader, const QString& strKey)
     QWidget* pLoaded = pUiLoader ? pUiLoader->LoadUi(strKey, nullptr) : nullptr;
     if (auto* pForm = qobject_cast<Form*>(pLoaded))
         return pForm;
-    qCritical("Form %s is missing or is no %s", qUtf8Printable(strKey), Form::staticMetaObject.className());
+    qCritical(
+        "Form %s is missing or is not a %s", qUtf8Printable(strKey), Form::staticMetaObject.className());
     auto* pStandIn = new Form;
     if (pLoaded)
         pLoaded->setParent(pStandIn);

@@ -7,8 +7,8 @@
 class QDialog;
 class VTUiLoaderInterface;
 
-/// The five forms of the client as the loader builds them. They are scheduled for deletion when this object goes,
-/// except those that the loader has given a parent.
+/// The client's five forms, built by the loader. They are scheduled for deletion when this object is destroyed, except
+/// those to which the loader has given a parent.
 ///
 /// A form that the loader does not have is logged and replaced by an empty one, so none is null at first. The host may
 /// destroy a form at any time.
@@ -20,7 +20,7 @@ public:
     VTForms(const VTForms&) = delete;
     VTForms& operator=(const VTForms&) = delete;
 
-    /// The forms that still exist and are scheduled for deletion when this object goes.
+    /// The forms that still exist and are scheduled for deletion when this object is destroyed.
     QVector<QWidget*> Owned() const;
 
     // In the order in which they are loaded.

@@ -44,7 +44,7 @@ void VTJobActions::Delete()
     const VTAnswer answer = m_deps.prompts.AskToConfirm(tr("Are you sure to delete these jobs?"));
     if (answer != VTAnswer::Agreed || !pThis)
         return;
-    // The consent holds for the tab and the session in which the question was asked.
+    // The consent is valid only for the tab and the session in which the question was asked.
     if (CurrentTab() != nTab || m_deps.session.bSignedIn != bSignedIn)
         return;
     const QStringList lstId = m_deps.tables.CheckedIds(nTab);

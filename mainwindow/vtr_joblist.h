@@ -38,11 +38,11 @@ public:
     /// Everything in `dependencies` must outlive this object.
     explicit VTJobList(const Dependencies& dependencies);
 
-    /// Requests a page with conditions; an empty text filters nothing.
-    /// @param nFlag 0 for the job table, any other for the candidates of the set-parent dialog, up to 1000 a page.
+    /// Requests a page with conditions; an empty text does not filter.
+    /// @param nFlag 0 for the job table; any other value for the set-parent dialog's candidates, up to 1000 per page.
     void Request(int nPage, const QString& strConditions, int nFlag) const;
 
-    /// Requests a page with the conditions in force.
+    /// Requests a page with the current conditions.
     void RequestPage(int nPage) const { Request(nPage, m_strConditions, 0); }
     void RequestCurrentPage() const;
 
@@ -59,7 +59,7 @@ public:
     /// Orders the download of the checked jobs, or of the current row when none is checked.
     void OrderDownloads();
 
-    /// Lets the next session hand over finished jobs that were handed over before.
+    /// Forgets which finished jobs were handed over, so that the next session hands them over again.
     void ForgetHandedOver() { m_setHandedOver.clear(); }
 
 signals:

@@ -9,7 +9,7 @@
 
 #include <array>
 
-/// The widgets of the main form, found by object name. None is owned, and none is null: a missing one is logged and
+/// The widgets of the main form, found by object name. None is owned or null: a missing one is logged and
 /// replaced by a hidden stand-in.
 struct VTMainForm
 {
@@ -36,7 +36,7 @@ struct VTMainForm
     QPushButton* btnSubmit;
     QCheckBox* chkAll;
 
-    QTreeView* myRender; // contract: found, used by nobody
+    QTreeView* myRender; // contract: found but never used
     QWidget* wgtGroup;
 
     QTabWidget* tbwContainer;
@@ -55,7 +55,7 @@ struct VTMainForm
     QLabel* lblVersionV;
     QLabel* lblChargeC;
     QLabel* lblCharge;
-    QLabel* lblChargeV; // contract: found, used by nobody
+    QLabel* lblChargeV; // contract: found but never used
     QPushButton* btnRecharge;
 
     QPushButton* btnNextPage;
@@ -68,7 +68,7 @@ struct VTMainForm
     /// All buttons of the page bar, from right to left.
     std::array<QPushButton*, 9> PageButtons() const;
 
-    /// Table of a tab, null for a tab that has none.
+    /// Table of a tab; null for a tab that has none.
     QTableWidget* Table(int nTab) const;
     QTableWidget* CurrentTable() const { return Table(tbwContainer->currentIndex()); }
 

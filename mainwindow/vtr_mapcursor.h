@@ -3,13 +3,13 @@
 #include <QString>
 #include <QVariantMap>
 
-/// Finds the entry with a given index in a map of another owner, without copying the map or its keys.
+/// Finds the entry with a given index in a map that somebody else owns, without copying the map or its keys.
 ///
-/// It walks from the nearest known place: the beginning, the end, or the place of the last search.
+/// It steps from the nearest known place: the beginning, the end, or the place of the last search.
 class VTMapCursor
 {
 public:
-    /// @return the entry with this index in key order, the end when there is none.
+    /// @return the entry with this index in key order, or the end when there is none.
     QVariantMap::const_iterator At(const QVariantMap& map, int nIndex);
 
     /// To be called when entries may have been added or removed.

@@ -22,7 +22,7 @@ public:
     /// Draws the bar for a list with its stored number of records.
     void Redraw(int nList) { Show(nList, State(nList).nTotalRecords); }
 
-    /// Moves a list as a button of the bar says. @return whether a page is to be shown.
+    /// Moves the list for a click on a page button. @return whether a page is to be shown.
     bool Click(const QPushButton* pButton, int nList);
 
     /// Corrects a list's position after rows were deleted and redraws the bar. @return the page to show.

@@ -2,7 +2,7 @@
 
 #include <array>
 
-/// The client's three lists. Their numbers are also those of the tabs.
+/// The client's three lists, numbered like their tabs.
 namespace VTList {
 enum { Jobs, LocalTasks, Downloads, Count };
 }
@@ -22,17 +22,17 @@ struct VTPageState
     int nCurrentGroup = 1;
     int nTotalRecords = 0;
 
-    /// Computes pages and groups for a number of records. The position is left alone.
+    /// Computes pages and groups for a number of records. The position does not change.
     void Recount(int nRecords);
 
-    /// Goes back to page 1 of one page. The number of records is kept.
+    /// Resets to page 1 of 1. The number of records is kept.
     void ResetPosition();
 
     /// @param nPage the page to go to, for Step::Page only.
     /// @return whether the page is to be shown; false when there is no page in that direction.
     bool Move(Step step, int nPage = 0);
 
-    /// Goes one page back when the current page lies behind the last of nRecords.
+    /// Goes one page back when the current page lies beyond the last of `nRecords` records.
     void StepBackWhenBeyond(int nRecords);
 
     /// Goes one page back when a deletion has just emptied the current page, and to the group of the current page.

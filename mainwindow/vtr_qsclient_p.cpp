@@ -52,7 +52,7 @@ void VTQsClientPrivate::DropConcerns()
 
 void VTQsClientPrivate::ConnectConcerns()
 {
-    // Without its main form the window is as if it had never been built.
+    // Without its main form the window returns to the state before it was built.
     m_formDestroyed
         = connect(m_pConcerns->form.pForm, &QObject::destroyed, this, &VTQsClientPrivate::DropConcerns);
 
@@ -90,7 +90,7 @@ void VTQsClientPrivate::ShowTrayIcon()
     Forward(&VTConcerns::tray, &VTTray::Show);
 }
 
-// ---- The contract's slots in their order: forwards to the concerns that act. ----
+// ---- The contract's slots in their order; each forwards to the concern that acts. ----
 
 void VTQsClientPrivate::ChangeSkin(QString strSkin)
 {

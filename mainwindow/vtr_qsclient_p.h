@@ -23,8 +23,9 @@ struct VTConcerns;
 
 /// The client's main window and private part of the service object.
 ///
-/// It carries the contract with host and services: signals and slots in a fixed order. A slot is one forward to the
-/// concern that acts; four that need none do their one thing here. Until `BuildInterface` has run there is neither form nor concern, and every slot is harmless.
+/// It carries the contract with host and services: signals and slots in a fixed order. A slot forwards to the
+/// concern that acts; the four that need no concern are complete here. Until `BuildInterface` has run there is neither
+/// form nor concern, and every slot is harmless.
 class VTQsClientPrivate : public QWidget
 {
     Q_OBJECT
@@ -33,7 +34,7 @@ public:
     explicit VTQsClientPrivate(QWidget* pParent = nullptr);
     ~VTQsClientPrivate() override;
 
-    /// The services as far as they are attached; the service object fills them in.
+    /// The services attached so far; the service object fills them in.
     VTServices& Services() { return m_services; }
 
     /// Builds forms, concerns and connections for the attached services, unless they are built for the same ones
@@ -43,10 +44,10 @@ public:
     void ShowForm();
     void ShowTrayIcon();
 
-    /// Stores the render core's present list of local tasks.
+    /// Stores the render core's current list of local tasks.
     void CacheSubmitTasks();
 
-    /// The objects that are not deleted with the window but left to the event loop: dialog controllers and forms.
+    /// The dialog controllers and forms, which are not deleted with the window but left to the event loop.
     QVector<QPointer<QObject>> DeferredDeletions() const;
 
 signals:
@@ -130,9 +131,9 @@ private:
     VTServices m_builtFor;
     VTCodeTables m_codeTables;
     VTTimers m_timers;
-    QStringList m_lstSubmitTask; // contract: kept, read by nobody
+    QStringList m_lstSubmitTask; // contract: kept but never read
     QMetaObject::Connection m_formDestroyed;
-    /// Objects that earlier concerns, built for other services, have left to the event loop.
+    /// Objects that concerns built for earlier services have left to the event loop.
     QVector<QPointer<QObject>> m_lstDeferred;
     std::unique_ptr<VTConcerns> m_pConcerns;
 };

@@ -5,9 +5,9 @@
 
 #include <optional>
 
-/// Reports that wait for the user's answer, one a task, in the order of the task ids.
+/// Reports that wait for the user's answer, one per task, in the order of the task ids.
 ///
-/// Only one question is open at a time: `Take` gives nothing until `Answered` is called for the previous report.
+/// Only one question is open at a time: `Take` returns nothing until `Answered` is called for the previous report.
 class VTQuestionQueue
 {
 public:

@@ -6,8 +6,8 @@ class VTCommunicationInterface;
 struct VTSession;
 struct VTServices;
 
-/// Makes requests in the session's name and sends them to the communication service. Without the service nothing is
-/// sent.
+/// Makes requests with the session's credentials and sends them to the communication service. Without the service
+/// nothing is sent.
 class VTRequests
 {
 public:

@@ -16,7 +16,7 @@ struct VTServices;
 struct VTSession;
 struct VTTimers;
 
-/// The beginning and the end of a session.
+/// Begins and ends sessions.
 class VTSignIn : public QObject
 {
     Q_OBJECT
@@ -41,10 +41,10 @@ public:
     /// Everything in `dependencies` must outlive this object.
     explicit VTSignIn(const Dependencies& dependencies);
 
-    /// Begins the session of a successful answer; ignores any other.
+    /// Begins a session when the answer reports success; otherwise does nothing.
     void HandleSignInAnswer(int nRet, const QVariantMap& mapAnswer);
 
-    /// Asks the farm to end the session, and hands all local tasks back to the render core.
+    /// Asks the farm to end the session, and tells the render core that its local tasks end (they are kept).
     void RequestSignOut() const;
 
     /// Ends the session, whether or not the farm reports success.

@@ -23,7 +23,7 @@ constexpr int StageCopySame = 4;
 constexpr int StageUpload = 5;
 constexpr int ErrorAwaitsUser = 9;
 
-/// Sets a text only when it differs: for an item that had none, even an empty text counts as a change.
+/// Sets a text only when it differs: an item without a text takes even an empty one for a change.
 void SetText(QTableWidgetItem* pItem, int nRole, const QString& strText)
 {
     if (pItem->data(nRole).toString() != strText)
@@ -120,8 +120,8 @@ QVector<int> VTSubmitList::PlacesOfRows(const QStringList& lstId) const
         else
             mapMoved.insert(strTaskId, nRow);
     }
-    // Tasks that are not at their expected place are searched for in one walk outwards: most have moved by a few places
-    // only, so a page costs the same however long the list is.
+    // One search, outwards from the expected place, finds all tasks that have moved. Most have moved by a few places, so
+    // it is short however long the list is; it covers the whole list only when a task has gone.
     const int nFarthest = qMax(m_nFirstPlace, lstId.size() - m_nFirstPlace);
     for (int nDistance = 0; nDistance <= nFarthest && !mapMoved.isEmpty(); ++nDistance) {
         for (const int nPlace : {m_nFirstPlace - nDistance, m_nFirstPlace + nDistance}) {
@@ -172,7 +172,7 @@ void VTSubmitList::RefreshRow(int nRow, const QString& strTaskId)
         qMax(0, renderCore.GetTaskProgress(strTaskId)), m_deps.codeTables);
     const QString strMessage = tr(qUtf8Printable(renderCore.GetTaskMessage(strTaskId)));
 
-    // The arguments are known once the scene is analysed. They are read only once a row, so that edits stay.
+    // The arguments are known once the scene is analysed. They are read once per row, so that edits survive.
     if (nStage >= StageChecksum && !pStartTime->data(Qt::UserRole).toBool()) {
         VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::SceneFile)
             ->setData(Qt::UserRole, renderCore.GetTaskArguments(strTaskId));

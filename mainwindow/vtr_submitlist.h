@@ -14,7 +14,7 @@ struct VTMainForm;
 struct VTServices;
 struct VTTimers;
 
-/// The list of local submission tasks, a page at a time, refreshed in place.
+/// The list of local submission tasks, shown page by page and refreshed in place.
 class VTSubmitList : public QObject
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
@@ -44,14 +44,14 @@ public:
     /// Updates the rows on the screen and removes those whose task has gone.
     void Refresh();
 
-    /// Deletes tasks in the user's name and shows the remaining ones.
+    /// Deletes tasks as the user's own deletion and shows the remaining ones.
     void Delete(const QStringList& lstTaskId);
 
     /// Tells the render core to go on with the task of the current row.
     void ContinueCurrent() const;
 
-    /// Handles a double click on a warning: explains a failure, or asks whether to go on with a task that waits for the
-    /// user.
+    /// Handles a double click on a warning: explains a failure, or asks whether a task that waits for the user is to go
+    /// on.
     void HandleDoubleClick(int nRow, int nColumn);
 
 private:
@@ -60,7 +60,7 @@ private:
     void RefreshWarning(QTableWidgetItem* pWarn, const QString& strMessage, int nStage, int nError) const;
     QString StageText(int nStage) const;
 
-    /// @return for each row the index of its task in the list, -1 for one that has gone.
+    /// @return for each row the index of its task in the list, or -1 if the task has gone.
     QVector<int> PlacesOfRows(const QStringList& lstId) const;
 
     Dependencies m_deps;

@@ -17,7 +17,7 @@ public:
     /// Handles a press on a row of the current tab: the right button checks the row, any other toggles it.
     void Press(int nRow);
 
-    /// Row of the last press, -1 when there was none since the last menu.
+    /// Row of the last press; -1 if there was none since the last menu.
     int PressedRow() const { return m_nPressedRow; }
 
     /// Forgets the last press, so that the next context menu needs another one.

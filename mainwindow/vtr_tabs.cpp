@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Page of the group panel on which a tab change reads the current project's conditions anew.
+/// Page of the group panel on which a tab change rereads the current project's conditions.
 constexpr int GroupPageOfConditions = 2; // contract: the panel has pages 0 and 1 only
 
 } // namespace

@@ -14,7 +14,7 @@ struct VTMainForm;
 struct VTServices;
 struct VTTimers;
 
-/// Switches list, page bar, toolbar and timers with the tab in front.
+/// Switches list, page bar, toolbar and timers when another tab comes to the front.
 class VTTabs
 {
 public:
@@ -38,7 +38,7 @@ public:
     /// Sets page bar, toolbar and timers for the tab that has come to the front, and shows its current page.
     void HandleChange(int nTab);
 
-    /// Moves the current tab's list as a button of the page bar says, and shows the page.
+    /// Moves the list for a click on a page button, and shows the page.
     void HandlePageButton(const QObject* pButton);
 
     /// Filters the farm's jobs by conditions from the group panel: brings their tab to the front and requests page 1.

@@ -5,7 +5,7 @@
 /// The window's six timers, all stopped at first. They are children of the window.
 struct VTTimers
 {
-    static constexpr int JobListInterval = 15000; // ms, as the two below
+    static constexpr int JobListInterval = 15000; // ms, like the two below
     static constexpr int UserInfoInterval = 30000;
     static constexpr int TickInterval = 1000;
 
@@ -13,7 +13,7 @@ struct VTTimers
         : pSubmitList(New(pWindow, TickInterval))
         , pJobList(New(pWindow, JobListInterval))
         , pDownloadList(New(pWindow, TickInterval))
-        , pUserInfo(new QTimer(pWindow)) // its interval is set at its start
+        , pUserInfo(new QTimer(pWindow)) // its interval is set when it starts
         , pLackTexture(New(pWindow, TickInterval))
         , pUploadRetry(New(pWindow, TickInterval))
     {

@@ -31,7 +31,7 @@ public:
     /// Shows the server's name in one entry in front of the quit entry, however often it is called.
     void ShowServer(const QString& strServer);
 
-    /// Brings the main form to the front on a double click, or the sign-in window while nobody is signed in.
+    /// On a double click, brings the main form to the front, or the sign-in window while nobody is signed in.
     void Activate(QSystemTrayIcon::ActivationReason reason) const;
 
     /// Shows a balloon for a downloaded file.

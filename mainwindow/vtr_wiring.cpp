@@ -12,7 +12,7 @@
 
 #include <QApplication>
 
-// The signatures are part of the contract with the services, so they are written here as the services declare them.
+// The signatures are part of the contract with the services, so they are spelled here as the services declare them.
 // clang-format off
 namespace {
 

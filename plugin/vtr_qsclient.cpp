@@ -21,7 +21,7 @@ constexpr int BadRequest = -4;
 
 VTQsClient* g_pInstance = nullptr;
 
-/// A service to look up by its interface name. The line marks it in the diagnostics.
+/// A service to look up by its interface name. `nLine` is reported as the source line (contract).
 struct ServiceEntry
 {
     const char* szInterface;
@@ -99,7 +99,7 @@ QVector<QPointer<VTBaseAppInterface>> Applications(ctkPluginContext* pContext)
     return lstApplication;
 }
 
-/// Calls something of the host's applications; an exception is logged and ends here.
+/// Calls the host's applications through `call`; logs any exception instead of passing it on.
 template <typename Call>
 void CallLogged(Call call)
 {
@@ -112,7 +112,7 @@ void CallLogged(Call call)
     }
 }
 
-/// Calls each of the host's applications. An exception from one does not keep the others from being called.
+/// Calls each of the host's applications, even if one of them throws.
 template <typename Call>
 void CallApplications(ctkPluginContext* pContext, Call call)
 {
@@ -138,7 +138,7 @@ VTQsClient::~VTQsClient()
 {
     Uninitialize();
     DeleteWindow();
-    // Nothing of the plugin may be left to the event loop, which can run when the plugin's code is gone.
+    // On systems other than Linux the library may be unloaded next, so nothing may be left to the event loop.
     for (const QPointer<QObject>& pObject : qAsConst(m_lstDeferred))
         delete pObject.data();
     if (g_pInstance == this)
@@ -245,7 +245,7 @@ int VTQsClient::Uninitialize()
         }
         if (VTLoggerInterface* pLogger = services.Logger())
             pLogger->Uninitialize();
-        // Released services are not used any more; a later Initialize attaches anew.
+        // Released services are not used any more; a later Initialize attaches them again.
         services = VTServices();
     }
     Hide(QVariant(m_nWindowState));

@@ -20,8 +20,8 @@ public:
     VTQsClient();
     ~VTQsClient() override;
 
-    /// @return the service object created last, null when there is none.
-    static VTQsClient* Instance(); // contract: called by nobody
+    /// The service object created last; null when there is none.
+    static VTQsClient* Instance(); // contract: never called
 
     /// Attaches the services found through the context under "plugin_context" and builds the window.
     int Initialize(const QVariantMap& mapParameters) override;

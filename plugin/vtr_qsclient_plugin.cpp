@@ -11,8 +11,8 @@
 namespace {
 
 /// Creates the thread storage in which Qt looks up the OpenGL context when it deletes a window. A stopping CTK destroys
-/// a thread storage of its own, and the next one created gets its slot with the stale value in it. Created only then, this
-/// storage would make the deletion crash, so it is created before.
+/// a thread storage of its own; the next storage created reuses its slot, stale value included. If that were Qt's, the
+/// deletion would crash, so Qt's is created first.
 void PrepareToDeleteWindows()
 {
 #ifndef QT_NO_OPENGL
@@ -26,7 +26,8 @@ VTQsClientPlugin::VTQsClientPlugin() = default;
 
 VTQsClientPlugin::~VTQsClientPlugin()
 {
-    // A host that ends without a stop has this object deleted after its application; widgets cannot be deleted then.
+    // If the host exits without stopping the plugin, this object dies after the QApplication, when widgets can no longer
+    // be deleted.
     if (!QCoreApplication::instance())
         m_pService.release(); // NOLINT(bugprone-unused-return-value)
 }

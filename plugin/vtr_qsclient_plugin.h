@@ -24,8 +24,8 @@ public:
     /// Called on the GUI thread.
     void start(ctkPluginContext* context) override;
 
-    /// Deletes the service object; harmless without a start. On another thread than the GUI's, which is where CTK
-    /// stops a whole framework, the deletion is left to the GUI thread's event loop.
+    /// Deletes the service object. Does nothing if not started. Called off the GUI thread (CTK stops a whole framework
+    /// there), it leaves the deletion to the GUI thread's event loop.
     void stop(ctkPluginContext* context) override;
 
 private:

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Checks the formatting of the whole tree, then runs clang-tidy and clazy on the sources that changed.
-#   scripts/lint.sh                since the branch left its upstream, uncommitted work included
+#   scripts/lint.sh                since the branch left its upstream, uncommitted work included; only the latter if
+#                                  there is no upstream
 #   scripts/lint.sh --since REV    since a commit
 #   scripts/lint.sh --all          on every source
 # Needs a configured and built build/release, whose compile commands it uses.
@@ -21,13 +22,13 @@ esac
 
 git ls-files -z --cached --others --exclude-standard '*.cpp' '*.h' | xargs -0 -n 40 -P "$jobs" clang-format --dry-run -Werror
 
-# A changed header is looked at through the source of its name; a source that no target compiles has no flags.
+# A changed header is checked through the source of the same name; a source that no target compiles has no flags.
 sources=$(printf '%s\n' $files | sed -E 's/\.h$/.cpp/' | sort -u | while read -r source; do
     [ -n "$source" ] && grep -qF "$PWD/$source\"" $build/compile_commands.json && printf '%s\n' "$source"
 done || true)
 [ -n "$sources" ] || { echo "lint: formatting is clean; no source has changed"; exit 0; }
 
-echo "lint: formatting is clean; looking at $(printf '%s\n' "$sources" | wc -l) sources"
+echo "lint: formatting is clean; checking $(printf '%s\n' "$sources" | wc -l) sources"
 printf '%s\n' "$sources" | xargs -n 2 -P "$jobs" clang-tidy -p $build --quiet 2>/dev/null
 # clazy reports without failing.
 findings=$(printf '%s\n' "$sources" | xargs -n 4 -P "$jobs" clazy-standalone -p $build -checks=level1 2>/dev/null | grep -F '[-Wclazy-' | sort -u || true)

@@ -30,7 +30,7 @@ install_packages() {
         exit 1
     fi
     say "Installing:$missing"
-    # A machine that was never updated knows no packages; one that was may know enough.
+    # Try first without an update: the lists may be recent enough.
     export DEBIAN_FRONTEND=noninteractive
     # shellcheck disable=SC2086
     $as_root apt-get install -y --no-install-recommends $missing >/dev/null 2>&1 || {

@@ -1,10 +1,10 @@
-# Fails and names each include that reaches from a room into one that it must not use.
+# Fails and lists each include by which a room reaches into one that it must not use.
 #   cmake -DROOT=<folder of the rooms> -P CheckIncludes.cmake
 cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/Rooms.cmake)
 
-# The room of an included header; headers of interfaces/ are included by their bare names. Empty for a header that is
-# none of ours.
+# The room of an included header; headers of interfaces/ are included by their bare names. Empty for a header
+# of another project.
 function(room_of_include variable header)
     if(header MATCHES "/")
         room_of(room "${header}")

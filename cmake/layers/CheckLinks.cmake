@@ -1,8 +1,8 @@
 # Stops the configuration when a target of a room links one of a room that it must not use, or a Qt module that it must
-# not need. Included last, when all targets are there.
+# not use. Included last, when all targets are there.
 include(${CMAKE_CURRENT_LIST_DIR}/Rooms.cmake)
 
-# Why a target of a room must not link a library; empty when it may.
+# The reason why a target must not link a library; empty when it may.
 function(link_fault variable target room library)
     set(fault "")
     if(library MATCHES "^Qt5::" AND room IN_LIST PLUGIN_ROOMS)

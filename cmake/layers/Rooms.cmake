@@ -1,5 +1,5 @@
-# The rooms of the tree, from the bottom up. A room is a folder; each uses itself and the rooms named behind it, which all
-# stand above it in this list, so no arrow runs upward and there is no circle.
+# The rooms of the tree, each after the rooms that it uses. A room is a folder; it may use itself and the rooms named
+# behind its colon. All of those precede it in this list, so there are no cycles.
 set(ROOM_RULES
     "interfaces:"
     "common: interfaces"
@@ -30,7 +30,7 @@ set(ROOM_RULES
 # The client's own rooms link no Qt module but these; D-Bus serves one file and may be missing.
 set(PLUGIN_ROOMS interfaces common dialogs mainwindow plugin)
 set(PLUGIN_QT_MODULES Core Gui Widgets DBus)
-# Libraries with this ending see no widgets.
+# Libraries named "…_logic" link these only.
 set(LOGIC_QT_MODULES Core)
 
 # room_of(<variable> <path>): the innermost room that holds a file or folder, named from the root; empty for none.

@@ -17,7 +17,7 @@ ctkPluginFramework::ctkPluginFramework(const QSharedPointer<FrameworkCore>& core
 ctkPluginFramework::~ctkPluginFramework()
 {
     ctkPluginFramework::stop();
-    // The core holds the plugins and they hold the core, so this breaks the circle.
+    // Core and plugins hold shared pointers to each other; this breaks the cycle.
     Core().plugins.clear();
 }
 

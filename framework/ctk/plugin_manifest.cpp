@@ -40,7 +40,7 @@ ManifestHeaders ParseManifest(const QByteArray& text)
     for (const QByteArray& line : UnfoldedLines(text)) {
         const int colon = line.indexOf(':');
         if (colon < 1)
-            RefuseManifest(QStringLiteral("\"%1\" is no header").arg(QString::fromUtf8(line)));
+            RefuseManifest(QStringLiteral("\"%1\" is not a header").arg(QString::fromUtf8(line)));
         headers.insert(
             QString::fromUtf8(line.left(colon)).trimmed(), QString::fromUtf8(line.mid(colon + 1)).trimmed());
     }

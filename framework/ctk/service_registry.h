@@ -9,7 +9,7 @@
 
 class ctkPlugin;
 
-/// One registered service; shared by the registry, the references and the registration.
+/// One registered service, shared by the registry, the references and the registration.
 struct ServiceEntry
 {
     qlonglong id;
@@ -20,7 +20,7 @@ struct ServiceEntry
     bool registered = true;
     QHash<const ctkPlugin*, int> uses;
 
-    /// Whether the service is registered and its object exists; the registrant may destroy that without a word.
+    /// Whether the service is registered and its object exists; the registrant may destroy it without unregistering.
     bool IsLive() const { return registered && object; }
     bool ComesBefore(const ServiceEntry& other) const;
     void Withdraw();

@@ -104,7 +104,7 @@ private slots:
         QVERIFY(ReadFile(m_path).contains("name=value"));
     }
 
-    // A power cut loses what a kill does not: bytes and names that are not on the disk yet.
+    // Unlike a kill, a power cut loses bytes and names that are not on the disk yet.
     void IsOnTheDiskBeforeItIsAcknowledged()
     {
         const VTListFile file(m_path, "group"_s);
@@ -125,7 +125,7 @@ private slots:
         QElapsedTimer timer;
         timer.start();
         QVERIFY(file.Set("name"_s, QString()));
-        QVERIFY(timer.elapsed() < 25000); // such a lock would hold QSettings up for 30 s
+        QVERIFY(timer.elapsed() < 25000); // QSettings would wait 30 s for such a lock
     }
 
     void LosesNothingWhenKilled()

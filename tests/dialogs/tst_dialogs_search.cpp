@@ -6,7 +6,7 @@
 #include <QLineEdit>
 #include <QStyledItemDelegate>
 
-/// The search form: its choices, and the conditions that a search makes of its fields.
+/// The search form: its choices, and the conditions that a search makes from its fields.
 class TestSearch : public ClientTest
 {
     Q_OBJECT

@@ -51,7 +51,7 @@ private:
             context.installPlugin(qApp->property("location").toUrl())->start();
     }
 
-    // Lives on after a stop, so that only the framework can withdraw the service.
+    // Outlives a stop, so that only the framework can withdraw the service.
     Greeter m_greeter;
 };
 

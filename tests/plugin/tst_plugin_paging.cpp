@@ -12,7 +12,7 @@ const QStringList PageButtons = "btnNextPage btnNextGroup btnPageFive btnPageFou
 const QStringList Overlays = PageButtons
     + "chkAll btnDelete btnFullRender btnPause btnSearch btnRecover btnRestart btnStop"_s.split(" "_s);
 
-/// Name, number of jobs, clicks, pages requested by them, and the page bar at the end as `PageBar` tells it.
+/// Name, number of jobs, clicks, pages requested by them, and the page bar at the end as `PageBar` prints it.
 const std::tuple<const char*, int, QString, QString, QString> Walks[] = {
     {"empty", 0, {}, {}, "1*"_s},
     {"one page", 18, "btnNextPage btnPrePage"_s, {}, "1*"_s},
@@ -27,7 +27,7 @@ const std::tuple<const char*, int, QString, QString, QString> Walks[] = {
         "6 11 15 16 17"_s, "< 16 17*"_s},
 };
 
-/// Name, tab, visible buttons, and the button that btnDelete stands beside.
+/// Name, tab, visible buttons, and the button beside btnDelete.
 const std::tuple<const char*, int, QString, QString> Toolbars[] = {
     {"jobs", 0, "btnRecover btnPause btnRestart btnSearch btnDelete btnFullRender"_s, "btnRestart"_s},
     {"local tasks", 1, {}, {}},

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Interface, module, and the line that its failure is reported with.
+/// Interface, module, and the source line reported with its failure.
 const std::tuple<const char*, const char*, int> Services[]
     = {{"VTSettingsInterface", "settings", 199}, {"VTLoggerInterface", "logger", 218},
         {"VTUiLoaderInterface", "uiloader", 230}, {"VTMessagboxInterface", "messagebox", 243},
@@ -302,7 +302,7 @@ private slots:
 
     void LogsMissingWidgetsAndFormsAndWorksOn()
     {
-        m_client->Start(); // an installed framework logs something then
+        m_client->Start(); // before the capture, because an installed framework logs at its start
         const MessageCapture capture;
         QVERIFY(m_client->Open());
         QCOMPARE(MessageCapture::Take(), QStringList());

@@ -50,7 +50,8 @@ QList<QPair<QString, QObject*>> Client::Services()
 
 void Client::StartFramework()
 {
-    // An installed CTK keeps a database, whose folder it reads once a process. Tests run side by side, each in its own.
+    // An installed CTK keeps a database, whose folder it reads once per process. Each test has its own, because tests run
+    // in parallel.
     static const QTemporaryDir storage;
     ctkProperties properties;
     properties.insert("org.commontk.pluginfw.storage"_s, storage.path());

@@ -25,7 +25,7 @@ public:
     Client();
     ~Client();
 
-    /// Starts the framework, registers the services but for those in `leftOut`, and starts the plugin.
+    /// Starts the framework, registers the services except those in `leftOut`, and starts the plugin.
     void Start();
     void Register(const QString& interface);
 
@@ -113,6 +113,6 @@ private:
 /// A name with a number of two digits, so that names sort by number.
 QString Numbered(const QString& prefix, int number);
 
-/// A job record whose values tell its number.
+/// A job record whose values contain its number.
 QVariantMap MakeJob(int number, int status = 1, int progress = 10);
 QVariantList MakeJobs(int count);

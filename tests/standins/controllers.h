@@ -5,8 +5,8 @@
 #include <QHash>
 #include <QPointer>
 
-/// Finds the plugin's objects by class. The dialog controllers have no parent to search in, but the application sees
-/// each of them receive a child.
+/// Finds the plugin's objects by class. The dialog controllers have no parent to search in, but the application's event
+/// filter sees each of them receive a child.
 class Controllers : public QObject
 {
 public:

@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <utility>
 
-/// Calls of all stand-ins, in their order.
+/// The recorded calls of all stand-ins, in order.
 class Journal
 {
 public:

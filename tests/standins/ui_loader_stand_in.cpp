@@ -16,8 +16,8 @@ QWidget* Load(const QString& key)
     return form;
 }
 
-/// Spoils properties that the client must not rely on: buttons of one size in one row, and tables that have columns and
-/// keep the order of their rows.
+/// Changes form properties that the client must not rely on: buttons of one size in one row, and tables that have
+/// columns and keep the order of their rows.
 void Disturb(QWidget* form)
 {
     int step = 0;

@@ -8,7 +8,7 @@
 #include <QPointer>
 #include <QWidget>
 
-/// Loads the host's forms with some of their properties spoilt, and records the client's calls.
+/// Loads the host's forms with some of their properties changed, and records the client's calls.
 class UiLoaderStandIn : public StandIn<VTUiLoaderInterface>
 {
     Q_OBJECT

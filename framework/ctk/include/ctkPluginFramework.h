@@ -12,7 +12,7 @@ public:
     /// Makes the context valid, so that services can be registered before the start. A second call does nothing.
     void init();
 
-    /// Calls `init` if nobody has. Starts no plugin.
+    /// Calls `init` if nobody has. Does not start any plugin.
     void start(const StartOptions& options = StartOptions()) override;
 
     /// Stops the plugins, the last one started first, then withdraws the framework's own services. The exception of an

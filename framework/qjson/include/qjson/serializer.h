@@ -9,8 +9,8 @@ namespace QJson {
 
 /// Turns a variant into JSON text, compact and in UTF-8.
 ///
-/// Accepts maps, hashes, lists, string lists, strings, numbers, booleans and all that converts to a string. An invalid
-/// variant becomes null. Any other type, at any depth, and a number that is not finite make the whole text fail.
+/// Accepts maps, hashes, lists, string lists, strings, numbers, booleans and anything that converts to a string. An
+/// invalid variant becomes null. Any other type, at any depth, and a number that is not finite make the call fail.
 class Serializer
 {
 public:
@@ -18,7 +18,7 @@ public:
     QByteArray serialize(const QVariant& value);
     /// Sets `ok`, which may be null, to whether the text could be written.
     QByteArray serialize(const QVariant& value, bool* ok);
-    /// Writes the text to an open device. It is a failure too when the device does not take all of the text.
+    /// Writes the text to an open device. A partial write counts as a failure.
     void serialize(const QVariant& value, QIODevice* device, bool* ok);
 };
 
