@@ -7,7 +7,6 @@
 #include "tests/support/test_tables.h"
 
 using HttpReply = StandInServer::Reply;
-using HttpReplies = QList<HttpReply>;
 
 namespace {
 
@@ -67,7 +66,7 @@ const QByteArray Condition = "If-Match: \"" + Checksum(FrameData) + '"';
 struct TransferCase
 {
     const char* name;
-    HttpReplies replies; ///< after the list
+    QList<HttpReply> replies; ///< after the list
     Status status;
     int requests;
     QByteArray lastRequest = {};    ///< its contents
@@ -154,7 +153,8 @@ private:
     static DownloadLimits Impatient()
     {
         DownloadLimits limits;
-        limits.transfers = 1; // the server's replies come in order
+        limits.transfers = limits.lists = 1; // the server's replies come in order
+        limits.idleTime = 2 * Patience;
         limits.firstPause = 5;
         limits.longestPause = 40;
         limits.http.firstPause = 1;
@@ -216,7 +216,7 @@ private slots:
     void RecoversFromBrokenTransfers()
     {
         const TransferCase& row = Row(TransferCases);
-        m_server->SetReplies(HttpReplies {Listed(Entry(FrameData))} + row.replies);
+        m_server->SetReplies(QList<HttpReply> {Listed(Entry(FrameData))} + row.replies);
         QDir().mkpath(Path("frames/12_shot"));
         QVERIFY(row.part.isEmpty() || WriteFile(Part(), row.part));
         QVERIFY(row.there.isEmpty() || WriteFile(Frame(), row.there));
@@ -262,6 +262,11 @@ private slots:
         QVERIFY(client.Await(Finished));
         QCOMPARE(client.Ids().size(), 1);
         QCOMPARE(m_server->Requests().size(), 7);
+        m_server->SetReplies({Listed({})});
+        const QVariantMap order {{"manual"_s, 1}};
+        client.queue.Order(
+            {{"a"_s, order}, {"b"_s, order}, {"c"_s, order}}); // one is asked for after the other
+        QVERIFY(AwaitRequests(10));
     }
 
     void WaitsForFarmSessionAndOwner()
@@ -288,7 +293,6 @@ private slots:
         client.queue.SetAccess(client.access);
         QVERIFY(client.Await(Finished));
         QVERIFY(m_server->Requests().constLast().contains("Authorization: Bearer def\r\n"));
-        QVERIFY(QFile::exists(Frame()));
         QCOMPARE(client.changed.count(), 3);
         client.access.folder = Path("third"); // for new orders
         client.queue.SetAccess(client.access);
@@ -317,7 +321,6 @@ private slots:
         Client client(m_folder->path(), m_server->Url());
         client.Order();
         QVERIFY(client.Await(Failed));
-        QVERIFY(!client.Value("msg").toString().isEmpty());
         QCOMPARE(QDir(Path("elsewhere")).entryList(QDir::Files | QDir::Hidden), QStringList {"precious"_s});
         QCOMPARE(ReadFile(Path("elsewhere/precious")), QByteArray("precious"));
     }
@@ -360,7 +363,6 @@ private slots:
         client.queue.Resume(client.Ids());
         QVERIFY(AwaitRequests(4));
         QVERIFY(m_server->Requests().constLast().contains(RangeLine));
-        QVERIFY(QFile::exists(Part()));
         // The listener reads the list, and removes a task that is already gone, while handling the removal.
         QStringList left {"not called"_s};
         const QStringList ids = client.Ids();
@@ -372,7 +374,6 @@ private slots:
         QVERIFY(left.isEmpty());
         QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(Part()), Patience);
         QCOMPARE(client.changed.count(), 2);
-        QCOMPARE(client.finished.count(), 0);
     }
 
     void RepairsWhatIsDamagedWhenOrdered()
