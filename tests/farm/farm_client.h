@@ -31,7 +31,7 @@ inline QString Sha256(const QByteArray& bytes)
     return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
 }
 
-/// The pattern with its %1, %2 … replaced by the parts.
+/// Replaces %1, %2 … in the pattern by the parts.
 inline QString Fill(const char* pattern, const QStringList& parts)
 {
     return std::accumulate(parts.begin(), parts.end(), QString::fromLatin1(pattern),
@@ -74,7 +74,7 @@ public:
         return m_token;
     }
 
-    /// These carry the token of the last sign-in. The pattern's %1, %2 … are replaced by the parts.
+    /// This request and the following ones carry the token of the last sign-in. The parts replace %1, %2 … in the pattern.
     Reply Get(const char* pattern, const QStringList& parts = {}, const Headers& headers = {})
     {
         return Send("GET", Fill(pattern, parts), {}, m_token, headers);
@@ -103,7 +103,15 @@ public:
 
     Reply Unpack(const QString& upload) { return Post("/uploads/%1/unpack", {}, {upload}); }
 
-    /// Sends a package whole and returns the answer to its unpacking.
+    /// Returns those of the contents that the account has on the farm.
+    QJsonArray Known(const QStringList& checksums)
+    {
+        return Post("/contents/known", {{"checksums"_s, QJsonArray::fromStringList(checksums)}})
+            .Data("known")
+            .toArray();
+    }
+
+    /// Sends a package in one chunk and returns the answer to its unpacking.
     Reply Deliver(const QByteArray& package)
     {
         const QString upload = BeginUpload(package).Data("id").toString();

@@ -15,7 +15,10 @@
 /// The paths and contents of a scene's files.
 using SceneContents = QList<QPair<QByteArray, QByteArray>>;
 
-/// A ZIP archive. `change` may alter it before it is written, as no honest client would.
+/// A scene that needs no renderer: two small files.
+inline const SceneContents PlainFiles {{"scene.txt", "a scene"}, {"maps/leaf.txt", "a leaf"}};
+
+/// A ZIP archive. `change` can corrupt it before it is written.
 inline QByteArray Package(const SceneContents& files, const std::function<void(zip_t*)>& change = {})
 {
     zip_error_t error;
