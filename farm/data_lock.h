@@ -4,12 +4,12 @@
 
 namespace farm {
 
-/// Reserves a data folder for one farm. The system releases it when the process ends, however it ends.
+/// Reserves a data folder for one farm. The operating system releases it when the process ends, even by a crash.
 class DataLock
 {
 public:
-    /// Waits up to `waitMs` milliseconds for a farm that is ending.
-    /// Throws std::runtime_error when another farm keeps the folder.
+    /// Waits up to `waitMs` milliseconds for a farm that is shutting down.
+    /// Throws std::runtime_error when another farm uses the folder.
     DataLock(const QString& folder, int waitMs);
     ~DataLock();
 

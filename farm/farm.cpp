@@ -52,7 +52,7 @@ Farm::Farm(const FarmSettings& settings)
 
 Farm::~Farm()
 {
-    // Renderers first: a client that keeps its connection may force the process to exit while the server is stopping.
+    // Renderers first: a client that keeps its connection open may delay the server until the process is forced to exit.
     m_scheduler.Stop();
     m_uploads.Interrupt();
     m_http.Stop();

@@ -22,28 +22,28 @@ namespace farm {
 
 struct FarmSettings
 {
-    /// Holds the database and all files; created when it is missing.
+    /// Contains the database and all files; created when it is missing.
     QString dataFolder;
-    /// Holds the scenes that come with the farm.
+    /// Contains the scenes that come with the farm.
     QString sceneFolder;
     QString jobTypesFile;
     QString address = QStringLiteral("127.0.0.1");
-    /// 0 takes a free one.
+    /// 0 chooses a free port.
     int port = 0;
-    /// How many frames are rendered at a time.
+    /// The number of frames that are rendered at a time.
     int slotCount = 1;
-    /// How often the scheduler looks at the jobs without being told that they have changed.
+    /// The time after which the scheduler looks at the jobs even if nothing has told it of a change.
     std::chrono::milliseconds lookInterval {5000};
     Micros pricePerCoreSecond = DefaultPrice;
     std::int64_t sessionSeconds = std::int64_t {7} * 24 * 3600;
     /// Creates the demo accounts in an empty farm and keeps "demo" supplied with jobs.
     bool demo = true;
-    /// How many bytes the contents and unfinished uploads of an account may take.
+    /// The most bytes that the contents and unfinished uploads of an account may take.
     std::int64_t quota = std::int64_t {20} * 1024 * 1024 * 1024;
     RequestLimits limits;
 };
 
-/// A running farm: from construction to destruction it serves requests and renders.
+/// A running farm. It serves requests and renders from construction to destruction.
 class Farm
 {
 public:
@@ -55,7 +55,7 @@ public:
     /// The path of the database in a data folder.
     static QString DatabaseFile(const QString& dataFolder);
 
-    /// Where clients reach the farm, for example "http://127.0.0.1:40123".
+    /// The address at which clients reach the farm, for example "http://127.0.0.1:40123".
     QString Url() const;
 
 private:

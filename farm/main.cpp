@@ -75,7 +75,7 @@ std::unique_ptr<QSocketNotifier> QuitAtEndOfStdin()
 
 [[noreturn]] void RefuseOption(const QString& name)
 {
-    std::fprintf(stderr, "quillstar-farmd: --%s has no usable value\n", qPrintable(name));
+    std::fprintf(stderr, "quillstar-farmd: --%s has an invalid value\n", qPrintable(name));
     std::exit(2);
 }
 
@@ -119,13 +119,13 @@ void SetLogLevel(const QString& level)
 void AddOptions(QCommandLineParser& parser)
 {
     const QString beside = QCoreApplication::applicationDirPath() + QStringLiteral("/farm/");
-    // One core stays free for the people at the machine.
+    // One core stays free for the person at the machine.
     const QString freeCores = QString::number(std::max(1, QThread::idealThreadCount() - 1));
     const QString price = QString::number(double(farm::DefaultPrice) / 1e6);
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addOptions({
-        {QStringLiteral("data"), QStringLiteral("Folder of the farm's data."), QStringLiteral("folder")},
+        {QStringLiteral("data"), QStringLiteral("Folder for the farm's data."), QStringLiteral("folder")},
         {QStringLiteral("bind"), QStringLiteral("Address to listen on."), QStringLiteral("address"),
             QStringLiteral("127.0.0.1")},
         {QStringLiteral("port"), QStringLiteral("Port to listen on, 0 for a free one."),
@@ -179,7 +179,7 @@ Options ReadOptions()
     return options;
 }
 
-/// May be used while the farm runs: the balance is changed in one transaction.
+/// Works even while the farm runs, because the balance is changed in one transaction.
 int PayIn(const Options& options)
 {
     const QString file = farm::Farm::DatabaseFile(options.settings.dataFolder);
@@ -200,8 +200,8 @@ int Run(const Options& options)
     std::printf("listening on %s\n", qPrintable(farm.Url()));
     std::fflush(stdout);
     const int result = QCoreApplication::exec();
-    spdlog::info("ending");
-    // A client that keeps its connection must not hold up the end. Everything acknowledged is on the disk.
+    spdlog::info("shutting down");
+    // A client that keeps its connection open must not delay the exit; everything acknowledged is on the disk.
     std::thread([] {
         std::this_thread::sleep_for(LongestEnd);
         std::_Exit(0);

@@ -2,6 +2,7 @@
 
 #include <QCryptographicHash>
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <stdexcept>
@@ -12,6 +13,12 @@ namespace {
 
 constexpr qint64 BlockBytes = 1024 * 1024;
 constexpr int ChecksumDigits = 64;
+
+std::runtime_error ReadError(const QFile& file)
+{
+    return std::runtime_error(
+        "cannot read " + QFileInfo(file).fileName().toStdString() + ": " + file.errorString().toStdString());
+}
 
 bool IsLowerHexDigit(QChar character)
 {
@@ -25,13 +32,13 @@ QString FileChecksum(const QString& path, const std::function<bool(qint64)>& onB
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        throw std::runtime_error("cannot read a file: " + file.errorString().toStdString());
+        throw ReadError(file);
     QCryptographicHash hash(QCryptographicHash::Sha256);
     QByteArray block(BlockBytes, Qt::Uninitialized);
     for (;;) {
         const qint64 got = file.read(block.data(), block.size());
         if (got < 0)
-            throw std::runtime_error("cannot read a file: " + file.errorString().toStdString());
+            throw ReadError(file);
         if (got == 0)
             return QString::fromLatin1(hash.result().toHex());
         hash.addData(block.constData(), static_cast<int>(got));

@@ -8,8 +8,8 @@
 namespace storage {
 
 /// Reads the whole file. Throws std::runtime_error when it cannot be read.
-/// @param onBytes is told how many bytes were read since the previous call; when it returns false the reading stops and
-/// the result is empty.
+/// @param onBytes gets the number of bytes read since the previous call; when it returns false, reading stops and the
+/// result is empty.
 QString FileChecksum(const QString& path, const std::function<bool(qint64)>& onBytes = {});
 
 /// Whether the text has the form of a checksum.

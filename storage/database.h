@@ -11,16 +11,16 @@
 
 namespace storage {
 
-/// SQL scripts: number n leads from schema version n to n + 1. A released script is never changed.
+/// SQL scripts: number n upgrades schema version n to n + 1. A released script never changes.
 using Migrations = std::vector<const char*>;
 
-/// A database file over one connection, which threads use in turns.
+/// One connection to a database file, which threads share under a lock.
 /// Every change is on the disk when Write() returns. Errors are thrown as SQLite::Exception.
 class Database
 {
 public:
     /// Opens or creates the file and brings its schema up to date.
-    /// Throws std::runtime_error when a newer version of the program has written it.
+    /// Throws std::runtime_error when a newer version of the program wrote the file.
     Database(const QString& path, const Migrations& migrations);
 
     /// Runs `work(SQLite::Database&)` while no other thread uses the connection.
@@ -79,7 +79,7 @@ void Bind(SQLite::Statement& statement, const Values&... values)
     (BindAt(statement, ++index, values), ...);
 }
 
-/// Runs a statement that yields no rows; returns how many rows it changed.
+/// Runs a statement that yields no rows; returns the number of rows that it changed.
 template <typename... Values>
 int Execute(SQLite::Database& connection, const char* sql, const Values&... values)
 {

@@ -6,12 +6,19 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <stdexcept>
+#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace storage {
 
 namespace {
+
+// Without the folder: the farm's messages reach its clients, which need not know where it keeps its files.
+std::string NameOf(const QString& path)
+{
+    return QFileInfo(path).fileName().toStdString();
+}
 
 bool WriteAndSync(int file, std::int64_t offset, const QByteArray& bytes)
 {
@@ -35,7 +42,7 @@ void SyncToDisk(const QString& path)
     if (file >= 0)
         ::close(file);
     if (!synced)
-        throw std::runtime_error("cannot write to the disk");
+        throw std::runtime_error("cannot write " + NameOf(path) + " to the disk");
 }
 
 void RenameDurably(const QString& from, const QString& to)
@@ -43,8 +50,8 @@ void RenameDurably(const QString& from, const QString& to)
     SyncToDisk(from);
     // QFile::rename() does not replace a file.
     if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0)
-        throw std::runtime_error("cannot rename a file");
-    // A rename is on the disk only when the folder is.
+        throw std::runtime_error("cannot rename " + NameOf(from) + " to " + NameOf(to));
+    // The new name is on the disk only after the folder has been synced.
     SyncToDisk(QFileInfo(to).path());
 }
 
@@ -58,8 +65,8 @@ void AppendDurably(const QString& path, std::int64_t offset, const QByteArray& b
     if (file >= 0)
         ::close(file);
     if (!done)
-        throw std::runtime_error("cannot append to a file");
-    // A new file is on the disk only when its folder is.
+        throw std::runtime_error("cannot append to " + NameOf(path));
+    // A new file is on the disk only after its folder has been synced.
     if (offset == 0)
         SyncToDisk(QFileInfo(path).path());
 }

@@ -5,18 +5,18 @@
 
 #include <cstdint>
 
-/// Changes to files that survive a power cut. All functions throw std::runtime_error when the disk refuses.
+/// Changes to files that survive a power cut. All functions throw std::runtime_error when a system call fails.
 namespace storage {
 
 /// Returns when the file or folder is on the disk.
 void SyncToDisk(const QString& path);
 
-/// Moves a complete file or folder to its final name on the same disk; a file that has this name already is replaced.
+/// Moves a complete file or folder to its final name on the same disk; an existing file of that name is replaced.
 /// Content and name are on the disk when it returns.
 void RenameDurably(const QString& from, const QString& to);
 
-/// Writes the bytes at `offset`, the present end of the file, which is created when `offset` is 0. They are on the disk
-/// when it returns; when they cannot be written, the file is cut back to `offset`.
+/// Writes the bytes at `offset`, the current end of the file, which is created when `offset` is 0. They are on the disk
+/// when it returns; when they cannot be written, the file is truncated to `offset`.
 void AppendDurably(const QString& path, std::int64_t offset, const QByteArray& bytes);
 
 } // namespace storage

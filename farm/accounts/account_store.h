@@ -18,7 +18,7 @@ struct NewAccount
     QString password;
     bool bound = false;
     Micros balance = 0;
-    /// Only accounts that are bound have one.
+    /// Only bound accounts have one.
     Micros secondBalance = 0;
 };
 
@@ -42,8 +42,8 @@ struct Session
     QString token;
 };
 
-/// Accounts, their sessions and their projects. May be used by several threads at a time.
-/// Accounts are known by a key; times are seconds since the epoch.
+/// Accounts, their sessions and their projects. Accounts are identified by a key; times are seconds since the epoch.
+/// Thread-safe.
 class AccountStore
 {
 public:
@@ -55,7 +55,7 @@ public:
     /// Returns the project's key.
     std::int64_t AddProject(std::int64_t account, const Project& project);
 
-    /// `name` is the account's name or e-mail address in any case. Nothing when the name or the password is wrong.
+    /// `name` is the account's name or e-mail address, ignoring case. Nothing when the name or the password is wrong.
     std::optional<Session> SignIn(const QString& name, const QString& password, std::int64_t now);
     /// Does nothing when the session has ended already.
     void SignOut(const QString& token);
@@ -69,7 +69,7 @@ public:
     /// Pays the amount into the account with this name or e-mail address and returns the new balance.
     /// Throws NotFound.
     Micros Credit(const QString& name, Micros amount);
-    /// In the order of their names.
+    /// The projects of the account, sorted by name.
     std::vector<Project> Projects(std::int64_t account);
 
     std::int64_t SessionSeconds() const { return m_sessionSeconds; }

@@ -11,7 +11,7 @@ namespace farm {
 
 namespace {
 
-// One password at a time: each takes 64 MiB, and a crowd of sign-ins must not use up the machine's memory.
+// One password at a time: each takes 64 MiB, and many sign-ins at once must not use up the machine's memory.
 std::mutex& PasswordMutex()
 {
     static std::mutex mutex;
@@ -35,7 +35,7 @@ QString HashPassword(const QString& password)
 
 bool PasswordMatches(const QString& password, const QString& stored)
 {
-    // An unknown name takes as long as a wrong password, so that the time does not tell which names exist.
+    // An unknown name takes as long as a wrong password, so that the time does not reveal which names exist.
     static const QByteArray nobody = HashPassword(QString::fromLatin1(RandomBytes(16).toHex())).toLatin1();
     const std::lock_guard<std::mutex> lock(PasswordMutex());
     const QByteArray plain = password.toUtf8();

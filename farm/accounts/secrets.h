@@ -2,17 +2,17 @@
 
 #include <QString>
 
-/// How passwords and session tokens are kept; no other code knows.
+/// Storage form of passwords and session tokens. No other code knows it.
 namespace farm {
 
 /// The text to store for a password. Takes about a tenth of a second and 64 MiB.
 QString HashPassword(const QString& password);
 
-/// Whether this is the password that `stored` was made from. Takes as long as HashPassword(), also when `stored` is empty,
-/// which no password matches.
+/// Whether this is the password that `stored` was made from. An empty `stored` matches no password. Takes as long as
+/// HashPassword(), even when `stored` is empty.
 bool PasswordMatches(const QString& password, const QString& stored);
 
-/// 256 random bits as text that can stand in a header.
+/// 256 random bits as text that can be sent in a header.
 QString NewToken();
 
 /// The text to store for a token, which does not reveal the token.

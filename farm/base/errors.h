@@ -2,8 +2,8 @@
 
 #include <stdexcept>
 
-/// Why the farm does not do what it was asked to do. The texts are sentences for whoever asked; of the request they
-/// repeat nothing but the names of its members.
+/// The reasons for which the farm refuses a request. The texts are sentences for the client and quote nothing of the
+/// request but member names.
 namespace farm {
 
 class Refusal : public std::runtime_error
@@ -26,28 +26,28 @@ public:
     using Refusal::Refusal;
 };
 
-/// The request does not fit the present state, which whoever asked should look at again.
+/// The request does not fit the current state; the client should look again.
 class Conflict : public Refusal
 {
 public:
     using Refusal::Refusal;
 };
 
-/// Another request is being served with the same thing.
+/// Another request is using the same thing.
 class Busy : public Conflict
 {
 public:
     using Conflict::Conflict;
 };
 
-/// More than the farm accepts from anybody.
+/// The request is larger than the farm accepts.
 class TooLarge : public Refusal
 {
 public:
     using Refusal::Refusal;
 };
 
-/// More than the account may take.
+/// The account's quota is exhausted.
 class QuotaExceeded : public Refusal
 {
 public:

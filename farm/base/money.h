@@ -6,10 +6,10 @@
 
 namespace farm {
 
-/// An amount in millionths of the currency unit: integers, so that sums stay exact.
+/// An amount in millionths of the currency unit; an integer, so that sums stay exact.
 using Micros = std::int64_t;
 
-/// The price of a core-second unless the farm is started with another one.
+/// The price of a core-second unless the farm is started with a different one.
 constexpr Micros DefaultPrice = 10'000;
 
 /// The code of the currency in which the farm charges.

@@ -5,7 +5,7 @@
 
 namespace farm {
 
-/// To be called before any other function of libsodium; does its work once.
+/// Call it before any other function of libsodium. Repeated calls do nothing.
 /// Throws std::runtime_error when this machine has no source of random numbers.
 void PrepareSodium();
 

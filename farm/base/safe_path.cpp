@@ -28,7 +28,7 @@ bool IsSafePart(const QString& part)
 bool IsSafePath(const QString& path)
 {
     const bool hasDrive = path.size() >= 2 && path.at(1) == QLatin1Char(':') && path.at(0).isLetter();
-    // Half of a surrogate pair cannot be written as UTF-8, so two such paths could become one file.
+    // Half of a surrogate pair cannot be encoded as UTF-8, so two such paths could name the same file.
     const QByteArray bytes = path.toUtf8();
     if (hasDrive || bytes.size() > LongestSafePath || QString::fromUtf8(bytes) != path
         || std::any_of(path.cbegin(), path.cend(), IsUnsafe))

@@ -9,7 +9,7 @@ constexpr int LongestSafePath = 1024;
 
 /// Whether a path from outside can be used below a folder: relative, its parts separated by `/` and none of them empty,
 /// `.` or `..`, without a drive, backslashes and control characters, and not longer than file systems allow (255 bytes
-/// a part, 64 parts, LongestSafePath in all).
+/// per part, 64 parts, LongestSafePath in all).
 bool IsSafePath(const QString& path);
 
 } // namespace farm

@@ -71,8 +71,8 @@ CREATE INDEX charges_by_job ON charges(job, amount);
 CREATE INDEX charges_by_account ON charges(account);
 )sql";
 
-// A restart begins a new run of the job; a frame that was being rendered then belongs to the earlier one. Open jobs are
-// those that the scheduler works on: waiting, running and to full render.
+// A restart begins a new run of the job; a frame that is being rendered at that time belongs to the earlier run. Open
+// jobs are those that the scheduler works on: waiting, running and to full render.
 constexpr const char* RunsAndFullRenders = R"sql(
 ALTER TABLE jobs ADD COLUMN run INTEGER NOT NULL DEFAULT 1;
 DROP INDEX open_jobs;
@@ -80,8 +80,8 @@ CREATE INDEX jobs_to_render ON jobs(key) WHERE status IN (0, 1, 6);
 CREATE VIEW open_jobs AS SELECT * FROM jobs WHERE status IN (0, 1, 6);
 )sql";
 
-// Contents belong to accounts, jobs name contents as their files, and finished frames have a picture. The ranges of a job
-// do not overlap; together they are all the frames that it may ever render.
+// Contents belong to accounts, jobs refer to contents as their files, and finished frames have a picture. The ranges of a
+// job do not overlap; together they are all the frames that it can ever render.
 constexpr const char* ScenesAndPictures = R"sql(
 CREATE TABLE contents(
     account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,

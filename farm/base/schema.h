@@ -9,7 +9,7 @@ using storage::Database;
 using storage::Execute;
 using storage::Text;
 
-/// The tables of the farm's database, which all stores share: frames, for instance, are charged to accounts.
+/// The tables of the farm's database. All stores share it, because frames, for instance, are charged to accounts.
 storage::Migrations Schema();
 
 } // namespace farm

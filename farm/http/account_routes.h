@@ -12,7 +12,7 @@ class HttpServer;
 class RequestGate;
 struct RequestLimits;
 
-/// Requests about sessions, the account and its projects.
+/// Routes for sessions, the account and its projects.
 class AccountRoutes
 {
 public:

@@ -20,7 +20,7 @@ QJsonObject JobInfoJson(const JobRecord& job, const JobPlan& plan);
 QJsonObject UploadJson(const Upload& upload, int chunkSize);
 QJsonArray PackedFilesJson(const std::vector<PackedFile>& files);
 QJsonArray PicturesJson(const std::vector<Picture>& pictures);
-/// An object with the value as its member "data".
+/// Wraps the value in an object as its member "data".
 QJsonObject DataJson(const QJsonValue& value);
 /// @param word is the error's name for programs, `message` its sentence for people.
 QJsonObject ErrorJson(const char* word, const QString& message);

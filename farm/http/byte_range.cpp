@@ -8,7 +8,7 @@ namespace farm {
 
 std::optional<ByteRange> ParseRange(const QByteArray& header, std::int64_t size)
 {
-    // A number of eighteen digits fits into 64 bits.
+    // Eighteen digits always fit into 64 bits.
     static const QRegularExpression form(QStringLiteral("^bytes=(\\d{0,18})-(\\d{0,18})$"));
     const QRegularExpressionMatch match = form.match(QString::fromLatin1(header.trimmed()));
     const QString first = match.captured(1);

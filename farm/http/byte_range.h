@@ -15,11 +15,11 @@ struct ByteRange
     std::int64_t length = 0;
 };
 
-/// The range that a Range header asks for, cut to the file's `size` bytes. Nothing when the header cannot be read, asks for
-/// several ranges or asks for no byte of the file.
+/// The range that a Range header asks for, limited to the file's `size` bytes. Nothing when the header cannot be read,
+/// asks for several ranges or asks for no byte of the file.
 std::optional<ByteRange> ParseRange(const QByteArray& header, std::int64_t size);
 
-/// The value of the Content-Range header of an answer that holds this range.
+/// The value of the Content-Range header of an answer with this range.
 std::string ContentRange(const ByteRange& range, std::int64_t size);
 
 /// Whether an If-Match header names this entity tag.

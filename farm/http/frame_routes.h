@@ -10,7 +10,7 @@ class PictureStore;
 class RequestGate;
 struct FileAnswer;
 
-/// Requests by which clients fetch finished frames.
+/// Routes for fetching finished frames.
 class FrameRoutes
 {
 public:

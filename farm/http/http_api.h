@@ -13,7 +13,7 @@ namespace farm {
 class HttpApi
 {
 public:
-    /// Everything in it must outlive the interface.
+    /// All these objects must outlive the interface.
     struct Dependencies
     {
         AccountStore& accounts;
@@ -27,7 +27,7 @@ public:
 
     HttpApi(const Dependencies& dependencies, const RequestLimits& limits);
 
-    /// Listens; port 0 takes a free one. Returns the port. Throws std::runtime_error when it cannot listen there.
+    /// Listens; port 0 chooses a free one. Returns the port. Throws std::runtime_error when it cannot listen there.
     int Start(const QString& address, int port) { return m_server.Start(address, port); }
     /// Returns when the requests being served have been answered.
     void Stop() { m_server.Stop(); }

@@ -15,7 +15,7 @@ struct HttpRefusal
     int retryAfterSeconds = 0;
 };
 
-/// How the farm answers a request that one of its rooms has refused.
+/// The HTTP answer for a refusal thrown below the HTTP layer.
 HttpRefusal HttpRefusalFor(const Refusal& refusal);
 
 } // namespace farm

@@ -41,7 +41,7 @@ void Refuse(httplib::Response& response, const HttpRefusal& refusal)
 
 HttpRefusal InternalError(int status = 500)
 {
-    return {status, "internal", QStringLiteral("the farm has a problem")};
+    return {status, "internal", QStringLiteral("the farm could not handle the request")};
 }
 
 // The library decompresses bodies, and reads bodies of unknown length, without any limit on their size.
@@ -51,7 +51,7 @@ bool HasUnwantedHeader(const httplib::Request& request)
         if (request.has_header(header))
             return true;
     }
-    // It also reads bodies of any size that come with other methods.
+    // It also reads bodies of any size for other methods.
     const auto& methods = {"GET", "HEAD", "POST", "PUT", "DELETE"};
     if (std::find(methods.begin(), methods.end(), request.method) == methods.end())
         return true;
@@ -60,17 +60,18 @@ bool HasUnwantedHeader(const httplib::Request& request)
 
 httplib::Server::HandlerResponse CheckHeaders(const httplib::Request& request, httplib::Response& response)
 {
-    // The library would cut the ranges out of every answer, failures too, without checking that they are inside it.
+    // The library would cut the ranges out of every answer, even an error, without checking that they are inside it.
     // Casting is safe: the request that the library passes is not a constant object.
     const_cast<httplib::Request&>(request).ranges.clear();
     if (!HasUnwantedHeader(request))
         return httplib::Server::HandlerResponse::Unhandled;
     Refuse(response,
-        {400, "bad_request", QStringLiteral("a body must be sent plain, whole and with its Content-Length")});
+        {400, "bad_request",
+            QStringLiteral("send the body uncompressed, unchunked and with a Content-Length")});
     return httplib::Server::HandlerResponse::Handled;
 }
 
-// Gives failures that the library itself answers, without a body, the form of all others.
+// The library answers some errors itself, without a body; this gives them the same form as all others.
 void CompleteFailure(const httplib::Request&, httplib::Response& response)
 {
     if (!response.body.empty())
@@ -87,7 +88,7 @@ void CompleteFailure(const httplib::Request&, httplib::Response& response)
         Refuse(response, InternalError(response.status));
 }
 
-// Answers the range of the file's bytes, or all of them.
+// Sends the range of the file's bytes, or the whole file.
 void AnswerFile(httplib::Response& response, const FileAnswer& answer, const std::optional<ByteRange>& range)
 {
     const ByteRange part = range.value_or(ByteRange {0, answer.size});
@@ -116,7 +117,7 @@ void ServeFile(const httplib::Request& request, httplib::Response& response, con
     const QByteArray tag = '"' + answer.checksum.toLatin1() + '"';
     if (request.has_header("If-Match") && !NamesTag(Header(request, "If-Match"), tag))
         throw HttpRefusal {412, "changed", QStringLiteral("the file is not the one that If-Match names")};
-    // If-Range asks for the whole file when it is no longer the one that the client knows a part of.
+    // If-Range asks for the whole file when it has changed since the client fetched a part of it.
     const bool wantsRange = request.has_header("Range")
         && (!request.has_header("If-Range") || Header(request, "If-Range") == tag);
     std::optional<ByteRange> range;
@@ -130,7 +131,7 @@ void ServeFile(const httplib::Request& request, httplib::Response& response, con
     AnswerFile(response, answer, range);
 }
 
-// Turns whatever `answer` throws into the answer of a failure.
+// Turns any exception that `answer` throws into an error answer.
 template <typename Answering>
 httplib::Server::Handler Wrap(std::size_t largest, Answering answer)
 {
@@ -218,7 +219,7 @@ void HttpServer::SetUp()
     m_server->set_payload_max_length(LargestChunk);
     m_server->set_read_timeout(IoTimeout);
     m_server->set_write_timeout(IoTimeout);
-    // An idle connection that is kept open would occupy a thread.
+    // An idle keep-alive connection would occupy a thread.
     m_server->set_keep_alive_max_count(1);
     // The library's default, SO_REUSEPORT, would let two servers share a port.
     m_server->set_socket_options([](socket_t socket) {

@@ -15,7 +15,7 @@ struct Request;
 
 namespace farm {
 
-/// A request as the routes see it. Texts are unchecked, as the client sent them.
+/// A request as the routes see it. Its texts are those that the client sent, unchecked.
 class ApiRequest
 {
 public:
@@ -25,11 +25,11 @@ public:
     QString Address() const;
     /// The session token of the Authorization header; empty when there is none.
     QString Token() const;
-    /// The text that a group in the route's path has matched; groups count from 1.
+    /// The text matched by a group of the route's path; groups count from 1.
     QString PathPart(int group = 1) const;
     /// A parameter of the query; empty when there is none.
     QByteArray Query(const char* name) const;
-    /// The body; throws InvalidInput when it is no JSON object.
+    /// The body; throws InvalidInput when it is not a JSON object.
     QJsonObject Body() const;
     /// The body as raw bytes.
     QByteArray Bytes() const;
@@ -41,13 +41,13 @@ private:
 /// An answer that is a file.
 struct FileAnswer
 {
-    /// Open for reading, so that a removed or replaced file is still sent whole.
+    /// Open for reading, so that the whole file is sent even if it is removed or replaced meanwhile.
     std::shared_ptr<QFile> file;
     std::int64_t size = 0;
     QString checksum;
 };
 
-/// Serves JSON and files over HTTP in threads of its own.
+/// Serves JSON and files over HTTP in its own threads.
 class HttpServer
 {
 public:
@@ -61,8 +61,8 @@ public:
     /// Calls Stop().
     ~HttpServer();
 
-    /// Routes are added before Start(). `path` is a regular expression. Handlers run in several threads at a time and may
-    /// throw HttpRefusal and Refusal; any other exception is logged and answered with 500.
+    /// Add routes before Start(). `path` is a regular expression. Handlers run in several threads at a time and may throw
+    /// HttpRefusal and Refusal; any other exception is logged and answered with 500.
     void Get(const char* path, Handler handler);
     void Post(const char* path, Handler handler);
     void Put(const char* path, Handler handler);
@@ -70,7 +70,7 @@ public:
     /// Serves a file in blocks, with support for Range, If-Range and If-Match.
     void GetFile(const char* path, FileHandler handler);
 
-    /// Listens; port 0 takes a free one. Returns the port. Throws std::runtime_error when it cannot listen there.
+    /// Listens; port 0 chooses a free one. Returns the port. Throws std::runtime_error when it cannot listen there.
     int Start(const QString& address, int port);
     /// Returns when the requests being served have been answered.
     void Stop();

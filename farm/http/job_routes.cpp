@@ -35,7 +35,7 @@ std::int64_t NumberIn(const QByteArray& text, std::int64_t otherwise, std::int64
     return std::clamp<std::int64_t>(number, 1, largest);
 }
 
-// A value that a query holds as text may stand in a body as a text, a number or an object.
+// Queries contain only text; in a body the same value may be a text, a number or an object.
 QByteArray PlainText(const QJsonValue& value)
 {
     if (value.isObject())

@@ -12,7 +12,7 @@ class JobStore;
 class JobSubmission;
 class RequestGate;
 
-/// Requests that submit, list and steer jobs.
+/// Routes for submitting, listing and controlling jobs.
 class JobRoutes
 {
 public:

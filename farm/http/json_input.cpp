@@ -10,7 +10,7 @@ QString RequiredText(const QJsonObject& body, const char* key, int longest)
 {
     const QJsonValue value = body.value(QLatin1String(key));
     if (!value.isString() || value.toString().size() > longest)
-        throw InvalidInput(std::string(key) + " is missing, is no text or is too long");
+        throw InvalidInput(std::string(key) + " is missing, is not a text or is too long");
     return value.toString();
 }
 
@@ -19,7 +19,7 @@ int RequiredInteger(const QJsonObject& body, const char* key, int least, int mos
     const QJsonValue value = body.value(QLatin1String(key));
     const double number = value.toDouble();
     if (!value.isDouble() || !(number >= least && number <= most) || number != int(number))
-        throw InvalidInput(std::string(key) + " is missing, is no whole number or is out of range");
+        throw InvalidInput(std::string(key) + " is missing, is not a whole number or is out of range");
     return int(number);
 }
 
@@ -28,11 +28,11 @@ QStringList RequiredTexts(const QJsonObject& body, const char* key, int most)
     const QJsonValue value = body.value(QLatin1String(key));
     const QJsonArray list = value.toArray();
     if (!value.isArray() || list.size() > most)
-        throw InvalidInput(std::string(key) + " is missing, is no list or is too long");
+        throw InvalidInput(std::string(key) + " is missing, is not a list or is too long");
     QStringList texts;
     for (const QJsonValue& text : list) {
         if (!text.isString())
-            throw InvalidInput(std::string(key) + " must be texts");
+            throw InvalidInput(std::string(key) + " must be a list of texts");
         texts.append(text.toString());
     }
     return texts;

@@ -3,8 +3,8 @@
 #include <QJsonObject>
 #include <QStringList>
 
-/// Members of request bodies. Each function throws InvalidInput, whose text names the member, when the member is missing,
-/// has another type or is outside its limits.
+/// Reads members of request bodies. Each function throws InvalidInput, whose text names the member, when the member is
+/// missing, has another type or is outside its limits.
 namespace farm {
 
 /// @param longest is a number of UTF-16 code units.

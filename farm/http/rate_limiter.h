@@ -8,14 +8,14 @@
 
 namespace farm {
 
-/// How often something may happen: `burst` times at once, and `perSecond` times a second in the long run.
+/// A rate limit: `burst` uses at once, and `perSecond` uses per second in the long run.
 struct Rate
 {
     double burst;
     double perSecond;
 };
 
-/// Counts uses by key (an address, a name, an account). May be used by several threads at a time.
+/// Counts uses by key (an address, a name, an account). Thread-safe.
 class RateLimiter
 {
 public:
@@ -26,7 +26,7 @@ public:
     /// Takes one use. Returns nothing, or, when no use is left, the seconds until the next one (at least 1).
     std::optional<int> Take(const std::string& key, Clock::time_point now = Clock::now());
 
-    /// Gives back a use that turned out not to count.
+    /// Gives back a use that should not count after all.
     void GiveBack(const std::string& key);
 
 private:

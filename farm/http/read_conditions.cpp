@@ -55,7 +55,7 @@ std::optional<std::int64_t> TimeOf(const QJsonObject& conditions, const char* ke
     return time;
 }
 
-// A type comes as "group@type@label" or as its bare name.
+// A type is sent as "group@type@label" or as its bare name.
 QString TypeOf(const QJsonObject& conditions)
 {
     const QString text = TextOf(conditions, "job_type");

@@ -35,7 +35,7 @@ QJsonArray RequiredList(const QJsonObject& body, const char* key, int most)
     const QJsonValue value = body.value(QLatin1String(key));
     const QJsonArray list = value.toArray();
     if (!value.isArray() || list.isEmpty() || list.size() > most)
-        throw InvalidInput(std::string(key) + " is missing, is no list, is empty or is too long");
+        throw InvalidInput(std::string(key) + " is missing, is not a list, is empty or is too long");
     return list;
 }
 
@@ -64,7 +64,7 @@ std::vector<JobFile> ReadFiles(const QJsonObject& body)
         if (!storage::IsChecksum(file.checksum))
             throw InvalidInput("a checksum in files does not have 64 lower-case hexadecimal digits");
         if (paths.contains(file.path))
-            throw InvalidInput("a path stands in files twice");
+            throw InvalidInput("a path appears twice in files");
         paths.insert(file.path);
         files.push_back(file);
     }
@@ -85,7 +85,7 @@ std::vector<FrameRange> ReadFrames(const QJsonObject& body)
     }
     ranges = Disjoint(std::move(ranges));
     if (FrameCount(ranges) > MostFrames)
-        throw InvalidInput("the ranges in frames hold too many frames");
+        throw InvalidInput("the ranges in frames contain too many frames");
     return ranges;
 }
 
@@ -104,7 +104,7 @@ Submission ReadSubmission(const QJsonObject& body)
     job.scene = RequiredText(body, "scene", LongestSafePath);
     if (std::none_of(job.files.begin(), job.files.end(),
             [&job](const JobFile& file) { return file.path == job.scene; }))
-        throw InvalidInput("scene is none of the paths in files");
+        throw InvalidInput("scene is not one of the paths in files");
     job.frames = ReadFrames(body);
     job.width = RequiredInteger(body, "width", 1, MostPixels);
     job.height = RequiredInteger(body, "height", 1, MostPixels);

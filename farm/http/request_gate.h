@@ -9,17 +9,17 @@ namespace farm {
 class AccountStore;
 class ApiRequest;
 
-/// How often clients may ask.
+/// Rate limits for clients.
 struct RequestLimits
 {
     Rate signInsByAddress {30, 0.5};
     Rate failedSignInsByName {10, 0.1};
     Rate requestsByAccount {200, 20};
-    /// Requests that carry bytes of files, and the steps of a submission.
+    /// Requests that carry bytes of files, and those that a submission consists of.
     Rate transfersByAccount {1000, 200};
 };
 
-/// Finds the account that a request comes from. Refuses requests without a session, and too many of them.
+/// Finds the account that a request comes from. Refuses requests without a session and requests beyond the limits.
 class RequestGate
 {
 public:

@@ -30,7 +30,7 @@ std::int64_t RequiredSize(const QJsonObject& body)
     const QJsonValue value = body.value(QLatin1String("size"));
     const double number = value.toDouble();
     if (!value.isDouble() || !(number >= 1 && number < Largest) || number != double(std::int64_t(number)))
-        throw InvalidInput("size is missing or is no number of bytes");
+        throw InvalidInput("size is missing or is not a number of bytes");
     return std::int64_t(number);
 }
 
@@ -88,7 +88,7 @@ QJsonObject UploadRoutes::Append(const ApiRequest& request)
     bool ok = false;
     const std::int64_t offset = request.Query("offset").toLongLong(&ok);
     if (!ok || offset < 0)
-        throw InvalidInput("offset is missing or is no number of bytes");
+        throw InvalidInput("offset is missing or is not a number of bytes");
     return UploadData(m_uploads.Append(account, request.PathPart(), offset, request.Bytes(), Now()));
 }
 

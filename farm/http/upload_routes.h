@@ -10,7 +10,7 @@ class HttpServer;
 class RequestGate;
 class UploadStore;
 
-/// Requests by which the files of scenes come to the farm.
+/// Routes for uploading scene files.
 class UploadRoutes
 {
 public:

@@ -16,7 +16,7 @@ struct FrameRange
 /// The same frames in ascending ranges that do not overlap.
 std::vector<FrameRange> Disjoint(std::vector<FrameRange> ranges);
 
-/// How many frames are in ranges that do not overlap.
+/// The number of frames in ranges that do not overlap.
 int FrameCount(const std::vector<FrameRange>& ranges);
 
 /// Gives a new job its ranges, which must not overlap, and its frames: all of them, or the first, the middle and the last
@@ -24,7 +24,7 @@ int FrameCount(const std::vector<FrameRange>& ranges);
 void AddFrames(
     SQLite::Database& connection, std::int64_t job, const std::vector<FrameRange>& ranges, bool prerender);
 
-/// Adds the frames that the jobs' ranges hold and the jobs lack. @param jobs is a JSON array of keys.
+/// Adds the frames of the jobs' ranges that the jobs do not have yet. @param jobs is a JSON array of keys.
 void AddMissingFrames(SQLite::Database& connection, const QString& jobs);
 
 /// The ranges of a job in ascending order.

@@ -20,7 +20,7 @@ struct Rule
     /// A condition over `jobs`; its numbers are codes of JobStatus.
     const char* appliesTo;
     JobStatus next;
-    /// The jobs are rendered again afterwards.
+    /// Whether the action makes the farm render the jobs again.
     bool sendsToWork;
 };
 
@@ -64,7 +64,7 @@ void ForgetFrames(SQLite::Database& connection, const QString& jobs)
         "UPDATE frames SET finished_at = NULL, file = NULL, size = NULL, checksum = NULL WHERE job IN "
         "(SELECT value FROM json_each(?))",
         jobs);
-    // A frame that is being rendered now belongs to the earlier run and does not count for the new one.
+    // A frame that is being rendered at the moment belongs to the earlier run and does not count for the new one.
     Execute(connection, "UPDATE jobs SET run = run + 1 WHERE key IN (SELECT value FROM json_each(?))", jobs);
 }
 

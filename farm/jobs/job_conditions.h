@@ -8,7 +8,7 @@
 
 namespace farm {
 
-/// Which jobs a list holds: those that meet all conditions. An empty member is no condition.
+/// The conditions of a job list; a job must meet all of them. An empty member imposes none.
 /// Times are seconds since the epoch; both bounds are included.
 struct JobConditions
 {

@@ -14,7 +14,7 @@ struct JobFile
     QString checksum;
 };
 
-/// To be called inside a Database::Write().
+/// Call it inside a Database::Write().
 void AddJobFiles(SQLite::Database& connection, std::int64_t job, const std::vector<JobFile>& files);
 std::vector<JobFile> JobFilesOf(SQLite::Database& connection, std::int64_t job);
 

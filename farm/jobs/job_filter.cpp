@@ -41,7 +41,7 @@ private:
     JobFilter m_filter;
 };
 
-// One placeholder holds any number of ids.
+// The ids are passed as one JSON array, so that a single placeholder is enough for any number of them.
 QString JsonArray(const QStringList& texts)
 {
     return QString::fromUtf8(QJsonDocument(QJsonArray::fromStringList(texts)).toJson(QJsonDocument::Compact));

@@ -15,7 +15,7 @@ struct JobFilter
     std::vector<std::variant<std::int64_t, std::string>> values;
 };
 
-/// The account's jobs that meet the conditions; deleted jobs only when their status is a condition.
+/// Selects the account's jobs that meet the conditions; deleted jobs only when the conditions ask for their status.
 JobFilter FilterFor(std::int64_t account, const JobConditions& conditions);
 
 } // namespace farm

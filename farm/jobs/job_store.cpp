@@ -39,8 +39,8 @@ std::int64_t NumberOf(SQLite::Database& connection, std::int64_t job)
     return query.executeStep() ? query.getColumn(0).getInt64() : 0;
 }
 
-// The columns of a job record over a table `job`. Frames and charges are counted for its rows only, so it is to be cut
-// to the page first.
+// The columns of a job record, read from a table `job`. Its frames and charges are counted row by row, so apply LIMIT
+// first.
 constexpr const char* RecordColumns
     = "number, id, type, name, submitted_at, status, "
       "(SELECT 100 * count(finished_at) / count(*) FROM frames WHERE frames.job = job.key), "

@@ -18,7 +18,7 @@ struct NewJob
     std::optional<std::int64_t> project;
     QString type;
     QString name;
-    /// Rendering work, in contrast to normal work.
+    /// True for rendering work, false for normal work.
     bool rendering = true;
     JobStatus status = JobStatus::Waiting;
     /// The path of one of `files` or, when there are none, the name of a scene that comes with the farm.
@@ -54,17 +54,17 @@ struct JobRecord
     int progress = 0;             // percent of its frames
     int status = 0;               // a JobStatus
     Micros cost = 0;
-    /// Why the job has failed.
+    /// The reason why the job failed; empty otherwise.
     QString message;
 };
 
-/// How a job is rendered.
+/// The render settings of a job.
 struct JobPlan
 {
     std::vector<FrameRange> frames;
     int width = 0;
     int height = 0;
-    /// Some frames of the ranges are missing, which only a full render adds.
+    /// Whether frames of the ranges are missing, which only a full render adds.
     bool prerender = false;
 };
 
@@ -75,7 +75,7 @@ struct JobPage
     std::int64_t total = 0;
 };
 
-/// The jobs as their accounts see them. May be used by several threads at a time.
+/// The jobs as their accounts see them. Thread-safe.
 class JobStore
 {
 public:
@@ -89,13 +89,13 @@ public:
     JobPage List(
         std::int64_t account, const JobConditions& conditions, std::int64_t page, std::int64_t pageSize);
 
-    /// The account's job with this id, also a deleted one. Throws NotFound.
+    /// The account's job with this id, even a deleted one. Throws NotFound.
     JobRecord Find(std::int64_t account, const QString& id);
 
-    /// The job that this submission made; nothing when there is none yet.
+    /// The job that this submission created; nothing when there is none yet.
     std::optional<AddedJob> FindSubmission(std::int64_t account, const QString& submission);
 
-    /// How the account's job with this id is rendered. Throws NotFound.
+    /// The render settings of the account's job with this id. Throws NotFound.
     JobPlan Plan(std::int64_t account, const QString& id);
 
     /// Whether any job of the account is waiting, running or to full render.

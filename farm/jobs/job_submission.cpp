@@ -17,7 +17,7 @@ std::int64_t ProjectOf(SQLite::Database& connection, std::int64_t account, const
     SQLite::Statement query(connection, "SELECT key FROM projects WHERE account = ? AND pool = ?");
     Bind(query, account, pool);
     if (!query.executeStep())
-        throw InvalidInput("pool belongs to none of the account's projects");
+        throw InvalidInput("pool does not belong to one of the account's projects");
     return query.getColumn(0).getInt64();
 }
 
@@ -37,7 +37,7 @@ JobSubmission::JobSubmission(Database& database, JobStore& jobs, ContentStore& c
 AddedJob JobSubmission::Submit(std::int64_t account, Submission submission, std::int64_t now)
 {
     if (!m_types.contains(submission.job.type))
-        throw InvalidInput("type is none of the farm's job types");
+        throw InvalidInput("type is not one of the farm's job types");
     submission.job.account = account;
     submission.job.submittedAt = now;
     const AddedJob job = m_database.Write([&](SQLite::Database& connection) {
@@ -65,7 +65,7 @@ void JobSubmission::CheckFiles(const NewJob& job)
         checksums.insert(file.checksum);
     const auto sizes = m_contents.SizesOf(job.account, checksums.values());
     if (sizes.size() != checksums.size())
-        throw Conflict("the farm lacks the content of one of the files");
+        throw Conflict("the farm does not have the content of one of the files");
     // The job gets a copy of each file, so a content counts as often as it is named.
     std::int64_t bytes = 0;
     for (const JobFile& file : job.files) {

@@ -19,19 +19,19 @@ struct Submission
     QString pool;
 };
 
-/// Makes jobs of submissions. May be used by several threads at a time.
+/// Turns submissions into jobs. Thread-safe.
 class JobSubmission
 {
 public:
     /// @param types are the names of the farm's job types.
-    /// @param quota is how many bytes the files of a job may take.
+    /// @param quota is the most bytes that the files of a job may take.
     /// @param changed is called after each new job, in the thread that submitted it.
     JobSubmission(Database& database, JobStore& jobs, ContentStore& contents, const QStringList& types,
         std::int64_t quota, std::function<void()> changed);
 
-    /// The job of this submission: a new one, or the one that an earlier call with the same `submission` made. `now` is in
-    /// seconds since the epoch. Throws InvalidInput when the type or the pool is unknown, Conflict when the account has
-    /// not sent one of the contents, and QuotaExceeded.
+    /// The job of this submission: a new one, or the one that an earlier call with the same `submission` created. `now` is
+    /// in seconds since the epoch. Throws InvalidInput when the type or the pool is unknown, Conflict when the account
+    /// has not sent one of the contents, and QuotaExceeded.
     AddedJob Submit(std::int64_t account, Submission submission, std::int64_t now);
 
 private:

@@ -17,14 +17,14 @@ namespace {
 
 constexpr quint64 ReadFiles
     = LANDLOCK_ACCESS_FS_EXECUTE | LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_READ_DIR;
-// Links and devices may not be created.
+// The rights to create links and devices are left out on purpose.
 constexpr quint64 WriteFiles = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_READ_DIR
     | LANDLOCK_ACCESS_FS_WRITE_FILE | LANDLOCK_ACCESS_FS_REMOVE_FILE | LANDLOCK_ACCESS_FS_REMOVE_DIR
     | LANDLOCK_ACCESS_FS_MAKE_REG | LANDLOCK_ACCESS_FS_MAKE_DIR;
 constexpr quint64 UseDevice = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_WRITE_FILE;
 constexpr quint64 FileAccesses
     = LANDLOCK_ACCESS_FS_EXECUTE | LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_WRITE_FILE;
-// All accesses that the first version of Landlock knows.
+// All access rights of the first version of Landlock.
 constexpr quint64 FirstAccesses = (LANDLOCK_ACCESS_FS_MAKE_SYM << 1) - 1;
 constexpr quint64 TruncateFiles = quint64 {1} << 14;
 constexpr int VersionWithTruncate = 3;

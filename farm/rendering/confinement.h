@@ -4,15 +4,15 @@
 
 namespace farm {
 
-/// The part of this machine that a renderer may use: it may read the installed programs, libraries and fonts and the files
-/// below `readable`, and write below `writable`, but neither read nor change anything else.
+/// The part of this machine that a renderer may use. It may read the installed programs, libraries and fonts and the files
+/// below `readable`, write below `writable`, and access nothing else.
 struct Reach
 {
     QString readable;
     QString writable;
 };
 
-/// Limits a process to its reach by means of the kernel (Landlock). Prepared in the farm, entered in the new process.
+/// Limits a process to its reach by means of the kernel (Landlock). The farm prepares it; the new process enters it.
 class Confinement
 {
 public:
@@ -25,8 +25,8 @@ public:
     Confinement(const Confinement&) = delete;
     Confinement& operator=(const Confinement&) = delete;
 
-    /// Limits the calling process and all processes that it starts. Makes system calls only, as code between fork and
-    /// exec must. Returns false when the process could not be limited although the kernel supports it.
+    /// Limits the calling process and all processes that it starts. Makes only system calls, so it is safe between fork
+    /// and exec. Returns false when the process could not be limited although the kernel supports it.
     bool Enter() const;
 
 private:

@@ -17,20 +17,20 @@ struct RenderCommand
     /// The folder in which the program runs.
     QString folder;
     int timeLimit = 3600; // s
-    /// Without it the program may read and write whatever the farm may.
+    /// If absent, the program may read and write all files that the farm may.
     std::optional<Reach> reach;
 };
 
 struct RenderResult
 {
     bool ok = false;
-    /// The reason of a failure, for people.
+    /// The reason for a failure, for the user.
     QString message;
     /// The processor time that the frame took.
     std::int64_t coreMilliseconds = 0;
 };
 
-/// Runs renderers somewhere, each on one core. Used by one thread.
+/// Runs renderers, each on one core. Not thread-safe.
 class Executor
 {
 public:
@@ -38,7 +38,7 @@ public:
 
     virtual ~Executor() = default;
 
-    /// How many frames can be rendered at a time.
+    /// The number of frames that can be rendered at a time.
     virtual int Slots() const = 0;
     /// Whether this renderer program can be run.
     virtual bool Has(const QString& program) const = 0;

@@ -85,7 +85,7 @@ void FrameFiles::RemoveFrames(QDir folder, const QString& suffix)
         = folder.entryList({QStringLiteral("frame_*.") + suffix}, QDir::Files | QDir::Hidden);
     for (const QString& frame : frames) {
         if (!folder.remove(frame))
-            throw std::runtime_error("cannot remove a frame of the earlier run");
+            throw std::runtime_error("cannot remove a frame of an earlier run");
     }
 }
 
@@ -107,7 +107,7 @@ Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix) const
         throw std::runtime_error("the renderer left no picture");
     const Picture picture {
         FrameName(task.Number(), suffix), std::int64_t(left.size()), storage::FileChecksum(unfinished)};
-    // The picture may be in its place already: a crash can come between this and the recording of the frame.
+    // The picture may be in its place already: the farm can crash between this rename and the recording of the frame.
     storage::RenameDurably(unfinished, QDir(JobFolder(task.jobId)).filePath(picture.name));
     return picture;
 }

@@ -9,21 +9,21 @@ namespace farm {
 
 class SceneFiles;
 
-/// The paths with which the renderer of a frame works.
+/// The paths that the renderer of a frame uses.
 struct RenderPlace
 {
     /// Holds all files of the scene.
     QString sceneFolder;
     /// The scene file's folder, in which the renderer runs, because scenes name other files relative to it.
     QString workFolder;
-    /// A link to the scene file whose name no renderer misreads.
+    /// A link to the scene file under a name that every renderer can read.
     QString sceneFile;
     QString outputFolder;
     /// The name of the picture in `outputFolder`.
     QString outputName;
 
     QString Output() const { return outputFolder + QLatin1Char('/') + outputName; }
-    /// One of these paths relative to the work folder.
+    /// Returns one of these paths relative to the work folder.
     QString FromWorkFolder(const QString& path) const { return QDir(workFolder).relativeFilePath(path); }
 };
 

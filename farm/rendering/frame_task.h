@@ -31,10 +31,10 @@ struct FrameTask
     QString scene;
     int width = 0;  // pixels
     int height = 0; // pixels
-    /// The lowest and the highest number in the job's ranges, also when the frames with these numbers are missing.
+    /// The lowest and the highest number in the job's ranges, even when the frames with these numbers are missing.
     int firstFrame = 1;
     int lastFrame = 1;
-    /// No frame of this run is finished yet.
+    /// Whether no frame of this run is finished yet.
     bool beginsRun = false;
 
     int FrameSpan() const { return lastFrame - firstFrame + 1; }

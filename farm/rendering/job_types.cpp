@@ -54,7 +54,7 @@ JobTypes ReadJobTypes(const QString& path)
     const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
     if (!document.isObject())
         throw std::runtime_error(
-            path.toStdString() + " holds no JSON object: " + error.errorString().toStdString());
+            path.toStdString() + " is not a JSON object: " + error.errorString().toStdString());
     const QJsonObject object = document.object();
     JobTypes types;
     for (auto entry = object.begin(); entry != object.end(); ++entry)

@@ -14,7 +14,8 @@ LocalExecutor::LocalExecutor(int slotCount)
     : m_slots(std::max(1, slotCount))
 {
     if (!Confinement::IsSupported())
-        spdlog::warn("this machine's kernel has no Landlock: renderers can read whatever the farm can");
+        spdlog::warn(
+            "this machine's kernel has no Landlock: renderers can read all files that the farm can read");
 }
 
 LocalExecutor::~LocalExecutor() = default;

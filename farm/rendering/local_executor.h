@@ -9,7 +9,7 @@ namespace farm {
 
 class RenderProcess;
 
-/// Runs renderers as processes of this machine at the lowest priority. They end with the farm, even if it is killed.
+/// Runs renderers as processes on this machine at the lowest priority. They end with the farm, even if it is killed.
 class LocalExecutor : public Executor
 {
 public:

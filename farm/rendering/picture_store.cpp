@@ -9,7 +9,7 @@ namespace farm {
 
 namespace {
 
-// How often a picture is opened when restarts of the job replace it meanwhile.
+// Attempts to open a picture that restarts of the job keep replacing.
 constexpr int Attempts = 3;
 
 Picture ReadPicture(SQLite::Statement& row)
@@ -65,8 +65,8 @@ std::optional<Picture> PictureStore::Find(std::int64_t account, const QString& j
     });
 }
 
-// A restart deletes the record of a picture before the file is replaced. So a record that is the same before and after the
-// file was opened belongs to that file.
+// A restart deletes the record of a picture before the file is replaced. So if the record is the same before and after
+// opening the file, it describes that file.
 PictureStore::Opened PictureStore::Open(std::int64_t account, const QString& job, const QString& name)
 {
     for (int attempt = 0; attempt < Attempts; ++attempt) {

@@ -13,7 +13,7 @@ namespace farm {
 
 class FrameFiles;
 
-/// The finished frames as accounts fetch them. May be used by several threads at a time.
+/// The finished frames that accounts fetch. Thread-safe.
 class PictureStore
 {
 public:

@@ -15,7 +15,7 @@ namespace farm {
 
 namespace {
 
-// The end of a renderer's output says what went wrong.
+// The end of a renderer's output usually names the error, so this much of it is kept.
 constexpr int OutputTail = 400; // bytes
 constexpr int LowestPriority = 19;
 
@@ -24,8 +24,8 @@ std::int64_t Milliseconds(const timeval& time)
     return std::int64_t {time.tv_sec} * 1000 + time.tv_usec / 1000;
 }
 
-// The processor time of the renderers that have ended since the last call. As this is called whenever one has ended, it is
-// that one's time; the system no longer tells the time of a single process once QProcess has waited for it.
+// Returns the processor time of the renderers that have ended since the last call. It is called whenever one has ended,
+// so this is that one's time. Once QProcess has waited for a process, the system no longer reports its own time.
 std::int64_t TakeCoreMilliseconds()
 {
     static std::int64_t known = 0;
@@ -66,7 +66,8 @@ RenderProcess::~RenderProcess()
     TakeCoreMilliseconds();
 }
 
-// A confined renderer gets only the part of the farm's environment that it needs; its home is where it may write.
+// A confined renderer gets only the part of the farm's environment that it needs; its home is the folder that it may
+// write to.
 void RenderProcess::Confine(const Reach& reach, const QString& program)
 {
     m_confinement = std::make_unique<Confinement>(reach, QStandardPaths::findExecutable(program));
@@ -137,7 +138,7 @@ QString RenderProcess::Message(int exitCode, QProcess::ExitStatus status) const
         reason = QStringLiteral("the renderer exceeded its time limit");
     else if (status == QProcess::CrashExit)
         reason = QStringLiteral("the renderer crashed");
-    // When output was cut off, its first line is not whole.
+    // The first line is incomplete when output was cut off.
     const int cut = m_outputTail.size() < OutputTail ? 0 : m_outputTail.indexOf('\n') + 1;
     const QString output = QString::fromUtf8(m_outputTail.mid(cut)).trimmed();
     return output.isEmpty() ? reason : reason + QStringLiteral("\n") + output;

@@ -12,8 +12,8 @@
 
 namespace farm {
 
-/// The open frames of all jobs, and the records of those that are finished: pictures, charges and balances.
-/// A frame that is being rendered is not marked, so after a crash it is still open.
+/// Finds the open frames of all jobs and records finished ones: their pictures, charges and balances.
+/// A frame that is being rendered is not marked, so it is still open after a crash.
 class RenderQueue
 {
 public:
@@ -33,13 +33,13 @@ public:
     /// Pauses the open jobs of all accounts in arrears.
     void PauseJobsInArrears();
 
-    /// Records a finished frame in one transaction: its picture, the charge, the account's lower balance and, with the
-    /// last frame, the end of the job. Does nothing when the frame is recorded already or belongs to an earlier run.
+    /// Records a finished frame in one transaction: its picture, the charge, the account's new balance and, with the last
+    /// frame, the end of the job. Does nothing when the frame is recorded already or belongs to an earlier run.
     void Finish(
         const FrameKey& frame, const Picture& picture, std::int64_t coreMilliseconds, std::int64_t now);
 
-    /// Counts a failed attempt at the frame. With the third one the job fails and keeps the message.
-    /// Returns whether this made the job fail.
+    /// Counts a failed attempt at the frame. The third one makes the job fail, which then keeps the message.
+    /// Returns whether the job failed.
     bool Fail(const FrameKey& frame, const QString& message, std::int64_t now);
 
 private:

@@ -52,13 +52,13 @@ void SceneFiles::Provide(const FrameTask& task, const QDir& jobFolder) const
         SyncTree(unfinished.path());
         storage::RenameDurably(unfinished.path(), scene);
     } catch (const std::exception&) {
-        // The disk may be full; half a scene must not stay on it.
+        // The disk may be full, so an incomplete copy must not stay on it.
         unfinished.removeRecursively();
         throw;
     }
 }
 
-// Renderers get copies, so that nothing they do can change the contents, which several jobs may share.
+// Renderers get copies, because jobs share the contents and a renderer might change its files.
 bool SceneFiles::CopyOwn(std::int64_t job, const QDir& folder) const
 {
     const std::vector<JobFile> files

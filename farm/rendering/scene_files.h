@@ -9,14 +9,14 @@ namespace farm {
 
 class ContentStore;
 
-/// Copies the files of a job's scene to where the renderer finds them.
+/// Copies the files of a job's scene into the job's folder.
 class SceneFiles
 {
 public:
     /// @param shippedFolder holds the scenes that come with the farm.
     SceneFiles(Database& database, const ContentStore& contents, const QString& shippedFolder);
 
-    /// Creates the folder "scene" in the job's folder unless it exists; it is never left incomplete.
+    /// Creates the folder "scene" in the job's folder unless it exists. An incomplete copy never has this name.
     /// Throws std::runtime_error.
     void Provide(const FrameTask& task, const QDir& jobFolder) const;
 

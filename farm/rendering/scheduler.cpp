@@ -121,7 +121,7 @@ void Scheduler::FrameEnded(const FrameTask& task, const RenderResult& result)
     try {
         Record(task, result);
     } catch (const std::exception& error) {
-        // Without a nudge: rendering the frame again at once could become an endless loop.
+        // No nudge: rendering again at once could loop forever.
         spdlog::error("a finished frame could not be recorded and will be rendered again: {}", error.what());
         return;
     }

@@ -20,17 +20,17 @@ class Scheduler : public QObject
     Q_OBJECT
 
 public:
-    /// @param lookInterval is how often the scheduler looks at the jobs by itself.
+    /// @param lookInterval is the time after which the scheduler looks at the jobs without a nudge.
     Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& files, const JobTypes& types,
         std::chrono::milliseconds lookInterval);
 
     /// Looks at the jobs: pauses those in arrears, cancels the frames that are no longer wanted and fills the free slots.
-    /// To be called when jobs have changed.
+    /// Call it when jobs have changed.
     void Nudge();
-    /// Calls Nudge() later in the scheduler's thread. May be called in any thread.
+    /// Calls Nudge() later in the scheduler's thread. May be called from any thread.
     void NudgeLater() { emit NudgeWanted(); }
 
-    /// Cancels all frames being rendered. Their slots count as taken from then on, so no others start in them.
+    /// Cancels all frames being rendered. Their slots stay taken, so no other frames start.
     void Stop();
 
 signals:

@@ -14,7 +14,7 @@ namespace farm {
 
 namespace {
 
-// Contents are spread over folders named by the first digits of their checksums.
+// Contents are spread over folders that are named after the first digits of their checksums.
 constexpr int PrefixDigits = 2;
 
 QString Incoming()
@@ -25,7 +25,7 @@ QString Incoming()
 void MakeFolder(const QString& path)
 {
     if (!QDir().mkpath(path))
-        throw std::runtime_error("cannot create a folder for contents");
+        throw std::runtime_error("cannot create a folder for file contents");
 }
 
 } // namespace
@@ -40,7 +40,7 @@ ContentStore::ContentStore(Database& database, const QString& folder)
     RemoveStrayFiles();
 }
 
-// A farm that ends between Take() and Give() leaves files that belong to no account.
+// A farm that crashes between Take() and Give() leaves files that belong to no account.
 void ContentStore::RemoveStrayFiles()
 {
     const QSet<QString> known = m_database.Read([](SQLite::Database& connection) {
@@ -70,7 +70,7 @@ QString ContentStore::NewIncomingFolder()
     return folder;
 }
 
-// A content that is here already is replaced by its equal: if the disk has damaged it, this repairs it.
+// A content that is already here is overwritten with the same bytes, which repairs a copy that the disk has damaged.
 void ContentStore::Take(const std::vector<UnpackedFile>& files)
 {
     QSet<QString> taken;
@@ -110,7 +110,7 @@ QHash<QString, std::int64_t> ContentStore::SizesOf(std::int64_t account, const Q
         }
         return found;
     });
-    // A content that is missing or cut off counts as unknown, so that the client sends it again.
+    // A missing or truncated content counts as unknown, so that the client sends it again.
     for (auto size = sizes.begin(); size != sizes.end();)
         size = QFileInfo(FileOf(size.key())).size() == *size ? std::next(size) : sizes.erase(size);
     return sizes;
@@ -149,13 +149,13 @@ std::int64_t ContentStore::BytesWith(std::int64_t account, const std::vector<Unp
 void ContentStore::CopyTo(const QString& checksum, const QString& target) const
 {
     if (!QFile::copy(FileOf(checksum), target))
-        throw std::runtime_error("a content of the scene is missing or cannot be copied");
+        throw std::runtime_error("a file of the scene is missing or cannot be copied");
     if (storage::FileChecksum(target) == checksum)
         return;
     // Once the damaged file is gone, the content counts as unknown and the client sends it again.
     if (storage::FileChecksum(FileOf(checksum)) != checksum)
         QFile::remove(FileOf(checksum));
-    throw std::runtime_error("a content of the scene is damaged");
+    throw std::runtime_error("a file of the scene is damaged");
 }
 
 } // namespace farm

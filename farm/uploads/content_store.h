@@ -11,28 +11,27 @@
 
 namespace farm {
 
-/// The contents of files, each kept once under its checksum, and which accounts have sent which.
-/// May be used by several threads at a time.
+/// The contents of files, each stored once under its checksum, and the accounts that have sent them. Thread-safe.
 class ContentStore
 {
 public:
-    /// Creates the folder and removes what was left half taken in. Throws std::runtime_error.
+    /// Creates the folder and removes files of interrupted unpacks. Throws std::runtime_error.
     ContentStore(Database& database, const QString& folder);
 
-    /// A new, empty folder on the disk of the contents, for files that are to be passed to Take().
+    /// Creates an empty folder on the disk of the contents, for files that will be passed to Take().
     QString NewIncomingFolder();
 
     /// Moves the files in; they are on the disk when it returns, but belong to no account yet.
     void Take(const std::vector<UnpackedFile>& files);
-    /// Makes the contents the account's.
+    /// Records that the account has these contents.
     void Give(std::int64_t account, const std::vector<UnpackedFile>& files);
 
-    /// The sizes in bytes of the given contents. Left out are those that the account has not sent, and those that are
-    /// missing or cut off on the disk.
+    /// The sizes in bytes of the given contents. Contents that the account has not sent, or that are missing or truncated
+    /// on the disk, are left out.
     QHash<QString, std::int64_t> SizesOf(std::int64_t account, const QStringList& checksums);
-    /// The given checksums without those that SizesOf() leaves out.
+    /// The given checksums without the ones that SizesOf() leaves out.
     QStringList KnownTo(std::int64_t account, const QStringList& checksums);
-    /// The bytes that the account's contents would take together once these files were among them.
+    /// The bytes that the account would use if it had these files as well.
     std::int64_t BytesWith(std::int64_t account, const std::vector<UnpackedFile>& files);
 
     /// Copies a content to a file that does not exist yet and verifies the copy. Throws std::runtime_error.

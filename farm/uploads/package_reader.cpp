@@ -19,7 +19,7 @@ namespace farm {
 namespace {
 
 constexpr zip_int64_t MostEntries = 10000;
-// Files that take more than this times the package's size, and more than AlwaysAllowedBytes, are taken for a bomb.
+// A package is refused as a bomb if its files take more than this times its size and more than AlwaysAllowedBytes.
 constexpr qint64 MostTimesLarger = 200;
 constexpr qint64 AlwaysAllowedBytes = qint64 {64} * 1024 * 1024;
 constexpr int BlockBytes = 256 * 1024;
@@ -47,7 +47,7 @@ Archive OpenArchive(const QString& package)
     int error = 0;
     Archive archive(zip_open(QFile::encodeName(package).constData(), ZIP_RDONLY, &error));
     if (!archive)
-        throw BadPackage("the package is no ZIP archive");
+        throw BadPackage("the package is not a ZIP archive");
     return archive;
 }
 
@@ -80,7 +80,7 @@ EntryInfo InfoOf(zip_t* archive, zip_uint64_t index)
     if (stat.encryption_method != ZIP_EM_NONE)
         throw BadPackage("an entry of the package is encrypted");
     if (!IsPlainFile(archive, index))
-        throw BadPackage("an entry of the package is no plain file");
+        throw BadPackage("an entry of the package is not a plain file");
     if (stat.size > zip_uint64_t(std::numeric_limits<qint64>::max()))
         throw BadPackage("the files of the package are too large");
     return {PathOf(archive, index), qint64(stat.size)};
@@ -90,7 +90,7 @@ std::vector<EntryInfo> CheckedEntries(zip_t* archive, qint64 packageBytes)
 {
     const zip_int64_t count = zip_get_num_entries(archive, 0);
     if (count < 1 || count > MostEntries)
-        throw BadPackage("the package has no or too many entries");
+        throw BadPackage("the package is empty or has too many entries");
     const qint64 mostBytes = std::max(packageBytes * MostTimesLarger, AlwaysAllowedBytes);
     std::vector<EntryInfo> entries;
     QSet<QString> paths;
@@ -99,7 +99,7 @@ std::vector<EntryInfo> CheckedEntries(zip_t* archive, qint64 packageBytes)
         entries.push_back(InfoOf(archive, zip_uint64_t(index)));
         const EntryInfo& entry = entries.back();
         if (paths.contains(entry.path))
-            throw BadPackage("two entries of the package have one path");
+            throw BadPackage("two entries of the package have the same path");
         paths.insert(entry.path);
         if (entry.size > mostBytes - bytes)
             throw BadPackage("the files of the package are too large");
@@ -108,7 +108,7 @@ std::vector<EntryInfo> CheckedEntries(zip_t* archive, qint64 packageBytes)
     return entries;
 }
 
-// Calls `take` with one block after the other, and never with more bytes than the entry announces.
+// Calls `take` with one block after another, and never with more bytes than the entry announces.
 template <typename Take>
 void ReadEntry(zip_t* archive, zip_uint64_t index, qint64 announced, Take take)
 {
@@ -129,7 +129,7 @@ void ReadEntry(zip_t* archive, zip_uint64_t index, qint64 announced, Take take)
         take(block.constData(), int(got));
     }
     if (total != announced)
-        throw BadPackage("an entry of the package does not hold what it announces");
+        throw BadPackage("an entry of the package has another length than announced");
 }
 
 UnpackedFile UnpackEntry(zip_t* archive, zip_uint64_t index, const EntryInfo& entry, const QString& target,
@@ -137,17 +137,17 @@ UnpackedFile UnpackEntry(zip_t* archive, zip_uint64_t index, const EntryInfo& en
 {
     QFile file(target);
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-        throw std::runtime_error("cannot write a content");
+        throw std::runtime_error("cannot write an unpacked file");
     QCryptographicHash hash(QCryptographicHash::Sha256);
     ReadEntry(archive, index, entry.size, [&](const char* bytes, int count) {
         if (!goOn())
             throw Interrupted();
         hash.addData(bytes, count);
         if (file.write(bytes, count) != count)
-            throw std::runtime_error("cannot write a content");
+            throw std::runtime_error("cannot write an unpacked file");
     });
     if (!file.flush())
-        throw std::runtime_error("cannot write a content");
+        throw std::runtime_error("cannot write an unpacked file");
     storage::SyncToDisk(target);
     return {{entry.path, entry.size, QString::fromLatin1(hash.result().toHex())}, target};
 }

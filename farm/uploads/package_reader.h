@@ -9,24 +9,24 @@
 
 namespace farm {
 
-/// A package is refused as a whole.
+/// Thrown when a package is refused.
 class BadPackage : public Refusal
 {
 public:
     using Refusal::Refusal;
 };
 
-/// The work was given up because the farm is ending.
+/// Thrown when the work is stopped because the farm is shutting down.
 class Interrupted : public std::runtime_error
 {
 public:
     Interrupted()
-        : std::runtime_error("the farm is ending")
+        : std::runtime_error("the farm is shutting down")
     {
     }
 };
 
-/// A file that came in a package.
+/// A file in a package.
 struct PackedFile
 {
     QString path;
@@ -34,21 +34,21 @@ struct PackedFile
     QString checksum;
 };
 
-/// A file that was taken out of a package.
+/// A file that was unpacked.
 struct UnpackedFile : PackedFile
 {
     /// The file on this machine that holds the content.
     QString file;
 };
 
-/// Writes the files of a ZIP archive into the existing `folder` under names of the reader's own. Trusts nothing that the
-/// archive says about itself. Throws BadPackage when the archive is refused, Interrupted, and std::runtime_error when a
-/// file cannot be written; the caller removes what was written by then.
-/// @param goOn is asked before each block; false gives the work up.
+/// Writes the files of a ZIP archive into the existing `folder` under names of its own choosing. Trusts nothing that
+/// the archive says about itself. Throws BadPackage when the archive is refused, Interrupted, and std::runtime_error when
+/// a file cannot be written; the caller then removes the files written so far.
+/// @param goOn is called before each block; false stops the work.
 std::vector<UnpackedFile> Unpack(
     const QString& package, const QString& folder, const std::function<bool()>& goOn);
 
-/// The bytes that the files of the package will take by its own account, after all checks that need no unpacking.
+/// The unpacked size of the package as its directory states it, after all checks that need no unpacking.
 /// Throws BadPackage.
 qint64 AnnouncedBytes(const QString& package);
 

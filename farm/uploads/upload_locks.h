@@ -8,7 +8,7 @@
 
 namespace farm {
 
-/// Lets one thread at a time work on an upload.
+/// Lets only one thread at a time work on an upload.
 class UploadLocks
 {
 public:
@@ -16,7 +16,7 @@ public:
     class Hold
     {
     public:
-        /// Waits half a second for the upload at most. Throws Busy when another thread still holds it.
+        /// Waits at most half a second for the upload. Throws Busy when another thread still holds it.
         Hold(UploadLocks& locks, const QString& id);
         ~Hold();
         Hold(const Hold&) = delete;

@@ -20,7 +20,7 @@ namespace farm {
 namespace {
 
 constexpr std::int64_t SecondsKept = std::int64_t {7} * 24 * 3600; // since the last touch
-// A scene has up to 4000 files, each of which may come in a package of its own.
+// A scene has up to 4000 files, each of which may arrive in its own package.
 constexpr int MostUnfinished = 10000;
 
 QuotaExceeded OverQuota()
@@ -129,7 +129,7 @@ Upload UploadStore::Begin(std::int64_t account, const QString& checksum, std::in
     return upload;
 }
 
-// The disk may have lost or damaged contents that were unpacked earlier; the package is then needed again.
+// Contents that were unpacked earlier may have been lost or damaged since; the package is then needed again.
 bool UploadStore::HasLostContents(std::int64_t account, const Upload& upload)
 {
     QStringList checksums;
@@ -166,7 +166,7 @@ void UploadStore::CheckCount(std::int64_t account)
     });
 }
 
-// `more` bytes count besides the account's unfinished uploads.
+// Adds `more` to the bytes of the account's unfinished uploads.
 void UploadStore::CheckQuota(std::int64_t account, std::int64_t more)
 {
     m_database.Read([&](SQLite::Database& connection) {
@@ -185,9 +185,9 @@ Upload UploadStore::Append(
     const UploadLocks::Hold hold(m_locks, id);
     Upload upload = Find(account, id);
     if (offset != upload.offset)
-        throw Conflict("the upload ends at another offset");
+        throw Conflict("the upload does not end at this offset");
     if (bytes.size() > upload.size - offset)
-        throw InvalidInput("the package would become larger than was announced");
+        throw InvalidInput("the package would become larger than announced");
     if (bytes.isEmpty())
         return upload;
     storage::AppendDurably(FileOf(id), offset, bytes);
@@ -199,7 +199,7 @@ Upload UploadStore::Append(
 Upload UploadStore::Unpack(std::int64_t account, const QString& id, std::int64_t now)
 {
     const UploadLocks::Hold hold(m_locks, id);
-    // One package of an account at a time, so that what is being unpacked stays within the quota.
+    // One package per account at a time; two together could exceed the quota while they are unpacked.
     const UploadLocks::Hold turn(m_locks, QStringLiteral("account %1").arg(account));
     Upload upload = Find(account, id);
     if (upload.unpacked)
@@ -228,12 +228,12 @@ void UploadStore::TakeContents(std::int64_t account, Upload& upload, const QStri
         throw Interrupted();
     if (checksum != upload.checksum)
         throw BadPackage("the package does not have the announced checksum");
-    // Not even for a while may the files take more of the disk than the quota.
+    // The unpacked files must not exceed the quota, even temporarily.
     if (AnnouncedBytes(package) > m_quota)
         throw OverQuota();
     const std::vector<UnpackedFile> files = farm::Unpack(package, incoming, goOn);
     const std::lock_guard<std::mutex> lock(m_quotaMutex);
-    // The package itself no longer counts: it is deleted.
+    // The package is not counted, since it is about to be deleted.
     CheckQuota(account, m_contents.BytesWith(account, files) - upload.size);
     m_contents.Take(files);
     upload.files.assign(files.begin(), files.end());
@@ -285,7 +285,7 @@ void UploadStore::ForgetWhenOld(const QString& id, std::int64_t bound)
         if (isGone)
             QFile::remove(FileOf(id));
     } catch (const Busy&) {
-        // An upload that is being worked on is not old.
+        // An upload that a request is working on is not old.
     }
 }
 

@@ -15,45 +15,45 @@ namespace farm {
 
 class ContentStore;
 
-/// A package on its way to the farm, or one whose contents have been taken in.
+/// A package that is arriving at the farm, or one that has been unpacked.
 struct Upload
 {
     QString id;
     QString checksum;
-    /// Of the whole package, in bytes.
+    /// The size of the whole package in bytes.
     std::int64_t size = 0;
-    /// How many bytes of it are on the disk.
+    /// The number of its bytes that are on the disk.
     std::int64_t offset = 0;
     bool unpacked = false;
     /// The files of the package, once it is unpacked.
     std::vector<PackedFile> files;
 };
 
-/// The packages that come in chunks. May be used by several threads at a time, of which one at a time works on an upload.
-/// An id that is none of the account's uploads throws NotFound. Times are seconds since the epoch.
+/// The packages that arrive in chunks. Thread-safe; one thread at a time works on an upload. Functions throw NotFound when
+/// an id is not one of the account's uploads. Times are seconds since the epoch.
 class UploadStore
 {
 public:
     static constexpr std::int64_t LargestPackage = std::int64_t {8} * 1024 * 1024 * 1024; // bytes
 
     /// Creates the folder and removes packages that belong to no upload. Throws std::runtime_error.
-    /// @param quota is how many bytes the contents and unfinished uploads of an account may take.
+    /// @param quota is the most bytes that the contents and unfinished uploads of an account may take.
     UploadStore(Database& database, ContentStore& contents, const QString& folder, std::int64_t quota);
 
     /// The account's upload of this package, or a new one. Throws TooLarge and QuotaExceeded.
     Upload Begin(std::int64_t account, const QString& checksum, std::int64_t size, std::int64_t now);
     Upload Find(std::int64_t account, const QString& id);
     /// Appends bytes, which are on the disk when it returns. Throws Conflict when the upload does not end at `offset`,
-    /// InvalidInput when the package would become larger than was announced, and Busy.
+    /// InvalidInput when the package would become larger than announced, and Busy.
     Upload Append(std::int64_t account, const QString& id, std::int64_t offset, const QByteArray& bytes,
         std::int64_t now);
-    /// Verifies the package, takes its contents in and deletes it; asked again, it gives the same answer.
+    /// Verifies the package, stores its contents and deletes it; a repeated call returns the same result.
     /// Throws Conflict while bytes are missing, BadPackage, QuotaExceeded and Busy.
     Upload Unpack(std::int64_t account, const QString& id, std::int64_t now);
 
-    /// Forgets the uploads that nobody has touched for seven days.
+    /// Deletes the uploads that no request has touched for seven days.
     void ForgetOld(std::int64_t now);
-    /// Makes Unpack() give up, because the farm is ending.
+    /// Makes Unpack() stop, because the farm is shutting down.
     void Interrupt() { m_interrupted = true; }
 
 private:
@@ -73,7 +73,7 @@ private:
     QString m_folder;
     std::int64_t m_quota;
     UploadLocks m_locks;
-    // Held from checking a quota until what was checked is recorded.
+    // Held from a quota check until the checked bytes are recorded.
     std::mutex m_quotaMutex;
     std::atomic<bool> m_interrupted {false};
 };

@@ -4,7 +4,7 @@
 #include "tests/farm/farm_client.h"
 #include "tests/farm/farm_fixture.h"
 
-/// A farm in a folder of its own, which runs once it was started, and its client ann.
+/// A farm in its own folder, which runs once it has been started, and its client ann.
 class FarmAtWork : public FarmClient
 {
 public:
@@ -15,7 +15,7 @@ public:
         settings.sceneFolder = m_folder.path();
         settings.jobTypesFile = Path("types.json");
         settings.demo = false;
-        // So long that nothing but a nudge makes the scheduler look at the jobs.
+        // So long that only a nudge makes the scheduler look at the jobs.
         settings.lookInterval = std::chrono::hours(1);
         WriteFile(Path("scene.txt"), "the farm's scene");
     }
@@ -38,13 +38,13 @@ public:
         return m_folder.filePath(Fill(pattern, parts));
     }
 
-    /// The notes of the scripted renderers in one line.
+    /// The log of the scripted renderers in one line.
     QByteArray Log() const { return ReadFile(Path("jobs/log")).replace('\n', ' ').trimmed(); }
 
-    /// Lets the scripted renderers that wait for jobs/gate go on.
+    /// Releases the scripted renderers that wait for jobs/gate.
     bool OpenGate() const { return WriteFile(Path("jobs/gate"), {}); }
 
-    /// Adds a job of ann's without the farm noticing; returns its id.
+    /// Adds a job of ann's without telling the running farm; returns its id.
     QString Add(int frames, farm::JobStatus status = farm::JobStatus::Waiting)
     {
         farm::NewJob job = data.Job("job"_s, frames);

@@ -40,7 +40,7 @@ public:
         return job;
     }
 
-    /// Ann's newest job, where a test has one at a time.
+    /// Ann's newest job, for tests that have one at a time.
     farm::JobRecord Only() { return jobs.List(account, {}, 1, 1).jobs.at(0); }
 
     farm::Micros Balance() { return accounts.Info(account).balance; }
@@ -75,7 +75,7 @@ inline QByteArray ScriptedTypes(const QByteArray& script, int frameTimeLimit = 6
         {"arguments"_s, QJsonArray {"-c"_s, QString::fromLatin1(script)}},
         {"suffix"_s, "txt"_s},
         {"frame_time_limit"_s, frameTimeLimit},
-        // Scripts leave notes beside the jobs.
+        // Scripts write their logs beside the jobs.
         {"confined"_s, false},
     };
     return QJsonDocument(QJsonObject {{"povray"_s, type}}).toJson();

@@ -8,12 +8,12 @@ using namespace farm;
 
 namespace {
 
-// Scripts that stand in for the renderer. This one notes each frame and waits at frame 3 until the gate is open.
+// These scripts stand in for the renderer. This one logs each frame and waits at frame 3 until the gate is open.
 const char* const GatedScript = "echo $$ > ../../pid; echo {frame}/{frames} >> ../../log; "
                                 "[ {frame} -ne 3 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
                                 "cp {scene} {output}";
 
-// Takes processor time, so that it costs something, and waits in each frame but the first until the gate is open.
+// Uses processor time, so that it costs something, and waits in each frame but the first until the gate is open.
 const char* const DearScript = "echo $$ > ../../pid; i=0; while [ $i -lt 30000 ]; do i=$((i+1)); done; "
                                "[ {frame} -eq 1 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
                                "cp {scene} {output}";
@@ -45,7 +45,7 @@ private slots:
                   QTest::newRow(name)
                       << QByteArray(action) << prerender << QString::fromLatin1(statuses) << progress;
               };
-        // The statuses afterwards of jobs that had the statuses 0 to 9, and their progress.
+        // Expected status and progress of jobs that started in status 0 to 9.
         row("stop", "stop", false, "2222452789", 20);
         row("recover", "recover", false, "0103456000", 20);
         row("restart", "restart", false, "0000050000", 0);
@@ -84,7 +84,7 @@ private slots:
             }
             QTEST(statuses, "statuses");
             QCOMPARE(m_farm->Status(untouched), 0);
-            // A job that is to be rendered again has neither an end nor a reason of failure.
+            // A job that will be rendered again has neither an end nor a failure message.
             const bool isOver = statuses.at(7) == QLatin1Char('7') || action == "delete";
             QCOMPARE(m_farm->data.Count("SELECT count(*) FROM jobs WHERE ended_at = 8 AND message = 'why'"),
                 isOver ? 1 : 0);

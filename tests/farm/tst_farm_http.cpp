@@ -114,7 +114,7 @@ private slots:
         row("unknown path", "GET", "/nothing", {}, 404);
         row("path upwards", "GET", "/../../farm.sqlite", {}, 404);
         row("unknown method", "PUT", "/session", "{}", 404);
-        post("no object", "/session", "[1]");
+        post("not an object", "/session", "[1]");
         post("no body", "/session", {});
         post("no password", "/session", R"({"username":"ann"})");
         post("password of another type", "/session", R"({"username":"ann","password":{}})");
@@ -123,20 +123,20 @@ private slots:
         post("bad UTF-8", "/session", "{\"username\":\"\xff\",\"password\":\"\"}");
         post("deep", "/session", QByteArray(1000000, '['));
         row("too large", "POST", "/session", QByteArray(1024 * 1024 + 1, ' '), 413);
-        row("page no number", "GET", "/jobs?page=one", {}, 400);
+        row("page not a number", "GET", "/jobs?page=one", {}, 400);
         row("page beyond numbers", "GET", "/jobs?page=99999999999999999999", {}, 400);
         row("page huge", "GET", "/jobs?page=9223372036854775807&pageSize=9223372036854775807", {}, 200);
-        row("conditions no JSON", "GET", "/jobs?conditions=rubbish", {}, 400);
+        row("conditions not JSON", "GET", "/jobs?conditions=rubbish", {}, 400);
         row("conditions bad UTF-8", "GET", "/jobs?conditions=%7B%22job_name%22%3A%22%FF%22%7D", {}, 400);
         post("conditions an array", "/jobs/search", R"({"conditions":[]})");
         row("no such job", "GET", "/jobs/abc", {}, 404);
         row("endless id", "GET", "/jobs/" + QByteArray(8000, 'a'), {}, 404);
         post("ids missing", "/jobs/stop", "{}");
-        post("ids no texts", "/jobs/stop", R"({"ids":[1]})");
+        post("ids not texts", "/jobs/stop", R"({"ids":[1]})");
         post("too many ids", "/jobs/stop", "{\"ids\":[" + QByteArray(R"("a",)").repeated(1000) + "\"a\"]}");
         row("unknown action", "POST", "/jobs/explode", R"({"ids":[]})", 404);
-        post("no checksums", "/contents/known", R"({"checksums":["abc"]})");
-        post("no checksum", "/uploads", R"({"checksum":"abc","size":1})");
+        post("checksums not valid", "/contents/known", R"({"checksums":["abc"]})");
+        post("checksum not valid", "/uploads", R"({"checksum":"abc","size":1})");
         const QByteArray upload = "{\"checksum\":\"" + QByteArray(64, 'a') + "\",\"size\":";
         for (const char* size : {"0", "1.5", "\"1\"", "9007199254740992"})
             post(size, "/uploads", upload + size + '}');
@@ -165,7 +165,7 @@ private slots:
         QTest::addColumn<QByteArray>("answer");
         const QByteArray post = "POST /api/v1/session HTTP/1.1\r\nHost: x\r\n";
         const QByteArray refused = "HTTP/1.1 400";
-        QTest::newRow("no HTTP") << QByteArray("\x16\x03\x01 hello\r\n\r\n") << refused;
+        QTest::newRow("not HTTP") << QByteArray("\x16\x03\x01 hello\r\n\r\n") << refused;
         QTest::newRow("endless URL") << "GET /" + QByteArray(100000, 'a') + " HTTP/1.1\r\n\r\n"
                                      << QByteArray();
         QTest::newRow("endless header") << "GET / HTTP/1.1\r\nX: " + QByteArray(100000, 'a') + "\r\n\r\n"

@@ -36,7 +36,7 @@ private slots:
         job.width = 64;
         job.height = 36;
         const AddedJob added = m_farm->data.jobs.Add(job);
-        // A crash has left half a scene.
+        // A crash has left an incomplete scene.
         const QString half = m_farm->Path("jobs/%1/scene.unfinished", {added.id});
         QVERIFY(QDir().mkpath(half) && WriteFile(half + "/scene.txt"_s, "half"));
         m_farm->settings.slotCount = 2;
@@ -157,7 +157,7 @@ private slots:
             QVERIFY(WriteFile(m_farm->Path(scene), scene));
             NewJob job = m_farm->data.Job(QString::fromLatin1(scene), 3);
             job.scene = QString::fromLatin1(scene);
-            // A waiting job begins when the running ones need no slot any more.
+            // A waiting job begins once the running ones no longer need the slot.
             job.status = *scene == 'c' ? JobStatus::Waiting : JobStatus::Running;
             m_farm->data.jobs.Add(job);
         }

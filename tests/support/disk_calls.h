@@ -10,7 +10,7 @@
 #include <unistd.h>
 #include <utility>
 
-/// The calls by which this program puts changes on the disk, in order: "sync <file name>" and "rename <new file name>".
+/// The calls with which this program puts changes on the disk, in order: "sync <file name>" and "rename <new file name>".
 /// Use TakeDiskCalls() while other threads write.
 inline QStringList diskCalls;
 /// Makes syncing fail, as on a broken disk.
@@ -36,7 +36,7 @@ inline int Sync(int file, long call)
 
 } // namespace disk_calls
 
-/// The calls since the last time.
+/// Returns and clears the recorded calls.
 inline QStringList TakeDiskCalls()
 {
     const std::lock_guard<std::mutex> locked(disk_calls::lock);
