@@ -197,9 +197,11 @@ private slots:
         // The skin's layout file replaces the form's own resizing.
         loader.layouts.clear();
         loader.skin = "plum"_s;
+        RenderCore().seenEvents.clear();
         QResizeEvent resize(QSize(500, 400), m_client->Form()->size());
         QVERIFY(QCoreApplication::sendEvent(m_client->Form(), &resize));
         QCOMPARE(loader.layouts, QStringList {":/plum/com.vtr.qsclient.ini"_s});
+        QVERIFY(!RenderCore().seenEvents.contains(QEvent::Resize));
     }
 
     void AsksBeforeItQuits()
