@@ -47,7 +47,7 @@ std::optional<HttpResult> FarmLink::Send(HttpRequest request, const std::functio
     m_waiting = &waiting;
     {
         QObject owner; // its end cancels an unfinished call
-        HttpCall* call = m_transport.Send(request, &owner);
+        auto* call = new HttpCall(&m_transport, request, &owner);
         QObject::connect(call, &HttpCall::Finished, &owner, [&](const HttpResult& answer) {
             result = answer;
             waiting.quit();

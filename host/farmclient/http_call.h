@@ -8,13 +8,14 @@
 
 #include <optional>
 
-/// One request through all its attempts. It reports once, never from inside HttpTransport::Send, and then deletes itself.
+/// One request with a JSON answer, through all its attempts. It reports once, never from inside the constructor, and then
+/// deletes itself; deleting it earlier cancels the request.
 class HttpCall : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param transport must outlive this call.
+    /// @param transport must outlive this call, which lives in its thread.
     HttpCall(HttpTransport* transport, const HttpRequest& request, QObject* owner);
     ~HttpCall() override;
 

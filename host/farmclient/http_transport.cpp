@@ -1,7 +1,5 @@
 #include "host/farmclient/http_transport.h"
 
-#include "host/farmclient/http_call.h"
-
 #include <QNetworkReply>
 #include <QNetworkRequest>
 
@@ -15,11 +13,6 @@ void HttpTransport::SetBaseUrl(const QUrl& url)
 {
     m_base = url;
     m_network.clearConnectionCache();
-}
-
-HttpCall* HttpTransport::Send(const HttpRequest& request, QObject* owner)
-{
-    return new HttpCall(this, request, owner);
 }
 
 QNetworkReply* HttpTransport::Begin(const HttpRequest& request)

@@ -12,7 +12,6 @@
 #include <utility>
 #include <vector>
 
-class HttpCall;
 class QNetworkReply;
 
 struct HttpRequest
@@ -52,7 +51,7 @@ struct HttpLimits
 };
 
 /// Sends requests to one server. It follows no redirects, keeps no cookies and accepts no unverified certificates.
-/// The transport and its calls belong to the thread that created it.
+/// It belongs to the thread that created it; HttpCall sends a request through all its attempts.
 class HttpTransport
 {
 public:
@@ -61,11 +60,6 @@ public:
     /// Sets where requests go from now on, including further attempts of running calls. Without a URL they all fail.
     /// Connections to the previous server are closed, so that an embedded farm can end without waiting for this client.
     void SetBaseUrl(const QUrl& url);
-
-    /// Sends a request with a JSON answer. The call reports its result once, later, and then deletes itself; deleting it
-    /// earlier cancels it.
-    /// @param owner owns the call and must not outlive this transport.
-    HttpCall* Send(const HttpRequest& request, QObject* owner);
 
     /// Makes one attempt and accepts any kind of answer. The caller owns the reply; null while there is no server.
     QNetworkReply* Begin(const HttpRequest& request);

@@ -104,7 +104,7 @@ int CommunicationService::GetProjectList(const QVariant& status, const QVariantH
 
 HttpCall* CommunicationService::Send(const HttpRequest& request, const Handling& handling)
 {
-    HttpCall* call = m_transport.Send(request, m_session.get());
+    auto* call = new HttpCall(&m_transport, request, m_session.get());
     const bool ofSession = !request.token.isEmpty();
     connect(call, &HttpCall::Finished, this, [this, handling, ofSession](const HttpResult& result) {
         const Answer answer = FarmProtocol::Decode(result, handling.check, handling.echo);

@@ -10,6 +10,8 @@
 
 #include <memory>
 
+class HttpCall;
+
 /// Sends the window's requests to the farm.
 ///
 /// Every accepted request is answered by a signal, later, whatever happens to the server. The only exceptions are

@@ -91,7 +91,7 @@ void OrderDesk::Ask(const DownloadOrder& order)
     request.verb = QByteArrayLiteral("GET");
     request.target = "/jobs/" + QUrl::toPercentEncoding(order.job) + "/files";
     request.token = m_access.token.toUtf8();
-    connect(m_transport->Send(request, m_calls.get()), &HttpCall::Finished, this,
+    connect(new HttpCall(m_transport, request, m_calls.get()), &HttpCall::Finished, this,
         [this, order](const HttpResult& result) { HandleAnswer(order, result); });
 }
 
