@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/rendercore/submit/scene_analysis.h"
+#include "host/rendercore/submit/scene_contents.h"
 
 /// Analyses a Maya scene. A text scene (`.ma`) brings the pictures of its file nodes and the scenes that it references,
 /// and determines frames and size; a binary scene (`.mb`) is sent alone, with one frame.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/rendercore/submit/scene_analysis.h"
+#include "host/rendercore/submit/scene_contents.h"
 
 /// Analyses a POV-Ray scene with its includes, pictures, fonts and data files. POV-Ray resolves references from the
 /// scene's folder, so each file gets the place where it will be looked for; references that climb out of that folder

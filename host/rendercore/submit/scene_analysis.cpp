@@ -2,22 +2,10 @@
 
 #include "host/rendercore/submit/maya_scene.h"
 #include "host/rendercore/submit/povray_scene.h"
-#include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_text.h"
 
 #include <QDir>
 #include <QFileInfo>
-
-#include <algorithm>
-
-namespace {
-
-bool IsControl(QChar character)
-{
-    return character.unicode() < 0x20 || character.unicode() == 0x7f;
-}
-
-} // namespace
 
 bool IsSceneName(const QString& file)
 {
@@ -53,35 +41,4 @@ SceneAnalysis AnalyseScene(const QString& scene, const BytesRead& onBytes)
     if (analysis.files.size() > MostSceneFiles || analysis.missing.size() > MostSceneFiles)
         analysis.error = QStringLiteral("The scene needs more than %1 files.").arg(MostSceneFiles);
     return analysis;
-}
-
-bool IsSendablePath(const QString& path)
-{
-    return !path.isEmpty() && !path.contains(QLatin1Char('\\')) && !path.contains(QLatin1Char(':'))
-        && std::none_of(path.cbegin(), path.cend(), IsControl);
-}
-
-QString FirstReadable(const QStringList& candidates)
-{
-    for (const QString& candidate : candidates) {
-        const QFileInfo file(candidate);
-        if (file.isFile() && file.isReadable())
-            return file.absoluteFilePath();
-    }
-    return {};
-}
-
-void SetFrames(SceneAnalysis& analysis, int first, int last)
-{
-    analysis.firstFrame = std::clamp(first, 1, LastFrame);
-    analysis.lastFrame
-        = std::clamp(last, analysis.firstFrame, std::min(LastFrame, analysis.firstFrame + MostFrames - 1));
-}
-
-void SetSize(SceneAnalysis& analysis, int width, int height)
-{
-    if (width >= 1 && width <= LongestSide)
-        analysis.width = width;
-    if (height >= 1 && height <= LongestSide)
-        analysis.height = height;
 }

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <functional>
+
+/// A file that a scene needs.
+struct SceneFile
+{
+    QString path;   ///< at the farm: relative, with `/`, without `..`
+    QString source; ///< absolute path on this machine
+};
+
+/// The files that a scene needs to be rendered at the farm, and the job that it describes.
+struct SceneAnalysis
+{
+    QString error;            ///< an English sentence; everything else is valid only when it is empty
+    QString scene;            ///< the path of one of `files`
+    QVector<SceneFile> files; ///< each path once, the scene first
+    QStringList
+        missing; ///< references to files that are not there or cannot be sent, as the scene names them
+    int firstFrame = 1;
+    int lastFrame = 1;
+    int width = 640; ///< of a frame, in pixels
+    int height = 480;
+};
+
+/// Called with the number of bytes read since the last call; returning false ends the reading early.
+using BytesRead = std::function<bool(qint64)>;
+
+/// The most files that a submission may have.
+constexpr int MostSceneFiles = 4000;
+
+/// Whether the farm accepts this relative path: it must be free of colons, backslashes and control characters.
+bool IsSendablePath(const QString& path);
+
+/// The absolute path of the first candidate that is a readable file; empty when none is.
+QString FirstReadable(const QStringList& candidates);
+
+/// Sets the frames of an animation, limited to what a job may have: 1 to 99999, at most 20,000 of them.
+void SetFrames(SceneAnalysis& analysis, int first, int last);
+
+/// Sets width and height, each only if a job may have it.
+void SetSize(SceneAnalysis& analysis, int width, int height);
