@@ -7,85 +7,53 @@
 namespace {
 
 using Obstacle = StageOutcome::Obstacle;
+using Steps = std::map<char, std::function<void(int)>>;
 
-/// Plays a script of steps, each a letter usually followed by a task number; records who gets the turn.
-class TurnsPlay
+/// A name, the steps to play, each a letter usually followed by a number, and the answers to them.
+using Script = std::tuple<const char*, const char*, const char*>;
+
+void Play(const char* script, const Steps& steps)
 {
-public:
-    QString Run(const char* script)
-    {
-        for (const QByteArray& step : QByteArray(script).split(' '))
-            Do(step.at(0), step.mid(1).toInt());
-        return m_decisions.join(QLatin1Char(' '));
-    }
+    for (const QByteArray& step : QByteArray(script).split(' '))
+        steps.at(step.at(0))(step.mid(1).toInt());
+}
 
-private:
-    void Do(char step, int number)
-    {
-        switch (step) {
-        case '+':
-            m_turns.Add(number);
-            break;
-        case '-':
-            m_turns.Remove(number);
-            break;
-        case '@': // that many milliseconds pass
-            m_now += number;
-            break;
-        case 'l': // the task does not need the farm
-            m_local.insert(number);
-            break;
-        case 'o': // there is a farm
-            m_turns.SetFarm(true);
-            break;
-        case 'a': // the farm answers the task, with progress
-        case 'b': // without progress
-            m_turns.RecordAnswer(number, step == 'a');
-            break;
-        case 'r': // the farm cannot fulfil a request; "r205": of task 2, for 5 seconds
-            Postpone(Obstacle::Request, number);
-            break;
-        case 'f': // the farm cannot be reached
-            Postpone(Obstacle::Farm, number);
-            break;
-        case 's': // the session has ended
-            Postpone(Obstacle::Session, number);
-            break;
-        default:
-            Decide();
-        }
-    }
-
-    void Postpone(Obstacle obstacle, int number)
-    {
+/// Tells who gets the turn.
+QString PlayTurns(const char* script)
+{
+    SubmitTurns turns;
+    qint64 now = 1000;
+    std::set<qint64> local;
+    QStringList answers;
+    // "r205" is a failed request of task 2, with a pause of 5 seconds that the farm asks for.
+    const auto postpone = [&](Obstacle obstacle, int number) {
         const int seconds = number < 10 ? 0 : number % 100;
-        if (!m_turns.Postpone(number < 10 ? number : number / 100, obstacle, seconds, m_now))
-            m_decisions.append("given_up"_s);
-    }
+        if (!turns.Postpone(number < 10 ? number : number / 100, obstacle, seconds, now))
+            answers.append("given_up"_s);
+    };
+    const auto decide = [&](int) {
+        const auto decision = turns.Next(now, [&](qint64 task) { return local.count(task) == 0; });
+        const QString wait = decision.wait ? "wait:%1"_s.arg(*decision.wait) : "none"_s;
+        answers.append(decision.task ? QString::number(*decision.task) : wait);
+    };
+    Play(script,
+        {
+            {'?', decide},
+            {'+', [&](int task) { turns.Add(task); }},
+            {'-', [&](int task) { turns.Remove(task); }},
+            {'@', [&](int milliseconds) { now += milliseconds; }},
+            {'l', [&](int task) { local.insert(task); }}, // does not need the farm
+            {'o', [&](int) { turns.SetFarm(true); }},
+            {'a', [&](int task) { turns.RecordAnswer(task, true); }}, // with progress
+            {'b', [&](int task) { turns.RecordAnswer(task, false); }},
+            {'r', [&](int number) { postpone(Obstacle::Request, number); }},
+            {'f', [&](int number) { postpone(Obstacle::Farm, number); }},
+            {'s', [&](int number) { postpone(Obstacle::Session, number); }},
+        });
+    return answers.join(QLatin1Char(' '));
+}
 
-    void Decide()
-    {
-        const auto decision = m_turns.Next(m_now, [this](qint64 task) { return m_local.count(task) == 0; });
-        if (decision.task)
-            m_decisions.append(QString::number(*decision.task));
-        else
-            m_decisions.append(decision.wait ? "wait:%1"_s.arg(*decision.wait) : "none"_s);
-    }
-
-    SubmitTurns m_turns;
-    qint64 m_now = 1000;
-    std::set<qint64> m_local;
-    QStringList m_decisions;
-};
-
-struct TurnsCase
-{
-    const char* name;
-    const char* script;
-    const char* decisions;
-};
-
-const TurnsCase TurnsCases[] = {
+const Script TurnsScripts[] = {
     {"no tasks", "o ?", "none"},
     {"keeps the turn until it halts", "o +5 +2 +9 ? ? -2 ? -5 ? -9 ?", "2 2 5 9 none"},
     {"goes round in a circle", "o +5 +2 +9 ? r2 ? r5 ? r9 ? @500 ?", "2 5 9 wait:500 2"},
@@ -111,15 +79,54 @@ const TurnsCase TurnsCases[] = {
     {"a new farm ends the doubling", "o +1 f1 f1 f1 o f1 ?", "wait:500"},
 };
 
-struct CommandCase
+/// Tells the pause of each failure, and which task is due. Two failures in a row pause all transfers.
+QString PlaySchedule(const char* script)
 {
-    const char* name;
-    bool (*command)(DownloadTask&);
-    const char*
-        states; ///< waiting, downloading, finished, failed, stopped; "-" where the command does not apply
+    TransferSchedule schedule {Backoff(100, 1000), 2};
+    qint64 now = 0;
+    int asked = 0;
+    QStringList answers;
+    const auto answer
+        = [&](std::optional<qint64> number) { answers.append(number ? QString::number(*number) : "none"_s); };
+    Play(script,
+        {
+            {'p', [&](int task) { answer(schedule.Postpone(task, asked, now)); }},
+            {'?', [&](int) { answer(schedule.NextDue(now)); }},
+            {'w', [&](int) { answer(schedule.Wait(now)); }},
+            {'i', [&](int) { answers.append(schedule.IsPaused(now) ? "paused"_s : "open"_s); }},
+            {'@', [&](int milliseconds) { now += milliseconds; }},
+            {'a', [&](int milliseconds) { asked = milliseconds; }}, // the pause that the farm asks for
+            {'g', [&](int task) { schedule.RecordProgress(task); }},
+            {'x', [&](int task) { schedule.Forget(task); }},
+            {'r', [&](int task) { schedule.RetryNow(task); }},
+            {'e', [&](int) { schedule.EndPause(); }},
+            {'c', [&](int) { schedule.Clear(); }},
+        });
+    return answers.join(QLatin1Char(' '));
+}
+
+const Script ScheduleScripts[] = {
+    {"retries after a pause", "w p7 i @40 w @59 ? @1 w @100 w ? ? w",
+        "none 100 open 60 none 0 0 7 none none"},
+    {"the pause doubles, the last one counts", "p7 @100 ? p7 p7 @200 ? @200 ?", "100 7 200 400 none 7"},
+    {"progress ends the doubling", "p7 p7 g7 @200 ? p7", "100 200 7 100"},
+    {"a forgotten task", "p7 p7 x7 @9000 ? p7", "100 200 none 100"},
+    {"nothing is left", "p7 p7 c i @9000 ? p7 i", "100 200 open none 100 open"},
+    {"the lowest due task first", "p9 @10 p4 r6 r5 w ? @190 ? ? ? ?", "100 100 0 5 4 6 9 none"},
+    {"a retry forgets failures", "p4 p4 r4 ? @9000 ? p4", "100 200 4 none 100"},
+    {"failures in a row pause all", "p1 i p2 i @150 w @49 i @1 i", "100 open 100 paused 50 paused open"},
+    {"the next round pauses longer", "p1 p2 p3 p4 @399 i @1 i", "100 100 100 100 paused open"},
+    {"a retry ends the pause", "p1 p2 r5 i", "100 100 open"},
+    {"progress ends the pause and the row", "p1 p2 g9 i p3 i p4 i", "100 100 open 100 open 100 paused"},
+    {"the pause is ended", "p1 p2 e i", "100 100 open"},
+    {"all pause when the farm asks", "a5000 p1 @4999 i @1 i", "5000 paused open"},
+    {"no shorter pause follows", "a5000 p1 a0 p2 @4999 i", "5000 100 paused"},
+    {"an hour at most", "a7200000 p1 @3599999 i @1 i", "3600000 paused open"},
 };
 
-const CommandCase CommandCases[] = {
+/// The states after a command in the states waiting, downloading, finished, failed and stopped; "-" where it does not
+/// apply.
+const std::tuple<const char*, bool (*)(DownloadTask&), const char*> CommandCases[] = {
     {"stop", TaskCommands::Stop, "4----"},
     {"resume", TaskCommands::Resume, "---00"},
     {"download again", TaskCommands::Redownload, "00000"},
@@ -132,20 +139,21 @@ class TransferRulesTest : public QObject
 {
     Q_OBJECT
 
-private:
-    /// Two failures in a row pause all transfers.
-    TransferSchedule m_schedule {Backoff(100, 1000), 2};
-
-    std::optional<int> Waits(int milliseconds) const { return milliseconds; }
-
 private slots:
-    void init() { m_schedule.Clear(); }
-
-    void GivesTurns_data() { AddRows(TurnsCases); }
+    void GivesTurns_data() { AddRows(TurnsScripts); }
 
     void GivesTurns()
     {
-        QCOMPARE(TurnsPlay().Run(Row(TurnsCases).script), QString::fromLatin1(Row(TurnsCases).decisions));
+        const auto& [name, script, answers] = Row(TurnsScripts);
+        QCOMPARE(PlayTurns(script), QString::fromLatin1(answers));
+    }
+
+    void SchedulesRetries_data() { AddRows(ScheduleScripts); }
+
+    void SchedulesRetries()
+    {
+        const auto& [name, script, answers] = Row(ScheduleScripts);
+        QCOMPARE(PlaySchedule(script), QString::fromLatin1(answers));
     }
 
     void PausesDouble()
@@ -161,100 +169,23 @@ private slots:
         QCOMPARE(Backoff(900, 500).Fail(), 500);
     }
 
-    void TriesAgainAfterAPauseOfTheTask()
-    {
-        QCOMPARE(m_schedule.Postpone(7, 0, 1000), 100);
-        QVERIFY(!m_schedule.IsPaused(1000));
-        QVERIFY(!m_schedule.NextDue(1099));
-        QCOMPARE(m_schedule.Wait(1040), Waits(60));
-        QCOMPARE(m_schedule.Wait(1200), Waits(0));
-        QCOMPARE(m_schedule.NextDue(1100), std::optional<qint64>(7));
-        QVERIFY(!m_schedule.NextDue(1100));
-        QVERIFY(!m_schedule.Wait(1100));
-        QCOMPARE(m_schedule.Postpone(7, 0, 1100), 200);
-        QCOMPARE(m_schedule.Postpone(7, 0, 1100), 400); // a second postponement replaces the first
-        QVERIFY(!m_schedule.NextDue(1499));
-        m_schedule.RecordProgress(7);
-        QCOMPARE(m_schedule.NextDue(1500), std::optional<qint64>(7));
-        QCOMPARE(m_schedule.Postpone(7, 0, 2000), 100);
-        m_schedule.Forget(7);
-        QVERIFY(!m_schedule.NextDue(9000));
-        QCOMPARE(m_schedule.Postpone(7, 0, 9000), 100);
-        m_schedule.Clear();
-        QVERIFY(!m_schedule.NextDue(19000) && !m_schedule.IsPaused(9000));
-        QCOMPARE(m_schedule.Postpone(7, 0, 9000), 100);
-    }
-
-    void HandsOutDueTasksByNumber()
-    {
-        m_schedule.Postpone(9, 0, 0);
-        m_schedule.Postpone(4, 0, 10);
-        m_schedule.RetryNow(6);
-        m_schedule.RetryNow(5);
-        QCOMPARE(m_schedule.Wait(0), Waits(0));
-        QList<qint64> handedOut;
-        while (const auto id = m_schedule.NextDue(handedOut.isEmpty() ? 0 : 200))
-            handedOut.append(*id);
-        QCOMPARE(handedOut, QList<qint64>({5, 4, 6, 9}));
-        m_schedule.Postpone(4, 0, 200);
-        m_schedule.RetryNow(4); // its failures are forgotten
-        QCOMPARE(m_schedule.NextDue(200), std::optional<qint64>(4));
-        QVERIFY(!m_schedule.NextDue(9000));
-        QCOMPARE(m_schedule.Postpone(4, 0, 200), 100);
-    }
-
-    void PausesAllAfterFailuresInARow()
-    {
-        m_schedule.Postpone(1, 0, 0);
-        QVERIFY(!m_schedule.IsPaused(0));
-        m_schedule.Postpone(2, 0, 0);
-        QVERIFY(m_schedule.IsPaused(199) && !m_schedule.IsPaused(200)); // the first round of two
-        QCOMPARE(m_schedule.Wait(150), Waits(50));
-        m_schedule.Postpone(3, 0, 200);
-        m_schedule.Postpone(4, 0, 200);
-        QVERIFY(m_schedule.IsPaused(599) && !m_schedule.IsPaused(600)); // the second one
-        m_schedule.RetryNow(5);
-        QVERIFY(!m_schedule.IsPaused(300));
-        m_schedule.Postpone(5, 0, 300);
-        m_schedule.RecordProgress(1);
-        QVERIFY(!m_schedule.IsPaused(300));
-        m_schedule.Postpone(5, 0, 300);
-        QVERIFY(!m_schedule.IsPaused(300)); // the first failure in a row again
-        m_schedule.Postpone(5, 0, 300);
-        m_schedule.EndPause();
-        QVERIFY(!m_schedule.IsPaused(300));
-    }
-
-    void PausesAllWhenTheFarmAsks()
-    {
-        QCOMPARE(m_schedule.Postpone(1, 5000, 0), 5000);
-        QVERIFY(m_schedule.IsPaused(4999) && !m_schedule.IsPaused(5000));
-        m_schedule.Postpone(2, 0, 10); // does not shorten the pause
-        QVERIFY(m_schedule.IsPaused(4999));
-        m_schedule.Clear();
-        QCOMPARE(m_schedule.Postpone(1, 7200 * 1000, 0), 3600 * 1000);
-        QVERIFY(!m_schedule.IsPaused(3600 * 1000));
-    }
-
     void CommandsChangeTasks_data() { AddRows(CommandCases); }
 
     void CommandsChangeTasks()
     {
-        const CommandCase& row = Row(CommandCases);
+        const auto& [name, command, states] = Row(CommandCases);
+        const bool isFromStart = command != TaskCommands::Stop && command != TaskCommands::Resume;
         for (int state = 0; state < 5; ++state) {
             DownloadTask task;
             task.state = static_cast<DownloadState>(state);
             task.progress = 50;
             task.message = "why"_s;
-            const DownloadTask before = task;
-            const bool applies = row.states[state] != '-';
-            QCOMPARE(row.command(task), applies);
-            QCOMPARE(int(task.state), applies ? row.states[state] - '0' : state);
+            const bool applies = states[state] != '-';
+            QCOMPARE(command(task), applies);
+            QCOMPARE(int(task.state), applies ? states[state] - '0' : state);
             QCOMPARE(task.message.isEmpty(), applies);
-            const bool fromStart
-                = applies && (row.command != TaskCommands::Stop && row.command != TaskCommands::Resume);
-            QCOMPARE(task.progress, fromStart ? 0 : 50);
-            QCOMPARE(task.fresh, fromStart && before.state == DownloadState::Finished);
+            QCOMPARE(task.progress, applies && isFromStart ? 0 : 50);
+            QCOMPARE(task.fresh, applies && isFromStart && state == int(DownloadState::Finished));
         }
     }
 };
