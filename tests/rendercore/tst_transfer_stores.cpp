@@ -26,33 +26,33 @@ FarmFile File(const char* name, char checksum = 'a', qint64 size = 10)
     return {QString::fromLatin1(name), size, QString(64, QLatin1Char(checksum))};
 }
 
-struct ReconcileCase
+/// Everything that is stored of a submission.
+QStringList Stored(const SubmitTask& task)
 {
-    const char* name;
-    DownloadOrder::Kind kind;
-    bool isSame; ///< the farm lists the file as before
-    const char*
-        results; ///< for waiting, finished, failed and stopped tasks: new, resumed, doubtful or untouched
-};
+    QStringList values {task.id, task.scene, task.started, task.submission, task.message, task.work.scene};
+    const int numbers[] = {int(task.stage), int(task.error), task.isDone, task.goesOnWithout,
+        task.areArgumentsChecked, task.areArgumentsEdited, task.work.width, task.work.height};
+    for (const int number : numbers)
+        values.append(QString::number(number));
+    values.append(QString::fromUtf8(QJsonDocument(QJsonArray::fromVariantList(task.arguments)).toJson()));
+    for (const PackedFile& file : task.work.files)
+        values += {
+            file.path, file.source, file.checksum, file.packageChecksum, QString::number(file.packageSize)};
+    return values + task.refused + task.work.missing;
+}
 
-const ReconcileCase ReconcileCases[] = {
+/// A kind of order, whether the farm lists the file as before, and the results for waiting, finished, failed and stopped
+/// tasks: new, resumed, doubtful or untouched.
+const std::tuple<const char*, DownloadOrder::Kind, bool, const char*> ReconcileCases[] = {
     {"automatic, same", DownloadOrder::Automatic, true, "----"},
     {"automatic, changed", DownloadOrder::Automatic, false, "n---"},
     {"manual, same", DownloadOrder::Manual, true, "-drr"},
     {"manual, changed", DownloadOrder::Manual, false, "nnnn"},
-    {"renewal, same", DownloadOrder::Renewal, true, "----"},
     {"renewal, changed", DownloadOrder::Renewal, false, "n---"},
 };
 
-struct NameCase
-{
-    const char* name;
-    QString subDir;
-    QString file;
-    QString path; ///< empty when the name is shortened
-};
-
-const NameCase NameCases[] = {
+/// The window's name for the folder, the farm's name for the file, and the path; empty when the name is shortened.
+const std::tuple<const char*, QString, QString, QString> NameCases[] = {
     {"harmless", "12_shot"_s, "frame 1.png"_s, "12_shot/frame 1.png"_s},
     {"climbing", ".."_s, "../../.bashrc"_s, "%2E%2E/%2E.%2F..%2F.bashrc"_s},
     {"empty and hidden", {}, ".part"_s, "_/%2Epart"_s},
@@ -87,11 +87,6 @@ private:
         return orders.join(QLatin1Char(' '));
     }
 
-    static DownloadOrder Order(const QString& job, DownloadOrder::Kind kind)
-    {
-        return {job, "shot"_s, kind, 0};
-    }
-
     std::unique_ptr<QTemporaryDir> m_folder;
 
 private slots:
@@ -106,39 +101,17 @@ private slots:
         task.message = "why"_s;
         task.arguments = MakeArguments(1, 9, 640, 480);
         task.refused = QStringList {"/a"_s};
-        task.isDone = task.goesOnWithout = task.areArgumentsChecked = task.areArgumentsEdited = true;
-        PackedFile file;
-        file.path = "p"_s;
-        file.source = "s"_s;
-        file.checksum = "c"_s;
-        file.packageChecksum = "d"_s;
-        file.packageSize = 1LL << 40;
-        task.work.files = {file};
-        task.work.scene = "p"_s;
-        task.work.missing = QStringList {"m"_s};
-        task.work.width = 32;
-        task.work.height = 16;
-        TakeDiskCalls();
-        Submissions().SaveWork(task);
-        QVERIFY(TakeDiskCalls().contains("sync submissions.sqlite-wal"_s));
-
-        const SubmitTask loaded = Submissions().Load(Ann).value(0);
-        QCOMPARE(loaded.id + loaded.scene + loaded.started + loaded.submission + loaded.message,
-            task.id + task.scene + task.started + task.submission + task.message);
-        QVERIFY(loaded.stage == task.stage && loaded.error == task.error && loaded.refused == task.refused);
-        QCOMPARE(QJsonArray::fromVariantList(loaded.arguments), QJsonArray::fromVariantList(task.arguments));
-        QVERIFY(
-            loaded.isDone && loaded.goesOnWithout && loaded.areArgumentsChecked && loaded.areArgumentsEdited);
-        QCOMPARE(loaded.work.ToJson(), task.work.ToJson());
-        QVERIFY(loaded.work.IsPacked() && loaded.work.files.constFirst().packageSize == 1LL << 40);
-
-        task.work = {};
-        task.isDone = task.goesOnWithout = task.areArgumentsChecked = task.areArgumentsEdited = false;
-        Submissions().Save(task); // without its work
-        const SubmitTask saved = Submissions().Load(Ann).constFirst();
-        QVERIFY(
-            !saved.isDone && !saved.goesOnWithout && !saved.areArgumentsChecked && !saved.areArgumentsEdited);
-        QCOMPARE(saved.work.scene, "p"_s);
+        task.work = {"p"_s, {{"p"_s, "s"_s, "c"_s, "d"_s, 1LL << 40, false, false, {}}}, {"m"_s}, 32, 16};
+        for (const bool isEven : {true, false}) {
+            task.isDone = task.areArgumentsChecked = isEven;
+            task.goesOnWithout = task.areArgumentsEdited = !isEven;
+            SubmitTask changed = task;
+            changed.work = {}; // is not saved
+            TakeDiskCalls();
+            isEven ? Submissions().SaveWork(task) : Submissions().Save(changed);
+            QVERIFY(TakeDiskCalls().contains("sync submissions.sqlite-wal"_s));
+            QCOMPARE(Stored(Submissions().Load(Ann).value(0)), Stored(task));
+        }
     }
 
     void EachOwnerHasTasksOfTheirOwn()
@@ -149,15 +122,14 @@ private slots:
         const qint64 third = store.Add(Ann, "/a.pov"_s).number;
         QVERIFY(task.submission != other.submission);
         QCOMPARE(store.Numbers(), QSet<qint64>({task.number, other.number, third}));
-        QCOMPARE(store.Load(Ann).size(), 2);
-        QCOMPARE(store.Load(Ann).constLast().number, third);
         task.message = other.message = "why"_s;
         store.SaveAll({&task, &other});
+        QCOMPARE(store.Load(Ann).size(), 2);
+        QCOMPARE(store.Load(Ann).constLast().number, third);
         QCOMPARE(store.Load(Ann).constFirst().message + store.Load(Bob).constFirst().message, "whywhy"_s);
         store.Remove({task.number, third});
         store.Save(task);
-        QVERIFY(store.Load(Ann).isEmpty());
-        QCOMPARE(store.Load(Bob).size(), 1);
+        QVERIFY(store.Load(Ann).isEmpty() && store.Load(Bob).size() == 1);
         QCOMPARE(store.Add(Ann, "/a.pov"_s).id, "a.4"_s); // numbers are never reused
     }
 
@@ -172,44 +144,42 @@ private slots:
     void OrdersSurvive()
     {
         DownloadStore store = Downloads();
-        const auto order = [&store](const char* job, DownloadOrder::Kind kind, const QString& owner = Ann) {
-            return store.AddOrders(owner, {Order(QString::fromLatin1(job), kind)});
+        const auto order = [&](const char* job, DownloadOrder::Kind kind, const QString& owner = Ann) {
+            const bool counts = store.AddOrders(owner, {{QString::fromLatin1(job), "shot"_s, kind, 0}});
+            return counts ? Orders(9, owner) : "known"_s;
         };
         TakeDiskCalls();
-        QVERIFY(order("b", DownloadOrder::Automatic));
+        QCOMPARE(order("b", DownloadOrder::Automatic), "b0"_s);
         QVERIFY(TakeDiskCalls().contains("sync downloads.sqlite-wal"_s));
-        QVERIFY(!order("b", DownloadOrder::Automatic)); // counts once
-        QVERIFY(order("b", DownloadOrder::Automatic, Bob));
-        QVERIFY(order("a", DownloadOrder::Manual));
-        QCOMPARE(Orders(), "b0 a1"_s);
+        QCOMPARE(order("b", DownloadOrder::Automatic), "known"_s);
+        QCOMPARE(order("b", DownloadOrder::Automatic, Bob), "b0"_s);
+        QCOMPARE(order("a", DownloadOrder::Manual), "b0 a1"_s);
         QCOMPARE(Orders(1), "b0"_s);
-        QVERIFY(order("b", DownloadOrder::Manual));
-        QCOMPARE(Orders(), "a1 b1"_s);
+        QCOMPARE(order("b", DownloadOrder::Manual), "a1 b1"_s);
         store.PostponeOrder(Ann, "a"_s);
         QCOMPARE(Orders(), "b1 a1"_s);
 
         const DownloadOrder stale = store.OpenOrders(Ann, 1).constFirst();
-        QVERIFY(order("b", DownloadOrder::Manual)); // once more, while it is being answered
+        order("b", DownloadOrder::Manual); // once more, while it is being answered
         store.CloseOrder(Ann, stale);
         QCOMPARE(Orders(), "a1 b1"_s);
         for (const DownloadOrder& open : store.OpenOrders(Ann, 9))
             store.CloseOrder(Ann, open);
         QCOMPARE(Orders(), QString());
-        QVERIFY(order("a", DownloadOrder::Automatic)); // the manual order brought nothing
+        QCOMPARE(order("a", DownloadOrder::Automatic), "a0"_s); // the manual order brought nothing
         store.ReopenOrder(Ann, "a"_s);
         QCOMPARE(Orders(), "a0"_s); // it was open
         store.CloseOrder(Ann, store.OpenOrders(Ann, 1).constFirst());
-        QVERIFY(!order("a", DownloadOrder::Automatic));
+        QCOMPARE(order("a", DownloadOrder::Automatic), "known"_s);
         store.ReopenOrder(Ann, "a"_s);
-        QCOMPARE(Orders(), "a2"_s);
-        QCOMPARE(Orders(9, Bob), "b0"_s);
+        QCOMPARE(Orders() + Orders(9, Bob), "a2b0"_s);
     }
 
     void AppliesLists_data() { AddRows(ReconcileCases); }
 
     void AppliesLists()
     {
-        const ReconcileCase& row = Row(ReconcileCases);
+        const auto& [name, kind, isSame, results] = Row(ReconcileCases);
         const DownloadState states[] = {
             DownloadState::Waiting, DownloadState::Finished, DownloadState::Failed, DownloadState::Stopped};
         for (int index = 0; index < 4; ++index) {
@@ -220,13 +190,11 @@ private slots:
             tasks[0].progress = 50;
             tasks[0].message = "why"_s;
             Downloads().Save(tasks);
-            const OrderOutcome outcome
-                = Apply(row.kind, {File("f.png", row.isSame ? 'a' : 'b'), File("new.png")});
-            const char result = row.results[index];
-            QCOMPARE(outcome.renewed.size(), result == 'n' ? 1 : 0);
-            QCOMPARE(outcome.resumed.size(), result == 'r' ? 1 : 0);
-            QCOMPARE(outcome.doubtful.size(), result == 'd' ? 1 : 0);
-            QCOMPARE(outcome.added.size(), row.kind == DownloadOrder::Renewal ? 0 : 1);
+            const OrderOutcome outcome = Apply(kind, {File("f.png", isSame ? 'a' : 'b'), File("new.png")});
+            const char result = results[index];
+            QCOMPARE(QList<int>({outcome.renewed.size(), outcome.resumed.size(), outcome.doubtful.size(),
+                         outcome.added.size()}),
+                QList<int>({result == 'n', result == 'r', result == 'd', kind != DownloadOrder::Renewal}));
             QCOMPARE(outcome.names, QStringList({"f.png"_s, "new.png"_s}));
             const DownloadTask task = *Downloads().Find(Ann, tasks[0].id);
             const bool isWaiting = result == 'n' || result == 'r';
@@ -235,9 +203,8 @@ private slots:
             QCOMPARE(task.progress, result == 'n' ? 0 : 50);
             QCOMPARE(task.checksum.at(0), QLatin1Char(result == 'n' ? 'b' : 'a'));
             QCOMPARE(task.fresh, result == 'n' && states[index] == DownloadState::Finished);
-            const DownloadTasks reported = outcome.renewed + outcome.resumed;
-            QVERIFY(reported.isEmpty() || reported.constFirst().state == DownloadState::Waiting);
-            QVERIFY(reported.isEmpty() || reported.constFirst().fresh == task.fresh);
+            for (const DownloadTask& reported : outcome.renewed + outcome.resumed)
+                QVERIFY(reported.state == DownloadState::Waiting && reported.fresh == task.fresh);
         }
     }
 
@@ -250,10 +217,9 @@ private slots:
         DownloadTasks tasks
             = Apply(DownloadOrder::Automatic, {File("a.png"), File("b.png"), File("c.png")}).added;
         tasks += Apply(DownloadOrder::Automatic, {File("a.png")}, Bob).added;
-        QStringList names;
-        for (const DownloadTask& task : qAsConst(tasks))
-            names.append(QFileInfo(task.file).fileName());
-        QCOMPARE(names, QStringList({"a (2).png"_s, "b.png"_s, "c (2).png"_s, "a (3).png"_s}));
+        const QStringList names {"a (2).png"_s, "b.png"_s, "c (2).png"_s, "a (3).png"_s};
+        for (int index = 0; index < names.size(); ++index)
+            QCOMPARE(tasks.value(index).file, QString(Path("frames/shot/"_s) + names.at(index)));
         DownloadTask renamed = tasks.at(1);
         QVERIFY(Downloads().Rename(&renamed));
         QCOMPARE(renamed.file, Path("frames/shot/b (2).png"_s));
@@ -295,19 +261,18 @@ private slots:
 
     void KeepsHostileNamesInTheFolder()
     {
-        const NameCase& row = Row(NameCases);
-        const QString file = DownloadPaths::Destination("/srv"_s, row.subDir, row.file);
-        if (!row.path.isEmpty())
-            QCOMPARE(file, QString("/srv/"_s + row.path));
+        const auto& [name, folder, remote, path] = Row(NameCases);
+        const QString file = DownloadPaths::Destination("/srv"_s, folder, remote);
+        QVERIFY2(path.isEmpty() || file == "/srv/"_s + path, qPrintable(file));
         QCOMPARE(QDir::cleanPath(file), file);
         QCOMPARE(file.count(QLatin1Char('/')), 3);
         QCOMPARE(QString::fromUtf8(file.toUtf8()), file); // no split surrogate pair
         QVERIFY(QFileInfo(DownloadPaths::PartFile(file)).fileName().toUtf8().size() < 255);
-        const QString second = DownloadPaths::Destination("/srv"_s, row.subDir, row.file, 2);
+        const QString second = DownloadPaths::Destination("/srv"_s, folder, remote, 2);
         QVERIFY(second != file);
-        QCOMPARE(second.endsWith(".png"_s), row.file.endsWith(".png"_s));
-        const QString longer = DownloadPaths::Destination("/srv"_s, row.subDir, row.file + ".png"_s);
-        QCOMPARE(longer == file + ".png"_s, !row.path.isEmpty()); // long names stay distinct
+        QCOMPARE(second.endsWith(".png"_s), remote.endsWith(".png"_s));
+        const QString longer = DownloadPaths::Destination("/srv"_s, folder, remote + ".png"_s);
+        QCOMPARE(longer == file + ".png"_s, !path.isEmpty()); // long names stay distinct
     }
 };
 
