@@ -31,7 +31,6 @@ struct Behaviour
 };
 const Behaviour behaviours[] = {
     {"success", {good}, 200},
-    {"refused", {StandInServer::Http(401)}, 401},
     {"other success", {StandInServer::Http(204, {})}, 204},
     {"redirect", {StandInServer::Http(302, {}, "Location: /elsewhere\r\n"), good}, 302},
     {"failures, then success", {StandInServer::Http(500), StandInServer::Http(503), good}, 200, 3},
@@ -108,21 +107,40 @@ HttpLimits QuickLimits(int attemptTime)
     return limits;
 }
 
-QJsonObject Json(const QByteArray& text)
+QVariantMap Json(const QByteArray& text)
 {
-    const QJsonDocument document = QJsonDocument::fromJson(text);
-    if (!document.isObject())
-        qFatal("no JSON object: %s", text.constData());
-    return document.object();
+    return QJsonDocument::fromJson(text).object().toVariantMap();
 }
 
-/// @return a request of the session "abc" with the members of a JSON object.
-QVariantHash Request(const QByteArray& json = "{}")
+/// The service with the session "abc", and its answers.
+struct Client
 {
-    QVariantHash request = Json(json).toVariantHash();
-    request.insert("token"_s, "abc"_s);
-    return request;
-}
+    explicit Client(const QUrl& server, int attemptTime = Patience)
+        : service(QuickLimits(attemptTime))
+    {
+        service.SetServerUrl(server);
+        service.Initialize({});
+        service.Show(status, {});
+    }
+
+    /// Sends a request with the members of a JSON object.
+    int Send(Operation operation, const QByteArray& json = "{}")
+    {
+        QVariantHash request = QJsonDocument::fromJson(json).object().toVariantHash();
+        request.insert("token"_s, "abc"_s);
+        return (service.*operation)(status, request);
+    }
+
+    CommunicationService service;
+    QVariant status;
+    QSignalSpy signIns {&service, &VTCommunicationInterface::SignInResponse};
+    QSignalSpy signOuts {&service, &VTCommunicationInterface::SignOutResponse};
+    QSignalSpy accounts {&service, &VTCommunicationInterface::UserInfoResponse};
+    QSignalSpy projects {&service, &VTCommunicationInterface::ProjectListResponse};
+    QSignalSpy lists {&service, &VTCommunicationInterface::JobListResponse};
+    QSignalSpy jobs {&service, &VTCommunicationInterface::JobInfoResponse};
+    QSignalSpy expiries {&service, &CommunicationService::SessionExpired};
+};
 
 } // namespace
 
@@ -135,59 +153,55 @@ private slots:
     void init()
     {
         m_server = std::make_unique<StandInServer>();
-        StartService(Patience);
+        m_client = std::make_unique<Client>(m_server->Url());
     }
 
-    void cleanup() { m_service.reset(); }
+    void cleanup() { m_client.reset(); }
 
     void AnswersWhateverTheServerDoes_data() { AddRows(behaviours); }
     void AnswersWhateverTheServerDoes()
     {
         const Behaviour& row = Row(behaviours);
-        StartService(row.attemptTime);
+        Client client(m_server->Url(), row.attemptTime);
         m_server->SetReplies(row.replies);
-        QSignalSpy answers(m_service.get(), &VTCommunicationInterface::UserInfoResponse);
-        QCOMPARE(m_service->GetUserInfo(m_status, Request()), 0);
-        QCOMPARE(answers.count(), 0);
-        EVENTUALLY_COMPARE(answers.count(), 1);
-        QCOMPARE(answers[0][0].toInt(), row.code);
+        QCOMPARE(client.Send(&Service::GetUserInfo), 0);
+        QCOMPARE(client.accounts.count(), 0);
+        EVENTUALLY_COMPARE(client.accounts.count(), 1);
+        QCOMPARE(client.accounts[0][0].toInt(), row.code);
         QCOMPARE(m_server->Requests().size(), row.requests);
-        const QString message = answers[0][1].toMap().value("message"_s).toString();
-        QCOMPARE(message.isEmpty(), row.code == 200);
+        QCOMPARE(client.accounts[0][1].toMap().value("message"_s).toString().isEmpty(), row.code == 200);
     }
 
     void RefusesIncompleteAnswers()
     {
         for (const auto& [check, body, isComplete] : bodies)
-            QVERIFY2(check(Json(body)) == isComplete, body.left(100));
+            QVERIFY2(check(QJsonDocument::fromJson(body).object()) == isComplete, body.left(100));
     }
 
     void AnswersWithoutAServerAndRecovers()
     {
-        QSignalSpy answers(m_service.get(), &VTCommunicationInterface::ProjectListResponse);
         const QUrl down = m_server->Url();
         m_server = std::make_unique<StandInServer>();
-        m_server->SetReplies({StandInServer::Http(200, R"({"data": []})")});
+        m_server->SetReplies({StandInServer::Data("[]")});
         for (const QUrl& url : {QUrl(), down, m_server->Url()}) {
-            m_service->SetServerUrl(url);
-            QCOMPARE(m_service->GetProjectList(m_status, Request()), 0);
-            QVERIFY(answers.isEmpty());
-            EVENTUALLY_COMPARE(answers.count(), 1);
-            const int code = answers.takeFirst()[0].toInt();
+            m_client->service.SetServerUrl(url);
+            QCOMPARE(m_client->Send(&Service::GetProjectList), 0);
+            QVERIFY(m_client->projects.isEmpty());
+            EVENTUALLY_COMPARE(m_client->projects.count(), 1);
+            const int code = m_client->projects.takeFirst()[0].toInt();
             QCOMPARE(code, url == m_server->Url() ? 200 : HttpResult::Unreachable);
         }
     }
 
     void DoesNotRepeatASignIn()
     {
-        QSignalSpy answers(m_service.get(), &VTCommunicationInterface::SignInResponse);
         m_server->SetReplies({StandInServer::Http(503), StandInServer::Http(200, Session)});
         for (const int code : {503, 200}) {
-            m_service->SignIn("demo"_s, "secret"_s);
-            EVENTUALLY_COMPARE(answers.count(), code == 503 ? 1 : 2);
-            QCOMPARE(answers.constLast()[0].toInt(), code);
+            m_client->service.SignIn("demo"_s, "secret"_s);
+            EVENTUALLY_COMPARE(m_client->signIns.count(), code == 503 ? 1 : 2);
+            QCOMPARE(m_client->signIns.constLast()[0].toInt(), code);
         }
-        QCOMPARE(answers[1][1].toMap(), Json(Session).toVariantMap());
+        QCOMPARE(m_client->signIns[1][1].toMap(), Json(Session));
         QCOMPARE(m_server->Requests().size(), 2);
         QVERIFY(m_server->Requests().at(1).startsWith("POST /api/v1/session "));
         QVERIFY(m_server->Requests().at(1).endsWith(R"({"password":"secret","username":"demo"})"));
@@ -197,8 +211,7 @@ private slots:
     void SendsRequests()
     {
         m_server->SetReplies({StandInServer::Http(404)});
-        QCOMPARE((m_service.get()->*Row(sendings).operation)(m_status, Request(Row(sendings).request)), 0);
-        EVENTUALLY_COMPARE(m_server->Requests().size(), 1);
+        Ask(Row(sendings).operation, Row(sendings).request);
         const QByteArray sent = m_server->Requests().constFirst();
         QCOMPARE(sent.left(sent.indexOf(" HTTP/1.1")), Row(sendings).line);
         QCOMPARE(sent.mid(sent.indexOf("\r\n\r\n") + 4), Row(sendings).body);
@@ -208,114 +221,94 @@ private slots:
 
     void RefusesRequestsWithoutItsStatus()
     {
-        QCOMPARE(m_service->GetJobList(0, Request()), -4);
-        QCOMPARE(m_service->SignOut(QVariant(), Request()), -4);
-        m_service->Uninitialize();
-        QCOMPARE(m_service->StopJobs(m_status, Request()), -3);
+        QCOMPARE(m_client->service.GetJobList(0, {}), -4);
+        QCOMPARE(m_client->service.SignOut(QVariant(), {}), -4);
+        m_client->service.Uninitialize();
+        QCOMPARE(m_client->Send(&Service::StopJobs), -3);
     }
 
     void EchoesTheRequestAlsoWhenItFails()
     {
-        QSignalSpy lists(m_service.get(), &VTCommunicationInterface::JobListResponse);
-        QSignalSpy infos(m_service.get(), &VTCommunicationInterface::JobInfoResponse);
         const QByteArray why = R"("message": "Arrears.", "data": {"notAllowedJobs": ["7"]})";
         const QByteArray echo = R"("identifier": 1)";
         const QByteArray echoOfJob = echo + R"(, "jobId": "j")";
         m_server->SetReplies(
             {StandInServer::Http(409, R"({"identifier": 9, "jobId": "forged", )" + why + "}")});
-        m_service->GetJobList(m_status, Request("{" + echo + "}"));
-        m_service->GetJobInfo(m_status, Request("{" + echoOfJob + "}"));
-        EVENTUALLY(lists.count() == 1 && infos.count() == 1);
-        QCOMPARE(lists[0][0].toInt(), 409);
-        QCOMPARE(lists[0][1].toMap(), Json("{" + echo + "," + why + "}").toVariantMap());
-        QCOMPARE(infos[0][1].toMap(), Json("{" + echoOfJob + "," + why + "}").toVariantMap());
+        m_client->Send(&Service::GetJobList, "{" + echo + "}");
+        m_client->Send(&Service::GetJobInfo, "{" + echoOfJob + "}");
+        EVENTUALLY(m_client->lists.count() == 1 && m_client->jobs.count() == 1);
+        QCOMPARE(m_client->lists[0], QVariantList({409, Json("{" + echo + "," + why + "}")}));
+        QCOMPARE(m_client->jobs[0], QVariantList({409, Json("{" + echoOfJob + "," + why + "}")}));
     }
 
     void DropsTheOlderOfTwoJobLists()
     {
-        QSignalSpy answers(m_service.get(), &VTCommunicationInterface::JobListResponse);
-        const Reply jobs = StandInServer::Http(200, Jobs);
-        m_server->SetReplies({StandInServer::Held(jobs), StandInServer::Held(jobs), jobs});
-        m_service->GetJobList(m_status, Request(R"({"identifier": 0, "page": 1})"));
-        EVENTUALLY_COMPARE(m_server->Requests().size(), 1);
-        m_service->GetJobList(m_status, Request(R"({"identifier": 1, "page": 1})"));
-        EVENTUALLY_COMPARE(m_server->Requests().size(), 2);
-        m_service->GetJobList(m_status, Request(R"({"identifier": 0, "page": 2})"));
-        EVENTUALLY_COMPARE(answers.count(), 1);
+        const Reply list = StandInServer::Http(200, Jobs);
+        m_server->SetReplies({StandInServer::Held(list), StandInServer::Held(list), list});
+        Ask(&Service::GetJobList, R"({"identifier": 0, "page": 1})");
+        Ask(&Service::GetJobList, R"({"identifier": 1, "page": 1})");
+        Ask(&Service::GetJobList, R"({"identifier": 0, "page": 2})");
+        EVENTUALLY_COMPARE(m_client->lists.count(), 1);
         m_server->Release(0);
         m_server->Release(1);
-        EVENTUALLY_COMPARE(answers.count(), 2);
-        QCOMPARE(answers[0][1].toMap().value("identifier"_s).toInt(), 0);
-        QCOMPARE(answers[1][1].toMap().value("identifier"_s).toInt(), 1);
+        EVENTUALLY_COMPARE(m_client->lists.count(), 2);
+        for (const int identifier : {0, 1})
+            QCOMPARE(m_client->lists[identifier][1].toMap().value("identifier"_s).toInt(), identifier);
     }
 
     void DropsAnswersOfAnEndedSession()
     {
-        QSignalSpy infos(m_service.get(), &VTCommunicationInterface::UserInfoResponse);
-        QSignalSpy signIns(m_service.get(), &VTCommunicationInterface::SignInResponse);
-        QSignalSpy signOuts(m_service.get(), &VTCommunicationInterface::SignOutResponse);
-        const Reply account = StandInServer::Held(StandInServer::Http(200, Account));
-        m_server->SetReplies({account, StandInServer::Http(200), account, StandInServer::Http(200, Session)});
-
-        m_service->GetUserInfo(m_status, Request());
-        EVENTUALLY_COMPARE(m_server->Requests().size(), 1);
-        m_service->SignOut(m_status, Request());
-        EVENTUALLY_COMPARE(signOuts.count(), 1);
-        m_service->GetUserInfo(m_status, Request());
-        EVENTUALLY_COMPARE(m_server->Requests().size(), 3);
-        m_service->SignIn("demo"_s, "demo"_s);
-        EVENTUALLY_COMPARE(signIns.count(), 1);
+        const Reply held = StandInServer::Held(StandInServer::Http(200, Account));
+        m_server->SetReplies({held, StandInServer::Http(200), held, StandInServer::Http(200, Session)});
+        Ask(&Service::GetUserInfo);
+        Ask(&Service::SignOut);
+        EVENTUALLY_COMPARE(m_client->signOuts.count(), 1);
+        Ask(&Service::GetUserInfo);
+        m_client->service.SignIn("demo"_s, "demo"_s);
+        EVENTUALLY_COMPARE(m_client->signIns.count(), 1);
 
         m_server->Release(0);
         m_server->Release(2);
-        m_service->GetUserInfo(m_status, Request());
-        EVENTUALLY_COMPARE(infos.count(), 1);
-        QCOMPARE(infos[0][0].toInt(), HttpResult::NotJson);
+        Ask(&Service::GetUserInfo);
+        EVENTUALLY_COMPARE(m_client->accounts.count(), 1);
+        QCOMPARE(m_client->accounts[0][0].toInt(), HttpResult::NotJson);
     }
 
     void AllowsRequestsFromInsideAnAnswer()
     {
-        int lists = 0;
         m_server->SetReplies({StandInServer::Http(200, Jobs)});
-        QSignalSpy signOuts(m_service.get(), &VTCommunicationInterface::SignOutResponse);
-        connect(m_service.get(), &VTCommunicationInterface::JobListResponse, this, [this, &lists] {
+        connect(&m_client->service, &VTCommunicationInterface::JobListResponse, this, [this] {
             // The window, too, asks for another page at once and may sign out meanwhile.
-            if (++lists < 3)
-                m_service->GetJobList(m_status, Request());
-            else
-                m_service->SignOut(m_status, Request());
+            m_client->Send(m_client->lists.count() < 3 ? &Service::GetJobList : &Service::SignOut);
         });
-        m_service->GetJobList(m_status, Request());
-        EVENTUALLY_COMPARE(signOuts.count(), 1);
-        QCOMPARE(lists, 3);
+        m_client->Send(&Service::GetJobList);
+        EVENTUALLY_COMPARE(m_client->signOuts.count(), 1);
+        QCOMPARE(m_client->lists.count(), 3);
     }
 
     void ReportsAnExpiredSessionOnce()
     {
-        QSignalSpy expiries(m_service.get(), &CommunicationService::SessionExpired);
-        QSignalSpy answers(m_service.get(), &VTCommunicationInterface::UserInfoResponse);
         m_server->SetReplies({StandInServer::Http(401)});
-        m_service->GetUserInfo(m_status, Request());
-        m_service->GetUserInfo(m_status, Request());
-        EVENTUALLY_COMPARE(answers.count(), 2);
-        QCOMPARE(expiries.count(), 1);
-        m_service->SignIn("demo"_s, "wrong"_s);
-        m_service->GetUserInfo(m_status, Request());
-        EVENTUALLY_COMPARE(expiries.count(), 2);
+        m_client->Send(&Service::GetUserInfo);
+        m_client->Send(&Service::GetUserInfo);
+        EVENTUALLY_COMPARE(m_client->accounts.count(), 2);
+        QCOMPARE(m_client->expiries.count(), 1);
+        m_client->service.SignIn("demo"_s, "wrong"_s);
+        m_client->Send(&Service::GetUserInfo);
+        EVENTUALLY_COMPARE(m_client->expiries.count(), 2);
     }
 
 private:
-    void StartService(int attemptTime)
+    /// Sends a request and waits until the server has it.
+    void Ask(Operation operation, const QByteArray& json = "{}")
     {
-        m_service = std::make_unique<CommunicationService>(QuickLimits(attemptTime));
-        m_service->SetServerUrl(m_server->Url());
-        QCOMPARE(m_service->Initialize({}), 0);
-        QCOMPARE(m_service->Show(m_status, {}), 0);
+        const int before = m_server->Requests().size();
+        QCOMPARE(m_client->Send(operation, json), 0);
+        EVENTUALLY_COMPARE(m_server->Requests().size(), before + 1);
     }
 
     std::unique_ptr<StandInServer> m_server;
-    std::unique_ptr<CommunicationService> m_service;
-    QVariant m_status;
+    std::unique_ptr<Client> m_client;
 };
 
 QTEST_GUILESS_MAIN(TestHostCommunication)
