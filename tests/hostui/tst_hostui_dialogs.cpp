@@ -31,16 +31,8 @@ const QString two = Lines(2);
 const QString many = Lines(10000);
 const QString path(60, QLatin1Char('x'));
 
-struct Message
-{
-    const char* name;
-    QString text;
-    QString detail;
-    bool list;
-    QString label;
-    QString area;
-};
-const Message messages[] = {
+/// Text, detail, whether the detail is a list, and what stands in the label and in the area.
+const std::tuple<const char*, QString, QString, bool, QString, QString> messages[] = {
     {"nothing", {}, {}, false, {}, {}},
     {"detail alone", {}, question, true, question, {}},
     {"text and list", question, two, true, question, two},
@@ -52,20 +44,16 @@ const Message messages[] = {
     {"word that cannot be wrapped", {}, path, false, {}, path},
 };
 
-struct Press
-{
-    const char* name;
-    QStringList buttons;
-    const char* pressed;
-    const char* answer;
-};
-const Press presses[] = {
-    {"first of two", {"btnMessageBox_1"_s, "btnMessageBox_2"_s}, "btnMessageBox_1", "btnMessageBox_1"},
+const QStringList yesAndNo {"btnMessageBox_1"_s, "btnMessageBox_2"_s};
+
+/// Buttons, the button or key that is pressed, and the answer.
+const std::tuple<const char*, QStringList, const char*, const char*> presses[] = {
+    {"first of two", yesAndNo, "btnMessageBox_1", "btnMessageBox_1"},
     {"ten after two", {"btnMessageBox_2"_s, "btnMessageBox_10"_s}, "btnMessageBox_10", "btnMessageBox_10"},
     {"none given", {}, "btnMessageBox_1", "btnMessageBox_1"},
-    {"enter", {"btnMessageBox_1"_s, "btnMessageBox_2"_s}, "Return", "btnMessageBox_2"},
-    {"escape", {"btnMessageBox_1"_s, "btnMessageBox_2"_s}, "Esc", ""},
-    {"close button", {"btnMessageBox_1"_s, "btnMessageBox_2"_s}, "btnClose", ""},
+    {"enter", yesAndNo, "Return", "btnMessageBox_2"},
+    {"escape", yesAndNo, "Esc", ""},
+    {"close button", yesAndNo, "btnClose", ""},
 };
 
 QByteArray Png()
@@ -76,21 +64,14 @@ QByteArray Png()
     return png;
 }
 
-const QString noPicture = "The file is not a picture that can be shown here."_s;
-const QString tooLarge = "The picture is too large to be shown here."_s;
-
-struct Picture
-{
-    const char* name;
-    QByteArray content;
-    QString shown;
-};
-const Picture pictures[] = {
+/// The content of a file, and what is shown instead of a picture.
+const std::tuple<const char*, QByteArray, QString> pictures[] = {
     {"picture", Png(), {}},
     {"picture cut off", Png().left(60), "The picture is damaged."_s},
-    {"drawing", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>", noPicture},
-    {"too wide", "P6\n16385 1\n255\n", tooLarge},
-    {"too many pixels", "P6\n16384 16384\n255\n", tooLarge},
+    {"drawing", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>",
+        "The file is not a picture that can be shown here."_s},
+    {"too wide", "P6\n16385 1\n255\n", "The picture is too large to be shown here."_s},
+    {"too many pixels", "P6\n16384 16384\n255\n", "The picture is too large to be shown here."_s},
 };
 
 QVariantHash Captions(const QStringList& buttons)
@@ -117,13 +98,14 @@ public:
     explicit Then(const std::function<void(QDialog*)>& act)
         : Soon([act] {
             auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (dialog)
-                act(dialog);
-            if (dialog && dialog->isVisible()) {
+            if (!dialog)
+                return false;
+            act(dialog);
+            if (dialog->isVisible()) {
                 dialog->reject();
                 QTest::qFail("the dialog stays open", __FILE__, __LINE__);
             }
-            return dialog != nullptr;
+            return true;
         })
     {
     }
@@ -140,27 +122,26 @@ private slots:
     void ArrangesTexts_data() { AddRows(messages); }
     void ArrangesTexts()
     {
-        const Message& row = Row(messages);
-        const MessageText arranged = ArrangeMessage(row.text, row.detail, row.list);
-        QCOMPARE(arranged.label, row.label);
-        QCOMPARE(arranged.area, row.area);
+        const auto& [name, text, detail, isList, label, area] = Row(messages);
+        const MessageText arranged = ArrangeMessage(text, detail, isList);
+        QCOMPARE(QStringList({arranged.label, arranged.area}), QStringList({label, area}));
     }
 
     void AnswersByButtonAndKey_data() { AddRows(presses); }
     void AnswersByButtonAndKey()
     {
-        const Press& row = Row(presses);
+        const auto& [name, buttons, pressed, answer] = Row(presses);
         QStringList shown;
-        const Then then([&](QDialog* box) {
+        const Then then([&shown, press = QLatin1String(pressed)](QDialog* box) {
             shown = NamesFromLeftToRight(box->findChild<QWidget*>("wgtButtons"_s));
-            if (auto* button = box->findChild<QPushButton*>(QLatin1String(row.pressed)))
+            if (auto* button = box->findChild<QPushButton*>(press))
                 button->click();
             else
-                QTest::keyClick(box, Qt::Key(QKeySequence(QLatin1String(row.pressed))[0]));
+                QTest::keyClick(box, Qt::Key(QKeySequence(press)[0]));
         });
-        QCOMPARE(m_service.ShowMessage(4, {}, {}, {}, question, Captions(row.buttons), false),
-            QLatin1String(row.answer));
-        QCOMPARE(shown, row.buttons.isEmpty() ? QStringList("btnMessageBox_1"_s) : row.buttons);
+        QCOMPARE(
+            m_service.ShowMessage(4, {}, {}, {}, question, Captions(buttons), false), QLatin1String(answer));
+        QCOMPARE(shown, buttons.isEmpty() ? QStringList("btnMessageBox_1"_s) : buttons);
     }
 
     void ShowsTextsAsPlainText()
@@ -193,20 +174,20 @@ private slots:
     void StoresTheConfigurationWhenConfirmed()
     {
         const QVariantMap before {{"vtr.account.demo/autodownload"_s, true}};
-        const QVariantMap after {{"vtr.account.demo/autodownload"_s, false},
-            {"vtr.account.demo/popupfinish"_s, false}, {"vtr.account.demo/soundfinish"_s, false},
-            {"vtr.account.demo/setargument"_s, true}};
+        QVariantMap after {{"vtr.account.demo/setargument"_s, true}};
+        for (const char* key : {"autodownload", "popupfinish", "soundfinish"})
+            after.insert("vtr.account.demo/"_s + QLatin1String(key), false);
         for (const char* button : {"btnCancel", "btnClose", "btnOk"}) {
             MemorySettings settings;
             settings.values = before;
             ConfigurationDialog dialog(&m_loader, &settings);
             dialog.Run(QString()); // returns at once, since nobody is signed in
             const Then then([&](QDialog* shown) {
-                auto* download = shown->findChild<QCheckBox*>("chkAutoDownload"_s);
-                auto* argument = shown->findChild<QCheckBox*>("chkSetArgument"_s);
-                QVERIFY(download->isChecked() && !argument->isChecked());
-                download->setChecked(false);
-                argument->setChecked(true);
+                for (const char* name : {"chkAutoDownload", "chkSetArgument"}) {
+                    auto* box = shown->findChild<QCheckBox*>(QLatin1String(name));
+                    QCOMPARE(box->isChecked(), qstrcmp(name, "chkAutoDownload") == 0);
+                    box->toggle();
+                }
                 shown->findChild<QPushButton*>(QLatin1String(button))->click();
             });
             dialog.Run("demo"_s);
@@ -235,14 +216,15 @@ private slots:
     void PreviewsPicturesOnly_data() { AddRows(pictures); }
     void PreviewsPicturesOnly()
     {
+        const auto& [name, content, text] = Row(pictures);
         const QTemporaryDir folder;
         const QString file = folder.filePath("frame_0001.png"_s);
-        QVERIFY(WriteFile(file, Row(pictures).content));
+        QVERIFY(WriteFile(file, content));
         PreviewWindow window(&m_loader);
         const auto* shown = window.Form()->findChild<QLabel*>("lblPicture"_s);
         window.Open(file);
         EVENTUALLY(!shown->text().isEmpty() || !shown->pixmap(Qt::ReturnByValue).isNull());
-        QCOMPARE(shown->text(), Row(pictures).shown);
+        QCOMPARE(shown->text(), text);
         QTest::keyClick(window.Form(), Qt::Key_Escape);
         QVERIFY(!window.Form()->isVisible());
     }
@@ -256,12 +238,12 @@ private slots:
         const auto* title = window.Form()->findChild<QLabel*>("lblTitle"_s);
         window.Open(folder.filePath("b.png"_s));
         QVERIFY(QTest::qWaitForWindowActive(window.Form(), Patience)); // or its keys do nothing
-        const std::pair<int, const char*> turns[] = {{Qt::Key_Right, "c.png"}, {Qt::Key_Right, "c.png"},
-            {Qt::Key_Left, "b.png"}, {Qt::Key_Left, "a.png"}, {Qt::Key_Left, "a.png"}};
-        for (const auto& [key, name] : turns) {
+        QStringList shown;
+        for (const int key : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Left, Qt::Key_Left, Qt::Key_Left}) {
             QTest::keyClick(window.Form(), Qt::Key(key));
-            QCOMPARE(title->text(), QLatin1String(name));
+            shown.append(title->text());
         }
+        QCOMPARE(shown, QStringList({"c.png"_s, "c.png"_s, "b.png"_s, "a.png"_s, "a.png"_s}));
         QCOMPARE(window.Form()->findChild<QLabel*>("lblPosition"_s)->text(), "1 of 3"_s);
         EVENTUALLY_COMPARE(window.Form()->findChild<QLabel*>("lblSize"_s)->text(), "300 × 200 pixels"_s);
     }

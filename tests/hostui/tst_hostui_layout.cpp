@@ -10,13 +10,8 @@ namespace {
 
 const QRect Child(100, 50, 200, 40);
 
-struct Placement
-{
-    const char* name;
-    QByteArray layout;
-    QRect place = Child;
-};
-const Placement placements[] = {
+/// A layout, and where it places the child.
+const std::tuple<const char*, QByteArray, QRect> placements[] = {
     {"right", "; a comment\n[absent]\nleft=1\n[list]\nright=10\n", {790, 50, 200, 40}},
     {"left and right", "[list]\nleft=10\nright=20\n", {10, 50, 970, 40}},
     {"width", "[list]\nwidth=300\n", {100, 50, 300, 40}},
@@ -25,37 +20,30 @@ const Placement placements[] = {
     {"form too narrow", "[list]\nleft=600\nright=600\n", {600, 50, 0, 40}},
     {"bottom and height", "[list]\nbottom=10\nheight=30\n", {100, 760, 200, 30}},
     {"top and bottom", "[list]\ntop=5\nbottom=10\n", {100, 5, 200, 785}},
-    {"words for numbers", "[list]\nleft=wide\nright=\nwidth=1e\n"},
-    {"follows nobody", "[list]\nwith=nobody\n"},
-    {"follows itself", "[list]\nwith=list\n"},
-    {"rubbish", QByteArray("\x00\xff[[[=\n]==;", 11)},
-    {"the form's own name", "[form]\nleft=100\n"},
+    {"words for numbers", "[list]\nleft=wide\nright=\nwidth=1e\n", Child},
+    {"follows nobody", "[list]\nwith=nobody\n", Child},
+    {"follows itself", "[list]\nwith=list\n", Child},
+    {"rubbish", QByteArray("\x00\xff[[[=\n]==;", 11), Child},
+    {"the form's own name", "[form]\nleft=100\n", Child},
 };
 
 const QRect Start(100, 100, 400, 300);
 
-struct Drag
-{
-    const char* name;
-    QPoint from;
-    QPoint delta;
-    QRect main = Start;
-    QRect dialog = Start;
-};
-const Drag drags[] = {
-    {"middle", {200, 150}, {30, 99}},
+/// Where and how far the mouse drags, and the geometry of a main window and of a dialog afterwards.
+const std::tuple<const char*, QPoint, QPoint, QRect, QRect> drags[] = {
+    {"middle", {200, 150}, {30, 99}, Start, Start},
     {"title", {200, 20}, {40, 30}, {140, 130, 400, 300}, {140, 130, 400, 300}},
-    {"less than a drag", {399, 150}, {4, 4}},
-    {"just inside", {5, 150}, {30, 99}},
-    {"left", {4, 150}, {30, 99}, {130, 100, 370, 300}},
-    {"right", {399, 150}, {30, 99}, {100, 100, 430, 300}},
+    {"less than a drag", {399, 150}, {4, 4}, Start, Start},
+    {"just inside", {5, 150}, {30, 99}, Start, Start},
+    {"left", {4, 150}, {30, 99}, {130, 100, 370, 300}, Start},
+    {"right", {399, 150}, {30, 99}, {100, 100, 430, 300}, Start},
     {"top", {200, 0}, {30, -50}, {100, 50, 400, 350}, Start.translated(30, -50)},
-    {"bottom", {200, 296}, {30, 50}, {100, 100, 400, 350}},
+    {"bottom", {200, 296}, {30, 50}, {100, 100, 400, 350}, Start},
     {"corner", {0, 10}, {-15, -16}, {85, 84, 415, 316}, Start.translated(-15, -16)},
-    {"left too far", {0, 150}, {900, 0}, {300, 100, 200, 300}},
-    {"right too far", {399, 150}, {-900, 0}, {100, 100, 200, 300}},
+    {"left too far", {0, 150}, {900, 0}, {300, 100, 200, 300}, Start},
+    {"right too far", {399, 150}, {-900, 0}, {100, 100, 200, 300}, Start},
     {"top too far", {200, 0}, {0, 900}, {100, 250, 400, 150}, Start.translated(0, 900)},
-    {"bottom too far", {200, 299}, {0, -900}, {100, 100, 400, 150}},
+    {"bottom too far", {200, 299}, {0, -900}, {100, 100, 400, 150}, Start},
 };
 
 FormLayout ReadFrom(const QByteArray& text)
@@ -85,20 +73,20 @@ private slots:
     void PlacesChildren_data() { AddRows(placements); }
     void PlacesChildren()
     {
-        const FormLayout layout = ReadFrom(Row(placements).layout);
+        const auto& [name, text, place] = Row(placements);
+        const FormLayout layout = ReadFrom(text);
         const QRect whole(0, 0, 1000, 800);
         QWidget form;
         form.setObjectName("form"_s);
         form.setGeometry(whole);
         QWidget* list = AddChild(&form, "list", Child);
-        layout.Apply(&form);
-        QCOMPARE(list->geometry(), Row(placements).place);
-
-        list->setGeometry(Child);
-        list->setFixedSize(Child.size());
-        layout.Apply(&form);
-        QCOMPARE(list->geometry(), Row(placements).place);
-        QCOMPARE(list->minimumSize(), list->maximumSize());
+        for (const bool isFixed : {false, true}) {
+            list->setGeometry(Child);
+            isFixed ? list->setFixedSize(Child.size()) : void();
+            layout.Apply(&form);
+            QCOMPARE(list->geometry(), place);
+            QCOMPARE(list->minimumSize() == list->maximumSize(), isFixed);
+        }
         QCOMPARE(form.geometry(), whole);
     }
 
@@ -125,22 +113,21 @@ private slots:
     void DragsEdgesAndTitle_data() { AddRows(drags); }
     void DragsEdgesAndTitle()
     {
-        const Drag& drag = Row(drags);
+        const auto& [name, from, delta, main, dialog] = Row(drags);
         for (const auto kind : {FramelessWindow::Main, FramelessWindow::Dialog}) {
             QWidget form;
             form.setMinimumSize(200, 150);
             form.setGeometry(Start);
             new FramelessWindow(&form, kind);
-            const QPoint global = form.mapToGlobal(drag.from);
-            const QPoint to = drag.from + drag.delta;
-            QMouseEvent press(
-                QEvent::MouseButtonPress, drag.from, global, Qt::LeftButton, Qt::LeftButton, {});
-            QMouseEvent move(QEvent::MouseMove, to, global + drag.delta, Qt::NoButton, Qt::LeftButton, {});
-            QMouseEvent release(QEvent::MouseButtonRelease, to, global + drag.delta, Qt::LeftButton, {}, {});
+            const QPoint global = form.mapToGlobal(from);
+            const QPoint to = from + delta;
+            QMouseEvent press(QEvent::MouseButtonPress, from, global, Qt::LeftButton, Qt::LeftButton, {});
+            QMouseEvent move(QEvent::MouseMove, to, global + delta, Qt::NoButton, Qt::LeftButton, {});
+            QMouseEvent release(QEvent::MouseButtonRelease, to, global + delta, Qt::LeftButton, {}, {});
             QMouseEvent after(QEvent::MouseMove, to, global, Qt::NoButton, Qt::LeftButton, {});
             for (QMouseEvent* event : {&press, &move, &release, &after})
                 QCoreApplication::sendEvent(&form, event);
-            QCOMPARE(form.geometry(), kind == FramelessWindow::Main ? drag.main : drag.dialog);
+            QCOMPARE(form.geometry(), kind == FramelessWindow::Main ? main : dialog);
         }
     }
 };
