@@ -1,9 +1,9 @@
 #include "farm/uploads/package_reader.h"
 
 #include "farm/base/safe_path.h"
+#include "storage/checksum.h"
 #include "storage/durable_file.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -138,18 +138,18 @@ UnpackedFile UnpackEntry(zip_t* archive, zip_uint64_t index, const EntryInfo& en
     QFile file(target);
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         throw std::runtime_error("cannot write an unpacked file");
-    QCryptographicHash hash(QCryptographicHash::Sha256);
+    storage::Sha256 hash;
     ReadEntry(archive, index, entry.size, [&](const char* bytes, int count) {
         if (!goOn())
             throw Interrupted();
-        hash.addData(bytes, count);
+        hash.Add(bytes, count);
         if (file.write(bytes, count) != count)
             throw std::runtime_error("cannot write an unpacked file");
     });
     if (!file.flush())
         throw std::runtime_error("cannot write an unpacked file");
     storage::SyncToDisk(target);
-    return {{entry.path, entry.size, QString::fromLatin1(hash.result().toHex())}, target};
+    return {{entry.path, entry.size, hash.Result()}, target};
 }
 
 } // namespace
