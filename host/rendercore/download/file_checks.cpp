@@ -1,31 +1,6 @@
 #include "host/rendercore/download/file_checks.h"
 
-#include "storage/checksum.h"
-
-#include <QFileInfo>
-#include <QThread>
-
-#include <exception>
-
-namespace {
-
-bool IsQuitting()
-{
-    return QThread::currentThread()->isInterruptionRequested();
-}
-
-bool IsWhole(const DownloadTask& task)
-{
-    if (QFileInfo(task.file).size() != task.size)
-        return false;
-    try {
-        return storage::FileChecksum(task.file, [](qint64) { return !IsQuitting(); }) == task.checksum;
-    } catch (const std::exception&) {
-        return false;
-    }
-}
-
-} // namespace
+#include "host/rendercore/file_hashing.h"
 
 FileChecks::FileChecks()
     : m_turn(this)
@@ -34,19 +9,46 @@ FileChecks::FileChecks()
     connect(&m_turn, &QTimer::timeout, this, &FileChecks::CheckNext);
 }
 
+FileChecks::~FileChecks() = default;
+
 void FileChecks::Add(const DownloadTasks& tasks)
 {
     m_tasks.insert(m_tasks.end(), tasks.cbegin(), tasks.cend());
-    m_turn.start(0);
+    if (!m_hashing)
+        m_turn.start(0);
+}
+
+void FileChecks::Clear()
+{
+    m_hashing.reset();
+    m_tasks.clear();
 }
 
 void FileChecks::CheckNext()
 {
     if (m_tasks.empty())
         return;
-    const DownloadTask task = m_tasks.front();
+    const DownloadTask& task = m_tasks.front();
+    m_file.close();
+    m_file.setFileName(task.file);
+    if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || m_file.size() != task.size) {
+        Conclude(false);
+        return;
+    }
+    m_hashing = std::make_unique<FileHashing>(&m_file);
+    connect(m_hashing.get(), &FileHashing::Finished, this, [this] {
+        const bool isWhole = m_hashing->IsComplete() && m_hashing->Checksum() == m_tasks.front().checksum;
+        // The hashing is emitting this signal, so it cannot be deleted here.
+        m_hashing.release()->deleteLater();
+        Conclude(isWhole);
+    });
+}
+
+void FileChecks::Conclude(bool isWhole)
+{
+    const qint64 id = m_tasks.front().id;
     m_tasks.pop_front();
     m_turn.start(0);
-    if (!IsWhole(task) && !IsQuitting())
-        emit Damaged(task.id);
+    if (!isWhole)
+        emit Damaged(id);
 }

@@ -2,21 +2,27 @@
 
 #include "host/rendercore/download/download_task.h"
 
+#include <QFile>
 #include <QObject>
 #include <QTimer>
 
 #include <deque>
+#include <memory>
 
-/// Verifies the checksums of finished files, one at a time, so that transfers in the same thread continue in between.
+class FileHashing;
+
+/// Verifies the checksums of finished files, one at a time. They are hashed in a thread of its own, so that transfers
+/// in this object's thread continue meanwhile.
 class FileChecks : public QObject
 {
     Q_OBJECT
 
 public:
     FileChecks();
+    ~FileChecks() override;
 
     void Add(const DownloadTasks& tasks);
-    void Clear() { m_tasks.clear(); }
+    void Clear();
 
 signals:
     /// The task's file is missing or differs from what was downloaded.
@@ -24,7 +30,10 @@ signals:
 
 private:
     void CheckNext();
+    void Conclude(bool isWhole);
 
     std::deque<DownloadTask> m_tasks;
     QTimer m_turn;
+    QFile m_file; // of the first task
+    std::unique_ptr<FileHashing> m_hashing;
 };

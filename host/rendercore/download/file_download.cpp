@@ -1,14 +1,13 @@
 #include "host/rendercore/download/file_download.h"
 
 #include "host/rendercore/download/download_paths.h"
-#include "storage/checksum.h"
+#include "host/rendercore/file_hashing.h"
 #include "storage/durable_file.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QNetworkReply>
 #include <QRegularExpression>
-#include <QThread>
 
 #include <algorithm>
 #include <cerrno>
@@ -21,11 +20,6 @@ namespace {
 
 constexpr int BlockBytes = 1024 * 1024;
 constexpr int LongestRetryAfter = 3600; // seconds
-
-bool IsQuitting()
-{
-    return QThread::currentThread()->isInterruptionRequested();
-}
 
 /// The offset of a partial answer in a file of that size; -1 when the answer belongs to another file.
 qint64 RangeStart(const QByteArray& contentRange, qint64 size)
@@ -71,56 +65,64 @@ int FileDownload::Progress() const
 void FileDownload::Start()
 {
     const QString trouble = DownloadPaths::PrepareFolder(m_task.file);
-    if (!trouble.isEmpty()) {
+    if (!trouble.isEmpty())
         End(DownloadOutcome::Failed, trouble);
-    } else if (!m_task.fresh && DownloadPaths::IsOccupied(m_task.file)) {
+    else if (!m_task.fresh && DownloadPaths::IsOccupied(m_task.file))
         AdoptExistingFile();
-    } else if (LoadPart()) {
-        emit Progressed();
-        if (m_offset == m_task.size)
-            Finish();
-        else
-            Ask();
-    }
+    else
+        LoadPart();
 }
 
 /// The complete file is already at its destination if the client was killed before the task was saved; it is reported
 /// now. Anything else at the destination belongs to somebody else.
 void FileDownload::AdoptExistingFile()
 {
-    const bool isWhole = IsWhole();
-    if (IsQuitting()) {
-        End(DownloadOutcome::Broken, tr("The transfer of %1 was interrupted.").arg(m_task.name));
-        return;
-    }
-    QFile::remove(m_partFile);
-    End(isWhole ? DownloadOutcome::Complete : DownloadOutcome::NameTaken);
-}
-
-bool FileDownload::IsWhole() const
-{
     const QFileInfo info(m_task.file);
-    if (!info.isFile() || info.isSymLink() || info.size() != m_task.size)
-        return false;
-    try {
-        return storage::FileChecksum(m_task.file, [](qint64) { return !IsQuitting(); }) == m_task.checksum;
-    } catch (const std::exception&) {
-        return false;
-    }
+    m_part.setFileName(m_task.file);
+    const bool mayBeOurs = info.isFile() && !info.isSymLink() && info.size() == m_task.size;
+    if (mayBeOurs && m_part.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        HashOnDisk(&FileDownload::JudgeExistingFile);
+    else
+        JudgeExistingFile();
 }
 
-bool FileDownload::LoadPart()
+void FileDownload::JudgeExistingFile()
+{
+    const bool isOurs = m_hashing && m_hashing->IsComplete() && m_hashing->Checksum() == m_task.checksum;
+    QFile::remove(m_partFile);
+    End(isOurs ? DownloadOutcome::Complete : DownloadOutcome::NameTaken);
+}
+
+void FileDownload::LoadPart()
 {
     if (!OpenPart()) {
         Fail(QString::fromLocal8Bit(std::strerror(errno)));
-        return false;
+        return;
     }
     if (m_part.size() > m_task.size)
         m_part.resize(0);
-    if (HashPart())
-        return true;
-    End(DownloadOutcome::Broken, tr("The transfer of %1 was interrupted.").arg(m_task.name));
-    return false;
+    HashOnDisk(&FileDownload::Continue);
+}
+
+void FileDownload::HashOnDisk(void (FileDownload::*next)())
+{
+    m_hashing = std::make_unique<FileHashing>(&m_part);
+    connect(m_hashing.get(), &FileHashing::Finished, this, next);
+}
+
+void FileDownload::Continue()
+{
+    if (!m_hashing->IsComplete()) {
+        End(DownloadOutcome::Broken, tr("The transfer of %1 was interrupted.").arg(m_task.name));
+        return;
+    }
+    m_hash = m_hashing->TakeHash();
+    m_offset = m_hashing->Bytes();
+    emit Progressed();
+    if (m_offset == m_task.size)
+        Finish();
+    else
+        Ask();
 }
 
 /// A symbolic link in place of the part file is not followed.
@@ -133,24 +135,11 @@ bool FileDownload::OpenPart()
         && m_part.open(handle, QIODevice::ReadWrite | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle);
 }
 
-bool FileDownload::HashPart()
-{
-    QByteArray block(BlockBytes, Qt::Uninitialized);
-    while (!IsQuitting()) {
-        const qint64 got = m_part.read(block.data(), block.size());
-        if (got <= 0)
-            return got == 0;
-        m_hash.addData(block.constData(), static_cast<int>(got));
-        m_offset += got;
-    }
-    return false;
-}
-
 void FileDownload::StartOver()
 {
     m_part.resize(0);
     m_part.seek(0);
-    m_hash.reset();
+    m_hash.Reset();
     m_offset = 0;
 }
 
@@ -242,7 +231,7 @@ void FileDownload::Receive()
             Fail(m_part.errorString());
             return;
         }
-        m_hash.addData(bytes);
+        m_hash.Add(bytes.constData(), bytes.size());
         m_offset += bytes.size();
     }
     if (isFirst)
@@ -271,7 +260,7 @@ void FileDownload::Conclude()
 
 void FileDownload::Finish()
 {
-    if (QString::fromLatin1(m_hash.result().toHex()) != m_task.checksum) {
+    if (m_hash.Result() != m_task.checksum) {
         QFile::remove(m_partFile);
         End(DownloadOutcome::Damaged, tr("%1 arrived damaged: its checksum is wrong.").arg(m_task.name));
         return;

@@ -2,14 +2,17 @@
 
 #include "host/rendercore/download/download_limits.h"
 #include "host/rendercore/download/download_task.h"
+#include "storage/checksum.h"
 
-#include <QCryptographicHash>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
 
+#include <memory>
+
+class FileHashing;
 class QNetworkReply;
 
 /// The result of an attempt to download a file.
@@ -30,8 +33,8 @@ struct DownloadOutcome
     int retryAfter = 0; ///< the pause that the farm asks for, in milliseconds
 };
 
-/// Downloads one file: appends to its part file, and moves that to the destination once the checksum is right. All work,
-/// including disk access, happens in this object's thread.
+/// Downloads one file: appends to its part file, and moves that to the destination once the checksum is right. What is on
+/// the disk already is hashed in a thread of its own, everything else happens in this object's thread.
 class FileDownload : public QObject
 {
     Q_OBJECT
@@ -58,10 +61,11 @@ signals:
 
 private:
     void AdoptExistingFile();
-    bool IsWhole() const;
-    bool LoadPart();
+    void JudgeExistingFile();
+    void LoadPart();
     bool OpenPart();
-    bool HashPart();
+    void Continue();
+    void HashOnDisk(void (FileDownload::*next)());
     void StartOver();
     void Ask();
     void Accept(int status);
@@ -78,8 +82,9 @@ private:
     DownloadTask m_task;
     DownloadLimits m_limits;
     QString m_partFile;
-    QFile m_part; // opened by its descriptor, so it has no name
-    QCryptographicHash m_hash {QCryptographicHash::Sha256};
+    QFile m_part;                           // opened by its descriptor, so it has no name
+    std::unique_ptr<FileHashing> m_hashing; // ends before the file that it reads
+    storage::Sha256 m_hash;
     qint64 m_offset = 0; // bytes of the file that are in the part file and in the hash
     QPointer<QNetworkReply> m_reply;
     QTimer m_idle;
