@@ -59,13 +59,6 @@ SubmitTask Failed(SubmitTask task, const QStringList& refused = {})
     return task;
 }
 
-template <typename Change, typename... Values>
-SubmitTask Changed(SubmitTask task, Change change, const Values&... values)
-{
-    change(task, values...);
-    return task;
-}
-
 SubmitTask WithNext(SubmitTask task, Stage next, bool isDone = false)
 {
     task.next = next;
@@ -73,17 +66,21 @@ SubmitTask WithNext(SubmitTask task, Stage next, bool isDone = false)
     return task;
 }
 
+/// Stage shown > stage to come, error, progress and flags; then what has changed of work, message|upload and refused files.
 QString Summary(const SubmitTask& task)
 {
-    static const char* const questions[] = {"", "retry? ", "missing? "};
-    QString flags = QLatin1String(questions[int(QuestionOf(task))]);
-    flags += QLatin1String(task.isDone ? "done " : "") + QLatin1String(task.goesOnWithout ? "without " : "");
-    flags += QLatin1String(task.areArgumentsChecked ? "checked " : "");
-    return "%1>%2 %3 %4% %5 %6%7|%8 %9"_s.arg(int(task.stage))
-        .arg(int(task.next))
-        .arg(int(task.error))
-        .arg(task.progress)
-        .arg(task.work.scene, flags, task.message, task.uploadText, task.refused.join(QLatin1Char(',')));
+    static const char* const questions[] = {"", " retry?", " missing?"};
+    QString summary
+        = "%1>%2 %3 %4%"_s.arg(int(task.stage)).arg(int(task.next)).arg(int(task.error)).arg(task.progress);
+    summary += QLatin1String(questions[int(QuestionOf(task))]) + QLatin1String(task.isDone ? " done" : "");
+    summary += QLatin1String(task.goesOnWithout ? " without" : "");
+    summary += QLatin1String(task.areArgumentsChecked ? " checked" : "");
+    const QString text = task.message + QLatin1Char('|') + task.uploadText;
+    for (const QString& part : {task.work.scene, text, task.refused.join(QLatin1Char(','))}) {
+        const bool isAsBefore = part == "old"_s || part == "why|half"_s;
+        summary += isAsBefore ? QString() : QString(" "_s + (part.isEmpty() ? "-"_s : part));
+    }
+    return summary;
 }
 
 } // namespace
@@ -93,73 +90,63 @@ class SubmitRulesTest : public QObject
     Q_OBJECT
 
 private slots:
-    /// The summary: stage shown > stage to come, error, progress, work, flags, texts and refused files.
     void ChangesTheTask_data()
     {
         QTest::addColumn<QString>("summary");
         QTest::addColumn<QString>("expected");
-        const auto row = [](const char* name, const SubmitTask& task, const char* expected) {
+        const auto row = [](const char* name, const char* expected, const SubmitTask& task) {
             QTest::newRow(name) << Summary(task) << QString::fromLatin1(expected);
         };
+        const auto change = [row](const char* name, const char* expected, SubmitTask task, auto rule,
+                                const auto&... values) {
+            rule(task, values...);
+            row(name, expected, task);
+        };
 
-        row("analysed", Done(In(Stage::Analyze)), "1>2 0 100% new | old");
-        row("packed", Done(In(Stage::Compress)), "2>3 0 100% new | old");
-        row("nothing is missing", Done(In(Stage::CopySame), {}), "4>5 0 100% new | old");
-        row("asks for missing files", Done(In(Stage::CopySame)), "4>4 9 100% new missing? gone.png| old");
-        row("goes on without them", Done(In(Stage::CopySame, Error::None, true)),
-            "4>5 0 100% new without | old");
-        row("stopped before the question", Done(In(Stage::CopySame, Error::Stopped)),
-            "4>4 7 50% new why|half old");
-        row("stopped, yet a stage further", Done(In(Stage::Upload, Error::Stopped)),
-            "5>6 7 50% new why|half old");
-        row("is a job", Done(In(Stage::Submit)), "7>7 0 100% old done Submitted as job 12.| old");
-        row("is a job in spite of a stop", Done(In(Stage::Submit, Error::Stopped)),
-            "7>7 0 100% old done Submitted as job 12.| old");
-        row("the same is missing", Done(In(Stage::Analyze, Error::None, true)),
-            "1>2 0 100% new without | old");
-        row("less is missing", Done(In(Stage::Analyze, Error::None, true), {}),
-            "1>2 0 100% new without | old");
-        row("more is missing", Done(In(Stage::Analyze, Error::None, true), {"gone.png"_s, "b"_s}),
-            "1>2 0 100% new | old");
+        row("analysed", "1>2 0 100% new |", Done(In(Stage::Analyze)));
+        row("nothing is missing", "4>5 0 100% new |", Done(In(Stage::CopySame), {}));
+        row("asks for missing files", "4>4 9 100% missing? new gone.png|", Done(In(Stage::CopySame)));
+        row("goes on without them", "4>5 0 100% without new |", Done(In(Stage::CopySame, Error::None, true)));
+        row("stopped before the question", "4>4 7 50% new", Done(In(Stage::CopySame, Error::Stopped)));
+        row("stopped, yet a stage further", "5>6 7 50% new", Done(In(Stage::Upload, Error::Stopped)));
+        row("is a job in spite of a stop", "7>7 0 100% done Submitted as job 12.|",
+            Done(In(Stage::Submit, Error::Stopped)));
+        row("the same is missing", "1>2 0 100% without new |", Done(In(Stage::Analyze, Error::None, true)));
+        row("more is missing", "1>2 0 100% new |",
+            Done(In(Stage::Analyze, Error::None, true), {"gone.png"_s, "b"_s}));
 
-        row("refused upload", Failed(In(Stage::Upload), {"a"_s, "b"_s}),
-            "5>5 3 50% new retry? 12\na\nb| a,b");
-        row("refused package", Failed(In(Stage::Uncompress), {"a"_s}), "6>1 3 50% new retry? 12\na| a");
-        row("cannot be packed", Failed(In(Stage::Compress)), "2>1 3 50% old retry? 12| old");
-        row("package cannot be read", Failed(In(Stage::Checksum)), "3>1 3 50% old retry? 12| old");
-        row("refused job", Failed(In(Stage::Submit)), "7>7 3 50% old retry? 12| old");
-        row("to be tried again", Changed(In(Stage::Upload), ApplyTryAgain, OutcomeOf(In(Stage::Upload))),
-            "5>6 0 50% new 12|12 old");
+        row("refused upload", "5>5 3 50% retry? new 12\na\nb| a,b",
+            Failed(In(Stage::Upload), {"a"_s, "b"_s}));
+        row("refused package", "6>1 3 50% retry? new 12\na| a", Failed(In(Stage::Uncompress), {"a"_s}));
+        row("cannot be packed", "2>1 3 50% retry? 12|", Failed(In(Stage::Compress)));
+        row("package cannot be read", "3>1 3 50% retry? 12|", Failed(In(Stage::Checksum)));
+        row("refused job", "7>7 3 50% retry? 12|", Failed(In(Stage::Submit)));
+        change("to be tried again", "5>6 0 50% new 12|12", In(Stage::Upload), ApplyTryAgain,
+            OutcomeOf(In(Stage::Upload)));
 
-        row("released", Changed(In(Stage::Upload, Error::Stopped), Release), "0>5 0 0% old |half ");
-        row("tries an upload again", Changed(In(Stage::Upload, Error::UploadRefused), Continue, true),
-            "0>5 0 0% old |half ");
-        row("packs anew", Changed(In(Stage::Upload, Error::UploadRefused), Continue, false),
-            "0>1 0 0% old |half ");
-        row("looks again", Changed(In(Stage::CopySame, Error::AwaitsUser), Continue, true),
-            "0>1 0 0% old without |half ");
-        row("without after all", Changed(In(Stage::CopySame, Error::TexturesMissing), Continue, true),
-            "0>1 0 0% old without |half ");
-        row("checked arguments", Changed(In(Stage::Submit, Error::AwaitsUser), Continue, true),
-            "0>7 0 0% old checked |half ");
-        row("unusable scene", Changed(In(Stage::Analyze, Error::SceneUnusable), Continue, false),
-            "0>1 0 0% old |half ");
-        row("halted", Changed(In(Stage::Upload), Halt, Error::Stopped, "now"_s), "5>5 7 50% old now| old");
-        row("goes on in its stage", Changed(In(Stage::Upload), EnterNextStage), "5>5 0 50% old why|half old");
-        row("enters its next stage", Changed(WithNext(In(Stage::Upload), Stage::Submit), EnterNextStage),
-            "7>7 0 0% old | old");
+        change("released", "0>5 0 0% |half -", In(Stage::Upload, Error::Stopped), Release);
+        change("uploads again", "0>5 0 0% |half -", In(Stage::Upload, Error::UploadRefused), Continue, true);
+        change("packs anew", "0>1 0 0% |half -", In(Stage::Upload, Error::UploadRefused), Continue, false);
+        change("looks again", "0>1 0 0% without |half -", In(Stage::CopySame, Error::AwaitsUser), Continue,
+            true);
+        change("without after all", "0>1 0 0% without |half -", In(Stage::CopySame, Error::TexturesMissing),
+            Continue, true);
+        change("checked arguments", "0>7 0 0% checked |half -", In(Stage::Submit, Error::AwaitsUser),
+            Continue, true);
+        change("bad scene", "0>1 0 0% |half -", In(Stage::Analyze, Error::SceneUnusable), Continue, false);
+        change("halted", "5>5 7 50% now|", In(Stage::Upload), Halt, Error::Stopped, "now"_s);
+        change("goes on in its stage", "5>5 0 50%", In(Stage::Upload), EnterNextStage);
+        change("enters a stage", "7>7 0 0% |", WithNext(In(Stage::Upload), Stage::Submit), EnterNextStage);
 
-        row("restored with packages", Changed(In(Stage::Upload, Error::Stopped), Restore, true),
-            "5>4 7 0% old why|half old");
-        row("restored without", Changed(In(Stage::Upload, Error::Stopped), Restore, false),
-            "5>1 7 0% old why|half old");
-        row("restored with spoilt ones", Changed(In(Stage::Uncompress, Error::UploadRefused), Restore, true),
-            "6>1 3 0% old retry? why|half old");
-        row("restored with a refused upload", Changed(In(Stage::Upload, Error::UploadRefused), Restore, true),
-            "5>4 3 0% old retry? why|half old");
-        row("restored before its analysis", Changed(SubmitTask(), Restore, true), "0>1 0 0%  | ");
-        row("restored as a job", Changed(WithNext(SubmitTask(), Stage::Submit, true), Restore, false),
-            "0>1 0 100%  done | ");
+        change("restored with packages", "5>4 7 0%", In(Stage::Upload, Error::Stopped), Restore, true);
+        change("restored without", "5>1 7 0%", In(Stage::Upload, Error::Stopped), Restore, false);
+        change("restored if spoilt", "6>1 3 0% retry?", In(Stage::Uncompress, Error::UploadRefused), Restore,
+            true);
+        change(
+            "restored if refused", "5>4 3 0% retry?", In(Stage::Upload, Error::UploadRefused), Restore, true);
+        change("restored before its analysis", "0>1 0 0% - | -", SubmitTask(), Restore, true);
+        change("restored job", "0>1 0 100% done - | -", WithNext(SubmitTask(), Stage::Submit, true), Restore,
+            false);
     }
 
     void ChangesTheTask()
