@@ -20,23 +20,16 @@ QByteArray Checksum(const QByteArray& content)
     return QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex();
 }
 
-/// JSON in apostrophes.
-QByteArray Json(const QString& text)
-{
-    return text.toUtf8().replace('\'', '"');
-}
-
 /// An entry of a list of files.
-QByteArray Entry(const QByteArray& content, const char* name = "frame_0001.png")
+QByteArray Entry(const QByteArray& content, const QByteArray& name = "frame_0001.png")
 {
-    return Json("{'name': '%1', 'size': %2, 'checksum': '%3'}"_s.arg(QLatin1String(name))
-                    .arg(content.size())
-                    .arg(QLatin1String(Checksum(content))));
+    return "{'name': '" + name + "', 'size': " + QByteArray::number(content.size()) + ", 'checksum': '"
+        + Checksum(content) + "'}";
 }
 
 HttpReply Listed(const QByteArray& entries)
 {
-    return StandInServer::Http(200, Json("{'data': {'list': ["_s) + entries + "]}}");
+    return StandInServer::Data("{'list': [" + entries + "]}");
 }
 
 HttpReply Whole(const QByteArray& content)
@@ -76,18 +69,17 @@ struct TransferCase
 };
 
 const TransferCase TransferCases[] = {
-    {"own file without a note", {}, Finished, 1, {}, {}, {}, FrameData},
-    {"stranger's file of that size", {Whole(FrameData)}, Finished, 2, {}, {}, {},
+    {"own file without a note", {}, Finished, 1, {}, FrameData, {}, FrameData},
+    {"stranger's file of that size", {Whole(FrameData)}, Finished, 2, {}, FrameData, {},
         QByteArray(FrameData.size(), 'z')},
-    {"stranger's file", {Whole(FrameData)}, Finished, 2, {}, {}, {}, OtherData},
+    {"stranger's file", {Whole(FrameData)}, Finished, 2, {}, FrameData, {}, OtherData},
     {"whole part file", {}, Finished, 1, {}, FrameData, FrameData},
     {"part file longer than the file", {Whole(FrameData)}, Finished, 2, Condition, FrameData,
         FrameData + 'x'},
     {"damaged part file", {Whole(FrameData)}, Finished, 2, Condition, FrameData,
         QByteArray(FrameData.size(), 'z')},
     {"whole", {Whole(FrameData)}, Finished, 2, Condition},
-    {"cut", {CutFrame, Rest(FrameData, CutAt)}, Finished, 3, RangeLine},
-    {"cut, with the condition", {CutFrame, Rest(FrameData, CutAt)}, Finished, 3, Condition},
+    {"cut", {CutFrame, Rest(FrameData, CutAt)}, Finished, 3, Condition},
     {"cut, no ranges", {CutFrame, Whole(FrameData)}, Finished, 3, RangeLine},
     {"cut, another range", {CutFrame, Rest(FrameData, CutAt + 1), Rest(FrameData, CutAt)}, Finished, 4,
         RangeLine},
@@ -111,6 +103,12 @@ const TransferCase TransferCases[] = {
     {"redirected", {Answer(302, "Location: /elsewhere\r\n"), Whole(FrameData)}, Finished, 3},
 };
 
+/// A link in the way of a file, and its target.
+const std::tuple<const char*, const char*> Links[] = {
+    {"frames/12_shot", "elsewhere"},
+    {"frames/12_shot/.frame_0001.png.part", "elsewhere/precious"},
+};
+
 /// A queue of one owner, with what the window sees of it.
 class Client
 {
@@ -125,6 +123,14 @@ public:
     void Order(const QString& job = "j1"_s, bool isManual = true)
     {
         queue.Order({{job, QVariantMap {{"subDir"_s, "12_shot"_s}, {"manual"_s, int(isManual)}}}});
+    }
+
+    /// Changes one value of the access.
+    template <typename Value>
+    void Set(Value FarmAccess::*member, const Value& value)
+    {
+        access.*member = value;
+        queue.SetAccess(access);
     }
 
     QStringList Ids() const { return queue.Tasks()->keys(); }
@@ -142,6 +148,10 @@ public:
     bool Await(Status status, int count = 1) const
     {
         return QTest::qWaitFor([&] { return Count(status) == count; }, Patience);
+    }
+    bool AwaitFiles(int count) const
+    {
+        return QTest::qWaitFor([&] { return finished.count() == count; }, Patience);
     }
 
     mutable DownloadQueue queue;
@@ -178,8 +188,19 @@ private:
         return QTest::qWaitFor([&] { return m_server->Requests().size() == count; }, Patience);
     }
 
+    /// Starts a client among these replies and orders a job.
+    Client& Start(const QList<HttpReply>& replies, bool isManual = true)
+    {
+        m_server->SetReplies(replies);
+        m_client.reset(); // before another one uses its folder
+        m_client = std::make_unique<Client>(m_folder->path(), m_server->Url());
+        m_client->Order("j1"_s, isManual);
+        return *m_client;
+    }
+
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<StandInServer> m_server;
+    std::unique_ptr<Client> m_client;
 
 private slots:
     void init()
@@ -188,25 +209,26 @@ private slots:
         m_server = std::make_unique<StandInServer>();
     }
 
+    void cleanup() { m_client.reset(); }
+
     void GoesOnWhereTheClientEnded()
     {
         const QByteArray list
             = Entry(FrameData, "a") + ',' + Entry(OtherData, "b") + ',' + Entry(FrameData, "c");
-        m_server->SetReplies({Listed(list), Whole(FrameData), StandInServer::Held(Whole(FrameData)),
+        const QList<HttpReply> replies {Listed(list), Whole(FrameData), StandInServer::Held(Whole(FrameData)),
             Whole(OtherData), Whole(FrameData), Listed(Entry(OtherData, "a") + ',' + Entry(OtherData, "b")),
-            Whole(OtherData)});
-        auto client = std::make_unique<Client>(m_folder->path(), m_server->Url());
-        client->Order("j1"_s, false);
+            Whole(OtherData)};
+        Start(replies, false);
         QVERIFY(AwaitRequests(3));
-        client = std::make_unique<Client>(m_folder->path(), m_server->Url());
-        QVERIFY(client->Await(Finished, 3));
-        QCOMPARE(client->finished.count(), 2);
+        Client& client = Start(replies.mid(3), false); // the order is known
+        QVERIFY(client.Await(Finished, 3));
+        QCOMPARE(client.finished.count(), 2);
         QVERIFY(ReadFile(Path("frames/12_shot/b")) == OtherData);
 
         // Rendered anew: the automatic order does not count again, the manual one does.
-        client->Order("j1"_s, false);
-        client->Order("j1"_s);
-        QVERIFY(QTest::qWaitFor([&] { return client->finished.count() == 3; }, Patience));
+        client.Order("j1"_s, false);
+        client.Order("j1"_s);
+        QVERIFY(client.AwaitFiles(3));
         QVERIFY(ReadFile(Path("frames/12_shot/a")) == OtherData);
         QCOMPARE(m_server->Requests().size(), 7);
     }
@@ -216,13 +238,11 @@ private slots:
     void RecoversFromBrokenTransfers()
     {
         const TransferCase& row = Row(TransferCases);
-        m_server->SetReplies(QList<HttpReply> {Listed(Entry(FrameData))} + row.replies);
         QDir().mkpath(Path("frames/12_shot"));
         QVERIFY(row.part.isEmpty() || WriteFile(Part(), row.part));
         QVERIFY(row.there.isEmpty() || WriteFile(Frame(), row.there));
-        Client client(m_folder->path(), m_server->Url());
         TakeDiskCalls();
-        client.Order("j1"_s, false);
+        Client& client = Start(QList<HttpReply> {Listed(Entry(FrameData))} + row.replies, false);
         QVERIFY(client.Await(row.status));
         const bool isFinished = row.status == Finished;
         const bool isRenamed = !row.there.isEmpty() && row.there != FrameData;
@@ -231,15 +251,14 @@ private slots:
         QCOMPARE(client.Value("progress").toInt(), isFinished ? 100 : 0);
         QCOMPARE(client.Value("destFile").toString(), file);
         QCOMPARE(client.Value("srcFile").toString(), "12_shot/frame_0001.png"_s);
-        QVERIFY(!isRenamed || (ReadFile(Frame()) == row.there && ReadFile(file) == FrameData));
-        QVERIFY(!row.there.isEmpty() || ReadFile(file) == (isFinished ? row.content : QByteArray()));
+        QVERIFY(!isRenamed || ReadFile(Frame()) == row.there);
+        QVERIFY(ReadFile(file) == (isFinished ? row.content : QByteArray()));
         QVERIFY(!isFinished || !QFile::exists(DownloadPaths::PartFile(file)));
-        QCOMPARE(client.finished.count(), isFinished ? 1 : 0);
-        QCOMPARE(client.changed.count(), 1);
+        QCOMPARE(QList<int>({client.finished.count(), client.changed.count(), m_server->Requests().size()}),
+            QList<int>({isFinished, 1, row.requests}));
         QCOMPARE(client.Ids(), QStringList {"0000000001"_s});
-        QCOMPARE(m_server->Requests().size(), row.requests);
-        QVERIFY2(
-            m_server->Requests().constLast().contains(row.lastRequest), m_server->Requests().constLast());
+        const QByteArray last = m_server->Requests().constLast();
+        QVERIFY2(last.contains(row.lastRequest), last);
         // The data are on the disk before they get their name, and the name is before the task is done.
         const QStringList journal = TakeDiskCalls().filter(QRegularExpression("frame|12_shot"_s));
         const QStringList durable {
@@ -250,15 +269,14 @@ private slots:
 
     void AsksUntilAnOrderIsAnswered()
     {
-        const QByteArray bad = Json(
-            "{'name': '', 'size': 1, 'checksum': '%1'}, {'name': 'b', 'size': -1, 'checksum': '%1'},"
-            "{'name': 'c', 'size': 1e300, 'checksum': '%1'}, {'name': 'd', 'size': 1, 'checksum': 'x'}, 7,"_s
-                .arg(QLatin1String(Checksum(FrameData))));
-        m_server->SetReplies({Answer(503), Answer(503), Answer(503), StandInServer::Http(200, "[]"),
-            Answer(429), Listed(bad + Entry(FrameData)), Whole(FrameData)});
-        Client client(m_folder->path(), m_server->Url());
+        QByteArray bad
+            = "{'name': '', 'size': 1, 'checksum': 'SUM'}, {'name': 'b', 'size': -1, 'checksum': 'SUM'},"
+              "{'name': 'c', 'size': 1e300, 'checksum': 'SUM'}, {'name': 'd', 'size': 1, 'checksum': 'x'}, "
+              "7,";
+        bad.replace("SUM", Checksum(FrameData));
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("5 files"_s));
-        client.Order();
+        Client& client = Start({Answer(503), Answer(503), Answer(503), StandInServer::Http(200, "[]"),
+            Answer(429), Listed(bad + Entry(FrameData)), Whole(FrameData)});
         QVERIFY(client.Await(Finished));
         QCOMPARE(client.Ids().size(), 1);
         QCOMPARE(m_server->Requests().size(), 7);
@@ -271,55 +289,40 @@ private slots:
 
     void WaitsForFarmSessionAndOwner()
     {
-        m_server->SetReplies({Listed(Entry(FrameData)), StandInServer::Held(Whole(FrameData)), Answer(401),
+        Client& client = Start({Listed(Entry(FrameData)), StandInServer::Held(Whole(FrameData)), Answer(401),
             Whole(FrameData), Listed(Entry(OtherData, "new.png")), Whole(OtherData)});
-        Client client(m_folder->path(), m_server->Url());
-        client.Order();
         QVERIFY(client.Await(Downloading));
         const FarmAccess access = client.access;
-        client.access.apiRoot.clear();
-        client.queue.SetAccess(client.access);
+        client.Set(&FarmAccess::apiRoot, {});
         QVERIFY(client.Await(Waiting));
-        client.access.apiRoot = access.apiRoot;
-        client.queue.SetAccess(client.access);
+        client.Set(&FarmAccess::apiRoot, access.apiRoot);
         QVERIFY(AwaitRequests(3));
-        client.access.folder = Path("elsewhere"); // a new folder alone starts nothing: the session has ended
-        client.queue.SetAccess(client.access);
-        client.access.owner = "farm/bob"_s;
-        client.queue.SetAccess(client.access);
+        client.Set(&FarmAccess::folder, Path("elsewhere")); // alone, it starts nothing: the session has ended
+        client.Set(&FarmAccess::owner, "farm/bob"_s);
         QVERIFY(client.queue.Tasks()->isEmpty());
         client.access.owner = access.owner;
-        client.access.token = "def"_s;
-        client.queue.SetAccess(client.access);
+        client.Set(&FarmAccess::token, "def"_s);
         QVERIFY(client.Await(Finished));
         QVERIFY(m_server->Requests().constLast().contains("Authorization: Bearer def\r\n"));
         QCOMPARE(client.changed.count(), 3);
-        client.access.folder = Path("third"); // for new orders
-        client.queue.SetAccess(client.access);
+        client.Set(&FarmAccess::folder, Path("third")); // for new orders
         client.Order("j2"_s);
         QVERIFY(client.Await(Finished, 2));
         QVERIFY(ReadFile(Path("third/12_shot/new.png")) == OtherData);
         QCOMPARE(m_server->Requests().size(), 6);
     }
 
-    void FollowsNoLinkOutOfTheFolder_data()
-    {
-        QTest::addColumn<QString>("target");
-        QTest::newRow("frames/12_shot") << "elsewhere"_s;
-        QTest::newRow("frames/12_shot/.frame_0001.png.part") << "elsewhere/precious"_s;
-    }
+    void FollowsNoLinkOutOfTheFolder_data() { AddRows(Links); }
 
     void FollowsNoLinkOutOfTheFolder()
     {
-        QFETCH(QString, target);
-        const QString link = Path(QTest::currentDataTag());
+        const auto& [place, target] = Row(Links);
+        const QString link = Path(place);
         QDir().mkpath(Path("elsewhere"));
         WriteFile(Path("elsewhere/precious"), "precious");
         QDir().mkpath(QFileInfo(link).path());
-        QVERIFY(QFile::link(m_folder->filePath(target), link));
-        m_server->SetReplies({Listed(Entry(FrameData)), Whole(FrameData)});
-        Client client(m_folder->path(), m_server->Url());
-        client.Order();
+        QVERIFY(QFile::link(Path(target), link));
+        Client& client = Start({Listed(Entry(FrameData)), Whole(FrameData)});
         QVERIFY(client.Await(Failed));
         QCOMPARE(QDir(Path("elsewhere")).entryList(QDir::Files | QDir::Hidden), QStringList {"precious"_s});
         QCOMPARE(ReadFile(Path("elsewhere/precious")), QByteArray("precious"));
@@ -327,10 +330,8 @@ private slots:
 
     void KeepsAFinishedFileUntilItIsReplaced()
     {
-        m_server->SetReplies(
-            {Listed(Entry(FrameData)), Whole(FrameData), StandInServer::Held(Whole(FrameData))});
-        Client client(m_folder->path(), m_server->Url());
-        client.Order();
+        Client& client
+            = Start({Listed(Entry(FrameData)), Whole(FrameData), StandInServer::Held(Whole(FrameData))});
         QVERIFY(client.Await(Finished));
         WriteFile(Frame(), OtherData);
         client.queue.Redownload({client.Ids().constFirst(), "77"_s, "x"_s});
@@ -349,9 +350,7 @@ private slots:
 
     void StoppedTasksGoOnWhereTheyWere()
     {
-        m_server->SetReplies({Listed(Entry(FrameData)), CutFrame, StandInServer::Held(Whole(FrameData))});
-        Client client(m_folder->path(), m_server->Url());
-        client.Order();
+        Client& client = Start({Listed(Entry(FrameData)), CutFrame, StandInServer::Held(Whole(FrameData))});
         QVERIFY(AwaitRequests(3));
         client.queue.Stop(client.Ids());
         QCOMPARE(Disk().TasksAfter(client.access.owner, 0, 1).constFirst().state, DownloadState::Stopped);
@@ -379,19 +378,18 @@ private slots:
     void RepairsWhatIsDamagedWhenOrdered()
     {
         const HttpReply list = Listed(Entry(FrameData));
-        m_server->SetReplies({list, Whole(FrameData), list, list, Whole(FrameData), list, Whole(FrameData)});
-        Client client(m_folder->path(), m_server->Url());
-        client.Order();
+        Client& client
+            = Start({list, Whole(FrameData), list, list, Whole(FrameData), list, Whole(FrameData)});
         QVERIFY(client.Await(Finished));
         client.Order(); // whole: it stays
         QVERIFY(AwaitRequests(3));
         WriteFile(Frame(), QByteArray(FrameData.size(), 'z'));
         client.Order();
-        QVERIFY(QTest::qWaitFor([&] { return client.finished.count() == 2; }, Patience));
+        QVERIFY(client.AwaitFiles(2));
         QVERIFY(ReadFile(Frame()) == FrameData);
         QVERIFY(QFile::remove(Frame()));
         client.Order();
-        QVERIFY(QTest::qWaitFor([&] { return client.finished.count() == 3; }, Patience));
+        QVERIFY(client.AwaitFiles(3));
         QCOMPARE(m_server->Requests().size(), 7);
     }
 };
