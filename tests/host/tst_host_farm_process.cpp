@@ -10,12 +10,8 @@
 
 namespace {
 
-struct Failure
-{
-    const char* name;
-    QByteArray program;
-};
-const Failure failures[] = {
+using Farm = std::tuple<const char*, QByteArray>;
+const Farm failures[] = {
     {"crashes at once", "exit 1"},
     {"crashes when it listens", "echo listening on http://127.0.0.1:4711; exit 1"},
     {"announces nothing", "exec cat >/dev/null"},
@@ -23,7 +19,7 @@ const Failure failures[] = {
 };
 
 const QByteArray listen = "echo starting; echo listening on http://127.0.0.1:4711; ";
-const Failure farms[] = {
+const Farm farms[] = {
     {"ends when asked", listen + "exec cat >/dev/null"},
     {"ignores the request", "trap '' TERM; " + listen + "while :; do read x; done"},
 };
@@ -56,7 +52,7 @@ private slots:
     void RestartsAfterACrashAndStopsForGood_data() { AddRows(farms); }
     void RestartsAfterACrashAndStopsForGood()
     {
-        FarmProcess farm(Program(Row(farms).program), m_folder.path(), m_limits);
+        FarmProcess farm(Program(std::get<1>(Row(farms))), m_folder.path(), m_limits);
         QSignalSpy listening(&farm, &FarmProcess::Listening);
         QSignalSpy lost(&farm, &FarmProcess::Lost);
         farm.Start();
@@ -75,7 +71,7 @@ private slots:
     void GivesUpAfterTooManyFailures()
     {
         m_limits.start = 200;
-        FarmProcess farm(Program(Row(failures).program), m_folder.path(), m_limits);
+        FarmProcess farm(Program(std::get<1>(Row(failures))), m_folder.path(), m_limits);
         QSignalSpy lost(&farm, &FarmProcess::Lost);
         QSignalSpy givenUp(&farm, &FarmProcess::GivenUp);
         farm.Start();

@@ -97,54 +97,18 @@ private slots:
         QCOMPARE(notices.details.size(), 1);
     }
 
-    void PassesCommandsOnToTheSubmissions()
+    void PassesCommandsOn()
     {
+        enum Status { Downloading = 1, StoppedDownload = 4 };
         enum Error { None, TexturesMissing = 5, Stopped = 7 };
         MemorySettings settings;
-        StandInServer farm;
-        farm.SetReplies({StandInServer::Held({})});
-        RenderCoreService renderCore(m_folder.filePath("submissions"_s), &settings);
-        renderCore.SetServerUrl(farm.Url());
-        renderCore.BeginSession("ann"_s, "token"_s);
-        const QString plain = "plain.1"_s;
-        QCOMPARE(renderCore.SubmitScene(File("plain.pov"_s, "camera { location 0 }\n")), 0);
-        EVENTUALLY_COMPARE(farm.Requests().size(), 1);
-        QCOMPARE(renderCore.GetTaskStage(plain), 4);
-        QVariantMap range = renderCore.GetTaskArguments(plain).value(0).toMap();
-        range.insert("endFrame_0"_s, 7);
-        renderCore.SetArgument(plain, {range});
-        QCOMPARE(renderCore.GetTaskArguments(plain), QVariantList {range});
-        renderCore.StopSubmitTasks();
-        QCOMPARE(renderCore.GetTaskErrorCode(plain), int(Stopped));
-        QVERIFY(!renderCore.GetTaskMessage(plain).isEmpty() && !renderCore.GetTaskStartTime(plain).isEmpty());
-        renderCore.ResumeSubmitTasks();
-        QCOMPARE(renderCore.GetTaskErrorCode(plain), int(None));
-        renderCore.RemoveSubmitTasks({plain}, true);
-        QCOMPARE(renderCore.GetSubmitTaskCount(), 0);
-
-        farm.SetReplies({StandInServer::Http(200, R"({"data": {"known": []}})"), StandInServer::Held({})});
-        QSignalSpy lacked(&renderCore, &VTRenderCoreInterface::lackedTexture);
-        const QString lacking = "lacking.2"_s;
-        renderCore.SubmitScene(
-            File("lacking.pov"_s, "sphere { 0, 1 pigment { image_map { png \"gone.png\" } } }\n"));
-        EVENTUALLY_COMPARE(lacked.count(), 1);
-        QCOMPARE(lacked[0][0].toString(), lacking);
-        renderCore.LackTextureAnswer(lacking, false);
-        QCOMPARE(renderCore.GetTaskErrorCode(lacking), int(TexturesMissing));
-        renderCore.ContinueSubmit(lacking);
-        QCOMPARE(renderCore.GetTaskErrorCode(lacking), int(None));
-    }
-
-    void PassesCommandsOnToTheDownloads()
-    {
-        enum Status { Downloading = 1, Stopped = 4 };
-        MemorySettings settings;
         settings.SetValue("vtr.downloads/folder"_s, m_folder.filePath("frames"_s));
-        QByteArray list = R"({"data": {"list": [{"name": "f.png", "size": 4, "checksum": "SUM"}]}})";
-        list.replace("SUM", QByteArray(64, 'a'));
         StandInServer farm;
-        farm.SetReplies({StandInServer::Http(200, list), StandInServer::Held({})});
-        RenderCoreService renderCore(m_folder.filePath("downloads"_s), &settings);
+        const QByteArray sum(64, 'a');
+        farm.SetReplies(
+            {StandInServer::Data("{'list': [{'name': 'f.png', 'size': 4, 'checksum': '" + sum + "'}]}"),
+                StandInServer::Held({})});
+        RenderCoreService renderCore(m_folder.filePath("commands"_s), &settings);
         renderCore.SetServerUrl(farm.Url());
         renderCore.BeginSession("ann"_s, "token"_s);
         const QVariantMap& tasks = *renderCore.GetDownloadTasks();
@@ -157,12 +121,38 @@ private slots:
         for (const auto resume :
             {&RenderCoreService::ResumeDownloadTasks, &RenderCoreService::RedownloadTasks}) {
             renderCore.StopDownloadTasks(tasks.keys());
-            EVENTUALLY_COMPARE(value("status"), QVariant(Stopped));
+            EVENTUALLY_COMPARE(value("status"), QVariant(StoppedDownload));
             (renderCore.*resume)(tasks.keys());
             EVENTUALLY_COMPARE(value("status"), QVariant(Downloading));
         }
         renderCore.RemoveDownloadTasks(tasks.keys());
         EVENTUALLY(tasks.isEmpty());
+
+        StandInServer other; // no request of the downloads can reach it
+        other.SetReplies({StandInServer::Data("{'known': []}"), StandInServer::Held({})});
+        renderCore.SetServerUrl(other.Url());
+        QSignalSpy lacked(&renderCore, &VTRenderCoreInterface::lackedTexture);
+        const QString id = "lacking.1"_s;
+        QCOMPARE(renderCore.SubmitScene(File("lacking.pov"_s, "image_map { png \"gone.png\" }\n")), 0);
+        EVENTUALLY_COMPARE(lacked.count(), 1);
+        QCOMPARE(lacked[0][0].toString(), id);
+        QCOMPARE(renderCore.GetTaskStage(id), 4);
+        QVERIFY(!renderCore.GetTaskMessage(id).isEmpty() && !renderCore.GetTaskStartTime(id).isEmpty());
+        QVariantMap range = renderCore.GetTaskArguments(id).value(0).toMap();
+        range.insert("endFrame_0"_s, 7);
+        renderCore.SetArgument(id, {range});
+        QCOMPARE(renderCore.GetTaskArguments(id), QVariantList {range});
+        const auto error = [&] { return renderCore.GetTaskErrorCode(id); };
+        renderCore.LackTextureAnswer(id, false);
+        QCOMPARE(error(), int(TexturesMissing));
+        renderCore.ContinueSubmit(id);
+        QCOMPARE(error(), int(None));
+        renderCore.StopSubmitTasks();
+        QCOMPARE(error(), int(Stopped));
+        renderCore.ResumeSubmitTasks();
+        QCOMPARE(error(), int(None));
+        renderCore.RemoveSubmitTasks({id}, true);
+        QCOMPARE(renderCore.GetSubmitTaskCount(), 0);
     }
 
 private:

@@ -38,12 +38,19 @@ struct Client
         });
     }
 
-    QAction* SignOutEntry() const { return tray->actions().value(tray->actions().size() - 2); }
-
     template <typename Widget>
-    Widget* Find(const char* name)
+    Widget* Find(const char* objectName)
     {
-        return session.SignInForm()->findChild<Widget*>(QLatin1String(name));
+        return session.SignInForm()->findChild<Widget*>(QLatin1String(objectName));
+    }
+
+    bool IsFormVisible() { return session.SignInForm()->isVisible(); }
+
+    void SignIn()
+    {
+        session.SetAccount("demo"_s, "demo"_s);
+        session.SignInAutomatically();
+        EVENTUALLY(session.IsSignedIn());
     }
 
     StandInServer server;
@@ -54,6 +61,11 @@ struct Client
     QMenu* tray = loader.GetMenu("menuTray"_s, {});
     QAction* quit = tray->addAction("Quit"_s);
     SessionControl session {&loader, &communication, &settings};
+    QAction* signOut = tray->actions().value(tray->actions().size() - 2);
+    QLineEdit* name = Find<QLineEdit>("lneName");
+    QLineEdit* password = Find<QLineEdit>("lnePassword");
+    QPushButton* button = Find<QPushButton>("btnSignIn");
+    QLabel* failure = Find<QLabel>("lblFailure");
 };
 
 /// The windows that belong to the states of a session, and the sign-in window.
@@ -69,84 +81,68 @@ private slots:
     {
         QSignalSpy signedIn(&m_client->session, &SessionControl::SignedIn);
         QSignalSpy shown(&m_client->loader, &VTUiLoaderInterface::ShowWindow);
-        const QAction* signOut = m_client->SignOutEntry();
-        QVERIFY(!signOut->isEnabled());
-        SignIn();
+        QVERIFY(!m_client->signOut->isEnabled());
+        m_client->SignIn();
         QCOMPARE(signedIn.count(), 1);
         QCOMPARE(signedIn[0][0].toString(), "u1"_s);
         QCOMPARE(shown.constLast()[0].toString(), "com.vtr.qsclient"_s);
-        QVERIFY(!m_client->session.SignInForm()->isVisible());
-        const QVariant name = m_client->settings.values.value("vtr.auth/lastname"_s);
-        QCOMPARE(name.toString(), "demo"_s);
+        QVERIFY(!m_client->IsFormVisible() && m_client->signOut->isEnabled());
+        QCOMPARE(m_client->settings.values.value("vtr.auth/lastname"_s).toString(), "demo"_s);
 
         m_client->server.SetReplies({StandInServer::Http(500)});
-        QVERIFY(signOut->isEnabled());
-        m_client->SignOutEntry()->trigger();
+        m_client->signOut->trigger();
         EVENTUALLY(!m_client->session.IsSignedIn());
-        QVERIFY(m_client->session.SignInForm()->isVisible());
-        QVERIFY(!signOut->isEnabled());
+        QVERIFY(m_client->IsFormVisible() && !m_client->signOut->isEnabled());
     }
 
     void AsksForNameAndPassword()
     {
         m_client->session.SignInAutomatically();
-        QVERIFY(m_client->session.SignInForm()->isVisible());
-        auto* name = m_client->Find<QLineEdit>("lneName");
-        auto* password = m_client->Find<QLineEdit>("lnePassword");
-        const auto* button = m_client->Find<QPushButton>("btnSignIn");
-        QCOMPARE(password->echoMode(), QLineEdit::Password);
-        name->setText("   "_s);
-        password->setText(" secret "_s);
-        QVERIFY(!button->isEnabled());
-        QTest::keyClick(password, Qt::Key_Return); // ignored without a name
-        name->setText(" demo "_s);
-        QTest::keyClick(name, Qt::Key_Return);
-        QVERIFY(!button->isEnabled() && !password->isEnabled());
+        QVERIFY(m_client->IsFormVisible());
+        QCOMPARE(m_client->password->echoMode(), QLineEdit::Password);
+        m_client->name->setText("   "_s);
+        m_client->password->setText(" secret "_s);
+        QVERIFY(!m_client->button->isEnabled());
+        QTest::keyClick(m_client->password, Qt::Key_Return); // ignored without a name
+        m_client->name->setText(" demo "_s);
+        QTest::keyClick(m_client->name, Qt::Key_Return);
+        QVERIFY(!m_client->button->isEnabled() && !m_client->password->isEnabled());
         EVENTUALLY(m_client->session.IsSignedIn());
         QCOMPARE(m_client->server.Requests().size(), 1);
         QVERIFY(m_client->server.Requests().at(0).endsWith(R"({"password":" secret ","username":"demo"})"));
-        QVERIFY(password->text().isEmpty());
+        QVERIFY(m_client->password->text().isEmpty());
     }
 
     void ShowsWhySignInFailed()
     {
-        m_client->server.SetReplies({StandInServer::Http(403, R"({"message": "Wrong <b>name</b>."})"),
-            StandInServer::Http(403, "{\"message\": \"" + QByteArray(100000, 'x') + "\"}")});
-        auto* password = m_client->Find<QLineEdit>("lnePassword");
-        const auto* failure = m_client->Find<QLabel>("lblFailure");
+        const QByteArray reason = "Wrong <b>name</b>." + QByteArray(100000, 'x');
+        m_client->server.SetReplies({StandInServer::Http(403, "{\"message\": \"" + reason + "\"}")});
         m_client->session.SetAccount("demo"_s, "wrong"_s);
         m_client->session.SignInAutomatically();
-        EVENTUALLY(m_client->session.SignInForm()->isVisible());
-        QVERIFY(!m_client->session.IsSignedIn());
-        QCOMPARE(failure->text(), "Wrong <b>name</b>."_s);
-        QCOMPARE(failure->textFormat(), Qt::PlainText);
-
-        password->setText("secret"_s);
-        m_client->Find<QPushButton>("btnSignIn")->click();
-        QVERIFY(failure->text().isEmpty());
-        EVENTUALLY(failure->text().startsWith(QLatin1String("xxx")));
-        QVERIFY(failure->text().size() < 1000);
-        QCOMPARE(password->text(), "secret"_s);
+        const auto* failure = m_client->failure;
+        for (int attempt = 0; attempt < 2; ++attempt) {
+            EVENTUALLY(failure->text().startsWith("Wrong <b>name</b>.xx"_s));
+            QVERIFY(m_client->IsFormVisible() && !m_client->session.IsSignedIn());
+            QVERIFY(failure->text().size() < 1000);
+            QCOMPARE(failure->textFormat(), Qt::PlainText);
+            m_client->password->setText("secret"_s);
+            m_client->button->click();
+            QVERIFY(failure->text().isEmpty());
+        }
+        EVENTUALLY(!failure->text().isEmpty());
+        QCOMPARE(m_client->password->text(), "secret"_s);
     }
 
     void EndsAnExpiredSession()
     {
-        SignIn();
+        m_client->SignIn();
         m_client->server.SetReplies({StandInServer::Http(401)});
         m_client->communication.GetUserInfo(1, {{"token"_s, "abc"_s}});
         EVENTUALLY(!m_client->session.IsSignedIn());
-        QVERIFY(m_client->session.SignInForm()->isVisible());
-        QVERIFY(!m_client->Find<QLabel>("lblFailure")->text().isEmpty());
+        QVERIFY(m_client->IsFormVisible() && !m_client->failure->text().isEmpty());
     }
 
 private:
-    void SignIn()
-    {
-        m_client->session.SetAccount("demo"_s, "demo"_s);
-        m_client->session.SignInAutomatically();
-        EVENTUALLY(m_client->session.IsSignedIn());
-    }
-
     std::unique_ptr<Client> m_client;
 };
 
