@@ -26,8 +26,6 @@ enum Place { First, Middle, Last };
 class SharedLists : public RenderCoreStandIn
 {
 public:
-    using RenderCoreStandIn::RenderCoreStandIn;
-
     QString GetTaskSceneFile(const QString& /*id*/) override { return m_task.sceneFile; }
     QString GetTaskStartTime(const QString& /*id*/) override { return m_task.startTime; }
     QString GetTaskMessage(const QString& /*id*/) override { return m_task.message; }
@@ -129,8 +127,7 @@ public:
     }
 
 private:
-    Journal m_journal;
-    SharedLists m_renderCore {m_journal};
+    SharedLists m_renderCore;
     Client m_client;
     bool m_isForward = true;
 };

@@ -125,7 +125,10 @@ private:
     {
         emit Communication().ProjectListResponse(result, {{"data"_s, QVariantList {project}}});
     }
-    void UpdateForm() const { QVERIFY(Client::CallOn(m_client->controllers.Find("VTSearch"), "Update")); }
+    void UpdateForm() const
+    {
+        QVERIFY(QMetaObject::invokeMethod(m_client->controllers.Find("VTSearch"), "Update"));
+    }
 };
 
 QTEST_MAIN(TestSearch)

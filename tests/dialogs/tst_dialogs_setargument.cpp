@@ -63,7 +63,7 @@ private slots:
             isOpen = Form("setargument")->isVisible();
         });
         QCOMPARE(isOpen, !refusal.isEmpty());
-        QCOMPARE(TakeJournal().join(","_s), isOpen ? "ShowMessage"_s : "SetArgument task1"_s);
+        QCOMPARE(TakeJournal(), isOpen ? "ShowMessage"_s : "SetArgument task1"_s);
         QCOMPARE(RenderCore().setArguments, stored);
         QCOMPARE(Arguments()->data(Qt::UserRole).toList(), isOpen ? arguments : stored);
         if (isOpen)
@@ -88,12 +88,12 @@ private slots:
         const QVariantMap typed {{"startFrame_0"_s, 1}, {"endFrame_0"_s, 50}, {"width"_s, "32"_s},
             {"height"_s, "32"_s}, {"prerender"_s, false}};
         QCOMPARE(RenderCore().setArguments, QVariantList {typed});
-        QCOMPARE(TakeJournal(), QStringList {"SetArgument task2"_s});
+        QCOMPARE(TakeJournal(), "SetArgument task2"_s);
         OpenOn(Groups(1), [this] {
             Click("setargument", "btnClose");
             QVERIFY(!Form("setargument")->isVisible());
         });
-        QCOMPARE(TakeJournal(), QStringList());
+        QCOMPARE(TakeJournal(), QString());
     }
 
     void LeavesAnotherTaskInTheRowAlone()
@@ -108,7 +108,7 @@ private slots:
             Click("setargument", "btnOk");
         });
         m_client->Entry("Set argument")->trigger();
-        QCOMPARE(TakeJournal(), QStringList());
+        QCOMPARE(TakeJournal(), QString());
     }
 
     void LaysOutARowForEachGroup()
@@ -135,7 +135,7 @@ private slots:
     void SurvivesItsEndWhileOpen()
     {
         OpenOn(Groups(1), [this] { delete Form("setargument"); });
-        QCOMPARE(TakeJournal(), QStringList());
+        QCOMPARE(TakeJournal(), QString());
         init();
         MessageBox().whileOpen = [this] { m_client->Service()->Hide(1); };
         OpenOn({Group(0, 2, 1)}, [this] { Click("setargument", "btnOk"); });

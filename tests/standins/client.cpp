@@ -11,17 +11,10 @@
 #include <QTimer>
 #include <QUrl>
 
-#include <algorithm>
-
-namespace {
-
-constexpr int LongestStop = 30000; // ms
-
-} // namespace
-
 Client::Client()
     : m_server("stand-in-%1"_s.arg(QCoreApplication::applicationPid()))
 {
+    journal.clear();
     settings.values.insert("vtr.web/currentserver"_s, m_server);
 }
 
@@ -30,16 +23,16 @@ Client::~Client()
     if (m_framework)
         StopFramework();
     for (const QString& folder : {"data"_s, "Data"_s}) {
-        QDir directory(QString(QCoreApplication::applicationDirPath() + "/"_s + folder));
-        const QStringList files = directory.entryList({QString(m_server + "_*"_s)});
-        for (const QString& file : files) {
-            if (!directory.remove(file))
-                directory.rmdir(file);
+        const QFileInfo account(AccountFile(folder));
+        const QFileInfoList files = account.dir().entryInfoList({QString(m_server + "_*"_s)});
+        for (const QFileInfo& file : files) {
+            if (!QFile::remove(file.filePath()))
+                QDir().rmdir(file.filePath());
         }
     }
 }
 
-QList<QPair<QString, QObject*>> Client::Services()
+QMap<QString, QObject*> Client::Services()
 {
     return {{"VTSettingsInterface"_s, &settings}, {"VTLoggerInterface"_s, &logger},
         {"VTUiLoaderInterface"_s, &uiLoader}, {"VTMessagboxInterface"_s, &messageBox},
@@ -66,9 +59,9 @@ void Client::StopFramework()
     m_framework->stop();
     // An installed CTK stops the plugin on another thread, which leaves the window to this thread's event loop.
     const auto hasStopped = [this] { return m_framework->getState() == ctkPlugin::RESOLVED; };
-    if (!QTest::qWaitFor(hasStopped, LongestStop))
+    if (!QTest::qWaitFor(hasStopped, Patience))
         qFatal("The plugin framework does not stop");
-    m_framework->waitForStop(LongestStop); // returns when that thread has let go of the framework
+    m_framework->waitForStop(Patience); // returns when that thread has let go of the framework
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
@@ -76,9 +69,10 @@ void Client::Start()
 {
     if (!m_framework) {
         StartFramework();
-        for (const auto& [interface, service] : Services()) {
+        const QStringList interfaces = Services().keys();
+        for (const QString& interface : interfaces) {
             if (!leftOut.contains(interface))
-                Context()->registerService({interface}, service);
+                Register(interface);
         }
     }
     m_plugin = Context()->installPlugin(QUrl::fromLocalFile(QStringLiteral(PLUGIN_FILE)));
@@ -87,10 +81,7 @@ void Client::Start()
 
 void Client::Register(const QString& interface)
 {
-    for (const auto& [name, service] : Services()) {
-        if (name == interface)
-            Context()->registerService({name}, service);
-    }
+    Context()->registerService({interface}, Services().value(interface));
 }
 
 int Client::Initialize()
@@ -123,10 +114,11 @@ ctkPluginContext* Client::Context() const
 
 QAction* Client::Entry(const char* text) const
 {
-    const auto actions = Window()->findChildren<QAction*>();
-    const auto isIt = [text](const QAction* action) { return action->text() == QLatin1String(text); };
-    const auto found = std::find_if(actions.begin(), actions.end(), isIt);
-    return found == actions.end() ? nullptr : *found;
+    for (QAction* action : Window()->findChildren<QAction*>()) {
+        if (action->text() == QLatin1String(text))
+            return action;
+    }
+    return nullptr;
 }
 
 QList<QTimer*> Client::RunningTimers(int interval) const

@@ -64,12 +64,7 @@ public:
     template <class... Arguments>
     bool Call(const char* slot, const Arguments&... arguments) const
     {
-        return CallOn(Window(), slot, arguments...);
-    }
-    template <class... Arguments>
-    static bool CallOn(QObject* object, const char* slot, const Arguments&... arguments)
-    {
-        return QMetaObject::invokeMethod(object, slot, Qt::DirectConnection,
+        return QMetaObject::invokeMethod(Window(), slot, Qt::DirectConnection,
             QGenericArgument(QMetaType::typeName(qMetaTypeId<Arguments>()), &arguments)...);
     }
 
@@ -83,22 +78,21 @@ public:
     bool Tick(int interval) const;
 
     Controllers controllers;
-    Journal journal;
-    SettingsStandIn settings {journal};
-    LoggerStandIn logger {journal};
-    UiLoaderStandIn uiLoader {journal};
-    MessageBoxStandIn messageBox {journal};
-    CommunicationStandIn communication {journal};
-    RenderCoreStandIn renderCore {journal};
-    ConfigurationStandIn configuration {journal};
-    PreviewerStandIn previewer {journal};
-    ApplicationStandIn application {journal};
+    SettingsStandIn settings;
+    LoggerStandIn logger;
+    UiLoaderStandIn uiLoader;
+    MessageBoxStandIn messageBox;
+    CommunicationStandIn communication;
+    RenderCoreStandIn renderCore;
+    ConfigurationStandIn configuration;
+    PreviewerStandIn previewer;
+    ApplicationStandIn application;
 
     /// Names of interfaces that `Start` does not register.
     QStringList leftOut;
 
 private:
-    QList<QPair<QString, QObject*>> Services();
+    QMap<QString, QObject*> Services();
     void StartFramework();
     void StopFramework();
 

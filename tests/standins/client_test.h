@@ -32,7 +32,8 @@ protected:
     QTableWidget* Jobs() const { return m_client->Table("twtMyRender"_s); }
     QTableWidget* Tasks() const { return m_client->Table("twtLocalTask"_s); }
     QTableWidget* Downloads() const { return m_client->Table("twtDownload"_s); }
-    QStringList TakeJournal() const { return m_client->journal.Take(); }
+    /// The calls of all stand-ins since this was last asked.
+    static QString TakeJournal() { return std::exchange(journal, {}).join(", "_s); }
 
     /// Signs in and delivers one page of jobs; the journal is empty afterwards.
     void SignInWithJobs(const QVariantList& jobs, int total = 18) const
@@ -72,12 +73,22 @@ protected:
     template <class Action>
     void WhileOpen(const char* form, Action action) const
     {
-        const QPointer<QWidget> dialog = Form(form);
-        QTimer::singleShot(0, dialog, [dialog, action] {
+        Later(Form(form), [this, form, action] {
             action();
-            if (dialog)
+            if (QWidget* dialog = Form(form))
                 dialog->close();
         });
+    }
+
+    /// Runs an action from the event loop, unless the context is gone by then. The analyzer takes the functors of
+    /// QTimer::singleShot() and QMetaObject::invokeMethod() for leaks.
+    template <class Action>
+    static void Later(QObject* context, Action action)
+    {
+        auto* timer = new QTimer(context);
+        timer->setSingleShot(true);
+        connect(timer, &QTimer::timeout, context, action);
+        timer->start();
     }
 
     static void Check(const QTableWidget* table, const QList<int>& rows, Qt::CheckState state = Qt::Checked)
@@ -97,15 +108,25 @@ protected:
         return checks;
     }
 
-    /// A row's items, each as "text|data", with ", " between.
+    /// A row's items, each as "text|data", and its bar as "50%", with ", " between.
     static QString Cells(const QTableWidget* table, int row)
     {
         QStringList cells;
         for (int column = 0; column < table->columnCount(); ++column) {
-            if (const QTableWidgetItem* item = table->item(row, column))
+            if (const auto* bar = qobject_cast<QProgressBar*>(table->cellWidget(row, column)))
+                cells.append("%1%"_s.arg(bar->value()));
+            else if (const QTableWidgetItem* item = table->item(row, column))
                 cells.append(QString(item->text() + "|"_s + item->data(Qt::UserRole).toString()));
         }
         return cells.join(", "_s);
+    }
+    /// A column from top to bottom.
+    static QStringList Values(const QTableWidget* table, int column, int role = Qt::DisplayRole)
+    {
+        QStringList values;
+        for (int row = 0; row < table->rowCount(); ++row)
+            values.append(table->item(row, column)->data(role).toString());
+        return values;
     }
     static QProgressBar* Bar(const QTableWidget* table, int row)
     {

@@ -23,8 +23,6 @@ class SettingsStandIn : public StandIn<VTSettingsInterface>
     Q_INTERFACES(VTSettingsInterface)
 
 public:
-    using StandIn::StandIn;
-
     QVariant Value(const QString& key, const QVariant& defaultValue) override
     {
         defaults.insert(key, defaultValue);
@@ -46,8 +44,6 @@ class LoggerObject : public QObject, public VTLoggerInterface
 class LoggerStandIn : public StandIn<LoggerObject>
 {
 public:
-    using StandIn::StandIn;
-
     void Write(
         const QString& message, int level, const QString& category, const QString& source, int line) override
     {
@@ -63,15 +59,13 @@ class MessageBoxStandIn : public StandIn<VTMessagboxInterface>
     Q_INTERFACES(VTMessagboxInterface)
 
 public:
-    using StandIn::StandIn;
-
     QString ShowMessage(int kind, const QString& title, const QString& text, const QIcon& /*icon*/,
         const QString& detail, const QVariantHash& buttons, bool flag) override
     {
         const QStringList captions {buttons.value(Refusal()).toString(), buttons.value(Consent()).toString()};
         messages.append(
             "%1|%2|%3|%4|%5|%6"_s.arg(kind).arg(title, text, detail, captions.join(","_s)).arg(flag));
-        journal.Write("ShowMessage"_s);
+        journal.append("ShowMessage"_s);
         if (const auto action = std::exchange(whileOpen, nullptr))
             action();
         return answer;
@@ -98,30 +92,16 @@ public:
         QVariantHash map;
     };
 
-    using StandIn::StandIn;
-
-    int SignOut(const QVariant& s, const QVariantHash& m) override { return Record("SignOut"_s, s, m); }
-    int GetUserInfo(const QVariant& s, const QVariantHash& m) override
-    {
-        return Record("GetUserInfo"_s, s, m);
-    }
-    int StopJobs(const QVariant& s, const QVariantHash& m) override { return Record("StopJobs"_s, s, m); }
-    int DeleteJobs(const QVariant& s, const QVariantHash& m) override { return Record("DeleteJobs"_s, s, m); }
-    int RecoverJobs(const QVariant& s, const QVariantHash& m) override
-    {
-        return Record("RecoverJobs"_s, s, m);
-    }
-    int RestartJobs(const QVariant& s, const QVariantHash& m) override
-    {
-        return Record("RestartJobs"_s, s, m);
-    }
-    int FullRender(const QVariant& s, const QVariantHash& m) override { return Record("FullRender"_s, s, m); }
-    int GetJobList(const QVariant& s, const QVariantHash& m) override { return Record("GetJobList"_s, s, m); }
-    int GetJobInfo(const QVariant& s, const QVariantHash& m) override { return Record("GetJobInfo"_s, s, m); }
-    int GetProjectList(const QVariant& s, const QVariantHash& m) override
-    {
-        return Record("GetProjectList"_s, s, m);
-    }
+    int SignOut(const QVariant& s, const QVariantHash& m) override { return Record(__func__, s, m); }
+    int GetUserInfo(const QVariant& s, const QVariantHash& m) override { return Record(__func__, s, m); }
+    int StopJobs(const QVariant& s, const QVariantHash& m) override { return Record(__func__, s, m); }
+    int DeleteJobs(const QVariant& s, const QVariantHash& m) override { return Record(__func__, s, m); }
+    int RecoverJobs(const QVariant& s, const QVariantHash& m) override { return Record(__func__, s, m); }
+    int RestartJobs(const QVariant& s, const QVariantHash& m) override { return Record(__func__, s, m); }
+    int FullRender(const QVariant& s, const QVariantHash& m) override { return Record(__func__, s, m); }
+    int GetJobList(const QVariant& s, const QVariantHash& m) override { return Record(__func__, s, m); }
+    int GetJobInfo(const QVariant& s, const QVariantHash& m) override { return Record(__func__, s, m); }
+    int GetProjectList(const QVariant& s, const QVariantHash& m) override { return Record(__func__, s, m); }
 
     void DeliverSignIn(const QString& userName, int result = 200)
     {
@@ -140,16 +120,26 @@ public:
             200, {{"data"_s, QVariantMap {{"userInfo"_s, userInfo}, {"isBindToVso"_s, bound}}}});
     }
 
-    Request Last() const { return requests.isEmpty() ? Request() : requests.last(); }
+    /// The last request, of an operation if given.
+    Request Last(const QString& operation = {}) const
+    {
+        Request last;
+        for (const Request& request : requests) {
+            if (operation.isEmpty() || request.operation == operation)
+                last = request;
+        }
+        return last;
+    }
 
     QVector<Request> requests;
     std::function<void()> onRequest; ///< runs once, inside the next request
 
 private:
-    int Record(const QString& operation, const QVariant& status, const QVariantHash& map)
+    int Record(const char* name, const QVariant& status, const QVariantHash& map)
     {
+        const QString operation = QLatin1String(name);
         requests.append({operation, status, map});
-        journal.Write(operation);
+        journal.append(operation);
         if (const auto action = std::exchange(onRequest, nullptr))
             action();
         return 0;
@@ -175,8 +165,6 @@ public:
         QVariantList arguments {};
     };
 
-    using StandIn::StandIn;
-
     void RemoveSubmitTasks(const QStringList& ids, bool byUser) override
     {
         Write(byUser ? "RemoveSubmitTasks by user"_s : "RemoveSubmitTasks"_s, ids);
@@ -193,8 +181,8 @@ public:
     }
     void StopDownloadTasks(const QStringList& ids) override { Write("StopDownloadTasks"_s, ids); }
     void ResumeDownloadTasks(const QStringList& ids) override { Write("ResumeDownloadTasks"_s, ids); }
-    void StopSubmitTasks() override { journal.Write("StopSubmitTasks"_s); }
-    void ResumeSubmitTasks() override { journal.Write("ResumeSubmitTasks"_s); }
+    void StopSubmitTasks() override { journal.append("StopSubmitTasks"_s); }
+    void ResumeSubmitTasks() override { journal.append("ResumeSubmitTasks"_s); }
     QVariantMap* GetDownloadTasks() override { return &downloads; }
     QString GetTaskSceneFile(const QString& id) override { return Find(id).sceneFile; }
     QString GetTaskStartTime(const QString& id) override { return Find(id).startTime; }
@@ -251,13 +239,15 @@ public:
 private:
     Task Find(const QString& id) const
     {
-        const auto isIt = [&id](const Task& task) { return task.id == id; };
-        const auto found = std::find_if(tasks.begin(), tasks.end(), isIt);
-        return found == tasks.end() ? Task() : *found;
+        for (const Task& task : tasks) {
+            if (task.id == id)
+                return task;
+        }
+        return {};
     }
     void Write(const QString& what, const QStringList& ids)
     {
-        journal.Write(QString(what + " "_s + ids.join(","_s)));
+        journal.append(QString(what + " "_s + ids.join(","_s)));
     }
 };
 
@@ -267,27 +257,19 @@ class ConfigurationStandIn : public StandIn<VTConfigurationInterface>
     Q_INTERFACES(VTConfigurationInterface)
 
 public:
-    using StandIn::StandIn;
-
     QString GetVersion() override { return "4.5.6"_s; }
-    void ShowConf() override { journal.Write("ShowConf"_s); }
-    void Finish(QString file) override { journal.Write(QString("Finish "_s + file)); }
+    void ShowConf() override { journal.append("ShowConf"_s); }
+    void Finish(QString file) override { journal.append(QString("Finish "_s + file)); }
 };
 
 class PreviewerStandIn : public StandIn<VTPreviewerInterface>
 {
     Q_OBJECT
     Q_INTERFACES(VTPreviewerInterface)
-
-public:
-    using StandIn::StandIn;
 };
 
 class ApplicationStandIn : public StandIn<VTBaseAppInterface>
 {
     Q_OBJECT
     Q_INTERFACES(VTBaseAppInterface)
-
-public:
-    using StandIn::StandIn;
 };

@@ -50,7 +50,7 @@ QWidget* UiLoaderStandIn::LoadUi(const QString& key, QWidget* parent)
 
 void UiLoaderStandIn::SetLanguage(const QString& path)
 {
-    journal.Write(QString("SetLanguage "_s + path));
+    journal.append(QString("SetLanguage "_s + path));
     language = QFileInfo(path).fileName();
     emit LanguageChanged(language);
 }

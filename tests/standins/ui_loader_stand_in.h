@@ -15,14 +15,12 @@ class UiLoaderStandIn : public StandIn<VTUiLoaderInterface>
     Q_INTERFACES(VTUiLoaderInterface)
 
 public:
-    using StandIn::StandIn;
-
     QWidget* LoadUi(const QString& key, QWidget* parent) override;
     QString GetSkin() override { return skin; }
     QString GetLanguage() override { return language; }
     QStringList GetLanguages() override { return {"/lang/vtr_de.qm"_s, "/lang/vtr_en.qm"_s}; }
     void SetLanguage(const QString& path) override;
-    void OpenWindow(const QString& key) override { journal.Write(QString("OpenWindow "_s + key)); }
+    void OpenWindow(const QString& key) override { journal.append(QString("OpenWindow "_s + key)); }
     QMenu* GetMenu(const QString& menu, const QString& subMenu) override
     {
         return m_menus.value(menu + subMenu);
