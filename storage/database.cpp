@@ -1,6 +1,5 @@
 #include "storage/database.h"
 
-#include <stdexcept>
 #include <string>
 
 namespace storage {
@@ -25,7 +24,7 @@ void Database::Migrate(const Migrations& migrations)
     const int known = static_cast<int>(migrations.size());
     const int found = m_connection.execAndGet("PRAGMA user_version").getInt();
     if (found > known)
-        throw std::runtime_error("the data folder was written by a newer version of this program");
+        throw NewerSchema("the data folder was written by a newer version of this program");
     for (int version = found; version < known; ++version) {
         Write([&migrations, version](SQLite::Database& connection) {
             connection.exec(migrations.at(static_cast<std::size_t>(version)));

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <mutex>
+#include <stdexcept>
 #include <type_traits>
 #include <vector>
 
@@ -14,13 +15,20 @@ namespace storage {
 /// SQL scripts: number n upgrades schema version n to n + 1. A released script never changes.
 using Migrations = std::vector<const char*>;
 
+/// A newer version of the program wrote the database.
+class NewerSchema : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
 /// One connection to a database file, which threads share under a lock.
 /// Every change is on the disk when Write() returns. Errors are thrown as SQLite::Exception.
 class Database
 {
 public:
     /// Opens or creates the file and brings its schema up to date.
-    /// Throws std::runtime_error when a newer version of the program wrote the file.
+    /// Throws NewerSchema.
     Database(const QString& path, const Migrations& migrations);
 
     /// Runs `work(SQLite::Database&)` while no other thread uses the connection.

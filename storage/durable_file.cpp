@@ -3,10 +3,9 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
-#include <stdexcept>
-#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -26,8 +25,10 @@ bool WriteAndSync(int file, std::int64_t offset, const QByteArray& bytes)
     while (written < bytes.size()) {
         const ssize_t count = ::pwrite(file, bytes.constData() + written,
             static_cast<std::size_t>(bytes.size() - written), off_t(offset + written));
-        if (count <= 0)
+        if (count <= 0) {
+            errno = count == 0 ? ENOSPC : errno;
             return false;
+        }
         written += static_cast<int>(count);
     }
     return ::fsync(file) == 0;
@@ -39,10 +40,11 @@ void SyncToDisk(const QString& path)
 {
     const int file = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
     const bool synced = file >= 0 && ::fsync(file) == 0;
+    const int error = errno;
     if (file >= 0)
         ::close(file);
     if (!synced)
-        throw std::runtime_error("cannot write " + NameOf(path) + " to the disk");
+        throw DiskError("cannot write " + NameOf(path) + " to the disk", error);
 }
 
 void RenameDurably(const QString& from, const QString& to)
@@ -50,7 +52,7 @@ void RenameDurably(const QString& from, const QString& to)
     SyncToDisk(from);
     // QFile::rename() does not replace a file.
     if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0)
-        throw std::runtime_error("cannot rename " + NameOf(from) + " to " + NameOf(to));
+        throw DiskError("cannot rename " + NameOf(from) + " to " + NameOf(to), errno);
     // The new name is on the disk only after the folder has been synced.
     SyncToDisk(QFileInfo(to).path());
 }
@@ -60,12 +62,13 @@ void AppendDurably(const QString& path, std::int64_t offset, const QByteArray& b
     const int file
         = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     const bool done = file >= 0 && WriteAndSync(file, offset, bytes);
+    const int error = errno;
     if (file >= 0 && !done && ::ftruncate(file, off_t(offset)) != 0)
         QFile::remove(path);
     if (file >= 0)
         ::close(file);
     if (!done)
-        throw std::runtime_error("cannot append to " + NameOf(path));
+        throw DiskError("cannot append to " + NameOf(path), error);
     // A new file is on the disk only after its folder has been synced.
     if (offset == 0)
         SyncToDisk(QFileInfo(path).path());

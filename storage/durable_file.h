@@ -4,9 +4,27 @@
 #include <QString>
 
 #include <cstdint>
+#include <stdexcept>
+#include <string>
 
-/// Changes to files that survive a power cut. All functions throw std::runtime_error when a system call fails.
+/// Changes to files that survive a power cut. All functions throw DiskError when a system call fails.
 namespace storage {
+
+class DiskError : public std::runtime_error
+{
+public:
+    DiskError(const std::string& what, int error)
+        : std::runtime_error(what)
+        , m_error(error)
+    {
+    }
+
+    /// @return the `errno` of the system call.
+    int Error() const { return m_error; }
+
+private:
+    int m_error;
+};
 
 /// Returns when the file or folder is on the disk.
 void SyncToDisk(const QString& path);

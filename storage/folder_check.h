@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+
+namespace storage {
+
+/// Creates the folder if it is missing, and a file in it for a moment.
+/// @return 0 when files can be written there, otherwise the `errno` that says why not.
+int FolderError(const QString& folder);
+
+/// @return the bytes that this user may still write to the folder's disk; -1 where the disk does not tell.
+std::int64_t FreeBytes(const QString& folder);
+
+} // namespace storage
