@@ -4,10 +4,6 @@
 #include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_queue.h"
 #include "tests/farm/farm_client.h"
-#include "tests/farm/farm_fixture.h"
-#include "tests/support/test_tables.h"
-
-#include <QRandomGenerator>
 
 namespace {
 
@@ -16,14 +12,6 @@ QByteArray Noise(int bytes)
     QVector<quint32> noise(bytes / 4);
     QRandomGenerator(1).fillRange(noise.data(), noise.size());
     return QByteArray(reinterpret_cast<const char*>(noise.constData()), bytes);
-}
-
-QVariantList Arguments(int first, int last, const QString& width, const QString& height)
-{
-    QVariantMap range = MakeArguments(first, last, 1, 1).constFirst().toMap();
-    range["width"_s] = width;
-    range["height"_s] = height;
-    return {range};
 }
 
 } // namespace
@@ -82,15 +70,12 @@ private:
     bool Await(const QString& id, SubmitError error = SubmitError::None) const
     {
         return QTest::qWaitFor(
-            [&] { return error == SubmitError::None ? Task(id).isDone : Task(id).error == error; },
-            patienceMs);
+            [&] { return error == SubmitError::None ? Task(id).isDone : Task(id).error == error; }, Patience);
     }
 
-    int Count(const char* table)
+    int Count(const char* rows)
     {
-        return m_data->database.Read([table](SQLite::Database& connection) {
-            return connection.execAndGet(std::string("SELECT count(*) FROM ") + table).getInt();
-        });
+        return m_data->Count(QByteArray("SELECT count(*) FROM " + QByteArray(rows)).constData());
     }
 
     QStringList Packages() const
@@ -138,8 +123,8 @@ private slots:
         m_queue->AnswerUploadFailure(id, true); // another question is open
         m_queue->AnswerMissingTextures(id, false);
         QCOMPARE(Task(id).error, SubmitError::TexturesMissing);
-        m_queue->SetArguments(id, Arguments(4, 5, "32"_s, "16385"_s)); // the scene's own height
-        m_queue->SetArguments(id, Arguments(5, 4, {}, {}));            // no frames: ignored
+        m_queue->SetArguments(id, MakeArguments(4, 5, 32, 16385)); // the scene's own height
+        m_queue->SetArguments(id, MakeArguments(5, 4, 1, 1));      // no frames: ignored
         StartQueue();
         QCOMPARE(Task(id).error, SubmitError::TexturesMissing);
         QVERIFY(WriteFile(Path("shots/gone.png"_s), "here")); // now included
@@ -147,10 +132,10 @@ private slots:
         QVERIFY(Await(id));
         QCOMPARE(Count("contents"), 4);
         QCOMPARE(Task(id).message, "Submitted as job 1."_s);
-        QTRY_VERIFY_WITH_TIMEOUT(Packages().isEmpty(), patienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(Packages().isEmpty(), Patience);
         QCOMPARE(Count("jobs WHERE name = 'one' AND type = 'povray' AND width = 32 AND height = 480"), 1);
         QCOMPARE(Count("frames WHERE number IN (4, 5)"), Count("frames"));
-        QTRY_COMPARE_WITH_TIMEOUT(m_data->Only().status, int(farm::JobStatus::Finished), patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_data->Only().status, int(farm::JobStatus::Finished), Patience);
 
         // Contents that the farm has are not sent again.
         QVERIFY(QFile::remove(Path("shots/gone.png"_s)));
@@ -176,7 +161,7 @@ private slots:
     {
         QFETCH(int, stage);
         const QString id = SubmitLarge();
-        QVERIFY(QTest::qWaitFor([&] { return int(Task(id).stage) >= stage; }, patienceMs));
+        QVERIFY(QTest::qWaitFor([&] { return int(Task(id).stage) >= stage; }, Patience));
         StartQueue();
         QCOMPARE(m_queue->Ids(), QStringList {id});
         QVERIFY(Await(id));
@@ -194,7 +179,7 @@ private slots:
         m_farm.reset();
         const QString id = SubmitLarge();
         const auto says = [&](const char* text) {
-            return QTest::qWaitFor([&] { return Task(id).message == QLatin1String(text); }, patienceMs);
+            return QTest::qWaitFor([&] { return Task(id).message == QLatin1String(text); }, Patience);
         };
         QVERIFY(says("The farm cannot be reached. Trying again."));
         QVERIFY(Task(id).IsRunnable());
@@ -222,7 +207,7 @@ private slots:
         QCOMPARE(failed.at(0).at(1).toStringList(), QStringList {Path("large.png"_s)});
         m_queue->AnswerMissingTextures(id, true); // another question is open
         m_queue->AnswerUploadFailure(id, true);
-        QTRY_COMPARE_WITH_TIMEOUT(failed.size(), 2, patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(failed.size(), 2, Patience);
         m_queue->AnswerUploadFailure(id, false);
         QCOMPARE(Task(id).error, SubmitError::GivenUp);
         StartFarm();
@@ -235,7 +220,7 @@ private slots:
     {
         const QString id = SubmitLarge();
         Submit({{"b.pov"_s, "sphere{0,1}"}});
-        QVERIFY(QTest::qWaitFor([&] { return Task(id).stage >= SubmitStage::Upload; }, patienceMs));
+        QVERIFY(QTest::qWaitFor([&] { return Task(id).stage >= SubmitStage::Upload; }, Patience));
         // The listener removes the other task while handling the removal.
         QStringList left;
         connect(m_queue.get(), &SubmitQueue::ListChanged, this, [&] {
@@ -245,12 +230,12 @@ private slots:
         });
         m_queue->Remove({id, "x"_s, id});
         QVERIFY(left.isEmpty() && m_queue->Ids().isEmpty());
-        QTRY_VERIFY_WITH_TIMEOUT(Packages().isEmpty(), patienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(Packages().isEmpty(), Patience);
         QVERIFY(QDir().mkpath(Path("transfer/submit/77"_s))); // left behind by a client that was killed
         StartQueue();
         QVERIFY(m_queue->Ids().isEmpty());
         QCOMPARE(Count("jobs"), 0);
-        QTRY_VERIFY_WITH_TIMEOUT(Packages().isEmpty(), patienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT(Packages().isEmpty(), Patience);
     }
 
     void LetsOtherTasksGoFirstWhileTheFarmIsFull()
@@ -259,7 +244,7 @@ private slots:
         QDir farm(Path("farm"_s));
         QVERIFY(farm.rename("uploads"_s, "away"_s)); // uploads fail, jobs can be created
         const QString stuck = SubmitLarge();
-        QTRY_COMPARE_WITH_TIMEOUT(Task(stuck).message, "The farm is busy. Trying again."_s, patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(Task(stuck).message, "The farm is busy. Trying again."_s, Patience);
         QVERIFY(m_queue->Submit(Path("known.pov"_s)));
         QVERIFY(Await(m_queue->Ids().constLast()));
         QVERIFY(Task(stuck).IsRunnable());
@@ -294,8 +279,8 @@ private slots:
         QCOMPARE(m_queue->Ids(), QStringList {id});
         m_queue->Continue(id);
         QVERIFY(Await(id));
-        m_queue->SetArguments(id, Arguments(7, 7, {}, {})); // too late
-        QVERIFY(Task(id).arguments != Arguments(7, 7, {}, {}));
+        m_queue->SetArguments(id, MakeArguments(7, 7, 1, 1)); // too late
+        QVERIFY(Task(id).arguments != MakeArguments(7, 7, 1, 1));
         QCOMPARE(Count("jobs WHERE type = 'maya' AND name = 'a.b'"), 1);
     }
 };
