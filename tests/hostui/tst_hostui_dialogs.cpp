@@ -5,19 +5,9 @@
 #include "host/ui/preview_window.h"
 #include "tests/hostui/memory_settings.h"
 #include "tests/support/test_files.h"
-#include "tests/support/test_tables.h"
 #include "tests/support/waiting.h"
 
-#include <QApplication>
-#include <QBuffer>
-#include <QCheckBox>
-#include <QDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QScreen>
-#include <QTemporaryDir>
+#include <QtWidgets>
 
 namespace {
 
@@ -33,7 +23,6 @@ const QString path(60, QLatin1Char('x'));
 
 /// Text, detail, whether the detail is a list, and what stands in the label and in the area.
 const std::tuple<const char*, QString, QString, bool, QString, QString> messages[] = {
-    {"nothing", {}, {}, false, {}, {}},
     {"detail alone", {}, question, true, question, {}},
     {"text and list", question, two, true, question, two},
     {"question of two lines", {}, two, false, two, {}},

@@ -3,20 +3,9 @@
 #include "host/ui/skins.h"
 #include "tests/hostui/memory_settings.h"
 #include "tests/support/test_files.h"
-#include "tests/support/test_tables.h"
 #include "tests/support/waiting.h"
 
-#include <QDirIterator>
-#include <QHeaderView>
-#include <QImageReader>
-#include <QLabel>
-#include <QMenu>
-#include <QPushButton>
-#include <QRegularExpression>
-#include <QSignalSpy>
-#include <QTableWidget>
-
-#include <memory>
+#include <QtWidgets>
 
 namespace {
 
@@ -91,21 +80,7 @@ private slots:
         EVENTUALLY_COMPARE(fixed->text(), "User name"_s);
     }
 
-    void RemembersChoicesAndIgnoresDamagedOnes()
-    {
-        m_loader->SetSkin("night"_s);
-        m_loader->SetLanguage(m_loader->GetLanguages().constFirst());
-        m_loader = std::make_unique<UiLoaderService>(&m_settings);
-        QCOMPARE(m_loader->GetSkin(), "night"_s);
-        QCOMPARE(m_loader->GetLanguage(), "vtr_de.qm"_s);
-        QCOMPARE(QCoreApplication::translate("TrayMenu", "Language"), "Sprache"_s);
-        m_settings.values = {{"vtr.ui/skin"_s, "../../etc"_s}, {"vtr.ui/language"_s, QVariantList {1, 2}}};
-        m_loader = std::make_unique<UiLoaderService>(&m_settings);
-        QCOMPARE(m_loader->GetSkin(), "default"_s);
-        QCOMPARE(m_loader->GetLanguage(), "vtr_en.qm"_s);
-    }
-
-    void SwitchesByTheTrayMenu()
+    void SwitchesByTheTrayMenuAndRemembersTheChoices()
     {
         QMenu* skins = m_loader->GetMenu("menuTray"_s, "meuSkin"_s);
         QMenu* languages = m_loader->GetMenu("menuTray"_s, "meuLanguage"_s);
@@ -123,6 +98,13 @@ private slots:
         QCOMPARE(m_loader->GetLanguage(), "vtr_de.qm"_s);
         QCOMPARE(CheckedTexts(languages), QStringList("Deutsch"_s));
         QCOMPARE(languages->title(), "Sprache"_s);
+
+        m_loader = std::make_unique<UiLoaderService>(&m_settings);
+        QCOMPARE(m_loader->GetSkin() + m_loader->GetLanguage(), "nightvtr_de.qm"_s);
+        QCOMPARE(QCoreApplication::translate("TrayMenu", "Language"), "Sprache"_s);
+        m_settings.values = {{"vtr.ui/skin"_s, "../../etc"_s}, {"vtr.ui/language"_s, QVariantList {1, 2}}};
+        m_loader = std::make_unique<UiLoaderService>(&m_settings); // ignores damaged settings
+        QCOMPARE(m_loader->GetSkin() + m_loader->GetLanguage(), "defaultvtr_en.qm"_s);
     }
 
     void OpensRegisteredWindowsAndAnnouncesEachKey()
