@@ -1,7 +1,5 @@
 #include "tests/standins/client_test.h"
 
-#include <QSettings>
-
 namespace {
 
 enum Column { Sequence, Name, StartTime, Progress, Status, Cost };
@@ -96,13 +94,13 @@ private slots:
         Poll();
         QVERIFY(!PollTimer()->isActive());
         Check(Jobs(), {0, 2});
-        QStringList remembered;
+        QByteArray remembered;
         Confirm({11}, [&] { remembered = Dependencies(); });
-        QCOMPARE(remembered, QStringList("id-4&id-6=id-11&type-11"_s));
+        QCOMPARE(remembered, QByteArray("[parent]\nid-4%26id-6=id-11&type-11\n"));
         QCOMPARE(LastOf("StopJobs"), Sons({4, 6}));
         QVERIFY(PollTimer()->isActive());
         Confirm({12, 13});
-        QCOMPARE(Dependencies(), QStringList("id-4&id-6=id-12&type-12,id-13&type-13"_s));
+        QCOMPARE(Dependencies(), QByteArray("[parent]\nid-4%26id-6=id-12&type-12, id-13&type-13\n"));
         QCOMPARE(TakeJournal().count("StopJobs"_s), 2);
     }
 
@@ -169,7 +167,7 @@ private slots:
         Answer(InfoAnswer("p1"_s, 4));
         QCOMPARE(TakeJournal().count("RecoverJobs"_s), 1);
         QCOMPARE(LastOf("RecoverJobs"), Sons({1, 2}));
-        QCOMPARE(Dependencies(), (QStringList {"id-3=p1&maya,p3&maya"_s, "id-4=p3&maya"_s}));
+        QCOMPARE(Dependencies(), QByteArray("[parent]\nid-3=p1&maya, p3&maya\nid-4=p3&maya\n"));
         // A finished parent counts for every group, even after another sign-in, and may release several groups.
         m_client->SignIn();
         TakeJournal();
@@ -237,15 +235,7 @@ private:
     }
 
     /// The content of the account's file, as other programs see it.
-    QStringList Dependencies() const
-    {
-        QSettings settings(m_client->AccountFile("data"_s), QSettings::IniFormat);
-        settings.beginGroup("parent"_s);
-        QStringList lines;
-        for (const QString& key : settings.allKeys())
-            lines << QString(key + "="_s + settings.value(key).toStringList().join(","_s));
-        return lines;
-    }
+    QByteArray Dependencies() const { return ReadFile(m_client->AccountFile("data"_s)); }
 };
 
 QTEST_MAIN(TestSetParent)

@@ -1,14 +1,8 @@
 #include "tests/standins/client.h"
 
-#include <ctkPluginContext.h>
-#include <ctkPluginFramework.h>
-#include <ctkPluginFrameworkFactory.h>
-
-#include <QAction>
 #include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <QUrl>
 
 Client::Client()
@@ -79,16 +73,6 @@ void Client::Start()
     m_plugin->start(ctkPlugin::START_TRANSIENT);
 }
 
-void Client::Register(const QString& interface)
-{
-    Context()->registerService({interface}, Services().value(interface));
-}
-
-int Client::Initialize()
-{
-    return Service()->Initialize({{"plugin_context"_s, QVariant::fromValue(Context())}});
-}
-
 bool Client::Open()
 {
     Start();
@@ -96,20 +80,10 @@ bool Client::Open()
     return Initialize() == 0 && Service()->Show(state, {}) == 0 && Form() && Form()->isVisible();
 }
 
-void Client::Stop()
-{
-    m_plugin->stop();
-}
-
 VTBaseInterface* Client::Service() const
 {
     const ctkServiceReference reference = Context()->getServiceReference("VTBaseInterface"_s);
     return reference ? qobject_cast<VTBaseInterface*>(Context()->getService(reference)) : nullptr;
-}
-
-ctkPluginContext* Client::Context() const
-{
-    return m_framework->getPluginContext();
 }
 
 QAction* Client::Entry(const char* text) const

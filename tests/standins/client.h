@@ -4,19 +4,18 @@
 #include "tests/standins/stand_ins.h"
 #include "tests/standins/ui_loader_stand_in.h"
 
+#include <ctkPluginContext.h>
+#include <ctkPluginFramework.h>
+#include <ctkPluginFrameworkFactory.h>
+
+#include <QAction>
 #include <QPushButton>
 #include <QSharedPointer>
 #include <QTableWidget>
 #include <QTabWidget>
+#include <QTimer>
 
 #include <memory>
-
-class ctkPlugin;
-class ctkPluginContext;
-class ctkPluginFramework;
-class ctkPluginFrameworkFactory;
-class QAction;
-class QTimer;
 
 /// The built plugin file, started in a framework of its own among stand-in services.
 class Client
@@ -27,10 +26,10 @@ public:
 
     /// Starts the framework, registers the services except those in `leftOut`, and starts the plugin.
     void Start();
-    void Register(const QString& interface);
+    void Register(const QString& name) { Context()->registerService({name}, Services().value(name)); }
 
     /// Initialises the plugin's service with the framework's context. @return its status.
-    int Initialize();
+    int Initialize() { return Service()->Initialize({{"plugin_context"_s, QVariant::fromValue(Context())}}); }
 
     /// Starts, initialises and shows. @return whether the main form is on the screen.
     bool Open();
@@ -38,10 +37,10 @@ public:
     void SignIn(const QString& userName = "ann"_s) { communication.DeliverSignIn(userName); }
 
     /// Stops the plugin, which `Start` can start again.
-    void Stop();
+    void Stop() { m_plugin->stop(); }
 
     VTBaseInterface* Service() const;
-    ctkPluginContext* Context() const;
+    ctkPluginContext* Context() const { return m_framework->getPluginContext(); }
 
     /// The client's window object; null when there is none.
     QWidget* Window() const { return qobject_cast<QWidget*>(controllers.Find("VTQsClientPrivate")); }

@@ -3,10 +3,13 @@
 #include "tests/standins/stand_in.h"
 #include "vtr_uiloaderinterface.h"
 
+#include <QFileInfo>
 #include <QHash>
 #include <QMenu>
 #include <QPointer>
-#include <QWidget>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QUiLoader>
 
 /// Loads the host's forms with some of their properties changed, and records the client's calls.
 class UiLoaderStandIn : public StandIn<VTUiLoaderInterface>
@@ -15,18 +18,35 @@ class UiLoaderStandIn : public StandIn<VTUiLoaderInterface>
     Q_INTERFACES(VTUiLoaderInterface)
 
 public:
-    QWidget* LoadUi(const QString& key, QWidget* parent) override;
+    QWidget* LoadUi(const QString& key, QWidget* parent) override
+    {
+        loadedKeys.append(parent ? QString(key + " with parent"_s) : key);
+        QWidget* form = missingForms.contains(key) ? nullptr : Load(key);
+        m_forms.insert(key, form);
+        if (form)
+            Disturb(form);
+        return form;
+    }
     QString GetSkin() override { return skin; }
     QString GetLanguage() override { return language; }
     QStringList GetLanguages() override { return {"/lang/vtr_de.qm"_s, "/lang/vtr_en.qm"_s}; }
-    void SetLanguage(const QString& path) override;
+    void SetLanguage(const QString& path) override
+    {
+        journal.append(QString("SetLanguage "_s + path));
+        language = QFileInfo(path).fileName();
+        emit LanguageChanged(language);
+    }
     void OpenWindow(const QString& key) override { journal.append(QString("OpenWindow "_s + key)); }
     QMenu* GetMenu(const QString& menu, const QString& subMenu) override
     {
         return m_menus.value(menu + subMenu);
     }
     void LoadSkinSettings(const QString& file) override { skinSettings.append(file); }
-    void LayoutForm(QWidget* form, const QString& file) override;
+    void LayoutForm(QWidget* form, const QString& file) override
+    {
+        if (form == Form("com.vtr.qsclient"_s))
+            layouts.append(file);
+    }
 
     /// The form last built for a key; owned by the client, null once it is gone.
     QWidget* Form(const QString& key) const { return m_forms.value(key); }
@@ -43,6 +63,34 @@ public:
     QMenu languageMenu;
 
 private:
+    static QWidget* Load(const QString& key)
+    {
+        QFile file(QStringLiteral(FORMS_FOLDER "/%1.ui").arg(key));
+        QWidget* form = file.open(QIODevice::ReadOnly) ? QUiLoader().load(&file) : nullptr;
+        if (!form)
+            qFatal("No form can be loaded from %s", qUtf8Printable(file.fileName()));
+        return form;
+    }
+
+    /// Takes away what is left out, and changes properties that the client must not rely on: buttons of one size in one
+    /// row, and tables that have columns and keep the order of their rows.
+    void Disturb(QWidget* form) const
+    {
+        int step = 0;
+        for (QPushButton* button : form->findChildren<QPushButton*>(QString(), Qt::FindDirectChildrenOnly)) {
+            ++step;
+            button->setGeometry(button->geometry().adjusted(0, step, step, step));
+        }
+        for (QTableWidget* table : form->findChildren<QTableWidget*>()) {
+            table->setColumnCount(0);
+            table->setSortingEnabled(true);
+        }
+        for (const QString& name : leftOut)
+            delete form->findChild<QWidget*>(name);
+        if (leftOut.contains("*"_s))
+            qDeleteAll(form->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly));
+    }
+
     QHash<QString, QPointer<QWidget>> m_forms;
     const QHash<QString, QMenu*> m_menus {{"menuTray"_s, &trayMenu}, {"menuTraymeuSkin"_s, &skinMenu},
         {"menuTraymeuLanguage"_s, &languageMenu}};
