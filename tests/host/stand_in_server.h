@@ -1,11 +1,6 @@
 #pragma once
 
-#include <QList>
-#include <QPointer>
-#include <QRegularExpression>
-#include <QTcpServer>
-#include <QTcpSocket>
-#include <QUrl>
+#include <QtNetwork>
 
 /// An HTTP server on a loopback port that answers with prepared bytes, which need not be valid HTTP.
 class StandInServer : public QObject

@@ -1,12 +1,6 @@
 #include "host/services/communication_service.h"
 #include "tests/host/stand_in_server.h"
-#include "tests/support/test_tables.h"
 #include "tests/support/waiting.h"
-
-#include <QJsonDocument>
-#include <QSignalSpy>
-
-#include <tuple>
 
 using namespace FarmProtocol;
 using Reply = StandInServer::Reply;

@@ -1,10 +1,6 @@
 #include "host/process/farm_process.h"
 #include "tests/support/test_files.h"
-#include "tests/support/test_tables.h"
 #include "tests/support/waiting.h"
-
-#include <QSignalSpy>
-#include <QTemporaryDir>
 
 #include <csignal>
 

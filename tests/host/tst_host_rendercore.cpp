@@ -4,16 +4,10 @@
 #include "tests/host/stand_in_server.h"
 #include "tests/hostui/memory_settings.h"
 #include "tests/support/test_files.h"
-#include "tests/support/test_tables.h"
 #include "tests/support/waiting.h"
 #include "vtr_messagboxinterface.h"
 
-#include <QDropEvent>
-#include <QFileDialog>
-#include <QMimeData>
-#include <QPushButton>
-#include <QSignalSpy>
-#include <QTemporaryDir>
+#include <QtWidgets>
 
 namespace {
 

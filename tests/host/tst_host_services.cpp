@@ -4,12 +4,7 @@
 #include "host/services/qt_message_route.h"
 #include "host/services/settings_service.h"
 #include "tests/support/test_files.h"
-#include "tests/support/test_tables.h"
 #include "tests/support/waiting.h"
-
-#include <QLoggingCategory>
-#include <QSignalSpy>
-#include <QTemporaryDir>
 
 /// Settings, log, command line and the single instance.
 class TestHostServices : public QObject

@@ -3,14 +3,9 @@
 #include "host/services/ui_loader_service.h"
 #include "tests/host/stand_in_server.h"
 #include "tests/hostui/memory_settings.h"
-#include "tests/support/test_tables.h"
 #include "tests/support/waiting.h"
 
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPushButton>
-#include <QSignalSpy>
+#include <QtWidgets>
 
 /// Stands in for the plugin's window, which SessionControl finds by the name of this class.
 class VTQsClientPrivate : public QWidget
@@ -24,6 +19,9 @@ signals:
     void SignOutAsked();
 };
 
+const auto SignedIn
+    = StandInServer::Http(200, R"({"loginname": "demo", "username": "u1", "data": {"token": "abc"}})");
+
 /// The session of a client without a plugin, with a stand-in for the server.
 struct Client
 {
@@ -31,8 +29,7 @@ struct Client
     {
         communication.SetServerUrl(server.Url());
         communication.Initialize({});
-        server.SetReplies({StandInServer::Http(
-            200, R"({"loginname": "demo", "username": "u1", "data": {"token": "abc"}})")});
+        server.SetReplies({SignedIn});
         QObject::connect(&window, &VTQsClientPrivate::SignOutAsked, &communication, [this] {
             communication.SignOut(1, {{"token"_s, "abc"_s}});
         });
@@ -77,26 +74,26 @@ private slots:
     void init() { m_client = std::make_unique<Client>(); }
     void cleanup() { m_client.reset(); }
 
-    void SignsInWithAnAccountAndOutFromTheMenu()
+    void EndsByTheMenuAndByExpiry()
     {
-        QSignalSpy signedIn(&m_client->session, &SessionControl::SignedIn);
         QSignalSpy shown(&m_client->loader, &VTUiLoaderInterface::ShowWindow);
         QVERIFY(!m_client->signOut->isEnabled());
-        m_client->SignIn();
-        QCOMPARE(signedIn.count(), 1);
-        QCOMPARE(signedIn[0][0].toString(), "u1"_s);
-        QCOMPARE(shown.constLast()[0].toString(), "com.vtr.qsclient"_s);
-        QVERIFY(!m_client->IsFormVisible() && m_client->signOut->isEnabled());
-        QCOMPARE(m_client->settings.values.value("vtr.auth/lastname"_s).toString(), "demo"_s);
-
-        m_client->server.SetReplies({StandInServer::Http(500)});
-        m_client->signOut->trigger();
-        EVENTUALLY(!m_client->session.IsSignedIn());
-        QVERIFY(m_client->IsFormVisible() && !m_client->signOut->isEnabled());
+        for (const bool isExpired : {false, true}) {
+            m_client->SignIn();
+            QCOMPARE(shown.constLast()[0].toString(), "com.vtr.qsclient"_s);
+            QVERIFY(!m_client->IsFormVisible() && m_client->signOut->isEnabled());
+            m_client->server.SetReplies({StandInServer::Http(isExpired ? 401 : 500), SignedIn});
+            isExpired ? void(m_client->communication.GetUserInfo(1, {{"token"_s, "abc"_s}}))
+                      : m_client->signOut->trigger();
+            EVENTUALLY(!m_client->session.IsSignedIn());
+            QVERIFY(m_client->IsFormVisible() && !m_client->signOut->isEnabled());
+            QCOMPARE(m_client->failure->text().isEmpty(), !isExpired);
+        }
     }
 
     void AsksForNameAndPassword()
     {
+        QSignalSpy signedIn(&m_client->session, &SessionControl::SignedIn);
         m_client->session.SignInAutomatically();
         QVERIFY(m_client->IsFormVisible());
         QCOMPARE(m_client->password->echoMode(), QLineEdit::Password);
@@ -111,6 +108,8 @@ private slots:
         QCOMPARE(m_client->server.Requests().size(), 1);
         QVERIFY(m_client->server.Requests().at(0).endsWith(R"({"password":" secret ","username":"demo"})"));
         QVERIFY(m_client->password->text().isEmpty());
+        QCOMPARE(signedIn.value(0).value(0).toString(), "u1"_s);
+        QCOMPARE(m_client->settings.values.value("vtr.auth/lastname"_s).toString(), "demo"_s);
     }
 
     void ShowsWhySignInFailed()
@@ -131,15 +130,6 @@ private slots:
         }
         EVENTUALLY(!failure->text().isEmpty());
         QCOMPARE(m_client->password->text(), "secret"_s);
-    }
-
-    void EndsAnExpiredSession()
-    {
-        m_client->SignIn();
-        m_client->server.SetReplies({StandInServer::Http(401)});
-        m_client->communication.GetUserInfo(1, {{"token"_s, "abc"_s}});
-        EVENTUALLY(!m_client->session.IsSignedIn());
-        QVERIFY(m_client->IsFormVisible() && !m_client->failure->text().isEmpty());
     }
 
 private:

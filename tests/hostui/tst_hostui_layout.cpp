@@ -2,9 +2,7 @@
 #include "host/ui/frameless_window.h"
 #include "tests/support/test_tables.h"
 
-#include <QMouseEvent>
-#include <QTemporaryFile>
-#include <QWidget>
+#include <QtWidgets>
 
 namespace {
 
