@@ -109,6 +109,7 @@ const Script ScheduleScripts[] = {
     {"retries after a pause", "w p7 i @40 w @59 ? @1 w @100 w ? ? w",
         "none 100 open 60 none 0 0 7 none none"},
     {"the pause doubles, the last one counts", "p7 @100 ? p7 p7 @200 ? @200 ?", "100 7 200 400 none 7"},
+    {"up to the longest pause", "p7 p7 p7 p7 p7 p7", "100 200 400 800 1000 1000"},
     {"progress ends the doubling", "p7 p7 g7 @200 ? p7", "100 200 7 100"},
     {"a forgotten task", "p7 p7 x7 @9000 ? p7", "100 200 none 100"},
     {"nothing is left", "p7 p7 c i @9000 ? p7 i", "100 200 open none 100 open"},
@@ -154,19 +155,6 @@ private slots:
     {
         const auto& [name, script, answers] = Row(ScheduleScripts);
         QCOMPARE(PlaySchedule(script), QString::fromLatin1(answers));
-    }
-
-    void PausesDouble()
-    {
-        Backoff backoff(300, 8000);
-        QList<int> pauses;
-        while (backoff.Failures() < 7)
-            pauses.append(backoff.Fail());
-        QCOMPARE(pauses, QList<int>({300, 600, 1200, 2400, 4800, 8000, 8000}));
-        backoff.Reset();
-        QCOMPARE(backoff.Fail(), 300);
-        QCOMPARE(backoff.PauseAfter(1000), 8000);
-        QCOMPARE(Backoff(900, 500).Fail(), 500);
     }
 
     void CommandsChangeTasks_data() { AddRows(CommandCases); }
