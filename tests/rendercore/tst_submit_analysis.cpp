@@ -5,8 +5,6 @@
 #include "tests/support/test_files.h"
 #include "tests/support/test_tables.h"
 
-#include <QCryptographicHash>
-
 namespace {
 
 /// Names are relative to the scene's folder; @ is the folder two above it.
@@ -26,7 +24,7 @@ const SceneCase SceneCases[] = {
             "image_map{png \"a.png\"} image_map { /* no type */ \"b.jpg\" } bump_map{tga\"c.tga\" once}\n"
             "text{ttf \"d.ttf\" \"hello.png\" 1,0} density{density_file df3 \"e.df3\"} "
             "height_field{\"f.png\"}\n"
-            "#fopen F \"g.txt\" read\n#fopen W \"h.txt\" write #declare T = \"i.png\";"}},
+            "#fopen W \"h.txt\" write #declare T = \"i.png\";\n#fopen F \"g.txt\" read"}},
         "a.png b.jpg c.tga d.ttf e.df3 f.png g.txt", "a.pov a.png b.jpg c.tga d.ttf e.df3 f.png g.txt"},
     {"comments and texts",
         {{"a.pov"_s,
@@ -52,7 +50,7 @@ const SceneCase SceneCases[] = {
     {"project",
         {{"a.ma"_s,
              "//Maya ASCII \"no.png\";\nfile -rdi 1 -ns \"r\" -typ \"mayaAscii\"\n \"@/p//s/ref.ma{2}\";\n"
-             "createNode file -n \"f\";\n\tsetAttr \".ftn\" -type \"string\" \"tex/a;b.png\";\n"
+             "createNode file\r\n -n \"f\";\r\n\tsetAttr \".ftn\" -type \"string\" \"tex/a;b.png\";\n"
              "\tsetAttr \".ftn\" -type \"string\" \"@/else/c.png\";\n"
              "\tsetAttr \".ftn\" -type \"string\" \"C:/proj//tex/d.<UDIM>.png\";\n"
              "\tsetAttr \".ftn\" -type \"string\" \"D:/gone.png\";\nselect -ne :defaultRenderGlobals;\n"

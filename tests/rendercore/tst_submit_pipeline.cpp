@@ -44,6 +44,7 @@ private:
     {
         m_queue.reset();
         m_queue = std::make_unique<SubmitQueue>(Path("transfer"_s));
+        m_lacking = std::make_unique<QSignalSpy>(m_queue.get(), &SubmitQueue::TexturesLacking);
         m_queue->SetAccess(m_access);
     }
 
@@ -87,6 +88,7 @@ private:
     std::unique_ptr<FarmData> m_data;
     std::unique_ptr<farm::Farm> m_farm;
     std::unique_ptr<SubmitQueue> m_queue;
+    std::unique_ptr<QSignalSpy> m_lacking;
     FarmAccess m_access;
 
 private slots:
@@ -109,7 +111,6 @@ private slots:
 
     void AsksForMissingTexturesAndBecomesARenderedJob()
     {
-        QSignalSpy lacking(m_queue.get(), &SubmitQueue::TexturesLacking);
         const QByteArray scene = "#include \"colors.inc\"\n#include \"parts/ball.inc\"\n"
                                  "camera{location <0,0,-3> look_at 0} light_source{<9,9,-9> White}\n"
                                  "#if (0) box{0,1 pigment{image_map{png \"gone.png\"}}} #end\n";
@@ -118,8 +119,8 @@ private slots:
             {"textures/dot.ppm"_s, "P6\n1 1\n255\nabc"}});
         QCOMPARE(id, "one.1"_s);
         QVERIFY(Await(id, SubmitError::AwaitsUser));
-        QCOMPARE(lacking.size(), 1);
-        QCOMPARE(lacking.at(0).at(1).toStringList(), QStringList {"gone.png"_s});
+        QCOMPARE(m_lacking->size(), 1);
+        QCOMPARE(m_lacking->at(0).at(1).toStringList(), QStringList {"gone.png"_s});
         m_queue->AnswerUploadFailure(id, true); // another question is open
         m_queue->AnswerMissingTextures(id, false);
         QCOMPARE(Task(id).error, SubmitError::TexturesMissing);
@@ -143,7 +144,8 @@ private slots:
         QVERIFY(m_queue->Submit(Path("shots/one.pov"_s)));
         const QString again = m_queue->Ids().constLast();
         QVERIFY(Await(again, SubmitError::AwaitsUser));
-        StartQueue(); // asks once more
+        StartQueue();
+        QCOMPARE(m_lacking->size(), 1); // asks once more
         m_queue->AnswerMissingTextures(again, true);
         QVERIFY(Await(again));
         QCOMPARE(Count("uploads"), uploads);
@@ -162,8 +164,11 @@ private slots:
         QFETCH(int, stage);
         const QString id = SubmitLarge();
         QVERIFY(QTest::qWaitFor([&] { return int(Task(id).stage) >= stage; }, Patience));
+        const SubmitTask before = Task(id);
         StartQueue();
         QCOMPARE(m_queue->Ids(), QStringList {id});
+        // Packages that are ready are not made again.
+        QVERIFY(!NeedsFarm(before.stage) || before.isDone || Task(id).next == SubmitStage::CopySame);
         QVERIFY(Await(id));
         QCOMPARE(Count("jobs"), 1);
         StartQueue();

@@ -81,6 +81,7 @@ const StageCase StageCases[] = {
         "failed 3 a wanted refused: /a: The farm did not store the uploaded data. Please try again later."},
     {"ends in the middle", Stage::Upload, {Upload(0), Upload(4), Status(500)},
         "again request 0 s to upload a wanted advanced"},
+    {"beyond the end later", Stage::Upload, {Upload(0), Upload(11)}, Unreadable},
     {"quota", Stage::Upload, {Status(507)}, Refused},
     {"beyond the end", Stage::Upload, {Upload(11)}, Unreadable},
     {"before the beginning", Stage::Upload, {Upload(-1)}, Unreadable},
