@@ -144,9 +144,11 @@ private slots:
     void OrdersSurvive()
     {
         DownloadStore store = Downloads();
-        const auto order = [&](const char* job, DownloadOrder::Kind kind, const QString& owner = Ann) {
-            const bool counts = store.AddOrders(owner, {{QString::fromLatin1(job), "shot"_s, kind, 0}});
-            return counts ? Orders(9, owner) : "known"_s;
+        const auto order = [&](const char* jobs, DownloadOrder::Kind kind, const QString& owner = Ann) {
+            DownloadOrders orders;
+            for (const QString& job : QString::fromLatin1(jobs).split(QLatin1Char(' ')))
+                orders.append({job, "shot"_s, kind, 0});
+            return store.AddOrders(owner, orders) ? Orders(9, owner) : "known"_s;
         };
         TakeDiskCalls();
         QCOMPARE(order("b", DownloadOrder::Automatic), "b0"_s);
@@ -173,6 +175,7 @@ private slots:
         QCOMPARE(order("a", DownloadOrder::Automatic), "known"_s);
         store.ReopenOrder(Ann, "a"_s);
         QCOMPARE(Orders() + Orders(9, Bob), "a2b0"_s);
+        QCOMPARE(order("a c d", DownloadOrder::Automatic), "a2 c0 d0"_s);
     }
 
     void AppliesLists_data() { AddRows(ReconcileCases); }
@@ -204,7 +207,8 @@ private slots:
             QCOMPARE(task.checksum.at(0), QLatin1Char(result == 'n' ? 'b' : 'a'));
             QCOMPARE(task.fresh, result == 'n' && states[index] == DownloadState::Finished);
             for (const DownloadTask& reported : outcome.renewed + outcome.resumed)
-                QVERIFY(reported.state == DownloadState::Waiting && reported.fresh == task.fresh);
+                QVERIFY(reported.state == task.state && reported.fresh == task.fresh
+                    && reported.message.isEmpty());
         }
     }
 
