@@ -2,22 +2,22 @@
 
 #include "farm/farm.h"
 #include "tests/farm/farm_client.h"
-#include "tests/farm/farm_fixture.h"
 
 /// A farm in its own folder, which runs once it has been started, and its client ann.
 class FarmAtWork : public FarmClient
 {
+    QTemporaryDir m_folder;
+
 public:
     FarmAtWork()
-        : data(m_folder.path())
     {
         settings.dataFolder = m_folder.path();
         settings.sceneFolder = m_folder.path();
-        settings.jobTypesFile = Path("types.json");
+        settings.jobTypesFile = Path("types.json"_s);
         settings.demo = false;
         // So long that only a nudge makes the scheduler look at the jobs.
         settings.lookInterval = std::chrono::hours(1);
-        WriteFile(Path("scene.txt"), "the farm's scene");
+        WriteFile(Path("scene.txt"_s), "the farm's scene");
     }
 
     /// Starts the farm, or starts it again; without job types nothing is rendered.
@@ -32,17 +32,13 @@ public:
 
     void End() { m_farm.reset(); }
 
-    /// A path in the farm's folder.
-    QString Path(const char* pattern, const QStringList& parts = {}) const
-    {
-        return m_folder.filePath(Fill(pattern, parts));
-    }
+    QString Path(const QString& name) const { return m_folder.filePath(name); }
 
     /// The log of the scripted renderers in one line.
-    QByteArray Log() const { return ReadFile(Path("jobs/log")).replace('\n', ' ').trimmed(); }
+    QByteArray Log() const { return ReadFile(Path("jobs/log"_s)).replace('\n', ' ').trimmed(); }
 
     /// Releases the scripted renderers that wait for jobs/gate.
-    bool OpenGate() const { return WriteFile(Path("jobs/gate"), {}); }
+    bool OpenGate() const { return WriteFile(Path("jobs/gate"_s), {}); }
 
     /// Adds a job of ann's without telling the running farm; returns its id.
     QString Add(int frames, farm::JobStatus status = farm::JobStatus::Waiting)
@@ -52,15 +48,13 @@ public:
         return data.jobs.Add(job).id;
     }
 
-    int Status(const QString& id) { return data.jobs.Find(data.account, id).status; }
-    int Progress(const QString& id) { return data.jobs.Find(data.account, id).progress; }
+    farm::JobRecord Job(const QString& id) { return data.jobs.Find(data.account, id); }
+    farm::JobStatus Status(const QString& id) { return farm::JobStatus(Job(id).status); }
+    /// The status of ann's newest job.
+    farm::JobStatus Status() { return farm::JobStatus(data.Only().status); }
 
-private:
-    QTemporaryDir m_folder;
-
-public:
     farm::FarmSettings settings;
-    FarmData data;
+    FarmData data {m_folder.path()};
 
 private:
     std::unique_ptr<farm::Farm> m_farm;

@@ -4,16 +4,13 @@
 #include "farm/base/schema.h"
 #include "farm/jobs/job_store.h"
 #include "tests/support/test_files.h"
-#include "tests/support/test_tables.h"
+#include "tests/support/waiting.h"
 
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
-
-/// The longest wait for an event that must come, in ms. Generous, as renderers run at the lowest priority.
-constexpr int patienceMs = 60000;
 
 /// The database in a farm's folder, with the account "ann" (password "secret", balance 10).
 class FarmData
@@ -25,8 +22,15 @@ public:
         , jobs(database)
     {
         const auto known = accounts.Find("ann"_s);
-        account
-            = known ? *known : accounts.Add({"ann"_s, "Ann@example.org"_s, "secret"_s, false, 10'000'000, 0});
+        account = known ? *known : Add("ann", "secret", 10'000'000);
+    }
+
+    /// Adds an account with an address at example.org.
+    std::int64_t Add(const char* name, const char* password, farm::Micros balance = 0, bool bound = false)
+    {
+        const QString text = QString::fromLatin1(name);
+        const QString address = text + "@example.org"_s;
+        return accounts.Add({text, address, QString::fromLatin1(password), bound, balance, 300'000'000});
     }
 
     farm::NewJob Job(const QString& name, int frames = 1) const
@@ -70,13 +74,9 @@ inline QJsonObject Json(const QByteArray& text)
 /// Job types of which "povray" is rendered by a shell script. @param frameTimeLimit is in seconds.
 inline QByteArray ScriptedTypes(const QByteArray& script, int frameTimeLimit = 600)
 {
-    const QJsonObject type {
-        {"program"_s, "/bin/sh"_s},
-        {"arguments"_s, QJsonArray {"-c"_s, QString::fromLatin1(script)}},
-        {"suffix"_s, "txt"_s},
-        {"frame_time_limit"_s, frameTimeLimit},
-        // Scripts write their logs beside the jobs.
-        {"confined"_s, false},
-    };
+    const QJsonArray arguments {"-c"_s, QString::fromLatin1(script)};
+    // Not confined, as scripts write their logs beside the jobs.
+    const QJsonObject type {{"program"_s, "/bin/sh"_s}, {"arguments"_s, arguments}, {"suffix"_s, "txt"_s},
+        {"frame_time_limit"_s, frameTimeLimit}, {"confined"_s, false}};
     return QJsonDocument(QJsonObject {{"povray"_s, type}}).toJson();
 }

@@ -2,7 +2,6 @@
 
 #include <QProcess>
 #include <QStandardPaths>
-#include <QtTest>
 
 #include <csignal>
 
@@ -20,7 +19,7 @@ public:
         setArguments(QStringList {"--data"_s, folder, "--no-demo"_s} + more);
         setProcessChannelMode(QProcess::ForwardedErrorChannel);
         start();
-        while (!m_output.contains('\n') && waitForReadyRead(patienceMs))
+        while (!m_output.contains('\n') && waitForReadyRead(Patience))
             m_output += readAllStandardOutput();
     }
 
@@ -54,7 +53,7 @@ private slots:
                 daemon.closeWriteChannel();
             else
                 ::kill(static_cast<pid_t>(daemon.processId()), signal);
-            QVERIFY(daemon.waitForFinished(patienceMs));
+            QVERIFY(daemon.waitForFinished(Patience));
             QCOMPARE(daemon.exitStatus(), QProcess::NormalExit);
             QCOMPARE(daemon.exitCode(), 0);
         }
@@ -62,44 +61,38 @@ private slots:
 
     void RefusesUnusableOptions()
     {
-        const char* const options[] = {"--port=65536", "--port=x", "--slots=0", "--price=-1", "--price=1001",
-            "--quota=-1", "--log-level=loud", "--credit=", "surplus"};
-        for (const char* option : options) {
-            QCOMPARE(QProcess::execute(QStringLiteral(FARM_DAEMON),
-                         {"--data"_s, m_folder->path(), QString::fromLatin1(option)}),
-                2);
-        }
-        QCOMPARE(QProcess::execute(QStringLiteral(FARM_DAEMON), {"--no-demo"_s}), 2);
+        for (const char* option : {"--port=65536", "--port=x", "--slots=0", "--price=-1", "--price=1001",
+                 "--quota=-1", "--log-level=loud", "--credit=", "surplus"})
+            QCOMPARE(Run({"--data"_s, m_folder->path(), QString::fromLatin1(option)}), 2);
+        QCOMPARE(Run({"--no-demo"_s}), 2);
     }
 
     void AKillLosesNoFinishedFrame()
     {
-        QVERIFY(WriteFile(Path("scene.txt"), "a scene"));
+        QVERIFY(WriteFile(Path("scene.txt"_s), "a scene"));
         // Waits in frame 4 until ../../gate exists; killing the server must end the script too.
-        QVERIFY(WriteFile(Path("types.json"),
+        QVERIFY(WriteFile(Path("types.json"_s),
             ScriptedTypes("echo $$ > ../../pid; echo half > {output}; echo {frame} >> ../../log; "
                           "[ {frame} -ne 4 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
                           "cp {scene} {output}")));
         FarmData data(m_folder->path());
         const QString job = data.jobs.Add(data.Job("job"_s, 6)).id;
-        const QStringList options {"--job-types"_s, Path("types.json"), "--scenes"_s, m_folder->path()};
+        const QStringList options {"--job-types"_s, Path("types.json"_s), "--scenes"_s, m_folder->path()};
         Daemon first(m_folder->path(), options);
-        QTRY_COMPARE_WITH_TIMEOUT(ReadFile(Path("jobs/log")), QByteArray("1\n2\n3\n4\n"), patienceMs);
-        QTRY_COMPARE_WITH_TIMEOUT(data.Only().progress, 50, patienceMs);
-        const int renderer = ReadFile(Path("jobs/pid")).toInt();
+        EVENTUALLY_COMPARE(ReadFile(Path("jobs/log"_s)), QByteArray("1\n2\n3\n4\n"));
+        EVENTUALLY_COMPARE(data.Only().progress, 50);
+        const int renderer = ReadFile(Path("jobs/pid"_s)).toInt();
         first.kill();
-        QVERIFY(first.waitForFinished(patienceMs));
-        QTRY_COMPARE_WITH_TIMEOUT(::kill(renderer, 0), -1, patienceMs);
+        QVERIFY(first.waitForFinished(Patience));
+        EVENTUALLY_COMPARE(::kill(renderer, 0), -1);
 
-        QVERIFY(WriteFile(Path("jobs/gate"), {}));
+        QVERIFY(WriteFile(Path("jobs/gate"_s), {}));
         const Daemon second(m_folder->path(), options);
         QVERIFY(second.IsListening());
-        QTRY_COMPARE_WITH_TIMEOUT(data.Only().status, int(JobStatus::Finished), patienceMs);
-        QCOMPARE(ReadFile(Path("jobs/log")), QByteArray("1\n2\n3\n4\n4\n5\n6\n"));
-        for (int number = 1; number <= 6; ++number) {
-            const QString frame = "jobs/%1/frame_000%2.txt"_s.arg(job).arg(number);
-            QCOMPARE(ReadFile(m_folder->filePath(frame)), QByteArray("a scene"));
-        }
+        EVENTUALLY_COMPARE(data.Only().status, int(JobStatus::Finished));
+        QCOMPARE(ReadFile(Path("jobs/log"_s)), QByteArray("1\n2\n3\n4\n4\n5\n6\n"));
+        for (int number = 1; number <= 6; ++number)
+            QCOMPARE(ReadFile(Path("jobs/%1/frame_000%2.txt"_s.arg(job).arg(number))), QByteArray("a scene"));
     }
 
     void TakesMoneyWhileTheFarmRuns()
@@ -107,16 +100,14 @@ private slots:
         FarmData data(m_folder->path());
         const Daemon daemon(m_folder->path(), {});
         QVERIFY(daemon.IsListening());
-        const auto credit = [this](const char* account, const char* amount) {
-            return QProcess::execute(QStringLiteral(FARM_DAEMON),
-                {"--data"_s, m_folder->path(), "--credit"_s, QString::fromLatin1(account), "--"_s,
-                    QString::fromLatin1(amount)});
+        const auto credit = [this](const QString& account, const QString& amount) {
+            return Run({"--data"_s, m_folder->path(), "--credit"_s, account, "--"_s, amount});
         };
-        QCOMPARE(credit("ann", "2.50"), 0);
-        QCOMPARE(credit("ann@example.org", "1"), 0);
-        QCOMPARE(credit("eve", "1"), 1);
-        for (const char* amount : {"much", "-1", "inf"})
-            QCOMPARE(credit("ann", amount), 2);
+        QCOMPARE(credit("ann"_s, "2.50"_s), 0);
+        QCOMPARE(credit("ann@example.org"_s, "1"_s), 0);
+        QCOMPARE(credit("eve"_s, "1"_s), 1);
+        for (const QString& amount : {"much"_s, "-1"_s, "inf"_s})
+            QCOMPARE(credit("ann"_s, amount), 2);
         QCOMPARE(data.Balance(), Micros(13500000));
     }
 
@@ -128,26 +119,26 @@ private slots:
         const QDir scenes(QFileInfo(QStringLiteral(FARM_DAEMON)).dir().filePath("farm/scenes"_s));
         const QStringList names = scenes.entryList(QDir::Files);
         QVERIFY(!names.isEmpty());
-        QStringList ids;
         for (const QString& name : names) {
             NewJob job = data.Job(name, 2);
             job.scene = name;
             job.width = 64;
             job.height = 36;
-            ids.append(data.jobs.Add(job).id);
+            data.jobs.Add(job);
         }
         const Daemon daemon(m_folder->path(), {});
-        for (const QString& id : qAsConst(ids)) {
-            QTRY_COMPARE_WITH_TIMEOUT(
-                data.jobs.Find(data.account, id).status, int(JobStatus::Finished), patienceMs);
-            const QString frame = m_folder->filePath("jobs/%1/frame_0002.png"_s.arg(id));
-            QVERIFY(ReadFile(frame).startsWith("\x89PNG"));
-        }
+        EVENTUALLY_COMPARE(data.Count("SELECT count(*) FROM jobs WHERE status <> 4"), 0);
+        for (const JobRecord& job : data.jobs.List(data.account, {}, 1, names.size()).jobs)
+            QVERIFY(ReadFile(Path("jobs/%1/frame_0002.png"_s.arg(job.id))).startsWith("\x89PNG"));
         QVERIFY(data.Balance() < 10000000);
     }
 
 private:
-    QString Path(const char* name) const { return m_folder->filePath(QLatin1String(name)); }
+    QString Path(const QString& name) const { return m_folder->filePath(name); }
+    static int Run(const QStringList& options)
+    {
+        return QProcess::execute(QStringLiteral(FARM_DAEMON), options);
+    }
 
     std::unique_ptr<QTemporaryDir> m_folder;
 };

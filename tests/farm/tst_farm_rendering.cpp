@@ -1,10 +1,65 @@
 #include "tests/farm/farm_at_work.h"
 
-#include <QtTest>
+#include <csignal>
 
 using namespace farm;
 
-/// Scripts stand in for the renderer.
+namespace {
+
+// These scripts stand in for the renderer. This one logs each frame and waits at frame 3 until the gate is open.
+const char* const GatedScript = "echo $$ > ../../pid; echo {frame}/{frames} >> ../../log; "
+                                "[ {frame} -ne 3 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
+                                "cp {scene} {output}";
+
+// Uses processor time, so that it costs something, and waits in each frame but the first until the gate is open.
+const char* const DearScript = "echo $$ > ../../pid; i=0; while [ $i -lt 30000 ]; do i=$((i+1)); done; "
+                               "[ {frame} -eq 1 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
+                               "cp {scene} {output}";
+
+const char* const CopyScript = "cp {scene} {output}";
+
+struct Failure
+{
+    const char* name;
+    const char* script;
+    QString message;
+};
+const QString NoPicture = "the renderer left no picture"_s;
+const Failure Failures[] = {
+    {"error code", "echo no such lamp >&2; exit 3", "the renderer ended with code 3\nno such lamp"_s},
+    {"crash", "kill -SEGV $$", "the renderer crashed"_s},
+    {"no picture", "true", NoPicture},
+    {"empty picture", ": > {output}", NoPicture},
+    {"a link", "ln -s {scene} {output}", NoPicture},
+    {"picture of an earlier attempt", "[ $(wc -l < ../../log) -gt 1 ] || { echo x > {output}; exit 3; }",
+        NoPicture},
+    {"endless", "sleep 600", "the renderer exceeded its time limit"_s},
+    // Of much output the last 400 bytes are kept, without the line that is incomplete.
+    {"much output", "echo early; printf '%0395d\\n' 0; exit 3",
+        "the renderer ended with code 3\n"_s + QString(395, QLatin1Char('0'))},
+    {"less output", "echo early; printf '%0392d\\n' 0; exit 3",
+        "the renderer ended with code 3\nearly\n"_s + QString(392, QLatin1Char('0'))},
+};
+
+// An action, whether it is done to prerender jobs, the statuses to which it takes jobs in status 0 to 9, and the progress
+// of a job whose first frame of five was finished.
+const std::tuple<const char*, bool, const char*, int> Transitions[] = {
+    {"stop", false, "2222452789", 20},
+    {"recover", false, "0103456000", 20},
+    {"restart", false, "0000050000", 0},
+    {"delete", false, "5555555555", 20},
+    {"full-render", false, "0123456789", 20},
+    {"full-render", true, "6666656666", 20},
+    {"restart", true, "0000050000", 0},
+};
+
+QJsonArray NotAllowed(const Reply& reply)
+{
+    return reply.Data("notAllowedJobs").toArray();
+}
+
+} // namespace
+
 class RenderingTest : public QObject
 {
     Q_OBJECT
@@ -24,10 +79,12 @@ private slots:
         for (const char* types : {"povray", "[]", R"({"a":{"suffix":"png"}})", R"({"a":{"program":"sh"}})",
                  R"({"a":{"program":"sh","suffix":"png","frame_time_limit":0}})"})
             QVERIFY_EXCEPTION_THROWN(m_farm->Start(types), std::runtime_error);
-        QVERIFY(WriteFile(m_farm->Path("one.json"), R"({"a":{"program":"sh","suffix":"png"}})"));
-        const JobType type = ReadJobTypes(m_farm->Path("one.json")).value("a"_s);
-        QVERIFY(type.confined);
-        QCOMPARE(type.frameTimeLimit, 3600);
+        QVERIFY(WriteFile(m_farm->Path("one.json"_s),
+            R"({"a":{"program":"sh","suffix":"png"},"b":{"program":"sh","suffix":"x","frame_time_limit":1}})"));
+        const JobTypes types = ReadJobTypes(m_farm->Path("one.json"_s));
+        QVERIFY(types["a"_s].confined);
+        QCOMPARE(types["a"_s].frameTimeLimit, 3600);
+        QCOMPARE(types["b"_s].frameTimeLimit, 1);
     }
 
     void RendersAJobFrameByFrame()
@@ -35,20 +92,21 @@ private slots:
         NewJob job = m_farm->data.Job("job"_s, 4);
         job.width = 64;
         job.height = 36;
-        const AddedJob added = m_farm->data.jobs.Add(job);
-        // A crash has left an incomplete scene.
-        const QString half = m_farm->Path("jobs/%1/scene.unfinished", {added.id});
+        const QString folder = m_farm->Path("jobs/"_s + m_farm->data.jobs.Add(job).id);
+        // A crash has left an incomplete scene and a link to it.
+        const QString half = folder + "/scene.unfinished"_s;
         QVERIFY(QDir().mkpath(half) && WriteFile(half + "/scene.txt"_s, "half"));
+        QVERIFY(QFile::link("scene/scene.txt"_s, folder + "/main.txt"_s));
         m_farm->settings.slotCount = 2;
         m_farm->Start(ScriptedTypes(
-            "cat {scene} > {output}; echo ' {frame}/{frames} {clock} {width}x{height}' >> {output}; "
+            "cat; cat {scene} > {output}; echo ' {frame}/{frames} {clock} {width}x{height}' >> {output}; "
             "ps -o ni= -p $$ > ../../nice"));
-        QTRY_COMPARE_WITH_TIMEOUT(Status(), int(JobStatus::Finished), patienceMs);
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
         QCOMPARE(m_farm->data.Only().progress, 100);
-        QCOMPARE(Frame(added.id, 1), QByteArray("the farm's scene 1/4 0.000000 64x36\n"));
-        QCOMPARE(Frame(added.id, 4), QByteArray("the farm's scene 4/4 0.750000 64x36\n"));
-        QCOMPARE(ReadFile(m_farm->Path("jobs/nice")).trimmed(), QByteArray("19"));
-        QCOMPARE(QDir(m_farm->Path("jobs/%1", {added.id})).entryList(QDir::Files).size(), 5);
+        QCOMPARE(ReadFile(folder + "/frame_0001.txt"_s), QByteArray("the farm's scene 1/4 0.000000 64x36\n"));
+        QCOMPARE(ReadFile(folder + "/frame_0004.txt"_s), QByteArray("the farm's scene 4/4 0.750000 64x36\n"));
+        QCOMPARE(ReadFile(m_farm->Path("jobs/nice"_s)).trimmed(), QByteArray("19"));
+        QCOMPARE(QDir(folder).entryList(QDir::Files).size(), 5);
     }
 
     void RendersAsManyFramesAtATimeAsThereAreSlots()
@@ -57,11 +115,10 @@ private slots:
         m_farm->Add(3);
         m_farm->Start(ScriptedTypes("echo {frame} >> ../../log; : > ../../at{frame}; "
                                     "while [ ! -e ../../gate ]; do sleep 0.01; done; cp {scene} {output}"));
-        for (const char* frame : {"jobs/at1", "jobs/at2"})
-            QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(m_farm->Path(frame)), patienceMs);
-        QVERIFY(!QFile::exists(m_farm->Path("jobs/at3")));
+        EVENTUALLY(QFile::exists(m_farm->Path("jobs/at1"_s)) && QFile::exists(m_farm->Path("jobs/at2"_s)));
+        QVERIFY(!QFile::exists(m_farm->Path("jobs/at3"_s)));
         QVERIFY(m_farm->OpenGate());
-        QTRY_COMPARE_WITH_TIMEOUT(Status(), int(JobStatus::Finished), patienceMs);
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
         QCOMPARE(m_farm->Log().size(), 5);
     }
 
@@ -86,92 +143,202 @@ private slots:
             ScriptedTypes("i=0; if [ {frames} -eq 1 ]; then sleep 0.5; "
                           "else while [ $i -lt 1000000 ]; do i=$((i+1)); done; fi; cp {scene} {output}"));
         for (int frames : {1, 2}) {
-            const QString id = m_farm->Add(frames, JobStatus::Paused);
-            m_farm->Apply("recover", {id});
-            QTRY_COMPARE_WITH_TIMEOUT(Status(), int(JobStatus::Finished), patienceMs);
+            m_farm->Apply("recover"_s, {m_farm->Add(frames, JobStatus::Paused)});
+            EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
             QCOMPARE(m_farm->data.Only().cost > Charge(250, DefaultPrice), frames == 2);
         }
     }
 
-    void FailsAJobWhoseRendererFails_data()
-    {
-        QTest::addColumn<QByteArray>("script");
-        QTest::addColumn<QString>("message");
-        const auto row = [](const char* name, const char* script, const char* message) {
-            QTest::newRow(name) << QByteArray(script) << QString::fromLatin1(message);
-        };
-        row("error code", "echo no such lamp >&2; exit 3", "the renderer ended with code 3\nno such lamp");
-        row("crash", "kill -SEGV $$", "the renderer crashed");
-        row("no picture", "true", "the renderer left no picture");
-        row("empty picture", ": > {output}", "the renderer left no picture");
-        row("a link", "ln -s {scene} {output}", "the renderer left no picture");
-        row("picture of an earlier attempt",
-            "[ $(wc -l < ../../log) -gt 1 ] || { echo x > {output}; exit 3; }",
-            "the renderer left no picture");
-        row("endless", "sleep 600", "the renderer exceeded its time limit");
-        QString tail = "the renderer ended with code 3"_s;
-        for (int line = 158; line <= 200; ++line)
-            tail += "\nline %1"_s.arg(line);
-        QTest::newRow("much output") << QByteArray(
-            "i=0; while [ $i -lt 200 ]; do i=$((i+1)); echo line $i; done; echo end; exit 3")
-                                     << QString(tail + "\nend"_s);
-    }
-
+    void FailsAJobWhoseRendererFails_data() { AddRows(Failures); }
     void FailsAJobWhoseRendererFails()
     {
-        QFETCH(QByteArray, script);
+        const auto& [name, script, message] = Row(Failures);
         const QString id = m_farm->Add(4);
-        const bool endless = script.startsWith("sleep");
-        m_farm->Start(ScriptedTypes(
-            "[ {frame} -gt 1 ] || { cp {scene} {output}; exit; }; echo x >> ../../log; " + script,
-            endless ? 1 : 600));
-        QTRY_COMPARE_WITH_TIMEOUT(Status(), int(JobStatus::Failed), patienceMs);
+        const bool endless = qstrcmp(script, "sleep 600") == 0;
+        const QByteArray start = "[ {frame} -gt 1 ] || { cp {scene} {output}; exit; }; echo x >> ../../log; ";
+        m_farm->Start(ScriptedTypes(start + script, endless ? 1 : 600));
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Failed);
         QCOMPARE(m_farm->Log(), QByteArray("x x x"));
         QCOMPARE(m_farm->data.Only().progress, 25);
-        QCOMPARE(Frame(id, 1), QByteArray("the farm's scene"));
-        QTEST(m_farm->data.Only().message, "message");
+        QVERIFY(QFile::exists(m_farm->Path("jobs/%1/frame_0001.txt"_s.arg(id))));
+        QCOMPARE(m_farm->data.Only().message, message);
     }
 
     void AJobWaitsForItsRenderer()
     {
         m_farm->Add(1);
         m_farm->Start(R"({"povray":{"program":"no-such-renderer","suffix":"txt"}})");
-        QCOMPARE(Status(), int(JobStatus::Waiting));
+        QCOMPARE(m_farm->Status(), JobStatus::Waiting);
         m_farm->Start(R"({"other":{"program":"sh","suffix":"txt"}})");
-        QCOMPARE(Status(), int(JobStatus::Waiting));
-        m_farm->Start(ScriptedTypes("cp {scene} {output}"));
-        QTRY_COMPARE_WITH_TIMEOUT(Status(), int(JobStatus::Finished), patienceMs);
+        QCOMPARE(m_farm->Status(), JobStatus::Waiting);
+        m_farm->Start(ScriptedTypes(CopyScript));
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
+    }
+
+    void FailsAJobWhoseRendererCannotBeStarted()
+    {
+        const QString program = m_farm->Path("renderer"_s);
+        QVERIFY(WriteFile(program, "#!/no/such/interpreter\n"));
+        QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner));
+        m_farm->Add(1);
+        m_farm->Start(ScriptedTypes({}).replace("/bin/sh", program.toUtf8()));
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Failed);
+        QVERIFY(m_farm->data.Only().message.startsWith("the renderer could not be started"_s));
     }
 
     void LooksAtTheJobsByItself()
     {
         m_farm->settings.lookInterval = std::chrono::milliseconds(20);
-        m_farm->Start(ScriptedTypes("cp {scene} {output}"));
+        m_farm->Start(ScriptedTypes(CopyScript));
         m_farm->Add(1);
-        QTRY_COMPARE_WITH_TIMEOUT(Status(), int(JobStatus::Finished), patienceMs);
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
     }
 
     void RunningJobsTakeTurns()
     {
         for (const char* scene : {"a", "b", "c"}) {
-            QVERIFY(WriteFile(m_farm->Path(scene), scene));
             NewJob job = m_farm->data.Job(QString::fromLatin1(scene), 3);
-            job.scene = QString::fromLatin1(scene);
+            job.scene = job.name;
+            QVERIFY(WriteFile(m_farm->Path(job.scene), scene));
             // A waiting job begins once the running ones no longer need the slot.
             job.status = *scene == 'c' ? JobStatus::Waiting : JobStatus::Running;
             m_farm->data.jobs.Add(job);
         }
         m_farm->Start(ScriptedTypes("cat {scene} >> ../../log; cp {scene} {output}"));
-        QTRY_COMPARE_WITH_TIMEOUT(Status(), int(JobStatus::Finished), patienceMs);
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
         QCOMPARE(m_farm->Log(), QByteArray("abababccc"));
     }
 
-private:
-    int Status() { return m_farm->data.Only().status; }
-    QByteArray Frame(const QString& job, int number) const
+    void AppliesToJobsInCertainStates_data() { AddRows(Transitions); }
+    void AppliesToJobsInCertainStates()
     {
-        return ReadFile(m_farm->Path("jobs/%1/frame_000%2.txt", {job, QString::number(number)}));
+        const auto& [name, prerender, expected, progress] = Row(Transitions);
+        const QString action = QString::fromLatin1(name);
+        NewJob job = m_farm->data.Job("job"_s, 5);
+        job.prerender = prerender;
+        QStringList ids;
+        for (int status = 0; status <= 9; ++status) {
+            job.status = static_cast<JobStatus>(status);
+            ids.append(m_farm->data.jobs.Add(job).id);
+        }
+        m_farm->data.Change("UPDATE frames SET finished_at = 7 WHERE number = 1; "
+                            "UPDATE jobs SET ended_at = 8, message = 'why' WHERE status = 7");
+        const QString untouched = m_farm->Add(1);
+        job.account = m_farm->data.Add("bob", "x", 5'000'000);
+        const QString foreign = m_farm->data.jobs.Add(job).id;
+        m_farm->Start();
+        for (const QString& stranger : {foreign, "no-such-job"_s})
+            QCOMPARE(m_farm->Apply(action, ids + QStringList {stranger}).status, 404);
+        QCOMPARE(m_farm->Get("/jobs/"_s + foreign).status, 404);
+        QCOMPARE(Statuses(ids), "0123456789"_s);
+        for (int time = 1; time <= 2; ++time) {
+            const Reply reply = m_farm->Apply(action, ids + ids);
+            QCOMPARE(reply.status, 200);
+            QCOMPARE(reply.Data("notAllowedJobs"), QJsonValue(QJsonArray()));
+            QCOMPARE(Statuses(ids), QString::fromLatin1(expected));
+            for (int status : {0, 1, 2, 3, 4, 6, 7, 8, 9}) // a deleted job stays as it is
+                QCOMPARE(m_farm->Job(ids.at(status)).progress, progress);
+            QCOMPARE(m_farm->Status(untouched), JobStatus::Waiting);
+            // A job that will be rendered again has neither an end nor a failure message.
+            const bool isOver = expected[7] == '7' || expected[7] == '5';
+            QCOMPARE(m_farm->data.Count("SELECT count(*) FROM jobs WHERE ended_at = 8 AND message = 'why'"),
+                isOver ? 1 : 0);
+        }
+        QCOMPARE(m_farm->Apply(action, {}).status, 200);
+        // An account in arrears cannot send jobs to work.
+        m_farm->data.Change("UPDATE accounts SET balance = 0");
+        const QString failed = m_farm->Add(1, JobStatus::Failed);
+        const bool sendsToWork = action != "stop"_s && action != "delete"_s;
+        QCOMPARE(
+            NotAllowed(m_farm->Apply(action, {failed})), sendsToWork ? QJsonArray {failed} : QJsonArray());
+        QCOMPARE(m_farm->Status(failed), action == "delete"_s ? JobStatus::Deleted : JobStatus::Failed);
     }
+
+    // A frame that ends while the job is being stopped is kept; it may be the last one.
+    void RecoveringAJobWithoutOpenFramesFinishesIt()
+    {
+        const QString id = m_farm->Add(1, JobStatus::Paused);
+        RenderQueue(m_farm->data.database, DefaultPrice).Finish({1, 1}, {}, 1, 100);
+        QCOMPARE(m_farm->Status(), JobStatus::Paused);
+        m_farm->Start(ScriptedTypes(GatedScript));
+        QCOMPARE(m_farm->Apply("recover"_s, {id}).status, 200);
+        QCOMPARE(m_farm->Status(), JobStatus::Finished);
+        QCOMPARE(m_farm->Log(), QByteArray());
+    }
+
+    void AFailedJobGetsAllItsAttemptsAgain()
+    {
+        const QString id = m_farm->Add(1);
+        m_farm->Start(ScriptedTypes("echo {frame} >> ../../log; [ -e ../../gate ] && cp {scene} {output}"));
+        for (const QByteArray& log : {QByteArray("1 1 1"), QByteArray("1 1 1 1 1 1")}) {
+            EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Failed);
+            QCOMPARE(m_farm->Log(), log);
+            QVERIFY(!m_farm->data.Only().message.isEmpty());
+            QVERIFY(log.size() < 10 || m_farm->OpenGate());
+            QCOMPARE(m_farm->Apply("recover"_s, {id}).status, 200);
+        }
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
+    }
+
+    void ARestartedJobBeginsAnew()
+    {
+        const QString id = m_farm->Add(4);
+        m_farm->Start(ScriptedTypes(GatedScript));
+        EVENTUALLY_COMPARE(m_farm->Log(), QByteArray("1/4 2/4 3/4"));
+        const QString left = m_farm->Path("jobs/%1/frame_0004.txt"_s.arg(id));
+        QVERIFY(WriteFile(left, "of an earlier run"));
+        QCOMPARE(m_farm->Apply("restart"_s, {id}).status, 200);
+        EVENTUALLY_COMPARE(m_farm->Log(), QByteArray("1/4 2/4 3/4 1/4 2/4 3/4"));
+        QVERIFY(!QFile::exists(left));
+        QCOMPARE(m_farm->Status(), JobStatus::Running);
+        // The earlier run reports a frame late, as finished and as failed.
+        RenderQueue queue(m_farm->data.database, DefaultPrice);
+        queue.Finish({1, 4, 1}, {}, 1, 100);
+        for (int attempt = 1; attempt <= 3; ++attempt)
+            QVERIFY(!queue.Fail({1, 3, 1}, "late"_s, 100));
+        EVENTUALLY_COMPARE(m_farm->Job(id).progress, 50);
+        QVERIFY(m_farm->OpenGate());
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
+        QCOMPARE(ReadFile(left), QByteArray("the farm's scene"));
+        QCOMPARE(Charges(), 2 + 4);
+    }
+
+    void RenderingStopsWhenTheMoneyRunsOut()
+    {
+        const QString running = m_farm->Add(3);
+        const QString waiting = m_farm->Add(1);
+        const QString promoted = m_farm->Add(1, JobStatus::ToFullRender);
+        m_farm->data.Change("UPDATE accounts SET balance = 1");
+        m_farm->settings.pricePerCoreSecond = 100'000'000;
+        m_farm->Start(ScriptedTypes(DearScript));
+        EVENTUALLY_COMPARE(m_farm->Status(running), JobStatus::PausedInArrears);
+        QCOMPARE(m_farm->Status(waiting), JobStatus::Arrears);
+        QCOMPARE(m_farm->Status(promoted), JobStatus::Arrears);
+        EVENTUALLY(IsRendererGone());
+        QCOMPARE(m_farm->Job(running).progress, 33);
+        QVERIFY(m_farm->data.Balance() < 0);
+
+        const QStringList ids {running, waiting, promoted};
+        QCOMPARE(NotAllowed(m_farm->Apply("recover"_s, ids)), QJsonArray::fromStringList(ids));
+        QCOMPARE(m_farm->Status(running), JobStatus::PausedInArrears);
+        m_farm->data.accounts.Credit("Ann"_s, 100'000'000'000);
+        QVERIFY(m_farm->OpenGate());
+        QCOMPARE(NotAllowed(m_farm->Apply("recover"_s, ids)), QJsonArray());
+        for (const QString& id : ids)
+            EVENTUALLY_COMPARE(m_farm->Status(id), JobStatus::Finished);
+        QCOMPARE(Charges(), 5);
+    }
+
+private:
+    QString Statuses(const QStringList& ids)
+    {
+        QString statuses;
+        for (const QString& id : ids)
+            statuses += QString::number(m_farm->Job(id).status);
+        return statuses;
+    }
+    int Charges() { return m_farm->data.Count("SELECT count(*) FROM charges"); }
+    bool IsRendererGone() const { return ::kill(ReadFile(m_farm->Path("jobs/pid"_s)).toInt(), 0) == -1; }
 
     std::unique_ptr<FarmAtWork> m_farm;
 };

@@ -13,14 +13,18 @@
 #include "tests/farm/package_fixture.h"
 #include "tests/support/disk_calls.h"
 
-#include <QtTest>
-
 using namespace farm;
 
 namespace {
 
 constexpr QLatin1String Sync("sync ");
-constexpr QLatin1String Rename("rename ");
+
+constexpr const char* OldRecords
+    = "INSERT INTO accounts VALUES (1, 'ann', 'ann@example.org', '', 0, 5000000, 0); "
+      "INSERT INTO jobs(key, id, account, number, type, name, folded_name, business, status, scene, width, "
+      "height, "
+      "submitted_at) VALUES (7, 'old', 1, 1, 'povray', 'old', 'old', 1, 0, 'scene.txt', 32, 18, 0); "
+      "INSERT INTO frames(job, number, finished_at) VALUES (7, 1, 9), (7, 3, NULL), (7, 5, NULL)";
 
 } // namespace
 
@@ -35,6 +39,41 @@ private slots:
         diskFails = false;
     }
 
+    void SignInNeedsNameAndPassword()
+    {
+        FarmData data(m_folder->path());
+        for (const auto& name : {"ann"_s, "ANN"_s, "ann@EXAMPLE.org"_s}) {
+            const auto session = data.accounts.SignIn(name, "secret"_s, 100);
+            QVERIFY2(session, qPrintable(name));
+            QCOMPARE(session->accountName, "ann"_s);
+            QCOMPARE(data.accounts.AccountOf(session->token, 100), std::optional(data.account));
+        }
+        for (const auto& password : {"Secret"_s, QString(), "secret "_s})
+            QVERIFY2(!data.accounts.SignIn("ann"_s, password, 100), qPrintable(password));
+        for (const auto& name : {"eve"_s, QString()})
+            QVERIFY2(!data.accounts.SignIn(name, "secret"_s, 100), qPrintable(name));
+    }
+
+    void ASessionEndsWithTimeOrSignOut()
+    {
+        FarmData data(m_folder->path());
+        const QString first = data.accounts.SignIn("ann"_s, "secret"_s, 1000)->token;
+        const QString second = data.accounts.SignIn("ann"_s, "secret"_s, 2000)->token;
+        QVERIFY(data.accounts.AccountOf(first, 1000 + 3599));
+        QVERIFY(!data.accounts.AccountOf(first, 1000 + 3600));
+        QVERIFY(data.accounts.AccountOf(second, 1000 + 3600));
+        data.accounts.SignOut(second);
+        QVERIFY(!data.accounts.AccountOf(second, 2000));
+        QVERIFY(data.accounts.AccountOf(first, 2000));
+        data.accounts.SignIn("ann"_s, "secret"_s, 1000 + 3600);
+        QCOMPARE(data.Count("SELECT count(*) FROM sessions"), 1);
+        // Neither passwords nor tokens are on the disk.
+        const QByteArray disk = ReadFile(Path("farm.sqlite"_s)) + ReadFile(Path("farm.sqlite-wal"_s));
+        QVERIFY(disk.contains("ann@example.org"));
+        for (const QByteArray& secret : {QByteArray("secret"), first.toLatin1(), second.toLatin1()})
+            QVERIFY2(!disk.contains(secret), secret);
+    }
+
     void RoundsMoneyToCents()
     {
         const QMap<Micros, const char*> texts {{0, "0.00"}, {4999, "0.00"}, {5000, "0.01"},
@@ -45,15 +84,15 @@ private slots:
 
     void AFileIsOnTheDiskBeforeItsNameIs()
     {
-        QVERIFY(WriteFile(Path("part"), "new") && WriteFile(Path("whole"), "old"));
+        QVERIFY(WriteFile(Path("part"_s), "new") && WriteFile(Path("whole"_s), "old"));
         diskCalls.clear();
-        storage::RenameDurably(Path("part"), Path("whole"));
+        storage::RenameDurably(Path("part"_s), Path("whole"_s));
         const QString folder = QFileInfo(m_folder->path()).fileName();
         QCOMPARE(diskCalls, (QStringList {"sync part"_s, "rename whole"_s, Sync + folder}));
-        QCOMPARE(ReadFile(Path("whole")), QByteArray("new"));
-        QVERIFY_EXCEPTION_THROWN(storage::RenameDurably(Path("part"), Path("whole")), std::runtime_error);
-        QVERIFY(WriteFile(Path("part"), "newer"));
-        QCOMPARE(Failure([this] { storage::RenameDurably(Path("part"), Path("no/folder")); }),
+        QCOMPARE(ReadFile(Path("whole"_s)), QByteArray("new"));
+        QVERIFY_EXCEPTION_THROWN(storage::RenameDurably(Path("part"_s), Path("whole"_s)), std::runtime_error);
+        QVERIFY(WriteFile(Path("part"_s), "newer"));
+        QCOMPARE(Failure([this] { storage::RenameDurably(Path("part"_s), Path("no/folder"_s)); }),
             "cannot rename part to folder"_s);
     }
 
@@ -61,21 +100,24 @@ private slots:
     {
         const QString folder = QFileInfo(m_folder->path()).fileName();
         diskCalls.clear();
-        storage::AppendDurably(Path("file"), 0, "first");
-        storage::AppendDurably(Path("file"), 5, " second");
+        storage::AppendDurably(Path("file"_s), 0, "first");
+        storage::AppendDurably(Path("file"_s), 5, " second");
         QCOMPARE(diskCalls, (QStringList {"sync file"_s, Sync + folder, "sync file"_s}));
         diskFails = true;
-        QCOMPARE(Failure([this] { storage::AppendDurably(Path("file"), 12, " third"); }),
+        QCOMPARE(Failure([this] { storage::AppendDurably(Path("file"_s), 12, " third"); }),
             "cannot append to file"_s);
-        QCOMPARE(ReadFile(Path("file")), QByteArray("first second"));
+        QCOMPARE(ReadFile(Path("file"_s)), QByteArray("first second"));
     }
 
     // Bytes reach the disk before the record that refers to them.
     void AcknowledgesOnlyWhatIsOnTheDisk()
     {
         FarmData data(m_folder->path());
-        ContentStore contents(data.database, Path("contents"));
-        UploadStore uploads(data.database, contents, Path("uploads"), 1'000'000);
+        diskCalls.clear();
+        ContentStore contents(data.database, Path("contents"_s));
+        UploadStore uploads(data.database, contents, Path("uploads"_s), 1'000'000);
+        const QString folder = QFileInfo(m_folder->path()).fileName();
+        QCOMPARE(diskCalls, (QStringList {Sync + folder, Sync + folder}));
         const QByteArray package = Package({{"scene.txt", "a scene"}});
         const Upload upload = uploads.Begin(data.account, Sha256(package), package.size(), 1);
         diskCalls.clear();
@@ -84,7 +126,8 @@ private slots:
         diskCalls.clear();
         uploads.Unpack(data.account, upload.id, 3);
         const QString checksum = Sha256("a scene");
-        QVERIFY(Ordered({"sync 0"_s, Rename + checksum, Sync + checksum.left(2), Record()}));
+        QVERIFY(Ordered(
+            {"sync 0"_s, "sync contents"_s, "rename "_s + checksum, Sync + checksum.left(2), Record()}));
 
         NewJob job = data.Job("job"_s);
         job.files = {{"scene.txt"_s, checksum}};
@@ -94,11 +137,12 @@ private slots:
         QVERIFY(Ordered({Record()}));
         RenderQueue queue(data.database, DefaultPrice);
         const SceneFiles scenes(data.database, contents, m_folder->path());
-        const FrameFiles files(Path("jobs"), scenes);
+        const FrameFiles files(Path("jobs"_s), scenes);
         const FrameTask task = *queue.Next({job.type}, 0, {});
         diskCalls.clear();
         const RenderPlace place = files.Prepare(task, "png"_s);
-        QVERIFY(Ordered({"sync jobs"_s, "sync scene.txt"_s, "rename scene"_s, Sync + added.id}));
+        QVERIFY(
+            Ordered({"sync jobs"_s, Sync + folder, "sync scene.txt"_s, "rename scene"_s, Sync + added.id}));
         QVERIFY(WriteFile(place.Output(), "a picture"));
         diskCalls.clear();
         queue.Finish(task.key, files.Keep(task, "png"_s), 1, 4);
@@ -116,15 +160,13 @@ private slots:
     void RefusesPathsThatLeadElsewhere()
     {
         const QString part(255, QLatin1Char('a'));
-        const QStringList good {"a"_s, "a/..b/c.d"_s, "1:/b"_s, part,
-            QString("a/"_s.repeated(63) + QLatin1Char('a')),
-            part + QLatin1Char('/') + part + QLatin1Char('/') + part + QLatin1Char('/') + part};
-        for (const QString& path : good)
+        const QString deep("a/"_s.repeated(63) + QLatin1Char('a'));
+        const QString longest = QStringList {part, part, part, part}.join(QLatin1Char('/'));
+        for (const QString& path : {"a"_s, "a/..b/c.d"_s, "1:/b"_s, part, deep, longest})
             QVERIFY2(IsSafePath(path), qPrintable(path));
-        const QStringList bad {QString(), "/a"_s, "a//b"_s, "a/"_s, "./a"_s, "a/../b"_s, "C:/a"_s, "c:"_s,
-            "a\\b"_s, "a\nb"_s, "a\uFFFD"_s, QString(QChar(0xd800)), part + QLatin1Char('a'),
-            QString("a/"_s.repeated(64) + QLatin1Char('a')), good.last() + "/a"_s};
-        for (const QString& path : bad)
+        for (const QString& path : {QString(), "/a"_s, "a//b"_s, "a/"_s, "./a"_s, "a/../b"_s, "C:/a"_s,
+                 "c:"_s, "a\\b"_s, "a\nb"_s, "a\uFFFD"_s, QString(QChar(0xd800)), QString(part + "a"_s),
+                 QString(deep + "/a"_s), QString(longest + "/a"_s)})
             QVERIFY2(!IsSafePath(path), qPrintable(path));
     }
 
@@ -141,77 +183,64 @@ private slots:
 
     void RefusesDataOfANewerFarm()
     {
-        {
-            Database database(Path("farm.sqlite"), farm::Schema());
-            database.Read([](SQLite::Database& connection) { connection.exec("PRAGMA user_version = 999"); });
-        }
-        QVERIFY_EXCEPTION_THROWN(Database(Path("farm.sqlite"), farm::Schema()), std::runtime_error);
-    }
-
-    void TakesOverDataOfAnOlderFarm_data()
-    {
-        QTest::addColumn<int>("version");
-        for (int version = 1; version < int(farm::Schema().size()); ++version)
-            QTest::addRow("version %d", version) << version;
-    }
-
-    void TakesOverDataOfAnOlderFarm()
-    {
-        QFETCH(int, version);
-        storage::Migrations old = farm::Schema();
-        old.resize(std::size_t(version));
-        // A prerender job of five frames, of which the first is finished.
-        Database(Path("farm.sqlite"), old).Read([](SQLite::Database& connection) {
-            connection.exec(
-                "INSERT INTO accounts VALUES (1, 'ann', 'ann@example.org', '', 0, 5000000, 0); "
-                "INSERT INTO jobs(key, id, account, number, type, name, folded_name, business, status, "
-                "scene, "
-                "width, height, submitted_at) "
-                "VALUES (7, 'old', 1, 1, 'povray', 'old', 'old', 1, 0, 'scene.txt', 32, 18, 0); "
-                "INSERT INTO frames(job, number, finished_at) VALUES (7, 1, 9), (7, 3, NULL), (7, 5, NULL)");
+        FarmData(m_folder->path()).database.Read([](SQLite::Database& connection) {
+            connection.exec("PRAGMA user_version = 999");
         });
-        FarmData data(m_folder->path());
-        const auto next = RenderQueue(data.database, DefaultPrice).Next({"povray"_s}, 0, {});
-        QVERIFY(next);
-        QCOMPARE(next->jobId, "old"_s);
-        QCOMPARE(next->Number(), 3);
-        QCOMPARE(next->FrameSpan(), 5);
-        QVERIFY(data.jobs.Plan(data.account, next->jobId).prerender);
-        JobActions(data.database, [] {}).Apply(JobAction::FullRender, data.account, {next->jobId}, 10);
-        QCOMPARE(data.Only().progress, 20);
-        QCOMPARE(data.Only().status, int(JobStatus::ToFullRender));
+        QVERIFY_EXCEPTION_THROWN(FarmData(m_folder->path()), std::runtime_error);
     }
 
     void AFolderServesOneFarmAtATime()
     {
-        {
-            const DataLock first(m_folder->path(), 0);
-            QVERIFY_EXCEPTION_THROWN(DataLock(m_folder->path(), 0), std::runtime_error);
-        }
+        auto first = std::make_unique<DataLock>(m_folder->path(), 0);
+        QVERIFY_EXCEPTION_THROWN(DataLock(m_folder->path(), 0), std::runtime_error);
+        first.reset();
         const DataLock next(m_folder->path(), 0);
+    }
+
+    // Whose prerender job has five frames, the first of which is finished.
+    void TakesOverDataOfAnOlderFarm()
+    {
+        for (std::size_t version = 1; version < farm::Schema().size(); ++version) {
+            const QTemporaryDir folder;
+            storage::Migrations old = farm::Schema();
+            old.resize(version);
+            Database(folder.filePath("farm.sqlite"_s), old).Read([](SQLite::Database& connection) {
+                connection.exec(OldRecords);
+            });
+            FarmData data(folder.path());
+            const auto next = RenderQueue(data.database, DefaultPrice).Next({"povray"_s}, 0, {});
+            QVERIFY(next);
+            QCOMPARE(next->jobId, "old"_s);
+            QCOMPARE(next->Number(), 3);
+            QCOMPARE(next->FrameSpan(), 5);
+            QVERIFY(data.jobs.Plan(data.account, next->jobId).prerender);
+            JobActions(data.database, [] {}).Apply(JobAction::FullRender, data.account, {next->jobId}, 10);
+            QCOMPARE(data.Only().progress, 20);
+            QCOMPARE(data.Only().status, int(JobStatus::ToFullRender));
+        }
     }
 
     // An empty farm gets demo accounts; later only the account "demo" gets jobs, once it has none left to render.
     void SuppliesTheDemoAccountWithJobs()
     {
-        Database database(Path("farm.sqlite"), farm::Schema());
+        Database database(Path("farm.sqlite"_s), farm::Schema());
         AccountStore accounts(database, 3600);
         JobStore jobs(database);
-        const auto total = [&](const char* name) {
+        const auto total = [&](const QString& name) {
             ProvideDemo(database, accounts, jobs, 2'000'000'000);
-            return jobs.List(accounts.Find(QLatin1String(name)).value(), {}, 1, 1).total;
+            return jobs.List(accounts.Find(name).value(), {}, 1, 1).total;
         };
-        const std::int64_t demo = total("demo");
-        const std::int64_t arrears = total("arrears");
-        QCOMPARE(total("demo"), demo);
+        const std::int64_t demo = total("demo"_s);
+        const std::int64_t arrears = total("arrears"_s);
+        QCOMPARE(total("demo"_s), demo);
         database.Write([](SQLite::Database& connection) { connection.exec("UPDATE jobs SET status = 4"); });
-        QVERIFY(total("demo") > demo);
-        QCOMPARE(total("arrears"), arrears);
+        QVERIFY(total("demo"_s) > demo);
+        QCOMPARE(total("arrears"_s), arrears);
         QVERIFY(accounts.SignIn("demo"_s, "demo"_s, 1));
     }
 
 private:
-    QString Path(const char* name) const { return m_folder->filePath(QLatin1String(name)); }
+    QString Path(const QString& name) const { return m_folder->filePath(name); }
     static QString Record() { return "sync farm.sqlite-wal"_s; }
 
     /// The message of the exception that `work` throws; empty when it throws none.
@@ -225,20 +254,18 @@ private:
         return {};
     }
 
-    /// Whether these disk calls were made in this order and the last of them ended the list.
+    /// Whether these disk calls were made in this order, with others in between.
     static bool Ordered(const QStringList& calls)
     {
-        bool ordered = true;
         int at = -1;
         for (const QString& call : calls) {
-            const int next
-                = call == calls.last() ? diskCalls.lastIndexOf(call) : diskCalls.indexOf(call, at + 1);
-            ordered = ordered && next > at;
-            at = next;
+            at = diskCalls.indexOf(call, at + 1);
+            if (at < 0) {
+                qWarning() << "expected" << calls << "among" << diskCalls;
+                return false;
+            }
         }
-        if (!ordered)
-            qWarning() << "expected" << calls << "among" << diskCalls;
-        return ordered;
+        return true;
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
