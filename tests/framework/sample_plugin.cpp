@@ -22,33 +22,24 @@ class SamplePlugin : public QObject, public ctkPluginActivator
 public:
     void start(ctkPluginContext* context) override
     {
-        Note(QStringLiteral("start"));
-        context->registerService(QStringList {QStringLiteral("Greeter")}, &m_greeter);
-        Misbehave(QStringLiteral("start"), *context);
+        context->registerService({QStringLiteral("Greeter")}, &m_greeter);
+        Note(QStringLiteral("start "), context);
     }
 
-    void stop(ctkPluginContext* context) override
-    {
-        Note(QStringLiteral("stop"));
-        Misbehave(QStringLiteral("stop"), *context);
-    }
+    void stop(ctkPluginContext* context) override { Note(QStringLiteral("stop "), context); }
 
 private:
-    static void Note(const QString& event)
+    static void Note(const QString& event, ctkPluginContext* context)
     {
-        const QStringList journal = qApp->property("journal").toStringList();
-        qApp->setProperty("journal", journal + QStringList {event + QStringLiteral(" " SAMPLE_NAME)});
-    }
-
-    static void Misbehave(const QString& when, ctkPluginContext& context)
-    {
+        const QString journal = qApp->property("journal").toString();
+        qApp->setProperty("journal", QString(journal + event + QStringLiteral(SAMPLE_NAME ",")));
         const QString misbehaviour = qApp->property("misbehaviour").toString();
-        if (misbehaviour == when + QStringLiteral(" exception"))
+        if (misbehaviour == event + QStringLiteral("exception"))
             throw std::runtime_error("no greeting today");
-        if (misbehaviour == when + QStringLiteral(" number"))
+        if (misbehaviour == event + QStringLiteral("number"))
             throw 42;
-        if (misbehaviour == when + QStringLiteral(" again"))
-            context.installPlugin(qApp->property("location").toUrl())->start();
+        if (misbehaviour == event + QStringLiteral("again"))
+            context->installPlugin(qApp->property("location").toUrl())->start();
     }
 
     // Outlives a stop, so that only the framework can withdraw the service.

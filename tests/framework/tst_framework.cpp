@@ -1,3 +1,4 @@
+#include "framework/ctk/plugin_manifest.h"
 #include "tests/support/test_files.h"
 #include "tests/support/test_tables.h"
 
@@ -12,6 +13,8 @@
 #include <optional>
 
 namespace {
+
+using Invalid = ctkInvalidArgumentException;
 
 const QString HostFile = QStringLiteral(HOST_PLUGIN);
 const QString Greeter = "Greeter"_s;
@@ -31,7 +34,7 @@ std::optional<ctkPluginException::Type> ThrownType(Call call)
 
 } // namespace
 
-/// The service registry, and the life cycle of real plugin libraries.
+/// Manifests, the service registry, and the life cycle of real plugin libraries.
 class TestFramework : public QObject
 {
     Q_OBJECT
@@ -39,11 +42,34 @@ class TestFramework : public QObject
 private slots:
     void init()
     {
-        qApp->setProperty("journal", QStringList());
+        qApp->setProperty("journal", QString());
+        qApp->setProperty("location", QUrl::fromLocalFile(HostFile));
         Misbehave(QString());
         m_framework = ctkPluginFrameworkFactory().getFramework();
         m_framework->start();
         m_context = m_framework->getPluginContext();
+    }
+
+    void ReadsManifests()
+    {
+        const QByteArray name("Plugin-SymbolicName: a.b\n");
+        const QPair<QByteArray, QString> vendors[] = {{name, {}}, {"Plugin-SymbolicName: a.b\r\n", {}},
+            {"Plugin-SymbolicName:a.b", {}}, {"Plugin-SymbolicName: a.b ;c\n", {}},
+            {"Plugin-SymbolicName: a\r\n .\r\n b\r\n", {}}, {name + "Plugin-Vendor: x:y \n", "x:y"_s},
+            {name + "Plugin-Vendor: Caf\xC3\n \xA9\n", "Café"_s}, {name + "\r\nPlugin-Vendor: x\r\n?", {}}};
+        for (const auto& [text, vendor] : vendors) {
+            const ManifestHeaders headers = ParseManifest(text);
+            QCOMPARE(SymbolicName(headers), "a.b"_s);
+            QCOMPARE(headers.value("Plugin-Vendor"_s), vendor);
+        }
+        const QByteArray malformed[] = {"Plugin-Version: 1.0.0\n", " " + name, "Plugin-SymbolicName: \r\n",
+            name + "rubbish\n", name + ": x\n", QByteArray("\x7f\x45\x4c\x46\x00\xff", 6)};
+        for (const QByteArray& text : malformed)
+            QCOMPARE(ThrownType([&] { ParseManifest(text); }), ctkPluginException::MANIFEST_ERROR);
+        for (const char* file : {"/opt/a.b/libcom_vtr_qsclient.so", "libcom_vtr_qsclient.so.1.0",
+                 "C:/client/com_vtr_qsclient.dll"})
+            QCOMPARE(ResourceFolder(QLatin1String(file)), "com.vtr.qsclient"_s);
+        QCOMPARE(ResourceFolder("liblib_x.so"_s), "lib.x"_s);
     }
 
     void OrdersReferencesByRankingThenRegistration()
@@ -66,18 +92,16 @@ private slots:
         for (const QString& name : {"QTimer"_s, Object})
             QCOMPARE(m_context->getService(m_context->getServiceReference(name)), &timer);
         QVERIFY(!m_context->getServiceReference("QThread"_s));
-        QVERIFY_EXCEPTION_THROWN(m_context->getService({}), ctkInvalidArgumentException);
-        QVERIFY_EXCEPTION_THROWN(
-            m_context->getServiceReferences(Object, "(a=b)"_s), ctkInvalidArgumentException);
+        QVERIFY_EXCEPTION_THROWN(m_context->getService({}), Invalid);
+        QVERIFY_EXCEPTION_THROWN(m_context->getServiceReferences(Object, "(a=b)"_s), Invalid);
     }
 
     void RefusesARegistration()
     {
         QObject service;
         for (const QStringList& names : {QStringList(), {Object, QString()}, {Object, "QTimer"_s}})
-            QVERIFY_EXCEPTION_THROWN(
-                m_context->registerService(names, &service), ctkInvalidArgumentException);
-        QVERIFY_EXCEPTION_THROWN(m_context->registerService({Object}, nullptr), ctkInvalidArgumentException);
+            QVERIFY_EXCEPTION_THROWN(m_context->registerService(names, &service), Invalid);
+        QVERIFY_EXCEPTION_THROWN(Register(nullptr), Invalid);
         QVERIFY(m_context->getServiceReferences(Object).isEmpty());
     }
 
@@ -141,7 +165,7 @@ private slots:
             QVERIFY(!plugin->getPluginContext());
             QVERIFY_EXCEPTION_THROWN(context->getServiceReference(Greeter), ctkIllegalStateException);
         }
-        QCOMPARE(Journal(), "start sample.host,stop sample.host,start sample.host,stop sample.host"_s);
+        QCOMPARE(Journal(), "start sample.host,stop sample.host,start sample.host,stop sample.host,"_s);
     }
 
     void StopsPluginsInReverseOrderOfTheirStarts()
@@ -152,24 +176,24 @@ private slots:
         host->start();
         QCOMPARE(m_context->getServiceReferences(Greeter).size(), 2);
         m_framework->stop();
-        QVERIFY(Journal().endsWith(",stop sample.host,stop sample.guest"_s));
+        QVERIFY(Journal().endsWith(",stop sample.host,stop sample.guest,"_s));
         QCOMPARE(ThrownType([&] { host->start(); }), ctkPluginException::INVALID_OPERATION);
         m_framework->start();
         host->start();
         m_framework.reset();
-        QVERIFY(Journal().endsWith(",start sample.host,stop sample.host"_s));
+        QVERIFY(Journal().endsWith(",start sample.host,stop sample.host,"_s));
     }
 
     void UndoesAFailedStart()
     {
         const auto plugin = Install(HostFile);
-        for (const char* misbehaviour : {"start exception", "start number", "start again"}) {
-            Misbehave(QLatin1String(misbehaviour));
+        for (const QString& misbehaviour : {"start exception"_s, "start number"_s, "start again"_s}) {
+            Misbehave(misbehaviour);
             QCOMPARE(ThrownType([&] { plugin->start(); }), ctkPluginException::ACTIVATOR_ERROR);
             QCOMPARE(plugin->getState(), ctkPlugin::RESOLVED);
             QVERIFY(!m_context->getServiceReference(Greeter));
         }
-        QCOMPARE(Journal(), "start sample.host,start sample.host,start sample.host"_s);
+        QCOMPARE(Journal(), "start sample.host,start sample.host,start sample.host,"_s);
         Misbehave(QString());
         plugin->start();
         QVERIFY(m_context->getServiceReference(Greeter));
@@ -200,44 +224,38 @@ private slots:
     void RefusesToInstall()
     {
         const QTemporaryDir folder;
-        const QString text = folder.filePath("libsample_text.so"_s);
-        const QString nameless = folder.filePath("libsample_nameless.so"_s);
-        const QString twin = folder.filePath(QFileInfo(HostFile).fileName());
-        QVERIFY(WriteFile(text, "not a library\n") && QFile::copy(HostFile, nameless)
-            && QFile::copy(HostFile, twin));
+        const auto place
+            = [&folder](const QString& name) { return QUrl::fromLocalFile(folder.filePath(name)); };
+        const QUrl text = place("libsample_text.so"_s);
+        const QUrl nameless = place("libsample_nameless.so"_s);
+        const QUrl twin = place("libsample_host.so"_s);
+        QVERIFY(WriteFile(text.toLocalFile(), "not a library\n"));
+        for (const QUrl& copy : {nameless, twin})
+            QVERIFY(QFile::copy(HostFile, copy.toLocalFile()));
         const auto host = Install(HostFile);
-        const QMap<QString, ctkPluginException::Type> refusals {{text, ctkPluginException::READ_ERROR},
-            {folder.filePath("libnone.so"_s), ctkPluginException::READ_ERROR},
+        const QMap<QUrl, ctkPluginException::Type> refusals {{text, ctkPluginException::READ_ERROR},
+            {place("libnone.so"_s), ctkPluginException::READ_ERROR},
             {nameless, ctkPluginException::MANIFEST_ERROR},
-            {twin, ctkPluginException::DUPLICATE_PLUGIN_ERROR}};
+            {twin, ctkPluginException::DUPLICATE_PLUGIN_ERROR},
+            {QUrl("http://localhost/libsample_host.so"_s), ctkPluginException::UNSUPPORTED_OPERATION}};
         for (auto refusal = refusals.begin(); refusal != refusals.end(); ++refusal)
-            QCOMPARE(ThrownType([&] { Install(refusal.key()); }), refusal.value());
-        QCOMPARE(
-            ThrownType([this] { m_context->installPlugin(QUrl("http://localhost/libsample_host.so"_s)); }),
-            ctkPluginException::UNSUPPORTED_OPERATION);
+            QCOMPARE(ThrownType([&] { m_context->installPlugin(refusal.key()); }), refusal.value());
         QCOMPARE(Install(HostFile), host);
     }
 
 private:
-    static QString Journal() { return qApp->property("journal").toStringList().join(","_s); }
-
-    static void Misbehave(const QString& how)
-    {
-        qApp->setProperty("misbehaviour", how);
-        qApp->setProperty("location", QUrl::fromLocalFile(HostFile));
-    }
+    static QString Journal() { return qApp->property("journal").toString(); }
+    static void Misbehave(const QString& how) { qApp->setProperty("misbehaviour", how); }
 
     QSharedPointer<ctkPlugin> Install(const QString& file)
     {
         return m_context->installPlugin(QUrl::fromLocalFile(file));
     }
 
-    ctkServiceRegistration Register(QObject* service, const QVariant& ranking = QVariant())
+    ctkServiceRegistration Register(QObject* service, const QVariant& ranking = {})
     {
-        ctkDictionary properties;
-        if (ranking.isValid())
-            properties.insert(ctkPluginConstants::SERVICE_RANKING, ranking);
-        return m_context->registerService({Object}, service, properties);
+        return m_context->registerService(
+            {Object}, service, {{ctkPluginConstants::SERVICE_RANKING, ranking}});
     }
 
     QSharedPointer<ctkPluginFramework> m_framework;

@@ -9,14 +9,9 @@
 
 namespace {
 
-struct Value
-{
-    const char* name;
-    QVariant value;
-    QByteArray text; ///< empty when the value is refused
-};
 const QVariant Object = QVariant::fromValue<QObject*>(nullptr);
-const Value Values[] = {
+// A value and its text, which is empty when the value is refused.
+const std::tuple<const char*, QVariant, QByteArray> Values[] = {
     {"invalid", {}, "null"},
     {"bool", true, "true"},
     {"64 bits", std::numeric_limits<qlonglong>::min(), "-9223372036854775808"},
@@ -25,7 +20,6 @@ const Value Values[] = {
     {"null string", QString(), "\"\""},
     {"strings", QStringList {"key"_s, QString()}, "[\"key\",\"\"]"},
     {"list in a list", QVariantList {QVariant(QVariantList {1, QVariant()})}, "[[1,null]]"},
-    {"empty map", QVariantMap(), "{}"},
     {"members sorted", QVariantHash {{"b"_s, 1}, {"a\""_s, 2}, {"c"_s, 3}}, "{\"a\\\"\":2,\"b\":1,\"c\":3}"},
     {"map in a hash", QVariantHash {{"k"_s, QVariantMap {{"k"_s, 1}}}}, "{\"k\":{\"k\":1}}"},
     {"object", Object, {}},
@@ -54,14 +48,10 @@ private slots:
         QJson::Serializer().serialize(value, &device, &ok);
         QCOMPARE(ok, !text.isEmpty());
         QCOMPARE(device.data(), text);
-    }
-
-    void RefusesADeviceThatTakesNothing()
-    {
-        QBuffer closed;
-        for (QIODevice* device : {static_cast<QIODevice*>(&closed), static_cast<QIODevice*>(nullptr)}) {
-            bool ok = true;
-            QJson::Serializer().serialize(true, device, &ok);
+        device.close();
+        for (QIODevice* unusable : {static_cast<QIODevice*>(&device), static_cast<QIODevice*>(nullptr)}) {
+            ok = true;
+            QJson::Serializer().serialize(value, unusable, &ok);
             QVERIFY(!ok);
         }
     }
