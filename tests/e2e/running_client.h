@@ -1,16 +1,12 @@
 #pragma once
 
-#include "farm/accounts/account_store.h"
 #include "host/app/client_host.h"
-#include "tests/support/test_files.h"
-#include "tests/support/test_tables.h"
-#include "tests/support/waiting.h"
+#include "tests/farm/farm_fixture.h"
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
 #include <QPlainTextEdit>
-#include <QTemporaryDir>
 
 #include <memory>
 
@@ -59,14 +55,13 @@ public:
     /// @return a path in the folder of the client's data, which is removed with this object.
     QString Path(const QString& name) const { return m_folder.filePath(name); }
 
-    /// Opens the database of a farm that is not running yet and adds an account whose password is its name.
-    std::unique_ptr<farm::Database> PrepareFarm(const QString& account, std::int64_t* id)
+    /// The data of a farm that is not running yet, whose account is a new one that has its name as password.
+    std::unique_ptr<FarmData> PrepareFarm(const char* account) const
     {
         QDir().mkdir(Path("farm"_s));
-        auto database = std::make_unique<farm::Database>(Path("farm/farm.sqlite"_s), farm::Schema());
-        *id = farm::AccountStore(*database, 3600)
-                  .Add({account, account + "@example.org"_s, account, false, 50'000'000, 0});
-        return database;
+        auto data = std::make_unique<FarmData>(Path("farm"_s));
+        data->account = data->Add(account, account, 50'000'000);
+        return data;
     }
 
     /// Starts the client and signs in with an account whose password is its name.
@@ -75,12 +70,12 @@ public:
     {
         m_account = account;
         WriteFile(Path("password"_s), account.toUtf8());
+        const QStringList arguments {"quillstar"_s, "--config"_s, Path("client.ini"_s), "--data"_s,
+            m_folder.path(), "--user"_s, account, "--password-file"_s, Path("password"_s), "--farm"_s,
+            farmProgram};
         HostOptions options;
         QString error;
-        if (options.Parse(
-                {"quillstar"_s, "--config"_s, Path("client.ini"_s), "--data"_s, m_folder.path(), "--user"_s,
-                    account, "--password-file"_s, Path("password"_s), "--farm"_s, farmProgram},
-                &error)) {
+        if (options.Parse(arguments, &error)) {
             m_client = std::make_unique<ClientHost>(options);
             m_client->Start(&error);
         }

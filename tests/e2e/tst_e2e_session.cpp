@@ -1,13 +1,10 @@
-#include "farm/jobs/job_store.h"
 #include "host/mainform/main_form.h"
 #include "tests/e2e/running_client.h"
 
 #include <QAction>
 #include <QComboBox>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QPushButton>
+#include <QStandardPaths>
 #include <QTableWidget>
 
 using farm::JobStatus;
@@ -16,55 +13,46 @@ namespace {
 
 constexpr int StatusColumn = 4;
 
-/// The farm's own job types, but each frame waits until the file `gate` exists before it is rendered.
-QByteArray GatedTypes(const QString& gate)
+QString WriteProgram(const QString& path, const QString& script)
 {
-    const QJsonDocument types = QJsonDocument::fromJson(ReadFile(BesideProgram("farm/job_types.json"_s)));
-    QJsonObject type = types["povray"_s].toObject();
-    QJsonArray arguments {"-c"_s, "while [ ! -e '%1' ]; do sleep 0.05; done; exec \"$0\" \"$@\""_s.arg(gate),
-        type["program"_s]};
-    const QJsonArray own = type["arguments"_s].toArray();
-    for (const QJsonValue& argument : own)
-        arguments.append(argument);
-    type["program"_s] = "/bin/sh"_s;
-    type["arguments"_s] = arguments;
-    return QJsonDocument(QJsonObject {{"povray"_s, type}}).toJson();
+    WriteFile(path, "#!/bin/sh\n" + script.toUtf8());
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return path;
 }
 
-int RowOf(const QTableWidget* table, const QString& job)
+/// @return a cell of the job's row; null while the table or the row is missing.
+QTableWidgetItem* Cell(const QTableWidget* table, const QString& job, int column = 0)
 {
     for (int row = 0; table && row < table->rowCount(); ++row) {
         if (table->item(row, 0)->data(Qt::UserRole) == job)
-            return row;
+            return table->item(row, column);
     }
-    return -1;
+    return nullptr;
 }
 
 int ShownStatus(const QString& job)
 {
-    const int row = RowOf(FindJobTable(), job);
-    return row < 0 ? -1 : FindJobTable()->item(row, StatusColumn)->data(Qt::UserRole).toInt();
+    const QTableWidgetItem* cell = Cell(FindJobTable(), job, StatusColumn);
+    return cell ? cell->data(Qt::UserRole).toInt() : -1;
 }
 
-bool Check(QTableWidget* table, const QString& job)
+bool Check(const QTableWidget* table, const QString& job)
 {
-    const int row = RowOf(table, job);
-    if (row >= 0)
-        table->item(row, 0)->setCheckState(Qt::Checked);
-    return row >= 0;
+    QTableWidgetItem* cell = Cell(table, job);
+    if (cell)
+        cell->setCheckState(Qt::Checked);
+    return cell;
 }
 
 /// Chooses an entry of the job table's context menu.
 bool Choose(const QString& text)
 {
     const auto entries = FindMainWindow()->findChildren<QAction*>();
-    for (QAction* entry : entries) {
-        if (entry->text() == text) {
-            entry->trigger();
-            return true;
-        }
-    }
-    return false;
+    const auto entry = std::find_if(
+        entries.begin(), entries.end(), [&text](const QAction* action) { return action->text() == text; });
+    if (entry != entries.end())
+        (*entry)->trigger();
+    return entry != entries.end();
 }
 
 } // namespace
@@ -80,20 +68,15 @@ private slots:
 
     void ASonWaitsForItsParentAcrossARestart()
     {
-        farm::NewJob job;
-        const auto database = m_client->PrepareFarm("waiter"_s, &job.account);
-        farm::JobStore jobs(*database);
-        job.type = "povray"_s;
+        const auto data = m_client->PrepareFarm("waiter");
+        farm::NewJob job = data->Job("son"_s, 2);
         job.scene = "ripples.pov"_s;
         job.width = 64;
         job.height = 36;
-        job.frames = {{1, 2}};
-        job.name = "son"_s;
-        const QString son = jobs.Add(job).id;
-        job.name = "parent"_s;
+        const QString son = data->jobs.Add(job).id;
         job.status = JobStatus::Paused;
-        const QString parent = jobs.Add(job).id;
-        const auto statusOf = [&](const QString& id) { return jobs.Find(job.account, id).status; };
+        const QString parent = data->jobs.Add(job).id;
+        const auto statusOf = [&](const QString& id) { return data->jobs.Find(data->account, id).status; };
         const auto areListed = [&] { return ShownStatus(son) >= 0 && ShownStatus(parent) >= 0; };
         const QString farm = GatedFarm();
 
@@ -161,16 +144,16 @@ private slots:
     }
 
 private:
-    /// @return a program that is the farm, with job types that wait for the file "gate".
+    /// @return a program that is the farm, whose renderer waits until the file "gate" exists.
     QString GatedFarm() const
     {
-        const QString program = m_client->Path("farm.sh"_s);
-        WriteFile(m_client->Path("types.json"_s), GatedTypes(m_client->Path("gate"_s)));
-        const QString script = "#!/bin/sh\nexec '%1' \"$@\" --job-types '%2'\n"_s.arg(
-            BesideProgram("quillstar-farmd"_s), m_client->Path("types.json"_s));
-        WriteFile(program, script.toUtf8());
-        QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        return program;
+        const QString folder = m_client->Path("bin"_s);
+        QDir().mkdir(folder);
+        WriteProgram(folder + "/povray"_s,
+            "while [ ! -e '%1' ]; do sleep 0.05; done; exec '%2' \"$@\""_s.arg(
+                m_client->Path("gate"_s), QStandardPaths::findExecutable("povray"_s)));
+        return WriteProgram(folder + "/farm"_s,
+            "PATH='%1':$PATH exec '%2' \"$@\""_s.arg(folder, BesideProgram("quillstar-farmd"_s)));
     }
 
     std::unique_ptr<RunningClient> m_client;
