@@ -21,7 +21,7 @@ VTParentJob VTParentJob::FromEntry(const QString& strEntry)
 
 void VTJobDependencies::Open(const QString& strPath)
 {
-    m_file = VTListFile(strPath, QStringLiteral("parent"));
+    m_file = VTListFile(strPath, QStringLiteral("parent"), VTListFile::Names::Plain);
     Requeue();
 }
 

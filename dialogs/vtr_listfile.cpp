@@ -2,10 +2,8 @@
 
 #include "common/vtr_filename.h"
 #include "dialogs/vtr_durability.h"
+#include "dialogs/vtr_writemark.h"
 
-#include <QFile>
-#include <QFileInfo>
-#include <QLockFile>
 #include <QSet>
 #include <QVariantMap>
 
@@ -25,7 +23,7 @@ bool StaysWhole(const QString& strName)
         && !strName.contains(SlashCode) && !strName.contains(BackslashCode);
 }
 
-QString KeyOf(const QString& strName)
+QString EscapedKey(const QString& strName)
 {
     if (StaysWhole(strName))
         return strName;
@@ -35,23 +33,25 @@ QString KeyOf(const QString& strName)
         .replace(QLatin1Char('\\'), BackslashCode);
 }
 
-QString NameOf(const QString& strKey)
+QString UnescapedName(const QString& strKey)
 {
     QString strName = strKey;
     strName.replace(SlashCode, QLatin1String("/"))
         .replace(BackslashCode, QLatin1String("\\"))
         .replace(PercentCode, QLatin1String("%"));
     // A key that this class would not write comes from another program and is a plain name.
-    return KeyOf(strName) == strKey ? strName : strKey;
+    return EscapedKey(strName) == strKey ? strName : strKey;
 }
 
 } // namespace
 
-VTListFile::VTListFile(const QString& strPath, const QString& strGroup)
+VTListFile::VTListFile(const QString& strPath, const QString& strGroup, Names names)
     : m_strPath(strPath)
     , m_strGroup(strGroup)
+    , m_names(names)
 {
     VTEnsureFile(strPath);
+    VTRemoveStrayFiles(strPath);
     m_pSettings = std::make_unique<QSettings>(strPath, QSettings::IniFormat);
 }
 
@@ -115,7 +115,7 @@ QStringList VTListFile::Keys() const
     const QString strPrefix = FullKey(QString());
     const QStringList lstAll = m_pSettings->allKeys();
     if (m_pSettings->status() == QSettings::FormatError)
-        QFile::copy(m_strPath, m_strPath + QLatin1String(".damaged"));
+        m_copies.Keep(m_strPath);
     for (const QString& strKey : lstAll) {
         if (strKey.size() > strPrefix.size() && strKey.startsWith(strPrefix))
             lstKey.append(strKey.mid(strPrefix.size()));
@@ -137,6 +137,16 @@ QStringList VTListFile::KeysOf(const QString& strName) const
     return lstFound;
 }
 
+QString VTListFile::KeyOf(const QString& strName) const
+{
+    return m_names == Names::AnyText ? EscapedKey(strName) : strName;
+}
+
+QString VTListFile::NameOf(const QString& strKey) const
+{
+    return m_names == Names::AnyText ? UnescapedName(strKey) : strKey;
+}
+
 QString VTListFile::FullKey(const QString& strKey) const
 {
     return QString(m_strGroup + Slash + strKey);
@@ -144,16 +154,13 @@ QString VTListFile::FullKey(const QString& strKey) const
 
 void VTListFile::Sync() const
 {
-    // A process that is killed while it takes the lock leaves an empty lock file, for which QSettings would wait half a
-    // minute. A lock that a process holds is not removed.
-    const QFileInfo lock(m_strPath + QLatin1String(".lock"));
-    if (lock.exists() && lock.size() == 0)
-        QLockFile(lock.filePath()).removeStaleLockFile();
+    VTRemoveEmptyLock(m_strPath);
     m_pSettings->sync();
 }
 
 bool VTListFile::Save() const
 {
+    const VTWriteMark mark(m_strPath);
     Sync();
     // A QSettings object never clears its first error, so a fresh one reports the current state.
     return QSettings(m_strPath, QSettings::IniFormat).status() == QSettings::NoError

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+/// Keeps copies of an INI file as often as it becomes damaged, so that a later write destroys nothing that somebody may
+/// want to mend.
+class VTDamagedCopies
+{
+public:
+    /// Copies the file to "….damaged" (or "….damaged.2" and so on) if QSettings can read only part of it. Does nothing
+    /// when the file is unchanged since the last call, or equal to the last copy.
+    void Keep(const QString& strPath);
+
+private:
+    QDateTime m_modified;
+    qint64 m_nSize = -1;
+};
