@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QMetaObject>
 #include <QObject>
+#include <QVector>
 
 #include <initializer_list>
 
@@ -13,5 +15,19 @@ struct VTConnection
     const char* szSlot;
 };
 
-/// Makes each connection once, however often it is called; logs any that cannot be made.
-void VTConnect(std::initializer_list<VTConnection> lstConnection);
+/// Connections that end together: when this object is cleared or destroyed.
+class VTConnections
+{
+public:
+    VTConnections() = default;
+    ~VTConnections() { Clear(); }
+    VTConnections(const VTConnections&) = delete;
+    VTConnections& operator=(const VTConnections&) = delete;
+
+    /// Makes the connections; logs any that cannot be made.
+    void Add(std::initializer_list<VTConnection> lstConnection);
+    void Clear();
+
+private:
+    QVector<QMetaObject::Connection> m_lstConnection;
+};

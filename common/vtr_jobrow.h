@@ -17,6 +17,7 @@ struct VTCell
     QVariant varData;
     QString strTip;
     bool bCheckable = false;
+    Qt::CheckState checkState = Qt::Unchecked; ///< of a checkable cell
 };
 
 /// The cells of a job's row. The cell of the Progress column is unused: the record's percentage is shown by a bar.

@@ -39,7 +39,9 @@ void Write(QTableWidget* pTable, int nRow, int nColumn, const VTCell& cell)
 {
     QTableWidgetItem* pItem = ItemAt(pTable, nRow, nColumn);
     pItem->setText(cell.strText);
-    SetAttributes(pItem, cell.varData, cell.strTip, cell.bCheckable);
+    SetAttributes(pItem, cell.varData, cell.strTip, false);
+    if (cell.bCheckable)
+        pItem->setCheckState(cell.checkState);
 }
 
 QProgressBar* NewProgressBar(int nPercent, const VTCodeTables& codeTables)
@@ -69,14 +71,28 @@ void WriteProgress(QTableWidget* pTable, int nRow, int nColumn, int nPercent, co
         pTable->setCellWidget(nRow, nColumn, NewProgressBar(nPercent, codeTables));
 }
 
-void WriteJob(QTableWidget* pTable, int nRow, const VTJobRecord& job, const VTCodeTables& codeTables)
+void WriteJob(QTableWidget* pTable, int nRow, const VTJobRecord& job, const VTCodeTables& codeTables,
+    Qt::CheckState checkState)
 {
-    const VTJobRow row = VTMakeJobRow(job, codeTables.mapJobStatus);
+    VTJobRow row = VTMakeJobRow(job, codeTables.mapJobStatus);
+    row[VTIdColumn].checkState = checkState;
     for (int nColumn = 0; nColumn < VTColumnCount; ++nColumn) {
         if (nColumn == VTJobColumn::Progress)
             WriteProgress(pTable, nRow, nColumn, job.nProgress, codeTables);
         else
             Write(pTable, nRow, nColumn, row[nColumn]);
+    }
+}
+
+void RetranslateJobStatuses(const QTableWidget* pTable, const VTCodeTables& codeTables)
+{
+    for (int nRow = 0; nRow < pTable->rowCount(); ++nRow) {
+        QTableWidgetItem* pStatus = pTable->item(nRow, VTJobColumn::Status);
+        if (!pStatus)
+            continue;
+        pStatus->setText(codeTables.JobStatusText(pStatus->data(Qt::UserRole).toInt()));
+        if (!pStatus->toolTip().isEmpty())
+            pStatus->setToolTip(VTPlainToolTip(pStatus->text()));
     }
 }
 

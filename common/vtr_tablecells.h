@@ -23,7 +23,7 @@ QTableWidgetItem* ItemAt(QTableWidget* pTable, int nRow, int nColumn);
 /// The data (`Qt::UserRole`) of a cell; invalid when there is no such cell.
 QVariant Data(const QTableWidget* pTable, int nRow, int nColumn);
 
-/// Writes text and attributes of one cell.
+/// Writes text, attributes and check box of one cell.
 void Write(QTableWidget* pTable, int nRow, int nColumn, const VTCell& cell);
 
 /// Makes a bar of 0 to 100 percent with visible text. The caller owns it until a table takes it.
@@ -37,6 +37,10 @@ void SetProgress(QProgressBar* pBar, int nPercent, const QString& strStyle);
 void WriteProgress(QTableWidget* pTable, int nRow, int nColumn, int nPercent, const VTCodeTables& codeTables);
 
 /// Writes all cells of a job's row.
-void WriteJob(QTableWidget* pTable, int nRow, const VTJobRecord& job, const VTCodeTables& codeTables);
+void WriteJob(QTableWidget* pTable, int nRow, const VTJobRecord& job, const VTCodeTables& codeTables,
+    Qt::CheckState checkState = Qt::Unchecked);
+
+/// Translates the statuses of all rows of a job table, where they are shown as text and tool tip, from their codes.
+void RetranslateJobStatuses(const QTableWidget* pTable, const VTCodeTables& codeTables);
 
 } // namespace VTTableCells

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QList>
+#include <QSet>
+#include <QString>
 #include <QStringList>
 
 class QTableWidget;
@@ -24,5 +26,29 @@ void SetCheckStates(const QTableWidget* pTable, Qt::CheckState state);
 
 /// Removes all rows.
 void Clear(QTableWidget* pTable);
+
+/// Marks that the user has made in a table, by row identifier. They outlive a refill: take them before, restore them
+/// after it.
+class Marks
+{
+public:
+    explicit Marks(const QTableWidget* pTable);
+
+    Qt::CheckState CheckState(const QString& strId) const;
+
+    /// Checks the rows that were checked, and restores the position.
+    void Restore(QTableWidget* pTable) const;
+
+    /// Makes the row with the identifier of the current one current again, or none if there is no such row any more,
+    /// and scrolls back.
+    void RestorePosition(QTableWidget* pTable) const;
+
+private:
+    QSet<QString> m_setChecked;
+    QString m_strCurrent;
+    int m_nCurrentColumn;
+    int m_nScrollX;
+    int m_nScrollY;
+};
 
 } // namespace VTTableRows

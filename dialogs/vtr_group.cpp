@@ -141,14 +141,18 @@ void VTGroup::UpdateGroup()
 {
     if (!IsBound() || !m_groups.IsOpen())
         return;
+    const int nUpdate = ++m_nUpdate;
+    const bool bSettings = m_pServices && m_pServices->pSettings;
+    const QString strCurrent
+        = bSettings ? m_pServices->pSettings->Value(CurrentProjectKey(), QVariant()).toString() : QString();
+    // The settings service may call back: another user may have signed in, or the panel may have gone.
+    if (nUpdate != m_nUpdate || !IsBound())
+        return;
     m_pGroupList->clear();
     const QVector<VTNamedList> lstGroup = m_groups.Entries();
     for (const VTNamedList& group : lstGroup)
         m_pGroupList->addItem(NewGroupItem(group.strName, group.lstValue));
 
-    const bool bSettings = m_pServices && m_pServices->pSettings;
-    const QString strCurrent
-        = bSettings ? m_pServices->pSettings->Value(CurrentProjectKey(), QVariant()).toString() : QString();
     const bool bThere = std::any_of(lstGroup.begin(), lstGroup.end(),
         [&strCurrent](const VTNamedList& group) { return group.strName == strCurrent; });
     SetCurrentProject(bThere ? strCurrent : lstGroup.value(0).strName);
@@ -189,7 +193,10 @@ void VTGroup::Login(QString strServer, QString strUsername, QString strToken, QS
         VTAccountFile(QStringLiteral("Data"), strServer, strUsername), QStringLiteral("jobgroup"));
     if (!IsBound())
         return;
+    const QPointer<VTGroup> pSelf(this);
     UpdateGroup();
+    if (!pSelf || !m_pToolBox)
+        return;
     // Each page gets its icon and size when it is opened. The first page stays open.
     for (int i = m_pToolBox->count(); i >= 0; --i)
         m_pToolBox->setCurrentIndex(i);
@@ -227,10 +234,15 @@ void VTGroup::GroupItemClicked(QListWidgetItem* item)
 {
     if (!item || !IsBound())
         return;
-    SetCurrentProject(item->text());
-    const QStringList lstGuid = m_groups.Value(item->text());
+    const QString strName = item->text();
+    const QStringList lstGuid = m_groups.Value(strName);
     item->setData(Qt::UserRole, lstGuid);
-    emit condition(VTGroupConditionText(lstGuid));
+    // The settings service may call back and refill the list, so the item is not touched any more.
+    const int nUpdate = m_nUpdate;
+    const QPointer<VTGroup> pSelf(this);
+    SetCurrentProject(strName);
+    if (pSelf && nUpdate == m_nUpdate)
+        emit condition(VTGroupConditionText(lstGuid));
 }
 
 void VTGroup::CurrentChanged(int index)

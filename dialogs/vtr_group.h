@@ -100,4 +100,5 @@ private:
     QString m_strClosedIcon;
     QString m_strOpenIcon;
     int m_nPreviousPage = 0;
+    int m_nUpdate = 0; ///< changes whenever the list of groups is refilled
 };

@@ -61,6 +61,11 @@ void VTSetParent::EndSession()
 {
     ++m_nFill;
     ++m_nSession;
+    if (!IsBound())
+        return;
+    m_form.Form()->setProperty(SonsProperty, QVariant());
+    VTTableRows::Clear(m_pCandidates);
+    m_form.Close();
 }
 
 void VTSetParent::InitWidgets()
@@ -69,6 +74,8 @@ void VTSetParent::InitWidgets()
     m_pCandidates = m_form.Find<QTableWidget>(QStringLiteral("twtJobList"));
     m_pCandidates->setColumnCount(VTColumnCount);
     m_pCandidates->setSortingEnabled(false);
+    m_pCandidates->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_pCandidates->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_pBtnClose = m_form.Find<QPushButton>(QStringLiteral("btnCloseSetParent"));
     m_pBtnOk = m_form.Find<QPushButton>(QStringLiteral("btnOkSetParent"));
     connect(m_pBtnClose, &QPushButton::clicked, m_form.Form(), &QWidget::close);
@@ -86,10 +93,7 @@ void VTSetParent::ChangeLanguage()
         return;
     m_pBtnOk->setText(tr("Ok"));
     m_pCandidates->setHorizontalHeaderLabels(VTJobHeaders());
-    for (int nRow = 0; nRow < m_pCandidates->rowCount(); ++nRow) {
-        if (QTableWidgetItem* pItem = m_pCandidates->item(nRow, VTJobColumn::Status))
-            pItem->setText(m_codeTables.JobStatusText(pItem->data(Qt::UserRole).toInt()));
-    }
+    VTTableCells::RetranslateJobStatuses(m_pCandidates, m_codeTables);
 }
 
 void VTSetParent::SetJobParent()
@@ -100,6 +104,10 @@ void VTSetParent::SetJobParent()
     if (lstSon.isEmpty())
         return;
     m_form.Form()->setProperty(SonsProperty, lstSon);
+    // If the list cannot be had, the dialog shows none rather than the candidates of the last time.
+    ++m_nFill;
+    if (m_pCandidates)
+        VTTableRows::Clear(m_pCandidates);
     const QPointer<VTSetParent> pSelf(this);
     const int nSession = m_nSession;
     emit getJobList(FirstPage, QString(), ListForParents);
@@ -230,7 +238,7 @@ void VTSetParent::GetJobInfo()
 
 void VTSetParent::GetSettings(QString strServer, QString strToken, QString strUsername, QString strUserId)
 {
-    ++m_nSession;
+    EndSession();
     m_strToken = strToken;
     m_strUserId = strUserId;
     m_jobDependencies.Open(VTAccountFile(QStringLiteral("data"), strServer, strUsername));

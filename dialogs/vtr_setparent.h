@@ -43,8 +43,8 @@ public:
     /// Finds the form's widgets and connects them. To be called once, before anything else.
     void InitWidgets();
 
-    /// Ends the work under way for the session: a fill of the candidates stops at the next row, a poll or a recovery
-    /// after the current request, and a dialog that is about to open stays closed.
+    /// Ends the work under way for the session: the dialog closes, a fill of the candidates stops at the next row, a
+    /// poll or a recovery after the current request.
     void EndSession();
 
 signals:

@@ -33,7 +33,6 @@ void VTAccountPanel::ShowUser(const QString& strName) const
 
 void VTAccountPanel::StartPolling() const
 {
-    RequestUserInfo();
     m_deps.timers.pUserInfo->start(VTTimers::UserInfoInterval);
     // contract: connected again at every sign-in, so that after the second one each timeout sends two requests
     QObject::connect(m_deps.timers.pUserInfo, SIGNAL(timeout()), m_deps.pWindow, SLOT(GetUserInfo()));

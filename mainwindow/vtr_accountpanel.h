@@ -24,8 +24,8 @@ public:
 
     void ShowUser(const QString& strName) const;
 
-    /// Requests the user's information at once and every 30 seconds from then on. Each further call makes every timeout
-    /// send one more request.
+    /// Requests the user's information every 30 seconds from now on. Each further call makes every timeout send one more
+    /// request.
     void StartPolling() const;
     void StopPolling() const;
 

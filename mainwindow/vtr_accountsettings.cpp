@@ -1,32 +1,31 @@
 #include "mainwindow/vtr_accountsettings.h"
 
-#include "common/vtr_connections.h"
 #include "common/vtr_services.h"
 #include "mainwindow/vtr_session.h"
-
-namespace {
-
-void SwitchConnection(bool bOn, const VTConnection& connection)
-{
-    if (bOn)
-        VTConnect({connection});
-    else if (connection.pSender && connection.pReceiver)
-        QObject::disconnect(connection.pSender, connection.szSignal, connection.pReceiver, connection.szSlot);
-}
-
-} // namespace
 
 void VTAccountSettings::Load()
 {
     if (m_session.strUserName.isEmpty())
         return;
     m_bAutoDownload = Read(QStringLiteral("autodownload"));
-    SwitchConnection(Read(QStringLiteral("popupfinish")),
-        {m_services.pRenderCore, SIGNAL(DownloadFinish(QString)), m_pWindow, SLOT(PopupFinish(QString))});
-    SwitchConnection(Read(QStringLiteral("soundfinish")),
-        {m_services.pRenderCore, SIGNAL(DownloadFinish(QString)), m_services.pConfiguration,
-            SLOT(Finish(QString))});
+    const bool bBalloon = Read(QStringLiteral("popupfinish"));
+    const bool bSound = Read(QStringLiteral("soundfinish"));
     m_bOffersArguments = Read(QStringLiteral("setargument"));
+
+    Disconnect();
+    const QObject* pRenderCore = m_services.pRenderCore;
+    if (bBalloon)
+        m_balloon.Add(
+            {{pRenderCore, SIGNAL(DownloadFinish(QString)), m_pWindow, SLOT(PopupFinish(QString))}});
+    if (bSound)
+        m_sound.Add({{pRenderCore, SIGNAL(DownloadFinish(QString)), m_services.pConfiguration,
+            SLOT(Finish(QString))}});
+}
+
+void VTAccountSettings::Disconnect()
+{
+    m_balloon.Clear();
+    m_sound.Clear();
 }
 
 bool VTAccountSettings::Read(const QString& strName) const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/vtr_connections.h"
+
 #include <QString>
 
 class QObject;
@@ -22,6 +24,9 @@ public:
     /// nothing while no user is known.
     void Load();
 
+    /// Disconnects balloon and sound until the switches are read again.
+    void Disconnect();
+
     /// Whether finished jobs are downloaded automatically.
     bool AutoDownload() const { return m_bAutoDownload; }
 
@@ -34,6 +39,8 @@ private:
     const QObject* m_pWindow;
     const VTServices& m_services;
     const VTSession& m_session;
+    VTConnections m_balloon;
+    VTConnections m_sound;
     bool m_bAutoDownload = false;
     bool m_bOffersArguments = false;
 };

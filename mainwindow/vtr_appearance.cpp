@@ -9,7 +9,10 @@
 #include "dialogs/vtr_setparent.h"
 #include "mainwindow/vtr_captions.h"
 #include "mainwindow/vtr_contextmenus.h"
+#include "mainwindow/vtr_downloadlist.h"
+#include "mainwindow/vtr_joblist.h"
 #include "mainwindow/vtr_mainform.h"
+#include "mainwindow/vtr_submitlist.h"
 #include "mainwindow/vtr_tray.h"
 
 #include <QFileInfo>
@@ -56,6 +59,9 @@ void VTAppearance::ChangeLanguage()
     VTCaptions::Retranslate(m_deps.form);
     m_deps.tray.Retranslate();
     m_deps.menus.Retranslate();
+    m_deps.jobList.Retranslate();
+    m_deps.submitList.Retranslate();
+    m_deps.downloadList.Retranslate();
     m_deps.setArgument.ChangeLanguage();
     m_deps.setParent.ChangeLanguage();
     m_deps.search.ChangeLanguage();

@@ -4,10 +4,13 @@
 
 class QWidget;
 class VTContextMenus;
+class VTDownloadList;
 class VTGroup;
+class VTJobList;
 class VTSearch;
 class VTSetArgument;
 class VTSetParent;
+class VTSubmitList;
 class VTTray;
 struct VTMainForm;
 struct VTServices;
@@ -23,6 +26,9 @@ public:
         const VTServices& services;
         const VTTray& tray;
         const VTContextMenus& menus;
+        const VTJobList& jobList;
+        VTSubmitList& submitList;
+        VTDownloadList& downloadList;
         VTSetArgument& setArgument;
         VTSetParent& setParent;
         VTSearch& search;

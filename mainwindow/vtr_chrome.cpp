@@ -49,7 +49,7 @@ void VTChrome::Maximize()
     m_sizeDelta = m_form.pForm->screen()->availableSize() - m_form.pForm->size();
     m_form.tbwContainer->setFixedSize(m_form.tbwContainer->size() + m_sizeDelta);
     AnnounceNewSize();
-    m_form.pForm->showMaximized(); // last: its events may delete the form, and with it this object
+    m_form.pForm->showMaximized(); // last: its events may delete the form
 }
 
 void VTChrome::Restore()
@@ -78,12 +78,12 @@ bool VTChrome::HandleEvent(const QObject* pObject, const QEvent* pEvent) const
 
 void VTChrome::AskToQuit()
 {
-    const QPointer<VTChrome> pThis(this);
-    if (m_prompts.AskToConfirm(tr("Are you sure to quit?")) != VTAnswer::Agreed || !pThis)
+    const QPointer<QWidget> pForm(m_form.pForm);
+    if (m_prompts.AskToConfirm(tr("Are you sure to quit?")) != VTAnswer::Agreed)
         return;
-    if (m_services.pRenderCore)
+    if (pForm && m_services.pRenderCore)
         m_services.pRenderCore->RemoveSubmitTasks(VTTableRows::AllIds(m_form.twtLocalTask), false);
-    if (pThis)
-        m_form.pForm->hide();
+    if (pForm)
+        pForm->hide();
     QCoreApplication::exit(0);
 }

@@ -1,7 +1,6 @@
 #include "mainwindow/vtr_concerns.h"
 
 #include "common/vtr_codetables.h"
-#include "common/vtr_services.h"
 #include "dialogs/vtr_group.h"
 #include "dialogs/vtr_search.h"
 #include "dialogs/vtr_setargument.h"
@@ -11,8 +10,9 @@
 #include <QDialog>
 
 VTConcerns::VTConcerns(
-    QWidget* pWindow, const VTServices& services, const VTCodeTables& codeTables, const VTTimers& timers)
-    : forms(services.pUiLoader)
+    QWidget* pWindow, const VTServices& attached, const VTCodeTables& codeTables, const VTTimers& timers)
+    : services(attached)
+    , forms(services.pUiLoader)
     , form(forms.pMain)
     , pGroup(new VTGroup(forms.pMain, form.wgtGroup, forms.pInput))
     , pSetParent(new VTSetParent(
@@ -24,21 +24,25 @@ VTConcerns::VTConcerns(
     , settings(pWindow, services, session)
     , tables(form)
     , pageBar(form, services)
+    , pageKeys(form)
     , accountPanel({pWindow, form, requests, timers})
     , chrome(pWindow, form, services, prompts)
     , tray(pWindow, form, services, session)
     , menus(pWindow, form, settings, tables)
-    , appearance({pWindow, form, services, tray, menus, *pSetArgument, *pSetParent, *pSearch, *pGroup})
-    , jobList({form, services, settings, codeTables, requests, prompts, tables, pageBar})
-    , submitList({form, services, codeTables, timers, prompts, pageBar})
-    , downloadList({form, services, codeTables, timers, pageBar})
+    , jobList({form, services, session, settings, codeTables, requests, prompts, tables, pageBar})
+    , submitList({form, services, session, codeTables, timers, prompts, tables, pageBar})
+    , downloadList({form, services, codeTables, timers, tables, pageBar})
+    , appearance({pWindow, form, services, tray, menus, jobList, submitList, downloadList, *pSetArgument,
+          *pSetParent, *pSearch, *pGroup})
     , jobActions({form, services, session, requests, tables, prompts, jobList, submitList, downloadList})
     , toolbar(form)
-    , tabs({form, services, timers, tables, toolbar, *pGroup, pageBar, jobList, submitList, downloadList})
-    , uploadRetries(VTTaskQuestions::Subject::FailedUploads, services, prompts, timers.pUploadRetry)
-    , lackedTextures(VTTaskQuestions::Subject::MissingTextures, services, prompts, timers.pLackTexture)
-    , signIn({form, services, timers, requests, session, settings, accountPanel, pageBar, jobList, tray,
-          *pSearch, *pSetParent})
+    , tabs({form, services, session, timers, tables, toolbar, *pGroup, menus, pageBar, jobList, submitList,
+          downloadList})
+    , uploadRetries(VTTaskQuestions::Subject::FailedUploads, services, session, prompts, timers.pUploadRetry)
+    , lackedTextures(
+          VTTaskQuestions::Subject::MissingTextures, services, session, prompts, timers.pLackTexture)
+    , signIn({form, services, timers, requests, session, settings, accountPanel, pageBar, jobList, menus,
+          tray, uploadRetries, lackedTextures, *pSearch, *pSetParent})
 {
     pSetArgument->SetServices(services);
     pSetParent->SetServices(services);
@@ -54,12 +58,25 @@ VTConcerns::VTConcerns(
     form.pForm->setMouseTracking(true);
 }
 
-VTConcerns::~VTConcerns()
+VTConcerns::~VTConcerns() = default;
+
+void VTConcerns::ReleaseServices()
 {
-    // The controllers are deleted shortly after this object, when the services may be gone already.
+    settings.Disconnect();
+    services = VTServices();
+}
+
+void VTConcerns::Retire()
+{
+    ReleaseServices();
+    session.End();
+    // The controllers are deleted shortly after this object and must not use it then.
     pSetArgument->Retire();
     pSetParent->Retire();
     pGroup->Retire();
+    menus.Close();
+    tray.Hide();
+    forms.Hide();
 }
 
 QVector<QPointer<QObject>> VTConcerns::DeferredDeletions() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/vtr_prompts.h"
+#include "common/vtr_services.h"
 #include "mainwindow/vtr_accountpanel.h"
 #include "mainwindow/vtr_accountsettings.h"
 #include "mainwindow/vtr_appearance.h"
@@ -12,6 +13,7 @@
 #include "mainwindow/vtr_joblist.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_pagebar.h"
+#include "mainwindow/vtr_pagekeys.h"
 #include "mainwindow/vtr_requests.h"
 #include "mainwindow/vtr_session.h"
 #include "mainwindow/vtr_signin.h"
@@ -30,7 +32,6 @@ class VTSearch;
 class VTSetArgument;
 class VTSetParent;
 struct VTCodeTables;
-struct VTServices;
 struct VTTimers;
 
 /// Owns a dialog controller and schedules it for deletion when it goes out of scope.
@@ -40,14 +41,22 @@ using VTController = QScopedPointer<Controller, QScopedPointerDeleteLater>;
 /// The built window: forms, dialog controllers and concerns, each declared after what it depends on.
 struct VTConcerns
 {
-    /// @param pWindow parent of tray icon and menus; all must outlive this object.
+    /// @param pWindow parent of tray icon and menus; all but `attached` must outlive this object.
     VTConcerns(
-        QWidget* pWindow, const VTServices& services, const VTCodeTables& codeTables, const VTTimers& timers);
+        QWidget* pWindow, const VTServices& attached, const VTCodeTables& codeTables, const VTTimers& timers);
     ~VTConcerns();
+
+    /// Disconnects the services from each other, as far as the window has connected them, and forgets them.
+    void ReleaseServices();
+
+    /// Ends session and dialogs and releases the services: a call of these concerns that still runs has no effect from
+    /// now on.
+    void Retire();
 
     /// The dialog controllers and forms, which are not deleted with this object but left to the event loop.
     QVector<QPointer<QObject>> DeferredDeletions() const;
 
+    VTServices services;
     VTSession session;
     VTForms forms;
     VTMainForm form;
@@ -62,14 +71,15 @@ struct VTConcerns
     VTAccountSettings settings;
     VTTables tables;
     VTPageBar pageBar;
+    VTPageKeys pageKeys;
     VTAccountPanel accountPanel;
     VTChrome chrome;
     VTTray tray;
     VTContextMenus menus;
-    VTAppearance appearance;
     VTJobList jobList;
     VTSubmitList submitList;
     VTDownloadList downloadList;
+    VTAppearance appearance;
     VTJobActions jobActions;
     VTToolbar toolbar;
     VTTabs tabs;

@@ -8,7 +8,6 @@
 
 #include <QCursor>
 #include <QFileInfo>
-#include <QPointer>
 
 VTContextMenus::VTContextMenus(
     QWidget* pWindow, const VTMainForm& form, const VTAccountSettings& settings, VTTables& tables)
@@ -39,31 +38,25 @@ void VTContextMenus::Retranslate() const
     pRedownload->setText(tr("Redownload"));
 }
 
-void VTContextMenus::RunJobMenu()
-{
-    if (m_tables.PressedRow() >= 0)
-        Run(m_jobMenu);
-}
-
-void VTContextMenus::RunDownloadMenu()
-{
-    if (m_tables.PressedRow() >= 0)
-        Run(m_downloadMenu);
-}
-
-void VTContextMenus::RunSubmitMenu()
+void VTContextMenus::Run(int nTab)
 {
     const int nRow = m_tables.PressedRow();
-    const QTableWidget* pTable = m_form.twtLocalTask;
-    if (nRow < 0 || pTable->rowCount() < nRow || m_tables.CheckedIds(VTList::LocalTasks).isEmpty())
+    if (nRow < 0)
         return;
-    if (!pTable->item(nRow, VTTaskColumn::SceneFile))
-        return;
-    if (m_settings.OffersArguments() && HasArguments(nRow))
-        m_submitMenu.addAction(pSetArgument); // adding it again does not duplicate it
-    else
-        m_submitMenu.removeAction(pSetArgument);
-    Run(m_submitMenu);
+    if (nTab == VTList::Jobs)
+        Run(m_jobMenu, nTab);
+    else if (nTab == VTList::Downloads)
+        Run(m_downloadMenu, nTab);
+    else if (CanRunSubmitMenu(nRow)) {
+        OfferArguments(m_settings.OffersArguments() && HasArguments(nRow));
+        Run(m_submitMenu, nTab);
+    }
+}
+
+bool VTContextMenus::CanRunSubmitMenu(int nRow) const
+{
+    return m_form.twtLocalTask->item(nRow, VTTaskColumn::SceneFile)
+        && !m_tables.CheckedIds(VTList::LocalTasks).isEmpty();
 }
 
 bool VTContextMenus::HasArguments(int nRow) const
@@ -75,10 +68,26 @@ bool VTContextMenus::HasArguments(int nRow) const
         && (strSuffix == QLatin1String("ma") || strSuffix == QLatin1String("mb"));
 }
 
-void VTContextMenus::Run(QMenu& menu)
+void VTContextMenus::OfferArguments(bool bOffer)
 {
-    const QPointer<VTContextMenus> pThis(this);
+    if (bOffer)
+        m_submitMenu.addAction(pSetArgument); // adding it again does not duplicate it
+    else
+        m_submitMenu.removeAction(pSetArgument);
+}
+
+void VTContextMenus::Run(QMenu& menu, int nTab)
+{
+    // A menu that is run a second time would never return to its first caller.
+    if (menu.isVisible())
+        return;
+    m_tables.Hold(nTab, &menu);
     menu.exec(QCursor::pos());
-    if (pThis)
-        m_tables.ForgetPress();
+    m_tables.ForgetPress();
+}
+
+void VTContextMenus::Close()
+{
+    for (QMenu* pMenu : {&m_jobMenu, &m_submitMenu, &m_downloadMenu})
+        pMenu->close();
 }

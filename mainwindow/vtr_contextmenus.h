@@ -3,14 +3,14 @@
 #include <QAction>
 #include <QCoreApplication>
 #include <QMenu>
-#include <QObject>
 
 class VTAccountSettings;
 class VTTables;
 struct VTMainForm;
 
-/// The context menus of the three tables. Each opens at the cursor, at most once per press on a row.
-class VTContextMenus : public QObject
+/// The context menus of the three tables. Each opens at the cursor, at most once per press on a row. While it is open, the
+/// rows of its table stay as they are.
+class VTContextMenus
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
 
@@ -19,16 +19,20 @@ public:
     VTContextMenus(
         QWidget* pWindow, const VTMainForm& form, const VTAccountSettings& settings, VTTables& tables);
 
-    void RunJobMenu();
-    void RunDownloadMenu();
-    void RunSubmitMenu();
+    /// Runs the menu of a tab's table, if there is something that it can act on, until it is closed.
+    void Run(int nTab);
+
+    /// Closes the menu that is open.
+    void Close();
 
     void Retranslate() const;
 
 private:
+    bool CanRunSubmitMenu(int nRow) const;
     /// @return whether the arguments of a local task's row can be edited.
     bool HasArguments(int nRow) const;
-    void Run(QMenu& menu);
+    void OfferArguments(bool bOffer);
+    void Run(QMenu& menu, int nTab);
 
     const VTMainForm& m_form;
     const VTAccountSettings& m_settings;

@@ -9,6 +9,7 @@
 #include "mainwindow/vtr_filereveal.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_pagebar.h"
+#include "mainwindow/vtr_tables.h"
 #include "mainwindow/vtr_timers.h"
 
 #include <QFileInfo>
@@ -31,13 +32,28 @@ const QVariantMap* VTDownloadList::Tasks() const
     return m_deps.services.pRenderCore ? m_pTasks : nullptr;
 }
 
-void VTDownloadList::BuildPage(int nPage)
+void VTDownloadList::BuildCurrentPage()
 {
+    BuildPage(m_deps.pageBar.CurrentPage(VTList::Downloads), false);
+}
+
+void VTDownloadList::BuildPage(int nPage, bool bKeepMarks)
+{
+    m_bBuildHeld = m_deps.tables.IsHeld(VTList::Downloads);
+    if (m_bBuildHeld)
+        return;
+    const VTTableRows::Marks marks(m_pTable);
     VTTableRows::Clear(m_pTable);
+    AddRows((nPage - 1) * VTPageSize);
+    if (bKeepMarks)
+        marks.Restore(m_pTable);
+}
+
+void VTDownloadList::AddRows(int nFirst)
+{
     const QVariantMap* pTasks = Tasks();
     if (!pTasks)
         return;
-    const int nFirst = (nPage - 1) * VTPageSize;
     auto itTask = m_place.At(*pTasks, nFirst);
     if (itTask == pTasks->constEnd())
         return;
@@ -47,9 +63,10 @@ void VTDownloadList::BuildPage(int nPage)
         WriteRow(nRow, itTask.key(), itTask->toMap());
 }
 
-void VTDownloadList::BuildCurrentPage()
+void VTDownloadList::CatchUp()
 {
-    BuildPage(m_deps.pageBar.CurrentPage(VTList::Downloads));
+    if (m_bBuildHeld)
+        BuildPage(m_deps.pageBar.CurrentPage(VTList::Downloads), true);
 }
 
 void VTDownloadList::WriteRow(int nRow, const QString& strTaskId, const QVariantMap& mapTask)
@@ -97,7 +114,7 @@ void VTDownloadList::HandleListChange()
     if (m_deps.form.tbwContainer->currentIndex() == VTList::Downloads) {
         m_deps.pageBar.Show(VTList::Downloads, pTasks->size());
         if (m_pTable->rowCount() < VTPageSize)
-            BuildCurrentPage();
+            BuildPage(state.nCurrentPage, true);
     }
     VTTimers::StartOnce(m_deps.timers.pDownloadList);
 }
@@ -122,7 +139,7 @@ void VTDownloadList::Delete(const QStringList& lstTaskId)
     m_place.Forget();
     const QVariantMap* pTasks = Tasks();
     m_deps.pageBar.State(VTList::Downloads).nTotalRecords = pTasks ? pTasks->size() : 0;
-    BuildPage(m_deps.pageBar.CorrectAfterDeletion(VTList::Downloads));
+    BuildPage(m_deps.pageBar.CorrectAfterDeletion(VTList::Downloads), false);
 }
 
 void VTDownloadList::RedownloadChecked()

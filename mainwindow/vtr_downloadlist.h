@@ -9,6 +9,7 @@
 
 class QTableWidget;
 class VTPageBar;
+class VTTables;
 struct VTCodeTables;
 struct VTMainForm;
 struct VTServices;
@@ -26,6 +27,7 @@ public:
         const VTServices& services;
         const VTCodeTables& codeTables;
         const VTTimers& timers;
+        const VTTables& tables;
         VTPageBar& pageBar;
     };
 
@@ -34,7 +36,7 @@ public:
 
     static QStringList Headers();
 
-    void BuildPage(int nPage);
+    /// Shows the current page with no row checked.
     void BuildCurrentPage();
 
     /// Adapts page state, page bar and table after downloads have come or gone.
@@ -42,6 +44,11 @@ public:
 
     /// Updates progress and state of the rows on the screen.
     void Refresh();
+
+    /// Does what had to wait while a menu was open over the table.
+    void CatchUp();
+
+    void Retranslate() { Refresh(); }
 
     /// Deletes downloads and shows the remaining ones.
     void Delete(const QStringList& lstTaskId);
@@ -55,6 +62,8 @@ public:
 private:
     /// The live map; null when the render core is gone or has none.
     const QVariantMap* Tasks() const;
+    void BuildPage(int nPage, bool bKeepMarks);
+    void AddRows(int nFirst);
     void WriteRow(int nRow, const QString& strTaskId, const QVariantMap& mapTask);
     void WriteState(int nRow, const QVariantMap& mapTask);
 
@@ -62,4 +71,5 @@ private:
     QTableWidget* m_pTable;
     const QVariantMap* m_pTasks = nullptr;
     VTMapCursor m_place;
+    bool m_bBuildHeld = false;
 };

@@ -37,15 +37,19 @@ VTForms::VTForms(VTUiLoaderInterface* pUiLoader)
 
 VTForms::~VTForms()
 {
-    for (QWidget* pForm : {pMain.data(), pSetArgument.data(), pSetParent.data(), pSearch.data()}) {
-        if (pForm)
-            pForm->hide();
-    }
-    if (pInput)
-        pInput->hide();
+    Hide();
     const QVector<QWidget*> lstOwned = Owned();
     for (QWidget* pForm : lstOwned)
         pForm->deleteLater();
+}
+
+void VTForms::Hide() const
+{
+    for (const QPointer<QWidget>& pForm :
+        {pMain, pSetArgument, pSetParent, pSearch, QPointer<QWidget>(pInput.data())}) {
+        if (pForm)
+            pForm->hide();
+    }
 }
 
 QVector<QWidget*> VTForms::Owned() const

@@ -11,8 +11,6 @@
 #include "mainwindow/vtr_submitlist.h"
 #include "mainwindow/vtr_tables.h"
 
-#include <QPointer>
-
 VTJobActions::VTJobActions(const Dependencies& dependencies)
     : m_deps(dependencies)
 {
@@ -38,16 +36,14 @@ void VTJobActions::SendForJobs(VTRequests::Operation operation) const
 
 void VTJobActions::Delete()
 {
+    // The lists may be refilled while the question is open: the consent is for the rows over which it was asked, and
+    // for their session.
     const int nTab = CurrentTab();
-    const bool bSignedIn = m_deps.session.bSignedIn;
-    const QPointer<VTJobActions> pThis(this);
-    const VTAnswer answer = m_deps.prompts.AskToConfirm(tr("Are you sure to delete these jobs?"));
-    if (answer != VTAnswer::Agreed || !pThis)
-        return;
-    // The consent is valid only for the tab and the session in which the question was asked.
-    if (CurrentTab() != nTab || m_deps.session.bSignedIn != bSignedIn)
-        return;
+    const int nSession = m_deps.session.nNumber;
     const QStringList lstId = m_deps.tables.CheckedIds(nTab);
+    const VTAnswer answer = m_deps.prompts.AskToConfirm(tr("Are you sure to delete these jobs?"));
+    if (answer != VTAnswer::Agreed || m_deps.session.nNumber != nSession)
+        return;
     m_deps.tables.UncheckAll();
     switch (nTab) {
     case VTList::Jobs:

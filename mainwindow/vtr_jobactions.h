@@ -29,7 +29,7 @@ public:
         const VTRequests& requests;
         const VTTables& tables;
         const VTPrompts& prompts;
-        const VTJobList& jobList;
+        VTJobList& jobList;
         VTSubmitList& submitList;
         VTDownloadList& downloadList;
     };

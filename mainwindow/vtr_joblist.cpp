@@ -12,10 +12,10 @@
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_pagebar.h"
 #include "mainwindow/vtr_requests.h"
+#include "mainwindow/vtr_session.h"
 #include "mainwindow/vtr_tables.h"
 
 #include <QCoreApplication>
-#include <QPointer>
 
 namespace {
 
@@ -48,7 +48,7 @@ VTJobList::VTJobList(const Dependencies& dependencies)
 {
 }
 
-void VTJobList::Request(int nPage, const QString& strConditions, int nFlag) const
+void VTJobList::Send(int nPage, const QString& strConditions, int nFlag) const
 {
     QVariantHash mapRequest = m_deps.requests.New();
     mapRequest.insert(VTProtocol::PageSize, nFlag != 0 ? CandidatePageSize : VTPageSize);
@@ -59,15 +59,38 @@ void VTJobList::Request(int nPage, const QString& strConditions, int nFlag) cons
     m_deps.requests.Send(&VTCommunicationInterface::GetJobList, mapRequest);
 }
 
-void VTJobList::RequestCurrentPage() const
+void VTJobList::Request(int nPage, const QString& strConditions, int nFlag)
+{
+    if (nFlag == 0) {
+        m_bFillPending = true;
+        m_nRefreshesPending = 0;
+    }
+    Send(nPage, strConditions, nFlag);
+}
+
+void VTJobList::RequestCurrentPage()
 {
     RequestPage(m_deps.pageBar.CurrentPage(VTList::Jobs));
 }
 
-void VTJobList::Refresh() const
+void VTJobList::Refresh()
 {
-    if (m_deps.form.tbwContainer->currentIndex() == VTList::Jobs)
-        RequestCurrentPage();
+    if (m_deps.form.tbwContainer->currentIndex() != VTList::Jobs)
+        return;
+    ++m_nRefreshesPending;
+    Send(m_deps.pageBar.CurrentPage(VTList::Jobs), m_strConditions, 0);
+}
+
+/// @return whether the answer that has arrived is one to a refresh.
+bool VTJobList::TakeRefreshed()
+{
+    if (m_bFillPending) {
+        m_bFillPending = false;
+        return false;
+    }
+    const bool bRefreshed = m_nRefreshesPending > 0;
+    m_nRefreshesPending = qMax(0, m_nRefreshesPending - 1);
+    return bRefreshed;
 }
 
 void VTJobList::Search(const QVariantMap& mapCondition)
@@ -81,31 +104,61 @@ void VTJobList::Search(const QVariantMap& mapCondition)
 
 void VTJobList::HandleAnswer(int nRet, const QVariantMap& mapAnswer)
 {
-    if (nRet != VTProtocol::Success)
+    if (!m_deps.session.bOpen)
         return;
-    const QVariantMap mapData = VTProtocol::Payload(mapAnswer);
-    const QVariantList lstJob = mapData.value(VTProtocol::List).toList();
     if (mapAnswer.value(VTProtocol::Identifier).toBool()) {
-        emit CandidatesArrived(lstJob);
+        if (nRet == VTProtocol::Success)
+            emit CandidatesArrived(VTProtocol::Payload(mapAnswer).value(VTProtocol::List).toList());
         return;
     }
-    if (lstJob.isEmpty()) {
+    const bool bRefreshed = TakeRefreshed();
+    if (nRet != VTProtocol::Success)
+        return;
+    if (m_deps.tables.IsHeld(VTList::Jobs))
+        m_heldAnswer = {mapAnswer, bRefreshed && (!m_heldAnswer || m_heldAnswer->second)};
+    else
+        ShowAnswer(mapAnswer, bRefreshed);
+}
+
+void VTJobList::EndSession()
+{
+    m_setHandedOver.clear();
+    m_heldAnswer.reset();
+    m_bFillPending = false;
+    m_nRefreshesPending = 0;
+}
+
+void VTJobList::ShowHeldAnswer()
+{
+    if (!m_heldAnswer)
+        return;
+    const auto [mapAnswer, bRefreshed] = *m_heldAnswer;
+    m_heldAnswer.reset();
+    ShowAnswer(mapAnswer, bRefreshed);
+}
+
+void VTJobList::ShowAnswer(const QVariantMap& mapAnswer, bool bRefreshed)
+{
+    const QVariantMap mapData = VTProtocol::Payload(mapAnswer);
+    const QVector<VTJobRecord> lstRecord = Records(mapData.value(VTProtocol::List).toList());
+    if (lstRecord.isEmpty()) {
         ShowNoJobs();
         return;
     }
     if (m_deps.form.tbwContainer->currentIndex() == VTList::Jobs)
         m_deps.pageBar.Show(VTList::Jobs, mapData.value(VTProtocol::Total).toInt());
-    const QVector<VTJobRecord> lstRecord = Records(lstJob);
-    Fill(m_deps.form.twtMyRender, lstRecord);
+    Fill(m_deps.form.twtMyRender, lstRecord, bRefreshed);
     HandOverFinished(lstRecord);
+}
+
+void VTJobList::Retranslate() const
+{
+    VTTableCells::RetranslateJobStatuses(m_deps.form.twtMyRender, m_deps.codeTables);
 }
 
 void VTJobList::ShowNoJobs()
 {
-    VTPageState& state = m_deps.pageBar.State(VTList::Jobs);
-    const bool bStepBack = state.nCurrentPage > 1;
-    if (bStepBack)
-        --state.nCurrentPage;
+    const bool bStepBack = m_deps.pageBar.State(VTList::Jobs).StepBack();
     if (m_deps.form.twtMyRender->rowCount() > 0) {
         VTTableRows::Clear(m_deps.form.twtMyRender);
         m_deps.pageBar.Show(VTList::Jobs, 0);
@@ -115,22 +168,16 @@ void VTJobList::ShowNoJobs()
         RequestCurrentPage();
 }
 
-void VTJobList::Fill(QTableWidget* pTable, const QVector<VTJobRecord>& lstJob)
+void VTJobList::Fill(QTableWidget* pTable, const QVector<VTJobRecord>& lstJob, bool bKeepChecks)
 {
-    const QString strCurrentId = VTTableRows::Id(pTable, pTable->currentRow());
-    const int nCurrentColumn = pTable->currentColumn();
-    int nCurrentRow = -1;
-
+    const VTTableRows::Marks marks(pTable);
     pTable->setRowCount(lstJob.size());
     for (int nRow = 0; nRow < lstJob.size(); ++nRow) {
         const VTJobRecord& job = lstJob.at(nRow);
-        VTTableCells::WriteJob(pTable, nRow, job, m_deps.codeTables);
-        if (nCurrentRow < 0 && !job.strId.isEmpty() && job.strId == strCurrentId)
-            nCurrentRow = nRow;
+        VTTableCells::WriteJob(
+            pTable, nRow, job, m_deps.codeTables, bKeepChecks ? marks.CheckState(job.strId) : Qt::Unchecked);
     }
-    // The current row stays with its job.
-    if (nCurrentRow != pTable->currentRow())
-        pTable->setCurrentCell(nCurrentRow, nCurrentRow < 0 ? -1 : nCurrentColumn);
+    marks.RestorePosition(pTable);
 }
 
 void VTJobList::HandOverFinished(const QVector<VTJobRecord>& lstJob)
@@ -168,13 +215,11 @@ void VTJobList::OrderDownloads()
     const QVariantMap mapOrders = CheckedOrders();
     if (mapOrders.isEmpty())
         return;
-    const QPointer<VTJobList> pThis(this);
+    const int nSession = m_deps.session.nNumber;
     emit OrdersReady(mapOrders);
-    if (!pThis)
-        return;
     m_deps.prompts.Notify(QCoreApplication::translate(
         "VTQsClientPrivate", "The checked items are already added to download list"));
-    if (!pThis)
+    if (m_deps.session.nNumber != nSession)
         return;
     VTTableRows::SetCheckStates(m_deps.form.twtMyRender, Qt::Unchecked);
     m_deps.tables.UncheckAll();

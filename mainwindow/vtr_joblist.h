@@ -7,6 +7,8 @@
 #include <QVariantList>
 #include <QVector>
 
+#include <optional>
+
 class QTableWidget;
 class VTAccountSettings;
 class VTPageBar;
@@ -16,6 +18,7 @@ class VTTables;
 struct VTCodeTables;
 struct VTMainForm;
 struct VTServices;
+struct VTSession;
 
 /// The list of the farm's jobs: requests pages, shows the answers and orders downloads of finished or checked jobs.
 class VTJobList : public QObject
@@ -27,6 +30,7 @@ public:
     {
         const VTMainForm& form;
         const VTServices& services;
+        const VTSession& session;
         const VTAccountSettings& settings;
         const VTCodeTables& codeTables;
         const VTRequests& requests;
@@ -40,27 +44,34 @@ public:
 
     /// Requests a page with conditions; an empty text does not filter.
     /// @param nFlag 0 for the job table; any other value for the set-parent dialog's candidates, up to 1000 per page.
-    void Request(int nPage, const QString& strConditions, int nFlag) const;
+    void Request(int nPage, const QString& strConditions, int nFlag);
 
     /// Requests a page with the current conditions.
-    void RequestPage(int nPage) const { Request(nPage, m_strConditions, 0); }
-    void RequestCurrentPage() const;
+    void RequestPage(int nPage) { Request(nPage, m_strConditions, 0); }
+    void RequestCurrentPage();
 
-    /// Requests the current page while the farm's jobs are in front.
-    void Refresh() const;
+    /// Requests the current page while the farm's jobs are in front. The rows of its answer keep the user's check marks.
+    void Refresh();
 
     /// Filters by a map of conditions, empty for none, and requests page 1.
     void Search(const QVariantMap& mapCondition);
     void SetConditions(const QString& strConditions) { m_strConditions = strConditions; }
 
-    /// Shows the jobs of an answer, or passes them on as candidates, and hands newly finished ones over for download.
+    /// Shows the jobs of an answer, or passes them on as candidates, and hands newly finished ones over for download. While
+    /// a menu is open over the table, the latest answer waits. Without a session answers are dropped.
     void HandleAnswer(int nRet, const QVariantMap& mapAnswer);
+
+    /// Shows the answer that waited for a menu to close.
+    void ShowHeldAnswer();
+
+    void Retranslate() const;
 
     /// Orders the download of the checked jobs, or of the current row when none is checked.
     void OrderDownloads();
 
-    /// Forgets which finished jobs were handed over, so that the next session hands them over again.
-    void ForgetHandedOver() { m_setHandedOver.clear(); }
+    /// Forgets the session's answers and which finished jobs were handed over, so that the next session hands them over
+    /// again.
+    void EndSession();
 
 signals:
     /// Download orders by job id.
@@ -69,12 +80,22 @@ signals:
     void CandidatesArrived(QVariantList lstData);
 
 private:
+    void Send(int nPage, const QString& strConditions, int nFlag) const;
+    bool TakeRefreshed();
+    void ShowAnswer(const QVariantMap& mapAnswer, bool bRefreshed);
     void ShowNoJobs();
-    void Fill(QTableWidget* pTable, const QVector<VTJobRecord>& lstJob);
+    void Fill(QTableWidget* pTable, const QVector<VTJobRecord>& lstJob, bool bKeepChecks);
     void HandOverFinished(const QVector<VTJobRecord>& lstJob);
     QVariantMap CheckedOrders() const;
 
     Dependencies m_deps;
     QString m_strConditions;
     QSet<QString> m_setHandedOver;
+
+    // Answers do not tell which request they belong to. Those to the refreshes after the last other request are refreshes.
+    bool m_bFillPending = false;
+    int m_nRefreshesPending = 0;
+
+    /// The answer that waits for a menu to close, and whether it is a refresh.
+    std::optional<QPair<QVariantMap, bool>> m_heldAnswer;
 };

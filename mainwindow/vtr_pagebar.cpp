@@ -3,11 +3,24 @@
 #include "common/vtr_services.h"
 #include "mainwindow/vtr_mainform.h"
 
+#include <QStyle>
 #include <QVariant>
 
 namespace {
 
 constexpr char IndexProperty[] = "index";
+constexpr char CurrentProperty[] = "current";
+
+/// Marks a page number as the current one, or not, for the style sheet.
+void MarkCurrent(QPushButton* pButton, bool bCurrent)
+{
+    if (pButton->property(CurrentProperty).toBool() == bCurrent)
+        return;
+    pButton->setProperty(CurrentProperty, bCurrent);
+    // A style sheet does not follow a property by itself.
+    pButton->style()->unpolish(pButton);
+    pButton->style()->polish(pButton);
+}
 
 } // namespace
 
@@ -25,7 +38,12 @@ void VTPageBar::Show(int nList, int nTotal)
     VTPageState& state = State(nList);
     state.Recount(nTotal);
     SetVisibleButtons(state);
-    PlaceButtons(state);
+
+    const Look look {nList, state.nTotalPages, state.nCurrentGroup, state.nCurrentPage};
+    const bool bFocus = look != m_look || m_bClicked;
+    m_look = look;
+    m_bClicked = false;
+    PlaceButtons(state, bFocus);
 }
 
 void VTPageBar::SetVisibleButtons(const VTPageState& state)
@@ -37,7 +55,7 @@ void VTPageBar::SetVisibleButtons(const VTPageState& state)
             state.PageOfButton(btnPage->property(IndexProperty).toInt()) <= state.nTotalPages);
 }
 
-void VTPageBar::PlaceButtons(const VTPageState& state)
+void VTPageBar::PlaceButtons(const VTPageState& state, bool bFocus)
 {
     const QPushButton* pPrevious = nullptr;
     for (QPushButton* pButton : m_form.PageButtons()) {
@@ -52,29 +70,42 @@ void VTPageBar::PlaceButtons(const VTPageState& state)
             continue;
         const int nPage = state.PageOfButton(nIndex);
         pButton->setText(QString::number(nPage));
-        // The focus marks the current page.
-        if (nPage == state.nCurrentPage)
+        const bool bCurrent = nPage == state.nCurrentPage;
+        MarkCurrent(pButton, bCurrent);
+        if (bCurrent && bFocus)
             pButton->setFocus();
     }
 }
 
 bool VTPageBar::Click(const QPushButton* pButton, int nList)
 {
-    VTPageState& state = State(nList);
     if (pButton == m_form.btnPreGroup)
-        return state.Move(VTPageState::Step::PreviousGroup);
+        return Move(nList, VTPageState::Step::PreviousGroup);
     if (pButton == m_form.btnPrePage)
-        return state.Move(VTPageState::Step::PreviousPage);
+        return Move(nList, VTPageState::Step::PreviousPage);
     if (pButton == m_form.btnNextGroup)
-        return state.Move(VTPageState::Step::NextGroup);
+        return Move(nList, VTPageState::Step::NextGroup);
     if (pButton == m_form.btnNextPage)
-        return state.Move(VTPageState::Step::NextPage);
-    return state.Move(VTPageState::Step::Page, pButton->text().toInt());
+        return Move(nList, VTPageState::Step::NextPage);
+    return GoTo(pButton->text().toInt(), nList);
+}
+
+bool VTPageBar::GoTo(int nPage, int nList)
+{
+    return Move(nList, VTPageState::Step::Page, nPage);
+}
+
+bool VTPageBar::Move(int nList, VTPageState::Step step, int nPage)
+{
+    const bool bMoved = State(nList).Move(step, nPage);
+    m_bClicked = m_bClicked || bMoved;
+    return bMoved;
 }
 
 int VTPageBar::CorrectAfterDeletion(int nList)
 {
     State(nList).CorrectAfterDeletion();
-    Redraw(nList);
+    if (m_form.tbwContainer->currentIndex() == nList)
+        Redraw(nList);
     return CurrentPage(nList);
 }

@@ -2,11 +2,16 @@
 
 #include "mainwindow/vtr_pagestate.h"
 
+#include <tuple>
+
 class QPushButton;
 struct VTMainForm;
 struct VTServices;
 
 /// The bar of nine page buttons, which the three lists share, and the page state of each list.
+///
+/// The number of the current page has the dynamic property "current", by which skins mark it. It takes the keyboard
+/// focus when the bar changes or after a click on it.
 class VTPageBar
 {
 public:
@@ -25,16 +30,26 @@ public:
     /// Moves the list for a click on a page button. @return whether a page is to be shown.
     bool Click(const QPushButton* pButton, int nList);
 
-    /// Corrects a list's position after rows were deleted and redraws the bar. @return the page to show.
+    /// Goes to a page as a click on its number does. @return whether it is to be shown.
+    bool GoTo(int nPage, int nList);
+
+    /// Corrects a list's position after rows were deleted, and redraws the bar if it stands for the list. @return the
+    /// page to show.
     int CorrectAfterDeletion(int nList);
 
     void Reset() { m_states = VTPageStates(); }
 
 private:
+    /// The list that the bar stands for, with the parts of its state that show.
+    using Look = std::tuple<int, int, int, int>;
+
+    bool Move(int nList, VTPageState::Step step, int nPage = 0);
     void SetVisibleButtons(const VTPageState& state);
-    void PlaceButtons(const VTPageState& state);
+    void PlaceButtons(const VTPageState& state, bool bFocus);
 
     const VTMainForm& m_form;
     const VTServices& m_services;
     VTPageStates m_states;
+    Look m_look {};
+    bool m_bClicked = false; ///< since the bar was drawn
 };

@@ -1,5 +1,7 @@
 #include "mainwindow/vtr_pagestate.h"
 
+#include <QtGlobal>
+
 namespace {
 
 int RoundedUp(int nCount, int nPer)
@@ -25,45 +27,57 @@ void VTPageState::ResetPosition()
 
 bool VTPageState::Move(Step step, int nPage)
 {
+    int nGroup = nCurrentGroup;
     switch (step) {
     case Step::PreviousGroup:
-        --nCurrentGroup;
-        nCurrentPage = nCurrentGroup * VTPagesPerGroup;
+        nPage = --nGroup * VTPagesPerGroup;
         break;
     case Step::PreviousPage:
-        if (nCurrentPage == 1)
-            return false;
-        if (--nCurrentPage <= (nCurrentGroup - 1) * VTPagesPerGroup)
-            --nCurrentGroup;
+        nPage = nCurrentPage - 1;
+        if (nPage <= (nGroup - 1) * VTPagesPerGroup)
+            --nGroup;
         break;
     case Step::NextGroup:
-        ++nCurrentGroup;
-        nCurrentPage = PageOfButton(1);
+        nPage = nGroup++ * VTPagesPerGroup + 1;
         break;
     case Step::NextPage:
-        if (nCurrentPage == nTotalPages)
-            return false;
-        if (++nCurrentPage > nCurrentGroup * VTPagesPerGroup)
-            ++nCurrentGroup;
+        nPage = nCurrentPage + 1;
+        if (nPage > nGroup * VTPagesPerGroup)
+            ++nGroup;
         break;
     case Step::Page:
-        nCurrentPage = nPage;
+        nGroup = RoundedUp(nPage, VTPagesPerGroup);
         break;
     }
-    if (nCurrentPage > nTotalPages)
-        nCurrentPage = nTotalPages;
+    if (nPage < 1 || nPage > nTotalPages)
+        return false;
+    nCurrentPage = nPage;
+    nCurrentGroup = qBound(1, nGroup, nTotalGroups);
+    return true;
+}
+
+bool VTPageState::StepBack()
+{
+    if (nCurrentPage <= 1)
+        return false;
+    --nCurrentPage;
+    nCurrentGroup = RoundedUp(nCurrentPage, VTPagesPerGroup);
     return true;
 }
 
 void VTPageState::StepBackWhenBeyond(int nRecords)
 {
-    if (FirstRecord() >= nRecords && nCurrentPage > 1)
-        --nCurrentPage;
+    if (FirstRecord() < nRecords || !StepBack())
+        return;
+    // The list may have shrunk by more than one page, and the bar needs a group that has pages.
+    VTPageState shrunk;
+    shrunk.Recount(nRecords);
+    nCurrentGroup = qMin(nCurrentGroup, shrunk.nTotalGroups);
 }
 
 void VTPageState::CorrectAfterDeletion()
 {
-    if (FirstRecord() == nTotalRecords && nCurrentPage != 1)
-        --nCurrentPage;
+    if (FirstRecord() == nTotalRecords)
+        StepBack();
     nCurrentGroup = RoundedUp(nCurrentPage, VTPagesPerGroup);
 }

@@ -13,7 +13,7 @@ inline constexpr int VTPagesPerGroup = 5;
 /// Position in a list that is shown page by page, with the pages in groups of five. Pages and groups count from 1.
 struct VTPageState
 {
-    /// A click on the page bar.
+    /// A click on the page bar, or the key for the first or last page.
     enum class Step { PreviousGroup, PreviousPage, NextGroup, NextPage, Page };
 
     int nTotalPages = 1;
@@ -29,8 +29,11 @@ struct VTPageState
     void ResetPosition();
 
     /// @param nPage the page to go to, for Step::Page only.
-    /// @return whether the page is to be shown; false when there is no page in that direction.
+    /// @return whether the page is to be shown; false when there is none, and then nothing changes.
     bool Move(Step step, int nPage = 0);
+
+    /// Goes one page back, unless this is the first, and to the group of that page. @return whether it did.
+    bool StepBack();
 
     /// Goes one page back when the current page lies beyond the last of `nRecords` records.
     void StepBackWhenBeyond(int nRecords);

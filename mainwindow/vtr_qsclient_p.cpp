@@ -22,62 +22,81 @@ VTQsClientPrivate::VTQsClientPrivate(QWidget* pParent)
 
 VTQsClientPrivate::~VTQsClientPrivate()
 {
-    // Deleting the concerns sends events to this object, whose slots must find no concerns then.
-    m_pConcerns.reset();
+    DropConcerns();
 }
 
 void VTQsClientPrivate::BuildInterface()
 {
-    if (m_pConcerns && m_builtFor.SameServices(m_services))
-        return;
-    DropConcerns();
-    m_pConcerns = std::make_unique<VTConcerns>(this, m_services, m_codeTables, m_timers);
-    ConnectConcerns();
-    VTWireWindow(this, *m_pConcerns, m_services, m_timers);
-    VTAllowFileDrops(this, m_services);
-
+    const VTLiveConcerns::Call call(m_concerns);
+    if (!m_concerns.Current() || !m_builtFor.SameServices(m_services)) {
+        DropConcerns();
+        m_concerns.Set(std::make_unique<VTConcerns>(this, m_services, m_codeTables, m_timers));
+        ConnectConcerns();
+        VTAllowFileDrops(this, m_services);
+        m_builtFor = m_services;
+    }
+    m_concerns.Current()->services = m_services;
+    m_wiring.Clear();
+    VTWireWindow(m_wiring, this, *m_concerns.Current(), m_timers);
+    UpdateSettings();
     ChangeSkin(m_services.Skin());
     ChangeLanguage(QString());
-    m_builtFor = m_services;
+}
+
+void VTQsClientPrivate::ReleaseServices()
+{
+    m_wiring.Clear();
+    m_services = VTServices();
+    if (VTConcerns* pConcerns = m_concerns.Current())
+        pConcerns->ReleaseServices();
 }
 
 void VTQsClientPrivate::DropConcerns()
 {
     disconnect(m_formDestroyed);
-    m_builtFor = VTServices();
-    m_lstDeferred = DeferredDeletions();
+    m_wiring.Clear();
     m_timers.StopAll();
-    m_pConcerns.reset();
+    m_builtFor = VTServices();
+    m_concerns.Drop();
+}
+
+QVector<QPointer<QObject>> VTQsClientPrivate::Retire()
+{
+    m_services = VTServices();
+    DropConcerns();
+    return m_concerns.DeferredDeletions();
 }
 
 void VTQsClientPrivate::ConnectConcerns()
 {
+    const VTConcerns& concerns = *m_concerns.Current();
     // Without its main form the window returns to the state before it was built.
     m_formDestroyed
-        = connect(m_pConcerns->form.pForm, &QObject::destroyed, this, &VTQsClientPrivate::DropConcerns);
+        = connect(concerns.form.pForm, &QObject::destroyed, this, &VTQsClientPrivate::DropConcerns);
 
-    connect(&m_pConcerns->jobList, &VTJobList::OrdersReady, this, &VTQsClientPrivate::JobIdType);
-    connect(&m_pConcerns->jobList, &VTJobList::CandidatesArrived, this, &VTQsClientPrivate::showParenList);
-    connect(&m_pConcerns->signIn, &VTSignIn::SignedIn, this, &VTQsClientPrivate::login);
-}
-
-QVector<QPointer<QObject>> VTQsClientPrivate::DeferredDeletions() const
-{
-    return m_pConcerns ? m_pConcerns->DeferredDeletions() + m_lstDeferred : m_lstDeferred;
+    connect(&concerns.jobList, &VTJobList::OrdersReady, this, &VTQsClientPrivate::JobIdType);
+    connect(&concerns.jobList, &VTJobList::CandidatesArrived, this, &VTQsClientPrivate::showParenList);
+    connect(&concerns.signIn, &VTSignIn::SignedIn, this, &VTQsClientPrivate::login);
+    connect(&concerns.pageKeys, &VTPageKeys::FirstPageWanted, this,
+        [this] { Forward(&VTConcerns::tabs, &VTTabs::GoToFirstPage); });
+    connect(&concerns.pageKeys, &VTPageKeys::LastPageWanted, this,
+        [this] { Forward(&VTConcerns::tabs, &VTTabs::GoToLastPage); });
 }
 
 void VTQsClientPrivate::CacheSubmitTasks()
 {
+    const VTLiveConcerns::Call call(m_concerns);
     if (m_services.pRenderCore)
         m_lstSubmitTask = m_services.pRenderCore->GetSubmitTaskIds();
 }
 
 template <class Concern, class Operation, class... Arguments>
-void VTQsClientPrivate::Forward(
-    Concern VTConcerns::*pConcern, Operation operation, Arguments&&... arguments) const
+void VTQsClientPrivate::Forward(Concern VTConcerns::*pConcern, Operation operation, Arguments&&... arguments)
 {
-    if (m_pConcerns)
-        std::invoke(operation, m_pConcerns.get()->*pConcern, std::forward<Arguments>(arguments)...);
+    if (!m_concerns.Current())
+        return;
+    const VTLiveConcerns::Call call(m_concerns);
+    std::invoke(operation, m_concerns.Current()->*pConcern, std::forward<Arguments>(arguments)...);
 }
 
 void VTQsClientPrivate::ShowForm()
@@ -110,11 +129,6 @@ void VTQsClientPrivate::Close()
 void VTQsClientPrivate::ShowWindow(QString strKey)
 {
     Forward(&VTConcerns::chrome, &VTChrome::ShowOnRequest, strKey);
-}
-
-void VTQsClientPrivate::LoadGlobalSettings()
-{
-    m_codeTables.Load();
 }
 
 void VTQsClientPrivate::ShowWindowMaximized()
@@ -189,12 +203,12 @@ void VTQsClientPrivate::ClickedCell(int nRows, int /*nCol*/)
 
 void VTQsClientPrivate::JobListContextMenu(QPoint /*Pos*/)
 {
-    Forward(&VTConcerns::menus, &VTContextMenus::RunJobMenu);
+    Forward(&VTConcerns::tabs, &VTTabs::RunMenu, VTList::Jobs);
 }
 
 void VTQsClientPrivate::DownloadListContextMenu(QPoint /*Pos*/)
 {
-    Forward(&VTConcerns::menus, &VTContextMenus::RunDownloadMenu);
+    Forward(&VTConcerns::tabs, &VTTabs::RunMenu, VTList::Downloads);
 }
 
 void VTQsClientPrivate::DeleteJobs()
@@ -252,8 +266,6 @@ void VTQsClientPrivate::ChangeTab(int nIndex)
     Forward(&VTConcerns::tabs, &VTTabs::HandleChange, nIndex);
 }
 
-void VTQsClientPrivate::TriggerTreeViewClicked(QModelIndex /*index*/) { } // contract: the tree has no entries
-
 void VTQsClientPrivate::SignOut()
 {
     Forward(&VTConcerns::signIn, &VTSignIn::RequestSignOut);
@@ -296,7 +308,9 @@ void VTQsClientPrivate::ManualDownload()
 
 bool VTQsClientPrivate::eventFilter(QObject* obj, QEvent* event)
 {
-    return (m_pConcerns && m_pConcerns->chrome.HandleEvent(obj, event)) || QWidget::eventFilter(obj, event);
+    const VTLiveConcerns::Call call(m_concerns);
+    VTConcerns* pConcerns = m_concerns.Current();
+    return (pConcerns && pConcerns->chrome.HandleEvent(obj, event)) || QWidget::eventFilter(obj, event);
 }
 
 void VTQsClientPrivate::AdjustPageButtons()
@@ -331,7 +345,7 @@ void VTQsClientPrivate::TriggerLackedTexture(QString strJobId, QStringList lstLa
 
 void VTQsClientPrivate::SubmitListContextMenu(QPoint /*Pos*/)
 {
-    Forward(&VTConcerns::menus, &VTContextMenus::RunSubmitMenu);
+    Forward(&VTConcerns::tabs, &VTTabs::RunMenu, VTList::LocalTasks);
 }
 
 void VTQsClientPrivate::UploadRetryOption()

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "common/vtr_codetables.h"
+#include "common/vtr_connections.h"
 #include "common/vtr_services.h"
+#include "mainwindow/vtr_liveconcerns.h"
 #include "mainwindow/vtr_timers.h"
 #include "vtr_parameters.h"
 
@@ -14,8 +16,6 @@
 #include <QVariant>
 #include <QVector>
 #include <QWidget>
-
-#include <memory>
 
 class QProgressBar;
 class QTableWidgetItem;
@@ -37,18 +37,31 @@ public:
     /// The services attached so far; the service object fills them in.
     VTServices& Services() { return m_services; }
 
-    /// Builds forms, concerns and connections for the attached services, unless they are built for the same ones
-    /// already.
+    /// Builds forms and concerns for the attached services, unless they are built for the same ones already; connects
+    /// them, and applies the loader's skin and language.
     void BuildInterface();
+
+    /// Disconnects everything from the services and forgets them. A built window stays; `BuildInterface` connects it
+    /// again.
+    void ReleaseServices();
+
+    /// Ends the window: drops the concerns and closes the forms.
+    /// @return dialog controllers and forms that are left to the event loop.
+    QVector<QPointer<QObject>> Retire();
+
+    /// Whether a call of a concern is running. Such a window must not be deleted, but left to DeleteWhenIdle().
+    bool IsBusy() const { return m_concerns.IsBusy(); }
+    /// Deletes the retired window at the end of the call that is running.
+    void DeleteWhenIdle()
+    {
+        m_concerns.WhenIdle([this] { delete this; });
+    }
 
     void ShowForm();
     void ShowTrayIcon();
 
     /// Stores the render core's current list of local tasks.
     void CacheSubmitTasks();
-
-    /// The dialog controllers and forms, which are not deleted with the window but left to the event loop.
-    QVector<QPointer<QObject>> DeferredDeletions() const;
 
 signals:
     void JobIdType(QVariantMap mapJobIdType);
@@ -61,7 +74,7 @@ public slots:
     void ChangeLanguage(QString strLanguage);
     void Close();
     void ShowWindow(QString strKey);
-    void LoadGlobalSettings();
+    void LoadGlobalSettings() { m_codeTables.Load(); }
     void ShowWindowMaximized();
     void ShowWindowNormal();
     void TriggerSignInResponse(int nRet, QVariantMap mapData);
@@ -89,7 +102,7 @@ public slots:
     void TriggerSubmitListChanged();
     void TriggerDownloadListChanged();
     void ChangeTab(int nIndex);
-    void TriggerTreeViewClicked(QModelIndex index);
+    void TriggerTreeViewClicked(QModelIndex /*index*/) { } // contract: the tree has no entries
     void SignOut();
     void TriggerChangeLanguage();
     void TriggerActivated(QSystemTrayIcon::ActivationReason reason);
@@ -124,7 +137,7 @@ private:
 
     /// Hands a call to one of the concerns; does nothing while there are none.
     template <class Concern, class Operation, class... Arguments>
-    void Forward(Concern VTConcerns::*pConcern, Operation operation, Arguments&&... arguments) const;
+    void Forward(Concern VTConcerns::*pConcern, Operation operation, Arguments&&... arguments);
 
     VTServices m_services;
     /// The services for which the concerns were built.
@@ -133,7 +146,6 @@ private:
     VTTimers m_timers;
     QStringList m_lstSubmitTask; // contract: kept but never read
     QMetaObject::Connection m_formDestroyed;
-    /// Objects that concerns built for earlier services have left to the event loop.
-    QVector<QPointer<QObject>> m_lstDeferred;
-    std::unique_ptr<VTConcerns> m_pConcerns;
+    VTLiveConcerns m_concerns;
+    VTConnections m_wiring;
 };

@@ -19,6 +19,7 @@ public:
 
     /// A later report for the same task replaces the earlier one.
     void Add(const QString& strTaskId, const QStringList& lstFile) { m_mapFiles.insert(strTaskId, lstFile); }
+    void Clear() { m_mapFiles.clear(); }
     bool IsEmpty() const { return m_mapFiles.isEmpty(); }
 
     /// Removes and returns the next report.

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// The user who is signed in. The values stay after the sign-out; only the flag tells whether the session is still open.
+/// The user who is signed in. The names stay after the sign-out.
 struct VTSession
 {
     /// Name that the user signs in with: shown, and part of file names.
@@ -11,5 +11,23 @@ struct VTSession
     QString strUserName;
     QString strToken;
     QString strServer; ///< name of the current server
+
+    /// Set at the end of a sign-in; answers belong to the session before that.
     bool bSignedIn = false;
+    /// Whether there is a session, from the sign-in's answer to the sign-out's.
+    bool bOpen = false;
+    /// Changes whenever a session begins or ends. After a call that may process events, the same number means that the
+    /// same user is still signed in and that the window is still there.
+    int nNumber = 0;
+
+    void Begin()
+    {
+        ++nNumber;
+        bOpen = true;
+    }
+    void End()
+    {
+        ++nNumber;
+        bOpen = bSignedIn = false;
+    }
 };

@@ -8,13 +8,17 @@
 #include "dialogs/vtr_setparent.h"
 #include "mainwindow/vtr_accountpanel.h"
 #include "mainwindow/vtr_accountsettings.h"
+#include "mainwindow/vtr_contextmenus.h"
 #include "mainwindow/vtr_joblist.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_pagebar.h"
 #include "mainwindow/vtr_requests.h"
 #include "mainwindow/vtr_session.h"
+#include "mainwindow/vtr_taskquestions.h"
 #include "mainwindow/vtr_timers.h"
 #include "mainwindow/vtr_tray.h"
+
+#include <functional>
 
 VTSignIn::VTSignIn(const Dependencies& dependencies)
     : m_deps(dependencies)
@@ -26,33 +30,59 @@ void VTSignIn::HandleSignInAnswer(int nRet, const QVariantMap& mapAnswer)
     if (nRet != VTProtocol::Success)
         return;
     VTSession& session = m_deps.session;
+    session.Begin();
     m_deps.form.RaiseOverlays();
     session.strLoginName = mapAnswer.value(VTProtocol::LoginName).toString();
     session.strUserName = mapAnswer.value(VTProtocol::UserName).toString();
     m_deps.accountPanel.ShowUser(session.strLoginName);
-    m_deps.settings.Load();
-    session.strToken = VTProtocol::Payload(mapAnswer).value(VTProtocol::Token).toString();
-    m_deps.accountPanel.StartPolling();
-    m_deps.jobList.RequestPage(1);
-    VTTimers::StartOnce(m_deps.timers.pJobList);
-    AnnounceSession();
-    session.bSignedIn = true;
-    m_deps.requests.Send(&VTCommunicationInterface::GetProjectList, m_deps.requests.New());
-    if (m_deps.services.pConfiguration)
-        VTSetPlainText(m_deps.form.lblVersionV, m_deps.services.pConfiguration->GetVersion());
+
+    const QString strToken = VTProtocol::Payload(mapAnswer).value(VTProtocol::Token).toString();
+    const std::function<void()> lstStep[] = {
+        [&] { m_deps.settings.Load(); },
+        [&] {
+            session.strToken = strToken;
+            m_deps.accountPanel.RequestUserInfo();
+        },
+        [&] {
+            m_deps.accountPanel.StartPolling();
+            m_deps.jobList.RequestPage(1);
+        },
+        [&] {
+            VTTimers::StartOnce(m_deps.timers.pJobList);
+            ReadServer();
+        },
+        [&] {
+            m_deps.setParent.GetSettings(
+                session.strServer, session.strToken, session.strLoginName, session.strUserName);
+        },
+        [&] {
+            m_deps.tray.ShowServer(session.strServer);
+            emit SignedIn(session.strServer, session.strLoginName, session.strToken, session.strUserName);
+        },
+        [&] {
+            session.bSignedIn = true;
+            m_deps.requests.Send(&VTCommunicationInterface::GetProjectList, m_deps.requests.New());
+        },
+        [&] {
+            if (m_deps.services.pConfiguration)
+                VTSetPlainText(m_deps.form.lblVersionV, m_deps.services.pConfiguration->GetVersion());
+        },
+    };
+    const int nSession = session.nNumber;
+    for (const std::function<void()>& step : lstStep) {
+        if (session.nNumber != nSession)
+            return;
+        step();
+    }
 }
 
-void VTSignIn::AnnounceSession()
+void VTSignIn::ReadServer()
 {
-    VTSession& session = m_deps.session;
-    if (m_deps.services.pSettings)
-        session.strServer
-            = m_deps.services.pSettings->Value(QStringLiteral("vtr.web/currentserver"), QVariant())
-                  .toString();
-    m_deps.setParent.GetSettings(
-        session.strServer, session.strToken, session.strLoginName, session.strUserName);
-    m_deps.tray.ShowServer(session.strServer);
-    emit SignedIn(session.strServer, session.strLoginName, session.strToken, session.strUserName);
+    if (!m_deps.services.pSettings)
+        return;
+    const QVariant varServer
+        = m_deps.services.pSettings->Value(QStringLiteral("vtr.web/currentserver"), QVariant());
+    m_deps.session.strServer = varServer.toString();
 }
 
 void VTSignIn::RequestSignOut() const
@@ -69,13 +99,24 @@ void VTSignIn::HandleSignOutAnswer()
 {
     m_deps.timers.pJobList->stop();
     m_deps.accountPanel.StopPolling();
-    m_deps.session.bSignedIn = false;
+    m_deps.session.End();
+    const int nSession = m_deps.session.nNumber;
     m_deps.setParent.EndSession();
     m_deps.form.pForm->close();
-    m_deps.search.Close();
-    m_deps.jobList.ForgetHandedOver();
+    if (m_deps.session.nNumber != nSession)
+        return; // the next session has begun, or the window has gone
+    CloseDialogs();
+    m_deps.jobList.EndSession();
     m_deps.pageBar.Reset();
     ClearLists();
+}
+
+void VTSignIn::CloseDialogs()
+{
+    m_deps.search.Close();
+    m_deps.menus.Close();
+    m_deps.uploadRetries.Forget();
+    m_deps.lackedTextures.Forget();
 }
 
 void VTSignIn::ClearLists()

@@ -5,11 +5,13 @@
 
 class VTAccountPanel;
 class VTAccountSettings;
+class VTContextMenus;
 class VTJobList;
 class VTPageBar;
 class VTRequests;
 class VTSearch;
 class VTSetParent;
+class VTTaskQuestions;
 class VTTray;
 struct VTMainForm;
 struct VTServices;
@@ -33,7 +35,10 @@ public:
         const VTAccountPanel& accountPanel;
         VTPageBar& pageBar;
         VTJobList& jobList;
+        VTContextMenus& menus;
         VTTray& tray;
+        VTTaskQuestions& uploadRetries;
+        VTTaskQuestions& lackedTextures;
         VTSearch& search;
         VTSetParent& setParent;
     };
@@ -41,7 +46,8 @@ public:
     /// Everything in `dependencies` must outlive this object.
     explicit VTSignIn(const Dependencies& dependencies);
 
-    /// Begins a session when the answer reports success; otherwise does nothing.
+    /// Begins a session when the answer reports success; otherwise does nothing. A sign-out or another sign-in from inside
+    /// one of its steps wins.
     void HandleSignInAnswer(int nRet, const QVariantMap& mapAnswer);
 
     /// Asks the farm to end the session, and tells the render core that its local tasks end (they are kept).
@@ -54,7 +60,8 @@ signals:
     void SignedIn(QString strServer, QString strLoginName, QString strToken, QString strUserName);
 
 private:
-    void AnnounceSession();
+    void ReadServer();
+    void CloseDialogs();
     void ClearLists();
 
     Dependencies m_deps;

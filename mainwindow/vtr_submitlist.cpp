@@ -10,11 +10,12 @@
 #include "common/vtr_tablerows.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_pagebar.h"
+#include "mainwindow/vtr_session.h"
+#include "mainwindow/vtr_tables.h"
 #include "mainwindow/vtr_timers.h"
 
 #include <QFileInfo>
 #include <QHash>
-#include <QPointer>
 
 namespace {
 
@@ -50,45 +51,79 @@ QStringList VTSubmitList::Headers()
     return {tr("Name"), tr("Start Time"), tr("Status"), tr("Progress"), tr("SceneFile"), tr("Warn")};
 }
 
-void VTSubmitList::BuildPage(int nPage)
+bool VTSubmitList::Task::Uploads() const
 {
-    VTTableRows::Clear(m_pTable);
-    if (!m_deps.services.pRenderCore || nPage < 1)
-        return;
-    m_nFirstPlace = (nPage - 1) * VTPageSize;
-    const QStringList lstOnPage
-        = m_deps.services.pRenderCore->GetSubmitTaskIds().mid(m_nFirstPlace, VTPageSize);
-    m_pTable->setRowCount(lstOnPage.size());
-    for (int nRow = 0; nRow < lstOnPage.size(); ++nRow)
-        WriteRow(nRow, lstOnPage.at(nRow));
+    return nStage == StageUpload && nError == 0;
 }
 
 void VTSubmitList::BuildCurrentPage()
 {
-    BuildPage(m_deps.pageBar.CurrentPage(VTList::LocalTasks));
+    BuildPage(m_deps.pageBar.CurrentPage(VTList::LocalTasks), false);
 }
 
-void VTSubmitList::WriteRow(int nRow, const QString& strTaskId)
+void VTSubmitList::BuildPage(int nPage, bool bKeepMarks)
+{
+    m_bBuildHeld = m_deps.tables.IsHeld(VTList::LocalTasks);
+    if (m_bBuildHeld)
+        return;
+    const int nBuild = ++m_nBuild;
+    const QVector<Task> lstTask = ReadPage(nPage);
+    if (nBuild != m_nBuild)
+        return;
+    const VTTableRows::Marks marks(m_pTable);
+    VTTableRows::Clear(m_pTable);
+    m_nFirstPlace = (nPage - 1) * VTPageSize;
+    m_pTable->setRowCount(lstTask.size());
+    for (int nRow = 0; nRow < lstTask.size(); ++nRow)
+        WriteRow(nRow, lstTask.at(nRow));
+    if (bKeepMarks)
+        marks.Restore(m_pTable);
+}
+
+QVector<VTSubmitList::Task> VTSubmitList::ReadPage(int nPage)
+{
+    QVector<Task> lstTask;
+    if (!m_deps.services.pRenderCore || nPage < 1)
+        return lstTask;
+    const QStringList lstOnPage
+        = m_deps.services.pRenderCore->GetSubmitTaskIds().mid((nPage - 1) * VTPageSize, VTPageSize);
+    for (const QString& strTaskId : lstOnPage) {
+        if (m_deps.services.pRenderCore)
+            lstTask.append(ReadForNewRow(strTaskId));
+    }
+    return lstTask;
+}
+
+VTSubmitList::Task VTSubmitList::ReadForNewRow(const QString& strTaskId) const
 {
     VTRenderCoreInterface& renderCore = *m_deps.services.pRenderCore;
-    const QString strSceneFile = renderCore.GetTaskSceneFile(strTaskId);
-    const int nStage = renderCore.GetTaskStage(strTaskId);
+    Task task;
+    task.strId = strTaskId;
+    task.strSceneFile = renderCore.GetTaskSceneFile(strTaskId);
+    task.nStage = renderCore.GetTaskStage(strTaskId);
+    task.strStartTime = renderCore.GetTaskStartTime(strTaskId);
+    task.nProgress = renderCore.GetTaskProgress(strTaskId);
+    task.strMessage = tr(qUtf8Printable(renderCore.GetTaskMessage(strTaskId)));
+    return task;
+}
+
+void VTSubmitList::WriteRow(int nRow, const Task& task)
+{
     const auto Put = [this, nRow](int nColumn, const QString& strText) {
         QTableWidgetItem* pItem = VTTableCells::ItemAt(m_pTable, nRow, nColumn);
         pItem->setText(strText);
         return pItem;
     };
-    QTableWidgetItem* pName = Put(VTTaskColumn::Name, QFileInfo(strSceneFile).completeBaseName());
-    pName->setData(Qt::UserRole, strTaskId);
+    QTableWidgetItem* pName = Put(VTTaskColumn::Name, QFileInfo(task.strSceneFile).completeBaseName());
+    pName->setData(Qt::UserRole, task.strId);
     pName->setCheckState(Qt::Unchecked);
-    Put(VTTaskColumn::StartTime, renderCore.GetTaskStartTime(strTaskId))->setData(Qt::UserRole, false);
+    Put(VTTaskColumn::StartTime, task.strStartTime)->setData(Qt::UserRole, false);
     Put(VTTaskColumn::Status,
-        m_deps.codeTables.mapTaskStage.contains(nStage) ? StageText(nStage) : tr("Unknown"))
-        ->setData(Qt::UserRole, nStage);
-    VTTableCells::WriteProgress(
-        m_pTable, nRow, VTTaskColumn::Progress, renderCore.GetTaskProgress(strTaskId), m_deps.codeTables);
-    Put(VTTaskColumn::SceneFile, strSceneFile)->setToolTip(VTPlainToolTip(strSceneFile));
-    Put(VTTaskColumn::Warn, tr(qUtf8Printable(renderCore.GetTaskMessage(strTaskId))));
+        m_deps.codeTables.mapTaskStage.contains(task.nStage) ? StageText(task.nStage) : tr("Unknown"))
+        ->setData(Qt::UserRole, task.nStage);
+    VTTableCells::WriteProgress(m_pTable, nRow, VTTaskColumn::Progress, task.nProgress, m_deps.codeTables);
+    Put(VTTaskColumn::SceneFile, task.strSceneFile)->setToolTip(VTPlainToolTip(task.strSceneFile));
+    Put(VTTaskColumn::Warn, task.strMessage);
     for (const int nColumn : {VTTaskColumn::Status, VTTaskColumn::SceneFile, VTTaskColumn::Warn})
         m_pTable->item(nRow, nColumn)->setTextAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
 }
@@ -103,7 +138,7 @@ void VTSubmitList::HandleListChange()
     state.StepBackWhenBeyond(nCount);
     m_deps.pageBar.Show(VTList::LocalTasks, nCount);
     if (m_pTable->rowCount() < VTPageSize)
-        BuildCurrentPage();
+        BuildPage(state.nCurrentPage, true);
     VTTimers::StartOnce(m_deps.timers.pSubmitList);
     m_deps.form.tbwContainer->setCurrentIndex(VTList::LocalTasks);
 }
@@ -134,20 +169,61 @@ QVector<int> VTSubmitList::PlacesOfRows(const QStringList& lstId) const
 
 void VTSubmitList::Refresh()
 {
-    if (!m_deps.services.pRenderCore)
+    if (!m_deps.services.pRenderCore || m_deps.tables.IsHeld(VTList::LocalTasks))
         return;
     const QVector<int> lstPlace = PlacesOfRows(m_deps.services.pRenderCore->GetSubmitTaskIds());
+    const int nBuild = m_nBuild;
     int nRow = 0;
     for (const int nPlace : lstPlace) {
         if (nPlace < 0) {
+            if (nRow == m_pTable->currentRow())
+                m_pTable->setCurrentCell(-1, -1);
             m_pTable->removeRow(nRow);
             continue;
         }
         if (nRow == 0)
             m_nFirstPlace = nPlace;
-        RefreshRow(nRow, VTTableRows::Id(m_pTable, nRow));
+        const bool bArguments
+            = VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::StartTime)->data(Qt::UserRole).toBool();
+        const Task task = ReadForRefresh(VTTableRows::Id(m_pTable, nRow), !bArguments);
+        // The render core may have changed its list, or gone, while the task was read.
+        if (nBuild != m_nBuild || !m_deps.services.pRenderCore)
+            return;
+        RefreshRow(nRow, task);
         ++nRow;
     }
+}
+
+void VTSubmitList::CatchUp()
+{
+    if (m_bBuildHeld)
+        BuildPage(m_deps.pageBar.CurrentPage(VTList::LocalTasks), true);
+}
+
+void VTSubmitList::Retranslate()
+{
+    if (m_pTable->rowCount() > 0)
+        Refresh();
+}
+
+/// @param bArguments whether to read the arguments as well, if they are known yet.
+VTSubmitList::Task VTSubmitList::ReadForRefresh(const QString& strTaskId, bool bArguments) const
+{
+    VTRenderCoreInterface& renderCore = *m_deps.services.pRenderCore;
+    Task task;
+    task.strId = strTaskId;
+    task.strStartTime = renderCore.GetTaskStartTime(strTaskId);
+    task.nError = renderCore.GetTaskErrorCode(strTaskId);
+    task.nStage = renderCore.GetTaskStage(strTaskId);
+    task.nProgress = qMax(0, renderCore.GetTaskProgress(strTaskId));
+    task.strMessage = tr(qUtf8Printable(renderCore.GetTaskMessage(strTaskId)));
+    // The arguments are known once the scene is analysed. They are read once per row, so that edits survive.
+    task.bArguments = bArguments && task.nStage >= StageChecksum;
+    if (task.bArguments)
+        task.lstArguments = renderCore.GetTaskArguments(strTaskId);
+    if (task.Uploads())
+        task.strUploadText = renderCore.GetTaskUploadText(strTaskId);
+    return task;
 }
 
 QString VTSubmitList::StageText(int nStage) const
@@ -156,54 +232,46 @@ QString VTSubmitList::StageText(int nStage) const
     return strStage.isEmpty() ? QString() : tr(qUtf8Printable(strStage));
 }
 
-void VTSubmitList::RefreshRow(int nRow, const QString& strTaskId)
+void VTSubmitList::RefreshRow(int nRow, const Task& task)
 {
-    VTRenderCoreInterface& renderCore = *m_deps.services.pRenderCore;
     QTableWidgetItem* pStartTime = VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::StartTime);
-    pStartTime->setText(renderCore.GetTaskStartTime(strTaskId));
-    const int nError = renderCore.GetTaskErrorCode(strTaskId);
-    const int nStage = renderCore.GetTaskStage(strTaskId);
+    pStartTime->setText(task.strStartTime);
 
     QTableWidgetItem* pStatus = VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::Status);
-    pStatus->setText(nError != 0 ? QString(StageText(nStage) + tr("fail")) : StageText(nStage));
-    pStatus->setData(Qt::UserRole, nStage);
+    pStatus->setText(
+        task.nError != 0 ? QString(StageText(task.nStage) + tr("fail")) : StageText(task.nStage));
+    pStatus->setData(Qt::UserRole, task.nStage);
 
-    VTTableCells::WriteProgress(m_pTable, nRow, VTTaskColumn::Progress,
-        qMax(0, renderCore.GetTaskProgress(strTaskId)), m_deps.codeTables);
-    const QString strMessage = tr(qUtf8Printable(renderCore.GetTaskMessage(strTaskId)));
+    VTTableCells::WriteProgress(m_pTable, nRow, VTTaskColumn::Progress, task.nProgress, m_deps.codeTables);
 
-    // The arguments are known once the scene is analysed. They are read once per row, so that edits survive.
-    if (nStage >= StageChecksum && !pStartTime->data(Qt::UserRole).toBool()) {
+    if (task.bArguments) {
         VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::SceneFile)
-            ->setData(Qt::UserRole, renderCore.GetTaskArguments(strTaskId));
+            ->setData(Qt::UserRole, task.lstArguments);
         pStartTime->setData(Qt::UserRole, true);
     }
-
-    QTableWidgetItem* pWarn = VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::Warn);
-    if (nStage == StageUpload && nError == 0) {
-        pWarn->setText(renderCore.GetTaskUploadText(strTaskId));
-        ClearIcon(pWarn);
-    } else {
-        RefreshWarning(pWarn, strMessage, nStage, nError);
-    }
+    RefreshWarning(VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::Warn), task);
 }
 
-void VTSubmitList::RefreshWarning(
-    QTableWidgetItem* pWarn, const QString& strMessage, int nStage, int nError) const
+void VTSubmitList::RefreshWarning(QTableWidgetItem* pWarn, const Task& task) const
 {
     const QString strIcon = pWarn->data(Qt::UserRole).toString();
-    SetText(pWarn, Qt::StatusTipRole, nStage == StageCopySame ? tr("Lacked of texture files:") : QString());
-    SetText(pWarn, Qt::WhatsThisRole, strMessage);
-    SetText(pWarn, Qt::DisplayRole, QString());
-    if (nError != 0 && strIcon.isEmpty()) {
+    if (task.nError != 0 && strIcon.isEmpty()) {
         const QString strWarning = VTSkin::WarningIconFile(m_deps.services.Skin());
         pWarn->setIcon(QIcon(strWarning));
         pWarn->setData(Qt::UserRole, strWarning);
-    } else if (nError == 0 && !strIcon.isEmpty()) {
+    } else if (task.nError == 0) {
         ClearIcon(pWarn);
-        pWarn->setData(Qt::UserRole, QString());
+        SetText(pWarn, Qt::UserRole, QString());
     }
-    SetText(pWarn, Qt::ToolTipRole, VTPlainToolTip(strMessage));
+    if (task.Uploads()) {
+        pWarn->setText(task.strUploadText);
+        return;
+    }
+    SetText(
+        pWarn, Qt::StatusTipRole, task.nStage == StageCopySame ? tr("Lacked of texture files:") : QString());
+    SetText(pWarn, Qt::WhatsThisRole, task.strMessage);
+    SetText(pWarn, Qt::DisplayRole, QString());
+    SetText(pWarn, Qt::ToolTipRole, VTPlainToolTip(task.strMessage));
 }
 
 void VTSubmitList::Delete(const QStringList& lstTaskId)
@@ -211,9 +279,10 @@ void VTSubmitList::Delete(const QStringList& lstTaskId)
     if (!m_deps.services.pRenderCore)
         return;
     m_deps.services.pRenderCore->RemoveSubmitTasks(lstTaskId, true);
-    m_deps.pageBar.State(VTList::LocalTasks).nTotalRecords
-        = m_deps.services.pRenderCore->GetSubmitTaskCount();
-    BuildPage(m_deps.pageBar.CorrectAfterDeletion(VTList::LocalTasks));
+    if (m_deps.services.pRenderCore)
+        m_deps.pageBar.State(VTList::LocalTasks).nTotalRecords
+            = m_deps.services.pRenderCore->GetSubmitTaskCount();
+    BuildPage(m_deps.pageBar.CorrectAfterDeletion(VTList::LocalTasks), false);
 }
 
 void VTSubmitList::ContinueCurrent() const
@@ -229,17 +298,18 @@ void VTSubmitList::HandleDoubleClick(int nRow, int nColumn)
     if (nColumn != VTTaskColumn::Warn || !pWarn || !m_deps.services.pRenderCore)
         return;
     const QString strTaskId = VTTableRows::Id(m_pTable, nRow);
-    const int nError = m_deps.services.pRenderCore->GetTaskErrorCode(strTaskId);
     const QString strText = pWarn->whatsThis();
+    const QString strCaption = pWarn->statusTip();
+    const int nError = m_deps.services.pRenderCore->GetTaskErrorCode(strTaskId);
     if (nError == 0)
         return;
     if (nError != ErrorAwaitsUser) {
         m_deps.prompts.Notify(tr(qUtf8Printable(strText)));
         return;
     }
-    const QPointer<VTSubmitList> pThis(this);
-    const VTAnswer answer = m_deps.prompts.Ask({QFileInfo(strTaskId).completeBaseName(), pWarn->statusTip(),
-        strText, tr("Cancel"), tr("Submit"), true});
-    if (pThis && answer == VTAnswer::Agreed && m_deps.services.pRenderCore)
+    const int nSession = m_deps.session.nNumber;
+    const VTAnswer answer = m_deps.prompts.Ask(
+        {QFileInfo(strTaskId).completeBaseName(), strCaption, strText, tr("Cancel"), tr("Submit"), true});
+    if (answer == VTAnswer::Agreed && m_deps.session.nNumber == nSession && m_deps.services.pRenderCore)
         m_deps.services.pRenderCore->ContinueSubmit(strTaskId);
 }

@@ -3,18 +3,24 @@
 #include <QCoreApplication>
 #include <QObject>
 #include <QStringList>
+#include <QVariantList>
 #include <QVector>
 
 class QTableWidget;
 class QTableWidgetItem;
 class VTPageBar;
 class VTPrompts;
+class VTTables;
 struct VTCodeTables;
 struct VTMainForm;
 struct VTServices;
+struct VTSession;
 struct VTTimers;
 
 /// The list of local submission tasks, shown page by page and refreshed in place.
+///
+/// The render core may change its list from inside any call that reads it. So a task is read first and its row written
+/// afterwards, unless the rows have been built anew meanwhile.
 class VTSubmitList : public QObject
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
@@ -24,9 +30,11 @@ public:
     {
         const VTMainForm& form;
         const VTServices& services;
+        const VTSession& session;
         const VTCodeTables& codeTables;
         const VTTimers& timers;
         const VTPrompts& prompts;
+        const VTTables& tables;
         VTPageBar& pageBar;
     };
 
@@ -35,7 +43,7 @@ public:
 
     static QStringList Headers();
 
-    void BuildPage(int nPage);
+    /// Shows the current page with no row checked.
     void BuildCurrentPage();
 
     /// Adapts page state, page bar and table after tasks have come or gone, and brings the tab to the front.
@@ -43,6 +51,11 @@ public:
 
     /// Updates the rows on the screen and removes those whose task has gone.
     void Refresh();
+
+    /// Does what had to wait while a menu was open over the table.
+    void CatchUp();
+
+    void Retranslate();
 
     /// Deletes tasks as the user's own deletion and shows the remaining ones.
     void Delete(const QStringList& lstTaskId);
@@ -55,9 +68,30 @@ public:
     void HandleDoubleClick(int nRow, int nColumn);
 
 private:
-    void WriteRow(int nRow, const QString& strTaskId);
-    void RefreshRow(int nRow, const QString& strTaskId);
-    void RefreshWarning(QTableWidgetItem* pWarn, const QString& strMessage, int nStage, int nError) const;
+    /// What the render core tells of a task for its row.
+    struct Task
+    {
+        QString strId;
+        QString strSceneFile;
+        QString strStartTime;
+        QString strMessage;    ///< translated
+        QString strUploadText; ///< while it uploads without an error
+        QVariantList lstArguments;
+        bool bArguments = false; ///< whether the arguments have been read
+        int nStage = 0;
+        int nProgress = 0;
+        int nError = 0;
+
+        bool Uploads() const;
+    };
+
+    void BuildPage(int nPage, bool bKeepMarks);
+    QVector<Task> ReadPage(int nPage);
+    Task ReadForNewRow(const QString& strTaskId) const;
+    Task ReadForRefresh(const QString& strTaskId, bool bArguments) const;
+    void WriteRow(int nRow, const Task& task);
+    void RefreshRow(int nRow, const Task& task);
+    void RefreshWarning(QTableWidgetItem* pWarn, const Task& task) const;
     QString StageText(int nStage) const;
 
     /// @return for each row the index of its task in the list, or -1 if the task has gone.
@@ -66,4 +100,6 @@ private:
     Dependencies m_deps;
     QTableWidget* m_pTable;
     int m_nFirstPlace = 0; ///< index in the list at which the first row's task was found last
+    int m_nBuild = 0;      ///< changes whenever the rows are built anew
+    bool m_bBuildHeld = false;
 };

@@ -7,6 +7,7 @@
 
 #include <QEvent>
 #include <QGuiApplication>
+#include <QMenu>
 #include <QStyledItemDelegate>
 
 namespace {
@@ -34,6 +35,8 @@ VTTables::VTTables(const VTMainForm& form)
     for (int nTab = 0; nTab < VTList::Count; ++nTab) {
         QTableWidget* pTable = m_form.Table(nTab);
         pTable->setItemDelegate(new RowDelegate(pTable));
+        pTable->setContextMenuPolicy(Qt::CustomContextMenu);
+        pTable->setEditTriggers(QAbstractItemView::NoEditTriggers);
     }
 }
 
@@ -53,6 +56,17 @@ void VTTables::Press(int nRow)
     const bool bRightButton = QGuiApplication::mouseButtons().testFlag(Qt::RightButton);
     const bool bUncheck = !bRightButton && pItem->checkState() == Qt::Checked;
     pItem->setCheckState(bUncheck ? Qt::Unchecked : Qt::Checked);
+}
+
+void VTTables::Hold(int nTab, const QMenu* pMenu)
+{
+    m_nHeldTab = nTab;
+    m_pMenu = pMenu;
+}
+
+bool VTTables::IsHeld(int nTab) const
+{
+    return nTab == m_nHeldTab && m_pMenu && m_pMenu->isVisible();
 }
 
 void VTTables::CheckAll(int nState) const

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QPointer>
 #include <QStringList>
 
+class QMenu;
 struct VTMainForm;
 
 /// The behaviour that the three tables share: check boxes, presses on rows, columns.
@@ -23,6 +25,13 @@ public:
     /// Forgets the last press, so that the next context menu needs another one.
     void ForgetPress() { m_nPressedRow = -1; }
 
+    /// Lets a tab's rows stay as they are while the menu is open, so that its entries act on the rows that it was opened
+    /// over.
+    void Hold(int nTab, const QMenu* pMenu);
+
+    /// Whether refills of a tab's table have to wait for an open menu.
+    bool IsHeld(int nTab) const;
+
     /// Gives every row of the current tab the check state of the select-all box.
     void CheckAll(int nState) const;
 
@@ -38,4 +47,6 @@ public:
 private:
     const VTMainForm& m_form;
     int m_nPressedRow = -1;
+    int m_nHeldTab = -1;
+    QPointer<const QMenu> m_pMenu;
 };

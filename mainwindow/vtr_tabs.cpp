@@ -2,10 +2,12 @@
 
 #include "common/vtr_services.h"
 #include "dialogs/vtr_group.h"
+#include "mainwindow/vtr_contextmenus.h"
 #include "mainwindow/vtr_downloadlist.h"
 #include "mainwindow/vtr_joblist.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_pagebar.h"
+#include "mainwindow/vtr_session.h"
 #include "mainwindow/vtr_submitlist.h"
 #include "mainwindow/vtr_tables.h"
 #include "mainwindow/vtr_timers.h"
@@ -42,12 +44,44 @@ void VTTabs::HandlePageButton(const QObject* pButton)
 {
     const auto* pPageButton = qobject_cast<const QPushButton*>(pButton);
     const int nTab = m_deps.form.tbwContainer->currentIndex();
-    if (!pPageButton || !m_deps.form.Table(nTab) || !m_deps.pageBar.Click(pPageButton, nTab))
-        return;
+    if (pPageButton && m_deps.form.Table(nTab) && m_deps.pageBar.Click(pPageButton, nTab))
+        ShowMovedPage(nTab);
+}
+
+void VTTabs::GoToFirstPage()
+{
+    GoToPage(1);
+}
+
+void VTTabs::GoToLastPage()
+{
+    GoToPage(m_deps.pageBar.State(m_deps.form.tbwContainer->currentIndex()).nTotalPages);
+}
+
+void VTTabs::GoToPage(int nPage)
+{
+    const int nTab = m_deps.form.tbwContainer->currentIndex();
+    if (m_deps.pageBar.GoTo(nPage, nTab))
+        ShowMovedPage(nTab);
+}
+
+void VTTabs::ShowMovedPage(int nTab)
+{
     // The bar of the farm's jobs is redrawn when the answer arrives.
     if (nTab != VTList::Jobs)
         m_deps.pageBar.Redraw(nTab);
     ShowCurrentPage(nTab);
+}
+
+void VTTabs::RunMenu(int nTab)
+{
+    const int nSession = m_deps.session.nNumber;
+    m_deps.menus.Run(nTab);
+    if (m_deps.session.nNumber != nSession)
+        return;
+    m_deps.jobList.ShowHeldAnswer();
+    m_deps.submitList.CatchUp();
+    m_deps.downloadList.CatchUp();
 }
 
 void VTTabs::FilterJobs(const QString& strConditions)

@@ -3,6 +3,7 @@
 #include <QString>
 
 class QObject;
+class VTContextMenus;
 class VTDownloadList;
 class VTGroup;
 class VTJobList;
@@ -12,9 +13,11 @@ class VTTables;
 class VTToolbar;
 struct VTMainForm;
 struct VTServices;
+struct VTSession;
 struct VTTimers;
 
-/// Switches list, page bar, toolbar and timers when another tab comes to the front.
+/// Switches list, page bar, toolbar and timers when another tab comes to the front, and goes through the pages of the
+/// list that is there.
 class VTTabs
 {
 public:
@@ -22,10 +25,12 @@ public:
     {
         const VTMainForm& form;
         const VTServices& services;
+        const VTSession& session;
         const VTTimers& timers;
         const VTTables& tables;
         const VTToolbar& toolbar;
         VTGroup& group;
+        VTContextMenus& menus;
         VTPageBar& pageBar;
         VTJobList& jobList;
         VTSubmitList& submitList;
@@ -41,6 +46,12 @@ public:
     /// Moves the list for a click on a page button, and shows the page.
     void HandlePageButton(const QObject* pButton);
 
+    void GoToFirstPage();
+    void GoToLastPage();
+
+    /// Runs the context menu of a tab, then brings its table up to date.
+    void RunMenu(int nTab);
+
     /// Filters the farm's jobs by conditions from the group panel: brings their tab to the front and requests page 1.
     void FilterJobs(const QString& strConditions);
 
@@ -48,6 +59,8 @@ public:
     void Relayout();
 
 private:
+    void GoToPage(int nPage);
+    void ShowMovedPage(int nTab);
     void ShowCurrentPage(int nTab);
     void SwitchTimers(int nTab) const;
 

@@ -1,15 +1,16 @@
 #include "mainwindow/vtr_taskquestions.h"
 
 #include "common/vtr_services.h"
+#include "mainwindow/vtr_session.h"
 #include "mainwindow/vtr_timers.h"
 
 #include <QFileInfo>
-#include <QPointer>
 
-VTTaskQuestions::VTTaskQuestions(
-    Subject subject, const VTServices& services, const VTPrompts& prompts, QTimer* pTimer)
+VTTaskQuestions::VTTaskQuestions(Subject subject, const VTServices& services, const VTSession& session,
+    const VTPrompts& prompts, QTimer* pTimer)
     : m_subject(subject)
     , m_services(services)
+    , m_session(session)
     , m_prompts(prompts)
     , m_pTimer(pTimer)
 {
@@ -30,14 +31,11 @@ void VTTaskQuestions::Tick()
     const auto report = m_queue.Take();
     if (!report)
         return;
-    const QPointer<VTTaskQuestions> pThis(this);
+    const int nSession = m_session.nNumber;
     const VTAnswer answer = m_prompts.Ask(Question(*report));
-    if (!pThis)
-        return;
-    if (answer != VTAnswer::None)
+    if (answer != VTAnswer::None && m_session.nNumber == nSession)
         Answer(report->strTaskId, answer == VTAnswer::Agreed);
-    if (pThis)
-        m_queue.Answered();
+    m_queue.Answered();
 }
 
 VTQuestion VTTaskQuestions::Question(const VTQuestionQueue::Report& report) const

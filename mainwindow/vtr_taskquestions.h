@@ -7,10 +7,12 @@
 #include <QObject>
 
 class QTimer;
+struct VTSession;
 
 /// Asks the user what to do about files that a local task could not upload or find.
 ///
-/// Questions are asked one at a time and a tick apart, so that none opens from inside the render core's signal.
+/// Questions are asked one at a time and a tick apart, so that none opens from inside the render core's signal. They end
+/// with the session.
 class VTTaskQuestions : public QObject
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
@@ -22,7 +24,8 @@ public:
     };
 
     /// All must outlive this object.
-    VTTaskQuestions(Subject subject, const VTServices& services, const VTPrompts& prompts, QTimer* pTimer);
+    VTTaskQuestions(Subject subject, const VTServices& services, const VTSession& session,
+        const VTPrompts& prompts, QTimer* pTimer);
 
     /// Queues a report and starts the timer.
     void Add(const QString& strTaskId, const QStringList& lstFile);
@@ -30,12 +33,16 @@ public:
     /// Asks the next question unless one is open; stops the timer when none is left.
     void Tick();
 
+    /// Forgets the reports that wait.
+    void Forget() { m_queue.Clear(); }
+
 private:
     VTQuestion Question(const VTQuestionQueue::Report& report) const;
     void Answer(const QString& strTaskId, bool bAgreed) const;
 
     Subject m_subject;
     const VTServices& m_services;
+    const VTSession& m_session;
     const VTPrompts& m_prompts;
     QTimer* m_pTimer;
     VTQuestionQueue m_queue;

@@ -25,6 +25,7 @@ public:
     QAction* QuitAction() const { return m_pQuit.get(); }
 
     void Show() const { m_pIcon->show(); }
+    void Hide() const { m_pIcon->hide(); }
     void ApplySkin(const QString& strSkin) const;
     void Retranslate() const;
 

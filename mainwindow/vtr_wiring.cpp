@@ -1,7 +1,6 @@
 #include "mainwindow/vtr_wiring.h"
 
 #include "common/vtr_connections.h"
-#include "common/vtr_services.h"
 #include "dialogs/vtr_group.h"
 #include "dialogs/vtr_search.h"
 #include "dialogs/vtr_setargument.h"
@@ -16,44 +15,44 @@
 // clang-format off
 namespace {
 
-void WireForm(const QWidget* pWindow, const VTConcerns& concerns, const VTServices& services)
+void WireForm(VTConnections& wiring, const QWidget* pWindow, const VTConcerns& concerns)
 {
     const VTMainForm& form = concerns.form;
-    VTConnect({
+    wiring.Add({
         {form.btnSystemMin, SIGNAL(clicked()), form.pForm, SLOT(close())},
         {form.btnFullRender, SIGNAL(clicked()), pWindow, SLOT(FullRender())},
         {form.btnDelete, SIGNAL(clicked()), pWindow, SLOT(DeleteJobs())},
         {form.btnRecover, SIGNAL(clicked()), pWindow, SLOT(RecoverJobs())},
         {form.btnPause, SIGNAL(clicked()), pWindow, SLOT(StopJobs())},
         {form.btnRestart, SIGNAL(clicked()), pWindow, SLOT(RestartJobs())},
-        {form.btnSettings, SIGNAL(clicked()), services.pConfiguration, SLOT(ShowConf())},
-        {concerns.pSetArgument.data(), SIGNAL(setArgument(QString,QVariantList)), services.pRenderCore, SLOT(SetArgument(QString,QVariantList))},
+        {form.btnSettings, SIGNAL(clicked()), concerns.services.pConfiguration, SLOT(ShowConf())},
+        {concerns.pSetArgument.data(), SIGNAL(setArgument(QString,QVariantList)), concerns.services.pRenderCore, SLOT(SetArgument(QString,QVariantList))},
         {concerns.pGroup.data(), SIGNAL(condition(QString)), pWindow, SLOT(Condition(QString))},
         {pWindow, SIGNAL(login(QString,QString,QString, QString)), concerns.pGroup.data(), SLOT(Login(QString,QString,QString, QString))},
         {pWindow, SIGNAL(windowSizeChanged()), pWindow, SLOT(AdjustPageButtons())},
         {pWindow, SIGNAL(windowSizeChanged()), concerns.pGroup.data(), SLOT(WindowSizeChanged())},
     });
     for (const QPushButton* btnPage : form.PageButtons())
-        VTConnect({{btnPage, SIGNAL(clicked()), pWindow, SLOT(PageButtonClicked())}});
+        wiring.Add({{btnPage, SIGNAL(clicked()), pWindow, SLOT(PageButtonClicked())}});
 }
 
-void WireTitleBar(const QWidget* pWindow, const VTConcerns& concerns, const VTServices& services)
+void WireTitleBar(VTConnections& wiring, const QWidget* pWindow, const VTConcerns& concerns)
 {
     const VTMainForm& form = concerns.form;
-    VTConnect({
-        {services.pUiLoader, SIGNAL(SkinChanged(QString)), pWindow, SLOT(ChangeSkin(QString))},
-        {services.pUiLoader, SIGNAL(LanguageChanged(QString)), pWindow, SLOT(ChangeLanguage(QString))},
+    wiring.Add({
+        {concerns.services.pUiLoader, SIGNAL(SkinChanged(QString)), pWindow, SLOT(ChangeSkin(QString))},
+        {concerns.services.pUiLoader, SIGNAL(LanguageChanged(QString)), pWindow, SLOT(ChangeLanguage(QString))},
         {form.btnSystemClose, SIGNAL(clicked()), pWindow, SLOT(Close())},
         {form.btnSystemMaxmax, SIGNAL(clicked()), pWindow, SLOT(ShowWindowNormal())},
         {form.btnSystemMaxnormal, SIGNAL(clicked()), pWindow, SLOT(ShowWindowMaximized())},
-        {services.pUiLoader, SIGNAL(ShowWindow(QString)), pWindow, SLOT(ShowWindow(QString))},
+        {concerns.services.pUiLoader, SIGNAL(ShowWindow(QString)), pWindow, SLOT(ShowWindow(QString))},
     });
 }
 
-void WireCommunication(const QWidget* pWindow, const VTConcerns& concerns, const VTServices& services)
+void WireCommunication(VTConnections& wiring, const QWidget* pWindow, const VTConcerns& concerns)
 {
-    const QObject* pCommunication = services.pCommunication;
-    VTConnect({
+    const QObject* pCommunication = concerns.services.pCommunication;
+    wiring.Add({
         {pCommunication, SIGNAL(SignInResponse(int, QVariantMap)), pWindow, SLOT(TriggerSignInResponse(int, QVariantMap))},
         {pCommunication, SIGNAL(JobListResponse(int,QVariantMap)), pWindow, SLOT(TriggerJobListResponse(int, QVariantMap))},
         {pCommunication, SIGNAL(DeleteJobResponse(int,QVariantMap)), pWindow, SLOT(TriggerDeleteJobResponse(int, QVariantMap))},
@@ -68,11 +67,11 @@ void WireCommunication(const QWidget* pWindow, const VTConcerns& concerns, const
     });
 }
 
-void WireListsAndTimers(const QWidget* pWindow, const VTConcerns& concerns, const VTServices& services, const VTTimers& timers)
+void WireListsAndTimers(VTConnections& wiring, const QWidget* pWindow, const VTConcerns& concerns, const VTTimers& timers)
 {
     const VTMainForm& form = concerns.form;
-    const QObject* pRenderCore = services.pRenderCore;
-    VTConnect({
+    const QObject* pRenderCore = concerns.services.pRenderCore;
+    wiring.Add({
         {form.chkAll, SIGNAL(stateChanged(int)), pWindow, SLOT(TriggerStateChanged(int))},
         {pRenderCore, SIGNAL(SubmitListChanged()), pWindow, SLOT(TriggerSubmitListChanged())},
         {pRenderCore, SIGNAL(DownloadListChanged()), pWindow, SLOT(TriggerDownloadListChanged())},
@@ -98,11 +97,11 @@ void WireListsAndTimers(const QWidget* pWindow, const VTConcerns& concerns, cons
     });
 }
 
-void WireMenus(const QWidget* pWindow, const VTConcerns& concerns)
+void WireMenus(VTConnections& wiring, const QWidget* pWindow, const VTConcerns& concerns)
 {
     const VTContextMenus& menus = concerns.menus;
     const QObject* pSetParent = concerns.pSetParent.data();
-    VTConnect({
+    wiring.Add({
         {concerns.tray.QuitAction(), SIGNAL(triggered()), qApp, SLOT(quit())},
         {concerns.tray.Icon(), SIGNAL(activated(QSystemTrayIcon::ActivationReason)), pWindow, SLOT(TriggerActivated(QSystemTrayIcon::ActivationReason))},
         {menus.pSetParent, SIGNAL(triggered()), pSetParent, SLOT(SetJobParent())},
@@ -123,18 +122,17 @@ void WireMenus(const QWidget* pWindow, const VTConcerns& concerns)
 } // namespace
 // clang-format on
 
-void VTWireWindow(
-    QWidget* pWindow, const VTConcerns& concerns, const VTServices& services, const VTTimers& timers)
+void VTWireWindow(VTConnections& wiring, QWidget* pWindow, const VTConcerns& concerns, const VTTimers& timers)
 {
     RegisterVTParameters();
-    WireForm(pWindow, concerns, services);
-    WireTitleBar(pWindow, concerns, services);
-    WireCommunication(pWindow, concerns, services);
-    WireListsAndTimers(pWindow, concerns, services, timers);
-    WireMenus(pWindow, concerns);
+    WireForm(wiring, pWindow, concerns);
+    WireTitleBar(wiring, pWindow, concerns);
+    WireCommunication(wiring, pWindow, concerns);
+    WireListsAndTimers(wiring, pWindow, concerns, timers);
+    WireMenus(wiring, pWindow, concerns);
 
     // The render core takes dropped scenes from the form's events. The window, installed last, sees the events first.
-    if (services.pRenderCore)
-        concerns.form.pForm->installEventFilter(services.pRenderCore);
+    if (concerns.services.pRenderCore)
+        concerns.form.pForm->installEventFilter(concerns.services.pRenderCore);
     concerns.form.pForm->installEventFilter(pWindow);
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 class QWidget;
-struct VTServices;
-struct VTTimers;
+class VTConnections;
 struct VTConcerns;
+struct VTTimers;
 
-/// Makes the window's connections: main form, services and dialogs, then tray and menus. Each is made once.
+/// Makes the window's connections: main form, services and dialogs, then tray and menus.
 void VTWireWindow(
-    QWidget* pWindow, const VTConcerns& concerns, const VTServices& services, const VTTimers& timers);
+    VTConnections& wiring, QWidget* pWindow, const VTConcerns& concerns, const VTTimers& timers);

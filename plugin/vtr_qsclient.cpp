@@ -1,6 +1,5 @@
 #include "plugin/vtr_qsclient.h"
 
-#include "common/vtr_connections.h"
 #include "common/vtr_ids.h"
 #include "mainwindow/vtr_qsclient_p.h"
 #include "vtr_baseappinterface.h"
@@ -58,6 +57,8 @@ bool ReportInvalid(const ServiceEntry& entry)
 
 QObject* Find(const VTServices& services, const ServiceEntry& entry)
 {
+    if (!services.pContext) // Uninitialize was called from inside the attachment
+        return nullptr;
     const ctkServiceReference reference = services.pContext->getServiceReference(Interface(entry));
     return reference ? services.pContext->getService(reference) : nullptr;
 }
@@ -161,35 +162,40 @@ void VTQsClient::DeleteWindow()
 {
     if (!m_pWindow)
         return;
-    m_lstDeferred = m_pWindow->DeferredDeletions() + m_lstDeferred;
+    std::unique_ptr<VTQsClientPrivate> pWindow = std::move(m_pWindow);
+    m_lstDeferred = pWindow->Retire() + m_lstDeferred;
     m_lstDeferred.removeAll(QPointer<QObject>());
-    m_pWindow.reset();
+    if (pWindow->IsBusy())
+        pWindow.release()->DeleteWhenIdle();
 }
 
 int VTQsClient::Initialize(const QVariantMap& mapParameters)
 {
     if (m_bInitialised)
         return Success;
+    if (m_bAttaching)
+        return Failure;
     VTServices& services = Window()->Services();
     services.pContext = mapParameters.value(QStringLiteral("plugin_context")).value<ctkPluginContext*>();
     if (!services.pContext)
         return Failure;
     services.mapParameters = mapParameters;
-    if (AttachPlugins(QString()) != Success)
-        return Failure;
-    m_bInitialised = true;
-    return Success;
+    m_bAttaching = true;
+    m_bInitialised = AttachPlugins(QString()) == Success;
+    m_bAttaching = false;
+    return m_bInitialised ? Success : Failure;
 }
 
 int VTQsClient::AttachPlugins(const QString& strKey)
 {
     try {
+        m_connections.Clear();
         if (!AttachServices(strKey))
             return Failure;
         AttachApplications();
         m_pWindow->LoadGlobalSettings();
         m_pWindow->BuildInterface();
-        return Success;
+        return m_pWindow->Services().pContext ? Success : Failure;
     } catch (const std::exception& exception) {
         qCritical("[%s] The services could not be attached: %s", VTIds::Client.data(), exception.what());
     } catch (...) {
@@ -206,7 +212,8 @@ bool VTQsClient::AttachServices(const QString& strKey)
     if (Wanted(VTIds::Settings)) {
         if (!Attach(services, Settings, services.pSettings, services.nSettingsStatus))
             return false;
-        VTConnect({{services.pSettings, SIGNAL(SettingsUpdated()), m_pWindow.get(), SLOT(UpdateSettings())}});
+        m_connections.Add(
+            {{services.pSettings, SIGNAL(SettingsUpdated()), m_pWindow.get(), SLOT(UpdateSettings())}});
     }
     if (Wanted(VTIds::Logger) && !AttachLogger(services))
         return false;
@@ -214,7 +221,7 @@ bool VTQsClient::AttachServices(const QString& strKey)
     int nNoStatus = 0;
     if (!Attach(services, UiLoader, services.pUiLoader, nNoStatus))
         return false;
-    VTConnect({{services.pUiLoader, SIGNAL(ShowWindow(QString)), this, SLOT(ShowWindow(QString))}});
+    m_connections.Add({{services.pUiLoader, SIGNAL(ShowWindow(QString)), this, SLOT(ShowWindow(QString))}});
 
     return Attach(services, MessageBox, services.pMessageBox, services.nMessageBoxStatus)
         && Attach(services, Communication, services.pCommunication, services.nCommunicationStatus)
@@ -226,7 +233,9 @@ bool VTQsClient::AttachServices(const QString& strKey)
 
 void VTQsClient::AttachApplications()
 {
-    const VTServices& services = m_pWindow->Services();
+    const VTServices services = m_pWindow->Services();
+    if (!services.pContext)
+        return;
     QVariant varResult;
     CallApplications(services.pContext, [&](const QPointer<VTBaseAppInterface>& pApplication) {
         pApplication->Initialize(services.mapParameters);
@@ -238,15 +247,16 @@ void VTQsClient::AttachApplications()
 int VTQsClient::Uninitialize()
 {
     if (m_pWindow) {
-        VTServices& services = m_pWindow->Services();
-        if (services.pSettings) {
+        const VTServices services = m_pWindow->Services();
+        // Released services are not used any more; a later Initialize attaches them again.
+        m_connections.Clear();
+        m_pWindow->ReleaseServices();
+        if (services.pSettings)
             services.pSettings->Hide(QVariant(services.nSettingsStatus));
+        if (services.pSettings)
             services.pSettings->Uninitialize();
-        }
         if (VTLoggerInterface* pLogger = services.Logger())
             pLogger->Uninitialize();
-        // Released services are not used any more; a later Initialize attaches them again.
-        services = VTServices();
     }
     Hide(QVariant(m_nWindowState));
     m_bInitialised = false;
@@ -296,10 +306,10 @@ int VTQsClient::Activate(const QVariant& varRequest, const QVariantMap& /*mapPar
             });
         });
     }
-    if (m_pWindow) {
+    if (m_pWindow)
         m_pWindow->CacheSubmitTasks();
+    if (m_pWindow)
         m_pWindow->ShowTrayIcon();
-    }
     return Success;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/vtr_connections.h"
 #include "vtr_baseinterface.h"
 
 #include <QObject>
@@ -56,8 +57,10 @@ private:
     void DeleteWindow();
 
     std::unique_ptr<VTQsClientPrivate> m_pWindow;
+    VTConnections m_connections;
     int m_nWindowState = NotShown;
     bool m_bInitialised = false;
+    bool m_bAttaching = false;
     /// Objects of deleted windows that were left to the event loop.
     QVector<QPointer<QObject>> m_lstDeferred;
 };

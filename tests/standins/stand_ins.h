@@ -202,7 +202,10 @@ public:
     QVariantList GetTaskArguments(const QString& id) override
     {
         ++argumentReads;
-        return Find(id).arguments;
+        const QVariantList arguments = Find(id).arguments;
+        if (const auto action = std::exchange(onArguments, nullptr))
+            action();
+        return arguments;
     }
     void UploadRetryAnswer(const QString& id, bool retry) override
     {
@@ -235,6 +238,7 @@ public:
     QVariantList setArguments; ///< as last set
     QVector<QEvent::Type> seenEvents;
     int argumentReads = 0;
+    std::function<void()> onArguments; ///< runs once, inside the next read of arguments
 
 private:
     Task Find(const QString& id) const
