@@ -2,6 +2,7 @@
 
 #include "host/farmclient/http_transport.h"
 #include "host/settings/download_folder.h"
+#include "host/settings/keep_days.h"
 #include "host/settings/setting_keys.h"
 #include "vtr_settingsinterface.h"
 
@@ -17,8 +18,9 @@ RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface*
     m_submissions.SetArgumentsCheck(
         [this] { return m_settings->Value(SettingKeys::OfAccount(m_userName, "setargument"), 0).toBool(); });
     connect(&m_downloads, &DownloadQueue::ListChanged, this, &VTRenderCoreInterface::DownloadListChanged);
-    connect(&m_downloads, &DownloadQueue::FileFinished, this, &VTRenderCoreInterface::DownloadFinish);
-    // The folder for downloads is a setting.
+    connect(&m_downloads, &DownloadQueue::FilesFinished, this, &VTRenderCoreInterface::DownloadFinish);
+    connect(&m_downloads, &DownloadQueue::Notice, this, &RenderCoreService::Notice);
+    // The folder for downloads and the age of finished ones are settings.
     connect(settings, &VTSettingsInterface::SettingsUpdated, this, &RenderCoreService::UpdateAccess);
 }
 
@@ -53,6 +55,7 @@ void RenderCoreService::UpdateAccess()
     if (!m_userName.isEmpty()) {
         access.owner = m_serverName + QLatin1Char('/') + m_userName;
         access.folder = DownloadFolder::Of(m_settings, m_userName);
+        m_downloads.SetKeepDays(KeepDays::Of(m_settings, m_userName));
     }
     m_submissions.SetAccess(access);
     m_downloads.SetAccess(access);
@@ -69,6 +72,11 @@ void RenderCoreService::RemoveSubmitTasks(const QStringList& ids, bool byUser)
 void RenderCoreService::RemoveDownloadTasks(const QStringList& ids)
 {
     m_downloads.Remove(ids);
+}
+
+void RenderCoreService::ClearFinishedDownloads()
+{
+    m_downloads.ClearFinished();
 }
 
 void RenderCoreService::StopDownloadTasks(const QStringList& ids)

@@ -57,7 +57,13 @@ public:
     int SubmitScene(const QString& sceneFile) override;
     void RedownloadTasks(const QStringList& ids) override;
 
+signals:
+    /// @param text tells the user of trouble with the disk.
+    void Notice(const QString& text);
+
 public slots:
+    /// Removes all finished downloads from the list. Their files stay.
+    void ClearFinishedDownloads();
     void SetArgument(QString id, QVariantList arguments) override;
     void TriggerJobIdType(QVariantMap orders) override;
 

@@ -1,6 +1,7 @@
 #include "host/settings/download_folder.h"
 
 #include "host/settings/setting_keys.h"
+#include "storage/folder_check.h"
 #include "vtr_settingsinterface.h"
 
 #include <QDir>
@@ -21,6 +22,12 @@ QString Of(VTSettingsInterface* settings, const QString& userName)
             return QDir::cleanPath(folder);
     }
     return QStandardPaths::writableLocation(QStandardPaths::DownloadLocation) + QLatin1String("/QuillStar");
+}
+
+QString Trouble(const QString& folder)
+{
+    const int error = storage::FolderError(folder);
+    return error == 0 ? QString() : qt_error_string(error);
 }
 
 } // namespace DownloadFolder

@@ -14,4 +14,8 @@ QString Key(const QString& userName);
 /// @return an absolute path.
 QString Of(VTSettingsInterface* settings, const QString& userName);
 
+/// Creates the folder if it is missing.
+/// @return why nothing can be saved there; empty when files can.
+QString Trouble(const QString& folder);
+
 } // namespace DownloadFolder

@@ -172,10 +172,10 @@ private slots:
         store.ReopenOrder(Ann, "a"_s);
         QCOMPARE(Orders(), "a0"_s); // it was open
         store.CloseOrder(Ann, store.OpenOrders(Ann, 1).constFirst());
-        QCOMPARE(order("a", DownloadOrder::Automatic), "known"_s);
         store.ReopenOrder(Ann, "a"_s);
         QCOMPARE(Orders() + Orders(9, Bob), "a2b0"_s);
-        QCOMPARE(order("a c d", DownloadOrder::Automatic), "a2 c0 d0"_s);
+        // A renewal brings no new files, so an automatic order takes its place.
+        QCOMPARE(order("a c d", DownloadOrder::Automatic), "a0 c0 d0"_s);
     }
 
     void AppliesLists_data() { AddRows(ReconcileCases); }
@@ -221,13 +221,40 @@ private slots:
         DownloadTasks tasks
             = Apply(DownloadOrder::Automatic, {File("a.png"), File("b.png"), File("c.png")}).added;
         tasks += Apply(DownloadOrder::Automatic, {File("a.png")}, Bob).added;
-        const QStringList names {"a (2).png"_s, "b.png"_s, "c (2).png"_s, "a (3).png"_s};
-        for (int index = 0; index < names.size(); ++index)
-            QCOMPARE(tasks.value(index).file, QString(Path("frames/shot/"_s) + names.at(index)));
-        DownloadTask renamed = tasks.at(1);
-        QVERIFY(Downloads().Rename(&renamed));
-        QCOMPARE(renamed.file, Path("frames/shot/b (2).png"_s));
-        QCOMPARE(Downloads().Find(Ann, renamed.id)->file, renamed.file);
+        const QStringList names {"a.png"_s, "b.png"_s, "c.png"_s, "a (2).png"_s};
+        const QStringList others {"a (3).png"_s, "b (2).png"_s, "c (2).png"_s, "a (4).png"_s};
+        for (int index = 0; index < names.size(); ++index) {
+            DownloadTask task = tasks.value(index);
+            QCOMPARE(task.file, QString(Path("frames/shot/"_s) + names.at(index)));
+            QVERIFY(WriteFile(Path("frames/shot/a (2).png"_s), "in the way"));
+            QVERIFY(Downloads().Rename(&task));
+            QCOMPARE(task.file, QString(Path("frames/shot/"_s) + others.at(index)));
+            QCOMPARE(Downloads().Find(index < 3 ? Ann : Bob, task.id)->file, task.file);
+        }
+        // The unfinished ones follow the folder.
+        const MovedTasks moved = Downloads().MoveUnfinished(Ann, Path("new"_s), tasks.at(0).id, 1);
+        QCOMPARE(moved.size(), 1);
+        QCOMPARE(moved.constFirst().before, Path("frames/shot/b (2).png"_s));
+        QCOMPARE(Downloads().Find(Ann, tasks.at(1).id)->file, Path("new/shot/b.png"_s));
+        QVERIFY(Downloads().MoveUnfinished(Ann, Path("new"_s), tasks.at(2).id, 9).isEmpty());
+    }
+
+    void RemovedTasksComeBackByCommandOnly()
+    {
+        const FarmFiles files {File("a.png"), File("b.png"), File("c.png"), File("new.png")};
+        DownloadTasks tasks = Apply(DownloadOrder::Automatic, files.mid(0, 3)).added;
+        tasks[0].state = tasks[1].state = DownloadState::Finished;
+        DownloadStore store = Downloads();
+        store.Save(tasks);
+        const qint64 now = QDateTime::currentSecsSinceEpoch();
+        QVERIFY(store.RemoveFinished(Ann, now - 60, 9).isEmpty());
+        QVERIFY(store.HasWaiting(Ann, "j1"_s));
+        store.Remove(Ann, {tasks.at(2).id});
+        QVERIFY(!store.HasWaiting(Ann, "j1"_s));
+        QCOMPARE(store.RemoveFinished(Ann, now + 60, 1), TaskIds {tasks.at(0).id});
+        QCOMPARE(store.RemoveFinished(Ann, now + 60, 9), TaskIds {tasks.at(1).id});
+        QCOMPARE(Apply(DownloadOrder::Automatic, files).added.value(0).name, "new.png"_s);
+        QCOMPARE(Apply(DownloadOrder::Manual, files).added.size(), 3);
     }
 
     void FindsTasksOfTheirOwner()

@@ -4,8 +4,11 @@
 #include <QFileInfo>
 #include <QStringList>
 
+#include <atomic>
 #include <cerrno>
 #include <mutex>
+#include <sys/statfs.h>
+#include <sys/statvfs.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 #include <utility>
@@ -14,7 +17,9 @@
 /// Use TakeDiskCalls() while other threads write.
 inline QStringList diskCalls;
 /// Makes syncing fail, as on a broken disk.
-inline bool diskFails = false;
+inline std::atomic<bool> diskFails = false;
+/// The bytes that all disks have left; -1 for as many as they have.
+inline std::atomic<qint64> diskFree = -1;
 
 namespace disk_calls {
 
@@ -58,5 +63,14 @@ __attribute__((visibility("default"))) int rename(const char* from, const char* 
 {
     disk_calls::Record(QStringLiteral("rename ") + QFileInfo(QFile::decodeName(to)).fileName());
     return int(::syscall(SYS_rename, from, to));
+}
+__attribute__((visibility("default"))) int statvfs(const char* path, struct statvfs* disk) noexcept
+{
+    struct statfs found = {};
+    const int result = ::statfs(path, &found);
+    disk->f_blocks = found.f_blocks;
+    disk->f_frsize = diskFree < 0 ? static_cast<unsigned long>(found.f_frsize) : 1;
+    disk->f_bavail = diskFree < 0 ? found.f_bavail : static_cast<fsblkcnt_t>(diskFree);
+    return result;
 }
 }

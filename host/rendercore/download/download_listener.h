@@ -11,6 +11,13 @@ struct DownloadListener
     /// @param session as it was passed to DownloadWorker::SetAccess().
     std::function<void(int session, const DownloadTasks& tasks)> added;
     std::function<void(const DownloadChanges& changes)> changed;
-    /// A file is complete and in its place. Called once for each file.
-    std::function<void(const QString& file)> finished;
+    /// Tasks that have left the list without a command that names them.
+    std::function<void(const TaskIds& ids)> removed;
+    /// Files of a job are complete and in their place, and no more of it are on their way.
+    /// @param file the one that arrived last.
+    std::function<void(const QString& file, int count)> finished;
+    /// Something that the user has to know.
+    std::function<void(const QString& text)> notice;
+    /// The database could not be used and has begun anew. All tasks are gone.
+    std::function<void(const QString& keptAs)> replaced;
 };

@@ -2,7 +2,6 @@
 
 #include "common/vtr_filename.h"
 
-#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
@@ -70,19 +69,16 @@ QString PartFile(const QString& destination)
     return info.path() + QLatin1String("/.") + info.fileName() + QLatin1String(".part");
 }
 
-QString PrepareFolder(const QString& destination)
+bool LeadsOut(const QString& destination)
 {
     const QFileInfo folder(QFileInfo(destination).path());
-    if (!QDir().mkpath(folder.filePath()))
-        return QCoreApplication::translate("DownloadPaths",
-            "The folder %1 cannot be created. Please check the download folder in the settings.")
-            .arg(QDir::toNativeSeparators(folder.filePath()));
     const QDir root(QFileInfo(folder.path()).canonicalFilePath());
-    if (folder.canonicalFilePath() != root.filePath(folder.fileName()))
-        return QCoreApplication::translate("DownloadPaths",
-            "The folder %1 is a link that leads out of the download folder, so nothing is saved there.")
-            .arg(QDir::toNativeSeparators(folder.filePath()));
-    return {};
+    return folder.canonicalFilePath() != root.filePath(folder.fileName());
+}
+
+QString Root(const QString& destination)
+{
+    return QFileInfo(QFileInfo(destination).path()).path();
 }
 
 } // namespace DownloadPaths

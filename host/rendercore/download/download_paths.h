@@ -21,8 +21,10 @@ bool IsOccupied(const QString& path);
 /// The hidden file beside a destination that holds what has been received so far.
 QString PartFile(const QString& destination);
 
-/// Creates the folder of a destination. A folder that leads out of the root by a symbolic link is refused.
-/// @return a message for the user when nothing can be written there; otherwise empty.
-QString PrepareFolder(const QString& destination);
+/// Whether the folder of a destination leads out of the download folder by a symbolic link.
+bool LeadsOut(const QString& destination);
+
+/// The download folder that holds the destination's folder.
+QString Root(const QString& destination);
 
 } // namespace DownloadPaths

@@ -1,10 +1,8 @@
 #include "host/rendercore/download/download_queue.h"
 
-#include "host/rendercore/attempt.h"
-#include "host/rendercore/download/task_commands.h"
-
 #include <QDir>
 #include <QFileInfo>
+#include <QThreadPool>
 
 #include <utility>
 
@@ -54,17 +52,6 @@ DownloadOrders OrdersOf(const QVariantMap& map)
 DownloadQueue::DownloadQueue(const QString& folder, const DownloadLimits& limits, QObject* parent)
     : QObject(parent)
 {
-    const QString file = QDir(folder).filePath(QStringLiteral("downloads.sqlite"));
-    QDir().mkpath(folder);
-    // Each thread has a store of its own, so that a long list of files does not block the window.
-    std::unique_ptr<DownloadStore> store;
-    if (!Attempt("use the list of downloads", [&] {
-            m_store = std::make_unique<DownloadStore>(file);
-            store = std::make_unique<DownloadStore>(file);
-        })) {
-        m_store.reset();
-        return;
-    }
     DownloadListener listener;
     listener.added = [this](int session, const DownloadTasks& tasks) {
         PostTo(this, [this, session, tasks] { HandleAdded(session, tasks); });
@@ -72,12 +59,16 @@ DownloadQueue::DownloadQueue(const QString& folder, const DownloadLimits& limits
     listener.changed = [this](const DownloadChanges& changes) {
         PostTo(this, [this, changes] { HandleChanged(changes); });
     };
-    listener.finished
-        = [this](const QString& path) { PostTo(this, [this, path] { emit FileFinished(path); }); };
-    m_worker = std::make_unique<WorkerThread<DownloadWorker>>(
-        QStringLiteral("downloads"), [store = std::move(store), listener, limits]() mutable {
-            return std::make_unique<DownloadWorker>(std::move(store), listener, limits);
-        });
+    listener.removed = [this](const TaskIds& ids) { PostTo(this, [this, ids] { HandleRemoved(ids); }); };
+    listener.finished = [this](const QString& file, int count) {
+        PostTo(this, [this, file, count] { HandleFinished(file, count); });
+    };
+    listener.notice = [this](const QString& text) { PostTo(this, [this, text] { emit Notice(text); }); };
+    listener.replaced
+        = [this](const QString& keptAs) { PostTo(this, [this, keptAs] { HandleReplaced(keptAs); }); };
+    const QString file = QDir(folder).filePath(QStringLiteral("downloads.sqlite"));
+    m_worker = std::make_unique<WorkerThread<DownloadWorker>>(QStringLiteral("downloads"),
+        [file, listener, limits] { return std::make_unique<DownloadWorker>(file, listener, limits); });
 }
 
 DownloadQueue::~DownloadQueue() = default;
@@ -88,69 +79,67 @@ void DownloadQueue::SetAccess(const FarmAccess& access)
     m_access = access;
     if (otherOwner) {
         ++m_session;
-        const bool hadTasks = !m_tasks.isEmpty();
-        m_tasks.clear();
-        if (hadTasks)
-            emit ListChanged();
+        Clear();
     }
-    if (m_worker)
-        m_worker->Post(
-            [access, session = m_session](DownloadWorker& worker) { worker.SetAccess(access, session); });
+    m_worker->Post(
+        [access, session = m_session](DownloadWorker& worker) { worker.SetAccess(access, session); });
+}
+
+void DownloadQueue::SetKeepDays(int days)
+{
+    m_worker->Post([days](DownloadWorker& worker) { worker.SetKeepDays(days); });
 }
 
 void DownloadQueue::Order(const QVariantMap& orders)
 {
-    if (m_access.owner.isEmpty())
-        return;
-    bool areNew = false;
-    if (Save([&] { areNew = m_store->AddOrders(m_access.owner, OrdersOf(orders)); }) && areNew)
-        m_worker->Post([](DownloadWorker& worker) { worker.AskForOrders(); });
+    const DownloadOrders given = OrdersOf(orders);
+    if (!m_access.owner.isEmpty() && !given.isEmpty())
+        m_worker->Post([given](DownloadWorker& worker) { worker.Order(given); });
 }
 
 void DownloadQueue::Stop(const QStringList& ids)
 {
-    Change(ids, TaskCommands::Stop, &DownloadWorker::HandleStopped);
+    Command(ids, &DownloadWorker::Stop);
 }
 
 void DownloadQueue::Resume(const QStringList& ids)
 {
-    Change(ids, TaskCommands::Resume, &DownloadWorker::HandleResumed);
+    Command(ids, &DownloadWorker::Resume);
 }
 
 void DownloadQueue::Redownload(const QStringList& ids)
 {
-    Change(ids, TaskCommands::Redownload, &DownloadWorker::HandleReset);
-}
-
-void DownloadQueue::Change(const QStringList& ids, bool (*command)(DownloadTask& task),
-    void (DownloadWorker::*handle)(const TaskIds& ids))
-{
-    TaskIds changed;
-    if (!Save([&] {
-            for (const DownloadTask& task : m_store->Change(m_access.owner, Known(ids), command))
-                changed.append(task.id);
-        })
-        || changed.isEmpty())
-        return;
-    m_worker->Post([changed, handle](DownloadWorker& worker) { (worker.*handle)(changed); });
+    Command(ids, &DownloadWorker::Redownload);
 }
 
 void DownloadQueue::Remove(const QStringList& ids)
 {
     const TaskIds known = Known(ids);
-    DownloadTasks removed;
-    if (known.isEmpty() || !Save([&] { removed = m_store->Remove(m_access.owner, known); }))
-        return;
-    for (const qint64 id : known)
-        m_tasks.remove(IdOf(id));
-    m_worker->Post([removed](DownloadWorker& worker) { worker.HandleRemoved(removed); });
-    emit ListChanged();
+    Command(ids, &DownloadWorker::Remove);
+    HandleRemoved(known);
 }
 
-/// Changes the data on the disk. A command that cannot be saved is not carried out.
-bool DownloadQueue::Save(const std::function<void()>& change) const
+void DownloadQueue::ClearFinished()
 {
-    return m_store && Attempt("save a command on downloads", change);
+    m_worker->Post([](DownloadWorker& worker) { worker.ClearFinished(); });
+}
+
+void DownloadQueue::Command(const QStringList& ids, void (DownloadWorker::*command)(const TaskIds& ids))
+{
+    const TaskIds known = Known(ids);
+    if (!known.isEmpty())
+        m_worker->Post([known, command](DownloadWorker& worker) { (worker.*command)(known); });
+}
+
+/// A long list takes seconds to free, which another thread can do.
+void DownloadQueue::Clear()
+{
+    if (m_tasks.isEmpty())
+        return;
+    QVariantMap tasks;
+    tasks.swap(m_tasks);
+    QThreadPool::globalInstance()->start([tasks = std::move(tasks)]() mutable { tasks.clear(); });
+    emit ListChanged();
 }
 
 TaskIds DownloadQueue::Known(const QStringList& ids) const
@@ -187,4 +176,30 @@ void DownloadQueue::HandleChanged(const DownloadChanges& changes)
             task[FileKey] = change.file;
         *found = task;
     }
+}
+
+void DownloadQueue::HandleRemoved(const TaskIds& ids)
+{
+    int removed = 0;
+    for (const qint64 id : ids)
+        removed += m_tasks.remove(IdOf(id));
+    if (removed > 0)
+        emit ListChanged();
+}
+
+void DownloadQueue::HandleFinished(const QString& file, int count)
+{
+    const QString folder = QFileInfo(file).dir().dirName();
+    emit FilesFinished(count == 1 ? file : tr("%1: %2 frames").arg(folder, QString::number(count)));
+}
+
+void DownloadQueue::HandleReplaced(const QString& keptAs)
+{
+    if (!m_tasks.isEmpty()) {
+        ++m_session;
+        Clear();
+        SetAccess(m_access);
+    }
+    emit Notice(tr("The list of downloads could not be read. It is kept as %1, and a new list has begun.")
+                    .arg(QDir::toNativeSeparators(keptAs)));
 }

@@ -2,7 +2,6 @@
 
 #include "host/farmclient/farm_access.h"
 #include "host/rendercore/download/download_limits.h"
-#include "host/rendercore/download/download_store.h"
 #include "host/rendercore/download/download_worker.h"
 #include "host/rendercore/worker_thread.h"
 
@@ -10,36 +9,37 @@
 #include <QStringList>
 #include <QVariantMap>
 
-#include <functional>
 #include <memory>
 
-/// The downloads of the account that is signed in, as the window sees them. Lives on the GUI thread, where it saves the
-/// user's commands; a worker thread does everything else on disk and network.
+/// The downloads of the account that is signed in, as the window sees them. Lives on the GUI thread and never waits: a
+/// worker thread does everything on disk and network, in the order of the commands. A command that cannot be recorded is
+/// repeated until it can, and the user is told.
 class DownloadQueue : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param folder for the database; created if missing. Without a usable database there are no downloads, and the log
-    /// says why.
+    /// @param folder for the database; created if missing.
     explicit DownloadQueue(
         const QString& folder, const DownloadLimits& limits = {}, QObject* parent = nullptr);
 
-    /// Aborts the transfers; the next queue on this folder resumes them.
+    /// Records the commands given so far and aborts the transfers; the next queue on this folder resumes them.
     ~DownloadQueue() override;
 
-    /// Each owner has tasks of their own. Without a farm the tasks wait.
+    /// Each owner has tasks of their own. Without a farm the tasks wait. Unfinished ones go to the folder that is set.
     void SetAccess(const FarmAccess& access);
 
     /// The live map by task id; see VTRenderCoreInterface::GetDownloadTasks(). Valid as long as this object. Ids are
     /// numbers of ten digits in the order of arrival.
     QVariantMap* Tasks() { return &m_tasks; }
 
-    /// Creates a task for every file of every job; see VTRenderCoreInterface::TriggerJobIdType(). The orders are on the
-    /// disk when this returns.
+    /// @param days for which finished tasks stay in the list; 0 for ever.
+    void SetKeepDays(int days);
+
+    /// Creates a task for every file of every job; see VTRenderCoreInterface::TriggerJobIdType().
     void Order(const QVariantMap& orders);
 
-    // Unknown ids are ignored. The commands are on the disk when these functions return.
+    // Unknown ids are ignored.
 
     /// Stops waiting and running tasks until they are resumed.
     void Stop(const QStringList& ids);
@@ -49,24 +49,30 @@ public:
     void Redownload(const QStringList& ids);
     /// Removes tasks. Finished files stay.
     void Remove(const QStringList& ids);
+    /// Removes all finished tasks.
+    void ClearFinished();
 
 signals:
     /// Tasks have been added or removed.
     void ListChanged();
-    /// A file is complete and in its place. Emitted once for each file.
-    void FileFinished(const QString& file);
+    /// Files of a job have arrived, and no more of it are on their way.
+    /// @param what the path of a single file; otherwise the job's folder and the number of files.
+    void FilesFinished(const QString& what);
+    /// @param text tells the user of trouble with the disk.
+    void Notice(const QString& text);
 
 private:
-    bool Save(const std::function<void()>& change) const;
-    void Change(const QStringList& ids, bool (*command)(DownloadTask& task),
-        void (DownloadWorker::*handle)(const TaskIds& ids));
+    void Command(const QStringList& ids, void (DownloadWorker::*command)(const TaskIds& ids));
     TaskIds Known(const QStringList& ids) const;
+    void Clear();
     void HandleAdded(int session, const DownloadTasks& tasks);
     void HandleChanged(const DownloadChanges& changes);
+    void HandleRemoved(const TaskIds& ids);
+    void HandleFinished(const QString& file, int count);
+    void HandleReplaced(const QString& keptAs);
 
     QVariantMap m_tasks;
     FarmAccess m_access;
-    int m_session = 0;                      // grows with each change of the owner
-    std::unique_ptr<DownloadStore> m_store; // null when the database cannot be used; so is the worker
+    int m_session = 0; // grows with each change of the owner
     std::unique_ptr<WorkerThread<DownloadWorker>> m_worker;
 };

@@ -1,9 +1,13 @@
 #include "host/rendercore/download/download_store.h"
 
 #include "host/rendercore/download/download_paths.h"
+#include "host/rendercore/download/removed_files.h"
+#include "host/rendercore/download/task_rows.h"
 
+#include <QDir>
 #include <QFileInfo>
-#include <QHash>
+
+#include <utility>
 
 namespace {
 
@@ -42,192 +46,67 @@ CREATE INDEX waiting_tasks ON tasks(owner, id) WHERE state = 0;
 // Destinations are compared across owners, since owners share the disk.
 constexpr const char* FileIndex = "CREATE INDEX tasks_by_file ON tasks(file)";
 
+// Tasks that had finished before their time was recorded count from now on.
+constexpr const char* FinishTime = R"sql(
+ALTER TABLE tasks ADD COLUMN finished INTEGER NOT NULL DEFAULT 0;
+UPDATE tasks SET finished = strftime('%s', 'now') WHERE state = 2;
+CREATE INDEX finished_tasks ON tasks(owner, finished) WHERE state = 2;
+CREATE INDEX unfinished_tasks ON tasks(owner, id) WHERE state <> 2;
+CREATE INDEX waiting_by_job ON tasks(owner, job) WHERE state = 0;
+)sql";
+
 #define NEXT_SERIAL "(SELECT coalesce(max(serial), 0) + 1 FROM orders)"
-#define SELECT_TASKS "SELECT id, job, name, file, size, checksum, state, progress, fresh, message FROM tasks "
-
-DownloadTask ReadTask(SQLite::Statement& row)
-{
-    DownloadTask task;
-    task.id = row.getColumn(0).getInt64();
-    task.job = storage::Text(row.getColumn(1));
-    task.name = storage::Text(row.getColumn(2));
-    task.file = storage::Text(row.getColumn(3));
-    task.size = row.getColumn(4).getInt64();
-    task.checksum = storage::Text(row.getColumn(5));
-    task.state = static_cast<DownloadState>(row.getColumn(6).getInt());
-    task.progress = row.getColumn(7).getInt();
-    task.fresh = row.getColumn(8).getInt() != 0;
-    task.message = storage::Text(row.getColumn(9));
-    return task;
-}
-
-template <typename... Values>
-DownloadTasks Select(SQLite::Database& connection, const char* sql, const Values&... values)
-{
-    SQLite::Statement select(connection, sql);
-    storage::Bind(select, values...);
-    DownloadTasks tasks;
-    while (select.executeStep())
-        tasks.append(ReadTask(select));
-    return tasks;
-}
 
 std::optional<DownloadTask> First(const DownloadTasks& tasks)
 {
     return tasks.isEmpty() ? std::nullopt : std::optional<DownloadTask>(tasks.constFirst());
 }
 
-/// Brings one job's tasks in line with the farm's list of its files, within a transaction.
-class Reconciliation
-{
-public:
-    Reconciliation(SQLite::Database& connection, const QString& owner, const DownloadOrder& order)
-        : m_owner(owner)
-        , m_order(order)
-        , m_insert(connection,
-              "INSERT INTO tasks(owner, job, name, file, size, checksum) VALUES (?, ?, ?, ?, ?, ?)")
-        , m_isTaken(connection, "SELECT 1 FROM tasks WHERE file = ?")
-        , m_renew(connection,
-              "UPDATE tasks SET size = ?, checksum = ?, fresh = ?, state = 0, progress = 0, message = '' "
-              "WHERE id = ?")
-        , m_resume(connection, "UPDATE tasks SET state = 0, message = '' WHERE id = ?")
-        , m_connection(connection)
-    {
-        const DownloadTasks known
-            = Select(connection, SELECT_TASKS "WHERE owner = ? AND job = ?", owner, order.job);
-        for (const DownloadTask& task : known)
-            m_known.insert(task.name, task);
-    }
-
-    void Reconcile(const FarmFile& file, const QString& folder)
-    {
-        m_outcome.names.append(file.name);
-        const auto known = m_known.constFind(file.name);
-        if (known != m_known.cend())
-            Renew(*known, file);
-        else if (m_order.kind != DownloadOrder::Renewal)
-            Add(file, folder);
-    }
-
-    OrderOutcome Outcome() const { return m_outcome; }
-
-private:
-    void Add(const FarmFile& file, const QString& folder)
-    {
-        DownloadTask task;
-        task.job = m_order.job;
-        task.name = file.name;
-        task.size = file.size;
-        task.checksum = file.checksum;
-        for (int copy = 1; copy <= MostCopies; ++copy) {
-            task.file = DownloadPaths::Destination(folder, m_order.subDir, file.name, copy);
-            if (IsTaken(task.file, file.size))
-                continue;
-            Run(m_insert, m_owner, task.job, task.name, task.file, task.size, task.checksum);
-            task.id = m_connection.getLastInsertRowid();
-            m_known.insert(task.name, task);
-            m_outcome.added.append(task);
-            return;
-        }
-        qWarning("every name for a file of job %s is in use", qUtf8Printable(m_order.job));
-    }
-
-    /// A file of the right size that belongs to no task may be the wanted file itself; its checksum is compared when
-    /// the task begins.
-    bool IsTaken(const QString& file, qint64 size)
-    {
-        m_isTaken.reset();
-        storage::Bind(m_isTaken, file);
-        return m_isTaken.executeStep() || (DownloadPaths::IsOccupied(file) && QFileInfo(file).size() != size);
-    }
-
-    void Renew(DownloadTask task, const FarmFile& file)
-    {
-        const bool isWaiting = task.state == DownloadState::Waiting;
-        const bool isSame = task.checksum == file.checksum && task.size == file.size;
-        if (isWaiting ? isSame : m_order.kind != DownloadOrder::Manual)
-            return;
-        if (task.state == DownloadState::Finished && isSame) {
-            m_outcome.doubtful.append(task);
-            return;
-        }
-        task.fresh = task.fresh || task.state == DownloadState::Finished;
-        task.state = DownloadState::Waiting;
-        task.message.clear();
-        if (isSame) {
-            Run(m_resume, task.id);
-            m_outcome.resumed.append(task);
-            return;
-        }
-        task.size = file.size;
-        task.checksum = file.checksum;
-        task.progress = 0;
-        Run(m_renew, task.size, task.checksum, int(task.fresh), task.id);
-        m_outcome.renewed.append(task);
-    }
-
-    template <typename... Values>
-    static void Run(SQLite::Statement& statement, const Values&... values)
-    {
-        statement.reset();
-        storage::Bind(statement, values...);
-        statement.exec();
-    }
-
-    const QString& m_owner;
-    const DownloadOrder& m_order;
-    SQLite::Statement m_insert;
-    SQLite::Statement m_isTaken;
-    SQLite::Statement m_renew;
-    SQLite::Statement m_resume;
-    SQLite::Database& m_connection;
-    QHash<QString, DownloadTask> m_known; // by name
-    OrderOutcome m_outcome;
-};
-
 void Close(SQLite::Database& connection, const QString& owner, const DownloadOrder& order)
 {
-    storage::Execute(connection,
-        "DELETE FROM orders WHERE owner = ?1 AND job = ?2 AND serial = ?3 AND kind = 1 "
-        "AND NOT EXISTS (SELECT 1 FROM tasks WHERE tasks.owner = ?1 AND tasks.job = ?2)",
-        owner, order.job, order.serial);
     storage::Execute(connection, "UPDATE orders SET open = 0 WHERE owner = ? AND job = ? AND serial = ?",
         owner, order.job, order.serial);
 }
 
+/// Gives a task the first name in a folder that no other task has and that is free.
+/// @return false when none was found.
+template <typename IsFree>
+bool Place(SQLite::Database& connection, DownloadTask& task, const QString& folder, IsFree isFree)
+{
+    for (int copy = 1; copy <= MostCopies; ++copy) {
+        const QString file = folder + QLatin1Char('/') + DownloadPaths::FileName(task.name, copy);
+        if (!isFree(file)
+            || storage::Execute(connection,
+                   "UPDATE tasks SET file = ?1, fresh = ?2 WHERE id = ?3 "
+                   "AND NOT EXISTS (SELECT 1 FROM tasks WHERE file = ?1)",
+                   file, int(task.fresh), task.id)
+                == 0)
+            continue;
+        task.file = file;
+        return true;
+    }
+    return false;
+}
+
 } // namespace
 
-DownloadStore::DownloadStore(const QString& file)
-    : m_database(file, {FirstSchema, FileIndex})
+DownloadStore::DownloadStore(const QString& file, storage::RecoveringDatabase::Replaced onReplaced)
+    : m_database(file, {FirstSchema, FileIndex, FinishTime, RemovedFiles::Schema}, std::move(onReplaced))
 {
 }
 
 bool DownloadStore::AddOrders(const QString& owner, const DownloadOrders& orders)
 {
-    // The window repeats the automatic orders of finished jobs with each refresh; usually none of them is new.
-    const auto findNew = [&owner, &orders](SQLite::Database& connection) {
-        SQLite::Statement known(connection, "SELECT 1 FROM orders WHERE owner = ? AND job = ?");
-        DownloadOrders counting;
-        for (const DownloadOrder& order : orders) {
-            known.reset();
-            storage::Bind(known, owner, order.job);
-            if (order.kind == DownloadOrder::Manual || !known.executeStep())
-                counting.append(order);
-        }
-        return counting;
-    };
-    const DownloadOrders counting = m_database.Read(findNew);
-    if (counting.isEmpty())
-        return false;
-    m_database.Write([&owner, &counting](SQLite::Database& connection) {
-        for (const DownloadOrder& order : counting)
-            storage::Execute(connection,
+    return m_database.Write([&owner, &orders](SQLite::Database& connection) {
+        int changes = 0;
+        for (const DownloadOrder& order : orders)
+            changes += storage::Execute(connection,
                 "INSERT INTO orders(owner, job, sub_dir, kind, serial) VALUES (?, ?, ?, ?, " NEXT_SERIAL ") "
                 "ON CONFLICT(owner, job) DO UPDATE SET sub_dir = excluded.sub_dir, kind = excluded.kind, "
-                "open = 1, serial = excluded.serial",
+                "open = 1, serial = excluded.serial WHERE open = 0 OR kind = 2 OR excluded.kind = 1",
                 owner, order.job, order.subDir, static_cast<int>(order.kind));
+        return changes > 0;
     });
-    return true;
 }
 
 DownloadOrders DownloadStore::OpenOrders(const QString& owner, int limit)
@@ -284,51 +163,77 @@ OrderOutcome DownloadStore::Apply(
 DownloadTasks DownloadStore::TasksAfter(const QString& owner, qint64 id, int limit)
 {
     return m_database.Read([&](SQLite::Database& connection) {
-        return Select(
-            connection, SELECT_TASKS "WHERE owner = ? AND id > ? ORDER BY id LIMIT ?", owner, id, limit);
+        return TaskRows::Select(
+            connection, "WHERE owner = ? AND id > ? ORDER BY id LIMIT ?", owner, id, limit);
     });
 }
 
 std::optional<DownloadTask> DownloadStore::NextWaiting(const QString& owner, qint64 id)
 {
     return m_database.Read([&](SQLite::Database& connection) {
-        return First(Select(connection,
-            SELECT_TASKS "WHERE owner = ? AND state = 0 AND id > ? ORDER BY id LIMIT 1", owner, id));
+        return First(TaskRows::Select(
+            connection, "WHERE owner = ? AND state = 0 AND id > ? ORDER BY id LIMIT 1", owner, id));
     });
 }
 
 std::optional<DownloadTask> DownloadStore::Find(const QString& owner, qint64 id)
 {
     return m_database.Read([&](SQLite::Database& connection) {
-        return First(Select(connection, SELECT_TASKS "WHERE id = ? AND owner = ?", id, owner));
+        return First(TaskRows::Select(connection, "WHERE id = ? AND owner = ?", id, owner));
+    });
+}
+
+bool DownloadStore::HasWaiting(const QString& owner, const QString& job)
+{
+    return m_database.Read([&](SQLite::Database& connection) {
+        SQLite::Statement select(
+            connection, "SELECT 1 FROM tasks WHERE owner = ? AND job = ? AND state = 0 LIMIT 1");
+        storage::Bind(select, owner, job);
+        return select.executeStep();
     });
 }
 
 bool DownloadStore::Rename(DownloadTask* task)
 {
-    const QString folder = QFileInfo(task->file).path() + QLatin1Char('/');
-    return m_database.Write([&](SQLite::Database& connection) {
-        for (int copy = 1; copy <= MostCopies; ++copy) {
-            const QString file = folder + DownloadPaths::FileName(task->name, copy);
-            if (DownloadPaths::IsOccupied(file)
-                || storage::Execute(connection,
-                       "UPDATE tasks SET file = ?1 WHERE id = ?2 "
-                       "AND NOT EXISTS (SELECT 1 FROM tasks WHERE file = ?1)",
-                       file, task->id)
-                    == 0)
-                continue;
-            task->file = file;
+    const QString folder = QFileInfo(task->file).path();
+    // The disk is asked before the transaction, which then looks at one name only.
+    for (int copy = 1; copy <= MostCopies; ++copy) {
+        const QString file = folder + QLatin1Char('/') + DownloadPaths::FileName(task->name, copy);
+        if (DownloadPaths::IsOccupied(file))
+            continue;
+        const auto isThisOne = [&file](const QString& other) { return other == file; };
+        if (m_database.Write(
+                [&](SQLite::Database& connection) { return Place(connection, *task, folder, isThisOne); }))
             return true;
+    }
+    return false;
+}
+
+MovedTasks DownloadStore::MoveUnfinished(const QString& owner, const QString& folder, qint64 after, int limit)
+{
+    const QString root = QDir::cleanPath(folder) + QLatin1Char('/');
+    return m_database.Write([&](SQLite::Database& connection) {
+        MovedTasks moved;
+        for (DownloadTask task : TaskRows::Select(connection,
+                 "WHERE owner = ? AND state <> 2 AND id > ? AND substr(file, 1, length(?)) <> ? ORDER BY id "
+                 "LIMIT ?",
+                 owner, after, root, root, limit)) {
+            const QString before = task.file;
+            task.fresh = false; // nothing of this task is in the new folder
+            const QString place = root + QFileInfo(before).dir().dirName();
+            Place(connection, task, place, [](const QString&) { return true; });
+            moved.append({task, before});
         }
-        return false;
+        return moved;
     });
 }
 
 void DownloadStore::Save(const DownloadTasks& tasks)
 {
     m_database.Write([&tasks](SQLite::Database& connection) {
-        SQLite::Statement update(
-            connection, "UPDATE tasks SET state = ?, progress = ?, fresh = ?, message = ? WHERE id = ?");
+        SQLite::Statement update(connection,
+            "UPDATE tasks SET state = ?1, progress = ?2, fresh = ?3, message = ?4, "
+            "finished = CASE ?1 WHEN 2 THEN strftime('%s', 'now') ELSE 0 END WHERE id = ?5");
         for (const DownloadTask& task : tasks) {
             update.reset();
             storage::Bind(
@@ -362,6 +267,26 @@ DownloadTasks DownloadStore::Remove(const QString& owner, const TaskIds& ids)
             if (task && storage::Execute(connection, "DELETE FROM tasks WHERE id = ?", id) > 0)
                 removed.append(*task);
         }
+        RemovedFiles::Add(connection, owner, removed);
         return removed;
+    });
+}
+
+TaskIds DownloadStore::RemoveFinished(const QString& owner, qint64 before, int limit)
+{
+    return m_database.Write([&](SQLite::Database& connection) {
+        const DownloadTasks removed = TaskRows::Select(connection,
+            "WHERE owner = ? AND state = 2 AND finished < ? ORDER BY finished LIMIT ?", owner, before, limit);
+        SQLite::Statement remove(connection, "DELETE FROM tasks WHERE id = ?");
+        TaskIds ids;
+        ids.reserve(removed.size());
+        for (const DownloadTask& task : removed) {
+            remove.reset();
+            storage::Bind(remove, task.id);
+            remove.exec();
+            ids.append(task.id);
+        }
+        RemovedFiles::Add(connection, owner, removed);
+        return ids;
     });
 }

@@ -1,40 +1,37 @@
 #pragma once
 
 #include "host/rendercore/download/download_task.h"
-#include "storage/database.h"
-
-#include <QStringList>
+#include "host/rendercore/download/reconciliation.h"
+#include "storage/recovering_database.h"
 
 #include <functional>
 #include <optional>
 
-/// The changes that an answered order made to the tasks.
-struct OrderOutcome
+/// A task with its new destination, and its earlier one.
+struct MovedTask
 {
-    DownloadTasks added;
-    DownloadTasks renewed; ///< waiting for a changed file; data received so far are useless
-    DownloadTasks resumed; ///< waiting again; data received so far count
-    DownloadTasks
-        doubtful;      ///< finished with the farm's current file; the file on the disk should be verified
-    QStringList names; ///< all files that the farm lists
+    DownloadTask task;
+    QString before;
 };
 
-/// Orders and tasks in a database. A change is on the disk when its function returns. Several stores can use one file.
-/// Throws SQLite::Exception; the constructor also throws std::runtime_error.
+using MovedTasks = QVector<MovedTask>;
+
+/// Orders and tasks in a database. A change is on the disk when its function returns. Throws std::exception; whatever
+/// failed may succeed later. A database that cannot be used is set aside, see storage::RecoveringDatabase.
 class DownloadStore
 {
 public:
-    explicit DownloadStore(const QString& file);
+    /// @param onReplaced see storage::RecoveringDatabase.
+    explicit DownloadStore(const QString& file, storage::RecoveringDatabase::Replaced onReplaced = {});
 
-    /// Saves the orders that count (see DownloadOrder::Kind).
-    /// @return whether there are any.
+    /// Saves the orders. An automatic one does not replace one of the user's that is still open.
+    /// @return whether there is anything new to ask the farm for.
     bool AddOrders(const QString& owner, const DownloadOrders& orders);
     /// Orders that have not been answered yet, the longest waiting first.
     DownloadOrders OpenOrders(const QString& owner, int limit);
     /// Puts an order behind all others.
     void PostponeOrder(const QString& owner, const QString& job);
-    /// Marks an order as answered. A manual one that has brought no files is forgotten, so that the automatic one counts
-    /// when the job is finished.
+    /// Marks an order as answered.
     void CloseOrder(const QString& owner, const DownloadOrder& order);
     /// Opens a job's order again as a renewal.
     void ReopenOrder(const QString& owner, const QString& job);
@@ -49,10 +46,14 @@ public:
     /// The first waiting task after `id`.
     std::optional<DownloadTask> NextWaiting(const QString& owner, qint64 id);
     std::optional<DownloadTask> Find(const QString& owner, qint64 id);
+    bool HasWaiting(const QString& owner, const QString& job);
 
     /// Gives a task a destination that no other task has and where nothing is on the disk.
     /// @return false when none was found.
     bool Rename(DownloadTask* task);
+    /// Gives unfinished tasks from outside a download folder destinations in it, below their job's folder.
+    /// @param after the last task that was moved; 0 at first.
+    MovedTasks MoveUnfinished(const QString& owner, const QString& folder, qint64 after, int limit);
 
     /// Saves state, progress, `fresh` and message of each task that still exists.
     void Save(const DownloadTasks& tasks);
@@ -62,7 +63,10 @@ public:
         const QString& owner, const TaskIds& ids, const std::function<bool(DownloadTask&)>& command);
     /// @return the removed tasks. Unknown ids are ignored.
     DownloadTasks Remove(const QString& owner, const TaskIds& ids);
+    /// Removes tasks that have finished before a time, the oldest first.
+    /// @param before in seconds since 1970.
+    TaskIds RemoveFinished(const QString& owner, qint64 before, int limit);
 
 private:
-    storage::Database m_database;
+    storage::RecoveringDatabase m_database;
 };

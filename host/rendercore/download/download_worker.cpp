@@ -1,18 +1,43 @@
 #include "host/rendercore/download/download_worker.h"
 
-#include "host/rendercore/attempt.h"
+#include "host/rendercore/download/download_paths.h"
 #include "host/rendercore/download/task_commands.h"
 
-#include <utility>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int BatchSize = 500;
+
+/// Takes along the data received so far where a rename is enough.
+void MovePart(const QString& from, const QString& to)
+{
+    const QString part = DownloadPaths::PartFile(from);
+    if (!QFileInfo::exists(part))
+        return;
+    const QString target = DownloadPaths::PartFile(to);
+    QDir().mkpath(QFileInfo(target).path());
+    if (std::rename(QFile::encodeName(part).constData(), QFile::encodeName(target).constData()) != 0)
+        QFile::remove(part);
+}
+
+} // namespace
 
 DownloadWorker::DownloadWorker(
-    std::unique_ptr<DownloadStore> store, const DownloadListener& listener, const DownloadLimits& limits)
-    : m_store(std::move(store))
+    const QString& file, const DownloadListener& listener, const DownloadLimits& limits)
+    : m_store(file, listener.replaced)
     , m_listener(listener)
     , m_transport(limits.http)
-    , m_loader(m_store.get(), limits.longestPause)
-    , m_desk(m_store.get(), &m_transport, limits)
-    , m_pool(m_store.get(), &m_transport, &m_listener, limits)
+    , m_loader(&m_store, limits.longestPause)
+    , m_desk(&m_store, &m_transport, limits)
+    , m_pool(&m_store, &m_transport, &m_listener, limits)
+    , m_jobs(&m_store, listener.finished)
+    , m_cleanup(&m_store, limits.longestPause)
+    , m_commands(Backoff(limits.firstPause, limits.longestPause))
 {
     QObject::connect(&m_loader, &TaskLoader::Loaded, &m_loader,
         [this](const DownloadTasks& tasks) { m_listener.added(m_session, tasks); });
@@ -23,66 +48,119 @@ DownloadWorker::DownloadWorker(
         [this](const DownloadOrder& order) { m_pool.HandleList(order.job, {}); });
     QObject::connect(&m_desk, &OrderDesk::SignedOut, &m_pool, &TransferPool::Stop);
     QObject::connect(&m_pool, &TransferPool::ListOutdated, &m_desk, &OrderDesk::RetryNow);
-    QObject::connect(&m_checks, &FileChecks::Damaged, &m_checks, [this](qint64 id) { Repair(id); });
+    QObject::connect(&m_pool, &TransferPool::Settled, &m_pool, [this](const DownloadTask& task) {
+        if (task.state == DownloadState::Finished)
+            m_jobs.Count(task);
+        m_jobs.ReportSettled({task});
+    });
+    QObject::connect(&m_checks, &FileChecks::Damaged, &m_checks, [this](qint64 id) {
+        Change({id}, TaskCommands::Repair, [this](const DownloadTasks& tasks) { m_pool.StartOver(tasks); });
+    });
+    QObject::connect(&m_cleanup, &FinishedCleanup::Removed, &m_cleanup, m_listener.removed);
+    QObject::connect(&m_commands, &CommandRunner::Delayed, &m_commands, [this](const QString& reason) {
+        m_listener.notice(QCoreApplication::translate(
+            "DownloadWorker", "A change to the downloads could not be recorded: %1. The client keeps trying.")
+                              .arg(reason));
+    });
 }
 
 void DownloadWorker::SetAccess(const FarmAccess& access, int session)
 {
     const bool isSameServer = m_access.apiRoot == access.apiRoot && m_access.token == access.token;
     const bool isSameOwner = m_session == session;
+    const bool isSameFolder = isSameOwner && m_access.folder == access.folder;
     m_access = access;
     m_session = session;
-    if (isSameServer && isSameOwner) {
-        m_desk.SetFolder(access.folder);
-        return;
+    m_desk.SetFolder(access.folder);
+    if (!isSameServer || !isSameOwner) {
+        m_pool.Reset(access);
+        m_transport.SetBaseUrl(access.apiRoot);
+        m_desk.SetAccess(access);
     }
-    m_pool.Reset(access);
-    m_transport.SetBaseUrl(access.apiRoot);
-    m_desk.SetAccess(access);
+    if (!isSameFolder)
+        FollowFolder();
     if (!isSameOwner) {
         m_checks.Clear();
+        m_jobs.SetOwner(access.owner);
+        m_cleanup.SetOwner(access.owner);
         m_loader.Start(access.owner);
     }
     // Transfers begin once the listener knows all tasks.
-    if (!m_loader.IsLoading())
+    if ((!isSameServer || !isSameOwner) && !m_loader.IsLoading())
         m_pool.Start();
 }
 
-/// The progress is saved, so that a stopped task shows how far it has come.
-void DownloadWorker::HandleStopped(const TaskIds& ids)
+/// Moves the owner's unfinished tasks to the folder that is set now.
+void DownloadWorker::FollowFolder()
 {
-    const auto setProgress = [this](DownloadTask& task) {
-        const auto progress = m_pool.Progress(task.id);
-        if (!progress || task.state != DownloadState::Stopped)
+    if (m_access.owner.isEmpty())
+        return;
+    m_commands.Run([this, owner = m_access.owner, folder = m_access.folder] {
+        m_pool.Rewind();
+        MovedTasks moved;
+        for (qint64 last = 0; !(moved = m_store.MoveUnfinished(owner, folder, last, BatchSize)).isEmpty();
+             last = moved.constLast().task.id) {
+            DownloadChanges changes;
+            for (const MovedTask& entry : qAsConst(moved)) {
+                MovePart(entry.before, entry.task.file);
+                changes.append(ChangeOf(entry.task));
+                changes.last().file = entry.task.file;
+            }
+            m_listener.changed(changes);
+        }
+    });
+}
+
+void DownloadWorker::Order(const DownloadOrders& orders)
+{
+    m_commands.Run([this, owner = m_access.owner, orders] {
+        if (m_store.AddOrders(owner, orders))
+            m_desk.RetryNow();
+    });
+}
+
+void DownloadWorker::Change(const TaskIds& ids, const Command& command, const Effect& effect)
+{
+    m_commands.Run([this, owner = m_access.owner, ids, command, effect] {
+        const DownloadTasks tasks = m_store.Change(owner, ids, command);
+        effect(tasks);
+        Report(tasks);
+        m_jobs.ReportSettled(tasks);
+    });
+}
+
+/// The progress is saved, so that a stopped task shows how far it has come.
+void DownloadWorker::Stop(const TaskIds& ids)
+{
+    const auto stop = [this](DownloadTask& task) {
+        if (!TaskCommands::Stop(task))
             return false;
-        task.progress = *progress;
+        task.progress = m_pool.Progress(task.id).value_or(task.progress);
         return true;
     };
-    Attempt("save the progress of downloads", [&] { m_store->Change(m_access.owner, ids, setProgress); });
-    for (const qint64 id : ids)
-        m_pool.Abort(id);
-    ReportCurrent(ids);
+    Change(ids, stop, [this](const DownloadTasks& tasks) {
+        for (const DownloadTask& task : tasks)
+            m_pool.Abort(task.id);
+    });
 }
 
-void DownloadWorker::HandleResumed(const TaskIds& ids)
+void DownloadWorker::Resume(const TaskIds& ids)
 {
-    m_pool.RetryNow(ReportCurrent(ids));
+    Change(ids, TaskCommands::Resume, [this](const DownloadTasks& tasks) { m_pool.RetryNow(tasks); });
 }
 
-void DownloadWorker::HandleReset(const TaskIds& ids)
+void DownloadWorker::Redownload(const TaskIds& ids)
 {
-    m_pool.StartOver(ReportCurrent(ids));
+    Change(ids, TaskCommands::Redownload, [this](const DownloadTasks& tasks) { m_pool.StartOver(tasks); });
 }
 
-void DownloadWorker::HandleRemoved(const DownloadTasks& tasks)
+void DownloadWorker::Remove(const TaskIds& ids)
 {
-    m_pool.Discard(tasks);
-}
-
-void DownloadWorker::Repair(qint64 id)
-{
-    if (Attempt("repair a download", [&] { m_store->Change(m_access.owner, {id}, TaskCommands::Repair); }))
-        HandleReset({id});
+    m_commands.Run([this, owner = m_access.owner, ids] {
+        const DownloadTasks removed = m_store.Remove(owner, ids);
+        m_pool.Discard(removed);
+        m_jobs.ReportSettled(removed);
+    });
 }
 
 void DownloadWorker::HandleApplied(const DownloadOrder& order, const OrderOutcome& outcome)
@@ -95,20 +173,6 @@ void DownloadWorker::HandleApplied(const DownloadOrder& order, const OrderOutcom
     if (!outcome.added.isEmpty())
         m_listener.added(m_session, outcome.added);
     m_pool.HandleList(order.job, outcome.names);
-}
-
-/// Returns the tasks as they are on the disk, since a later command may have changed them once more.
-DownloadTasks DownloadWorker::ReportCurrent(const TaskIds& ids)
-{
-    DownloadTasks tasks;
-    Attempt("read downloads", [&] {
-        for (const qint64 id : ids) {
-            if (const auto task = m_store->Find(m_access.owner, id))
-                tasks.append(*task);
-        }
-    });
-    Report(tasks);
-    return tasks;
 }
 
 void DownloadWorker::Report(const DownloadTasks& tasks) const

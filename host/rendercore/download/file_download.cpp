@@ -3,6 +3,7 @@
 #include "host/rendercore/download/download_paths.h"
 #include "host/rendercore/file_hashing.h"
 #include "storage/durable_file.h"
+#include "storage/folder_check.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -11,8 +12,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
-#include <exception>
 #include <fcntl.h>
 #include <limits>
 
@@ -27,6 +26,29 @@ qint64 RangeStart(const QByteArray& contentRange, qint64 size)
     static const QRegularExpression range(QStringLiteral("^bytes ([0-9]{1,18})-[0-9]{1,18}/([0-9]{1,18})$"));
     const QRegularExpressionMatch match = range.match(QString::fromLatin1(contentRange));
     return match.hasMatch() && match.captured(2).toLongLong() == size ? match.captured(1).toLongLong() : -1;
+}
+
+/// Whether the error concerns the whole disk.
+bool IsOfDisk(int error)
+{
+    return error == ENOSPC || error == EDQUOT || error == EROFS || error == EIO || error == ESTALE;
+}
+
+bool MayPass(int error)
+{
+    switch (error) {
+    case 0: // it has passed
+    case EACCES:
+    case EMFILE:
+    case ENFILE:
+    case ENODEV:
+    case ENOENT:
+    case ENOTDIR:
+    case EPERM:
+        return true;
+    default:
+        return IsOfDisk(error);
+    }
 }
 
 QByteArray Encoded(const QString& text)
@@ -64,13 +86,27 @@ int FileDownload::Progress() const
 
 void FileDownload::Start()
 {
-    const QString trouble = DownloadPaths::PrepareFolder(m_task.file);
-    if (!trouble.isEmpty())
-        End(DownloadOutcome::Failed, trouble);
+    const QString folder = QFileInfo(m_task.file).path();
+    const QString name = QDir::toNativeSeparators(folder);
+    if (!QDir().mkpath(folder))
+        FailToSave(storage::FolderError(folder));
+    else if (DownloadPaths::LeadsOut(m_task.file))
+        End(DownloadOutcome::Failed,
+            tr("The folder %1 is a link that leads out of the download folder, so nothing is saved there.")
+                .arg(name));
     else if (!m_task.fresh && DownloadPaths::IsOccupied(m_task.file))
         AdoptExistingFile();
+    else if (HasNoRoom(folder))
+        FailToSave(ENOSPC);
     else
         LoadPart();
+}
+
+bool FileDownload::HasNoRoom(const QString& folder) const
+{
+    const qint64 missing = m_task.size - QFileInfo(m_partFile).size();
+    const qint64 free = storage::FreeBytes(folder);
+    return free >= 0 && free < missing;
 }
 
 /// The complete file is already at its destination if the client was killed before the task was saved; it is reported
@@ -96,7 +132,7 @@ void FileDownload::JudgeExistingFile()
 void FileDownload::LoadPart()
 {
     if (!OpenPart()) {
-        Fail(QString::fromLocal8Bit(std::strerror(errno)));
+        FailToSave(errno);
         return;
     }
     if (m_part.size() > m_task.size)
@@ -227,8 +263,9 @@ void FileDownload::Receive()
                 tr("The farm sent more data for %1 than announced.").arg(m_task.name));
             return;
         }
+        errno = ENOSPC; // a write that is cut short may not set it
         if (m_part.write(bytes) != bytes.size()) {
-            Fail(m_part.errorString());
+            FailToSave(errno);
             return;
         }
         m_hash.Add(bytes.constData(), bytes.size());
@@ -269,25 +306,32 @@ void FileDownload::Finish()
     try {
         storage::RenameDurably(m_partFile, m_task.file);
         End(DownloadOutcome::Complete);
-    } catch (const std::exception& failure) {
-        Fail(QString::fromUtf8(failure.what()));
+    } catch (const storage::DiskError& failure) {
+        FailToSave(failure.Error());
     }
 }
 
-void FileDownload::Fail(const QString& message)
+/// What keeps all files from being saved may pass by itself; what is wrong with this file alone does not.
+void FileDownload::FailToSave(int error)
 {
-    End(DownloadOutcome::Failed,
-        tr("%1 cannot be saved: %2").arg(QDir::toNativeSeparators(m_task.file), message));
+    const QString message
+        = tr("%1 cannot be saved: %2.").arg(QDir::toNativeSeparators(m_task.file), qt_error_string(error));
+    if (!MayPass(error))
+        End(DownloadOutcome::Failed, message);
+    else if (IsOfDisk(error) || storage::FolderError(DownloadPaths::Root(m_task.file)) != 0)
+        End(DownloadOutcome::DiskUnusable, message, 0, error);
+    else
+        End(DownloadOutcome::FolderUnusable, message, 0, error);
 }
 
-void FileDownload::End(DownloadOutcome::Kind kind, const QString& message, int retryAfter)
+void FileDownload::End(DownloadOutcome::Kind kind, const QString& message, int retryAfter, int error)
 {
     if (m_ended)
         return;
     m_ended = true;
     DropReply();
     m_part.close();
-    emit Ended({kind, message, retryAfter});
+    emit Ended({kind, message, error, retryAfter});
 }
 
 void FileDownload::DropReply()

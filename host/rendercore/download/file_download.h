@@ -19,17 +19,20 @@ class QNetworkReply;
 struct DownloadOutcome
 {
     enum Kind {
-        Complete,  ///< the whole file is at its destination, on the disk
-        Broken,    ///< another attempt may succeed; the data received so far are kept
-        Outdated,  ///< the farm has another file of that name, or none
-        Damaged,   ///< the checksum of the received data is wrong; they are deleted
-        Failed,    ///< another attempt would fail as well
-        NameTaken, ///< something else is at the destination, and stays there
-        SignedOut, ///< the farm does not know the session
+        Complete,       ///< the whole file is at its destination, on the disk
+        Broken,         ///< another attempt may succeed; the data received so far are kept
+        Outdated,       ///< the farm has another file of that name, or none
+        Damaged,        ///< the checksum of the received data is wrong; they are deleted
+        Failed,         ///< another attempt would fail as well
+        DiskUnusable,   ///< nothing can be saved in the download folder at the moment
+        FolderUnusable, ///< nothing can be saved in the job's folder at the moment
+        NameTaken,      ///< something else is at the destination, and stays there
+        SignedOut,      ///< the farm does not know the session
     };
 
     Kind kind = Broken;
     QString message;    ///< for the user; empty for Complete, NameTaken and SignedOut
+    int error = 0;      ///< the `errno` of DiskUnusable and FolderUnusable
     int retryAfter = 0; ///< the pause that the farm asks for, in milliseconds
 };
 
@@ -60,6 +63,7 @@ signals:
     void Ended(const DownloadOutcome& outcome);
 
 private:
+    bool HasNoRoom(const QString& folder) const;
     void AdoptExistingFile();
     void JudgeExistingFile();
     void LoadPart();
@@ -73,8 +77,8 @@ private:
     void Receive();
     void Conclude();
     void Finish();
-    void Fail(const QString& message);
-    void End(DownloadOutcome::Kind kind, const QString& message = {}, int retryAfter = 0);
+    void FailToSave(int error);
+    void End(DownloadOutcome::Kind kind, const QString& message = {}, int retryAfter = 0, int error = 0);
     void DropReply();
 
     HttpTransport* m_transport;

@@ -5,7 +5,9 @@
 #include "host/rendercore/download/download_store.h"
 #include "host/rendercore/download/file_download.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 TransferPool::TransferPool(DownloadStore* store, HttpTransport* transport, const DownloadListener* listener,
     const DownloadLimits& limits)
@@ -14,6 +16,7 @@ TransferPool::TransferPool(DownloadStore* store, HttpTransport* transport, const
     , m_listener(listener)
     , m_limits(limits)
     , m_schedule(Backoff(limits.firstPause, limits.longestPause), limits.transfers)
+    , m_diskBackoff(limits.firstPause, limits.longestPause)
     , m_wake(this)
 {
     m_clock.start();
@@ -27,10 +30,20 @@ void TransferPool::Reset(const FarmAccess& access)
 {
     Stop();
     m_access = access;
-    m_schedule.Clear();
     m_outdated.clear();
     m_damaged.clear();
+    Rewind();
+}
+
+void TransferPool::Rewind()
+{
+    AbortAll();
+    m_schedule.Clear();
+    m_diskBackoff.Reset();
+    m_waitForDisk.clear();
+    m_unusable.clear();
     m_cursor = 0;
+    Wake();
 }
 
 void TransferPool::Start()
@@ -71,6 +84,7 @@ void TransferPool::Abort(qint64 id)
     m_active.erase(id);
     m_schedule.Forget(id);
     m_damaged.erase(id);
+    m_waitForDisk.erase(id);
     for (auto& entry : m_outdated)
         entry.second.erase(id);
     Wake();
@@ -161,6 +175,10 @@ void TransferPool::HandleEnd(qint64 id, const DownloadOutcome& outcome)
     case DownloadOutcome::Broken:
         Postpone(task, transfer->Progress(), outcome.message, outcome.retryAfter);
         break;
+    case DownloadOutcome::DiskUnusable:
+    case DownloadOutcome::FolderUnusable:
+        WaitForDisk(task, transfer->Progress(), outcome);
+        break;
     case DownloadOutcome::Outdated:
         AskForNewList(task, outcome.message);
         break;
@@ -206,8 +224,43 @@ void TransferPool::Complete(DownloadTask task)
         return;
     }
     m_schedule.RecordProgress(task.id);
+    NoteUsable(task);
+    emit Settled(task);
     m_listener->changed({ChangeOf(task)});
-    m_listener->finished(task.file);
+}
+
+/// An unusable disk pauses all transfers, an unusable folder only those into it. One notice names the folder. The same
+/// tasks are tried first after the pause, so that the others begin only once there is a chance.
+void TransferPool::WaitForDisk(const DownloadTask& task, int progress, const DownloadOutcome& outcome)
+{
+    const bool concernsAll = outcome.kind == DownloadOutcome::DiskUnusable;
+    const qint64 now = m_clock.elapsed();
+    if (!concernsAll) {
+        m_schedule.Delay(task.id, 0, now);
+    } else {
+        m_schedule.Requeue(task.id);
+        if (!m_schedule.IsPaused(now))
+            m_schedule.PauseUntil(now + m_diskBackoff.Fail());
+    }
+    m_waitForDisk.insert(task.id);
+    m_listener->changed({{task.id, DownloadState::Waiting, progress, outcome.message, {}}});
+    const QString folder = concernsAll ? DownloadPaths::Root(task.file) : QFileInfo(task.file).path();
+    if (!m_unusable.insert(folder).second)
+        return;
+    const QString text = concernsAll
+        ? tr("Nothing can be saved in %1: %2. All downloads wait until it is possible again.")
+        : tr("Nothing can be saved in %1: %2. Its downloads wait until it is possible again.");
+    m_listener->notice(text.arg(QDir::toNativeSeparators(folder), qt_error_string(outcome.error)));
+}
+
+/// The next trouble is worth a notice again once a task that had to wait is done.
+void TransferPool::NoteUsable(const DownloadTask& task)
+{
+    if (m_waitForDisk.erase(task.id) == 0 && !m_waitForDisk.empty())
+        return;
+    m_diskBackoff.Reset();
+    m_unusable.erase(DownloadPaths::Root(task.file));
+    m_unusable.erase(QFileInfo(task.file).path());
 }
 
 void TransferPool::Postpone(const DownloadTask& task, int progress, const QString& message, int retryAfter)
@@ -224,6 +277,7 @@ void TransferPool::Fail(DownloadTask task, const QString& message)
     task.progress = 0;
     m_schedule.Forget(task.id);
     Attempt("save a failed download", [this, &task] { m_store->Save({task}); });
+    emit Settled(task);
     m_listener->changed({ChangeOf(task)});
 }
 

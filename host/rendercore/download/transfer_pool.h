@@ -39,6 +39,9 @@ public:
     /// Aborts all transfers until the next Reset().
     void Stop();
 
+    /// Aborts all transfers and begins again with the first waiting task, since their destinations change.
+    void Rewind();
+
     /// Retries tasks at once, regardless of earlier failures.
     void RetryNow(const DownloadTasks& tasks);
     /// Transfers the tasks' files again from their first byte.
@@ -56,6 +59,8 @@ public:
     void HandleList(const QString& job, const QStringList& names);
 
 signals:
+    /// A task has finished or failed; this is recorded.
+    void Settled(const DownloadTask& task);
     /// The farm no longer has a file as it was listed; the order has been reopened.
     void ListOutdated();
 
@@ -68,6 +73,8 @@ private:
     void HandleEnd(qint64 id, const DownloadOutcome& outcome);
     void HandleDamage(const DownloadTask& task, const QString& message);
     void Complete(DownloadTask task);
+    void WaitForDisk(const DownloadTask& task, int progress, const DownloadOutcome& outcome);
+    void NoteUsable(const DownloadTask& task);
     void Postpone(const DownloadTask& task, int progress, const QString& message, int retryAfter = 0);
     void Fail(DownloadTask task, const QString& message);
     void Rename(DownloadTask task);
@@ -84,6 +91,9 @@ private:
     qint64 m_cursor = 0;   // all waiting tasks up to here have been started or are in the schedule
     std::map<qint64, std::unique_ptr<FileDownload>> m_active;
     std::map<QString, std::set<qint64>> m_outdated; // by job: tasks that wait for a new list of its files
-    std::set<qint64> m_damaged;                     // tasks on their second and last attempt
+    Backoff m_diskBackoff;
+    std::set<qint64> m_waitForDisk; // tasks whose files could not be saved
+    std::set<QString> m_unusable;   // folders of which the user has been told
+    std::set<qint64> m_damaged;     // tasks on their second and last attempt
     QTimer m_wake;
 };

@@ -21,25 +21,41 @@ void TransferSchedule::Clear()
 
 void TransferSchedule::RetryNow(qint64 id)
 {
+    Requeue(id);
+    EndPause();
+}
+
+int TransferSchedule::Delay(qint64 id, int atLeast, qint64 now)
+{
+    const int failures = m_failures[id] + 1;
+    const int pause = std::max(m_backoff.PauseAfter(failures), atLeast);
+    Forget(id);
+    m_failures[id] = failures;
+    m_dueAt[id] = now + pause;
+    m_queue.insert({now + pause, id});
+    return pause;
+}
+
+void TransferSchedule::Requeue(qint64 id)
+{
     Forget(id);
     m_due.insert(id);
-    EndPause();
 }
 
 int TransferSchedule::Postpone(qint64 id, int atLeast, qint64 now)
 {
     const int asked = std::min(atLeast, LongestAsked);
-    const int failures = m_failures[id] + 1;
-    const int pause = std::max(m_backoff.PauseAfter(failures), asked);
-    Forget(id);
-    m_failures[id] = failures;
-    m_dueAt[id] = now + pause;
-    m_queue.insert({now + pause, id});
+    const int pause = Delay(id, asked, now);
     if (++m_failuresInARow >= m_patience || asked > 0) {
         const int rounds = 1 + m_failuresInARow / m_patience;
-        m_pausedUntil = std::max(m_pausedUntil, now + std::max(m_backoff.PauseAfter(rounds), asked));
+        PauseUntil(now + std::max(m_backoff.PauseAfter(rounds), asked));
     }
     return pause;
+}
+
+void TransferSchedule::PauseUntil(qint64 time)
+{
+    m_pausedUntil = std::max(m_pausedUntil, time);
 }
 
 void TransferSchedule::RecordProgress(qint64 id)

@@ -23,6 +23,14 @@ public:
     /// Makes a task due at once and ends a pause of all transfers.
     void RetryNow(qint64 id);
 
+    /// Lets a failed task wait for a while, without effect on the others.
+    /// @param atLeast the shortest pause.
+    /// @return the pause.
+    int Delay(qint64 id, int atLeast, qint64 now);
+
+    /// Makes a task due once the pause of all transfers is over.
+    void Requeue(qint64 id);
+
     /// Postpones a task that has failed.
     /// @param atLeast the pause that the farm asks for, followed up to an hour; it then applies to all transfers.
     /// @return the pause.
@@ -33,6 +41,8 @@ public:
 
     void Forget(qint64 id);
 
+    /// Begins or prolongs a pause of all transfers.
+    void PauseUntil(qint64 time);
     /// Ends a pause of all transfers.
     void EndPause() { m_pausedUntil = 0; }
     bool IsPaused(qint64 now) const { return now < m_pausedUntil; }

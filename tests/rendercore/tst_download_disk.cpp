@@ -1,0 +1,99 @@
+// Downloads whose disk or database cannot be used for a while.
+#include "tests/rendercore/download_fixture.h"
+
+namespace {
+
+/// What keeps files from being saved: a file in the place of a folder, or no space.
+const std::tuple<const char*, const char*> Troubles[] = {
+    {"download folder", "frames"},
+    {"job's folder", "frames/12_shot"},
+    {"full disk", ""},
+};
+
+const std::tuple<const char*, void (*)(const QString& file)> Unreadables[] = {
+    {"damaged", [](const QString& file) { WriteFile(file, "not a database"); }},
+    {"damaged inside",
+        [](const QString& file) {
+            FarmFiles files;
+            for (int number = 0; number < 300; ++number)
+                files.append({QString::number(number), 1, QLatin1String(Checksum("x"))});
+            DownloadStore(file).Apply(
+                "farm/ann"_s, {"j0"_s, "s"_s, DownloadOrder::Manual, 0}, files, "/frames"_s);
+            const QByteArray content = ReadFile(file);
+            WriteFile(file, content.left(4096) + QByteArray(content.size() - 4096, 'z'));
+        }},
+    {"newer", [](const QString& file) { storage::Database(file, storage::Migrations(99, "SELECT 1")); }},
+    {"not a file", [](const QString& file) { QDir().mkpath(file); }},
+};
+
+} // namespace
+
+class DownloadDiskTest : public DownloadFixture
+{
+    Q_OBJECT
+
+private slots:
+    void init() { MakeFolder(); }
+    void cleanup() { m_client.reset(); }
+
+    void WaitsForTheDisk_data() { AddRows(Troubles); }
+
+    void WaitsForTheDisk()
+    {
+        const QString obstacle = Path(std::get<1>(Row(Troubles)));
+        const bool isFull = obstacle == Path("");
+        QDir().mkpath(QFileInfo(obstacle).path());
+        QVERIFY(isFull || WriteFile(obstacle, "in the way"));
+        diskFree = isFull ? 10 : -1;
+        Client& client = Start({Listed(Entry(FrameData) + ',' + Entry(FrameData, "frame_0002.png")),
+            Listed(Entry(FrameData, "new.png")), Whole(FrameData), Whole(FrameData), Whole(FrameData)});
+        QTRY_VERIFY_WITH_TIMEOUT(client.Value("msg").toString().contains("cannot be saved"_s), Patience);
+        client.Order("j2"_s); // its answer leads to another attempt
+        QVERIFY(client.Await(Waiting, 3));
+        diskFree = -1;
+        QVERIFY(isFull || QFile::remove(obstacle));
+        QVERIFY(client.Await(Finished, 3));
+        QCOMPARE(client.notices.count(), 1);
+        QCOMPARE(m_server->Requests().size(), 5);
+    }
+
+    void FollowsAChangedFolder()
+    {
+        Client& client = Start({Listed(Entry(FrameData)), CutFrame, StandInServer::Held(Whole(FrameData)),
+            Rest(FrameData, CutAt)});
+        QVERIFY(AwaitRequests(3));
+        client.Set(&FarmAccess::folder, Path("elsewhere"));
+        QVERIFY(client.Await(Finished));
+        QVERIFY(m_server->Requests().constLast().contains(RangeLine));
+        QCOMPARE(client.Value("destFile").toString(), Path("elsewhere/12_shot/frame_0001.png"));
+        QVERIFY(ReadFile(Path("elsewhere/12_shot/frame_0001.png")) == FrameData);
+        QVERIFY(!QFile::exists(Part()));
+    }
+
+    void LosesNoCommand()
+    {
+        Client& client = Restart({Listed(Entry(FrameData)), Whole(FrameData)});
+        diskFails = true;
+        client.Order();
+        QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), 1, Patience);
+        diskFails = false;
+        QVERIFY(client.Await(Finished));
+        QCOMPARE(client.notices.count(), 1);
+    }
+
+    void BeginsAnewWithoutAReadableDatabase_data() { AddRows(Unreadables); }
+
+    void BeginsAnewWithoutAReadableDatabase()
+    {
+        QDir().mkpath(Path("transfer"));
+        std::get<1>(Row(Unreadables))(Path("transfer/downloads.sqlite"));
+        Client& client = Start({Listed(Entry(FrameData)), Whole(FrameData)});
+        QVERIFY(client.Await(Finished));
+        QCOMPARE(client.notices.count(), 1);
+        QCOMPARE(QDir(Path("transfer")).entryList({"downloads-unreadable-*.sqlite"_s}).size(), 1);
+        QCOMPARE(Restart({}).notices.count(), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(DownloadDiskTest)
+#include "tst_download_disk.moc"
