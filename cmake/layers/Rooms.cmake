@@ -17,7 +17,7 @@ set(ROOM_RULES
     "farm: farm/http farm/rendering farm/jobs farm/uploads farm/accounts farm/base storage"
     "host/farmclient:"
     "host/rendercore: host/farmclient storage common"
-    "host/settings: interfaces"
+    "host/settings: storage interfaces"
     "host/ui: host/settings interfaces"
     "host/services: host/ui host/settings host/rendercore host/farmclient interfaces"
     "host/mainform: interfaces"

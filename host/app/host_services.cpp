@@ -36,11 +36,15 @@ HostServices::HostServices(const HostOptions& options)
     , messageBox(&loader)
     , renderCore(options.dataFolder + QLatin1String("/transfer"), &settings)
     , scenes(&renderCore, &messageBox, &loader)
+    , notices(&messageBox, &loader)
     , configurationDialog(&loader, &settings, nullptr)
     , configuration(&configurationDialog)
     , previewer(&loader)
 {
     renderCore.SetFormFilter(&scenes);
+    QObject::connect(&renderCore, &RenderCoreService::Notice, &notices, &NoticeBoard::Show);
+    QObject::connect(&configurationDialog, &ConfigurationDialog::ClearFinishedRequested, &renderCore,
+        &RenderCoreService::ClearFinishedDownloads);
 }
 
 void HostServices::RegisterWith(PluginRunner& runner)

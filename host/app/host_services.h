@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/mainform/notice_board.h"
 #include "host/mainform/scene_intake.h"
 #include "host/services/communication_service.h"
 #include "host/services/configuration_service.h"
@@ -31,6 +32,7 @@ struct HostServices
     CommunicationService communication;
     RenderCoreService renderCore;
     SceneIntake scenes;
+    NoticeBoard notices;
     ConfigurationDialog configurationDialog;
     ConfigurationService configuration;
     PreviewerService previewer;

@@ -53,6 +53,10 @@
         <source>Download folder</source>
         <translation>Download folder</translation>
     </message>
+    <message>
+        <source>Nothing can be saved in this folder: %1.</source>
+        <translation>Nothing can be saved in this folder: %1.</translation>
+    </message>
 </context>
 <context>
     <name>ConfigurationForm</name>
@@ -121,19 +125,42 @@
         <translation>Browse</translation>
     </message>
     <message>
-        <source>Applies to jobs that are downloaded from now on.</source>
-        <translation>Applies to jobs that are downloaded from now on.</translation>
+        <source>Downloads that have not finished yet go there, too.</source>
+        <translation>Downloads that have not finished yet go there, too.</translation>
+    </message>
+    <message>
+        <source>Days in the list after finishing</source>
+        <translation>Days in the list after finishing</translation>
+    </message>
+    <message>
+        <source>No limit</source>
+        <translation>No limit</translation>
+    </message>
+    <message>
+        <source>Clear finished</source>
+        <translation>Clear finished</translation>
+    </message>
+    <message>
+        <source>Files stay on the disk.</source>
+        <translation>Files stay on the disk.</translation>
     </message>
 </context>
 <context>
-    <name>DownloadPaths</name>
+    <name>DownloadQueue</name>
     <message>
-        <source>The folder %1 cannot be created. Please check the download folder in the settings.</source>
-        <translation>The folder %1 cannot be created. Please check the download folder in the settings.</translation>
+        <source>The list of downloads could not be read. It is kept as %1, and a new list has begun.</source>
+        <translation>The list of downloads could not be read. It is kept as %1, and a new list has begun.</translation>
     </message>
     <message>
-        <source>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</source>
-        <translation>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</translation>
+        <source>%1: %2 frames</source>
+        <translation>%1: %2 frames</translation>
+    </message>
+</context>
+<context>
+    <name>DownloadWorker</name>
+    <message>
+        <source>A change to the downloads could not be recorded: %1. The client keeps trying.</source>
+        <translation>A change to the downloads could not be recorded: %1. The client keeps trying.</translation>
     </message>
 </context>
 <context>
@@ -178,16 +205,20 @@
         <translation>%1 arrived damaged: its checksum is wrong.</translation>
     </message>
     <message>
-        <source>%1 cannot be saved: %2</source>
-        <translation>%1 cannot be saved: %2</translation>
-    </message>
-    <message>
         <source>The farm sent a different part of %1 than requested.</source>
         <translation>The farm sent a different part of %1 than requested.</translation>
     </message>
     <message>
         <source>The size of %1 has changed on the farm.</source>
         <translation>The size of %1 has changed on the farm.</translation>
+    </message>
+    <message>
+        <source>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</source>
+        <translation>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</translation>
+    </message>
+    <message>
+        <source>%1 cannot be saved: %2.</source>
+        <translation>%1 cannot be saved: %2.</translation>
     </message>
 </context>
 <context>
@@ -237,6 +268,17 @@
 </context>
 <context>
     <name>MessageBoxService</name>
+    <message>
+        <source>Ok</source>
+        <translation>Ok</translation>
+    </message>
+</context>
+<context>
+    <name>NoticeBoard</name>
+    <message>
+        <source>QuillStar Client</source>
+        <translation>QuillStar Client</translation>
+    </message>
     <message>
         <source>Ok</source>
         <translation>Ok</translation>
@@ -493,6 +535,14 @@
     <message>
         <source>The farm lists %1, but does not send it.</source>
         <translation>The farm lists %1, but does not send it.</translation>
+    </message>
+    <message>
+        <source>Nothing can be saved in %1: %2. All downloads wait until it is possible again.</source>
+        <translation>Nothing can be saved in %1: %2. All downloads wait until it is possible again.</translation>
+    </message>
+    <message>
+        <source>Nothing can be saved in %1: %2. Its downloads wait until it is possible again.</source>
+        <translation>Nothing can be saved in %1: %2. Its downloads wait until it is possible again.</translation>
     </message>
 </context>
 <context>

@@ -53,6 +53,10 @@
         <source>Download folder</source>
         <translation>下载文件夹</translation>
     </message>
+    <message>
+        <source>Nothing can be saved in this folder: %1.</source>
+        <translation>无法保存到此文件夹：%1。</translation>
+    </message>
 </context>
 <context>
     <name>ConfigurationForm</name>
@@ -121,19 +125,42 @@
         <translation>浏览</translation>
     </message>
     <message>
-        <source>Applies to jobs that are downloaded from now on.</source>
-        <translation>对此后下载的作业生效。</translation>
+        <source>Downloads that have not finished yet go there, too.</source>
+        <translation>尚未完成的下载也会保存到那里。</translation>
+    </message>
+    <message>
+        <source>Days in the list after finishing</source>
+        <translation>完成后在列表中保留的天数</translation>
+    </message>
+    <message>
+        <source>No limit</source>
+        <translation>不限</translation>
+    </message>
+    <message>
+        <source>Clear finished</source>
+        <translation>清除已完成</translation>
+    </message>
+    <message>
+        <source>Files stay on the disk.</source>
+        <translation>文件仍保留在磁盘上。</translation>
     </message>
 </context>
 <context>
-    <name>DownloadPaths</name>
+    <name>DownloadQueue</name>
     <message>
-        <source>The folder %1 cannot be created. Please check the download folder in the settings.</source>
-        <translation>无法创建文件夹 %1。请检查设置中的下载文件夹。</translation>
+        <source>The list of downloads could not be read. It is kept as %1, and a new list has begun.</source>
+        <translation>无法读取下载列表。原列表已保存为 %1，并已新建列表。</translation>
     </message>
     <message>
-        <source>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</source>
-        <translation>文件夹 %1 是指向下载文件夹之外的链接，因此不会在其中保存任何内容。</translation>
+        <source>%1: %2 frames</source>
+        <translation>%1：%2 帧</translation>
+    </message>
+</context>
+<context>
+    <name>DownloadWorker</name>
+    <message>
+        <source>A change to the downloads could not be recorded: %1. The client keeps trying.</source>
+        <translation>无法记录对下载的更改：%1。客户端会不断重试。</translation>
     </message>
 </context>
 <context>
@@ -178,16 +205,20 @@
         <translation>%1 已损坏：校验和不正确。</translation>
     </message>
     <message>
-        <source>%1 cannot be saved: %2</source>
-        <translation>无法保存 %1：%2</translation>
-    </message>
-    <message>
         <source>The farm sent a different part of %1 than requested.</source>
         <translation>渲染农场发送的不是所请求的 %1 部分。</translation>
     </message>
     <message>
         <source>The size of %1 has changed on the farm.</source>
         <translation>渲染农场上 %1 的大小已更改。</translation>
+    </message>
+    <message>
+        <source>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</source>
+        <translation>文件夹 %1 是指向下载文件夹之外的链接，因此不会在其中保存任何内容。</translation>
+    </message>
+    <message>
+        <source>%1 cannot be saved: %2.</source>
+        <translation>无法保存 %1：%2。</translation>
     </message>
 </context>
 <context>
@@ -237,6 +268,17 @@
 </context>
 <context>
     <name>MessageBoxService</name>
+    <message>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+</context>
+<context>
+    <name>NoticeBoard</name>
+    <message>
+        <source>QuillStar Client</source>
+        <translation>QuillStar 客户端</translation>
+    </message>
     <message>
         <source>Ok</source>
         <translation>确定</translation>
@@ -493,6 +535,14 @@
     <message>
         <source>The farm lists %1, but does not send it.</source>
         <translation>渲染农场列出了 %1，但未能提供该文件。</translation>
+    </message>
+    <message>
+        <source>Nothing can be saved in %1: %2. All downloads wait until it is possible again.</source>
+        <translation>无法保存到 %1：%2。所有下载将等待，直到可以重新保存。</translation>
+    </message>
+    <message>
+        <source>Nothing can be saved in %1: %2. Its downloads wait until it is possible again.</source>
+        <translation>无法保存到 %1：%2。该文件夹的下载将等待，直到可以重新保存。</translation>
     </message>
 </context>
 <context>

@@ -2,10 +2,12 @@
 
 #include "host/ui/skinned_form.h"
 
+class QLabel;
 class QLineEdit;
+class QSpinBox;
 class VTSettingsInterface;
 
-/// Edits an account's switches and its folder for downloads, on the form "com.vtr.configuration".
+/// Edits an account's switches, its folder for downloads and how long finished ones stay listed, on the form "com.vtr.configuration".
 class ConfigurationDialog : public QObject
 {
     Q_OBJECT
@@ -21,7 +23,12 @@ public:
     /// the dialog is open.
     void Run(const QString& userName);
 
+signals:
+    /// Finished downloads are to leave the list at once, whether the user confirms or not.
+    void ClearFinishedRequested();
+
 private:
+    void Accept();
     void Load(const QString& userName);
     void Store(const QString& userName);
     QString ChosenFolder() const;
@@ -30,4 +37,7 @@ private:
     SkinnedForm m_form;
     VTSettingsInterface* m_settings;
     QLineEdit* m_folder;
+    QLabel* m_trouble;
+    QSpinBox* m_keepDays;
+    QString m_storedFolder; // when the dialog was opened
 };

@@ -184,22 +184,33 @@ private slots:
         }
     }
 
-    void TakesAbsolutePathsForDownloadsOnly()
+    void TakesFoldersForDownloadsThatCanBeWrittenTo()
     {
         MemorySettings settings;
         ConfigurationDialog dialog(&m_loader, &settings);
-        const Then then([](QDialog* shown) {
+        const QSignalSpy cleared(&dialog, &ConfigurationDialog::ClearFinishedRequested);
+        const QTemporaryDir place;
+        const Then then([&place](QDialog* shown) {
             auto* folder = shown->findChild<QLineEdit*>("lneDownloadFolder"_s);
             auto* ok = shown->findChild<QPushButton*>("btnOk"_s);
             QVERIFY(folder->text().endsWith("/QuillStar"_s));
-            for (const char* text : {"", "frames", "~/frames", " /srv//frames/ "}) {
+            shown->findChild<QSpinBox*>("spnKeepDays"_s)->setValue(7);
+            shown->findChild<QPushButton*>("btnClearFinished"_s)->click();
+            for (const QString& text : {""_s, "frames"_s, "~/frames"_s, "/dev/null/frames"_s,
+                     QString(" "_s + place.path() + "//frames/ "_s)}) {
                 QVERIFY(shown->isVisible());
-                folder->setText(QLatin1String(text));
+                folder->setText(text);
                 ok->click();
+                auto* trouble = shown->findChild<QLabel*>("lblFolderTrouble"_s);
+                QCOMPARE(trouble->isVisible() && trouble->text().contains("Not a directory"_s),
+                    text.startsWith("/dev"_s));
             }
         });
         dialog.Run("demo"_s);
-        QCOMPARE(settings.values.value("vtr.account.demo/downloadfolder"_s).toString(), "/srv/frames"_s);
+        QCOMPARE(settings.values.value("vtr.account.demo/downloadfolder"_s).toString(),
+            QString(place.path() + "/frames"_s));
+        QCOMPARE(settings.values.value("vtr.account.demo/keepfinisheddays"_s).toInt(), 7);
+        QCOMPARE(cleared.count(), 1);
     }
 
     void PreviewsPicturesOnly_data() { AddRows(pictures); }

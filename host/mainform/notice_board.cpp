@@ -1,0 +1,47 @@
+#include "host/mainform/notice_board.h"
+
+#include "vtr_messagboxinterface.h"
+#include "vtr_uiloaderinterface.h"
+
+#include <QIcon>
+#include <QPointer>
+
+namespace {
+
+constexpr int NoticeKind = 2;
+
+} // namespace
+
+NoticeBoard::NoticeBoard(VTMessagboxInterface* messageBox, VTUiLoaderInterface* loader, QObject* parent)
+    : QObject(parent)
+    , m_messageBox(messageBox)
+    , m_loader(loader)
+{
+    m_turn.setSingleShot(true);
+    m_turn.setInterval(0);
+    connect(&m_turn, &QTimer::timeout, this, &NoticeBoard::ShowNext);
+}
+
+void NoticeBoard::Show(const QString& text)
+{
+    if (m_waiting.contains(text))
+        return;
+    m_waiting.append(text);
+    m_turn.start();
+}
+
+void NoticeBoard::ShowNext()
+{
+    if (m_isShowing || m_waiting.isEmpty())
+        return;
+    const QString text = m_waiting.takeFirst();
+    const QPointer<NoticeBoard> alive(this);
+    m_isShowing = true;
+    const QIcon icon(QStringLiteral(":/%1/main.png").arg(m_loader->GetSkin()));
+    m_messageBox->ShowMessage(NoticeKind, tr("QuillStar Client"), {}, icon, text,
+        {{QStringLiteral("btnMessageBox_1"), tr("Ok")}}, true);
+    if (!alive)
+        return;
+    m_isShowing = false;
+    m_turn.start();
+}
