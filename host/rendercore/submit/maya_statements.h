@@ -1,16 +1,36 @@
 #pragma once
 
 #include <QByteArray>
-#include <QStringList>
+#include <QString>
+#include <QVector>
 
 #include <functional>
 
-/// Splits a Maya text into statements and these into words; a quoted string is one word, without the quotation marks.
-/// The text may be fed in blocks of any size. Only the beginning of a very long statement is kept, which is geometry.
+/// The words of a Maya statement; a quoted string is one word, without the quotation marks.
+class MayaWords
+{
+public:
+    int Count() const { return m_ends.size(); }
+    bool Is(int index, const char* word) const;
+    bool StartsWith(int index, char character) const;
+    QString Text(int index) const;
+    QString Last() const { return Text(Count() - 1); }
+
+private:
+    friend class MayaStatements;
+
+    QByteArray At(int index) const;
+
+    QByteArray m_bytes; // of all words
+    QVector<int> m_ends;
+};
+
+/// Splits a Maya text into statements and these into words. The text may be fed in blocks of any size. Only the beginning
+/// of a very long statement is kept, which is geometry.
 class MayaStatements
 {
 public:
-    using Found = std::function<void(const QStringList& words)>;
+    using Found = std::function<void(const MayaWords& words)>;
 
     explicit MayaStatements(Found found);
 
@@ -19,15 +39,19 @@ public:
 private:
     enum class State { Code, Text, Escape, Comment };
 
-    void ReadCode(char character);
+    const char* ReadCode(const char* from, const char* end);
+    const char* ReadText(const char* from, const char* end);
+    bool IsFull() const;
+    void Keep(const char* from, const char* to);
+    void AddWord();
     void EndWord();
     void EndStatement();
-    void Keep(char character);
 
     Found m_found;
     State m_state = State::Code;
-    QByteArray m_word;
-    QStringList m_words;
-    int m_kept = 0;    // bytes of the statement so far
-    char m_before = 0; // the previous character, to find comments
+    MayaWords m_words;
+    int m_limitFactor = 1;
+    int m_wordStart = 0;        // in the words' bytes
+    bool m_hadSlash = false;    // the previous character was a slash
+    bool m_isSlashKept = false; // and it has become part of a word
 };

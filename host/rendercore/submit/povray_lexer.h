@@ -19,8 +19,11 @@ public:
 private:
     enum class State { Code, Word, Text, Escape, LineComment, BlockComment };
 
-    void ReadCode(char character);
+    const char* ReadCode(const char* at, const char* end);
+    const char* ReadWord(const char* from, const char* end);
+    const char* ReadText(const char* from, const char* end);
     void ReadComment(char character);
+    void Keep(const char* from, const char* to);
     void EndWord();
     void EndText();
 

@@ -103,8 +103,13 @@ private:
     {
         const QString path = QDir::cleanPath(reference);
         if (m_seen.contains(path) || m_result.files.size() > MostSceneFiles
-            || m_result.missing.size() > MostSceneFiles)
+            || m_result.missing.size() > MostSceneFiles || (m_onBytes && !m_onBytes(0)))
             return;
+        // The same name may lead to a file from the folder of another text.
+        const QString attempt = folder + QLatin1Char('\n') + path;
+        if (m_attempts.contains(attempt))
+            return;
+        m_attempts.insert(attempt);
         const QString source
             = FirstReadable({m_folder.absoluteFilePath(path), QDir(folder).absoluteFilePath(path)});
         if (source.isEmpty() && IsStandard(path)) {
@@ -124,6 +129,8 @@ private:
         // An earlier text may not have found the file from its own folder.
         m_result.missing.removeAll(name);
         Add(path, source);
+        if (!LiesIn(m_folder.path(), source))
+            m_result.outside.append(source);
         if (kind == PovRayLexer::Kind::Include)
             m_texts.append(source);
     }
@@ -148,7 +155,8 @@ private:
     const BytesRead& m_onBytes;
     SceneAnalysis m_result;
     QStringList m_texts;
-    QSet<QString> m_seen; // cleaned references, relative to the scene's folder
+    QSet<QString> m_seen;     // cleaned references, relative to the scene's folder
+    QSet<QString> m_attempts; // folders of texts with references that have been looked for from there
 };
 
 /// Reads size and frames from the options file beside the scene, if there is one.

@@ -39,6 +39,6 @@ SceneAnalysis AnalyseScene(const QString& scene, const BytesRead& onBytes)
     else
         analysis = AnalyseMayaScene(path, onBytes);
     if (analysis.files.size() > MostSceneFiles || analysis.missing.size() > MostSceneFiles)
-        analysis.error = QStringLiteral("The scene needs more than %1 files.").arg(MostSceneFiles);
+        analysis.error = TooManyFiles();
     return analysis;
 }

@@ -3,6 +3,7 @@
 #include "host/rendercore/submit/submit_arguments.h"
 
 #include <QFileInfo>
+#include <QTextCodec>
 
 #include <algorithm>
 
@@ -15,10 +16,30 @@ bool IsControl(QChar character)
 
 } // namespace
 
+QString TooManyFiles()
+{
+    return QStringLiteral("The scene needs more than %1 files.").arg(MostSceneFiles);
+}
+
 bool IsSendablePath(const QString& path)
 {
     return !path.isEmpty() && !path.contains(QLatin1Char('\\')) && !path.contains(QLatin1Char(':'))
         && std::none_of(path.cbegin(), path.cend(), IsControl);
+}
+
+QString SceneText(const QByteArray& bytes)
+{
+    static QTextCodec* const utf8 = QTextCodec::codecForName("UTF-8");
+    QTextCodec::ConverterState state;
+    const QString text = utf8->toUnicode(bytes.constData(), bytes.size(), &state);
+    return state.invalidChars > 0 || state.remainingChars > 0 ? QString::fromLatin1(bytes) : text;
+}
+
+bool LiesIn(const QString& folder, const QString& file)
+{
+    const QString path = QFileInfo(file).canonicalFilePath();
+    const QString within = folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
+    return path.startsWith(within) && path.indexOf(QLatin1String("/."), within.size() - 1) < 0;
 }
 
 QString FirstReadable(const QStringList& candidates)

@@ -19,22 +19,35 @@ struct SceneAnalysis
     QString error;            ///< an English sentence; everything else is valid only when it is empty
     QString scene;            ///< the path of one of `files`
     QVector<SceneFile> files; ///< each path once, the scene first
-    QStringList
-        missing; ///< references to files that are not there or cannot be sent, as the scene names them
+    /// References to files that are not there or cannot be sent, as the scene names them.
+    QStringList missing;
+    /// Those of `files` that lie outside the scene's folder or its project, as absolute paths. Somebody who gets a
+    /// scene from elsewhere does not expect them to be sent.
+    QStringList outside;
     int firstFrame = 1;
     int lastFrame = 1;
     int width = 640; ///< of a frame, in pixels
     int height = 480;
 };
 
-/// Called with the number of bytes read since the last call; returning false ends the reading early.
+/// Called with the number of bytes read since the last call, often 0; returning false ends the reading early.
 using BytesRead = std::function<bool(qint64)>;
 
 /// The most files that a submission may have.
 constexpr int MostSceneFiles = 4000;
 
+/// The error of a scene with more of them.
+QString TooManyFiles();
+
 /// Whether the farm accepts this relative path: it must be free of colons, backslashes and control characters.
 bool IsSendablePath(const QString& path);
+
+/// Text of a scene: UTF-8 or, where it is not valid, Latin-1.
+QString SceneText(const QByteArray& bytes);
+
+/// Whether a file lies in the folder itself: links that lead out of it and hidden folders do not count.
+/// @param folder must be a canonical path.
+bool LiesIn(const QString& folder, const QString& file);
 
 /// The absolute path of the first candidate that is a readable file; empty when none is.
 QString FirstReadable(const QStringList& candidates);

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+/// What Maya nodes keep the names of files in.
+namespace MayaAttributes {
+
+enum class Kind {
+    Other,
+    File,    ///< always names a file
+    Possible ///< named like one that does: plug-ins bring nodes that nobody can list
+};
+
+/// @param node type of the node.
+/// @param attribute the last part of its name, short or long, without index.
+Kind KindOf(const QString& node, const QString& attribute);
+
+/// Whether the value of a possible file attribute has the form of a file name.
+bool IsFileName(const QString& value);
+
+} // namespace MayaAttributes
