@@ -64,7 +64,8 @@ public:
     /// Goes on with a task that waits for the user.
     virtual void ContinueSubmit(const QString& strTaskId) = 0;
 
-    /// Starts the submission of a scene. @return 0 when the scene was accepted.
+    /// Starts the submission of a scene. @return 0 when the scene was accepted, 1 when a task of this scene is under way
+    /// already, -1 when it cannot be submitted.
     virtual int SubmitScene(const QString& strSceneFile) = 0;
     virtual void RedownloadTasks(const QStringList& lstTaskId) = 0;
 

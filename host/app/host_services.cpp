@@ -45,6 +45,7 @@ HostServices::HostServices(const HostOptions& options)
     QObject::connect(&renderCore, &RenderCoreService::Notice, &notices, &NoticeBoard::Show);
     QObject::connect(&configurationDialog, &ConfigurationDialog::ClearFinishedRequested, &renderCore,
         &RenderCoreService::ClearFinishedDownloads);
+    QObject::connect(&renderCore, &RenderCoreService::SceneRefused, &scenes, &SceneIntake::ShowRefusal);
 }
 
 void HostServices::RegisterWith(PluginRunner& runner)

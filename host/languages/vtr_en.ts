@@ -442,6 +442,10 @@
         <source>Scenes (*.pov *.ma *.mb)</source>
         <translation>Scenes (*.pov *.ma *.mb)</translation>
     </message>
+    <message>
+        <source>These scenes are in the list of local tasks already. Continue or delete their tasks there:</source>
+        <translation>These scenes are in the list of local tasks already. Continue or delete their tasks there:</translation>
+    </message>
 </context>
 <context>
     <name>SearchForm</name>
@@ -512,6 +516,13 @@
     <message>
         <source>Sign in</source>
         <translation>Sign in</translation>
+    </message>
+</context>
+<context>
+    <name>SubmitQueue</name>
+    <message>
+        <source>The list of submissions could not be read. It is kept as %1, and a new list has begun.</source>
+        <translation>The list of submissions could not be read. It is kept as %1, and a new list has begun.</translation>
     </message>
 </context>
 <context>
@@ -1020,6 +1031,14 @@ Below files are missing:
     <message>
         <source>The farm&apos;s answer about an upload cannot be read.</source>
         <translation>The farm&apos;s answer about an upload cannot be read.</translation>
+    </message>
+    <message>
+        <source>%1 files belong to the scene:</source>
+        <translation>%1 files belong to the scene:</translation>
+    </message>
+    <message>
+        <source>The submission could not be recorded. The disk may be full.</source>
+        <translation>The submission could not be recorded. The disk may be full.</translation>
     </message>
 </context>
 <context>

@@ -442,6 +442,10 @@
         <source>Scenes (*.pov *.ma *.mb)</source>
         <translation>场景 (*.pov *.ma *.mb)</translation>
     </message>
+    <message>
+        <source>These scenes are in the list of local tasks already. Continue or delete their tasks there:</source>
+        <translation>这些场景已在本地任务列表中。请在那里继续或删除它们的任务：</translation>
+    </message>
 </context>
 <context>
     <name>SearchForm</name>
@@ -512,6 +516,13 @@
     <message>
         <source>Sign in</source>
         <translation>登录</translation>
+    </message>
+</context>
+<context>
+    <name>SubmitQueue</name>
+    <message>
+        <source>The list of submissions could not be read. It is kept as %1, and a new list has begun.</source>
+        <translation>无法读取提交列表。它已保存为 %1，并已开始新的列表。</translation>
     </message>
 </context>
 <context>
@@ -1020,6 +1031,14 @@ Below files are missing:
     <message>
         <source>The farm&apos;s answer about an upload cannot be read.</source>
         <translation>无法读取渲染农场关于上传的响应。</translation>
+    </message>
+    <message>
+        <source>%1 files belong to the scene:</source>
+        <translation>该场景包含 %1 个文件：</translation>
+    </message>
+    <message>
+        <source>The submission could not be recorded. The disk may be full.</source>
+        <translation>无法记录此次提交。磁盘可能已满。</translation>
     </message>
 </context>
 <context>

@@ -4,6 +4,7 @@
 #include "vtr_rendercoreinterface.h"
 #include "vtr_uiloaderinterface.h"
 
+#include <QCoreApplication>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -17,8 +18,9 @@
 namespace {
 
 constexpr int NoticeKind = 2;
+constexpr int TellingPause = 300; // ms, for refusals that come one after the other to share a notice
 
-/// @return the scene files among the dragged ones.
+/// @return the scene files among the dragged ones, by their names: a drag must not wait for a disk.
 QStringList ScenesOf(const QMimeData* data)
 {
     static const QStringList suffixes {QStringLiteral("pov"), QStringLiteral("ma"), QStringLiteral("mb")};
@@ -26,7 +28,7 @@ QStringList ScenesOf(const QMimeData* data)
     const QList<QUrl> urls = data ? data->urls() : QList<QUrl>();
     for (const QUrl& url : urls) {
         const QFileInfo file(url.toLocalFile());
-        if (url.isLocalFile() && suffixes.contains(file.suffix().toLower()) && file.isFile())
+        if (url.isLocalFile() && suffixes.contains(file.suffix().toLower()))
             scenes.append(file.absoluteFilePath());
     }
     return scenes;
@@ -44,6 +46,9 @@ SceneIntake::SceneIntake(VTRenderCoreInterface* renderCore, VTMessagboxInterface
     m_submitting.setSingleShot(true);
     m_submitting.setInterval(0);
     connect(&m_submitting, &QTimer::timeout, this, &SceneIntake::SubmitWaiting);
+    m_telling.setSingleShot(true);
+    m_telling.setInterval(TellingPause);
+    connect(&m_telling, &QTimer::timeout, this, &SceneIntake::ShowRefusals);
 }
 
 void SceneIntake::Submit(const QStringList& scenes)
@@ -69,16 +74,44 @@ void SceneIntake::SubmitWaiting()
     if (!m_signedIn)
         return;
     QStringList refused;
-    const QStringList scenes = std::exchange(m_waiting, QStringList());
-    for (const QString& scene : scenes) {
-        if (m_renderCore->SubmitScene(scene) != 0)
+    QStringList known;
+    QStringList scenes = std::exchange(m_waiting, QStringList());
+    scenes.removeDuplicates();
+    for (const QString& scene : qAsConst(scenes)) {
+        const int answer = m_renderCore->SubmitScene(scene);
+        if (answer > 0)
+            known.append(scene);
+        else if (answer < 0)
             refused.append(scene);
     }
-    if (refused.isEmpty())
+    const QPointer<SceneIntake> self(this);
+    Tell(tr("These scenes cannot be submitted:"), refused);
+    if (self)
+        Tell(tr("These scenes are in the list of local tasks already. Continue or delete their tasks there:"),
+            known);
+}
+
+void SceneIntake::ShowRefusal(const QString& scene, const QString& reason)
+{
+    // Reasons are messages of tasks, which the main window translates.
+    m_refusals.append(scene + QLatin1Char('\n')
+        + QCoreApplication::translate("VTQsClientPrivate", reason.toUtf8().constData()));
+    m_telling.start();
+}
+
+void SceneIntake::ShowRefusals()
+{
+    Tell(tr("These scenes cannot be submitted:"), std::exchange(m_refusals, QStringList()));
+}
+
+/// Shows a modal notice, during which anything may happen.
+void SceneIntake::Tell(const QString& text, const QStringList& scenes)
+{
+    if (scenes.isEmpty())
         return;
     const QIcon icon(QStringLiteral(":/%1/main.png").arg(m_loader->GetSkin()));
-    m_messageBox->ShowMessage(NoticeKind, tr("QuillStar Client"), tr("These scenes cannot be submitted:"),
-        icon, refused.join(QLatin1Char('\n')), {{QStringLiteral("btnMessageBox_1"), tr("Ok")}}, true);
+    m_messageBox->ShowMessage(NoticeKind, tr("QuillStar Client"), text, icon, scenes.join(QLatin1Char('\n')),
+        {{QStringLiteral("btnMessageBox_1"), tr("Ok")}}, true);
 }
 
 bool SceneIntake::eventFilter(QObject* watched, QEvent* event)

@@ -22,8 +22,12 @@ public:
     SceneIntake(VTRenderCoreInterface* renderCore, VTMessagboxInterface* messageBox,
         VTUiLoaderInterface* loader, QObject* parent = nullptr);
 
-    /// Submits the scenes as soon as somebody is signed in. One notice names those that cannot be submitted.
+    /// Submits the scenes as soon as somebody is signed in. Notices name those that cannot be submitted, and those that
+    /// are being submitted already.
     void Submit(const QStringList& scenes);
+
+    /// Tells the user that a scene that was accepted cannot be submitted after all.
+    void ShowRefusal(const QString& scene, const QString& reason);
 
     void BeginSession();
 
@@ -36,6 +40,8 @@ private:
     void Attach(QWidget* form);
     void AskForScenes();
     void SubmitWaiting();
+    void ShowRefusals();
+    void Tell(const QString& text, const QStringList& scenes);
 
     VTRenderCoreInterface* m_renderCore;
     VTMessagboxInterface* m_messageBox;
@@ -43,6 +49,8 @@ private:
     QPointer<QWidget> m_form;
     QStringList m_waiting;
     QTimer m_submitting; // submits once control returns to the event loop
+    QStringList m_refusals;
+    QTimer m_telling; // tells of the refusals
     bool m_signedIn = false;
     QPointer<QFileDialog> m_dialog;
 };

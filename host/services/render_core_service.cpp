@@ -13,6 +13,7 @@ RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface*
     , m_downloads(folder)
 {
     connect(&m_submissions, &SubmitQueue::ListChanged, this, &VTRenderCoreInterface::SubmitListChanged);
+    connect(&m_submissions, &SubmitQueue::SceneRefused, this, &RenderCoreService::SceneRefused);
     connect(&m_submissions, &SubmitQueue::UploadFailed, this, &VTRenderCoreInterface::failFile);
     connect(&m_submissions, &SubmitQueue::TexturesLacking, this, &VTRenderCoreInterface::lackedTexture);
     m_submissions.SetArgumentsCheck(
@@ -179,7 +180,14 @@ void RenderCoreService::ContinueSubmit(const QString& id)
 
 int RenderCoreService::SubmitScene(const QString& sceneFile)
 {
-    return m_submissions.Submit(sceneFile) ? 0 : -1;
+    switch (m_submissions.Submit(sceneFile)) {
+    case SubmitQueue::Answer::Accepted:
+        return 0;
+    case SubmitQueue::Answer::Known:
+        return 1;
+    default:
+        return -1;
+    }
 }
 
 void RenderCoreService::RedownloadTasks(const QStringList& ids)

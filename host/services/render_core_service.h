@@ -61,6 +61,10 @@ signals:
     /// @param text tells the user of trouble with the disk.
     void Notice(const QString& text);
 
+    /// A scene that SubmitScene() has accepted cannot be submitted after all.
+    /// @param reason a sentence for the user.
+    void SceneRefused(const QString& sceneFile, const QString& reason);
+
 public slots:
     /// Removes all finished downloads from the list. Their files stay.
     void ClearFinishedDownloads();

@@ -54,6 +54,7 @@ private slots:
         Notices notices;
         SceneIntake intake(&renderCore, &notices, &loader);
         renderCore.SetFormFilter(&intake);
+        connect(&renderCore, &RenderCoreService::SceneRefused, &intake, &SceneIntake::ShowRefusal);
         QWidget form;
         QPushButton button(&form);
         button.setObjectName("btnSubmit"_s);
@@ -61,7 +62,7 @@ private slots:
 
         const QString folder = m_folder.filePath("folder.pov"_s);
         QVERIFY(QDir().mkdir(folder));
-        QVERIFY(!Drop(renderCore, form, {File("note.txt"_s), folder}));
+        QVERIFY(!Drop(renderCore, form, {File("note.txt"_s)}));
         QVERIFY(Drop(renderCore, form, {File("a.pov"_s), folder, File("b.MB"_s)}));
         QCOMPARE(renderCore.GetSubmitTaskCount(), 0);
 
@@ -71,8 +72,11 @@ private slots:
         renderCore.BeginSession("ann"_s, "token"_s);
         intake.BeginSession();
         EVENTUALLY_COMPARE(renderCore.GetSubmitTaskIds(), QStringList({"a.1"_s, "b.2"_s}));
-        EVENTUALLY_COMPARE(notices.details, QStringList(gone + QLatin1Char('\n') + folder));
+        const QString why = "\nThe scene file cannot be read."_s;
+        EVENTUALLY_COMPARE(notices.details, QStringList(folder + why + QLatin1Char('\n') + gone + why));
         QCOMPARE(renderCore.GetTaskSceneFile("a.1"_s), m_folder.filePath("a.pov"_s));
+        QVERIFY(Drop(renderCore, form, {m_folder.filePath("a.pov"_s)})); // a second time
+        EVENTUALLY_COMPARE(notices.details.value(1), m_folder.filePath("a.pov"_s));
 
         button.click();
         button.click();
@@ -88,7 +92,7 @@ private slots:
         QCoreApplication::processEvents();
         QCOMPARE(renderCore.GetSubmitTaskCount(), 0);
         QCOMPARE(renderCore.SubmitScene(m_folder.filePath("a.pov"_s)), -1);
-        QCOMPARE(notices.details.size(), 1);
+        QCOMPARE(notices.details.size(), 2);
     }
 
     void PassesCommandsOn()

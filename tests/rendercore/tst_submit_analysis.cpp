@@ -5,6 +5,8 @@
 #include "tests/support/test_files.h"
 #include "tests/support/test_tables.h"
 
+#include <QRandomGenerator>
+
 namespace {
 
 /// Names are relative to the scene's folder; @ is the folder two above it.
@@ -38,7 +40,7 @@ const SceneCase SceneCases[] = {
         "x.png", "a.pov in/b.inc c.inc x.png"},
     {"folders above", {{"a.pov"_s, "png \"../../q/t.png\" png \"../s/./u.png\" png \"@/v.png\""}},
         "../../q/t.png u.png ../../v.png", "p/s/a.pov q/t.png p/s/u.png",
-        "@/v.png (use a path relative to the scene)"},
+        "@/v.png (use a path relative to the scene) outside:@/q/t.png"},
     {"too high", {{"a.pov"_s, "png \"../../../../../../../../../etc/passwd\" png \"a\\\\b.png\" png \"in\""}},
         "in/x a\\b.png", "a.pov", "../../../../../../../../../etc/passwd a\\b.png in"},
     {"options",
@@ -62,7 +64,43 @@ const SceneCase SceneCases[] = {
         "../workspace.mel ../tex/a;b.png ../../else/c.png ../tex/d.1001.png ../tex/d.1002.png ../tex/d.x.png "
         "e.png",
         "s/a.ma s/ref.ma tex/a;b.png external@/else/c.png tex/d.1001.png tex/d.1002.png s/e.png",
-        "D:/gone.png", "5-8 320x240"},
+        "D:/gone.png outside:@/else/c.png", "5-8 320x240"},
+    {"files of all kinds",
+        {{"a.ma"_s,
+            "createNode imagePlane; setAttr -k off \".imn\" -type \"string\" \"a.exr\"; createNode "
+            "AlembicNode;"
+            "setAttr \".fns\" -type \"stringArray\" 2 \"b.abc\" \"c.abc\"; createNode aiStandIn;"
+            "setAttr \".dso\" -type \"string\" \"d.ass\"; createNode gpuCache;"
+            "setAttr \".cfn\" -type \"string\" \"e.abc\"; createNode unheardOf;"
+            "setAttr \".lay[3].cacheFilePath\" -type \"string\" \"f.vdb\";"
+            "setAttr \".fn\" -type \"string\" \"no.abc\"; setAttr \".imageFilePrefix\" -type \"string\" "
+            "\"g\";"
+            "setAttr \".renderFileName\" -type \"string\" \"h.exr\"; setAttr \".iconFileName\" -type "
+            "\"string\" \"x.y\";"
+            "createNode reference; setAttr \".ed\" -type \"dataReferenceEdits\" \"rRN\" \"rRN\" 1 2 \"r:f\" "
+            "\"fileTextureName\" \" -type \\\"string\\\" \\\"g.tx\\\"\";"
+            "createNode file; setAttr \".ftn\" -type \"string\" \"\xe4.png\";"}},
+        "a.exr b.abc c.abc d.ass e.abc f.vdb g.tx no.abc h.exr \xc3\xa4.png",
+        "a.ma a.exr b.abc c.abc d.ass e.abc f.vdb g.tx \xc3\xa4.png"},
+    {"tiles and frames",
+        {{"a.ma"_s,
+            "createNode file; setAttr \".ftn\" -type \"string\" \"a.1001.png\"; createNode file;"
+            "setAttr \".ftn\" -type \"string\" \"b.<uvtile>.png\"; createNode file;"
+            "setAttr \".ftn\" -type \"string\" \"c.##.png\"; createNode file;"
+            "setAttr \".ftn\" -type \"string\" \"d2.%03d.png\"; createNode file;"
+            "setAttr \".ftn\" -type \"string\" \"e3.0007.mp4\"; setAttr \".ufe\" yes; createNode file;"
+            "setAttr \".ftn\" -type \"string\" \"f.<f>1.png\"; createNode file;"
+            "setAttr \".ftn\" -type \"string\" \"e4.0007.mp4\";"}},
+        "a.1001.png a.1012.png a.0012.png b.u1_v2.png b.11.png c.1.png c.012.png d2.007.png d22.007.png "
+        "e3.0007.mp4 e3.0009.mp4 e3.0009.mp5 e4.0007.mp4 e4.0008.mp4 f.21.png f.1.png f.2.png f.-31.png",
+        "a.ma a.1001.png a.1012.png b.u1_v2.png c.012.png d2.007.png e3.0007.mp4 e3.0009.mp4 f.-31.png "
+        "f.21.png "
+        "e4.0007.mp4"},
+    {"hidden and linked",
+        {{"a.ma"_s,
+            "createNode file; setAttr \".ftn\" -type \"string\" \".ssh/id\";"
+            "setAttr \".ftn\" -type \"string\" \"../../k\";"}},
+        ".ssh/id ../../k", "a.ma .ssh/id external@/k", "outside:@/p/s/.ssh/id outside:@/k"},
     {"binary scene", {{"a.mb"_s, "file \"x.ma\";"}}, "x.ma", "a.mb"},
 };
 
@@ -102,8 +140,7 @@ private slots:
     void Analyses()
     {
         const SceneCase& row = Row(SceneCases);
-        for (const QString& name :
-            QString::fromLatin1(row.others).split(QLatin1Char(' '), Qt::SkipEmptyParts))
+        for (const QString& name : QString::fromUtf8(row.others).split(QLatin1Char(' '), Qt::SkipEmptyParts))
             Write(name);
         for (const auto& [name, text] : row.texts)
             Write(name, text);
@@ -115,34 +152,63 @@ private slots:
             QVERIFY(QFileInfo(file.source).isFile());
         }
         const auto expected = [this](const char* text) {
-            return QString::fromLatin1(text).replace(QLatin1Char('@'), m_folder->path());
+            return QString::fromUtf8(text).replace(QLatin1Char('@'), m_folder->path());
         };
         QCOMPARE(analysis.error, QString());
         QCOMPARE(analysis.scene, found.constFirst());
         QCOMPARE(found.join(QLatin1Char(' ')), expected(row.files));
-        QCOMPARE(analysis.missing.join(QLatin1Char(' ')), expected(row.missing));
+        QStringList asked = analysis.missing;
+        for (const QString& file : analysis.outside)
+            asked.append("outside:"_s + file);
+        QCOMPARE(asked.join(QLatin1Char(' ')), expected(row.missing));
         const int numbers[] = {analysis.firstFrame, analysis.lastFrame, analysis.width, analysis.height};
         QCOMPARE("%1-%2 %3x%4"_s.arg(numbers[0]).arg(numbers[1]).arg(numbers[2]).arg(numbers[3]),
             expected(row.job));
     }
 
-    void PacksOneFileReproducibly()
+    /// No scene keeps the client from quitting.
+    void EndsWhereverItIsToldTo()
+    {
+        QByteArray text = "createNode file;";
+        for (int token = 0; token < 20; ++token)
+            text += "setAttr \".ftn\" -type \"string\" \"" + QByteArray("<u>").repeated(60 + token)
+                + ".png\";";
+        Write("1"_s + "23"_s.repeated(90) + ".pn"_s);
+        const QString scene = Write("a.ma"_s, text);
+        int calls = 0;
+        QVERIFY(AnalyseScene(scene, [&calls](qint64) { return ++calls > 0; }).missing.size() == 20);
+        const int all = std::exchange(calls, 0);
+        QVERIFY(all > 40);
+        AnalyseScene(scene, [&calls](qint64) { return ++calls < 3; });
+        QVERIFY2(calls < all, qPrintable(QString::number(calls)));
+    }
+
+    void PacksReproducibly()
     {
         const QByteArray content(300'000, 'x');
-        const QString source = Write("x.txt"_s, content);
         const QString archive = m_folder->filePath("x.zip"_s);
         const auto all = [](auto) { return true; };
         QByteArray archives[2];
         for (QByteArray& bytes : archives) {
-            QVERIFY(PackFile(source, "ä/x.txt"_s, archive, all));
-            QCOMPARE(PackedChecksum(archive, all).toLatin1(),
+            QVector<PackageEntry> entries {
+                {Write("x.txt"_s, content), "ä/x.txt"_s, {}}, {Write("y"_s), "y"_s, {}}};
+            QVERIFY(PackFiles(entries, archive, all));
+            QCOMPARE(entries.at(0).checksum.toLatin1(),
                 QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex());
             bytes = ReadFile(archive);
             QVERIFY(QFile::remove(archive));
         }
         QCOMPARE(archives[0], archives[1]);
         QVERIFY(archives[0].size() < 3000);
-        QVERIFY(!PackFile(source, "x"_s, archive, [](qint64) { return false; }));
+        quint32 numbers[999];
+        QRandomGenerator(1).fillRange(numbers);
+        QByteArray noise(reinterpret_cast<const char*>(numbers), sizeof(numbers));
+        noise.replace('@', 'a'); // stands for a folder
+        QVector<PackageEntry> stored {{Write("z"_s, noise), "z"_s, {}}};
+        QVERIFY(PackFiles(stored, archive, all));
+        QVERIFY(ReadFile(archive).contains(noise)); // does not shrink
+        QVERIFY(QFile::remove(archive));
+        QVERIFY(!PackFiles(stored, archive, [](qint64) { return false; }));
         QVERIFY(QDir(m_folder->path()).entryList({"x.zip*"_s}, QDir::AllEntries | QDir::Hidden).isEmpty());
     }
 

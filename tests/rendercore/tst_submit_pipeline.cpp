@@ -3,6 +3,7 @@
 #include "farm/jobs/job_status.h"
 #include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_queue.h"
+#include "host/rendercore/submit/submit_text.h"
 #include "tests/farm/farm_client.h"
 
 namespace {
@@ -45,7 +46,9 @@ private:
         m_queue.reset();
         m_queue = std::make_unique<SubmitQueue>(Path("transfer"_s));
         m_lacking = std::make_unique<QSignalSpy>(m_queue.get(), &SubmitQueue::TexturesLacking);
+        QSignalSpy loaded(m_queue.get(), &SubmitQueue::Loaded);
         m_queue->SetAccess(m_access);
+        QVERIFY(loaded.wait(Patience));
     }
 
     /// Writes the files and submits the first; returns the task's id.
@@ -55,7 +58,14 @@ private:
             QDir().mkpath(QFileInfo(Path(name)).path());
             WriteFile(Path(name), content);
         }
-        return m_queue->Submit(Path(files.constFirst().first)) ? m_queue->Ids().constLast() : QString();
+        return Submit(files.constFirst().first);
+    }
+
+    QString Submit(const QString& scene)
+    {
+        QSignalSpy changed(m_queue.get(), &SubmitQueue::ListChanged);
+        const bool isAccepted = m_queue->Submit(Path(scene)) == SubmitQueue::Answer::Accepted;
+        return isAccepted && changed.wait(Patience) ? m_queue->Ids().constLast() : QString();
     }
 
     /// A scene with a picture that takes more than one chunk to send.
@@ -119,8 +129,10 @@ private slots:
             {"textures/dot.ppm"_s, "P6\n1 1\n255\nabc"}});
         QCOMPARE(id, "one.1"_s);
         QVERIFY(Await(id, SubmitError::AwaitsUser));
-        QCOMPARE(m_lacking->size(), 1);
-        QCOMPARE(m_lacking->at(0).at(1).toStringList(), QStringList {"gone.png"_s});
+        QTRY_COMPARE_WITH_TIMEOUT(m_lacking->size(), 1, Patience);
+        QCOMPARE(Count("contents"), 0); // the farm knows nothing before the answer
+        QCOMPARE(m_lacking->at(0).at(1).toStringList(),
+            QStringList({"gone.png"_s, Path("textures/dot.ppm"_s) + QLatin1String(SubmitText::Outside)}));
         m_queue->AnswerUploadFailure(id, true); // another question is open
         m_queue->AnswerMissingTextures(id, false);
         QCOMPARE(Task(id).error, SubmitError::TexturesMissing);
@@ -141,8 +153,7 @@ private slots:
         // Contents that the farm has are not sent again.
         QVERIFY(QFile::remove(Path("shots/gone.png"_s)));
         const int uploads = Count("uploads");
-        QVERIFY(m_queue->Submit(Path("shots/one.pov"_s)));
-        const QString again = m_queue->Ids().constLast();
+        const QString again = Submit("shots/one.pov"_s);
         QVERIFY(Await(again, SubmitError::AwaitsUser));
         StartQueue();
         QCOMPARE(m_lacking->size(), 1); // asks once more
@@ -250,19 +261,41 @@ private slots:
         QVERIFY(farm.rename("uploads"_s, "away"_s)); // uploads fail, jobs can be created
         const QString stuck = SubmitLarge();
         QTRY_COMPARE_WITH_TIMEOUT(Task(stuck).message, "The farm is busy. Trying again."_s, Patience);
-        QVERIFY(m_queue->Submit(Path("known.pov"_s)));
-        QVERIFY(Await(m_queue->Ids().constLast()));
+        QVERIFY(Await(Submit("known.pov"_s)));
         QVERIFY(Task(stuck).IsRunnable());
         QVERIFY(farm.rename("away"_s, "uploads"_s));
         QVERIFY(Await(stuck));
     }
 
+    void NeverWaitsForItsDatabase()
+    {
+        const QString id = Submit({{"a.pov"_s, "png \"gone.png\""}});
+        QVERIFY(Await(id, SubmitError::AwaitsUser));
+        QVERIFY(QDir(Path("transfer"_s)).exists("submissions.sqlite"_s));
+        SQLite::Database other(
+            Path("transfer/submissions.sqlite"_s).toStdString(), SQLite::OPEN_READWRITE, 5000);
+        other.exec("BEGIN IMMEDIATE");
+        QElapsedTimer clock;
+        clock.start();
+        m_queue->SetArguments(id, MakeArguments(3, 3, 1, 1));
+        m_queue->AnswerMissingTextures(id, false);
+        QCOMPARE(m_queue->Submit(Path("a.pov"_s)), SubmitQueue::Answer::Known);
+        QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+        other.exec("ROLLBACK");
+        StartQueue();
+        QCOMPARE(Task(id).error, SubmitError::TexturesMissing);
+        QCOMPARE(Task(id).arguments, MakeArguments(3, 3, 1, 1));
+    }
+
     void StopsAndWaitsForTheCheckOfArguments()
     {
         m_queue->SetArgumentsCheck([] { return true; });
-        QVERIFY(!m_queue->Submit(Path("none.ma"_s)));
-        QVERIFY(!m_queue->Submit(QStringLiteral(JOB_TYPES)));
+        QSignalSpy refused(m_queue.get(), &SubmitQueue::SceneRefused);
+        QCOMPARE(m_queue->Submit(Path("none.ma"_s)), SubmitQueue::Answer::Accepted);
+        QVERIFY(refused.wait(Patience) && m_queue->Ids().isEmpty());
+        QCOMPARE(m_queue->Submit(QStringLiteral(JOB_TYPES)), SubmitQueue::Answer::Refused);
         const QString id = Submit({{"a.b.ma"_s, "setAttr \".ef\" 3;"}});
+        QCOMPARE(m_queue->Submit(Path("./a.b.ma"_s)), SubmitQueue::Answer::Known);
         const QString other = Submit({{"b.pov"_s, "sphere{0,1}"}});
         QCOMPARE(m_queue->Ids(), QStringList({"a.b.1"_s, "b.2"_s}));
         m_queue->StopAll();
@@ -281,7 +314,7 @@ private slots:
         m_queue->SetAccess(access);
         QVERIFY(m_queue->Ids().isEmpty());
         m_queue->SetAccess(m_access);
-        QCOMPARE(m_queue->Ids(), QStringList {id});
+        QTRY_COMPARE_WITH_TIMEOUT(m_queue->Ids(), QStringList {id}, Patience);
         m_queue->Continue(id);
         QVERIFY(Await(id));
         m_queue->SetArguments(id, MakeArguments(7, 7, 1, 1)); // too late

@@ -66,6 +66,13 @@ SubmitTask WithNext(SubmitTask task, Stage next, bool isDone = false)
     return task;
 }
 
+SubmitTask Hashed(SubmitTask task)
+{
+    task.work.files = {{"p"_s, "/p"_s, "sum"_s, 0, false}};
+    task.work.packages = {{"sum"_s, 1, false, {}}};
+    return task;
+}
+
 /// Stage shown > stage to come, error, progress and flags; then what has changed of work, message|upload and refused files.
 QString Summary(const SubmitTask& task)
 {
@@ -73,6 +80,7 @@ QString Summary(const SubmitTask& task)
     QString summary
         = "%1>%2 %3 %4%"_s.arg(int(task.stage)).arg(int(task.next)).arg(int(task.error)).arg(task.progress);
     summary += QLatin1String(questions[int(QuestionOf(task))]) + QLatin1String(task.isDone ? " done" : "");
+    summary += QLatin1String(MustAskFirst(task) ? " asks" : "");
     summary += QLatin1String(task.goesOnWithout ? " without" : "");
     summary += QLatin1String(task.areArgumentsChecked ? " checked" : "");
     const QString text = task.message + QLatin1Char('|') + task.uploadText;
@@ -105,9 +113,8 @@ private slots:
 
         row("analysed", "1>2 0 100% new |", Done(In(Stage::Analyze)));
         row("nothing is missing", "4>5 0 100% new |", Done(In(Stage::CopySame), {}));
-        row("asks for missing files", "4>4 9 100% missing? new gone.png|", Done(In(Stage::CopySame)));
+        row("is asked about first", "3>4 0 100% asks new |", Done(In(Stage::Checksum)));
         row("goes on without them", "4>5 0 100% without new |", Done(In(Stage::CopySame, Error::None, true)));
-        row("stopped before the question", "4>4 7 50% new", Done(In(Stage::CopySame, Error::Stopped)));
         row("stopped, yet a stage further", "5>6 7 50% new", Done(In(Stage::Upload, Error::Stopped)));
         row("is a job in spite of a stop", "7>7 0 100% done Submitted as job 12.|",
             Done(In(Stage::Submit, Error::Stopped)));
@@ -125,28 +132,25 @@ private slots:
             OutcomeOf(In(Stage::Upload)));
 
         change("released", "0>5 0 0% |half -", In(Stage::Upload, Error::Stopped), Release);
-        change("uploads again", "0>5 0 0% |half -", In(Stage::Upload, Error::UploadRefused), Continue, true);
-        change("packs anew", "0>1 0 0% |half -", In(Stage::Upload, Error::UploadRefused), Continue, false);
-        change("looks again", "0>1 0 0% without |half -", In(Stage::CopySame, Error::AwaitsUser), Continue,
-            true);
+        change("uploads again", "0>4 0 0% asks |half -", In(Stage::Upload, Error::UploadRefused), Continue);
+        change("looks again", "0>1 0 0% without |half -", In(Stage::CopySame, Error::AwaitsUser), Continue);
         change("without after all", "0>1 0 0% without |half -", In(Stage::CopySame, Error::TexturesMissing),
-            Continue, true);
-        change("checked arguments", "0>7 0 0% checked |half -", In(Stage::Submit, Error::AwaitsUser),
-            Continue, true);
-        change("bad scene", "0>1 0 0% |half -", In(Stage::Analyze, Error::SceneUnusable), Continue, false);
+            Continue);
+        change(
+            "checked arguments", "0>7 0 0% checked |half -", In(Stage::Submit, Error::AwaitsUser), Continue);
+        change("bad scene", "0>1 0 0% |half -", In(Stage::Analyze, Error::SceneUnusable), Continue);
         change("halted", "5>5 7 50% now|", In(Stage::Upload), Halt, Error::Stopped, "now"_s);
         change("goes on in its stage", "5>5 0 50%", In(Stage::Upload), EnterNextStage);
         change("enters a stage", "7>7 0 0% |", WithNext(In(Stage::Upload), Stage::Submit), EnterNextStage);
 
-        change("restored with packages", "5>4 7 0%", In(Stage::Upload, Error::Stopped), Restore, true);
-        change("restored without", "5>1 7 0%", In(Stage::Upload, Error::Stopped), Restore, false);
-        change("restored if spoilt", "6>1 3 0% retry?", In(Stage::Uncompress, Error::UploadRefused), Restore,
-            true);
-        change(
-            "restored if refused", "5>4 3 0% retry?", In(Stage::Upload, Error::UploadRefused), Restore, true);
-        change("restored before its analysis", "0>1 0 0% - | -", SubmitTask(), Restore, true);
-        change("restored job", "0>1 0 100% done - | -", WithNext(SubmitTask(), Stage::Submit, true), Restore,
-            false);
+        change("restored", "5>4 7 0% asks", Hashed(In(Stage::Upload, Error::Stopped)), Restore);
+        change("restored unhashed", "5>1 7 0%", In(Stage::Upload, Error::Stopped), Restore);
+        change("restored if spoilt", "6>1 3 0% retry?", Hashed(In(Stage::Uncompress, Error::UploadRefused)),
+            Restore);
+        change("restored if refused", "5>4 3 0% retry? asks", Hashed(In(Stage::Upload, Error::UploadRefused)),
+            Restore);
+        change("restored before its analysis", "0>1 0 0% - | -", SubmitTask(), Restore);
+        change("restored job", "0>1 0 100% done - | -", WithNext(SubmitTask(), Stage::Submit, true), Restore);
     }
 
     void ChangesTheTask()

@@ -59,7 +59,7 @@ struct StageCase
 const StageCase StageCases[] = {
     {"no scene", Stage::Analyze, {}, "failed 1: The scene file cannot be read."},
     {"no source", Stage::Compress, {}, "failed 2 a wanted: *\n/a"},
-    {"no package", Stage::Checksum, {}, "failed 2 a wanted: *\n/a"},
+    {"no package", Stage::Checksum, {}, "failed 2 a wanted: *0000.zip*"},
 
     {"one known", Stage::CopySame, {Known("'" + FirstSum + "'")}, "done to upload b wanted",
         "POST /contents/known"},
@@ -116,8 +116,9 @@ QString Summary(const StageOutcome& outcome)
     text += outcome.kind == Kind::Failed ? " %1"_s.arg(int(outcome.error))
                                          : " to %1"_s.arg(QLatin1String(stages[int(outcome.next)]));
     for (const PackedFile& file : outcome.work.files) {
-        text += file.isWanted || file.isSent ? QString(" "_s + file.path) : QString();
-        text += QLatin1String(file.isWanted ? " wanted" : "") + QLatin1String(file.isSent ? " sent" : "");
+        const bool isSent = outcome.work.packages.value(file.package).isSent;
+        text += file.isWanted || isSent ? QString(" "_s + file.path) : QString();
+        text += QLatin1String(file.isWanted ? " wanted" : "") + QLatin1String(isSent ? " sent" : "");
     }
     for (const QString& file : outcome.refused)
         text += " refused: "_s + file;
@@ -145,10 +146,9 @@ class SubmitStagesTest : public QObject
     Q_OBJECT
 
 private:
-    static PackedFile File(const QString& path, const QByteArray& checksum, int packageSize)
+    static PackedFile File(const QString& path, const QByteArray& checksum, int package)
     {
-        const QString sum = QString::fromLatin1(checksum);
-        return {path, "/"_s + path, sum, sum, packageSize, false, false, "u"_s};
+        return {path, "/"_s + path, QString::fromLatin1(checksum), package, false};
     }
 
     StageRequest Request(Stage stage) const
@@ -156,8 +156,12 @@ private:
         StageRequest request;
         request.task.next = stage;
         request.task.scene = m_folder->filePath("a.pov"_s);
-        request.task.work.files = {File("a"_s, FirstSum, 10), File("b"_s, SecondSum, 3)};
+        const bool isPacked = stage != Stage::Compress;
+        request.task.work.files
+            = {File("a"_s, isPacked ? FirstSum : QByteArray(), 0), File("b"_s, SecondSum, 1)};
         request.task.work.files[0].isWanted = true;
+        const QString sum = stage == Stage::Checksum ? QString() : QString::fromLatin1(FirstSum);
+        request.task.work.packages = {{sum, 10, false, "u"_s}, {sum, 3, false, "u"_s}};
         request.access.apiRoot = FarmApiRoot(m_server->Url());
         request.access.token = "abc"_s;
         request.folder = m_folder->path();
@@ -177,6 +181,7 @@ private slots:
         m_folder = std::make_unique<QTemporaryDir>();
         m_server = std::make_unique<StandInServer>();
         QVERIFY(WriteFile(TaskPackages::Path(m_folder->path(), 0), "0123456789"));
+        QVERIFY(WriteFile(TaskPackages::Path(m_folder->path(), 1), "abc"));
     }
 
     void EndsAsTheFarmAnswers_data() { AddRows(StageCases); }
@@ -185,6 +190,8 @@ private slots:
     {
         const StageCase& row = Row(StageCases);
         m_server->SetReplies(row.replies);
+        if (row.stage == Stage::Checksum)
+            QVERIFY(QFile::remove(TaskPackages::Path(m_folder->path(), 0)));
         const StageOutcome outcome = m_worker.Run(Request(row.stage), Ignore);
         const QRegularExpression expected(
             QRegularExpression::wildcardToRegularExpression(QString::fromLatin1(row.outcome)));
@@ -229,31 +236,58 @@ private slots:
     void RefusesAPackageThatIsGoneAndSendsTheOthers()
     {
         m_server->SetReplies({Upload(0), Upload(0), Upload(3)});
-        QVERIFY(
-            QFile::rename(TaskPackages::Path(m_folder->path(), 0), TaskPackages::Path(m_folder->path(), 1)));
+        QVERIFY(QFile::remove(TaskPackages::Path(m_folder->path(), 0)));
         StageRequest request = Request(Stage::Upload);
         request.task.work.files[1].isWanted = true;
         QCOMPARE(Summary(m_worker.Run(request, Ignore)),
             "failed 3 a wanted b wanted sent refused: /a advanced: The packed file cannot be read from the disk."_s);
     }
 
-    void KnowsWhichPackagesAreWhole()
+    /// Whole packages are kept, in the folders of known tasks.
+    void PacksAgainWhatIsNotWhole()
     {
-        const QString folder = TaskPackages::Folder(m_folder->path(), 7);
-        SubmitWork work = Request(Stage::Upload).task.work;
-        QDir().mkpath(folder);
-        QVERIFY(WriteFile(TaskPackages::Path(folder, 0), "0123456789"));
-        QVERIFY(!TaskPackages::AreThere(folder, work) && !TaskPackages::AreThere(folder, {}));
-        for (const QByteArray content : {"abc", "abcd"}) {
-            QVERIFY(WriteFile(TaskPackages::Path(folder, 1), content));
-            QCOMPARE(TaskPackages::AreThere(folder, work), content == "abc");
+        for (const QByteArray content : {"0123456789", "012345678"}) {
+            m_server->SetReplies({Known("'" + SecondSum + "'")});
+            QVERIFY(WriteFile(TaskPackages::Path(m_folder->path(), 0), content));
+            QCOMPARE(Summary(m_worker.Run(Request(Stage::CopySame), Ignore)),
+                content.size() == 10 ? "done to upload a wanted"_s : "done to compress a wanted"_s);
         }
-        work.files[1] = File("b"_s, {}, 4);
-        QVERIFY(!TaskPackages::AreThere(folder, work));
+        const QString folder = TaskPackages::Folder(m_folder->path(), 7);
+        QDir().mkpath(folder);
         TaskPackages::Sweep(m_folder->path(), {1, 7});
         QVERIFY(QFile::exists(folder));
         TaskPackages::Sweep(m_folder->path(), {1});
         QVERIFY(!QFile::exists(folder));
+    }
+
+    void PacksOnlyWhatIsNewOrWanted()
+    {
+        SubmitWorker worker(m_folder->filePath("submissions.sqlite"_s));
+        PackedFile file {"a"_s, m_folder->filePath("a.txt"_s), {}, -1, false};
+        const auto write = [&file](const QByteArray& content, int age) {
+            QFile text(file.source);
+            text.open(QIODevice::WriteOnly);
+            text.write(content);
+            text.flush();
+            text.setFileTime(QDateTime::currentDateTime().addSecs(-age), QFileDevice::FileModificationTime);
+        };
+        const auto pack = [&](const QString& checksum = {}) {
+            StageRequest request = Request(Stage::Compress);
+            file.checksum = checksum;
+            file.isWanted = !checksum.isEmpty();
+            request.task.work.files = {file};
+            request.task.work.packages.clear();
+            const StageOutcome outcome = worker.Run(request, Ignore);
+            return "%1 to %2"_s.arg(outcome.work.files.value(0).package).arg(int(outcome.next));
+        };
+        write("one", 60);
+        QCOMPARE(pack(), "0 to 3"_s);
+        QCOMPARE(pack(), "-1 to 3"_s);
+        QCOMPARE(pack("of another content"_s), "0 to 1"_s);
+        write("two", 60);
+        QCOMPARE(pack(), "0 to 3"_s);
+        write("now", 0);
+        QCOMPARE(pack() + pack(), "0 to 30 to 3"_s); // another change might leave the time as it is
     }
 
     void FitsIntoOneRequest()

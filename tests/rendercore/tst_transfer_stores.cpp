@@ -1,8 +1,10 @@
 // The data that a killed client finds at its next start.
 #include "host/rendercore/download/download_paths.h"
 #include "host/rendercore/download/download_store.h"
+#include "host/rendercore/file_hashing.h"
 #include "host/rendercore/submit/submit_arguments.h"
-#include "host/rendercore/submit/submit_store.h"
+#include "host/rendercore/submit/submit_records.h"
+#include "host/rendercore/submit/submit_schema.h"
 #include "tests/support/disk_calls.h"
 #include "tests/support/test_files.h"
 #include "tests/support/test_tables.h"
@@ -36,8 +38,9 @@ QStringList Stored(const SubmitTask& task)
         values.append(QString::number(number));
     values.append(QString::fromUtf8(QJsonDocument(QJsonArray::fromVariantList(task.arguments)).toJson()));
     for (const PackedFile& file : task.work.files)
-        values += {
-            file.path, file.source, file.checksum, file.packageChecksum, QString::number(file.packageSize)};
+        values += {file.path, file.source, file.checksum, QString::number(file.package)};
+    for (const Package& package : task.work.packages)
+        values += {package.checksum, QString::number(package.size)};
     return values + task.refused + task.work.missing;
 }
 
@@ -101,7 +104,8 @@ private slots:
         task.message = "why"_s;
         task.arguments = MakeArguments(1, 9, 640, 480);
         task.refused = QStringList {"/a"_s};
-        task.work = {"p"_s, {{"p"_s, "s"_s, "c"_s, "d"_s, 1LL << 40, false, false, {}}}, {"m"_s}, 32, 16};
+        task.work
+            = {"p"_s, {{"p"_s, "s"_s, "c"_s, 0, false}}, {{"d"_s, 1LL << 40, false, {}}}, {"m"_s}, 32, 16};
         for (const bool isEven : {true, false}) {
             task.isDone = task.areArgumentsChecked = isEven;
             task.goesOnWithout = task.areArgumentsEdited = !isEven;
@@ -112,6 +116,42 @@ private slots:
             QVERIFY(TakeDiskCalls().contains("sync submissions.sqlite-wal"_s));
             QCOMPARE(Stored(Submissions().Load(Ann).value(0)), Stored(task));
         }
+    }
+
+    void ChangesThatCannotBeWrittenAreKept()
+    {
+        QString error;
+        storage::Database database(Path("submissions.sqlite"_s), SubmitSchema());
+        const auto run = [&database](const char* sql) {
+            database.Write([sql](SQLite::Database& connection) { connection.exec(sql); });
+        };
+        {
+            WriteFile(Path("a.pov"_s), {});
+            SubmitRecords records(m_folder->path());
+            SubmitTask task = records.Add(Ann, Path("a.pov"_s), &error).value();
+            const SubmitTask gone = records.Add(Ann, Path("a.pov"_s), &error).value();
+            QVERIFY(!records.Add(Ann, Path("b.pov"_s), &error) && !error.isEmpty());
+            run("ALTER TABLE tasks RENAME TO away");
+            task.error = SubmitError::GivenUp;
+            records.Save({task}, false);
+            records.Remove({gone.number});
+            QVERIFY(!records.Load(Ann));
+            run("ALTER TABLE away RENAME TO tasks");
+        }
+        QCOMPARE(Submissions().Load(Ann).size(), 1);
+        QCOMPARE(Submissions().Load(Ann).at(0).error, SubmitError::GivenUp);
+    }
+
+    void HashesFilesWhileTransfersGoOn()
+    {
+        QFile part(Path("part"_s));
+        QVERIFY(part.open(QIODevice::ReadWrite) && part.resize(50'000'000));
+        FileHashing hashing(&part);
+        QSignalSpy finished(&hashing, &FileHashing::Finished);
+        bool hasTurned = false;
+        QTimer::singleShot(0, this, [&] { hasTurned = finished.isEmpty(); });
+        QVERIFY(finished.wait(Patience) && hasTurned && hashing.IsComplete());
+        QCOMPARE(hashing.Checksum(), storage::FileChecksum(part.fileName()));
     }
 
     void EachOwnerHasTasksOfTheirOwn()

@@ -6,8 +6,7 @@
 #include "host/rendercore/submit/task_packages.h"
 
 #include <QFile>
-#include <QJsonArray>
-#include <QSet>
+#include <QHash>
 
 #include <algorithm>
 
@@ -83,24 +82,36 @@ void FarmStages::CopySame()
         (*m_onProgress)(
             std::min(from + FarmNumbers::MostChecksums, checksums.size()) * 100 / checksums.size(), {});
     }
+    Conclude(MarkWanted(wanted) ? SubmitStage::Upload : SubmitStage::Compress);
+}
+
+/// @return whether all wanted files are packed; one that was known by its checksum alone may not be.
+bool FarmStages::MarkWanted(QSet<QString> wanted)
+{
+    bool areAllPacked = true;
     for (PackedFile& file : m_outcome.work.files) {
         file.isWanted = wanted.remove(file.checksum);
-        file.isSent = false;
+        if (file.isWanted && !TaskPackages::Holds(m_request->folder, m_outcome.work, file)) {
+            file.package = -1;
+            areAllPacked = false;
+        }
     }
-    Conclude(SubmitStage::Upload);
+    for (Package& package : m_outcome.work.packages)
+        package.isSent = false;
+    return areAllPacked;
 }
 
 void FarmStages::UploadAll()
 {
+    const QVector<int> wanted = m_outcome.work.WantedPackages();
     qint64 total = 0;
-    for (const PackedFile& file : qAsConst(m_outcome.work.files))
-        total += file.isWanted ? file.packageSize : 0;
+    for (const int index : wanted)
+        total += m_outcome.work.packages.at(index).size;
     TransferMeter meter(total);
-    for (int index = 0; index < m_outcome.work.files.size(); ++index) {
-        PackedFile& file = m_outcome.work.files[index];
-        if (file.isWanted && file.isSent)
-            meter.Skip(file.packageSize);
-        else if (file.isWanted && !SendPackage(file, TaskPackages::Path(m_request->folder, index), meter))
+    for (const int index : wanted) {
+        if (m_outcome.work.packages.at(index).isSent)
+            meter.Skip(m_outcome.work.packages.at(index).size);
+        else if (!SendPackage(index, meter))
             return;
         (*m_onProgress)(meter.Percent(), meter.Text());
     }
@@ -108,46 +119,48 @@ void FarmStages::UploadAll()
 }
 
 /// @return whether the stage may continue, as it does even after a refused package.
-bool FarmStages::SendPackage(PackedFile& file, const QString& package, TransferMeter& meter)
+bool FarmStages::SendPackage(int index, TransferMeter& meter)
 {
-    const auto result = m_farm.Post("/uploads",
-        {{QStringLiteral("checksum"), file.packageChecksum}, {QStringLiteral("size"), file.packageSize}});
+    Package& package = m_outcome.work.packages[index];
+    const auto result = m_farm.Post(
+        "/uploads", {{QStringLiteral("checksum"), package.checksum}, {QStringLiteral("size"), package.size}});
     if (!CheckPassing(result))
         return false;
     Upload upload;
-    if (!ReadUpload(*result, file, upload))
+    if (!ReadUpload(*result, index, upload))
         return true;
-    file.upload = QString::fromUtf8(upload.id);
+    package.upload = QString::fromUtf8(upload.id);
     meter.Skip(upload.offset);
-    return SendChunks(file, package, upload, meter);
+    return SendChunks(index, upload, meter);
 }
 
 /// @return whether the stage may continue, as for SendPackage().
-bool FarmStages::SendChunks(PackedFile& file, const QString& package, Upload& upload, TransferMeter& meter)
+bool FarmStages::SendChunks(int index, Upload& upload, TransferMeter& meter)
 {
-    QFile content(package);
+    Package& package = m_outcome.work.packages[index];
+    QFile content(TaskPackages::Path(m_request->folder, index));
     content.open(QIODevice::ReadOnly);
-    for (int stalls = 0; upload.offset < file.packageSize;) {
+    for (int stalls = 0; upload.offset < package.size;) {
         const QByteArray chunk = content.seek(upload.offset) ? content.read(upload.chunkSize) : QByteArray();
         if (chunk.isEmpty()) {
-            Refuse(file, QString::fromLatin1(SubmitText::PackageUnreadable));
+            Refuse(index, QString::fromLatin1(SubmitText::PackageUnreadable));
             return true;
         }
         const auto result = SendChunk(upload, chunk, meter);
         if (!CheckPassing(result))
             return false;
         const qint64 before = upload.offset;
-        if (!ReadUpload(*result, file, upload))
+        if (!ReadUpload(*result, index, upload))
             return true;
         if (upload.offset > before) {
             meter.Add(upload.offset - before);
             m_outcome.advanced = true;
         } else if (++stalls == MostStalls) {
-            Refuse(file, QString::fromLatin1(SubmitText::NotStored));
+            Refuse(index, QString::fromLatin1(SubmitText::NotStored));
             return true;
         }
     }
-    file.isSent = true;
+    package.isSent = true;
     return true;
 }
 
@@ -176,43 +189,47 @@ std::optional<HttpResult> FarmStages::SendChunk(
 
 void FarmStages::UncompressAll()
 {
-    const auto wanted = std::count_if(m_outcome.work.files.cbegin(), m_outcome.work.files.cend(),
-        [](const PackedFile& file) { return file.isWanted; });
-    qint64 done = 0;
-    for (PackedFile& file : m_outcome.work.files) {
-        if (!file.isWanted)
-            continue;
-        if (!Uncompress(file))
+    const QVector<int> wanted = m_outcome.work.WantedPackages();
+    int done = 0;
+    for (const int index : wanted) {
+        if (!Uncompress(index))
             return;
-        (*m_onProgress)(static_cast<int>(++done * 100 / wanted), {});
+        (*m_onProgress)(++done * 100 / wanted.size(), {});
     }
     Conclude(SubmitStage::Submit);
 }
 
-bool FarmStages::Uncompress(PackedFile& file)
+bool FarmStages::Uncompress(int index)
 {
-    const auto result = m_farm.Post(UploadTarget(file.upload.toUtf8()) + "/unpack", {}, UnpackTime);
+    Package& package = m_outcome.work.packages[index];
+    const auto result = m_farm.Post(UploadTarget(package.upload.toUtf8()) + "/unpack", {}, UnpackTime);
     if (IsStatus(result, HttpStatus::NotFound) || IsStatus(result, HttpStatus::Conflict)) {
-        file.isSent = false;
+        package.isSent = false;
         Repeat(SubmitStage::Upload, QString::fromLatin1(SubmitText::Busy));
         return false;
     }
     if (!CheckPassing(result))
         return false;
-    if (result->status != HttpStatus::Ok) {
-        Refuse(file, result->error);
-        return true;
-    }
-    const QJsonArray files = DataOf(*result).value(QLatin1String("files")).toArray();
-    const bool isOurs = std::any_of(files.begin(), files.end(), [&file](const QJsonValue& value) {
-        return value[QLatin1String("path")].toString() == file.path
-            && value[QLatin1String("checksum")].toString() == file.checksum;
-    });
-    if (!isOurs)
-        Refuse(file, QString::fromLatin1(SubmitText::ArrivedDamaged));
-    file.isWanted = !isOurs;
-    m_outcome.advanced = m_outcome.advanced || isOurs;
+    if (result->status == HttpStatus::Ok)
+        TakeUnpacked(index, DataOf(*result).value(QLatin1String("files")).toArray());
+    else
+        Refuse(index, result->error);
     return true;
+}
+
+/// Compares what the farm has unpacked with what was packed.
+void FarmStages::TakeUnpacked(int index, const QJsonArray& unpacked)
+{
+    QHash<QString, QString> checksums; // by path
+    for (const QJsonValue& file : unpacked)
+        checksums.insert(file[QLatin1String("path")].toString(), file[QLatin1String("checksum")].toString());
+    for (PackedFile& file : m_outcome.work.files) {
+        if (file.isWanted && file.package == index && checksums.value(file.path) == file.checksum) {
+            file.isWanted = false;
+            m_outcome.advanced = true;
+        }
+    }
+    Refuse(index, QString::fromLatin1(SubmitText::ArrivedDamaged));
 }
 
 void FarmStages::Submit()
@@ -228,20 +245,20 @@ void FarmStages::Submit()
     Conclude(SubmitStage::Submit);
 }
 
-/// Reads the farm's state of a package. Marks the file as refused when the farm refuses it or the answer is invalid.
-bool FarmStages::ReadUpload(const HttpResult& result, const PackedFile& file, Upload& upload)
+/// Reads the farm's state of a package, which is refused when the farm refuses it or the answer is invalid.
+bool FarmStages::ReadUpload(const HttpResult& result, int index, Upload& upload)
 {
+    const qint64 size = m_outcome.work.packages.at(index).size;
     const QJsonObject data = DataOf(result);
     upload.id = data.value(QLatin1String("id")).toString().toUtf8();
     upload.offset = BytesOf(data.value(QLatin1String("offset")));
     upload.chunkSize = std::min(BytesOf(data.value(QLatin1String("chunkSize"))), FarmNumbers::LargestChunk);
     if (data.value(QLatin1String("unpacked")).toBool())
-        upload.offset = file.packageSize;
+        upload.offset = size;
     if (result.status != HttpStatus::Ok)
-        Refuse(file, result.error);
-    else if (upload.id.isEmpty() || upload.offset < 0 || upload.offset > file.packageSize
-        || upload.chunkSize < 1)
-        Refuse(file, QString::fromLatin1(SubmitText::AnswerUnreadable));
+        Refuse(index, result.error);
+    else if (upload.id.isEmpty() || upload.offset < 0 || upload.offset > size || upload.chunkSize < 1)
+        Refuse(index, QString::fromLatin1(SubmitText::AnswerUnreadable));
     else
         return true;
     return false;
@@ -280,11 +297,16 @@ bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
     return false;
 }
 
-void FarmStages::Refuse(const PackedFile& file, const QString& reason)
+/// Adds the wanted files of a package to the refused ones.
+void FarmStages::Refuse(int index, const QString& reason)
 {
-    if (m_outcome.refused.isEmpty())
-        m_outcome.message = reason;
-    m_outcome.refused.append(file.source);
+    for (const PackedFile& file : qAsConst(m_outcome.work.files)) {
+        if (!file.isWanted || file.package != index)
+            continue;
+        if (m_outcome.refused.isEmpty())
+            m_outcome.message = reason;
+        m_outcome.refused.append(file.source);
+    }
 }
 
 void FarmStages::Conclude(SubmitStage next)

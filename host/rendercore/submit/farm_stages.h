@@ -4,6 +4,9 @@
 #include "host/rendercore/submit/stage_outcome.h"
 #include "host/rendercore/submit/transfer_meter.h"
 
+#include <QJsonArray>
+#include <QSet>
+
 /// The stages that need the farm. Belongs to the thread that creates it.
 class FarmStages
 {
@@ -24,18 +27,20 @@ private:
     };
 
     void CopySame();
+    bool MarkWanted(QSet<QString> wanted);
     void UploadAll();
-    bool SendPackage(PackedFile& file, const QString& package, TransferMeter& meter);
-    bool SendChunks(PackedFile& file, const QString& package, Upload& upload, TransferMeter& meter);
+    bool SendPackage(int index, TransferMeter& meter);
+    bool SendChunks(int index, Upload& upload, TransferMeter& meter);
     std::optional<HttpResult> SendChunk(const Upload& upload, const QByteArray& chunk, TransferMeter& meter);
     void UncompressAll();
-    bool Uncompress(PackedFile& file);
+    bool Uncompress(int index);
+    void TakeUnpacked(int index, const QJsonArray& unpacked);
     void Submit();
 
-    bool ReadUpload(const HttpResult& result, const PackedFile& file, Upload& upload);
+    bool ReadUpload(const HttpResult& result, int index, Upload& upload);
     bool Check(const std::optional<HttpResult>& result);
     bool CheckPassing(const std::optional<HttpResult>& result);
-    void Refuse(const PackedFile& file, const QString& reason);
+    void Refuse(int index, const QString& reason);
     void Conclude(SubmitStage next);
     void Repeat(SubmitStage next, const QString& message);
 

@@ -1,5 +1,6 @@
 #include "host/rendercore/submit/local_stages.h"
 
+#include "host/rendercore/submit/checksum_cache.h"
 #include "host/rendercore/submit/job_body.h"
 #include "host/rendercore/submit/scene_analysis.h"
 #include "host/rendercore/submit/scene_package.h"
@@ -12,6 +13,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <numeric>
 #include <stdexcept>
 
 namespace {
@@ -42,12 +44,44 @@ private:
     qint64 m_done = 0;
 };
 
-qint64 SizeOfSources(const SubmitWork& work)
+// Small files share packages, since each package costs several requests. A large file has one of its own, so that the
+// others need not be sent again when it is refused.
+constexpr qint64 LargeFile = 1024LL * 1024; // bytes
+constexpr qint64 SharedBytes = 16 * LargeFile;
+constexpr int SharedFiles = 1000;
+
+/// Files that go into one package.
+struct Group
 {
-    qint64 size = 0;
-    for (const PackedFile& file : work.files)
-        size += QFileInfo(file.source).size();
-    return size;
+    QVector<int> files;
+    qint64 size = 0; // bytes
+};
+
+bool MustPack(const PackedFile& file)
+{
+    return file.checksum.isEmpty() || (file.isWanted && file.package < 0);
+}
+
+QVector<Group> GroupsToPack(const SubmitWork& work)
+{
+    QVector<Group> groups;
+    int shared = -1; // the group that takes small files
+    for (int index = 0; index < work.files.size(); ++index) {
+        if (!MustPack(work.files.at(index)))
+            continue;
+        const qint64 size = QFileInfo(work.files.at(index).source).size();
+        const bool isLarge = size >= LargeFile;
+        const bool fits = shared >= 0 && groups.at(shared).size + size <= SharedBytes
+            && groups.at(shared).files.size() < SharedFiles;
+        if (isLarge || !fits)
+            groups.append(Group());
+        if (!isLarge && !fits)
+            shared = groups.size() - 1;
+        Group& group = isLarge ? groups.last() : groups[shared];
+        group.files.append(index);
+        group.size += size;
+    }
+    return groups;
 }
 
 StageOutcome Done(const StageRequest& request, SubmitStage next, const SubmitWork& work)
@@ -70,16 +104,76 @@ StageOutcome Unusable(const QString& reason)
     return outcome;
 }
 
-/// Adds the file's name to any failure of `work`.
-template <typename Work>
-auto Naming(const PackedFile& file, Work work)
+qint64 SizeOfNewPackages(const StageRequest& request)
 {
-    try {
-        return work();
-    } catch (const std::exception& failure) {
-        throw std::runtime_error(std::string(failure.what()) + '\n' + file.source.toStdString());
+    qint64 size = 0;
+    for (int index = 0; index < request.task.work.packages.size(); ++index) {
+        if (request.task.work.packages.at(index).checksum.isEmpty())
+            size += QFileInfo(TaskPackages::Path(request.folder, index)).size();
     }
+    return size;
 }
+
+/// Turns files into checksums and packages.
+class Packing
+{
+public:
+    Packing(const StageRequest& request, ChecksumCache& cache)
+        : work(request.task.work)
+        , m_request(request)
+        , m_cache(cache)
+    {
+    }
+
+    /// Takes the checksums of unchanged files from the cache.
+    void FindKnown()
+    {
+        for (PackedFile& file : work.files) {
+            if (!file.checksum.isEmpty() || *m_request.interrupted)
+                continue;
+            const FileStamp stamp = FileStamp::Of(file.source);
+            file.checksum = m_cache.Find(stamp);
+            if (!file.checksum.isEmpty())
+                m_read.append({stamp, file.checksum});
+        }
+    }
+
+    /// @return false when the stage should end early.
+    bool Pack(const QVector<int>& files, ByteCount& count)
+    {
+        QVector<PackageEntry> entries;
+        QVector<FileStamp> stamps;
+        for (const int index : files) {
+            const PackedFile& file = work.files.at(index);
+            entries.append({file.source, file.path, {}});
+            stamps.append(FileStamp::Of(file.source));
+        }
+        const QString archive = TaskPackages::Path(m_request.folder, work.packages.size());
+        if (!PackFiles(entries, archive, [&count](qint64 bytes) { return count.Add(bytes); }))
+            return false;
+        for (int index = 0; index < files.size(); ++index) {
+            PackedFile& file = work.files[files.at(index)];
+            const QString checksum = entries.at(index).checksum;
+            hasOtherContent = hasOtherContent || (!file.checksum.isEmpty() && file.checksum != checksum);
+            file.checksum = checksum;
+            file.package = work.packages.size();
+            if (stamps.at(index) == FileStamp::Of(file.source))
+                m_read.append({stamps.at(index), checksum});
+        }
+        work.packages.append(Package());
+        return true;
+    }
+
+    void Record() { m_cache.Record(m_read); }
+
+    SubmitWork work;
+    bool hasOtherContent = false; ///< a file has changed since the scene was analysed
+
+private:
+    const StageRequest& m_request;
+    ChecksumCache& m_cache;
+    QVector<ChecksumCache::Entry> m_read;
+};
 
 } // namespace
 
@@ -97,6 +191,8 @@ StageOutcome AnalyzeStage(const StageRequest& request, const StageProgress& onPr
     SubmitWork work;
     work.scene = analysis.scene;
     work.missing = analysis.missing;
+    for (const QString& file : analysis.outside)
+        work.missing.append(file + QLatin1String(SubmitText::Outside));
     work.width = analysis.width;
     work.height = analysis.height;
     for (const SceneFile& file : analysis.files) {
@@ -113,38 +209,37 @@ StageOutcome AnalyzeStage(const StageRequest& request, const StageProgress& onPr
     return outcome;
 }
 
-StageOutcome CompressStage(const StageRequest& request, const StageProgress& onProgress)
+StageOutcome CompressStage(const StageRequest& request, const StageProgress& onProgress, ChecksumCache& cache)
 {
-    const SubmitWork& work = request.task.work;
     if (!QDir().mkpath(request.folder))
         throw std::runtime_error(SubmitText::NoPackageFolder);
-    ByteCount count(request, onProgress, SizeOfSources(work));
-    for (int index = 0; index < work.files.size() && !*request.interrupted; ++index) {
-        const PackedFile& file = work.files.at(index);
-        const bool isPacked = Naming(file, [&] {
-            return PackFile(file.source, file.path, TaskPackages::Path(request.folder, index),
-                [&count](qint64 bytes) { return count.Add(bytes); });
-        });
-        if (!isPacked)
-            break;
+    Packing packing(request, cache);
+    packing.FindKnown();
+    const QVector<Group> groups = GroupsToPack(packing.work);
+    ByteCount count(request, onProgress,
+        std::accumulate(groups.cbegin(), groups.cend(), qint64(0),
+            [](qint64 sum, const Group& group) { return sum + group.size; }));
+    for (const Group& group : groups) {
+        if (!packing.Pack(group.files, count))
+            return {};
     }
-    return Done(request, SubmitStage::Checksum, work);
+    packing.Record();
+    return Done(
+        request, packing.hasOtherContent ? SubmitStage::Analyze : SubmitStage::Checksum, packing.work);
 }
 
 StageOutcome ChecksumStage(const StageRequest& request, const StageProgress& onProgress)
 {
     SubmitWork work = request.task.work;
-    ByteCount count(request, onProgress, SizeOfSources(work));
-    for (int index = 0; index < work.files.size() && !*request.interrupted; ++index) {
-        PackedFile& file = work.files[index];
-        const QString package = TaskPackages::Path(request.folder, index);
-        // Hash the packed content: the source may have changed since.
-        Naming(file, [&] {
-            file.checksum = PackedChecksum(package, [&count](qint64 bytes) { return count.Add(bytes); });
-            file.packageChecksum
-                = storage::FileChecksum(package, [&request](qint64) { return !*request.interrupted; });
-        });
-        file.packageSize = QFileInfo(package).size();
+    ByteCount count(request, onProgress, SizeOfNewPackages(request));
+    for (int index = 0; index < work.packages.size() && !*request.interrupted; ++index) {
+        Package& package = work.packages[index];
+        if (!package.checksum.isEmpty())
+            continue;
+        const QString archive = TaskPackages::Path(request.folder, index);
+        package.checksum
+            = storage::FileChecksum(archive, [&count](qint64 bytes) { return count.Add(bytes); });
+        package.size = QFileInfo(archive).size();
     }
     return Done(request, SubmitStage::CopySame, work);
 }

@@ -1,33 +1,52 @@
 #include "host/rendercore/submit/scene_package.h"
 
-#include <QCryptographicHash>
+#include "storage/checksum.h"
+
 #include <QFile>
 #include <QFileInfo>
 
 #include <zip.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <deque>
 #include <memory>
 #include <stdexcept>
 
 namespace {
 
-constexpr int BlockBytes = 1024 * 1024;
+using OnBytes = std::function<bool(qint64)>;
 
-// The farm rejects large files that grow more than a hundredfold when unpacked, so these are stored uncompressed.
-constexpr qint64 SmallFile = 64LL * 1024 * 1024; // bytes
+// The farm rejects large packages that grow more than two hundredfold when unpacked, so their files are stored.
+constexpr qint64 SmallPackage = 64LL * 1024 * 1024; // bytes
 constexpr qint64 LargestRatio = 100;
 
-// A fixed date, 1 January 2000, because archives of the same file must not differ.
+// The highest level takes three times as long and saves a tenth.
+constexpr int FastestLevel = 1;
+
+// Whether a file shrinks is tried on samples: pictures and archives usually do not.
+constexpr qint64 SampleBytes = 64LL * 1024;
+constexpr int Samples = 3;
+constexpr double WorthwhileRatio = 0.95;
+
+// A fixed date, 1 January 2000, because archives of the same files must not differ.
 constexpr zip_uint16_t DosDate = ((2000 - 1980) << 9) | (1 << 5) | 1;
 
 /// A file that libzip reads.
 struct Input
 {
+    Input(const PackageEntry& entry, const OnBytes& whenRead)
+        : file(entry.source)
+        , onBytes(whenRead)
+    {
+    }
+
     QFile file;
-    const std::function<bool(qint64)>& onBytes;
-    bool ended = false;
+    const OnBytes& onBytes;
+    storage::Sha256 hash;
+    bool hasEnded = false;
+    bool hasFailed = false;
 };
 
 zip_int64_t Describe(const Input& input, void* data)
@@ -39,12 +58,22 @@ zip_int64_t Describe(const Input& input, void* data)
     return sizeof(*stat);
 }
 
+zip_int64_t Open(Input& input)
+{
+    input.hash.Reset();
+    input.hasFailed = !input.file.open(QIODevice::ReadOnly);
+    return input.hasFailed ? -1 : 0;
+}
+
 zip_int64_t Read(Input& input, void* data, zip_uint64_t length)
 {
     const qint64 got = input.file.read(static_cast<char*>(data), static_cast<qint64>(length));
-    if (got > 0 && !input.onBytes(got))
-        input.ended = true;
-    return input.ended ? -1 : got;
+    input.hasFailed = got < 0;
+    if (got > 0) {
+        input.hash.Add(static_cast<const char*>(data), got);
+        input.hasEnded = !input.onBytes(got);
+    }
+    return input.hasEnded ? -1 : got;
 }
 
 /// The callback of a libzip source that is read once, from its beginning to its end.
@@ -53,7 +82,7 @@ zip_int64_t Serve(void* state, void* data, zip_uint64_t length, zip_source_cmd_t
     auto& input = *static_cast<Input*>(state);
     switch (command) {
     case ZIP_SOURCE_OPEN:
-        return input.file.open(QIODevice::ReadOnly) ? 0 : -1;
+        return Open(input);
     case ZIP_SOURCE_READ:
         return Read(input, data, length);
     case ZIP_SOURCE_CLOSE:
@@ -62,7 +91,7 @@ zip_int64_t Serve(void* state, void* data, zip_uint64_t length, zip_source_cmd_t
     case ZIP_SOURCE_STAT:
         return Describe(input, data);
     case ZIP_SOURCE_ERROR: {
-        const int codes[2] = {input.ended ? ZIP_ER_CANCELLED : ZIP_ER_READ, errno};
+        const int codes[2] = {input.hasEnded ? ZIP_ER_CANCELLED : ZIP_ER_READ, errno};
         std::memcpy(data, codes, sizeof(codes));
         return sizeof(codes);
     }
@@ -81,86 +110,100 @@ struct Discard
 };
 using Archive = std::unique_ptr<zip_t, Discard>;
 
-struct CloseFile
+[[noreturn]] void Fail(const char* sentence, zip_t* archive, const QString& file)
 {
-    void operator()(zip_file_t* file) const { zip_fclose(file); }
-};
-
-[[noreturn]] void Fail(const char* sentence, zip_t* archive)
-{
-    throw std::runtime_error(std::string(sentence) + ": " + zip_strerror(archive));
+    throw std::runtime_error(
+        std::string(sentence) + ": " + zip_strerror(archive) + '\n' + file.toStdString());
 }
 
-Archive Open(const QString& path, int flags)
+Archive Create(const QString& path)
 {
     int code = 0;
-    Archive archive(zip_open(QFile::encodeName(path).constData(), flags, &code));
+    Archive archive(zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &code));
     if (archive)
         return archive;
     zip_error_t error;
     zip_error_init_with_code(&error, code);
     const std::string reason = zip_error_strerror(&error);
     zip_error_fini(&error);
-    throw std::runtime_error("A package cannot be opened: " + reason);
+    throw std::runtime_error("A package cannot be written: " + reason);
 }
 
-bool Pack(const QString& source, const QString& path, const QString& target, zip_int32_t method,
-    const std::function<bool(qint64)>& onBytes)
+/// Compresses samples of the file. A file that cannot be read is left to the packing, which reports it.
+bool Shrinks(const QString& source)
 {
-    Input input {QFile(source), onBytes}; // must outlive the archive, which reads it
-    Archive archive = Open(target, ZIP_CREATE | ZIP_TRUNCATE);
-    zip_source_t* content = zip_source_function(archive.get(), Serve, &input);
+    QFile file(source);
+    if (!file.open(QIODevice::ReadOnly))
+        return true;
+    const qint64 last = std::max<qint64>(0, file.size() - SampleBytes);
+    const int samples = last > SampleBytes ? Samples : 1;
+    int before = 0;
+    int after = 0;
+    for (int sample = 0; sample < samples; ++sample) {
+        file.seek(samples > 1 ? last * sample / (samples - 1) : 0);
+        const QByteArray bytes = file.read(SampleBytes);
+        before += bytes.size();
+        after += qCompress(bytes, FastestLevel).size();
+    }
+    return after < before * WorthwhileRatio;
+}
+
+void Add(zip_t* archive, const PackageEntry& entry, Input& input, bool mayCompress)
+{
+    zip_source_t* content = zip_source_function(archive, Serve, &input);
     if (!content)
-        Fail("A file cannot be read", archive.get());
+        Fail("A file cannot be read", archive, entry.source);
     const zip_int64_t index
-        = zip_file_add(archive.get(), path.toUtf8().constData(), content, ZIP_FL_ENC_UTF_8);
+        = zip_file_add(archive, entry.path.toUtf8().constData(), content, ZIP_FL_ENC_UTF_8);
     if (index < 0) {
         zip_source_free(content);
-        Fail("A file cannot be packed", archive.get());
+        Fail("A file cannot be packed", archive, entry.source);
     }
-    const auto entry = static_cast<zip_uint64_t>(index);
-    if (zip_set_file_compression(archive.get(), entry, method, 0) < 0
-        || zip_file_set_dostime(archive.get(), entry, 0, DosDate, 0) < 0)
-        Fail("A file cannot be packed", archive.get());
-    if (zip_close(archive.get()) < 0) {
-        if (input.ended)
+    const auto number = static_cast<zip_uint64_t>(index);
+    const auto method = mayCompress && Shrinks(entry.source) ? ZIP_CM_DEFLATE : ZIP_CM_STORE;
+    if (zip_set_file_compression(archive, number, method, FastestLevel) < 0
+        || zip_file_set_dostime(archive, number, 0, DosDate, 0) < 0)
+        Fail("A file cannot be packed", archive, entry.source);
+}
+
+bool Pack(QVector<PackageEntry>& entries, const QString& target, bool mayCompress, const OnBytes& onBytes)
+{
+    std::deque<Input> inputs; // must outlive the archive, which reads them
+    Archive archive = Create(target);
+    for (const PackageEntry& entry : qAsConst(entries)) {
+        Add(archive.get(), entry, inputs.emplace_back(entry, onBytes), mayCompress);
+        if (!onBytes(0))
             return false;
-        Fail("A file cannot be packed", archive.get());
+    }
+    if (zip_close(archive.get()) < 0) {
+        for (const Input& input : inputs) {
+            if (input.hasEnded)
+                return false;
+            if (input.hasFailed)
+                Fail("A file cannot be read", archive.get(), input.file.fileName());
+        }
+        Fail("A file cannot be packed", archive.get(), entries.constFirst().source);
     }
     // A successful zip_close() has freed the archive.
     (void)archive.release();
+    std::transform(inputs.cbegin(), inputs.cend(), entries.cbegin(), entries.begin(),
+        [](const Input& input, PackageEntry entry) {
+            entry.checksum = input.hash.Result();
+            return entry;
+        });
     return true;
 }
 
 } // namespace
 
-bool PackFile(const QString& source, const QString& path, const QString& archive,
-    const std::function<bool(qint64)>& onBytes)
+bool PackFiles(QVector<PackageEntry>& entries, const QString& archive, const OnBytes& onBytes)
 {
-    if (!Pack(source, path, archive, ZIP_CM_DEFLATE, onBytes))
+    qint64 size = 0;
+    for (const PackageEntry& entry : qAsConst(entries))
+        size += QFileInfo(entry.source).size();
+    if (!Pack(entries, archive, true, onBytes))
         return false;
-    const qint64 size = QFileInfo(source).size();
-    if (size < SmallFile || QFileInfo(archive).size() * LargestRatio > size)
+    if (size < SmallPackage || QFileInfo(archive).size() * LargestRatio > size)
         return true;
-    return Pack(source, path, archive, ZIP_CM_STORE, [&onBytes](qint64) { return onBytes(0); });
-}
-
-QString PackedChecksum(const QString& archive, const std::function<bool(qint64)>& onBytes)
-{
-    const Archive opened = Open(archive, ZIP_RDONLY);
-    const std::unique_ptr<zip_file_t, CloseFile> file(zip_fopen_index(opened.get(), 0, 0));
-    if (!file)
-        Fail("A package cannot be read", opened.get());
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    QByteArray block(BlockBytes, Qt::Uninitialized);
-    for (;;) {
-        const zip_int64_t got = zip_fread(file.get(), block.data(), static_cast<zip_uint64_t>(block.size()));
-        if (got < 0)
-            Fail("A package cannot be read", opened.get());
-        if (got == 0)
-            return QString::fromLatin1(hash.result().toHex());
-        hash.addData(block.constData(), static_cast<int>(got));
-        if (!onBytes(got))
-            return {};
-    }
+    return Pack(entries, archive, false, [&onBytes](qint64) { return onBytes(0); });
 }

@@ -1,19 +1,25 @@
 #pragma once
 
 #include <QString>
+#include <QVector>
 
 #include <functional>
 
-/// Packs one file into a ZIP archive of its own. Equal content under equal paths gives equal archives.
-/// Throws std::runtime_error, with an English sentence, when the file cannot be read or the archive cannot be written.
-/// @param path of the file inside the archive.
+/// A file of a package.
+struct PackageEntry
+{
+    QString source; ///< absolute path on this machine
+    QString path;   ///< inside the archive
+    QString
+        checksum; ///< SHA-256 of the packed content, set by PackFiles(); the source may change at any time
+};
+
+/// Packs files into one ZIP archive. Equal contents under equal paths give equal archives. A content that does not shrink
+/// is stored as it is.
+/// Throws std::runtime_error, with an English sentence and the name of the file on a line of its own, when a file cannot
+/// be read or the archive cannot be written.
 /// @param onBytes is called with the number of bytes read since the last call; returning false ends the packing early,
 /// without an archive.
 /// @return false when it was ended early.
-bool PackFile(const QString& source, const QString& path, const QString& archive,
-    const std::function<bool(qint64)>& onBytes);
-
-/// The SHA-256 of the content of an archive's only file. Throws std::runtime_error when it cannot be read.
-/// @param onBytes is called with the number of bytes read since the last call; returning false ends the reading early,
-/// with an empty result.
-QString PackedChecksum(const QString& archive, const std::function<bool(qint64)>& onBytes);
+bool PackFiles(
+    QVector<PackageEntry>& entries, const QString& archive, const std::function<bool(qint64)>& onBytes);

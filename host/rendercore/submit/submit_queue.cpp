@@ -1,8 +1,6 @@
 #include "host/rendercore/submit/submit_queue.h"
 
-#include "host/rendercore/attempt.h"
 #include "host/rendercore/submit/scene_analysis.h"
-#include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_rules.h"
 #include "host/rendercore/submit/submit_text.h"
 #include "host/rendercore/submit/task_packages.h"
@@ -13,35 +11,27 @@
 SubmitQueue::SubmitQueue(const QString& folder, QObject* parent)
     : QObject(parent)
     , m_packages(QDir(folder).filePath(QStringLiteral("submit")))
+    , m_ledger(folder)
     , m_worker(
-          QStringLiteral("submissions"), [] { return std::make_unique<SubmitWorker>(); },
+          QStringLiteral("submissions"),
+          [database = QDir(folder).filePath(QStringLiteral("submissions.sqlite"))] {
+              return std::make_unique<SubmitWorker>(database);
+          },
           QThread::LowPriority)
 {
     m_clock.start();
     m_pause.setSingleShot(true);
     connect(&m_pause, &QTimer::timeout, this, &SubmitQueue::Advance);
-    QDir().mkpath(folder);
-    Attempt("use the list of submissions", [this, &folder] {
-        m_store = std::make_unique<SubmitStore>(QDir(folder).filePath(QStringLiteral("submissions.sqlite")));
-        m_worker.Post([packages = m_packages, tasks = m_store->Numbers()](
-                          const SubmitWorker&) { TaskPackages::Sweep(packages, tasks); });
-    });
+    connect(&m_ledger, &SubmitLedger::Loaded, this, &SubmitQueue::HandleLoaded);
+    connect(&m_ledger, &SubmitLedger::Added, this, &SubmitQueue::HandleAdded);
+    connect(&m_ledger, &SubmitLedger::Refused, this, &SubmitQueue::SceneRefused);
+    connect(&m_ledger, &SubmitLedger::Replaced, this, &SubmitQueue::HandleReplaced);
+    m_ledger.Sweep(m_packages);
 }
 
 SubmitQueue::~SubmitQueue()
 {
     Interrupt();
-}
-
-/// @return whether the change is on the disk.
-bool SubmitQueue::Save(const std::function<void(SubmitStore&)>& change)
-{
-    return m_store && Attempt("save a submission", [&] { change(*m_store); });
-}
-
-bool SubmitQueue::ArePackagesThere(const SubmitTask& task) const
-{
-    return TaskPackages::AreThere(TaskPackages::Folder(m_packages, task.number), task.work);
 }
 
 void SubmitQueue::SetAccess(const FarmAccess& access)
@@ -62,23 +52,26 @@ void SubmitQueue::SetAccess(const FarmAccess& access)
     m_endedToken.clear();
     m_turns.SetFarm(access.IsOpen());
     if (isOtherOwner && !access.owner.isEmpty())
-        Load();
+        m_ledger.Begin(access.owner);
     Advance();
 }
 
-void SubmitQueue::Load()
+void SubmitQueue::HandleLoaded(const QVector<SubmitTask>& tasks)
 {
-    QVector<SubmitTask> tasks;
-    Save([&](SubmitStore& store) { tasks = store.Load(m_access.owner); });
-    for (SubmitTask& task : tasks) {
-        SubmitRules::Restore(task, ArePackagesThere(task));
+    bool hasNew = false;
+    for (SubmitTask task : tasks) {
+        if (m_tasks.Find(task.number))
+            continue;
+        SubmitRules::Restore(task);
         Insert(task);
+        hasNew = true;
     }
-    if (tasks.isEmpty())
-        return;
-    emit ListChanged();
-    for (const SubmitTask& task : qAsConst(tasks))
+    if (hasNew)
+        emit ListChanged();
+    for (const SubmitTask& task : tasks)
         Ask(task);
+    emit Loaded();
+    Advance();
 }
 
 void SubmitQueue::Insert(const SubmitTask& task)
@@ -100,32 +93,33 @@ void SubmitQueue::Ask(const SubmitTask& task)
         emit TexturesLacking(id, QStringList(task.work.missing));
 }
 
-bool SubmitQueue::Submit(const QString& scene)
+SubmitQueue::Answer SubmitQueue::Submit(const QString& scene)
 {
-    const QFileInfo file(scene);
-    if (m_access.owner.isEmpty() || !file.isFile() || !file.isReadable() || !IsSceneName(scene))
-        return false;
-    SubmitTask task;
-    const QString path = QDir::cleanPath(file.absoluteFilePath());
-    if (!Save([&](SubmitStore& store) { task = store.Add(m_access.owner, path); }))
-        return false;
+    const QString path = QDir::cleanPath(QFileInfo(scene).absoluteFilePath());
+    if (m_access.owner.isEmpty() || !IsSceneName(path))
+        return Answer::Refused;
+    if (m_ledger.IsAdding(path) || m_tasks.HasUnfinished(path))
+        return Answer::Known;
+    m_ledger.Add(path);
+    return Answer::Accepted;
+}
+
+void SubmitQueue::HandleAdded(const SubmitTask& task)
+{
+    if (m_tasks.Find(task.number))
+        return;
     Insert(task);
     emit ListChanged();
     Advance();
-    return true;
 }
 
 void SubmitQueue::Remove(const QStringList& ids)
 {
-    QSet<qint64> numbers;
-    for (const QString& id : ids) {
-        if (const SubmitTask* task = m_tasks.Find(id))
-            numbers.insert(task->number);
-    }
-    const QVector<qint64> list(numbers.cbegin(), numbers.cend());
-    if (numbers.isEmpty() || !Save([&list](SubmitStore& store) { store.Remove(list); }))
+    const QVector<qint64> numbers = m_tasks.NumbersOf(ids);
+    if (numbers.isEmpty())
         return;
-    for (const qint64 number : list) {
+    m_ledger.Remove(numbers);
+    for (const qint64 number : numbers) {
         if (m_run && number == m_run->task) {
             m_run->discardAfterwards = true;
             Interrupt();
@@ -141,49 +135,58 @@ void SubmitQueue::Remove(const QStringList& ids)
 
 void SubmitQueue::EndSession()
 {
+    m_ledger.Remove(m_tasks.Done());
+    m_ledger.End();
+    m_endedToken = m_access.token;
+    m_access.owner.clear();
+    Clear();
+}
+
+void SubmitQueue::Clear()
+{
     Interrupt();
     m_pause.stop();
-    QVector<qint64> done;
-    for (const auto& [number, task] : m_tasks.All()) {
-        if (task.isDone)
-            done.append(number);
-    }
-    if (!done.isEmpty())
-        Save([&done](SubmitStore& store) { store.Remove(done); });
     const bool hadTasks = !m_tasks.Ids().isEmpty();
     m_tasks.Clear();
     m_turns.Clear();
-    m_endedToken = m_access.token;
-    m_access.owner.clear();
     if (hadTasks)
         emit ListChanged();
 }
 
+void SubmitQueue::HandleReplaced(const QString& keptAs)
+{
+    if (!m_access.owner.isEmpty())
+        m_ledger.Begin(m_access.owner);
+    Clear();
+    emit Notice(tr("The list of submissions could not be read. It is kept as %1, and a new list has begun.")
+                    .arg(QDir::toNativeSeparators(keptAs)));
+}
+
 void SubmitQueue::StopAll()
 {
-    QVector<const SubmitTask*> stopped;
+    QVector<SubmitTask> stopped;
     for (auto& [number, task] : m_tasks.All()) {
         if (!task.IsRunnable() && task.error != SubmitError::AwaitsUser)
             continue;
         SubmitRules::Halt(task, SubmitError::Stopped, QString::fromLatin1(SubmitText::Stopped));
         m_turns.Remove(number);
-        stopped.append(&task);
+        stopped.append(task);
     }
-    Save([&stopped](SubmitStore& store) { store.SaveAll(stopped); });
+    m_ledger.Save(stopped);
     Interrupt();
 }
 
 void SubmitQueue::ResumeAll()
 {
-    QVector<const SubmitTask*> resumed;
+    QVector<SubmitTask> resumed;
     for (auto& [number, task] : m_tasks.All()) {
         if (task.error != SubmitError::Stopped)
             continue;
         SubmitRules::Release(task);
         m_turns.Add(number);
-        resumed.append(&task);
+        resumed.append(task);
     }
-    Save([&resumed](SubmitStore& store) { store.SaveAll(resumed); });
+    m_ledger.Save(resumed);
     Advance();
 }
 
@@ -192,7 +195,7 @@ void SubmitQueue::Continue(const QString& id)
     SubmitTask* task = m_tasks.Find(id);
     if (!task || task->isDone || task->error == SubmitError::None)
         return;
-    SubmitRules::Continue(*task, ArePackagesThere(*task));
+    SubmitRules::Continue(*task);
     SaveRelease(*task);
 }
 
@@ -226,34 +229,26 @@ void SubmitQueue::SetArguments(const QString& id, const QVariantList& arguments)
     SubmitTask* task = m_tasks.Find(id);
     const bool isBeingSent
         = task && m_run && task->number == m_run->task && task->stage == SubmitStage::Submit;
-    const QVariantList usable = WithUsableSizes(arguments);
-    if (!task || task->isDone || isBeingSent) {
+    if (!task || task->isDone || isBeingSent)
         qWarning("ignoring arguments for %s: its job is being submitted", qUtf8Printable(id));
-        return;
-    }
-    if (!AreArguments(usable)) {
+    else if (!SubmitRules::SetArguments(*task, arguments))
         qWarning("ignoring invalid arguments for %s", qUtf8Printable(id));
-        return;
-    }
-    SubmitTask changed = *task;
-    changed.arguments = usable;
-    changed.areArgumentsEdited = true;
-    if (Save([&changed](SubmitStore& store) { store.Save(changed); }))
-        *task = changed;
+    else
+        m_ledger.Save({*task});
 }
 
 void SubmitQueue::Halt(SubmitTask& task, SubmitError error, const QString& message)
 {
     SubmitRules::Halt(task, error, message);
     m_turns.Remove(task.number);
-    Save([&task](SubmitStore& store) { store.Save(task); });
+    m_ledger.Save({task});
 }
 
 /// Puts a released task back in turn and saves it.
 void SubmitQueue::SaveRelease(SubmitTask& task)
 {
     m_turns.Add(task.number);
-    Save([&task](SubmitStore& store) { store.Save(task); });
+    m_ledger.Save({task});
     Advance();
 }
 
@@ -269,7 +264,7 @@ void SubmitQueue::Advance()
     m_pause.stop();
     const auto needsFarm = [this](qint64 number) {
         const SubmitTask& task = *m_tasks.Find(number);
-        return NeedsFarm(task.next) && !MustCheckArguments(task);
+        return NeedsFarm(task.next) && !MustCheckArguments(task) && !SubmitRules::MustAskFirst(task);
     };
     while (!m_run) {
         ShowWaitForFarm();
@@ -282,6 +277,13 @@ void SubmitQueue::Advance()
         if (MustCheckArguments(task)) {
             task.stage = SubmitStage::Submit;
             Halt(task, SubmitError::AwaitsUser, QString::fromLatin1(SubmitText::CheckArguments));
+        } else if (SubmitRules::MustAskFirst(task)) {
+            SubmitRules::EnterNextStage(task);
+            Halt(task, SubmitError::AwaitsUser, task.work.missing.join(QLatin1Char('\n')));
+            PostTo(this, [this, number = task.number] {
+                if (const SubmitTask* asking = m_tasks.Find(number))
+                    Ask(*asking);
+            });
         } else {
             Begin(task);
         }
@@ -324,7 +326,7 @@ void SubmitQueue::ShowProgress(qint64 number, int percent, const QString& text)
         return;
     task->progress = percent;
     task->uploadText = text;
-    task->message.clear();
+    task->message = SubmitRules::FileList(task->work);
 }
 
 void SubmitQueue::HandleOutcome(qint64 number, const StageOutcome& outcome)
@@ -361,12 +363,12 @@ void SubmitQueue::ApplyOutcome(SubmitTask& task, const StageOutcome& outcome, bo
         break;
     }
     if (outcome.kind == StageOutcome::Kind::Done && outcome.stage == SubmitStage::Checksum)
-        Save([&task](SubmitStore& store) { store.SaveWork(task); });
+        m_ledger.Save({task}, true);
     if (task.isDone)
         Discard(task.number);
     if (task.isDone || (wasRunnable && !task.IsRunnable())) {
         m_turns.Remove(task.number);
-        Save([&task](SubmitStore& store) { store.Save(task); });
+        m_ledger.Save({task});
         Ask(task);
     }
 }

@@ -2,7 +2,7 @@
 
 #include "host/farmclient/farm_access.h"
 #include "host/rendercore/submit/stage_outcome.h"
-#include "host/rendercore/submit/submit_store.h"
+#include "host/rendercore/submit/submit_ledger.h"
 #include "host/rendercore/submit/submit_tasks.h"
 #include "host/rendercore/submit/submit_turns.h"
 #include "host/rendercore/submit/submit_worker.h"
@@ -22,7 +22,8 @@
 /// The submissions of the account that is signed in, as the window sees them. Lives on the GUI thread.
 ///
 /// One task at a time goes through its stages, which a worker thread runs one by one. A task that the farm cannot serve
-/// at the moment lets the others go first. The user's decisions are on the disk when the functions return.
+/// at the moment lets the others go first. Every change is written to the disk by another thread, in the order in which
+/// it was made; no function waits for a disk.
 class SubmitQueue : public QObject
 {
     Q_OBJECT
@@ -46,9 +47,14 @@ public:
     /// Null for an unknown id. Valid until control returns to the event loop.
     const SubmitTask* Task(const QString& id) const { return m_tasks.Find(id); }
 
-    /// Creates a task for a scene.
-    /// @return false when nobody is signed in, or when the file is not a scene or cannot be read.
-    bool Submit(const QString& scene);
+    enum class Answer {
+        Accepted,
+        Refused, ///< nobody is signed in, or the file is not a scene
+        Known    ///< a task of this scene has not become a job yet
+    };
+
+    /// Creates a task for a scene, once its file has been looked at: ListChanged() or SceneRefused() follows.
+    Answer Submit(const QString& scene);
 
     /// Deletes tasks permanently; the farm discards unfinished uploads by itself.
     void Remove(const QStringList& ids);
@@ -72,6 +78,12 @@ public:
 signals:
     /// A task has been added or removed.
     void ListChanged();
+    /// Something that concerns all tasks, in a sentence for the user.
+    void Notice(const QString& text);
+    /// The owner's tasks have been read from the disk.
+    void Loaded();
+    /// A scene that had been accepted cannot be submitted.
+    void SceneRefused(const QString& scene, const QString& reason);
     void UploadFailed(const QString& id, const QStringList& files);
     void TexturesLacking(const QString& id, const QStringList& files);
 
@@ -85,10 +97,10 @@ private:
         bool discardAfterwards = false; // the task has been removed meanwhile
     };
 
-    bool Save(const std::function<void(SubmitStore&)>& change);
-    bool ArePackagesThere(const SubmitTask& task) const;
-
-    void Load();
+    void HandleLoaded(const QVector<SubmitTask>& tasks);
+    void HandleAdded(const SubmitTask& task);
+    void HandleReplaced(const QString& keptAs);
+    void Clear();
     void Insert(const SubmitTask& task);
     void Ask(const SubmitTask& task);
     void Halt(SubmitTask& task, SubmitError error, const QString& message);
@@ -105,8 +117,7 @@ private:
     void Interrupt();
     void Discard(qint64 number);
 
-    QString m_packages;                   // the folder for the packages of all tasks
-    std::unique_ptr<SubmitStore> m_store; // null when the database cannot be used
+    QString m_packages; // the folder for the packages of all tasks
     FarmAccess m_access;
     QString m_endedToken; // of the latest session that has ended
     std::function<bool()> m_mustCheck;
@@ -115,6 +126,7 @@ private:
     QElapsedTimer m_clock;
     QTimer m_pause; // until a task may run
     std::optional<Run> m_run;
-    // Declared last: it must end before the members that its results touch.
+    // Declared last: they must end before the members that their results touch.
+    SubmitLedger m_ledger;
     WorkerThread<SubmitWorker> m_worker;
 };

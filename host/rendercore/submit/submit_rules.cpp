@@ -3,6 +3,7 @@
 #include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_text.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -10,6 +11,8 @@
 namespace {
 
 using namespace SubmitRules;
+
+constexpr int MostListed = 30; // files; more would not fit into a tool tip
 
 bool AwaitsMissingFiles(const SubmitTask& task)
 {
@@ -41,10 +44,28 @@ Question QuestionOf(const SubmitTask& task)
     return AwaitsMissingFiles(task) ? Question::AcceptMissingFiles : Question::None;
 }
 
+bool MustAskFirst(const SubmitTask& task)
+{
+    return task.next == SubmitStage::CopySame && !task.work.missing.isEmpty() && !task.goesOnWithout;
+}
+
 bool HasEditableArguments(const SubmitTask& task)
 {
     const QString suffix = QFileInfo(task.scene).suffix();
     return suffix == QLatin1String("ma") || suffix == QLatin1String("mb");
+}
+
+QString FileList(const SubmitWork& work)
+{
+    QStringList lines;
+    for (const PackedFile& file : work.files.mid(0, MostListed))
+        lines.append(file.source);
+    if (work.files.size() > 1)
+        lines.prepend(QCoreApplication::translate("VTQsClientPrivate", "%1 files belong to the scene:")
+                          .arg(work.files.size()));
+    if (work.files.size() > MostListed)
+        lines.append(QStringLiteral("…"));
+    return lines.join(QLatin1Char('\n'));
 }
 
 void EnterNextStage(SubmitTask& task)
@@ -53,7 +74,7 @@ void EnterNextStage(SubmitTask& task)
         return;
     task.stage = task.next;
     task.progress = 0;
-    task.message.clear();
+    task.message = FileList(task.work);
     task.uploadText.clear();
 }
 
@@ -73,7 +94,7 @@ void Release(SubmitTask& task)
     task.progress = 0;
 }
 
-void Continue(SubmitTask& task, bool arePackagesThere)
+void Continue(SubmitTask& task)
 {
     if (task.error == SubmitError::TexturesMissing || AwaitsMissingFiles(task)) {
         task.goesOnWithout = true;
@@ -81,18 +102,29 @@ void Continue(SubmitTask& task, bool arePackagesThere)
     } else if (task.error == SubmitError::AwaitsUser) {
         task.areArgumentsChecked = true;
     }
-    if (NeedsFarm(task.next) && !arePackagesThere)
-        task.next = SubmitStage::Analyze;
+    // Time has passed: the farm may have forgotten uploads, and packages may be gone.
+    if (task.next == SubmitStage::Upload || task.next == SubmitStage::Uncompress)
+        task.next = SubmitStage::CopySame;
     Release(task);
 }
 
-void Restore(SubmitTask& task, bool arePackagesThere)
+bool SetArguments(SubmitTask& task, const QVariantList& arguments)
+{
+    const QVariantList usable = WithUsableSizes(arguments);
+    if (!AreArguments(usable))
+        return false;
+    task.arguments = usable;
+    task.areArgumentsEdited = true;
+    return true;
+}
+
+void Restore(SubmitTask& task)
 {
     task.progress = task.isDone ? 100 : 0;
     // Packages that the farm could not unpack are rebuilt.
     const bool areSpoilt = task.error == SubmitError::UploadRefused && task.stage == SubmitStage::Uncompress;
-    const bool arePackagesUsable = arePackagesThere && !areSpoilt && AreArguments(task.arguments);
-    task.next = arePackagesUsable ? SubmitStage::CopySame : SubmitStage::Analyze;
+    const bool isReady = task.work.IsHashed() && !areSpoilt && AreArguments(task.arguments);
+    task.next = isReady ? SubmitStage::CopySame : SubmitStage::Analyze;
 }
 
 void ApplyDone(SubmitTask& task, const StageOutcome& outcome)
@@ -107,16 +139,12 @@ void ApplyDone(SubmitTask& task, const StageOutcome& outcome)
     if (outcome.stage == SubmitStage::Analyze)
         ApplyAnalysis(task, outcome);
     task.work = outcome.work;
-    const bool mustAsk
-        = outcome.stage == SubmitStage::CopySame && !task.work.missing.isEmpty() && !task.goesOnWithout;
-    task.next = mustAsk ? SubmitStage::CopySame : outcome.next;
+    task.next = outcome.next;
     if (!task.IsRunnable())
         return; // stopped meanwhile
-    task.message.clear();
+    task.message = FileList(task.work);
     task.uploadText.clear();
     task.progress = 100;
-    if (mustAsk)
-        Halt(task, SubmitError::AwaitsUser, task.work.missing.join(QLatin1Char('\n')));
 }
 
 void ApplyTryAgain(SubmitTask& task, const StageOutcome& outcome)

@@ -11,8 +11,14 @@ enum class Question { None, RetryUpload, AcceptMissingFiles };
 /// The question that a halted task waits for.
 Question QuestionOf(const SubmitTask& task);
 
+/// Whether the user has to be asked about missing files before the farm learns anything of the task.
+bool MustAskFirst(const SubmitTask& task);
+
 /// Whether the window lets the user edit the task's arguments, as it does for Maya scenes with a lower-case suffix.
 bool HasEditableArguments(const SubmitTask& task);
+
+/// The files that belong to the task, for the user to read before they are sent; empty before the analysis.
+QString FileList(const SubmitWork& work);
 
 /// Shows the task in its next stage.
 void EnterNextStage(SubmitTask& task);
@@ -24,14 +30,16 @@ void Halt(SubmitTask& task, SubmitError error, const QString& message);
 void Release(SubmitTask& task);
 
 /// Lets a halted task continue at the user's command, whatever the reason for the halt.
-/// @param arePackagesThere whether its packages are still on the disk.
-void Continue(SubmitTask& task, bool arePackagesThere);
+void Continue(SubmitTask& task);
+
+/// Sets the arguments that the user has edited. An invalid width or height falls back to the scene's.
+/// @return false, and nothing is changed, when the frames are invalid.
+bool SetArguments(SubmitTask& task, const QVariantList& arguments);
 
 /// Decides at which stage a task that was read from the disk continues.
-/// @param arePackagesThere whether its packages are still on the disk.
-void Restore(SubmitTask& task, bool arePackagesThere);
+void Restore(SubmitTask& task);
 
-/// Applies an outcome of kind Done; the task may halt with a question, or be finished.
+/// Applies an outcome of kind Done; the task may be finished.
 void ApplyDone(SubmitTask& task, const StageOutcome& outcome);
 
 /// Applies an outcome of kind TryAgain.

@@ -1,41 +1,19 @@
 #include "host/rendercore/submit/submit_store.h"
 
+#include "host/rendercore/submit/submit_schema.h"
+
 #include <QDateTime>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QUuid>
 
+#include <utility>
+
 namespace {
 
 using storage::Execute;
 using storage::Text;
-
-constexpr const char* FirstSchema = R"sql(
-CREATE TABLE tasks(
-    number INTEGER PRIMARY KEY AUTOINCREMENT,
-    owner TEXT NOT NULL,
-    scene TEXT NOT NULL,
-    started TEXT NOT NULL,
-    submission TEXT NOT NULL,
-    stage INTEGER NOT NULL DEFAULT 0,
-    error INTEGER NOT NULL DEFAULT 0,
-    message TEXT NOT NULL DEFAULT '',
-    arguments TEXT NOT NULL DEFAULT '[]',
-    goes_on_without INTEGER NOT NULL DEFAULT 0,
-    arguments_checked INTEGER NOT NULL DEFAULT 0,
-    refused TEXT NOT NULL DEFAULT '[]',
-    done INTEGER NOT NULL DEFAULT 0,
-    work TEXT NOT NULL DEFAULT '{}'
-);
-CREATE INDEX tasks_by_owner ON tasks(owner);
-)sql";
-
-// Earlier versions did not record who had set the arguments; it may have been the user.
-constexpr const char* EditedArguments = R"sql(
-ALTER TABLE tasks ADD COLUMN arguments_edited INTEGER NOT NULL DEFAULT 0;
-UPDATE tasks SET arguments_edited = 1 WHERE arguments <> '[]';
-)sql";
 
 QString IdOf(const QString& scene, qint64 number)
 {
@@ -75,8 +53,8 @@ SubmitTask TaskOf(const SQLite::Statement& row)
 
 } // namespace
 
-SubmitStore::SubmitStore(const QString& file)
-    : m_database(file, {FirstSchema, EditedArguments})
+SubmitStore::SubmitStore(const QString& file, storage::RecoveringDatabase::Replaced onReplaced)
+    : m_database(file, SubmitSchema(), std::move(onReplaced))
 {
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/rendercore/submit/submit_task.h"
-#include "storage/database.h"
+#include "storage/recovering_database.h"
 
 #include <QSet>
 
@@ -10,8 +10,9 @@
 class SubmitStore
 {
 public:
-    /// @param file the path of the database; its folder must exist.
-    explicit SubmitStore(const QString& file);
+    /// @param file the path of the database; opened, or created with its folder, at first use.
+    /// @param onReplaced is called when the file is unusable and a fresh one has been begun.
+    explicit SubmitStore(const QString& file, storage::RecoveringDatabase::Replaced onReplaced = {});
 
     /// Creates a task for a scene, before its first stage.
     SubmitTask Add(const QString& owner, const QString& scene);
@@ -35,5 +36,5 @@ public:
     QSet<qint64> Numbers();
 
 private:
-    storage::Database m_database;
+    storage::RecoveringDatabase m_database;
 };

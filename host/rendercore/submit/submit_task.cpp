@@ -1,6 +1,7 @@
 #include "host/rendercore/submit/submit_task.h"
 
 #include <QJsonArray>
+#include <QSet>
 
 #include <algorithm>
 
@@ -14,13 +15,14 @@ const QString HeightKey = QStringLiteral("height");
 const QString PathKey = QStringLiteral("path");
 const QString SourceKey = QStringLiteral("source");
 const QString ChecksumKey = QStringLiteral("checksum");
-const QString PackageChecksumKey = QStringLiteral("packageChecksum");
-const QString PackageSizeKey = QStringLiteral("packageSize");
+const QString PackageKey = QStringLiteral("package");
+const QString PackagesKey = QStringLiteral("packages");
+const QString SizeKey = QStringLiteral("size");
 
 QJsonObject FileToJson(const PackedFile& file)
 {
     return {{PathKey, file.path}, {SourceKey, file.source}, {ChecksumKey, file.checksum},
-        {PackageChecksumKey, file.packageChecksum}, {PackageSizeKey, file.packageSize}};
+        {PackageKey, file.package}};
 }
 
 PackedFile FileFromJson(const QJsonObject& json)
@@ -29,18 +31,39 @@ PackedFile FileFromJson(const QJsonObject& json)
     file.path = json.value(PathKey).toString();
     file.source = json.value(SourceKey).toString();
     file.checksum = json.value(ChecksumKey).toString();
-    file.packageChecksum = json.value(PackageChecksumKey).toString();
-    file.packageSize = static_cast<qint64>(json.value(PackageSizeKey).toDouble());
+    file.package = json.value(PackageKey).toInt(-1);
     return file;
+}
+
+Package PackageFromJson(const QJsonObject& json)
+{
+    Package package;
+    package.checksum = json.value(ChecksumKey).toString();
+    package.size = static_cast<qint64>(json.value(SizeKey).toDouble());
+    return package;
 }
 
 } // namespace
 
-bool SubmitWork::IsPacked() const
+bool SubmitWork::IsHashed() const
 {
-    return !files.isEmpty() && std::all_of(files.cbegin(), files.cend(), [](const PackedFile& file) {
-        return !file.checksum.isEmpty() && !file.packageChecksum.isEmpty();
+    return !files.isEmpty() && std::all_of(files.cbegin(), files.cend(), [this](const PackedFile& file) {
+        return !file.checksum.isEmpty() && file.package < packages.size();
+    }) && std::all_of(packages.cbegin(), packages.cend(), [](const Package& package) {
+        return !package.checksum.isEmpty();
     });
+}
+
+QVector<int> SubmitWork::WantedPackages() const
+{
+    QSet<int> wanted;
+    for (const PackedFile& file : files) {
+        if (file.isWanted && file.package >= 0)
+            wanted.insert(file.package);
+    }
+    QVector<int> list(wanted.cbegin(), wanted.cend());
+    std::sort(list.begin(), list.end());
+    return list;
 }
 
 QJsonObject SubmitWork::ToJson() const
@@ -48,8 +71,11 @@ QJsonObject SubmitWork::ToJson() const
     QJsonArray packed;
     for (const PackedFile& file : files)
         packed.append(FileToJson(file));
-    return {{SceneKey, scene}, {FilesKey, packed}, {MissingKey, QJsonArray::fromStringList(missing)},
-        {WidthKey, width}, {HeightKey, height}};
+    QJsonArray archives;
+    for (const Package& package : packages)
+        archives.append(QJsonObject {{ChecksumKey, package.checksum}, {SizeKey, package.size}});
+    return {{SceneKey, scene}, {FilesKey, packed}, {PackagesKey, archives},
+        {MissingKey, QJsonArray::fromStringList(missing)}, {WidthKey, width}, {HeightKey, height}};
 }
 
 SubmitWork SubmitWork::FromJson(const QJsonObject& json)
@@ -59,6 +85,9 @@ SubmitWork SubmitWork::FromJson(const QJsonObject& json)
     const QJsonArray packed = json.value(FilesKey).toArray();
     for (const QJsonValue& file : packed)
         work.files.append(FileFromJson(file.toObject()));
+    const QJsonArray archives = json.value(PackagesKey).toArray();
+    for (const QJsonValue& package : archives)
+        work.packages.append(PackageFromJson(package.toObject()));
     work.missing = json.value(MissingKey).toVariant().toStringList();
     work.width = json.value(WidthKey).toInt();
     work.height = json.value(HeightKey).toInt();

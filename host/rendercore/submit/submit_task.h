@@ -30,15 +30,22 @@ enum class SubmitError {
 /// One file of a submission.
 struct PackedFile
 {
-    QString path;            ///< relative to the job's folder
-    QString source;          ///< absolute path on this machine
-    QString checksum;        ///< SHA-256 of the packed content; empty before it is packed
-    QString packageChecksum; ///< SHA-256 of the package; empty before it is packed
-    qint64 packageSize = 0;  ///< in bytes
+    QString path;     ///< relative to the job's folder
+    QString source;   ///< absolute path on this machine
+    QString checksum; ///< SHA-256 of the content; empty before it is known
+    int package = -1; ///< index of the package that holds it; -1 while the file is not packed
     // The rest is not saved; a restarted client asks the farm again.
     bool isWanted = false; ///< the farm lacks the content, and no earlier file brings it
-    bool isSent = false;   ///< the farm has the whole package
-    QString upload;        ///< the farm's id for the package
+};
+
+/// An archive of some files of a submission.
+struct Package
+{
+    QString checksum; ///< SHA-256; empty before it is computed
+    qint64 size = 0;  ///< in bytes
+    // The rest is not saved; a restarted client asks the farm again.
+    bool isSent = false; ///< the farm has the whole package
+    QString upload;      ///< the farm's id for the package
 };
 
 /// The results of the stages. A new analysis replaces them.
@@ -46,11 +53,18 @@ struct SubmitWork
 {
     QString scene; ///< the path of one of `files`; empty before the analysis
     QVector<PackedFile> files;
-    QStringList missing; ///< references that lead to no file, as the scene names them
-    int width = 0;       ///< of the scene itself, in pixels
+    QVector<Package> packages;
+    QStringList
+        missing;   ///< what the user is asked about: references that lead to no file, as the scene names them
+    int width = 0; ///< of the scene itself, in pixels
     int height = 0;
 
-    bool IsPacked() const;
+    /// Whether the farm can be asked which contents it has.
+    bool IsHashed() const;
+
+    /// The indices of the packages that hold wanted files, in ascending order.
+    QVector<int> WantedPackages() const;
+
     QJsonObject ToJson() const;
     static SubmitWork FromJson(const QJsonObject& json);
 };

@@ -3,8 +3,11 @@
 #include "host/rendercore/submit/submit_task.h"
 
 #include <QHash>
+#include <QSet>
 #include <QStringList>
+#include <QVector>
 
+#include <algorithm>
 #include <map>
 
 /// The tasks of one account, found by number or by id. Pointers and references stay valid until their task is erased.
@@ -44,6 +47,34 @@ public:
     {
         const auto task = m_tasks.find(m_numbers.value(id));
         return task == m_tasks.end() ? nullptr : &task->second;
+    }
+
+    /// The numbers of known ids, each once.
+    QVector<qint64> NumbersOf(const QStringList& ids) const
+    {
+        QSet<qint64> numbers;
+        for (const QString& id : ids)
+            numbers.insert(m_numbers.value(id));
+        numbers.remove(0); // no task has it
+        return QVector<qint64>(numbers.cbegin(), numbers.cend());
+    }
+
+    /// The numbers of the tasks that have become jobs.
+    QVector<qint64> Done() const
+    {
+        QVector<qint64> done;
+        for (const auto& [number, task] : m_tasks) {
+            if (task.isDone)
+                done.append(number);
+        }
+        return done;
+    }
+
+    /// Whether a task of this scene has not become a job yet.
+    bool HasUnfinished(const QString& scene) const
+    {
+        return std::any_of(m_tasks.begin(), m_tasks.end(),
+            [&scene](const auto& entry) { return entry.second.scene == scene && !entry.second.isDone; });
     }
 
     /// Task ids in the order of arrival.

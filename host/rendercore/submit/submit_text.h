@@ -21,6 +21,8 @@ constexpr const char* CheckArguments
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "Please check the arguments, then continue.");
 constexpr const char* SceneUnreadable
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The scene file cannot be read.");
+constexpr const char* NotRecorded
+    = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The submission could not be recorded. The disk may be full.");
 constexpr const char* SceneNameRefused = QT_TRANSLATE_NOOP(
     "VTQsClientPrivate", "The name of the scene file contains characters that the farm does not accept.");
 constexpr const char* NoPackageFolder = QT_TRANSLATE_NOOP(
@@ -33,5 +35,8 @@ constexpr const char* ArrivedDamaged
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The file arrived damaged at the farm.");
 constexpr const char* AnswerUnreadable
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The farm's answer about an upload cannot be read.");
+
+// Follows the name of a file in the list of what is missing, which is shown as it is.
+constexpr const char* Outside = " (is outside the scene's folder and will be sent if you go on)";
 
 } // namespace SubmitText

@@ -52,7 +52,7 @@ StageOutcome SubmitWorker::RunStage(const StageRequest& request, const StageProg
     case SubmitStage::Analyze:
         return AnalyzeStage(request, onProgress);
     case SubmitStage::Compress:
-        return CompressStage(request, onProgress);
+        return CompressStage(request, onProgress, m_cache);
     case SubmitStage::Checksum:
         return ChecksumStage(request, onProgress);
     default:

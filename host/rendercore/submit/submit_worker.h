@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/rendercore/submit/checksum_cache.h"
 #include "host/rendercore/submit/farm_stages.h"
 #include "host/rendercore/submit/stage_outcome.h"
 
@@ -9,6 +10,12 @@
 class SubmitWorker
 {
 public:
+    /// @param database path of submissions.sqlite; without it, every file is packed anew.
+    explicit SubmitWorker(const QString& database = {})
+        : m_cache(database)
+    {
+    }
+
     /// Runs a stage to its end. Commands that arrive while it waits for the farm run meanwhile.
     /// @param onProgress is called at most four times a second.
     StageOutcome Run(const StageRequest& request, const StageProgress& onProgress);
@@ -20,5 +27,6 @@ private:
     StageOutcome RunStage(const StageRequest& request, const StageProgress& onProgress);
 
     FarmStages m_farm;
+    ChecksumCache m_cache;
     QElapsedTimer m_lastProgress;
 };

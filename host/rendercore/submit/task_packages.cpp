@@ -10,21 +10,17 @@ QString Folder(const QString& root, qint64 task)
     return QStringLiteral("%1/%2").arg(root).arg(task);
 }
 
-QString Path(const QString& folder, int file)
+QString Path(const QString& folder, int package)
 {
-    return QStringLiteral("%1/%2.zip").arg(folder).arg(file, 4, 10, QLatin1Char('0'));
+    return QStringLiteral("%1/%2.zip").arg(folder).arg(package, 4, 10, QLatin1Char('0'));
 }
 
-bool AreThere(const QString& folder, const SubmitWork& work)
+bool Holds(const QString& folder, const SubmitWork& work, const PackedFile& file)
 {
-    if (!work.IsPacked())
+    if (file.package < 0 || file.package >= work.packages.size())
         return false;
-    for (int index = 0; index < work.files.size(); ++index) {
-        const QFileInfo package(Path(folder, index));
-        if (!package.isFile() || package.size() != work.files.at(index).packageSize)
-            return false;
-    }
-    return true;
+    const QFileInfo package(Path(folder, file.package));
+    return package.isFile() && package.size() == work.packages.at(file.package).size;
 }
 
 void Discard(const QString& folder)

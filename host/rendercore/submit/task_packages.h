@@ -4,18 +4,18 @@
 
 #include <QSet>
 
-/// The packages of submissions on this disk: a folder for each task, in it a ZIP archive for each file.
+/// The packages of submissions on this disk: a folder for each task, in it its ZIP archives.
 namespace TaskPackages {
 
 /// The folder of one task.
 /// @param root holds the folders of all tasks.
 QString Folder(const QString& root, qint64 task);
 
-/// The package of the file with this index.
-QString Path(const QString& folder, int file);
+/// The package with this index.
+QString Path(const QString& folder, int package);
 
-/// Whether every package is on the disk with the size that it was made with.
-bool AreThere(const QString& folder, const SubmitWork& work);
+/// Whether the file's package is on the disk with the size that it was made with.
+bool Holds(const QString& folder, const SubmitWork& work, const PackedFile& file);
 
 /// Deletes the packages of one task.
 void Discard(const QString& folder);
