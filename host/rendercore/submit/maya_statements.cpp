@@ -36,6 +36,21 @@ Meaning MeaningOf(char character)
     return Meanings[static_cast<unsigned char>(character)];
 }
 
+const char* Find(const char* from, const char* end, char character)
+{
+    const auto* found = static_cast<const char*>(
+        std::memchr(from, static_cast<unsigned char>(character), static_cast<std::size_t>(end - from)));
+    return found ? found : end;
+}
+
+/// Geometry is most of a large scene; this is the fastest way past it.
+const char* FirstSpecial(const char* from, const char* end)
+{
+    for (const char character : {';', '"', '/'})
+        end = Find(from, end, character);
+    return end;
+}
+
 } // namespace
 
 QByteArray MayaWords::At(int index) const
@@ -81,9 +96,8 @@ void MayaStatements::Feed(const QByteArray& block)
             m_state = State::Text;
             break;
         case State::Comment:
-            at = static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)));
-            at = at ? at + 1 : end;
-            m_state = at == end && end[-1] != '\n' ? State::Comment : State::Code;
+            at = Find(at, end, '\n');
+            m_state = at == end ? State::Comment : State::Code;
             break;
         }
     }
@@ -107,10 +121,9 @@ void MayaStatements::AddWord()
 const char* MayaStatements::ReadCode(const char* from, const char* end)
 {
     const bool isFull = IsFull();
-    const char* to = std::find_if(from, end, [isFull](char character) {
-        const Meaning meaning = MeaningOf(character);
-        return meaning == Meaning::Special || (meaning == Meaning::Blank && !isFull);
-    });
+    const char* to = isFull
+        ? FirstSpecial(from, end)
+        : std::find_if(from, end, [](char character) { return MeaningOf(character) != Meaning::Plain; });
     if (to > from) {
         Keep(from, to);
         m_hadSlash = false;
