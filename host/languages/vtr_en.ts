@@ -1040,6 +1040,10 @@ Below files are missing:
         <source>The submission could not be recorded. The disk may be full.</source>
         <translation>The submission could not be recorded. The disk may be full.</translation>
     </message>
+    <message>
+        <source>%1 (outside the scene&apos;s folder; will be sent if you go on)</source>
+        <translation>%1 (outside the scene&apos;s folder; will be sent if you go on)</translation>
+    </message>
 </context>
 <context>
     <name>VTSearch</name>

@@ -1040,6 +1040,10 @@ Below files are missing:
         <source>The submission could not be recorded. The disk may be full.</source>
         <translation>无法记录此次提交。磁盘可能已满。</translation>
     </message>
+    <message>
+        <source>%1 (outside the scene&apos;s folder; will be sent if you go on)</source>
+        <translation>%1（位于场景文件夹之外；继续则会一并发送）</translation>
+    </message>
 </context>
 <context>
     <name>VTSearch</name>

@@ -132,7 +132,8 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(m_lacking->size(), 1, Patience);
         QCOMPARE(Count("contents"), 0); // the farm knows nothing before the answer
         QCOMPARE(m_lacking->at(0).at(1).toStringList(),
-            QStringList({"gone.png"_s, Path("textures/dot.ppm"_s) + QLatin1String(SubmitText::Outside)}));
+            QStringList(
+                {"gone.png"_s, QString::fromLatin1(SubmitText::Outside).arg(Path("textures/dot.ppm"_s))}));
         m_queue->AnswerUploadFailure(id, true); // another question is open
         m_queue->AnswerMissingTextures(id, false);
         QCOMPARE(Task(id).error, SubmitError::TexturesMissing);

@@ -9,6 +9,7 @@
 #include "host/rendercore/submit/task_packages.h"
 #include "storage/checksum.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 
@@ -192,7 +193,7 @@ StageOutcome AnalyzeStage(const StageRequest& request, const StageProgress& onPr
     work.scene = analysis.scene;
     work.missing = analysis.missing;
     for (const QString& file : analysis.outside)
-        work.missing.append(file + QLatin1String(SubmitText::Outside));
+        work.missing.append(QCoreApplication::translate("VTQsClientPrivate", SubmitText::Outside).arg(file));
     work.width = analysis.width;
     work.height = analysis.height;
     for (const SceneFile& file : analysis.files) {

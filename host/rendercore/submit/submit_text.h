@@ -36,7 +36,8 @@ constexpr const char* ArrivedDamaged
 constexpr const char* AnswerUnreadable
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The farm's answer about an upload cannot be read.");
 
-// Follows the name of a file in the list of what is missing, which is shown as it is.
-constexpr const char* Outside = " (is outside the scene's folder and will be sent if you go on)";
+// Takes the place of a file in the list of what is missing.
+constexpr const char* Outside
+    = QT_TRANSLATE_NOOP("VTQsClientPrivate", "%1 (outside the scene's folder; will be sent if you go on)");
 
 } // namespace SubmitText
