@@ -13,6 +13,7 @@ RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface*
     , m_downloads(folder)
 {
     connect(&m_submissions, &SubmitQueue::ListChanged, this, &VTRenderCoreInterface::SubmitListChanged);
+    connect(&m_submissions, &SubmitQueue::Notice, this, &RenderCoreService::Notice);
     connect(&m_submissions, &SubmitQueue::SceneRefused, this, &RenderCoreService::SceneRefused);
     connect(&m_submissions, &SubmitQueue::UploadFailed, this, &VTRenderCoreInterface::failFile);
     connect(&m_submissions, &SubmitQueue::TexturesLacking, this, &VTRenderCoreInterface::lackedTexture);
