@@ -10,13 +10,18 @@ constexpr int PartialContent = 206;
 constexpr int BadRequest = 400;
 constexpr int Unauthorized = 401; ///< the farm does not know the session
 constexpr int NotFound = 404;
+constexpr int ProxyAuthenticationRequired = 407;
 constexpr int RequestTimeout = 408;
 constexpr int Conflict = 409;
 constexpr int PreconditionFailed = 412;
 constexpr int RangeNotSatisfiable = 416;
+constexpr int TooEarly = 425;
 constexpr int TooManyRequests = 429;
 constexpr int ServerError = 500; ///< the first of them
-constexpr int InsufficientStorage = 507;
+constexpr int NotImplemented = 501;
+constexpr int VersionNotSupported = 505;
+constexpr int InsufficientStorage = 507; ///< of an account's quota, or of the farm's disk
+constexpr int PastServerErrors = 600;
 
 } // namespace HttpStatus
 

@@ -100,7 +100,9 @@ HttpRequest JobActionRequest(const QByteArray& action, const QVariantHash& reque
     QJsonArray ids;
     for (int i = 0; request.contains(QStringLiteral("id[%1]").arg(i)); ++i)
         ids.append(request.value(QStringLiteral("id[%1]").arg(i)).toString());
-    return {"POST", "/jobs/" + action, TokenOf(request), Json({{QStringLiteral("ids"), ids}}), true};
+    // A restart that arrived, but whose answer was lost, would throw away what has been rendered since.
+    const bool isRepeatable = action != "restart";
+    return {"POST", "/jobs/" + action, TokenOf(request), Json({{QStringLiteral("ids"), ids}}), isRepeatable};
 }
 
 bool IsAnyObject(const QJsonObject& body)

@@ -2,35 +2,9 @@
 
 #include "host/farmclient/backoff.h"
 
-#include <QJsonDocument>
 #include <QNetworkReply>
 
 #include <algorithm>
-
-namespace {
-
-constexpr int LongestRetryAfter = 3600; // seconds
-
-HttpResult ResultOf(const QNetworkReply& reply, const QByteArray& body)
-{
-    if (!IsAnswered(reply))
-        return {HttpResult::Unreachable, {},
-            HttpCall::tr("The server cannot be reached: %1").arg(reply.errorString())};
-
-    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    const QJsonDocument document = QJsonDocument::fromJson(body);
-    if (status == HttpStatus::Ok && !document.isObject())
-        return {HttpResult::NotJson, {}, HttpCall::tr("The server's answer cannot be read.")};
-    HttpResult result {status, document.object(), {}};
-    if (status != HttpStatus::Ok) {
-        result.error = result.json.value(QLatin1String("message")).toString();
-        if (result.error.isEmpty())
-            result.error = HttpCall::tr("The server answered with status %1.").arg(status);
-    }
-    return result;
-}
-
-} // namespace
 
 HttpCall::HttpCall(HttpTransport* transport, const HttpRequest& request, QObject* owner)
     : QObject(owner)
@@ -81,16 +55,14 @@ void HttpCall::HandleFinished()
     Collect();
     if (!m_reply)
         return;
-    HttpResult result = ResultOf(*m_reply, m_received);
-    result.retryAfter = std::clamp(m_reply->rawHeader("Retry-After").toInt(), 0, LongestRetryAfter);
-    EndAttempt(result);
+    EndAttempt(HttpResult::Of(*m_reply, m_received));
 }
 
 void HttpCall::EndAttempt(const HttpResult& result)
 {
     DropReply();
     const HttpLimits& limits = m_transport->Limits();
-    if (m_request.repeatable && m_attempt < limits.attempts && IsTransient(result.status)) {
+    if (m_request.repeatable && m_attempt < limits.attempts && result.IsTransient()) {
         const int pause = Backoff(limits.firstPause, limits.longestPause).PauseAfter(m_attempt);
         m_pause.start(std::min(std::max(pause, result.retryAfter * 1000), limits.longestPause));
         return;

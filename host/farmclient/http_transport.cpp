@@ -3,6 +3,45 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+/// A body that can be read once. When a server closes the connection without an answer, Qt sends a request again by
+/// itself, unless its body cannot be rewound.
+class SingleUseBody : public QIODevice
+{
+public:
+    explicit SingleUseBody(const QByteArray& bytes)
+        : m_left(bytes)
+    {
+        open(ReadOnly | Unbuffered);
+    }
+
+    bool isSequential() const override { return true; }
+    bool reset() override { return false; }
+    bool atEnd() const override { return m_left.isEmpty(); }
+    qint64 bytesAvailable() const override { return m_left.size(); }
+
+protected:
+    qint64 readData(char* data, qint64 most) override
+    {
+        if (m_left.isEmpty())
+            return -1;
+        const int count = static_cast<int>(std::min<qint64>(most, m_left.size()));
+        std::copy_n(m_left.constData(), count, data);
+        m_left.remove(0, count);
+        return count;
+    }
+    qint64 writeData(const char* /*data*/, qint64 /*most*/) override { return -1; }
+
+private:
+    QByteArray m_left;
+};
+
+} // namespace
+
 HttpTransport::HttpTransport(const HttpLimits& limits)
     : m_limits(limits)
 {
@@ -33,7 +72,14 @@ QNetworkReply* HttpTransport::Begin(const HttpRequest& request)
         message.setHeader(QNetworkRequest::ContentTypeHeader, request.contentType);
     for (const auto& [name, value] : request.headers)
         message.setRawHeader(name, value);
-    return m_network.sendCustomRequest(message, request.verb, request.body);
+    if (request.repeatable || request.body.isEmpty())
+        return m_network.sendCustomRequest(message, request.verb, request.body);
+    message.setHeader(QNetworkRequest::ContentLengthHeader, request.body.size());
+    message.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
+    auto body = std::make_unique<SingleUseBody>(request.body);
+    QNetworkReply* reply = m_network.sendCustomRequest(message, request.verb, body.get());
+    body.release()->setParent(reply);
+    return reply;
 }
 
 QUrl FarmApiRoot(const QUrl& server)
@@ -44,15 +90,6 @@ QUrl FarmApiRoot(const QUrl& server)
     return root;
 }
 
-bool IsAnswered(const QNetworkReply& reply)
-{
-    const int error = reply.error();
-    // Qt reports status 400 as an invalid operation of the protocol.
-    return error == QNetworkReply::NoError || error == QNetworkReply::ProtocolInvalidOperationError
-        || (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError)
-        || (error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError);
-}
-
 void Discard(QPointer<QNetworkReply>& reply, const QObject* receiver)
 {
     if (!reply)
@@ -61,10 +98,4 @@ void Discard(QPointer<QNetworkReply>& reply, const QObject* receiver)
     reply->abort();
     reply->deleteLater();
     reply.clear();
-}
-
-bool IsTransient(int status)
-{
-    return status == HttpResult::Unreachable || status == HttpResult::TimedOut
-        || status == HttpStatus::TooManyRequests || status >= HttpStatus::ServerError;
 }

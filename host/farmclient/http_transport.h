@@ -1,9 +1,9 @@
 #pragma once
 
 #include "host/farmclient/farm_numbers.h"
+#include "host/farmclient/http_result.h"
 
 #include <QByteArray>
-#include <QJsonObject>
 #include <QNetworkAccessManager>
 #include <QPointer>
 #include <QString>
@@ -24,20 +24,6 @@ struct HttpRequest
     int attemptTime = 0;    ///< ms for each attempt; 0 for the transport's limit
     QByteArray contentType = QByteArrayLiteral("application/json"); ///< of the body
     std::vector<std::pair<QByteArray, QByteArray>> headers = {};    ///< additional headers
-};
-
-struct HttpResult
-{
-    // These replace the HTTP status when there is no usable answer.
-    static constexpr int Unreachable = -1;
-    static constexpr int TimedOut = -2;
-    static constexpr int TooLarge = -3;
-    static constexpr int NotJson = -4;
-
-    int status = Unreachable;
-    QJsonObject json;   ///< the answer's body, even of a failure; empty unless the body is a JSON object
-    QString error;      ///< sentence for the user; empty when status is 200
-    int retryAfter = 0; ///< seconds that the server asks clients to wait, at most an hour
 };
 
 /// Time and retry limits, in milliseconds.
@@ -74,12 +60,5 @@ private:
 /// @return the URL of the farm's interface on a server; empty for an empty URL.
 QUrl FarmApiRoot(const QUrl& server);
 
-/// @return whether a complete answer arrived, whatever its status; false when the exchange itself failed.
-bool IsAnswered(const QNetworkReply& reply);
-
 /// Aborts and clears the reply, if there is one, after disconnecting the receiver from it.
 void Discard(QPointer<QNetworkReply>& reply, const QObject* receiver);
-
-/// @param status an HTTP status or one of the replacements in HttpResult.
-/// @return whether the same request may succeed later.
-bool IsTransient(int status);

@@ -189,14 +189,6 @@
         <translation>%1 has changed on the farm.</translation>
     </message>
     <message>
-        <source>The farm refuses to send %1 (status %2).</source>
-        <translation>The farm refuses to send %1 (status %2).</translation>
-    </message>
-    <message>
-        <source>The farm cannot send %1 at the moment (status %2).</source>
-        <translation>The farm cannot send %1 at the moment (status %2).</translation>
-    </message>
-    <message>
         <source>The farm sent more data for %1 than announced.</source>
         <translation>The farm sent more data for %1 than announced.</translation>
     </message>
@@ -220,21 +212,17 @@
         <source>%1 cannot be saved: %2.</source>
         <translation>%1 cannot be saved: %2.</translation>
     </message>
+    <message>
+        <source>The farm cannot send %1 at the moment: %2</source>
+        <translation>The farm cannot send %1 at the moment: %2</translation>
+    </message>
+    <message>
+        <source>The farm refuses to send %1: %2</source>
+        <translation>The farm refuses to send %1: %2</translation>
+    </message>
 </context>
 <context>
     <name>HttpCall</name>
-    <message>
-        <source>The server cannot be reached: %1</source>
-        <translation>The server cannot be reached: %1</translation>
-    </message>
-    <message>
-        <source>The server&apos;s answer cannot be read.</source>
-        <translation>The server&apos;s answer cannot be read.</translation>
-    </message>
-    <message>
-        <source>The server answered with status %1.</source>
-        <translation>The server answered with status %1.</translation>
-    </message>
     <message>
         <source>The farm is not running at the moment.</source>
         <translation>The farm is not running at the moment.</translation>
@@ -246,6 +234,25 @@
     <message>
         <source>The server did not answer in time.</source>
         <translation>The server did not answer in time.</translation>
+    </message>
+</context>
+<context>
+    <name>HttpResult</name>
+    <message>
+        <source>The proxy asks for a name and a password, or refuses those it was given.</source>
+        <translation>The proxy asks for a name and a password, or refuses those it was given.</translation>
+    </message>
+    <message>
+        <source>The server answered with status %1.</source>
+        <translation>The server answered with status %1.</translation>
+    </message>
+    <message>
+        <source>The server cannot be reached: %1</source>
+        <translation>The server cannot be reached: %1</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer cannot be read.</source>
+        <translation>The server&apos;s answer cannot be read.</translation>
     </message>
 </context>
 <context>
@@ -1043,6 +1050,10 @@ Below files are missing:
     <message>
         <source>%1 (outside the scene&apos;s folder; will be sent if you go on)</source>
         <translation>%1 (outside the scene&apos;s folder; will be sent if you go on)</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s disk is full. Trying again.</source>
+        <translation>The farm&apos;s disk is full. Trying again.</translation>
     </message>
 </context>
 <context>

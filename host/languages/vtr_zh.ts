@@ -189,14 +189,6 @@
         <translation>渲染农场上的 %1 已更改。</translation>
     </message>
     <message>
-        <source>The farm refuses to send %1 (status %2).</source>
-        <translation>渲染农场拒绝发送 %1（状态 %2）。</translation>
-    </message>
-    <message>
-        <source>The farm cannot send %1 at the moment (status %2).</source>
-        <translation>渲染农场暂时无法发送 %1（状态 %2）。</translation>
-    </message>
-    <message>
         <source>The farm sent more data for %1 than announced.</source>
         <translation>渲染农场发送的 %1 数据多于其声明的大小。</translation>
     </message>
@@ -220,21 +212,17 @@
         <source>%1 cannot be saved: %2.</source>
         <translation>无法保存 %1：%2。</translation>
     </message>
+    <message>
+        <source>The farm cannot send %1 at the moment: %2</source>
+        <translation>渲染农场暂时无法发送 %1：%2</translation>
+    </message>
+    <message>
+        <source>The farm refuses to send %1: %2</source>
+        <translation>渲染农场拒绝发送 %1：%2</translation>
+    </message>
 </context>
 <context>
     <name>HttpCall</name>
-    <message>
-        <source>The server cannot be reached: %1</source>
-        <translation>无法连接服务器：%1</translation>
-    </message>
-    <message>
-        <source>The server&apos;s answer cannot be read.</source>
-        <translation>无法读取服务器的响应。</translation>
-    </message>
-    <message>
-        <source>The server answered with status %1.</source>
-        <translation>服务器返回状态码 %1。</translation>
-    </message>
     <message>
         <source>The farm is not running at the moment.</source>
         <translation>渲染农场目前没有运行。</translation>
@@ -246,6 +234,25 @@
     <message>
         <source>The server did not answer in time.</source>
         <translation>服务器响应超时。</translation>
+    </message>
+</context>
+<context>
+    <name>HttpResult</name>
+    <message>
+        <source>The proxy asks for a name and a password, or refuses those it was given.</source>
+        <translation>代理服务器要求用户名和密码，或拒绝了所提供的用户名和密码。</translation>
+    </message>
+    <message>
+        <source>The server answered with status %1.</source>
+        <translation>服务器返回状态码 %1。</translation>
+    </message>
+    <message>
+        <source>The server cannot be reached: %1</source>
+        <translation>无法连接服务器：%1</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer cannot be read.</source>
+        <translation>无法读取服务器的响应。</translation>
     </message>
 </context>
 <context>
@@ -1043,6 +1050,10 @@ Below files are missing:
     <message>
         <source>%1 (outside the scene&apos;s folder; will be sent if you go on)</source>
         <translation>%1（位于场景文件夹之外；继续则会一并发送）</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s disk is full. Trying again.</source>
+        <translation>渲染农场的磁盘已满。正在重试。</translation>
     </message>
 </context>
 <context>

@@ -31,10 +31,23 @@ const Behaviour behaviours[] = {
     {"failure after failure", {StandInServer::Http(503)}, 503, 3},
     {"asks to wait an hour", {StandInServer::Http(429, "{}", "Retry-After: 3600\r\n"), good}, 200, 2},
     {"always cut off", {Reply {good.bytes.chopped(10)}}, HttpResult::Unreachable, 3},
+    {"of a proxy", {StandInServer::Http(407)}, 407},
     {"silent", {StandInServer::Held({})}, HttpResult::TimedOut, 3, 100},
     {"huge", {StandInServer::Http(200, QByteArray(200000, ' ') + Account)}, HttpResult::TooLarge},
     {"not JSON", {StandInServer::Http(200, "<html>")}, HttpResult::NotJson},
     {"without data", {StandInServer::Http(200)}, HttpResult::NotJson},
+};
+
+struct Restart
+{
+    const char* name;
+    Reply reply;
+    int code;
+};
+const Restart restarts[] = {
+    {"closed without an answer", {}, HttpResult::Unreachable},
+    {"cut off", Reply {good.bytes.chopped(10)}, HttpResult::Unreachable},
+    {"not available", StandInServer::Http(503), 503},
 };
 
 struct Sending
@@ -179,6 +192,17 @@ private slots:
         QVERIFY(m_client->projects.isEmpty());
         EVENTUALLY_COMPARE(m_client->projects.count(), 1);
         QCOMPARE(m_client->projects[0][0].toInt(), HttpResult::Unreachable);
+    }
+
+    void DoesNotRepeatARestart_data() { AddRows(restarts); }
+    void DoesNotRepeatARestart()
+    {
+        QSignalSpy answers(&m_client->service, &VTCommunicationInterface::RestartJobResponse);
+        m_server->SetReplies({Row(restarts).reply});
+        m_client->Send(&Service::RestartJobs);
+        EVENTUALLY_COMPARE(answers.count(), 1);
+        QCOMPARE(answers[0][0].toInt(), Row(restarts).code);
+        QCOMPARE(m_server->Requests().size(), 1);
     }
 
     void DoesNotRepeatASignIn()

@@ -50,8 +50,7 @@ const TransferCase TransferCases[] = {
     {"too few bytes", {Whole(FrameData.left(CutAt)), Listed(Entry(FrameData)), Whole(FrameData)}, Finished,
         4},
     {"busy", {Answer(429, "Retry-After: 0\r\n"), Answer(503), Answer(408), Whole(FrameData)}, Finished, 5},
-    {"refused", {Answer(403)}, Failed, 2},
-    {"redirected", {Answer(302, "Location: /elsewhere\r\n"), Whole(FrameData)}, Finished, 3},
+    {"refused at length", {StandInServer::Http(403, QByteArray(3'000'000, 'x'))}, Failed, 2},
 };
 
 /// A link in the way of a file, its target, and what becomes of the file.

@@ -36,7 +36,7 @@ HttpReply Unpacked(const QByteArray& path, const QByteArray& checksum)
 
 HttpReply Status(int status, const QByteArray& headers = {})
 {
-    return StandInServer::Http(status, R"({"message": "So it is."})", headers);
+    return StandInServer::Http(status, R"({"error": "quota_exceeded", "message": "So it is."})", headers);
 }
 
 const char* const Unreadable

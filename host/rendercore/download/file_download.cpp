@@ -18,7 +18,6 @@
 namespace {
 
 constexpr int BlockBytes = 1024 * 1024;
-constexpr int LongestRetryAfter = 3600; // seconds
 
 /// The offset of a partial answer in a file of that size; -1 when the answer belongs to another file.
 qint64 RangeStart(const QByteArray& contentRange, qint64 size)
@@ -219,36 +218,36 @@ void FileDownload::Accept(int status)
     }
 }
 
-void FileDownload::Refuse(int status)
+void FileDownload::Refuse()
 {
-    const int seconds = std::clamp(m_reply->rawHeader("Retry-After").toInt(), 0, LongestRetryAfter);
-    if (status == HttpStatus::Unauthorized) {
+    const HttpResult result = HttpResult::Of(*m_reply, m_reply->read(BlockBytes));
+    if (result.status == HttpStatus::Unauthorized) {
         End(DownloadOutcome::SignedOut);
-    } else if (status == HttpStatus::NotFound || status == HttpStatus::PreconditionFailed) {
+    } else if (result.status == HttpStatus::NotFound || result.status == HttpStatus::PreconditionFailed) {
         End(DownloadOutcome::Outdated, tr("%1 has changed on the farm.").arg(m_task.name));
-    } else if (status == HttpStatus::RangeNotSatisfiable && !m_startedOver) {
+    } else if (result.status == HttpStatus::RangeNotSatisfiable && !m_startedOver) {
         m_startedOver = true;
         DropReply();
         StartOver();
         Ask();
-    } else if (status >= HttpStatus::BadRequest && status < HttpStatus::ServerError
-        && status != HttpStatus::RangeNotSatisfiable && status != HttpStatus::RequestTimeout
-        && !IsTransient(status)) {
-        End(DownloadOutcome::Failed,
-            tr("The farm refuses to send %1 (status %2).").arg(m_task.name, QString::number(status)));
-    } else {
+    } else if (result.IsTransient() || result.status == HttpStatus::RangeNotSatisfiable) {
         End(DownloadOutcome::Broken,
-            tr("The farm cannot send %1 at the moment (status %2).")
-                .arg(m_task.name, QString::number(status)),
-            seconds * 1000);
+            tr("The farm cannot send %1 at the moment: %2").arg(m_task.name, result.error),
+            result.retryAfter * 1000);
+    } else {
+        End(DownloadOutcome::Failed, tr("The farm refuses to send %1: %2").arg(m_task.name, result.error));
     }
 }
 
 void FileDownload::Receive()
 {
     const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (status != HttpStatus::Ok && status != HttpStatus::PartialContent)
-        return; // the body explains a refusal
+    if (status != HttpStatus::Ok && status != HttpStatus::PartialContent) {
+        // The body explains a refusal. A longer one than this would never end, because the buffer is bounded.
+        if (m_reply->bytesAvailable() >= BlockBytes)
+            Refuse();
+        return;
+    }
     if (!m_accepted)
         Accept(status);
     if (m_ended)
@@ -281,14 +280,14 @@ void FileDownload::Receive()
 
 void FileDownload::Conclude()
 {
+    const QPointer<QNetworkReply> reply = m_reply;
     Receive();
-    if (m_ended)
+    if (m_ended || m_reply != reply)
         return;
-    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     const QString error = m_reply->error() == QNetworkReply::NoError ? QString() : m_reply->errorString();
-    if (!m_accepted && status != 0)
-        Refuse(status);
-    else if (m_accepted && m_offset == m_task.size)
+    if (!m_accepted)
+        Refuse();
+    else if (m_offset == m_task.size)
         Finish();
     else
         End(DownloadOutcome::Broken,

@@ -73,7 +73,7 @@ private:
     void StartOver();
     void Ask();
     void Accept(int status);
-    void Refuse(int status);
+    void Refuse();
     void Receive();
     void Conclude();
     void Finish();

@@ -103,7 +103,7 @@ void OrderDesk::HandleAnswer(const DownloadOrder& order, const HttpResult& resul
     else if (result.status == HttpStatus::Unauthorized)
         emit SignedOut();
     else if (result.status == HttpResult::TooLarge
-        || (result.status >= HttpStatus::BadRequest && !IsTransient(result.status)))
+        || (result.status > 0 && result.status != HttpStatus::Ok && !result.IsTransient()))
         Close(order, result.error);
     else
         Postpone(order);

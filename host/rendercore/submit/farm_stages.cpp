@@ -282,17 +282,18 @@ bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
 {
     if (!result)
         return false;
-    const bool isFull = result->status == HttpStatus::InsufficientStorage;
+    const bool isFull = result->IsDiskFull();
     const bool isSignedOut = result->status == HttpStatus::Unauthorized;
-    if (isFull || !(isSignedOut || IsTransient(result->status)))
+    if (!isSignedOut && !result->IsTransient())
         return true;
     const bool isAway = result->status <= 0;
-    const char* const text = isAway ? SubmitText::Unreachable : SubmitText::Busy;
+    const char* const text
+        = isAway ? SubmitText::Unreachable : (isFull ? SubmitText::FarmFull : SubmitText::Busy);
     Repeat(m_request->task.next, QString::fromLatin1(isSignedOut ? SubmitText::SessionEnded : text));
     m_outcome.retryAfter = result->retryAfter;
     if (isSignedOut)
         m_outcome.obstacle = StageOutcome::Obstacle::Session;
-    else if (isAway || result->status == HttpStatus::TooManyRequests)
+    else if (isAway || isFull || result->status == HttpStatus::TooManyRequests)
         m_outcome.obstacle = StageOutcome::Obstacle::Farm;
     return false;
 }

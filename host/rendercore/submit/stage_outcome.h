@@ -28,7 +28,7 @@ struct StageOutcome
     /// The reason why a stage has to be tried again.
     enum class Obstacle {
         Request, ///< the farm answers, but cannot fulfil this request
-        Farm,    ///< the farm cannot be reached, or asks clients to wait
+        Farm,    ///< the farm cannot be reached, its disk is full, or it asks clients to wait
         Session  ///< the farm does not know the session
     };
 

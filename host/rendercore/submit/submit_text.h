@@ -8,6 +8,8 @@ namespace SubmitText {
 constexpr const char* Unreachable
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The farm cannot be reached. Trying again.");
 constexpr const char* Busy = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The farm is busy. Trying again.");
+constexpr const char* FarmFull
+    = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The farm's disk is full. Trying again.");
 constexpr const char* SessionEnded
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "Your session has ended. Please sign in again.");
 constexpr const char* Failing = QT_TRANSLATE_NOOP(

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QJsonObject>
+#include <QString>
+
+class QNetworkReply;
+
+/// The answer to a request, or the reason why there is none.
+struct HttpResult
+{
+    Q_DECLARE_TR_FUNCTIONS(HttpResult)
+
+public:
+    // These replace the HTTP status when there is no usable answer.
+    static constexpr int Unreachable = -1;
+    static constexpr int TimedOut = -2;
+    static constexpr int TooLarge = -3;
+    static constexpr int NotJson = -4;
+
+    int status = Unreachable;
+    QJsonObject json = {}; ///< the answer's body, even of a failure; empty unless the body is a JSON object
+    QString error = {};    ///< sentence for the user; empty when status is 200
+    int retryAfter = 0;    ///< seconds that the server asks clients to wait, at most an hour
+
+    /// @return the result of a finished exchange, whatever its status; an answer that was cut off is none.
+    static HttpResult Of(const QNetworkReply& reply, const QByteArray& body);
+
+    /// @return whether the same request may succeed later.
+    bool IsTransient() const;
+
+    /// @return whether the farm's disk is full, which no client can change; an exhausted quota is an answer to the client.
+    bool IsDiskFull() const;
+};
