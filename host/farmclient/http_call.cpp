@@ -1,6 +1,7 @@
 #include "host/farmclient/http_call.h"
 
 #include "host/farmclient/backoff.h"
+#include "host/farmclient/decompress.h"
 
 #include <QNetworkReply>
 
@@ -11,6 +12,8 @@ HttpCall::HttpCall(HttpTransport* transport, const HttpRequest& request, QObject
     , m_transport(transport)
     , m_request(request)
 {
+    // Without this header, Qt itself would ask for compression and decompress an answer of any size into memory.
+    m_request.headers.push_back({"Accept-Encoding", "gzip, deflate"});
     m_deadline.setSingleShot(true);
     m_pause.setSingleShot(true);
     connect(&m_deadline, &QTimer::timeout, this, &HttpCall::HandleTimeout);
@@ -27,6 +30,7 @@ void HttpCall::Attempt()
 {
     ++m_attempt;
     m_received.clear();
+    m_noted = 0;
     m_reply = m_transport->Begin(m_request);
     if (!m_reply) {
         EndAttempt({HttpResult::Unreachable, {}, tr("The farm is not running at the moment.")});
@@ -34,13 +38,28 @@ void HttpCall::Attempt()
     }
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpCall::Collect);
     connect(m_reply, &QNetworkReply::finished, this, &HttpCall::HandleFinished);
-    connect(m_reply, &QNetworkReply::uploadProgress, this, &HttpCall::Sent);
+    connect(m_reply, &QNetworkReply::uploadProgress, this, [this](qint64 bytes) {
+        if (bytes > 0)
+            m_deadline.start();
+        emit Sent(bytes);
+    });
     m_deadline.start(m_request.attemptTime > 0 ? m_request.attemptTime : m_transport->Limits().attemptTime);
+}
+
+/// An answer that keeps arriving moves the deadline, but one that drips does not, or it would never end.
+void HttpCall::NoteProgress(qint64 bytes)
+{
+    constexpr qint64 LeastProgress = 4096;
+    if (bytes - m_noted < LeastProgress)
+        return;
+    m_noted = bytes;
+    m_deadline.start();
 }
 
 void HttpCall::Collect()
 {
     m_received += m_reply->readAll();
+    NoteProgress(m_received.size());
     if (m_received.size() > m_transport->Limits().answerBytes)
         EndAttempt({HttpResult::TooLarge, {}, tr("The server's answer is too large.")});
 }
@@ -55,7 +74,23 @@ void HttpCall::HandleFinished()
     Collect();
     if (!m_reply)
         return;
+    if (!DecompressReceived()) {
+        EndAttempt({HttpResult::TooLarge, {}, tr("The server's answer is too large.")});
+        return;
+    }
     EndAttempt(HttpResult::Of(*m_reply, m_received));
+}
+
+/// A damaged stream leaves an empty answer, which is then refused as unreadable.
+/// @return false when the answer is larger than the limit.
+bool HttpCall::DecompressReceived()
+{
+    const QByteArray encoding = m_reply->rawHeader("Content-Encoding").toLower();
+    if (encoding != "gzip" && encoding != "deflate")
+        return true;
+    const qint64 most = m_transport->Limits().answerBytes;
+    m_received = Decompress(m_received, most).value_or(QByteArray());
+    return m_received.size() <= most;
 }
 
 void HttpCall::EndAttempt(const HttpResult& result)

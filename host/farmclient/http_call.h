@@ -27,6 +27,8 @@ signals:
 private:
     void Attempt();
     void Collect();
+    void NoteProgress(qint64 bytes);
+    bool DecompressReceived();
     void HandleTimeout();
     void HandleFinished();
     void EndAttempt(const HttpResult& result);
@@ -37,6 +39,7 @@ private:
     HttpRequest m_request;
     QPointer<QNetworkReply> m_reply;
     QByteArray m_received;
+    qint64 m_noted = 0;                 // bytes received when the deadline was moved last
     std::optional<HttpResult> m_result; // set when no attempt follows
     QTimer m_deadline;
     QTimer m_pause; // before the next attempt, or before the result is reported

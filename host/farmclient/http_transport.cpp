@@ -64,7 +64,7 @@ QNetworkReply* HttpTransport::Begin(const HttpRequest& request)
     message.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
     message.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("QuillStar/" QSCLIENT_VERSION));
     message.setRawHeader("Accept", "application/json");
-    // Uncompressed, so that the limit on an answer's size counts the bytes received.
+    // Files arrive as they are; a call that can decompress its answer says so itself.
     message.setRawHeader("Accept-Encoding", "identity");
     if (!request.token.isEmpty())
         message.setRawHeader("Authorization", "Bearer " + request.token);

@@ -21,7 +21,7 @@ struct HttpRequest
     QByteArray token;       ///< bearer token; empty for none
     QByteArray body;        ///< empty for none
     bool repeatable = true; ///< may be sent again when an attempt failed on the way
-    int attemptTime = 0;    ///< ms for each attempt; 0 for the transport's limit
+    int attemptTime = 0;    ///< ms without progress before an attempt has failed; 0 for the transport's limit
     QByteArray contentType = QByteArrayLiteral("application/json"); ///< of the body
     std::vector<std::pair<QByteArray, QByteArray>> headers = {};    ///< additional headers
 };
@@ -29,11 +29,11 @@ struct HttpRequest
 /// Time and retry limits, in milliseconds.
 struct HttpLimits
 {
-    int attemptTime = 10000; ///< for one attempt, from its start to the answer's last byte
+    int attemptTime = 10000; ///< without progress, after which an attempt has failed
     int attempts = 3;
     int firstPause = 300;    ///< before the second attempt; doubled before each further one
     int longestPause = 8000; ///< also caps the server's Retry-After
-    qint64 answerBytes = FarmNumbers::LongestAnswer;
+    qint64 answerBytes = FarmNumbers::LongestAnswer; ///< compressed as well as decompressed
 };
 
 /// Sends requests to one server. It follows no redirects, keeps no cookies and accepts no unverified certificates.

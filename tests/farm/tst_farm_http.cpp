@@ -105,6 +105,17 @@ private slots:
         }
     }
 
+    void CompressesAnswersWhenAsked()
+    {
+        for (const bool isAsked : {true, false}) {
+            const auto socket = m_farm.SendRaw("GET /api/v1/health HTTP/1.1\r\n"
+                + QByteArray(isAsked ? "Accept-Encoding: gzip, deflate\r\n" : "") + "\r\n");
+            QVERIFY(
+                QTest::qWaitFor([&] { return socket->state() == QTcpSocket::UnconnectedState; }, patienceMs));
+            QCOMPARE(socket->readAll().contains("Content-Encoding: gzip"), isAsked);
+        }
+    }
+
     void ShowsTheAccountAndItsProjects()
     {
         QCOMPARE(m_farm.Get("/account"_s).body,

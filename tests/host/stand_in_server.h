@@ -11,6 +11,7 @@ public:
     {
         QByteArray bytes;
         bool hold = false; ///< send nothing until Release
+        int pace = 0;      ///< bytes sent every tenth of a second; 0 for all at once
     };
 
     StandInServer()
@@ -75,7 +76,19 @@ private:
         const Reply reply = m_replies.size() > 1 ? m_replies.takeFirst() : m_replies.value(0);
         m_exchanges.append({socket, reply});
         if (!reply.hold)
+            Begin(socket, reply);
+    }
+
+    void Begin(QTcpSocket* socket, const Reply& reply)
+    {
+        if (reply.pace == 0 || reply.bytes.size() <= reply.pace) {
             Send(socket, reply.bytes);
+            return;
+        }
+        socket->write(reply.bytes.left(reply.pace));
+        QTimer::singleShot(100, socket, [=] {
+            Begin(socket, {reply.bytes.mid(reply.pace), false, reply.pace});
+        });
     }
 
     static void Send(QTcpSocket* socket, const QByteArray& bytes)

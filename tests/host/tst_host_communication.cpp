@@ -15,6 +15,13 @@ const QByteArray Session = R"({"loginname": "demo", "username": "u1", "data": {"
 
 const Reply good = StandInServer::Http(200, Account);
 
+Reply Compressed(const QByteArray& body, int cut = 0)
+{
+    constexpr int SizeOfQt = 4; // bytes before the zlib stream
+    return StandInServer::Http(
+        200, qCompress(body).mid(SizeOfQt).chopped(cut), "Content-Encoding: deflate\r\n");
+}
+
 struct Behaviour
 {
     const char* name;
@@ -34,6 +41,12 @@ const Behaviour behaviours[] = {
     {"of a proxy", {StandInServer::Http(407)}, 407},
     {"silent", {StandInServer::Held({})}, HttpResult::TimedOut, 3, 100},
     {"huge", {StandInServer::Http(200, QByteArray(200000, ' ') + Account)}, HttpResult::TooLarge},
+    {"slow", {Reply {StandInServer::Http(200, Account + QByteArray(90000, ' ')).bytes, false, 5000}}, 200, 1,
+        1000},
+    {"dripping", {Reply {good.bytes, false, 1}}, HttpResult::TimedOut, 3, 500},
+    {"compressed", {Compressed(Account)}, 200},
+    {"compressed and huge", {Compressed(QByteArray(200000, ' ') + Account)}, HttpResult::TooLarge},
+    {"compressed and cut", {Compressed(Account, 8)}, HttpResult::NotJson},
     {"not JSON", {StandInServer::Http(200, "<html>")}, HttpResult::NotJson},
     {"without data", {StandInServer::Http(200)}, HttpResult::NotJson},
 };
@@ -266,6 +279,20 @@ private slots:
         EVENTUALLY_COMPARE(m_client->lists.count(), 2);
         for (const int identifier : {0, 1})
             QCOMPARE(m_client->lists[identifier][1].toMap().value("identifier"_s).toInt(), identifier);
+    }
+
+    void AnswersARefreshOnceWhileTheListArrives()
+    {
+        QSignalSpy stops(&m_client->service, &VTCommunicationInterface::StopJobResponse);
+        const Reply list = StandInServer::Http(200, Jobs);
+        m_server->SetReplies({StandInServer::Held(list), StandInServer::Http(200), list});
+        Ask(&Service::GetJobList);
+        m_client->Send(&Service::GetJobList);
+        Ask(&Service::StopJobs);
+        EVENTUALLY_COMPARE(stops.count(), 1);
+        m_client->Send(&Service::GetJobList); // the list on its way may show the job as running
+        EVENTUALLY_COMPARE(m_client->lists.count(), 1);
+        QCOMPARE(m_server->Requests().size(), 3);
     }
 
     void DropsAnswersOfAnEndedSession()

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <optional>
+
+/// Decompresses a complete gzip or zlib stream.
+/// @param most bytes of the result; when there are more, the result is cut off somewhere beyond them, so that a small
+/// answer cannot fill the memory.
+/// @return none when the stream is damaged or incomplete.
+std::optional<QByteArray> Decompress(const QByteArray& bytes, qint64 most);
