@@ -25,6 +25,7 @@ CommunicationService::CommunicationService(const HttpLimits& limits, QObject* pa
 
 void CommunicationService::SetServerUrl(const QUrl& url)
 {
+    m_server = url;
     m_transport.SetBaseUrl(FarmApiRoot(url));
 }
 
@@ -80,11 +81,15 @@ int CommunicationService::GetJobList(const QVariant& status, const QVariantHash&
 {
     if (const int refusal = CheckRequest(status))
         return refusal;
-    // The answer for an earlier page must not arrive after the one for the page now shown.
     const QString key = QStringLiteral("identifier");
-    QPointer<HttpCall>& newest = m_jobLists[request.value(key).toInt()];
-    delete newest.data();
-    newest = Send(FarmProtocol::JobListRequest(request),
+    JobList& newest = m_jobLists[request.value(key).toInt()];
+    // Over a slow link, a list that each refresh replaced would never arrive.
+    if (newest.call && newest.request == request)
+        return StatusOk;
+    // The answer for an earlier page must not arrive after the one for the page now shown.
+    delete newest.call.data();
+    newest.request = request;
+    newest.call = Send(FarmProtocol::JobListRequest(request),
         {FarmProtocol::IsJobList, &VTCommunicationInterface::JobListResponse, Echo(request, {key})});
     return StatusOk;
 }
@@ -106,9 +111,14 @@ HttpCall* CommunicationService::Send(const HttpRequest& request, const Handling&
 {
     auto* call = new HttpCall(&m_transport, request, m_session.get());
     const bool ofSession = !request.token.isEmpty();
-    connect(call, &HttpCall::Finished, this, [this, handling, ofSession](const HttpResult& result) {
+    connect(call, &HttpCall::Finished, this, [this, handling, ofSession, call](const HttpResult& result) {
         const Answer answer = FarmProtocol::Decode(result, handling.check, handling.echo);
         const QPointer<QObject> session = m_session.get();
+        // After an action, a list on its way may show the jobs as they were, so the next request replaces it.
+        for (JobList& list : m_jobLists) {
+            if (handling.changesJobs || list.call == call)
+                list.request.clear();
+        }
         emit(this->*handling.response)(answer.code, answer.map);
         if (ofSession && answer.code == HttpStatus::Unauthorized && session)
             ReportExpiry();
@@ -127,8 +137,8 @@ int CommunicationService::Submit(const QVariant& status, const HttpRequest& requ
 int CommunicationService::SubmitAction(
     const QVariant& status, const QByteArray& action, const QVariantHash& request, Response response)
 {
-    return Submit(
-        status, FarmProtocol::JobActionRequest(action, request), {FarmProtocol::IsAnyObject, response});
+    return Submit(status, FarmProtocol::JobActionRequest(action, request),
+        {FarmProtocol::IsAnyObject, response, {}, true});
 }
 
 void CommunicationService::BeginSession()

@@ -16,6 +16,7 @@ class HttpCall;
 ///
 /// Every accepted request is answered by a signal, later, whatever happens to the server. The only exceptions are
 /// requests of an ended session and job lists that a newer request replaces: they are cancelled and never answered.
+/// A list that is asked for again while it arrives is answered once.
 class CommunicationService : public ServiceBase<VTCommunicationInterface>
 {
     Q_OBJECT
@@ -26,6 +27,7 @@ public:
 
     /// @param url root of the server, without the path of the farm's interface; empty while there is none.
     void SetServerUrl(const QUrl& url);
+    QUrl ServerUrl() const { return m_server; }
 
     /// Cancels the requests of an earlier session and starts a new one; answered by SignInResponse.
     void SignIn(const QString& name, const QString& password);
@@ -54,6 +56,14 @@ private:
         FarmProtocol::Check check;
         Response response;
         QVariantMap echo = {};
+        bool changesJobs = false;
+    };
+
+    /// A job list that is on its way.
+    struct JobList
+    {
+        QPointer<HttpCall> call;
+        QVariantHash request;
     };
 
     HttpCall* Send(const HttpRequest& request, const Handling& handling);
@@ -63,8 +73,9 @@ private:
     void BeginSession();
     void ReportExpiry();
 
+    QUrl m_server;
     HttpTransport m_transport;
-    std::unique_ptr<QObject> m_session;        // owns the session's calls, which end with it
-    QHash<int, QPointer<HttpCall>> m_jobLists; // the newest call by the request's identifier
+    std::unique_ptr<QObject> m_session; // owns the session's calls, which end with it
+    QHash<int, JobList> m_jobLists;     // the newest by the request's identifier
     bool m_expiryReported = false;
 };
