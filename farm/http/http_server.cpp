@@ -4,6 +4,7 @@
 #include "farm/http/api_json.h"
 #include "farm/http/byte_range.h"
 #include "farm/http/http_refusal.h"
+#include "storage/disk_full.h"
 
 #include <QJsonDocument>
 
@@ -24,6 +25,8 @@ constexpr std::size_t FileBlock = std::size_t {64} * 1024;     // bytes
 // Many, because threads mostly wait for clients and for the disk.
 constexpr int ThreadCount = 64;
 constexpr int IoTimeout = 5; // s
+// The library lets five connections wait. In a burst others are dropped, and their clients try again after a second.
+constexpr int Backlog = 1024;
 
 void Answer(httplib::Response& response, int status, const QJsonObject& body)
 {
@@ -42,6 +45,12 @@ void Refuse(httplib::Response& response, const HttpRefusal& refusal)
 HttpRefusal InternalError(int status = 500)
 {
     return {status, "internal", QStringLiteral("the farm could not handle the request")};
+}
+
+HttpRefusal DiskFull()
+{
+    constexpr int Pause = 30; // s
+    return {507, "disk_full", QStringLiteral("the farm's disk is full; try again later"), Pause};
 }
 
 // The library decompresses bodies, and reads bodies of unknown length, without any limit on their size.
@@ -147,7 +156,7 @@ httplib::Server::Handler Wrap(std::size_t largest, Answering answer)
                 Refuse(response, HttpRefusalFor(refusal));
             } catch (const std::exception& error) {
                 spdlog::error("{} {} failed: {}", request.method, request.path, error.what());
-                Refuse(response, InternalError());
+                Refuse(response, storage::IsDiskFull(error) ? DiskFull() : InternalError());
             }
         };
 }
@@ -222,7 +231,8 @@ void HttpServer::SetUp()
     // An idle keep-alive connection would occupy a thread.
     m_server->set_keep_alive_max_count(1);
     // The library's default, SO_REUSEPORT, would let two servers share a port.
-    m_server->set_socket_options([](socket_t socket) {
+    m_server->set_socket_options([this](socket_t socket) {
+        m_listener = socket;
         const int yes = 1;
         ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
     });
@@ -269,6 +279,8 @@ int HttpServer::Start(const QString& address, int port)
         = port == 0 ? (port = m_server->bind_to_any_port(host)) > 0 : m_server->bind_to_port(host, port);
     if (!bound)
         throw std::runtime_error("cannot listen on " + host);
+    // The library listens already; to listen again only lengthens the queue.
+    ::listen(m_listener, Backlog);
     m_thread = std::thread([this] { m_server->listen_after_bind(); });
     while (!m_server->is_running())
         std::this_thread::yield();

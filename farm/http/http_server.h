@@ -79,6 +79,7 @@ private:
     void SetUp();
 
     std::unique_ptr<httplib::Server> m_server;
+    int m_listener = -1; // the socket, which belongs to m_server
     std::thread m_thread;
 };
 

@@ -2,6 +2,7 @@
 
 #include "farm/rendering/scene_files.h"
 #include "storage/checksum.h"
+#include "storage/disk_full.h"
 #include "storage/durable_file.h"
 
 #include <QDir>
@@ -9,6 +10,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#include <cerrno>
 #include <stdexcept>
 #include <unistd.h>
 
@@ -59,7 +61,7 @@ RenderPlace FrameFiles::Prepare(const FrameTask& task, const QString& suffix) co
     MakeFolder(folder);
     RenderPlace place = PlaceOf(task, suffix);
     if (!QDir().mkpath(place.outputFolder))
-        throw std::runtime_error("cannot create the folder of unfinished frames");
+        storage::ThrowWriteError("cannot create the folder of unfinished frames", folder.path(), 0);
     QFile::remove(place.Output());
     if (task.beginsRun)
         RemoveFrames(folder, suffix);
@@ -94,9 +96,16 @@ void FrameFiles::MakeFolder(const QDir& folder) const
     if (folder.exists())
         return;
     if (!folder.mkpath(QStringLiteral(".")))
-        throw std::runtime_error("cannot create the job's folder");
+        storage::ThrowWriteError("cannot create the job's folder", m_folder, 0);
     storage::SyncToDisk(m_folder);
     storage::SyncToDisk(QFileInfo(m_folder).path());
+}
+
+void FrameFiles::RequireRoom() const
+{
+    constexpr qint64 LargePicture = 16 * 1024 * 1024; // bytes
+    if (storage::LacksRoom(m_folder, LargePicture))
+        throw storage::DiskError("the disk is full", ENOSPC);
 }
 
 Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix) const

@@ -41,6 +41,8 @@ public:
     /// Creates the job's folder with its scene; removes the files of earlier attempts at the frame and of earlier runs.
     /// Throws std::runtime_error.
     RenderPlace Prepare(const FrameTask& task, const QString& suffix) const;
+    /// Throws storage::DiskError when the disk is so full that a renderer may have failed for that reason.
+    void RequireRoom() const;
     /// Moves a rendered frame to its place; it is on the disk when it returns. Throws std::runtime_error.
     Picture Keep(const FrameTask& task, const QString& suffix) const;
 

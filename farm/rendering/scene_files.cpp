@@ -3,6 +3,7 @@
 #include "farm/base/safe_path.h"
 #include "farm/jobs/job_files.h"
 #include "farm/uploads/content_store.h"
+#include "storage/disk_full.h"
 #include "storage/durable_file.h"
 
 #include <QDirIterator>
@@ -26,7 +27,7 @@ void SyncTree(const QString& folder)
 void Make(const QDir& folder)
 {
     if (!folder.mkpath(QStringLiteral(".")))
-        throw std::runtime_error("cannot create the folder of the scene");
+        storage::ThrowWriteError("cannot create the folder of the scene", QFileInfo(folder.path()).path(), 0);
 }
 
 } // namespace
@@ -79,7 +80,7 @@ void SceneFiles::CopyShipped(const QString& scene, const QDir& folder) const
     if (!QFileInfo::exists(shipped))
         throw std::runtime_error("the scene file is missing");
     if (!QFile::copy(shipped, folder.filePath(scene)))
-        throw std::runtime_error("cannot write the scene file");
+        storage::ThrowWriteError("cannot write the scene file", folder.path(), QFileInfo(shipped).size());
 }
 
 } // namespace farm

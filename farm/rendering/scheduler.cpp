@@ -3,6 +3,7 @@
 #include "farm/base/local_time.h"
 #include "farm/rendering/frame_files.h"
 #include "farm/rendering/render_queue.h"
+#include "storage/disk_full.h"
 
 #include <QFileInfo>
 
@@ -56,9 +57,8 @@ void Scheduler::Nudge()
         const QStringList types = RunnableTypes();
         while (static_cast<int>(m_rendering.size()) < m_executor.Slots()) {
             const auto task = m_queue.Next(types, m_lastJob, m_rendering);
-            if (!task)
+            if (!task || !StartFrame(*task))
                 return;
-            StartFrame(*task);
         }
     } catch (const std::exception& error) {
         spdlog::error("the jobs cannot be read; the scheduler tries again soon: {}", error.what());
@@ -98,7 +98,8 @@ void Scheduler::CancelUnwantedFrames()
     }
 }
 
-void Scheduler::StartFrame(const FrameTask& task)
+/// @return false when the disk is full, so that no frame can be started now.
+bool Scheduler::StartFrame(const FrameTask& task)
 {
     m_lastJob = task.key.job;
     m_queue.Start(task.key.job);
@@ -108,11 +109,17 @@ void Scheduler::StartFrame(const FrameTask& task)
         m_executor.Start(task.key, CommandFor(task, type, place),
             [this, task](const RenderResult& result) { FrameEnded(task, result); });
     } catch (const std::runtime_error& error) {
+        // A full disk is no fault of the job: the frame keeps its attempts, and the timer starts it again.
+        if (storage::IsDiskFull(error)) {
+            spdlog::error("job {} waits for space on the disk: {}", task.jobId.toStdString(), error.what());
+            return false;
+        }
         FrameFailed(task, QString::fromUtf8(error.what()));
-        return;
+        return true;
     }
     m_rendering.insert(task.key);
     spdlog::debug("job {} frame {} started", task.jobId.toStdString(), task.Number());
+    return true;
 }
 
 void Scheduler::FrameEnded(const FrameTask& task, const RenderResult& result)
@@ -131,6 +138,7 @@ void Scheduler::FrameEnded(const FrameTask& task, const RenderResult& result)
 void Scheduler::Record(const FrameTask& task, const RenderResult& result)
 {
     if (!result.ok) {
+        m_files.RequireRoom();
         FrameFailed(task, result.message);
         return;
     }
@@ -138,6 +146,8 @@ void Scheduler::Record(const FrameTask& task, const RenderResult& result)
     try {
         picture = m_files.Keep(task, m_types.value(task.type).suffix);
     } catch (const std::runtime_error& error) {
+        if (storage::IsDiskFull(error))
+            throw;
         FrameFailed(task, QString::fromUtf8(error.what()));
         return;
     }

@@ -39,7 +39,7 @@ signals:
 private:
     QStringList RunnableTypes();
     void CancelUnwantedFrames();
-    void StartFrame(const FrameTask& task);
+    bool StartFrame(const FrameTask& task);
     void FrameEnded(const FrameTask& task, const RenderResult& result);
     void Record(const FrameTask& task, const RenderResult& result);
     void FrameFailed(const FrameTask& task, const QString& message);

@@ -2,6 +2,7 @@
 
 #include "farm/base/random.h"
 #include "storage/checksum.h"
+#include "storage/disk_full.h"
 #include "storage/durable_file.h"
 
 #include <QDir>
@@ -25,7 +26,7 @@ QString Incoming()
 void MakeFolder(const QString& path)
 {
     if (!QDir().mkpath(path))
-        throw std::runtime_error("cannot create a folder for file contents");
+        storage::ThrowWriteError("cannot create a folder for file contents", QFileInfo(path).path(), 0);
 }
 
 } // namespace
@@ -149,7 +150,8 @@ std::int64_t ContentStore::BytesWith(std::int64_t account, const std::vector<Unp
 void ContentStore::CopyTo(const QString& checksum, const QString& target) const
 {
     if (!QFile::copy(FileOf(checksum), target))
-        throw std::runtime_error("a file of the scene is missing or cannot be copied");
+        storage::ThrowWriteError("a file of the scene is missing or cannot be copied",
+            QFileInfo(target).path(), QFileInfo(FileOf(checksum)).size());
     if (storage::FileChecksum(target) == checksum)
         return;
     // Once the damaged file is gone, the content counts as unknown and the client sends it again.

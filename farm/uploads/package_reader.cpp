@@ -2,6 +2,7 @@
 
 #include "farm/base/safe_path.h"
 #include "storage/checksum.h"
+#include "storage/disk_full.h"
 #include "storage/durable_file.h"
 
 #include <QDir>
@@ -137,17 +138,17 @@ UnpackedFile UnpackEntry(zip_t* archive, zip_uint64_t index, const EntryInfo& en
 {
     QFile file(target);
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-        throw std::runtime_error("cannot write an unpacked file");
+        storage::ThrowWriteError("cannot write an unpacked file", QFileInfo(target).path(), entry.size);
     storage::Sha256 hash;
     ReadEntry(archive, index, entry.size, [&](const char* bytes, int count) {
         if (!goOn())
             throw Interrupted();
         hash.Add(bytes, count);
         if (file.write(bytes, count) != count)
-            throw std::runtime_error("cannot write an unpacked file");
+            storage::ThrowWriteError("cannot write an unpacked file", QFileInfo(target).path(), entry.size);
     });
     if (!file.flush())
-        throw std::runtime_error("cannot write an unpacked file");
+        storage::ThrowWriteError("cannot write an unpacked file", QFileInfo(target).path(), entry.size);
     storage::SyncToDisk(target);
     return {{entry.path, entry.size, hash.Result()}, target};
 }

@@ -111,7 +111,7 @@ private slots:
             const auto socket = m_farm.SendRaw("GET /api/v1/health HTTP/1.1\r\n"
                 + QByteArray(isAsked ? "Accept-Encoding: gzip, deflate\r\n" : "") + "\r\n");
             QVERIFY(
-                QTest::qWaitFor([&] { return socket->state() == QTcpSocket::UnconnectedState; }, patienceMs));
+                QTest::qWaitFor([&] { return socket->state() == QTcpSocket::UnconnectedState; }, Patience));
             QCOMPARE(socket->readAll().contains("Content-Encoding: gzip"), isAsked);
         }
     }

@@ -20,6 +20,8 @@ inline QStringList diskCalls;
 inline std::atomic<bool> diskFails = false;
 /// The bytes that all disks have left; -1 for as many as they have.
 inline std::atomic<qint64> diskFree = -1;
+/// Makes syncing the file of this name fail, as on a full disk. Set it while no other thread writes.
+inline QString fullFile;
 
 namespace disk_calls {
 
@@ -35,8 +37,9 @@ inline int Sync(int file, long call)
 {
     const QString path = QFileInfo(QStringLiteral("/proc/self/fd/%1").arg(file)).symLinkTarget();
     Record(QStringLiteral("sync ") + QFileInfo(path).fileName());
-    errno = EIO;
-    return diskFails ? -1 : int(::syscall(call, file));
+    const bool isFull = !fullFile.isEmpty() && path.endsWith(fullFile);
+    errno = isFull ? ENOSPC : EIO;
+    return diskFails || isFull ? -1 : int(::syscall(call, file));
 }
 
 } // namespace disk_calls

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+
+#include <exception>
+
+namespace storage {
+
+/// @return whether the error says that a disk, or the user's share of it, is full.
+bool IsDiskFull(const std::exception& error);
+
+/// @return whether the disk of the folder has no room for that many bytes.
+bool LacksRoom(const QString& folder, qint64 bytes);
+
+/// Throws DiskError: a file could not be written below `folder`, by a function that does not tell why.
+/// @param bytes that were to be written.
+[[noreturn]] void ThrowWriteError(const char* what, const QString& folder, qint64 bytes);
+
+} // namespace storage
