@@ -1,22 +1,31 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 namespace farm {
 
-/// Reserves a data folder for one farm. The operating system releases it when the process ends, even by a crash.
+/// Reserves a data folder for one farm. The operating system releases it when the process ends, even by a crash. Only the
+/// lock of a machine that has gone away while it used a shared disk can stay; it has to be taken over.
 class DataLock
 {
 public:
     /// Waits up to `waitMs` milliseconds for a farm that is shutting down.
-    /// Throws std::runtime_error when another farm uses the folder.
-    DataLock(const QString& folder, int waitMs);
+    /// Throws std::runtime_error, which names the holder, when another farm uses the folder.
+    /// @param takeOver ignores a lock that another machine holds.
+    DataLock(const QString& folder, int waitMs, bool takeOver = false);
     ~DataLock();
 
     DataLock(const DataLock&) = delete;
     DataLock& operator=(const DataLock&) = delete;
 
 private:
+    void Open();
+    bool Wait(int waitMs) const;
+    void WriteHolder() const;
+    QString Holder() const;
+
+    QByteArray m_path;
     int m_file = -1;
 };
 

@@ -22,7 +22,7 @@ constexpr std::chrono::hours ForgetInterval {1};
 Farm::Farm(const FarmSettings& settings)
     : m_settings(settings)
     , m_dataFolder(MakeFolder(settings.dataFolder))
-    , m_lock(m_dataFolder, LockWait)
+    , m_lock(m_dataFolder, LockWait, settings.takeOver)
     , m_database(DatabaseFile(m_dataFolder), Schema())
     , m_accounts(m_database, settings.sessionSeconds)
     , m_jobs(m_database)

@@ -40,6 +40,8 @@ struct FarmSettings
     bool demo = true;
     /// The most bytes that the contents and unfinished uploads of an account may take.
     std::int64_t quota = std::int64_t {20} * 1024 * 1024 * 1024;
+    /// Ignores a lock of the data folder that another machine holds.
+    bool takeOver = false;
     RequestLimits limits;
 };
 

@@ -143,6 +143,8 @@ void AddOptions(QCommandLineParser& parser)
         {QStringLiteral("credit"),
             QStringLiteral("Pay an amount, given after the name, into this account, then exit."),
             QStringLiteral("name> <amount")},
+        {QStringLiteral("take-over"),
+            QStringLiteral("Ignore the lock of another machine that has left it on a shared disk.")},
         {QStringLiteral("stop-with-stdin"), QStringLiteral("Exit at the end of standard input.")},
         {QStringLiteral("log-level"), QStringLiteral("trace, debug, info, warning, error, critical or off."),
             QStringLiteral("level"), QStringLiteral("info")},
@@ -174,6 +176,7 @@ Options ReadOptions()
     options.settings.pricePerCoreSecond
         = AmountOf(parser.value(QStringLiteral("price")), QStringLiteral("price"), 0, DearestCoreSecond);
     options.settings.quota = IntegerOption(parser, QStringLiteral("quota"), 0, MostGibibytes) * Gibibyte;
+    options.settings.takeOver = parser.isSet(QStringLiteral("take-over"));
     options.settings.demo = !parser.isSet(QStringLiteral("no-demo"));
     options.stopWithStdin = parser.isSet(QStringLiteral("stop-with-stdin"));
     return options;

@@ -9,7 +9,7 @@
 #include "farm/uploads/content_store.h"
 #include "farm/uploads/upload_store.h"
 #include "storage/durable_file.h"
-#include "tests/farm/farm_fixture.h"
+#include "tests/farm/farm_at_work.h"
 #include "tests/farm/package_fixture.h"
 #include "tests/support/disk_calls.h"
 
@@ -37,6 +37,7 @@ private slots:
     {
         m_folder = std::make_unique<QTemporaryDir>();
         diskFails = false;
+        fullFile.clear();
     }
 
     void SignInNeedsNameAndPassword()
@@ -149,6 +150,31 @@ private slots:
         QVERIFY(Ordered({"sync frame_0001.png"_s, "rename frame_0001.png"_s, Sync + added.id, Record()}));
     }
 
+    void WaitsForSpaceOnTheDisk()
+    {
+        FarmAtWork farm;
+        farm.settings.lookInterval = std::chrono::milliseconds(20);
+        farm.Start(ScriptedTypes("echo picture > {output}"));
+        const QByteArray package = Package({{"scene.txt", "a scene"}});
+        fullFile = farm.BeginUpload(package).Data("id").toString();
+        const Reply full = farm.Put(fullFile, 0, package);
+        QCOMPARE(full.status, 507);
+        QCOMPARE(full.Error(), "disk_full"_s);
+        QVERIFY(!full.retryAfter.isEmpty());
+        fullFile = "scene.unfinished/scene.txt"_s;
+        const QString job = farm.Add(1);
+        int attempts = 0;
+        QVERIFY(QTest::qWaitFor(
+            [&attempts] {
+                attempts += TakeDiskCalls().count("sync scene.txt"_s);
+                return attempts > 5; // a frame has three
+            },
+            Patience));
+        QCOMPARE(farm.Status(job), JobStatus::Running);
+        fullFile.clear();
+        QVERIFY(QTest::qWaitFor([&] { return farm.Status(job) == JobStatus::Finished; }, Patience));
+    }
+
     void AnUploadIsHeldByOneThreadAtATime()
     {
         UploadLocks locks;
@@ -191,9 +217,17 @@ private slots:
 
     void AFolderServesOneFarmAtATime()
     {
-        auto first = std::make_unique<DataLock>(m_folder->path(), 0);
-        QVERIFY_EXCEPTION_THROWN(DataLock(m_folder->path(), 0), std::runtime_error);
-        first.reset();
+        {
+            const DataLock first(m_folder->path(), 0);
+            // A process of this machine is never overruled; the lock file of another one may have stayed.
+            const QString why = Failure([this] { DataLock(m_folder->path(), 0, true); });
+            QVERIFY2(
+                why.contains(": process %1 on "_s.arg(QCoreApplication::applicationPid())), qPrintable(why));
+            QVERIFY(WriteFile(Path("farm.lock"_s), "process 4711 on elsewhere"));
+            QVERIFY(
+                Failure([this] { DataLock(m_folder->path(), 0); }).endsWith("process 4711 on elsewhere"_s));
+            const DataLock taken(m_folder->path(), 0, true);
+        }
         const DataLock next(m_folder->path(), 0);
     }
 
