@@ -1,12 +1,13 @@
 #include "host/app/client_host.h"
 #include "host/app/host_options.h"
+#include "host/process/data_folder.h"
 #include "host/process/single_instance.h"
 #include "host/process/termination_signals.h"
 #include "host/tour/screenshot_tour.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QLockFile>
+#include <QFileInfo>
 
 #include <cstdio>
 #include <memory>
@@ -17,14 +18,6 @@ int Fail(const QString& message)
 {
     std::fprintf(stderr, "quillstar: %s\n", qUtf8Printable(message));
     return 1;
-}
-
-/// Keeps clients with other configurations away from the same databases.
-/// @return false when another client holds the lock.
-bool Lock(QLockFile& lock)
-{
-    lock.setStaleLockTime(0);
-    return lock.tryLock(0) || lock.error() != QLockFile::LockFailedError;
 }
 
 } // namespace
@@ -55,12 +48,13 @@ int main(int argc, char* argv[])
         return 0;
     }
 
-    const QString transferFolder = options.dataFolder + QLatin1String("/transfer");
-    QDir().mkpath(transferFolder);
-    QLockFile dataLock(transferFolder + QLatin1String("/client.lock"));
-    if (!Lock(dataLock))
-        return Fail(
-            QStringLiteral("the client is already running with the data in %1").arg(options.dataFolder));
+    // Clients with other configurations must not use the same databases.
+    DataFolder data(options.dataFolder);
+    if (!data.Lock(options.takeOver, &error))
+        return Fail(error);
+    QDir().mkpath(QFileInfo(options.configFile).path());
+    if (!QFileInfo::exists(options.configFile))
+        MakePrivateFile(options.configFile);
 
     ClientHost host(options);
     const TerminationSignals termination;

@@ -72,7 +72,7 @@ bool ClientHost::Start(QString* error)
     if (!StartPlugin(error))
         return false;
     m_session = std::make_unique<SessionControl>(
-        &m_services.loader, &m_services.communication, &m_services.settings);
+        &m_services.loader, &m_services.communication, &m_services.settings, &m_services.messageBox);
     ConnectSession();
     m_services.scenes.Submit(m_options.scenes);
     if (!SetAccount(embedded, error))
@@ -152,10 +152,17 @@ void ClientHost::StartFarm()
     m_farm
         = std::make_unique<FarmProcess>(m_options.farmProgram, m_options.dataFolder + QLatin1String("/farm"));
     connect(m_farm.get(), &FarmProcess::Listening, this, &ClientHost::UseServer);
-    connect(m_farm.get(), &FarmProcess::Lost, this, [this] { UseNoServer(); });
+    m_farm->SetTakeOver(m_options.takeOver);
+    connect(m_farm.get(), &FarmProcess::Lost, this, [this](const QString& reason) {
+        UseNoServer();
+        // A farm that has never listened may not do so at its next starts either, which take half a minute.
+        if (!m_sessionBegun)
+            m_session->ShowFailure(tr("The embedded farm does not start: %1").arg(reason));
+    });
     connect(m_farm.get(), &FarmProcess::GivenUp, this, [this](const QString& reason) {
-        qCritical().noquote() << "the embedded farm keeps crashing:" << reason;
-        m_session->ShowFailure(tr("The embedded farm could not be started. Please restart the client."));
+        qCritical().noquote() << "the embedded farm is not started again:" << reason;
+        m_session->ShowFailure(
+            tr("The embedded farm could not be started. Please restart the client. %1").arg(reason));
     });
     m_farm->Start();
 }

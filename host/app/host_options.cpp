@@ -50,6 +50,7 @@ void AddOptions(QCommandLineParser& parser)
     add("user", "Sign in as <NAME>.", "NAME");
     add("password-file", "Read the password for --user from the first line of <FILE>.", "FILE");
     add("no-auto-sign-in", "Show the sign-in window even if a user name and password are known.", "");
+    add("take-over", "Use the data even if another machine has left it locked.", "");
     add("skin", "Use the skin <NAME>.", "NAME");
     add("language", "Use the language <LOCALE>, for example en.", "LOCALE");
     add("log-level", "Log messages of <LEVEL> and above: trace, debug, info, warning, error or critical.",
@@ -92,6 +93,7 @@ bool HostOptions::Parse(const QStringList& arguments, QString* error)
     user = value("user");
     passwordFile = AbsolutePath(value("password-file"));
     autoSignIn = !parser.isSet(QStringLiteral("no-auto-sign-in"));
+    takeOver = parser.isSet(QStringLiteral("take-over"));
     skin = value("skin");
     language = value("language");
     logLevel = value("log-level");
@@ -105,7 +107,7 @@ bool HostOptions::Parse(const QStringList& arguments, QString* error)
         scenes.append(AbsolutePath(scene));
 
     if (!serverText.isEmpty() && server.isEmpty())
-        *error = QStringLiteral("not the URL of a server: %1").arg(serverText);
+        *error = QStringLiteral("not the URL of a server: %1").arg(QUrl(serverText).toDisplayString());
     else if (!LogOptions::Levels().contains(logLevel))
         *error = QStringLiteral("unknown log level: %1").arg(logLevel);
     else if (user.isEmpty() != passwordFile.isEmpty())

@@ -19,6 +19,7 @@ struct HostOptions
     QString downloadFolder; ///< for accounts that have chosen none; empty for the configured one
     QString pluginFile;
     QString farmProgram;
+    bool takeOver = false;    ///< uses data that another machine has left locked
     QString screenshotFolder; ///< empty for no tour of screenshots
     QStringList scenes;       ///< files to submit
 

@@ -4,14 +4,27 @@
 #include "host/services/communication_service.h"
 #include "host/services/ui_loader_service.h"
 #include "host/settings/setting_keys.h"
+#include "vtr_messagboxinterface.h"
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QHostAddress>
 #include <QMenu>
+#include <QPointer>
 #include <QSystemTrayIcon>
 #include <QWidget>
 
 namespace {
+
+constexpr int KindQuestion = 4;
+
+/// @return whether a password for the server passes a network without encryption.
+bool IsReadableOnTheWay(const QUrl& server)
+{
+    const QString host = server.host();
+    const bool isHere = host == QLatin1String("localhost") || QHostAddress(host).isLoopback();
+    return server.scheme() == QLatin1String("http") && !isHere;
+}
 
 QString SignInKey()
 {
@@ -27,11 +40,12 @@ void RequestSignOut()
 } // namespace
 
 SessionControl::SessionControl(UiLoaderService* loader, CommunicationService* communication,
-    VTSettingsInterface* settings, QObject* parent)
+    VTSettingsInterface* settings, VTMessagboxInterface* messageBox, QObject* parent)
     : QObject(parent)
     , m_loader(loader)
     , m_communication(communication)
     , m_settings(settings)
+    , m_messageBox(messageBox)
     , m_window(loader, nullptr)
 {
     m_loader->RegisterWindow(SignInKey(), m_window.Form());
@@ -94,7 +108,41 @@ bool SessionControl::eventFilter(QObject* watched, QEvent* event)
 void SessionControl::SignIn(const QString& name, const QString& password)
 {
     m_window.SetBusy(true);
-    m_communication->SignIn(name, password);
+    const QPointer<SessionControl> self = this;
+    const bool isAllowed = MaySendPassword();
+    if (!self)
+        return;
+    if (isAllowed)
+        m_communication->SignIn(name, password);
+    else
+        m_window.SetBusy(false);
+}
+
+/// Asks once a server before a password travels unencrypted to another machine.
+bool SessionControl::MaySendPassword()
+{
+    const QUrl server = m_communication->ServerUrl();
+    if (!IsReadableOnTheWay(server))
+        return true;
+    const QString name = server.toString();
+    QStringList agreed = m_settings->Value(SettingKeys::PlainServers, {}).toStringList();
+    if (agreed.contains(name))
+        return true;
+    ShowSignIn();
+    const QString send = QStringLiteral("btnMessageBox_2");
+    const QPointer<SessionControl> self = this;
+    const QString pressed = m_messageBox->ShowMessage(KindQuestion, tr("Sign in"), {},
+        m_window.Form()->windowIcon(),
+        tr("The connection to %1 is not encrypted. Others on the way can read your password. Send it all the "
+           "same?")
+            .arg(name),
+        {{QStringLiteral("btnMessageBox_1"), tr("Cancel")}, {send, tr("Send")}}, false);
+    // The server may be another one after the question.
+    if (!self || pressed != send || m_communication->ServerUrl() != server)
+        return false;
+    agreed.append(name);
+    m_settings->SetValue(SettingKeys::PlainServers, agreed);
+    return true;
 }
 
 void SessionControl::HandleSignInAnswer(int code, const QVariantMap& answer)

@@ -9,6 +9,7 @@
 
 class CommunicationService;
 class UiLoaderService;
+class VTMessagboxInterface;
 class VTSettingsInterface;
 
 /// Signs the user in and out and shows the window that belongs to the session: the sign-in window or the main window.
@@ -19,7 +20,7 @@ class SessionControl : public QObject
 public:
     /// Create it after the plugin has started, so that the main window receives each answer first.
     SessionControl(UiLoaderService* loader, CommunicationService* communication,
-        VTSettingsInterface* settings, QObject* parent = nullptr);
+        VTSettingsInterface* settings, VTMessagboxInterface* messageBox, QObject* parent = nullptr);
 
     bool IsSignedIn() const { return m_signedIn; }
     QWidget* SignInForm() { return m_window.Form(); }
@@ -49,6 +50,7 @@ protected:
 
 private:
     void SignIn(const QString& name, const QString& password);
+    bool MaySendPassword();
     void HandleSignInAnswer(int code, const QVariantMap& answer);
     static QString FailureText(int code, const QString& message);
     void HandleSignOutAnswer();
@@ -59,6 +61,7 @@ private:
     UiLoaderService* m_loader;
     CommunicationService* m_communication;
     VTSettingsInterface* m_settings;
+    VTMessagboxInterface* m_messageBox;
     SignInWindow m_window;
     QAction m_signOut;
     QString m_name;

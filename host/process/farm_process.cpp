@@ -5,9 +5,12 @@
 #include <QDebug>
 #include <QRegularExpression>
 
+#include <cstdio>
+
 namespace {
 
 constexpr int LongestPause = 60000; // ms before a restart
+constexpr int KeptLog = 4096;       // bytes
 
 } // namespace
 
@@ -25,8 +28,8 @@ FarmProcess::FarmProcess(
 {
     m_startDeadline.setSingleShot(true);
     m_restart.setSingleShot(true);
-    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     connect(&m_process, &QProcess::readyReadStandardOutput, this, &FarmProcess::ReadOutput);
+    connect(&m_process, &QProcess::readyReadStandardError, this, &FarmProcess::ReadLog);
     connect(&m_process, qOverload<int, QProcess::ExitStatus>(&QProcess::finished), this,
         &FarmProcess::HandleExit);
     connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
@@ -60,14 +63,15 @@ void FarmProcess::Stop()
     if (m_process.state() == QProcess::NotRunning)
         return;
     m_process.closeWriteChannel();
-    if (m_process.waitForFinished(m_limits.end))
-        return;
-    qWarning() << "the farm did not exit in time; terminating it";
-    m_process.terminate();
     if (!m_process.waitForFinished(m_limits.end)) {
-        m_process.kill();
-        m_process.waitForFinished(m_limits.end);
+        qWarning() << "the farm did not exit in time; terminating it";
+        m_process.terminate();
+        if (!m_process.waitForFinished(m_limits.end)) {
+            m_process.kill();
+            m_process.waitForFinished(m_limits.end);
+        }
     }
+    ReadLog();
 }
 
 QUrl FarmProcess::ReadAnnouncement(const QByteArray& line)
@@ -81,10 +85,31 @@ QUrl FarmProcess::ReadAnnouncement(const QByteArray& line)
 
 void FarmProcess::Launch()
 {
+    m_log.clear();
     m_startDeadline.start(m_limits.start);
-    m_process.start(m_program,
-        {QStringLiteral("--data"), m_dataFolder, QStringLiteral("--port"), QStringLiteral("0"),
-            QStringLiteral("--stop-with-stdin")});
+    QStringList arguments {QStringLiteral("--data"), m_dataFolder, QStringLiteral("--port"),
+        QStringLiteral("0"), QStringLiteral("--stop-with-stdin")};
+    if (m_takesOver)
+        arguments.append(QStringLiteral("--take-over"));
+    m_process.start(m_program, arguments);
+}
+
+/// Passes the farm's log on to this program's standard error and remembers its end.
+void FarmProcess::ReadLog()
+{
+    const QByteArray bytes = m_process.readAllStandardError();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
+    m_log += bytes;
+    m_log = m_log.right(KeptLog);
+}
+
+/// @return the last line of the farm's log without its date and level, or the system's reason.
+QString FarmProcess::Reason() const
+{
+    static const QRegularExpression prefix(QStringLiteral("^(\\[[^\\]]*\\] *)+"));
+    const QByteArray last = m_log.trimmed().split('\n').constLast();
+    const QString line = QString::fromUtf8(last).remove(prefix).trimmed();
+    return m_process.error() == QProcess::FailedToStart || line.isEmpty() ? m_process.errorString() : line;
 }
 
 void FarmProcess::ReadOutput()
@@ -104,14 +129,16 @@ void FarmProcess::HandleExit()
     m_startDeadline.stop();
     if (!m_wanted)
         return;
-    qWarning().noquote() << "the farm exited unexpectedly:" << m_process.errorString();
+    ReadLog();
+    const QString reason = Reason();
+    qWarning().noquote() << "the farm exited unexpectedly:" << reason;
     if (m_listening.isValid() && m_listening.hasExpired(m_limits.steady))
         m_failures = 0;
     m_listening.invalidate();
-    emit Lost();
+    emit Lost(reason);
     if (++m_failures > m_limits.restarts) {
         m_wanted = false;
-        emit GivenUp(m_process.errorString());
+        emit GivenUp(reason);
         return;
     }
     m_restart.start(Backoff(m_limits.firstPause, LongestPause).PauseAfter(m_failures));

@@ -36,6 +36,9 @@ public:
     /// Stops the farm permanently and waits for it to end, for a few seconds at most.
     void Stop();
 
+    /// Has the farm use its data even if another machine has left it locked.
+    void SetTakeOver(bool isOn) { m_takesOver = isOn; }
+
     /// @return 0 while the farm is not running.
     qint64 ProcessId() const { return m_process.processId(); }
 
@@ -46,15 +49,18 @@ signals:
     /// The farm accepts requests at this address, which changes with each restart.
     void Listening(const QUrl& url);
 
-    /// The farm has crashed. Either a restart or GivenUp follows.
-    void Lost();
+    /// The farm has ended unexpectedly. Either a restart or GivenUp follows.
+    /// @param reason the last line of its log, or why it could not be started.
+    void Lost(const QString& reason);
 
-    /// The farm has crashed too often and is not restarted.
+    /// The farm has ended too often and is not restarted.
     void GivenUp(const QString& reason);
 
 private:
     void Launch();
     void ReadOutput();
+    void ReadLog();
+    QString Reason() const;
     void HandleExit();
     void HandleStartTimeout();
 
@@ -65,6 +71,8 @@ private:
     QTimer m_startDeadline;
     QTimer m_restart;
     QElapsedTimer m_listening;
+    QByteArray m_log; // the end of what the farm has logged since it was launched
     int m_failures = 0;
+    bool m_takesOver = false;
     bool m_wanted = false;
 };

@@ -6,10 +6,12 @@
 namespace SettingKeys {
 
 const QLatin1String Skin("vtr.ui/skin");
-const QLatin1String Language("vtr.ui/language");            ///< bare file name, for example "vtr_en.qm"
-const QLatin1String ServerUrl("vtr.web/serverurl");         ///< empty for the embedded farm
-const QLatin1String ServerName("vtr.web/currentserver");    ///< what the window shows
-const QLatin1String LastName("vtr.auth/lastname");          ///< of the last sign-in
+const QLatin1String Language("vtr.ui/language");         ///< bare file name, for example "vtr_en.qm"
+const QLatin1String ServerUrl("vtr.web/serverurl");      ///< empty for the embedded farm
+const QLatin1String ServerName("vtr.web/currentserver"); ///< what the window shows
+const QLatin1String PlainServers(
+    "vtr.web/plainservers");                       ///< get passwords unencrypted, as the user has agreed
+const QLatin1String LastName("vtr.auth/lastname"); ///< of the last sign-in
 const QLatin1String DownloadFolder("vtr.downloads/folder"); ///< for accounts that have chosen none
 
 /// @return the key of an account's own setting, for example "autodownload".

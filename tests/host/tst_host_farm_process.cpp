@@ -75,6 +75,17 @@ private slots:
         QCOMPARE(lost.count(), m_limits.restarts + 1);
     }
 
+    void TellsWhyItEnded()
+    {
+        FarmProcess farm(Program("echo begin >&2; echo \"[now] [critical] refused: $6\" >&2; exit 1"),
+            m_folder.path(), m_limits);
+        farm.SetTakeOver(true);
+        QSignalSpy lost(&farm, &FarmProcess::Lost);
+        farm.Start();
+        EVENTUALLY(!lost.isEmpty());
+        QCOMPARE(lost[0][0].toString(), "refused: --take-over"_s);
+    }
+
     void ForgetsFailuresAfterASteadyTime()
     {
         m_limits.steady = 10;

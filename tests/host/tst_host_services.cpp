@@ -1,4 +1,5 @@
 #include "host/app/host_options.h"
+#include "host/process/data_folder.h"
 #include "host/process/single_instance.h"
 #include "host/services/logger_service.h"
 #include "host/services/qt_message_route.h"
@@ -100,6 +101,7 @@ private slots:
             {"--server https://f.example --config c --data d --user u --password-file p --no-auto-sign-in",
                 ""},
             {"--server farm", "not the URL of a server: farm"},
+            {"--server http://u:secret@f", "not the URL of a server: http://u@f"},
             {"--user u", "--user and --password-file belong together"},
             {"--log-level loud", "unknown log level: loud"}, {"a.pov --log-level info b.ma", ""}};
         for (const auto& [arguments, expected] : lines) {
@@ -128,6 +130,29 @@ private slots:
         EVENTUALLY_COMPARE(calls.count(), 1);
         QCOMPARE(calls[0][0].toStringList(), scenes);
         QVERIFY(SingleInstance(m_file + ".other"_s).IsFirst());
+    }
+
+    void ReservesTheDataForOneClientOfOneUser()
+    {
+        const QString folder = m_folder->filePath("data"_s);
+        const QString lock = folder + "/transfer/client.lock"_s;
+        QString error;
+        {
+            DataFolder first(folder);
+            QVERIFY(first.Lock(false, &error));
+            QVERIFY(!DataFolder(folder).Lock(true, &error)); // the first one is running
+            QVERIFY2(error.contains(": process %1 on "_s.arg(QCoreApplication::applicationPid())),
+                qPrintable(error));
+        }
+        QVERIFY(WriteFile(lock, "4711\nquillstar\nelsewhere\n"));
+        DataFolder next(folder);
+        QVERIFY(!next.Lock(false, &error));
+        QVERIFY2(error.contains("process 4711 on elsewhere; "_s), qPrintable(error));
+        QVERIFY(next.Lock(true, &error));
+        constexpr QFile::Permissions Others
+            = QFile::ReadGroup | QFile::ReadOther | QFile::ExeGroup | QFile::ExeOther;
+        for (const char* path : {"", "/logs", "/transfer", "/transfer/downloads.sqlite"})
+            QVERIFY2(!(QFile::permissions(folder + QLatin1String(path)) & Others), path);
     }
 
 private:

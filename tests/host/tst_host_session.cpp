@@ -4,6 +4,7 @@
 #include "tests/host/stand_in_server.h"
 #include "tests/hostui/memory_settings.h"
 #include "tests/support/waiting.h"
+#include "vtr_messagboxinterface.h"
 
 #include <QtWidgets>
 
@@ -21,6 +22,21 @@ signals:
 
 const auto SignedIn
     = StandInServer::Http(200, R"({"loginname": "demo", "username": "u1", "data": {"token": "abc"}})");
+
+/// Answers every question alike.
+class AnsweringBox : public ServiceBase<VTMessagboxInterface>
+{
+public:
+    QString ShowMessage(int /*kind*/, const QString& /*title*/, const QString& /*text*/,
+        const QIcon& /*icon*/, const QString& detail, const QVariantHash& /*buttons*/, bool /*list*/) override
+    {
+        questions.append(detail);
+        return answer;
+    }
+
+    QStringList questions;
+    QString answer;
+};
 
 /// The session of a client without a plugin, with a stand-in for the server.
 struct Client
@@ -57,7 +73,8 @@ struct Client
     VTQsClientPrivate window;
     QMenu* tray = loader.GetMenu("menuTray"_s, {});
     QAction* quit = tray->addAction("Quit"_s);
-    SessionControl session {&loader, &communication, &settings};
+    AnsweringBox box;
+    SessionControl session {&loader, &communication, &settings, &box};
     QAction* signOut = tray->actions().value(tray->actions().size() - 2);
     QLineEdit* name = Find<QLineEdit>("lneName");
     QLineEdit* password = Find<QLineEdit>("lnePassword");
@@ -130,6 +147,22 @@ private slots:
         }
         EVENTUALLY(!failure->text().isEmpty());
         QCOMPARE(m_client->password->text(), "secret"_s);
+    }
+
+    void AsksBeforeAPasswordTravelsUnencrypted()
+    {
+        m_client->communication.SetServerUrl(QUrl("http://192.0.2.1:8080"_s)); // nobody's address
+        for (const QString& answer : {QString(), "btnMessageBox_1"_s, "btnMessageBox_2"_s, QString()}) {
+            m_client->box.answer = answer;
+            const bool isSent = m_client->box.questions.size() > 2 || answer.endsWith(QLatin1Char('2'));
+            m_client->session.SetAccount("demo"_s, "demo"_s);
+            m_client->session.SignInAutomatically();
+            QCOMPARE(m_client->name->isEnabled(), !isSent);
+            m_client->communication.SetServerUrl({});
+            m_client->communication.SetServerUrl(QUrl("http://192.0.2.1:8080"_s));
+        }
+        QCOMPARE(m_client->box.questions.size(), 3); // agreed once
+        QVERIFY(m_client->box.questions.constFirst().contains("http://192.0.2.1:8080"_s));
     }
 
 private:
