@@ -43,8 +43,12 @@
 <context>
     <name>ClientHost</name>
     <message>
-        <source>The embedded farm could not be started. Please restart the client.</source>
-        <translation>The embedded farm could not be started. Please restart the client.</translation>
+        <source>The embedded farm does not start: %1</source>
+        <translation>The embedded farm does not start: %1</translation>
+    </message>
+    <message>
+        <source>The embedded farm could not be started. Please restart the client. %1</source>
+        <translation>The embedded farm could not be started. Please restart the client. %1</translation>
     </message>
 </context>
 <context>
@@ -482,6 +486,22 @@
     <message>
         <source>Too many attempts. Please try again in a moment.</source>
         <translation>Too many attempts. Please try again in a moment.</translation>
+    </message>
+    <message>
+        <source>Sign in</source>
+        <translation>Sign in</translation>
+    </message>
+    <message>
+        <source>The connection to %1 is not encrypted. Others on the way can read your password. Send it all the same?</source>
+        <translation>The connection to %1 is not encrypted. Others on the way can read your password. Send it all the same?</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>Send</source>
+        <translation>Send</translation>
     </message>
 </context>
 <context>

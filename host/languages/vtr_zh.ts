@@ -43,8 +43,12 @@
 <context>
     <name>ClientHost</name>
     <message>
-        <source>The embedded farm could not be started. Please restart the client.</source>
-        <translation>无法启动内置渲染农场，请重新启动客户端。</translation>
+        <source>The embedded farm does not start: %1</source>
+        <translation>内置渲染农场未能启动：%1</translation>
+    </message>
+    <message>
+        <source>The embedded farm could not be started. Please restart the client. %1</source>
+        <translation>无法启动内置渲染农场。请重新启动客户端。%1</translation>
     </message>
 </context>
 <context>
@@ -482,6 +486,22 @@
     <message>
         <source>Sign out</source>
         <translation>退出登录</translation>
+    </message>
+    <message>
+        <source>Sign in</source>
+        <translation>登录</translation>
+    </message>
+    <message>
+        <source>The connection to %1 is not encrypted. Others on the way can read your password. Send it all the same?</source>
+        <translation>与 %1 的连接未加密，传输途中他人可以读取您的密码。仍要发送吗？</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Send</source>
+        <translation>发送</translation>
     </message>
 </context>
 <context>
