@@ -1,9 +1,7 @@
-#include <ctkPlugin.h>
 #include <ctkPluginActivator.h>
 #include <ctkPluginContext.h>
 
 #include <QCoreApplication>
-#include <QUrl>
 #include <stdexcept>
 
 class Greeter : public QObject
@@ -23,23 +21,18 @@ public:
     void start(ctkPluginContext* context) override
     {
         context->registerService({QStringLiteral("Greeter")}, &m_greeter);
-        Note(QStringLiteral("start "), context);
+        Note(QStringLiteral("start"));
     }
 
-    void stop(ctkPluginContext* context) override { Note(QStringLiteral("stop "), context); }
+    void stop(ctkPluginContext* /*context*/) override { Note(QStringLiteral("stop")); }
 
 private:
-    static void Note(const QString& event, ctkPluginContext* context)
+    static void Note(const QString& event)
     {
         const QString journal = qApp->property("journal").toString();
-        qApp->setProperty("journal", QString(journal + event + QStringLiteral(SAMPLE_NAME ",")));
-        const QString misbehaviour = qApp->property("misbehaviour").toString();
-        if (misbehaviour == event + QStringLiteral("exception"))
+        qApp->setProperty("journal", QString(journal + event + QStringLiteral(" " SAMPLE_NAME ",")));
+        if (qApp->property("misbehaviour").toString() == event)
             throw std::runtime_error("no greeting today");
-        if (misbehaviour == event + QStringLiteral("number"))
-            throw 42;
-        if (misbehaviour == event + QStringLiteral("again"))
-            context->installPlugin(qApp->property("location").toUrl())->start();
     }
 
     // Outlives a stop, so that only the framework can withdraw the service.

