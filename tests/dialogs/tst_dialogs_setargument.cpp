@@ -30,9 +30,7 @@ const std::tuple<const char*, QVariantList, QVariantList, QString> Confirmations
     {"as they were", Groups(3), Groups(3), {}},
     {"more than fit", Groups(20), Groups(15), {}},
     {"longest and last", {Group(0, 98999, 99999)}, {Group(0, 98999, 99999)}, {}},
-    {"one frame", {Group(0, 10, 10)}, {Group(0, 10, 10)}, {}},
     {"no group at all", {}, {Empty}, {}},
-    {"not a map", {"rubbish"_s}, {Empty}, {}},
     {"reversed", {Group(0, 1, 1001), Group(1, 11, 10)}, {}, "Start frame must be less than end frame!"_s},
     {"too long", {Group(0, 1, 1001), Group(1, 1, 1002)}, {}, "Can not submit more than 1000 frames"_s},
 };
@@ -101,35 +99,12 @@ private slots:
         OpenOn(Groups(1), [this] {
             Tasks()->item(1, 0)->setData(Qt::UserRole, "Task1"_s);
             Click("setargument", "btnOk");
-            QVERIFY(!Form("setargument")->isVisible());
         });
         OpenOn(Groups(1), [this] {
             Tasks()->setRowCount(0);
             Click("setargument", "btnOk");
         });
-        m_client->Entry("Set argument")->trigger();
         QCOMPARE(TakeJournal(), QString());
-    }
-
-    void LaysOutARowForEachGroup()
-    {
-        const auto Range = [this](int index) {
-            return Form("setargument")->findChild<QWidget*>("wgtFrameRange_%1"_s.arg(index));
-        };
-        const auto* size = Find<QWidget>("setargument", "wgtImageSize");
-        const auto* prerender = Find<QWidget>("setargument", "chkPrerender");
-        const auto* ok = Find<QWidget>("setargument", "btnOk");
-        const QRect first = Range(0)->geometry();
-        for (const int rows : {2, 15, 3}) {
-            Spin("spbGroup")->setValue(rows);
-            QVERIFY(!Range(rows - 1)->isHidden() && (rows == 15 || Range(rows)->isHidden()));
-            QCOMPARE(Range(0)->geometry(), first);
-            QCOMPARE(Range(rows - 1)->y(), first.y() + (rows - 1) * first.height());
-            QCOMPARE(size->y(), Range(rows - 1)->geometry().bottom() + 1);
-            QCOMPARE(prerender->y(), size->geometry().bottom() + 21);
-            QCOMPARE(ok->y(), prerender->geometry().bottom() + 21);
-            QCOMPARE(Form("setargument")->height(), ok->geometry().bottom() + 21);
-        }
     }
 
     void SurvivesItsEndWhileOpen()

@@ -10,10 +10,9 @@ namespace {
 const char* const Tables[] = {"twtMyRender", "twtLocalTask", "twtDownload"};
 
 /// Requests of a sign-in, from inside which a later event ends the session or the window.
-const std::tuple<const char*, int, bool> Interruptions[]
-    = {{"sign-out in the user info", 0, true}, {"sign-out in the job list", 1, true},
-        {"sign-out in the projects", 2, true}, {"end in the user info", 0, false},
-        {"end in the job list", 1, false}, {"end in the projects", 2, false}};
+const std::tuple<const char*, int, bool> Interruptions[] = {{"sign-out in the user info", 0, true},
+    {"sign-out in the job list", 1, true}, {"sign-out in the projects", 2, true},
+    {"end in the user info", 0, false}, {"end in the job list", 1, false}, {"end in the projects", 2, false}};
 
 } // namespace
 
@@ -73,8 +72,7 @@ private slots:
             QString("RemoveSubmitTasks by user "_s + list), QString("RemoveDownloadTasks "_s + list)};
         QVERIFY2(deletions.at(tab).endsWith(TakeJournal()), qUtf8Printable(deletions.at(tab)));
         if (tab == 0)
-            QCOMPARE(
-                (QStringList {Sent("id[0]").toString(), Sent("id[1]").toString()}), ids);
+            QCOMPARE((QStringList {Sent("id[0]").toString(), Sent("id[1]").toString()}), ids);
     }
 
     void ActsOnTheRowsThatTheMenuWasOpenedOver_data() { AddTabs(); }
@@ -199,7 +197,8 @@ private slots:
 
     void SurvivesItsEndInsideCalls()
     {
-        for (const char* slot : {"SignOut", "ChangeTab", "RefreshJobList", "GetUserInfo", "PageButtonClicked"}) {
+        for (const char* slot :
+            {"SignOut", "ChangeTab", "RefreshJobList", "GetUserInfo", "PageButtonClicked"}) {
             init();
             SignInWithJobs(MakeJobs(18), 40);
             Communication().onRequest = [this] {
@@ -266,7 +265,10 @@ private:
     }
 
     QTableWidget* Table(int tab) const { return m_client->Table(QLatin1String(Tables[tab])); }
-    static QString Id(const QTableWidget* table, int row) { return Values(table, 0, Qt::UserRole).value(row); }
+    static QString Id(const QTableWidget* table, int row)
+    {
+        return Values(table, 0, Qt::UserRole).value(row);
+    }
     static QStringList CheckedIds(const QTableWidget* table)
     {
         QStringList ids;

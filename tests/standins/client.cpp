@@ -14,15 +14,19 @@ Client::Client()
 
 Client::~Client()
 {
-    if (m_framework)
-        StopFramework();
+    if (!m_framework)
+        return;
+    m_framework->stop();
+    // An installed CTK stops the plugin on another thread, which leaves the window to this thread's event loop.
+    const auto hasStopped = [this] { return m_framework->getState() == ctkPlugin::RESOLVED; };
+    if (!QTest::qWaitFor(hasStopped, Patience))
+        qFatal("The plugin framework does not stop");
+    m_framework->waitForStop(Patience); // returns when that thread has let go of the framework
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     for (const QString& folder : {"data"_s, "Data"_s}) {
-        const QFileInfo account(AccountFile(folder));
-        const QFileInfoList files = account.dir().entryInfoList({QString(m_server + "_*"_s)});
-        for (const QFileInfo& file : files) {
-            if (!QFile::remove(file.filePath()))
-                QDir().rmdir(file.filePath());
-        }
+        const QString file = AccountFile(folder);
+        if (!QFile::remove(file))
+            QDir().rmdir(file);
     }
 }
 
@@ -31,38 +35,21 @@ QMap<QString, QObject*> Client::Services()
     return {{"VTSettingsInterface"_s, &settings}, {"VTLoggerInterface"_s, &logger},
         {"VTUiLoaderInterface"_s, &uiLoader}, {"VTMessagboxInterface"_s, &messageBox},
         {"VTCommunicationInterface"_s, &communication}, {"VTRenderCoreInterface"_s, &renderCore},
-        {"VTConfigurationInterface"_s, &configuration}, {"VTPreviewerInterface"_s, &previewer},
-        {"VTBaseAppInterface"_s, &application}};
-}
-
-void Client::StartFramework()
-{
-    // An installed CTK keeps a database, whose folder it reads once per process. Each test has its own, because tests run
-    // in parallel.
-    static const QTemporaryDir storage;
-    ctkProperties properties;
-    properties.insert("org.commontk.pluginfw.storage"_s, storage.path());
-    properties.insert("org.commontk.pluginfw.storage.clean"_s, "onFirstInit"_s);
-    m_factory = std::make_unique<ctkPluginFrameworkFactory>(properties);
-    m_framework = m_factory->getFramework();
-    m_framework->start();
-}
-
-void Client::StopFramework()
-{
-    m_framework->stop();
-    // An installed CTK stops the plugin on another thread, which leaves the window to this thread's event loop.
-    const auto hasStopped = [this] { return m_framework->getState() == ctkPlugin::RESOLVED; };
-    if (!QTest::qWaitFor(hasStopped, Patience))
-        qFatal("The plugin framework does not stop");
-    m_framework->waitForStop(Patience); // returns when that thread has let go of the framework
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        {"VTConfigurationInterface"_s, &configuration}, {"VTPreviewerInterface"_s, &previewer}};
 }
 
 void Client::Start()
 {
     if (!m_framework) {
-        StartFramework();
+        // An installed CTK keeps a database, whose folder it reads once per process. Each test has its own, because tests run
+        // in parallel.
+        static const QTemporaryDir storage;
+        ctkProperties properties;
+        properties.insert("org.commontk.pluginfw.storage"_s, storage.path());
+        properties.insert("org.commontk.pluginfw.storage.clean"_s, "onFirstInit"_s);
+        m_factory = std::make_unique<ctkPluginFrameworkFactory>(properties);
+        m_framework = m_factory->getFramework();
+        m_framework->start();
         const QStringList interfaces = Services().keys();
         for (const QString& interface : interfaces) {
             if (!leftOut.contains(interface))

@@ -85,15 +85,12 @@ public:
     RenderCoreStandIn renderCore;
     ConfigurationStandIn configuration;
     PreviewerStandIn previewer;
-    ApplicationStandIn application;
 
     /// Names of interfaces that `Start` does not register.
     QStringList leftOut;
 
 private:
     QMap<QString, QObject*> Services();
-    void StartFramework();
-    void StopFramework();
 
     /// Names the account files, so no other process uses it.
     QString m_server;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "tests/standins/stand_in.h"
-#include "vtr_baseappinterface.h"
 #include "vtr_communicationinterface.h"
 #include "vtr_configurationinterface.h"
 #include "vtr_loggerinterface.h"
@@ -25,13 +24,11 @@ class SettingsStandIn : public StandIn<VTSettingsInterface>
 public:
     QVariant Value(const QString& key, const QVariant& defaultValue) override
     {
-        defaults.insert(key, defaultValue);
         return values.value(key, defaultValue);
     }
     void SetValue(const QString& key, const QVariant& value) override { values.insert(key, value); }
 
     QVariantMap values;
-    QVariantMap defaults; ///< the last default given for each key
 };
 
 /// The logger's interface is not a QObject, so this joins the two.
@@ -44,10 +41,10 @@ class LoggerObject : public QObject, public VTLoggerInterface
 class LoggerStandIn : public StandIn<LoggerObject>
 {
 public:
-    void Write(
-        const QString& message, int level, const QString& category, const QString& source, int line) override
+    void Write(const QString& message, int /*level*/, const QString& /*category*/, const QString& /*source*/,
+        int /*line*/) override
     {
-        lines.append("%1|%2|%3|%4|%5"_s.arg(message).arg(level).arg(category, source).arg(line));
+        lines.append(message);
     }
 
     QStringList lines;
@@ -201,7 +198,6 @@ public:
     int GetSubmitTaskCount() override { return tasks.size(); }
     QVariantList GetTaskArguments(const QString& id) override
     {
-        ++argumentReads;
         const QVariantList arguments = Find(id).arguments;
         if (const auto action = std::exchange(onArguments, nullptr))
             action();
@@ -237,7 +233,6 @@ public:
     QVector<QVariantMap> orders;
     QVariantList setArguments; ///< as last set
     QVector<QEvent::Type> seenEvents;
-    int argumentReads = 0;
     std::function<void()> onArguments; ///< runs once, inside the next read of arguments
 
 private:
@@ -270,10 +265,4 @@ class PreviewerStandIn : public StandIn<VTPreviewerInterface>
 {
     Q_OBJECT
     Q_INTERFACES(VTPreviewerInterface)
-};
-
-class ApplicationStandIn : public StandIn<VTBaseAppInterface>
-{
-    Q_OBJECT
-    Q_INTERFACES(VTBaseAppInterface)
 };

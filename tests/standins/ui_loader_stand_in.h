@@ -7,7 +7,6 @@
 #include <QHash>
 #include <QMenu>
 #include <QPointer>
-#include <QPushButton>
 #include <QTableWidget>
 #include <QUiLoader>
 
@@ -18,16 +17,18 @@ class UiLoaderStandIn : public StandIn<VTUiLoaderInterface>
     Q_INTERFACES(VTUiLoaderInterface)
 
 public:
-    QWidget* LoadUi(const QString& key, QWidget* parent) override
+    QWidget* LoadUi(const QString& key, QWidget* /*parent*/) override
     {
-        loadedKeys.append(parent ? QString(key + " with parent"_s) : key);
-        QWidget* form = missingForms.contains(key) ? nullptr : Load(key);
+        loadedKeys.append(key);
+        QFile file(QStringLiteral(FORMS_FOLDER "/%1.ui").arg(key));
+        const bool isThere = !missingForms.contains(key) && file.open(QIODevice::ReadOnly);
+        QWidget* form = isThere ? QUiLoader().load(&file) : nullptr;
         m_forms.insert(key, form);
         if (form)
             Disturb(form);
         return form;
     }
-    QString GetSkin() override { return skin; }
+    QString GetSkin() override { return "teal"_s; }
     QString GetLanguage() override { return language; }
     QStringList GetLanguages() override { return {"/lang/vtr_de.qm"_s, "/lang/vtr_en.qm"_s}; }
     void SetLanguage(const QString& path) override
@@ -41,46 +42,25 @@ public:
     {
         return m_menus.value(menu + subMenu);
     }
-    void LoadSkinSettings(const QString& file) override { skinSettings.append(file); }
-    void LayoutForm(QWidget* form, const QString& file) override
-    {
-        if (form == Form("com.vtr.qsclient"_s))
-            layouts.append(file);
-    }
+    void LoadSkinSettings(const QString& /*file*/) override { }
+    void LayoutForm(QWidget* /*form*/, const QString& /*file*/) override { }
 
     /// The form last built for a key; owned by the client, null once it is gone.
     QWidget* Form(const QString& key) const { return m_forms.value(key); }
 
-    QString skin = "teal"_s;
     QString language = "vtr_en.qm"_s;
     QStringList leftOut;      ///< names of widgets that the forms lack; "*" stands for all
     QStringList missingForms; ///< keys that have no form
     QStringList loadedKeys;
-    QStringList skinSettings;
-    QStringList layouts; ///< layout files used on the main form
     QMenu trayMenu;
     QMenu skinMenu;
     QMenu languageMenu;
 
 private:
-    static QWidget* Load(const QString& key)
-    {
-        QFile file(QStringLiteral(FORMS_FOLDER "/%1.ui").arg(key));
-        QWidget* form = file.open(QIODevice::ReadOnly) ? QUiLoader().load(&file) : nullptr;
-        if (!form)
-            qFatal("No form can be loaded from %s", qUtf8Printable(file.fileName()));
-        return form;
-    }
-
-    /// Takes away what is left out, and changes properties that the client must not rely on: buttons of one size in one
-    /// row, and tables that have columns and keep the order of their rows.
+    /// Takes away what is left out, and changes properties that the client must not rely on: tables that have columns and
+    /// keep the order of their rows.
     void Disturb(QWidget* form) const
     {
-        int step = 0;
-        for (QPushButton* button : form->findChildren<QPushButton*>(QString(), Qt::FindDirectChildrenOnly)) {
-            ++step;
-            button->setGeometry(button->geometry().adjusted(0, step, step, step));
-        }
         for (QTableWidget* table : form->findChildren<QTableWidget*>()) {
             table->setColumnCount(0);
             table->setSortingEnabled(true);
