@@ -29,6 +29,14 @@ if(QSCLIENT_SANITIZE)
     target_link_options(qsclient_flags INTERFACE -fsanitize=address,undefined)
 endif()
 
+option(QSCLIENT_FUZZ "Build the fuzz targets to search for findings, with both sanitizers; needs clang" OFF)
+if(QSCLIENT_FUZZ)
+    target_compile_definitions(qsclient_flags INTERFACE QT_FORCE_ASSERTS)
+    target_compile_options(qsclient_flags INTERFACE
+        -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    target_link_options(qsclient_flags INTERFACE -fsanitize=address,undefined)
+endif()
+
 option(QSCLIENT_COVERAGE "Count which lines the tests run; adds the target \"coverage\"" OFF)
 if(QSCLIENT_COVERAGE)
     target_compile_options(qsclient_flags INTERFACE --coverage)
@@ -37,7 +45,7 @@ if(QSCLIENT_COVERAGE)
     add_custom_target(coverage
         COMMAND ${CMAKE_COMMAND} --build ${CMAKE_BINARY_DIR}
         COMMAND ${CMAKE_CTEST_COMMAND} --output-on-failure -j2
-        COMMAND ${GCOVR} --root ${PROJECT_SOURCE_DIR} --exclude build/ --exclude tests/ --exclude bench/
+        COMMAND ${GCOVR} --root ${PROJECT_SOURCE_DIR} --exclude build/ --exclude tests/ --exclude bench/ --exclude fuzz/
             --sort-percentage ${CMAKE_BINARY_DIR}
         WORKING_DIRECTORY ${CMAKE_BINARY_DIR}
         USES_TERMINAL)

@@ -18,7 +18,7 @@ endfunction()
 
 set(faults "")
 file(GLOB_RECURSE sources RELATIVE ${ROOT} ${ROOT}/*.cpp ${ROOT}/*.h)
-list(FILTER sources EXCLUDE REGEX "^(build|tests|bench|examples)/")
+list(FILTER sources EXCLUDE REGEX "^(build|tests|bench|fuzz|examples)/")
 foreach(source IN LISTS sources)
     get_filename_component(folder ${source} DIRECTORY)
     room_of(room "${folder}")
