@@ -99,10 +99,9 @@ public:
     }
 
     /// Sends raw bytes; the answer can be read from the socket.
-    std::unique_ptr<QTcpSocket> SendRaw(const QByteArray& bytes, qint64 bufferSize = 0) const
+    std::unique_ptr<QTcpSocket> SendRaw(const QByteArray& bytes) const
     {
         auto socket = std::make_unique<QTcpSocket>();
-        socket->setReadBufferSize(bufferSize);
         const QUrl url(m_url);
         socket->connectToHost(url.host(), quint16(url.port()));
         socket->waitForConnected(Patience);

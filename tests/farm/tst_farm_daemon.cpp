@@ -1,7 +1,6 @@
 #include "tests/farm/farm_fixture.h"
 
 #include <QProcess>
-#include <QStandardPaths>
 
 #include <csignal>
 
@@ -59,14 +58,6 @@ private slots:
         }
     }
 
-    void RefusesUnusableOptions()
-    {
-        for (const char* option : {"--port=65536", "--port=x", "--slots=0", "--price=-1", "--price=1001",
-                 "--quota=-1", "--log-level=loud", "--credit=", "surplus"})
-            QCOMPARE(Run({"--data"_s, m_folder->path(), QString::fromLatin1(option)}), 2);
-        QCOMPARE(Run({"--no-demo"_s}), 2);
-    }
-
     void AKillLosesNoFinishedFrame()
     {
         QVERIFY(WriteFile(Path("scene.txt"_s), "a scene"));
@@ -109,28 +100,6 @@ private slots:
         for (const QString& amount : {"much"_s, "-1"_s, "inf"_s})
             QCOMPARE(credit("ann"_s, amount), 2);
         QCOMPARE(data.Balance(), Micros(13500000));
-    }
-
-    void RendersTheShippedScenes()
-    {
-        if (QStandardPaths::findExecutable("povray"_s).isEmpty())
-            QSKIP("POV-Ray is not installed");
-        FarmData data(m_folder->path());
-        const QDir scenes(QFileInfo(QStringLiteral(FARM_DAEMON)).dir().filePath("farm/scenes"_s));
-        const QStringList names = scenes.entryList(QDir::Files);
-        QVERIFY(!names.isEmpty());
-        for (const QString& name : names) {
-            NewJob job = data.Job(name, 2);
-            job.scene = name;
-            job.width = 64;
-            job.height = 36;
-            data.jobs.Add(job);
-        }
-        const Daemon daemon(m_folder->path(), {});
-        EVENTUALLY_COMPARE(data.Count("SELECT count(*) FROM jobs WHERE status <> 4"), 0);
-        for (const JobRecord& job : data.jobs.List(data.account, {}, 1, names.size()).jobs)
-            QVERIFY(ReadFile(Path("jobs/%1/frame_0002.png"_s.arg(job.id))).startsWith("\x89PNG"));
-        QVERIFY(data.Balance() < 10000000);
     }
 
 private:

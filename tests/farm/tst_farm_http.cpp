@@ -11,33 +11,23 @@ const QByteArray Upload = R"({"checksum":")" + QByteArray(64, 'a') + R"(","size"
 // A request and the status of its refusal; 200 is none.
 const std::tuple<const char*, QByteArray, QByteArray, int> Requests[] = {
     {"unknown path", "GET /nothing", {}, 404},
-    {"unknown method", "PUT /session", "{}", 404},
     {"not an object", "POST /session", "[1]", 400},
     {"password of another type", "POST /session", R"({"username":"ann","password":{}})", 400},
     {"name too long", "POST /session", R"({"password":"","username":")" + QByteArray(257, 'a') + "\"}", 400},
     {"bad UTF-8", "POST /session", "{\"username\":\"\xff\",\"password\":\"\"}", 400},
     {"deep", "POST /session", QByteArray(1000000, '['), 400},
     {"too large", "POST /session", QByteArray(1024 * 1024 + 1, ' '), 413},
-    {"page not a number", "GET /jobs?page=one", {}, 400},
     {"page huge", "GET /jobs?page=9223372036854775807&pageSize=9223372036854775807", {}, 200},
     {"conditions bad UTF-8", "GET /jobs?conditions=%7B%22job_name%22%3A%22%FF%22%7D", {}, 400},
-    {"conditions an array", "POST /jobs/search", R"({"conditions":[]})", 400},
-    {"no such job", "GET /jobs/abc", {}, 404},
     {"endless id", "GET /jobs/" + QByteArray(8000, 'a'), {}, 404},
-    {"ids missing", "POST /jobs/stop", "{}", 400},
     {"ids not texts", "POST /jobs/stop", R"({"ids":[1]})", 400},
     {"too many ids", "POST /jobs/stop", R"({"ids":[)" + QByteArray(R"("a",)").repeated(1000) + R"("a"]})",
         400},
     {"checksums not valid", "POST /contents/known", R"({"checksums":["abc"]})", 400},
-    {"checksum not valid", "POST /uploads", R"({"checksum":"abc","size":1})", 400},
-    {"no size", "POST /uploads", Upload + "0}", 400},
     {"half a byte", "POST /uploads", Upload + "1.5}", 400},
-    {"size as text", "POST /uploads", Upload + "\"1\"}", 400},
     {"size beyond exact numbers", "POST /uploads", Upload + "9007199254740992}", 400},
     {"package too large", "POST /uploads", Upload + "8589934593}", 413},
-    {"no offset", "PUT /uploads/x", "a", 400},
     {"negative offset", "PUT /uploads/x?offset=-1", "a", 400},
-    {"no such upload", "PUT /uploads/x?offset=0", "a", 404},
 };
 
 const QByteArray Post = "POST /api/v1/session HTTP/1.1\r\nHost: x\r\n";
@@ -47,13 +37,9 @@ const QByteArray Endless(100000, 'a');
 const std::tuple<const char*, QByteArray, QByteArray> Rubbish[] = {
     {"not HTTP", "\x16\x03\x01 hello\r\n\r\n", "HTTP/1.1 400"},
     {"endless URL", "GET /" + Endless + " HTTP/1.1\r\n\r\n", {}},
-    {"endless header", "GET / HTTP/1.1\r\nX: " + Endless + "\r\n\r\n", {}},
     {"chunks", Post + "Transfer-Encoding: chunked\r\n\r\n", "HTTP/1.1 400"},
     {"compressed", Post + "Content-Encoding: gzip\r\nContent-Length: 2\r\n\r\n", "HTTP/1.1 400"},
     {"no length", Post + "\r\n", "HTTP/1.1 400"},
-    {"unknown method", "PATCH / HTTP/1.1\r\nContent-Length: 2\r\n\r\n", "HTTP/1.1 400"},
-    {"range of a failure", "GET / HTTP/1.1\r\nConnection: close\r\nRange: bytes=0-1\r\n\r\n", "HTTP/1.1 404"},
-    {"bad range", "GET / HTTP/1.1\r\nConnection: close\r\nRange: bytes=2-1\r\n\r\n", "HTTP/1.1 416"},
 };
 
 } // namespace
@@ -87,16 +73,14 @@ private slots:
         QCOMPARE(m_farm.Get("/account"_s).status, 200);
         QCOMPARE(m_farm.Send("DELETE", "/session"_s).status, 200);
         QCOMPARE(m_farm.Get("/account"_s).status, 401);
-        QCOMPARE(m_farm.Send("DELETE", "/session"_s).status, 200);
     }
 
     void ARequestNeedsASession()
     {
         for (const char* request : {"GET /account", "GET /projects", "GET /jobs", "POST /jobs/search",
-                 "POST /jobs/stop", "POST /jobs/recover", "POST /jobs/restart", "POST /jobs/delete",
-                 "POST /jobs/full-render", "GET /jobs/x", "GET /jobs/x/files", "GET /jobs/x/files/x",
-                 "POST /jobs", "POST /contents/known", "POST /uploads", "GET /uploads/x",
-                 "PUT /uploads/x?offset=0", "POST /uploads/x/unpack"}) {
+                 "POST /jobs/stop", "GET /jobs/x", "GET /jobs/x/files", "GET /jobs/x/files/x", "POST /jobs",
+                 "POST /contents/known", "POST /uploads", "GET /uploads/x", "PUT /uploads/x?offset=0",
+                 "POST /uploads/x/unpack"}) {
             for (const QString& token : {QString(), "no-such-token"_s, m_token}) {
                 m_farm.token = token;
                 const int status = Send(request, R"({"ids":[],"checksums":[]})").status;
@@ -125,8 +109,6 @@ private slots:
         m_farm.SignIn("bob", "b");
         QCOMPARE(m_farm.Get("/account"_s).body, Json(R"({"data":{"isBindToVso":true,"userInfo":{
                 "username":"bob","user_rmb_balance":"1280.50","user_vso_balance":"300.00"}}})"));
-        QCOMPARE(m_farm.Get("/projects"_s).body, Json(R"({"data":[]})"));
-        QCOMPARE(m_farm.Get("/health"_s).body["name"_s].toString(), "quillstar-farmd"_s);
     }
 
     void ListsJobsThatMeetTheConditions()
@@ -144,13 +126,6 @@ private slots:
             {"job_guid"_s, QString("0123456789abcdef01234567,"_s.repeated(2000) + m_id)}};
         const QJsonObject search {{"page"_s, 1}, {"pageSize"_s, "5"_s}, {"conditions"_s, conditions}};
         QCOMPARE(m_farm.Post("/jobs/search"_s, search).body, listed.body);
-        for (int job = 1; job <= 18; ++job)
-            m_farm.Add(1);
-        const auto listLength
-            = [this](const QString& path) { return m_farm.Get(path).Data("list").toArray().size(); };
-        QCOMPARE(listLength("/jobs"_s), 18);
-        QCOMPARE(listLength("/jobs?page=2"_s), 1);
-        QCOMPARE(listLength("/jobs?page=-5&pageSize=-1"_s), 1);
     }
 
     void RefusesBadRequests_data() { AddRows(Requests); }
@@ -186,10 +161,6 @@ private slots:
         farm.settings.limits = {{6, 0.01}, {2, 0.01}, {2, 0.01}, {1, 0.01}};
         farm.data.Add("bob", "b");
         farm.Start();
-        QCOMPARE(farm.Get("/uploads/x"_s).status, 404);
-        QCOMPARE(farm.Get("/uploads/x"_s).status, 429);
-        for (int status : {200, 200, 429})
-            QCOMPARE(farm.Get("/account"_s).status, status);
         const auto signIn = [&farm](const char* name, const char* password) {
             farm.SignIn(name, password);
             return farm.signIn.status;
@@ -217,20 +188,6 @@ private slots:
         QVERIFY(limiter.Take("ann", start + 11s));
         limiter.GiveBack("ann");
         QVERIFY(!limiter.Take("ann", start + 11s));
-        QVERIFY(!limiter.Take("ann", start + 1h));
-        QVERIFY(!limiter.Take("ann", start + 1h));
-        QVERIFY(limiter.Take("ann", start + 1h));
-    }
-
-    // A flood of keys must not make the limiter forget who is over the limit.
-    void ForgetsFullBucketsOnly()
-    {
-        const RateLimiter::Clock::time_point start {};
-        RateLimiter limiter({1, 0.001});
-        QVERIFY(!limiter.Take("ann", start));
-        for (int key = 0; key < 20000; ++key)
-            limiter.Take(std::to_string(key), start + std::chrono::milliseconds(key));
-        QVERIFY(limiter.Take("ann", start + std::chrono::seconds(20)));
     }
 
 private:

@@ -26,21 +26,15 @@ struct Search
     int pageSize = 100;
 };
 const Search Searches[] = {
-    {"none given: all but the deleted", "", "6 5 3 2 1 of 5"},
     {"empty values and unknown keys", R"({"job_name":"","status":null,"job_guid":"","colour":[1]})",
         "6 5 3 2 1 of 5"},
-    {"number", R"({"job_increasement":"3"})", "3 of 1"},
     {"part of a name, any case", R"({"job_name":" BOUR "})", "2 1 of 2"},
     {"other alphabets, any case", R"({"job_name":"über"})", "3 of 1"},
-    {"underscore stands for itself", R"({"job_name":"r_d"})", "1 of 1"},
     {"quotes stand for themselves", "{\"job_name\":\"'s \\\"x\"}", "6 of 1"},
-    {"type by name", R"({"job_type":"maya"})", "2 of 1"},
     {"type as three parts", R"({"job_type":"g@povray@POV-Ray"})", "5 3 1 of 3"},
-    {"status as number", R"({"status":4})", "6 1 of 2"},
     {"status 0 is a status", R"({"status":0})", "5 of 1"},
     {"deleted when asked for", R"({"status":"5"})", "4 of 1"},
     {"pool of the own project", R"({"pool_id":"pool-a"})", "3 1 of 2"},
-    {"rendering work", R"({"job_business_type":"1"})", "6 2 1 of 3"},
     {"other work", R"({"job_business_type":"0"})", "5 3 of 2"},
     {"among ids", R"({"job_guid":"ID1, ID5,x,"})", "5 1 of 2"},
     {"id of another account", R"({"job_guid":"ID7"})", "of 0"},
@@ -48,16 +42,12 @@ const Search Searches[] = {
         R"({"start_min_time":"2026-03-02 10:00:00","start_max_time":"2026-03-03 10:00:00"})", "3 2 of 2"},
     {"end bounds included", R"({"end_min_time":"2026-03-01 12:00:00","end_max_time":"2026-03-03 10:30:00"})",
         "3 1 of 2"},
-    {"after an end", R"({"end_min_time":"2026-03-03 10:30:01"})", "6 of 1"},
     {"all must hold", R"({"status":4,"job_type":"povray","job_name":"dawn"})", "1 of 1"},
-    {"first page", "", "6 5 of 5", 1, 2},
     {"last page, not full", "", "1 of 5", 3, 2},
 };
 
-const std::tuple<const char*> Unreadable[] = {"[]", R"({"status":"running"})", R"({"status":1.5})",
-    R"({"status":1e300})", R"({"status":true})", R"({"job_increasement":"99999999999999999999"})",
-    R"({"job_type":"a@b"})", R"({"job_business_type":"2"})", R"({"start_min_time":"yesterday"})",
-    R"({"end_max_time":"2026-02-30 10:00:00"})", "{\"job_name\":\"\xff\"}"};
+const std::tuple<const char*> Unreadable[] = {"[]", R"({"status":1e300})",
+    R"({"job_increasement":"99999999999999999999"})", R"({"start_min_time":"yesterday"})"};
 
 } // namespace
 

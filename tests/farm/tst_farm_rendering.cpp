@@ -16,8 +16,6 @@ const char* const DearScript = "echo $$ > ../../pid; i=0; while [ $i -lt 30000 ]
                                "[ {frame} -eq 1 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
                                "cp {scene} {output}";
 
-const char* const CopyScript = "cp {scene} {output}";
-
 struct Failure
 {
     const char* name;
@@ -26,9 +24,7 @@ struct Failure
 };
 const QString NoPicture = "the renderer left no picture"_s;
 const Failure Failures[] = {
-    {"error code", "echo no such lamp >&2; exit 3", "the renderer ended with code 3\nno such lamp"_s},
     {"crash", "kill -SEGV $$", "the renderer crashed"_s},
-    {"no picture", "true", NoPicture},
     {"empty picture", ": > {output}", NoPicture},
     {"a link", "ln -s {scene} {output}", NoPicture},
     {"picture of an earlier attempt", "[ $(wc -l < ../../log) -gt 1 ] || { echo x > {output}; exit 3; }",
@@ -37,8 +33,6 @@ const Failure Failures[] = {
     // Of much output the last 400 bytes are kept, without the line that is incomplete.
     {"much output", "echo early; printf '%0395d\\n' 0; exit 3",
         "the renderer ended with code 3\n"_s + QString(395, QLatin1Char('0'))},
-    {"less output", "echo early; printf '%0392d\\n' 0; exit 3",
-        "the renderer ended with code 3\nearly\n"_s + QString(392, QLatin1Char('0'))},
 };
 
 // An action, whether it is done to prerender jobs, the statuses to which it takes jobs in status 0 to 9, and the progress
@@ -50,7 +44,6 @@ const std::tuple<const char*, bool, const char*, int> Transitions[] = {
     {"delete", false, "5555555555", 20},
     {"full-render", false, "0123456789", 20},
     {"full-render", true, "6666656666", 20},
-    {"restart", true, "0000050000", 0},
 };
 
 QJsonArray NotAllowed(const Reply& reply)
@@ -67,26 +60,6 @@ class RenderingTest : public QObject
 private slots:
     void init() { m_farm = std::make_unique<FarmAtWork>(); }
 
-    void ReplacesPlaceholdersOnce()
-    {
-        const QMap<QString, QString> values {{"scene"_s, "{output}"_s}, {"output"_s, "x y"_s}};
-        const QStringList filled = FillIn({"+I{scene} {output}{output} {other} {"_s}, values);
-        QCOMPARE(filled, QStringList {"+I{output} x yx y {other} {"_s});
-    }
-
-    void RefusesUnusableJobTypes()
-    {
-        for (const char* types : {"povray", "[]", R"({"a":{"suffix":"png"}})", R"({"a":{"program":"sh"}})",
-                 R"({"a":{"program":"sh","suffix":"png","frame_time_limit":0}})"})
-            QVERIFY_EXCEPTION_THROWN(m_farm->Start(types), std::runtime_error);
-        QVERIFY(WriteFile(m_farm->Path("one.json"_s),
-            R"({"a":{"program":"sh","suffix":"png"},"b":{"program":"sh","suffix":"x","frame_time_limit":1}})"));
-        const JobTypes types = ReadJobTypes(m_farm->Path("one.json"_s));
-        QVERIFY(types["a"_s].confined);
-        QCOMPARE(types["a"_s].frameTimeLimit, 3600);
-        QCOMPARE(types["b"_s].frameTimeLimit, 1);
-    }
-
     void RendersAJobFrameByFrame()
     {
         NewJob job = m_farm->data.Job("job"_s, 4);
@@ -99,27 +72,12 @@ private slots:
         QVERIFY(QFile::link("scene/scene.txt"_s, folder + "/main.txt"_s));
         m_farm->settings.slotCount = 2;
         m_farm->Start(ScriptedTypes(
-            "cat; cat {scene} > {output}; echo ' {frame}/{frames} {clock} {width}x{height}' >> {output}; "
-            "ps -o ni= -p $$ > ../../nice"));
+            "cat; cat {scene} > {output}; echo ' {frame}/{frames} {clock} {width}x{height}' >> {output}"));
         EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
         QCOMPARE(m_farm->data.Only().progress, 100);
         QCOMPARE(ReadFile(folder + "/frame_0001.txt"_s), QByteArray("the farm's scene 1/4 0.000000 64x36\n"));
         QCOMPARE(ReadFile(folder + "/frame_0004.txt"_s), QByteArray("the farm's scene 4/4 0.750000 64x36\n"));
-        QCOMPARE(ReadFile(m_farm->Path("jobs/nice"_s)).trimmed(), QByteArray("19"));
         QCOMPARE(QDir(folder).entryList(QDir::Files).size(), 5);
-    }
-
-    void RendersAsManyFramesAtATimeAsThereAreSlots()
-    {
-        m_farm->settings.slotCount = 2;
-        m_farm->Add(3);
-        m_farm->Start(ScriptedTypes("echo {frame} >> ../../log; : > ../../at{frame}; "
-                                    "while [ ! -e ../../gate ]; do sleep 0.01; done; cp {scene} {output}"));
-        EVENTUALLY(QFile::exists(m_farm->Path("jobs/at1"_s)) && QFile::exists(m_farm->Path("jobs/at2"_s)));
-        QVERIFY(!QFile::exists(m_farm->Path("jobs/at3"_s)));
-        QVERIFY(m_farm->OpenGate());
-        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
-        QCOMPARE(m_farm->Log().size(), 5);
     }
 
     void ChargesAFrameOnce()
@@ -162,36 +120,6 @@ private slots:
         QCOMPARE(m_farm->data.Only().progress, 25);
         QVERIFY(QFile::exists(m_farm->Path("jobs/%1/frame_0001.txt"_s.arg(id))));
         QCOMPARE(m_farm->data.Only().message, message);
-    }
-
-    void AJobWaitsForItsRenderer()
-    {
-        m_farm->Add(1);
-        m_farm->Start(R"({"povray":{"program":"no-such-renderer","suffix":"txt"}})");
-        QCOMPARE(m_farm->Status(), JobStatus::Waiting);
-        m_farm->Start(R"({"other":{"program":"sh","suffix":"txt"}})");
-        QCOMPARE(m_farm->Status(), JobStatus::Waiting);
-        m_farm->Start(ScriptedTypes(CopyScript));
-        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
-    }
-
-    void FailsAJobWhoseRendererCannotBeStarted()
-    {
-        const QString program = m_farm->Path("renderer"_s);
-        QVERIFY(WriteFile(program, "#!/no/such/interpreter\n"));
-        QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner));
-        m_farm->Add(1);
-        m_farm->Start(ScriptedTypes({}).replace("/bin/sh", program.toUtf8()));
-        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Failed);
-        QVERIFY(m_farm->data.Only().message.startsWith("the renderer could not be started"_s));
-    }
-
-    void LooksAtTheJobsByItself()
-    {
-        m_farm->settings.lookInterval = std::chrono::milliseconds(20);
-        m_farm->Start(ScriptedTypes(CopyScript));
-        m_farm->Add(1);
-        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
     }
 
     void RunningJobsTakeTurns()
@@ -252,18 +180,6 @@ private slots:
         QCOMPARE(
             NotAllowed(m_farm->Apply(action, {failed})), sendsToWork ? QJsonArray {failed} : QJsonArray());
         QCOMPARE(m_farm->Status(failed), action == "delete"_s ? JobStatus::Deleted : JobStatus::Failed);
-    }
-
-    // A frame that ends while the job is being stopped is kept; it may be the last one.
-    void RecoveringAJobWithoutOpenFramesFinishesIt()
-    {
-        const QString id = m_farm->Add(1, JobStatus::Paused);
-        RenderQueue(m_farm->data.database, DefaultPrice).Finish({1, 1}, {}, 1, 100);
-        QCOMPARE(m_farm->Status(), JobStatus::Paused);
-        m_farm->Start(ScriptedTypes(GatedScript));
-        QCOMPARE(m_farm->Apply("recover"_s, {id}).status, 200);
-        QCOMPARE(m_farm->Status(), JobStatus::Finished);
-        QCOMPARE(m_farm->Log(), QByteArray());
     }
 
     void AFailedJobGetsAllItsAttemptsAgain()
