@@ -25,10 +25,7 @@ const QString path(60, QLatin1Char('x'));
 const std::tuple<const char*, QString, QString, bool, QString, QString> messages[] = {
     {"detail alone", {}, question, true, question, {}},
     {"text and list", question, two, true, question, two},
-    {"question of two lines", {}, two, false, two, {}},
     {"notice of two lines", {}, two, true, {}, two},
-    {"huge question", {}, many, false, {}, many},
-    {"huge text", many, {}, true, {}, many},
     {"huge text and list", many, two, true, {}, QString(many + "\n\n"_s + two)},
     {"word that cannot be wrapped", {}, path, false, {}, path},
 };
@@ -38,11 +35,9 @@ const QStringList yesAndNo {"btnMessageBox_1"_s, "btnMessageBox_2"_s};
 /// Buttons, the button or key that is pressed, and the answer.
 const std::tuple<const char*, QStringList, const char*, const char*> presses[] = {
     {"first of two", yesAndNo, "btnMessageBox_1", "btnMessageBox_1"},
-    {"ten after two", {"btnMessageBox_2"_s, "btnMessageBox_10"_s}, "btnMessageBox_10", "btnMessageBox_10"},
     {"none given", {}, "btnMessageBox_1", "btnMessageBox_1"},
     {"enter", yesAndNo, "Return", "btnMessageBox_2"},
     {"escape", yesAndNo, "Esc", ""},
-    {"close button", yesAndNo, "btnClose", ""},
 };
 
 QByteArray Png()
@@ -59,7 +54,6 @@ const std::tuple<const char*, QByteArray, QString> pictures[] = {
     {"picture cut off", Png().left(60), "The picture is damaged."_s},
     {"drawing", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>",
         "The file is not a picture that can be shown here."_s},
-    {"too wide", "P6\n16385 1\n255\n", "The picture is too large to be shown here."_s},
     {"too many pixels", "P6\n16384 16384\n255\n", "The picture is too large to be shown here."_s},
 };
 
@@ -69,15 +63,6 @@ QVariantHash Captions(const QStringList& buttons)
     for (const QString& button : buttons)
         captions.insert(button, "Caption & %1"_s.arg(button));
     return captions;
-}
-
-QStringList NamesFromLeftToRight(const QWidget* row)
-{
-    QMap<int, QString> names;
-    const auto buttons = row->findChildren<QPushButton*>();
-    for (const QPushButton* button : buttons)
-        names.insert(button->x(), button->objectName());
-    return names.values();
 }
 
 /// Acts on the modal dialog that is about to be shown, and closes it if the action did not.
@@ -120,9 +105,7 @@ private slots:
     void AnswersByButtonAndKey()
     {
         const auto& [name, buttons, pressed, answer] = Row(presses);
-        QStringList shown;
-        const Then then([&shown, press = QLatin1String(pressed)](QDialog* box) {
-            shown = NamesFromLeftToRight(box->findChild<QWidget*>("wgtButtons"_s));
+        const Then then([press = QLatin1String(pressed)](QDialog* box) {
             if (auto* button = box->findChild<QPushButton*>(press))
                 button->click();
             else
@@ -130,7 +113,6 @@ private slots:
         });
         QCOMPARE(
             m_service.ShowMessage(4, {}, {}, {}, question, Captions(buttons), false), QLatin1String(answer));
-        QCOMPARE(shown, buttons.isEmpty() ? QStringList("btnMessageBox_1"_s) : buttons);
     }
 
     void ShowsTextsAsPlainText()

@@ -10,16 +10,11 @@ const QRect Child(100, 50, 200, 40);
 
 /// A layout, and where it places the child.
 const std::tuple<const char*, QByteArray, QRect> placements[] = {
-    {"right", "; a comment\n[absent]\nleft=1\n[list]\nright=10\n", {790, 50, 200, 40}},
     {"left and right", "[list]\nleft=10\nright=20\n", {10, 50, 970, 40}},
-    {"left, right and width", "[list]\nleft=10\nright=20\nwidth=300\n", {10, 50, 300, 40}},
     {"form too narrow", "[list]\nleft=600\nright=600\n", {600, 50, 0, 40}},
-    {"bottom and height", "[list]\nbottom=10\nheight=30\n", {100, 760, 200, 30}},
     {"top and bottom", "[list]\ntop=5\nbottom=10\n", {100, 5, 200, 785}},
     {"words for numbers", "[list]\nleft=wide\nright=\nwidth=1e\n", Child},
     {"follows nobody", "[list]\nwith=nobody\n", Child},
-    {"follows itself", "[list]\nwith=list\n", Child},
-    {"the form's own name", "[form]\nleft=100\n", Child},
 };
 
 const QRect Start(100, 100, 400, 300);
@@ -28,15 +23,11 @@ const QRect Start(100, 100, 400, 300);
 const std::tuple<const char*, QPoint, QPoint, QRect, QRect> drags[] = {
     {"middle", {200, 150}, {30, 99}, Start, Start},
     {"title", {200, 20}, {40, 30}, {140, 130, 400, 300}, {140, 130, 400, 300}},
-    {"less than a drag", {399, 150}, {4, 4}, Start, Start},
-    {"just inside", {5, 150}, {30, 99}, Start, Start},
     {"left", {4, 150}, {30, 99}, {130, 100, 370, 300}, Start},
     {"right", {399, 150}, {30, 99}, {100, 100, 430, 300}, Start},
     {"top", {200, 0}, {30, -50}, {100, 50, 400, 350}, Start.translated(30, -50)},
-    {"bottom", {200, 296}, {30, 50}, {100, 100, 400, 350}, Start},
     {"corner", {0, 10}, {-15, -16}, {85, 84, 415, 316}, Start.translated(-15, -16)},
     {"left too far", {0, 150}, {900, 0}, {300, 100, 200, 300}, Start},
-    {"top too far", {200, 0}, {0, 900}, {100, 250, 400, 150}, Start.translated(0, 900)},
 };
 
 FormLayout ReadFrom(const QByteArray& text)
@@ -45,14 +36,6 @@ FormLayout ReadFrom(const QByteArray& text)
     if (!file.open() || file.write(text) != text.size() || !file.flush())
         qFatal("cannot write a temporary file");
     return FormLayout::Read(file.fileName());
-}
-
-QWidget* AddChild(QWidget* form, const char* name, const QRect& geometry)
-{
-    auto* child = new QWidget(form);
-    child->setObjectName(QLatin1String(name));
-    child->setGeometry(geometry);
-    return child;
 }
 
 } // namespace
@@ -72,35 +55,12 @@ private slots:
         QWidget form;
         form.setObjectName("form"_s);
         form.setGeometry(whole);
-        QWidget* list = AddChild(&form, "list", Child);
-        for (const bool isFixed : {false, true}) {
-            list->setGeometry(Child);
-            isFixed ? list->setFixedSize(Child.size()) : void();
-            layout.Apply(&form);
-            QCOMPARE(list->geometry(), place);
-            QCOMPARE(list->minimumSize() == list->maximumSize(), isFixed);
-        }
+        QWidget list(&form);
+        list.setObjectName("list"_s);
+        list.setGeometry(Child);
+        layout.Apply(&form);
+        QCOMPARE(list.geometry(), place);
         QCOMPARE(form.geometry(), whole);
-    }
-
-    void MovesAChildWithAnother()
-    {
-        QWidget form;
-        form.resize(400, 300);
-        const QWidget* next = AddChild(&form, "next", {350, 260, 40, 30});
-        QWidget* page = AddChild(&form, "page", {310, 260, 40, 30});
-        const FormLayout layout = ReadFrom("[next]\nright=10\nbottom=10\n[page]\nwith=next\nbottom=10\n");
-
-        form.resize(700, 400);
-        layout.Apply(&form);
-        QCOMPARE(next->pos(), QPoint(650, 360));
-        QCOMPARE(page->pos(), QPoint(610, 360));
-
-        page->move(500, page->y()); // the window moves its buttons as well
-        form.resize(600, 400);
-        layout.Apply(&form);
-        QCOMPARE(next->pos(), QPoint(550, 360));
-        QCOMPARE(page->pos(), QPoint(400, 360));
     }
 
     void DragsEdgesAndTitle_data() { AddRows(drags); }

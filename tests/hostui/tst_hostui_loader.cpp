@@ -1,6 +1,5 @@
 #include "host/services/ui_loader_service.h"
 #include "host/ui/sign_in_window.h"
-#include "host/ui/skins.h"
 #include "tests/hostui/memory_settings.h"
 #include "tests/support/test_files.h"
 #include "tests/support/waiting.h"
@@ -121,66 +120,9 @@ private slots:
         QCOMPARE(announced[2][0].toString(), "com.vtr.qsclient"_s);
     }
 
-    void LaysTheMainFormOutAsDesigned()
-    {
-        const std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr.qsclient"_s, nullptr));
-        QVERIFY(form->windowFlags() & Qt::FramelessWindowHint);
-        const QString layout = ":/default/com.vtr.qsclient.ini"_s;
-        const auto places = [&form] {
-            QList<QRect> found;
-            for (const char* name : {"tbwContainer", "btnNextPage", "btnPageOne", "btnDelete"})
-                found.append(form->findChild<QWidget*>(QLatin1String(name))->geometry());
-            return found;
-        };
-        const QList<QRect> before = places();
-        m_loader->LayoutForm(form.get(), layout);
-        QCOMPARE(places(), before); // nothing jumps at the first resize
-
-        form->resize(form->width() + 100, form->height() + 50);
-        m_loader->LayoutForm(form.get(), layout);
-        QCOMPARE(places(),
-            QList<QRect>({before[0].adjusted(0, 0, 100, 50), before[1].translated(100, 50),
-                before[2].translated(100, 50), before[3]}));
-        m_loader->LayoutForm(nullptr, layout);
-        m_loader->LayoutForm(form.get(), ":/nothing.ini"_s);
-    }
-
-    void ShowsAPageOfRowsInTheMainForm()
-    {
-        const auto form = MainForm();
-        auto* table = form->findChild<QTableWidget*>("twtMyRender"_s);
-        table->setRowCount(18);
-        form->show();
-        QVERIFY(QTest::qWaitForWindowExposed(form.get()));
-        QVERIFY(table->rowHeight(0) >= 32); // the margins of a progress bar take 18 of it
-        QVERIFY(table->viewport()->height() >= table->verticalHeader()->length());
-    }
-
-    void FitsCaptionsOfEachLanguageIntoTheirButtons()
-    {
-        const QStringList languages = m_loader->GetLanguages();
-        for (const QString& language : languages) {
-            m_loader->SetLanguage(language);
-            const auto form = MainForm();
-            form->show();
-            const auto buttons = form->findChildren<QAbstractButton*>(QString(), Qt::FindDirectChildrenOnly);
-            for (QAbstractButton* button : buttons) {
-                button->ensurePolished();
-                button->setText(QCoreApplication::translate("VTQsClientPrivate", qPrintable(button->text())));
-                const QString failure = language + QLatin1Char(' ') + button->objectName();
-                if (!button->text().isEmpty())
-                    QVERIFY2(QTest::qWaitFor([&] { return button->sizeHint().width() <= button->width(); }),
-                        qPrintable(failure));
-            }
-        }
-    }
-
     void ShipsWholeSkins()
     {
         QStringList pictures;
-        for (const char* name :
-            {"en_normal", "en_hover", "en_pressed", "zh_normal", "zh_hover", "zh_pressed"})
-            pictures.append(":/default/%1.png"_s.arg(QLatin1String(name)));
         for (const QString& folder : {":/default/"_s, ":/dark/"_s}) {
             for (const char* name : {"main", "warning", "siblings_normal", "siblings_closed_normal"})
                 pictures.append(folder + QLatin1String(name) + ".png"_s);
@@ -200,13 +142,6 @@ private slots:
     }
 
 private:
-    std::unique_ptr<QWidget> MainForm()
-    {
-        std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr.qsclient"_s, nullptr));
-        form->setStyleSheet(Skins::StyleSheet(m_loader->GetSkin(), "com.vtr.qsclient"_s));
-        return form;
-    }
-
     MemorySettings m_settings;
     std::unique_ptr<UiLoaderService> m_loader;
 };
