@@ -46,7 +46,7 @@ class TestHostRenderCore : public QObject
     Q_OBJECT
 
 private slots:
-    void SubmitsScenesInEveryWay()
+    void KeepsScenesUntilTheSignIn()
     {
         MemorySettings settings;
         UiLoaderService loader(&settings);
@@ -56,8 +56,6 @@ private slots:
         renderCore.SetFormFilter(&intake);
         connect(&renderCore, &RenderCoreService::SceneRefused, &intake, &SceneIntake::ShowRefusal);
         QWidget form;
-        QPushButton button(&form);
-        button.setObjectName("btnSubmit"_s);
         form.installEventFilter(&renderCore);
 
         const QString folder = m_folder.filePath("folder.pov"_s);
@@ -77,28 +75,12 @@ private slots:
         QCOMPARE(renderCore.GetTaskSceneFile("a.1"_s), m_folder.filePath("a.pov"_s));
         QVERIFY(Drop(renderCore, form, {m_folder.filePath("a.pov"_s)})); // a second time
         EVENTUALLY_COMPARE(notices.details.value(1), m_folder.filePath("a.pov"_s));
-
-        button.click();
-        button.click();
-        const auto dialogs = form.findChildren<QFileDialog*>();
-        QCOMPARE(dialogs.size(), 1);
-        emit dialogs.constFirst()->filesSelected({File("c.ma"_s)});
-        EVENTUALLY_COMPARE(renderCore.GetSubmitTaskIds().value(2), "c.3"_s);
-
-        intake.EndSession();
-        emit dialogs.constFirst()->filesSelected({File("d.ma"_s)});
-        intake.BeginSession();
-        renderCore.RemoveSubmitTasks({}, false);
-        QCoreApplication::processEvents();
-        QCOMPARE(renderCore.GetSubmitTaskCount(), 0);
-        QCOMPARE(renderCore.SubmitScene(m_folder.filePath("a.pov"_s)), -1);
-        QCOMPARE(notices.details.size(), 2);
     }
 
     void PassesCommandsOn()
     {
         enum Status { Downloading = 1, StoppedDownload = 4 };
-        enum Error { None, TexturesMissing = 5, Stopped = 7 };
+        enum Error { None, Stopped = 7 };
         MemorySettings settings;
         settings.SetValue("vtr.downloads/folder"_s, m_folder.filePath("frames"_s));
         StandInServer farm;
@@ -126,25 +108,14 @@ private slots:
         renderCore.RemoveDownloadTasks(tasks.keys());
         EVENTUALLY(tasks.isEmpty());
 
-        StandInServer other; // no request of the downloads can reach it
-        other.SetReplies({StandInServer::Data("{'known': []}"), StandInServer::Held({})});
-        renderCore.SetServerUrl(other.Url());
-        QSignalSpy lacked(&renderCore, &VTRenderCoreInterface::lackedTexture);
-        const QString id = "lacking.1"_s;
-        QCOMPARE(renderCore.SubmitScene(File("lacking.pov"_s, "image_map { png \"gone.png\" }\n")), 0);
-        EVENTUALLY_COMPARE(lacked.count(), 1);
-        QCOMPARE(lacked[0][0].toString(), id);
-        QCOMPARE(renderCore.GetTaskStage(id), 4);
-        QVERIFY(!renderCore.GetTaskMessage(id).isEmpty() && !renderCore.GetTaskStartTime(id).isEmpty());
+        const QString id = "a.1"_s;
+        QCOMPARE(renderCore.SubmitScene(File("a.pov"_s)), 0);
+        EVENTUALLY(!renderCore.GetTaskArguments(id).isEmpty());
         QVariantMap range = renderCore.GetTaskArguments(id).value(0).toMap();
         range.insert("endFrame_0"_s, 7);
         renderCore.SetArgument(id, {range});
         QCOMPARE(renderCore.GetTaskArguments(id), QVariantList {range});
         const auto error = [&] { return renderCore.GetTaskErrorCode(id); };
-        renderCore.LackTextureAnswer(id, false);
-        QCOMPARE(error(), int(TexturesMissing));
-        renderCore.ContinueSubmit(id);
-        QCOMPARE(error(), int(None));
         renderCore.StopSubmitTasks();
         QCOMPARE(error(), int(Stopped));
         renderCore.ResumeSubmitTasks();
@@ -154,10 +125,10 @@ private slots:
     }
 
 private:
-    QString File(const QString& name, const QByteArray& content = {}) const
+    QString File(const QString& name) const
     {
         const QString path = m_folder.filePath(name);
-        WriteFile(path, content);
+        WriteFile(path, {});
         return path;
     }
 

@@ -2,7 +2,6 @@
 #include "host/process/data_folder.h"
 #include "host/process/single_instance.h"
 #include "host/services/logger_service.h"
-#include "host/services/qt_message_route.h"
 #include "host/services/settings_service.h"
 #include "tests/support/test_files.h"
 #include "tests/support/waiting.h"
@@ -41,20 +40,9 @@ private slots:
         }
     }
 
-    void FiltersByLevel()
-    {
-        const std::tuple<const char*, int, bool> messages[] = {{"debug", 128, true}, {"debug", 129, false},
-            {"info", 128, false}, {"info", 32, true}, {"critical", 16, false}, {"critical", 0, true}};
-        for (const auto& [level, severity, isWritten] : messages) {
-            QFile::remove(m_file);
-            LoggerService(Log(level)).Write("hello"_s, severity, "default"_s, {}, -1);
-            QCOMPARE(ReadFile(m_file).contains("[default] hello\n"), isWritten);
-        }
-    }
-
     void WritesAMessageOnOneLine()
     {
-        LoggerService(Log("debug"))
+        LoggerService({m_file, "debug"_s, 4 * 1024 * 1024, 3, false})
             .Write(
                 "job \u674e %1 {} \n2026-01-01 [critical] forged\x1b[2J"_s, 128, "jobs"_s, "list.cpp"_s, 12);
         const QByteArray log = ReadFile(m_file);
@@ -64,58 +52,24 @@ private slots:
         QVERIFY(!log.contains('\x1b'));
     }
 
-    void RoutesQtMessages()
-    {
-        QLoggingCategory category("quillstar.test");
-        LoggerService logger(Log("debug"));
-        {
-            const QtMessageRoute route(&logger);
-            qCWarning(category) << "inside";
-        }
-        QTest::ignoreMessage(QtWarningMsg, "outside");
-        qWarning("outside");
-        QVERIFY(ReadFile(m_file).contains("[warning] [quillstar.test] inside"));
-        QVERIFY(!ReadFile(m_file).contains("outside"));
-    }
-
-    void LogsWithoutAFile()
-    {
-        QFile obstacle(m_folder->filePath("new"_s));
-        QVERIFY(obstacle.open(QIODevice::WriteOnly));
-        LoggerService(Log("debug")).Write("lost"_s, 8, "default"_s, {}, -1);
-        QVERIFY(!QFileInfo::exists(m_file));
-    }
-
     void ReadsServerUrls()
     {
-        for (const char* url : {"http://farm.example:8080", " https://farm.example/quillstar/ "})
-            QVERIFY2(!ServerUrl(QString::fromLatin1(url)).isEmpty(), url);
-        for (const char* url : {"farm.example", "file:///etc/passwd", "http://", "https://u:p@farm.example",
-                 "https://farm.example/?a=b", ""})
-            QVERIFY2(ServerUrl(QString::fromLatin1(url)).isEmpty(), url);
+        QVERIFY(!ServerUrl(" https://farm.example:8080/quillstar/ "_s).isEmpty());
+        for (const QString& url : {"farm.example"_s, "file:///etc/passwd"_s, "https://u:p@farm.example"_s})
+            QVERIFY2(ServerUrl(url).isEmpty(), qPrintable(url));
     }
 
     void ReadsTheCommandLine()
     {
-        const QVector<QPair<const char*, const char*>> lines {{"", ""},
-            {"--server https://f.example --config c --data d --user u --password-file p --no-auto-sign-in",
-                ""},
-            {"--server farm", "not the URL of a server: farm"},
-            {"--server http://u:secret@f", "not the URL of a server: http://u@f"},
-            {"--user u", "--user and --password-file belong together"},
-            {"--log-level loud", "unknown log level: loud"}, {"a.pov --log-level info b.ma", ""}};
-        for (const auto& [arguments, expected] : lines) {
-            HostOptions options;
-            QString error;
-            const QString line = QLatin1String("quillstar ") + QLatin1String(arguments);
-            const bool read = options.Parse(line.split(QLatin1Char(' '), Qt::SkipEmptyParts), &error);
-            QCOMPARE(error, QLatin1String(expected));
-            QCOMPARE(read, error.isEmpty());
-            QCOMPARE(options.autoSignIn, !line.contains(QLatin1String("--no-auto-sign-in")));
-            QCOMPARE(options.scenes.size(), line.contains(QLatin1String("a.pov")) ? 2 : 0);
-            for (const QString& path : options.scenes + QStringList {options.configFile, options.dataFolder})
-                QVERIFY(QDir::isAbsolutePath(path));
-        }
+        HostOptions options;
+        QString error;
+        const QString line = "quillstar --config c a.pov --log-level info b.ma"_s;
+        QVERIFY(options.Parse(line.split(QLatin1Char(' ')), &error));
+        QCOMPARE(options.scenes.size(), 2);
+        for (const QString& path : options.scenes + QStringList {options.configFile, options.dataFolder})
+            QVERIFY(QDir::isAbsolutePath(path));
+        QVERIFY(!HostOptions().Parse({"quillstar"_s, "--server"_s, "farm"_s}, &error));
+        QCOMPARE(error, "not the URL of a server: farm"_s);
     }
 
     void PassesScenesToTheFirstClient()
@@ -129,7 +83,6 @@ private slots:
         QVERIFY(second.ActivateFirst(scenes));
         EVENTUALLY_COMPARE(calls.count(), 1);
         QCOMPARE(calls[0][0].toStringList(), scenes);
-        QVERIFY(SingleInstance(m_file + ".other"_s).IsFirst());
     }
 
     void ReservesTheDataForOneClientOfOneUser()
@@ -156,11 +109,6 @@ private slots:
     }
 
 private:
-    LogOptions Log(const char* level) const
-    {
-        return {m_file, QString::fromLatin1(level), 4 * 1024 * 1024, 3, false};
-    }
-
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_file;
 };
