@@ -68,8 +68,8 @@ private slots:
         QCOMPARE(options.scenes.size(), 2);
         for (const QString& path : options.scenes + QStringList {options.configFile, options.dataFolder})
             QVERIFY(QDir::isAbsolutePath(path));
-        QVERIFY(!HostOptions().Parse({"quillstar"_s, "--server"_s, "farm"_s}, &error));
-        QCOMPARE(error, "not the URL of a server: farm"_s);
+        QVERIFY(!HostOptions().Parse({"quillstar"_s, "--server"_s, "http://u:secret@f"_s}, &error));
+        QCOMPARE(error, "not the URL of a server: http://u@f"_s);
     }
 
     void PassesScenesToTheFirstClient()

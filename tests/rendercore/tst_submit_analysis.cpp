@@ -1,7 +1,6 @@
-// Scene analysis, packing and limits of arguments.
+// Scene analysis and packing.
 #include "host/rendercore/submit/scene_analysis.h"
 #include "host/rendercore/submit/scene_package.h"
-#include "host/rendercore/submit/submit_arguments.h"
 #include "tests/support/test_files.h"
 #include "tests/support/test_tables.h"
 
@@ -47,8 +46,6 @@ const SceneCase SceneCases[] = {
         {{"a.pov"_s, ""},
             {"a.ini"_s, "; Width=1\nWidth = 320\nheight=200 ; small\nInitial_Frame=2\nFinal_Frame=9\n"}},
         "", "a.pov", "", "2-9 320x200"},
-    {"mad options", {{"a.pov"_s, ""}, {"a.ini"_s, "Width=0\nHeight=99999\nFinal_Frame=99999999\n"}}, "",
-        "a.pov", "", "1-20000 640x480"},
     {"project",
         {{"a.ma"_s,
              "//Maya ASCII \"no.png\";\nfile -rdi 1 -ns \"r\" -typ \"mayaAscii\"\n \"@/p//s/ref.ma{2}\";\n"
@@ -101,18 +98,6 @@ const SceneCase SceneCases[] = {
             "createNode file; setAttr \".ftn\" -type \"string\" \".ssh/id\";"
             "setAttr \".ftn\" -type \"string\" \"../../k\";"}},
         ".ssh/id ../../k", "a.ma .ssh/id external@/k", "outside:@/p/s/.ssh/id outside:@/k"},
-    {"binary scene", {{"a.mb"_s, "file \"x.ma\";"}}, "x.ma", "a.mb"},
-};
-
-/// A value in the arguments of a job, and whether it may be there.
-const std::tuple<const char*, const char*, QVariant, bool> ArgumentCases[] = {
-    {"one frame", "endFrame_0", 1, true},
-    {"backwards", "endFrame_0", 0, false},
-    {"from zero", "startFrame_0", 0, false},
-    {"too many frames", "endFrame_0", 20001, false},
-    {"the scene's own width", "width", QString(), true},
-    {"no width", "width", "0"_s, false},
-    {"not a height", "height", "4e9"_s, false},
 };
 
 } // namespace
@@ -200,27 +185,9 @@ private slots:
         }
         QCOMPARE(archives[0], archives[1]);
         QVERIFY(archives[0].size() < 3000);
-        quint32 numbers[999];
-        QRandomGenerator(1).fillRange(numbers);
-        QByteArray noise(reinterpret_cast<const char*>(numbers), sizeof(numbers));
-        noise.replace('@', 'a'); // stands for a folder
-        QVector<PackageEntry> stored {{Write("z"_s, noise), "z"_s, {}}};
-        QVERIFY(PackFiles(stored, archive, all));
-        QVERIFY(ReadFile(archive).contains(noise)); // does not shrink
-        QVERIFY(QFile::remove(archive));
+        QVector<PackageEntry> stored {{Write("z"_s), "z"_s, {}}};
         QVERIFY(!PackFiles(stored, archive, [](qint64) { return false; }));
         QVERIFY(QDir(m_folder->path()).entryList({"x.zip*"_s}, QDir::AllEntries | QDir::Hidden).isEmpty());
-    }
-
-    void TakesOnlyWhatAJobMayHave_data() { AddRows(ArgumentCases); }
-
-    void TakesOnlyWhatAJobMayHave()
-    {
-        const auto& [name, key, value, isGood] = Row(ArgumentCases);
-        QVariantMap range = MakeArguments(1, 9, 640, 480).constFirst().toMap();
-        QVERIFY(!AreArguments({}) && !AreArguments({range, range}));
-        range.insert(QLatin1String(key), value);
-        QCOMPARE(AreArguments({range}), isGood);
     }
 };
 
