@@ -121,26 +121,20 @@ private slots:
         QCOMPARE(m_client->Start("arrears"_s), QString());
         EVENTUALLY(FindJobTable()->rowCount() > 0);
         const QTableWidget* table = FindJobTable();
-        const int all = table->rowCount();
         const QString job = table->item(0, 0)->data(Qt::UserRole).toString();
         QCOMPARE(ShownStatus(job), int(JobStatus::Arrears));
-        for (const char* button : {"btnRecover", "btnRestart", "btnFullRender"}) {
-            QVERIFY(Check(FindJobTable(), job));
-            const Soon told([] { return Answer("Amount Overdue!"_s, "btnMessageBox_1"); });
-            Find<QPushButton>(button)->click();
-            EVENTUALLY(told.IsDone());
-        }
+        QVERIFY(Check(table, job));
+        const Soon told([] { return Answer("Amount Overdue!"_s, "btnMessageBox_1"); });
+        Find<QPushButton>("btnRecover")->click();
+        EVENTUALLY(told.IsDone());
         QCOMPARE(ShownStatus(job), int(JobStatus::Arrears));
 
+        // The entry comes from the list of job types that is shipped with the host.
+        Find<QComboBox>("cmbJobType")->setCurrentText("POV-Ray"_s);
         Find<QComboBox>("cmbJobStatus")->setCurrentText("Arrears"_s);
         Find<QPushButton>("btnSearchJob")->click();
         EVENTUALLY_COMPARE(table->rowCount(), 2);
-        Find<QComboBox>("cmbJobStatus")->setCurrentIndex(0);
-        // The entry comes from the list of job types that is shipped with the host.
-        Find<QComboBox>("cmbJobType")->setCurrentText("POV-Ray"_s);
         QVERIFY(Find<QComboBox>("cmbJobType")->currentIndex() > 0);
-        Find<QPushButton>("btnSearchJob")->click();
-        EVENTUALLY_COMPARE(table->rowCount(), all);
     }
 
 private:
