@@ -117,7 +117,7 @@ void FilePattern::AddToken(int width, bool isTile)
     piece.isTile = isTile && !piece.isOpen && piece.text.isEmpty();
     piece.isNumber = piece.isOpen = true;
     piece.tail.clear();
-    piece.width += std::max(1, width);
+    piece.width += std::clamp(width, 1, LongestName);
 }
 
 void FilePattern::AddText(const QString& text)

@@ -135,7 +135,8 @@ private:
             m_texts.append(source);
     }
 
-    /// Rebases the paths from the scene's folder to the topmost folder that one of them climbs to.
+    /// Rebases the paths from the scene's folder to the topmost folder that one of them climbs to. Only then are "leaf.png"
+    /// and "../project/leaf.png" seen to be one file.
     void PlaceFiles()
     {
         int climbs = 0;
@@ -143,10 +144,16 @@ private:
             climbs = std::max(climbs, CountOfClimbs(file.path));
         const QStringList folders = m_folder.path().split(QLatin1Char('/'), Qt::SkipEmptyParts);
         const QString prefix = QStringList(folders.mid(folders.size() - climbs)).join(QLatin1Char('/'));
+        QSet<QString> paths;
+        QVector<SceneFile> placed;
         for (SceneFile& file : m_result.files) {
             if (climbs > 0)
                 file.path = QDir::cleanPath(prefix + QLatin1Char('/') + file.path);
+            if (!paths.contains(file.path))
+                placed.append(file);
+            paths.insert(file.path);
         }
+        m_result.files = placed;
         m_result.scene = m_result.files.constFirst().path;
     }
 
