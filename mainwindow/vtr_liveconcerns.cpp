@@ -29,11 +29,10 @@ void VTLiveConcerns::Drop()
 {
     if (!m_pCurrent)
         return;
-    // Hiding the forms sends events, whose receivers must find no concerns then.
+    // Hiding the forms sends events, whose receivers must find no concerns then and may call back as well.
+    const Call call(*this);
     m_lstDropped.push_back(std::move(m_pCurrent));
     m_lstDropped.back()->Retire();
-    if (!IsBusy())
-        DeleteDropped();
 }
 
 void VTLiveConcerns::DeleteDropped()

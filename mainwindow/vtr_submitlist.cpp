@@ -67,8 +67,9 @@ void VTSubmitList::BuildPage(int nPage, bool bKeepMarks)
     if (m_bBuildHeld)
         return;
     const int nBuild = ++m_nBuild;
+    const int nSession = m_deps.session.nNumber;
     const QVector<Task> lstTask = ReadPage(nPage);
-    if (nBuild != m_nBuild)
+    if (nBuild != m_nBuild || nSession != m_deps.session.nNumber)
         return;
     const VTTableRows::Marks marks(m_pTable);
     VTTableRows::Clear(m_pTable);
@@ -172,7 +173,6 @@ void VTSubmitList::Refresh()
     if (!m_deps.services.pRenderCore || m_deps.tables.IsHeld(VTList::LocalTasks))
         return;
     const QVector<int> lstPlace = PlacesOfRows(m_deps.services.pRenderCore->GetSubmitTaskIds());
-    const int nBuild = m_nBuild;
     int nRow = 0;
     for (const int nPlace : lstPlace) {
         if (nPlace < 0) {
@@ -186,8 +186,8 @@ void VTSubmitList::Refresh()
         const bool bArguments
             = VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::StartTime)->data(Qt::UserRole).toBool();
         const Task task = ReadForRefresh(VTTableRows::Id(m_pTable, nRow), !bArguments);
-        // The render core may have changed its list, or gone, while the task was read.
-        if (nBuild != m_nBuild || !m_deps.services.pRenderCore)
+        // The rows may have changed, or the render core gone, while the task was read.
+        if (VTTableRows::Id(m_pTable, nRow) != task.strId || !m_deps.services.pRenderCore)
             return;
         RefreshRow(nRow, task);
         ++nRow;
