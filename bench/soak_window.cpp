@@ -36,19 +36,11 @@ public:
         m_client.Start();
         m_client.Context()->registerService({"VTRenderCoreInterface"_s}, &m_renderCore);
         m_client.Context()->registerService({"VTSettingsInterface"_s}, &m_settings);
-        // Runs in the event loops of dialogs, menus and questions, and closes them.
-        connect(&m_driver, &QTimer::timeout, this, [this] {
-            if (m_depth > 0 && Chance(50))
-                CloseTop();
-            else
-                Step();
-        });
-        m_driver.start(0);
+        Drive();
     }
     ~Soak() override
     {
         m_running = false;
-        m_driver.stop();
         qApp->removeEventFilter(this);
     }
 
@@ -75,6 +67,19 @@ public:
 private:
     int Below(int limit) { return int(m_random() % unsigned(limit)); }
     bool Chance(int percent) { return Below(100) < percent; }
+
+    /// Takes steps in the event loops of dialogs, menus and questions, and closes them. Each turn has a timer of its own,
+    /// because a timer does not fire in an event loop that runs in its own slot.
+    void Drive()
+    {
+        if (!m_running)
+            return;
+        QTimer::singleShot(0, this, &Soak::Drive);
+        if (m_depth > 0 && Chance(50))
+            CloseTop();
+        else
+            Step();
+    }
 
     void Step()
     {
@@ -113,12 +118,10 @@ private:
         m_client.messageBox.messages.clear();
         m_renderCore.orders.clear();
         m_renderCore.seenEvents.clear();
-        m_client.uiLoader.layouts.clear();
-        m_client.uiLoader.skinSettings.clear();
-        for (QStringList* calls : {&m_settings.calls, &m_client.messageBox.calls,
-                 &m_client.communication.calls, &m_renderCore.calls, &m_client.uiLoader.calls,
-                 &m_client.logger.calls, &m_client.configuration.calls, &m_client.previewer.calls,
-                 &m_client.application.calls, &m_client.uiLoader.loadedKeys})
+        for (QStringList* calls :
+            {&m_settings.calls, &m_client.messageBox.calls, &m_client.communication.calls,
+                &m_renderCore.calls, &m_client.uiLoader.calls, &m_client.logger.calls,
+                &m_client.configuration.calls, &m_client.previewer.calls, &m_client.uiLoader.loadedKeys})
             calls->clear();
     }
 
@@ -347,7 +350,6 @@ private:
     CallingRenderCore m_renderCore;
     CallingSettings m_settings;
     Client m_client;
-    QTimer m_driver;
     int m_depth = 0;
     int m_events = 0;
     bool m_running = true;
