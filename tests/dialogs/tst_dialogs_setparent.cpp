@@ -151,6 +151,31 @@ private slots:
         QVERIFY(Dependencies().isEmpty());
     }
 
+    void EndsWithItsSession()
+    {
+        SignInWithJobs(MakeJobs(3));
+        Check(Jobs(), {0});
+        OpenAnd([this] {
+            Click("setparent", "btnCloseSetParent");
+            QVERIFY(!Form("setparent")->isVisible());
+        });
+        OpenAnd([this] {
+            Offer({MakeJob(9)});
+            Check(Candidates(), {0});
+        });
+        // Its list has not come this time.
+        OpenAnd([this] { QCOMPARE(Candidates()->rowCount(), 0); });
+        OpenAnd([this] {
+            Offer({MakeJob(9)});
+            Check(Candidates(), {0});
+            emit Communication().SignOutResponse(200, {});
+            QVERIFY(!Form("setparent")->isVisible());
+            TakeJournal();
+            Click("setparent", "btnOkSetParent");
+            QCOMPARE(TakeJournal(), QString());
+        });
+    }
+
 private:
     QTableWidget* Candidates() const { return Find<QTableWidget>("setparent", "twtJobList"); }
     QTimer* PollTimer() const { return m_client->controllers.Find("VTSetParent")->findChild<QTimer*>(); }

@@ -28,6 +28,7 @@ private slots:
         QFETCH(int, tab);
         OpenTab(tab);
         QTableWidget* table = Table(tab);
+        QCOMPARE(Checks(table), "-----"_s);
         m_client->Find<QCheckBox>("chkAll"_s)->setChecked(true);
         for (int row = 3; row < table->rowCount(); ++row)
             Check(table, {row}, Qt::Unchecked);
@@ -137,6 +138,9 @@ private slots:
             QCOMPARE(m_client->Button("btnPageOne"_s)->text(), "1"_s);
         }
         m_client->Tabs()->setCurrentIndex(0);
+        QVERIFY(m_client->RunningTimers(1000).isEmpty());
+        emit RenderCore().DownloadListChanged();
+        QCOMPARE(m_client->RunningTimers(1000).size(), 1);
         SignInWithJobs(MakeJobs(18), 91);
         m_client->Button("btnNextGroup"_s)->click();
         Communication().DeliverJobs({}, 0);

@@ -191,8 +191,12 @@ private slots:
     void TranslatesEveryFormAgain()
     {
         MarkingTranslator translator;
+        SignInWithJobs(MakeJobs(1));
+        RenderCore().tasks = {{"a"_s}};
+        RenderCore().downloads = {{"b"_s, QVariantMap()}};
+        emit RenderCore().SubmitListChanged();
+        m_client->Tabs()->setCurrentIndex(2);
         QCoreApplication::installTranslator(&translator);
-        m_client->SignIn();
         emit m_client->uiLoader.LanguageChanged("vtr_de.qm"_s);
         QCoreApplication::removeTranslator(&translator);
         for (const auto& [form, widget] : Translated)
@@ -200,6 +204,8 @@ private slots:
         for (const char* table : Tables)
             QVERIFY2(m_client->Table(QLatin1String(table))->horizontalHeaderItem(2)->text().startsWith("~"_s),
                 table);
+        for (const auto& [table, column] : {std::pair(Jobs(), 4), {Tasks(), 2}, {Downloads(), 4}})
+            QVERIFY(Values(table, column).value(0).startsWith("~"_s));
         QVERIFY(m_client->Entry("~Download") && m_client->Entry("~Continue submit"));
         QCOMPARE(m_client->uiLoader.trayMenu.actions().last()->text(), "~Quit"_s);
 

@@ -11,7 +11,7 @@ inline QString operator""_s(const char* text, std::size_t length)
 }
 
 /// How long a test waits for an event; generous, so that a busy machine passes too.
-constexpr int Patience = 60000; // ms
+constexpr int Patience = 180000; // ms
 
 template <class Case>
 const char* NameOf(const Case& row)
