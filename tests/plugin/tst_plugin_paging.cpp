@@ -49,6 +49,29 @@ private slots:
         QCOMPARE(PageBar(), bar);
     }
 
+    void FollowsTheWindowsSize()
+    {
+        SignInWithJobs(MakeJobs(18), 40);
+        const QSize size = m_client->Tabs()->size();
+        Jobs()->setColumnWidth(1, 7);
+        m_client->Button("btnPageTwo"_s)->hide();
+        QVERIFY(m_client->Call("ShowWindowMaximized"));
+        QVERIFY(m_client->Tabs()->size() != size);
+        QTRY_COMPARE_WITH_TIMEOUT(Jobs()->columnWidth(1), Jobs()->width() / 6, Patience);
+        QVERIFY(m_client->Shows("btnPageTwo"_s));
+        QVERIFY(m_client->Call("ShowWindowNormal"));
+        QCOMPARE(m_client->Tabs()->size(), size);
+    }
+
+    void LetsNobodyEditACell()
+    {
+        for (const QTableWidget* table :
+            {Jobs(), Tasks(), Downloads(), Find<QTableWidget>("setparent", "twtJobList")}) {
+            QCOMPARE(table->editTriggers(), QAbstractItemView::NoEditTriggers);
+            QCOMPARE(table->contextMenuPolicy(), Qt::CustomContextMenu);
+        }
+    }
+
     void KeepsThePageOfEachListApart()
     {
         for (int i = 0; i < 40; ++i) {

@@ -64,6 +64,8 @@ private:
         for (QTableWidget* table : form->findChildren<QTableWidget*>()) {
             table->setColumnCount(0);
             table->setSortingEnabled(true);
+            table->setEditTriggers(QAbstractItemView::AllEditTriggers);
+            table->setContextMenuPolicy(Qt::DefaultContextMenu);
         }
         for (const QString& name : leftOut)
             delete form->findChild<QWidget*>(name);
