@@ -68,7 +68,7 @@ public:
     void HandleDoubleClick(int nRow, int nColumn);
 
 private:
-    /// What the render core tells of a task for its row.
+    /// A task as its row needs it, read from the render core.
     struct Task
     {
         QString strId;

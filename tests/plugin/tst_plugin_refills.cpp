@@ -301,7 +301,7 @@ private:
 
     void Deliver(int jobs) const { Communication().DeliverJobs(MakeJobs(jobs), jobs); }
 
-    /// What happens by itself: the timer's refresh of the jobs, and a tick and a change of the local lists.
+    /// Refreshes a list as it happens by itself: jobs by the timer, local lists by a change and a tick.
     void Refresh(int tab, int added) const
     {
         if (tab == 0) {

@@ -3,7 +3,7 @@
 
 namespace {
 
-/// What keeps files from being saved: a file in the place of a folder, or no space.
+/// Obstacles to saving files: a file in the place of a folder, or no space.
 const std::tuple<const char*, const char*> Troubles[] = {
     {"download folder", "frames"},
     {"job's folder", "frames/12_shot"},

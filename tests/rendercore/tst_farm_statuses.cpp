@@ -1,4 +1,4 @@
-// What becomes of a submission and of a download with each HTTP status that the farm may answer.
+// Submissions and downloads with each HTTP status that the farm may answer.
 #include "host/rendercore/download/download_queue.h"
 #include "host/rendercore/submit/submit_worker.h"
 #include "tests/host/stand_in_server.h"

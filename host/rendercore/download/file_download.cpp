@@ -310,7 +310,7 @@ void FileDownload::Finish()
     }
 }
 
-/// What keeps all files from being saved may pass by itself; what is wrong with this file alone does not.
+/// An error that keeps all files from being saved may pass by itself; a fault of this file alone does not.
 void FileDownload::FailToSave(int error)
 {
     const QString message

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// What Maya nodes keep the names of files in.
+/// The attributes in which Maya nodes keep names of files.
 namespace MayaAttributes {
 
 enum class Kind {

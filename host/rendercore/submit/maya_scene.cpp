@@ -100,7 +100,7 @@ public:
     }
 
 private:
-    /// What is known of a node until the next one begins.
+    /// A node as far as it has been read; the next one begins anew.
     struct Node
     {
         QString type; ///< or the name of a node that is there already

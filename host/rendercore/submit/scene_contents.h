@@ -21,8 +21,8 @@ struct SceneAnalysis
     QVector<SceneFile> files; ///< each path once, the scene first
     /// References to files that are not there or cannot be sent, as the scene names them.
     QStringList missing;
-    /// Those of `files` that lie outside the scene's folder or its project, as absolute paths. Somebody who gets a
-    /// scene from elsewhere does not expect them to be sent.
+    /// Absolute paths of the `files` outside the scene's folder and its project. Users who got the scene from somebody
+    /// else do not expect them to be sent.
     QStringList outside;
     int firstFrame = 1;
     int lastFrame = 1;
