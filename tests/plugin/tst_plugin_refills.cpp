@@ -96,7 +96,7 @@ private slots:
             QApplication::activePopupWidget()->close();
         });
         emit Table(tab)->customContextMenuRequested(QPoint());
-        const QString last = ids.last();
+        const QString& last = ids.last();
         if (tab == 0)
             QCOMPARE(RenderCore().orders.value(0).keys(), (ids + QStringList("id-5"_s)));
         else
@@ -178,8 +178,9 @@ private slots:
     void LetsTheLaterEventWin_data() { AddRows(Interruptions); }
     void LetsTheLaterEventWin()
     {
-        const auto& [name, request, signsOut] = Row(Interruptions);
-        const std::function<void()> interrupt = [this, &signsOut] {
+        const auto& [name, request, bySignOut] = Row(Interruptions);
+        const bool signsOut = bySignOut;
+        const std::function<void()> interrupt = [this, signsOut] {
             if (signsOut)
                 emit Communication().SignOutResponse(200, {});
             else
