@@ -59,7 +59,9 @@ public:
         const bool isWindowEvent = event->type() == QEvent::Close || event->type() == QEvent::Show
             || event->type() == QEvent::Hide || event->type() == QEvent::Resize;
         const auto* widget = qobject_cast<QWidget*>(object);
-        if (isWindowEvent && widget && widget->isWindow() && m_running && Chance(5))
+        // Qt never ends when a window is shown from inside the close event of a popup.
+        const bool isForm = widget && widget->isWindow() && widget->windowType() != Qt::Popup;
+        if (isWindowEvent && isForm && m_running && Chance(5))
             Step();
         return false;
     }

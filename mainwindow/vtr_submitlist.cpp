@@ -173,12 +173,15 @@ void VTSubmitList::Refresh()
     if (!m_deps.services.pRenderCore || m_deps.tables.IsHeld(VTList::LocalTasks))
         return;
     const QVector<int> lstPlace = PlacesOfRows(m_deps.services.pRenderCore->GetSubmitTaskIds());
+    const int nBuild = m_nBuild;
+    int nRows = lstPlace.size();
     int nRow = 0;
     for (const int nPlace : lstPlace) {
         if (nPlace < 0) {
             if (nRow == m_pTable->currentRow())
                 m_pTable->setCurrentCell(-1, -1);
             m_pTable->removeRow(nRow);
+            --nRows;
             continue;
         }
         if (nRow == 0)
@@ -187,7 +190,7 @@ void VTSubmitList::Refresh()
             = VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::StartTime)->data(Qt::UserRole).toBool();
         const Task task = ReadForRefresh(VTTableRows::Id(m_pTable, nRow), !bArguments);
         // The rows may have changed, or the render core gone, while the task was read.
-        if (VTTableRows::Id(m_pTable, nRow) != task.strId || !m_deps.services.pRenderCore)
+        if (nBuild != m_nBuild || nRows != m_pTable->rowCount() || !m_deps.services.pRenderCore)
             return;
         RefreshRow(nRow, task);
         ++nRow;
