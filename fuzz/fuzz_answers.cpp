@@ -4,8 +4,7 @@
 #include "common/vtr_protocol.h"
 #include "fuzz/fuzz_support.h"
 #include "host/farmclient/farm_protocol.h"
-
-#include <QJsonDocument>
+#include "json/read_object.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -14,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         filled.Load();
         return filled;
     }();
-    const HttpResult result {HttpStatus::Ok, QJsonDocument::fromJson(Bytes(data, size)).object(), {}};
+    const HttpResult result {HttpStatus::Ok, ReadJsonObject(Bytes(data, size)).object, {}};
     for (const auto check : {FarmProtocol::IsAnyObject, FarmProtocol::IsSession, FarmProtocol::IsUserInfo,
              FarmProtocol::IsProjectList, FarmProtocol::IsJobList, FarmProtocol::IsJobInfo}) {
         const FarmProtocol::Answer answer = FarmProtocol::Decode(result, check, {});

@@ -3,16 +3,14 @@
 #include "farm/base/safe_path.h"
 #include "farm/http/read_submission.h"
 #include "fuzz/fuzz_support.h"
-
-#include <QJsonDocument>
+#include "json/read_object.h"
 
 #include <algorithm>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     try {
-        const farm::NewJob job
-            = farm::ReadSubmission(QJsonDocument::fromJson(Bytes(data, size)).object()).job;
+        const farm::NewJob job = farm::ReadSubmission(ReadJsonObject(Bytes(data, size)).object).job;
         Require(std::all_of(job.files.begin(), job.files.end(),
                     [](const farm::JobFile& file) { return farm::IsSafePath(file.path); }),
             "all paths are safe");

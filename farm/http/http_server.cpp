@@ -5,6 +5,7 @@
 #include "farm/http/byte_range.h"
 #include "farm/http/http_refusal.h"
 #include "storage/disk_full.h"
+#include "json/read_object.h"
 
 #include <QJsonDocument>
 
@@ -200,10 +201,10 @@ QByteArray ApiRequest::Query(const char* name) const
 
 QJsonObject ApiRequest::Body() const
 {
-    const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(m_request.body));
-    if (!document.isObject())
-        throw InvalidInput("the body must be a JSON object");
-    return document.object();
+    const JsonRead body = ReadJsonObject(QByteArray::fromStdString(m_request.body));
+    if (body.fault)
+        throw InvalidInput(std::string("the body ") + body.fault);
+    return body.object;
 }
 
 QByteArray ApiRequest::Bytes() const

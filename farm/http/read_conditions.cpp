@@ -2,9 +2,7 @@
 
 #include "farm/base/errors.h"
 #include "farm/base/local_time.h"
-
-#include <QJsonDocument>
-#include <QJsonObject>
+#include "json/read_object.h"
 
 #include <cmath>
 
@@ -92,10 +90,10 @@ JobConditions ReadJobConditions(const QByteArray& text)
 {
     if (text.trimmed().isEmpty())
         return {};
-    const QJsonDocument document = QJsonDocument::fromJson(text);
-    if (!document.isObject())
-        throw InvalidInput("conditions must be a JSON object");
-    const QJsonObject object = document.object();
+    const JsonRead read = ReadJsonObject(text);
+    if (read.fault)
+        throw InvalidInput(std::string("the text of conditions ") + read.fault);
+    const QJsonObject& object = read.object;
     JobConditions conditions;
     conditions.number = NumberOf(object, "job_increasement");
     conditions.nameContains = TextOf(object, "job_name");

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+
+/// A JSON object from outside, or what is wrong with its text.
+struct JsonRead
+{
+    QJsonObject object;
+    const char* fault = nullptr; ///< completes "the body …"; null when the object has been read
+};
+
+/// Reads a text from outside. An object that has a key twice is refused: Qt 5.15 never frees the first one's value if it is
+/// an object or a list, so that repeated requests would use up all memory.
+JsonRead ReadJsonObject(const QByteArray& text);
