@@ -1,6 +1,7 @@
 #include "host/app/client_host.h"
 
 #include "host/app/session_control.h"
+#include "host/farmclient/sentences.h"
 #include "host/process/farm_process.h"
 #include "host/settings/setting_keys.h"
 #include "vtr_baseinterface.h"
@@ -157,12 +158,12 @@ void ClientHost::StartFarm()
         UseNoServer();
         // A farm that has never listened may not do so at its next starts either, which take half a minute.
         if (!m_sessionBegun)
-            m_session->ShowFailure(tr("The embedded farm does not start: %1").arg(reason));
+            m_session->ShowFailure(Sentence(tr("The embedded farm does not start: %1").arg(reason)));
     });
     connect(m_farm.get(), &FarmProcess::GivenUp, this, [this](const QString& reason) {
         qCritical().noquote() << "the embedded farm is not started again:" << reason;
         m_session->ShowFailure(
-            tr("The embedded farm could not be started. Please restart the client. %1").arg(reason));
+            Sentences({tr("The embedded farm could not be started. Please restart the client."), reason}));
     });
     m_farm->Start();
 }

@@ -8,18 +8,18 @@
 
 namespace {
 
-HttpLimits OneAttempt()
+HttpLimits OneAttempt(int attemptTime)
 {
     HttpLimits limits;
     limits.attempts = 1;
-    limits.attemptTime = 30000; // ms
+    limits.attemptTime = attemptTime;
     return limits;
 }
 
 } // namespace
 
-FarmLink::FarmLink()
-    : m_transport(OneAttempt())
+FarmLink::FarmLink(int attemptTime)
+    : m_transport(OneAttempt(attemptTime))
 {
 }
 

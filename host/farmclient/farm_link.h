@@ -15,7 +15,8 @@
 class FarmLink
 {
 public:
-    FarmLink();
+    /// @param attemptTime in milliseconds without progress, after which a request has failed.
+    explicit FarmLink(int attemptTime);
 
     /// Sets server and session for the following requests.
     /// @param interrupted ends a request early.
@@ -29,7 +30,7 @@ public:
     std::optional<HttpResult> Send(HttpRequest request, const std::function<void(qint64)>& onSent = {});
 
     /// Sends a JSON object.
-    /// @param attemptTime in milliseconds; 0 for the usual limit.
+    /// @param attemptTime in milliseconds; 0 for the limit of this link.
     std::optional<HttpResult> Post(const QByteArray& target, const QJsonObject& body, int attemptTime = 0);
 
 private:

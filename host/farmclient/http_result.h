@@ -18,10 +18,11 @@ public:
     static constexpr int TimedOut = -2;
     static constexpr int TooLarge = -3;
     static constexpr int NotJson = -4;
+    static constexpr int Untrusted = -5; ///< the server's certificate
 
     int status = Unreachable;
     QJsonObject json = {}; ///< the answer's body, even of a failure; empty unless the body is a JSON object
-    QString error = {};    ///< sentence for the user; empty when status is 200
+    QString error = {};    ///< sentences for the user; empty when status is 200
     int retryAfter = 0;    ///< seconds that the server asks clients to wait, at most an hour
 
     /// @return the result of a finished exchange, whatever its status; an answer that was cut off is none.

@@ -40,6 +40,17 @@ private:
     QByteArray m_left;
 };
 
+constexpr const char* CertificateFaultKey = "certificateFault";
+
+/// Keeps the reason why a certificate is refused, which the error of the reply does not tell.
+QNetworkReply* Watched(QNetworkReply* reply)
+{
+    QObject::connect(reply, &QNetworkReply::sslErrors, reply, [reply](const QList<QSslError>& faults) {
+        reply->setProperty(CertificateFaultKey, faults.constFirst().errorString());
+    });
+    return reply;
+}
+
 } // namespace
 
 HttpTransport::HttpTransport(const HttpLimits& limits)
@@ -73,13 +84,18 @@ QNetworkReply* HttpTransport::Begin(const HttpRequest& request)
     for (const auto& [name, value] : request.headers)
         message.setRawHeader(name, value);
     if (request.repeatable || request.body.isEmpty())
-        return m_network.sendCustomRequest(message, request.verb, request.body);
+        return Watched(m_network.sendCustomRequest(message, request.verb, request.body));
     message.setHeader(QNetworkRequest::ContentLengthHeader, request.body.size());
     message.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
     auto body = std::make_unique<SingleUseBody>(request.body);
     QNetworkReply* reply = m_network.sendCustomRequest(message, request.verb, body.get());
     body.release()->setParent(reply);
-    return reply;
+    return Watched(reply);
+}
+
+QString HttpTransport::CertificateFault(const QNetworkReply& reply)
+{
+    return reply.property(CertificateFaultKey).toString();
 }
 
 QUrl FarmApiRoot(const QUrl& server)

@@ -51,6 +51,9 @@ public:
     QNetworkReply* Begin(const HttpRequest& request);
     const HttpLimits& Limits() const { return m_limits; }
 
+    /// @return why the server's certificate was not accepted; empty when the reply did not fail by that.
+    static QString CertificateFault(const QNetworkReply& reply);
+
 private:
     QNetworkAccessManager m_network;
     HttpLimits m_limits;

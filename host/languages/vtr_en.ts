@@ -47,8 +47,8 @@
         <translation>The embedded farm does not start: %1</translation>
     </message>
     <message>
-        <source>The embedded farm could not be started. Please restart the client. %1</source>
-        <translation>The embedded farm could not be started. Please restart the client. %1</translation>
+        <source>The embedded farm could not be started. Please restart the client.</source>
+        <translation>The embedded farm could not be started. Please restart the client.</translation>
     </message>
 </context>
 <context>
@@ -224,6 +224,10 @@
         <source>The farm refuses to send %1: %2</source>
         <translation>The farm refuses to send %1: %2</translation>
     </message>
+    <message>
+        <source>The transfer of %1 was interrupted: %2</source>
+        <translation>The transfer of %1 was interrupted: %2</translation>
+    </message>
 </context>
 <context>
     <name>HttpCall</name>
@@ -257,6 +261,14 @@
     <message>
         <source>The server&apos;s answer cannot be read.</source>
         <translation>The server&apos;s answer cannot be read.</translation>
+    </message>
+    <message>
+        <source>the connection was closed before the answer was complete</source>
+        <translation>the connection was closed before the answer was complete</translation>
+    </message>
+    <message>
+        <source>The server&apos;s certificate is not accepted, so nothing was sent to it: %1</source>
+        <translation>The server&apos;s certificate is not accepted, so nothing was sent to it: %1</translation>
     </message>
 </context>
 <context>
@@ -559,10 +571,6 @@
         <translation>%1 was saved, but its state could not be recorded. The disk may be full.</translation>
     </message>
     <message>
-        <source>%1 The next attempt is in %2 s.</source>
-        <translation>%1 The next attempt is in %2 s.</translation>
-    </message>
-    <message>
         <source>Another file named %1 is in the way.</source>
         <translation>Another file named %1 is in the way.</translation>
     </message>
@@ -581,6 +589,10 @@
     <message>
         <source>Nothing can be saved in %1: %2. Its downloads wait until it is possible again.</source>
         <translation>Nothing can be saved in %1: %2. Its downloads wait until it is possible again.</translation>
+    </message>
+    <message>
+        <source>The next attempt is in %1 s.</source>
+        <translation>The next attempt is in %1 s.</translation>
     </message>
 </context>
 <context>
@@ -1074,6 +1086,10 @@ Below files are missing:
     <message>
         <source>The farm&apos;s disk is full. Trying again.</source>
         <translation>The farm&apos;s disk is full. Trying again.</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s answer is incomplete. Please continue the submission later.</source>
+        <translation>The farm&apos;s answer is incomplete. Please continue the submission later.</translation>
     </message>
 </context>
 <context>

@@ -47,8 +47,8 @@
         <translation>内置渲染农场未能启动：%1</translation>
     </message>
     <message>
-        <source>The embedded farm could not be started. Please restart the client. %1</source>
-        <translation>无法启动内置渲染农场。请重新启动客户端。%1</translation>
+        <source>The embedded farm could not be started. Please restart the client.</source>
+        <translation>无法启动内置渲染农场。请重新启动客户端。</translation>
     </message>
 </context>
 <context>
@@ -224,6 +224,10 @@
         <source>The farm refuses to send %1: %2</source>
         <translation>渲染农场拒绝发送 %1：%2</translation>
     </message>
+    <message>
+        <source>The transfer of %1 was interrupted: %2</source>
+        <translation>%1 的传输被中断：%2</translation>
+    </message>
 </context>
 <context>
     <name>HttpCall</name>
@@ -257,6 +261,14 @@
     <message>
         <source>The server&apos;s answer cannot be read.</source>
         <translation>无法读取服务器的响应。</translation>
+    </message>
+    <message>
+        <source>the connection was closed before the answer was complete</source>
+        <translation>连接在应答完成之前被关闭</translation>
+    </message>
+    <message>
+        <source>The server&apos;s certificate is not accepted, so nothing was sent to it: %1</source>
+        <translation>服务器的证书未被接受，因此没有向其发送任何内容：%1</translation>
     </message>
 </context>
 <context>
@@ -559,10 +571,6 @@
         <translation>%1 已保存，但无法记录其状态。磁盘可能已满。</translation>
     </message>
     <message>
-        <source>%1 The next attempt is in %2 s.</source>
-        <translation>%1 将在 %2 秒后重试。</translation>
-    </message>
-    <message>
         <source>Another file named %1 is in the way.</source>
         <translation>已有另一个名为 %1 的文件。</translation>
     </message>
@@ -581,6 +589,10 @@
     <message>
         <source>Nothing can be saved in %1: %2. Its downloads wait until it is possible again.</source>
         <translation>无法保存到 %1：%2。该文件夹的下载将等待，直到可以重新保存。</translation>
+    </message>
+    <message>
+        <source>The next attempt is in %1 s.</source>
+        <translation>将在 %1 秒后重试。</translation>
     </message>
 </context>
 <context>
@@ -1074,6 +1086,10 @@ Below files are missing:
     <message>
         <source>The farm&apos;s disk is full. Trying again.</source>
         <translation>渲染农场的磁盘已满。正在重试。</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s answer is incomplete. Please continue the submission later.</source>
+        <translation>渲染农场的应答不完整。请稍后继续提交。</translation>
     </message>
 </context>
 <context>

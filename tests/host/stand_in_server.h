@@ -6,15 +6,20 @@
 class StandInServer : public QObject
 {
 public:
+    enum After { Close, Stall, Flood };
+
     /// The answer to one request: the bytes are sent unchanged, then the connection is closed.
     struct Reply
     {
         QByteArray bytes;
-        bool hold = false; ///< send nothing until Release
-        int pace = 0;      ///< bytes sent every tenth of a second; 0 for all at once
+        bool hold = false;   ///< send nothing until Release
+        int pace = 0;        ///< bytes sent every tenth of a second; 0 for all at once
+        After after = Close; ///< stay silent instead of closing, or send as much as the client takes
     };
 
-    StandInServer()
+    /// @param certificate a file with a certificate and its key, for TLS; empty for none.
+    explicit StandInServer(const QString& certificate = {})
+        : m_server(certificate)
     {
         connect(&m_server, &QTcpServer::newConnection, this, [this] {
             while (QTcpSocket* socket = m_server.nextPendingConnection()) {
@@ -22,9 +27,19 @@ public:
                 connect(socket, &QTcpSocket::readyRead, this, [this, socket] { Read(socket); });
             }
         });
-        if (!m_server.listen(QHostAddress::LocalHost))
-            qFatal("no loopback port to listen on");
+        Listen();
     }
+
+    /// Accepts connections, again at the same port after Refuse.
+    void Listen()
+    {
+        if (!m_server.listen(QHostAddress::LocalHost, m_port))
+            qFatal("no loopback port to listen on");
+        m_port = m_server.serverPort();
+    }
+
+    /// Refuses connections from now on.
+    void Refuse() { m_server.close(); }
 
     /// @return a complete answer.
     static Reply Http(int status, const QByteArray& body = "{}", const QByteArray& headers = {})
@@ -40,23 +55,55 @@ public:
     /// @return a reply that is not sent before Release.
     static Reply Held(const Reply& reply) { return {reply.bytes, true}; }
 
-    QUrl Url() const { return QUrl(QStringLiteral("http://127.0.0.1:%1").arg(m_server.serverPort())); }
+    QUrl Url() const
+    {
+        return QUrl(QStringLiteral("http%1://127.0.0.1:%2")
+                        .arg(QLatin1String(m_server.file.isEmpty() ? "" : "s"))
+                        .arg(m_port));
+    }
 
     /// Sets the replies to the next requests, in order. The last one also answers all later requests.
     void SetReplies(const QList<Reply>& replies) { m_replies = replies; }
 
     /// Sends the held reply to the request with this index.
-    void Release(int request)
+    void Release(int request) { Release(request, m_exchanges.at(request).reply.bytes); }
+
+    /// Sends other bytes than the held ones.
+    void Release(int request, const QByteArray& bytes)
     {
-        const Exchange& exchange = m_exchanges.at(request);
-        if (exchange.socket)
-            Send(exchange.socket, exchange.reply.bytes);
+        if (QTcpSocket* socket = m_exchanges.at(request).socket)
+            Send(socket, bytes);
     }
 
     /// @return head and body of each request so far, in order.
     QList<QByteArray> Requests() const { return m_requests; }
 
+    /// @return how many bytes the clients took of endless replies.
+    qint64 Flooded() const { return m_flooded; }
+
 private:
+    struct Server : QTcpServer
+    {
+        explicit Server(const QString& certificate)
+            : file(certificate)
+        {
+        }
+        void incomingConnection(qintptr handle) override
+        {
+            if (file.isEmpty()) {
+                QTcpServer::incomingConnection(handle);
+                return;
+            }
+            auto* socket = new QSslSocket(this);
+            socket->setSocketDescriptor(handle);
+            socket->setLocalCertificate(file);
+            socket->setPrivateKey(file, QSsl::Ec);
+            socket->startServerEncryption();
+            addPendingConnection(socket);
+        }
+        QString file;
+    };
+
     struct Exchange
     {
         QPointer<QTcpSocket> socket;
@@ -82,12 +129,21 @@ private:
     void Begin(QTcpSocket* socket, const Reply& reply)
     {
         if (reply.pace == 0 || reply.bytes.size() <= reply.pace) {
-            Send(socket, reply.bytes);
+            if (reply.after == Close)
+                Send(socket, reply.bytes);
+            else
+                socket->write(reply.bytes);
+            if (reply.after == Flood)
+                connect(socket, &QTcpSocket::bytesWritten, this, [this, socket](qint64 bytes) {
+                    m_flooded += bytes;
+                    if (socket->bytesToWrite() == 0)
+                        socket->write(QByteArray(65536, 'x'));
+                });
             return;
         }
         socket->write(reply.bytes.left(reply.pace));
         QTimer::singleShot(100, socket, [=] {
-            Begin(socket, {reply.bytes.mid(reply.pace), false, reply.pace});
+            Begin(socket, {reply.bytes.mid(reply.pace), false, reply.pace, reply.after});
         });
     }
 
@@ -97,7 +153,9 @@ private:
         socket->disconnectFromHost();
     }
 
-    QTcpServer m_server;
+    Server m_server;
+    quint16 m_port = 0;
+    qint64 m_flooded = 0;
     QList<Reply> m_replies;
     QList<QByteArray> m_requests;
     QList<Exchange> m_exchanges;

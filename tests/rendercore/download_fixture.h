@@ -57,8 +57,8 @@ inline const QByteArray RangeLine = "Range: bytes=100007-\r\n";
 class Client
 {
 public:
-    Client(const QString& folder, const QUrl& server)
-        : queue(folder + "/transfer"_s, Impatient())
+    Client(const QString& folder, const QUrl& server, int idleTime)
+        : queue(folder + "/transfer"_s, Impatient(idleTime))
         , access {FarmApiRoot(server), "abc"_s, "farm/ann"_s, folder + "/frames"_s}
     {
         queue.SetAccess(access);
@@ -105,11 +105,11 @@ public:
     QSignalSpy changed {&queue, &DownloadQueue::ListChanged};
 
 private:
-    static DownloadLimits Impatient()
+    static DownloadLimits Impatient(int idleTime)
     {
         DownloadLimits limits;
         limits.transfers = limits.lists = 1; // the server's replies come in order
-        limits.idleTime = 2 * Patience;
+        limits.idleTime = idleTime;
         limits.firstPause = 5;
         limits.longestPause = 40;
         limits.http.firstPause = 1;
@@ -136,7 +136,7 @@ protected:
         m_client.reset(); // before another one uses its folder
         m_server = std::make_unique<StandInServer>();
         m_server->SetReplies(replies);
-        m_client = std::make_unique<Client>(m_folder->path(), m_server->Url());
+        m_client = std::make_unique<Client>(m_folder->path(), m_server->Url(), m_idleTime);
         return *m_client;
     }
 
@@ -150,6 +150,7 @@ protected:
 
     void MakeFolder() { m_folder = std::make_unique<QTemporaryDir>(); }
 
+    int m_idleTime = 2 * Patience; ///< ms without data before a transfer counts as broken
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<StandInServer> m_server;
     std::unique_ptr<Client> m_client;

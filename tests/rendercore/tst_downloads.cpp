@@ -35,6 +35,11 @@ const TransferCase TransferCases[] = {
     {"wrong bytes", {Whole(QByteArray(FrameData.size(), 'z'))}, Failed, 3},
     {"too many bytes", {Endless, Listed(Entry(FrameData)), Whole(FrameData)}, Finished, 4},
     {"busy", {Answer(429, "Retry-After: 0\r\n"), Answer(503), Answer(408), Whole(FrameData)}, Finished, 5},
+    {"stalled", {HttpReply {CutFrame.bytes, false, 0, StandInServer::Stall}, Rest(FrameData, CutAt)},
+        Finished, 3, RangeLine},
+    {"slow", {HttpReply {Whole(FrameData).bytes, false, 10000}}, Finished, 2},
+    {"a portal's page", {StandInServer::Http(200, "<html>"), Listed(Entry(FrameData)), Whole(FrameData)},
+        Finished, 4},
     {"refused at length", {StandInServer::Http(403, QByteArray(3'000'000, 'x'))}, Failed, 2},
 };
 
@@ -88,6 +93,8 @@ private slots:
         QVERIFY(row.part.isEmpty() || WriteFile(Part(), row.part));
         QVERIFY(row.there.isEmpty() || WriteFile(Frame(), row.there));
         TakeDiskCalls();
+        m_idleTime
+            = qstrcmp(row.name, "stalled") == 0 || qstrcmp(row.name, "slow") == 0 ? 1000 : 2 * Patience;
         Client& client = Start(QList<HttpReply> {Listed(Entry(FrameData))} + row.replies, false);
         QVERIFY(client.Await(row.status));
         const bool isFinished = row.status == Finished;
@@ -123,10 +130,24 @@ private slots:
         bad.replace("SUM", Checksum(FrameData));
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("5 files"_s));
         Client& client = Start({Answer(503), Answer(503), Answer(503), StandInServer::Http(200, "[]"),
-            Answer(429), Listed(bad + Entry(FrameData) + ',' + Entry({}, "empty")), Whole(FrameData)});
+            StandInServer::Http(200, "<html>"), StandInServer::Data("[7]"),
+            HttpReply {Listed(bad).bytes.chopped(9)}, Answer(429),
+            Listed(bad + Entry(FrameData) + ',' + Entry({}, "empty")), Whole(FrameData)});
         QVERIFY(client.Await(Finished, 2));
         QCOMPARE(client.Ids().size(), 2);
-        QCOMPARE(m_server->Requests().size(), 7);
+        QCOMPARE(m_server->Requests().size(), 10);
+    }
+
+    void GoesOnOnceTheServerAcceptsConnections()
+    {
+        Client& client
+            = Start({Listed(Entry(FrameData)), StandInServer::Held(Whole(FrameData)), Whole(FrameData)});
+        QVERIFY(AwaitRequests(2));
+        m_server->Refuse();
+        m_server->Release(1, {});
+        QTRY_VERIFY_WITH_TIMEOUT(client.Value("msg").toString().contains("refused. The next"_s), Patience);
+        m_server->Listen();
+        QVERIFY(client.Await(Finished));
     }
 
     void WaitsForFarmSessionAndOwner()

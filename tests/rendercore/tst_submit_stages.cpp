@@ -41,6 +41,9 @@ const char* const Unreadable
     = "failed 3 a wanted refused: /a: The farm's answer about an upload cannot be read.";
 const char* const Damaged = "failed 3 a wanted refused: /a: The file arrived damaged at the farm.";
 const char* const Refused = "failed 3 a wanted refused: /a: So it is.";
+const char* const Incomplete
+    = "failed 6 a wanted: The farm's answer is incomplete. Please continue the submission later.";
+const char* const AwayToUpload = "again farm 0 s to upload a wanted";
 const char* const SentNow = "done to uncompress a wanted sent advanced";
 
 struct StageCase
@@ -63,6 +66,7 @@ const StageCase StageCases[] = {
     {"too many requests", Stage::CopySame, {Status(429, "Retry-After: 7\r\n")},
         "again farm 7 s to copysame a wanted"},
     {"signed out", Stage::CopySame, {Status(401)}, "again session 0 s to copysame a wanted"},
+    {"another shape", Stage::CopySame, {StandInServer::Data("[7]")}, Incomplete},
 
     {"uploads in chunks", Stage::Upload, {Upload(0), Upload(4), Upload(8), Upload(10)}, SentNow,
         "POST /uploads PUT /uploads/u?offset=0 0123 PUT /uploads/u?offset=4 4567 PUT /uploads/u?offset=8 89"},
@@ -73,6 +77,14 @@ const StageCase StageCases[] = {
     {"stores nothing", Stage::Upload, {Upload(9)},
         "failed 3 a wanted refused: /a: The farm did not store the uploaded data. Please try again later."},
     {"quota", Stage::Upload, {Status(507)}, Refused},
+    {"cut off", Stage::Upload, {Upload(0), HttpReply {Upload(4).bytes.chopped(9)}}, AwayToUpload},
+    {"stalled", Stage::Upload,
+        {Upload(0), HttpReply {Upload(4).bytes.chopped(9), false, 0, StandInServer::Stall}}, AwayToUpload},
+    {"endless", Stage::Upload,
+        {Upload(0), HttpReply {"HTTP/1.1 200 OK\r\n\r\n", false, 0, StandInServer::Flood}},
+        "failed 3 a wanted refused: /a: The server's answer is too large."},
+    {"a portal's page", Stage::Upload, {Upload(0), StandInServer::Http(200, "<html>")},
+        "failed 3 a wanted refused: /a: The server's answer cannot be read."},
     {"beyond the end", Stage::Upload, {Upload(11)}, Unreadable},
     {"an id to climb with", Stage::Upload, {Upload(0, 100, "", "../x?"), Upload(10)}, SentNow,
         "POST /uploads PUT /uploads/..%2Fx%3F?offset=0 0123456789"},
@@ -80,11 +92,15 @@ const StageCase StageCases[] = {
     {"unpacked", Stage::Uncompress, {Unpacked("a", FirstSum)}, "done to submit advanced",
         "POST /uploads/u/unpack"},
     {"unpacked to another content", Stage::Uncompress, {Unpacked("a", SecondSum)}, Damaged},
+    {"another shape of files", Stage::Uncompress, {StandInServer::Data("{'files': 7}")}, Incomplete},
     {"package refused", Stage::Uncompress, {Status(422)}, Refused},
     {"upload forgotten", Stage::Uncompress, {Status(404)}, "again request 0 s to upload a wanted"},
 
     {"submitted", Stage::Submit, {StandInServer::Data("{'job_increasement': '12'}")},
         "done to submit a wanted: 12", "POST /jobs"},
+    {"half an answer", Stage::Submit, {StandInServer::Http(200, "{\"data\": {")},
+        "failed 6 a wanted: The server's answer cannot be read."},
+    {"no job", Stage::Submit, {StandInServer::Data("[7]")}, Incomplete},
     {"contents gone", Stage::Submit, {Status(409)}, "again request 0 s to copysame a wanted"},
 };
 
@@ -157,7 +173,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<StandInServer> m_server;
-    SubmitWorker m_worker;
+    SubmitWorker m_worker {{}, {Patience, 300, Patience}}; // only chunks end by the limit
 
 private slots:
     void init()

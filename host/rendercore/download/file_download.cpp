@@ -1,5 +1,6 @@
 #include "host/rendercore/download/file_download.h"
 
+#include "host/farmclient/sentences.h"
 #include "host/rendercore/download/download_paths.h"
 #include "host/rendercore/file_hashing.h"
 #include "storage/durable_file.h"
@@ -291,7 +292,8 @@ void FileDownload::Conclude()
         Finish();
     else
         End(DownloadOutcome::Broken,
-            error.isEmpty() ? tr("The transfer of %1 was interrupted.").arg(m_task.name) : error);
+            error.isEmpty() ? tr("The transfer of %1 was interrupted.").arg(m_task.name)
+                            : Sentence(tr("The transfer of %1 was interrupted: %2").arg(m_task.name, error)));
 }
 
 void FileDownload::Finish()

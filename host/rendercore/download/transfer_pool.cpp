@@ -1,5 +1,6 @@
 #include "host/rendercore/download/transfer_pool.h"
 
+#include "host/farmclient/sentences.h"
 #include "host/rendercore/attempt.h"
 #include "host/rendercore/download/download_paths.h"
 #include "host/rendercore/download/download_store.h"
@@ -267,7 +268,7 @@ void TransferPool::Postpone(const DownloadTask& task, int progress, const QStrin
 {
     const int seconds = (m_schedule.Postpone(task.id, retryAfter, m_clock.elapsed()) + 999) / 1000;
     m_listener->changed({{task.id, DownloadState::Waiting, progress,
-        tr("%1 The next attempt is in %2 s.").arg(message, QString::number(seconds)), {}}});
+        Sentences({message, tr("The next attempt is in %1 s.").arg(seconds)}), {}}});
 }
 
 void TransferPool::Fail(DownloadTask task, const QString& message)

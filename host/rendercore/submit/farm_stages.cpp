@@ -12,10 +12,8 @@
 
 namespace {
 
-constexpr int ChunkTime = 120 * 1000;      // ms
-constexpr int UnpackTime = 30 * 60 * 1000; // ms
-constexpr int MostStalls = 5;              // answers, for one package, with nothing new received
-constexpr double LargestSize = 1LL << 50;  // bytes
+constexpr int MostStalls = 5;             // answers, for one package, with nothing new received
+constexpr double LargestSize = 1LL << 50; // bytes
 
 QJsonObject DataOf(const HttpResult& result)
 {
@@ -76,8 +74,10 @@ void FarmStages::CopySame()
         const auto result = m_farm.Post("/contents/known", {{QStringLiteral("checksums"), some}});
         if (!Check(result))
             return;
-        const QJsonArray known = DataOf(*result).value(QLatin1String("known")).toArray();
-        for (const QJsonValue& checksum : known)
+        const QJsonValue known = DataOf(*result).value(QLatin1String("known"));
+        if (!CheckComplete(known.isArray()))
+            return;
+        for (const QJsonValue& checksum : known.toArray())
             wanted.remove(checksum.toString());
         (*m_onProgress)(
             std::min(from + FarmNumbers::MostChecksums, checksums.size()) * 100 / checksums.size(), {});
@@ -172,7 +172,7 @@ std::optional<HttpResult> FarmStages::SendChunk(
     request.verb = "PUT";
     request.target = UploadTarget(upload.id) + "?offset=" + QByteArray::number(upload.offset);
     request.contentType = "application/octet-stream";
-    request.attemptTime = ChunkTime;
+    request.attemptTime = m_limits.chunkTime;
     request.body = chunk;
     const auto result = m_farm.Send(request, [this, &meter](qint64 bytes) {
         meter.SetInFlight(bytes);
@@ -202,7 +202,8 @@ void FarmStages::UncompressAll()
 bool FarmStages::Uncompress(int index)
 {
     Package& package = m_outcome.work.packages[index];
-    const auto result = m_farm.Post(UploadTarget(package.upload.toUtf8()) + "/unpack", {}, UnpackTime);
+    const auto result
+        = m_farm.Post(UploadTarget(package.upload.toUtf8()) + "/unpack", {}, m_limits.unpackTime);
     if (IsStatus(result, HttpStatus::NotFound) || IsStatus(result, HttpStatus::Conflict)) {
         package.isSent = false;
         Repeat(SubmitStage::Upload, QString::fromLatin1(SubmitText::Busy));
@@ -210,10 +211,14 @@ bool FarmStages::Uncompress(int index)
     }
     if (!CheckPassing(result))
         return false;
-    if (result->status == HttpStatus::Ok)
-        TakeUnpacked(index, DataOf(*result).value(QLatin1String("files")).toArray());
-    else
+    if (result->status != HttpStatus::Ok) {
         Refuse(index, result->error);
+        return true;
+    }
+    const QJsonValue files = DataOf(*result).value(QLatin1String("files"));
+    if (!CheckComplete(files.isArray()))
+        return false;
+    TakeUnpacked(index, files.toArray());
     return true;
 }
 
@@ -242,6 +247,8 @@ void FarmStages::Submit()
     if (!Check(result))
         return;
     m_outcome.message = DataOf(*result).value(QLatin1String("job_increasement")).toString();
+    if (!CheckComplete(!m_outcome.message.isEmpty()))
+        return;
     Conclude(SubmitStage::Submit);
 }
 
@@ -277,6 +284,17 @@ bool FarmStages::Check(const std::optional<HttpResult>& result)
     return false;
 }
 
+/// @return whether the answer holds what it must; otherwise the stage has failed.
+bool FarmStages::CheckComplete(bool isComplete)
+{
+    if (isComplete)
+        return true;
+    m_outcome.kind = StageOutcome::Kind::Failed;
+    m_outcome.error = SubmitError::FarmRefused;
+    m_outcome.message = QString::fromLatin1(SubmitText::AnswerIncomplete);
+    return false;
+}
+
 /// @return whether the answer is final; otherwise the outcome says what to wait for.
 bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
 {
@@ -290,6 +308,8 @@ bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
     const char* const text
         = isAway ? SubmitText::Unreachable : (isFull ? SubmitText::FarmFull : SubmitText::Busy);
     Repeat(m_request->task.next, QString::fromLatin1(isSignedOut ? SubmitText::SessionEnded : text));
+    if (result->status == HttpResult::Untrusted)
+        m_outcome.message = result->error;
     m_outcome.retryAfter = result->retryAfter;
     if (isSignedOut)
         m_outcome.obstacle = StageOutcome::Obstacle::Session;

@@ -7,10 +7,24 @@
 #include <QJsonArray>
 #include <QSet>
 
+/// How long a request to the farm may make no progress before it has failed, in milliseconds.
+struct SubmitLimits
+{
+    int answerTime = 30 * 1000;
+    int chunkTime = 120 * 1000;
+    int unpackTime = 30 * 60 * 1000;
+};
+
 /// The stages that need the farm. Belongs to the thread that creates it.
 class FarmStages
 {
 public:
+    explicit FarmStages(const SubmitLimits& limits)
+        : m_limits(limits)
+        , m_farm(limits.answerTime)
+    {
+    }
+
     /// Runs the stage of the request, one for which NeedsFarm() holds.
     StageOutcome Run(const StageRequest& request, const StageProgress& onProgress);
 
@@ -40,10 +54,12 @@ private:
     bool ReadUpload(const HttpResult& result, int index, Upload& upload);
     bool Check(const std::optional<HttpResult>& result);
     bool CheckPassing(const std::optional<HttpResult>& result);
+    bool CheckComplete(bool isComplete);
     void Refuse(int index, const QString& reason);
     void Conclude(SubmitStage next);
     void Repeat(SubmitStage next, const QString& message);
 
+    SubmitLimits m_limits;
     FarmLink m_farm;
     const StageRequest* m_request = nullptr; // while a stage runs; so is m_onProgress
     const StageProgress* m_onProgress = nullptr;

@@ -37,6 +37,8 @@ constexpr const char* ArrivedDamaged
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The file arrived damaged at the farm.");
 constexpr const char* AnswerUnreadable
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "The farm's answer about an upload cannot be read.");
+constexpr const char* AnswerIncomplete = QT_TRANSLATE_NOOP(
+    "VTQsClientPrivate", "The farm's answer is incomplete. Please continue the submission later.");
 
 // Takes the place of a file in the list of what is missing.
 constexpr const char* Outside

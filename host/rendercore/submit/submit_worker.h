@@ -11,8 +11,9 @@ class SubmitWorker
 {
 public:
     /// @param database path of submissions.sqlite; without it, every file is packed anew.
-    explicit SubmitWorker(const QString& database = {})
-        : m_cache(database)
+    explicit SubmitWorker(const QString& database = {}, const SubmitLimits& limits = {})
+        : m_farm(limits)
+        , m_cache(database)
     {
     }
 

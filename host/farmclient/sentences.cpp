@@ -1,0 +1,17 @@
+#include "host/farmclient/sentences.h"
+
+QString Sentence(const QString& text)
+{
+    static const QString ends = QStringLiteral(".!?\u2026\u3002\uff01\uff1f");
+    const QString trimmed = text.trimmed();
+    return trimmed.isEmpty() || ends.contains(trimmed.back()) ? trimmed : QString(trimmed + QLatin1Char('.'));
+}
+
+QString Sentences(const QStringList& texts)
+{
+    QStringList sentences;
+    for (const QString& text : texts)
+        sentences.append(Sentence(text));
+    sentences.removeAll({});
+    return sentences.join(QLatin1Char(' '));
+}
