@@ -25,6 +25,7 @@ struct Failure
 const QString NoPicture = "the renderer left no picture"_s;
 const Failure Failures[] = {
     {"crash", "kill -SEGV $$", "the renderer crashed"_s},
+    {"error code", "echo no such lamp >&2; exit 3", "the renderer ended with code 3\nno such lamp"_s},
     {"empty picture", ": > {output}", NoPicture},
     {"a link", "ln -s {scene} {output}", NoPicture},
     {"picture of an earlier attempt", "[ $(wc -l < ../../log) -gt 1 ] || { echo x > {output}; exit 3; }",
@@ -95,15 +96,23 @@ private slots:
         QCOMPARE(Charge(1, 1500), Micros(2));
     }
 
-    void ChargesForWorkAndNotForWaiting()
+    void ChargesForItsOwnWorkAndNotForWaiting()
     {
         m_farm->Start(
             ScriptedTypes("i=0; if [ {frames} -eq 1 ]; then sleep 0.5; "
-                          "else while [ $i -lt 1000000 ]; do i=$((i+1)); done; fi; cp {scene} {output}"));
-        for (int frames : {1, 2}) {
-            m_farm->Apply("recover"_s, {m_farm->Add(frames, JobStatus::Paused)});
+                          "else while [ $i -lt 200000 ]; do i=$((i+1)); done; fi; "
+                          "[ {frames} -ne 3 ] || { : > ../../worked; sleep 600; }; cp {scene} {output}"));
+        // The work of a renderer that is stopped is not charged to the next one.
+        for (int frames : {3, 1, 2}) {
+            const QString id = m_farm->Add(frames, JobStatus::Paused);
+            m_farm->Apply("recover"_s, {id});
+            if (frames == 3) {
+                EVENTUALLY(QFile::exists(m_farm->Path("jobs/worked"_s)));
+                m_farm->Apply("stop"_s, {id});
+                continue;
+            }
             EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
-            QCOMPARE(m_farm->data.Only().cost > Charge(250, DefaultPrice), frames == 2);
+            QCOMPARE(m_farm->data.Only().cost > Charge(100, DefaultPrice), frames == 2);
         }
     }
 
@@ -120,6 +129,42 @@ private slots:
         QCOMPARE(m_farm->data.Only().progress, 25);
         QVERIFY(QFile::exists(m_farm->Path("jobs/%1/frame_0001.txt"_s.arg(id))));
         QCOMPARE(m_farm->data.Only().message, message);
+    }
+
+    void RendersAsManyFramesAtATimeAsThereAreSlots()
+    {
+        m_farm->settings.slotCount = 2;
+        m_farm->Add(3);
+        m_farm->Start(ScriptedTypes("echo {frame} >> ../../log; : > ../../at{frame}; "
+                                    "while [ ! -e ../../gate ]; do sleep 0.01; done; cp {scene} {output}"));
+        EVENTUALLY(QFile::exists(m_farm->Path("jobs/at1"_s)) && QFile::exists(m_farm->Path("jobs/at2"_s)));
+        QVERIFY(!QFile::exists(m_farm->Path("jobs/at3"_s)));
+        QVERIFY(m_farm->OpenGate());
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
+        QCOMPARE(m_farm->Log().size(), 5); // each frame once
+    }
+
+    void AJobWaitsForItsRenderer()
+    {
+        m_farm->Add(1);
+        for (const char* types : {R"({"povray":{"program":"no-such-renderer","suffix":"txt"}})",
+                 R"({"other":{"program":"sh","suffix":"txt"}})"}) {
+            m_farm->Start(types);
+            QCOMPARE(m_farm->Status(), JobStatus::Waiting);
+        }
+        m_farm->Start(ScriptedTypes("cp {scene} {output}"));
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
+    }
+
+    void FailsAJobWhoseRendererCannotBeStarted()
+    {
+        const QString program = m_farm->Path("renderer"_s);
+        QVERIFY(WriteFile(program, "#!/no/such/interpreter\n"));
+        QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner));
+        m_farm->Add(1);
+        m_farm->Start(ScriptedTypes({}).replace("/bin/sh", program.toUtf8()));
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Failed);
+        QVERIFY(m_farm->data.Only().message.startsWith("the renderer could not be started"_s));
     }
 
     void RunningJobsTakeTurns()
@@ -180,6 +225,18 @@ private slots:
         QCOMPARE(
             NotAllowed(m_farm->Apply(action, {failed})), sendsToWork ? QJsonArray {failed} : QJsonArray());
         QCOMPARE(m_farm->Status(failed), action == "delete"_s ? JobStatus::Deleted : JobStatus::Failed);
+    }
+
+    // A frame that ends while the job is being stopped is kept; it may be the last one.
+    void RecoveringAJobWithoutOpenFramesFinishesIt()
+    {
+        const QString id = m_farm->Add(1, JobStatus::Paused);
+        RenderQueue(m_farm->data.database, DefaultPrice).Finish({1, 1}, {}, 1, 100);
+        QCOMPARE(m_farm->Status(), JobStatus::Paused);
+        m_farm->Start(ScriptedTypes(GatedScript));
+        QCOMPARE(m_farm->Apply("recover"_s, {id}).status, 200);
+        QCOMPARE(m_farm->Status(), JobStatus::Finished);
+        QCOMPARE(m_farm->Log(), QByteArray());
     }
 
     void AFailedJobGetsAllItsAttemptsAgain()

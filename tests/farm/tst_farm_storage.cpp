@@ -155,6 +155,17 @@ private slots:
         QVERIFY(QTest::qWaitFor([&] { return farm.Status(job) == JobStatus::Finished; }, Patience));
     }
 
+    void AnUploadHasOneWriterAtATime()
+    {
+        UploadLocks locks;
+        const UploadLocks::Hold other(locks, "b"_s);
+        {
+            const UploadLocks::Hold first(locks, "a"_s);
+            QVERIFY_EXCEPTION_THROWN(UploadLocks::Hold(locks, "a"_s), Busy);
+        }
+        const UploadLocks::Hold next(locks, "a"_s);
+    }
+
     void RefusesPathsThatLeadElsewhere()
     {
         const QString part(255, QLatin1Char('a'));

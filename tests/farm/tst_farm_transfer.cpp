@@ -179,12 +179,21 @@ private slots:
         QCOMPARE(m_farm->Deliver(Package({{"a", QByteArray(60'000, 'a')}})).status, 200);
         QCOMPARE(m_farm->Deliver(Package({{"b", QByteArray(60'000, 'b')}})).status, 507);
         QCOMPARE(FilesIn(m_farm->Path("contents"_s)), 1);
-        QCOMPARE(m_farm->BeginUpload(QByteArray(34'000, 'x')).status, 200);
-        QCOMPARE(m_farm->BeginUpload(QByteArray(34'000, 'y')).status, 507);
+        // A content takes space once, even if it is known or two files have it.
+        const QByteArray more(20'000, 'd');
+        QCOMPARE(
+            m_farm->Deliver(Package({{"c", QByteArray(60'000, 'a')}, {"d", more}, {"e", more}})).status, 200);
+        QCOMPARE(m_farm->BeginUpload(QByteArray(19'000, 'x')).status, 200);
+        QCOMPARE(m_farm->BeginUpload(QByteArray(1'000, 'y')).status, 507);
         // Each of a job's files counts, whether or not their contents are the same.
-        const QByteArray content(60'000, 'a');
-        QCOMPARE(Submit(SubmissionOf({{"a", content}})).status, 200);
-        QCOMPARE(Submit(SubmissionOf({{"a", content}, {"b", content}}, "second"_s)).status, 507);
+        const SceneContents files {{"a", QByteArray(60'000, 'a')}, {"d", more}, {"e", more}};
+        QCOMPARE(Submit(SubmissionOf(files)).status, 200);
+        QCOMPARE(Submit(SubmissionOf(files + SceneContents {{"f", more}}, "second"_s)).status, 507);
+        m_farm->data.Change(
+            "DELETE FROM uploads; WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
+            "WHERE i < 9999) INSERT INTO uploads SELECT i, 1, i, 0, 9e9, NULL FROM n");
+        QCOMPARE(m_farm->BeginUpload("y").status, 200);
+        QCOMPARE(m_farm->BeginUpload("z").status, 507);
     }
 
     void ASubmissionMakesOneJob()
