@@ -36,6 +36,7 @@ private slots:
     void WalksThroughThePages()
     {
         const auto& [name, total, clicks, requests, bar] = Row(Walks);
+        m_client->Button("btnPageTwo"_s)->resize(50, 30); // wider than the others
         SignInWithJobs(MakeJobs(18), total);
         QStringList pages;
         for (const QString& click : clicks.split(" "_s, Qt::SkipEmptyParts)) {
@@ -47,6 +48,12 @@ private slots:
         }
         QCOMPARE(pages.join(" "_s), requests);
         QCOMPARE(PageBar(), bar);
+        const QPushButton* right = nullptr;
+        for (const QString& button : PageButtons) {
+            const QPushButton* next = m_client->Shows(button) ? m_client->Button(button) : nullptr;
+            QVERIFY2(!next || !right || next->x() == right->x() - next->width(), qPrintable(button));
+            right = next ? next : right;
+        }
     }
 
     void FollowsTheWindowsSize()
@@ -141,6 +148,8 @@ private slots:
             m_client->Tabs()->setCurrentIndex(tab);
             for (const QString& button : Toolbars[0].split(" "_s))
                 QCOMPARE(m_client->Shows(button), Toolbars[tab].contains(button));
+            const QPushButton* anchor = m_client->Button(tab == 0 ? "btnRestart"_s : "btnPause"_s);
+            QVERIFY(tab == 1 || m_client->Button("btnDelete"_s)->x() == anchor->x() + anchor->width() + 5);
             QVERIFY(!all->isChecked());
             QCOMPARE(m_client->RunningTimers(1000).size(), tab == 0 ? 0 : 1);
         }

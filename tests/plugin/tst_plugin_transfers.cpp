@@ -243,6 +243,24 @@ private slots:
         QVERIFY(Bar(Downloads(), 0)->styleSheet().contains("rgb(125,180,75)"_s));
     }
 
+    void FindsItsPlaceAgainWhenTasksComeAndGo()
+    {
+        for (const bool isTold : {true, false}) {
+            init();
+            AddDownloads(60);
+            m_client->Tabs()->setCurrentIndex(2);
+            m_client->Button("btnPageTwo"_s)->click();
+            RenderCore().downloads.remove("d20"_s);
+            RenderCore().downloads.insert("d00a"_s, MakeDownload("a"_s));
+            if (isTold)
+                emit RenderCore().DownloadListChanged();
+            else
+                QVERIFY(m_client->Tick(1000));
+            m_client->Button("btnPageThree"_s)->click();
+            QCOMPARE(Downloads()->item(0, 0)->data(Qt::UserRole).toString(), "d36"_s);
+        }
+    }
+
     void CountsInTheBackground()
     {
         SignInWithJobs(MakeJobs(1), 1);
