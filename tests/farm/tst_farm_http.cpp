@@ -31,6 +31,7 @@ const std::tuple<const char*, QByteArray, QByteArray, int> Requests[] = {
     {"checksums not valid", "POST /contents/known", R"({"checksums":["abc"]})", 400},
     {"half a byte", "POST /uploads", Upload + "1.5}", 400},
     {"size beyond exact numbers", "POST /uploads", Upload + "9007199254740992}", 400},
+    {"largest package", "POST /uploads", Upload + "8589934592}", 200},
     {"package too large", "POST /uploads", Upload + "8589934593}", 413},
     {"negative offset", "PUT /uploads/x?offset=-1", "a", 400},
 };

@@ -43,6 +43,8 @@ const Search Searches[] = {
     {"end bounds included", R"({"end_min_time":"2026-03-01 12:00:00","end_max_time":"2026-03-03 10:30:00"})",
         "3 1 of 2"},
     {"all must hold", R"({"status":4,"job_type":"povray","job_name":"dawn"})", "1 of 1"},
+    {"number", R"({"job_increasement":"3"})", "3 of 1"},
+    {"after an end", R"({"end_min_time":"2026-03-03 10:30:01"})", "6 of 1"},
     {"last page, not full", "", "1 of 5", 3, 2},
 };
 

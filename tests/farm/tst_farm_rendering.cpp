@@ -156,6 +156,29 @@ private slots:
         EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
     }
 
+    void RefusesUnusableJobTypes()
+    {
+        for (const char* types : {"povray", "[]", R"({"a":{"suffix":"png"}})", R"({"a":{"program":"sh"}})",
+                 R"({"a":{"program":"sh","suffix":"png","frame_time_limit":0}})"})
+            QVERIFY_EXCEPTION_THROWN(m_farm->Start(types), std::runtime_error);
+        m_farm->Start(R"({"a":{"program":"sh","suffix":"png","frame_time_limit":1}})");
+    }
+
+    void ARendererGetsTheLowestPriorityAndLittleOfTheEnvironment()
+    {
+        qputenv("FARM_SECRET", "x");
+        const QString folder = m_farm->Path("jobs/"_s + m_farm->Add(1));
+        m_farm->Start(
+            ScriptedTypes("(env; nice) > {output}").replace("\"confined\": false", "\"confined\": true"));
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
+        const QList<QByteArray> lines = ReadFile(folder + "/frame_0001.txt"_s).split('\n');
+        const QByteArray writable = folder.toUtf8() + "/unfinished";
+        for (const QByteArray& line :
+            QList<QByteArray> {"PATH=" + qgetenv("PATH"), "HOME=" + writable, "TMPDIR=" + writable, "19"})
+            QVERIFY2(lines.contains(line), line);
+        QVERIFY(!lines.contains("FARM_SECRET=x"));
+    }
+
     void FailsAJobWhoseRendererCannotBeStarted()
     {
         const QString program = m_farm->Path("renderer"_s);

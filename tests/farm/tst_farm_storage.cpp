@@ -1,6 +1,7 @@
 #include "farm/base/money.h"
 #include "farm/base/safe_path.h"
 #include "farm/data_lock.h"
+#include "farm/demo_data.h"
 #include "farm/jobs/job_actions.h"
 #include "farm/rendering/frame_files.h"
 #include "farm/rendering/render_queue.h"
@@ -36,6 +37,7 @@ private slots:
     {
         m_folder = std::make_unique<QTemporaryDir>();
         diskFails = false;
+        diskFree = -1;
         fullFile.clear();
     }
 
@@ -134,7 +136,7 @@ private slots:
     {
         FarmAtWork farm;
         farm.settings.lookInterval = std::chrono::milliseconds(20);
-        farm.Start(ScriptedTypes("echo picture > {output}"));
+        farm.Start(ScriptedTypes("echo x >> ../../log; [ -e ../../gate ] && echo picture > {output}"));
         const QByteArray package = Package({{"scene.txt", "a scene"}});
         fullFile = farm.BeginUpload(package).Data("id").toString();
         const Reply full = farm.Put(fullFile, 0, package);
@@ -151,8 +153,14 @@ private slots:
             },
             Patience));
         QCOMPARE(farm.Status(job), JobStatus::Running);
+        // A renderer that fails on a full disk does not cost an attempt either.
+        diskFree = 0;
         fullFile.clear();
-        QVERIFY(QTest::qWaitFor([&] { return farm.Status(job) == JobStatus::Finished; }, Patience));
+        EVENTUALLY(farm.Log().count('x') > 5);
+        QCOMPARE(farm.Status(job), JobStatus::Running);
+        diskFree = -1;
+        QVERIFY(farm.OpenGate());
+        EVENTUALLY_COMPARE(farm.Status(job), JobStatus::Finished);
     }
 
     void AnUploadHasOneWriterAtATime()
@@ -212,6 +220,24 @@ private slots:
             const DataLock taken(m_folder->path(), 0, true);
         }
         const DataLock next(m_folder->path(), 0);
+    }
+
+    // An empty farm gets demo accounts; later only the account "demo" gets jobs, once it has none left to render.
+    void SuppliesTheDemoAccountWithJobs()
+    {
+        Database database(Path("farm.sqlite"_s), farm::Schema());
+        AccountStore accounts(database, 3600);
+        JobStore jobs(database);
+        const auto total = [&](const QString& name) {
+            ProvideDemo(database, accounts, jobs, 2'000'000'000);
+            return jobs.List(accounts.Find(name).value(), {}, 1, 1).total;
+        };
+        const std::int64_t demo = total("demo"_s);
+        const std::int64_t arrears = total("arrears"_s);
+        QCOMPARE(total("demo"_s), demo);
+        database.Write([](SQLite::Database& connection) { connection.exec("UPDATE jobs SET status = 4"); });
+        QVERIFY(total("demo"_s) > demo);
+        QCOMPARE(total("arrears"_s), arrears);
     }
 
     // Whose prerender job has five frames, the first of which is finished.

@@ -138,9 +138,11 @@ private slots:
     void ForgetsUploadsAfterAWeekAndStrayFiles()
     {
         QCOMPARE(m_farm->Deliver(Package(PlainFiles)).status, 200);
-        const QString id = m_farm->BeginUpload("other").Data("id").toString();
-        m_farm->Put(id, 0, "oth");
-        for (int days : {6, 6, 1}) {
+        const QByteArray package = Package({PlainFiles.at(0)});
+        const QString id = m_farm->BeginUpload(package).Data("id").toString();
+        m_farm->Put(id, 0, package.left(3));
+        int use = 0;
+        for (int days : {6, 6, 6, 6, 1}) {
             m_farm->End();
             QVERIFY(WriteFile(m_farm->Path("uploads/stray"_s), "of no upload"));
             QVERIFY(WriteFile(m_farm->Path("contents/stray"_s), "of no account"));
@@ -148,9 +150,15 @@ private slots:
             m_farm->data.Change(qPrintable(age.arg(days)));
             m_farm->Start();
             QCOMPARE(m_farm->Get("/uploads/"_s + id).status, days == 6 ? 200 : 404);
-            QCOMPARE(FilesIn(m_farm->Path("uploads"_s)), days == 6 ? 1 : 0);
+            QCOMPARE(FilesIn(m_farm->Path("uploads"_s)), use < 3 ? 1 : 0);
             QCOMPARE(FilesIn(m_farm->Path("contents"_s)), 2);
-            m_farm->Put(id, 3, "e"); // only the first time
+            // Begun again, continued, unpacked, then left alone.
+            if (++use == 1)
+                m_farm->BeginUpload(package);
+            else if (use == 2)
+                m_farm->Put(id, 3, package.mid(3));
+            else if (use == 3)
+                QCOMPARE(m_farm->Unpack(id).status, 200);
         }
     }
 
@@ -194,6 +202,12 @@ private slots:
             "WHERE i < 9999) INSERT INTO uploads SELECT i, 1, i, 0, 9e9, NULL FROM n");
         QCOMPARE(m_farm->BeginUpload("y").status, 200);
         QCOMPARE(m_farm->BeginUpload("z").status, 507);
+        // Exactly the quota is allowed, for a package and for what is in it.
+        m_farm->data.Change("DELETE FROM uploads; DELETE FROM contents");
+        QCOMPARE(m_farm->BeginUpload(QByteArray(SmallQuota, 'x')).status, 200);
+        m_farm->data.Change("DELETE FROM uploads");
+        QCOMPARE(m_farm->Deliver(Package({{"a", QByteArray(SmallQuota, 'a')}})).status, 200);
+        QCOMPARE(m_farm->BeginUpload("y").status, 507);
     }
 
     void ASubmissionMakesOneJob()
@@ -263,6 +277,7 @@ private slots:
         m_farm->Apply("full-render"_s, {id});
         EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
         QCOMPARE(m_farm->Log().count('.'), 6);
+        QCOMPARE(m_farm->Get("/jobs/"_s + id).Data("jobDatas")["jobPrerender"_s], QJsonValue(false));
         QJsonArray files;
         for (const char* number : {"02", "03", "04", "05", "20", "21"})
             files.append(QJsonObject {{"name"_s, "frame_00%1.txt"_s.arg(QLatin1String(number))},

@@ -76,4 +76,9 @@ __attribute__((visibility("default"))) int statvfs(const char* path, struct stat
     disk->f_bavail = diskFree < 0 ? found.f_bavail : static_cast<fsblkcnt_t>(diskFree);
     return result;
 }
+// Qt calls this one; the structures are the same on 64-bit systems.
+__attribute__((visibility("default"))) int statvfs64(const char* path, struct statvfs64* disk) noexcept
+{
+    return statvfs(path, reinterpret_cast<struct statvfs*>(disk));
+}
 }
