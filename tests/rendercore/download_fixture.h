@@ -37,11 +37,11 @@ inline HttpReply Whole(const QByteArray& content)
     return StandInServer::Http(200, content);
 }
 
-inline HttpReply Rest(const QByteArray& content, int from)
+inline HttpReply Rest(const QByteArray& content, int from, int size = FrameData.size())
 {
     return StandInServer::Http(206, content.mid(from),
         "Content-Range: bytes " + QByteArray::number(from) + '-' + QByteArray::number(content.size() - 1)
-            + '/' + QByteArray::number(content.size()) + "\r\n");
+            + '/' + QByteArray::number(size) + "\r\n");
 }
 
 inline HttpReply Answer(int status, const QByteArray& headers = {})

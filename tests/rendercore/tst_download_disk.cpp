@@ -72,13 +72,16 @@ private slots:
 
     void LosesNoCommand()
     {
-        Client& client = Restart({Listed(Entry(FrameData)), Whole(FrameData)});
-        diskFails = true;
-        client.Order();
-        QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), 1, Patience);
-        diskFails = false;
-        QVERIFY(client.Await(Finished));
-        QCOMPARE(client.notices.count(), 1);
+        const HttpReply list = Listed(Entry(FrameData));
+        Client& client = Restart({list, Whole(FrameData), list, Whole(FrameData)});
+        for (int round = 1; round <= 2; ++round) { // each trouble is worth a notice
+            diskFails = true;
+            client.Order(QString::number(round));
+            QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), round, Patience);
+            diskFails = false;
+            QVERIFY(client.Await(Finished, round));
+            QCOMPARE(client.notices.count(), round);
+        }
     }
 
     void BeginsAnewWithoutAReadableDatabase_data() { AddRows(Unreadables); }
@@ -92,6 +95,24 @@ private slots:
         QCOMPARE(client.notices.count(), 1);
         QCOMPARE(QDir(Path("transfer")).entryList({"downloads-unreadable-*.sqlite"_s}).size(), 1);
         QCOMPARE(Restart({}).notices.count(), 0);
+    }
+
+    void BeginsAnewWhenTheDatabaseFailsLater()
+    {
+        QDir().mkpath(Path("transfer"));
+        OrderOutcome old = Disk().Apply(
+            "farm/ann"_s, {"j0"_s, "s"_s, DownloadOrder::Manual, 0}, {{"old"_s, 1, {}}}, "/frames"_s);
+        old.added[0].state = DownloadState::Finished;
+        Disk().Save(old.added);
+        // The table of orders, which is on the second page of 4096 bytes.
+        QByteArray content = ReadFile(Path("transfer/downloads.sqlite"));
+        WriteFile(Path("transfer/downloads.sqlite"), content.replace(4096, 4096, QByteArray(4096, 'z')));
+        Client& client = Restart({Listed(Entry(FrameData)), Whole(FrameData)});
+        QVERIFY(client.Await(Finished));
+        client.Order();
+        QTRY_COMPARE_WITH_TIMEOUT(client.Value("jobId").toString(), "j1"_s, Patience);
+        QVERIFY(client.Await(Finished));
+        QCOMPARE(client.notices.count(), 1);
     }
 };
 

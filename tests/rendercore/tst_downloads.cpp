@@ -4,6 +4,7 @@
 namespace {
 
 const QByteArray Condition = "If-Match: \"" + Checksum(FrameData) + '"';
+const HttpReply NoRange {"HTTP/1.1 206 Partial\r\n\r\n" + FrameData.mid(CutAt), false};
 const HttpReply Endless {"HTTP/1.1 200 OK\r\n\r\n" + FrameData + FrameData, false};
 
 struct TransferCase
@@ -22,18 +23,32 @@ const TransferCase TransferCases[] = {
     {"own file without a note", {}, Finished, 1, {}, FrameData, {}, FrameData},
     {"stranger's file of that size", {Whole(FrameData)}, Finished, 2, {}, FrameData, {},
         QByteArray(FrameData.size(), 'z')},
+    {"stranger's file", {Whole(FrameData)}, Finished, 2, {}, FrameData, {}, OtherData},
+    {"whole part file", {}, Finished, 1, {}, FrameData, FrameData},
+    {"part file longer than the file", {Whole(FrameData)}, Finished, 2, Condition, FrameData,
+        FrameData + 'x'},
     {"damaged part file", {Whole(FrameData)}, Finished, 2, Condition, FrameData,
         QByteArray(FrameData.size(), 'z')},
     {"whole", {Whole(FrameData)}, Finished, 2, Condition},
     {"cut", {CutFrame, Rest(FrameData, CutAt)}, Finished, 3, Condition},
+    {"cut, no ranges", {CutFrame, Whole(FrameData)}, Finished, 3, RangeLine},
     {"cut, another range", {CutFrame, Rest(FrameData, CutAt + 1), Rest(FrameData, CutAt)}, Finished, 4,
         RangeLine},
+    {"cut, range of another file", {CutFrame, Rest(FrameData, CutAt, 9), Rest(FrameData, CutAt)}, Finished, 4,
+        RangeLine},
+    {"cut, range that is not said", {CutFrame, NoRange, Rest(FrameData, CutAt)}, Finished, 4, RangeLine},
     {"cut, range refused", {CutFrame, Answer(416), Whole(FrameData)}, Finished, 4},
+    {"range refused for ever", {CutFrame, Answer(416), Answer(416), Whole(FrameData)}, Finished, 5},
     {"cut, changed meanwhile", {CutFrame, Answer(412), Listed(Entry(OtherData)), Whole(OtherData)}, Finished,
         5, Checksum(OtherData), OtherData},
     {"gone", {Answer(404), Listed(Entry(FrameData, "frame_0002.png"))}, Failed, 3},
+    {"listed, but not sent at first", {Answer(404), Listed(Entry(FrameData)), Whole(FrameData)}, Finished, 4},
+    {"no longer listed", {Answer(404), Answer(403)}, Failed, 3},
+    {"wrong bytes once", {Whole(QByteArray(FrameData.size(), 'z')), Whole(FrameData)}, Finished, 3},
     {"wrong bytes", {Whole(QByteArray(FrameData.size(), 'z'))}, Failed, 3},
     {"too many bytes", {Endless, Listed(Entry(FrameData)), Whole(FrameData)}, Finished, 4},
+    {"too few bytes", {Whole(FrameData.left(CutAt)), Listed(Entry(FrameData)), Whole(FrameData)}, Finished,
+        4},
     {"busy", {Answer(429, "Retry-After: 0\r\n"), Answer(503), Answer(408), Whole(FrameData)}, Finished, 5},
     {"stalled", {HttpReply {CutFrame.bytes, false, 0, StandInServer::Stall}, Rest(FrameData, CutAt)},
         Finished, 3, RangeLine},
@@ -136,6 +151,11 @@ private slots:
         QVERIFY(client.Await(Finished, 2));
         QCOMPARE(client.Ids().size(), 2);
         QCOMPARE(m_server->Requests().size(), 10);
+        m_server->SetReplies({Listed({})});
+        const QVariantMap order {{"manual"_s, 1}};
+        client.queue.Order(
+            {{"a"_s, order}, {"b"_s, order}, {"c"_s, order}}); // one is asked for after the other
+        QVERIFY(AwaitRequests(13));
     }
 
     void GoesOnOnceTheServerAcceptsConnections()
@@ -152,8 +172,8 @@ private slots:
 
     void WaitsForFarmSessionAndOwner()
     {
-        Client& client = Start(
-            {Listed(Entry(FrameData)), StandInServer::Held(Whole(FrameData)), Answer(401), Whole(FrameData)});
+        Client& client = Start({Listed(Entry(FrameData)), StandInServer::Held(Whole(FrameData)), Answer(401),
+            Whole(FrameData), Listed(Entry(OtherData, "new.png")), Whole(OtherData)});
         QVERIFY(client.Await(Downloading));
         const FarmAccess access = client.access;
         client.Set(&FarmAccess::apiRoot, {});
@@ -168,7 +188,11 @@ private slots:
         QVERIFY(client.Await(Finished));
         QVERIFY(m_server->Requests().constLast().contains("Authorization: Bearer def\r\n"));
         QCOMPARE(client.changed.count(), 3);
-        QCOMPARE(m_server->Requests().size(), 4);
+        client.Set(&FarmAccess::folder, Path("third")); // for new orders
+        client.Order("j2"_s);
+        QVERIFY(client.Await(Finished, 2));
+        QVERIFY(ReadFile(Path("third/12_shot/new.png")) == OtherData);
+        QCOMPARE(m_server->Requests().size(), 6);
     }
 
     void FollowsNoLinkOutOfTheFolder_data() { AddRows(Links); }
@@ -237,12 +261,19 @@ private slots:
     void RepairsWhatIsDamagedWhenOrdered()
     {
         const HttpReply list = Listed(Entry(FrameData));
-        Client& client = Start({list, Whole(FrameData), list, Whole(FrameData)});
+        Client& client
+            = Start({list, Whole(FrameData), list, list, Whole(FrameData), list, Whole(FrameData)});
         QVERIFY(client.Await(Finished));
+        client.Order(); // whole: it stays
+        QVERIFY(AwaitRequests(3));
         WriteFile(Frame(), QByteArray(FrameData.size(), 'z'));
         client.Order();
         QVERIFY(client.AwaitFiles(2));
         QVERIFY(ReadFile(Frame()) == FrameData);
+        QVERIFY(QFile::remove(Frame()));
+        client.Order();
+        QVERIFY(client.AwaitFiles(3));
+        QCOMPARE(m_server->Requests().size(), 7);
     }
 };
 

@@ -1,6 +1,7 @@
-// Scene analysis and packing.
+// Scene analysis, packing and limits of arguments.
 #include "host/rendercore/submit/scene_analysis.h"
 #include "host/rendercore/submit/scene_package.h"
+#include "host/rendercore/submit/submit_arguments.h"
 #include "tests/support/test_files.h"
 #include "tests/support/test_tables.h"
 
@@ -34,9 +35,9 @@ const SceneCase SceneCases[] = {
         "", "a.pov", "gone.png"},
     {"includes in a circle, from where they are found",
         {{"a.pov"_s, "#include \"in/b.inc\" # include \"c.inc\""},
-            {"in/b.inc"_s, "#include \"c.inc\" #include \"in/b.inc\" png \"x.png\""},
+            {"in/b.inc"_s, "#include \"c.inc\" #include \"in/b.inc\" png \"\xc3\xa4.png\""},
             {"in/c.inc"_s, "#include \"a.pov\""}},
-        "x.png", "a.pov in/b.inc c.inc x.png"},
+        "\xc3\xa4.png", "a.pov in/b.inc c.inc \xc3\xa4.png"},
     {"folders above", {{"a.pov"_s, "png \"../../q/t.png\" png \"../s/./u.png\" png \"@/v.png\""}},
         "../../q/t.png u.png ../../v.png", "p/s/a.pov q/t.png p/s/u.png",
         "@/v.png (use a path relative to the scene) outside:@/q/t.png"},
@@ -46,6 +47,8 @@ const SceneCase SceneCases[] = {
         {{"a.pov"_s, ""},
             {"a.ini"_s, "; Width=1\nWidth = 320\nheight=200 ; small\nInitial_Frame=2\nFinal_Frame=9\n"}},
         "", "a.pov", "", "2-9 320x200"},
+    {"mad options", {{"a.pov"_s, ""}, {"a.ini"_s, "Width=0\nHeight=99999\nFinal_Frame=99999999\n"}}, "",
+        "a.pov", "", "1-20000 640x480"},
     {"project",
         {{"a.ma"_s,
              "//Maya ASCII \"no.png\";\nfile -rdi 1 -ns \"r\" -typ \"mayaAscii\"\n \"@/p//s/ref.ma{2}\";\n"
@@ -75,9 +78,10 @@ const SceneCase SceneCases[] = {
             "setAttr \".renderFileName\" -type \"string\" \"h.exr\"; setAttr \".iconFileName\" -type "
             "\"string\" \"x.y\";"
             "createNode reference; setAttr \".ed\" -type \"dataReferenceEdits\" \"rRN\" \"rRN\" 1 2 \"r:f\" "
-            "\"fileTextureName\" \" -type \\\"string\\\" \\\"g.tx\\\"\";"
+            "\"fileTextureName\" \" -type \\\"string\\\" \\\"g.tx\\\"\" 2 \"r:f\" \"notes\" \" -type "
+            "\\\"string\\\" \\\"k.tx\\\"\";"
             "createNode file; setAttr \".ftn\" -type \"string\" \"\xe4.png\";"}},
-        "a.exr b.abc c.abc d.ass e.abc f.vdb g.tx no.abc h.exr \xc3\xa4.png",
+        "a.exr b.abc c.abc d.ass e.abc f.vdb g.tx k.tx no.abc h.exr \xc3\xa4.png",
         "a.ma a.exr b.abc c.abc d.ass e.abc f.vdb g.tx \xc3\xa4.png"},
     {"tiles and frames",
         {{"a.ma"_s,
@@ -98,6 +102,18 @@ const SceneCase SceneCases[] = {
             "createNode file; setAttr \".ftn\" -type \"string\" \".ssh/id\";"
             "setAttr \".ftn\" -type \"string\" \"../../k\";"}},
         ".ssh/id ../../k", "a.ma .ssh/id external@/k", "outside:@/p/s/.ssh/id outside:@/k"},
+    {"binary scene", {{"a.mb"_s, "file \"x.ma\";"}}, "x.ma", "a.mb"},
+};
+
+/// A value in the arguments of a job, and whether it may be there.
+const std::tuple<const char*, const char*, QVariant, bool> ArgumentCases[] = {
+    {"one frame", "endFrame_0", 1, true},
+    {"backwards", "endFrame_0", 0, false},
+    {"from zero", "startFrame_0", 0, false},
+    {"too many frames", "endFrame_0", 20001, false},
+    {"the scene's own width", "width", QString(), true},
+    {"no width", "width", "0"_s, false},
+    {"not a height", "height", "4e9"_s, false},
 };
 
 } // namespace
@@ -188,6 +204,17 @@ private slots:
         QVector<PackageEntry> stored {{Write("z"_s), "z"_s, {}}};
         QVERIFY(!PackFiles(stored, archive, [](qint64) { return false; }));
         QVERIFY(QDir(m_folder->path()).entryList({"x.zip*"_s}, QDir::AllEntries | QDir::Hidden).isEmpty());
+    }
+
+    void TakesOnlyWhatAJobMayHave_data() { AddRows(ArgumentCases); }
+
+    void TakesOnlyWhatAJobMayHave()
+    {
+        const auto& [name, key, value, isGood] = Row(ArgumentCases);
+        QVariantMap range = MakeArguments(1, 9, 640, 480).constFirst().toMap();
+        QVERIFY(!AreArguments({}) && !AreArguments({range, range}));
+        range.insert(QLatin1String(key), value);
+        QCOMPARE(AreArguments({range}), isGood);
     }
 };
 

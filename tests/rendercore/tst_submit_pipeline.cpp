@@ -284,6 +284,8 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(m_queue->Ids(), QStringList {id}, Patience);
         m_queue->Continue(id);
         QVERIFY(Await(id));
+        m_queue->SetArguments(id, MakeArguments(7, 7, 1, 1)); // too late
+        QVERIFY(Task(id).arguments != MakeArguments(7, 7, 1, 1));
         QCOMPARE(Count("jobs WHERE type = 'maya' AND name = 'a.b'"), 1);
     }
 };

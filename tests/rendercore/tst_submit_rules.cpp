@@ -111,10 +111,14 @@ private slots:
             row(name, expected, task);
         };
 
+        row("analysed", "1>2 0 100% new |", Done(In(Stage::Analyze)));
+        row("nothing is missing", "4>5 0 100% new |", Done(In(Stage::CopySame), {}));
         row("is asked about first", "3>4 0 100% asks new |", Done(In(Stage::Checksum)));
         row("goes on without them", "4>5 0 100% without new |", Done(In(Stage::CopySame, Error::None, true)));
+        row("stopped, yet a stage further", "5>6 7 50% new", Done(In(Stage::Upload, Error::Stopped)));
         row("is a job in spite of a stop", "7>7 0 100% done Submitted as job 12.|",
             Done(In(Stage::Submit, Error::Stopped)));
+        row("the same is missing", "1>2 0 100% without new |", Done(In(Stage::Analyze, Error::None, true)));
         row("more is missing", "1>2 0 100% new |",
             Done(In(Stage::Analyze, Error::None, true), {"gone.png"_s, "b"_s}));
 
@@ -122,16 +126,30 @@ private slots:
             Failed(In(Stage::Upload), {"a"_s, "b"_s}));
         row("refused package", "6>1 3 50% retry? new 12\na| a", Failed(In(Stage::Uncompress), {"a"_s}));
         row("cannot be packed", "2>1 3 50% retry? 12|", Failed(In(Stage::Compress)));
+        row("package cannot be read", "3>1 3 50% retry? 12|", Failed(In(Stage::Checksum)));
+        row("refused job", "7>7 3 50% retry? 12|", Failed(In(Stage::Submit)));
         change("to be tried again", "5>6 0 50% new 12|12", In(Stage::Upload), ApplyTryAgain,
             OutcomeOf(In(Stage::Upload)));
 
+        change("released", "0>5 0 0% |half -", In(Stage::Upload, Error::Stopped), Release);
         change("uploads again", "0>4 0 0% asks |half -", In(Stage::Upload, Error::UploadRefused), Continue);
         change("looks again", "0>1 0 0% without |half -", In(Stage::CopySame, Error::AwaitsUser), Continue);
+        change("without after all", "0>1 0 0% without |half -", In(Stage::CopySame, Error::TexturesMissing),
+            Continue);
+        change(
+            "checked arguments", "0>7 0 0% checked |half -", In(Stage::Submit, Error::AwaitsUser), Continue);
+        change("bad scene", "0>1 0 0% |half -", In(Stage::Analyze, Error::SceneUnusable), Continue);
         change("halted", "5>5 7 50% now|", In(Stage::Upload), Halt, Error::Stopped, "now"_s);
+        change("goes on in its stage", "5>5 0 50%", In(Stage::Upload), EnterNextStage);
+        change("enters a stage", "7>7 0 0% |", WithNext(In(Stage::Upload), Stage::Submit), EnterNextStage);
 
         change("restored", "5>4 7 0% asks", Hashed(In(Stage::Upload, Error::Stopped)), Restore);
+        change("restored unhashed", "5>1 7 0%", In(Stage::Upload, Error::Stopped), Restore);
+        change("restored if spoilt", "6>1 3 0% retry?", Hashed(In(Stage::Uncompress, Error::UploadRefused)),
+            Restore);
         change("restored if refused", "5>4 3 0% retry? asks", Hashed(In(Stage::Upload, Error::UploadRefused)),
             Restore);
+        change("restored before its analysis", "0>1 0 0% - | -", SubmitTask(), Restore);
         change("restored job", "0>1 0 100% done - | -", WithNext(SubmitTask(), Stage::Submit, true), Restore);
     }
 
@@ -153,6 +171,10 @@ private slots:
         QVERIFY(Done(edited).areArgumentsChecked);
         QCOMPARE(Done(checked).arguments, UsualArguments());
         QVERIFY(!Done(checked).areArgumentsChecked);
+        for (const char* scene : {"/ma.pov", "/a.MA", "/a.ma", "/a.mb"}) {
+            checked.scene = QString::fromLatin1(scene);
+            QCOMPARE(HasEditableArguments(checked), checked.scene.startsWith("/a.m"_s));
+        }
     }
 };
 

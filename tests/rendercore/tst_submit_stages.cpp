@@ -1,6 +1,8 @@
 // The stages of a submission, against a scripted server and on broken files.
+#include "host/rendercore/submit/job_body.h"
 #include "host/rendercore/submit/submit_worker.h"
 #include "host/rendercore/submit/task_packages.h"
+#include "host/rendercore/submit/transfer_meter.h"
 #include "tests/host/stand_in_server.h"
 #include "tests/support/test_files.h"
 #include "tests/support/test_tables.h"
@@ -44,6 +46,7 @@ const char* const Refused = "failed 3 a wanted refused: /a: So it is.";
 const char* const Incomplete
     = "failed 6 a wanted: The farm's answer is incomplete. Please continue the submission later.";
 const char* const AwayToUpload = "again farm 0 s to upload a wanted";
+const char* const Sent = "done to uncompress a wanted sent";
 const char* const SentNow = "done to uncompress a wanted sent advanced";
 
 struct StageCase
@@ -58,6 +61,7 @@ struct StageCase
 /// Two files, "a" with a package of ten bytes and "b" with one of three; the farm wants the first unless the stage asks.
 const StageCase StageCases[] = {
     {"no scene", Stage::Analyze, {}, "failed 1: The scene file cannot be read."},
+    {"no source", Stage::Compress, {}, "failed 2 a wanted: *\n/a"},
     {"no package", Stage::Checksum, {}, "failed 2 a wanted: *0000.zip*"},
 
     {"one known", Stage::CopySame, {Known("'" + FirstSum + "'")}, "done to upload b wanted",
@@ -72,10 +76,16 @@ const StageCase StageCases[] = {
         "POST /uploads PUT /uploads/u?offset=0 0123 PUT /uploads/u?offset=4 4567 PUT /uploads/u?offset=8 89"},
     {"resumes", Stage::Upload, {Upload(6, 100), Upload(10)}, SentNow,
         "POST /uploads PUT /uploads/u?offset=6 6789"},
+    {"sent before", Stage::Upload, {Upload(10)}, Sent, "POST /uploads"},
+    {"unpacked before", Stage::Upload, {Upload(0, 4, ", 'unpacked': true")}, Sent, "POST /uploads"},
     {"another offset", Stage::Upload, {Upload(0), Status(409), Upload(8), Upload(10)}, SentNow,
         "POST /uploads PUT /uploads/u?offset=0 0123 GET /uploads/u PUT /uploads/u?offset=8 89"},
+    {"stores nothing twice", Stage::Upload, {Upload(9), Upload(9), Upload(9), Upload(10)}, SentNow},
     {"stores nothing", Stage::Upload, {Upload(9)},
         "failed 3 a wanted refused: /a: The farm did not store the uploaded data. Please try again later."},
+    {"ends in the middle", Stage::Upload, {Upload(0), Upload(4), Status(500)},
+        "again request 0 s to upload a wanted advanced"},
+    {"beyond the end later", Stage::Upload, {Upload(0), Upload(11)}, Unreadable},
     {"quota", Stage::Upload, {Status(507)}, Refused},
     {"cut off", Stage::Upload, {Upload(0), HttpReply {Upload(4).bytes.chopped(9)}}, AwayToUpload},
     {"stalled", Stage::Upload,
@@ -86,6 +96,9 @@ const StageCase StageCases[] = {
     {"a portal's page", Stage::Upload, {Upload(0), StandInServer::Http(200, "<html>")},
         "failed 3 a wanted refused: /a: The server's answer cannot be read."},
     {"beyond the end", Stage::Upload, {Upload(11)}, Unreadable},
+    {"before the beginning", Stage::Upload, {Upload(-1)}, Unreadable},
+    {"empty chunks", Stage::Upload, {Upload(0, 0)}, Unreadable},
+    {"no id", Stage::Upload, {Upload(0, 4, "", "")}, Unreadable},
     {"an id to climb with", Stage::Upload, {Upload(0, 100, "", "../x?"), Upload(10)}, SentNow,
         "POST /uploads PUT /uploads/..%2Fx%3F?offset=0 0123456789"},
 
@@ -93,8 +106,10 @@ const StageCase StageCases[] = {
         "POST /uploads/u/unpack"},
     {"unpacked to another content", Stage::Uncompress, {Unpacked("a", SecondSum)}, Damaged},
     {"another shape of files", Stage::Uncompress, {StandInServer::Data("{'files': 7}")}, Incomplete},
+    {"unpacked to another place", Stage::Uncompress, {Unpacked("b", FirstSum)}, Damaged},
     {"package refused", Stage::Uncompress, {Status(422)}, Refused},
     {"upload forgotten", Stage::Uncompress, {Status(404)}, "again request 0 s to upload a wanted"},
+    {"upload not complete", Stage::Uncompress, {Status(409)}, "again request 0 s to upload a wanted"},
 
     {"submitted", Stage::Submit, {StandInServer::Data("{'job_increasement': '12'}")},
         "done to submit a wanted: 12", "POST /jobs"},
@@ -102,6 +117,7 @@ const StageCase StageCases[] = {
         "failed 6 a wanted: The server's answer cannot be read."},
     {"no job", Stage::Submit, {StandInServer::Data("[7]")}, Incomplete},
     {"contents gone", Stage::Submit, {Status(409)}, "again request 0 s to copysame a wanted"},
+    {"job refused", Stage::Submit, {Status(400)}, "failed 6 a wanted: So it is."},
 };
 
 QString Summary(const StageOutcome& outcome)
@@ -203,6 +219,21 @@ private slots:
             row.replies.isEmpty() || m_server->Requests().at(0).contains("Authorization: Bearer abc\r\n"));
     }
 
+    void SendsEqualContentOnce()
+    {
+        m_server->SetReplies({Known("")});
+        StageRequest request = Request(Stage::CopySame);
+        request.task.work.files[1].checksum = QString::fromLatin1(FirstSum);
+        QCOMPARE(Summary(m_worker.Run(request, Ignore)), "done to upload a wanted"_s);
+    }
+
+    void WaitsForAFarmThatIsAway()
+    {
+        StageRequest request = Request(Stage::Upload);
+        m_server.reset(); // nobody listens on its port
+        QCOMPARE(Summary(m_worker.Run(request, Ignore)), "again farm 0 s to upload a wanted"_s);
+    }
+
     void EndsEarly()
     {
         m_server->SetReplies({StandInServer::Held(Upload(0))});
@@ -214,7 +245,18 @@ private slots:
         });
         poll.start(1);
         QCOMPARE(Summary(m_worker.Run(request, Ignore)), "interrupted to wait a wanted"_s);
+        QCOMPARE(Summary(m_worker.Run(request, Ignore)), "interrupted to wait a wanted"_s);
         QCOMPARE(m_server->Requests().size(), 1);
+    }
+
+    void RefusesAPackageThatIsGoneAndSendsTheOthers()
+    {
+        m_server->SetReplies({Upload(0), Upload(0), Upload(3)});
+        QVERIFY(QFile::remove(TaskPackages::Path(m_folder->path(), 0)));
+        StageRequest request = Request(Stage::Upload);
+        request.task.work.files[1].isWanted = true;
+        QCOMPARE(Summary(m_worker.Run(request, Ignore)),
+            "failed 3 a wanted b wanted sent refused: /a advanced: The packed file cannot be read from the disk."_s);
     }
 
     /// Whole packages are kept, in the folders of known tasks.
@@ -228,6 +270,8 @@ private slots:
         }
         const QString folder = TaskPackages::Folder(m_folder->path(), 7);
         QDir().mkpath(folder);
+        TaskPackages::Sweep(m_folder->path(), {1, 7});
+        QVERIFY(QFile::exists(folder));
         TaskPackages::Sweep(m_folder->path(), {1});
         QVERIFY(!QFile::exists(folder));
     }
@@ -260,6 +304,32 @@ private slots:
         QCOMPARE(pack(), "0 to 3"_s);
         write("now", 0);
         QCOMPARE(pack() + pack(), "0 to 30 to 3"_s); // another change might leave the time as it is
+    }
+
+    void FitsIntoOneRequest()
+    {
+        SubmitWork work;
+        for (const int length : {1, 200}) {
+            work.files.fill(File(QString(length, QLatin1Char('p')), {}, 0), 4000);
+            QCOMPARE(AreTooManyFiles(work), length > 1);
+        }
+    }
+
+    void MeasuresTheUpload()
+    {
+        TransferMeter meter(80'000'000);
+        meter.Skip(20'000'000);
+        QCOMPARE(meter.Text(), "20.0 of 80.0 MB"_s); // no speed
+        meter.SetInFlight(10'000'000);
+        meter.Add(20'000'000);
+        QCOMPARE(meter.Percent(), 50);
+        QVERIFY(QRegularExpression("^40.0 of 80.0 MB, .*MB/s$"_s).match(meter.Text()).hasMatch());
+        meter.Add(90'000'000);
+        QCOMPARE(meter.Percent(), 100);
+        QVERIFY(meter.Text().startsWith("80.0 of"_s));
+        QCOMPARE(TransferMeter(999'999).Text(), "0.0 of 1000.0 kB"_s);
+        QCOMPARE(TransferMeter(1'000'000'000).Text(), "0.0 of 1.0 GB"_s);
+        QCOMPARE(TransferMeter(0).Percent(), 0);
     }
 };
 

@@ -54,6 +54,7 @@ QString PlayTurns(const char* script)
 }
 
 const Script TurnsScripts[] = {
+    {"no tasks", "o ?", "none"},
     {"keeps the turn until it halts", "o +5 +2 +9 ? ? -2 ? -5 ? -9 ?", "2 2 5 9 none"},
     {"goes round in a circle", "o +5 +2 +9 ? r2 ? r5 ? r9 ? @500 ?", "2 5 9 wait:500 2"},
     {"a new task waits for its turn", "o +5 ? +2 ? -5 ?", "5 5 2"},
@@ -61,11 +62,21 @@ const Script TurnsScripts[] = {
     {"farm away for all but local stages", "o +1 +2 +3 ? f1 ? l3 ? -3 @499 ? @1 ?", "1 wait:500 3 wait:1 1"},
     {"the farm's pause doubles", "o +1 ? f1 ? @500 ? f1 ? @1000 ? f1 ?",
         "1 wait:500 1 wait:1000 1 wait:2000"},
+    {"an answer ends the doubling", "o +1 f1 @500 f1 @1000 b1 f1 ?", "wait:500"},
+    {"a refused request ends the doubling", "o +1 f1 @500 r1 @500 f1 ?", "wait:500"},
     {"the farm's requested pause counts", "o +1 f103 ? @3000 ?", "wait:3000 1"},
+    {"but not a shorter one than ours", "o +1 f1 f1 f1 f101 ?", "wait:4000"},
+    {"a task's pause doubles", "o +1 r1 ? @500 r1 ? @1000 ?", "wait:500 wait:1000 1"},
+    {"the task's own requested pause", "o +1 r104 ?", "wait:4000"},
     {"gives up without progress", "o +1 r1 r1 r1 r1 r1 r1 r1 ? r1", "wait:32000 given_up"},
     {"progress starts the count again", "o +1 r1 r1 r1 r1 r1 r1 r1 a1 r1 ?", "wait:500"},
+    {"an answer without progress does not", "o +1 r1 r1 r1 r1 r1 r1 r1 b1 r1", "given_up"},
+    {"released tasks start the count again", "o +1 r1 r1 r1 r1 r1 r1 r1 -1 +1 r1 ?", "wait:500"},
+    {"another task's failures do not count", "o +1 +2 r1 r1 r1 r1 r1 r1 r1 r2 ?", "wait:500"},
+    {"the shortest wait counts", "o +1 +2 r1 r1 r2 r1 ?", "wait:500"},
     {"the session ends for all", "o +1 +2 +3 l3 s1 ? -3 ? o ?", "3 none 1"},
     {"a new farm ends all pauses", "o +1 +2 r1 f2 o ?", "1"},
+    {"a new farm ends the doubling", "o +1 f1 f1 f1 o f1 ?", "wait:500"},
 };
 
 /// Tells the pause of each failure, and which task is due. Two failures in a row pause all transfers.
@@ -88,6 +99,8 @@ QString PlaySchedule(const char* script)
             {'g', [&](int task) { schedule.RecordProgress(task); }},
             {'x', [&](int task) { schedule.Forget(task); }},
             {'r', [&](int task) { schedule.RetryNow(task); }},
+            {'e', [&](int) { schedule.EndPause(); }},
+            {'c', [&](int) { schedule.Clear(); }},
         });
     return answers.join(QLatin1Char(' '));
 }
@@ -96,10 +109,19 @@ const Script ScheduleScripts[] = {
     {"retries after a pause", "w p7 i @40 w @59 ? @1 w @100 w ? ? w",
         "none 100 open 60 none 0 0 7 none none"},
     {"the pause doubles, the last one counts", "p7 @100 ? p7 p7 @200 ? @200 ?", "100 7 200 400 none 7"},
+    {"up to the longest pause", "p7 p7 p7 p7 p7 p7", "100 200 400 800 1000 1000"},
+    {"progress ends the doubling", "p7 p7 g7 @200 ? p7", "100 200 7 100"},
     {"a forgotten task", "p7 p7 x7 @9000 ? p7", "100 200 none 100"},
+    {"nothing is left", "p7 p7 c i @9000 ? p7 i", "100 200 open none 100 open"},
     {"the lowest due task first", "p9 @10 p4 r6 r5 w ? @190 ? ? ? ?", "100 100 0 5 4 6 9 none"},
+    {"a retry forgets failures", "p4 p4 r4 ? @9000 ? p4", "100 200 4 none 100"},
     {"failures in a row pause all", "p1 i p2 i @150 w @49 i @1 i", "100 open 100 paused 50 paused open"},
+    {"the next round pauses longer", "p1 p2 p3 p4 @399 i @1 i", "100 100 100 100 paused open"},
+    {"a retry ends the pause", "p1 p2 r5 i", "100 100 open"},
     {"progress ends the pause and the row", "p1 p2 g9 i p3 i p4 i", "100 100 open 100 open 100 paused"},
+    {"the pause is ended", "p1 p2 e i", "100 100 open"},
+    {"all pause when the farm asks", "a5000 p1 @4999 i @1 i", "5000 paused open"},
+    {"no shorter pause follows", "a5000 p1 a0 p2 @4999 i", "5000 100 paused"},
     {"an hour at most", "a7200000 p1 @3599999 i @1 i", "3600000 paused open"},
 };
 

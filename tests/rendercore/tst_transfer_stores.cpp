@@ -56,10 +56,13 @@ const std::tuple<const char*, DownloadOrder::Kind, bool, const char*> ReconcileC
 
 /// The window's name for the folder, the farm's name for the file, and the path; empty when the name is shortened.
 const std::tuple<const char*, QString, QString, QString> NameCases[] = {
+    {"harmless", "12_shot"_s, "frame 1.png"_s, "12_shot/frame 1.png"_s},
     {"climbing", ".."_s, "../../.bashrc"_s, "%2E%2E/%2E.%2F..%2F.bashrc"_s},
     {"empty and hidden", {}, ".part"_s, "_/%2Epart"_s},
     {"absolute", "/etc"_s, "a\\b\nc"_s, "%2Fetc/a%5Cb%0Ac"_s},
+    {"long", "s"_s, "\xc3\xa4"_s.repeated(200) + ".png"_s, {}},
     {"long and beyond the plane", "s"_s, "\xf0\x9f\x8c\x84"_s.repeated(80), {}},
+    {"with a long suffix", "s"_s, "a."_s + "\xc3\xa4"_s.repeated(200), {}},
 };
 
 } // namespace
@@ -128,6 +131,11 @@ private slots:
             SubmitTask task = records.Add(Ann, Path("a.pov"_s), &error).value();
             const SubmitTask gone = records.Add(Ann, Path("a.pov"_s), &error).value();
             QVERIFY(!records.Add(Ann, Path("b.pov"_s), &error) && !error.isEmpty());
+            task.error = SubmitError::Stopped;
+            records.Save({task}, false);
+            QCOMPARE(Submissions().Load(Ann).at(0).error, SubmitError::Stopped); // at once
+            records.Remove({records.Add(Ann, Path("a.pov"_s), &error).value().number});
+            QCOMPARE(Submissions().Load(Ann).size(), 2);
             run("ALTER TABLE tasks RENAME TO away");
             task.error = SubmitError::GivenUp;
             records.Save({task}, false);
@@ -206,6 +214,8 @@ private slots:
             store.CloseOrder(Ann, open);
         QCOMPARE(Orders(), QString());
         QCOMPARE(order("a", DownloadOrder::Automatic), "a0"_s); // the manual order brought nothing
+        store.ReopenOrder(Ann, "a"_s);
+        QCOMPARE(Orders(), "a0"_s); // it was open
         store.CloseOrder(Ann, store.OpenOrders(Ann, 1).constFirst());
         store.ReopenOrder(Ann, "a"_s);
         QCOMPARE(Orders() + Orders(9, Bob), "a2b0"_s);
@@ -298,9 +308,13 @@ private slots:
             = Apply(DownloadOrder::Automatic, {File("c.png"), File("a.png"), File("b.png", 'b', 0)}).added;
         const qint64 theirs = Apply(DownloadOrder::Automatic, {File("a.png")}, Bob).added.constFirst().id;
         DownloadStore store = Downloads();
+        QCOMPARE(store.TasksAfter(Ann, 0, 2).size(), 2);
+        QCOMPARE(store.TasksAfter(Ann, tasks.at(0).id, 9).constFirst().name, "a.png"_s);
+        QVERIFY(!store.Find(Ann, theirs));
         tasks[1].state = DownloadState::Stopped;
         store.Save(tasks);
         QCOMPARE(store.NextWaiting(Ann, tasks.at(0).id)->id, tasks.at(2).id);
+        QVERIFY(!store.NextWaiting(Ann, tasks.at(2).id));
 
         const auto fail = [](DownloadTask& task) {
             task.state = DownloadState::Failed;
@@ -313,6 +327,10 @@ private slots:
         QCOMPARE(store.Find(Ann, tasks.at(2).id)->state, DownloadState::Failed);
         QCOMPARE(store.Remove(Ann, {tasks.at(2).id, theirs, 77, tasks.at(0).id}).size(), 2);
         QVERIFY(store.Find(Bob, theirs));
+        QVERIFY(!store.Find(Ann, tasks.at(0).id));
+        const OrderOutcome again = Apply(DownloadOrder::Manual, {File("c.png"), File("c.png", 'b')});
+        QVERIFY(again.added.constFirst().id > theirs);          // ids are never reused
+        QCOMPARE(again.added.size() + again.renewed.size(), 2); // the same name twice is one task
     }
 
     void KeepsHostileNamesInTheFolder_data() { AddRows(NameCases); }

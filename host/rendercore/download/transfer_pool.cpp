@@ -110,8 +110,7 @@ void TransferPool::Fill()
         m_wake.start(m_limits.longestPause);
         return;
     }
-    const auto wait = m_schedule.Wait(m_clock.elapsed());
-    if (wait && hasRoom())
+    if (const auto wait = hasRoom() ? m_schedule.Wait(m_clock.elapsed()) : std::nullopt)
         m_wake.start(*wait);
 }
 
