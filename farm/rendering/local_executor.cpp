@@ -1,6 +1,6 @@
 #include "farm/rendering/local_executor.h"
 
-#include "farm/rendering/render_process.h"
+#include "farm/rendering/stray_renderers.h"
 
 #include <QStandardPaths>
 
@@ -10,9 +10,11 @@
 
 namespace farm {
 
-LocalExecutor::LocalExecutor(int slotCount)
+LocalExecutor::LocalExecutor(int slotCount, const RenderOwner& owner)
     : m_slots(std::max(1, slotCount))
+    , m_owner(owner)
 {
+    StrayRenderers::End(owner.dataFolder);
     if (!Confinement::IsSupported())
         spdlog::warn(
             "this machine's kernel has no Landlock: renderers can read all files that the farm can read");
@@ -27,7 +29,7 @@ bool LocalExecutor::Has(const QString& program) const
 
 void LocalExecutor::Start(const FrameKey& frame, const RenderCommand& command, Ended ended)
 {
-    auto process = std::make_unique<RenderProcess>(command);
+    auto process = std::make_unique<RenderProcess>(command, m_owner);
     // Queued, because a renderer that cannot be started may report it before Run() returns.
     QObject::connect(
         process.get(), &RenderProcess::Ended, process.get(),

@@ -1,19 +1,19 @@
 #pragma once
 
 #include "farm/rendering/executor.h"
+#include "farm/rendering/render_process.h"
 
 #include <map>
 #include <memory>
 
 namespace farm {
 
-class RenderProcess;
-
 /// Runs renderers as processes on this machine at the lowest priority. They end with the farm, even if it is killed.
 class LocalExecutor : public Executor
 {
 public:
-    explicit LocalExecutor(int slotCount);
+    /// Ends what renderers of an earlier farm on this folder have left.
+    LocalExecutor(int slotCount, const RenderOwner& owner);
     ~LocalExecutor() override;
 
     int Slots() const override { return m_slots; }
@@ -23,6 +23,7 @@ public:
 
 private:
     int m_slots;
+    RenderOwner m_owner;
     std::map<FrameKey, std::unique_ptr<RenderProcess>> m_processes;
 };
 

@@ -1,5 +1,8 @@
 #include "farm/rendering/render_process.h"
 
+#include "farm/rendering/stray_renderers.h"
+
+#include <QCoreApplication>
 #include <QProcessEnvironment>
 #include <QStandardPaths>
 
@@ -37,12 +40,19 @@ std::int64_t TakeCoreMilliseconds()
 
 } // namespace
 
-RenderProcess::RenderProcess(const RenderCommand& command)
-    : m_timeLimit(command.timeLimit)
+RenderProcess::RenderProcess(const RenderCommand& command, const RenderOwner& owner)
+    : m_farm(QCoreApplication::applicationPid())
+    , m_lockFile(owner.lockFile)
+    , m_timeLimit(command.timeLimit)
 {
     setProgram(command.program);
     if (command.reach)
-        Confine(*command.reach, command.program);
+        m_confinement
+            = std::make_unique<Confinement>(*command.reach, QStandardPaths::findExecutable(command.program));
+    QProcessEnvironment environment
+        = command.reach ? PoorEnvironment(*command.reach) : QProcessEnvironment::systemEnvironment();
+    StrayRenderers::Mark(environment, owner.dataFolder);
+    setProcessEnvironment(environment);
     setArguments(command.arguments);
     setWorkingDirectory(command.folder);
     setProcessChannelMode(QProcess::MergedChannels);
@@ -68,9 +78,8 @@ RenderProcess::~RenderProcess()
 
 // A confined renderer gets only the part of the farm's environment that it needs; its home is the folder that it may
 // write to.
-void RenderProcess::Confine(const Reach& reach, const QString& program)
+QProcessEnvironment RenderProcess::PoorEnvironment(const Reach& reach)
 {
-    m_confinement = std::make_unique<Confinement>(reach, QStandardPaths::findExecutable(program));
     const QProcessEnvironment inherited = QProcessEnvironment::systemEnvironment();
     QProcessEnvironment own;
     for (const char* name : {"PATH", "LANG", "LC_ALL", "TZ"}) {
@@ -79,7 +88,7 @@ void RenderProcess::Confine(const Reach& reach, const QString& program)
     }
     for (const char* name : {"HOME", "TMPDIR"})
         own.insert(QLatin1String(name), reach.writable);
-    setProcessEnvironment(own);
+    return own;
 }
 
 void RenderProcess::Run()
@@ -91,9 +100,14 @@ void RenderProcess::Run()
 // Runs in the child between fork and exec: system calls only.
 void RenderProcess::setupChildProcess()
 {
+    // On a busy machine it may be long before the renderer begins; the next farm must not wait for the lock until then.
+    ::close(m_lockFile);
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // The farm may have been killed before it could take its renderer along.
+    if (::getppid() != m_farm)
+        ::_exit(EXIT_FAILURE);
     ::setpgid(0, 0);
     ::setpriority(PRIO_PROCESS, 0, LowestPriority);
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     // An inherited connection would stay open for the client until the renderer ends.
     ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
     if (m_confinement && !m_confinement->Enter())

@@ -10,6 +10,14 @@
 
 namespace farm {
 
+/// The farm that a renderer belongs to.
+struct RenderOwner
+{
+    QString dataFolder;
+    /// The open file that locks the folder.
+    int lockFile = -1;
+};
+
 /// One run of a renderer. The destructor ends the renderer and all processes that it has started.
 class RenderProcess : public QProcess
 {
@@ -17,7 +25,7 @@ class RenderProcess : public QProcess
 
 public:
     /// Throws std::runtime_error when the renderer cannot be confined as the command asks.
-    explicit RenderProcess(const RenderCommand& command);
+    RenderProcess(const RenderCommand& command, const RenderOwner& owner);
     ~RenderProcess() override;
 
     void Run();
@@ -35,9 +43,11 @@ private:
     void ReportError(QProcess::ProcessError error);
     QString Message(int exitCode, QProcess::ExitStatus status) const;
     void KillAll();
-    void Confine(const Reach& reach, const QString& program);
+    static QProcessEnvironment PoorEnvironment(const Reach& reach);
 
     std::unique_ptr<Confinement> m_confinement;
+    qint64 m_farm; // the process that runs this farm
+    int m_lockFile;
     std::chrono::seconds m_timeLimit;
     QTimer m_timeLimitTimer;
     QByteArray m_outputTail;

@@ -1,6 +1,5 @@
 #include "tests/farm/farm_fixture.h"
-
-#include <QProcess>
+#include "tests/support/worker_process.h"
 
 #include <csignal>
 
@@ -9,29 +8,16 @@ using namespace farm;
 namespace {
 
 /// The server program as a process.
-class Daemon : public QProcess
+class Daemon : public WorkerProcess
 {
 public:
     Daemon(const QString& folder, const QStringList& more)
+        : WorkerProcess(QStringLiteral(FARM_DAEMON), QStringList {"--data"_s, folder, "--no-demo"_s} + more)
     {
-        setProgram(QStringLiteral(FARM_DAEMON));
-        setArguments(QStringList {"--data"_s, folder, "--no-demo"_s} + more);
-        setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        start();
-        while (!m_output.contains('\n') && waitForReadyRead(Patience))
-            m_output += readAllStandardOutput();
+        Await("listening on ");
     }
 
-    ~Daemon() override
-    {
-        kill();
-        waitForFinished();
-    }
-
-    bool IsListening() const { return m_output.startsWith("listening on http://127.0.0.1:"); }
-
-private:
-    QByteArray m_output;
+    bool IsListening() { return Has("listening on http://127.0.0.1:"); }
 };
 
 } // namespace
@@ -61,9 +47,11 @@ private slots:
     void AKillLosesNoFinishedFrame()
     {
         QVERIFY(WriteFile(Path("scene.txt"_s), "a scene"));
-        // Waits in frame 4 until ../../gate exists; killing the server must end the script too.
+        // Waits in frame 4 until ../../gate exists. The server's end must end the script, and the next server's start
+        // what the script has started.
         QVERIFY(WriteFile(Path("types.json"_s),
-            ScriptedTypes("echo $$ > ../../pid; echo half > {output}; echo {frame} >> ../../log; "
+            ScriptedTypes("sh -c 'echo $$ > ../../child; exec sleep 600' & echo $$ > ../../pid; echo half > "
+                          "{output}; echo {frame} >> ../../log; "
                           "[ {frame} -ne 4 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
                           "cp {scene} {output}")));
         FarmData data(m_folder->path());
@@ -73,13 +61,14 @@ private slots:
         EVENTUALLY_COMPARE(ReadFile(Path("jobs/log"_s)), QByteArray("1\n2\n3\n4\n"));
         EVENTUALLY_COMPARE(data.Only().progress, 50);
         const int renderer = ReadFile(Path("jobs/pid"_s)).toInt();
-        first.kill();
-        QVERIFY(first.waitForFinished(Patience));
+        first.Kill();
         EVENTUALLY_COMPARE(::kill(renderer, 0), -1);
+        const int child = ReadFile(Path("jobs/child"_s)).toInt();
 
         QVERIFY(WriteFile(Path("jobs/gate"_s), {}));
-        const Daemon second(m_folder->path(), options);
+        Daemon second(m_folder->path(), options);
         QVERIFY(second.IsListening());
+        EVENTUALLY_COMPARE(::kill(child, 0), -1);
         EVENTUALLY_COMPARE(data.Only().status, int(JobStatus::Finished));
         QCOMPARE(ReadFile(Path("jobs/log"_s)), QByteArray("1\n2\n3\n4\n4\n5\n6\n"));
         for (int number = 1; number <= 6; ++number)
@@ -89,7 +78,7 @@ private slots:
     void TakesMoneyWhileTheFarmRuns()
     {
         FarmData data(m_folder->path());
-        const Daemon daemon(m_folder->path(), {});
+        Daemon daemon(m_folder->path(), {});
         QVERIFY(daemon.IsListening());
         const auto credit = [this](const QString& account, const QString& amount) {
             return Run({"--data"_s, m_folder->path(), "--credit"_s, account, "--"_s, amount});
