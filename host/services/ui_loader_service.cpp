@@ -3,7 +3,9 @@
 #include "host/settings/setting_keys.h"
 #include "host/ui/frameless_window.h"
 #include "host/ui/languages.h"
+#include "host/ui/side_column.h"
 #include "host/ui/skins.h"
+#include "host/ui/window_place.h"
 
 #include <QCalendarWidget>
 #include <QComboBox>
@@ -101,6 +103,8 @@ void UiLoaderService::PrepareMainForm(QWidget* form)
 {
     form->setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint
         | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint);
+    new WindowPlace(form, m_settings);
+    new SideColumn(form);
     auto* button = form->findChild<QPushButton*>(QStringLiteral("btnSkin"));
     if (!button)
         return;

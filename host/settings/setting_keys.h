@@ -7,7 +7,11 @@ namespace SettingKeys {
 
 const QLatin1String Skin("vtr.ui/skin");
 const QLatin1String Language("vtr.ui/language");         ///< bare file name, for example "vtr_en.qm"
-const QLatin1String ServerUrl("vtr.web/serverurl");      ///< empty for the embedded farm
+const QLatin1String WindowPlace("vtr.ui/place");         ///< of the main window in its normal size
+const QLatin1String WindowMaximized("vtr.ui/maximized"); ///< whether the main window is
+const QLatin1String Tab("vtr.ui/tab");                   ///< index of the main window's current tab
+const QLatin1String TrayTold("vtr.ui/traytold");    ///< whether the user knows where a closed window goes
+const QLatin1String ServerUrl("vtr.web/serverurl"); ///< empty for the embedded farm
 const QLatin1String ServerName("vtr.web/currentserver"); ///< what the window shows
 const QLatin1String PlainServers(
     "vtr.web/plainservers");                       ///< get passwords unencrypted, as the user has agreed

@@ -1,6 +1,8 @@
 #include "host/ui/form_layout.h"
 
 #include <QSettings>
+#include <QStyle>
+#include <QVariant>
 #include <QWidget>
 
 namespace {
@@ -34,22 +36,35 @@ std::optional<int> Number(const QSettings& settings, const QString& key)
     return isNumber ? std::optional<int>(number) : std::nullopt;
 }
 
-AnchorRule ReadRule(const QSettings& settings)
+/// Reads each key of a rule that is there and leaves the others unchanged.
+/// @param prefix of the keys.
+void ReadRule(const QSettings& settings, const QString& prefix, AnchorRule* rule)
 {
-    AnchorRule rule;
-    rule.left = Number(settings, QStringLiteral("left"));
-    rule.right = Number(settings, QStringLiteral("right"));
-    rule.width = Number(settings, QStringLiteral("width"));
-    rule.top = Number(settings, QStringLiteral("top"));
-    rule.bottom = Number(settings, QStringLiteral("bottom"));
-    rule.height = Number(settings, QStringLiteral("height"));
-    rule.with = settings.value(QStringLiteral("with")).toString();
-    return rule;
+    const std::pair<const char*, std::optional<int>*> numbers[]
+        = {{"left", &rule->left}, {"right", &rule->right}, {"width", &rule->width}, {"top", &rule->top},
+            {"bottom", &rule->bottom}, {"height", &rule->height}};
+    for (const auto& [key, number] : numbers) {
+        if (const auto value = Number(settings, prefix + QLatin1String(key)))
+            *number = value;
+    }
+    rule->with = settings.value(prefix + QLatin1String("with"), rule->with).toString();
+}
+
+/// Tells the style sheet whether a child is placed for a narrow form.
+void MarkNarrow(QWidget* child, bool isNarrow)
+{
+    constexpr char Narrow[] = "narrow";
+    if (child->property(Narrow).toBool() == isNarrow)
+        return;
+    child->setProperty(Narrow, isNarrow);
+    // A style sheet does not follow a property by itself.
+    child->style()->unpolish(child);
+    child->style()->polish(child);
 }
 
 QWidget* Child(const QWidget* form, const QString& name)
 {
-    return form->findChild<QWidget*>(name, Qt::FindDirectChildrenOnly);
+    return form->findChild<QWidget*>(name);
 }
 
 void Place(QWidget* child, const QRect& geometry)
@@ -77,10 +92,15 @@ FormLayout FormLayout::Read(const QString& iniFile)
 {
     FormLayout layout;
     QSettings settings(iniFile, QSettings::IniFormat);
+    layout.m_narrowBelow = Number(settings, QStringLiteral("layout/narrowBelow")).value_or(0);
     const QStringList names = settings.childGroups();
     for (const QString& name : names) {
         settings.beginGroup(name);
-        layout.m_rules.insert(name, ReadRule(settings));
+        Rules rules;
+        ReadRule(settings, QString(), &rules.wide);
+        rules.narrow = rules.wide;
+        ReadRule(settings, QStringLiteral("narrow/"), &rules.narrow);
+        layout.m_rules.insert(name, rules);
         settings.endGroup();
     }
     return layout;
@@ -88,15 +108,24 @@ FormLayout FormLayout::Read(const QString& iniFile)
 
 void FormLayout::Apply(QWidget* form) const
 {
+    const bool isNarrow = form->width() < m_narrowBelow;
+    const auto RuleOf = [isNarrow](const Rules& rules) { return isNarrow ? rules.narrow : rules.wide; };
     QMap<QString, int> shifts;
     for (auto it = m_rules.cbegin(); it != m_rules.cend(); ++it) {
         const QWidget* child = Child(form, it.key());
-        if (child && it->with.isEmpty())
-            shifts.insert(it.key(), Anchored(child->geometry(), form->size(), *it).x() - child->x());
+        const AnchorRule rule = RuleOf(*it);
+        if (child && rule.with.isEmpty())
+            shifts.insert(
+                it.key(), Anchored(child->geometry(), child->parentWidget()->size(), rule).x() - child->x());
     }
     for (auto it = m_rules.cbegin(); it != m_rules.cend(); ++it) {
-        if (QWidget* child = Child(form, it.key()))
-            Place(
-                child, Anchored(child->geometry(), form->size(), *it).translated(shifts.value(it->with), 0));
+        QWidget* child = Child(form, it.key());
+        if (!child)
+            continue;
+        const AnchorRule rule = RuleOf(*it);
+        Place(child,
+            Anchored(child->geometry(), child->parentWidget()->size(), rule)
+                .translated(shifts.value(rule.with), 0));
+        MarkNarrow(child, isNarrow);
     }
 }

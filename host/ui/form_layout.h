@@ -27,20 +27,27 @@ struct AnchorRule
 /// @return the new geometry of a child at `current` in a form of that size; never of negative size.
 QRect Anchored(const QRect& current, const QSize& form, const AnchorRule& rule);
 
-/// The anchor rules of a form's children, by object name.
+/// The anchor rules of a form's children, by object name. A form below a certain width has rules of its own, and its
+/// children the dynamic property "narrow".
 class FormLayout
 {
 public:
     FormLayout() = default;
 
-    /// Reads an INI file with one group for each child. Unknown keys and values that are not numbers are ignored.
+    /// Reads an INI file with one group for each child. Keys that begin with "narrow/" replace the others where the form is
+    /// narrower than "layout/narrowBelow". Unknown keys and values that are not numbers are ignored.
     static FormLayout Read(const QString& iniFile);
 
     /// Places the children that have a rule. A child of fixed size is given a new fixed size.
     void Apply(QWidget* form) const;
 
-    const QMap<QString, AnchorRule>& Rules() const { return m_rules; }
-
 private:
-    QMap<QString, AnchorRule> m_rules;
+    struct Rules
+    {
+        AnchorRule wide;
+        AnchorRule narrow;
+    };
+
+    QMap<QString, Rules> m_rules;
+    int m_narrowBelow = 0; // pixels
 };

@@ -22,16 +22,6 @@ QCursor CursorFor(Qt::Edges edges)
     return edges & (Qt::LeftEdge | Qt::RightEdge) ? Qt::SizeHorCursor : Qt::SizeVerCursor;
 }
 
-/// @return the rectangle moved into the bounds; if it is larger than they are, its top left corner is inside.
-QRect KeptWithin(QRect rect, const QRect& bounds)
-{
-    rect.moveRight(qMin(rect.right(), bounds.right()));
-    rect.moveBottom(qMin(rect.bottom(), bounds.bottom()));
-    rect.moveLeft(qMax(rect.left(), bounds.left()));
-    rect.moveTop(qMax(rect.top(), bounds.top()));
-    return rect;
-}
-
 } // namespace
 
 Qt::Edges EdgesAt(const QPoint& point, const QSize& window)
@@ -46,6 +36,15 @@ Qt::Edges EdgesAt(const QPoint& point, const QSize& window)
     edges.setFlag(Qt::TopEdge, point.y() < CornerLength);
     edges.setFlag(Qt::BottomEdge, point.y() >= window.height() - CornerLength);
     return edges;
+}
+
+QRect KeptWithin(QRect rect, const QRect& bounds)
+{
+    rect.moveRight(qMin(rect.right(), bounds.right()));
+    rect.moveBottom(qMin(rect.bottom(), bounds.bottom()));
+    rect.moveLeft(qMax(rect.left(), bounds.left()));
+    rect.moveTop(qMax(rect.top(), bounds.top()));
+    return rect;
 }
 
 QRect DraggedEdges(const QRect& start, Qt::Edges edges, const QPoint& delta, const QSize& minimum)
@@ -93,7 +92,8 @@ bool FramelessWindow::eventFilter(QObject* watched, QEvent* event)
         ShowEdgeCursor(static_cast<QHoverEvent*>(event)->pos());
         break;
     case QEvent::Show:
-        PlaceForm();
+        if (m_kind == Dialog)
+            CentreForm();
         break;
     default:
         break;
@@ -151,16 +151,11 @@ void FramelessWindow::ShowEdgeCursor(const QPoint& point)
         m_form->unsetCursor();
 }
 
-void FramelessWindow::PlaceForm()
+void FramelessWindow::CentreForm()
 {
-    if (m_placed && m_kind == Main)
-        return;
-    m_placed = true;
     const QWidget* active = QApplication::activeWindow();
     const QWidget* over = active && active != m_form ? active : nullptr;
     const QRect screen = (over ? over : m_form)->screen()->availableGeometry();
-    if (m_kind == Main)
-        m_form->resize(m_form->size().boundedTo(screen.size()));
     QRect place = m_form->geometry();
     place.moveCenter(over ? over->geometry().center() : screen.center());
     m_form->move(KeptWithin(place, screen).topLeft());

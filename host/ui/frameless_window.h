@@ -15,7 +15,10 @@ Qt::Edges EdgesAt(const QPoint& point, const QSize& window);
 /// @return the geometry after dragging some edges by `delta`, not smaller than `minimum`. The other edges stay in place.
 QRect DraggedEdges(const QRect& start, Qt::Edges edges, const QPoint& delta, const QSize& minimum);
 
-/// Replaces the frame of a form without one: moves it by its title bar, resizes it by its edges, places it when shown.
+/// @return the rectangle moved into the bounds; if it is larger than they are, its top left corner is inside.
+QRect KeptWithin(QRect rect, const QRect& bounds);
+
+/// Replaces the frame of a form without one: moves it by its title bar, resizes it by its edges, centres dialogs.
 ///
 /// The form owns it. It leaves moving and resizing to the window system where that supports them.
 class FramelessWindow : public QObject
@@ -25,8 +28,8 @@ class FramelessWindow : public QObject
 public:
     enum Kind { Dialog, Main };
 
-    /// @param kind A dialog keeps its size and is centred over the active window each time it is shown. A main window is
-    /// placed once and can be resized; a double click on its title bar presses its maximise or restore button.
+    /// @param kind A dialog keeps its size and is centred over the active window each time it is shown. A main window can
+    /// be resized; a double click on its title bar presses its maximise or restore button.
     FramelessWindow(QWidget* form, Kind kind);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -36,13 +39,12 @@ private:
     void Move(const QMouseEvent* event);
     void ToggleMaximized();
     void ShowEdgeCursor(const QPoint& point);
-    void PlaceForm();
+    void CentreForm();
 
     bool IsResizable() const;
 
     QWidget* m_form;
     Kind m_kind;
-    bool m_placed = false;
 
     bool m_dragging = false;
     Qt::Edges m_draggedEdges;

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QObject>
+
+class QWidget;
+
+/// Lets the side of the main form scroll where the form is too low for the group panel, whose height the window computes
+/// from the height of the form. The form owns it.
+class SideColumn : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit SideColumn(QWidget* form);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    QWidget* m_column;
+    QWidget* m_groups;
+};
