@@ -21,7 +21,7 @@ set(ROOM_RULES
     "host/settings: storage interfaces"
     "host/ui: host/settings interfaces"
     "host/services: host/ui host/settings host/rendercore host/farmclient interfaces"
-    "host/mainform: interfaces"
+    "host/mainform: host/settings interfaces"
     "host/process: host/farmclient"
     "host/app: host/process host/mainform host/services host/ui host/settings host/farmclient interfaces"
     "host/tour: host/app host/mainform host/services"

@@ -32,3 +32,9 @@ QTableWidget* FindDownloadTable()
 {
     return FindTable(QStringLiteral("twtDownload"));
 }
+
+QWidget* FindMainForm()
+{
+    const QTableWidget* table = FindJobTable();
+    return table ? table->window() : nullptr;
+}
