@@ -46,6 +46,8 @@ ClientHost::ClientHost(const HostOptions& options, QObject* parent)
     : QObject(parent)
     , m_options(options)
     , m_services(options)
+    , m_follower(&m_services.settings)
+    , m_closing(&m_services.settings)
 {
     connect(&m_preview, &PreviewTrigger::PreviewRequested, &m_services.previewer, &PreviewerService::Open);
 }
@@ -183,4 +185,6 @@ void ClientHost::ShowClient(const QString& userName)
     if (m_client->Show(state, {}) != 0)
         qCritical() << "cannot show the main window";
     m_preview.Attach();
+    m_follower.BeginSession(userName);
+    m_closing.BeginSession();
 }

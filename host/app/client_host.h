@@ -3,6 +3,8 @@
 #include "host/app/host_options.h"
 #include "host/app/host_services.h"
 #include "host/app/plugin_runner.h"
+#include "host/mainform/form_closing.h"
+#include "host/mainform/form_follower.h"
 #include "host/mainform/preview_trigger.h"
 
 #include <QObject>
@@ -48,6 +50,8 @@ private:
     HostOptions m_options;
     HostServices m_services;
     PreviewTrigger m_preview;
+    FormFollower m_follower;
+    FormClosing m_closing;
     std::unique_ptr<PluginRunner> m_runner;
     VTBaseInterface* m_client = nullptr; // owned by the plugin; valid until m_runner stops it
     std::unique_ptr<SessionControl> m_session;

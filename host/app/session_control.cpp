@@ -11,6 +11,7 @@
 #include <QHostAddress>
 #include <QMenu>
 #include <QPointer>
+#include <QPushButton>
 #include <QSystemTrayIcon>
 #include <QWidget>
 
@@ -29,12 +30,6 @@ bool IsReadableOnTheWay(const QUrl& server)
 QString SignInKey()
 {
     return QStringLiteral("com.vtr.authclient");
-}
-
-void RequestSignOut()
-{
-    if (QWidget* window = FindMainWindow())
-        QMetaObject::invokeMethod(window, "SignOut");
 }
 
 } // namespace
@@ -56,7 +51,7 @@ SessionControl::SessionControl(UiLoaderService* loader, CommunicationService* co
     connect(
         communication, &CommunicationService::SignOutResponse, this, &SessionControl::HandleSignOutAnswer);
     connect(communication, &CommunicationService::SessionExpired, this, &SessionControl::HandleExpiry);
-    AddMenuEntry();
+    AddMenuEntries();
 }
 
 void SessionControl::SetAccount(const QString& name, const QString& password)
@@ -159,6 +154,7 @@ void SessionControl::HandleSignInAnswer(int code, const QVariantMap& answer)
     m_window.Form()->hide();
     emit SignedIn(answer.value(QStringLiteral("username")).toString(),
         answer.value(QStringLiteral("data")).toMap().value(QStringLiteral("token")).toString());
+    ConnectForm();
     ShowWindow();
 }
 
@@ -192,21 +188,38 @@ void SessionControl::HandleExpiry()
     RequestSignOut();
 }
 
-void SessionControl::AddMenuEntry()
+void SessionControl::RequestSignOut()
+{
+    if (QWidget* window = FindMainWindow())
+        QMetaObject::invokeMethod(window, "SignOut");
+}
+
+/// Connects the form's button for signing out. The form may be a new one in each session.
+void SessionControl::ConnectForm()
+{
+    const QWidget* form = FindMainForm();
+    if (const auto* button = form ? form->findChild<QPushButton*>(QStringLiteral("btnSignOut")) : nullptr)
+        connect(button, &QPushButton::clicked, &m_signOut, &QAction::trigger, Qt::UniqueConnection);
+}
+
+void SessionControl::AddMenuEntries()
 {
     m_signOut.setEnabled(false);
-    connect(&m_signOut, &QAction::triggered, this, RequestSignOut);
-    connect(m_loader, &UiLoaderService::LanguageChanged, this, &SessionControl::TranslateMenuEntry);
-    TranslateMenuEntry();
+    connect(&m_open, &QAction::triggered, this, &SessionControl::ShowWindow);
+    connect(&m_signOut, &QAction::triggered, this, &SessionControl::RequestSignOut);
+    connect(m_loader, &UiLoaderService::LanguageChanged, this, &SessionControl::TranslateMenuEntries);
+    TranslateMenuEntries();
     QMenu* menu = m_loader->GetMenu(QStringLiteral("menuTray"), {});
     if (!menu)
         return;
     // The last entry is the main window's "Quit".
     const QList<QAction*> entries = menu->actions();
+    menu->insertAction(entries.value(0), &m_open);
     menu->insertAction(entries.isEmpty() ? nullptr : entries.constLast(), &m_signOut);
 }
 
-void SessionControl::TranslateMenuEntry()
+void SessionControl::TranslateMenuEntries()
 {
+    m_open.setText(tr("Open QuillStar"));
     m_signOut.setText(tr("Sign out"));
 }

@@ -55,14 +55,17 @@ private:
     static QString FailureText(int code, const QString& message);
     void HandleSignOutAnswer();
     void HandleExpiry();
-    void AddMenuEntry();
-    void TranslateMenuEntry();
+    static void RequestSignOut();
+    void ConnectForm();
+    void AddMenuEntries();
+    void TranslateMenuEntries();
 
     UiLoaderService* m_loader;
     CommunicationService* m_communication;
     VTSettingsInterface* m_settings;
     VTMessagboxInterface* m_messageBox;
     SignInWindow m_window;
+    QAction m_open; // entries of the tray's menu
     QAction m_signOut;
     QString m_name;
     QString m_password;

@@ -230,6 +230,17 @@
     </message>
 </context>
 <context>
+    <name>FormClosing</name>
+    <message>
+        <source>QuillStar is still running</source>
+        <translation>QuillStar is still running</translation>
+    </message>
+    <message>
+        <source>Transfers go on. Double-click this icon to open the window again.</source>
+        <translation>Transfers go on. Double-click this icon to open the window again.</translation>
+    </message>
+</context>
+<context>
     <name>HttpCall</name>
     <message>
         <source>The farm is not running at the moment.</source>
@@ -442,6 +453,10 @@
         <source>QuillStar Client</source>
         <translation>QuillStar Client</translation>
     </message>
+    <message>
+        <source>Sign out</source>
+        <translation>Sign out</translation>
+    </message>
 </context>
 <context>
     <name>SceneIntake</name>
@@ -514,6 +529,10 @@
     <message>
         <source>Send</source>
         <translation>Send</translation>
+    </message>
+    <message>
+        <source>Open QuillStar</source>
+        <translation>Open QuillStar</translation>
     </message>
 </context>
 <context>

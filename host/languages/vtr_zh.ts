@@ -230,6 +230,17 @@
     </message>
 </context>
 <context>
+    <name>FormClosing</name>
+    <message>
+        <source>QuillStar is still running</source>
+        <translation>QuillStar 仍在运行</translation>
+    </message>
+    <message>
+        <source>Transfers go on. Double-click this icon to open the window again.</source>
+        <translation>传输会继续进行。双击此图标可重新打开窗口。</translation>
+    </message>
+</context>
+<context>
     <name>HttpCall</name>
     <message>
         <source>The farm is not running at the moment.</source>
@@ -442,6 +453,10 @@
         <source>QuillStar Client</source>
         <translation>QuillStar 客户端</translation>
     </message>
+    <message>
+        <source>Sign out</source>
+        <translation>退出登录</translation>
+    </message>
 </context>
 <context>
     <name>SceneIntake</name>
@@ -514,6 +529,10 @@
     <message>
         <source>Send</source>
         <translation>发送</translation>
+    </message>
+    <message>
+        <source>Open QuillStar</source>
+        <translation>打开 QuillStar</translation>
     </message>
 </context>
 <context>

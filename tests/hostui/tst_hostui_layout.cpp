@@ -1,6 +1,13 @@
+#include "host/mainform/column_widths.h"
+#include "host/mainform/form_closing.h"
+#include "host/mainform/form_follower.h"
+#include "host/settings/setting_keys.h"
 #include "host/ui/form_layout.h"
 #include "host/ui/frameless_window.h"
+#include "host/ui/window_place.h"
+#include "tests/hostui/memory_settings.h"
 #include "tests/support/test_tables.h"
+#include "tests/support/waiting.h"
 
 #include <QtWidgets>
 
@@ -14,6 +21,10 @@ const std::tuple<const char*, QByteArray, QRect> placements[] = {
     {"form too narrow", "[list]\nleft=600\nright=600\n", {600, 50, 0, 40}},
     {"top and bottom", "[list]\ntop=5\nbottom=10\n", {100, 5, 200, 785}},
     {"words for numbers", "[list]\nleft=wide\nright=\nwidth=1e\n", Child},
+    {"narrow form", "[layout]\nnarrowBelow=1001\n[list]\nleft=10\nright=20\nnarrow\\left=5\n",
+        {5, 50, 975, 40}},
+    {"wide form", "[layout]\nnarrowBelow=1000\n[list]\nleft=10\nright=20\nnarrow\\left=5\n",
+        {10, 50, 970, 40}},
     {"follows nobody", "[list]\nwith=nobody\n", Child},
 };
 
@@ -28,6 +39,48 @@ const std::tuple<const char*, QPoint, QPoint, QRect, QRect> drags[] = {
     {"top", {200, 0}, {30, -50}, {100, 50, 400, 350}, Start.translated(30, -50)},
     {"corner", {0, 10}, {-15, -16}, {85, 84, 415, 316}, Start.translated(-15, -16)},
     {"left too far", {0, 150}, {900, 0}, {300, 100, 200, 300}, Start},
+};
+
+/// A width, shares of it, and the widths of the columns.
+const std::tuple<const char*, int, std::vector<int>, std::vector<int>> columns[] = {
+    {"all of it", 100, {1, 1, 1}, {33, 33, 34}},
+    {"stored for a wider table", 300, {300, 100, 200}, {150, 50, 100}},
+    {"too small a share", 300, {5000, 0, -7}, {220, 40, 40}},
+    {"table too narrow", 60, {1, 1, 1}, {20, 20, 20}},
+    {"no table", 0, {1, 1}, {0, 0}},
+};
+
+/// A stored place, and where the form appears; the screen is 800 by 600 pixels.
+const std::tuple<const char*, QRect, QRect> storedPlaces[] = {
+    {"none", {}, {200, 150, 400, 300}},
+    {"stored", {7, 9, 500, 310}, {7, 9, 500, 310}},
+    {"on a screen that is gone", {5000, -900, 500, 310}, {300, 0, 500, 310}},
+    {"larger than the screen", {100, 100, 2000, 2000}, {0, 0, 800, 600}},
+};
+
+/// A main form in which the host's helpers find what they need.
+struct MainForm : QWidget
+{
+    MainForm()
+    {
+        tabs.setObjectName("tbwContainer"_s);
+        minimize.setObjectName("btnSystemMin"_s);
+        maximize.setObjectName("btnSystemMaxnormal"_s);
+        for (const char* name : {"twtMyRender", "twtLocalTask", "twtDownload"}) {
+            auto* table = new QTableWidget(3, 6);
+            table->setObjectName(QLatin1String(name));
+            tabs.addTab(table, {});
+        }
+        setWindowFlag(Qt::FramelessWindowHint);
+        resize(400, 300);
+        tabs.resize(size());
+        connect(&minimize, &QPushButton::clicked, this, &QWidget::close);
+        connect(&maximize, &QPushButton::clicked, this, &QWidget::showMaximized);
+    }
+
+    QTabWidget tabs {this};
+    QPushButton minimize {this};
+    QPushButton maximize {this};
 };
 
 FormLayout ReadFrom(const QByteArray& text)
@@ -82,6 +135,84 @@ private slots:
                 QCoreApplication::sendEvent(&form, event);
             QCOMPARE(form.geometry(), kind == FramelessWindow::Main ? main : dialog);
         }
+    }
+
+    void SharesWidthsOut_data() { AddRows(columns); }
+    void SharesWidthsOut()
+    {
+        const auto& [name, total, shares, widths] = Row(columns);
+        QCOMPARE(ScaledTo(total, shares, 40), widths);
+    }
+
+    void AppearsWhereItWas_data() { AddRows(storedPlaces); }
+    void AppearsWhereItWas()
+    {
+        const auto& [name, stored, place] = Row(storedPlaces);
+        MemorySettings settings;
+        if (stored.isValid())
+            settings.SetValue(SettingKeys::WindowPlace, stored);
+        MainForm form;
+        new WindowPlace(&form, &settings);
+        form.show();
+        QCOMPARE(form.geometry(), place);
+        QTest::qWait(400); // while it settles, the form is put back to its place
+        form.setGeometry(30, 40, 450, 330);
+        EVENTUALLY(settings.Value(SettingKeys::WindowPlace, {}).toRect() == QRect(30, 40, 450, 330));
+        form.maximize.click();
+        EVENTUALLY(settings.Value(SettingKeys::WindowMaximized, {}).toBool());
+        QCOMPARE(settings.Value(SettingKeys::WindowPlace, {}).toRect(), QRect(30, 40, 450, 330));
+
+        MainForm next;
+        new WindowPlace(&next, &settings);
+        next.show();
+        EVENTUALLY(next.isMaximized());
+    }
+
+    /// A user's columns fill the table of any width in each session; the tab is that of the last run, once.
+    void KeepsColumnsAndTab()
+    {
+        MemorySettings settings;
+        settings.SetValue(SettingKeys::Tab, 2);
+        settings.SetValue("vtr.account.ann/columns.twtDownload"_s, QVariantList {2, 1, 1, 1, 1, 2});
+        MainForm form;
+        form.show();
+        FormFollower follower(&settings);
+        follower.BeginSession("ann"_s);
+        QCOMPARE(form.tabs.currentIndex(), 2);
+        auto* table = form.findChild<QTableWidget*>("twtDownload"_s);
+        for (const int width : {400, 720}) {
+            form.tabs.resize(width, 300);
+            table->resizeColumnsToContents();
+            EVENTUALLY(table->columnWidth(0) == table->viewport()->width() / 4);
+            QCOMPARE(table->horizontalHeader()->length(), table->viewport()->width());
+        }
+
+        QWidget* header = table->horizontalHeader()->viewport();
+        const QPoint edge(table->columnWidth(0) - 1, header->height() / 2);
+        QTest::mousePress(header, Qt::LeftButton, {}, edge);
+        QMouseEvent move(QEvent::MouseMove, edge - QPoint(50, 0), Qt::NoButton, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(header, &move);
+        QTest::mouseRelease(header, Qt::LeftButton, {}, edge - QPoint(50, 0));
+        QCOMPARE(settings.values["vtr.account.ann/columns.twtDownload"_s].toList().value(0).toInt(),
+            table->columnWidth(0));
+        follower.BeginSession("bob"_s);
+        QCOMPARE(form.tabs.currentIndex(), 0);
+        EVENTUALLY(table->columnWidth(0) == table->viewport()->width() / 6);
+    }
+
+    /// There is no system tray here.
+    void IsMinimisedWithoutTray()
+    {
+        MemorySettings settings;
+        MainForm form;
+        form.show();
+        FormClosing closing(&settings);
+        closing.BeginSession();
+        form.minimize.click();
+        QVERIFY(form.isVisible() && form.isMinimized());
+        QCoreApplication::processEvents();
+        form.close();
+        QVERIFY(!form.isVisible());
     }
 };
 

@@ -1,0 +1,57 @@
+#include "host/mainform/form_closing.h"
+
+#include "host/mainform/main_form.h"
+#include "host/settings/setting_keys.h"
+#include "vtr_settingsinterface.h"
+
+#include <QEvent>
+#include <QPushButton>
+#include <QSystemTrayIcon>
+#include <QTimer>
+
+FormClosing::FormClosing(VTSettingsInterface* settings, QObject* parent)
+    : QObject(parent)
+    , m_settings(settings)
+{
+}
+
+void FormClosing::BeginSession()
+{
+    QWidget* form = FindMainForm();
+    if (!form || form == m_form)
+        return;
+    m_form = form;
+    form->installEventFilter(this);
+    // The button closes the form with its next signal. At sign-out the form closes too, and has to stay closed.
+    if (const auto* button = form->findChild<QPushButton*>(QStringLiteral("btnSystemMin")))
+        connect(button, &QPushButton::released, this, [this] {
+            m_isMinimising = true;
+            QTimer::singleShot(0, this, [this] { m_isMinimising = false; });
+        });
+}
+
+bool FormClosing::eventFilter(QObject* watched, QEvent* event)
+{
+    const bool isByUser
+        = watched == m_form && event->type() == QEvent::Close && (m_isMinimising || event->spontaneous());
+    if (!isByUser)
+        return false;
+    if (QSystemTrayIcon::isSystemTrayAvailable()) {
+        TellOfTray();
+        return false;
+    }
+    event->ignore();
+    m_form->showMinimized();
+    return true;
+}
+
+void FormClosing::TellOfTray()
+{
+    const QWidget* window = FindMainWindow();
+    auto* icon = window ? window->findChild<QSystemTrayIcon*>() : nullptr;
+    if (!icon || m_settings->Value(SettingKeys::TrayTold, false).toBool())
+        return;
+    m_settings->SetValue(SettingKeys::TrayTold, true);
+    icon->showMessage(tr("QuillStar is still running"),
+        tr("Transfers go on. Double-click this icon to open the window again."));
+}
