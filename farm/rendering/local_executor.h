@@ -8,7 +8,7 @@
 
 namespace farm {
 
-/// Runs renderers as processes on this machine at the lowest priority. They end with the farm, even if it is killed.
+/// Runs renderers as processes on this machine at a low priority. They end with the farm, even if it is killed.
 class LocalExecutor : public Executor
 {
 public:

@@ -20,7 +20,7 @@ namespace {
 
 // The end of a renderer's output usually names the error, so this much of it is kept.
 constexpr int OutputTail = 400; // bytes
-constexpr int LowestPriority = 19;
+constexpr int Priority = 10; // yields to the desktop, but does not starve beside a busy program
 
 std::int64_t Milliseconds(const timeval& time)
 {
@@ -107,7 +107,7 @@ void RenderProcess::setupChildProcess()
     if (::getppid() != m_farm)
         ::_exit(EXIT_FAILURE);
     ::setpgid(0, 0);
-    ::setpriority(PRIO_PROCESS, 0, LowestPriority);
+    ::setpriority(PRIO_PROCESS, 0, Priority);
     // An inherited connection would stay open for the client until the renderer ends.
     ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
     if (m_confinement && !m_confinement->Enter())
