@@ -59,7 +59,7 @@ const SceneCase SceneCases[] = {
              "\tsetAttr \".fs\" 5;\n\tsetAttr \".ef\" 8.0;\nselect -ne :defaultResolution;\n"
              "\tsetAttr -k on \".w\" 320;\n\tsetAttr \".h\" 240;\n"},
             {"ref.ma"_s,
-                "file -r \"s/a.ma\"; select -ne :defaultRenderGlobals; setAttr \".ef\" 99;"
+                "file -ns r/s -r \"s/a.ma\"; select -ne :defaultRenderGlobals; setAttr \".ef\" 99;"
                 "setAttr \".ftn\" -type \"string\" \"e.png\";"}},
         "../workspace.mel ../tex/a;b.png ../../else/c.png ../tex/d.1001.png ../tex/d.1002.png ../tex/d.x.png "
         "e.png",

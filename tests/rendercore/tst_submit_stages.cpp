@@ -61,7 +61,7 @@ struct StageCase
 /// Two files, "a" with a package of ten bytes and "b" with one of three; the farm wants the first unless the stage asks.
 const StageCase StageCases[] = {
     {"no scene", Stage::Analyze, {}, "failed 1: The scene file cannot be read."},
-    {"no source", Stage::Compress, {}, "failed 2 a wanted: *\n/a"},
+    {"no source", Stage::Compress, {}, "failed 2 a wanted: A file cannot be read*\n/a"},
     {"no package", Stage::Checksum, {}, "failed 2 a wanted: *0000.zip*"},
 
     {"one known", Stage::CopySame, {Known("'" + FirstSum + "'")}, "done to upload b wanted",

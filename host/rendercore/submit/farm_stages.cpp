@@ -141,7 +141,8 @@ bool FarmStages::SendChunks(int index, Upload& upload, TransferMeter& meter)
     QFile content(TaskPackages::Path(m_request->folder, index));
     content.open(QIODevice::ReadOnly);
     for (int stalls = 0; upload.offset < package.size;) {
-        const QByteArray chunk = content.seek(upload.offset) ? content.read(upload.chunkSize) : QByteArray();
+        const bool isReadable = content.isOpen() && content.seek(upload.offset);
+        const QByteArray chunk = isReadable ? content.read(upload.chunkSize) : QByteArray();
         if (chunk.isEmpty()) {
             Refuse(index, QString::fromLatin1(SubmitText::PackageUnreadable));
             return true;
