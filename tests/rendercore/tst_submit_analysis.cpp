@@ -80,6 +80,8 @@ const SceneCase SceneCases[] = {
             "createNode reference; setAttr \".ed\" -type \"dataReferenceEdits\" \"rRN\" \"rRN\" 1 2 \"r:f\" "
             "\"fileTextureName\" \" -type \\\"string\\\" \\\"g.tx\\\"\" 2 \"r:f\" \"notes\" \" -type "
             "\\\"string\\\" \\\"k.tx\\\"\";"
+            "setAttr \".aFilePath\" -type \"string\" \"a/b.notasuffix\"; setAttr \".bFilePath\" -type "
+            "\"string\" \"<MAYA_LOCATION>/c.png\";"
             "createNode file; setAttr \".ftn\" -type \"string\" \"\xe4.png\";"}},
         "a.exr b.abc c.abc d.ass e.abc f.vdb g.tx k.tx no.abc h.exr \xc3\xa4.png",
         "a.ma a.exr b.abc c.abc d.ass e.abc f.vdb g.tx \xc3\xa4.png"},
@@ -182,6 +184,10 @@ private slots:
         QVERIFY(all > 40);
         AnalyseScene(scene, [&calls](qint64) { return ++calls < 3; });
         QVERIFY2(calls < all, qPrintable(QString::number(calls)));
+        QByteArray many;
+        for (int file = 0; file < 2 * MostSceneFiles; ++file)
+            many += "png \"" + QByteArray::number(file) + ".png\" ";
+        QCOMPARE(AnalyseScene(Write("many.pov"_s, many)).missing.size(), MostSceneFiles + 1);
     }
 
     void PacksReproducibly()

@@ -174,12 +174,14 @@ private slots:
         StartQueue();
         QVERIFY(Task(id).isDone); // until the session ends
         m_queue->EndSession();
+        m_queue->SetAccess(m_access); // by a client that has not noticed yet
+        QCOMPARE(m_queue->Submit(Path("large.pov"_s)), SubmitQueue::Answer::Refused);
         StartQueue();
         QVERIFY(m_queue->Ids().isEmpty());
         QCOMPARE(Count("jobs"), 1);
     }
 
-    void WaitsForItsSession()
+    void WaitsForItsFarmAndItsSession()
     {
         FarmAccess stranger = m_access;
         stranger.token = "unknown"_s;
@@ -188,6 +190,8 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(
             Task(id).message, "Your session has ended. Please sign in again."_s, Patience);
         QVERIFY(Task(id).IsRunnable());
+        m_queue->SetAccess({{}, {}, m_access.owner, {}});
+        QCOMPARE(Task(id).message, QString::fromLatin1(SubmitText::Unreachable));
         m_queue->SetAccess(m_access);
         QVERIFY(Await(id));
     }
@@ -238,7 +242,8 @@ private slots:
     {
         const QString id = Submit({{"a.pov"_s, "png \"gone.png\""}});
         QVERIFY(Await(id, SubmitError::AwaitsUser));
-        QVERIFY(QDir(Path("transfer"_s)).exists("submissions.sqlite"_s));
+        StartQueue();
+        QCOMPARE(m_lacking->size(), 1); // asks once more
         SQLite::Database other(
             Path("transfer/submissions.sqlite"_s).toStdString(), SQLite::OPEN_READWRITE, 5000);
         other.exec("BEGIN IMMEDIATE");
@@ -252,6 +257,17 @@ private slots:
         StartQueue();
         QCOMPARE(Task(id).error, SubmitError::TexturesMissing);
         QCOMPARE(Task(id).arguments, MakeArguments(3, 3, 1, 1));
+    }
+
+    void BeginsAnewWithoutAReadableDatabase()
+    {
+        Submit({{"a.pov"_s, "png \"gone.png\""}});
+        m_queue.reset();
+        QVERIFY(WriteFile(Path("transfer/submissions.sqlite"_s), "not a database"));
+        StartQueue();
+        QVERIFY(m_queue->Ids().isEmpty());
+        QCOMPARE(QDir(Path("transfer"_s)).entryList({"submissions-unreadable-*.sqlite"_s}).size(), 1);
+        QVERIFY(Await(Submit({{"b.pov"_s, "sphere{0,1}"}})));
     }
 
     void StopsAndWaitsForTheCheckOfArguments()
@@ -271,6 +287,8 @@ private slots:
         m_queue->SetArgumentsCheck([] { return true; });
         QCOMPARE(Task(id).error, SubmitError::Stopped);
         m_queue->ResumeAll();
+        StartQueue();
+        m_queue->SetArgumentsCheck([] { return true; });
         QVERIFY(Await(id, SubmitError::AwaitsUser));
         QCOMPARE(Task(id).stage, SubmitStage::Submit);
         QVERIFY(Await(other)); // other tasks go first
