@@ -101,14 +101,15 @@ private slots:
         m_farm->Start(
             ScriptedTypes("i=0; if [ {frames} -eq 1 ]; then sleep 0.5; "
                           "else while [ $i -lt 200000 ]; do i=$((i+1)); done; fi; "
-                          "[ {frames} -ne 3 ] || { : > ../../worked; sleep 600; }; cp {scene} {output}"));
+                          "[ {frames} -ne 3 ] || { echo $$ > ../../pid; sleep 600; }; cp {scene} {output}"));
         // The work of a renderer that is stopped is not charged to the next one.
         for (int frames : {3, 1, 2}) {
             const QString id = m_farm->Add(frames, JobStatus::Paused);
             m_farm->Apply("recover"_s, {id});
             if (frames == 3) {
-                EVENTUALLY(QFile::exists(m_farm->Path("jobs/worked"_s)));
+                EVENTUALLY(!ReadFile(m_farm->Path("jobs/pid"_s)).isEmpty());
                 m_farm->Apply("stop"_s, {id});
+                EVENTUALLY(IsRendererGone());
                 continue;
             }
             EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);

@@ -106,7 +106,8 @@ private slots:
 
     void ContinuesAnInterruptedUpload()
     {
-        const QByteArray package = Package(PlainFiles);
+        const QByteArray package = Package(PlainFiles,
+            [](zip_t* archive) { zip_file_set_external_attributes(archive, 0, 0, ZIP_OPSYS_UNIX, 0); });
         const QString id = m_farm->BeginUpload(package).Data("id").toString();
         const auto put
             = [&](int from, int to) { return m_farm->Put(id, from, package.mid(from, to - from)); };

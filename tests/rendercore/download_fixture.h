@@ -57,8 +57,8 @@ inline const QByteArray RangeLine = "Range: bytes=100007-\r\n";
 class Client
 {
 public:
-    Client(const QString& folder, const QUrl& server, int idleTime)
-        : queue(folder + "/transfer"_s, Impatient(idleTime))
+    Client(const QString& folder, const QUrl& server, const DownloadLimits& limits)
+        : queue(folder + "/transfer"_s, limits)
         , access {FarmApiRoot(server), "abc"_s, "farm/ann"_s, folder + "/frames"_s}
     {
         queue.SetAccess(access);
@@ -103,24 +103,23 @@ public:
     QSignalSpy finished {&queue, &DownloadQueue::FilesFinished};
     QSignalSpy notices {&queue, &DownloadQueue::Notice};
     QSignalSpy changed {&queue, &DownloadQueue::ListChanged};
-
-private:
-    static DownloadLimits Impatient(int idleTime)
-    {
-        DownloadLimits limits;
-        limits.transfers = limits.lists = 1; // the server's replies come in order
-        limits.idleTime = idleTime;
-        limits.firstPause = 5;
-        limits.longestPause = 40;
-        limits.http.firstPause = 1;
-        return limits;
-    }
 };
 
 /// A folder, a server that misbehaves and the client between them.
 class DownloadFixture : public QObject
 {
 protected:
+    static DownloadLimits Impatient()
+    {
+        DownloadLimits limits;
+        limits.transfers = limits.lists = 1; // the server's replies come in order
+        limits.idleTime = 2 * Patience;
+        limits.firstPause = 5;
+        limits.longestPause = 40;
+        limits.http.firstPause = 1;
+        return limits;
+    }
+
     QString Path(const char* name) const { return m_folder->filePath(QString::fromLatin1(name)); }
     QString Frame() const { return Path("frames/12_shot/frame_0001.png"); }
     QString Part() const { return DownloadPaths::PartFile(Frame()); }
@@ -136,7 +135,7 @@ protected:
         m_client.reset(); // before another one uses its folder
         m_server = std::make_unique<StandInServer>();
         m_server->SetReplies(replies);
-        m_client = std::make_unique<Client>(m_folder->path(), m_server->Url(), m_idleTime);
+        m_client = std::make_unique<Client>(m_folder->path(), m_server->Url(), m_limits);
         return *m_client;
     }
 
@@ -148,9 +147,13 @@ protected:
         return *m_client;
     }
 
-    void MakeFolder() { m_folder = std::make_unique<QTemporaryDir>(); }
+    void MakeFolder()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_limits = Impatient();
+    }
 
-    int m_idleTime = 2 * Patience; ///< ms without data before a transfer counts as broken
+    DownloadLimits m_limits;
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<StandInServer> m_server;
     std::unique_ptr<Client> m_client;

@@ -99,6 +99,21 @@ private slots:
         QCOMPARE(m_server->Requests().size(), 6);
     }
 
+    void RunsTransfersSideBySide()
+    {
+        m_limits.transfers = 2;
+        const QByteArray list
+            = Entry(FrameData, "a") + ',' + Entry(FrameData, "b") + ',' + Entry(FrameData, "c");
+        const HttpReply held = StandInServer::Held(Whole(FrameData));
+        const Client& client = Start({Listed(list), held, held, Whole(FrameData)});
+        QVERIFY(AwaitRequests(3));
+        QVERIFY(client.Await(Downloading, 2));
+        QCOMPARE(client.Count(Waiting), 1);
+        m_server->Release(1);
+        QVERIFY(client.Await(Finished, 2));
+        QCOMPARE(client.Count(Downloading), 1);
+    }
+
     void RecoversFromBrokenTransfers_data() { AddRows(TransferCases); }
 
     void RecoversFromBrokenTransfers()
@@ -108,7 +123,7 @@ private slots:
         QVERIFY(row.part.isEmpty() || WriteFile(Part(), row.part));
         QVERIFY(row.there.isEmpty() || WriteFile(Frame(), row.there));
         TakeDiskCalls();
-        m_idleTime
+        m_limits.idleTime
             = qstrcmp(row.name, "stalled") == 0 || qstrcmp(row.name, "slow") == 0 ? 1000 : 2 * Patience;
         Client& client = Start(QList<HttpReply> {Listed(Entry(FrameData))} + row.replies, false);
         QVERIFY(client.Await(row.status));

@@ -1,5 +1,6 @@
 // Scene analysis, packing and limits of arguments.
 #include "host/rendercore/submit/scene_analysis.h"
+#include "host/rendercore/submit/scene_contents.h"
 #include "host/rendercore/submit/scene_package.h"
 #include "host/rendercore/submit/submit_arguments.h"
 #include "tests/support/test_files.h"
@@ -51,7 +52,8 @@ const SceneCase SceneCases[] = {
         "a.pov", "", "1-20000 640x480"},
     {"project",
         {{"a.ma"_s,
-             "//Maya ASCII \"no.png\";\nfile -rdi 1 -ns \"r\" -typ \"mayaAscii\"\n \"@/p//s/ref.ma{2}\";\n"
+             "//Maya ASCII; file \"no.ma\";\nfile -rdi 1 -ns \"r\" -typ \"mayaAscii\"\n "
+             "\"@/p//s/ref.ma{2}\";\n"
              "createNode file\r\n -n \"f\";\r\n\tsetAttr \".ftn\" -type \"string\" \"tex/a;b.png\";\n"
              "\tsetAttr \".ftn\" -type \"string\" \"@/else/c.png\";\n"
              "\tsetAttr \".ftn\" -type \"string\" \"C:/proj//tex/d.<UDIM>.png\";\n"
@@ -72,7 +74,7 @@ const SceneCase SceneCases[] = {
             "setAttr \".fns\" -type \"stringArray\" 2 \"b.abc\" \"c.abc\"; createNode aiStandIn;"
             "setAttr \".dso\" -type \"string\" \"d.ass\"; createNode gpuCache;"
             "setAttr \".cfn\" -type \"string\" \"e.abc\"; createNode unheardOf;"
-            "setAttr \".lay[3].cacheFilePath\" -type \"string\" \"f.vdb\";"
+            "setAttr \".lay[3].cacheFile_path2\" -type \"string\" \"f.vdbcache\";"
             "setAttr \".fn\" -type \"string\" \"no.abc\"; setAttr \".imageFilePrefix\" -type \"string\" "
             "\"g\";"
             "setAttr \".renderFileName\" -type \"string\" \"h.exr\"; setAttr \".iconFileName\" -type "
@@ -83,8 +85,8 @@ const SceneCase SceneCases[] = {
             "setAttr \".aFilePath\" -type \"string\" \"a/b.notasuffix\"; setAttr \".bFilePath\" -type "
             "\"string\" \"<MAYA_LOCATION>/c.png\";"
             "createNode file; setAttr \".ftn\" -type \"string\" \"\xe4.png\";"}},
-        "a.exr b.abc c.abc d.ass e.abc f.vdb g.tx k.tx no.abc h.exr \xc3\xa4.png",
-        "a.ma a.exr b.abc c.abc d.ass e.abc f.vdb g.tx \xc3\xa4.png"},
+        "a.exr b.abc c.abc d.ass e.abc f.vdbcache g.tx k.tx no.abc h.exr \xc3\xa4.png",
+        "a.ma a.exr b.abc c.abc d.ass e.abc f.vdbcache g.tx \xc3\xa4.png"},
     {"tiles and frames",
         {{"a.ma"_s,
             "createNode file; setAttr \".ftn\" -type \"string\" \"a.1001.png\"; createNode file;"
@@ -99,6 +101,12 @@ const SceneCase SceneCases[] = {
         "a.ma a.1001.png a.1012.png b.u1_v2.png c.012.png d2.007.png e3.0007.mp4 e3.0009.mp4 f.-31.png "
         "f.21.png "
         "e4.0007.mp4"},
+    {"endless statements",
+        {{"a.ma"_s,
+            "setAttr \".ed\" -type \"dataReferenceEdits\"" + QByteArray(" x").repeated(300)
+                + " 2 \"r:f\" \"fileTextureName\" \" -type \\\"string\\\" \\\"z.tx\\\"\"; file"
+                + QByteArray(" x").repeated(300) + " \"y.ma\";"}},
+        "y.ma z.tx", "a.ma z.tx", "x"},
     {"hidden and linked",
         {{"a.ma"_s,
             "createNode file; setAttr \".ftn\" -type \"string\" \".ssh/id\";"
@@ -188,6 +196,9 @@ private slots:
         for (int file = 0; file < 2 * MostSceneFiles; ++file)
             many += "png \"" + QByteArray::number(file) + ".png\" ";
         QCOMPARE(AnalyseScene(Write("many.pov"_s, many)).missing.size(), MostSceneFiles + 1);
+        for (int file = 0; file < MostSceneFiles; ++file)
+            Write("%1.png"_s.arg(file));
+        QCOMPARE(AnalyseScene(Write("many.pov"_s, many)).error, TooManyFiles());
     }
 
     void PacksReproducibly()
