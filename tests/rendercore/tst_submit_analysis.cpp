@@ -1,4 +1,5 @@
 // Scene analysis, packing and limits of arguments.
+#include "host/rendercore/submit/maya_attributes.h"
 #include "host/rendercore/submit/scene_analysis.h"
 #include "host/rendercore/submit/scene_contents.h"
 #include "host/rendercore/submit/scene_package.h"
@@ -42,12 +43,14 @@ const SceneCase SceneCases[] = {
     {"folders above", {{"a.pov"_s, "png \"../../q/t.png\" png \"../s/./u.png\" png \"@/v.png\""}},
         "../../q/t.png u.png ../../v.png", "p/s/a.pov q/t.png p/s/u.png",
         "@/v.png (use a path relative to the scene) outside:@/q/t.png"},
-    {"too high", {{"a.pov"_s, "png \"../../../../../../../../../etc/passwd\" png \"a\\\\b.png\" png \"in\""}},
-        "in/x a\\b.png", "a.pov", "../../../../../../../../../etc/passwd a\\b.png in"},
+    {"too high",
+        {{"a.pov"_s,
+            "png \"../../../../../../../../../etc/passwd\" png \"a\\\\b.png\" png \"in\" png \"c\x7f.png\""}},
+        "in/x a\\b.png c\x7f.png", "a.pov", "../../../../../../../../../etc/passwd a\\b.png in c\x7f.png"},
     {"options",
         {{"a.pov"_s, ""},
-            {"a.ini"_s, "; Width=1\nWidth = 320\nheight=200 ; small\nInitial_Frame=2\nFinal_Frame=9\n"}},
-        "", "a.pov", "", "2-9 320x200"},
+            {"a.ini"_s, "; Width=3\nWidth = 1\nheight=1 ; small\nInitial_Frame=2\nFinal_Frame=9\n"}},
+        "", "a.pov", "", "2-9 1x1"},
     {"mad options", {{"a.pov"_s, ""}, {"a.ini"_s, "Width=0\nHeight=99999\nFinal_Frame=99999999\n"}}, "",
         "a.pov", "", "1-20000 640x480"},
     {"project",
@@ -74,7 +77,7 @@ const SceneCase SceneCases[] = {
             "setAttr \".fns\" -type \"stringArray\" 2 \"b.abc\" \"c.abc\"; createNode aiStandIn;"
             "setAttr \".dso\" -type \"string\" \"d.ass\"; createNode gpuCache;"
             "setAttr \".cfn\" -type \"string\" \"e.abc\"; createNode unheardOf;"
-            "setAttr \".lay[3].cacheFile_path2\" -type \"string\" \"f.vdbcache\";"
+            "setAttr \".lay[3].cacheFile_path2\" -type \"string\" \"f.vdb\";"
             "setAttr \".fn\" -type \"string\" \"no.abc\"; setAttr \".imageFilePrefix\" -type \"string\" "
             "\"g\";"
             "setAttr \".renderFileName\" -type \"string\" \"h.exr\"; setAttr \".iconFileName\" -type "
@@ -82,11 +85,9 @@ const SceneCase SceneCases[] = {
             "createNode reference; setAttr \".ed\" -type \"dataReferenceEdits\" \"rRN\" \"rRN\" 1 2 \"r:f\" "
             "\"fileTextureName\" \" -type \\\"string\\\" \\\"g.tx\\\"\" 2 \"r:f\" \"notes\" \" -type "
             "\\\"string\\\" \\\"k.tx\\\"\";"
-            "setAttr \".aFilePath\" -type \"string\" \"a/b.notasuffix\"; setAttr \".bFilePath\" -type "
-            "\"string\" \"<MAYA_LOCATION>/c.png\";"
             "createNode file; setAttr \".ftn\" -type \"string\" \"\xe4.png\";"}},
-        "a.exr b.abc c.abc d.ass e.abc f.vdbcache g.tx k.tx no.abc h.exr \xc3\xa4.png",
-        "a.ma a.exr b.abc c.abc d.ass e.abc f.vdbcache g.tx \xc3\xa4.png"},
+        "a.exr b.abc c.abc d.ass e.abc f.vdb g.tx k.tx no.abc h.exr \xc3\xa4.png",
+        "a.ma a.exr b.abc c.abc d.ass e.abc f.vdb g.tx \xc3\xa4.png"},
     {"tiles and frames",
         {{"a.ma"_s,
             "createNode file; setAttr \".ftn\" -type \"string\" \"a.1001.png\"; createNode file;"
@@ -175,6 +176,15 @@ private slots:
         const int numbers[] = {analysis.firstFrame, analysis.lastFrame, analysis.width, analysis.height};
         QCOMPARE("%1-%2 %3x%4"_s.arg(numbers[0]).arg(numbers[1]).arg(numbers[2]).arg(numbers[3]),
             expected(row.job));
+    }
+
+    void TellsFileNamesFromOtherValues()
+    {
+        for (const char* name : {"a.b", "a/b.1x", "a.x1", "a.abcdefgh", "a b.c.png"})
+            QVERIFY2(MayaAttributes::IsFileName(QLatin1String(name)), name);
+        for (const char* value :
+            {"", "a", ".png", "a.", "a.12", "a.abcdefghi", "a.p-g", "a.-g", "<MAYA_X>/a.png"})
+            QVERIFY2(!MayaAttributes::IsFileName(QLatin1String(value)), value);
     }
 
     /// No scene keeps the client from quitting.
