@@ -8,6 +8,7 @@
 #include "farm/rendering/scene_files.h"
 #include "farm/uploads/content_store.h"
 #include "farm/uploads/upload_store.h"
+#include "storage/disk_full.h"
 #include "storage/durable_file.h"
 #include "tests/farm/farm_at_work.h"
 #include "tests/farm/package_fixture.h"
@@ -90,6 +91,15 @@ private slots:
         diskFails = true;
         QVERIFY_EXCEPTION_THROWN(storage::AppendDurably(Path("file"_s), 12, " third"), std::runtime_error);
         QCOMPARE(ReadFile(Path("file"_s)), QByteArray("first second"));
+    }
+
+    void TellsAFullDiskFromOtherTroubles()
+    {
+        for (int error : {ENOSPC, EDQUOT, EIO, EROFS})
+            QCOMPARE(storage::IsDiskFull(storage::DiskError("x", error)), error == ENOSPC || error == EDQUOT);
+        for (int error : {SQLITE_FULL, SQLITE_BUSY})
+            QCOMPARE(storage::IsDiskFull(SQLite::Exception("x", error)), error == SQLITE_FULL);
+        QVERIFY(!storage::IsDiskFull(std::runtime_error("x")));
     }
 
     // Bytes reach the disk before the record that refers to them.

@@ -46,7 +46,8 @@ private slots:
         QVERIFY(isFull || WriteFile(obstacle, "in the way"));
         diskFree = isFull ? 10 : -1;
         Client& client = Start({Listed(Entry(FrameData) + ',' + Entry(FrameData, "frame_0002.png")),
-            Listed(Entry(FrameData, "new.png")), Whole(FrameData), Whole(FrameData), Whole(FrameData)});
+            Listed(Entry(FrameData, "new.png")), Whole(FrameData), Whole(FrameData), Whole(FrameData),
+            Listed(Entry(FrameData, "last.png")), Whole(FrameData)});
         QTRY_VERIFY_WITH_TIMEOUT(client.Value("msg").toString().contains("cannot be saved"_s), Patience);
         client.Order("j2"_s); // its answer leads to another attempt
         QVERIFY(client.Await(Waiting, 3));
@@ -55,6 +56,12 @@ private slots:
         QVERIFY(client.Await(Finished, 3));
         QCOMPARE(client.notices.count(), 1);
         QCOMPARE(m_server->Requests().size(), 5);
+        // The next trouble is worth a notice again.
+        diskFree = isFull ? 10 : -1;
+        client.Order("j3"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), isFull ? 2 : 1, Patience);
+        diskFree = -1;
+        QVERIFY(client.Await(Finished, 4));
     }
 
     void FollowsAChangedFolder()

@@ -114,6 +114,26 @@ private slots:
         QCOMPARE(client.Count(Downloading), 1);
     }
 
+    void ForgetsWhatFinishedSomeDaysAgo()
+    {
+        FarmFiles files; // more than are read or removed at a time
+        for (int number = 0; number < 2002; ++number)
+            files.append({QString::number(number), 1, QLatin1String(Checksum("x"))});
+        QDir().mkpath(Path("transfer"));
+        DownloadTasks old
+            = Disk().Apply("farm/ann"_s, {"j0"_s, "s"_s, DownloadOrder::Manual, 0}, files, "/x"_s).added;
+        for (DownloadTask& task : old)
+            task.state = DownloadState::Finished;
+        Disk().Save(old);
+        SQLite::Database(Path("transfer/downloads.sqlite").toStdString(), SQLite::OPEN_READWRITE)
+            .exec("UPDATE tasks SET finished = finished - 3 * 86400 WHERE id > 1");
+        Client& client = Restart({});
+        QVERIFY(client.Await(Finished, files.size()));
+        client.queue.SetKeepDays(2);
+        QVERIFY(client.Await(Finished, 1));
+        QCOMPARE(client.Ids(), QStringList {"0000000001"_s});
+    }
+
     void RecoversFromBrokenTransfers_data() { AddRows(TransferCases); }
 
     void RecoversFromBrokenTransfers()
@@ -136,6 +156,7 @@ private slots:
         QCOMPARE(client.Value("srcFile").toString(), "12_shot/frame_0001.png"_s);
         QVERIFY(!isRenamed || ReadFile(Frame()) == row.there);
         QVERIFY(ReadFile(file) == (isFinished ? row.content : QByteArray()));
+        QCOMPARE(int(Disk().TasksAfter(client.access.owner, 0, 1).constFirst().state), int(row.status));
         QVERIFY(!isFinished || !QFile::exists(DownloadPaths::PartFile(file)));
         QVERIFY(client.AwaitFiles(isFinished ? 1 : 0));
         QCOMPARE(client.changed.count(), 1);
@@ -195,6 +216,7 @@ private slots:
         QVERIFY(client.Await(Waiting));
         client.Set(&FarmAccess::apiRoot, access.apiRoot);
         QVERIFY(AwaitRequests(3));
+        QVERIFY(client.Await(Waiting));
         client.Set(&FarmAccess::folder, Path("elsewhere")); // alone, it starts nothing: the session has ended
         client.Set(&FarmAccess::owner, "farm/bob"_s);
         QVERIFY(client.queue.Tasks()->isEmpty());

@@ -225,6 +225,7 @@ private slots:
         StageRequest request = Request(Stage::CopySame);
         request.task.work.files[1].checksum = QString::fromLatin1(FirstSum);
         QCOMPARE(Summary(m_worker.Run(request, Ignore)), "done to upload a wanted"_s);
+        QCOMPARE(m_server->Requests().at(0).count(FirstSum), 1);
     }
 
     void WaitsForAFarmThatIsAway()
