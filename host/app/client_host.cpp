@@ -158,7 +158,7 @@ void ClientHost::StartFarm()
     m_farm->SetTakeOver(m_options.takeOver);
     connect(m_farm.get(), &FarmProcess::Lost, this, [this](const QString& reason) {
         UseNoServer();
-        // A farm that has never listened may not do so at its next starts either, which take half a minute.
+        // A farm that has never listened may fail at its next starts too; the user should not wait half a minute for those.
         if (!m_sessionBegun)
             m_session->ShowFailure(Sentence(tr("The embedded farm does not start: %1").arg(reason)));
     });

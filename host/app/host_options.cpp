@@ -43,7 +43,7 @@ void AddOptions(QCommandLineParser& parser)
     add("config", "Keep the settings in <FILE>.", "FILE",
         QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
             + QLatin1String("/quillstar.ini"));
-    add("data", "Keep logs and the embedded farm's data in <DIR>.", "DIR",
+    add("data", "Keep logs, transfers and the embedded farm's data in <DIR>.", "DIR",
         QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
     add("downloads", "Download finished frames to <DIR> unless the account has chosen another folder.",
         "DIR");

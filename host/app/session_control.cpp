@@ -113,7 +113,7 @@ void SessionControl::SignIn(const QString& name, const QString& password)
         m_window.SetBusy(false);
 }
 
-/// Asks once a server before a password travels unencrypted to another machine.
+/// Asks, once per server, before a password travels unencrypted to another machine.
 bool SessionControl::MaySendPassword()
 {
     const QUrl server = m_communication->ServerUrl();
@@ -128,8 +128,8 @@ bool SessionControl::MaySendPassword()
     const QPointer<SessionControl> self = this;
     const QString pressed = m_messageBox->ShowMessage(KindQuestion, tr("Sign in"), {},
         m_window.Form()->windowIcon(),
-        tr("The connection to %1 is not encrypted. Others on the way can read your password. Send it all the "
-           "same?")
+        tr("The connection to %1 is not encrypted, so others on the network can read your password. Send it "
+           "anyway?")
             .arg(name),
         {{QStringLiteral("btnMessageBox_1"), tr("Cancel")}, {send, tr("Send")}}, false);
     // The server may be another one after the question.

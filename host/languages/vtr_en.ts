@@ -236,8 +236,8 @@
         <translation>QuillStar is still running</translation>
     </message>
     <message>
-        <source>Transfers go on. Double-click this icon to open the window again.</source>
-        <translation>Transfers go on. Double-click this icon to open the window again.</translation>
+        <source>Transfers continue. Double-click this icon to open the window again.</source>
+        <translation>Transfers continue. Double-click this icon to open the window again.</translation>
     </message>
 </context>
 <context>
@@ -519,8 +519,8 @@
         <translation>Sign in</translation>
     </message>
     <message>
-        <source>The connection to %1 is not encrypted. Others on the way can read your password. Send it all the same?</source>
-        <translation>The connection to %1 is not encrypted. Others on the way can read your password. Send it all the same?</translation>
+        <source>The connection to %1 is not encrypted, so others on the network can read your password. Send it anyway?</source>
+        <translation>The connection to %1 is not encrypted, so others on the network can read your password. Send it anyway?</translation>
     </message>
     <message>
         <source>Cancel</source>

@@ -236,7 +236,7 @@
         <translation>QuillStar 仍在运行</translation>
     </message>
     <message>
-        <source>Transfers go on. Double-click this icon to open the window again.</source>
+        <source>Transfers continue. Double-click this icon to open the window again.</source>
         <translation>传输会继续进行。双击此图标可重新打开窗口。</translation>
     </message>
 </context>
@@ -519,8 +519,8 @@
         <translation>登录</translation>
     </message>
     <message>
-        <source>The connection to %1 is not encrypted. Others on the way can read your password. Send it all the same?</source>
-        <translation>与 %1 的连接未加密，传输途中他人可以读取您的密码。仍要发送吗？</translation>
+        <source>The connection to %1 is not encrypted, so others on the network can read your password. Send it anyway?</source>
+        <translation>与 %1 的连接未加密，网络上的其他人可以读取您的密码。仍要发送吗？</translation>
     </message>
     <message>
         <source>Cancel</source>

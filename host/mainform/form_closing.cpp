@@ -53,5 +53,5 @@ void FormClosing::TellOfTray()
         return;
     m_settings->SetValue(SettingKeys::TrayTold, true);
     icon->showMessage(tr("QuillStar is still running"),
-        tr("Transfers go on. Double-click this icon to open the window again."));
+        tr("Transfers continue. Double-click this icon to open the window again."));
 }
