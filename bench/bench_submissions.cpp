@@ -32,7 +32,7 @@ void WriteSmallFiles(const QDir& folder)
     WriteFile(folder.filePath("small.ma"_s), scene);
 }
 
-/// A scene that is nearly all geometry, which does not shrink to nothing.
+/// Writes a scene of random geometry, which compresses only partly.
 void WriteLargeScene(const QString& path)
 {
     QFile scene(path);

@@ -17,7 +17,7 @@ QStringList ParentsOf(const QString& group)
     return {"first of "_s + group, "灯光, of "_s + group};
 }
 
-/// What the workers of a run have told: "? group" before a change, "+ group" or "- group" once it is made.
+/// The reports of a run's workers: "? group" before a change, "+ group" or "- group" once it is made.
 struct Told
 {
     QSet<QString> recorded;

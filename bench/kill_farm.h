@@ -11,7 +11,7 @@ inline QString PrepareFarm(const QString& folder)
     return data.accounts.SignIn("ann"_s, "secret"_s, QDateTime::currentSecsSinceEpoch())->token;
 }
 
-/// Makes the run's folder "farm" one that PrepareFarm() has made.
+/// Copies a database that PrepareFarm() has created into the run's folder "farm". @return that folder.
 inline QString CopyFarm(const QString& prepared, const KillRun& run)
 {
     const QString folder = run.Path("farm"_s);

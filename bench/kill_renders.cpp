@@ -11,7 +11,7 @@ namespace {
 constexpr int Jobs = 2;
 constexpr int Frames = 4;
 constexpr int PovrayFrames = 2;
-constexpr int PovrayEvery = 10; // runs
+constexpr int PovrayEvery = 10; // runs, on average
 constexpr farm::Micros Payment = 5'000'000;
 constexpr const char* PovrayScene
     = "camera{location -3*z} light_source{9,1} sphere{clock*x,1 pigment{rgb 1}}";

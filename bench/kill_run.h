@@ -29,11 +29,11 @@ public:
     void LetWork(WorkerProcess& worker);
     /// Counts a kill that came when the work had `begun`, and when it was `done`.
     void Count(bool begun, bool done) { ++counts.at(done ? 2 : int(begun)); }
-    /// Kills a worker at the drawn moment. It tells "begun" and "done" if it comes so far.
+    /// Kills a worker at the drawn moment. The worker reports "begun" and "done" if it gets that far.
     void KillInWork(WorkerProcess& worker);
 
     std::array<int, 3> counts {}; ///< kills before, during and after the work
-    QStringList moments;          ///< of the kills, for people
+    QStringList moments;          ///< of the kills, as text for the report
 
 private:
     QTemporaryDir m_folder;
@@ -42,7 +42,8 @@ private:
     int m_kills;
 };
 
-// Each does the whole work in the run's folder in spite of kills. They throw std::runtime_error when a promise is broken.
+// The kinds of runs. Each does its whole work in the run's folder in spite of kills, and throws std::runtime_error when a
+// promise is broken.
 void KillDependencies(KillRun& run);
 void KillUploads(KillRun& run);
 void KillRenders(KillRun& run);
@@ -55,11 +56,11 @@ int WorkOnDownloads(const QStringList& arguments);
 
 /// Starts this program as a worker.
 std::unique_ptr<WorkerProcess> StartWorker(const QString& kind, const QStringList& arguments);
-/// Starts the farm of a folder. It tells "listening on " and its URL.
+/// Starts the farm of a folder. It reports "listening on " and its URL.
 std::unique_ptr<WorkerProcess> StartFarm(const QString& folder, const QStringList& more = {});
 /// Lets a worker do the rest of its work and end.
 void Finish(WorkerProcess& worker);
-/// Tells a line to the process that started this one.
+/// Reports a line to the process that started this one.
 void Tell(const QString& line);
 /// The names of all files below a folder, hidden ones too.
 QStringList FilesBelow(const QString& folder);

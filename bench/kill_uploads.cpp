@@ -19,7 +19,7 @@ constexpr const char* NoRenderer
 /// The checksums of the files of each job by their paths.
 using Jobs = QMap<QString, QMap<QString, QString>>;
 
-/// What all runs submit, and the farm that they begin with.
+/// The scenes that all runs submit, and the farm that they begin with.
 struct Scenes
 {
     Scenes()

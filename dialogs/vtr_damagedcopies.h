@@ -3,8 +3,8 @@
 #include <QDateTime>
 #include <QString>
 
-/// Keeps copies of an INI file as often as it becomes damaged, so that a later write destroys nothing that somebody may
-/// want to mend.
+/// Copies an INI file each time it is found damaged, so that a later write destroys nothing that somebody may want to
+/// repair.
 class VTDamagedCopies
 {
 public:

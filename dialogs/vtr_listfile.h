@@ -18,9 +18,9 @@ struct VTNamedList
 /// Named string lists in one group of an INI file, in the form that QSettings reads and writes.
 ///
 /// Other programs may write the file at any time, so every call rereads it. Each write replaces the whole file, so a
-/// process that is killed leaves either the old file or the new one; a temporary file that it may leave too goes with the
-/// next opening. If QSettings can read only part of the file, a copy is kept beside it ("….damaged", "….damaged.2" and so
-/// on), since the next write drops the rest. Without a path all reads are empty and all writes fail.
+/// process that is killed leaves either the old file or the new one. It may leave a temporary file too, which the next
+/// opening removes. If QSettings can read only part of the file, a copy is kept beside it ("….damaged", "….damaged.2" and
+/// so on), since the next write drops the rest. Without a path all reads are empty and all writes fail.
 class VTListFile
 {
 public:

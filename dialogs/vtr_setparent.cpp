@@ -104,7 +104,7 @@ void VTSetParent::SetJobParent()
     if (lstSon.isEmpty())
         return;
     m_form.Form()->setProperty(SonsProperty, lstSon);
-    // If the list cannot be had, the dialog shows none rather than the candidates of the last time.
+    // If the list cannot be fetched, the dialog shows no candidates rather than those of its last use.
     ++m_nFill;
     if (m_pCandidates)
         VTTableRows::Clear(m_pCandidates);

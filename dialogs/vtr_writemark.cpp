@@ -8,7 +8,7 @@
 
 namespace {
 
-/// A write is killed within this time of its mark, or it never ends.
+/// A temporary file that is younger than its mark by more than this belongs to another write.
 constexpr int LongestWrite = 60; // s
 
 /// QSettings' temporary files are named like the file with a dot and six random letters.

@@ -3,7 +3,7 @@
 #include <QString>
 
 /// Marks a write of QSettings to a file as running ("….writing"). A process that is killed meanwhile may leave
-/// QSettings' temporary file, whose random name could be anybody's; the mark tells when it was made.
+/// QSettings' temporary file, whose random name does not tell who made it; the mark tells when it was made.
 class VTWriteMark
 {
 public:

@@ -71,7 +71,7 @@ bool DataLock::Wait(int waitMs) const
     return true;
 }
 
-// Only told to people, so a failure does no harm.
+// The holder is only named in messages, so a failure does no harm.
 void DataLock::WriteHolder() const
 {
     const QByteArray holder = QStringLiteral("process %1 on %2")

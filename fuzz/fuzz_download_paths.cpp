@@ -1,4 +1,4 @@
-// Where downloads are written. The first line of the input names the folder, the second one the file.
+// Destinations of downloads. The first line of the input names the folder, the second one the file.
 #include "fuzz/fuzz_support.h"
 #include "host/rendercore/download/download_paths.h"
 

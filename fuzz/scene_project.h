@@ -20,7 +20,7 @@ public:
 
     QString Path(const QString& name) const { return m_folder.filePath(QStringLiteral("project/") + name); }
 
-    /// Checks what the farm and the user rely on.
+    /// Checks the rules that the farm and the user rely on.
     void RequireValid(const SceneAnalysis& analysis) const
     {
         Require(analysis.error.isEmpty(), "the scene can be read");

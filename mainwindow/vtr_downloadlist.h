@@ -45,7 +45,7 @@ public:
     /// Updates progress and state of the rows on the screen.
     void Refresh();
 
-    /// Does what had to wait while a menu was open over the table.
+    /// Makes up for the refills that waited while a menu was open over the table.
     void CatchUp();
 
     void Retranslate() { Refresh(); }

@@ -52,7 +52,7 @@ public:
     /// Updates the rows on the screen and removes those whose task has gone.
     void Refresh();
 
-    /// Does what had to wait while a menu was open over the table.
+    /// Makes up for the refills that waited while a menu was open over the table.
     void CatchUp();
 
     void Retranslate();

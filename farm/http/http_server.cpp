@@ -26,7 +26,7 @@ constexpr std::size_t FileBlock = std::size_t {64} * 1024;     // bytes
 // Many, because threads mostly wait for clients and for the disk.
 constexpr int ThreadCount = 64;
 constexpr int IoTimeout = 5; // s
-// The library lets five connections wait. In a burst others are dropped, and their clients try again after a second.
+// The library lets five connections wait. In a burst further ones are dropped, and their clients try again after a second.
 constexpr int Backlog = 1024;
 
 void Answer(httplib::Response& response, int status, const QJsonObject& body)

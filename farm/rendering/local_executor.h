@@ -12,7 +12,7 @@ namespace farm {
 class LocalExecutor : public Executor
 {
 public:
-    /// Ends what renderers of an earlier farm on this folder have left.
+    /// Ends the processes that renderers of an earlier farm on this folder have left behind.
     LocalExecutor(int slotCount, const RenderOwner& owner);
     ~LocalExecutor() override;
 

@@ -20,7 +20,7 @@ namespace {
 
 // The end of a renderer's output usually names the error, so this much of it is kept.
 constexpr int OutputTail = 400; // bytes
-constexpr int Priority = 10; // yields to the desktop, but does not starve beside a busy program
+constexpr int Priority = 10;    // yields to the desktop, but does not starve beside a busy program
 
 std::int64_t Milliseconds(const timeval& time)
 {
@@ -100,7 +100,7 @@ void RenderProcess::Run()
 // Runs in the child between fork and exec: system calls only.
 void RenderProcess::setupChildProcess()
 {
-    // On a busy machine it may be long before the renderer begins; the next farm must not wait for the lock until then.
+    // On a busy machine it may take long until the renderer starts; the next farm must not wait for the lock until then.
     ::close(m_lockFile);
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     // The farm may have been killed before it could take its renderer along.

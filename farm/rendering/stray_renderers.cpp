@@ -19,7 +19,7 @@ constexpr int RoundPause = 10; // ms
 
 const QString Variable = QStringLiteral("QUILLSTAR_FARM");
 
-/// A hash, because scenes are programs and need not learn where the farm keeps its files.
+/// The mark is a hash, because scenes are programs and need not learn where the farm keeps its files.
 QString MarkOf(const QString& dataFolder)
 {
     const QByteArray path = QFileInfo(dataFolder).canonicalFilePath().toUtf8();
@@ -42,7 +42,7 @@ bool EndOnce(const QByteArray& mark)
     for (const QString& process : processes) {
         if (!HasInEnvironment(process, mark))
             continue;
-        spdlog::warn("ending process {}, which a renderer has left", process.toStdString());
+        spdlog::warn("ending process {}, which a renderer has left behind", process.toStdString());
         ::kill(static_cast<pid_t>(process.toInt()), SIGKILL);
         found = true;
     }

@@ -50,7 +50,7 @@ private:
     QStringList m_waiting;
     QTimer m_submitting; // submits once control returns to the event loop
     QStringList m_refusals;
-    QTimer m_telling; // tells of the refusals
+    QTimer m_telling; // shows the refusals in one notice
     bool m_signedIn = false;
     QPointer<QFileDialog> m_dialog;
 };

@@ -7,15 +7,15 @@ namespace SettingKeys {
 
 const QLatin1String Skin("vtr.ui/skin");
 const QLatin1String Language("vtr.ui/language");         ///< bare file name, for example "vtr_en.qm"
-const QLatin1String WindowPlace("vtr.ui/place");         ///< of the main window in its normal size
-const QLatin1String WindowMaximized("vtr.ui/maximized"); ///< whether the main window is
+const QLatin1String WindowPlace("vtr.ui/place");         ///< geometry of the main window in its normal size
+const QLatin1String WindowMaximized("vtr.ui/maximized"); ///< whether the main window is maximised
 const QLatin1String Tab("vtr.ui/tab");                   ///< index of the main window's current tab
 const QLatin1String TrayTold("vtr.ui/traytold");    ///< whether the user knows where a closed window goes
 const QLatin1String ServerUrl("vtr.web/serverurl"); ///< empty for the embedded farm
-const QLatin1String ServerName("vtr.web/currentserver"); ///< what the window shows
+const QLatin1String ServerName("vtr.web/currentserver"); ///< the server's name in the window
 const QLatin1String PlainServers(
-    "vtr.web/plainservers");                       ///< get passwords unencrypted, as the user has agreed
-const QLatin1String LastName("vtr.auth/lastname"); ///< of the last sign-in
+    "vtr.web/plainservers"); ///< servers to which the user lets passwords go unencrypted
+const QLatin1String LastName("vtr.auth/lastname");          ///< user name of the last sign-in
 const QLatin1String DownloadFolder("vtr.downloads/folder"); ///< for accounts that have chosen none
 
 /// @return the key of an account's own setting, for example "autodownload".

@@ -163,7 +163,7 @@ private slots:
             Offer({MakeJob(9)});
             Check(Candidates(), {0});
         });
-        // Its list has not come this time.
+        // This time the list has not arrived.
         OpenAnd([this] { QCOMPARE(Candidates()->rowCount(), 0); });
         OpenAnd([this] {
             Offer({MakeJob(9)});

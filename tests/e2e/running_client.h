@@ -55,7 +55,7 @@ public:
     /// @return a path in the folder of the client's data, which is removed with this object.
     QString Path(const QString& name) const { return m_folder.filePath(name); }
 
-    /// The data of a farm that is not running yet, whose account is a new one that has its name as password.
+    /// Creates the data of a farm that is not running yet, with one account, whose password is its name.
     std::unique_ptr<FarmData> PrepareFarm(const char* account) const
     {
         QDir().mkdir(Path("farm"_s));

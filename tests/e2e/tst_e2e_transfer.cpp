@@ -127,7 +127,7 @@ private slots:
         connect(&refresher, &QTimer::timeout, this,
             [] { QMetaObject::invokeMethod(FindMainWindow(), "RefreshJobList"); });
         refresher.start(1000);
-        // Renderers run at the lowest priority, so a busy machine renders late.
+        // Renderers run at a low priority, so a busy machine takes longer.
         QTRY_COMPARE_WITH_TIMEOUT(FetchedFrames().size(), Frames, 5 * Patience);
         QVERIFY2(killed || killedDuring.isEmpty(), "the farm was not killed at the right moment");
 

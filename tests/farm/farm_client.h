@@ -110,7 +110,7 @@ public:
         return socket;
     }
 
-    /// Requests carry it; that of the last sign-in unless a test changes it.
+    /// The token that requests carry: that of the last sign-in, unless a test changes it.
     QString token;
     /// The answer to the last sign-in.
     Reply signIn;

@@ -47,8 +47,8 @@ private slots:
     void AKillLosesNoFinishedFrame()
     {
         QVERIFY(WriteFile(Path("scene.txt"_s), "a scene"));
-        // Waits in frame 4 until ../../gate exists. The server's end must end the script, and the next server's start
-        // what the script has started.
+        // The script waits in frame 4 until ../../gate exists. It must end with the server, and the program that it has
+        // started must end when the next server starts.
         QVERIFY(WriteFile(Path("types.json"_s),
             ScriptedTypes("sh -c 'echo $$ > ../../child; exec sleep 600' & echo $$ > ../../pid; echo half > "
                           "{output}; echo {frame} >> ../../log; "

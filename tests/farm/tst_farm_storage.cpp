@@ -250,7 +250,7 @@ private slots:
         QCOMPARE(total("arrears"_s), arrears);
     }
 
-    // Whose prerender job has five frames, the first of which is finished.
+    // The older farm has a prerender job of five frames, the first of which is finished.
     void TakesOverDataOfAnOlderFarm()
     {
         for (std::size_t version = 1; version < farm::Schema().size(); ++version) {

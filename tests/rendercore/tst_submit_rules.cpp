@@ -73,7 +73,8 @@ SubmitTask Hashed(SubmitTask task)
     return task;
 }
 
-/// Stage shown > stage to come, error, progress and flags; then what has changed of work, message|upload and refused files.
+/// Stage shown > stage to come, error, progress and flags; then scene, message|upload and refused files where they have
+/// changed.
 QString Summary(const SubmitTask& task)
 {
     static const char* const questions[] = {"", " retry?", " missing?"};

@@ -18,7 +18,7 @@ void Play(const char* script, const Steps& steps)
         steps.at(step.at(0))(step.mid(1).toInt());
 }
 
-/// Tells who gets the turn.
+/// Plays a script. @return which task gets the turn each time, or how long to wait.
 QString PlayTurns(const char* script)
 {
     SubmitTurns turns;

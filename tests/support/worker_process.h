@@ -5,8 +5,8 @@
 #include <QElapsedTimer>
 #include <QProcess>
 
-/// A program in a process of its own that tells on its standard output, line by line, what it has done. It is killed with
-/// this object.
+/// A program in a process of its own that reports its work line by line on its standard output. It is killed with this
+/// object.
 class WorkerProcess : public QProcess
 {
 public:
@@ -18,7 +18,7 @@ public:
 
     ~WorkerProcess() override { Kill(); }
 
-    /// Kills the process; Lines() then holds all that it has told.
+    /// Kills the process; Lines() then holds all its reports.
     void Kill()
     {
         kill();
@@ -26,7 +26,7 @@ public:
         Lines();
     }
 
-    /// Reads what the process tells meanwhile. @return whether it has told this line, or one that begins so.
+    /// Waits for a line that begins so. @return false when the process ends or takes too long before it.
     bool Await(const QByteArray& beginning)
     {
         QElapsedTimer clock;

@@ -27,7 +27,7 @@ void CommandRunner::Run(std::function<void()> command)
 
 void CommandRunner::RunAll()
 {
-    m_isRunning = true; // a command may give another one
+    m_isRunning = true; // a command may add another one
     while (!m_commands.empty() && RunNext())
         m_backoff.Reset();
     m_isRunning = false;

@@ -16,7 +16,7 @@ struct DownloadListener
     /// Files of a job are complete and in their place, and no more of it are on their way.
     /// @param file the one that arrived last.
     std::function<void(const QString& file, int count)> finished;
-    /// Something that the user has to know.
+    /// A message that the user has to see.
     std::function<void(const QString& text)> notice;
     /// The database could not be used and has begun anew. All tasks are gone.
     std::function<void(const QString& keptAs)> replaced;

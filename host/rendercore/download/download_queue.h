@@ -26,7 +26,8 @@ public:
     /// Records the commands given so far and aborts the transfers; the next queue on this folder resumes them.
     ~DownloadQueue() override;
 
-    /// Each owner has tasks of their own. Without a farm the tasks wait. Unfinished ones go to the folder that is set.
+    /// Sets owner, farm and download folder. Each owner has tasks of their own. Without a farm the tasks wait.
+    /// Unfinished tasks move to the new folder.
     void SetAccess(const FarmAccess& access);
 
     /// The live map by task id; see VTRenderCoreInterface::GetDownloadTasks(). Valid as long as this object. Ids are

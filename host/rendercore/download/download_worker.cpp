@@ -13,7 +13,7 @@ namespace {
 
 constexpr int BatchSize = 500;
 
-/// Takes along the data received so far where a rename is enough.
+/// Moves the data received so far to the new destination if a rename is enough, and deletes them otherwise.
 void MovePart(const QString& from, const QString& to)
 {
     const QString part = DownloadPaths::PartFile(from);

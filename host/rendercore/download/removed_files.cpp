@@ -11,7 +11,7 @@ constexpr QChar Separator(u'\0');
 
 } // namespace
 
-// One compressed list a job takes a few bytes a file, where a row of its own would take a hundred.
+// One compressed list per job takes a few bytes per file; a row per file would take a hundred.
 const char* const Schema = R"sql(
 CREATE TABLE removed_files(
     owner TEXT NOT NULL,

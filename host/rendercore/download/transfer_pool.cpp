@@ -253,7 +253,7 @@ void TransferPool::WaitForDisk(const DownloadTask& task, int progress, const Dow
     m_listener->notice(text.arg(QDir::toNativeSeparators(folder), qt_error_string(outcome.error)));
 }
 
-/// The next trouble is worth a notice again once a task that had to wait is done.
+/// Once a task that had to wait is done, the next trouble is worth a notice again.
 void TransferPool::NoteUsable(const DownloadTask& task)
 {
     if (m_waitForDisk.erase(task.id) == 0 && !m_waitForDisk.empty())

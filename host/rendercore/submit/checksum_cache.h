@@ -42,7 +42,7 @@ public:
     /// The checksum of a file as it is now; empty when it is unknown.
     QString Find(const FileStamp& file);
 
-    /// Records contents that have just been read, or found here. A file that has changed moments ago is forgotten
+    /// Records contents that have just been read, or were found by Find(). A file that has changed moments ago is forgotten
     /// instead, because another change might leave its times as they are.
     void Record(const QVector<Entry>& entries);
 

@@ -55,7 +55,7 @@ constexpr std::array FileEndings {"filename", "filepath", "texturename", "textur
     "imagename", "imagefile", "imagepath", "cachefile", "abcfile", "proxyfile", "archivefile", "iesfile",
     "vdbfile", "meshfile", "lutfile"};
 
-// Attributes with these words name what is written.
+// Attributes with these words name files that are written.
 constexpr std::array OutputWords {"output", "export", "prefix", "render", "log", "write", "save"};
 
 constexpr int LongestSuffix = 8;

@@ -18,7 +18,7 @@ public:
     /// Reads the owner's tasks; Loaded() follows, after some time if the database cannot be read at first.
     void Begin(const QString& owner);
 
-    /// No answers about the owner's tasks follow from now on.
+    /// Lets go of the owner: no answer about their tasks follows.
     void End();
 
     /// Creates a task for a scene; Added() or Refused() follows.

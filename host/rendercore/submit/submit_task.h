@@ -55,7 +55,7 @@ struct SubmitWork
     QVector<PackedFile> files;
     QVector<Package> packages;
     QStringList
-        missing;   ///< what the user is asked about: references that lead to no file, as the scene names them
+        missing;   ///< references that lead to no file, as the scene names them; the user is asked about them
     int width = 0; ///< of the scene itself, in pixels
     int height = 0;
 

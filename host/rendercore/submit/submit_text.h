@@ -40,7 +40,7 @@ constexpr const char* AnswerUnreadable
 constexpr const char* AnswerIncomplete = QT_TRANSLATE_NOOP(
     "VTQsClientPrivate", "The farm's answer is incomplete. Please continue the submission later.");
 
-// Takes the place of a file in the list of what is missing.
+// Stands for a file in the list of missing files.
 constexpr const char* Outside
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "%1 (outside the scene's folder; will be sent if you go on)");
 

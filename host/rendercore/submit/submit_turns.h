@@ -51,7 +51,7 @@ private:
 
     qint64 WaitOf(const Waiting& task, bool needsFarm, qint64 now) const;
 
-    static constexpr int FirstPause = 500;     // ms
+    static constexpr int FirstPause = 500;     // ms; doubles with each further failure
     static constexpr int LongestPause = 32000; // ms
     static constexpr int MostPauses = 7;       // in a row without progress, about a minute in all
 
