@@ -14,11 +14,14 @@
 #include "tests/farm/package_fixture.h"
 #include "tests/support/disk_calls.h"
 
+#include <csignal>
+#include <sys/resource.h>
+
 using namespace farm;
 
 namespace {
 
-constexpr QLatin1String Sync("sync ");
+const QLatin1String Sync("sync ");
 
 constexpr const char* OldRecords
     = "INSERT INTO accounts VALUES (1, 'ann', 'ann@example.org', '', 0, 5000000, 0); "
@@ -140,6 +143,28 @@ private slots:
         diskCalls.clear();
         queue.Finish(task.key, files.Keep(task, "png"_s), 1, 4);
         QVERIFY(Ordered({"sync frame_0001.png"_s, "rename frame_0001.png"_s, Sync + added.id, Record()}));
+    }
+
+    void UnpacksWholeFilesOnly()
+    {
+        FarmData data(m_folder->path());
+        ContentStore contents(data.database, Path("contents"_s));
+        UploadStore uploads(data.database, contents, Path("uploads"_s), 10'000'000);
+        const QByteArray content(2'000'000, 'a');
+        const QByteArray package = Package({{"a", content}});
+        const QString id = uploads.Begin(data.account, Sha256(package), package.size(), 1).id;
+        uploads.Append(data.account, id, 0, package, 2);
+        // A limit of the size of files stands for a full disk.
+        ::signal(SIGXFSZ, SIG_IGN);
+        rlimit usual {};
+        ::getrlimit(RLIMIT_FSIZE, &usual);
+        const rlimit small {1'000'000, usual.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &small);
+        const QString why = Failure([&] { uploads.Unpack(data.account, id, 3); });
+        ::setrlimit(RLIMIT_FSIZE, &usual);
+        QCOMPARE(why, "cannot write an unpacked file"_s);
+        QVERIFY(uploads.Unpack(data.account, id, 4).unpacked);
+        QCOMPARE(contents.KnownTo(data.account, {Sha256(content)}).size(), 1);
     }
 
     void WaitsForSpaceOnTheDisk()

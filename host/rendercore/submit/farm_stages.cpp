@@ -77,7 +77,8 @@ void FarmStages::CopySame()
         const QJsonValue known = DataOf(*result).value(QLatin1String("known"));
         if (!CheckComplete(known.isArray()))
             return;
-        for (const QJsonValue& checksum : known.toArray())
+        const QJsonArray list = known.toArray();
+        for (const QJsonValue& checksum : list)
             wanted.remove(checksum.toString());
         (*m_onProgress)(
             std::min(from + FarmNumbers::MostChecksums, checksums.size()) * 100 / checksums.size(), {});
