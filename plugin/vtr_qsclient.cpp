@@ -137,6 +137,7 @@ VTQsClient::VTQsClient()
 
 VTQsClient::~VTQsClient()
 {
+    m_bRetired = false;
     Uninitialize();
     DeleteWindow();
     // On systems other than Linux the library may be unloaded next, so nothing may be left to the event loop.
@@ -144,6 +145,25 @@ VTQsClient::~VTQsClient()
         delete pObject.data();
     if (g_pInstance == this)
         g_pInstance = nullptr;
+}
+
+VTQsClient::Call::Call(VTQsClient& client)
+    : m_client(client)
+{
+    ++m_client.m_nCalls;
+}
+
+VTQsClient::Call::~Call()
+{
+    if (--m_client.m_nCalls == 0 && m_client.m_bRetired)
+        delete &m_client;
+}
+
+void VTQsClient::DeleteWhenIdle()
+{
+    const Call call(*this);
+    m_bRetired = true;
+    Uninitialize();
 }
 
 VTQsClient* VTQsClient::Instance()
@@ -175,6 +195,7 @@ int VTQsClient::Initialize(const QVariantMap& mapParameters)
         return Success;
     if (m_bAttaching)
         return Failure;
+    const Call call(*this);
     VTServices& services = Window()->Services();
     services.pContext = mapParameters.value(QStringLiteral("plugin_context")).value<ctkPluginContext*>();
     if (!services.pContext)
@@ -246,6 +267,7 @@ void VTQsClient::AttachApplications()
 
 int VTQsClient::Uninitialize()
 {
+    const Call call(*this);
     if (m_pWindow) {
         const VTServices services = m_pWindow->Services();
         // Released services are not used any more; a later Initialize attaches them again.
@@ -267,10 +289,12 @@ int VTQsClient::Show(QVariant& varResult, const QVariantMap& /*mapParameters*/)
 {
     if (!m_bInitialised)
         return NotInitialised;
+    const Call call(*this);
     if (m_nWindowState == NotShown) {
         m_nWindowState = Shown;
         Window()->LoadGlobalSettings();
-        m_pWindow->ShowForm();
+        if (m_pWindow)
+            m_pWindow->ShowForm();
     }
     varResult = m_nWindowState;
     return Success;
@@ -287,6 +311,7 @@ int VTQsClient::Hide(const QVariant& varRequest)
 {
     if (const int nStatus = CheckRequest(varRequest))
         return nStatus;
+    const Call call(*this);
     DeleteWindow();
     m_nWindowState = NotShown;
     return Success;
@@ -296,6 +321,7 @@ int VTQsClient::Activate(const QVariant& varRequest, const QVariantMap& /*mapPar
 {
     if (const int nStatus = CheckRequest(varRequest))
         return nStatus;
+    const Call call(*this);
     if (!m_pWindow)
         return Success;
     const VTServices services = m_pWindow->Services();
@@ -317,6 +343,7 @@ int VTQsClient::Close(const QVariant& varRequest)
 {
     if (const int nStatus = CheckRequest(varRequest))
         return nStatus;
+    const Call call(*this);
     if (m_pWindow)
         m_pWindow->close();
     return Success;

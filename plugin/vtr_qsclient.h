@@ -40,12 +40,31 @@ public:
     int Activate(const QVariant& varRequest, const QVariantMap& mapParameters) override;
     int Close(const QVariant& varRequest) override;
 
+    /// Whether an operation is under way: a service or the form has called back from inside it.
+    bool IsBusy() const { return m_nCalls > 0; }
+
+    /// Releases the services at once, and deletes this object at the end of the operation that is under way.
+    void DeleteWhenIdle();
+
 public slots:
     /// Does nothing; the window's slot of the same name acts.
     void ShowWindow(QString strAppKey);
 
 private:
     enum WindowState { NotShown = -1, Shown = 1 };
+
+    /// An operation; it runs for as long as this object lives.
+    class Call
+    {
+    public:
+        explicit Call(VTQsClient& client);
+        ~Call();
+        Call(const Call&) = delete;
+        Call& operator=(const Call&) = delete;
+
+    private:
+        VTQsClient& m_client;
+    };
 
     /// @return 0 when a request may be carried out, else the status for the caller to return.
     int CheckRequest(const QVariant& varRequest) const;
@@ -61,6 +80,8 @@ private:
     int m_nWindowState = NotShown;
     bool m_bInitialised = false;
     bool m_bAttaching = false;
+    int m_nCalls = 0;
+    bool m_bRetired = false; ///< to be deleted when no operation is under way
     /// Objects of deleted windows that were left to the event loop.
     QVector<QPointer<QObject>> m_lstDeferred;
 };

@@ -49,6 +49,8 @@ void VTQsClientPlugin::stop(ctkPluginContext* /*context*/)
         // The GUI thread may be waiting for this call, so this does not wait for the GUI thread.
         m_pStoppedService = m_pService.release();
         m_pStoppedService->deleteLater();
+    } else if (m_pService && m_pService->IsBusy()) {
+        m_pService.release()->DeleteWhenIdle();
     }
     m_pService.reset();
 }

@@ -81,6 +81,30 @@ private slots:
         }
     }
 
+    void OutlivesAStopFromInsideItsOperations()
+    {
+        for (const QEvent::Type event : {QEvent::Show, QEvent::Hide}) {
+            init();
+            m_client->Start();
+            QCOMPARE(m_client->Initialize(), 0);
+            bool isStopped = false;
+            m_client->renderCore.awaitedEvent = event;
+            m_client->renderCore.onEvent = [&] {
+                m_client->Stop();
+                QVERIFY(Communication().receivers(SIGNAL(SignInResponse(int, QVariantMap))) == 0);
+                isStopped = true;
+            };
+            VTBaseInterface* service = m_client->Service();
+            QVariant state;
+            QCOMPARE(service->Show(state, {}), 0);
+            if (!isStopped)
+                QCOMPARE(service->Hide(1), 0);
+            QVERIFY(isStopped && !m_client->Window());
+            m_client->Start();
+            QVERIFY(m_client->Open());
+        }
+    }
+
     void AnswersWithItsStatusCodes()
     {
         m_client->Start();

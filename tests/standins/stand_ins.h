@@ -225,6 +225,10 @@ public:
     bool eventFilter(QObject* object, QEvent* event) override
     {
         seenEvents.append(event->type());
+        if (event->type() == awaitedEvent) {
+            awaitedEvent = QEvent::None;
+            onEvent();
+        }
         return QObject::eventFilter(object, event);
     }
 
@@ -233,6 +237,8 @@ public:
     QVector<QVariantMap> orders;
     QVariantList setArguments; ///< as last set
     QVector<QEvent::Type> seenEvents;
+    QEvent::Type awaitedEvent = QEvent::None;
+    std::function<void()> onEvent;     ///< runs once, inside the awaited event of the form
     std::function<void()> onArguments; ///< runs once, inside the next read of arguments
 
 private:
