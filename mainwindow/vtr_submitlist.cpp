@@ -175,13 +175,21 @@ void VTSubmitList::Refresh()
     const QVector<int> lstPlace = PlacesOfRows(m_deps.services.pRenderCore->GetSubmitTaskIds());
     const int nBuild = m_nBuild;
     int nRows = lstPlace.size();
+    // Reading a task and removing a row may call back, after which the rows may be others or the render core gone.
+    const auto HasChanged = [&] {
+        return nBuild != m_nBuild || nRows != m_pTable->rowCount() || !m_deps.services.pRenderCore;
+    };
     int nRow = 0;
     for (const int nPlace : lstPlace) {
+        if (HasChanged())
+            return;
         if (nPlace < 0) {
             if (nRow == m_pTable->currentRow())
                 m_pTable->setCurrentCell(-1, -1);
-            m_pTable->removeRow(nRow);
+            if (HasChanged())
+                return;
             --nRows;
+            m_pTable->removeRow(nRow);
             continue;
         }
         if (nRow == 0)
@@ -189,8 +197,7 @@ void VTSubmitList::Refresh()
         const bool bArguments
             = VTTableCells::ItemAt(m_pTable, nRow, VTTaskColumn::StartTime)->data(Qt::UserRole).toBool();
         const Task task = ReadForRefresh(VTTableRows::Id(m_pTable, nRow), !bArguments);
-        // The rows may have changed, or the render core gone, while the task was read.
-        if (nBuild != m_nBuild || nRows != m_pTable->rowCount() || !m_deps.services.pRenderCore)
+        if (HasChanged())
             return;
         RefreshRow(nRow, task);
         ++nRow;
