@@ -1,6 +1,7 @@
 #include "farm/demo_data.h"
 
 #include "farm/accounts/account_store.h"
+#include "farm/jobs/job_actions.h"
 #include "farm/jobs/job_store.h"
 
 #include <array>
@@ -145,7 +146,9 @@ std::int64_t AddDemoAccount(AccountStore& accounts, std::vector<std::int64_t>& p
     account.name = QStringLiteral("demo");
     account.email = QStringLiteral("demo@quillstar.example");
     account.password = QStringLiteral("demo");
+    account.bound = true; // clients show the balance of other accounts as a single character
     account.balance = 65'980'000;
+    account.secondBalance = 12'500'000;
     const std::int64_t key = accounts.Add(account);
     for (const DemoProject& project : DemoProjects)
         projects.push_back(
@@ -220,21 +223,38 @@ void AddLiveJobs(JobStore& jobs, std::int64_t account, std::int64_t now)
     }
 }
 
+/// The ids of the live jobs that the account has not deleted.
+QStringList FindLiveJobs(SQLite::Database& connection, std::int64_t account)
+{
+    QStringList ids;
+    for (const LiveJob& live : LiveJobs) {
+        SQLite::Statement query(
+            connection, "SELECT id FROM jobs WHERE account = ? AND name = ? AND status <> 5");
+        Bind(query, account, QString(QLatin1String(live.name)));
+        while (query.executeStep())
+            ids.append(QString::fromUtf8(query.getColumn(0).getText()));
+    }
+    return ids;
+}
+
 } // namespace
 
 void ProvideDemo(Database& database, AccountStore& accounts, JobStore& jobs, std::int64_t now)
 {
-    database.Write([&](SQLite::Database& connection) {
-        const bool isNew = accounts.IsEmpty();
-        if (isNew) {
+    const QStringList ended = database.Write([&](SQLite::Database& connection) {
+        if (accounts.IsEmpty()) {
             AddDemo(connection, accounts, jobs, now);
             AddStudio(connection, accounts, jobs, now);
             AddArrears(connection, accounts, jobs, now);
+            AddLiveJobs(jobs, accounts.Find(QStringLiteral("demo")).value(), now);
         }
         const auto demo = accounts.Find(QStringLiteral("demo"));
-        if (demo && (isNew || !jobs.HasOpenJobs(*demo)))
-            AddLiveJobs(jobs, *demo, now);
+        return demo && !jobs.HasOpenJobs(*demo) ? FindLiveJobs(connection, *demo) : QStringList();
     });
+    // Restarting them leaves the list as long as it is.
+    if (!ended.isEmpty())
+        JobActions(database, [] {
+        }).Apply(JobAction::Restart, accounts.Find(QStringLiteral("demo")).value(), ended, now);
 }
 
 } // namespace farm

@@ -10,7 +10,8 @@ class AccountStore;
 class JobStore;
 
 /// Fills an empty farm with the accounts "demo", "studio" and "arrears" and three weeks of their jobs. If "demo" has no open
-/// job left, it gets new ones, so that there is always something to see. A farm without these accounts stays as it is.
+/// job left, its latest ones are restarted, so that there is always something to see. A farm without these accounts stays
+/// as it is.
 void ProvideDemo(Database& database, AccountStore& accounts, JobStore& jobs, std::int64_t now);
 
 } // namespace farm
