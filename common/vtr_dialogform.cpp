@@ -1,5 +1,6 @@
 #include "common/vtr_dialogform.h"
 
+#include "common/vtr_showform.h"
 #include "common/vtr_skin.h"
 
 #include <QDialog>
@@ -31,7 +32,12 @@ void VTDialogForm::ApplySkin(const QString& strSkin) const
 
 void VTDialogForm::Exec() const
 {
-    if (QDialog* pDialog = Dialog(); pDialog && !pDialog->isVisible())
+    const QPointer<QDialog> pDialog = Dialog();
+    if (!pDialog || pDialog->isVisible())
+        return;
+    // QDialog::exec() never returns from a dialog that is closed while it is being shown.
+    pDialog->setModal(true);
+    if (VTShowForm(pDialog))
         pDialog->exec();
 }
 

@@ -2,6 +2,7 @@
 
 #include "common/vtr_ids.h"
 #include "common/vtr_protocol.h"
+#include "common/vtr_showform.h"
 #include "dialogs/vtr_conditions.h"
 #include "dialogs/vtr_jobtypes.h"
 
@@ -195,7 +196,7 @@ void VTSearch::ResetTimes()
 void VTSearch::Show()
 {
     if (m_form.Form())
-        m_form.Form()->show();
+        VTShowForm(m_form.Form());
 }
 
 void VTSearch::UpdateTimeEditStatus()

@@ -3,6 +3,7 @@
 #include "common/vtr_ids.h"
 #include "common/vtr_prompts.h"
 #include "common/vtr_services.h"
+#include "common/vtr_showform.h"
 #include "common/vtr_skin.h"
 #include "common/vtr_tablerows.h"
 #include "mainwindow/vtr_mainform.h"
@@ -31,14 +32,14 @@ VTChrome::VTChrome(
 void VTChrome::ShowForm() const
 {
     m_form.pForm->setWindowIcon(VTSkin::MainIcon(m_services.Skin()));
-    m_form.pForm->show();
+    VTShowForm(m_form.pForm);
 }
 
 void VTChrome::ShowOnRequest(const QString& strKey) const
 {
     if (strKey != VTIds::Client)
         return;
-    m_form.pForm->show();
+    VTShowForm(m_form.pForm);
     m_form.pForm->activateWindow();
 }
 

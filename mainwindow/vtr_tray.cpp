@@ -2,6 +2,7 @@
 
 #include "common/vtr_ids.h"
 #include "common/vtr_services.h"
+#include "common/vtr_showform.h"
 #include "common/vtr_skin.h"
 #include "mainwindow/vtr_mainform.h"
 #include "mainwindow/vtr_session.h"
@@ -71,7 +72,7 @@ void VTTray::Activate(QSystemTrayIcon::ActivationReason reason) const
     if (reason != QSystemTrayIcon::DoubleClick)
         return;
     if (m_session.bSignedIn) {
-        m_form.pForm->show();
+        VTShowForm(m_form.pForm);
         m_form.pForm->activateWindow();
     } else if (m_services.pUiLoader) {
         m_services.pUiLoader->OpenWindow(VTIds::SignInWindow);

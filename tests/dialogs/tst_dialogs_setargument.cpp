@@ -117,6 +117,27 @@ private slots:
         QVERIFY(!m_client->Window());
     }
 
+    void ReturnsWhenItIsClosedWhileItAppears()
+    {
+        struct : QObject
+        {
+            bool eventFilter(QObject* form, QEvent* event) override
+            {
+                if (event->type() != QEvent::Show)
+                    return false;
+                form->removeEventFilter(this);
+                static_cast<QWidget*>(form)->hide();
+                return false;
+            }
+        } closer;
+        QWidget* form = Form("setargument");
+        form->installEventFilter(&closer);
+        QTimer::singleShot(Patience, form, [] { qFatal("the dialog does not return"); });
+        Arguments()->setData(Qt::UserRole, Groups(1));
+        m_client->Entry("Set argument")->trigger();
+        QVERIFY(!form->windowHandle()->isVisible() && !QApplication::activeModalWidget());
+    }
+
 private:
     QSpinBox* Spin(const char* name) const { return Find<QSpinBox>("setargument", name); }
     QTableWidgetItem* Arguments() const { return Tasks()->item(Tasks()->currentRow(), SceneFile); }
