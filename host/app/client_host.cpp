@@ -99,6 +99,8 @@ void ClientHost::ConnectSession()
 {
     const SessionControl* session = m_session.get();
     connect(session, &SessionControl::SignedIn, this, &ClientHost::ShowClient);
+    connect(
+        session, &SessionControl::ProxyLoginGiven, &m_services.renderCore, &RenderCoreService::SetProxyLogin);
     connect(session, &SessionControl::SignedIn, &m_services.renderCore, &RenderCoreService::BeginSession);
     connect(session, &SessionControl::SignedOut, &m_services.renderCore, &RenderCoreService::EndSession);
     connect(session, &SessionControl::SignedIn, &m_services.scenes, &SceneIntake::BeginSession);

@@ -4,6 +4,7 @@
 #include "host/services/communication_service.h"
 #include "host/services/ui_loader_service.h"
 #include "host/settings/setting_keys.h"
+#include "host/ui/login_prompt.h"
 #include "vtr_messagboxinterface.h"
 
 #include <QCoreApplication>
@@ -107,10 +108,13 @@ void SessionControl::SignIn(const QString& name, const QString& password)
     const bool isAllowed = MaySendPassword();
     if (!self)
         return;
-    if (isAllowed)
-        m_communication->SignIn(name, password);
-    else
+    if (!isAllowed) {
         m_window.SetBusy(false);
+        return;
+    }
+    m_triedName = name;
+    m_triedPassword = password;
+    m_communication->SignIn(name, password);
 }
 
 /// Asks, once per server, before a password travels unencrypted to another machine.
@@ -140,8 +144,31 @@ bool SessionControl::MaySendPassword()
     return true;
 }
 
+/// Asks for the proxy's name and password, and signs in again.
+/// @return false when the user cancelled.
+bool SessionControl::AnswerProxy()
+{
+    ShowSignIn();
+    const QPointer<SessionControl> self = this;
+    const QUrl server = m_communication->ServerUrl();
+    const TypedLogin login = AskForLogin(m_window.Form(), tr("Sign in"),
+        tr("The proxy %1 asks for a name and a password.").arg(m_communication->Proxy()));
+    if (!self || !login.isGiven || m_communication->ServerUrl() != server)
+        return false;
+    m_communication->SetProxyLogin({login.name, login.password});
+    emit ProxyLoginGiven({login.name, login.password});
+    m_communication->SignIn(m_triedName, m_triedPassword);
+    return true;
+}
+
 void SessionControl::HandleSignInAnswer(int code, const QVariantMap& answer)
 {
+    if (code == HttpStatus::ProxyAuthenticationRequired) {
+        const QPointer<SessionControl> self = this;
+        if (AnswerProxy() || !self)
+            return;
+    }
+    m_triedPassword.clear();
     if (code != HttpStatus::Ok) {
         ShowFailure(FailureText(code, answer.value(QStringLiteral("message")).toString()));
         return;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/farmclient/proxy_login.h"
 #include "host/ui/sign_in_window.h"
 
 #include <QAction>
@@ -44,6 +45,8 @@ signals:
     /// @param token of the session; must never be logged.
     void SignedIn(const QString& userName, const QString& token);
     void SignedOut();
+    /// A proxy has asked for a name and a password, which must never be logged.
+    void ProxyLoginGiven(const ProxyLogin& login);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -51,6 +54,7 @@ protected:
 private:
     void SignIn(const QString& name, const QString& password);
     bool MaySendPassword();
+    bool AnswerProxy();
     void HandleSignInAnswer(int code, const QVariantMap& answer);
     static QString FailureText(int code, const QString& message);
     void HandleSignOutAnswer();
@@ -69,6 +73,8 @@ private:
     QAction m_signOut;
     QString m_name;
     QString m_password;
+    QString m_triedName; // of the sign-in under way, as is the password
+    QString m_triedPassword;
     bool m_signedIn = false;
     bool m_expired = false;
 };

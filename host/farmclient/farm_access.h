@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/farmclient/proxy_login.h"
+
 #include <QString>
 #include <QUrl>
 
@@ -10,6 +12,7 @@ struct FarmAccess
     QString token;  ///< of the session, never to be logged; empty while nobody is signed in
     QString owner;  ///< server and account in one text, the key of the tasks; empty while nobody is signed in
     QString folder; ///< absolute path below which the owner's finished frames are saved
+    ProxyLogin proxy = {};
 
     bool IsOpen() const { return !apiRoot.isEmpty() && !token.isEmpty(); }
 };

@@ -74,6 +74,11 @@ void HttpCall::HandleFinished()
     Collect();
     if (!m_reply)
         return;
+    if (!m_request.repeatable && m_transport->CanAnswerProxy(*m_reply)) {
+        DropReply();
+        Attempt();
+        return;
+    }
     if (!DecompressReceived()) {
         EndAttempt({HttpResult::TooLarge, {}, tr("The server's answer is too large.")});
         return;

@@ -1,5 +1,7 @@
 #include "host/farmclient/http_transport.h"
 
+#include <QAuthenticator>
+#include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 
@@ -40,6 +42,11 @@ private:
     QByteArray m_left;
 };
 
+QNetworkProxy ProxyTo(const QUrl& url)
+{
+    return QNetworkProxyFactory::proxyForQuery(QNetworkProxyQuery(url)).value(0);
+}
+
 constexpr const char* CertificateFaultKey = "certificateFault";
 
 /// Keeps the reason why a certificate is refused, which the error of the reply does not tell.
@@ -57,12 +64,60 @@ HttpTransport::HttpTransport(const HttpLimits& limits)
     : m_limits(limits)
 {
     m_network.setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
+    QObject::connect(&m_network, &QNetworkAccessManager::proxyAuthenticationRequired, &m_network,
+        [this](const QNetworkProxy&, QAuthenticator* question) { AnswerProxy(question); });
 }
 
 void HttpTransport::SetBaseUrl(const QUrl& url)
 {
     m_base = url;
+    m_proxyAsks = false;
     m_network.clearConnectionCache();
+}
+
+void HttpTransport::SetProxyLogin(const ProxyLogin& login)
+{
+    if (m_proxyLogin.name == login.name && m_proxyLogin.password == login.password)
+        return;
+    m_proxyLogin = login;
+    // Qt remembers what a proxy has refused.
+    m_network.clearAccessCache();
+    m_network.clearConnectionCache();
+}
+
+/// Qt asks again when an answer was refused. To leave that answer unchanged ends the request.
+void HttpTransport::AnswerProxy(QAuthenticator* question) const
+{
+    const bool isRefused
+        = question->user() == m_proxyLogin.name && question->password() == m_proxyLogin.password;
+    if (m_proxyLogin.name.isEmpty() || isRefused)
+        return;
+    question->setUser(m_proxyLogin.name);
+    question->setPassword(m_proxyLogin.password);
+}
+
+bool HttpTransport::CanAnswerProxy(const QNetworkReply& reply)
+{
+    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (status != HttpStatus::ProxyAuthenticationRequired
+        || !reply.rawHeader("Proxy-Authenticate").toLower().contains("basic"))
+        return false;
+    m_proxyAsks = true;
+    return ProxyAuthorization(reply.url()) != reply.request().rawHeader("Proxy-Authorization");
+}
+
+/// @return the header with which a proxy lets a request to this URL pass; empty when none is needed or known.
+QByteArray HttpTransport::ProxyAuthorization(const QUrl& url) const
+{
+    // Requests to an encrypted server pass through a tunnel, for which Qt answers the proxy itself.
+    const QNetworkProxy proxy
+        = m_proxyAsks && url.scheme() == QLatin1String("http") ? ProxyTo(url) : QNetworkProxy();
+    const bool isTyped = !m_proxyLogin.name.isEmpty();
+    const QString name = isTyped ? m_proxyLogin.name : proxy.user();
+    if (name.isEmpty() || proxy.hostName().isEmpty())
+        return {};
+    const QString password = isTyped ? m_proxyLogin.password : proxy.password();
+    return "Basic " + QString(name + QLatin1Char(':') + password).toUtf8().toBase64();
 }
 
 QNetworkReply* HttpTransport::Begin(const HttpRequest& request)
@@ -72,7 +127,6 @@ QNetworkReply* HttpTransport::Begin(const HttpRequest& request)
     QNetworkRequest message(QUrl::fromEncoded(m_base.toEncoded(QUrl::StripTrailingSlash) + request.target));
     message.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
     message.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    message.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
     message.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("QuillStar/" QSCLIENT_VERSION));
     message.setRawHeader("Accept", "application/json");
     // Files arrive as they are; a call that can decompress its answer says so itself.
@@ -85,6 +139,11 @@ QNetworkReply* HttpTransport::Begin(const HttpRequest& request)
         message.setRawHeader(name, value);
     if (request.repeatable || request.body.isEmpty())
         return Watched(m_network.sendCustomRequest(message, request.verb, request.body));
+    // To answer a proxy, Qt would send the body again, which it cannot; HttpCall makes another attempt instead.
+    message.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
+    const QByteArray proxyAuthorization = ProxyAuthorization(message.url());
+    if (!proxyAuthorization.isEmpty())
+        message.setRawHeader("Proxy-Authorization", proxyAuthorization);
     message.setHeader(QNetworkRequest::ContentLengthHeader, request.body.size());
     message.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
     auto body = std::make_unique<SingleUseBody>(request.body);
@@ -96,6 +155,13 @@ QNetworkReply* HttpTransport::Begin(const HttpRequest& request)
 QString HttpTransport::CertificateFault(const QNetworkReply& reply)
 {
     return reply.property(CertificateFaultKey).toString();
+}
+
+QString ProxyName(const QUrl& server)
+{
+    const QNetworkProxy proxy = ProxyTo(server);
+    return proxy.hostName().isEmpty() ? QString()
+                                      : QStringLiteral("%1:%2").arg(proxy.hostName()).arg(proxy.port());
 }
 
 QUrl FarmApiRoot(const QUrl& server)

@@ -2,6 +2,7 @@
 
 #include "host/farmclient/farm_numbers.h"
 #include "host/farmclient/http_result.h"
+#include "host/farmclient/proxy_login.h"
 
 #include <QByteArray>
 #include <QNetworkAccessManager>
@@ -12,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+class QAuthenticator;
 class QNetworkReply;
 
 struct HttpRequest
@@ -47,6 +49,14 @@ public:
     /// Connections to the previous server are closed, so that an embedded farm can end without waiting for this client.
     void SetBaseUrl(const QUrl& url);
 
+    /// Sets the answer to proxies that ask for a name and a password and for which the system's settings have none, or wrong
+    /// ones.
+    void SetProxyLogin(const ProxyLogin& login);
+
+    /// A proxy that asks for a password has not passed the request on.
+    /// @return whether Begin() has a password for it that the request of this reply did not carry.
+    bool CanAnswerProxy(const QNetworkReply& reply);
+
     /// Makes one attempt and accepts any kind of answer. The caller owns the reply; null while there is no server.
     QNetworkReply* Begin(const HttpRequest& request);
     const HttpLimits& Limits() const { return m_limits; }
@@ -55,7 +65,12 @@ public:
     static QString CertificateFault(const QNetworkReply& reply);
 
 private:
+    QByteArray ProxyAuthorization(const QUrl& url) const;
+    void AnswerProxy(QAuthenticator* question) const;
+
     QNetworkAccessManager m_network;
+    ProxyLogin m_proxyLogin;
+    bool m_proxyAsks = false;
     HttpLimits m_limits;
     QUrl m_base;
 };

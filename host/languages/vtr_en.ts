@@ -294,6 +294,25 @@
     </message>
 </context>
 <context>
+    <name>LoginPrompt</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Password</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>Ok</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+</context>
+<context>
     <name>MessageBoxForm</name>
     <message>
         <source>Close</source>
@@ -533,6 +552,10 @@
     <message>
         <source>Open QuillStar</source>
         <translation>Open QuillStar</translation>
+    </message>
+    <message>
+        <source>The proxy %1 asks for a name and a password.</source>
+        <translation>The proxy %1 asks for a name and a password.</translation>
     </message>
 </context>
 <context>

@@ -294,6 +294,25 @@
     </message>
 </context>
 <context>
+    <name>LoginPrompt</name>
+    <message>
+        <source>Name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>密码</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+</context>
+<context>
     <name>MessageBoxForm</name>
     <message>
         <source>Close</source>
@@ -533,6 +552,10 @@
     <message>
         <source>Open QuillStar</source>
         <translation>打开 QuillStar</translation>
+    </message>
+    <message>
+        <source>The proxy %1 asks for a name and a password.</source>
+        <translation>代理 %1 要求输入用户名和密码。</translation>
     </message>
 </context>
 <context>

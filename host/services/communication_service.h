@@ -29,6 +29,10 @@ public:
     void SetServerUrl(const QUrl& url);
     QUrl ServerUrl() const { return m_server; }
 
+    /// @return the proxy between this client and the server; empty for none.
+    QString Proxy() const { return ProxyName(m_server); }
+    void SetProxyLogin(const ProxyLogin& login) { m_transport.SetProxyLogin(login); }
+
     /// Cancels the requests of an earlier session and starts a new one; answered by SignInResponse.
     void SignIn(const QString& name, const QString& password);
 

@@ -32,6 +32,12 @@ void RenderCoreService::SetServerUrl(const QUrl& url)
     UpdateAccess();
 }
 
+void RenderCoreService::SetProxyLogin(const ProxyLogin& login)
+{
+    m_proxy = login;
+    UpdateAccess();
+}
+
 void RenderCoreService::BeginSession(const QString& userName, const QString& token)
 {
     m_userName = userName;
@@ -55,6 +61,7 @@ void RenderCoreService::UpdateAccess()
     access.apiRoot = FarmApiRoot(m_server);
     access.token = m_token;
     if (!m_userName.isEmpty()) {
+    access.proxy = m_proxy;
         access.owner = m_serverName + QLatin1Char('/') + m_userName;
         access.folder = DownloadFolder::Of(m_settings, m_userName);
         m_downloads.SetKeepDays(KeepDays::Of(m_settings, m_userName));

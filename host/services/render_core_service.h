@@ -27,6 +27,8 @@ public:
     void SetServerUrl(const QUrl& url);
 
     /// Shows the account's tasks and lets them continue.
+    void SetProxyLogin(const ProxyLogin& login);
+
     void BeginSession(const QString& userName, const QString& token);
     void EndSession();
 
@@ -84,3 +86,4 @@ private:
     QString m_token;
     QPointer<QObject> m_formFilter;
 };
+    ProxyLogin m_proxy;

@@ -75,6 +75,12 @@ public:
             Send(socket, bytes);
     }
 
+    /// Acts as a proxy that passes only requests with this name and password on.
+    void AskFor(const QByteArray& login)
+    {
+        m_login = "Proxy-Authorization: Basic " + login.toBase64() + "\r\n";
+    }
+
     /// @return head and body of each request so far, in order.
     QList<QByteArray> Requests() const { return m_requests; }
 
@@ -119,6 +125,11 @@ private:
         const int body = length.match(QString::fromLatin1(received.left(head))).captured(1).toInt();
         if (head < 0 || received.size() < head + 4 + body)
             return;
+        if (!received.contains(m_login)) {
+            socket->readAll();
+            Send(socket, Http(407, "{}", "Proxy-Authenticate: Basic realm=\"x\"\r\n").bytes);
+            return;
+        }
         m_requests.append(socket->readAll());
         const Reply reply = m_replies.size() > 1 ? m_replies.takeFirst() : m_replies.value(0);
         m_exchanges.append({socket, reply});
@@ -156,6 +167,7 @@ private:
     Server m_server;
     quint16 m_port = 0;
     qint64 m_flooded = 0;
+    QByteArray m_login;
     QList<Reply> m_replies;
     QList<QByteArray> m_requests;
     QList<Exchange> m_exchanges;

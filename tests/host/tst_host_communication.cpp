@@ -44,9 +44,9 @@ const Behaviour behaviours[] = {
     {"closed without an answer", {Reply {}}, HttpResult::Unreachable, AnyNumber},
     {"always cut off", {Reply {good.bytes.chopped(10)}}, HttpResult::Unreachable, 3},
     {"of a proxy", {StandInServer::Http(407)}, 407},
-    {"silent", {StandInServer::Held({})}, HttpResult::TimedOut, 3, 0, 100},
+    {"silent", {StandInServer::Held({})}, HttpResult::TimedOut, 3, 0, 400},
     {"stalled", {Reply {good.bytes.chopped(10), false, 0, StandInServer::Stall}}, HttpResult::TimedOut, 3, 0,
-        100},
+        400},
     {"endless", {Reply {"HTTP/1.1 200 OK\r\n\r\n", false, 0, StandInServer::Flood}}, HttpResult::TooLarge},
     {"huge", {StandInServer::Http(200, QByteArray(200000, ' ') + Account)}, HttpResult::TooLarge},
     {"slow", {Reply {StandInServer::Http(200, Account + QByteArray(90000, ' ')).bytes, false, 5000}}, 200, 1,
@@ -57,6 +57,16 @@ const Behaviour behaviours[] = {
     {"compressed and cut", {Compressed(Account, 8)}, HttpResult::NotJson},
     {"a portal's page", {StandInServer::Http(200, "<html>")}, HttpResult::NotJson},
     {"half an object", {StandInServer::Http(200, Account.chopped(2))}, HttpResult::NotJson},
+};
+
+/// Name and password in the system's settings and as typed, where the proxy wants "ann:secret"; the status that follows.
+const std::tuple<const char*, const char*, const char*, int> logins[] = {
+    {"in the settings", "secret", "", 200},
+    {"typed", "", "secret", 200},
+    {"typed, other than in the settings", "wrong", "secret", 200},
+    {"wrong in the settings", "wrong", "", 407},
+    {"typed wrong", "", "wrong", 407},
+    {"not known", "", "", 407},
 };
 
 struct Sending
@@ -200,6 +210,32 @@ private slots:
             QCOMPARE(server.Requests().size(), isTrusted ? 1 : 0);
         }
         QVERIFY(server.Requests().constFirst().contains("secret"));
+    }
+
+    void PassesAProxyThatAsks_data() { AddRows(logins); }
+    void PassesAProxyThatAsks()
+    {
+        const auto& [name, set, typed, code] = Row(logins);
+        const auto restore = qScopeGuard([] { QNetworkProxyFactory::setUseSystemConfiguration(true); });
+        for (int request = 0; request < 3; ++request) {
+            StandInServer proxy;
+            proxy.AskFor("ann:secret");
+            proxy.SetReplies({good});
+            QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, "127.0.0.1"_s,
+                quint16(proxy.Url().port()), qstrlen(set) > 0 ? "ann"_s : QString(), QLatin1String(set)});
+            Client client(QUrl("http://farm.example"_s));
+            QSignalSpy restarts(&client.service, &VTCommunicationInterface::RestartJobResponse);
+            if (qstrlen(typed) > 0)
+                client.service.SetProxyLogin({"ann"_s, QLatin1String(typed)});
+            if (request == 0)
+                client.service.SignIn("demo"_s, "demo"_s);
+            else
+                client.Send(request == 1 ? &Service::GetUserInfo : &Service::RestartJobs);
+            EVENTUALLY_COMPARE(client.signIns.count() + client.accounts.count() + restarts.count(), 1);
+            const auto answers = client.signIns + client.accounts + restarts;
+            QCOMPARE(answers.at(0).at(0).toInt(), code);
+            QCOMPARE(proxy.Requests().size(), code == 200 ? 1 : 0);
+        }
     }
 
     void SignsIn()

@@ -120,6 +120,36 @@ private slots:
         QVERIFY(failure->text().isEmpty());
     }
 
+    void AsksForTheProxysPassword()
+    {
+        const auto restore = qScopeGuard([] { QNetworkProxyFactory::setUseSystemConfiguration(true); });
+        QNetworkProxy::setApplicationProxy(
+            {QNetworkProxy::HttpProxy, "127.0.0.1"_s, quint16(m_client->server.Url().port())});
+        m_client->server.AskFor("ann:secret");
+        m_client->box.answer = "btnMessageBox_2"_s;
+        m_client->communication.SetServerUrl(QUrl("http://farm.example"_s));
+        QSignalSpy given(&m_client->session, &SessionControl::ProxyLoginGiven);
+        for (const char* password : {"", "wrong", "secret"}) {
+            const Soon typed([password] {
+                auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+                if (!dialog)
+                    return false;
+                dialog->findChild<QLineEdit*>("lneProxyName"_s)->setText("ann"_s);
+                dialog->findChild<QLineEdit*>("lneProxyPassword"_s)->setText(QLatin1String(password));
+                qstrlen(password) > 0 ? dialog->accept() : dialog->reject();
+                return true;
+            });
+            if (given.isEmpty()) {
+                m_client->session.SetAccount("demo"_s, "demo"_s);
+                m_client->session.SignInAutomatically();
+            }
+            EVENTUALLY(typed.IsDone());
+            EVENTUALLY(qstrlen(password) > 0 || !m_client->failure->text().isEmpty());
+        }
+        EVENTUALLY(m_client->session.IsSignedIn());
+        QCOMPARE(given.count(), 2);
+    }
+
     void AsksBeforeAPasswordTravelsUnencrypted()
     {
         m_client->communication.SetServerUrl(QUrl("http://192.0.2.1:8080"_s)); // nobody's address

@@ -71,6 +71,7 @@ void DownloadWorker::SetAccess(const FarmAccess& access, int session)
     const bool isSameFolder = isSameOwner && m_access.folder == access.folder;
     m_access = access;
     m_session = session;
+    m_transport.SetProxyLogin(access.proxy);
     m_desk.SetFolder(access.folder);
     if (!isSameServer || !isSameOwner) {
         m_pool.Reset(access);

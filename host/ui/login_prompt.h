@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+/// What the user typed into a login prompt.
+struct TypedLogin
+{
+    bool isGiven = false; ///< false when the user cancelled
+    QString name = {};
+    QString password = {};
+};
+
+/// Asks for a name and a password in a small modal dialog.
+/// @param text says what asks for them; never taken for markup.
+TypedLogin AskForLogin(QWidget* parent, const QString& title, const QString& text);
