@@ -4,9 +4,11 @@
 #include "host/farmclient/sentences.h"
 #include "host/process/farm_process.h"
 #include "host/settings/setting_keys.h"
+#include "host/ui/skins.h"
 #include "vtr_baseinterface.h"
 
 #include <QDebug>
+#include <QDir>
 #include <QFile>
 
 namespace {
@@ -18,6 +20,7 @@ const QString DemoAccount = QStringLiteral("demo");
 constexpr const char* EmbeddedServer = QT_TRANSLATE_NOOP("VTQsClientPrivate", "embedded");
 
 constexpr int LongestPassword = 1024; // bytes
+constexpr int NoticeKind = 2;
 
 /// @return the first line of a file; a null string when the file cannot be read.
 QString FirstLine(const QString& file)
@@ -62,8 +65,8 @@ ClientHost::~ClientHost()
 
 bool ClientHost::Start(QString* error)
 {
-    if (m_options.server.isEmpty())
-        m_options.server = ServerUrl(m_services.settings.Value(SettingKeys::ServerUrl, {}).toString());
+    if (!ChooseServer(error))
+        return false;
     const bool embedded = m_options.server.isEmpty();
     // The plugin reads the server's name at sign-in.
     m_services.settings.SetValue(
@@ -86,6 +89,26 @@ bool ClientHost::Start(QString* error)
     else
         UseServer(m_options.server);
     return true;
+}
+
+/// A server that is set but cannot be used is not replaced by the embedded farm, whose jobs would be others.
+bool ClientHost::ChooseServer(QString* error)
+{
+    const QString text = m_services.settings.Value(SettingKeys::ServerUrl, {}).toString().trimmed();
+    if (!m_options.server.isEmpty() || text.isEmpty())
+        return true;
+    m_options.server = ServerUrl(text);
+    if (!m_options.server.isEmpty())
+        return true;
+    *error = tr("The settings name a server that is not a URL the client can use: %1. Please correct %2 in "
+                "%3, or clear "
+                "it to use the embedded farm.")
+                 .arg(QUrl(text).toDisplayString(), SettingKeys::ServerUrl,
+                     QDir::toNativeSeparators(m_options.configFile));
+    qCritical().noquote() << *error;
+    m_services.messageBox.ShowMessage(NoticeKind, QStringLiteral("QuillStar Client"), {},
+        Skins::MainIcon(m_services.loader.GetSkin()), *error, {}, false);
+    return false;
 }
 
 void ClientHost::Activate(const QStringList& scenes)

@@ -39,6 +39,7 @@ public:
 
 private:
     bool StartPlugin(QString* error);
+    bool ChooseServer(QString* error);
     void ConnectSession();
     bool SetAccount(bool embedded, QString* error);
     void UseServer(const QUrl& url);

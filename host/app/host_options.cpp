@@ -106,7 +106,7 @@ bool HostOptions::Parse(const QStringList& arguments, QString* error)
     for (const QString& scene : positional)
         scenes.append(AbsolutePath(scene));
 
-    if (!serverText.isEmpty() && server.isEmpty())
+    if (parser.isSet(QStringLiteral("server")) && server.isEmpty())
         *error = QStringLiteral("not the URL of a server: %1").arg(QUrl(serverText).toDisplayString());
     else if (!LogOptions::Levels().contains(logLevel))
         *error = QStringLiteral("unknown log level: %1").arg(logLevel);

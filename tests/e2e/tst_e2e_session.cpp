@@ -116,6 +116,14 @@ private slots:
         QCOMPARE(FindJobTable()->rowCount(), 0);
     }
 
+    void AServerThatIsNoUrlStartsNoFarm()
+    {
+        QVERIFY(WriteFile(m_client->Path("client.ini"_s), "[vtr.web]\nserverurl=farm.example\n"));
+        const Soon told([] { return Answer("farm.example"_s, "btnMessageBox_1"); });
+        QVERIFY(m_client->Start("demo"_s).contains("farm.example"_s));
+        QVERIFY(told.IsDone() && !QFile::exists(m_client->Path("farm"_s)));
+    }
+
     void AnAccountInArrearsIsToldAndCanSearch()
     {
         QCOMPARE(m_client->Start("arrears"_s), QString());
