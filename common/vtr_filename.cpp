@@ -42,5 +42,6 @@ bool VTEnsureFile(const QString& strPath)
     if (QFileInfo::exists(strPath))
         return true;
     QDir().mkpath(QFileInfo(strPath).path());
-    return QFile(strPath).open(QIODevice::ReadWrite);
+    QFile file(strPath);
+    return file.open(QIODevice::ReadWrite) && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
 }

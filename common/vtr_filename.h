@@ -9,6 +9,7 @@ QString VTFileNamePart(const QString& strName);
 /// Path of an account's file in a folder beside the program: "<program>/<folder>/<server>_<user>.ini".
 QString VTAccountFile(const QString& strFolder, const QString& strServer, const QString& strUserName);
 
-/// Creates an empty file and its folder, unless the file exists. An existing file is left alone.
+/// Creates an empty file that only its owner may read, and its folder, unless the file exists. An existing one is left
+/// alone.
 /// @return whether the file exists afterwards.
 bool VTEnsureFile(const QString& strPath);

@@ -4,12 +4,16 @@
 #include "dialogs/vtr_durability.h"
 #include "dialogs/vtr_writemark.h"
 
+#include <QFileInfo>
 #include <QSet>
+#include <QStorageInfo>
 #include <QVariantMap>
 
 namespace {
 
 constexpr QLatin1Char Slash('/');
+constexpr qint64 LeastFree = 16384; // bytes that stay free beside the file
+constexpr qint64 LongestEscape = 8; // characters of a file for one of a value
 const QLatin1String PercentCode("%25");
 const QLatin1String SlashCode("%2F");
 const QLatin1String BackslashCode("%5C");
@@ -82,6 +86,7 @@ bool VTListFile::Set(const QString& strName, const QVariant& varValue) const
         return false;
     const QStringList lstKey = KeysOf(strName);
     m_pSettings->setValue(FullKey(lstKey.isEmpty() ? KeyOf(strName) : lstKey.first()), varValue);
+    m_nUnsaved += LongestEscape * varValue.toStringList().join(Slash).size();
     return Save();
 }
 
@@ -152,17 +157,29 @@ QString VTListFile::FullKey(const QString& strKey) const
     return QString(m_strGroup + Slash + strKey);
 }
 
-void VTListFile::Sync() const
+/// @return false when there is something to write and no room for it.
+bool VTListFile::Sync() const
 {
+    const QFileInfo info(m_strPath);
+    const qint64 nFree = QStorageInfo(info.absolutePath()).bytesAvailable();
+    // QSettings does not notice that a long value was cut short, and would put the rest in place of the whole file.
+    if (m_nUnsaved > 0 && nFree >= 0 && nFree < LeastFree + info.size() + m_nUnsaved)
+        return false;
+    VTEnsureFile(m_strPath); // QSettings itself would create one that everybody may read
     VTRemoveEmptyLock(m_strPath);
     m_pSettings->sync();
+    return true;
 }
 
 bool VTListFile::Save() const
 {
+    ++m_nUnsaved;
     const VTWriteMark mark(m_strPath);
-    Sync();
+    if (!Sync())
+        return false;
     // A QSettings object never clears its first error, so a fresh one reports the current state.
-    return QSettings(m_strPath, QSettings::IniFormat).status() == QSettings::NoError
-        && VTSyncToDisk(m_strPath);
+    if (QSettings(m_strPath, QSettings::IniFormat).status() != QSettings::NoError || !VTSyncToDisk(m_strPath))
+        return false;
+    m_nUnsaved = 0;
+    return true;
 }

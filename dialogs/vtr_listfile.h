@@ -55,7 +55,7 @@ private:
     QString KeyOf(const QString& strName) const;
     QString NameOf(const QString& strKey) const;
     QString FullKey(const QString& strKey) const;
-    void Sync() const;
+    bool Sync() const;
     bool Save() const;
 
     QString m_strPath;
@@ -63,4 +63,5 @@ private:
     Names m_names = Names::AnyText;
     std::unique_ptr<QSettings> m_pSettings;
     mutable VTDamagedCopies m_copies;
+    mutable qint64 m_nUnsaved = 0; // bytes at most that are not on the disk yet
 };

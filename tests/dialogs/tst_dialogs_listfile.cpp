@@ -1,5 +1,6 @@
 #include "dialogs/vtr_listfile.h"
 #include "tests/support/disk_calls.h"
+#include "tests/support/real_disks.h"
 #include "tests/support/test_files.h"
 #include "tests/support/test_tables.h"
 
@@ -84,6 +85,31 @@ private slots:
         QVERIFY(QDir().rmdir(m_path));
         QVERIFY(file.Set("next"_s, QString()));
         QVERIFY(ReadFile(m_path).contains("name=value"));
+        QVERIFY(IsPrivate());
+        QVERIFY(QFile::remove(m_path));
+        QVERIFY(file.Set("last"_s, QString()));
+        QVERIFY(IsPrivate());
+    }
+
+    void KeepsWhatItHadOnAFullDisk()
+    {
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        const SmallDisk disk(QFileInfo(m_path).path());
+        if (!disk.IsThere())
+            QSKIP("this program may not mount disks");
+        CheckFailedWrite(
+            QByteArray(100000, 'v'), [] { return true; }, [&] { return disk.Grow(); });
+    }
+
+    void KeepsWhatItHadInAForbiddenFolder()
+    {
+        std::unique_ptr<ForbiddenFolder> folder;
+        const auto forbid = [&] {
+            folder = std::make_unique<ForbiddenFolder>(
+                QFileInfo(m_path).path(), QStringList {m_path, m_folder->path()});
+            return folder->IsReady();
+        };
+        CheckFailedWrite("new", forbid, [&] { return folder->Allow(); });
     }
 
     // Unlike a kill, a power cut loses bytes and names that are not on the disk yet.
@@ -112,6 +138,30 @@ private slots:
     }
 
 private:
+    /// A write fails between two that succeed.
+    void CheckFailedWrite(
+        const QByteArray& text, const std::function<bool()>& begin, const std::function<bool()>& end)
+    {
+        const VTListFile file(m_path, "group"_s);
+        QVERIFY(file.Set("first"_s, "old"_s));
+        QVERIFY(IsPrivate());
+        const QByteArray before = ReadFile(m_path);
+        QVERIFY(begin());
+        QVERIFY(!file.Set("second"_s, QString::fromLatin1(text)));
+        QVERIFY(ReadFile(m_path) == before);
+        QVERIFY(end());
+        QVERIFY(file.Set("third"_s, QString()));
+        for (const char* name : {"first=old", "second=", "third="})
+            QVERIFY2(ReadFile(m_path).contains(name), name);
+    }
+
+    bool IsPrivate() const
+    {
+        constexpr QFile::Permissions Others
+            = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+        return !(QFile::permissions(m_path) & Others);
+    }
+
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_path;
 };
