@@ -42,6 +42,8 @@ HostServices::HostServices(const HostOptions& options)
     , previewer(&loader)
 {
     renderCore.SetFormFilter(&scenes);
+    QObject::connect(&communication, &CommunicationService::JobListResponse, &renderCore,
+        &RenderCoreService::HandleJobList);
     QObject::connect(&renderCore, &RenderCoreService::Notice, &notices, &NoticeBoard::Show);
     QObject::connect(&configurationDialog, &ConfigurationDialog::ClearFinishedRequested, &renderCore,
         &RenderCoreService::ClearFinishedDownloads);

@@ -6,6 +6,8 @@
 #include <QIcon>
 #include <QPointer>
 
+#include <utility>
+
 namespace {
 
 constexpr int NoticeKind = 2;
@@ -34,7 +36,7 @@ void NoticeBoard::ShowNext()
 {
     if (m_isShowing || m_waiting.isEmpty())
         return;
-    const QString text = m_waiting.takeFirst();
+    const QString text = std::exchange(m_waiting, QStringList()).join(QLatin1String("\n\n"));
     const QPointer<NoticeBoard> alive(this);
     m_isShowing = true;
     const QIcon icon(QStringLiteral(":/%1/main.png").arg(m_loader->GetSkin()));

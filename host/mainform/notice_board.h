@@ -7,7 +7,7 @@
 class VTMessagboxInterface;
 class VTUiLoaderInterface;
 
-/// Shows the host's notices in message boxes, one after the other.
+/// Shows the host's notices in message boxes. Those that arrive while one is open are shown together afterwards.
 class NoticeBoard : public QObject
 {
     Q_OBJECT

@@ -42,6 +42,7 @@ void RenderCoreService::BeginSession(const QString& userName, const QString& tok
 {
     m_userName = userName;
     m_token = token;
+    m_automaticOrders.Clear();
     UpdateAccess();
 }
 
@@ -60,8 +61,8 @@ void RenderCoreService::UpdateAccess()
     FarmAccess access;
     access.apiRoot = FarmApiRoot(m_server);
     access.token = m_token;
-    if (!m_userName.isEmpty()) {
     access.proxy = m_proxy;
+    if (!m_userName.isEmpty()) {
         access.owner = m_serverName + QLatin1Char('/') + m_userName;
         access.folder = DownloadFolder::Of(m_settings, m_userName);
         m_downloads.SetKeepDays(KeepDays::Of(m_settings, m_userName));
@@ -210,5 +211,16 @@ void RenderCoreService::SetArgument(QString id, QVariantList arguments)
 
 void RenderCoreService::TriggerJobIdType(QVariantMap orders)
 {
+    m_automaticOrders.Remember(orders);
     m_downloads.Order(orders);
+}
+
+void RenderCoreService::HandleJobList(int code, const QVariantMap& answer)
+{
+    if (code != HttpStatus::Ok || m_userName.isEmpty())
+        return;
+    const QVariantMap data = answer.value(QStringLiteral("data")).toMap();
+    const QVariantMap orders = m_automaticOrders.Repeat(data.value(QStringLiteral("list")).toList());
+    if (m_settings->Value(SettingKeys::OfAccount(m_userName, "autodownload"), 0).toBool())
+        m_downloads.Order(orders);
 }

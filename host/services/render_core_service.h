@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/rendercore/download/automatic_orders.h"
 #include "host/rendercore/download/download_queue.h"
 #include "host/rendercore/submit/submit_queue.h"
 #include "host/services/service_base.h"
@@ -26,9 +27,9 @@ public:
     /// @param url root of the server; empty while there is none.
     void SetServerUrl(const QUrl& url);
 
-    /// Shows the account's tasks and lets them continue.
     void SetProxyLogin(const ProxyLogin& login);
 
+    /// Shows the account's tasks and lets them continue.
     void BeginSession(const QString& userName, const QString& token);
     void EndSession();
 
@@ -73,6 +74,10 @@ public slots:
     void SetArgument(QString id, QVariantList arguments) override;
     void TriggerJobIdType(QVariantMap orders) override;
 
+    /// Repeats automatic orders for jobs that are finished again.
+    /// @param answer to a request for a list of jobs.
+    void HandleJobList(int code, const QVariantMap& answer);
+
 private:
     void UpdateAccess();
     const SubmitTask& Task(const QString& id) const;
@@ -80,10 +85,11 @@ private:
     VTSettingsInterface* m_settings;
     SubmitQueue m_submissions;
     DownloadQueue m_downloads;
+    AutomaticOrders m_automaticOrders;
     QUrl m_server;
     QString m_serverName;
     QString m_userName;
     QString m_token;
+    ProxyLogin m_proxy;
     QPointer<QObject> m_formFilter;
 };
-    ProxyLogin m_proxy;

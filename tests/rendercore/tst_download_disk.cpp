@@ -1,5 +1,6 @@
 // Downloads whose disk or database cannot be used for a while.
 #include "tests/rendercore/download_fixture.h"
+#include "tests/support/real_disks.h"
 
 namespace {
 
@@ -62,6 +63,38 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), isFull ? 2 : 1, Patience);
         diskFree = -1;
         QVERIFY(client.Await(Finished, 4));
+    }
+
+    void GoesOnOnceAFullDiskHasGrown()
+    {
+        QDir().mkpath(Path("frames"));
+        const SmallDisk disk(Path("frames"));
+        if (!disk.IsThere())
+            QSKIP("this program may not mount disks");
+        diskFree = qint64(1) << 40; // so that the write fails, rather than the look before it
+        Client& client = Start({Listed(Entry(FrameData)), Whole(FrameData)});
+        QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), 1, Patience);
+        QVERIFY(client.notices[0][0].toString().contains(qt_error_string(ENOSPC)));
+        QVERIFY(disk.Grow());
+        QVERIFY(client.Await(Finished));
+        QVERIFY(ReadFile(Frame()) == FrameData);
+        QCOMPARE(client.notices.count(), 1);
+        m_client.reset(); // before the disk
+        diskFree = -1;
+    }
+
+    void GoesOnOnceAFolderMayBeWrittenTo()
+    {
+        QDir().mkpath(Path("frames/12_shot"));
+        const ForbiddenFolder folder(Path("frames/12_shot"), {Path("frames"), m_folder->path()});
+        QVERIFY(folder.IsReady());
+        Client& client = Start({Listed(Entry(FrameData)), Whole(FrameData)});
+        QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), 1, Patience);
+        QVERIFY(client.notices[0][0].toString().contains(qt_error_string(EACCES)));
+        QVERIFY(folder.Allow());
+        QVERIFY(client.Await(Finished));
+        QVERIFY(ReadFile(Frame()) == FrameData);
+        m_client.reset(); // before this program may do everything again
     }
 
     void FollowsAChangedFolder()

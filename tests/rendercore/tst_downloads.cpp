@@ -194,6 +194,15 @@ private slots:
         QVERIFY(AwaitRequests(13));
     }
 
+    void TellsThatAnOrderedJobHasNoFiles()
+    {
+        Client& client = Start({Listed({})}, false);
+        client.Order("j2"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), 1, Patience);
+        QCOMPARE(client.notices[0][0].toString(), "12_shot has no files to download yet."_s);
+        QCOMPARE(m_server->Requests().size(), 2);
+    }
+
     void GoesOnOnceTheServerAcceptsConnections()
     {
         Client& client

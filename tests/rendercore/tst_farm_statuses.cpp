@@ -108,6 +108,7 @@ private slots:
         limits.firstPause = 5;
         DownloadQueue queue(m_folder->filePath("transfer"_s), limits);
         queue.SetAccess(m_access);
+        const QSignalSpy notices(&queue, &DownloadQueue::Notice);
         const QVariantMap order {{"subDir"_s, "12_shot"_s}, {"manual"_s, 1}};
         queue.Order({{"j0"_s, order}});
         const bool isTold = row.effect == Effect::Told;
@@ -115,6 +116,9 @@ private slots:
             const QString store = m_folder->filePath("transfer/downloads.sqlite"_s);
             EVENTUALLY(m_server->Requests().size() == 1
                 && DownloadStore(store).OpenOrders(m_access.owner, 2).isEmpty());
+            EVENTUALLY_COMPARE(notices.count(), 1);
+            const QString notice = notices[0][0].toString();
+            QVERIFY2(notice.contains("12_shot"_s) && IsTold(notice), qPrintable(notice));
             queue.Order({{"j1"_s, order}});
         }
         const auto task = [&queue](int i) { return queue.Tasks()->values().value(i).toMap(); };
@@ -123,6 +127,7 @@ private slots:
         const QString message = task(0).value("msg"_s).toString();
         QVERIFY2(!isTold || IsTold(message), qPrintable(message));
         QCOMPARE(m_server->Requests().size(), isTold ? 4 : 5);
+        QCOMPARE(notices.count(), int(isTold));
     }
 
 private:

@@ -1,4 +1,5 @@
 // Turns, pauses and commands, without threads, disk or network.
+#include "host/rendercore/download/automatic_orders.h"
 #include "host/rendercore/download/task_commands.h"
 #include "host/rendercore/download/transfer_schedule.h"
 #include "host/rendercore/submit/submit_turns.h"
@@ -175,6 +176,27 @@ private slots:
             QCOMPARE(task.progress, applies && isFromStart ? 0 : 50);
             QCOMPARE(task.fresh, applies && isFromStart && state == int(DownloadState::Finished));
         }
+    }
+
+    void RepeatsTheOrderOfAJobThatIsFinishedAgain()
+    {
+        enum { Running = 1, Finished = 4, ToFullRender = 6 };
+        AutomaticOrders orders;
+        const auto list = [&orders](int status, const char* cost) {
+            const QVariantMap job {
+                {"job_id"_s, "j"_s}, {"job_status"_s, status}, {"job_cost"_s, QLatin1String(cost)}};
+            return orders.Repeat({job}).keys();
+        };
+        const QStringList none;
+        const QVariantMap order {{"subDir"_s, "12_shot"_s}, {"manual"_s, 0}};
+        QCOMPARE(list(Running, "1") + list(Finished, "1"), none); // the window's turn
+        orders.Remember({{"j"_s, order}});
+        QCOMPARE(list(Finished, "1") + list(ToFullRender, "1"), none);
+        QCOMPARE(list(Finished, "1"), QStringList("j"_s));
+        QCOMPARE(list(Finished, "1"), none);
+        QCOMPARE(list(Finished, "2"), QStringList("j"_s)); // between two lists
+        orders.Clear();
+        QCOMPARE(list(Running, "2") + list(Finished, "2"), none);
     }
 };
 

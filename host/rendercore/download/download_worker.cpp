@@ -45,7 +45,7 @@ DownloadWorker::DownloadWorker(
     QObject::connect(&m_desk, &OrderDesk::Applied, &m_desk,
         [this](const DownloadOrder& order, const OrderOutcome& outcome) { HandleApplied(order, outcome); });
     QObject::connect(&m_desk, &OrderDesk::Refused, &m_pool,
-        [this](const DownloadOrder& order) { m_pool.HandleList(order.job, {}); });
+        [this](const DownloadOrder& order, const QString& reason) { HandleRefused(order, reason); });
     QObject::connect(&m_desk, &OrderDesk::SignedOut, &m_pool, &TransferPool::Stop);
     QObject::connect(&m_pool, &TransferPool::ListOutdated, &m_desk, &OrderDesk::RetryNow);
     QObject::connect(&m_pool, &TransferPool::Settled, &m_pool, [this](const DownloadTask& task) {
@@ -164,8 +164,21 @@ void DownloadWorker::Remove(const TaskIds& ids)
     });
 }
 
+/// An order of the window's own is for a job that may be gone by now; the user has asked for nothing.
+void DownloadWorker::HandleRefused(const DownloadOrder& order, const QString& reason)
+{
+    m_pool.HandleList(order.job, {});
+    if (order.kind == DownloadOrder::Manual)
+        m_listener.notice(
+            QCoreApplication::translate("DownloadWorker", "The files of %1 cannot be downloaded: %2")
+                .arg(order.subDir, reason));
+}
+
 void DownloadWorker::HandleApplied(const DownloadOrder& order, const OrderOutcome& outcome)
 {
+    if (order.kind == DownloadOrder::Manual && outcome.names.isEmpty())
+        m_listener.notice(QCoreApplication::translate("DownloadWorker", "%1 has no files to download yet.")
+                              .arg(order.subDir));
     m_pool.StartOver(outcome.renewed);
     m_pool.RetryNow(outcome.resumed);
     Report(outcome.renewed);

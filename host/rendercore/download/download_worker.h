@@ -45,6 +45,7 @@ private:
 
     void Change(const TaskIds& ids, const Command& command, const Effect& effect);
     void FollowFolder();
+    void HandleRefused(const DownloadOrder& order, const QString& reason);
     void HandleApplied(const DownloadOrder& order, const OrderOutcome& outcome);
     void Report(const DownloadTasks& tasks) const;
 

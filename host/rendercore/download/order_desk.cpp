@@ -119,8 +119,6 @@ void OrderDesk::Apply(const DownloadOrder& order, const FarmFiles& files)
     }
     m_backoff.Reset();
     RetryNow();
-    if (files.isEmpty() && order.kind == DownloadOrder::Manual)
-        qInfo("job %s has no files to download yet", qUtf8Printable(order.job));
     emit Applied(order, outcome);
 }
 
@@ -134,7 +132,7 @@ void OrderDesk::Close(const DownloadOrder& order, const QString& reason)
     }
     m_backoff.Reset();
     RetryNow();
-    emit Refused(order);
+    emit Refused(order, reason);
 }
 
 /// Lets the other orders go first.

@@ -34,7 +34,8 @@ signals:
     /// The order is answered and on the disk.
     void Applied(const DownloadOrder& order, const OrderOutcome& outcome);
     /// The farm refuses the order permanently.
-    void Refused(const DownloadOrder& order);
+    /// @param reason sentences for the user.
+    void Refused(const DownloadOrder& order, const QString& reason);
     void SignedOut();
 
 private:
