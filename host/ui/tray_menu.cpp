@@ -22,7 +22,10 @@ void AddChoice(QActionGroup* group, const QString& text, const QString& choice, 
 QActionGroup* NewChoice(QMenu* menu)
 {
     menu->clear();
-    qDeleteAll(menu->findChildren<QActionGroup*>());
+    // One of the entries may be what the user has just chosen, and Qt is still at work with it.
+    const auto groups = menu->findChildren<QActionGroup*>();
+    for (QActionGroup* group : groups)
+        group->deleteLater();
     return new QActionGroup(menu);
 }
 

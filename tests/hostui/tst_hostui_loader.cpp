@@ -88,7 +88,9 @@ private slots:
         QCOMPARE(m_loader->GetMenu("menuTray"_s, "meuNothing"_s), nullptr);
 
         QCOMPARE(CheckedTexts(skins), QStringList("Default"_s));
-        skins->actions().constLast()->trigger();
+        const QPointer<QAction> chosen = skins->actions().constLast();
+        connect(skins, &QMenu::triggered, this, [&chosen] { QVERIFY(chosen); });
+        chosen->trigger();
         QCOMPARE(m_loader->GetSkin(), "night"_s);
         QCOMPARE(CheckedTexts(skins), QStringList("Night"_s));
         QCOMPARE(skins->actions().size(), 3);

@@ -189,14 +189,17 @@ private slots:
         };
         const QStringList none;
         const QVariantMap order {{"subDir"_s, "12_shot"_s}, {"manual"_s, 0}};
-        QCOMPARE(list(Running, "1") + list(Finished, "1"), none); // the window's turn
+        QCOMPARE(list(Running, "1"), none);
+        QCOMPARE(list(Finished, "1"), none); // the window's turn
         orders.Remember({{"j"_s, order}});
-        QCOMPARE(list(Finished, "1") + list(ToFullRender, "1"), none);
+        QCOMPARE(list(Finished, "1"), none);
+        QCOMPARE(list(ToFullRender, "1"), none);
         QCOMPARE(list(Finished, "1"), QStringList("j"_s));
         QCOMPARE(list(Finished, "1"), none);
         QCOMPARE(list(Finished, "2"), QStringList("j"_s)); // between two lists
         orders.Clear();
-        QCOMPARE(list(Running, "2") + list(Finished, "2"), none);
+        QCOMPARE(list(Running, "2"), none);
+        QCOMPARE(list(Finished, "2"), none);
     }
 };
 
