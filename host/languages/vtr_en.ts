@@ -50,6 +50,10 @@
         <source>The embedded farm could not be started. Please restart the client.</source>
         <translation>The embedded farm could not be started. Please restart the client.</translation>
     </message>
+    <message>
+        <source>The settings name a server that is not a URL the client can use: %1. Please correct %2 in %3, or clear it to use the embedded farm.</source>
+        <translation>The settings name a server that is not a URL the client can use: %1. Please correct %2 in %3, or clear it to use the embedded farm.</translation>
+    </message>
 </context>
 <context>
     <name>ConfigurationDialog</name>
@@ -165,6 +169,14 @@
     <message>
         <source>A change to the downloads could not be recorded: %1. The client keeps trying.</source>
         <translation>A change to the downloads could not be recorded: %1. The client keeps trying.</translation>
+    </message>
+    <message>
+        <source>The files of %1 cannot be downloaded: %2</source>
+        <translation>The files of %1 cannot be downloaded: %2</translation>
+    </message>
+    <message>
+        <source>%1 has no files to download yet.</source>
+        <translation>%1 has no files to download yet.</translation>
     </message>
 </context>
 <context>

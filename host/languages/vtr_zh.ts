@@ -50,6 +50,10 @@
         <source>The embedded farm could not be started. Please restart the client.</source>
         <translation>无法启动内置渲染农场。请重新启动客户端。</translation>
     </message>
+    <message>
+        <source>The settings name a server that is not a URL the client can use: %1. Please correct %2 in %3, or clear it to use the embedded farm.</source>
+        <translation>设置中的服务器不是客户端可用的网址：%1。请更正 %3 中的 %2，或将其清空以使用内置渲染农场。</translation>
+    </message>
 </context>
 <context>
     <name>ConfigurationDialog</name>
@@ -165,6 +169,14 @@
     <message>
         <source>A change to the downloads could not be recorded: %1. The client keeps trying.</source>
         <translation>无法记录对下载的更改：%1。客户端会不断重试。</translation>
+    </message>
+    <message>
+        <source>The files of %1 cannot be downloaded: %2</source>
+        <translation>%1 的文件无法下载：%2</translation>
+    </message>
+    <message>
+        <source>%1 has no files to download yet.</source>
+        <translation>%1 还没有可下载的文件。</translation>
     </message>
 </context>
 <context>
