@@ -19,6 +19,30 @@ std::string NameOf(const QString& path)
     return QFileInfo(path).fileName().toStdString();
 }
 
+template <typename Call>
+void Sync(const QString& path, Call call)
+{
+    const int file = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    const bool synced = file >= 0 && call(file) == 0;
+    const int error = errno;
+    if (file >= 0)
+        ::close(file);
+    if (!synced)
+        throw DiskError("cannot write " + NameOf(path) + " to the disk", error);
+}
+
+// A disk has to finish its journal for every file that is synced alone, but only once for all together.
+void SyncAllToDisk(const QStringList& paths)
+{
+    constexpr int MostAlone = 8;
+    if (paths.size() <= MostAlone) {
+        for (const QString& path : paths)
+            SyncToDisk(path);
+        return;
+    }
+    Sync(paths.first(), ::syncfs);
+}
+
 bool WriteAndSync(int file, std::int64_t offset, const QByteArray& bytes)
 {
     int written = 0;
@@ -38,23 +62,27 @@ bool WriteAndSync(int file, std::int64_t offset, const QByteArray& bytes)
 
 void SyncToDisk(const QString& path)
 {
-    const int file = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    const bool synced = file >= 0 && ::fsync(file) == 0;
-    const int error = errno;
-    if (file >= 0)
-        ::close(file);
-    if (!synced)
-        throw DiskError("cannot write " + NameOf(path) + " to the disk", error);
+    Sync(path, ::fsync);
 }
 
 void RenameDurably(const QString& from, const QString& to)
 {
-    SyncToDisk(from);
-    // QFile::rename() does not replace a file.
-    if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0)
-        throw DiskError("cannot rename " + NameOf(from) + " to " + NameOf(to), errno);
-    // The new name is on the disk only after the folder has been synced.
-    SyncToDisk(QFileInfo(to).path());
+    RenameAllDurably({{to, from}});
+}
+
+void RenameAllDurably(const QMap<QString, QString>& fromByTo)
+{
+    SyncAllToDisk(fromByTo.values());
+    QStringList folders;
+    for (auto file = fromByTo.cbegin(); file != fromByTo.cend(); ++file) {
+        // QFile::rename() does not replace a file.
+        if (std::rename(QFile::encodeName(*file).constData(), QFile::encodeName(file.key()).constData()) != 0)
+            throw DiskError("cannot rename " + NameOf(*file) + " to " + NameOf(file.key()), errno);
+        folders.append(QFileInfo(file.key()).path());
+    }
+    // The new names are on the disk only after their folders have been synced.
+    folders.removeDuplicates();
+    SyncAllToDisk(folders);
 }
 
 void AppendDurably(const QString& path, std::int64_t offset, const QByteArray& bytes)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QMap>
 #include <QString>
 
 #include <cstdint>
@@ -32,6 +33,10 @@ void SyncToDisk(const QString& path);
 /// Moves a complete file or folder to its final name on the same disk; an existing file of that name is replaced.
 /// Content and name are on the disk when it returns.
 void RenameDurably(const QString& from, const QString& to);
+
+/// Like RenameDurably() of each file, keyed by its final name, on one disk; cheaper for many. When it throws, any of them
+/// may have its final name.
+void RenameAllDurably(const QMap<QString, QString>& fromByTo);
 
 /// Writes the bytes at `offset`, the current end of the file, which is created when `offset` is 0. They are on the disk
 /// when it returns; when they cannot be written, the file is truncated to `offset`.

@@ -74,19 +74,20 @@ QString ContentStore::NewIncomingFolder()
 // A content that is already here is overwritten with the same bytes, which repairs a copy that the disk has damaged.
 void ContentStore::Take(const std::vector<UnpackedFile>& files)
 {
-    QSet<QString> taken;
+    QMap<QString, QString> moves;
+    bool hasNewFolder = false;
     for (const UnpackedFile& file : files) {
-        if (taken.contains(file.checksum))
-            continue;
-        taken.insert(file.checksum);
         const QString target = FileOf(file.checksum);
         const QString folder = QFileInfo(target).path();
         if (!QFileInfo::exists(folder)) {
             MakeFolder(folder);
-            storage::SyncToDisk(m_folder);
+            hasNewFolder = true;
         }
-        storage::RenameDurably(file.file, target);
+        moves.insert(target, file.file);
     }
+    storage::RenameAllDurably(moves);
+    if (hasNewFolder)
+        storage::SyncToDisk(m_folder);
 }
 
 void ContentStore::Give(std::int64_t account, const std::vector<UnpackedFile>& files)

@@ -3,7 +3,6 @@
 #include "farm/base/safe_path.h"
 #include "storage/checksum.h"
 #include "storage/disk_full.h"
-#include "storage/durable_file.h"
 
 #include <QDir>
 #include <QFile>
@@ -149,7 +148,6 @@ UnpackedFile UnpackEntry(zip_t* archive, zip_uint64_t index, const EntryInfo& en
     });
     if (!file.flush())
         storage::ThrowWriteError("cannot write an unpacked file", QFileInfo(target).path(), entry.size);
-    storage::SyncToDisk(target);
     return {{entry.path, entry.size, hash.Result()}, target};
 }
 

@@ -43,7 +43,8 @@ struct UnpackedFile : PackedFile
 
 /// Writes the files of a ZIP archive into the existing `folder` under names of its own choosing. Trusts nothing that
 /// the archive says about itself. Throws BadPackage when the archive is refused, Interrupted, and std::runtime_error when
-/// a file cannot be written; the caller then removes the files written so far.
+/// a file cannot be written; the caller then removes the files written so far. They may not be on the disk yet when it
+/// returns.
 /// @param goOn is called before each block; false stops the work.
 std::vector<UnpackedFile> Unpack(
     const QString& package, const QString& folder, const std::function<bool()>& goOn);

@@ -114,16 +114,22 @@ private slots:
         UploadStore uploads(data.database, contents, Path("uploads"_s), 1'000'000);
         const QString folder = QFileInfo(m_folder->path()).fileName();
         QCOMPARE(diskCalls, (QStringList {Sync + folder, Sync + folder}));
-        const QByteArray package = Package({{"scene.txt", "a scene"}});
-        const Upload upload = uploads.Begin(data.account, Sha256(package), package.size(), 1);
-        diskCalls.clear();
-        uploads.Append(data.account, upload.id, 0, package, 2);
-        QVERIFY(Ordered({Sync + upload.id, "sync uploads"_s}));
-        diskCalls.clear();
-        uploads.Unpack(data.account, upload.id, 3);
         const QString checksum = Sha256("a scene");
-        QVERIFY(Ordered(
-            {"sync 0"_s, "sync contents"_s, "rename "_s + checksum, Sync + checksum.left(2), Record()}));
+        SceneContents scene {{"scene.txt", "a scene"}};
+        for (const bool hasMany : {false, true}) {
+            for (int more = 0; hasMany && more < 8; ++more)
+                scene.append({QByteArray::number(more), QByteArray::number(more)});
+            const QByteArray package = Package(scene);
+            const Upload upload = uploads.Begin(data.account, Sha256(package), package.size(), 1);
+            diskCalls.clear();
+            uploads.Append(data.account, upload.id, 0, package, 2);
+            QVERIFY(Ordered({Sync + upload.id, "sync uploads"_s}));
+            diskCalls.clear();
+            uploads.Unpack(data.account, upload.id, 3);
+            const QString files = hasMany ? "sync all"_s : "sync 0"_s;
+            const QString folders = hasMany ? "sync all"_s : Sync + checksum.left(2);
+            QVERIFY(Ordered({files, "rename "_s + checksum, folders, "sync contents"_s, Record()}));
+        }
 
         NewJob job = data.Job("job"_s);
         job.files = {{"scene.txt"_s, checksum}};

@@ -13,8 +13,8 @@
 #include <unistd.h>
 #include <utility>
 
-/// The calls with which this program puts changes on the disk, in order: "sync <file name>" and "rename <new file name>".
-/// Use TakeDiskCalls() while other threads write.
+/// The calls with which this program puts changes on the disk, in order: "sync <file name>", "sync all" and
+/// "rename <new file name>". Use TakeDiskCalls() while other threads write.
 inline QStringList diskCalls;
 /// Makes syncing fail, as on a broken disk.
 inline std::atomic<bool> diskFails = false;
@@ -61,6 +61,12 @@ __attribute__((visibility("default"))) int fsync(int file)
 __attribute__((visibility("default"))) int fdatasync(int file)
 {
     return disk_calls::Sync(file, SYS_fdatasync);
+}
+__attribute__((visibility("default"))) int syncfs(int file) noexcept
+{
+    disk_calls::Record(QStringLiteral("sync all"));
+    errno = EIO;
+    return diskFails ? -1 : int(::syscall(SYS_syncfs, file));
 }
 __attribute__((visibility("default"))) int rename(const char* from, const char* to) noexcept
 {
