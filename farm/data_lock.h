@@ -19,9 +19,6 @@ public:
     DataLock(const DataLock&) = delete;
     DataLock& operator=(const DataLock&) = delete;
 
-    /// The open file, for processes that inherit it and must not hold the lock.
-    int File() const { return m_file; }
-
 private:
     void Open();
     bool Wait(int waitMs) const;

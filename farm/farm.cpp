@@ -33,7 +33,7 @@ Farm::Farm(const FarmSettings& settings)
     , m_scenes(m_database, m_contents, settings.sceneFolder)
     , m_files(Folder("jobs"), m_scenes)
     , m_pictures(m_database, m_files)
-    , m_executor(settings.slotCount, {m_dataFolder, m_lock.File()})
+    , m_executor(settings.slotCount, m_dataFolder)
     , m_scheduler(m_queue, m_executor, m_files, m_types, settings.lookInterval)
     , m_actions(m_database, [this] { m_scheduler.NudgeLater(); })
     , m_submission(m_database, m_jobs, m_contents, m_types.keys(), settings.quota,

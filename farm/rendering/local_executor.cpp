@@ -1,5 +1,6 @@
 #include "farm/rendering/local_executor.h"
 
+#include "farm/rendering/render_process.h"
 #include "farm/rendering/stray_renderers.h"
 
 #include <QStandardPaths>
@@ -10,11 +11,11 @@
 
 namespace farm {
 
-LocalExecutor::LocalExecutor(int slotCount, const RenderOwner& owner)
+LocalExecutor::LocalExecutor(int slotCount, const QString& dataFolder)
     : m_slots(std::max(1, slotCount))
-    , m_owner(owner)
+    , m_dataFolder(dataFolder)
 {
-    StrayRenderers::End(owner.dataFolder);
+    StrayRenderers::End(dataFolder);
     if (!Confinement::IsSupported())
         spdlog::warn(
             "this machine's kernel has no Landlock: renderers can read all files that the farm can read");
@@ -29,7 +30,7 @@ bool LocalExecutor::Has(const QString& program) const
 
 void LocalExecutor::Start(const FrameKey& frame, const RenderCommand& command, Ended ended)
 {
-    auto process = std::make_unique<RenderProcess>(command, m_owner);
+    auto process = std::make_unique<RenderProcess>(command, m_dataFolder);
     // Queued, because a renderer that cannot be started may report it before Run() returns.
     QObject::connect(
         process.get(), &RenderProcess::Ended, process.get(),

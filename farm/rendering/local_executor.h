@@ -1,19 +1,20 @@
 #pragma once
 
 #include "farm/rendering/executor.h"
-#include "farm/rendering/render_process.h"
 
 #include <map>
 #include <memory>
 
 namespace farm {
 
+class RenderProcess;
+
 /// Runs renderers as processes on this machine at a low priority. They end with the farm, even if it is killed.
 class LocalExecutor : public Executor
 {
 public:
     /// Ends the processes that renderers of an earlier farm on this folder have left behind.
-    LocalExecutor(int slotCount, const RenderOwner& owner);
+    LocalExecutor(int slotCount, const QString& dataFolder);
     ~LocalExecutor() override;
 
     int Slots() const override { return m_slots; }
@@ -23,7 +24,7 @@ public:
 
 private:
     int m_slots;
-    RenderOwner m_owner;
+    QString m_dataFolder;
     std::map<FrameKey, std::unique_ptr<RenderProcess>> m_processes;
 };
 

@@ -2,14 +2,12 @@
 
 #include "farm/rendering/stray_renderers.h"
 
-#include <QCoreApplication>
 #include <QProcessEnvironment>
 #include <QStandardPaths>
 
 #include <csignal>
 #include <cstdlib>
 #include <linux/close_range.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 #include <utility>
@@ -40,10 +38,8 @@ std::int64_t TakeCoreMilliseconds()
 
 } // namespace
 
-RenderProcess::RenderProcess(const RenderCommand& command, const RenderOwner& owner)
-    : m_farm(QCoreApplication::applicationPid())
-    , m_lockFile(owner.lockFile)
-    , m_timeLimit(command.timeLimit)
+RenderProcess::RenderProcess(const RenderCommand& command, const QString& dataFolder)
+    : m_timeLimit(command.timeLimit)
 {
     setProgram(command.program);
     if (command.reach)
@@ -51,7 +47,7 @@ RenderProcess::RenderProcess(const RenderCommand& command, const RenderOwner& ow
             = std::make_unique<Confinement>(*command.reach, QStandardPaths::findExecutable(command.program));
     QProcessEnvironment environment
         = command.reach ? PoorEnvironment(*command.reach) : QProcessEnvironment::systemEnvironment();
-    StrayRenderers::Mark(environment, owner.dataFolder);
+    StrayRenderers::Mark(environment, dataFolder);
     setProcessEnvironment(environment);
     setArguments(command.arguments);
     setWorkingDirectory(command.folder);
@@ -94,18 +90,12 @@ QProcessEnvironment RenderProcess::PoorEnvironment(const Reach& reach)
 void RenderProcess::Run()
 {
     m_timeLimitTimer.start(m_timeLimit);
-    start();
+    Launch();
 }
 
 // Runs in the child between fork and exec: system calls only.
 void RenderProcess::setupChildProcess()
 {
-    // On a busy machine it may take long until the renderer starts; the next farm must not wait for the lock until then.
-    ::close(m_lockFile);
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    // The farm may have been killed before it could take its renderer along.
-    if (::getppid() != m_farm)
-        ::_exit(EXIT_FAILURE);
     ::setpgid(0, 0);
     ::setpriority(PRIO_PROCESS, 0, Priority);
     // An inherited connection would stay open for the client until the renderer ends.

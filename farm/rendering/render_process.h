@@ -1,8 +1,8 @@
 #pragma once
 
 #include "farm/rendering/executor.h"
+#include "processes/bound_process.h"
 
-#include <QProcess>
 #include <QTimer>
 
 #include <chrono>
@@ -10,22 +10,14 @@
 
 namespace farm {
 
-/// The farm that a renderer belongs to.
-struct RenderOwner
-{
-    QString dataFolder;
-    /// The open file that locks the folder.
-    int lockFile = -1;
-};
-
 /// One run of a renderer. The destructor ends the renderer and all processes that it has started.
-class RenderProcess : public QProcess
+class RenderProcess : public BoundProcess
 {
     Q_OBJECT
 
 public:
     /// Throws std::runtime_error when the renderer cannot be confined as the command asks.
-    RenderProcess(const RenderCommand& command, const RenderOwner& owner);
+    RenderProcess(const RenderCommand& command, const QString& dataFolder);
     ~RenderProcess() override;
 
     void Run();
@@ -46,8 +38,6 @@ private:
     static QProcessEnvironment PoorEnvironment(const Reach& reach);
 
     std::unique_ptr<Confinement> m_confinement;
-    qint64 m_farm; // the process that runs this farm
-    int m_lockFile;
     std::chrono::seconds m_timeLimit;
     QTimer m_timeLimitTimer;
     QByteArray m_outputTail;

@@ -91,7 +91,9 @@ void FarmProcess::Launch()
         QStringLiteral("0"), QStringLiteral("--stop-with-stdin")};
     if (m_takesOver)
         arguments.append(QStringLiteral("--take-over"));
-    m_process.start(m_program, arguments);
+    m_process.setProgram(m_program);
+    m_process.setArguments(arguments);
+    m_process.Launch();
 }
 
 /// Passes the farm's log on to this program's standard error and remembers its end.

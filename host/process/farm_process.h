@@ -1,8 +1,9 @@
 #pragma once
 
+#include "processes/bound_process.h"
+
 #include <QElapsedTimer>
 #include <QObject>
-#include <QProcess>
 #include <QTimer>
 #include <QUrl>
 
@@ -57,6 +58,12 @@ signals:
     void GivenUp(const QString& reason);
 
 private:
+    /// Ends at the end of its standard input, which comes even when the client is killed.
+    class Process : public BoundProcess
+    {
+        void setupChildProcess() override { Unbind(); }
+    };
+
     void Launch();
     void ReadOutput();
     void ReadLog();
@@ -67,7 +74,7 @@ private:
     QString m_program;
     QString m_dataFolder;
     Limits m_limits;
-    QProcess m_process;
+    Process m_process;
     QTimer m_startDeadline;
     QTimer m_restart;
     QElapsedTimer m_listening;

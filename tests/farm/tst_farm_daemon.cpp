@@ -1,7 +1,12 @@
+#include "processes/bound_process.h"
 #include "tests/farm/farm_fixture.h"
 #include "tests/support/worker_process.h"
 
 #include <csignal>
+#include <poll.h>
+#include <pthread.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace farm;
 
@@ -73,6 +78,27 @@ private slots:
         QCOMPARE(ReadFile(Path("jobs/log"_s)), QByteArray("1\n2\n3\n4\n4\n5\n6\n"));
         for (int number = 1; number <= 6; ++number)
             QCOMPARE(ReadFile(Path("jobs/%1/frame_000%2.txt"_s.arg(job).arg(number))), QByteArray("a scene"));
+    }
+
+    // QProcess's child waits for a word of its parent first.
+    void LeavesNoChildWhenItIsKilledWhileStartingOne()
+    {
+        int ends[2] = {};
+        QCOMPARE(::pipe(ends), 0);
+        const pid_t parent = ::fork();
+        if (parent == 0) {
+            ::pthread_atfork(
+                nullptr, [] { ::raise(SIGKILL); }, nullptr);
+            BoundProcess process;
+            process.setProgram("sleep"_s);
+            process.setArguments({"600"_s});
+            process.Launch();
+        }
+        ::close(ends[1]);
+        pollfd open {ends[0], POLLIN, 0};
+        EVENTUALLY_COMPARE(::poll(&open, 1, 0), 1); // once nobody has the other end
+        ::close(ends[0]);
+        ::waitpid(parent, nullptr, 0);
     }
 
     void TakesMoneyWhileTheFarmRuns()

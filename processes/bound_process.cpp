@@ -1,0 +1,46 @@
+#include "processes/bound_process.h"
+
+#ifdef Q_OS_LINUX
+#include <csignal>
+#include <pthread.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace {
+
+// The process that launches one in this thread now; 0 for none. The child has a copy.
+thread_local pid_t launching = 0;
+
+// Runs in every child of this program, between fork and whatever comes next: system calls only.
+void Bind()
+{
+    if (launching == 0)
+        return;
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // The program may have been killed before that.
+    if (::getppid() != launching)
+        ::_exit(EXIT_FAILURE);
+}
+
+} // namespace
+
+void BoundProcess::Launch()
+{
+    [[maybe_unused]] static const int registered = ::pthread_atfork(nullptr, nullptr, Bind);
+    launching = ::getpid();
+    start();
+    launching = 0;
+}
+
+void BoundProcess::Unbind()
+{
+    ::prctl(PR_SET_PDEATHSIG, 0);
+}
+#else
+void BoundProcess::Launch()
+{
+    start();
+}
+
+void BoundProcess::Unbind() { }
+#endif
