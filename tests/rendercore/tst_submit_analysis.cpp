@@ -65,7 +65,8 @@ const SceneCase SceneCases[] = {
              "\tsetAttr -k on \".w\" 320;\n\tsetAttr \".h\" 240;\n"},
             {"ref.ma"_s,
                 "file -ns r/s -r \"s/a.ma\"; select -ne :defaultRenderGlobals; setAttr \".ef\" 99;"
-                "setAttr \".ftn\" -type \"string\" \"e.png\";"}},
+                "setAttr \".ftn\" -type \"string\" \"e.png\"; setAttr \".ftn\" -type \"string\" "
+                "\"D:/gone.png\";"}},
         "../workspace.mel ../tex/a;b.png ../../else/c.png ../tex/d.1001.png ../tex/d.1002.png ../tex/d.x.png "
         "e.png",
         "s/a.ma s/ref.ma tex/a;b.png external@/else/c.png tex/d.1001.png tex/d.1002.png s/e.png",
