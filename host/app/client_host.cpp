@@ -212,4 +212,5 @@ void ClientHost::ShowClient(const QString& userName)
     m_preview.Attach();
     m_follower.BeginSession(userName);
     m_closing.BeginSession();
+    m_shortcuts.BeginSession();
 }

@@ -6,6 +6,7 @@
 #include "host/mainform/form_closing.h"
 #include "host/mainform/form_follower.h"
 #include "host/mainform/preview_trigger.h"
+#include "host/mainform/shortcuts.h"
 
 #include <QObject>
 
@@ -53,6 +54,7 @@ private:
     PreviewTrigger m_preview;
     FormFollower m_follower;
     FormClosing m_closing;
+    Shortcuts m_shortcuts;
     std::unique_ptr<PluginRunner> m_runner;
     VTBaseInterface* m_client = nullptr; // owned by the plugin; valid until m_runner stops it
     std::unique_ptr<SessionControl> m_session;

@@ -1,6 +1,7 @@
 #include "host/mainform/column_widths.h"
 #include "host/mainform/form_closing.h"
 #include "host/mainform/form_follower.h"
+#include "host/mainform/shortcuts.h"
 #include "host/settings/setting_keys.h"
 #include "host/ui/form_layout.h"
 #include "host/ui/frameless_window.h"
@@ -198,6 +199,42 @@ private slots:
         follower.BeginSession("bob"_s);
         QCOMPARE(form.tabs.currentIndex(), 0);
         EVENTUALLY(table->columnWidth(0) == table->viewport()->width() / 6);
+    }
+
+    void ActsOnItsKeys()
+    {
+        MainForm form;
+        QPushButton search(&form);
+        QPushButton remove(&form);
+        search.setObjectName("btnSearch"_s);
+        remove.setObjectName("btnDelete"_s);
+        form.show();
+        form.activateWindow();
+        auto* table = form.findChild<QTableWidget*>("twtMyRender"_s);
+        table->setItem(1, 0, new QTableWidgetItem("7"_s));
+        auto* bar = new QProgressBar;
+        bar->setValue(30);
+        table->setCellWidget(1, 3, bar);
+        table->setCurrentCell(1, 0);
+        table->setFocus();
+        QVERIFY(QTest::qWaitForWindowActive(&form));
+        QSignalSpy searches(&search, &QPushButton::clicked);
+        QSignalSpy deletions(&remove, &QPushButton::clicked);
+        Shortcuts shortcuts;
+        shortcuts.BeginSession();
+        shortcuts.BeginSession();
+        QTest::keyClick(table, Qt::Key_F, Qt::ControlModifier);
+        QTest::keyClick(table, Qt::Key_Delete);
+        QTest::keyClick(table, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(searches.count(), 1);
+        QCOMPARE(deletions.count(), 1);
+        QCOMPARE(QGuiApplication::clipboard()->text(), "7\t\t\t30%\t\t"_s);
+        search.hide();
+        QTest::keyClick(table, Qt::Key_F, Qt::ControlModifier);
+        form.minimize.setFocus();
+        QTest::keyClick(&form.minimize, Qt::Key_Delete);
+        QCOMPARE(searches.count(), 1);
+        QCOMPARE(deletions.count(), 1);
     }
 
     /// There is no system tray here.
