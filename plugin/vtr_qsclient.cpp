@@ -137,7 +137,6 @@ VTQsClient::VTQsClient()
 
 VTQsClient::~VTQsClient()
 {
-    m_bRetired = false;
     Uninitialize();
     DeleteWindow();
     // On systems other than Linux the library may be unloaded next, so nothing may be left to the event loop.
@@ -156,7 +155,7 @@ VTQsClient::Call::Call(VTQsClient& client)
 VTQsClient::Call::~Call()
 {
     if (--m_client.m_nCalls == 0 && m_client.m_bRetired)
-        delete &m_client;
+        m_client.deleteLater();
 }
 
 void VTQsClient::DeleteWhenIdle()

@@ -43,7 +43,7 @@ public:
     /// Whether an operation is under way: a service or the form has called back from inside it.
     bool IsBusy() const { return m_nCalls > 0; }
 
-    /// Releases the services at once, and deletes this object at the end of the operation that is under way.
+    /// Releases the services at once, and leaves this object to the event loop once no operation is under way.
     void DeleteWhenIdle();
 
 public slots:
