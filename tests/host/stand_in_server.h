@@ -65,6 +65,9 @@ public:
     /// Sets the replies to the next requests, in order. The last one also answers all later requests.
     void SetReplies(const QList<Reply>& replies) { m_replies = replies; }
 
+    /// Answers every request with this text in it by the same reply, instead of the next one.
+    void SetReplyTo(const QByteArray& text, const Reply& reply) { m_fixed.insert(text, reply); }
+
     /// Sends the held reply to the request with this index.
     void Release(int request) { Release(request, m_exchanges.at(request).reply.bytes); }
 
@@ -131,10 +134,19 @@ private:
             return;
         }
         m_requests.append(socket->readAll());
-        const Reply reply = m_replies.size() > 1 ? m_replies.takeFirst() : m_replies.value(0);
+        const Reply reply = ReplyTo(m_requests.constLast());
         m_exchanges.append({socket, reply});
         if (!reply.hold)
             Begin(socket, reply);
+    }
+
+    Reply ReplyTo(const QByteArray& request)
+    {
+        for (auto fixed = m_fixed.cbegin(); fixed != m_fixed.cend(); ++fixed) {
+            if (request.contains(fixed.key()))
+                return fixed.value();
+        }
+        return m_replies.size() > 1 ? m_replies.takeFirst() : m_replies.value(0);
     }
 
     void Begin(QTcpSocket* socket, const Reply& reply)
@@ -169,6 +181,7 @@ private:
     qint64 m_flooded = 0;
     QByteArray m_login;
     QList<Reply> m_replies;
+    QMap<QByteArray, Reply> m_fixed; // by a text in the request
     QList<QByteArray> m_requests;
     QList<Exchange> m_exchanges;
 };

@@ -147,12 +147,12 @@ private slots:
         // The table of orders, which is on the second page of 4096 bytes.
         QByteArray content = ReadFile(Path("transfer/downloads.sqlite"));
         WriteFile(Path("transfer/downloads.sqlite"), content.replace(4096, 4096, QByteArray(4096, 'z')));
-        // The files are asked for again when the list begins anew, which may be before or after the first answer.
-        Client& client = Restart({Listed(Entry(FrameData))});
+        // The list of files is asked for again when the downloads begin anew, before or after the first answer.
+        Client& client = Restart({Whole(FrameData)});
+        m_server->SetReplyTo("/j1/files HTTP", Listed(Entry(FrameData)));
         QVERIFY(client.Await(Finished));
         client.Order();
         QTRY_COMPARE_WITH_TIMEOUT(client.Value("jobId").toString(), "j1"_s, Patience);
-        m_server->SetReplies({Whole(FrameData)});
         QVERIFY(client.Await(Finished));
         QCOMPARE(client.notices.count(), 1);
     }
