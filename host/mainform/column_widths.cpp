@@ -98,6 +98,7 @@ QString ColumnWidths::Key() const
 std::vector<int> ColumnWidths::Shown() const
 {
     std::vector<int> widths;
+    widths.reserve(std::size_t(m_table->columnCount()));
     for (int column = 0; column < m_table->columnCount(); ++column)
         widths.push_back(m_table->columnWidth(column));
     return widths;

@@ -7,12 +7,13 @@
 #include <QEvent>
 #include <QPushButton>
 #include <QSystemTrayIcon>
-#include <QTimer>
 
 FormClosing::FormClosing(VTSettingsInterface* settings, QObject* parent)
     : QObject(parent)
     , m_settings(settings)
 {
+    m_minimising.setSingleShot(true);
+    m_minimising.setInterval(0);
 }
 
 void FormClosing::BeginSession()
@@ -24,16 +25,13 @@ void FormClosing::BeginSession()
     form->installEventFilter(this);
     // The button closes the form with its next signal. At sign-out the form closes too, and has to stay closed.
     if (const auto* button = form->findChild<QPushButton*>(QStringLiteral("btnSystemMin")))
-        connect(button, &QPushButton::released, this, [this] {
-            m_isMinimising = true;
-            QTimer::singleShot(0, this, [this] { m_isMinimising = false; });
-        });
+        connect(button, &QPushButton::released, &m_minimising, qOverload<>(&QTimer::start));
 }
 
 bool FormClosing::eventFilter(QObject* watched, QEvent* event)
 {
-    const bool isByUser
-        = watched == m_form && event->type() == QEvent::Close && (m_isMinimising || event->spontaneous());
+    const bool isByUser = watched == m_form && event->type() == QEvent::Close
+        && (m_minimising.isActive() || event->spontaneous());
     if (!isByUser)
         return false;
     if (QSystemTrayIcon::isSystemTrayAvailable()) {

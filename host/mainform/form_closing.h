@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
 class VTSettingsInterface;
@@ -26,5 +27,5 @@ private:
 
     VTSettingsInterface* m_settings;
     QPointer<QWidget> m_form;
-    bool m_isMinimising = false; // while the minimise button is being clicked
+    QTimer m_minimising; // active while the minimise button is being clicked
 };
