@@ -176,9 +176,8 @@ void VTSubmitList::Refresh()
     const int nBuild = m_nBuild;
     int nRows = lstPlace.size();
     // Reading a task and removing a row may call back, after which the rows may be others or the render core gone.
-    const auto HasChanged = [&] {
-        return nBuild != m_nBuild || nRows != m_pTable->rowCount() || !m_deps.services.pRenderCore;
-    };
+    const auto HasChanged
+        = [&] { return nBuild != m_nBuild || nRows != m_pTable->rowCount() || !m_deps.services.pRenderCore; };
     int nRow = 0;
     for (const int nPlace : lstPlace) {
         if (HasChanged())
