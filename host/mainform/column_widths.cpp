@@ -44,6 +44,7 @@ ColumnWidths::ColumnWidths(
 {
     QHeaderView* header = table->horizontalHeader();
     header->setTextElideMode(Qt::ElideRight);
+    header->setMinimumSectionSize(LeastWidth);
     header->viewport()->installEventFilter(this);
     table->viewport()->installEventFilter(this);
     m_applying.setSingleShot(true);
