@@ -81,7 +81,7 @@ void WindowPlace::Place()
         return;
     // The button knows what else changes with the size. The form may be gone after its first events.
     if (auto* maximize = m_form->findChild<QPushButton*>(QStringLiteral("btnSystemMaxnormal")))
-        QTimer::singleShot(0, maximize, &QPushButton::click);
+        QMetaObject::invokeMethod(maximize, "click", Qt::QueuedConnection);
 }
 
 void WindowPlace::HandleNewPlace()

@@ -132,7 +132,6 @@ private slots:
         } closer;
         QWidget* form = Form("setargument");
         form->installEventFilter(&closer);
-        QTimer::singleShot(Patience, form, [] { qFatal("the dialog does not return"); });
         Arguments()->setData(Qt::UserRole, Groups(1));
         m_client->Entry("Set argument")->trigger();
         QVERIFY(!form->windowHandle()->isVisible() && !QApplication::activeModalWidget());
