@@ -101,8 +101,7 @@ bool ClientHost::ChooseServer(QString* error)
     if (!m_options.server.isEmpty())
         return true;
     *error = tr("The settings name a server that is not a URL the client can use: %1. Please correct %2 in "
-                "%3, or clear "
-                "it to use the embedded farm.")
+                "%3, or clear it to use the embedded farm.")
                  .arg(QUrl(text).toDisplayString(), SettingKeys::ServerUrl,
                      QDir::toNativeSeparators(m_options.configFile));
     qCritical().noquote() << *error;

@@ -8,7 +8,6 @@
 #include <QTableWidget>
 
 #include <algorithm>
-#include <numeric>
 
 namespace {
 

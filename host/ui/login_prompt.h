@@ -4,7 +4,7 @@
 
 class QWidget;
 
-/// What the user typed into a login prompt.
+/// A name and a password as typed into a login prompt.
 struct TypedLogin
 {
     bool isGiven = false; ///< false when the user cancelled
