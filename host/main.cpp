@@ -27,14 +27,19 @@ int main(int argc, char* argv[])
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
-    QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("quillstar"));
-    QApplication::setApplicationVersion(QStringLiteral(QSCLIENT_VERSION));
-    QApplication::setApplicationDisplayName(QStringLiteral("QuillStar Client"));
-    QApplication::setQuitOnLastWindowClosed(false);
-
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.vtr.quillstar"));
+    QCoreApplication::setApplicationName(QStringLiteral("quillstar"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(QSCLIENT_VERSION));
     HostOptions options;
     QString error;
+    if (HostOptions::AsksForText(argc, argv)) {
+        const QCoreApplication console(argc, argv); // needs no display
+        return options.Parse(QCoreApplication::arguments(), &error) ? 0 : Fail(error);
+    }
+
+    QApplication application(argc, argv);
+    QApplication::setApplicationDisplayName(QStringLiteral("QuillStar Client"));
+    QApplication::setQuitOnLastWindowClosed(false);
     if (!options.Parse(QApplication::arguments(), &error))
         return Fail(error);
 

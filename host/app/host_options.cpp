@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 namespace {
 
 QString BesideProgram(const QString& name)
@@ -73,8 +75,11 @@ bool HostOptions::Parse(const QStringList& arguments, QString* error)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("The QuillStar render farm client."));
-    const QCommandLineOption help = parser.addHelpOption();
-    const QCommandLineOption version = parser.addVersionOption();
+    const QCommandLineOption help(
+        {QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help."));
+    const QCommandLineOption version(
+        {QStringLiteral("v"), QStringLiteral("version")}, QStringLiteral("Show the version."));
+    parser.addOptions({help, version});
     AddOptions(parser);
     if (!parser.parse(arguments)) {
         *error = parser.errorText();
@@ -115,6 +120,13 @@ bool HostOptions::Parse(const QStringList& arguments, QString* error)
     else
         return true;
     return false;
+}
+
+bool HostOptions::AsksForText(int argc, const char* const* argv)
+{
+    return std::any_of(argv + 1, argv + argc, [](const QByteArray& argument) {
+        return argument == "-h" || argument == "--help" || argument == "-v" || argument == "--version";
+    });
 }
 
 QUrl ServerUrl(const QString& text)

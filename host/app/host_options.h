@@ -27,6 +27,9 @@ struct HostOptions
     /// @param error receives an English sentence when the command line is wrong.
     /// @return whether the command line is right. `--help` and `--version` print their text and end the process.
     bool Parse(const QStringList& arguments, QString* error);
+
+    /// @return whether the command line asks only for the help or the version.
+    static bool AsksForText(int argc, const char* const* argv);
 };
 
 /// @param text the root of a server as the user typed it.
