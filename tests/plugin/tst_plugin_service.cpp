@@ -251,6 +251,26 @@ private slots:
         QVERIFY(!Form("search")->isVisible());
     }
 
+    void LooksForTheWidgetsOfTheInstalledRoster()
+    {
+        static QStringList lookedFor;
+        m_client->uiLoader.leftOut = QStringList {"*"_s};
+        m_client->Start();
+        const auto previous
+            = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
+                  static const QRegularExpression complaint("^Form (\\S+) has no (\\S+ \\S+)$"_s);
+                  const QRegularExpressionMatch match = complaint.match(text);
+                  if (match.hasMatch())
+                      lookedFor.append("%1 %2"_s.arg(match.captured(1), match.captured(2)));
+              });
+        m_client->Initialize();
+        qInstallMessageHandler(previous);
+        lookedFor.sort();
+        QFile roster(QStringLiteral(ROSTER_FILE));
+        QVERIFY(roster.open(QIODevice::ReadOnly));
+        QCOMPARE(lookedFor, QString::fromUtf8(roster.readAll()).trimmed().split("\n"_s));
+    }
+
     void LogsMissingWidgetsAndFormsAndWorksOn()
     {
         const std::tuple<QStringList, QStringList, int> lacks[]
