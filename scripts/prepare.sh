@@ -7,8 +7,8 @@ PACKAGES="g++ cmake ninja-build ccache pkg-config
     povray povray-includes
     xvfb xauth fonts-dejavu-core fonts-inter fonts-wqy-microhei"
 
-# For ./test only: the checks of scripts/lint.sh.
-LINT_PACKAGES="git clang-format clang-tidy clazy"
+# For ./test only: the checks of scripts/lint.sh and of the packages.
+LINT_PACKAGES="git clang-format clang-tidy clazy dpkg-dev file desktop-file-utils appstream"
 
 say() { printf '%s\n' "$*" >&2; }
 
