@@ -1,6 +1,7 @@
 #include "farm/demo_data.h"
 
 #include "farm/accounts/account_store.h"
+#include "farm/jobs/frame_store.h"
 #include "farm/jobs/job_actions.h"
 #include "farm/jobs/job_store.h"
 
@@ -64,6 +65,12 @@ constexpr std::array<LiveJob, 10> LiveJobs {{
     {"credits_sh110", "ripples.pov", 125, JobStatus::Waiting},
     {"harbour_sh120", "lighthouse.pov", 120, JobStatus::Waiting},
 }};
+
+const QString Failure = QStringLiteral("the renderer ended with code 1");
+constexpr const char* FailureLog
+    = "\n==== [Parsing...] ==========================================================\n"
+      "File 'main.pov' line 31: Parse Error: Cannot find image map 'maps/sail.png'.\n"
+      "Fatal error in parser: Cannot parse input.\nRender failed";
 
 JobStatus PastStatus(int index)
 {
@@ -136,8 +143,12 @@ void AddPastJob(SQLite::Database& connection, JobStore& jobs, const NewJob& job)
     if (job.status != JobStatus::Finished && job.status != JobStatus::Failed)
         return;
     Execute(connection, "UPDATE jobs SET ended_at = ?2, message = ?3 WHERE key = ?1", key,
-        job.submittedAt + std::int64_t(done) * 40,
-        job.status == JobStatus::Failed ? QStringLiteral("the renderer ended with code 1") : QString());
+        job.submittedAt + std::int64_t(done) * 40, job.status == JobStatus::Failed ? Failure : QString());
+    if (job.status != JobStatus::Failed)
+        return;
+    Execute(connection, "UPDATE frames SET failures = ?3 WHERE job = ?1 AND number = ?2", key, done + 1,
+        AttemptsPerFrame);
+    KeepFrameLog(connection, key, done + 1, Failure + QLatin1String(FailureLog));
 }
 
 std::int64_t AddDemoAccount(AccountStore& accounts, std::vector<std::int64_t>& projects)

@@ -33,13 +33,15 @@ Farm::Farm(const FarmSettings& settings)
     , m_scenes(m_database, m_contents, settings.sceneFolder)
     , m_files(Folder("jobs"), m_scenes)
     , m_pictures(m_database, m_files)
+    , m_frames(m_database)
     , m_executor(settings.slotCount, m_dataFolder)
-    , m_scheduler(m_queue, m_executor, m_files, m_types, settings.lookInterval)
+    , m_scheduler(m_queue, m_executor, m_files, m_inWork, m_types, settings.lookInterval)
     , m_actions(m_database, [this] { m_scheduler.NudgeLater(); })
     , m_submission(m_database, m_jobs, m_contents, m_types.keys(), settings.quota,
           [this] { m_scheduler.NudgeLater(); })
-    , m_http(
-          {m_accounts, m_contents, m_uploads, m_jobs, m_actions, m_submission, m_pictures}, settings.limits)
+    , m_http({m_accounts, m_contents, m_uploads, m_jobs, m_actions, m_submission, m_frames, m_inWork,
+                 m_pictures},
+          settings.limits)
 {
     ForgetOldUploads();
     QObject::connect(&m_forgetTimer, &QTimer::timeout, [this] { ForgetOldUploads(); });

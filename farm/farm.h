@@ -4,10 +4,12 @@
 #include "farm/base/schema.h"
 #include "farm/data_lock.h"
 #include "farm/http/http_api.h"
+#include "farm/jobs/frame_store.h"
 #include "farm/jobs/job_actions.h"
 #include "farm/jobs/job_store.h"
 #include "farm/jobs/job_submission.h"
 #include "farm/rendering/frame_files.h"
+#include "farm/rendering/frames_in_work.h"
 #include "farm/rendering/local_executor.h"
 #include "farm/rendering/picture_store.h"
 #include "farm/rendering/render_queue.h"
@@ -78,6 +80,8 @@ private:
     SceneFiles m_scenes;
     FrameFiles m_files;
     PictureStore m_pictures;
+    FrameStore m_frames;
+    FramesInWork m_inWork;
     LocalExecutor m_executor;
     Scheduler m_scheduler;
     JobActions m_actions;

@@ -127,6 +127,26 @@ Micros AccountStore::Credit(const QString& name, Micros amount)
     });
 }
 
+std::vector<DaysSpending> AccountStore::Spending(std::int64_t account, const QDate& today, int days)
+{
+    const QDate first = today.addDays(1 - days);
+    std::vector<DaysSpending> spending;
+    for (int day = 0; day < days; ++day)
+        spending.push_back({first.addDays(day), 0});
+    m_database.Read([&](SQLite::Database& connection) {
+        SQLite::Statement query(connection,
+            "SELECT date(charged_at, 'unixepoch', 'localtime') AS day, sum(amount) FROM charges "
+            "WHERE account = ? AND charged_at >= ? GROUP BY day");
+        Bind(query, account, std::int64_t(first.startOfDay().toSecsSinceEpoch()));
+        while (query.executeStep()) {
+            const qint64 day = first.daysTo(QDate::fromString(Text(query.getColumn(0)), Qt::ISODate));
+            if (day >= 0 && day < days)
+                spending.at(std::size_t(day)).amount = query.getColumn(1).getInt64();
+        }
+    });
+    return spending;
+}
+
 std::vector<Project> AccountStore::Projects(std::int64_t account)
 {
     return m_database.Read([account](SQLite::Database& connection) {

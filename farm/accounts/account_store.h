@@ -3,6 +3,7 @@
 #include "farm/base/money.h"
 #include "farm/base/schema.h"
 
+#include <QDate>
 #include <QString>
 
 #include <cstdint>
@@ -34,6 +35,13 @@ struct Project
 {
     QString name;
     QString pool;
+};
+
+/// What an account was charged on a day.
+struct DaysSpending
+{
+    QDate day;
+    Micros amount = 0;
 };
 
 struct Session
@@ -69,6 +77,8 @@ public:
     /// Pays the amount into the account with this name or e-mail address and returns the new balance.
     /// Throws NotFound.
     Micros Credit(const QString& name, Micros amount);
+    /// The charges of the last `days` days, in the farm's local time, ending with `today`; days without any count 0.
+    std::vector<DaysSpending> Spending(std::int64_t account, const QDate& today, int days);
     /// The projects of the account, sorted by name.
     std::vector<Project> Projects(std::int64_t account);
 

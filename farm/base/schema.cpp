@@ -120,11 +120,27 @@ ALTER TABLE frames ADD COLUMN size INTEGER;
 ALTER TABLE frames ADD COLUMN checksum TEXT;
 )sql";
 
+// Accounts look at their frames one by one, and at their charges by day. The charges' index also serves the sum of a job.
+constexpr const char* FrameDetails = R"sql(
+ALTER TABLE frames ADD COLUMN changed_at INTEGER NOT NULL DEFAULT 0;
+
+CREATE TABLE frame_logs(
+    job INTEGER NOT NULL REFERENCES jobs ON DELETE CASCADE,
+    frame INTEGER NOT NULL,
+    text TEXT NOT NULL,
+    PRIMARY KEY(job, frame));
+
+DROP INDEX charges_by_job;
+CREATE INDEX charges_by_frame ON charges(job, frame, amount, core_milliseconds);
+DROP INDEX charges_by_account;
+CREATE INDEX charges_by_day ON charges(account, charged_at, amount);
+)sql";
+
 } // namespace
 
 storage::Migrations Schema()
 {
-    return {FirstSchema, RunsAndFullRenders, ScenesAndPictures};
+    return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails};
 }
 
 } // namespace farm

@@ -14,6 +14,8 @@ namespace {
 
 constexpr int LongestName = 256;
 constexpr int LongestPassword = 1024;
+constexpr int DaysByDefault = 30;
+constexpr int MostDays = 366;
 
 } // namespace
 
@@ -30,6 +32,8 @@ void AccountRoutes::AddTo(HttpServer& server)
     server.Post("/api/v1/session", [this](const ApiRequest& request) { return SignIn(request); });
     server.Delete("/api/v1/session", [this](const ApiRequest& request) { return SignOut(request); });
     server.Get("/api/v1/account", [this](const ApiRequest& request) { return ShowAccount(request); });
+    server.Get(
+        "/api/v1/account/spending", [this](const ApiRequest& request) { return ShowSpending(request); });
     server.Get("/api/v1/projects", [this](const ApiRequest& request) { return ListProjects(request); });
 }
 
@@ -62,6 +66,13 @@ QJsonObject AccountRoutes::ShowAccount(const ApiRequest& request)
 QJsonObject AccountRoutes::ListProjects(const ApiRequest& request)
 {
     return DataJson(ProjectsJson(m_accounts.Projects(m_gate.Authorize(request))));
+}
+
+QJsonObject AccountRoutes::ShowSpending(const ApiRequest& request)
+{
+    const std::int64_t account = m_gate.Authorize(request);
+    const int days = int(WholeNumber(request.Query("days"), "days", DaysByDefault, 1, MostDays));
+    return DataJson(SpendingJson(m_accounts.Spending(account, QDate::currentDate(), days)));
 }
 
 } // namespace farm

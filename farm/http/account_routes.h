@@ -26,6 +26,7 @@ private:
     QJsonObject SignOut(const ApiRequest& request);
     QJsonObject ShowAccount(const ApiRequest& request);
     QJsonObject ListProjects(const ApiRequest& request);
+    QJsonObject ShowSpending(const ApiRequest& request);
 
     RequestGate& m_gate;
     AccountStore& m_accounts;

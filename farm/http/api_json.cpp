@@ -4,25 +4,6 @@
 
 namespace farm {
 
-namespace {
-
-QJsonObject JobJson(const JobRecord& job)
-{
-    return {
-        {QStringLiteral("job_increasement"), QString::number(job.number)},
-        {QStringLiteral("job_id"), job.id},
-        {QStringLiteral("job_type"), job.type},
-        {QStringLiteral("job_name"), job.name},
-        {QStringLiteral("job_submit_time"), TimeText(job.submittedAt)},
-        {QStringLiteral("job_progress"), job.progress},
-        {QStringLiteral("job_status"), job.status},
-        {QStringLiteral("job_cost"), MoneyText(job.cost)},
-        {QStringLiteral("job_cost_unit"), Currency()},
-    };
-}
-
-} // namespace
-
 QJsonObject SessionJson(const Session& session, std::int64_t sessionSeconds)
 {
     const QJsonObject data {
@@ -49,6 +30,18 @@ QJsonObject AccountJson(const Account& account)
     return {{QStringLiteral("isBindToVso"), account.bound}, {QStringLiteral("userInfo"), info}};
 }
 
+QJsonObject SpendingJson(const std::vector<DaysSpending>& days)
+{
+    QJsonArray list;
+    for (const DaysSpending& spent : days) {
+        list.append(QJsonObject {
+            {QStringLiteral("day"), spent.day.toString(Qt::ISODate)},
+            {QStringLiteral("amount"), MoneyText(spent.amount)},
+        });
+    }
+    return {{QStringLiteral("currency"), Currency()}, {QStringLiteral("days"), list}};
+}
+
 QJsonArray ProjectsJson(const std::vector<Project>& projects)
 {
     QJsonArray list;
@@ -59,6 +52,21 @@ QJsonArray ProjectsJson(const std::vector<Project>& projects)
         });
     }
     return list;
+}
+
+QJsonObject JobJson(const JobRecord& job)
+{
+    return {
+        {QStringLiteral("job_increasement"), QString::number(job.number)},
+        {QStringLiteral("job_id"), job.id},
+        {QStringLiteral("job_type"), job.type},
+        {QStringLiteral("job_name"), job.name},
+        {QStringLiteral("job_submit_time"), TimeText(job.submittedAt)},
+        {QStringLiteral("job_progress"), job.progress},
+        {QStringLiteral("job_status"), job.status},
+        {QStringLiteral("job_cost"), MoneyText(job.cost)},
+        {QStringLiteral("job_cost_unit"), Currency()},
+    };
 }
 
 QJsonObject JobPageJson(const JobPage& page)
@@ -123,6 +131,15 @@ QJsonArray PicturesJson(const std::vector<Picture>& pictures)
             {QStringLiteral("checksum"), picture.checksum},
         });
     }
+    return list;
+}
+
+QJsonArray FramesJson(const std::vector<FrameRecord>& frames)
+{
+    QJsonArray list;
+    for (const FrameRecord& frame : frames)
+        list.append(QJsonArray {frame.number, int(frame.state), frame.attempts,
+            qint64(frame.coreMilliseconds), qint64(frame.cost), frame.file, qint64(frame.size)});
     return list;
 }
 

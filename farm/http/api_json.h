@@ -1,6 +1,7 @@
 #pragma once
 
 #include "farm/accounts/account_store.h"
+#include "farm/jobs/frame_store.h"
 #include "farm/jobs/job_store.h"
 #include "farm/rendering/picture.h"
 #include "farm/uploads/upload_store.h"
@@ -13,13 +14,17 @@ namespace farm {
 
 QJsonObject SessionJson(const Session& session, std::int64_t sessionSeconds);
 QJsonObject AccountJson(const Account& account);
+QJsonObject SpendingJson(const std::vector<DaysSpending>& days);
 QJsonArray ProjectsJson(const std::vector<Project>& projects);
+QJsonObject JobJson(const JobRecord& job);
 QJsonObject JobPageJson(const JobPage& page);
 QJsonObject JobInfoJson(const JobRecord& job, const JobPlan& plan);
 /// @param chunkSize is the most bytes that one request may append.
 QJsonObject UploadJson(const Upload& upload, int chunkSize);
 QJsonArray PackedFilesJson(const std::vector<PackedFile>& files);
 QJsonArray PicturesJson(const std::vector<Picture>& pictures);
+/// Each frame as an array, since a job may have thousands; see docs/farm-api.md for the order of its values.
+QJsonArray FramesJson(const std::vector<FrameRecord>& frames);
 /// Wraps the value in an object as its member "data".
 QJsonObject DataJson(const QJsonValue& value);
 /// @param word is the error's name for programs, `message` its sentence for people.

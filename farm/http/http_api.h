@@ -22,6 +22,8 @@ public:
         JobStore& jobs;
         JobActions& actions;
         JobSubmission& submission;
+        FrameStore& frames;
+        const FramesInWork& inWork;
         PictureStore& pictures;
     };
 

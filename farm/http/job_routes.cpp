@@ -13,8 +13,6 @@
 
 #include <QJsonDocument>
 
-#include <algorithm>
-
 namespace farm {
 
 namespace {
@@ -23,17 +21,6 @@ constexpr std::int64_t LargestPage = 1'000'000'000;
 constexpr std::int64_t LargestPageSize = 1000;
 constexpr std::int64_t DefaultPageSize = 18;
 constexpr int MostIds = 1000;
-
-std::int64_t NumberIn(const QByteArray& text, std::int64_t otherwise, std::int64_t largest)
-{
-    if (text.isEmpty())
-        return otherwise;
-    bool ok = false;
-    const std::int64_t number = text.toLongLong(&ok);
-    if (!ok)
-        throw InvalidInput("page and pageSize must be whole numbers");
-    return std::clamp<std::int64_t>(number, 1, largest);
-}
 
 // Queries contain only text; in a body the same value may be a text, a number or an object.
 QByteArray PlainText(const QJsonValue& value)
@@ -75,8 +62,8 @@ QJsonObject JobRoutes::List(const ApiRequest& request)
 {
     const std::int64_t account = m_gate.Authorize(request);
     return DataJson(JobPageJson(m_jobs.List(account, ReadJobConditions(request.Query("conditions")),
-        NumberIn(request.Query("page"), 1, LargestPage),
-        NumberIn(request.Query("pageSize"), DefaultPageSize, LargestPageSize))));
+        WholeNumber(request.Query("page"), "page", 1, 1, LargestPage),
+        WholeNumber(request.Query("pageSize"), "pageSize", DefaultPageSize, 1, LargestPageSize))));
 }
 
 QJsonObject JobRoutes::Search(const ApiRequest& request)
@@ -85,8 +72,9 @@ QJsonObject JobRoutes::Search(const ApiRequest& request)
     const QJsonObject body = request.Body();
     return DataJson(JobPageJson(
         m_jobs.List(account, ReadJobConditions(PlainText(body.value(QLatin1String("conditions")))),
-            NumberIn(PlainText(body.value(QLatin1String("page"))), 1, LargestPage),
-            NumberIn(PlainText(body.value(QLatin1String("pageSize"))), DefaultPageSize, LargestPageSize))));
+            WholeNumber(PlainText(body.value(QLatin1String("page"))), "page", 1, 1, LargestPage),
+            WholeNumber(PlainText(body.value(QLatin1String("pageSize"))), "pageSize", DefaultPageSize, 1,
+                LargestPageSize))));
 }
 
 QJsonObject JobRoutes::Show(const ApiRequest& request)

@@ -4,6 +4,8 @@
 
 #include <QJsonArray>
 
+#include <algorithm>
+
 namespace farm {
 
 QString RequiredText(const QJsonObject& body, const char* key, int longest)
@@ -21,6 +23,18 @@ int RequiredInteger(const QJsonObject& body, const char* key, int least, int mos
     if (!value.isDouble() || !(number >= least && number <= most) || number != int(number))
         throw InvalidInput(std::string(key) + " is missing, is not a whole number or is out of range");
     return int(number);
+}
+
+std::int64_t WholeNumber(
+    const QByteArray& text, const char* key, std::int64_t otherwise, std::int64_t least, std::int64_t most)
+{
+    if (text.isEmpty())
+        return otherwise;
+    bool ok = false;
+    const std::int64_t number = text.toLongLong(&ok);
+    if (!ok)
+        throw InvalidInput(std::string(key) + " must be a whole number");
+    return std::clamp(number, least, most);
 }
 
 QStringList RequiredTexts(const QJsonObject& body, const char* key, int most)

@@ -48,11 +48,11 @@ void AddFrames(
     Execute(connection, sql.c_str(), QStringLiteral("[%1]").arg(job), int(prerender));
 }
 
-void AddMissingFrames(SQLite::Database& connection, const QString& jobs)
+void AddMissingFrames(SQLite::Database& connection, const QString& jobs, std::int64_t now)
 {
     const std::string sql = std::string(WantedFrames)
-        + "INSERT OR IGNORE INTO frames(job, number) SELECT job, number FROM wanted";
-    Execute(connection, sql.c_str(), jobs);
+        + "INSERT OR IGNORE INTO frames(job, number, changed_at) SELECT job, number, ?2 FROM wanted";
+    Execute(connection, sql.c_str(), jobs, now);
 }
 
 std::vector<FrameRange> RangesOf(SQLite::Database& connection, std::int64_t job)

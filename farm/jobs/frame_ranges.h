@@ -25,7 +25,7 @@ void AddFrames(
     SQLite::Database& connection, std::int64_t job, const std::vector<FrameRange>& ranges, bool prerender);
 
 /// Adds the frames of the jobs' ranges that the jobs do not have yet. @param jobs is a JSON array of keys.
-void AddMissingFrames(SQLite::Database& connection, const QString& jobs);
+void AddMissingFrames(SQLite::Database& connection, const QString& jobs, std::int64_t now);
 
 /// The ranges of a job in ascending order.
 std::vector<FrameRange> RangesOf(SQLite::Database& connection, std::int64_t job);

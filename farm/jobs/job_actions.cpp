@@ -58,12 +58,13 @@ QString AffectedJobs(
     return Text(query.getColumn(1));
 }
 
-void ForgetFrames(SQLite::Database& connection, const QString& jobs)
+void ForgetFrames(SQLite::Database& connection, const QString& jobs, std::int64_t now)
 {
     Execute(connection,
-        "UPDATE frames SET finished_at = NULL, file = NULL, size = NULL, checksum = NULL WHERE job IN "
-        "(SELECT value FROM json_each(?))",
-        jobs);
+        "UPDATE frames SET finished_at = NULL, file = NULL, size = NULL, checksum = NULL, changed_at = ?2 "
+        "WHERE job IN (SELECT value FROM json_each(?1))",
+        jobs, now);
+    Execute(connection, "DELETE FROM frame_logs WHERE job IN (SELECT value FROM json_each(?))", jobs);
     // A frame that is being rendered at the moment belongs to the earlier run and does not count for the new one.
     Execute(connection, "UPDATE jobs SET run = run + 1 WHERE key IN (SELECT value FROM json_each(?))", jobs);
 }
@@ -71,9 +72,9 @@ void ForgetFrames(SQLite::Database& connection, const QString& jobs)
 void SendToWork(SQLite::Database& connection, const QString& jobs, std::int64_t now)
 {
     Execute(connection,
-        "UPDATE frames SET failures = 0 WHERE finished_at IS NULL AND job IN (SELECT value FROM "
-        "json_each(?))",
-        jobs);
+        "UPDATE frames SET failures = 0, changed_at = ?2 WHERE finished_at IS NULL AND failures <> 0 "
+        "AND job IN (SELECT value FROM json_each(?1))",
+        jobs, now);
     Execute(connection,
         "UPDATE jobs SET ended_at = NULL, message = '' WHERE key IN (SELECT value FROM json_each(?))", jobs);
     // A job that was stopped while its last frame ended has nothing left to render.
@@ -102,9 +103,9 @@ QStringList JobActions::Apply(JobAction action, std::int64_t account, QStringLis
         Execute(connection, "UPDATE jobs SET status = ?2 WHERE key IN (SELECT value FROM json_each(?1))",
             jobs, static_cast<int>(rule.next));
         if (action == JobAction::Restart)
-            ForgetFrames(connection, jobs);
+            ForgetFrames(connection, jobs, now);
         if (action == JobAction::FullRender)
-            AddMissingFrames(connection, jobs);
+            AddMissingFrames(connection, jobs, now);
         if (rule.sendsToWork)
             SendToWork(connection, jobs, now);
         return QStringList();

@@ -26,6 +26,8 @@ struct RenderResult
     bool ok = false;
     /// The reason for a failure, for the user.
     QString message;
+    /// The end of what the renderer wrote.
+    QString log;
     /// The processor time that the frame took.
     std::int64_t coreMilliseconds = 0;
 };

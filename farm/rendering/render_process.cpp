@@ -16,9 +16,11 @@ namespace farm {
 
 namespace {
 
-// The end of a renderer's output usually names the error, so this much of it is kept.
-constexpr int OutputTail = 400; // bytes
-constexpr int Priority = 10;    // yields to the desktop, but does not starve beside a busy program
+// The end of a renderer's output usually names the error, so this much of it becomes the log of the frame, and a shorter
+// part of that the message of a job that fails.
+constexpr int LogTail = 4000;    // bytes
+constexpr int MessageTail = 400; // bytes
+constexpr int Priority = 10;     // yields to the desktop, but does not starve beside a busy program
 
 std::int64_t Milliseconds(const timeval& time)
 {
@@ -114,7 +116,7 @@ void RenderProcess::KillAll()
 void RenderProcess::CollectOutput()
 {
     m_outputTail += readAll();
-    m_outputTail = m_outputTail.right(OutputTail);
+    m_outputTail = m_outputTail.right(LogTail);
 }
 
 void RenderProcess::ReportExit(int exitCode, QProcess::ExitStatus status)
@@ -122,6 +124,7 @@ void RenderProcess::ReportExit(int exitCode, QProcess::ExitStatus status)
     CollectOutput();
     RenderResult result;
     result.coreMilliseconds = TakeCoreMilliseconds();
+    result.log = OutputEnd(LogTail);
     result.ok = status == QProcess::NormalExit && exitCode == 0;
     if (!result.ok)
         result.message = Message(exitCode, status);
@@ -132,7 +135,7 @@ void RenderProcess::ReportExit(int exitCode, QProcess::ExitStatus status)
 void RenderProcess::ReportError(QProcess::ProcessError error)
 {
     if (error == QProcess::FailedToStart)
-        emit Ended({false, QStringLiteral("the renderer could not be started: ") + errorString(), 0});
+        emit Ended({false, QStringLiteral("the renderer could not be started: ") + errorString(), {}, 0});
 }
 
 QString RenderProcess::Message(int exitCode, QProcess::ExitStatus status) const
@@ -142,10 +145,21 @@ QString RenderProcess::Message(int exitCode, QProcess::ExitStatus status) const
         reason = QStringLiteral("the renderer exceeded its time limit");
     else if (status == QProcess::CrashExit)
         reason = QStringLiteral("the renderer crashed");
-    // The first line is incomplete when output was cut off.
-    const int cut = m_outputTail.size() < OutputTail ? 0 : m_outputTail.indexOf('\n') + 1;
-    const QString output = QString::fromUtf8(m_outputTail.mid(cut)).trimmed();
+    const QString output = OutputEnd(MessageTail);
     return output.isEmpty() ? reason : reason + QStringLiteral("\n") + output;
+}
+
+/// The last lines of the output, which together have at most so many bytes.
+QString RenderProcess::OutputEnd(int most) const
+{
+    const QByteArray tail = m_outputTail.right(most);
+    // The first line is incomplete when output was cut off.
+    const int cut = tail.size() < most ? 0 : tail.indexOf('\n') + 1;
+    QStringList lines = QString::fromUtf8(tail.mid(cut)).trimmed().split(QLatin1Char('\n'));
+    // A renderer that reports its progress goes back to the start of the line each time.
+    for (QString& line : lines)
+        line = line.section(QLatin1Char('\r'), -1, -1, QString::SectionSkipEmpty).remove(QChar::Null);
+    return lines.join(QLatin1Char('\n'));
 }
 
 } // namespace farm

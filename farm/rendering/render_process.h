@@ -34,6 +34,7 @@ private:
     void ReportExit(int exitCode, QProcess::ExitStatus status);
     void ReportError(QProcess::ProcessError error);
     QString Message(int exitCode, QProcess::ExitStatus status) const;
+    QString OutputEnd(int most) const;
     void KillAll();
     static QProcessEnvironment PoorEnvironment(const Reach& reach);
 

@@ -1,6 +1,7 @@
 #include "farm/rendering/render_queue.h"
 
 #include "farm/accounts/arrears.h"
+#include "farm/jobs/frame_store.h"
 #include "farm/jobs/job_status.h"
 
 #include <QJsonArray>
@@ -9,8 +10,6 @@
 namespace farm {
 
 namespace {
-
-constexpr int AttemptsPerFrame = 3;
 
 std::optional<FrameKey> OpenFrame(
     SQLite::Database& connection, std::int64_t job, int run, const std::set<FrameKey>& taken)
@@ -106,18 +105,19 @@ void RenderQueue::PauseJobsInArrears()
     });
 }
 
-void RenderQueue::Finish(
-    const FrameKey& frame, const Picture& picture, std::int64_t coreMilliseconds, std::int64_t now)
+void RenderQueue::Finish(const FrameKey& frame, const Picture& picture, std::int64_t coreMilliseconds,
+    std::int64_t now, const QString& log)
 {
     const Micros amount = Charge(coreMilliseconds, m_price);
     m_database.Write([&](SQLite::Database& connection) {
         if (Execute(connection,
-                "UPDATE frames SET finished_at = ?4, file = ?5, size = ?6, checksum = ?7 "
+                "UPDATE frames SET finished_at = ?4, changed_at = ?4, file = ?5, size = ?6, checksum = ?7 "
                 "WHERE job = ?1 AND number = ?2 AND finished_at IS NULL "
                 "AND (SELECT run FROM jobs WHERE key = ?1) = ?3",
                 frame.job, frame.number, frame.run, now, picture.name, picture.size, picture.checksum)
             == 0)
             return;
+        KeepFrameLog(connection, frame.job, frame.number, log);
         Execute(connection,
             "INSERT INTO charges(account, job, frame, core_milliseconds, amount, charged_at) "
             "SELECT account, key, ?2, ?3, ?4, ?5 FROM jobs WHERE key = ?1",
@@ -134,13 +134,15 @@ void RenderQueue::Finish(
     });
 }
 
-bool RenderQueue::Fail(const FrameKey& frame, const QString& message, std::int64_t now)
+bool RenderQueue::Fail(const FrameKey& frame, const QString& message, std::int64_t now, const QString& log)
 {
     return m_database.Write([&](SQLite::Database& connection) {
-        Execute(connection,
-            "UPDATE frames SET failures = failures + 1 WHERE job = ?1 AND number = ?2 "
-            "AND (SELECT run FROM jobs WHERE key = ?1) = ?3",
-            frame.job, frame.number, frame.run);
+        if (Execute(connection,
+                "UPDATE frames SET failures = failures + 1, changed_at = ?4 WHERE job = ?1 AND number = ?2 "
+                "AND (SELECT run FROM jobs WHERE key = ?1) = ?3",
+                frame.job, frame.number, frame.run, now)
+            != 0)
+            KeepFrameLog(connection, frame.job, frame.number, log);
         return Execute(connection,
                    "UPDATE jobs SET status = ?3, ended_at = ?4, message = ?5 "
                    "WHERE key IN (SELECT key FROM open_jobs WHERE key = ?1) "

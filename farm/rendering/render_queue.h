@@ -33,14 +33,14 @@ public:
     /// Pauses the open jobs of all accounts in arrears.
     void PauseJobsInArrears();
 
-    /// Records a finished frame in one transaction: its picture, the charge, the account's new balance and, with the last
-    /// frame, the end of the job. Does nothing when the frame is recorded already or belongs to an earlier run.
-    void Finish(
-        const FrameKey& frame, const Picture& picture, std::int64_t coreMilliseconds, std::int64_t now);
+    /// Records a finished frame in one transaction: its picture and log, the charge, the account's new balance and, with
+    /// the last frame, the end of the job. Does nothing when the frame is recorded already or belongs to an earlier run.
+    void Finish(const FrameKey& frame, const Picture& picture, std::int64_t coreMilliseconds,
+        std::int64_t now, const QString& log = {});
 
     /// Counts a failed attempt at the frame. The third one makes the job fail, which then keeps the message.
     /// Returns whether the job failed.
-    bool Fail(const FrameKey& frame, const QString& message, std::int64_t now);
+    bool Fail(const FrameKey& frame, const QString& message, std::int64_t now, const QString& log = {});
 
 private:
     Database& m_database;

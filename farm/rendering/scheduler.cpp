@@ -2,6 +2,7 @@
 
 #include "farm/base/local_time.h"
 #include "farm/rendering/frame_files.h"
+#include "farm/rendering/frames_in_work.h"
 #include "farm/rendering/render_queue.h"
 #include "storage/disk_full.h"
 
@@ -37,11 +38,12 @@ RenderCommand CommandFor(const FrameTask& task, const JobType& type, const Rende
 
 } // namespace
 
-Scheduler::Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& files, const JobTypes& types,
-    std::chrono::milliseconds lookInterval)
+Scheduler::Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& files, FramesInWork& inWork,
+    const JobTypes& types, std::chrono::milliseconds lookInterval)
     : m_queue(queue)
     , m_executor(executor)
     , m_files(files)
+    , m_inWork(inWork)
     , m_types(types)
 {
     connect(this, &Scheduler::NudgeWanted, this, &Scheduler::Nudge, Qt::QueuedConnection);
@@ -55,8 +57,9 @@ void Scheduler::Nudge()
         m_queue.PauseJobsInArrears();
         CancelUnwantedFrames();
         const QStringList types = RunnableTypes();
-        while (static_cast<int>(m_rendering.size()) < m_executor.Slots()) {
-            const auto task = m_queue.Next(types, m_lastJob, m_rendering);
+        for (auto taken = m_inWork.All(); static_cast<int>(taken.size()) < m_executor.Slots();
+             taken = m_inWork.All()) {
+            const auto task = m_queue.Next(types, m_lastJob, taken);
             if (!task || !StartFrame(*task))
                 return;
         }
@@ -67,7 +70,7 @@ void Scheduler::Nudge()
 
 void Scheduler::Stop()
 {
-    for (const FrameKey& frame : m_rendering)
+    for (const FrameKey& frame : m_inWork.All())
         m_executor.Cancel(frame);
 }
 
@@ -88,13 +91,11 @@ QStringList Scheduler::RunnableTypes()
 
 void Scheduler::CancelUnwantedFrames()
 {
-    for (auto frame = m_rendering.begin(); frame != m_rendering.end();) {
-        if (m_queue.IsWanted(*frame)) {
-            ++frame;
+    for (const FrameKey& frame : m_inWork.All()) {
+        if (m_queue.IsWanted(frame))
             continue;
-        }
-        m_executor.Cancel(*frame);
-        frame = m_rendering.erase(frame);
+        m_executor.Cancel(frame);
+        m_inWork.Remove(frame);
     }
 }
 
@@ -114,17 +115,17 @@ bool Scheduler::StartFrame(const FrameTask& task)
             spdlog::error("job {} waits for space on the disk: {}", task.jobId.toStdString(), error.what());
             return false;
         }
-        FrameFailed(task, QString::fromUtf8(error.what()));
+        FrameFailed(task, QString::fromUtf8(error.what()), {});
         return true;
     }
-    m_rendering.insert(task.key);
+    m_inWork.Add(task.key, Now());
     spdlog::debug("job {} frame {} started", task.jobId.toStdString(), task.Number());
     return true;
 }
 
 void Scheduler::FrameEnded(const FrameTask& task, const RenderResult& result)
 {
-    m_rendering.erase(task.key);
+    m_inWork.Remove(task.key);
     try {
         Record(task, result);
     } catch (const std::exception& error) {
@@ -139,7 +140,7 @@ void Scheduler::Record(const FrameTask& task, const RenderResult& result)
 {
     if (!result.ok) {
         m_files.RequireRoom();
-        FrameFailed(task, result.message);
+        FrameFailed(task, result.message, result.log);
         return;
     }
     Picture picture;
@@ -148,19 +149,19 @@ void Scheduler::Record(const FrameTask& task, const RenderResult& result)
     } catch (const std::runtime_error& error) {
         if (storage::IsDiskFull(error))
             throw;
-        FrameFailed(task, QString::fromUtf8(error.what()));
+        FrameFailed(task, QString::fromUtf8(error.what()), result.log);
         return;
     }
-    m_queue.Finish(task.key, picture, result.coreMilliseconds, Now());
+    m_queue.Finish(task.key, picture, result.coreMilliseconds, Now(), result.log);
     spdlog::debug("job {} frame {} finished in {} ms", task.jobId.toStdString(), task.Number(),
         result.coreMilliseconds);
 }
 
-void Scheduler::FrameFailed(const FrameTask& task, const QString& message)
+void Scheduler::FrameFailed(const FrameTask& task, const QString& message, const QString& log)
 {
-    spdlog::warn("job {} frame {} failed: {}", task.jobId.toStdString(), task.Number(),
-        message.section(QLatin1Char('\n'), 0, 0).toStdString());
-    if (m_queue.Fail(task.key, message, Now()))
+    const QString reason = message.section(QLatin1Char('\n'), 0, 0);
+    spdlog::warn("job {} frame {} failed: {}", task.jobId.toStdString(), task.Number(), reason.toStdString());
+    if (m_queue.Fail(task.key, message, Now(), reason + QLatin1Char('\n') + log))
         spdlog::warn("job {} has failed", task.jobId.toStdString());
 }
 

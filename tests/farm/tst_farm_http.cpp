@@ -23,6 +23,8 @@ const std::tuple<const char*, QByteArray, QByteArray, int> Requests[] = {
     {"deep", "POST /session", QByteArray(1000000, '['), 400},
     {"too large", "POST /session", QByteArray(1024 * 1024 + 1, ' '), 413},
     {"page huge", "GET /jobs?page=9223372036854775807&pageSize=9223372036854775807", {}, 200},
+    {"days huge", "GET /account/spending?days=9223372036854775807", {}, 200},
+    {"since no number", "GET /jobs/x/frames?since=x", {}, 400},
     {"conditions bad UTF-8", "GET /jobs?conditions=%7B%22job_name%22%3A%22%FF%22%7D", {}, 400},
     {"endless id", "GET /jobs/" + QByteArray(8000, 'a'), {}, 404},
     {"ids not texts", "POST /jobs/stop", R"({"ids":[1]})", 400},
@@ -83,10 +85,11 @@ private slots:
 
     void ARequestNeedsASession()
     {
-        for (const char* request : {"GET /account", "GET /projects", "GET /jobs", "POST /jobs/search",
-                 "POST /jobs/stop", "GET /jobs/x", "GET /jobs/x/files", "GET /jobs/x/files/x", "POST /jobs",
-                 "POST /contents/known", "POST /uploads", "GET /uploads/x", "PUT /uploads/x?offset=0",
-                 "POST /uploads/x/unpack"}) {
+        for (const char* request :
+            {"GET /account", "GET /projects", "GET /jobs", "POST /jobs/search", "POST /jobs/stop",
+                "GET /account/spending", "GET /jobs/x", "GET /jobs/x/frames", "GET /jobs/x/frames/1/log",
+                "GET /jobs/x/files", "GET /jobs/x/files/x", "POST /jobs", "POST /contents/known",
+                "POST /uploads", "GET /uploads/x", "PUT /uploads/x?offset=0", "POST /uploads/x/unpack"}) {
             for (const QString& token : {QString(), "no-such-token"_s, m_token}) {
                 m_farm.token = token;
                 const int status = Send(request, R"({"ids":[],"checksums":[]})").status;

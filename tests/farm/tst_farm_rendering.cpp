@@ -132,6 +132,44 @@ private slots:
         QCOMPARE(m_farm->data.Only().message, message);
     }
 
+    void ShowsFramesToTheirAccountOnly()
+    {
+        m_farm->data.Add("bob", "b");
+        m_farm->settings.pricePerCoreSecond = 10'000'000;
+        const QString path = "/jobs/%1/frames"_s.arg(m_farm->Add(3));
+        m_farm->Start(
+            ScriptedTypes("printf 'half\\rall\\n'; i=0; while [ $i -lt 30000 ]; do i=$((i+1)); done; "
+                          "[ {frame} -eq 2 ] || { cp {scene} {output}; exit; }; "
+                          "while [ ! -e ../../gate ]; do sleep 0.01; done; exit 3"));
+        EVENTUALLY_COMPARE(m_farm->data.Only().progress, 33);
+        EVENTUALLY_COMPARE(m_farm->Get(path).Data("rendering")[0][0].toInt(), 2);
+        const Reply first = m_farm->Get(path);
+        const int cost = int(m_farm->data.Only().cost);
+        QVERIFY(cost > 0);
+        QCOMPARE(first.Data("frames")[0],
+            QJsonValue(QJsonArray {1, 2, 1, cost / 10'000, cost, "frame_0001.txt"_s, 16}));
+        QCOMPARE(first.Data("frames")[1], QJsonValue(QJsonArray {2, 0, 0, 0, 0, QString(), 0}));
+        QCOMPARE(first.Data("total").toInt(), 3);
+        QCOMPARE(first.Data("job")["job_status"_s].toInt(), 1);
+        QCOMPARE(m_farm->Get(path + "/1/log"_s).Data("log").toString(), "all"_s);
+        const QJsonArray days = m_farm->Get("/account/spending?days=7"_s).Data("days").toArray();
+        QCOMPARE(days.size(), 7);
+        QCOMPARE(days.last().toObject()["amount"_s].toString(), MoneyText(cost));
+        QVERIFY(m_farm->OpenGate());
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Failed);
+        const Reply next = m_farm->Get(path + "?since=%1"_s.arg(first.Data("time").toInt()));
+        QVERIFY(next.Data("frames").toArray().contains(QJsonArray {2, 3, 3, 0, 0, QString(), 0}));
+        QCOMPARE(next.Data("rendering"), QJsonValue(QJsonArray()));
+        QCOMPARE(m_farm->Get(path + "?since=9000000000"_s).Data("frames"), QJsonValue(QJsonArray()));
+        QCOMPARE(
+            m_farm->Get(path + "/2/log"_s).Data("log").toString(), "the renderer ended with code 3\nall"_s);
+        QCOMPARE(m_farm->Get(path + "/4/log"_s).status, 404);
+        m_farm->SignIn("bob", "b");
+        QCOMPARE(m_farm->Get(path).status, 404);
+        QCOMPARE(m_farm->Get(path + "/1/log"_s).status, 404);
+        QCOMPARE(m_farm->Get("/account/spending?days=1"_s).Data("days")[0]["amount"_s].toString(), "0.00"_s);
+    }
+
     void RendersAsManyFramesAtATimeAsThereAreSlots()
     {
         m_farm->settings.slotCount = 2;

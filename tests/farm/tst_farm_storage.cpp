@@ -294,6 +294,8 @@ private slots:
             old.resize(version);
             Database(folder.filePath("farm.sqlite"_s), old).Read([](SQLite::Database& connection) {
                 connection.exec(OldRecords);
+                if (connection.tableExists("frame_ranges"))
+                    connection.exec("INSERT INTO frame_ranges SELECT job, 1, max(number) FROM frames");
             });
             FarmData data(folder.path());
             const auto next = RenderQueue(data.database, DefaultPrice).Next({"povray"_s}, 0, {});

@@ -1,0 +1,90 @@
+#include "farm/jobs/frame_store.h"
+
+#include "farm/base/errors.h"
+
+namespace farm {
+
+namespace {
+
+FrameRecord ReadFrame(SQLite::Statement& row)
+{
+    FrameRecord frame;
+    frame.number = row.getColumn(0).getInt();
+    const int failures = row.getColumn(1).getInt();
+    const bool isFinished = row.getColumn(2).getInt() != 0;
+    frame.attempts = failures + int(isFinished);
+    if (isFinished)
+        frame.state = FrameState::Finished;
+    else if (failures >= AttemptsPerFrame)
+        frame.state = FrameState::Failed;
+    frame.file = Text(row.getColumn(3));
+    frame.size = row.getColumn(4).getInt64();
+    frame.cost = row.getColumn(5).getInt64();
+    if (isFinished)
+        frame.coreMilliseconds = row.getColumn(6).getInt64();
+    return frame;
+}
+
+std::int64_t KeyOf(SQLite::Database& connection, std::int64_t account, const QString& job)
+{
+    SQLite::Statement query(connection, "SELECT key FROM jobs WHERE account = ? AND id = ?");
+    Bind(query, account, job);
+    if (!query.executeStep())
+        throw NotFound("there is no such job");
+    return query.getColumn(0).getInt64();
+}
+
+int CountOf(SQLite::Database& connection, std::int64_t job)
+{
+    SQLite::Statement query(connection, "SELECT count(*) FROM frames WHERE job = ?");
+    Bind(query, job);
+    return query.executeStep() ? query.getColumn(0).getInt() : 0;
+}
+
+} // namespace
+
+FrameStore::FrameStore(Database& database)
+    : m_database(database)
+{
+}
+
+FrameList FrameStore::List(std::int64_t account, const QString& job, std::int64_t since)
+{
+    return m_database.Read([&](SQLite::Database& connection) {
+        FrameList list;
+        list.job = KeyOf(connection, account, job);
+        list.total = CountOf(connection, list.job);
+        // A frame has a charge for each run of the job; the last one is that of the picture.
+        SQLite::Statement query(connection,
+            "SELECT number, failures, finished_at IS NOT NULL, coalesce(file, ''), coalesce(size, 0), "
+            "(SELECT coalesce(sum(amount), 0) FROM charges WHERE job = frames.job AND frame = number), "
+            "(SELECT core_milliseconds FROM charges WHERE job = frames.job AND frame = number "
+            "ORDER BY key DESC LIMIT 1) "
+            "FROM frames WHERE job = ? AND changed_at >= ? ORDER BY number");
+        Bind(query, list.job, since);
+        while (query.executeStep())
+            list.frames.push_back(ReadFrame(query));
+        return list;
+    });
+}
+
+QString FrameStore::Log(std::int64_t account, const QString& job, int number)
+{
+    return m_database.Read([&](SQLite::Database& connection) {
+        SQLite::Statement query(connection,
+            "SELECT coalesce(text, '') FROM frames LEFT JOIN frame_logs "
+            "ON frame_logs.job = frames.job AND frame = number WHERE frames.job = ? AND number = ?");
+        Bind(query, KeyOf(connection, account, job), number);
+        if (!query.executeStep())
+            throw NotFound("the job has no such frame");
+        return Text(query.getColumn(0));
+    });
+}
+
+void KeepFrameLog(SQLite::Database& connection, std::int64_t job, int frame, const QString& text)
+{
+    Execute(
+        connection, "INSERT OR REPLACE INTO frame_logs(job, frame, text) VALUES (?, ?, ?)", job, frame, text);
+}
+
+} // namespace farm

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "farm/base/money.h"
+#include "farm/base/schema.h"
+
+#include <vector>
+
+namespace farm {
+
+/// A job fails with this many failed attempts at one of its frames.
+constexpr int AttemptsPerFrame = 3;
+
+/// The codes are part of the interface to clients. That a frame is being rendered is not recorded; see FramesInWork.
+enum class FrameState {
+    Waiting = 0,
+    Finished = 2,
+    Failed = 3,
+};
+
+/// A frame as its account sees it.
+struct FrameRecord
+{
+    int number = 1;
+    FrameState state = FrameState::Waiting;
+    /// The attempts that have ended in the current run of the job.
+    int attempts = 0;
+    /// The processor time that the finished frame took.
+    std::int64_t coreMilliseconds = 0;
+    /// What the frame has cost, in all runs of the job.
+    Micros cost = 0;
+    /// The picture's name; empty while there is none.
+    QString file;
+    std::int64_t size = 0; // bytes
+};
+
+struct FrameList
+{
+    /// The database's key of the job.
+    std::int64_t job = 0;
+    /// In the order of their numbers.
+    std::vector<FrameRecord> frames;
+    /// The number of frames that the job has.
+    int total = 0;
+};
+
+/// The frames of jobs as their accounts see them. Thread-safe.
+class FrameStore
+{
+public:
+    explicit FrameStore(Database& database);
+
+    /// The frames of the account's job that have changed at `since` or later. Throws NotFound when there is no such job.
+    FrameList List(std::int64_t account, const QString& job, std::int64_t since);
+
+    /// The end of what the renderer wrote at the last attempt that has ended; empty when there is none. Throws NotFound when
+    /// the account has no such frame.
+    QString Log(std::int64_t account, const QString& job, int number);
+
+private:
+    Database& m_database;
+};
+
+/// Replaces the frame's log. Call it inside a Database::Write().
+void KeepFrameLog(SQLite::Database& connection, std::int64_t job, int frame, const QString& text);
+
+} // namespace farm
