@@ -131,6 +131,7 @@ std::vector<DaysSpending> AccountStore::Spending(std::int64_t account, const QDa
 {
     const QDate first = today.addDays(1 - days);
     std::vector<DaysSpending> spending;
+    spending.reserve(std::size_t(days));
     for (int day = 0; day < days; ++day)
         spending.push_back({first.addDays(day), 0});
     m_database.Read([&](SQLite::Database& connection) {

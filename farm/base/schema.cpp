@@ -123,6 +123,7 @@ ALTER TABLE frames ADD COLUMN checksum TEXT;
 // Accounts look at their frames one by one, and at their charges by day. The charges' index also serves the sum of a job.
 constexpr const char* FrameDetails = R"sql(
 ALTER TABLE frames ADD COLUMN changed_at INTEGER NOT NULL DEFAULT 0;
+CREATE INDEX frames_by_change ON frames(job, changed_at);
 
 CREATE TABLE frame_logs(
     job INTEGER NOT NULL REFERENCES jobs ON DELETE CASCADE,
