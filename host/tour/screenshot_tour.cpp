@@ -100,6 +100,9 @@ void ScreenshotTour::PlanSession()
                 Save(m_session->SignInForm(), QStringLiteral("sign-in"));
                 m_session->SignInAutomatically();
             }});
+    // The client opens the tab that was open last.
+    m_steps.push_back({QStringLiteral("the main window"), [] { return Tabs() && Tabs()->isVisible(); },
+        [] { Tabs()->setCurrentIndex(0); }});
     m_steps.push_back({QStringLiteral("a list of jobs"),
         [] {
             const QTableWidget* jobs = FindJobTable();
