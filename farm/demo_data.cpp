@@ -113,7 +113,7 @@ NewJob PastJob(int index, std::int64_t now)
     job.type = QStringLiteral("povray");
     job.name = QStringLiteral("%1_sh%2").arg(QLatin1String(sequence.name)).arg(shot, 3, 10, QLatin1Char('0'));
     // Users may choose any name; this one shows whether a client takes names for markup.
-    if (index == PastJobs - 1)
+    if (index == 0)
         job.name = QStringLiteral("<b>title</b>_v2");
     if (index == PastJobs - 6) {
         job.name += QStringLiteral("_pre");
