@@ -5,6 +5,8 @@
 #include <QString>
 #include <QUrl>
 
+class ConnectionFeed;
+
 /// The farm's address and the session on it. Workers receive a copy whenever it changes.
 struct FarmAccess
 {
@@ -13,6 +15,7 @@ struct FarmAccess
     QString owner;  ///< server and account in one text, the key of the tasks; empty while nobody is signed in
     QString folder; ///< absolute path below which the owner's finished frames are saved
     ProxyLogin proxy = {};
+    ConnectionFeed* feed = nullptr; ///< told of all exchanges; outlives the workers; may be null
 
     bool IsOpen() const { return !apiRoot.isEmpty() && !token.isEmpty(); }
 };

@@ -28,6 +28,7 @@ void FarmLink::Begin(const FarmAccess& access, const InterruptFlag& interrupted)
     if (std::exchange(m_base, access.apiRoot) != access.apiRoot)
         m_transport.SetBaseUrl(access.apiRoot);
     m_transport.SetProxyLogin(access.proxy);
+    m_transport.SetFeed(access.feed);
     m_token = access.token.toLatin1();
     m_interrupted = interrupted;
 }

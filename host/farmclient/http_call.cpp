@@ -33,7 +33,7 @@ void HttpCall::Attempt()
     m_noted = 0;
     m_reply = m_transport->Begin(m_request);
     if (!m_reply) {
-        EndAttempt({HttpResult::Unreachable, {}, tr("The farm is not running at the moment.")});
+        EndAttempt(HttpResult::Failed({HttpResult::Unreachable, FarmFault::NoServer}));
         return;
     }
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpCall::Collect);
@@ -61,12 +61,12 @@ void HttpCall::Collect()
     m_received += m_reply->readAll();
     NoteProgress(m_received.size());
     if (m_received.size() > m_transport->Limits().answerBytes)
-        EndAttempt({HttpResult::TooLarge, {}, tr("The server's answer is too large.")});
+        EndAttempt(HttpResult::Failed({HttpResult::TooLarge}));
 }
 
 void HttpCall::HandleTimeout()
 {
-    EndAttempt({HttpResult::TimedOut, {}, tr("The server did not answer in time.")});
+    EndAttempt(HttpResult::Failed({HttpResult::TimedOut}));
 }
 
 void HttpCall::HandleFinished()
@@ -80,7 +80,7 @@ void HttpCall::HandleFinished()
         return;
     }
     if (!DecompressReceived()) {
-        EndAttempt({HttpResult::TooLarge, {}, tr("The server's answer is too large.")});
+        EndAttempt(HttpResult::Failed({HttpResult::TooLarge}));
         return;
     }
     EndAttempt(HttpResult::Of(*m_reply, m_received));
@@ -101,6 +101,7 @@ bool HttpCall::DecompressReceived()
 void HttpCall::EndAttempt(const HttpResult& result)
 {
     DropReply();
+    m_transport->Report(m_request, result.fault);
     const HttpLimits& limits = m_transport->Limits();
     if (m_request.repeatable && m_attempt < limits.attempts && result.IsTransient()) {
         const int pause = Backoff(limits.firstPause, limits.longestPause).PauseAfter(m_attempt);

@@ -2,7 +2,6 @@
 
 #include "host/farmclient/farm_numbers.h"
 #include "host/farmclient/http_transport.h"
-#include "host/farmclient/sentences.h"
 #include "json/read_object.h"
 
 #include <QNetworkReply>
@@ -26,53 +25,36 @@ int StatusOf(const QNetworkReply& reply)
     return isOfStatus ? reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() : 0;
 }
 
-QString RefusalText(int status, const QJsonObject& json)
+/// @return why there is no answer.
+FarmFault NoAnswer(const QNetworkReply& reply)
 {
-    const QString message = json.value(QLatin1String("message")).toString();
-    if (!message.isEmpty())
-        return Sentence(message);
-    if (status == HttpStatus::ProxyAuthenticationRequired)
-        return HttpResult::tr("The proxy asks for a name and a password, or refuses those it was given.");
-    return HttpResult::tr("The server answered with status %1.").arg(status);
-}
-
-/// @return the end of a connection in words; Qt has none where its server closed it before an answer.
-QString ConnectionFault(const QNetworkReply& reply)
-{
-    switch (reply.error()) {
-    case QNetworkReply::RemoteHostClosedError:
-    case QNetworkReply::ContentReSendError:
-    case QNetworkReply::UnknownNetworkError:
-        return HttpResult::tr("the connection was closed before the answer was complete");
-    default:
-        return reply.errorString();
-    }
-}
-
-HttpResult NoAnswer(const QNetworkReply& reply)
-{
-    const QString fault = HttpTransport::CertificateFault(reply);
-    if (fault.isEmpty())
-        return {HttpResult::Unreachable, {},
-            Sentence(HttpResult::tr("The server cannot be reached: %1").arg(ConnectionFault(reply)))};
-    return {HttpResult::Untrusted, {},
-        Sentence(HttpResult::tr("The server's certificate is not accepted, so nothing was sent to it: %1")
-                     .arg(fault))};
+    const FarmFault fault = HttpTransport::CertificateFault(reply);
+    return fault.status != 0 ? fault : HttpResult::ConnectionFault(reply);
 }
 
 } // namespace
+
+HttpResult HttpResult::Failed(const FarmFault& fault, const QJsonObject& json)
+{
+    return {fault.status, json, fault.Text(), 0, fault};
+}
+
+FarmFault HttpResult::ConnectionFault(const QNetworkReply& reply)
+{
+    return {Unreachable, reply.error(), reply.errorString()};
+}
 
 HttpResult HttpResult::Of(const QNetworkReply& reply, const QByteArray& body)
 {
     const int status = StatusOf(reply);
     if (status == 0)
-        return NoAnswer(reply);
+        return Failed(NoAnswer(reply));
     const JsonRead read = ReadJsonObject(body);
     if (status == HttpStatus::Ok && read.fault)
-        return {NotJson, {}, tr("The server's answer cannot be read.")};
+        return Failed({NotJson});
     HttpResult result {status, read.object};
     if (status != HttpStatus::Ok)
-        result.error = RefusalText(status, result.json);
+        result = Failed({status, 0, read.object.value(QLatin1String("message")).toString()}, read.object);
     result.retryAfter = std::clamp(reply.rawHeader("Retry-After").toInt(), 0, LongestRetryAfter);
     return result;
 }

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "host/farmclient/farm_fault.h"
+
 #include <QByteArray>
-#include <QCoreApplication>
 #include <QJsonObject>
 #include <QString>
 
@@ -10,9 +11,6 @@ class QNetworkReply;
 /// The answer to a request, or the reason why there is none.
 struct HttpResult
 {
-    Q_DECLARE_TR_FUNCTIONS(HttpResult)
-
-public:
     // These replace the HTTP status when there is no usable answer.
     static constexpr int Unreachable = -1;
     static constexpr int TimedOut = -2;
@@ -24,9 +22,16 @@ public:
     QJsonObject json = {}; ///< the answer's body, even of a failure; empty unless the body is a JSON object
     QString error = {};    ///< sentences for the user; empty when status is 200
     int retryAfter = 0;    ///< seconds that the server asks clients to wait, at most an hour
+    FarmFault fault = {};  ///< what `error` says
+
+    /// @return the result of a request that failed in this way.
+    static HttpResult Failed(const FarmFault& fault, const QJsonObject& json = {});
 
     /// @return the result of a finished exchange, whatever its status; an answer that was cut off is none.
     static HttpResult Of(const QNetworkReply& reply, const QByteArray& body);
+
+    /// @return how the connection ended, for a reply that failed.
+    static FarmFault ConnectionFault(const QNetworkReply& reply);
 
     /// @return whether the same request may succeed later.
     bool IsTransient() const;

@@ -1,5 +1,7 @@
 #include "host/farmclient/http_transport.h"
 
+#include "host/farmclient/connection_feed.h"
+
 #include <QAuthenticator>
 #include <QNetworkProxy>
 #include <QNetworkReply>
@@ -47,13 +49,15 @@ QNetworkProxy ProxyTo(const QUrl& url)
     return QNetworkProxyFactory::proxyForQuery(QNetworkProxyQuery(url)).value(0);
 }
 
-constexpr const char* CertificateFaultKey = "certificateFault";
+constexpr const char* CertificateErrorKey = "certificateError";
+constexpr const char* CertificateWordsKey = "certificateWords";
 
 /// Keeps the reason why a certificate is refused, which the error of the reply does not tell.
 QNetworkReply* Watched(QNetworkReply* reply)
 {
     QObject::connect(reply, &QNetworkReply::sslErrors, reply, [reply](const QList<QSslError>& faults) {
-        reply->setProperty(CertificateFaultKey, faults.constFirst().errorString());
+        reply->setProperty(CertificateErrorKey, int(faults.constFirst().error()));
+        reply->setProperty(CertificateWordsKey, faults.constFirst().errorString());
     });
     return reply;
 }
@@ -152,9 +156,18 @@ QNetworkReply* HttpTransport::Begin(const HttpRequest& request)
     return Watched(reply);
 }
 
-QString HttpTransport::CertificateFault(const QNetworkReply& reply)
+void HttpTransport::Report(const HttpRequest& request, const FarmFault& fault) const
 {
-    return reply.property(CertificateFaultKey).toString();
+    if (m_feed)
+        m_feed->Report(request.verb, request.target, fault);
+}
+
+FarmFault HttpTransport::CertificateFault(const QNetworkReply& reply)
+{
+    const QVariant error = reply.property(CertificateErrorKey);
+    return error.isValid()
+        ? FarmFault {HttpResult::Untrusted, error.toInt(), reply.property(CertificateWordsKey).toString()}
+        : FarmFault();
 }
 
 QString ProxyName(const QUrl& server)

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+class ConnectionFeed;
 class QAuthenticator;
 class QNetworkReply;
 
@@ -53,6 +54,14 @@ public:
     /// ones.
     void SetProxyLogin(const ProxyLogin& login);
 
+    /// Sets who is told of all exchanges; null for nobody. It must outlive this transport.
+    void SetFeed(ConnectionFeed* feed) { m_feed = feed; }
+    ConnectionFeed* Feed() const { return m_feed; }
+
+    /// Tells the feed how an attempt at this request has ended.
+    /// @param fault none if it succeeded.
+    void Report(const HttpRequest& request, const FarmFault& fault = {}) const;
+
     /// A proxy that asks for a password has not passed the request on.
     /// @return whether Begin() has a password for it that the request of this reply did not carry.
     bool CanAnswerProxy(const QNetworkReply& reply);
@@ -61,8 +70,8 @@ public:
     QNetworkReply* Begin(const HttpRequest& request);
     const HttpLimits& Limits() const { return m_limits; }
 
-    /// @return why the server's certificate was not accepted; empty when the reply did not fail by that.
-    static QString CertificateFault(const QNetworkReply& reply);
+    /// @return why the server's certificate was not accepted; no fault when the reply did not fail by that.
+    static FarmFault CertificateFault(const QNetworkReply& reply);
 
 private:
     QByteArray ProxyAuthorization(const QUrl& url) const;
@@ -71,6 +80,7 @@ private:
     QNetworkAccessManager m_network;
     ProxyLogin m_proxyLogin;
     bool m_proxyAsks = false;
+    ConnectionFeed* m_feed = nullptr;
     HttpLimits m_limits;
     QUrl m_base;
 };

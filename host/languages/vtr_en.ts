@@ -39,17 +39,17 @@
         <source>QuillStar Client</source>
         <translation>QuillStar Client</translation>
     </message>
+    <message>
+        <source>Skin</source>
+        <translation>Skin</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Language</translation>
+    </message>
 </context>
 <context>
     <name>ClientHost</name>
-    <message>
-        <source>The embedded farm does not start: %1</source>
-        <translation>The embedded farm does not start: %1</translation>
-    </message>
-    <message>
-        <source>The embedded farm could not be started. Please restart the client.</source>
-        <translation>The embedded farm could not be started. Please restart the client.</translation>
-    </message>
     <message>
         <source>The settings name a server that is not a URL the client can use: %1. Please correct %2 in %3, or clear it to use the embedded farm.</source>
         <translation>The settings name a server that is not a URL the client can use: %1. Please correct %2 in %3, or clear it to use the embedded farm.</translation>
@@ -154,6 +154,147 @@
     </message>
 </context>
 <context>
+    <name>ConnectionDialog</name>
+    <message>
+        <source>Server: the farm on this computer</source>
+        <translation>Server: the farm on this computer</translation>
+    </message>
+    <message>
+        <source>Server: %1</source>
+        <translation>Server: %1</translation>
+    </message>
+    <message>
+        <source>Nothing has failed in this session.</source>
+        <translation>Nothing has failed in this session.</translation>
+    </message>
+</context>
+<context>
+    <name>ConnectionForm</name>
+    <message>
+        <source>Connection</source>
+        <translation>Connection</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>Latest failures</source>
+        <translation>Latest failures</translation>
+    </message>
+    <message>
+        <source>Try again</source>
+        <translation>Try again</translation>
+    </message>
+</context>
+<context>
+    <name>ConnectionText</name>
+    <message>
+        <source>Signing in</source>
+        <translation>Signing in</translation>
+    </message>
+    <message>
+        <source>Signing out</source>
+        <translation>Signing out</translation>
+    </message>
+    <message>
+        <source>Loading the balance</source>
+        <translation>Loading the balance</translation>
+    </message>
+    <message>
+        <source>Loading the projects</source>
+        <translation>Loading the projects</translation>
+    </message>
+    <message>
+        <source>Loading the list of jobs</source>
+        <translation>Loading the list of jobs</translation>
+    </message>
+    <message>
+        <source>Submitting a job</source>
+        <translation>Submitting a job</translation>
+    </message>
+    <message>
+        <source>Stopping jobs</source>
+        <translation>Stopping jobs</translation>
+    </message>
+    <message>
+        <source>Recovering jobs</source>
+        <translation>Recovering jobs</translation>
+    </message>
+    <message>
+        <source>Restarting jobs</source>
+        <translation>Restarting jobs</translation>
+    </message>
+    <message>
+        <source>Deleting jobs</source>
+        <translation>Deleting jobs</translation>
+    </message>
+    <message>
+        <source>Starting a full render</source>
+        <translation>Starting a full render</translation>
+    </message>
+    <message>
+        <source>Loading the list of frames</source>
+        <translation>Loading the list of frames</translation>
+    </message>
+    <message>
+        <source>Downloading a frame</source>
+        <translation>Downloading a frame</translation>
+    </message>
+    <message>
+        <source>Loading a job</source>
+        <translation>Loading a job</translation>
+    </message>
+    <message>
+        <source>Comparing files with the farm</source>
+        <translation>Comparing files with the farm</translation>
+    </message>
+    <message>
+        <source>Unpacking files on the farm</source>
+        <translation>Unpacking files on the farm</translation>
+    </message>
+    <message>
+        <source>Uploading files</source>
+        <translation>Uploading files</translation>
+    </message>
+    <message>
+        <source>1 frame</source>
+        <translation>1 frame</translation>
+    </message>
+    <message>
+        <source>%1 frames</source>
+        <translation>%1 frames</translation>
+    </message>
+    <message>
+        <source>%1 times</source>
+        <translation>%1 times</translation>
+    </message>
+    <message>
+        <source>Asking the farm</source>
+        <translation>Asking the farm</translation>
+    </message>
+    <message>
+        <source>Connected</source>
+        <translation>Connected</translation>
+    </message>
+    <message>
+        <source>Trying again…</source>
+        <translation>Trying again…</translation>
+    </message>
+    <message>
+        <source>Not reachable since %1, list as of %2</source>
+        <translation>Not reachable since %1, list as of %2</translation>
+    </message>
+    <message>
+        <source>Not reachable since %1</source>
+        <translation>Not reachable since %1</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+</context>
+<context>
     <name>DownloadQueue</name>
     <message>
         <source>The list of downloads could not be read. It is kept as %1, and a new list has begun.</source>
@@ -177,6 +318,200 @@
     <message>
         <source>%1 has no files to download yet.</source>
         <translation>%1 has no files to download yet.</translation>
+    </message>
+</context>
+<context>
+    <name>FarmFault</name>
+    <message>
+        <source>the connection was closed before the answer was complete</source>
+        <translation>the connection was closed before the answer was complete</translation>
+    </message>
+    <message>
+        <source>there was no answer in time</source>
+        <translation>there was no answer in time</translation>
+    </message>
+    <message>
+        <source>what answers there is not a farm</source>
+        <translation>what answers there is not a farm</translation>
+    </message>
+    <message>
+        <source>the connection was refused</source>
+        <translation>the connection was refused</translation>
+    </message>
+    <message>
+        <source>the network knows no computer of this name</source>
+        <translation>the network knows no computer of this name</translation>
+    </message>
+    <message>
+        <source>no encrypted connection could be agreed on</source>
+        <translation>no encrypted connection could be agreed on</translation>
+    </message>
+    <message>
+        <source>this computer has lost its network</source>
+        <translation>this computer has lost its network</translation>
+    </message>
+    <message>
+        <source>this computer is not on a network</source>
+        <translation>this computer is not on a network</translation>
+    </message>
+    <message>
+        <source>the network failed, or the connection was closed early</source>
+        <translation>the network failed, or the connection was closed early</translation>
+    </message>
+    <message>
+        <source>the proxy refused the connection</source>
+        <translation>the proxy refused the connection</translation>
+    </message>
+    <message>
+        <source>the proxy closed the connection</source>
+        <translation>the proxy closed the connection</translation>
+    </message>
+    <message>
+        <source>the network knows no proxy of this name</source>
+        <translation>the network knows no proxy of this name</translation>
+    </message>
+    <message>
+        <source>the proxy did not answer in time</source>
+        <translation>the proxy did not answer in time</translation>
+    </message>
+    <message>
+        <source>the proxy could not pass the request on</source>
+        <translation>the proxy could not pass the request on</translation>
+    </message>
+    <message>
+        <source>this computer does not know who has issued it</source>
+        <translation>this computer does not know who has issued it</translation>
+    </message>
+    <message>
+        <source>the server has issued it itself</source>
+        <translation>the server has issued it itself</translation>
+    </message>
+    <message>
+        <source>it has expired</source>
+        <translation>it has expired</translation>
+    </message>
+    <message>
+        <source>it is not valid yet, or this computer&apos;s clock is wrong</source>
+        <translation>it is not valid yet, or this computer&apos;s clock is wrong</translation>
+    </message>
+    <message>
+        <source>it belongs to another server</source>
+        <translation>it belongs to another server</translation>
+    </message>
+    <message>
+        <source>it has been revoked</source>
+        <translation>it has been revoked</translation>
+    </message>
+    <message>
+        <source>it is known to be misused</source>
+        <translation>it is known to be misused</translation>
+    </message>
+    <message>
+        <source>the server shows none</source>
+        <translation>the server shows none</translation>
+    </message>
+    <message>
+        <source>The files would exceed the account&apos;s space on the farm.</source>
+        <translation>The files would exceed the account&apos;s space on the farm.</translation>
+    </message>
+    <message>
+        <source>The farm cannot read the packed files. Please submit the scene again.</source>
+        <translation>The farm cannot read the packed files. Please submit the scene again.</translation>
+    </message>
+    <message>
+        <source>The packed files are too large for the farm.</source>
+        <translation>The packed files are too large for the farm.</translation>
+    </message>
+    <message>
+        <source>The user name or the password is wrong.</source>
+        <translation>The user name or the password is wrong.</translation>
+    </message>
+    <message>
+        <source>The session has ended. Please sign in again.</source>
+        <translation>The session has ended. Please sign in again.</translation>
+    </message>
+    <message>
+        <source>There were too many requests. Please try again in a moment.</source>
+        <translation>There were too many requests. Please try again in a moment.</translation>
+    </message>
+    <message>
+        <source>The farm has a fault of its own. Its log says more.</source>
+        <translation>The farm has a fault of its own. Its log says more.</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s disk is full.</source>
+        <translation>The farm&apos;s disk is full.</translation>
+    </message>
+    <message>
+        <source>The farm has no such job.</source>
+        <translation>The farm has no such job.</translation>
+    </message>
+    <message>
+        <source>The farm no longer has this upload.</source>
+        <translation>The farm no longer has this upload.</translation>
+    </message>
+    <message>
+        <source>The server does not know this request. It may be older than the client.</source>
+        <translation>The server does not know this request. It may be older than the client.</translation>
+    </message>
+    <message>
+        <source>The farm does not render jobs of this type.</source>
+        <translation>The farm does not render jobs of this type.</translation>
+    </message>
+    <message>
+        <source>The account does not have this project.</source>
+        <translation>The account does not have this project.</translation>
+    </message>
+    <message>
+        <source>The farm lacks one of the files.</source>
+        <translation>The farm lacks one of the files.</translation>
+    </message>
+    <message>
+        <source>The farm is still working on this upload.</source>
+        <translation>The farm is still working on this upload.</translation>
+    </message>
+    <message>
+        <source>The proxy asks for a name and a password, or refuses those it was given.</source>
+        <translation>The proxy asks for a name and a password, or refuses those it was given.</translation>
+    </message>
+    <message>
+        <source>The server answered with status %1.</source>
+        <translation>The server answered with status %1.</translation>
+    </message>
+    <message>
+        <source>The farm is not running at the moment.</source>
+        <translation>The farm is not running at the moment.</translation>
+    </message>
+    <message>
+        <source>The server cannot be reached: %1</source>
+        <translation>The server cannot be reached: %1</translation>
+    </message>
+    <message>
+        <source>The server&apos;s certificate is not accepted, so nothing was sent to it: %1</source>
+        <translation>The server&apos;s certificate is not accepted, so nothing was sent to it: %1</translation>
+    </message>
+    <message>
+        <source>The server did not answer in time.</source>
+        <translation>The server did not answer in time.</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer is too large.</source>
+        <translation>The server&apos;s answer is too large.</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer cannot be read.</source>
+        <translation>The server&apos;s answer cannot be read.</translation>
+    </message>
+</context>
+<context>
+    <name>FarmProcess</name>
+    <message>
+        <source>%1 cannot be started.</source>
+        <translation>%1 cannot be started.</translation>
+    </message>
+    <message>
+        <source>It ended without saying why.</source>
+        <translation>It ended without saying why.</translation>
     </message>
 </context>
 <context>
@@ -250,48 +585,6 @@
     <message>
         <source>Transfers continue. Double-click this icon to open the window again.</source>
         <translation>Transfers continue. Double-click this icon to open the window again.</translation>
-    </message>
-</context>
-<context>
-    <name>HttpCall</name>
-    <message>
-        <source>The farm is not running at the moment.</source>
-        <translation>The farm is not running at the moment.</translation>
-    </message>
-    <message>
-        <source>The server&apos;s answer is too large.</source>
-        <translation>The server&apos;s answer is too large.</translation>
-    </message>
-    <message>
-        <source>The server did not answer in time.</source>
-        <translation>The server did not answer in time.</translation>
-    </message>
-</context>
-<context>
-    <name>HttpResult</name>
-    <message>
-        <source>The proxy asks for a name and a password, or refuses those it was given.</source>
-        <translation>The proxy asks for a name and a password, or refuses those it was given.</translation>
-    </message>
-    <message>
-        <source>The server answered with status %1.</source>
-        <translation>The server answered with status %1.</translation>
-    </message>
-    <message>
-        <source>The server cannot be reached: %1</source>
-        <translation>The server cannot be reached: %1</translation>
-    </message>
-    <message>
-        <source>The server&apos;s answer cannot be read.</source>
-        <translation>The server&apos;s answer cannot be read.</translation>
-    </message>
-    <message>
-        <source>the connection was closed before the answer was complete</source>
-        <translation>the connection was closed before the answer was complete</translation>
-    </message>
-    <message>
-        <source>The server&apos;s certificate is not accepted, so nothing was sent to it: %1</source>
-        <translation>The server&apos;s certificate is not accepted, so nothing was sent to it: %1</translation>
     </message>
 </context>
 <context>
@@ -610,12 +903,39 @@
         <source>Sign in</source>
         <translation>Sign in</translation>
     </message>
+    <message>
+        <source>Server: the farm on this computer</source>
+        <translation>Server: the farm on this computer</translation>
+    </message>
+    <message>
+        <source>Server: %1</source>
+        <translation>Server: %1</translation>
+    </message>
+    <message>
+        <source>The farm on this computer does not start: %1</source>
+        <translation>The farm on this computer does not start: %1</translation>
+    </message>
+    <message>
+        <source>Starting the farm…</source>
+        <translation>Starting the farm…</translation>
+    </message>
+    <message>
+        <source>Try again</source>
+        <translation>Try again</translation>
+    </message>
 </context>
 <context>
     <name>SubmitQueue</name>
     <message>
         <source>The list of submissions could not be read. It is kept as %1, and a new list has begun.</source>
         <translation>The list of submissions could not be read. It is kept as %1, and a new list has begun.</translation>
+    </message>
+</context>
+<context>
+    <name>TransferMeter</name>
+    <message>
+        <source>%1 of %2 %3</source>
+        <translation>%1 of %2 %3</translation>
     </message>
 </context>
 <context>

@@ -39,17 +39,17 @@
         <source>QuillStar Client</source>
         <translation>QuillStar 客户端</translation>
     </message>
+    <message>
+        <source>Skin</source>
+        <translation>皮肤</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>语言</translation>
+    </message>
 </context>
 <context>
     <name>ClientHost</name>
-    <message>
-        <source>The embedded farm does not start: %1</source>
-        <translation>内置渲染农场未能启动：%1</translation>
-    </message>
-    <message>
-        <source>The embedded farm could not be started. Please restart the client.</source>
-        <translation>无法启动内置渲染农场。请重新启动客户端。</translation>
-    </message>
     <message>
         <source>The settings name a server that is not a URL the client can use: %1. Please correct %2 in %3, or clear it to use the embedded farm.</source>
         <translation>设置中的服务器不是客户端可用的网址：%1。请更正 %3 中的 %2，或将其清空以使用内置渲染农场。</translation>
@@ -154,6 +154,147 @@
     </message>
 </context>
 <context>
+    <name>ConnectionDialog</name>
+    <message>
+        <source>Server: the farm on this computer</source>
+        <translation>服务器：内置渲染农场</translation>
+    </message>
+    <message>
+        <source>Server: %1</source>
+        <translation>服务器：%1</translation>
+    </message>
+    <message>
+        <source>Nothing has failed in this session.</source>
+        <translation>本次会话中没有任何失败。</translation>
+    </message>
+</context>
+<context>
+    <name>ConnectionForm</name>
+    <message>
+        <source>Connection</source>
+        <translation>连接</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Latest failures</source>
+        <translation>最近的失败</translation>
+    </message>
+    <message>
+        <source>Try again</source>
+        <translation>重试</translation>
+    </message>
+</context>
+<context>
+    <name>ConnectionText</name>
+    <message>
+        <source>Signing in</source>
+        <translation>登录</translation>
+    </message>
+    <message>
+        <source>Signing out</source>
+        <translation>退出登录</translation>
+    </message>
+    <message>
+        <source>Loading the balance</source>
+        <translation>加载余额</translation>
+    </message>
+    <message>
+        <source>Loading the projects</source>
+        <translation>加载项目</translation>
+    </message>
+    <message>
+        <source>Loading the list of jobs</source>
+        <translation>加载作业列表</translation>
+    </message>
+    <message>
+        <source>Submitting a job</source>
+        <translation>提交作业</translation>
+    </message>
+    <message>
+        <source>Stopping jobs</source>
+        <translation>停止作业</translation>
+    </message>
+    <message>
+        <source>Recovering jobs</source>
+        <translation>恢复作业</translation>
+    </message>
+    <message>
+        <source>Restarting jobs</source>
+        <translation>重新渲染作业</translation>
+    </message>
+    <message>
+        <source>Deleting jobs</source>
+        <translation>删除作业</translation>
+    </message>
+    <message>
+        <source>Starting a full render</source>
+        <translation>开始全帧渲染</translation>
+    </message>
+    <message>
+        <source>Loading the list of frames</source>
+        <translation>加载帧列表</translation>
+    </message>
+    <message>
+        <source>Downloading a frame</source>
+        <translation>下载帧</translation>
+    </message>
+    <message>
+        <source>Loading a job</source>
+        <translation>加载作业</translation>
+    </message>
+    <message>
+        <source>Comparing files with the farm</source>
+        <translation>与渲染农场比对文件</translation>
+    </message>
+    <message>
+        <source>Unpacking files on the farm</source>
+        <translation>在渲染农场上解包文件</translation>
+    </message>
+    <message>
+        <source>Uploading files</source>
+        <translation>上传文件</translation>
+    </message>
+    <message>
+        <source>1 frame</source>
+        <translation>1 帧</translation>
+    </message>
+    <message>
+        <source>%1 frames</source>
+        <translation>%1 帧</translation>
+    </message>
+    <message>
+        <source>%1 times</source>
+        <translation>%1 次</translation>
+    </message>
+    <message>
+        <source>Asking the farm</source>
+        <translation>向渲染农场请求</translation>
+    </message>
+    <message>
+        <source>Connected</source>
+        <translation>已连接</translation>
+    </message>
+    <message>
+        <source>Trying again…</source>
+        <translation>正在重试…</translation>
+    </message>
+    <message>
+        <source>Not reachable since %1, list as of %2</source>
+        <translation>%1 起无法连接，列表截至 %2</translation>
+    </message>
+    <message>
+        <source>Not reachable since %1</source>
+        <translation>%1 起无法连接</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1：%2</translation>
+    </message>
+</context>
+<context>
     <name>DownloadQueue</name>
     <message>
         <source>The list of downloads could not be read. It is kept as %1, and a new list has begun.</source>
@@ -177,6 +318,200 @@
     <message>
         <source>%1 has no files to download yet.</source>
         <translation>%1 还没有可下载的文件。</translation>
+    </message>
+</context>
+<context>
+    <name>FarmFault</name>
+    <message>
+        <source>the connection was closed before the answer was complete</source>
+        <translation>连接在应答完成之前被关闭</translation>
+    </message>
+    <message>
+        <source>there was no answer in time</source>
+        <translation>未及时收到应答</translation>
+    </message>
+    <message>
+        <source>what answers there is not a farm</source>
+        <translation>该地址上应答的不是渲染农场</translation>
+    </message>
+    <message>
+        <source>the connection was refused</source>
+        <translation>连接被拒绝</translation>
+    </message>
+    <message>
+        <source>the network knows no computer of this name</source>
+        <translation>网络中找不到此名称的计算机</translation>
+    </message>
+    <message>
+        <source>no encrypted connection could be agreed on</source>
+        <translation>无法协商加密连接</translation>
+    </message>
+    <message>
+        <source>this computer has lost its network</source>
+        <translation>本机的网络连接已中断</translation>
+    </message>
+    <message>
+        <source>this computer is not on a network</source>
+        <translation>本机未连接网络</translation>
+    </message>
+    <message>
+        <source>the network failed, or the connection was closed early</source>
+        <translation>网络出现故障，或连接被提前关闭</translation>
+    </message>
+    <message>
+        <source>the proxy refused the connection</source>
+        <translation>代理服务器拒绝了连接</translation>
+    </message>
+    <message>
+        <source>the proxy closed the connection</source>
+        <translation>代理服务器关闭了连接</translation>
+    </message>
+    <message>
+        <source>the network knows no proxy of this name</source>
+        <translation>网络中找不到此名称的代理服务器</translation>
+    </message>
+    <message>
+        <source>the proxy did not answer in time</source>
+        <translation>代理服务器响应超时</translation>
+    </message>
+    <message>
+        <source>the proxy could not pass the request on</source>
+        <translation>代理服务器无法转发请求</translation>
+    </message>
+    <message>
+        <source>this computer does not know who has issued it</source>
+        <translation>本机不认识其颁发者</translation>
+    </message>
+    <message>
+        <source>the server has issued it itself</source>
+        <translation>该证书由服务器自行签发</translation>
+    </message>
+    <message>
+        <source>it has expired</source>
+        <translation>该证书已过期</translation>
+    </message>
+    <message>
+        <source>it is not valid yet, or this computer&apos;s clock is wrong</source>
+        <translation>该证书尚未生效，或本机时钟不准确</translation>
+    </message>
+    <message>
+        <source>it belongs to another server</source>
+        <translation>该证书属于另一台服务器</translation>
+    </message>
+    <message>
+        <source>it has been revoked</source>
+        <translation>该证书已被吊销</translation>
+    </message>
+    <message>
+        <source>it is known to be misused</source>
+        <translation>该证书已知被滥用</translation>
+    </message>
+    <message>
+        <source>the server shows none</source>
+        <translation>服务器没有出示证书</translation>
+    </message>
+    <message>
+        <source>The files would exceed the account&apos;s space on the farm.</source>
+        <translation>这些文件会超出账号在渲染农场上的空间。</translation>
+    </message>
+    <message>
+        <source>The farm cannot read the packed files. Please submit the scene again.</source>
+        <translation>渲染农场无法读取打包的文件。请重新提交场景。</translation>
+    </message>
+    <message>
+        <source>The packed files are too large for the farm.</source>
+        <translation>打包的文件对渲染农场来说过大。</translation>
+    </message>
+    <message>
+        <source>The user name or the password is wrong.</source>
+        <translation>用户名或密码错误。</translation>
+    </message>
+    <message>
+        <source>The session has ended. Please sign in again.</source>
+        <translation>会话已结束。请重新登录。</translation>
+    </message>
+    <message>
+        <source>There were too many requests. Please try again in a moment.</source>
+        <translation>请求过于频繁。请稍后再试。</translation>
+    </message>
+    <message>
+        <source>The farm has a fault of its own. Its log says more.</source>
+        <translation>渲染农场自身出现故障，详情见其日志。</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s disk is full.</source>
+        <translation>渲染农场的磁盘已满。</translation>
+    </message>
+    <message>
+        <source>The farm has no such job.</source>
+        <translation>渲染农场上没有这个作业。</translation>
+    </message>
+    <message>
+        <source>The farm no longer has this upload.</source>
+        <translation>渲染农场上已没有这次上传。</translation>
+    </message>
+    <message>
+        <source>The server does not know this request. It may be older than the client.</source>
+        <translation>服务器不认识此请求，其版本可能比客户端旧。</translation>
+    </message>
+    <message>
+        <source>The farm does not render jobs of this type.</source>
+        <translation>渲染农场不渲染此类型的作业。</translation>
+    </message>
+    <message>
+        <source>The account does not have this project.</source>
+        <translation>该账号没有这个项目。</translation>
+    </message>
+    <message>
+        <source>The farm lacks one of the files.</source>
+        <translation>渲染农场缺少其中一个文件。</translation>
+    </message>
+    <message>
+        <source>The farm is still working on this upload.</source>
+        <translation>渲染农场仍在处理这次上传。</translation>
+    </message>
+    <message>
+        <source>The proxy asks for a name and a password, or refuses those it was given.</source>
+        <translation>代理服务器要求用户名和密码，或拒绝了所提供的用户名和密码。</translation>
+    </message>
+    <message>
+        <source>The server answered with status %1.</source>
+        <translation>服务器返回状态码 %1。</translation>
+    </message>
+    <message>
+        <source>The farm is not running at the moment.</source>
+        <translation>渲染农场目前没有运行。</translation>
+    </message>
+    <message>
+        <source>The server cannot be reached: %1</source>
+        <translation>无法连接服务器：%1</translation>
+    </message>
+    <message>
+        <source>The server&apos;s certificate is not accepted, so nothing was sent to it: %1</source>
+        <translation>服务器的证书未被接受，因此没有向其发送任何内容：%1</translation>
+    </message>
+    <message>
+        <source>The server did not answer in time.</source>
+        <translation>服务器响应超时。</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer is too large.</source>
+        <translation>服务器的响应过大。</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer cannot be read.</source>
+        <translation>无法读取服务器的响应。</translation>
+    </message>
+</context>
+<context>
+    <name>FarmProcess</name>
+    <message>
+        <source>%1 cannot be started.</source>
+        <translation>无法启动 %1。</translation>
+    </message>
+    <message>
+        <source>It ended without saying why.</source>
+        <translation>它未说明原因就结束了。</translation>
     </message>
 </context>
 <context>
@@ -250,48 +585,6 @@
     <message>
         <source>Transfers continue. Double-click this icon to open the window again.</source>
         <translation>传输会继续进行。双击此图标可重新打开窗口。</translation>
-    </message>
-</context>
-<context>
-    <name>HttpCall</name>
-    <message>
-        <source>The farm is not running at the moment.</source>
-        <translation>渲染农场目前没有运行。</translation>
-    </message>
-    <message>
-        <source>The server&apos;s answer is too large.</source>
-        <translation>服务器的响应过大。</translation>
-    </message>
-    <message>
-        <source>The server did not answer in time.</source>
-        <translation>服务器响应超时。</translation>
-    </message>
-</context>
-<context>
-    <name>HttpResult</name>
-    <message>
-        <source>The proxy asks for a name and a password, or refuses those it was given.</source>
-        <translation>代理服务器要求用户名和密码，或拒绝了所提供的用户名和密码。</translation>
-    </message>
-    <message>
-        <source>The server answered with status %1.</source>
-        <translation>服务器返回状态码 %1。</translation>
-    </message>
-    <message>
-        <source>The server cannot be reached: %1</source>
-        <translation>无法连接服务器：%1</translation>
-    </message>
-    <message>
-        <source>The server&apos;s answer cannot be read.</source>
-        <translation>无法读取服务器的响应。</translation>
-    </message>
-    <message>
-        <source>the connection was closed before the answer was complete</source>
-        <translation>连接在应答完成之前被关闭</translation>
-    </message>
-    <message>
-        <source>The server&apos;s certificate is not accepted, so nothing was sent to it: %1</source>
-        <translation>服务器的证书未被接受，因此没有向其发送任何内容：%1</translation>
     </message>
 </context>
 <context>
@@ -610,12 +903,39 @@
         <source>Sign in</source>
         <translation>登录</translation>
     </message>
+    <message>
+        <source>Server: the farm on this computer</source>
+        <translation>服务器：内置渲染农场</translation>
+    </message>
+    <message>
+        <source>Server: %1</source>
+        <translation>服务器：%1</translation>
+    </message>
+    <message>
+        <source>The farm on this computer does not start: %1</source>
+        <translation>内置渲染农场未能启动：%1</translation>
+    </message>
+    <message>
+        <source>Starting the farm…</source>
+        <translation>正在启动渲染农场…</translation>
+    </message>
+    <message>
+        <source>Try again</source>
+        <translation>重试</translation>
+    </message>
 </context>
 <context>
     <name>SubmitQueue</name>
     <message>
         <source>The list of submissions could not be read. It is kept as %1, and a new list has begun.</source>
         <translation>无法读取提交列表。它已保存为 %1，并已开始新的列表。</translation>
+    </message>
+</context>
+<context>
+    <name>TransferMeter</name>
+    <message>
+        <source>%1 of %2 %3</source>
+        <translation>%1 / %2 %3</translation>
     </message>
 </context>
 <context>

@@ -31,6 +31,8 @@ public:
 
     /// @return the proxy between this client and the server; empty for none.
     QString Proxy() const { return ProxyName(m_server); }
+    /// @param feed is told of all exchanges; it must outlive this service.
+    void SetFeed(ConnectionFeed* feed) { m_transport.SetFeed(feed); }
     void SetProxyLogin(const ProxyLogin& login) { m_transport.SetProxyLogin(login); }
 
     /// Cancels the requests of an earlier session and starts a new one; answered by SignInResponse.

@@ -62,6 +62,7 @@ void RenderCoreService::UpdateAccess()
     access.apiRoot = FarmApiRoot(m_server);
     access.token = m_token;
     access.proxy = m_proxy;
+    access.feed = m_feed;
     if (!m_userName.isEmpty()) {
         access.owner = m_serverName + QLatin1Char('/') + m_userName;
         access.folder = DownloadFolder::Of(m_settings, m_userName);

@@ -29,6 +29,9 @@ public:
 
     void SetProxyLogin(const ProxyLogin& login);
 
+    /// @param feed is told of all exchanges; it must outlive this service. Set it before a session begins.
+    void SetFeed(ConnectionFeed* feed) { m_feed = feed; }
+
     /// Shows the account's tasks and lets them continue.
     void BeginSession(const QString& userName, const QString& token);
     void EndSession();
@@ -91,5 +94,6 @@ private:
     QString m_userName;
     QString m_token;
     ProxyLogin m_proxy;
+    ConnectionFeed* m_feed = nullptr;
     QPointer<QObject> m_formFilter;
 };

@@ -27,11 +27,25 @@ bool SkinnedForm::Exec() const
 {
     auto* dialog = qobject_cast<QDialog*>(m_form.get());
     Require(dialog, "dialog");
-    if (const QWidget* active = QApplication::activeWindow()) {
-        dialog->winId(); // creates the native window that windowHandle() returns
-        dialog->windowHandle()->setTransientParent(active->windowHandle());
-    }
+    StayOver(QApplication::activeWindow());
     return dialog->exec() == QDialog::Accepted;
+}
+
+void SkinnedForm::Open() const
+{
+    if (!m_form->isVisible())
+        StayOver(QApplication::activeWindow());
+    m_form->show();
+    m_form->raise();
+    m_form->activateWindow();
+}
+
+void SkinnedForm::StayOver(const QWidget* window) const
+{
+    if (!window)
+        return;
+    m_form->winId(); // creates the native window that windowHandle() returns
+    m_form->windowHandle()->setTransientParent(window->windowHandle());
 }
 
 void SkinnedForm::Require(const void* found, const char* what) const

@@ -35,9 +35,13 @@ public:
     /// @return whether it was accepted.
     bool Exec() const;
 
+    /// Shows the form in front of the active window and returns at once.
+    void Open() const;
+
 private:
     void Require(const void* found, const char* what) const;
     void Restyle();
+    void StayOver(const QWidget* window) const;
 
     QPointer<VTUiLoaderInterface> m_loader;
     QString m_key;

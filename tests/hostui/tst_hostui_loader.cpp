@@ -1,12 +1,31 @@
+#include "host/farmclient/http_result.h"
 #include "host/services/ui_loader_service.h"
 #include "host/ui/sign_in_window.h"
 #include "tests/hostui/memory_settings.h"
 #include "tests/support/test_files.h"
 #include "tests/support/waiting.h"
 
+#include <QtNetwork>
 #include <QtWidgets>
 
 namespace {
+
+const FarmFault faults[] = {
+    {HttpResult::Unreachable, FarmFault::NoServer},
+    {HttpResult::Unreachable, QNetworkReply::ConnectionRefusedError, "qt"_s},
+    {HttpResult::Unreachable, QNetworkReply::HostNotFoundError, "qt"_s},
+    {HttpResult::Unreachable, QNetworkReply::ProxyTimeoutError, "qt"_s},
+    {HttpResult::Unreachable, QNetworkReply::ProtocolFailure, "qt"_s},
+    {HttpResult::Untrusted, QSslError::SelfSignedCertificate, "qt"_s},
+    {HttpResult::Untrusted, QSslError::HostNameMismatch, "qt"_s},
+    {HttpResult::TimedOut},
+    {HttpResult::TooLarge},
+    {HttpResult::NotJson},
+    {407},
+    {418},
+    {400, 0, "type is not one of the farm's job types"_s},
+    {507, 0, "this would exceed the account's quota"_s},
+};
 
 QStringList CheckedTexts(const QMenu* menu)
 {
@@ -77,6 +96,17 @@ private slots:
         EVENTUALLY_COMPARE(button->text(), "Anmelden"_s);
         m_loader->SetLanguage(languages[1]);
         EVENTUALLY_COMPARE(fixed->text(), "User name"_s);
+    }
+
+    void SaysInChineseWhyARequestFailed()
+    {
+        m_loader->SetLanguage(m_loader->GetLanguages().constLast());
+        for (const FarmFault& fault : faults) {
+            const QString text = fault.Text();
+            QVERIFY2(text.endsWith(QChar(0x3002)) && !text.contains(QRegularExpression("[a-z]"_s)),
+                qPrintable(text));
+        }
+        QCOMPARE(FarmFault({409, 0, "a stranger's <words>"_s}).Text(), "a stranger's <words>."_s);
     }
 
     void SwitchesByTheTrayMenuAndRemembersTheChoices()

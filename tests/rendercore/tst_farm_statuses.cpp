@@ -74,6 +74,9 @@ private slots:
         m_folder = std::make_unique<QTemporaryDir>();
         m_server = std::make_unique<StandInServer>();
         m_access = {FarmApiRoot(m_server->Url()), "abc"_s, "farm/ann"_s, m_folder->filePath("frames"_s)};
+        m_access.feed = &m_feed;
+        m_feed.Clear();
+        m_feed.Look();
     }
 
     void EndsOrPostponesASubmission_data() { AddRows(statuses); }
@@ -91,6 +94,7 @@ private slots:
         QCOMPARE(outcome.obstacle, row.effect == Effect::WaitsForFarm ? Obstacle::Farm : Obstacle::Request);
         QVERIFY2(!isTold || IsTold(outcome.message), qPrintable(outcome.message));
         QCOMPARE(m_server->Requests().size(), 1);
+        QCOMPARE(m_feed.Look().state.Entries().size(), 1);
     }
 
     void EndsOrPostponesADownload_data() { AddRows(statuses); }
@@ -128,6 +132,9 @@ private slots:
         QVERIFY2(!isTold || IsTold(message), qPrintable(message));
         QCOMPARE(m_server->Requests().size(), isTold ? 4 : 5);
         QCOMPARE(notices.count(), int(isTold));
+        const ConnectionPicture picture = m_feed.Look();
+        QVERIFY(!picture.state.Entries().isEmpty() && !picture.state.FailingSince().isValid());
+        QCOMPARE(picture.down.count, 1);
     }
 
 private:
@@ -137,6 +144,7 @@ private:
         return message.contains("So it is."_s) || (row.status == 204 && message.contains("204"_s));
     }
 
+    ConnectionFeed m_feed;
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<StandInServer> m_server;
     FarmAccess m_access;

@@ -72,6 +72,7 @@ void DownloadWorker::SetAccess(const FarmAccess& access, int session)
     m_access = access;
     m_session = session;
     m_transport.SetProxyLogin(access.proxy);
+    m_transport.SetFeed(access.feed);
     m_desk.SetFolder(access.folder);
     if (!isSameServer || !isSameOwner) {
         m_pool.Reset(access);

@@ -61,15 +61,20 @@ QByteArray Encoded(const QString& text)
 FileDownload::FileDownload(
     HttpTransport* transport, const QByteArray& token, const DownloadTask& task, const DownloadLimits& limits)
     : m_transport(transport)
-    , m_token(token)
+    , m_transfer(transport->Feed(), ConnectionFeed::Down, task.name)
     , m_task(task)
     , m_limits(limits)
     , m_partFile(DownloadPaths::PartFile(task.file))
 {
+    m_request.verb = QByteArrayLiteral("GET");
+    m_request.target = "/jobs/" + Encoded(m_task.job) + "/files/" + Encoded(m_task.name);
+    m_request.token = token;
     m_idle.setSingleShot(true);
     m_idle.setInterval(limits.idleTime);
-    connect(&m_idle, &QTimer::timeout, this,
-        [this] { End(DownloadOutcome::Broken, tr("The farm has stopped sending %1.").arg(m_task.name)); });
+    connect(&m_idle, &QTimer::timeout, this, [this] {
+        m_transport->Report(m_request, {HttpResult::TimedOut});
+        End(DownloadOutcome::Broken, tr("The farm has stopped sending %1.").arg(m_task.name));
+    });
 }
 
 FileDownload::~FileDownload()
@@ -181,15 +186,11 @@ void FileDownload::StartOver()
 
 void FileDownload::Ask()
 {
-    HttpRequest request;
-    request.verb = QByteArrayLiteral("GET");
-    request.target = "/jobs/" + Encoded(m_task.job) + "/files/" + Encoded(m_task.name);
-    request.token = m_token;
-    request.headers = {{"Accept", "*/*"}, {"If-Match", '"' + m_task.checksum.toLatin1() + '"'}};
+    m_request.headers = {{"Accept", "*/*"}, {"If-Match", '"' + m_task.checksum.toLatin1() + '"'}};
     if (m_offset > 0)
-        request.headers.push_back({"Range", "bytes=" + QByteArray::number(m_offset) + '-'});
+        m_request.headers.push_back({"Range", "bytes=" + QByteArray::number(m_offset) + '-'});
     m_accepted = false;
-    m_reply = m_transport->Begin(request);
+    m_reply = m_transport->Begin(m_request);
     if (!m_reply) {
         End(DownloadOutcome::Broken, tr("The farm is not available at the moment."));
         return;
@@ -216,12 +217,14 @@ void FileDownload::Accept(int status)
         End(DownloadOutcome::Outdated, tr("The size of %1 has changed on the farm.").arg(m_task.name));
     } else {
         m_accepted = true;
+        m_transport->Report(m_request);
     }
 }
 
 void FileDownload::Refuse()
 {
     const HttpResult result = HttpResult::Of(*m_reply, m_reply->read(BlockBytes));
+    m_transport->Report(m_request, result.fault);
     if (result.status == HttpStatus::Unauthorized) {
         End(DownloadOutcome::SignedOut);
     } else if (result.status == HttpStatus::NotFound || result.status == HttpStatus::PreconditionFailed) {
@@ -270,6 +273,7 @@ void FileDownload::Receive()
         }
         m_hash.Add(bytes.constData(), bytes.size());
         m_offset += bytes.size();
+        m_transfer.Count(bytes.size());
     }
     if (isFirst)
         emit Advanced();
@@ -285,15 +289,24 @@ void FileDownload::Conclude()
     Receive();
     if (m_ended || m_reply != reply)
         return;
-    const QString error = m_reply->error() == QNetworkReply::NoError ? QString() : m_reply->errorString();
     if (!m_accepted)
         Refuse();
     else if (m_offset == m_task.size)
         Finish();
     else
-        End(DownloadOutcome::Broken,
-            error.isEmpty() ? tr("The transfer of %1 was interrupted.").arg(m_task.name)
-                            : Sentence(tr("The transfer of %1 was interrupted: %2").arg(m_task.name, error)));
+        HandleBreak();
+}
+
+void FileDownload::HandleBreak()
+{
+    if (m_reply->error() == QNetworkReply::NoError) {
+        End(DownloadOutcome::Broken, tr("The transfer of %1 was interrupted.").arg(m_task.name));
+        return;
+    }
+    const FarmFault fault = HttpResult::ConnectionFault(*m_reply);
+    m_transport->Report(m_request, fault);
+    End(DownloadOutcome::Broken,
+        Sentence(tr("The transfer of %1 was interrupted: %2").arg(m_task.name, fault.Cause())));
 }
 
 void FileDownload::Finish()

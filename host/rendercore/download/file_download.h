@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/farmclient/connection_feed.h"
 #include "host/rendercore/download/download_limits.h"
 #include "host/rendercore/download/download_task.h"
 #include "storage/checksum.h"
@@ -76,13 +77,15 @@ private:
     void Refuse();
     void Receive();
     void Conclude();
+    void HandleBreak();
     void Finish();
     void FailToSave(int error);
     void End(DownloadOutcome::Kind kind, const QString& message = {}, int retryAfter = 0, int error = 0);
     void DropReply();
 
     HttpTransport* m_transport;
-    QByteArray m_token;
+    HttpRequest m_request;
+    ConnectionFeed::Transfer m_transfer;
     DownloadTask m_task;
     DownloadLimits m_limits;
     QString m_partFile;

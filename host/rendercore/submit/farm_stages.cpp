@@ -6,6 +6,7 @@
 #include "host/rendercore/submit/task_packages.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QHash>
 
 #include <algorithm>
@@ -109,6 +110,9 @@ void FarmStages::UploadAll()
     for (const int index : wanted)
         total += m_outcome.work.packages.at(index).size;
     TransferMeter meter(total);
+    const ConnectionFeed::Transfer transfer(
+        m_request->access.feed, ConnectionFeed::Up, QFileInfo(m_request->task.scene).completeBaseName());
+    m_transfer = &transfer;
     for (const int index : wanted) {
         if (m_outcome.work.packages.at(index).isSent)
             meter.Skip(m_outcome.work.packages.at(index).size);
@@ -176,7 +180,9 @@ std::optional<HttpResult> FarmStages::SendChunk(
     request.contentType = "application/octet-stream";
     request.attemptTime = m_limits.chunkTime;
     request.body = chunk;
-    const auto result = m_farm.Send(request, [this, &meter](qint64 bytes) {
+    const auto result = m_farm.Send(request, [this, &meter, sent = qint64(0)](qint64 bytes) mutable {
+        m_transfer->Count(bytes - sent);
+        sent = bytes;
         meter.SetInFlight(bytes);
         (*m_onProgress)(meter.Percent(), meter.Text());
     });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/farmclient/connection_feed.h"
 #include "host/farmclient/farm_link.h"
 #include "host/rendercore/submit/stage_outcome.h"
 #include "host/rendercore/submit/transfer_meter.h"
@@ -63,5 +64,6 @@ private:
     FarmLink m_farm;
     const StageRequest* m_request = nullptr; // while a stage runs; so is m_onProgress
     const StageProgress* m_onProgress = nullptr;
+    const ConnectionFeed::Transfer* m_transfer = nullptr; // while packages are sent
     StageOutcome m_outcome;
 };

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "host/farmclient/speed_meter.h"
+
 #include <QElapsedTimer>
 #include <QString>
-
-#include <deque>
-#include <utility>
 
 /// Measures the progress of a transfer and its speed during the last seconds.
 class TransferMeter
@@ -30,12 +29,11 @@ public:
 private:
     qint64 Moved() const { return m_arrived + m_inFlight; }
     qint64 Done() const { return m_skipped + Moved(); }
-    void Sample();
 
     qint64 m_total;
     qint64 m_skipped = 0;
     qint64 m_arrived = 0;
     qint64 m_inFlight = 0;
     QElapsedTimer m_clock;
-    std::deque<std::pair<qint64, qint64>> m_samples; // milliseconds and the bytes transferred by then
+    SpeedMeter m_speed;
 };

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "host/farmclient/connection_state.h"
+#include "host/farmclient/speed_meter.h"
+
+#include <QElapsedTimer>
+#include <QMutex>
+#include <QObject>
+#include <QStringList>
+
+#include <array>
+
+/// The transfers in one direction.
+struct Flow
+{
+    int count = 0;     ///< of transfers since the last look
+    QString name = {}; ///< of the one that began last
+    double speed = 0;  ///< bytes per second
+};
+
+/// The connection at one moment.
+struct ConnectionPicture
+{
+    ConnectionState state;
+    Flow up = {};
+    Flow down = {};
+};
+
+/// Collects what the transports of all threads learn about the connection. Every function may be called in any thread.
+class ConnectionFeed : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum Direction { Up, Down };
+
+    /// A transfer that is under way as long as this object lives. Without a feed it does nothing.
+    class Transfer
+    {
+    public:
+        /// @param name shown to the user; plain text.
+        Transfer(ConnectionFeed* feed, Direction direction, const QString& name);
+        ~Transfer();
+        Q_DISABLE_COPY(Transfer)
+
+        void Count(qint64 bytes) const;
+
+    private:
+        ConnectionFeed* m_feed;
+        Direction m_direction;
+    };
+
+    ConnectionFeed();
+
+    void Report(const QByteArray& verb, const QByteArray& target, const FarmFault& fault);
+
+    /// The user has read the failures.
+    void MarkRead();
+
+    /// Forgets everything, at the end of a session.
+    void Clear();
+
+    ConnectionPicture Look();
+
+signals:
+    /// There is something new. Emitted once until the next Look().
+    void Fed();
+
+private:
+    struct Traffic
+    {
+        int active = 0;
+        int peak = 0; // of active since the last look
+        QString name;
+        qint64 moved = 0;
+        SpeedMeter speed;
+    };
+
+    void Begin(Direction direction, const QString& name);
+    void End(Direction direction);
+    void Move(Direction direction, qint64 bytes);
+    Flow FlowOf(Traffic& traffic) const;
+    void Announce();
+
+    QMutex m_mutex;
+    ConnectionState m_state;
+    std::array<Traffic, 2> m_traffic; // by direction
+    QElapsedTimer m_clock;
+    bool m_isAnnounced = false;
+};
