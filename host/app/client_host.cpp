@@ -1,7 +1,8 @@
 #include "host/app/client_host.h"
 
 #include "host/app/session_control.h"
-#include "host/farmclient/sentences.h"
+#include "host/farmclient/http_result.h"
+#include "host/mainform/main_form.h"
 #include "host/process/farm_process.h"
 #include "host/settings/setting_keys.h"
 #include "host/ui/skins.h"
@@ -51,6 +52,7 @@ ClientHost::ClientHost(const HostOptions& options, QObject* parent)
     , m_services(options)
     , m_follower(&m_services.settings)
     , m_closing(&m_services.settings)
+    , m_connection(&m_services.feed, &m_services.loader)
 {
     connect(&m_preview, &PreviewTrigger::PreviewRequested, &m_services.previewer, &PreviewerService::Open);
 }
@@ -80,6 +82,7 @@ bool ClientHost::Start(QString* error)
     m_session = std::make_unique<SessionControl>(
         &m_services.loader, &m_services.communication, &m_services.settings, &m_services.messageBox);
     ConnectSession();
+    m_session->SetServer(ServerText());
     m_services.scenes.Submit(m_options.scenes);
     if (!SetAccount(embedded, error))
         return false;
@@ -127,6 +130,9 @@ void ClientHost::ConnectSession()
     connect(session, &SessionControl::SignedOut, &m_services.renderCore, &RenderCoreService::EndSession);
     connect(session, &SessionControl::SignedIn, &m_services.scenes, &SceneIntake::BeginSession);
     connect(session, &SessionControl::SignedOut, &m_services.scenes, &SceneIntake::EndSession);
+    connect(session, &SessionControl::SignedOut, &m_connection, &ConnectionView::EndSession);
+    connect(session, &SessionControl::StartRequested, this, &ClientHost::TryAgain);
+    connect(&m_connection, &ConnectionView::TryAgainRequested, this, &ClientHost::TryAgain);
 }
 
 bool ClientHost::StartPlugin(QString* error)
@@ -142,6 +148,12 @@ bool ClientHost::StartPlugin(QString* error)
         return false;
     m_client->Activate(1, {});
     return true;
+}
+
+/// @return empty for the embedded farm, which has no name of its own.
+QString ClientHost::ServerText() const
+{
+    return m_options.server.toDisplayString(QUrl::RemoveUserInfo | QUrl::StripTrailingSlash);
 }
 
 bool ClientHost::SetAccount(bool embedded, QString* error)
@@ -163,8 +175,11 @@ void ClientHost::UseServer(const QUrl& url)
 {
     m_services.communication.SetServerUrl(url);
     m_services.renderCore.SetServerUrl(url);
+    m_session->SetFarm(SignInWindow::Farm::Ready);
     if (!m_sessionBegun)
         BeginSession();
+    else
+        Refresh();
     m_sessionBegun = true;
 }
 
@@ -180,18 +195,39 @@ void ClientHost::StartFarm()
         = std::make_unique<FarmProcess>(m_options.farmProgram, m_options.dataFolder + QLatin1String("/farm"));
     connect(m_farm.get(), &FarmProcess::Listening, this, &ClientHost::UseServer);
     m_farm->SetTakeOver(m_options.takeOver);
-    connect(m_farm.get(), &FarmProcess::Lost, this, [this](const QString& reason) {
-        UseNoServer();
-        // A farm that has never listened may fail at its next starts too; the user should not wait half a minute for those.
-        if (!m_sessionBegun)
-            m_session->ShowFailure(Sentence(tr("The embedded farm does not start: %1").arg(reason)));
-    });
+    connect(m_farm.get(), &FarmProcess::Lost, this, &ClientHost::HandleLostFarm);
     connect(m_farm.get(), &FarmProcess::GivenUp, this, [this](const QString& reason) {
         qCritical().noquote() << "the embedded farm is not started again:" << reason;
-        m_session->ShowFailure(
-            Sentences({tr("The embedded farm could not be started. Please restart the client."), reason}));
+        m_session->SetFarm(SignInWindow::Farm::Failed, reason);
     });
+    m_session->SetFarm(SignInWindow::Farm::Starting);
+    m_session->ShowSignIn();
     m_farm->Start();
+}
+
+void ClientHost::HandleLostFarm(const QString& reason)
+{
+    UseNoServer();
+    m_services.feed.Report({}, {}, {HttpResult::Unreachable, FarmFault::NoServer, reason});
+    m_session->SetFarm(SignInWindow::Farm::Starting, reason);
+}
+
+/// Starts the embedded farm if that has been given up, and asks for the list of jobs.
+void ClientHost::TryAgain()
+{
+    if (m_farm && !m_farm->IsWanted()) {
+        m_session->SetFarm(SignInWindow::Farm::Starting);
+        m_farm->Start();
+    }
+    Refresh();
+}
+
+/// While nobody is signed in, the window does nothing.
+void ClientHost::Refresh()
+{
+    QWidget* window = m_session->IsSignedIn() ? FindMainWindow() : nullptr;
+    if (window)
+        QMetaObject::invokeMethod(window, "RefreshJobList");
 }
 
 void ClientHost::BeginSession()
@@ -212,4 +248,5 @@ void ClientHost::ShowClient(const QString& userName)
     m_follower.BeginSession(userName);
     m_closing.BeginSession();
     m_shortcuts.BeginSession();
+    m_connection.BeginSession(ServerText());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/app/connection_view.h"
 #include "host/app/host_options.h"
 #include "host/app/host_services.h"
 #include "host/app/plugin_runner.h"
@@ -46,6 +47,10 @@ private:
     void UseServer(const QUrl& url);
     void UseNoServer();
     void StartFarm();
+    void HandleLostFarm(const QString& reason);
+    void TryAgain();
+    void Refresh();
+    QString ServerText() const;
     void BeginSession();
     void ShowClient(const QString& userName);
 
@@ -55,6 +60,7 @@ private:
     FormFollower m_follower;
     FormClosing m_closing;
     Shortcuts m_shortcuts;
+    ConnectionView m_connection;
     std::unique_ptr<PluginRunner> m_runner;
     VTBaseInterface* m_client = nullptr; // owned by the plugin; valid until m_runner stops it
     std::unique_ptr<SessionControl> m_session;

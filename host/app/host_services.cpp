@@ -41,6 +41,8 @@ HostServices::HostServices(const HostOptions& options)
     , configuration(&configurationDialog)
     , previewer(&loader)
 {
+    communication.SetFeed(&feed);
+    renderCore.SetFeed(&feed);
     renderCore.SetFormFilter(&scenes);
     QObject::connect(&communication, &CommunicationService::JobListResponse, &renderCore,
         &RenderCoreService::HandleJobList);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/farmclient/connection_feed.h"
 #include "host/mainform/notice_board.h"
 #include "host/mainform/scene_intake.h"
 #include "host/services/communication_service.h"
@@ -24,6 +25,7 @@ struct HostServices
     /// Registers each service under the name of its interface. The services must outlive the runner.
     void RegisterWith(PluginRunner& runner);
 
+    ConnectionFeed feed; // the transports' threads report to it until they end
     LoggerService logger;
     QtMessageRoute messages;
     SettingsService settings;

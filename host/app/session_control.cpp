@@ -1,5 +1,6 @@
 #include "host/app/session_control.h"
 
+#include "host/farmclient/sentences.h"
 #include "host/mainform/main_form.h"
 #include "host/services/communication_service.h"
 #include "host/services/ui_loader_service.h"
@@ -48,6 +49,7 @@ SessionControl::SessionControl(UiLoaderService* loader, CommunicationService* co
     m_window.Form()->installEventFilter(this);
     m_window.SetName(m_settings->Value(SettingKeys::LastName, {}).toString());
     connect(&m_window, &SignInWindow::SignInRequested, this, &SessionControl::SignIn);
+    connect(&m_window, &SignInWindow::StartRequested, this, &SessionControl::StartRequested);
     connect(communication, &CommunicationService::SignInResponse, this, &SessionControl::HandleSignInAnswer);
     connect(
         communication, &CommunicationService::SignOutResponse, this, &SessionControl::HandleSignOutAnswer);
@@ -68,6 +70,7 @@ void SessionControl::SignInAutomatically()
         ShowSignIn();
         return;
     }
+    ShowSignIn();
     SignIn(m_name, m_password);
     m_password.clear();
 }
@@ -85,6 +88,11 @@ void SessionControl::ShowFailure(const QString& message)
     ShowSignIn();
     m_window.SetBusy(false);
     m_window.ShowFailure(message);
+}
+
+void SessionControl::SetFarm(SignInWindow::Farm farm, const QString& reason)
+{
+    m_window.SetFarm(farm, Sentence(reason));
 }
 
 void SessionControl::ShowWindow()

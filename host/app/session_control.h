@@ -26,6 +26,16 @@ public:
     bool IsSignedIn() const { return m_signedIn; }
     QWidget* SignInForm() { return m_window.Form(); }
 
+    /// @return whether the user can sign in now.
+    bool IsReady() const { return m_window.IsReady(); }
+
+    /// @param server shown in the sign-in window; empty for the farm on this computer.
+    void SetServer(const QString& server) { m_window.SetServer(server); }
+
+    /// Tells the sign-in window how the farm on this computer is.
+    /// @param reason why it does not start, without a full stop or with one; empty for none.
+    void SetFarm(SignInWindow::Farm farm, const QString& reason = {});
+
     /// Sets the account for SignInAutomatically, which forgets the password again.
     void SetAccount(const QString& name, const QString& password);
 
@@ -45,6 +55,8 @@ signals:
     /// @param token of the session; must never be logged.
     void SignedIn(const QString& userName, const QString& token);
     void SignedOut();
+    /// The user asks to start the farm on this computer once more.
+    void StartRequested();
     /// A proxy has asked for a name and a password, which must never be logged.
     void ProxyLoginGiven(const ProxyLogin& login);
 

@@ -3,6 +3,7 @@
 #include "host/farmclient/backoff.h"
 
 #include <QDebug>
+#include <QDir>
 #include <QRegularExpression>
 
 #include <cstdio>
@@ -111,7 +112,9 @@ QString FarmProcess::Reason() const
     static const QRegularExpression prefix(QStringLiteral("^(\\[[^\\]]*\\] *)+"));
     const QByteArray last = m_log.trimmed().split('\n').constLast();
     const QString line = QString::fromUtf8(last).remove(prefix).trimmed();
-    return m_process.error() == QProcess::FailedToStart || line.isEmpty() ? m_process.errorString() : line;
+    if (m_process.error() == QProcess::FailedToStart)
+        return tr("%1 cannot be started.").arg(QDir::toNativeSeparators(m_program));
+    return line.isEmpty() ? tr("It ended without saying why.") : line;
 }
 
 void FarmProcess::ReadOutput()

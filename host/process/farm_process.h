@@ -40,6 +40,9 @@ public:
     /// Has the farm use its data even if another machine has left it locked.
     void SetTakeOver(bool isOn) { m_takesOver = isOn; }
 
+    /// @return false before Start(), and after the farm has been stopped or given up.
+    bool IsWanted() const { return m_wanted; }
+
     /// @return 0 while the farm is not running.
     qint64 ProcessId() const { return m_process.processId(); }
 

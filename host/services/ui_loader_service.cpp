@@ -93,8 +93,11 @@ QWidget* UiLoaderService::LoadUi(const QString& key, QWidget* parent)
         PreparePopups(form);
     if (form && !parent) {
         new FramelessWindow(form, key == MainFormKey ? FramelessWindow::Main : FramelessWindow::Dialog);
+        GiveMenu(form, "btnSkin", "meuSkin");
         if (key == MainFormKey)
             PrepareMainForm(form);
+        else
+            GiveMenu(form, "btnLang", "meuLanguage");
     }
     return form;
 }
@@ -105,10 +108,15 @@ void UiLoaderService::PrepareMainForm(QWidget* form)
         | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint);
     new WindowPlace(form, m_settings);
     new SideColumn(form);
-    auto* button = form->findChild<QPushButton*>(QStringLiteral("btnSkin"));
+}
+
+/// Has a button of the form open a part of the tray menu.
+void UiLoaderService::GiveMenu(const QWidget* form, const char* buttonName, const char* menuName)
+{
+    auto* button = form->findChild<QPushButton*>(QLatin1String(buttonName));
     if (!button)
         return;
-    QMenu* menu = GetMenu(QStringLiteral("menuTray"), QStringLiteral("meuSkin"));
+    QMenu* menu = GetMenu(QStringLiteral("menuTray"), QLatin1String(menuName));
     button->setMenu(menu);
     // The button gets no leave event while its menu is open.
     connect(menu, &QMenu::aboutToHide, button, [button] {

@@ -52,6 +52,7 @@ private:
     bool InstallLanguage(const QString& file);
     void ListChoices();
     void PrepareMainForm(QWidget* form);
+    void GiveMenu(const QWidget* form, const char* buttonName, const char* menuName);
 
     QPointer<VTSettingsInterface> m_settings;
     QString m_skin;

@@ -94,12 +94,12 @@ ScreenshotTour::ScreenshotTour(const QString& folder, ClientHost* host)
 
 void ScreenshotTour::PlanSession()
 {
-    m_steps.push_back(
-        {QStringLiteral("the sign-in window"), [this] { return m_session->SignInForm()->isVisible(); },
-            [this] {
-                Save(m_session->SignInForm(), QStringLiteral("sign-in"));
-                m_session->SignInAutomatically();
-            }});
+    m_steps.push_back({QStringLiteral("the sign-in window"),
+        [this] { return m_session->SignInForm()->isVisible() && m_session->IsReady(); },
+        [this] {
+            Save(m_session->SignInForm(), QStringLiteral("sign-in"));
+            m_session->SignInAutomatically();
+        }});
     // The client opens the tab that was open last.
     m_steps.push_back({QStringLiteral("the main window"), [] { return Tabs() && Tabs()->isVisible(); },
         [] { Tabs()->setCurrentIndex(0); }});

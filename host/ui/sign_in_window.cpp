@@ -2,13 +2,18 @@
 
 #include "vtr_uiloaderinterface.h"
 
+#include <QEvent>
+#include <QFileInfo>
+#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
 namespace {
 
-constexpr int FailureLength = 160; // characters
+constexpr int FailureLength = 160;   // characters
+constexpr int LongestToolTip = 2000; // characters
+const QLatin1String LanguagePrefix("vtr_");
 
 } // namespace
 
@@ -18,17 +23,66 @@ SignInWindow::SignInWindow(VTUiLoaderInterface* loader, QObject* parent)
     , m_name(m_form.Find<QLineEdit>("lneName"))
     , m_password(m_form.Find<QLineEdit>("lnePassword"))
     , m_failure(m_form.Find<QLabel>("lblFailure"))
+    , m_serverLabel(m_form.Find<QLabel>("lblServer"))
     , m_signIn(m_form.Find<QPushButton>("btnSignIn"))
+    , m_language(m_form.Find<QPushButton>("btnLang"))
+    , m_loader(loader)
 {
+    m_serverLabel->installEventFilter(this);
     for (QLineEdit* edit : {m_name, m_password}) {
         connect(edit, &QLineEdit::textChanged, this, &SignInWindow::UpdateButton);
         connect(edit, &QLineEdit::returnPressed, this, &SignInWindow::Request);
     }
-    connect(m_signIn, &QPushButton::clicked, this, &SignInWindow::Request);
+    connect(m_signIn, &QPushButton::clicked, this, &SignInWindow::Press);
     connect(m_form.Find<QPushButton>("btnSystemMin"), &QPushButton::clicked, Form(), &QWidget::showMinimized);
     connect(m_form.Find<QPushButton>("btnClose"), &QPushButton::clicked, Form(), &QWidget::close);
-    connect(loader, &VTUiLoaderInterface::LanguageChanged, this, &SignInWindow::UpdateButton);
+    connect(loader, &VTUiLoaderInterface::LanguageChanged, this, &SignInWindow::Retranslate);
+    Retranslate();
+}
+
+bool SignInWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_serverLabel && event->type() == QEvent::Resize)
+        ShowServer();
+    return false;
+}
+
+void SignInWindow::SetServer(const QString& server)
+{
+    m_server = server;
+    ShowServer();
+}
+
+void SignInWindow::ShowServer()
+{
+    const QString text
+        = m_server.isEmpty() ? tr("Server: the farm on this computer") : tr("Server: %1").arg(m_server);
+    m_serverLabel->setText(
+        m_serverLabel->fontMetrics().elidedText(text, Qt::ElideMiddle, m_serverLabel->width()));
+    m_serverLabel->setToolTip(text == m_serverLabel->text() ? QString() : m_server.toHtmlEscaped());
+}
+
+void SignInWindow::SetFarm(Farm farm, const QString& reason)
+{
+    m_farm = farm;
+    m_reason = reason;
+    Say(reason.isEmpty() ? QString() : ReasonText());
     UpdateButton();
+}
+
+void SignInWindow::Retranslate()
+{
+    const QString language = QFileInfo(m_loader->GetLanguage()).completeBaseName().mid(LanguagePrefix.size());
+    m_language->setIcon(QIcon(QStringLiteral(":/default/%1_normal.png").arg(language)));
+    ShowServer();
+    if (!m_reason.isEmpty())
+        Say(ReasonText());
+    UpdateButton();
+}
+
+QString SignInWindow::ReasonText() const
+{
+    return tr("The farm on this computer does not start: %1").arg(m_reason);
 }
 
 void SignInWindow::SetName(const QString& name)
@@ -43,36 +97,62 @@ void SignInWindow::SetBusy(bool busy)
     m_name->setEnabled(!busy);
     m_password->setEnabled(!busy);
     if (busy)
-        m_failure->clear();
+        Say({});
     UpdateButton();
 }
 
 void SignInWindow::ShowFailure(const QString& message)
 {
     SetBusy(false);
-    QString shown = message.simplified();
-    if (shown.size() > FailureLength)
-        shown = shown.left(FailureLength) + QChar(0x2026);
-    m_failure->setText(shown);
+    Say(message);
     m_password->setFocus();
     m_password->selectAll();
+}
+
+void SignInWindow::Say(const QString& text)
+{
+    const QString whole = text.simplified();
+    const bool isLong = whole.size() > FailureLength;
+    m_failure->setText(isLong ? whole.left(FailureLength) + QChar(0x2026) : whole);
+    m_failure->setToolTip(isLong ? whole.left(LongestToolTip).toHtmlEscaped() : QString());
 }
 
 void SignInWindow::Reset()
 {
     SetBusy(false);
-    m_failure->clear();
+    Say({});
     m_password->clear();
+}
+
+void SignInWindow::Press()
+{
+    if (m_farm == Farm::Failed)
+        emit StartRequested();
+    else
+        Request();
 }
 
 void SignInWindow::Request()
 {
-    if (m_signIn->isEnabled())
+    if (m_farm == Farm::Ready && m_signIn->isEnabled())
         emit SignInRequested(m_name->text().trimmed(), m_password->text());
 }
 
 void SignInWindow::UpdateButton()
 {
-    m_signIn->setText(m_busy ? tr("Signing in…") : tr("Sign in"));
-    m_signIn->setEnabled(!m_busy && !m_name->text().trimmed().isEmpty() && !m_password->text().isEmpty());
+    const bool isTyped = !m_name->text().trimmed().isEmpty() && !m_password->text().isEmpty();
+    switch (m_farm) {
+    case Farm::Starting:
+        m_signIn->setText(tr("Starting the farm…"));
+        m_signIn->setEnabled(false);
+        break;
+    case Farm::Failed:
+        m_signIn->setText(tr("Try again"));
+        m_signIn->setEnabled(true);
+        break;
+    default:
+        m_signIn->setText(m_busy ? tr("Signing in…") : tr("Sign in"));
+        m_signIn->setEnabled(!m_busy && isTyped);
+        break;
+    }
 }

@@ -6,17 +6,35 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 
-/// Asks for user name and password, on the form "com.vtr.authclient".
+/// Asks for user name and password, on the form "com.vtr.authclient", and tells of a farm that is not ready yet.
 class SignInWindow : public QObject
 {
     Q_OBJECT
 
 public:
+    /// The server with which to sign in.
+    enum class Farm {
+        Ready,
+        Starting, ///< signing in has to wait
+        Failed    ///< it starts only when the user asks for it
+    };
+
     explicit SignInWindow(VTUiLoaderInterface* loader, QObject* parent = nullptr);
 
     QWidget* Form() const { return m_form.Form(); }
 
+    /// @return whether the user can sign in now.
+    bool IsReady() const { return m_farm == Farm::Ready && !m_busy; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 public slots:
+    /// @param server shown to the user as plain text; empty for the farm on this computer.
+    void SetServer(const QString& server);
+
+    /// @param reason why the farm does not start; empty for none. Plain text.
+    void SetFarm(Farm farm, const QString& reason = {});
+
     /// Fills in the user's name and moves the cursor to the password.
     void SetName(const QString& name);
 
@@ -31,15 +49,28 @@ public slots:
 
 signals:
     void SignInRequested(const QString& name, const QString& password);
+    /// The farm is to be started once more.
+    void StartRequested();
 
 private:
+    void Press();
     void Request();
+    void Say(const QString& text);
+    void ShowServer();
+    void Retranslate();
+    QString ReasonText() const;
     void UpdateButton();
 
     SkinnedForm m_form;
     QLineEdit* m_name;
     QLineEdit* m_password;
     QLabel* m_failure;
+    QLabel* m_serverLabel;
     QPushButton* m_signIn;
+    QPushButton* m_language;
+    VTUiLoaderInterface* m_loader;
+    QString m_server;
+    QString m_reason; // why the farm does not start
+    Farm m_farm = Farm::Ready;
     bool m_busy = false;
 };

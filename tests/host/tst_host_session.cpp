@@ -120,6 +120,36 @@ private slots:
         QVERIFY(failure->text().isEmpty());
     }
 
+    void WaitsForAFarmThatStarts()
+    {
+        using Farm = SignInWindow::Farm;
+        const auto* server = m_client->Find<QLabel>("lblServer");
+        m_client->session.ShowSignIn();
+        m_client->Find<QLineEdit>("lneName")->setText("demo"_s);
+        m_client->Find<QLineEdit>("lnePassword")->setText("demo"_s);
+        QSignalSpy starts(&m_client->session, &SessionControl::StartRequested);
+        const std::tuple<Farm, const char*, const char*, bool> states[] = {
+            {Farm::Starting, "", "Starting the farm…", false},
+            {Farm::Starting, "no <disk>", "Starting the farm…", false},
+            {Farm::Failed, "no <disk>", "Try again", true},
+            {Farm::Ready, "", "Sign in", true},
+        };
+        for (const auto& [farm, reason, text, isEnabled] : states) {
+            m_client->session.SetFarm(farm, QLatin1String(reason));
+            QCOMPARE(m_client->button->text(), QString::fromUtf8(text));
+            QCOMPARE(m_client->button->isEnabled(), isEnabled);
+            QCOMPARE(m_client->failure->text().contains("no <disk>."_s), *reason != 0);
+            emit m_client->Find<QLineEdit>("lnePassword")->returnPressed();
+            m_client->button->click();
+            QCOMPARE(starts.count(), farm == Farm::Failed || farm == Farm::Ready ? 1 : 0);
+        }
+        EVENTUALLY(m_client->session.IsSignedIn());
+        QCOMPARE(m_client->server.Requests().size(), 1);
+        QCOMPARE(server->text(), "Server: the farm on this computer"_s);
+        m_client->session.SetServer("https://farm.example/"_s + QString(300, QLatin1Char('x')));
+        QVERIFY(server->text().size() < 100 && server->toolTip().size() > 300);
+    }
+
     void AsksForTheProxysPassword()
     {
         const auto restore = qScopeGuard([] { QNetworkProxyFactory::setUseSystemConfiguration(true); });
