@@ -1,6 +1,6 @@
 #!/bin/sh
-# Installs a build, moves the installation, and uses it as users, integrators and packagers do.
-#   check_package.sh <install | client | host | debian> <build folder> <source folder> <work folder>
+# Unpacks the archive of a build, moves it, and uses it as users, integrators and packagers do.
+#   check_package.sh <archive | client | host | debian> <build folder> <source folder> <work folder>
 set -eu
 what=$1 build=$2 source=$3 work=$4
 prefix="$work/moved here"
@@ -23,17 +23,23 @@ wait_for() {
     fail "waited in vain for $description"
 }
 
-install() {
+pack() {
+    cpack --config "$build/CPackConfig.cmake" -G "$1" -B "$work/packages" >"$work/cpack.log" 2>&1 || fail "$(cat "$work/cpack.log")"
+}
+
+archive() {
     rm -rf "$work"
     mkdir -p "$HOME"
-    cmake --install "$build" --prefix "$work/first" >"$work/install.log"
-    mv "$work/first" "$prefix"
+    pack TGZ
+    tar -xzf "$work/packages"/*.tar.gz -C "$work"
+    mv "$work"/quillstar-* "$prefix"
     for file in $(grep -rlI "$build\|$source\|$work" "$prefix" || true); do
         fail "$file names a folder of the build"
     done
     for program in quillstar quillstar-farmd; do
         manual="$prefix/share/man/man1/$program.1.gz"
-        for option in $(env -u QT_QPA_PLATFORM "$prefix/bin/$program" --help | grep -o -- ' --[a-z-]*'); do
+        env -u QT_QPA_PLATFORM "$prefix/bin/$program" --help >"$work/help" || fail "$program has no help without a display"
+        for option in $(grep -o -- ' --[a-z-]*' "$work/help"); do
             zcat "$manual" | sed 's/\\//g' | grep -q -- "$option\b" || fail "$manual lacks $option"
         done
     done
@@ -76,7 +82,7 @@ host() {
 }
 
 debian() {
-    cpack --config "$build/CPackConfig.cmake" -G DEB -B "$work/packages" >"$work/cpack.log" 2>&1 || fail "$(cat "$work/cpack.log")"
+    pack DEB
     # Package, a file that it contains, packages that it depends on.
     while read -r package file depends; do
         deb=$(echo "$work/packages/${package}_"*.deb)
