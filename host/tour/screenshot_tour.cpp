@@ -10,6 +10,7 @@
 #include <QMenu>
 #include <QPixmap>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QTableWidget>
 #include <QTabWidget>
 
@@ -68,6 +69,7 @@ ScreenshotTour::ScreenshotTour(const QString& folder, ClientHost* host)
     PlanSubmission();
     PlanDownload();
     PlanTab(0, {});
+    PlanConnection();
     PlanDialog(QStringLiteral("btnSearchJob"), QStringLiteral("search"));
     PlanParents();
     PlanDialog(QStringLiteral("btnOkSetParent"), QStringLiteral("set-parent"));
@@ -187,6 +189,22 @@ void ScreenshotTour::PlanParents()
             return form && form->findChild<QTableWidget*>(QStringLiteral("twtJobList"))->rowCount() > 0;
         },
         [] {}});
+}
+
+/// Opens the list of failures as a click on the strip in the title bar does.
+void ScreenshotTour::PlanConnection()
+{
+    const auto strip = [] {
+        const auto* place = FindJobTable()->window()->findChild<QWidget*>(QStringLiteral("wgtConnection"));
+        return place ? place->findChild<QPushButton*>() : nullptr;
+    };
+    m_steps.push_back({QStringLiteral("the connection"), [strip] { return strip() != nullptr; },
+        [this, strip] {
+            strip()->click();
+            QWidget* form = FindForm(QStringLiteral("btnTryAgain"));
+            Save(form, QStringLiteral("connection"));
+            form->close();
+        }});
 }
 
 /// @param open shows a modal window and returns when it is closed.
