@@ -25,6 +25,12 @@ void ConnectionFeed::Transfer::Count(qint64 bytes) const
         m_feed->Move(m_direction, bytes);
 }
 
+void ConnectionFeed::Transfer::CountTo(qint64 moved)
+{
+    if (moved > m_moved)
+        Count(moved - std::exchange(m_moved, moved));
+}
+
 ConnectionFeed::ConnectionFeed()
 {
     m_clock.start();

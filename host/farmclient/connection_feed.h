@@ -45,9 +45,13 @@ public:
 
         void Count(qint64 bytes) const;
 
+        /// @param moved all bytes of this transfer so far; fewer than before count nothing.
+        void CountTo(qint64 moved);
+
     private:
         ConnectionFeed* m_feed;
         Direction m_direction;
+        qint64 m_moved = 0;
     };
 
     ConnectionFeed();

@@ -6,13 +6,19 @@
 #include <QFileInfo>
 #include <QIcon>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 
 namespace {
 
 constexpr int FailureLength = 160;   // characters
 constexpr int LongestToolTip = 2000; // characters
+constexpr QSize WholeSize(720, 440);
+constexpr int LowHeight = 340;
+constexpr int Spacing = 6;
+constexpr int LowSpacing = 4;
 const QLatin1String LanguagePrefix("vtr_");
 
 } // namespace
@@ -29,6 +35,7 @@ SignInWindow::SignInWindow(VTUiLoaderInterface* loader, QObject* parent)
     , m_loader(loader)
 {
     m_serverLabel->installEventFilter(this);
+    Form()->installEventFilter(this);
     for (QLineEdit* edit : {m_name, m_password}) {
         connect(edit, &QLineEdit::textChanged, this, &SignInWindow::UpdateButton);
         connect(edit, &QLineEdit::returnPressed, this, &SignInWindow::Request);
@@ -44,7 +51,24 @@ bool SignInWindow::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == m_serverLabel && event->type() == QEvent::Resize)
         ShowServer();
+    else if (watched == Form() && event->type() == QEvent::Show)
+        FitScreen();
     return false;
+}
+
+/// Leaves out what is not needed where the screen is too small for the whole form.
+void SignInWindow::FitScreen()
+{
+    const QSize room = Form()->screen()->availableSize();
+    const bool isNarrow = room.width() < WholeSize.width();
+    const bool isLow = room.height() < WholeSize.height();
+    auto* brand = m_form.Find<QWidget>("frmBrand");
+    brand->setVisible(!isNarrow);
+    m_form.Find<QLabel>("lblHint")->setVisible(!isLow);
+    auto* fields = m_form.Find<QLayout>("layWgtFields");
+    fields->setSpacing(isLow ? LowSpacing : Spacing);
+    Form()->setFixedSize(
+        WholeSize.width() - (isNarrow ? brand->minimumWidth() : 0), isLow ? LowHeight : WholeSize.height());
 }
 
 void SignInWindow::SetServer(const QString& server)

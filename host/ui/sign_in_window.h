@@ -57,6 +57,7 @@ private:
     void Request();
     void Say(const QString& text);
     void ShowServer();
+    void FitScreen();
     void Retranslate();
     QString ReasonText() const;
     void UpdateButton();

@@ -180,6 +180,7 @@ private:
         request.task.work.packages = {{sum, 10, false, "u"_s}, {sum, 3, false, "u"_s}};
         request.access.apiRoot = FarmApiRoot(m_server->Url());
         request.access.token = "abc"_s;
+        request.access.feed = m_feed.get();
         request.folder = m_folder->path();
         request.interrupted = std::make_shared<std::atomic<bool>>(false);
         return request;
@@ -189,6 +190,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<StandInServer> m_server;
+    std::unique_ptr<ConnectionFeed> m_feed;
     SubmitWorker m_worker {{}, {Patience, 300, Patience}}; // only chunks end by the limit
 
 private slots:
@@ -196,6 +198,7 @@ private slots:
     {
         m_folder = std::make_unique<QTemporaryDir>();
         m_server = std::make_unique<StandInServer>();
+        m_feed = std::make_unique<ConnectionFeed>();
         QVERIFY(WriteFile(TaskPackages::Path(m_folder->path(), 0), "0123456789"));
         QVERIFY(WriteFile(TaskPackages::Path(m_folder->path(), 1), "abc"));
     }
@@ -213,6 +216,10 @@ private slots:
             QRegularExpression::wildcardToRegularExpression(QString::fromLatin1(row.outcome)));
         QVERIFY2(expected.match(Summary(outcome)).hasMatch(), qPrintable(Summary(outcome)));
         QCOMPARE(outcome.stage, row.stage);
+        const bool isUpload = row.stage == Stage::Upload;
+        const Flow up = m_feed->Look().up;
+        QCOMPARE(up.name.isEmpty(), !isUpload);
+        QVERIFY(up.speed > 0 || !isUpload || !outcome.advanced);
         if (row.requests)
             QCOMPARE(Brief(m_server->Requests()), QString::fromLatin1(row.requests));
         QVERIFY(

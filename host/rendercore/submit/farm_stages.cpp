@@ -110,7 +110,7 @@ void FarmStages::UploadAll()
     for (const int index : wanted)
         total += m_outcome.work.packages.at(index).size;
     TransferMeter meter(total);
-    const ConnectionFeed::Transfer transfer(
+    ConnectionFeed::Transfer transfer(
         m_request->access.feed, ConnectionFeed::Up, QFileInfo(m_request->task.scene).completeBaseName());
     m_transfer = &transfer;
     for (const int index : wanted) {
@@ -160,6 +160,7 @@ bool FarmStages::SendChunks(int index, Upload& upload, TransferMeter& meter)
             return true;
         if (upload.offset > before) {
             meter.Add(upload.offset - before);
+            m_transfer->CountTo(meter.Moved());
             m_outcome.advanced = true;
         } else if (++stalls == MostStalls) {
             Refuse(index, QString::fromLatin1(SubmitText::NotStored));
@@ -180,10 +181,9 @@ std::optional<HttpResult> FarmStages::SendChunk(
     request.contentType = "application/octet-stream";
     request.attemptTime = m_limits.chunkTime;
     request.body = chunk;
-    const auto result = m_farm.Send(request, [this, &meter, sent = qint64(0)](qint64 bytes) mutable {
-        m_transfer->Count(bytes - sent);
-        sent = bytes;
+    const auto result = m_farm.Send(request, [this, &meter](qint64 bytes) {
         meter.SetInFlight(bytes);
+        m_transfer->CountTo(meter.Moved());
         (*m_onProgress)(meter.Percent(), meter.Text());
     });
     if (!IsStatus(result, HttpStatus::Conflict))

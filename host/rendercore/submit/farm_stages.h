@@ -64,6 +64,6 @@ private:
     FarmLink m_farm;
     const StageRequest* m_request = nullptr; // while a stage runs; so is m_onProgress
     const StageProgress* m_onProgress = nullptr;
-    const ConnectionFeed::Transfer* m_transfer = nullptr; // while packages are sent
+    ConnectionFeed::Transfer* m_transfer = nullptr; // while packages are sent
     StageOutcome m_outcome;
 };

@@ -21,13 +21,15 @@ public:
     /// Sets how many bytes of the next chunk have been sent so far.
     void SetInFlight(qint64 bytes);
 
+    /// @return bytes that have been transferred, with those in flight.
+    qint64 Moved() const { return m_arrived + m_inFlight; }
+
     int Percent() const;
 
     /// For example "12.4 of 80.0 MB, 3.1 MB/s".
     QString Text() const;
 
 private:
-    qint64 Moved() const { return m_arrived + m_inFlight; }
     qint64 Done() const { return m_skipped + Moved(); }
 
     qint64 m_total;
