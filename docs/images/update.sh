@@ -1,0 +1,30 @@
+#!/bin/sh
+# Takes the pictures of the documents anew, with the client that is built in build/release.
+set -eu
+cd "$(dirname "$0")"
+. ../../scripts/prepare.sh
+install_packages xvfb xauth pngquant
+client=$PWD/../../build/release/bin/quillstar
+work=$(mktemp -d)
+trap 'rm -r "$work"' EXIT
+
+# take <skin> <language>: visits all windows on a virtual display. The paths in the pictures are those of nobody.
+take() {
+    rm -rf /tmp/ann
+    xvfb-run -a -s "-screen 0 1600x1000x24 -dpi 96" "$client" --skin "$1" --language "$2" --screenshots "$work/$1" \
+        --config /tmp/ann/quillstar.ini --data /tmp/ann/data --downloads /tmp/ann/Renders
+    rm -rf /tmp/ann
+}
+
+# keep <skin> <name in the tour> <name here> [<colours>]
+keep() {
+    pngquant --force --strip --output "$3.png" "${4:-256}" "$work/$1/$2.png"
+}
+
+take default en
+keep default my-render client
+keep default sign-in sign-in
+keep default preview preview 48
+keep default configuration settings
+take dark zh
+keep dark my-render dark
