@@ -263,8 +263,9 @@ void ProvideDemo(Database& database, AccountStore& accounts, JobStore& jobs, std
         return demo && !jobs.HasOpenJobs(*demo) ? FindLiveJobs(connection, *demo) : QStringList();
     });
     // Restarting them leaves the list as long as it is.
+    ChangeFeed unheard;
     if (!ended.isEmpty())
-        JobActions(database, [] {
+        JobActions(database, unheard, [] {
         }).Apply(JobAction::Restart, accounts.Find(QStringLiteral("demo")).value(), ended, now);
 }
 

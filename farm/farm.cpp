@@ -16,6 +16,7 @@ namespace {
 
 constexpr int LockWait = 5000; // ms
 constexpr std::chrono::hours ForgetInterval {1};
+constexpr std::chrono::seconds OutsideInterval {1};
 
 } // namespace
 
@@ -29,23 +30,25 @@ Farm::Farm(const FarmSettings& settings)
     , m_types(ReadJobTypes(settings.jobTypesFile))
     , m_contents(m_database, Folder("contents"))
     , m_uploads(m_database, m_contents, Folder("uploads"), settings.quota)
-    , m_queue(m_database, settings.pricePerCoreSecond)
+    , m_queue(m_database, m_feed, settings.pricePerCoreSecond)
     , m_scenes(m_database, m_contents, settings.sceneFolder)
     , m_files(Folder("jobs"), m_scenes)
     , m_pictures(m_database, m_files)
     , m_frames(m_database)
     , m_executor(settings.slotCount, m_dataFolder)
     , m_scheduler(m_queue, m_executor, m_files, m_inWork, m_types, settings.lookInterval)
-    , m_actions(m_database, [this] { m_scheduler.NudgeLater(); })
-    , m_submission(m_database, m_jobs, m_contents, m_types.keys(), settings.quota,
+    , m_actions(m_database, m_feed, [this] { m_scheduler.NudgeLater(); })
+    , m_submission(m_database, m_jobs, m_contents, m_types.keys(), settings.quota, m_feed,
           [this] { m_scheduler.NudgeLater(); })
     , m_http({m_accounts, m_contents, m_uploads, m_jobs, m_actions, m_submission, m_frames, m_inWork,
-                 m_pictures},
+                 m_pictures, m_feed},
           settings.limits)
 {
     ForgetOldUploads();
     QObject::connect(&m_forgetTimer, &QTimer::timeout, [this] { ForgetOldUploads(); });
     m_forgetTimer.start(ForgetInterval);
+    QObject::connect(&m_outsideTimer, &QTimer::timeout, [this] { AnnounceOutsideChanges(); });
+    m_outsideTimer.start(OutsideInterval);
     if (settings.demo)
         ProvideDemo(m_database, m_accounts, m_jobs, Now());
     m_port = m_http.Start(settings.address, settings.port);
@@ -57,6 +60,7 @@ Farm::~Farm()
     // Renderers first: a client that keeps its connection open may delay the server until the process is forced to exit.
     m_scheduler.Stop();
     m_uploads.Interrupt();
+    m_feed.Close();
     m_http.Stop();
 }
 
@@ -78,6 +82,17 @@ void Farm::ForgetOldUploads()
         m_uploads.ForgetOld(Now());
     } catch (const std::exception& error) {
         spdlog::error("old uploads cannot be removed; the farm tries again in an hour: {}", error.what());
+    }
+}
+
+/// Another process may have paid money into an account.
+void Farm::AnnounceOutsideChanges()
+{
+    try {
+        if (m_feed.SubscriberCount() > 0 && m_database.WasChangedByOthers())
+            m_feed.AnnounceToAll({{}, true, true});
+    } catch (const std::exception& error) {
+        spdlog::error("changes of other processes cannot be noticed: {}", error.what());
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "farm/accounts/account_store.h"
+#include "farm/base/change_feed.h"
 #include "farm/base/schema.h"
 #include "farm/data_lock.h"
 #include "farm/http/http_api.h"
@@ -66,11 +67,13 @@ private:
     static QString MakeFolder(const QString& path);
     QString Folder(const char* name) const;
     void ForgetOldUploads();
+    void AnnounceOutsideChanges();
 
     FarmSettings m_settings;
     QString m_dataFolder;
     DataLock m_lock;
     Database m_database;
+    ChangeFeed m_feed;
     AccountStore m_accounts;
     JobStore m_jobs;
     JobTypes m_types;
@@ -88,6 +91,7 @@ private:
     JobSubmission m_submission;
     HttpApi m_http;
     QTimer m_forgetTimer;
+    QTimer m_outsideTimer;
     int m_port = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "storage/database.h"
 
 #include <string>
+#include <utility>
 
 namespace storage {
 
@@ -17,6 +18,13 @@ Database::Database(const QString& path, const Migrations& migrations)
     m_connection.exec("PRAGMA synchronous = FULL");
     m_connection.exec("PRAGMA foreign_keys = ON");
     Migrate(migrations);
+}
+
+bool Database::WasChangedByOthers()
+{
+    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
+    const std::int64_t version = m_connection.execAndGet("PRAGMA data_version").getInt64();
+    return std::exchange(m_dataVersion, version) != version;
 }
 
 void Database::Migrate(const Migrations& migrations)

@@ -58,11 +58,16 @@ public:
         }
     }
 
+    /// Whether another connection, perhaps of another process, has changed the database since the last call. The first
+    /// call cannot know and returns true.
+    bool WasChangedByOthers();
+
 private:
     void Migrate(const Migrations& migrations);
 
     std::recursive_mutex m_mutex;
     SQLite::Database m_connection;
+    std::int64_t m_dataVersion = 0;
 };
 
 QString Text(const SQLite::Column& column);

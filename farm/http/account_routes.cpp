@@ -1,6 +1,7 @@
 #include "farm/http/account_routes.h"
 
 #include "farm/accounts/account_store.h"
+#include "farm/base/change_feed.h"
 #include "farm/base/local_time.h"
 #include "farm/http/api_json.h"
 #include "farm/http/http_refusal.h"
@@ -19,9 +20,11 @@ constexpr int MostDays = 366;
 
 } // namespace
 
-AccountRoutes::AccountRoutes(RequestGate& gate, AccountStore& accounts, const RequestLimits& limits)
+AccountRoutes::AccountRoutes(
+    RequestGate& gate, AccountStore& accounts, ChangeFeed& feed, const RequestLimits& limits)
     : m_gate(gate)
     , m_accounts(accounts)
+    , m_feed(feed)
     , m_signInsByAddress(limits.signInsByAddress)
     , m_failedSignInsByName(limits.failedSignInsByName)
 {
@@ -54,7 +57,12 @@ QJsonObject AccountRoutes::SignIn(const ApiRequest& request)
 
 QJsonObject AccountRoutes::SignOut(const ApiRequest& request)
 {
-    m_accounts.SignOut(request.Token());
+    const QString token = request.Token();
+    const auto account = m_accounts.AccountOf(token, Now());
+    m_accounts.SignOut(token);
+    // The session's streams of events notice that it is over and end.
+    if (account)
+        m_feed.Wake(*account);
     return {};
 }
 

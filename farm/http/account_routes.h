@@ -8,6 +8,7 @@ namespace farm {
 
 class AccountStore;
 class ApiRequest;
+class ChangeFeed;
 class HttpServer;
 class RequestGate;
 struct RequestLimits;
@@ -16,7 +17,7 @@ struct RequestLimits;
 class AccountRoutes
 {
 public:
-    AccountRoutes(RequestGate& gate, AccountStore& accounts, const RequestLimits& limits);
+    AccountRoutes(RequestGate& gate, AccountStore& accounts, ChangeFeed& feed, const RequestLimits& limits);
 
     /// The routes must outlive the server.
     void AddTo(HttpServer& server);
@@ -30,6 +31,7 @@ private:
 
     RequestGate& m_gate;
     AccountStore& m_accounts;
+    ChangeFeed& m_feed;
     RateLimiter m_signInsByAddress;
     RateLimiter m_failedSignInsByName;
 };

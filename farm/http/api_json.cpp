@@ -143,6 +143,18 @@ QJsonArray FramesJson(const std::vector<FrameRecord>& frames)
     return list;
 }
 
+QJsonObject ChangesJson(const AccountChanges& changes)
+{
+    QJsonArray jobs;
+    for (const QString& id : changes.jobs)
+        jobs.append(id);
+    return {
+        {QStringLiteral("jobs"), jobs},
+        {QStringLiteral("list"), changes.list},
+        {QStringLiteral("money"), changes.money},
+    };
+}
+
 QJsonObject DataJson(const QJsonValue& value)
 {
     return {{QStringLiteral("data"), value}};

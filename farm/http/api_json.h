@@ -1,6 +1,7 @@
 #pragma once
 
 #include "farm/accounts/account_store.h"
+#include "farm/base/change_feed.h"
 #include "farm/jobs/frame_store.h"
 #include "farm/jobs/job_store.h"
 #include "farm/rendering/picture.h"
@@ -25,6 +26,7 @@ QJsonArray PackedFilesJson(const std::vector<PackedFile>& files);
 QJsonArray PicturesJson(const std::vector<Picture>& pictures);
 /// Each frame as an array, since a job may have thousands; see docs/farm-api.md for the order of its values.
 QJsonArray FramesJson(const std::vector<FrameRecord>& frames);
+QJsonObject ChangesJson(const AccountChanges& changes);
 /// Wraps the value in an object as its member "data".
 QJsonObject DataJson(const QJsonValue& value);
 /// @param word is the error's name for programs, `message` its sentence for people.

@@ -16,16 +16,18 @@ QJsonObject Health(const ApiRequest&)
 
 HttpApi::HttpApi(const Dependencies& dependencies, const RequestLimits& limits)
     : m_gate(dependencies.accounts, limits)
-    , m_accounts(m_gate, dependencies.accounts, limits)
+    , m_accounts(m_gate, dependencies.accounts, dependencies.feed, limits)
     , m_uploads(m_gate, dependencies.contents, dependencies.uploads)
     , m_jobs(m_gate, dependencies.jobs, dependencies.actions, dependencies.submission)
     , m_frames(m_gate, dependencies.jobs, dependencies.frames, dependencies.inWork, dependencies.pictures)
+    , m_events(m_gate, dependencies.accounts, dependencies.feed)
 {
     m_server.Get("/api/v1/health", Health);
     m_accounts.AddTo(m_server);
     m_uploads.AddTo(m_server);
     m_jobs.AddTo(m_server);
     m_frames.AddTo(m_server);
+    m_events.AddTo(m_server);
 }
 
 } // namespace farm

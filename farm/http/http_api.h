@@ -1,6 +1,7 @@
 #pragma once
 
 #include "farm/http/account_routes.h"
+#include "farm/http/event_routes.h"
 #include "farm/http/frame_routes.h"
 #include "farm/http/http_server.h"
 #include "farm/http/job_routes.h"
@@ -25,13 +26,14 @@ public:
         FrameStore& frames;
         const FramesInWork& inWork;
         PictureStore& pictures;
+        ChangeFeed& feed;
     };
 
     HttpApi(const Dependencies& dependencies, const RequestLimits& limits);
 
     /// Listens; port 0 chooses a free one. Returns the port. Throws std::runtime_error when it cannot listen there.
     int Start(const QString& address, int port) { return m_server.Start(address, port); }
-    /// Returns when the requests being served have been answered.
+    /// Returns when the requests being served have been answered. Close the feed first, which ends the streams of events.
     void Stop() { m_server.Stop(); }
 
 private:
@@ -40,6 +42,7 @@ private:
     UploadRoutes m_uploads;
     JobRoutes m_jobs;
     FrameRoutes m_frames;
+    EventRoutes m_events;
     HttpServer m_server;
 };
 

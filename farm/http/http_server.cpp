@@ -4,6 +4,7 @@
 #include "farm/http/api_json.h"
 #include "farm/http/byte_range.h"
 #include "farm/http/http_refusal.h"
+#include "farm/http/request_threads.h"
 #include "storage/disk_full.h"
 #include "json/read_object.h"
 
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <initializer_list>
+#include <netinet/tcp.h>
 #include <optional>
 
 namespace farm {
@@ -23,9 +25,11 @@ namespace {
 
 constexpr std::size_t LargestBody = std::size_t {1024} * 1024; // bytes
 constexpr std::size_t FileBlock = std::size_t {64} * 1024;     // bytes
-// Many, because threads mostly wait for clients and for the disk.
-constexpr int ThreadCount = 64;
-constexpr int IoTimeout = 5; // s
+// Many, because threads mostly wait for clients and for the disk. Streams of events have further ones, so that they never
+// keep a request waiting.
+constexpr int MostThreads = 64 + HttpServer::MostStreams;
+constexpr int IoTimeout = 5;                // s
+constexpr unsigned int PeerTimeout = 30000; // ms
 // The library lets five connections wait. In a burst further ones are dropped, and their clients try again after a second.
 constexpr int Backlog = 1024;
 
@@ -115,6 +119,24 @@ void AnswerFile(httplib::Response& response, const FileAnswer& answer, const std
                 return false;
             return sink.write(block.data(), static_cast<std::size_t>(wanted));
         });
+}
+
+void AnswerEvents(httplib::Response& response, const EventStream& next)
+{
+    response.set_header("Cache-Control", "no-store");
+    // Asks a proxy in front of the farm to pass each event on at once.
+    response.set_header("X-Accel-Buffering", "no");
+    response.set_chunked_content_provider("text/event-stream", [next](std::size_t, httplib::DataSink& sink) {
+        try {
+            const QByteArray bytes = next();
+            if (!bytes.isEmpty())
+                return sink.write(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+        } catch (const std::exception& error) {
+            spdlog::error("a stream of events has ended: {}", error.what());
+        }
+        sink.done();
+        return true;
+    });
 }
 
 QByteArray Header(const httplib::Request& request, const char* name)
@@ -225,7 +247,7 @@ HttpServer::~HttpServer()
 
 void HttpServer::SetUp()
 {
-    m_server->new_task_queue = [] { return new httplib::ThreadPool(ThreadCount); };
+    m_server->new_task_queue = [] { return new RequestThreads(MostThreads); };
     m_server->set_payload_max_length(LargestChunk);
     m_server->set_read_timeout(IoTimeout);
     m_server->set_write_timeout(IoTimeout);
@@ -236,6 +258,8 @@ void HttpServer::SetUp()
         m_listener = socket;
         const int yes = 1;
         ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
+        // Accepted connections inherit it. A client that has gone without a word must not keep its stream of events open.
+        ::setsockopt(socket, IPPROTO_TCP, TCP_USER_TIMEOUT, &PeerTimeout, sizeof(PeerTimeout));
     });
     m_server->set_pre_routing_handler(CheckHeaders);
     m_server->set_error_handler(CompleteFailure);
@@ -265,6 +289,15 @@ void HttpServer::GetFile(const char* path, FileHandler handler)
         Wrap(LargestBody,
             [handler = std::move(handler)](const httplib::Request& request, httplib::Response& response) {
                 ServeFile(request, response, handler(ApiRequest(request)));
+            }));
+}
+
+void HttpServer::GetEvents(const char* path, EventHandler handler)
+{
+    m_server->Get(path,
+        Wrap(LargestBody,
+            [handler = std::move(handler)](const httplib::Request& request, httplib::Response& response) {
+                AnswerEvents(response, handler(ApiRequest(request)));
             }));
 }
 

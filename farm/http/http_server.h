@@ -47,15 +47,21 @@ struct FileAnswer
     QString checksum;
 };
 
-/// Serves JSON and files over HTTP in its own threads.
+/// Returns the next bytes of a stream of server-sent events, for which it may wait; no bytes end the stream.
+using EventStream = std::function<QByteArray()>;
+
+/// Serves JSON, files and streams of events over HTTP in its own threads.
 class HttpServer
 {
 public:
     using Handler = std::function<QJsonObject(const ApiRequest&)>;
     using FileHandler = std::function<FileAnswer(const ApiRequest&)>;
+    using EventHandler = std::function<EventStream(const ApiRequest&)>;
 
     /// The most bytes that the body of a PUT may have; other bodies may have 1 MiB.
     static constexpr int LargestChunk = 4 * 1024 * 1024;
+    /// The most streams of events at a time.
+    static constexpr int MostStreams = 256;
 
     HttpServer();
     /// Calls Stop().
@@ -69,10 +75,13 @@ public:
     void Delete(const char* path, Handler handler);
     /// Serves a file in blocks, with support for Range, If-Range and If-Match.
     void GetFile(const char* path, FileHandler handler);
+    /// Sends the stream that the handler returns. Each stream occupies a thread, so the handler must not return more than
+    /// `MostStreams` at a time.
+    void GetEvents(const char* path, EventHandler handler);
 
     /// Listens; port 0 chooses a free one. Returns the port. Throws std::runtime_error when it cannot listen there.
     int Start(const QString& address, int port);
-    /// Returns when the requests being served have been answered.
+    /// Returns when the requests being served have been answered; the streams of events have to end by themselves.
     void Stop();
 
 private:

@@ -86,8 +86,9 @@ void SendToWork(SQLite::Database& connection, const QString& jobs, std::int64_t 
 
 } // namespace
 
-JobActions::JobActions(Database& database, std::function<void()> changed)
+JobActions::JobActions(Database& database, ChangeFeed& feed, std::function<void()> changed)
     : m_database(database)
+    , m_feed(feed)
     , m_changed(std::move(changed))
 {
 }
@@ -110,6 +111,8 @@ QStringList JobActions::Apply(JobAction action, std::int64_t account, QStringLis
             SendToWork(connection, jobs, now);
         return QStringList();
     });
+    if (refused.isEmpty())
+        m_feed.Announce(account, {QSet<QString>(ids.cbegin(), ids.cend()), true});
     m_changed();
     return refused;
 }

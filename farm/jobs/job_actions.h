@@ -1,5 +1,6 @@
 #pragma once
 
+#include "farm/base/change_feed.h"
 #include "farm/base/schema.h"
 
 #include <QStringList>
@@ -17,7 +18,7 @@ class JobActions
 {
 public:
     /// @param changed is called after each action, in the thread that asked for it.
-    JobActions(Database& database, std::function<void()> changed);
+    JobActions(Database& database, ChangeFeed& feed, std::function<void()> changed);
 
     /// Applies the action to the account's jobs with these ids; jobs whose status does not allow it are left as they are.
     /// `now` is in seconds since the epoch. Returns the refused ids: all of them when the account is in arrears and the
@@ -27,6 +28,7 @@ public:
 
 private:
     Database& m_database;
+    ChangeFeed& m_feed;
     std::function<void()> m_changed;
 };
 

@@ -24,12 +24,13 @@ std::int64_t ProjectOf(SQLite::Database& connection, std::int64_t account, const
 } // namespace
 
 JobSubmission::JobSubmission(Database& database, JobStore& jobs, ContentStore& contents,
-    const QStringList& types, std::int64_t quota, std::function<void()> changed)
+    const QStringList& types, std::int64_t quota, ChangeFeed& feed, std::function<void()> changed)
     : m_database(database)
     , m_jobs(jobs)
     , m_contents(contents)
     , m_types(types)
     , m_quota(quota)
+    , m_feed(feed)
     , m_changed(std::move(changed))
 {
 }
@@ -44,6 +45,7 @@ AddedJob JobSubmission::Submit(std::int64_t account, Submission submission, std:
         const auto known = m_jobs.FindSubmission(account, submission.job.submission);
         return known ? *known : Add(connection, submission);
     });
+    m_feed.Announce(account, {{job.id}, true});
     m_changed();
     return job;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "farm/base/change_feed.h"
 #include "farm/jobs/job_store.h"
 
 #include <QStringList>
@@ -27,7 +28,7 @@ public:
     /// @param quota is the most bytes that the files of a job may take.
     /// @param changed is called after each new job, in the thread that submitted it.
     JobSubmission(Database& database, JobStore& jobs, ContentStore& contents, const QStringList& types,
-        std::int64_t quota, std::function<void()> changed);
+        std::int64_t quota, ChangeFeed& feed, std::function<void()> changed);
 
     /// The job of this submission: a new one, or the one that an earlier call with the same `submission` created. `now` is
     /// in seconds since the epoch. Throws InvalidInput when the type or the pool is unknown, Conflict when the account
@@ -43,6 +44,7 @@ private:
     ContentStore& m_contents;
     QStringList m_types;
     std::int64_t m_quota;
+    ChangeFeed& m_feed;
     std::function<void()> m_changed;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "farm/base/change_feed.h"
 #include "farm/base/money.h"
 #include "farm/base/schema.h"
 #include "farm/rendering/frame_task.h"
@@ -13,11 +14,11 @@
 namespace farm {
 
 /// Finds the open frames of all jobs and records finished ones: their pictures, charges and balances.
-/// A frame that is being rendered is not marked, so it is still open after a crash.
+/// A frame that is being rendered is not marked, so it is still open after a crash. What it changes is announced.
 class RenderQueue
 {
 public:
-    RenderQueue(Database& database, Micros pricePerCoreSecond);
+    RenderQueue(Database& database, ChangeFeed& feed, Micros pricePerCoreSecond);
 
     /// The next open frame outside `taken` of an open job that has one of these types; nothing when there is none.
     /// Running jobs go first and take turns, beginning with the one after `lastJob`.
@@ -44,6 +45,7 @@ public:
 
 private:
     Database& m_database;
+    ChangeFeed& m_feed;
     Micros m_price;
 };
 

@@ -110,6 +110,13 @@ public:
         return socket;
     }
 
+    /// Opens the account's stream of events.
+    std::unique_ptr<QTcpSocket> Listen() const
+    {
+        return SendRaw(
+            "GET /api/v1/events HTTP/1.1\r\nAuthorization: Bearer " + token.toLatin1() + "\r\n\r\n");
+    }
+
     /// The token that requests carry: that of the last sign-in, unless a test changes it.
     QString token;
     /// The answer to the last sign-in.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "farm/accounts/account_store.h"
+#include "farm/base/change_feed.h"
 #include "farm/base/schema.h"
 #include "farm/jobs/job_store.h"
 #include "tests/support/test_files.h"
@@ -63,6 +64,7 @@ public:
     farm::Database database;
     farm::AccountStore accounts;
     farm::JobStore jobs;
+    farm::ChangeFeed feed;
     std::int64_t account = 0;
 };
 

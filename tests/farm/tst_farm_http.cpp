@@ -183,6 +183,55 @@ private slots:
             QCOMPARE(signIn("bob", "b"), status);
     }
 
+    void StreamsOfEventsTakeNoThreadsFromRequests()
+    {
+        std::vector<std::unique_ptr<QTcpSocket>> streams(64);
+        for (auto& stream : streams) {
+            stream = m_farm.Listen();
+            EVENTUALLY(stream->peek(1000).contains("\n:\n"));
+        }
+        QCOMPARE(m_farm.Get("/account"_s).status, 200);
+        const Reply refused = m_farm.Get("/events"_s);
+        QCOMPARE(refused.status, 429);
+        QVERIFY(refused.retryAfter.toInt() > 0);
+        m_farm.token.clear();
+        QCOMPARE(m_farm.Get("/events"_s).status, 401);
+    }
+
+    void AnnouncesChangesToTheirAccountAlone()
+    {
+        const auto has
+            = [](const auto& stream, const QByteArray& text) { return stream->peek(10000).contains(text); };
+        FarmAtWork farm;
+        farm.data.Add("bob", "b");
+        const QString id = farm.Add(1, JobStatus::Paused);
+        farm.Start(ScriptedTypes("cp {scene} {output}"));
+        const auto ann = farm.Listen();
+        EVENTUALLY(has(ann, "\n:\n"));
+        // Another process pays in.
+        farm.data.accounts.Credit("ann"_s, 5'000'000);
+        EVENTUALLY(has(ann, R"({"jobs":[],"list":true,"money":true})"));
+        const QString session = farm.SignIn("bob", "b");
+        const auto bob = farm.Listen();
+        EVENTUALLY(has(bob, "\n:\n"));
+
+        farm.SignIn("ann", "secret");
+        QCOMPARE(farm.Apply("recover"_s, {id}).status, 200);
+        EVENTUALLY(has(ann, R"({"jobs":[")" + id.toLatin1() + R"("],"list":true,"money":true})"));
+        QVERIFY(!has(bob, "data:"));
+
+        farm.token = session;
+        QCOMPARE(farm.Send("DELETE", "/session"_s).status, 200);
+        EVENTUALLY(bob->state() == QTcpSocket::UnconnectedState);
+        QCOMPARE(ann->state(), QTcpSocket::ConnectedState);
+        constexpr int Heartbeat = 25000; // ms
+        QElapsedTimer clock;
+        clock.start();
+        farm.End();
+        QVERIFY(clock.elapsed() < Heartbeat / 2);
+        EVENTUALLY(ann->state() == QTcpSocket::UnconnectedState);
+    }
+
     void LimitsUsesPerTime()
     {
         using namespace std::chrono_literals;

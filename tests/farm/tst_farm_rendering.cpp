@@ -85,7 +85,7 @@ private slots:
     {
         constexpr Micros Price = 500'000;
         const std::int64_t job = m_farm->data.jobs.Add(m_farm->data.Job("job"_s, 3)).key;
-        RenderQueue queue(m_farm->data.database, Price);
+        RenderQueue queue(m_farm->data.database, m_farm->data.feed, Price);
         queue.Finish({job, 2}, {}, 3001, 100);
         queue.Finish({job, 2}, {}, 9999, 101);
         queue.Finish({job, 7}, {}, 9999, 102);
@@ -293,7 +293,7 @@ private slots:
     void RecoveringAJobWithoutOpenFramesFinishesIt()
     {
         const QString id = m_farm->Add(1, JobStatus::Paused);
-        RenderQueue(m_farm->data.database, DefaultPrice).Finish({1, 1}, {}, 1, 100);
+        RenderQueue(m_farm->data.database, m_farm->data.feed, DefaultPrice).Finish({1, 1}, {}, 1, 100);
         QCOMPARE(m_farm->Status(), JobStatus::Paused);
         m_farm->Start(ScriptedTypes(GatedScript));
         QCOMPARE(m_farm->Apply("recover"_s, {id}).status, 200);
@@ -327,7 +327,7 @@ private slots:
         QVERIFY(!QFile::exists(left));
         QCOMPARE(m_farm->Status(), JobStatus::Running);
         // The earlier run reports a frame late, as finished and as failed.
-        RenderQueue queue(m_farm->data.database, DefaultPrice);
+        RenderQueue queue(m_farm->data.database, m_farm->data.feed, DefaultPrice);
         queue.Finish({1, 4, 1}, {}, 1, 100);
         for (int attempt = 1; attempt <= 3; ++attempt)
             QVERIFY(!queue.Fail({1, 3, 1}, "late"_s, 100));

@@ -137,7 +137,7 @@ private slots:
         diskCalls.clear();
         const AddedJob added = data.jobs.Add(job);
         QVERIFY(Ordered({Record()}));
-        RenderQueue queue(data.database, DefaultPrice);
+        RenderQueue queue(data.database, data.feed, DefaultPrice);
         const SceneFiles scenes(data.database, contents, m_folder->path());
         const FrameFiles files(Path("jobs"_s), scenes);
         const FrameTask task = *queue.Next({job.type}, 0, {});
@@ -298,13 +298,14 @@ private slots:
                     connection.exec("INSERT INTO frame_ranges SELECT job, 1, max(number) FROM frames");
             });
             FarmData data(folder.path());
-            const auto next = RenderQueue(data.database, DefaultPrice).Next({"povray"_s}, 0, {});
+            const auto next = RenderQueue(data.database, data.feed, DefaultPrice).Next({"povray"_s}, 0, {});
             QVERIFY(next);
             QCOMPARE(next->jobId, "old"_s);
             QCOMPARE(next->Number(), 3);
             QCOMPARE(next->FrameSpan(), 5);
             QVERIFY(data.jobs.Plan(data.account, next->jobId).prerender);
-            JobActions(data.database, [] {}).Apply(JobAction::FullRender, data.account, {next->jobId}, 10);
+            JobActions(data.database, data.feed, [] {
+            }).Apply(JobAction::FullRender, data.account, {next->jobId}, 10);
             QCOMPARE(data.Only().progress, 20);
             QCOMPARE(data.Only().status, int(JobStatus::ToFullRender));
         }

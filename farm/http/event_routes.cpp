@@ -1,0 +1,69 @@
+#include "farm/http/event_routes.h"
+
+#include "farm/accounts/account_store.h"
+#include "farm/base/local_time.h"
+#include "farm/http/api_json.h"
+#include "farm/http/http_refusal.h"
+#include "farm/http/request_gate.h"
+
+#include <QJsonDocument>
+
+#include <chrono>
+
+namespace farm {
+
+namespace {
+
+constexpr std::chrono::seconds Heartbeat {25};
+constexpr int MostStreamsPerAccount = 64;
+constexpr int RetryAfter = 30; // s
+
+// Comments of the event-stream format. The first one shows the client at once that the stream is open.
+const QByteArray comment = QByteArrayLiteral(":\n\n");
+
+QByteArray EventOf(const AccountChanges& changes)
+{
+    return changes.IsEmpty()
+        ? comment
+        : "data: " + QJsonDocument(ChangesJson(changes)).toJson(QJsonDocument::Compact) + "\n\n";
+}
+
+} // namespace
+
+EventRoutes::EventRoutes(RequestGate& gate, AccountStore& accounts, ChangeFeed& feed)
+    : m_gate(gate)
+    , m_accounts(accounts)
+    , m_feed(feed)
+{
+}
+
+void EventRoutes::AddTo(HttpServer& server)
+{
+    server.GetEvents("/api/v1/events", [this](const ApiRequest& request) { return Open(request); });
+}
+
+EventStream EventRoutes::Open(const ApiRequest& request)
+{
+    const auto subscription = Admit(m_gate.Authorize(request));
+    return [this, subscription, token = request.Token(), isOpen = false]() mutable {
+        if (!std::exchange(isOpen, true))
+            return comment;
+        const auto changes = subscription->Wait(Heartbeat);
+        // The session may have ended since the last event.
+        return changes && m_accounts.AccountOf(token, Now()) ? EventOf(*changes) : QByteArray();
+    };
+}
+
+std::shared_ptr<ChangeFeed::Subscription> EventRoutes::Admit(std::int64_t account)
+{
+    const std::lock_guard lock(m_admitting);
+    if (m_feed.SubscriberCount(account) >= MostStreamsPerAccount)
+        throw HttpRefusal {429, "too_many_requests",
+            QStringLiteral("the account has too many open streams of events"), RetryAfter};
+    if (m_feed.SubscriberCount() >= HttpServer::MostStreams)
+        throw HttpRefusal {
+            503, "busy", QStringLiteral("the farm has too many open streams of events"), RetryAfter};
+    return m_feed.Subscribe(account);
+}
+
+} // namespace farm
