@@ -1,5 +1,6 @@
 #include "host/app/client_host.h"
 
+#include "host/app/live_refresh.h"
 #include "host/app/session_control.h"
 #include "host/farmclient/http_result.h"
 #include "host/mainform/main_form.h"
@@ -59,6 +60,7 @@ ClientHost::ClientHost(const HostOptions& options, QObject* parent)
 
 ClientHost::~ClientHost()
 {
+    m_refresh.reset();
     m_session.reset();
     m_runner.reset();
     UseNoServer();
@@ -81,6 +83,7 @@ bool ClientHost::Start(QString* error)
         return false;
     m_session = std::make_unique<SessionControl>(
         &m_services.loader, &m_services.communication, &m_services.settings, &m_services.messageBox);
+    m_refresh = std::make_unique<LiveRefresh>(&m_services.communication);
     ConnectSession();
     m_session->SetServer(ServerText());
     m_services.scenes.Submit(m_options.scenes);
@@ -133,6 +136,8 @@ void ClientHost::ConnectSession()
     connect(session, &SessionControl::SignedOut, &m_connection, &ConnectionView::EndSession);
     connect(session, &SessionControl::StartRequested, this, &ClientHost::TryAgain);
     connect(&m_connection, &ConnectionView::TryAgainRequested, this, &ClientHost::TryAgain);
+    connect(session, &SessionControl::SignedIn, m_refresh.get(), &LiveRefresh::BeginSession);
+    connect(session, &SessionControl::SignedOut, m_refresh.get(), &LiveRefresh::EndSession);
 }
 
 bool ClientHost::StartPlugin(QString* error)

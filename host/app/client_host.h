@@ -14,6 +14,7 @@
 #include <memory>
 
 class FarmProcess;
+class LiveRefresh;
 class SessionControl;
 class VTBaseInterface;
 
@@ -64,6 +65,7 @@ private:
     std::unique_ptr<PluginRunner> m_runner;
     VTBaseInterface* m_client = nullptr; // owned by the plugin; valid until m_runner stops it
     std::unique_ptr<SessionControl> m_session;
+    std::unique_ptr<LiveRefresh> m_refresh;
     std::unique_ptr<FarmProcess> m_farm;
     bool m_sessionBegun = false;
 };

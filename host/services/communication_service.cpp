@@ -1,5 +1,6 @@
 #include "host/services/communication_service.h"
 
+#include "host/farmclient/farm_events.h"
 #include "host/farmclient/http_call.h"
 
 using FarmProtocol::Answer;
@@ -26,6 +27,8 @@ CommunicationService::CommunicationService(const HttpLimits& limits, QObject* pa
 void CommunicationService::SetServerUrl(const QUrl& url)
 {
     m_server = url;
+    if (m_events)
+        m_events->Reopen();
     m_transport.SetBaseUrl(FarmApiRoot(url));
 }
 
@@ -34,6 +37,19 @@ void CommunicationService::SignIn(const QString& name, const QString& password)
     BeginSession();
     Send(FarmProtocol::SignInRequest(name, password),
         {FarmProtocol::IsSession, &VTCommunicationInterface::SignInResponse});
+}
+
+void CommunicationService::FollowChanges(const QString& token)
+{
+    delete m_events.data();
+    m_events = new FarmEvents(&m_transport, token.toLatin1(), m_session.get());
+    connect(m_events, &FarmEvents::Changed, this, &CommunicationService::FarmChanged);
+}
+
+bool CommunicationService::IsFetchingJobs() const
+{
+    const auto list = m_jobLists.constFind(0);
+    return list != m_jobLists.constEnd() && list->call && !list->request.isEmpty();
 }
 
 int CommunicationService::SignOut(const QVariant& status, const QVariantHash& request)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/farmclient/event_stream.h"
 #include "host/farmclient/farm_protocol.h"
 #include "host/farmclient/http_transport.h"
 #include "host/services/service_base.h"
@@ -10,6 +11,7 @@
 
 #include <memory>
 
+class FarmEvents;
 class HttpCall;
 
 /// Sends the window's requests to the farm.
@@ -38,6 +40,13 @@ public:
     /// Cancels the requests of an earlier session and starts a new one; answered by SignInResponse.
     void SignIn(const QString& name, const QString& password);
 
+    /// Emits FarmChanged for what the farm announces, until the session ends. Nothing tells whether the farm does.
+    /// @param token of the session.
+    void FollowChanges(const QString& token);
+
+    /// @return whether a list for the window's table is on its way, and is not to be replaced.
+    bool IsFetchingJobs() const;
+
     int SignOut(const QVariant& status, const QVariantHash& request) override;
     int GetUserInfo(const QVariant& status, const QVariantHash& request) override;
     int StopJobs(const QVariant& status, const QVariantHash& request) override;
@@ -52,6 +61,9 @@ public:
 signals:
     /// The farm no longer knows the session. Emitted once per session.
     void SessionExpired();
+
+    /// The jobs or the money of the session's account have changed.
+    void FarmChanged(const FarmChanges& changes);
 
 private:
     using Response = void (VTCommunicationInterface::*)(int, QVariantMap);
@@ -82,6 +94,7 @@ private:
     QUrl m_server;
     HttpTransport m_transport;
     std::unique_ptr<QObject> m_session; // owns the session's calls, which end with it
-    QHash<int, JobList> m_jobLists;     // the newest by the request's identifier
+    QPointer<FarmEvents> m_events;
+    QHash<int, JobList> m_jobLists; // the newest by the request's identifier
     bool m_expiryReported = false;
 };

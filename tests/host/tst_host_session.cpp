@@ -1,3 +1,4 @@
+#include "host/app/live_refresh.h"
 #include "host/app/session_control.h"
 #include "host/services/communication_service.h"
 #include "host/services/ui_loader_service.h"
@@ -15,13 +16,29 @@ class VTQsClientPrivate : public QWidget
 
 public slots:
     void SignOut() { emit SignOutAsked(); }
+    void RefreshJobList() { emit Refreshed(++refreshes); }
+    void GetUserInfo() { ++askedForMoney; }
 
 signals:
     void SignOutAsked();
+    void Refreshed(int times);
+
+public:
+    int refreshes = 0;
+    int askedForMoney = 0;
 };
 
 const auto SignedIn
     = StandInServer::Http(200, R"({"loginname": "demo", "username": "u1", "data": {"token": "abc"}})");
+
+/// An announcement, and how often the list has been refreshed after it; the opened stream counts as the first time.
+const std::tuple<const char*, QByteArray, int> announcements[] = {
+    {"a job on the page", R"({"jobs":["6","7"]})", 2},
+    {"another job", R"({"jobs":["8"]})", 1},
+    {"other lists", R"({"jobs":[],"list":true})", 2},
+    {"no object", R"(["7"])", 1},
+    {"while a list is on its way", R"({"list":true})", 1},
+};
 
 /// Answers every question alike.
 class AnsweringBox : public ServiceBase<VTMessagboxInterface>
@@ -101,6 +118,37 @@ private slots:
             EVENTUALLY(!m_client->session.IsSignedIn());
             QVERIFY(m_client->IsFormVisible() && !m_client->signOut->isEnabled());
             QCOMPARE(m_client->failure->text().isEmpty(), !isExpired);
+        }
+    }
+
+    void RefreshesWhatTheFarmAnnounces_data() { AddRows(announcements); }
+    void RefreshesWhatTheFarmAnnounces()
+    {
+        const auto& [name, event, refreshes] = Row(announcements);
+        const bool isOnItsWay = QByteArray(name).startsWith("while");
+        LiveRefresh refresh(&m_client->communication);
+        QTableWidget table(1, 1, &m_client->window);
+        table.setObjectName("twtMyRender"_s);
+        table.setItem(0, 0, new QTableWidgetItem);
+        table.item(0, 0)->setData(Qt::UserRole, "7"_s);
+        StandInServer& server = m_client->server;
+        server.SetReplyTo("/jobs", StandInServer::Held(StandInServer::Http(200)));
+        server.SetReplyTo("/events",
+            {"HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\n\r\ndata: " + event
+                    + "\n\ndata: {\"money\":true}\n\n",
+                false, 0, StandInServer::Stall});
+        if (isOnItsWay)
+            connect(&m_client->window, &VTQsClientPrivate::Refreshed, &m_client->communication, [this] {
+                m_client->communication.GetJobList(1, {{"page"_s, 1}});
+            });
+        m_client->SignIn();
+        refresh.BeginSession({}, "abc"_s);
+        EVENTUALLY_COMPARE(m_client->window.askedForMoney, 2);
+        QCOMPARE(m_client->window.refreshes, refreshes);
+        if (isOnItsWay) {
+            EVENTUALLY_COMPARE(server.Requests().size(), 3);
+            server.Release(server.Requests().constLast().contains("/jobs") ? 2 : 1);
+            EVENTUALLY_COMPARE(m_client->window.refreshes, 2);
         }
     }
 

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayList>
+#include <QStringList>
+
+/// Reads server-sent events from the pieces in which they arrive. Only the data of events are kept; their types, ids and
+/// retry times are ignored.
+class EventStream
+{
+public:
+    /// The most bytes of a line, and of the data of an event.
+    static constexpr int Longest = 64 * 1024;
+
+    /// @return the data of the events that these bytes complete.
+    QByteArrayList Read(const QByteArray& bytes);
+
+    /// @return whether a line or an event was too long, which ends the reading.
+    bool IsTooLong() const { return m_isTooLong; }
+
+private:
+    void ReadLine(QByteArrayList& events);
+
+    QByteArray m_line;
+    QByteArray m_data;
+    bool m_hasData = false;
+    bool m_endsWithReturn = false; // a newline that follows belongs to the same end of line
+    bool m_isTooLong = false;
+};
+
+/// What the farm has announced.
+struct FarmChanges
+{
+    QStringList jobs;   ///< ids of jobs that have changed
+    bool list = false;  ///< any list of jobs may be another one
+    bool money = false; ///< the balance
+
+    /// Anything may have changed, as while there was no stream.
+    static FarmChanges Anything() { return {{}, true, true}; }
+
+    /// @param event data of an event. One that cannot be read announces nothing.
+    static FarmChanges Read(const QByteArray& event);
+};

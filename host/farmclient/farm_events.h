@@ -1,0 +1,45 @@
+#pragma once
+
+#include "host/farmclient/backoff.h"
+#include "host/farmclient/event_stream.h"
+#include "host/farmclient/http_transport.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+/// Keeps the stream of a session's events open from construction to destruction. A stream that breaks is opened again after
+/// a pause; a farm that has no events or no longer knows the session is not asked again.
+class FarmEvents : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param transport must outlive this object, which lives in its thread.
+    FarmEvents(HttpTransport* transport, const QByteArray& token, QObject* owner);
+    ~FarmEvents() override;
+
+    /// Closes the stream. It is opened again at once, at the transport's server of that time.
+    void Reopen();
+
+signals:
+    /// Anything may have changed whenever the stream has been opened.
+    void Changed(const FarmChanges& changes);
+
+private:
+    void Open();
+    void HandleHead();
+    void Read();
+    void HandleEnd();
+    void TryAgain(int leastPause = 0);
+
+    HttpTransport* m_transport;
+    QByteArray m_token;
+    QPointer<QNetworkReply> m_reply;
+    EventStream m_stream;
+    Backoff m_backoff;
+    QElapsedTimer m_openTime; // valid while the stream is open
+    QTimer m_silence;
+    QTimer m_pause;
+};

@@ -1,0 +1,102 @@
+#include "host/farmclient/farm_events.h"
+#include "tests/host/stand_in_server.h"
+#include "tests/support/waiting.h"
+
+using Reply = StandInServer::Reply;
+
+namespace {
+
+/// The bytes of a stream, and the data of the events in it.
+const std::tuple<const char*, QByteArray, QByteArrayList> streams[] = {
+    {"every end of line", "data:1\n\ndata: 2\r\n\r\ndata:  3\r\r", {"1", "2", " 3"}},
+    {"several lines", "data: a\ndata\ndata: b: c\n\n", {"a\n\nb: c"}},
+    {"other fields", ":\n\nevent: x\nid: 1\ndatas: 2\n\n\n\ndata: 3\n\n", {"3"}},
+    {"incomplete", "data: 1\n\ndata: 2\n", {"1"}},
+    {"too long", "data: 1\n\ndata: " + QByteArray(EventStream::Longest, 'x') + "\n\ndata: 2\n\n", {"1"}},
+    {"too long in lines", QByteArray("data: xxxxxx\n").repeated(EventStream::Longest / 6) + '\n', {}},
+};
+
+const QByteArray Head = "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\n\r\n";
+
+/// How a farm answers the request for its events, and whether it is asked again.
+const std::tuple<const char*, Reply, bool> endings[] = {
+    {"no events", StandInServer::Http(404), false},
+    {"another method", StandInServer::Http(405), false},
+    {"session over", StandInServer::Http(401), false},
+    {"a portal's page", StandInServer::Http(200), false},
+    {"busy", StandInServer::Http(503), true},
+    {"ended", Reply {Head}, true},
+    {"endless line", Reply {Head, false, 0, StandInServer::Flood}, true},
+};
+
+struct Listener
+{
+    explicit Listener(const Reply& reply)
+    {
+        server.SetReplies({reply});
+        transport.SetBaseUrl(server.Url());
+    }
+
+    int Requests() const { return server.Requests().size(); }
+
+    StandInServer server;
+    HttpTransport transport;
+    FarmEvents events {&transport, "abc", nullptr};
+};
+
+} // namespace
+
+class TestHostEvents : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void ReadsEventsInPieces_data() { AddRows(streams); }
+    void ReadsEventsInPieces()
+    {
+        const auto& [name, bytes, events] = Row(streams);
+        EventStream stream;
+        QByteArrayList read;
+        for (const char byte : bytes)
+            read += stream.Read(QByteArray(1, byte));
+        QCOMPARE(read, events);
+        QCOMPARE(stream.IsTooLong(), QByteArray(name).startsWith("too long"));
+    }
+
+    void AsksAgainWhereThatHelps()
+    {
+        std::vector<std::unique_ptr<Listener>> listeners;
+        for (const auto& [name, reply, asksAgain] : endings)
+            listeners.push_back(std::make_unique<Listener>(reply));
+        // When the others have been asked three times, those that are not asked again would have been.
+        const auto isExpected = [&](std::size_t at) {
+            const int requests = listeners[at]->Requests();
+            return std::get<bool>(endings[at]) ? requests > 2 : requests == 1;
+        };
+        for (std::size_t at = 0; at < listeners.size(); ++at)
+            EVENTUALLY(isExpected(at));
+        for (std::size_t at = 0; at < listeners.size(); ++at)
+            QVERIFY2(isExpected(at), std::get<0>(endings[at]));
+    }
+
+    void FollowsTheServer()
+    {
+        Listener listener(StandInServer::Http(404));
+        EVENTUALLY_COMPARE(listener.Requests(), 1);
+        StandInServer other;
+        other.SetReplies(
+            {Reply {Head + "data: {\"jobs\":[\"7\"],\"money\":true}\n\n", false, 0, StandInServer::Stall}});
+        QList<FarmChanges> changes;
+        connect(&listener.events, &FarmEvents::Changed, this,
+            [&changes](const FarmChanges& announced) { changes.append(announced); });
+        listener.events.Reopen();
+        listener.transport.SetBaseUrl(other.Url());
+        EVENTUALLY_COMPARE(changes.size(), 2);
+        QVERIFY(changes[0].list && changes[0].money);
+        QVERIFY(changes[1].jobs == QStringList("7"_s) && !changes[1].list && changes[1].money);
+        QVERIFY(other.Requests().constFirst().contains("\r\nAuthorization: Bearer abc\r\n"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHostEvents)
+#include "tst_host_events.moc"
