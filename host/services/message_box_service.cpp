@@ -67,7 +67,6 @@ QPushButton* AddButton(
     auto* button = new QPushButton(caption, row);
     button->setObjectName(name);
     button->setMinimumSize(96, 34);
-    button->setAutoDefault(false);
     row->layout()->addWidget(button);
     QObject::connect(button, &QPushButton::clicked, dialog, [dialog, name, pressed] {
         *pressed = name;
@@ -97,17 +96,19 @@ QString MessageBoxService::ShowMessage(int kind, const QString& title, const QSt
     QObject::connect(box.Find<QPushButton>("btnClose"), &QPushButton::clicked, dialog, &QDialog::reject);
 
     QString pressed;
-    QPushButton* last = nullptr;
+    QVector<QPushButton*> row;
     QVariantHash captions = buttons;
     if (captions.isEmpty())
         captions.insert(QStringLiteral("btnMessageBox_1"), tr("Ok"));
     const QStringList names = InOrder(captions.keys());
     for (const QString& name : names)
-        last = AddButton(
-            dialog, box.Find<QWidget>("wgtButtons"), name, captions.value(name).toString(), &pressed);
-    last->setProperty("role", QStringLiteral("primary"));
-    last->setDefault(true);
-    last->setFocus();
+        row.append(AddButton(
+            dialog, box.Find<QWidget>("wgtButtons"), name, captions.value(name).toString(), &pressed));
+    row.constLast()->setProperty("role", QStringLiteral("primary"));
+    // A question may be answered with Enter before it is read, so that has to change nothing.
+    QPushButton* first = kind == KindQuestion ? row.constFirst() : row.constLast();
+    first->setDefault(true);
+    first->setFocus();
     dialog->adjustSize();
     return box.Exec() ? pressed : QString();
 }

@@ -36,7 +36,8 @@ const QStringList yesAndNo {"btnMessageBox_1"_s, "btnMessageBox_2"_s};
 const std::tuple<const char*, QStringList, const char*, const char*> presses[] = {
     {"first of two", yesAndNo, "btnMessageBox_1", "btnMessageBox_1"},
     {"none given", {}, "btnMessageBox_1", "btnMessageBox_1"},
-    {"enter", yesAndNo, "Return", "btnMessageBox_2"},
+    {"enter", yesAndNo, "Return", "btnMessageBox_1"},
+    {"enter on the last", yesAndNo, "Tab, Return", "btnMessageBox_2"},
     {"escape", yesAndNo, "Esc", ""},
 };
 
@@ -106,10 +107,12 @@ private slots:
     {
         const auto& [name, buttons, pressed, answer] = Row(presses);
         const Then then([press = QLatin1String(pressed)](QDialog* box) {
+            const QKeySequence keys(press);
+            QVERIFY(QTest::qWaitForWindowActive(box));
             if (auto* button = box->findChild<QPushButton*>(press))
                 button->click();
-            else
-                QTest::keyClick(box, Qt::Key(QKeySequence(press)[0]));
+            for (int i = 0; box->isVisible() && i < keys.count(); ++i)
+                QTest::keyClick(box, Qt::Key(keys[i]));
         });
         QCOMPARE(
             m_service.ShowMessage(4, {}, {}, {}, question, Captions(buttons), false), QLatin1String(answer));
