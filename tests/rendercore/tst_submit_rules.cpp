@@ -141,6 +141,9 @@ private slots:
             "checked arguments", "0>7 0 0% checked |half -", In(Stage::Submit, Error::AwaitsUser), Continue);
         change("bad scene", "0>1 0 0% |half -", In(Stage::Analyze, Error::SceneUnusable), Continue);
         change("halted", "5>5 7 50% now|", In(Stage::Upload), Halt, Error::Stopped, "now"_s);
+        SubmitTask full = In(Stage::Upload);
+        full.progress = 100;
+        change("halted at the end of a stage", "5>5 7 99% now|", full, Halt, Error::Stopped, "now"_s);
         change("goes on in its stage", "5>5 0 50%", In(Stage::Upload), EnterNextStage);
         change("enters a stage", "7>7 0 0% |", WithNext(In(Stage::Upload), Stage::Submit), EnterNextStage);
 

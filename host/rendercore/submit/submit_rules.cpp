@@ -12,7 +12,8 @@ namespace {
 
 using namespace SubmitRules;
 
-constexpr int MostListed = 30; // files; more would not fit into a tool tip
+constexpr int MostWhenHalted = 99; // percent; a full bar would tell of success
+constexpr int MostListed = 30;     // files; more would not fit into a tool tip
 
 bool AwaitsMissingFiles(const SubmitTask& task)
 {
@@ -81,6 +82,8 @@ void EnterNextStage(SubmitTask& task)
 void Halt(SubmitTask& task, SubmitError error, const QString& message)
 {
     task.error = error;
+    if (error != SubmitError::None)
+        task.progress = qMin(task.progress, MostWhenHalted);
     task.message = message;
     task.uploadText.clear();
 }
