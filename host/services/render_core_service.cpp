@@ -90,6 +90,11 @@ void RenderCoreService::ClearFinishedDownloads()
     m_downloads.ClearFinished();
 }
 
+void RenderCoreService::RetryFailedDownloads()
+{
+    m_downloads.RetryFailed();
+}
+
 void RenderCoreService::StopDownloadTasks(const QStringList& ids)
 {
     m_downloads.Stop(ids);

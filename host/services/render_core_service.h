@@ -74,6 +74,7 @@ signals:
 public slots:
     /// Removes all finished downloads from the list. Their files stay.
     void ClearFinishedDownloads();
+    void RetryFailedDownloads();
     void SetArgument(QString id, QVariantList arguments) override;
     void TriggerJobIdType(QVariantMap orders) override;
 

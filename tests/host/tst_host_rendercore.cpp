@@ -105,6 +105,9 @@ private slots:
             (renderCore.*resume)(tasks.keys());
             EVENTUALLY_COMPARE(value("status"), QVariant(Downloading));
         }
+        QSignalSpy notices(&renderCore, &RenderCoreService::Notice);
+        renderCore.RetryFailedDownloads();
+        EVENTUALLY_COMPARE(notices.count(), 1);
         renderCore.RemoveDownloadTasks(tasks.keys());
         EVENTUALLY(tasks.isEmpty());
 

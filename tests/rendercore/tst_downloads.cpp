@@ -170,6 +170,8 @@ private slots:
             "sync .frame_0001.png.part"_s, "rename frame_0001.png"_s, "sync 12_shot"_s};
         QVERIFY2(isRenamed || journal == (isFinished && row.there.isEmpty() ? durable : QStringList()),
             qPrintable(journal.join(QLatin1Char('\n'))));
+        client.queue.RetryFailed();
+        QVERIFY(isFinished || AwaitRequests(row.requests + 1));
     }
 
     void AsksUntilAnOrderIsAnswered()

@@ -107,6 +107,11 @@ void DownloadQueue::Resume(const QStringList& ids)
     Command(ids, &DownloadWorker::Resume);
 }
 
+void DownloadQueue::RetryFailed()
+{
+    m_worker->Post([](DownloadWorker& worker) { worker.RetryFailed(); });
+}
+
 void DownloadQueue::Redownload(const QStringList& ids)
 {
     Command(ids, &DownloadWorker::Redownload);

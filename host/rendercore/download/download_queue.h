@@ -46,6 +46,8 @@ public:
     void Stop(const QStringList& ids);
     /// Lets stopped and failed tasks continue from the data received so far.
     void Resume(const QStringList& ids);
+    /// Resumes all failed tasks, or tells the user that there are none.
+    void RetryFailed();
     /// Downloads whole files again, whatever their state. A finished file stays until the new one is complete.
     void Redownload(const QStringList& ids);
     /// Removes tasks. Finished files stay.

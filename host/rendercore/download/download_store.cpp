@@ -183,6 +183,20 @@ std::optional<DownloadTask> DownloadStore::Find(const QString& owner, qint64 id)
     });
 }
 
+TaskIds DownloadStore::Failed(const QString& owner)
+{
+    return m_database.Read([&owner](SQLite::Database& connection) {
+        // The first condition is that of the index.
+        SQLite::Statement select(
+            connection, "SELECT id FROM tasks WHERE state <> 2 AND state = 3 AND owner = ? ORDER BY id");
+        storage::Bind(select, owner);
+        TaskIds ids;
+        while (select.executeStep())
+            ids.append(select.getColumn(0).getInt64());
+        return ids;
+    });
+}
+
 bool DownloadStore::HasWaiting(const QString& owner, const QString& job)
 {
     return m_database.Read([&](SQLite::Database& connection) {

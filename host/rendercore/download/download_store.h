@@ -61,6 +61,9 @@ public:
     /// @param command changes a task and returns true, or returns false where it does not apply.
     DownloadTasks Change(
         const QString& owner, const TaskIds& ids, const std::function<bool(DownloadTask&)>& command);
+    /// The tasks that have failed.
+    TaskIds Failed(const QString& owner);
+
     /// @return the removed tasks. Unknown ids are ignored.
     DownloadTasks Remove(const QString& owner, const TaskIds& ids);
     /// Removes tasks that have finished before a time, the oldest first.

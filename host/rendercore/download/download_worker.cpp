@@ -151,6 +151,17 @@ void DownloadWorker::Resume(const TaskIds& ids)
     Change(ids, TaskCommands::Resume, [this](const DownloadTasks& tasks) { m_pool.RetryNow(tasks); });
 }
 
+void DownloadWorker::RetryFailed()
+{
+    m_commands.Run([this, owner = m_access.owner] {
+        const TaskIds failed = m_store.Failed(owner);
+        if (failed.isEmpty())
+            m_listener.notice(QCoreApplication::translate("DownloadWorker", "No download has failed."));
+        else
+            Resume(failed);
+    });
+}
+
 void DownloadWorker::Redownload(const TaskIds& ids)
 {
     Change(ids, TaskCommands::Redownload, [this](const DownloadTasks& tasks) { m_pool.StartOver(tasks); });

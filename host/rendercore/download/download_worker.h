@@ -33,6 +33,7 @@ public:
     void Order(const DownloadOrders& orders);
     void Stop(const TaskIds& ids);
     void Resume(const TaskIds& ids);
+    void RetryFailed();
     void Redownload(const TaskIds& ids);
     void Remove(const TaskIds& ids);
     void ClearFinished() { m_cleanup.ClearAll(); }
