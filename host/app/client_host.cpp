@@ -54,8 +54,9 @@ ClientHost::ClientHost(const HostOptions& options, QObject* parent)
     , m_follower(&m_services.settings)
     , m_closing(&m_services.settings)
     , m_connection(&m_services.feed, &m_services.loader)
+    , m_transfers(&m_services.renderCore, &m_services.settings)
 {
-    connect(&m_preview, &PreviewTrigger::PreviewRequested, &m_services.previewer, &PreviewerService::Open);
+    ConnectForm();
 }
 
 ClientHost::~ClientHost()
@@ -114,6 +115,18 @@ bool ClientHost::ChooseServer(QString* error)
     m_services.messageBox.ShowMessage(NoticeKind, QStringLiteral("QuillStar Client"), {},
         Skins::MainIcon(m_services.loader.GetSkin()), *error, {}, false);
     return false;
+}
+
+void ClientHost::ConnectForm()
+{
+    connect(&m_preview, &PreviewTrigger::PreviewRequested, &m_services.previewer, &PreviewerService::Open);
+    connect(&m_services.communication, &CommunicationService::JobListResponse, &m_filter,
+        &FilterBar::HandleJobList);
+    connect(&m_filter, &FilterBar::JobsListed, &m_hints, &ListHints::HandleJobsListed);
+    connect(&m_hints, &ListHints::AllJobsRequested, &m_filter, &FilterBar::ShowAll);
+    connect(&m_transfers, &TransferButtons::RetryFailedRequested, &m_services.renderCore,
+        &RenderCoreService::RetryFailedDownloads);
+    connect(&m_transfers, &TransferButtons::Notice, &m_services.notices, &NoticeBoard::Show);
 }
 
 void ClientHost::Activate(const QStringList& scenes)
@@ -254,4 +267,8 @@ void ClientHost::ShowClient(const QString& userName)
     m_closing.BeginSession();
     m_shortcuts.BeginSession();
     m_connection.BeginSession(ServerText());
+    m_tips.BeginSession();
+    m_filter.BeginSession();
+    m_hints.BeginSession();
+    m_transfers.BeginSession(userName);
 }

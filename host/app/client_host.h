@@ -4,10 +4,14 @@
 #include "host/app/host_options.h"
 #include "host/app/host_services.h"
 #include "host/app/plugin_runner.h"
+#include "host/mainform/cell_tips.h"
+#include "host/mainform/filter_bar.h"
 #include "host/mainform/form_closing.h"
 #include "host/mainform/form_follower.h"
+#include "host/mainform/list_hints.h"
 #include "host/mainform/preview_trigger.h"
 #include "host/mainform/shortcuts.h"
+#include "host/mainform/transfer_buttons.h"
 
 #include <QObject>
 
@@ -41,6 +45,7 @@ public:
     SessionControl& Session() { return *m_session; }
 
 private:
+    void ConnectForm();
     bool StartPlugin(QString* error);
     bool ChooseServer(QString* error);
     void ConnectSession();
@@ -62,6 +67,10 @@ private:
     FormClosing m_closing;
     Shortcuts m_shortcuts;
     ConnectionView m_connection;
+    CellTips m_tips;
+    FilterBar m_filter;
+    ListHints m_hints;
+    TransferButtons m_transfers;
     std::unique_ptr<PluginRunner> m_runner;
     VTBaseInterface* m_client = nullptr; // owned by the plugin; valid until m_runner stops it
     std::unique_ptr<SessionControl> m_session;

@@ -319,6 +319,10 @@
         <source>%1 has no files to download yet.</source>
         <translation>%1 has no files to download yet.</translation>
     </message>
+    <message>
+        <source>No download has failed.</source>
+        <translation>No download has failed.</translation>
+    </message>
 </context>
 <context>
     <name>FarmFault</name>
@@ -577,6 +581,32 @@
     </message>
 </context>
 <context>
+    <name>FilterBar</name>
+    <message>
+        <source>Found: %1</source>
+        <translation>Found: %1</translation>
+    </message>
+</context>
+<context>
+    <name>FilterText</name>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>Group</source>
+        <translation>Group</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Search</translation>
+    </message>
+    <message>
+        <source>, </source>
+        <translation>, </translation>
+    </message>
+</context>
+<context>
     <name>FormClosing</name>
     <message>
         <source>QuillStar is still running</source>
@@ -596,6 +626,41 @@
     <message>
         <source>Close</source>
         <translation>Close</translation>
+    </message>
+</context>
+<context>
+    <name>ListHint</name>
+    <message>
+        <source>No jobs yet</source>
+        <translation>No jobs yet</translation>
+    </message>
+    <message>
+        <source>Press Submit or drop a scene here.</source>
+        <translation>Press Submit or drop a scene here.</translation>
+    </message>
+    <message>
+        <source>No jobs match</source>
+        <translation>No jobs match</translation>
+    </message>
+    <message>
+        <source>The search or group above the list hides all others.</source>
+        <translation>The search or group above the list hides all others.</translation>
+    </message>
+    <message>
+        <source>Show all jobs</source>
+        <translation>Show all jobs</translation>
+    </message>
+    <message>
+        <source>No scene is on its way to the farm</source>
+        <translation>No scene is on its way to the farm</translation>
+    </message>
+    <message>
+        <source>No downloads yet</source>
+        <translation>No downloads yet</translation>
+    </message>
+    <message>
+        <source>Right-click a job under My Render and choose Download, or let the settings download finished jobs.</source>
+        <translation>Right-click a job under My Render and choose Download, or let the settings download finished jobs.</translation>
     </message>
 </context>
 <context>
@@ -781,6 +846,50 @@
         <source>Sign out</source>
         <translation>Sign out</translation>
     </message>
+    <message>
+        <source>Show all jobs</source>
+        <translation>Show all jobs</translation>
+    </message>
+    <message>
+        <source>Clear the search or group</source>
+        <translation>Clear the search or group</translation>
+    </message>
+    <message>
+        <source>Pause all</source>
+        <translation>Pause all</translation>
+    </message>
+    <message>
+        <source>Pause all local tasks, also across a restart</source>
+        <translation>Pause all local tasks, also across a restart</translation>
+    </message>
+    <message>
+        <source>Resume all</source>
+        <translation>Resume all</translation>
+    </message>
+    <message>
+        <source>Let all paused tasks go on</source>
+        <translation>Let all paused tasks go on</translation>
+    </message>
+    <message>
+        <source>Retry failed</source>
+        <translation>Retry failed</translation>
+    </message>
+    <message>
+        <source>Try all failed downloads again</source>
+        <translation>Try all failed downloads again</translation>
+    </message>
+    <message>
+        <source>Open folder</source>
+        <translation>Open folder</translation>
+    </message>
+    <message>
+        <source>Open the folder for downloads</source>
+        <translation>Open the folder for downloads</translation>
+    </message>
+    <message>
+        <source>Check or uncheck all rows of this page</source>
+        <translation>Check or uncheck all rows of this page</translation>
+    </message>
 </context>
 <context>
     <name>SceneIntake</name>
@@ -929,6 +1038,17 @@
     <message>
         <source>The list of submissions could not be read. It is kept as %1, and a new list has begun.</source>
         <translation>The list of submissions could not be read. It is kept as %1, and a new list has begun.</translation>
+    </message>
+</context>
+<context>
+    <name>TransferButtons</name>
+    <message>
+        <source>Please check the downloads first.</source>
+        <translation>Please check the downloads first.</translation>
+    </message>
+    <message>
+        <source>The folder %1 could not be opened.</source>
+        <translation>The folder %1 could not be opened.</translation>
     </message>
 </context>
 <context>

@@ -319,6 +319,10 @@
         <source>%1 has no files to download yet.</source>
         <translation>%1 还没有可下载的文件。</translation>
     </message>
+    <message>
+        <source>No download has failed.</source>
+        <translation>没有失败的下载。</translation>
+    </message>
 </context>
 <context>
     <name>FarmFault</name>
@@ -577,6 +581,32 @@
     </message>
 </context>
 <context>
+    <name>FilterBar</name>
+    <message>
+        <source>Found: %1</source>
+        <translation>找到：%1</translation>
+    </message>
+</context>
+<context>
+    <name>FilterText</name>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1：%2</translation>
+    </message>
+    <message>
+        <source>Group</source>
+        <translation>分组</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>搜索</translation>
+    </message>
+    <message>
+        <source>, </source>
+        <translation>，</translation>
+    </message>
+</context>
+<context>
     <name>FormClosing</name>
     <message>
         <source>QuillStar is still running</source>
@@ -596,6 +626,41 @@
     <message>
         <source>Close</source>
         <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>ListHint</name>
+    <message>
+        <source>No jobs yet</source>
+        <translation>还没有作业</translation>
+    </message>
+    <message>
+        <source>Press Submit or drop a scene here.</source>
+        <translation>点击“提交”，或将场景拖放到这里。</translation>
+    </message>
+    <message>
+        <source>No jobs match</source>
+        <translation>没有符合条件的作业</translation>
+    </message>
+    <message>
+        <source>The search or group above the list hides all others.</source>
+        <translation>列表上方的搜索或分组隐藏了其他作业。</translation>
+    </message>
+    <message>
+        <source>Show all jobs</source>
+        <translation>显示所有作业</translation>
+    </message>
+    <message>
+        <source>No scene is on its way to the farm</source>
+        <translation>没有正在提交的场景</translation>
+    </message>
+    <message>
+        <source>No downloads yet</source>
+        <translation>还没有下载</translation>
+    </message>
+    <message>
+        <source>Right-click a job under My Render and choose Download, or let the settings download finished jobs.</source>
+        <translation>在“我的渲染”中右键点击作业并选择“下载”，或在设置中开启自动下载。</translation>
     </message>
 </context>
 <context>
@@ -781,6 +846,50 @@
         <source>Sign out</source>
         <translation>退出登录</translation>
     </message>
+    <message>
+        <source>Show all jobs</source>
+        <translation>显示所有作业</translation>
+    </message>
+    <message>
+        <source>Clear the search or group</source>
+        <translation>清除搜索或分组</translation>
+    </message>
+    <message>
+        <source>Pause all</source>
+        <translation>全部暂停</translation>
+    </message>
+    <message>
+        <source>Pause all local tasks, also across a restart</source>
+        <translation>暂停所有本地任务，重新启动后仍然有效</translation>
+    </message>
+    <message>
+        <source>Resume all</source>
+        <translation>全部继续</translation>
+    </message>
+    <message>
+        <source>Let all paused tasks go on</source>
+        <translation>继续所有已暂停的任务</translation>
+    </message>
+    <message>
+        <source>Retry failed</source>
+        <translation>重试失败项</translation>
+    </message>
+    <message>
+        <source>Try all failed downloads again</source>
+        <translation>重新尝试所有失败的下载</translation>
+    </message>
+    <message>
+        <source>Open folder</source>
+        <translation>打开文件夹</translation>
+    </message>
+    <message>
+        <source>Open the folder for downloads</source>
+        <translation>打开下载文件夹</translation>
+    </message>
+    <message>
+        <source>Check or uncheck all rows of this page</source>
+        <translation>勾选或取消勾选本页所有行</translation>
+    </message>
 </context>
 <context>
     <name>SceneIntake</name>
@@ -929,6 +1038,17 @@
     <message>
         <source>The list of submissions could not be read. It is kept as %1, and a new list has begun.</source>
         <translation>无法读取提交列表。它已保存为 %1，并已开始新的列表。</translation>
+    </message>
+</context>
+<context>
+    <name>TransferButtons</name>
+    <message>
+        <source>Please check the downloads first.</source>
+        <translation>请先勾选下载项。</translation>
+    </message>
+    <message>
+        <source>The folder %1 could not be opened.</source>
+        <translation>无法打开文件夹 %1。</translation>
     </message>
 </context>
 <context>

@@ -34,13 +34,18 @@ bool FormClosing::eventFilter(QObject* watched, QEvent* event)
         && (m_minimising.isActive() || event->spontaneous());
     if (!isByUser)
         return false;
-    if (QSystemTrayIcon::isSystemTrayAvailable()) {
+    if (HasTray()) {
         TellOfTray();
         return false;
     }
     event->ignore();
     m_form->showMinimized();
     return true;
+}
+
+bool FormClosing::HasTray() const
+{
+    return QSystemTrayIcon::isSystemTrayAvailable();
 }
 
 void FormClosing::TellOfTray()

@@ -22,6 +22,9 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
+protected:
+    virtual bool HasTray() const;
+
 private:
     void TellOfTray();
 

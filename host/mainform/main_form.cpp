@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QTableWidget>
+#include <QTextDocument> // Qt::mightBeRichText
 
 QTableWidget* FindTable(const QString& name)
 {
@@ -37,4 +38,30 @@ QWidget* FindMainForm()
 {
     const QTableWidget* table = FindJobTable();
     return table ? table->window() : nullptr;
+}
+
+QWidget* FindSearchForm()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows) {
+        if (window->findChild<QWidget*>(QStringLiteral("btnSearchJob")))
+            return window;
+    }
+    return nullptr;
+}
+
+QStringList CheckedIds(const QTableWidget* table)
+{
+    QStringList ids;
+    for (int row = 0; row < table->rowCount(); ++row) {
+        const QTableWidgetItem* item = table->item(row, 0);
+        if (item && item->checkState() == Qt::Checked)
+            ids.append(item->data(Qt::UserRole).toString());
+    }
+    return ids;
+}
+
+QString PlainToolTip(const QString& text)
+{
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
 }

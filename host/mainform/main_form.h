@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 class QTableWidget;
 class QWidget;
@@ -19,3 +20,12 @@ QTableWidget* FindJobTable();
 
 /// @return the table of downloads; null while there is none.
 QTableWidget* FindDownloadTable();
+
+/// @return the form of the search dialog; null while there is none.
+QWidget* FindSearchForm();
+
+/// @return the ids of the checked rows of one of the main form's tables, top to bottom.
+QStringList CheckedIds(const QTableWidget* table);
+
+/// @return a tool tip that shows the text as it is, even if it looks like markup.
+QString PlainToolTip(const QString& text);

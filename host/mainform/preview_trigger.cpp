@@ -6,6 +6,7 @@
 
 namespace {
 
+constexpr int CheckColumn = 0;
 constexpr int FileColumn = 2;
 constexpr int StatusColumn = 4;
 constexpr int FinishedStatus = 2;
@@ -24,6 +25,10 @@ void PreviewTrigger::HandleDoubleClick(int row)
     const QTableWidget* table = FindDownloadTable();
     const QTableWidgetItem* status = table ? table->item(row, StatusColumn) : nullptr;
     const QTableWidgetItem* file = table ? table->item(row, FileColumn) : nullptr;
-    if (status && file && status->data(Qt::UserRole).toInt() == FinishedStatus)
-        emit PreviewRequested(file->text());
+    if (!status || !file || status->data(Qt::UserRole).toInt() != FinishedStatus)
+        return;
+    // The press that began the double click has toggled the row's box.
+    if (QTableWidgetItem* check = table->item(row, CheckColumn))
+        check->setCheckState(check->checkState() == Qt::Checked ? Qt::Unchecked : Qt::Checked);
+    emit PreviewRequested(file->text());
 }

@@ -106,7 +106,8 @@ int CommunicationService::GetJobList(const QVariant& status, const QVariantHash&
     delete newest.call.data();
     newest.request = request;
     newest.call = Send(FarmProtocol::JobListRequest(request),
-        {FarmProtocol::IsJobList, &VTCommunicationInterface::JobListResponse, Echo(request, {key})});
+        {FarmProtocol::IsJobList, &VTCommunicationInterface::JobListResponse,
+            Echo(request, {key, QStringLiteral("conditions")})});
     return StatusOk;
 }
 

@@ -267,10 +267,11 @@ private slots:
         const QByteArray echoOfJob = echo + R"(, "jobId": "j")";
         m_server->SetReplies(
             {StandInServer::Http(409, R"({"identifier": 9, "jobId": "forged", )" + why + "}")});
-        m_client->Send(&Service::GetJobList, "{" + echo + "}");
+        const QByteArray echoOfList = echo + R"(, "conditions": "{}")";
+        m_client->Send(&Service::GetJobList, "{" + echoOfList + "}");
         m_client->Send(&Service::GetJobInfo, "{" + echoOfJob + "}");
         EVENTUALLY(m_client->lists.count() == 1 && m_client->jobs.count() == 1);
-        QCOMPARE(m_client->lists[0], QVariantList({409, Json("{" + echo + "," + why + "}")}));
+        QCOMPARE(m_client->lists[0], QVariantList({409, Json("{" + echoOfList + "," + why + "}")}));
         QCOMPARE(m_client->jobs[0], QVariantList({409, Json("{" + echoOfJob + "," + why + "}")}));
     }
 

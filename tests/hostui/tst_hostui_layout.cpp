@@ -1,5 +1,4 @@
 #include "host/mainform/column_widths.h"
-#include "host/mainform/form_closing.h"
 #include "host/mainform/form_follower.h"
 #include "host/mainform/shortcuts.h"
 #include "host/settings/setting_keys.h"
@@ -7,6 +6,7 @@
 #include "host/ui/frameless_window.h"
 #include "host/ui/window_place.h"
 #include "tests/hostui/memory_settings.h"
+#include "tests/hostui/small_form.h"
 #include "tests/support/test_tables.h"
 #include "tests/support/waiting.h"
 
@@ -57,31 +57,6 @@ const std::tuple<const char*, QRect, QRect> storedPlaces[] = {
     {"stored", {7, 9, 500, 310}, {7, 9, 500, 310}},
     {"on a screen that is gone", {5000, -900, 500, 310}, {300, 0, 500, 310}},
     {"larger than the screen", {100, 100, 2000, 2000}, {0, 0, 800, 600}},
-};
-
-/// A main form in which the host's helpers find what they need.
-struct MainForm : QWidget
-{
-    MainForm()
-    {
-        tabs.setObjectName("tbwContainer"_s);
-        minimize.setObjectName("btnSystemMin"_s);
-        maximize.setObjectName("btnSystemMaxnormal"_s);
-        for (const char* name : {"twtMyRender", "twtLocalTask", "twtDownload"}) {
-            auto* table = new QTableWidget(3, 6);
-            table->setObjectName(QLatin1String(name));
-            tabs.addTab(table, {});
-        }
-        setWindowFlag(Qt::FramelessWindowHint);
-        resize(400, 300);
-        tabs.resize(size());
-        connect(&minimize, &QPushButton::clicked, this, &QWidget::close);
-        connect(&maximize, &QPushButton::clicked, this, &QWidget::showMaximized);
-    }
-
-    QTabWidget tabs {this};
-    QPushButton minimize {this};
-    QPushButton maximize {this};
 };
 
 FormLayout ReadFrom(const QByteArray& text)
@@ -235,21 +210,6 @@ private slots:
         QTest::keyClick(&form.minimize, Qt::Key_Delete);
         QCOMPARE(searches.count(), 1);
         QCOMPARE(deletions.count(), 1);
-    }
-
-    /// There is no system tray here.
-    void IsMinimisedWithoutTray()
-    {
-        MemorySettings settings;
-        MainForm form;
-        form.show();
-        FormClosing closing(&settings);
-        closing.BeginSession();
-        form.minimize.click();
-        QVERIFY(form.isVisible() && form.isMinimized());
-        QCoreApplication::processEvents();
-        form.close();
-        QVERIFY(!form.isVisible());
     }
 };
 

@@ -1,0 +1,62 @@
+#include "host/mainform/transfer_buttons.h"
+
+#include "host/mainform/main_form.h"
+#include "host/settings/download_folder.h"
+#include "vtr_rendercoreinterface.h"
+
+#include <QDesktopServices>
+#include <QDir>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QUrl>
+
+TransferButtons::TransferButtons(
+    VTRenderCoreInterface* renderCore, VTSettingsInterface* settings, QObject* parent)
+    : QObject(parent)
+    , m_renderCore(renderCore)
+    , m_settings(settings)
+{
+}
+
+void TransferButtons::BeginSession(const QString& userName)
+{
+    m_userName = userName;
+    QWidget* form = FindMainForm();
+    if (!form || form == m_form)
+        return;
+    m_form = form;
+    Connect("btnPause", [this] { CommandChecked(&VTRenderCoreInterface::StopDownloadTasks); });
+    Connect("btnRecover", [this] { CommandChecked(&VTRenderCoreInterface::ResumeDownloadTasks); });
+    Connect("btnRetryFailed", [this] { emit RetryFailedRequested(); });
+    Connect("btnOpenFolder", [this] { OpenFolder(); });
+    Connect("btnPauseTasks", [this] { m_renderCore->StopSubmitTasks(); });
+    Connect("btnResumeTasks", [this] { m_renderCore->ResumeSubmitTasks(); });
+}
+
+template <typename Action>
+void TransferButtons::Connect(const char* button, Action action)
+{
+    if (const auto* found = m_form->findChild<QPushButton*>(QLatin1String(button)))
+        connect(found, &QPushButton::clicked, this, action);
+}
+
+void TransferButtons::CommandChecked(Command command)
+{
+    const QTableWidget* table = FindDownloadTable();
+    // On the other tabs the button is the window's.
+    if (!table || !table->isVisible())
+        return;
+    const QStringList ids = CheckedIds(table);
+    if (ids.isEmpty())
+        emit Notice(tr("Please check the downloads first."));
+    else
+        (m_renderCore->*command)(ids);
+}
+
+void TransferButtons::OpenFolder()
+{
+    const QString folder = DownloadFolder::Of(m_settings, m_userName);
+    const QString trouble = DownloadFolder::Trouble(folder);
+    if (!trouble.isEmpty() || !QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
+        emit Notice(tr("The folder %1 could not be opened.").arg(QDir::toNativeSeparators(folder)));
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+
+class QTableWidget;
+class VTRenderCoreInterface;
+class VTSettingsInterface;
+
+/// The main form's buttons for transfers. Recover and Stop, with which the window does nothing on the tab of downloads,
+/// resume and stop the checked ones there; the others belong to the form's own pages.
+class TransferButtons : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// All services must outlive this object.
+    TransferButtons(
+        VTRenderCoreInterface* renderCore, VTSettingsInterface* settings, QObject* parent = nullptr);
+
+    /// Finds the buttons. Call it whenever the main form is shown for a new session, because it may be a new one.
+    void BeginSession(const QString& userName);
+
+signals:
+    void RetryFailedRequested();
+
+    /// @param text tells the user why nothing happens.
+    void Notice(const QString& text);
+
+private:
+    using Command = void (VTRenderCoreInterface::*)(const QStringList& ids);
+
+    template <typename Action>
+    void Connect(const char* button, Action action);
+    void CommandChecked(Command command);
+    void OpenFolder();
+
+    VTRenderCoreInterface* m_renderCore;
+    VTSettingsInterface* m_settings;
+    QString m_userName;
+    QPointer<QWidget> m_form;
+};
