@@ -188,6 +188,13 @@
     </message>
 </context>
 <context>
+    <name>ConnectionStrip</name>
+    <message>
+        <source>Opens the list of the latest failures.</source>
+        <translation>Opens the list of the latest failures.</translation>
+    </message>
+</context>
+<context>
     <name>ConnectionText</name>
     <message>
         <source>Signing in</source>
@@ -516,6 +523,14 @@
     <message>
         <source>It ended without saying why.</source>
         <translation>It ended without saying why.</translation>
+    </message>
+    <message>
+        <source>It did not start in time.</source>
+        <translation>It did not start in time.</translation>
+    </message>
+    <message>
+        <source>It crashed or was killed.</source>
+        <translation>It crashed or was killed.</translation>
     </message>
 </context>
 <context>

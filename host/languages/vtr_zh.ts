@@ -188,6 +188,13 @@
     </message>
 </context>
 <context>
+    <name>ConnectionStrip</name>
+    <message>
+        <source>Opens the list of the latest failures.</source>
+        <translation>打开最近的失败列表。</translation>
+    </message>
+</context>
+<context>
     <name>ConnectionText</name>
     <message>
         <source>Signing in</source>
@@ -516,6 +523,14 @@
     <message>
         <source>It ended without saying why.</source>
         <translation>它未说明原因就结束了。</translation>
+    </message>
+    <message>
+        <source>It did not start in time.</source>
+        <translation>它未能及时启动。</translation>
+    </message>
+    <message>
+        <source>It crashed or was killed.</source>
+        <translation>它已崩溃或被终止。</translation>
     </message>
 </context>
 <context>

@@ -118,10 +118,12 @@ void ConnectionStrip::Show(const QDateTime& now)
     parts.removeAll({});
     const QString line = parts.join(QStringLiteral(" \u00b7 "));
     SetPhase(PhaseName(m_picture.state, now));
-    if (accessibleName() == line)
+    const QString hint = tr("Opens the list of the latest failures.");
+    if (accessibleName() == line && accessibleDescription() == hint)
         return;
     setAccessibleName(line);
-    setToolTip(PlainToolTip(line));
+    setAccessibleDescription(hint);
+    setToolTip(PlainToolTip(line + QLatin1Char('\n') + hint));
     setText(QString(line).replace(QLatin1Char('&'), QLatin1String("&&")));
 }
 

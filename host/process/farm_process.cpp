@@ -87,6 +87,7 @@ QUrl FarmProcess::ReadAnnouncement(const QByteArray& line)
 void FarmProcess::Launch()
 {
     m_log.clear();
+    m_isTooSlow = false;
     m_startDeadline.start(m_limits.start);
     QStringList arguments {QStringLiteral("--data"), m_dataFolder, QStringLiteral("--port"),
         QStringLiteral("0"), QStringLiteral("--stop-with-stdin")};
@@ -106,7 +107,7 @@ void FarmProcess::ReadLog()
     m_log = m_log.right(KeptLog);
 }
 
-/// @return the last line of the farm's log without its date and level, or the system's reason.
+/// @return the last line of the farm's log without its date and level, or what is known without it.
 QString FarmProcess::Reason() const
 {
     static const QRegularExpression prefix(QStringLiteral("^(\\[[^\\]]*\\] *)+"));
@@ -114,6 +115,11 @@ QString FarmProcess::Reason() const
     const QString line = QString::fromUtf8(last).remove(prefix).trimmed();
     if (m_process.error() == QProcess::FailedToStart)
         return tr("%1 cannot be started.").arg(QDir::toNativeSeparators(m_program));
+    if (m_isTooSlow)
+        return tr("It did not start in time.");
+    // It had no time to log why.
+    if (m_process.exitStatus() == QProcess::CrashExit)
+        return tr("It crashed or was killed.");
     return line.isEmpty() ? tr("It ended without saying why.") : line;
 }
 
@@ -152,5 +158,6 @@ void FarmProcess::HandleExit()
 void FarmProcess::HandleStartTimeout()
 {
     qWarning() << "the farm did not announce its address in time; killing it";
+    m_isTooSlow = true;
     m_process.kill();
 }

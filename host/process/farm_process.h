@@ -54,7 +54,7 @@ signals:
     void Listening(const QUrl& url);
 
     /// The farm has ended unexpectedly. Either a restart or GivenUp follows.
-    /// @param reason the last line of its log, or why it could not be started.
+    /// @param reason for the user: the last line of its log, or why there is none.
     void Lost(const QString& reason);
 
     /// The farm has ended too often and is not restarted.
@@ -84,5 +84,6 @@ private:
     QByteArray m_log; // the end of what the farm has logged since it was launched
     int m_failures = 0;
     bool m_takesOver = false;
+    bool m_isTooSlow = false; // it was killed because it did not announce its address
     bool m_wanted = false;
 };

@@ -49,6 +49,7 @@ private slots:
         farm.Stop();
         QVERIFY(!IsRunning(second));
         QCOMPARE(lost.count(), 1);
+        QCOMPARE(lost[0][0].toString(), "It crashed or was killed."_s);
     }
 
     void GivesUpAfterTooManyFailures_data() { AddRows(failures); }
@@ -61,6 +62,8 @@ private slots:
         farm.Start();
         EVENTUALLY_COMPARE(givenUp.count(), 1);
         QCOMPARE(lost.count(), m_limits.restarts + 1);
+        QVERIFY(lost[0][0].toString().startsWith("It "_s));
+        QVERIFY(!farm.IsWanted());
     }
 
     void TellsWhyItEnded()
