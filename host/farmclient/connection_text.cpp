@@ -24,6 +24,7 @@ struct Request
 constexpr Request requests[] = {
     {"^POST /session$", QT_TRANSLATE_NOOP("ConnectionText", "Signing in")},
     {"^DELETE /session$", QT_TRANSLATE_NOOP("ConnectionText", "Signing out")},
+    {"^GET /events$", QT_TRANSLATE_NOOP("ConnectionText", "Following changes on the farm")},
     {"^GET /account$", QT_TRANSLATE_NOOP("ConnectionText", "Loading the balance")},
     {"^GET /projects$", QT_TRANSLATE_NOOP("ConnectionText", "Loading the projects")},
     {"^(GET /jobs|POST /jobs/search)$", QT_TRANSLATE_NOOP("ConnectionText", "Loading the list of jobs")},

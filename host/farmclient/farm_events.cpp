@@ -13,6 +13,13 @@ constexpr int LongestPause = 15000; // ms
 // The farm sends something at least every 25 seconds.
 constexpr int LongestSilence = 60000; // ms
 
+HttpRequest Request(const QByteArray& token)
+{
+    HttpRequest request {"GET", "/events", token, {}};
+    request.headers = {{"Accept", "text/event-stream"}};
+    return request;
+}
+
 bool IsEventStream(const QNetworkReply& reply)
 {
     return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() == HttpStatus::Ok
@@ -52,9 +59,7 @@ void FarmEvents::Open()
 {
     m_stream = {};
     m_openTime.invalidate();
-    HttpRequest request {"GET", "/events", m_token, {}};
-    request.headers = {{"Accept", "text/event-stream"}};
-    m_reply = m_transport->Begin(request);
+    m_reply = m_transport->Begin(Request(m_token));
     if (!m_reply) {
         TryAgain();
         return;
@@ -73,6 +78,7 @@ void FarmEvents::HandleHead()
         return;
     }
     m_openTime.start();
+    m_transport->Report(Request(m_token));
     emit Changed(FarmChanges::Anything());
 }
 
@@ -96,7 +102,11 @@ void FarmEvents::Read()
 void FarmEvents::HandleEnd()
 {
     const HttpResult result = HttpResult::Of(*m_reply, {});
-    if (m_openTime.isValid() || result.IsTransient()) {
+    const bool wasOpen = m_openTime.isValid();
+    // That a stream ends says little: proxies end them, and farms that have none refuse them.
+    if (!wasOpen && result.IsTransient())
+        m_transport->Report(Request(m_token), result.fault);
+    if (wasOpen || result.IsTransient()) {
         TryAgain(std::min(result.retryAfter * 1000, LongestSilence));
         return;
     }

@@ -300,6 +300,10 @@
         <source>%1: %2</source>
         <translation>%1: %2</translation>
     </message>
+    <message>
+        <source>Following changes on the farm</source>
+        <translation>Following changes on the farm</translation>
+    </message>
 </context>
 <context>
     <name>DownloadQueue</name>

@@ -1,3 +1,4 @@
+#include "host/farmclient/connection_feed.h"
 #include "host/farmclient/farm_events.h"
 #include "tests/host/stand_in_server.h"
 #include "tests/support/waiting.h"
@@ -34,12 +35,15 @@ struct Listener
     explicit Listener(const Reply& reply)
     {
         server.SetReplies({reply});
+        transport.SetFeed(&feed);
         transport.SetBaseUrl(server.Url());
     }
 
     int Requests() const { return server.Requests().size(); }
+    bool IsFailing() { return feed.Look().state.FailingSince().isValid(); }
 
     StandInServer server;
+    ConnectionFeed feed;
     HttpTransport transport;
     FarmEvents events {&transport, "abc", nullptr};
 };
@@ -75,14 +79,20 @@ private slots:
         };
         for (std::size_t at = 0; at < listeners.size(); ++at)
             EVENTUALLY(isExpected(at));
-        for (std::size_t at = 0; at < listeners.size(); ++at)
-            QVERIFY2(isExpected(at), std::get<0>(endings[at]));
+        for (std::size_t at = 0; at < listeners.size(); ++at) {
+            const QByteArray name = std::get<0>(endings[at]);
+            QVERIFY2(isExpected(at), name);
+            QCOMPARE(listeners[at]->feed.Look().state.Entries().isEmpty(), name != "busy");
+        }
     }
 
     void FollowsTheServer()
     {
         Listener listener(StandInServer::Http(404));
         EVENTUALLY_COMPARE(listener.Requests(), 1);
+        listener.server.Refuse();
+        listener.events.Reopen();
+        EVENTUALLY(listener.IsFailing());
         StandInServer other;
         other.SetReplies(
             {Reply {Head + "data: {\"jobs\":[\"7\"],\"money\":true}\n\n", false, 0, StandInServer::Stall}});
@@ -92,6 +102,7 @@ private slots:
         listener.events.Reopen();
         listener.transport.SetBaseUrl(other.Url());
         EVENTUALLY_COMPARE(changes.size(), 2);
+        QVERIFY(!listener.IsFailing());
         QVERIFY(changes[0].list && changes[0].money);
         QVERIFY(changes[1].jobs == QStringList("7"_s) && !changes[1].list && changes[1].money);
         QVERIFY(other.Requests().constFirst().contains("\r\nAuthorization: Bearer abc\r\n"));
