@@ -55,6 +55,7 @@ ClientHost::ClientHost(const HostOptions& options, QObject* parent)
     , m_closing(&m_services.settings)
     , m_connection(&m_services.feed, &m_services.loader)
     , m_transfers(&m_services.renderCore, &m_services.settings)
+    , m_taskStatus([this](const QString& id) { return m_services.renderCore.HaltText(id); })
 {
     ConnectForm();
 }
@@ -271,4 +272,5 @@ void ClientHost::ShowClient(const QString& userName)
     m_filter.BeginSession();
     m_hints.BeginSession();
     m_transfers.BeginSession(userName);
+    m_taskStatus.BeginSession();
 }

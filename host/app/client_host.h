@@ -11,6 +11,7 @@
 #include "host/mainform/list_hints.h"
 #include "host/mainform/preview_trigger.h"
 #include "host/mainform/shortcuts.h"
+#include "host/mainform/task_status.h"
 #include "host/mainform/transfer_buttons.h"
 
 #include <QObject>
@@ -71,6 +72,7 @@ private:
     FilterBar m_filter;
     ListHints m_hints;
     TransferButtons m_transfers;
+    TaskStatus m_taskStatus;
     std::unique_ptr<PluginRunner> m_runner;
     VTBaseInterface* m_client = nullptr; // owned by the plugin; valid until m_runner stops it
     std::unique_ptr<SessionControl> m_session;

@@ -1,5 +1,6 @@
 #!/bin/sh
-# Updates the translation files from the sources (needs qttools5-dev-tools). English is its own translation.
+# Updates the translation files from the sources (needs qttools5-dev-tools). English is its own
+# translation, unless vtr_en.ts has another one, as it has for the short words of states and stages.
 # With --check it changes nothing, prints the texts that lack a translation and fails if there are any.
 set -eu
 cd "$(dirname "$0")"
@@ -20,5 +21,5 @@ if [ "${1:-}" = --check ]; then
     ! grep -B 1 'type="unfinished"' "$copy"/vtr_*.ts >&2
 else
     update .
-    perl -0pi -e 's|(<source>(.*?)</source>.*?)<translation[^>]*>.*?</translation>|$1<translation>$2</translation>|sg' vtr_en.ts
+    perl -0pi -e 's|(<source>([^<]*)</source>\s*)<translation type="unfinished">[^<]*</translation>|$1<translation>$2</translation>|sg' vtr_en.ts
 fi

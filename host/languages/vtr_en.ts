@@ -788,7 +788,7 @@
     </message>
     <message>
         <source>Pause</source>
-        <translation>Pause</translation>
+        <translation>Paused</translation>
     </message>
     <message>
         <source>Pending</source>
@@ -816,7 +816,7 @@
     </message>
     <message>
         <source>Pause due to arrears</source>
-        <translation>Pause due to arrears</translation>
+        <translation>Paused due to arrears</translation>
     </message>
     <message>
         <source>Unknown</source>
@@ -1060,6 +1060,25 @@
     </message>
 </context>
 <context>
+    <name>SubmitRules</name>
+    <message>
+        <source>Texture missing</source>
+        <translation>Texture missing</translation>
+    </message>
+    <message>
+        <source>Check arguments</source>
+        <translation>Check arguments</translation>
+    </message>
+    <message>
+        <source>Paused</source>
+        <translation>Paused</translation>
+    </message>
+    <message>
+        <source>Submission failed</source>
+        <translation>Submission failed</translation>
+    </message>
+</context>
+<context>
     <name>TransferButtons</name>
     <message>
         <source>Please check the downloads first.</source>
@@ -1186,35 +1205,35 @@
     <name>VTQsClientPrivate</name>
     <message>
         <source>wait</source>
-        <translation>wait</translation>
+        <translation>Waiting</translation>
     </message>
     <message>
         <source>analyze</source>
-        <translation>analyze</translation>
+        <translation>Analyzing</translation>
     </message>
     <message>
         <source>compress</source>
-        <translation>compress</translation>
+        <translation>Packing</translation>
     </message>
     <message>
         <source>checksum</source>
-        <translation>checksum</translation>
+        <translation>Checking</translation>
     </message>
     <message>
         <source>copysame</source>
-        <translation>copysame</translation>
+        <translation>Comparing</translation>
     </message>
     <message>
         <source>upload</source>
-        <translation>upload</translation>
+        <translation>Uploading</translation>
     </message>
     <message>
         <source>uncompress</source>
-        <translation>uncompress</translation>
+        <translation>Unpacking</translation>
     </message>
     <message>
         <source>submit</source>
-        <translation>submit</translation>
+        <translation>Submitted</translation>
     </message>
     <message>
         <source>Waiting</source>
@@ -1398,7 +1417,7 @@
     </message>
     <message>
         <source>Retry uploading?Failed to upload files:</source>
-        <translation>Retry uploading?Failed to upload files:</translation>
+        <translation>Retry uploading? These files could not be uploaded:</translation>
     </message>
     <message>
         <source>Continue next step?
@@ -1450,7 +1469,7 @@ Below files are missing:
     </message>
     <message>
         <source>Dest</source>
-        <translation>Dest</translation>
+        <translation>Destination</translation>
     </message>
     <message>
         <source>Progress</source>
@@ -1466,7 +1485,7 @@ Below files are missing:
     </message>
     <message>
         <source>Unkown</source>
-        <translation>Unkown</translation>
+        <translation>Unknown</translation>
     </message>
     <message>
         <source>Are you sure to delete these jobs?</source>
@@ -1502,11 +1521,11 @@ Below files are missing:
     </message>
     <message>
         <source>SceneFile</source>
-        <translation>SceneFile</translation>
+        <translation>Scene file</translation>
     </message>
     <message>
         <source>Warn</source>
-        <translation>Warn</translation>
+        <translation>Warning</translation>
     </message>
     <message>
         <source>Unknown</source>
@@ -1514,11 +1533,11 @@ Below files are missing:
     </message>
     <message>
         <source>fail</source>
-        <translation>fail</translation>
+        <translation> failed</translation>
     </message>
     <message>
         <source>Lacked of texture files:</source>
-        <translation>Lacked of texture files:</translation>
+        <translation>Missing texture files:</translation>
     </message>
     <message>
         <source>embedded</source>
@@ -1617,7 +1636,7 @@ Below files are missing:
     </message>
     <message>
         <source>Stopped</source>
-        <translation>Stopped</translation>
+        <translation>Paused</translation>
     </message>
     <message>
         <source>Finished</source>
@@ -1641,7 +1660,7 @@ Below files are missing:
     </message>
     <message>
         <source>Pause due to arrears</source>
-        <translation>Pause due to arrears</translation>
+        <translation>Paused due to arrears</translation>
     </message>
     <message>
         <source>Normal work</source>

@@ -1060,6 +1060,25 @@
     </message>
 </context>
 <context>
+    <name>SubmitRules</name>
+    <message>
+        <source>Texture missing</source>
+        <translation>缺少贴图</translation>
+    </message>
+    <message>
+        <source>Check arguments</source>
+        <translation>请检查参数</translation>
+    </message>
+    <message>
+        <source>Paused</source>
+        <translation>已暂停</translation>
+    </message>
+    <message>
+        <source>Submission failed</source>
+        <translation>提交失败</translation>
+    </message>
+</context>
+<context>
     <name>TransferButtons</name>
     <message>
         <source>Please check the downloads first.</source>

@@ -40,6 +40,9 @@ public:
     void SetFormFilter(QObject* filter) { m_formFilter = filter; }
     bool eventFilter(QObject* watched, QEvent* event) override;
 
+    /// Says in a few words why a local task stands still; empty where the name of its stage says as much.
+    QString HaltText(const QString& id) const;
+
     void RemoveSubmitTasks(const QStringList& ids, bool byUser) override;
     void RemoveDownloadTasks(const QStringList& ids) override;
     void StopDownloadTasks(const QStringList& ids) override;

@@ -4,6 +4,7 @@
 #include "host/mainform/form_closing.h"
 #include "host/mainform/list_hints.h"
 #include "host/mainform/preview_trigger.h"
+#include "host/mainform/task_status.h"
 #include "host/mainform/transfer_buttons.h"
 #include "host/settings/setting_keys.h"
 #include "tests/hostui/memory_settings.h"
@@ -215,6 +216,22 @@ private slots:
         QCOMPARE(notices.count(), 1);
         QCOMPARE(retries.count(), 1);
         QCOMPARE(journal.size(), 1);
+    }
+
+    void PaintsWhyATaskStandsStill()
+    {
+        MainForm form;
+        form.tabs.setCurrentIndex(1);
+        form.show();
+        auto* table = form.findChild<QTableWidget*>("twtLocalTask"_s);
+        for (const int column : {0, 2})
+            table->setItem(0, column, new QTableWidgetItem("a"_s));
+        table->item(0, 0)->setData(Qt::UserRole, "a.1"_s);
+        const int width = table->sizeHintForIndex(table->model()->index(0, 2)).width();
+        TaskStatus status([](const QString& id) { return QString(id + " is missing a texture"_s); });
+        status.BeginSession();
+        QVERIFY(table->sizeHintForIndex(table->model()->index(0, 2)).width() > width + 50);
+        QCOMPARE(table->item(0, 2)->text(), "a"_s);
     }
 
     void LeavesNoCheckMarkBehind()

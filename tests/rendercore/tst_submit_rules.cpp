@@ -163,6 +163,18 @@ private slots:
         QTEST(summary, "expected");
     }
 
+    void SaysWhyATaskStandsStill()
+    {
+        QStringList texts;
+        for (const SubmitTask& task : {In(Stage::Upload), In(Stage::Upload, Error::UploadRefused),
+                 In(Stage::CopySame, Error::AwaitsUser), In(Stage::CopySame, Error::TexturesMissing),
+                 In(Stage::Submit, Error::AwaitsUser), In(Stage::Submit, Error::FarmRefused),
+                 In(Stage::Submit, Error::Stopped)})
+            texts.append(HaltText(task));
+        QCOMPARE(texts.join(QLatin1Char('|')),
+            "||Texture missing|Texture missing|Check arguments|Submission failed|Paused"_s);
+    }
+
     void KeepsArgumentsOfTheUser()
     {
         SubmitTask checked = In(Stage::Analyze);

@@ -56,6 +56,19 @@ bool HasEditableArguments(const SubmitTask& task)
     return suffix == QLatin1String("ma") || suffix == QLatin1String("mb");
 }
 
+QString HaltText(const SubmitTask& task)
+{
+    if (task.error == SubmitError::TexturesMissing || AwaitsMissingFiles(task))
+        return QCoreApplication::translate("SubmitRules", "Texture missing");
+    if (task.error == SubmitError::AwaitsUser)
+        return QCoreApplication::translate("SubmitRules", "Check arguments");
+    if (task.error == SubmitError::Stopped)
+        return QCoreApplication::translate("SubmitRules", "Paused");
+    if (task.error != SubmitError::None && task.stage == SubmitStage::Submit)
+        return QCoreApplication::translate("SubmitRules", "Submission failed");
+    return {};
+}
+
 QString FileList(const SubmitWork& work)
 {
     QStringList lines;

@@ -17,6 +17,9 @@ bool MustAskFirst(const SubmitTask& task);
 /// Whether the window lets the user edit the task's arguments, as it does for Maya scenes with a lower-case suffix.
 bool HasEditableArguments(const SubmitTask& task);
 
+/// Says why the task stands still, in a few words; empty where the name of its stage says as much.
+QString HaltText(const SubmitTask& task);
+
 /// The files that belong to the task, for the user to read before they are sent; empty before the analysis.
 QString FileList(const SubmitWork& work);
 

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QStyledItemDelegate>
+
+#include <functional>
+
+/// Shows in the table of local tasks why a task stands still. The window knows only that its stage has failed.
+class TaskStatus : public QStyledItemDelegate
+{
+    Q_OBJECT
+
+public:
+    /// @return the words for a task's id; empty to leave the window's.
+    using Words = std::function<QString(const QString& id)>;
+
+    explicit TaskStatus(Words words, QObject* parent = nullptr);
+
+    /// Takes the column over. Call it whenever the main form is shown for a new session, because it may be a new one.
+    void BeginSession();
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
+
+private:
+    Words m_words;
+};
