@@ -1329,7 +1329,7 @@
     </message>
     <message>
         <source>Stop the checked jobs</source>
-        <translation>Stop the checked jobs</translation>
+        <translation>Stop the checked rows</translation>
     </message>
     <message>
         <source>Restart the checked jobs</source>

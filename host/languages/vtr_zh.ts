@@ -679,7 +679,7 @@
     </message>
     <message>
         <source>Right-click a job under My Render and choose Download, or let the settings download finished jobs.</source>
-        <translation>在“我的渲染”中右键点击作业并选择“下载”，或在设置中开启自动下载。</translation>
+        <translation>右键点击作业并选择“下载”，或在设置中开启自动下载。</translation>
     </message>
 </context>
 <context>
@@ -1333,7 +1333,7 @@
     </message>
     <message>
         <source>Stop the checked jobs</source>
-        <translation>停止勾选的作业</translation>
+        <translation>停止勾选的行</translation>
     </message>
     <message>
         <source>Restart the checked jobs</source>
