@@ -1,77 +1,24 @@
-#include "bench/ratio_reporter.h"
+#include "bench/comparison.h"
+#include "bench/shared_lists.h"
 #include "tests/standins/client.h"
 
 #include <ctkPluginContext.h>
 
 #include <QApplication>
 
-#include <map>
-
 namespace {
 
 constexpr int PageSize = 18;
 constexpr int TickInterval = 1000; // ms
 
-/// The highest permitted ratio of the cost of a million entries to that of a hundred.
-constexpr double Limit = 1.5;
+constexpr int Few = 100;
+constexpr int Many = 1'000'000;
 
-/// Marks a benchmark whose cost may grow: a map has no indices, so after a change the page
-/// is counted from one end.
-const char* const NotJudged = "*";
+/// The highest ratio of the cost of many entries to that of few that is good enough.
+constexpr double Goal = 1.5;
 
 enum List { LocalTasks = 1, Downloads = 2 }; // the numbers of their tabs
 enum Place { First, Middle, Last };
-
-/// A render core that adds no cost of its own: it returns shared lists of identical tasks.
-class SharedLists : public RenderCoreStandIn
-{
-public:
-    QString GetTaskSceneFile(const QString& /*id*/) override { return m_task.sceneFile; }
-    QString GetTaskStartTime(const QString& /*id*/) override { return m_task.startTime; }
-    QString GetTaskMessage(const QString& /*id*/) override { return m_task.message; }
-    int GetTaskStage(const QString& /*id*/) override { return m_task.stage; }
-    int GetTaskProgress(const QString& /*id*/) override { return m_task.progress; }
-    int GetTaskErrorCode(const QString& /*id*/) override { return m_task.error; }
-    QVariantList GetTaskArguments(const QString& /*id*/) override { return m_task.arguments; }
-    QStringList GetSubmitTaskIds() override { return m_ids; }
-    int GetSubmitTaskCount() override { return m_ids.size(); }
-
-    /// Sets the number of tasks and of downloads. The lists of each number are built once.
-    void Resize(int count)
-    {
-        Lists& lists = m_known[count];
-        for (int i = lists.ids.size(); i < count; ++i) {
-            lists.ids.append("task-%1"_s.arg(i, 7, 10, QLatin1Char('0')));
-            lists.downloads.insert(lists.downloads.end(), lists.ids.last(), m_download);
-        }
-        m_ids = lists.ids;
-        m_first.clear();
-        downloads = lists.downloads;
-    }
-
-    /// Removes the first task, or restores it at the next call, so that all others move by one place.
-    void ShiftTasks()
-    {
-        if (m_first.isEmpty())
-            m_first = m_ids.takeFirst();
-        else
-            m_ids.prepend(std::exchange(m_first, {}));
-    }
-
-private:
-    struct Lists
-    {
-        QStringList ids;
-        QVariantMap downloads;
-    };
-
-    const Task m_task {{}, "/scenes/shot.ma"_s, "10:00"_s, "message"_s, {}, 4, 40};
-    const QVariantMap m_download {{"destFile"_s, "/out/frame.png"_s}, {"srcFile"_s, "farm/frame.png"_s},
-        {"jobId"_s, "job"_s}, {"status"_s, 1}, {"progress"_s, 40}};
-    std::map<int, Lists> m_known;
-    QStringList m_ids;
-    QString m_first; ///< the removed task, or empty
-};
 
 /// The open window of the built plugin.
 class Window
@@ -134,33 +81,22 @@ private:
 
 Window* window = nullptr;
 
-/// Measures an action on a page of a list.
+/// Compares an action on a page of a million entries with the same on a hundred.
 template <class Action>
-void Measure(benchmark::State& state, List list, int count, Place place, Action action)
+void Compare(CostTable& table, const QString& what, std::optional<double> goal, List list, Action action)
 {
-    window->Show(list, count, place);
-    action();
-    Window::Settle();
-    for (auto _ : state) {
-        action();
-        state.PauseTiming();
-        Window::Settle();
-        state.ResumeTiming();
-    }
-}
-
-template <class Action>
-void Add(const std::string& what, List list, Action action)
-{
-    const std::pair<Place, const char*> places[] = {{First, "first"}, {Middle, "middle"}, {Last, "last"}};
+    const std::pair<Place, QString> places[]
+        = {{First, "first page"_s}, {Middle, "middle page"_s}, {Last, "last page"_s}};
     for (const auto& [place, name] : places) {
-        for (const int count : {100, 10'000, 1'000'000}) {
-            const std::string full = what + "/" + std::to_string(count) + "/" + name;
-            benchmark::RegisterBenchmark(full.c_str(),
-                [list, action, measured = place, count](
-                    benchmark::State& state) { Measure(state, list, count, measured, action); })
-                ->Unit(benchmark::kMicrosecond);
-        }
+        const auto sideOf = [list, action, shown = place](int count) {
+            return Side {[=] {
+                             window->Show(list, count, shown);
+                             action();
+                             Window::Settle();
+                         },
+                action, Window::Settle};
+        };
+        table.Compare(QString(what + ", "_s + name), goal, sideOf(Few), sideOf(Many));
     }
 }
 
@@ -168,28 +104,26 @@ void Add(const std::string& what, List list, Action action)
 
 int main(int argc, char** argv)
 {
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
+    const QApplication application(argc, argv);
     Window opened;
     window = &opened;
     if (!opened.Open())
         return 2;
 
-    for (const auto& [list, name] : {std::pair(LocalTasks, std::string("tasks")), {Downloads, "downloads"}}) {
-        const List measured = list;
-        Add(name + " list change", list, [measured] { window->ChangeList(measured); });
-        Add(name + " page change", list, [] { window->ChangePage(); });
-        Add(name + " page after a change" + (list == Downloads ? NotJudged : ""), list, [measured] {
-            window->ChangeList(measured);
+    CostTable table;
+    for (const auto& [shown, name] : {std::pair(LocalTasks, "tasks"_s), {Downloads, "downloads"_s}}) {
+        const List list = shown;
+        Compare(table, QString(name + ": list change"_s), Goal, list, [list] { window->ChangeList(list); });
+        Compare(table, QString(name + ": page change"_s), Goal, list, [] { window->ChangePage(); });
+        Compare(table, QString(name + ": page after a change"_s), Goal, list, [list] {
+            window->ChangeList(list);
             window->ChangePage();
         });
-        Add(name + " tick", list, [] { window->Tick(); });
+        Compare(table, QString(name + ": tick"_s), Goal, list, [] { window->Tick(); });
     }
-    Add("tasks tick after a shift", LocalTasks, [] {
+    Compare(table, "tasks: tick after a shift"_s, Goal, LocalTasks, [] {
         window->ShiftTasks();
         window->Tick();
     });
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    return reporter.Conclude(Limit, NotJudged) ? 0 : 1;
+    return table.Conclude(QCoreApplication::arguments());
 }

@@ -2,6 +2,8 @@
 
 #include "common/vtr_protocol.h"
 
+#include <tuple>
+
 VTJobRecord VTJobRecord::FromMap(const QVariantMap& mapJob)
 {
     const auto Text = [&mapJob](const char* szKey) { return mapJob.value(QLatin1String(szKey)).toString(); };
@@ -15,6 +17,15 @@ VTJobRecord VTJobRecord::FromMap(const QVariantMap& mapJob)
     job.nProgress = mapJob.value(QStringLiteral("job_progress")).toInt();
     job.nStatus = mapJob.value(QStringLiteral("job_status")).toInt();
     return job;
+}
+
+bool VTJobRecord::operator==(const VTJobRecord& other) const
+{
+    const auto Values = [](const VTJobRecord& job) {
+        return std::tie(job.nProgress, job.nStatus, job.strId, job.strSequence, job.strType, job.strName,
+            job.strSubmitTime, job.strCost);
+    };
+    return Values(*this) == Values(other);
 }
 
 QVariantMap VTDownloadOrder(

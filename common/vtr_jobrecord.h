@@ -16,6 +16,8 @@ struct VTJobRecord
     int nStatus = 0;       ///< "job_status": see VTCodeTables
 
     static VTJobRecord FromMap(const QVariantMap& mapJob);
+
+    bool operator==(const VTJobRecord& other) const;
 };
 
 /// An order to the render core to download the files of one job.

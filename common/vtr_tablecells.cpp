@@ -55,12 +55,20 @@ QProgressBar* NewProgressBar(int nPercent, const VTCodeTables& codeTables)
 
 void SetProgress(QProgressBar* pBar, int nPercent, const QString& strStyle)
 {
-    if (nPercent >= pBar->minimum() && nPercent <= pBar->maximum())
+    const bool bInRange = nPercent >= pBar->minimum() && nPercent <= pBar->maximum();
+    const bool bSameValue = bInRange ? pBar->value() == nPercent : pBar->value() < pBar->minimum();
+    const bool bSameStyle = pBar->styleSheet() == strStyle;
+    if (bSameValue && bSameStyle)
+        return;
+    // A bar paints itself at once when its value changes. Held back, the bars of a table are painted together.
+    pBar->setUpdatesEnabled(false);
+    if (bInRange)
         pBar->setValue(nPercent);
     else
         pBar->reset();
-    if (pBar->styleSheet() != strStyle)
+    if (!bSameStyle)
         pBar->setStyleSheet(strStyle);
+    pBar->setUpdatesEnabled(true);
 }
 
 void WriteProgress(QTableWidget* pTable, int nRow, int nColumn, int nPercent, const VTCodeTables& codeTables)

@@ -8,6 +8,7 @@
 #include "common/vtr_services.h"
 #include "common/vtr_tablecells.h"
 #include "common/vtr_tablerows.h"
+#include "dialogs/vtr_barsinview.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -73,6 +74,7 @@ void VTSetParent::InitWidgets()
     m_form.SetDialogFlags();
     m_pCandidates = m_form.Find<QTableWidget>(QStringLiteral("twtJobList"));
     m_pCandidates->setColumnCount(VTColumnCount);
+    m_pBars = new VTBarsInView(m_pCandidates, VTJobColumn::Progress, m_codeTables, this);
     m_pCandidates->setSortingEnabled(false);
     m_pCandidates->setContextMenuPolicy(Qt::CustomContextMenu);
     m_pCandidates->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -197,7 +199,7 @@ void VTSetParent::WriteCandidate(int nRow, const VTJobRecord& job)
 
     for (int nColumn = 0; nColumn < VTColumnCount; ++nColumn) {
         if (nColumn == VTJobColumn::Progress)
-            VTTableCells::WriteProgress(m_pCandidates, nRow, nColumn, job.nProgress, m_codeTables);
+            m_pBars->SetProgress(nRow, job.nProgress);
         else
             VTTableCells::Write(m_pCandidates, nRow, nColumn, row[nColumn]);
     }

@@ -16,6 +16,7 @@
 class QPushButton;
 class QTableWidget;
 class QTimer;
+class VTBarsInView;
 struct VTJobRecord;
 struct VTServices;
 
@@ -83,6 +84,7 @@ private:
     VTDialogForm m_form;
     QPointer<QTableWidget> m_pJobTable;
     QTableWidget* m_pCandidates = nullptr;
+    VTBarsInView* m_pBars = nullptr;
     QPushButton* m_pBtnClose = nullptr;
     QPushButton* m_pBtnOk = nullptr;
     const VTServices* m_pServices = nullptr;

@@ -44,6 +44,7 @@ void VTDownloadList::BuildPage(int nPage, bool bKeepMarks)
         return;
     const VTTableRows::Marks marks(m_pTable);
     VTTableRows::Clear(m_pTable);
+    m_lstShown.clear();
     AddRows((nPage - 1) * VTPageSize);
     if (bKeepMarks)
         marks.Restore(m_pTable);
@@ -59,6 +60,7 @@ void VTDownloadList::AddRows(int nFirst)
         return;
     // All rows are added at once: each change of their number lays out all progress bars that are there already.
     m_pTable->setRowCount(qMin(VTPageSize, pTasks->size() - nFirst));
+    m_lstShown.resize(m_pTable->rowCount());
     for (int nRow = 0; nRow < m_pTable->rowCount(); ++nRow, ++itTask)
         WriteRow(nRow, itTask.key(), itTask->toMap());
 }
@@ -122,13 +124,31 @@ void VTDownloadList::HandleListChange()
 void VTDownloadList::Refresh()
 {
     const QVariantMap* pTasks = Tasks();
-    for (int nRow = 0; pTasks && nRow < m_pTable->rowCount(); ++nRow) {
-        const auto itTask = pTasks->constFind(VTTableRows::Id(m_pTable, nRow));
-        if (itTask != pTasks->constEnd())
-            WriteState(nRow, itTask->toMap());
-        else
+    m_lstShown.resize(m_pTable->rowCount());
+    if (!pTasks)
+        return;
+    // The rows follow each other as the tasks do, so only the first one is searched for.
+    auto itTask = pTasks->constEnd();
+    for (int nRow = 0; nRow < m_pTable->rowCount(); ++nRow) {
+        const QString strTaskId = VTTableRows::Id(m_pTable, nRow);
+        if (itTask == pTasks->constEnd() || ++itTask == pTasks->constEnd() || itTask.key() != strTaskId)
+            itTask = pTasks->constFind(strTaskId);
+        if (itTask == pTasks->constEnd()) {
             m_place.Forget();
+            continue;
+        }
+        // Comparing a map with a copy that shares its data takes no time.
+        if (m_lstShown.at(nRow) == *itTask)
+            continue;
+        WriteState(nRow, itTask->toMap());
+        m_lstShown[nRow] = *itTask;
     }
+}
+
+void VTDownloadList::Retranslate()
+{
+    m_lstShown.fill(QVariant());
+    Refresh();
 }
 
 void VTDownloadList::Delete(const QStringList& lstTaskId)

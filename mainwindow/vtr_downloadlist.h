@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QStringList>
 #include <QVariantMap>
+#include <QVector>
 
 class QTableWidget;
 class VTPageBar;
@@ -48,7 +49,7 @@ public:
     /// Makes up for the refills that waited while a menu was open over the table.
     void CatchUp();
 
-    void Retranslate() { Refresh(); }
+    void Retranslate();
 
     /// Deletes downloads and shows the remaining ones.
     void Delete(const QStringList& lstTaskId);
@@ -71,5 +72,7 @@ private:
     QTableWidget* m_pTable;
     const QVariantMap* m_pTasks = nullptr;
     VTMapCursor m_place;
+    QVector<QVariant>
+        m_lstShown; ///< the tasks as the rows show them; invalid where a row has to be written anyway
     bool m_bBuildHeld = false;
 };

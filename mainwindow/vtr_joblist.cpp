@@ -174,9 +174,14 @@ void VTJobList::Fill(QTableWidget* pTable, const QVector<VTJobRecord>& lstJob, b
     pTable->setRowCount(lstJob.size());
     for (int nRow = 0; nRow < lstJob.size(); ++nRow) {
         const VTJobRecord& job = lstJob.at(nRow);
-        VTTableCells::WriteJob(
-            pTable, nRow, job, m_deps.codeTables, bKeepChecks ? marks.CheckState(job.strId) : Qt::Unchecked);
+        const Qt::CheckState checkState = bKeepChecks ? marks.CheckState(job.strId) : Qt::Unchecked;
+        QTableWidgetItem* pId = pTable->item(nRow, VTIdColumn);
+        if (pId && nRow < m_lstShown.size() && m_lstShown.at(nRow) == job)
+            pId->setCheckState(checkState);
+        else
+            VTTableCells::WriteJob(pTable, nRow, job, m_deps.codeTables, checkState);
     }
+    m_lstShown = lstJob;
     marks.RestorePosition(pTable);
 }
 

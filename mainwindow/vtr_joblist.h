@@ -96,6 +96,8 @@ private:
     bool m_bFillPending = false;
     int m_nRefreshesPending = 0;
 
+    QVector<VTJobRecord> m_lstShown; ///< the jobs of the table's rows
+
     /// The answer that waits for a menu to close, and whether it is a refresh.
     std::optional<QPair<QVariantMap, bool>> m_heldAnswer;
 };

@@ -15,7 +15,8 @@
 #include "mainwindow/vtr_timers.h"
 
 #include <QFileInfo>
-#include <QHash>
+
+#include <tuple>
 
 namespace {
 
@@ -56,6 +57,15 @@ bool VTSubmitList::Task::Uploads() const
     return nStage == StageUpload && nError == 0;
 }
 
+bool VTSubmitList::Task::LooksLike(const Task& other) const
+{
+    const auto Values = [](const Task& task) {
+        return std::tie(
+            task.nStage, task.nProgress, task.nError, task.strUploadText, task.strMessage, task.strStartTime);
+    };
+    return Values(*this) == Values(other);
+}
+
 void VTSubmitList::BuildCurrentPage()
 {
     BuildPage(m_deps.pageBar.CurrentPage(VTList::LocalTasks), false);
@@ -73,6 +83,7 @@ void VTSubmitList::BuildPage(int nPage, bool bKeepMarks)
         return;
     const VTTableRows::Marks marks(m_pTable);
     VTTableRows::Clear(m_pTable);
+    m_mapShown.clear();
     m_nFirstPlace = (nPage - 1) * VTPageSize;
     m_pTable->setRowCount(lstTask.size());
     for (int nRow = 0; nRow < lstTask.size(); ++nRow)
@@ -104,7 +115,7 @@ VTSubmitList::Task VTSubmitList::ReadForNewRow(const QString& strTaskId) const
     task.nStage = renderCore.GetTaskStage(strTaskId);
     task.strStartTime = renderCore.GetTaskStartTime(strTaskId);
     task.nProgress = renderCore.GetTaskProgress(strTaskId);
-    task.strMessage = tr(qUtf8Printable(renderCore.GetTaskMessage(strTaskId)));
+    task.strMessage = renderCore.GetTaskMessage(strTaskId);
     return task;
 }
 
@@ -124,7 +135,7 @@ void VTSubmitList::WriteRow(int nRow, const Task& task)
         ->setData(Qt::UserRole, task.nStage);
     VTTableCells::WriteProgress(m_pTable, nRow, VTTaskColumn::Progress, task.nProgress, m_deps.codeTables);
     Put(VTTaskColumn::SceneFile, task.strSceneFile)->setToolTip(VTPlainToolTip(task.strSceneFile));
-    Put(VTTaskColumn::Warn, task.strMessage);
+    Put(VTTaskColumn::Warn, tr(qUtf8Printable(task.strMessage)));
     for (const int nColumn : {VTTaskColumn::Status, VTTaskColumn::SceneFile, VTTaskColumn::Warn})
         m_pTable->item(nRow, nColumn)->setTextAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
 }
@@ -198,7 +209,11 @@ void VTSubmitList::Refresh()
         const Task task = ReadForRefresh(VTTableRows::Id(m_pTable, nRow), !bArguments);
         if (HasChanged())
             return;
-        RefreshRow(nRow, task);
+        const auto itShown = m_mapShown.constFind(task.strId);
+        if (task.bArguments || itShown == m_mapShown.constEnd() || !itShown->LooksLike(task)) {
+            RefreshRow(nRow, task);
+            m_mapShown.insert(task.strId, task);
+        }
         ++nRow;
     }
 }
@@ -211,6 +226,7 @@ void VTSubmitList::CatchUp()
 
 void VTSubmitList::Retranslate()
 {
+    m_mapShown.clear();
     if (m_pTable->rowCount() > 0)
         Refresh();
 }
@@ -225,7 +241,7 @@ VTSubmitList::Task VTSubmitList::ReadForRefresh(const QString& strTaskId, bool b
     task.nError = renderCore.GetTaskErrorCode(strTaskId);
     task.nStage = renderCore.GetTaskStage(strTaskId);
     task.nProgress = qMax(0, renderCore.GetTaskProgress(strTaskId));
-    task.strMessage = tr(qUtf8Printable(renderCore.GetTaskMessage(strTaskId)));
+    task.strMessage = renderCore.GetTaskMessage(strTaskId);
     // The arguments are known once the scene is analysed. They are read once per row, so that edits survive.
     task.bArguments = bArguments && task.nStage >= StageChecksum;
     if (task.bArguments)
@@ -278,9 +294,10 @@ void VTSubmitList::RefreshWarning(QTableWidgetItem* pWarn, const Task& task) con
     }
     SetText(
         pWarn, Qt::StatusTipRole, task.nStage == StageCopySame ? tr("Lacked of texture files:") : QString());
-    SetText(pWarn, Qt::WhatsThisRole, task.strMessage);
+    const QString strMessage = tr(qUtf8Printable(task.strMessage));
+    SetText(pWarn, Qt::WhatsThisRole, strMessage);
     SetText(pWarn, Qt::DisplayRole, QString());
-    SetText(pWarn, Qt::ToolTipRole, VTPlainToolTip(task.strMessage));
+    SetText(pWarn, Qt::ToolTipRole, VTPlainToolTip(strMessage));
 }
 
 void VTSubmitList::Delete(const QStringList& lstTaskId)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QHash>
 #include <QObject>
 #include <QStringList>
 #include <QVariantList>
@@ -74,7 +75,7 @@ private:
         QString strId;
         QString strSceneFile;
         QString strStartTime;
-        QString strMessage;    ///< translated
+        QString strMessage;    ///< English
         QString strUploadText; ///< while it uploads without an error
         QVariantList lstArguments;
         bool bArguments = false; ///< whether the arguments have been read
@@ -83,6 +84,9 @@ private:
         int nError = 0;
 
         bool Uploads() const;
+
+        /// Whether a row that shows the other task needs no change to show this one.
+        bool LooksLike(const Task& other) const;
     };
 
     void BuildPage(int nPage, bool bKeepMarks);
@@ -99,6 +103,8 @@ private:
 
     Dependencies m_deps;
     QTableWidget* m_pTable;
+    QHash<QString, Task>
+        m_mapShown;        ///< what the rows show, by task id; none where it has to be written anyway
     int m_nFirstPlace = 0; ///< index in the list at which the first row's task was found last
     int m_nBuild = 0;      ///< changes whenever the rows are built anew
     bool m_bBuildHeld = false;

@@ -46,6 +46,16 @@ private slots:
         QVERIFY(Candidates()->item(0, 1)->toolTip().contains("&lt;b&gt;"_s));
     }
 
+    void GivesRowsTheirBarsInView()
+    {
+        m_client->SignIn();
+        Form("setparent")->show();
+        Offer(MakeJobs(200));
+        QVERIFY(!Bar(Candidates(), 199));
+        Candidates()->scrollToBottom();
+        QVERIFY(Bar(Candidates(), 199) && Bar(Candidates(), 199)->value() == 10);
+    }
+
     void ShowsTheNewestList()
     {
         m_client->SignIn();

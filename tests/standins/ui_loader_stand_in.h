@@ -28,7 +28,7 @@ public:
             Disturb(form);
         return form;
     }
-    QString GetSkin() override { return "teal"_s; }
+    QString GetSkin() override { return skin; }
     QString GetLanguage() override { return language; }
     QStringList GetLanguages() override { return {"/lang/vtr_de.qm"_s, "/lang/vtr_en.qm"_s}; }
     void SetLanguage(const QString& path) override
@@ -48,6 +48,7 @@ public:
     /// The form last built for a key; owned by the client, null once it is gone.
     QWidget* Form(const QString& key) const { return m_forms.value(key); }
 
+    QString skin = "teal"_s;
     QString language = "vtr_en.qm"_s;
     QStringList leftOut;      ///< names of widgets that the forms lack; "*" stands for all
     QStringList missingForms; ///< keys that have no form
