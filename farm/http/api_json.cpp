@@ -143,16 +143,15 @@ QJsonArray FramesJson(const std::vector<FrameRecord>& frames)
     return list;
 }
 
-QJsonObject ChangesJson(const AccountChanges& changes)
+QJsonObject ChangesJson(const AccountChanges& changes, const Account* account)
 {
     QJsonArray jobs;
     for (const QString& id : changes.jobs)
         jobs.append(id);
-    return {
-        {QStringLiteral("jobs"), jobs},
-        {QStringLiteral("list"), changes.list},
-        {QStringLiteral("money"), changes.money},
-    };
+    QJsonObject json {{QStringLiteral("jobs"), jobs}, {QStringLiteral("list"), changes.list}};
+    if (account)
+        json.insert(QStringLiteral("account"), AccountJson(*account));
+    return json;
 }
 
 QJsonObject DataJson(const QJsonValue& value)

@@ -9,6 +9,8 @@
 #include <QJsonDocument>
 
 #include <chrono>
+#include <optional>
+#include <utility>
 
 namespace farm {
 
@@ -21,11 +23,11 @@ constexpr int RetryAfter = 30; // s
 // Comments of the event-stream format. The first one shows the client at once that the stream is open.
 const QByteArray comment = QByteArrayLiteral(":\n\n");
 
-QByteArray EventOf(const AccountChanges& changes)
+QByteArray EventOf(const AccountChanges& changes, const Account* account)
 {
     return changes.IsEmpty()
         ? comment
-        : "data: " + QJsonDocument(ChangesJson(changes)).toJson(QJsonDocument::Compact) + "\n\n";
+        : "data: " + QJsonDocument(ChangesJson(changes, account)).toJson(QJsonDocument::Compact) + "\n\n";
 }
 
 } // namespace
@@ -44,13 +46,16 @@ void EventRoutes::AddTo(HttpServer& server)
 
 EventStream EventRoutes::Open(const ApiRequest& request)
 {
-    const auto subscription = Admit(m_gate.Authorize(request));
-    return [this, subscription, token = request.Token(), isOpen = false]() mutable {
+    const std::int64_t account = m_gate.Authorize(request);
+    return [this, account, subscription = Admit(account), token = request.Token(), isOpen = false]() mutable {
         if (!std::exchange(isOpen, true))
             return comment;
         const auto changes = subscription->Wait(Heartbeat);
         // The session may have ended since the last event.
-        return changes && m_accounts.AccountOf(token, Now()) ? EventOf(*changes) : QByteArray();
+        if (!changes || !m_accounts.AccountOf(token, Now()))
+            return QByteArray();
+        const auto info = changes->money ? std::optional<Account>(m_accounts.Info(account)) : std::nullopt;
+        return EventOf(*changes, info ? &*info : nullptr);
     };
 }
 

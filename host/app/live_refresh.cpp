@@ -7,13 +7,8 @@
 
 namespace {
 
-constexpr int LeastPause = 1000; // ms
-
-void Invoke(const char* slot)
-{
-    if (QWidget* window = FindMainWindow())
-        QMetaObject::invokeMethod(window, slot);
-}
+// A change is to show within two seconds. To refresh no more often keeps a page cheap on which frames finish all the time.
+constexpr int LeastPause = 1500; // ms
 
 } // namespace
 
@@ -65,6 +60,14 @@ void LiveRefresh::Refresh()
     }
     if (refreshesMoney)
         Invoke("GetUserInfo");
+}
+
+void LiveRefresh::Invoke(const char* slot)
+{
+    if (!m_window)
+        m_window = FindMainWindow();
+    if (m_window)
+        QMetaObject::invokeMethod(m_window, slot);
 }
 
 bool LiveRefresh::ShowsOneOf(const QStringList& jobs)

@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
+#include <QWidget>
 
 class CommunicationService;
 class QTableWidget;
@@ -26,9 +27,11 @@ public:
 private:
     void HandleChanges(const FarmChanges& changes);
     void Refresh();
+    void Invoke(const char* slot);
     bool ShowsOneOf(const QStringList& jobs);
 
     CommunicationService* m_communication;
+    QPointer<QWidget> m_window;
     QPointer<QTableWidget> m_table;
     QTimer m_pause; // between two refreshes
     bool m_listIsDue = false;

@@ -48,6 +48,7 @@ FarmChanges FarmChanges::Read(const QByteArray& event)
     for (const QJsonValue& job : jobs)
         changes.jobs.append(job.toString());
     changes.list = object.value(QLatin1String("list")).toBool();
-    changes.money = object.value(QLatin1String("money")).toBool();
+    changes.account = object.value(QLatin1String("account")).toObject();
+    changes.money = !changes.account.isEmpty();
     return changes;
 }

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QByteArrayList>
+#include <QJsonObject>
 #include <QStringList>
 
 /// Reads server-sent events from the pieces in which they arrive. Only the data of events are kept; their types, ids and
@@ -31,9 +32,10 @@ private:
 /// What the farm has announced.
 struct FarmChanges
 {
-    QStringList jobs;   ///< ids of jobs that have changed
-    bool list = false;  ///< any list of jobs may be another one
-    bool money = false; ///< the balance
+    QStringList jobs;         ///< ids of jobs that have changed
+    bool list = false;        ///< any list of jobs may be another one
+    bool money = false;       ///< the balance
+    QJsonObject account = {}; ///< with the balance; empty when the farm has to be asked for it
 
     /// Anything may have changed, as while there was no stream.
     static FarmChanges Anything() { return {{}, true, true}; }

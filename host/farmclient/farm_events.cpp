@@ -87,7 +87,7 @@ void FarmEvents::Read()
     if (!m_openTime.isValid())
         return;
     m_silence.start();
-    const QByteArrayList events = m_stream.Read(m_reply->readAll());
+    const QByteArrayList events = m_stream.Read(m_reply->read(m_reply->bytesAvailable()));
     if (m_stream.IsTooLong())
         TryAgain();
     const QPointer<FarmEvents> self = this;

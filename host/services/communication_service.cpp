@@ -22,6 +22,8 @@ CommunicationService::CommunicationService(const HttpLimits& limits, QObject* pa
     , m_transport(limits)
     , m_session(std::make_unique<QObject>())
 {
+    m_announcementAnswer.setSingleShot(true);
+    connect(&m_announcementAnswer, &QTimer::timeout, this, &CommunicationService::AnswerWithAnnouncement);
 }
 
 void CommunicationService::SetServerUrl(const QUrl& url)
@@ -43,7 +45,22 @@ void CommunicationService::FollowChanges(const QString& token)
 {
     delete m_events.data();
     m_events = new FarmEvents(&m_transport, token.toLatin1(), m_session.get());
-    connect(m_events, &FarmEvents::Changed, this, &CommunicationService::FarmChanged);
+    connect(m_events, &FarmEvents::Changed, this, &CommunicationService::HandleChanges);
+}
+
+void CommunicationService::HandleChanges(const FarmChanges& changes)
+{
+    const QJsonObject body {{QStringLiteral("data"), changes.account}};
+    if (FarmProtocol::IsUserInfo(body))
+        m_announcedAccount = body;
+    emit FarmChanged(changes);
+}
+
+void CommunicationService::AnswerWithAnnouncement()
+{
+    const HttpResult result {HttpStatus::Ok, std::exchange(m_announcedAccount, {})};
+    const Answer answer = FarmProtocol::Decode(result, FarmProtocol::IsUserInfo, {});
+    emit UserInfoResponse(answer.code, answer.map);
 }
 
 bool CommunicationService::IsFetchingJobs() const
@@ -64,8 +81,14 @@ int CommunicationService::SignOut(const QVariant& status, const QVariantHash& re
 
 int CommunicationService::GetUserInfo(const QVariant& status, const QVariantHash& request)
 {
-    return Submit(status, FarmProtocol::UserInfoRequest(request),
-        {FarmProtocol::IsUserInfo, &VTCommunicationInterface::UserInfoResponse});
+    if (const int refusal = CheckRequest(status))
+        return refusal;
+    if (m_announcedAccount.isEmpty() || m_announcementAnswer.isActive())
+        Send(FarmProtocol::UserInfoRequest(request),
+            {FarmProtocol::IsUserInfo, &VTCommunicationInterface::UserInfoResponse});
+    else
+        m_announcementAnswer.start();
+    return StatusOk;
 }
 
 int CommunicationService::StopJobs(const QVariant& status, const QVariantHash& request)
@@ -161,6 +184,8 @@ int CommunicationService::SubmitAction(
 void CommunicationService::BeginSession()
 {
     m_jobLists.clear();
+    m_announcedAccount = {};
+    m_announcementAnswer.stop();
     m_session = std::make_unique<QObject>();
     m_expiryReported = false;
 }

@@ -8,6 +8,7 @@
 
 #include <QHash>
 #include <QPointer>
+#include <QTimer>
 
 #include <memory>
 
@@ -88,6 +89,8 @@ private:
     int Submit(const QVariant& status, const HttpRequest& request, const Handling& handling);
     int SubmitAction(
         const QVariant& status, const QByteArray& action, const QVariantHash& request, Response response);
+    void HandleChanges(const FarmChanges& changes);
+    void AnswerWithAnnouncement();
     void BeginSession();
     void ReportExpiry();
 
@@ -95,6 +98,8 @@ private:
     HttpTransport m_transport;
     std::unique_ptr<QObject> m_session; // owns the session's calls, which end with it
     QPointer<FarmEvents> m_events;
+    QJsonObject m_announcedAccount; // the body of an answer; empty unless it is newer than the last answer
+    QTimer m_announcementAnswer;
     QHash<int, JobList> m_jobLists; // the newest by the request's identifier
     bool m_expiryReported = false;
 };

@@ -210,14 +210,15 @@ private slots:
         EVENTUALLY(has(ann, "\n:\n"));
         // Another process pays in.
         farm.data.accounts.Credit("ann"_s, 5'000'000);
-        EVENTUALLY(has(ann, R"({"jobs":[],"list":true,"money":true})"));
+        EVENTUALLY(has(ann,
+            R"({"account":{"isBindToVso":false,"userInfo":{"user_balance":15}},"jobs":[],"list":true})"));
         const QString session = farm.SignIn("bob", "b");
         const auto bob = farm.Listen();
         EVENTUALLY(has(bob, "\n:\n"));
 
         farm.SignIn("ann", "secret");
         QCOMPARE(farm.Apply("recover"_s, {id}).status, 200);
-        EVENTUALLY(has(ann, R"({"jobs":[")" + id.toLatin1() + R"("],"list":true,"money":true})"));
+        EVENTUALLY(has(ann, R"(}},"jobs":[")" + id.toLatin1() + R"("],"list":true})"));
         QVERIFY(!has(bob, "data:"));
 
         farm.token = session;

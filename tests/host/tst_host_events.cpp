@@ -94,8 +94,8 @@ private slots:
         listener.events.Reopen();
         EVENTUALLY(listener.IsFailing());
         StandInServer other;
-        other.SetReplies(
-            {Reply {Head + "data: {\"jobs\":[\"7\"],\"money\":true}\n\n", false, 0, StandInServer::Stall}});
+        other.SetReplies({Reply {
+            Head + "data: {\"jobs\":[\"7\"],\"account\":{\"x\":1}}\n\n", false, 0, StandInServer::Stall}});
         QList<FarmChanges> changes;
         connect(&listener.events, &FarmEvents::Changed, this,
             [&changes](const FarmChanges& announced) { changes.append(announced); });

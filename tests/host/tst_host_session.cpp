@@ -135,7 +135,7 @@ private slots:
         server.SetReplyTo("/jobs", StandInServer::Held(StandInServer::Http(200)));
         server.SetReplyTo("/events",
             {"HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\n\r\ndata: " + event
-                    + "\n\ndata: {\"money\":true}\n\n",
+                    + "\n\ndata: {\"account\":{\"userInfo\":{}}}\n\n",
                 false, 0, StandInServer::Stall});
         if (isOnItsWay)
             connect(&m_client->window, &VTQsClientPrivate::Refreshed, &m_client->communication, [this] {
@@ -145,6 +145,11 @@ private slots:
         refresh.BeginSession({}, "abc"_s);
         EVENTUALLY_COMPARE(m_client->window.askedForMoney, 2);
         QCOMPARE(m_client->window.refreshes, refreshes);
+        QSignalSpy balances(&m_client->communication, &VTCommunicationInterface::UserInfoResponse);
+        m_client->communication.GetUserInfo(1, {}); // is answered by the announcement
+        EVENTUALLY_COMPARE(balances.count(), 1);
+        QCOMPARE(balances[0][0].toInt(), 200);
+        QVERIFY(!server.Requests().constLast().contains("/account"));
         if (isOnItsWay) {
             EVENTUALLY_COMPARE(server.Requests().size(), 3);
             server.Release(server.Requests().constLast().contains("/jobs") ? 2 : 1);
