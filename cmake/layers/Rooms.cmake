@@ -23,8 +23,9 @@ set(ROOM_RULES
     "host/ui: host/settings interfaces"
     "host/services: host/ui host/settings host/rendercore host/farmclient interfaces"
     "host/mainform: host/settings host/farmclient interfaces"
+    "host/frames: host/rendercore host/ui host/farmclient common interfaces"
     "host/process: host/farmclient processes"
-    "host/app: host/process host/mainform host/services host/ui host/settings host/farmclient interfaces"
+    "host/app: host/process host/frames host/mainform host/services host/ui host/settings host/farmclient interfaces"
     "host/tour: host/app host/mainform host/services"
     "host: host/tour host/process host/app"
 )

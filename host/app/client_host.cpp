@@ -51,6 +51,7 @@ ClientHost::ClientHost(const HostOptions& options, QObject* parent)
     : QObject(parent)
     , m_options(options)
     , m_services(options)
+    , m_frames(&m_services.loader)
     , m_follower(&m_services.settings)
     , m_closing(&m_services.settings)
     , m_connection(&m_services.feed, &m_services.loader)
@@ -120,7 +121,11 @@ bool ClientHost::ChooseServer(QString* error)
 
 void ClientHost::ConnectForm()
 {
-    connect(&m_preview, &PreviewTrigger::PreviewRequested, &m_services.previewer, &PreviewerService::Open);
+    PreviewerService* previewer = &m_services.previewer;
+    connect(&m_preview, &PreviewTrigger::PreviewRequested, previewer, &PreviewerService::Open);
+    connect(&m_frames, &FramesWindow::PreviewRequested, previewer, &PreviewerService::OpenSeries);
+    connect(&m_jobs, &JobTrigger::FramesRequested, &m_frames, &FramesWindow::Open);
+    connect(&m_services.renderCore, &RenderCoreService::AccessChanged, &m_frames, &FramesWindow::SetAccess);
     connect(&m_services.communication, &CommunicationService::JobListResponse, &m_filter,
         &FilterBar::HandleJobList);
     connect(&m_filter, &FilterBar::JobsListed, &m_hints, &ListHints::HandleJobsListed);
@@ -264,6 +269,7 @@ void ClientHost::ShowClient(const QString& userName)
     if (m_client->Show(state, {}) != 0)
         qCritical() << "cannot show the main window";
     m_preview.Attach();
+    m_jobs.Attach();
     m_follower.BeginSession(userName);
     m_closing.BeginSession();
     m_shortcuts.BeginSession();

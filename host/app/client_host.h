@@ -4,10 +4,12 @@
 #include "host/app/host_options.h"
 #include "host/app/host_services.h"
 #include "host/app/plugin_runner.h"
+#include "host/frames/frames_window.h"
 #include "host/mainform/cell_tips.h"
 #include "host/mainform/filter_bar.h"
 #include "host/mainform/form_closing.h"
 #include "host/mainform/form_follower.h"
+#include "host/mainform/job_trigger.h"
 #include "host/mainform/list_hints.h"
 #include "host/mainform/preview_trigger.h"
 #include "host/mainform/shortcuts.h"
@@ -64,6 +66,8 @@ private:
     HostOptions m_options;
     HostServices m_services;
     PreviewTrigger m_preview;
+    JobTrigger m_jobs;
+    FramesWindow m_frames;
     FormFollower m_follower;
     FormClosing m_closing;
     Shortcuts m_shortcuts;

@@ -637,6 +637,166 @@
     </message>
 </context>
 <context>
+    <name>FrameModel</name>
+    <message>
+        <source>Frame</source>
+        <translation>Frame</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>State</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Time</translation>
+    </message>
+    <message>
+        <source>Cost</source>
+        <translation>Cost</translation>
+    </message>
+    <message>
+        <source>Attempts</source>
+        <translation>Attempts</translation>
+    </message>
+    <message>
+        <source>Rendering</source>
+        <translation>Rendering</translation>
+    </message>
+    <message>
+        <source>Finished</source>
+        <translation>Finished</translation>
+    </message>
+    <message>
+        <source>Failed</source>
+        <translation>Failed</translation>
+    </message>
+    <message>
+        <source>Waiting</source>
+        <translation>Waiting</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
+        <source>%1 min %2 s</source>
+        <translation>%1 min %2 s</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 h %2 min</translation>
+    </message>
+</context>
+<context>
+    <name>FrameRequests</name>
+    <message>
+        <source>The server&apos;s answer cannot be read.</source>
+        <translation>The server&apos;s answer cannot be read.</translation>
+    </message>
+</context>
+<context>
+    <name>FramesForm</name>
+    <message>
+        <source>Frames</source>
+        <translation>Frames</translation>
+    </message>
+    <message>
+        <source>Close (Esc)</source>
+        <translation>Close (Esc)</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>Show picture</source>
+        <translation>Show picture</translation>
+    </message>
+    <message>
+        <source>Show the picture (Enter)</source>
+        <translation>Show the picture (Enter)</translation>
+    </message>
+    <message>
+        <source>Log of the frame</source>
+        <translation>Log of the frame</translation>
+    </message>
+    <message>
+        <source>Frame times</source>
+        <translation>Frame times</translation>
+    </message>
+    <message>
+        <source>Spending by day</source>
+        <translation>Spending by day</translation>
+    </message>
+    <message>
+        <source>The charges of the account in the last 30 days</source>
+        <translation>The charges of the account in the last 30 days</translation>
+    </message>
+</context>
+<context>
+    <name>FramesWindow</name>
+    <message>
+        <source>Frames of %1</source>
+        <translation>Frames of %1</translation>
+    </message>
+    <message>
+        <source>%1 of %2 frames finished</source>
+        <translation>%1 of %2 frames finished</translation>
+    </message>
+    <message>
+        <source>%1 being rendered</source>
+        <translation>%1 being rendered</translation>
+    </message>
+    <message>
+        <source>%1 failed</source>
+        <translation>%1 failed</translation>
+    </message>
+    <message>
+        <source>%1 a frame</source>
+        <translation>%1 a frame</translation>
+    </message>
+    <message>
+        <source>The job has failed: %1</source>
+        <translation>The job has failed: %1</translation>
+    </message>
+    <message>
+        <source>Frame %1: %2</source>
+        <translation>Frame %1: %2</translation>
+    </message>
+    <message>
+        <source>There is no log of this frame: no attempt has ended yet, or the renderer wrote nothing.</source>
+        <translation>There is no log of this frame: no attempt has ended yet, or the renderer wrote nothing.</translation>
+    </message>
+    <message>
+        <source>No frame is finished yet.</source>
+        <translation>No frame is finished yet.</translation>
+    </message>
+    <message>
+        <source>Frames %1 to %2: at most %3</source>
+        <translation>Frames %1 to %2: at most %3</translation>
+    </message>
+    <message>
+        <source>Chart of the frame times</source>
+        <translation>Chart of the frame times</translation>
+    </message>
+    <message>
+        <source>%1 finished frames took %2 each on average, and at most %3.</source>
+        <translation>%1 finished frames took %2 each on average, and at most %3.</translation>
+    </message>
+    <message>
+        <source>Nothing was charged in these days.</source>
+        <translation>Nothing was charged in these days.</translation>
+    </message>
+    <message>
+        <source>Chart of the account&apos;s spending by day</source>
+        <translation>Chart of the account&apos;s spending by day</translation>
+    </message>
+    <message>
+        <source>%1 in the last %2 days.</source>
+        <translation>%1 in the last %2 days.</translation>
+    </message>
+</context>
+<context>
     <name>InputDialogForm</name>
     <message>
         <source>Group name</source>
@@ -645,6 +805,17 @@
     <message>
         <source>Close</source>
         <translation>Close</translation>
+    </message>
+</context>
+<context>
+    <name>JobPictures</name>
+    <message>
+        <source>The farm no longer has this picture.</source>
+        <translation>The farm no longer has this picture.</translation>
+    </message>
+    <message>
+        <source>The picture is too large to be shown before it is downloaded.</source>
+        <translation>The picture is too large to be shown before it is downloaded.</translation>
     </message>
 </context>
 <context>
@@ -727,6 +898,25 @@
     </message>
 </context>
 <context>
+    <name>PictureFetch</name>
+    <message>
+        <source>The server did not answer in time.</source>
+        <translation>The server did not answer in time.</translation>
+    </message>
+    <message>
+        <source>The temporary folder cannot be written.</source>
+        <translation>The temporary folder cannot be written.</translation>
+    </message>
+    <message>
+        <source>The farm is not running at the moment.</source>
+        <translation>The farm is not running at the moment.</translation>
+    </message>
+    <message>
+        <source>The picture on the farm is another one by now.</source>
+        <translation>The picture on the farm is another one by now.</translation>
+    </message>
+</context>
+<context>
     <name>PreviewWindow</name>
     <message>
         <source>%1 of %2</source>
@@ -752,6 +942,10 @@
         <source>The picture is damaged.</source>
         <translation>The picture is damaged.</translation>
     </message>
+    <message>
+        <source>%1%</source>
+        <translation>%1%</translation>
+    </message>
 </context>
 <context>
     <name>PreviewerForm</name>
@@ -774,6 +968,54 @@
     <message>
         <source>Show in actual size</source>
         <translation>Show in actual size</translation>
+    </message>
+    <message>
+        <source>Close (Esc)</source>
+        <translation>Close (Esc)</translation>
+    </message>
+    <message>
+        <source>Previous picture (Left)</source>
+        <translation>Previous picture (Left)</translation>
+    </message>
+    <message>
+        <source>Play or pause (Space)</source>
+        <translation>Play or pause (Space)</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Play</translation>
+    </message>
+    <message>
+        <source>Next picture (Right)</source>
+        <translation>Next picture (Right)</translation>
+    </message>
+    <message>
+        <source>Zoom out (-)</source>
+        <translation>Zoom out (-)</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>Zoom out</translation>
+    </message>
+    <message>
+        <source>Zoom in (+)</source>
+        <translation>Zoom in (+)</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>Zoom in</translation>
+    </message>
+    <message>
+        <source>Fit into the window (0)</source>
+        <translation>Fit into the window (0)</translation>
+    </message>
+    <message>
+        <source>Fit into the window</source>
+        <translation>Fit into the window</translation>
+    </message>
+    <message>
+        <source>Show in actual size (1)</source>
+        <translation>Show in actual size (1)</translation>
     </message>
 </context>
 <context>

@@ -637,6 +637,166 @@
     </message>
 </context>
 <context>
+    <name>FrameModel</name>
+    <message>
+        <source>Frame</source>
+        <translation>帧</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>状态</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>用时</translation>
+    </message>
+    <message>
+        <source>Cost</source>
+        <translation>费用</translation>
+    </message>
+    <message>
+        <source>Attempts</source>
+        <translation>尝试次数</translation>
+    </message>
+    <message>
+        <source>Rendering</source>
+        <translation>渲染中</translation>
+    </message>
+    <message>
+        <source>Finished</source>
+        <translation>已完成</translation>
+    </message>
+    <message>
+        <source>Failed</source>
+        <translation>失败</translation>
+    </message>
+    <message>
+        <source>Waiting</source>
+        <translation>等待中</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 秒</translation>
+    </message>
+    <message>
+        <source>%1 min %2 s</source>
+        <translation>%1 分 %2 秒</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 小时 %2 分</translation>
+    </message>
+</context>
+<context>
+    <name>FrameRequests</name>
+    <message>
+        <source>The server&apos;s answer cannot be read.</source>
+        <translation>无法读取服务器的响应。</translation>
+    </message>
+</context>
+<context>
+    <name>FramesForm</name>
+    <message>
+        <source>Frames</source>
+        <translation>帧</translation>
+    </message>
+    <message>
+        <source>Close (Esc)</source>
+        <translation>关闭 (Esc)</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Show picture</source>
+        <translation>查看图片</translation>
+    </message>
+    <message>
+        <source>Show the picture (Enter)</source>
+        <translation>查看图片 (Enter)</translation>
+    </message>
+    <message>
+        <source>Log of the frame</source>
+        <translation>该帧的日志</translation>
+    </message>
+    <message>
+        <source>Frame times</source>
+        <translation>各帧用时</translation>
+    </message>
+    <message>
+        <source>Spending by day</source>
+        <translation>每日消费</translation>
+    </message>
+    <message>
+        <source>The charges of the account in the last 30 days</source>
+        <translation>账户最近 30 天的扣费</translation>
+    </message>
+</context>
+<context>
+    <name>FramesWindow</name>
+    <message>
+        <source>Frames of %1</source>
+        <translation>%1 的帧</translation>
+    </message>
+    <message>
+        <source>%1 of %2 frames finished</source>
+        <translation>已完成 %1/%2 帧</translation>
+    </message>
+    <message>
+        <source>%1 being rendered</source>
+        <translation>%1 帧渲染中</translation>
+    </message>
+    <message>
+        <source>%1 failed</source>
+        <translation>%1 帧失败</translation>
+    </message>
+    <message>
+        <source>%1 a frame</source>
+        <translation>平均每帧 %1</translation>
+    </message>
+    <message>
+        <source>The job has failed: %1</source>
+        <translation>作业失败：%1</translation>
+    </message>
+    <message>
+        <source>Frame %1: %2</source>
+        <translation>第 %1 帧：%2</translation>
+    </message>
+    <message>
+        <source>There is no log of this frame: no attempt has ended yet, or the renderer wrote nothing.</source>
+        <translation>该帧没有日志：尚无尝试结束，或渲染器没有输出任何内容。</translation>
+    </message>
+    <message>
+        <source>No frame is finished yet.</source>
+        <translation>尚无已完成的帧。</translation>
+    </message>
+    <message>
+        <source>Frames %1 to %2: at most %3</source>
+        <translation>第 %1 至 %2 帧：最长 %3</translation>
+    </message>
+    <message>
+        <source>Chart of the frame times</source>
+        <translation>各帧用时图表</translation>
+    </message>
+    <message>
+        <source>%1 finished frames took %2 each on average, and at most %3.</source>
+        <translation>已完成 %1 帧，平均每帧用时 %2，最长 %3。</translation>
+    </message>
+    <message>
+        <source>Nothing was charged in these days.</source>
+        <translation>这些天没有扣费。</translation>
+    </message>
+    <message>
+        <source>Chart of the account&apos;s spending by day</source>
+        <translation>账户每日消费图表</translation>
+    </message>
+    <message>
+        <source>%1 in the last %2 days.</source>
+        <translation>最近 %2 天共 %1。</translation>
+    </message>
+</context>
+<context>
     <name>InputDialogForm</name>
     <message>
         <source>Group name</source>
@@ -645,6 +805,17 @@
     <message>
         <source>Close</source>
         <translation>关闭</translation>
+    </message>
+</context>
+<context>
+    <name>JobPictures</name>
+    <message>
+        <source>The farm no longer has this picture.</source>
+        <translation>渲染农场已没有这张图片。</translation>
+    </message>
+    <message>
+        <source>The picture is too large to be shown before it is downloaded.</source>
+        <translation>图片太大，下载后才能查看。</translation>
     </message>
 </context>
 <context>
@@ -727,6 +898,25 @@
     </message>
 </context>
 <context>
+    <name>PictureFetch</name>
+    <message>
+        <source>The server did not answer in time.</source>
+        <translation>服务器响应超时。</translation>
+    </message>
+    <message>
+        <source>The temporary folder cannot be written.</source>
+        <translation>无法写入临时文件夹。</translation>
+    </message>
+    <message>
+        <source>The farm is not running at the moment.</source>
+        <translation>渲染农场目前没有运行。</translation>
+    </message>
+    <message>
+        <source>The picture on the farm is another one by now.</source>
+        <translation>渲染农场上的图片已被更换。</translation>
+    </message>
+</context>
+<context>
     <name>PreviewWindow</name>
     <message>
         <source>%1 of %2</source>
@@ -752,6 +942,10 @@
         <source>The picture is damaged.</source>
         <translation>图片已损坏。</translation>
     </message>
+    <message>
+        <source>%1%</source>
+        <translation>%1%</translation>
+    </message>
 </context>
 <context>
     <name>PreviewerForm</name>
@@ -774,6 +968,54 @@
     <message>
         <source>Show in actual size</source>
         <translation>按实际大小显示</translation>
+    </message>
+    <message>
+        <source>Close (Esc)</source>
+        <translation>关闭 (Esc)</translation>
+    </message>
+    <message>
+        <source>Previous picture (Left)</source>
+        <translation>上一张图片（左方向键）</translation>
+    </message>
+    <message>
+        <source>Play or pause (Space)</source>
+        <translation>播放或暂停（空格键）</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>播放</translation>
+    </message>
+    <message>
+        <source>Next picture (Right)</source>
+        <translation>下一张图片（右方向键）</translation>
+    </message>
+    <message>
+        <source>Zoom out (-)</source>
+        <translation>缩小 (-)</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>缩小</translation>
+    </message>
+    <message>
+        <source>Zoom in (+)</source>
+        <translation>放大 (+)</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>放大</translation>
+    </message>
+    <message>
+        <source>Fit into the window (0)</source>
+        <translation>适应窗口 (0)</translation>
+    </message>
+    <message>
+        <source>Fit into the window</source>
+        <translation>适应窗口</translation>
+    </message>
+    <message>
+        <source>Show in actual size (1)</source>
+        <translation>显示实际大小 (1)</translation>
     </message>
 </context>
 <context>

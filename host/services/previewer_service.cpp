@@ -21,7 +21,17 @@ int PreviewerService::Show(QVariant& result, const QVariantMap& parameters)
 
 void PreviewerService::Open(const QString& file)
 {
+    Window()->Open(file);
+}
+
+void PreviewerService::OpenSeries(const std::shared_ptr<PictureSeries>& series, const QString& name)
+{
+    Window()->Open(series, name);
+}
+
+PreviewWindow* PreviewerService::Window()
+{
     if (!m_window)
         m_window = std::make_unique<PreviewWindow>(m_loader);
-    m_window->Open(file);
+    return m_window.get();
 }

@@ -5,6 +5,7 @@
 
 #include <memory>
 
+class PictureSeries;
 class PreviewWindow;
 class VTUiLoaderInterface;
 
@@ -24,8 +25,11 @@ public:
 
     /// Shows the picture; see PreviewWindow::Open.
     void Open(const QString& file);
+    void OpenSeries(const std::shared_ptr<PictureSeries>& series, const QString& name);
 
 private:
+    PreviewWindow* Window();
+
     VTUiLoaderInterface* m_loader;
     std::unique_ptr<PreviewWindow> m_window; // created on first use
 };

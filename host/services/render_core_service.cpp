@@ -71,6 +71,7 @@ void RenderCoreService::UpdateAccess()
     }
     m_submissions.SetAccess(access);
     m_downloads.SetAccess(access);
+    emit AccessChanged(access);
 }
 
 void RenderCoreService::RemoveSubmitTasks(const QStringList& ids, bool byUser)

@@ -67,6 +67,9 @@ public:
     void RedownloadTasks(const QStringList& ids) override;
 
 signals:
+    /// The server, the session on it or the download folder has changed.
+    void AccessChanged(const FarmAccess& access);
+
     /// @param text tells the user of trouble with the disk.
     void Notice(const QString& text);
 

@@ -237,13 +237,13 @@ void ScreenshotTour::PlanMenu()
 /// Opens the preview of the downloaded frame.
 void ScreenshotTour::PlanPreview()
 {
-    const QString picture = QStringLiteral("lblPicture");
+    const QString picture = QStringLiteral("scaPicture");
     m_steps.push_back(
         {QStringLiteral("a picture"), Always, [] { emit FindDownloadTable()->cellDoubleClicked(0, 0); }});
     m_steps.push_back({QStringLiteral("the preview"),
         [picture] {
             const QWidget* form = FindForm(picture);
-            return form && !form->findChild<QLabel*>(picture)->pixmap(Qt::ReturnByValue).isNull();
+            return form && !form->findChild<QLabel*>(QStringLiteral("lblSize"))->text().isEmpty();
         },
         [this, picture] {
             Save(FindForm(picture), QStringLiteral("preview"));

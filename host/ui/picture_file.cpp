@@ -1,5 +1,7 @@
 #include "host/ui/picture_file.h"
 
+#include "host/ui/exr_picture.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -7,8 +9,6 @@
 
 namespace {
 
-constexpr int LongestSide = 16384; // pixels
-constexpr qint64 MostBytes = 512LL * 1024 * 1024;
 constexpr int MostBitsPerPixel = 64;
 
 // Formats that renderers write. SVG and other formats that are interpreted like programs are left out on purpose.
@@ -24,12 +24,12 @@ bool IsKnown(const QByteArray& format)
 bool IsTooLarge(const QImageReader& reader)
 {
     const QSize size = reader.size();
-    if (size.width() > LongestSide || size.height() > LongestSide)
+    if (size.width() > PictureFile::LongestSide || size.height() > PictureFile::LongestSide)
         return true;
     const QImage::Format format = reader.imageFormat();
     const int bits
         = format == QImage::Format_Invalid ? MostBitsPerPixel : QImage::toPixelFormat(format).bitsPerPixel();
-    return static_cast<qint64>(size.width()) * size.height() * bits / 8 > MostBytes;
+    return static_cast<qint64>(size.width()) * size.height() * bits / 8 > PictureFile::MostBytes;
 }
 
 } // namespace
@@ -42,6 +42,8 @@ PictureFile PictureFile::Read(const QString& file)
     QFile device(file);
     if (!device.open(QIODevice::ReadOnly))
         return {{}, Missing};
+    if (ExrPicture::IsExr(device))
+        return ExrPicture::Read(device);
     QImageReader reader(&device);
     reader.setDecideFormatFromContent(true);
     if (!reader.canRead() || !IsKnown(reader.format()))
@@ -60,12 +62,11 @@ QStringList PictureFile::InSameFolder(const QString& file)
     QStringList filters;
     for (const char* format : Formats)
         filters.append(QLatin1String("*.") + QLatin1String(format));
+    if (ExrPicture::IsSupported())
+        filters.append(QStringLiteral("*.exr"));
     QStringList names = info.dir().entryList(filters, QDir::Files);
     if (!names.contains(info.fileName()))
         names.append(info.fileName());
     names.sort();
-    QStringList files;
-    for (const QString& name : qAsConst(names))
-        files.append(info.dir().filePath(name));
-    return files;
+    return names;
 }

@@ -13,11 +13,14 @@ struct PictureFile
     QImage image;
     Error error = None;
 
+    static constexpr int LongestSide = 16384;                // pixels
+    static constexpr qint64 MostBytes = 512LL * 1024 * 1024; // of a decoded picture
+
     /// Reads a file from an untrusted source: the format is recognised by its content, and its size is checked before it
-    /// is decoded. Accepts at most 16384 pixels per side and 512 MiB. May be called in any thread.
+    /// is decoded. May be called in any thread.
     static PictureFile Read(const QString& file);
 
-    /// @return the paths of the pictures in the same folder, including the file itself, sorted by name.
+    /// @return the names of the pictures in the same folder, including the file itself, sorted.
     static QStringList InSameFolder(const QString& file);
 };
 

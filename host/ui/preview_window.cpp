@@ -1,5 +1,7 @@
 #include "host/ui/preview_window.h"
 
+#include "host/ui/picture_series.h"
+#include "host/ui/picture_view.h"
 #include "vtr_uiloaderinterface.h"
 
 #include <QEvent>
@@ -7,13 +9,16 @@
 #include <QLabel>
 #include <QLayout>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QShortcut>
 #include <QSizeGrip>
 
+#include <algorithm>
+#include <cmath>
+
 namespace {
 
-constexpr int SettleTime = 150; // ms
+constexpr int PlayInterval = 83; // ms, about 12 pictures a second
+constexpr int Percent = 100;
 
 } // namespace
 
@@ -21,68 +26,158 @@ PreviewWindow::PreviewWindow(VTUiLoaderInterface* loader, QObject* parent)
     : QObject(parent)
     , m_form(loader, QStringLiteral("com.vtr.previewer"))
     , m_title(m_form.Find<QLabel>("lblTitle"))
-    , m_area(m_form.Find<QScrollArea>("scaPicture"))
-    , m_picture(m_form.Find<QLabel>("lblPicture"))
     , m_size(m_form.Find<QLabel>("lblSize"))
     , m_position(m_form.Find<QLabel>("lblPosition"))
+    , m_zoom(m_form.Find<QLabel>("lblZoom"))
     , m_previous(m_form.Find<QPushButton>("btnPrevious"))
+    , m_play(m_form.Find<QPushButton>("btnPlay"))
     , m_next(m_form.Find<QPushButton>("btnNext"))
+    , m_fit(m_form.Find<QPushButton>("btnFit"))
     , m_actualSize(m_form.Find<QPushButton>("btnActualSize"))
+    , m_view(new PictureView)
 {
     qRegisterMetaType<PictureFile>();
     m_reader.setMaxThreadCount(1);
-    m_settled.setSingleShot(true);
-    m_settled.setInterval(SettleTime);
-    connect(&m_settled, &QTimer::timeout, this, [this] { DisplayPicture(Qt::SmoothTransformation); });
+    m_nextPicture.setSingleShot(true);
+    connect(&m_nextPicture, &QTimer::timeout, this, &PreviewWindow::PlayNext);
     connect(this, &PreviewWindow::Read, this, &PreviewWindow::HandlePicture, Qt::QueuedConnection);
-    m_area->viewport()->installEventFilter(this);
+    m_view->setObjectName(QStringLiteral("scaPicture"));
+    m_form.Find<QWidget>("wgtPicture")->layout()->addWidget(m_view);
+    m_view->setFocus();
+    QWidget::setTabOrder(m_view, m_previous);
     auto* footer = m_form.Find<QWidget>("wgtFooter");
     footer->layout()->addWidget(new QSizeGrip(footer));
     footer->layout()->setAlignment(footer->findChild<QSizeGrip*>(), Qt::AlignRight | Qt::AlignBottom);
-
-    connect(m_form.Find<QPushButton>("btnClose"), &QPushButton::clicked, this, &PreviewWindow::Close);
-    connect(m_previous, &QPushButton::clicked, this, &PreviewWindow::Previous);
-    connect(m_next, &QPushButton::clicked, this, &PreviewWindow::Next);
-    connect(m_actualSize, &QPushButton::toggled, this, &PreviewWindow::Display);
+    connect(m_view, &PictureView::ZoomChanged, this, &PreviewWindow::DisplayZoom);
     connect(loader, &VTUiLoaderInterface::LanguageChanged, this, &PreviewWindow::Display);
-    AddShortcut(Qt::Key_Escape, &PreviewWindow::Close);
-    AddShortcut(Qt::Key_Left, &PreviewWindow::Previous);
-    AddShortcut(Qt::Key_Right, &PreviewWindow::Next);
+    Form()->installEventFilter(this);
+    ConnectButtons();
 }
 
-void PreviewWindow::AddShortcut(int key, void (PreviewWindow::*slot)())
+PreviewWindow::~PreviewWindow() = default;
+
+void PreviewWindow::ConnectButtons()
 {
-    connect(new QShortcut(key, Form()), &QShortcut::activated, this, slot);
+    const auto connectButton
+        = [this](QPushButton* button, const QList<QKeySequence>& keys, const auto& action) {
+              connect(button, &QPushButton::clicked, this, action);
+              AddKeys(keys, action);
+          };
+    connectButton(m_form.Find<QPushButton>("btnClose"), {Qt::Key_Escape}, [this] { Form()->close(); });
+    connectButton(m_previous, {Qt::Key_Left, Qt::Key_PageUp}, [this] { Turn(-1); });
+    connectButton(m_next, {Qt::Key_Right, Qt::Key_PageDown}, [this] { Turn(1); });
+    connectButton(m_play, {Qt::Key_Space, Qt::Key_P}, [this] { SetPlaying(!m_isPlaying); });
+    connectButton(
+        m_form.Find<QPushButton>("btnZoomIn"), {Qt::Key_Plus, Qt::Key_Equal}, [this] { m_view->ZoomBy(1); });
+    connectButton(m_form.Find<QPushButton>("btnZoomOut"), {Qt::Key_Minus}, [this] { m_view->ZoomBy(-1); });
+    connectButton(m_fit, {Qt::Key_0}, [this] { m_view->Fit(); });
+    connectButton(m_actualSize, {Qt::Key_1}, [this] { m_view->SetZoom(1); });
+    AddKeys({Qt::Key_Home}, [this] { TurnTo(0); });
+    AddKeys({Qt::Key_End}, [this] { TurnTo(m_names.size() - 1); });
+}
+
+/// While the space bar is held, playing does not begin and end all the time.
+void PreviewWindow::AddKeys(const QList<QKeySequence>& keys, const std::function<void()>& action)
+{
+    for (const QKeySequence& key : keys) {
+        auto* shortcut = new QShortcut(key, Form());
+        connect(shortcut, &QShortcut::activated, this, action);
+        shortcut->setAutoRepeat(key != Qt::Key_Space);
+    }
 }
 
 void PreviewWindow::Open(const QString& file)
 {
-    Load(file);
+    Open(std::make_shared<FolderPictures>(file), QFileInfo(file).fileName());
+}
+
+void PreviewWindow::Open(const std::shared_ptr<PictureSeries>& series, const QString& name)
+{
+    Clear();
+    m_series = series;
+    connect(series.get(), &PictureSeries::Ready, this, &PreviewWindow::HandleFile);
+    connect(series.get(), &PictureSeries::Failed, this, &PreviewWindow::HandleFailure);
+    m_names = series->Names();
+    m_view->Fit();
+    Load(name);
     Form()->show();
     Form()->raise();
     Form()->activateWindow();
 }
 
+void PreviewWindow::Clear()
+{
+    SetPlaying(false);
+    Form()->close();
+    if (m_series)
+        m_series->disconnect(this);
+    m_series.reset();
+    ++m_generation;
+    m_view->SetText({});
+}
+
 void PreviewWindow::Turn(int step)
 {
-    const int index = m_files.indexOf(m_file) + step;
-    if (index >= 0 && index < m_files.size())
-        Load(m_files.at(index));
+    SetPlaying(false);
+    if (!m_series)
+        return;
+    m_names = m_series->Names();
+    TurnTo(m_names.indexOf(m_name) + step);
+}
+
+void PreviewWindow::TurnTo(int index)
+{
+    if (m_series && index >= 0 && index < m_names.size() && m_names.at(index) != m_name)
+        Load(m_names.at(index));
+}
+
+void PreviewWindow::PlayNext()
+{
+    const int next = m_names.indexOf(m_name) + 1;
+    if (next >= m_names.size())
+        m_names = m_series->Names();
+    TurnTo(next < m_names.size() ? next : 0);
+}
+
+void PreviewWindow::SetPlaying(bool isPlaying)
+{
+    m_isPlaying = isPlaying && m_names.size() > 1;
+    m_play->setChecked(m_isPlaying);
+    if (m_isPlaying && !m_loading)
+        PlayNext();
+    else if (!m_isPlaying)
+        m_nextPicture.stop();
+}
+
+/// The earlier picture stays until this one has been read, so that a sequence does not flicker.
+void PreviewWindow::Load(const QString& name)
+{
+    m_name = name;
+    m_failure.clear();
+    m_loading = true;
+    m_sinceTurn.start();
+    ++m_generation;
+    Display();
+    m_series->Provide(name);
 }
 
 /// Reads the file in another thread, because decoding a large picture takes a while.
-void PreviewWindow::Load(const QString& file)
+void PreviewWindow::HandleFile(const QString& name, const QString& file)
 {
-    m_file = QFileInfo(file).absoluteFilePath();
-    m_files = PictureFile::InSameFolder(m_file); // listed again, since downloads may have added some
-    m_shown = {};
-    m_pixmap = {};
-    m_loading = true;
-    Display();
+    if (name != m_name || !m_loading)
+        return;
     m_reader.clear();
-    m_reader.start([this, path = m_file, generation = ++m_generation] {
-        emit Read(generation, PictureFile::Read(path));
-    });
+    m_reader.start(
+        [this, file, generation = m_generation] { emit Read(generation, PictureFile::Read(file)); });
+}
+
+void PreviewWindow::HandleFailure(const QString& name, const QString& reason)
+{
+    if (name != m_name || !m_loading)
+        return;
+    SetPlaying(false);
+    m_failure = reason;
+    HandlePicture(m_generation, {{}, PictureFile::Missing});
 }
 
 void PreviewWindow::HandlePicture(int generation, const PictureFile& picture)
@@ -91,46 +186,47 @@ void PreviewWindow::HandlePicture(int generation, const PictureFile& picture)
         return;
     m_loading = false;
     m_shown = picture;
-    m_pixmap = QPixmap::fromImage(picture.image);
+    if (picture.image.isNull())
+        m_view->SetText(ErrorText());
+    else
+        m_view->SetPicture(picture.image);
     Display();
+    if (m_isPlaying)
+        m_nextPicture.start(std::max(0, PlayInterval - int(m_sinceTurn.elapsed())));
 }
 
 void PreviewWindow::Display()
 {
-    const int index = m_files.indexOf(m_file);
-    m_title->setText(QFileInfo(m_file).fileName());
-    m_position->setText(tr("%1 of %2").arg(index + 1).arg(m_files.size()));
+    const int index = m_names.indexOf(m_name);
+    const bool isShown = !m_view->Picture().isNull();
+    m_title->setText(m_name);
+    m_position->setText(tr("%1 of %2").arg(index + 1).arg(m_names.size()));
     m_previous->setEnabled(index > 0);
-    m_next->setEnabled(index + 1 < m_files.size());
-    m_actualSize->setEnabled(!m_pixmap.isNull());
-    m_size->setText(m_pixmap.isNull()
-            ? QString()
-            : tr("%1 × %2 pixels").arg(m_shown.image.width()).arg(m_shown.image.height()));
-    DisplayPicture(Qt::SmoothTransformation);
+    m_next->setEnabled(index + 1 < m_names.size());
+    m_play->setEnabled(m_names.size() > 1);
+    m_size->setText(isShown
+            ? tr("%1 × %2 pixels").arg(m_view->Picture().width()).arg(m_view->Picture().height())
+            : QString());
+    m_view->setAccessibleName(m_name);
+    m_view->setAccessibleDescription(isShown ? m_size->text() : m_view->Text());
+    if (!isShown && !m_loading)
+        m_view->SetText(ErrorText());
+    DisplayZoom();
 }
 
-void PreviewWindow::DisplayPicture(Qt::TransformationMode mode)
+void PreviewWindow::DisplayZoom()
 {
-    m_settled.stop();
-    const QSize room = m_area->viewport()->size();
-    if (m_pixmap.isNull()) {
-        m_picture->setText(m_loading ? QString() : ErrorText());
-        m_picture->resize(room);
-        return;
-    }
-    const qreal ratio = m_picture->devicePixelRatioF();
-    QPixmap pixmap = m_pixmap;
-    if (!m_actualSize->isChecked()) {
-        const QSize fitted = m_pixmap.size().scaled(room * ratio, Qt::KeepAspectRatio);
-        pixmap = m_pixmap.scaled(fitted, Qt::IgnoreAspectRatio, mode);
-    }
-    pixmap.setDevicePixelRatio(ratio);
-    m_picture->setPixmap(pixmap);
-    m_picture->resize(pixmap.size() / ratio);
+    const bool isShown = !m_view->Picture().isNull();
+    const QString percent = QString::number(std::lround(m_view->Zoom() * Percent));
+    m_zoom->setText(isShown ? tr("%1%").arg(percent) : QString());
+    m_fit->setChecked(m_view->IsFitted());
+    m_actualSize->setChecked(!m_view->IsFitted() && m_view->Zoom() == 1);
 }
 
 QString PreviewWindow::ErrorText() const
 {
+    if (!m_failure.isEmpty())
+        return m_failure;
     switch (m_shown.error) {
     case PictureFile::Missing:
         return tr("The file does not exist or cannot be read.");
@@ -147,10 +243,7 @@ QString PreviewWindow::ErrorText() const
 
 bool PreviewWindow::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Resize && watched == m_area->viewport()) {
-        // Smooth scaling of a large picture is too slow while the window is being resized.
-        DisplayPicture(Qt::FastTransformation);
-        m_settled.start();
-    }
+    if (event->type() == QEvent::Hide && watched == Form())
+        SetPlaying(false);
     return false;
 }

@@ -3,27 +3,40 @@
 #include "host/ui/picture_file.h"
 #include "host/ui/skinned_form.h"
 
-#include <QPixmap>
+#include <QElapsedTimer>
+#include <QList>
 #include <QThreadPool>
 #include <QTimer>
 
+#include <functional>
+#include <memory>
+
+class PictureSeries;
+class PictureView;
+class QKeySequence;
 class QLabel;
 class QPushButton;
-class QScrollArea;
 
-/// Shows the pictures of a folder one at a time, on the form "com.vtr.previewer", fitted into the window or in actual size.
-/// The arrow keys show the previous and next picture, Escape closes the window.
+/// Shows the pictures of a series one at a time, on the form "com.vtr.previewer", and plays them. Keys do all that its
+/// buttons do; the tool tips of the buttons name them.
 class PreviewWindow : public QObject
 {
     Q_OBJECT
 
 public:
     explicit PreviewWindow(VTUiLoaderInterface* loader, QObject* parent = nullptr);
+    ~PreviewWindow() override;
 
     QWidget* Form() const { return m_form.Form(); }
 
-    /// Shows the window with this picture, or a sentence that says why it cannot be shown.
+    /// Shows the window with this picture, or a sentence that says why it cannot be shown. The series is the file's folder.
     void Open(const QString& file);
+
+    /// @param name of a picture of the series.
+    void Open(const std::shared_ptr<PictureSeries>& series, const QString& name);
+
+    /// Closes the window and forgets the pictures.
+    void Clear();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -32,31 +45,39 @@ signals:
     void Read(int generation, const PictureFile& picture);
 
 private:
-    void AddShortcut(int key, void (PreviewWindow::*slot)());
-    void Previous() { Turn(-1); }
-    void Next() { Turn(1); }
-    void Close() { Form()->close(); }
+    void ConnectButtons();
+    void AddKeys(const QList<QKeySequence>& keys, const std::function<void()>& action);
     void Turn(int step);
-    void Load(const QString& file);
+    void TurnTo(int index);
+    void PlayNext();
+    void SetPlaying(bool isPlaying);
+    void Load(const QString& name);
+    void HandleFile(const QString& name, const QString& file);
+    void HandleFailure(const QString& name, const QString& reason);
     void HandlePicture(int generation, const PictureFile& picture);
     void Display();
-    void DisplayPicture(Qt::TransformationMode mode);
+    void DisplayZoom();
     QString ErrorText() const;
 
     SkinnedForm m_form;
     QLabel* m_title;
-    QScrollArea* m_area;
-    QLabel* m_picture;
     QLabel* m_size;
     QLabel* m_position;
+    QLabel* m_zoom;
     QPushButton* m_previous;
+    QPushButton* m_play;
     QPushButton* m_next;
+    QPushButton* m_fit;
     QPushButton* m_actualSize;
-    QStringList m_files; // all pictures of the folder
-    QString m_file;
+    PictureView* m_view;
+    std::shared_ptr<PictureSeries> m_series;
+    QStringList m_names; // of the series
+    QString m_name;      // of the picture that is shown or being loaded
     PictureFile m_shown;
-    QPixmap m_pixmap;
-    QTimer m_settled; // runs while the window is being resized
+    QString m_failure;    // why the series cannot provide the picture
+    QTimer m_nextPicture; // while the series is played
+    QElapsedTimer m_sinceTurn;
+    bool m_isPlaying = false;
     bool m_loading = false;
     int m_generation = 0; // of the file that is being loaded; results for earlier ones are dropped
     QThreadPool m_reader; // last member, because its destructor waits for the reading thread

@@ -1,7 +1,10 @@
 #include "host/services/message_box_service.h"
 #include "host/services/ui_loader_service.h"
 #include "host/ui/configuration_dialog.h"
+#include "host/ui/exr_picture.h"
 #include "host/ui/message_text.h"
+#include "host/ui/picture_series.h"
+#include "host/ui/picture_view.h"
 #include "host/ui/preview_window.h"
 #include "tests/hostui/memory_settings.h"
 #include "tests/support/test_files.h"
@@ -49,13 +52,46 @@ QByteArray Png()
     return png;
 }
 
+/// An OpenEXR file in grey, whose header says that it has this size. It holds one line of white and half as bright.
+QByteArray Exr(int width, int height, int tile = 0)
+{
+    const auto number
+        = [](qint32 value) { return QByteArray(reinterpret_cast<const char*>(&value), sizeof(value)); };
+    const auto attribute = [&](const char* name, const char* type, const QByteArray& value) -> QByteArray {
+        return name + QByteArray(1, '\0') + type + '\0' + number(value.size()) + value;
+    };
+    const QByteArray window = number(0) + number(0) + number(width - 1) + number(height - 1);
+    const QByteArray one = number(0x3f800000);
+    const QByteArray header = QByteArray("\x76\x2f\x31\x01\2\0\0\0", 8)
+        + attribute(
+            "channels", "chlist", QByteArray("Y\0", 2) + number(1) + number(0) + number(1) + number(1) + '\0')
+        + attribute("compression", "compression", QByteArray(1, '\0'))
+        + attribute("dataWindow", "box2i", window) + attribute("displayWindow", "box2i", window)
+        + attribute("lineOrder", "lineOrder", QByteArray(1, '\0'))
+        + attribute("pixelAspectRatio", "float", one)
+        + attribute("screenWindowCenter", "v2f", QByteArray(8, '\0'))
+        + attribute("screenWindowWidth", "float", one)
+        + (tile ? attribute("tiles", "tiledesc", number(tile) + number(tile) + '\0') : QByteArray()) + '\0';
+    return header + number(header.size() + 8) + number(0) + number(0) + number(4)
+        + QByteArray("\0\x3c\0\x38", 4);
+}
+
+const QString damaged = "The picture is damaged."_s;
+const QString tooLarge = "The picture is too large to be shown here."_s;
+
 /// The content of a file, and what is shown instead of a picture.
 const std::tuple<const char*, QByteArray, QString> pictures[] = {
     {"picture", Png(), {}},
-    {"picture cut off", Png().left(60), "The picture is damaged."_s},
+    {"picture cut off", Png().left(60), damaged},
     {"drawing", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>",
         "The file is not a picture that can be shown here."_s},
-    {"too many pixels", "P6\n16384 16384\n255\n", "The picture is too large to be shown here."_s},
+    {"too many pixels", "P6\n16384 16384\n255\n", tooLarge},
+    {"EXR", Exr(2, 1), {}},
+    {"EXR cut off", Exr(2, 1).left(295), damaged},
+    {"EXR without most lines", Exr(2, 16000), damaged},
+    {"EXR too wide", Exr(16385, 1), tooLarge},
+    {"EXR of all the memory", Exr(std::numeric_limits<int>::max(), 16384), tooLarge},
+    {"EXR with a huge tile", Exr(2, 1, std::numeric_limits<int>::max()), tooLarge},
 };
 
 QVariantHash Captions(const QStringList& buttons)
@@ -206,10 +242,15 @@ private slots:
         const QString file = folder.filePath("frame_0001.png"_s);
         QVERIFY(WriteFile(file, content));
         PreviewWindow window(&m_loader);
-        const auto* shown = window.Form()->findChild<QLabel*>("lblPicture"_s);
+        const auto* shown = window.Form()->findChild<PictureView*>();
         window.Open(file);
-        EVENTUALLY(!shown->text().isEmpty() || !shown->pixmap(Qt::ReturnByValue).isNull());
-        QCOMPARE(shown->text(), text);
+        EVENTUALLY(!shown->Text().isEmpty() || !shown->Picture().isNull());
+        if (QByteArray(name).startsWith("EXR") && !ExrPicture::IsSupported())
+            QSKIP("built without OpenEXR");
+        QCOMPARE(shown->Text(), text);
+        if (qstrcmp(name, "EXR") == 0)
+            QCOMPARE(
+                qRed(shown->Picture().pixel(0, 0)) * 1000 + qBlue(shown->Picture().pixel(1, 0)), 255'188);
         QTest::keyClick(window.Form(), Qt::Key_Escape);
         QVERIFY(!window.Form()->isVisible());
     }
@@ -231,6 +272,20 @@ private slots:
         QCOMPARE(shown, QStringList({"c.png"_s, "c.png"_s, "b.png"_s, "a.png"_s, "a.png"_s}));
         QCOMPARE(window.Form()->findChild<QLabel*>("lblPosition"_s)->text(), "1 of 3"_s);
         EVENTUALLY_COMPARE(window.Form()->findChild<QLabel*>("lblSize"_s)->text(), "300 × 200 pixels"_s);
+        QTest::keyClick(window.Form(), Qt::Key_End);
+        QCOMPARE(title->text(), "c.png"_s);
+        const auto* view = window.Form()->findChild<PictureView*>();
+        QTest::keyClick(window.Form(), Qt::Key_1);
+        QCOMPARE(view->Zoom(), 1.0);
+        QTest::keyClick(window.Form(), Qt::Key_Plus);
+        QCOMPARE(view->Zoom(), 1.25);
+        QTest::keyClick(window.Form(), Qt::Key_0);
+        QVERIFY(view->IsFitted());
+        // Playing begins again after the last one.
+        QTest::keyClick(window.Form(), Qt::Key_Space);
+        EVENTUALLY_COMPARE(title->text(), "b.png"_s);
+        QTest::keyClick(window.Form(), Qt::Key_Space);
+        QVERIFY(!window.Form()->findChild<QPushButton*>("btnPlay"_s)->isChecked());
     }
 
 private:

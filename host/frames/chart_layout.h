@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QSize>
+
+#include <vector>
+
+/// A bar of a chart, for one value or for neighbouring ones that share it.
+struct ChartBar
+{
+    int first = 0; ///< index of the first value
+    int count = 1;
+    double value = 0; ///< the largest of its values
+    int x = 0;        ///< pixels from the left
+    int width = 0;    ///< pixels
+    int height = 0;   ///< pixels
+};
+
+struct ChartLayout
+{
+    double top = 1; ///< the value at the upper edge
+    std::vector<ChartBar> bars;
+
+    /// Gives each value a bar in the room, or each group of neighbours when there is not a pixel for each.
+    static ChartLayout Of(const std::vector<double>& values, const QSize& room);
+
+    /// @return the bar at this place; null when there is none.
+    const ChartBar* At(int x) const;
+};
+
+/// @return the smallest of 1, 2 and 5 times a power of ten that is not below the value; 1 for a value that is not positive.
+double RoundTop(double value);

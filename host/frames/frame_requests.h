@@ -1,0 +1,51 @@
+#pragma once
+
+#include "host/farmclient/farm_access.h"
+#include "host/farmclient/http_transport.h"
+#include "host/frames/frames_answer.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <functional>
+#include <memory>
+
+class HttpCall;
+
+/// Asks the farm for frames, their logs and the spending of the account. Each request is tried once, since the window asks
+/// again by itself.
+class FrameRequests : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit FrameRequests(QObject* parent = nullptr);
+
+    /// Ends all requests.
+    void SetAccess(const FarmAccess& access);
+    void Cancel();
+
+    /// Does nothing while an earlier request for frames is under way.
+    void RequestFrames(const QString& job, qint64 since);
+    /// Replaces an earlier request for a log.
+    void RequestLog(const QString& job, int number);
+    void RequestSpending(int days);
+
+signals:
+    void FramesArrived(const FramesAnswer& answer);
+    void LogArrived(int number, const QString& log);
+    void SpendingArrived(const SpendingAnswer& answer);
+    /// @param reason a sentence for the user.
+    void Failed(const QString& reason);
+
+private:
+    using Handler = std::function<void(const QJsonObject& body)>;
+
+    HttpCall* Get(const QString& target, const Handler& handler);
+
+    HttpTransport m_transport;
+    FarmAccess m_access;
+    std::unique_ptr<QObject> m_calls; // owns the requests under way
+    QPointer<HttpCall> m_frames;
+    QPointer<HttpCall> m_log;
+};

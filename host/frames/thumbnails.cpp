@@ -1,0 +1,90 @@
+#include "host/frames/thumbnails.h"
+
+#include "host/frames/job_pictures.h"
+#include "host/ui/picture_file.h"
+
+namespace {
+
+constexpr int MostAtOnce = 3;
+constexpr qint64 MostBytes = 16LL * 1024 * 1024; // of a picture that is fetched for its thumbnail
+
+} // namespace
+
+Thumbnails::Thumbnails(QObject* parent)
+    : QObject(parent)
+{
+    m_reader.setMaxThreadCount(1);
+    connect(this, &Thumbnails::Read, this, &Thumbnails::HandleRead, Qt::QueuedConnection);
+}
+
+void Thumbnails::SetPictures(const std::shared_ptr<JobPictures>& pictures)
+{
+    if (m_pictures)
+        m_pictures->disconnect(this);
+    m_pictures = pictures;
+    ++m_generation;
+    m_reader.clear();
+    m_wanted.clear();
+    m_begun.clear();
+    m_failed.clear();
+    if (!pictures)
+        return;
+    connect(pictures.get(), &JobPictures::Ready, this, &Thumbnails::HandleFile);
+    connect(pictures.get(), &JobPictures::Failed, this, &Thumbnails::Finish);
+}
+
+void Thumbnails::Want(const std::vector<Frame>& frames, const QSize& size)
+{
+    m_size = size;
+    m_wanted.clear();
+    for (auto frame = frames.rbegin(); frame != frames.rend(); ++frame) {
+        if (!frame->file.isEmpty() && frame->size <= MostBytes && !m_failed.contains(frame->file)
+            && !m_begun.contains(frame->file))
+            m_wanted.push_back(*frame);
+    }
+    Proceed();
+}
+
+void Thumbnails::Proceed()
+{
+    while (m_pictures && !m_wanted.empty() && m_begun.size() < MostAtOnce) {
+        const Frame frame = m_wanted.back();
+        m_wanted.pop_back();
+        m_begun.insert(frame.file, frame);
+        m_pictures->Provide(frame.file);
+    }
+}
+
+void Thumbnails::HandleFile(const QString& name, const QString& file)
+{
+    // The preview uses the same pictures.
+    if (!m_begun.contains(name))
+        return;
+    m_reader.start([this, generation = m_generation, name, file, size = m_size] {
+        const QImage picture = PictureFile::Read(file).image;
+        emit Read(generation, name,
+            picture.isNull() ? picture : picture.scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    });
+}
+
+void Thumbnails::HandleRead(int generation, const QString& name, const QImage& thumbnail)
+{
+    if (generation != m_generation || !m_begun.contains(name))
+        return;
+    const int number = m_begun.value(name).number;
+    if (!thumbnail.isNull()) {
+        m_begun.remove(name);
+        emit Made(number, thumbnail);
+        Proceed();
+    } else {
+        Finish(name);
+    }
+}
+
+void Thumbnails::Finish(const QString& name)
+{
+    if (m_begun.remove(name) == 0)
+        return;
+    m_failed.insert(name);
+    Proceed();
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "host/frames/frames_answer.h"
+
+#include <QImage>
+#include <QObject>
+#include <QSet>
+#include <QSize>
+#include <QThreadPool>
+
+#include <memory>
+
+class JobPictures;
+
+/// Makes small pictures of the frames in view, a few at a time.
+class Thumbnails : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Thumbnails(QObject* parent = nullptr);
+
+    /// Begins anew with the pictures of another job.
+    void SetPictures(const std::shared_ptr<JobPictures>& pictures);
+
+    /// Replaces the earlier wishes. @param size at most, in pixels.
+    void Want(const std::vector<Frame>& frames, const QSize& size);
+
+signals:
+    void Made(int number, const QImage& thumbnail);
+    /// Emitted in the reading thread; a null image when the picture cannot be read.
+    void Read(int generation, const QString& name, const QImage& thumbnail);
+
+private:
+    void Proceed();
+    void HandleFile(const QString& name, const QString& file);
+    void HandleRead(int generation, const QString& name, const QImage& thumbnail);
+    void Finish(const QString& name);
+
+    std::shared_ptr<JobPictures> m_pictures;
+    std::vector<Frame> m_wanted;   // not begun; the next one is the last
+    QHash<QString, Frame> m_begun; // by the picture's name
+    QSet<QString> m_failed;        // pictures that are not tried again
+    QSize m_size;
+    int m_generation = 0; // of the job
+    QThreadPool m_reader; // last member, because its destructor waits for the reading thread
+};

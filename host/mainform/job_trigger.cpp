@@ -1,0 +1,44 @@
+#include "host/mainform/job_trigger.h"
+
+#include "host/mainform/main_form.h"
+
+#include <QShortcut>
+#include <QTableWidget>
+
+namespace {
+
+constexpr int IdColumn = 0;
+constexpr int NameColumn = 1;
+
+} // namespace
+
+void JobTrigger::Attach()
+{
+    QTableWidget* table = FindJobTable();
+    if (!table || table == m_table)
+        return;
+    m_table = table;
+    connect(table, &QTableWidget::cellDoubleClicked, this, &JobTrigger::HandleDoubleClick);
+    for (const QKeySequence& key :
+        {QKeySequence(Qt::Key_Return), QKeySequence(Qt::Key_Enter), QKeySequence(Qt::CTRL + Qt::Key_I)}) {
+        const auto* shortcut = new QShortcut(key, table, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
+        connect(shortcut, &QShortcut::activated, this, [this] { Request(m_table->currentRow()); });
+    }
+}
+
+/// The first press of a double click has toggled the row's check box, which is put back.
+void JobTrigger::HandleDoubleClick(int row)
+{
+    if (QTableWidgetItem* item = m_table->item(row, IdColumn))
+        item->setCheckState(item->checkState() == Qt::Checked ? Qt::Unchecked : Qt::Checked);
+    Request(row);
+}
+
+void JobTrigger::Request(int row)
+{
+    const QTableWidgetItem* id = m_table->item(row, IdColumn);
+    const QTableWidgetItem* name = m_table->item(row, NameColumn);
+    if (id && name)
+        emit FramesRequested(
+            id->data(Qt::UserRole).toString(), name->text(), id->text() + QLatin1Char('_') + name->text());
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QWidget>
+
+class QTableWidget;
+
+/// Notices double clicks on jobs in the main form, and the keys Enter and Ctrl+I there. The window leaves showing a job's
+/// frames to the host.
+class JobTrigger : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    /// Watches the table of jobs. Call it whenever the main form is shown, because the form may be a new one.
+    void Attach();
+
+signals:
+    /// @param name as the table shows it.
+    /// @param folder of the job's downloads, below the account's folder.
+    void FramesRequested(const QString& job, const QString& name, const QString& folder);
+
+private:
+    void HandleDoubleClick(int row);
+    void Request(int row);
+
+    QPointer<QTableWidget> m_table;
+};

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "host/ui/picture_file.h"
+
+class QIODevice;
+
+/// Pictures in the OpenEXR format, if the program was built with its library.
+namespace ExrPicture {
+
+bool IsSupported();
+
+/// Whether the device, which keeps its position, begins like an OpenEXR file.
+bool IsExr(QIODevice& device);
+
+/// Reads the colours, or the brightness of a picture without any, as a screen shows them: brighter ones than white become
+/// white. See PictureFile::Read().
+PictureFile Read(QIODevice& device);
+
+} // namespace ExrPicture

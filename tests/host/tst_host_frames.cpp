@@ -1,0 +1,136 @@
+#include "host/frames/chart_layout.h"
+#include "host/frames/chart_view.h"
+#include "host/frames/frames_window.h"
+#include "host/services/ui_loader_service.h"
+#include "host/ui/picture_series.h"
+#include "tests/host/stand_in_server.h"
+#include "tests/support/test_tables.h"
+#include "tests/support/waiting.h"
+
+#include <QtTest>
+#include <QtWidgets>
+
+namespace {
+
+/// The values, the room's width, the value at the upper edge, the number of bars, and the last bar's values.
+const std::tuple<const char*, std::vector<double>, int, double, int, int> charts[] = {
+    {"none", {}, 100, 1, 0, 0},
+    {"only zeros", {0, 0}, 100, 1, 2, 1},
+    {"one", {3}, 100, 5, 1, 1},
+    {"a round one", {0.2, 0.1}, 100, 0.2, 2, 1},
+    {"as many as pixels", std::vector<double>(100, 7), 100, 10, 100, 1},
+    {"more than pixels", std::vector<double>(101, 7), 100, 10, 51, 1},
+    {"20,000", std::vector<double>(20000, 1200), 300, 2000, 299, 34},
+    {"no room", {1, 2}, 0, 1, 0, 0},
+};
+
+const QByteArray first
+    = "{'job': {'job_status': 1, 'job_cost': '0.30', 'job_cost_unit': 'RMB'}, 'message': '', "
+      "'time': 50, 'total': 4, 'rendering': [[3, 7]], 'frames': ["
+      "[1, 2, 1, 2400, 24000, 'frame_0001.png', SIZE], [2, 0, 1, 0, 0, '', 0], "
+      "[3, 0, 0, 0, 0, '', 0], [4, 2, 1, 1200, 12000, '../x', 9], [4], 'rubbish', [1, 0]]}";
+const QByteArray second = "{'job': {'job_status': 7}, 'message': 'no lamp\\nat all', 'time': 60, 'total': 4, "
+                          "'rendering': [], 'frames': [[2, 3, 3, 0, 0, '', 0]]}";
+
+QByteArray Png()
+{
+    QByteArray png;
+    QBuffer buffer(&png);
+    QImage(300, 200, QImage::Format_RGB32).save(&buffer, "PNG");
+    return png;
+}
+
+} // namespace
+
+/// The window of a job's frames.
+class FramesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void LaysChartsOut_data() { AddRows(charts); }
+    void LaysChartsOut()
+    {
+        const auto& [name, values, width, top, bars, inLast] = Row(charts);
+        const ChartLayout layout = ChartLayout::Of(values, {width, 80});
+        QCOMPARE(layout.top, top);
+        QCOMPARE(int(layout.bars.size()), bars);
+        QCOMPARE(layout.At(width + 1), nullptr);
+        for (const ChartBar& bar : layout.bars) {
+            QVERIFY(bar.width > 0 && bar.height <= 80 && bar.x + bar.width <= width);
+            QCOMPARE(layout.At(bar.x), &bar);
+        }
+        QCOMPARE(bars ? layout.bars.back().count : 0, inLast);
+        QVERIFY(bars == 0 || layout.bars.back().first + inLast == int(values.size()));
+    }
+
+    void FollowsAJob()
+    {
+        const QByteArray png = Png();
+        StandInServer server;
+        server.SetReplies({StandInServer::Data("{'log': 'all is well'}")});
+        server.SetReplyTo("/frames?since=0 ",
+            StandInServer::Data(QByteArray(first).replace("SIZE", QByteArray::number(png.size()))));
+        server.SetReplyTo("/frames?since=50 ", StandInServer::Data(second));
+        server.SetReplyTo("/files/", StandInServer::Http(200, png));
+        server.SetReplyTo("/spending",
+            StandInServer::Data("{'currency': 'RMB', 'days': [{'day': 'd', 'amount': '2.50'}]}"));
+        const QTemporaryDir folder;
+        UiLoaderService loader {nullptr};
+        FramesWindow window(&loader);
+        const auto text = [&](const char* label) {
+            return window.Form()->findChild<QLabel*>(QLatin1String(label))->text();
+        };
+        auto* table = window.Form()->findChild<QTableView*>();
+        const auto cells = [&](int row) {
+            QStringList texts;
+            for (int column = 0; column < FrameModel::ColumnCount; ++column)
+                texts.append(table->model()->index(row, column).data().toString());
+            return texts.join(QLatin1Char('|'));
+        };
+        window.SetAccess({FarmApiRoot(server.Url()), "t"_s, "owner"_s, folder.path()});
+        window.Open("j1"_s, "shot"_s, "1_shot"_s);
+        EVENTUALLY_COMPARE(text("lblSummary"),
+            "Running · 2 of 4 frames finished · 1 being rendered · 1.8 s a frame · 0.30 RMB"_s);
+        QCOMPARE(cells(0), "1|Finished|2.4 s|0.0240|1"_s);
+        QCOMPARE(cells(2), "3|Rendering|7.0 s||"_s);
+        EVENTUALLY_COMPARE(window.Form()->findChild<QPlainTextEdit*>()->toPlainText(), "all is well"_s);
+        EVENTUALLY(!table->model()->index(0, 0).data(Qt::DecorationRole).isNull());
+        // A picture whose name leads elsewhere is none.
+        QCOMPARE(window.Form()->findChild<ChartView*>()->accessibleDescription(),
+            "2 finished frames took 1.8 s each on average, and at most 2.4 s."_s);
+        std::shared_ptr<PictureSeries> series;
+        int previews = 0;
+        connect(&window, &FramesWindow::PreviewRequested, this, [&](const auto& pictures) {
+            series = pictures;
+            ++previews;
+        });
+        for (const int row : {3, 0}) {
+            table->selectRow(row);
+            emit table->doubleClicked(table->model()->index(row, 0));
+        }
+        QCOMPARE(previews, 1);
+        QCOMPARE(series->Names(), QStringList("frame_0001.png"_s));
+        QSignalSpy ready(series.get(), &PictureSeries::Ready);
+        QSignalSpy failed(series.get(), &PictureSeries::Failed);
+        series->Provide("frame_0001.png"_s);
+        series->Provide("frame_0002.png"_s);
+        EVENTUALLY_COMPARE(ready.count() * 10 + failed.count(), 11);
+        QVERIFY(!QImage(ready.at(0).at(1).toString()).isNull());
+        // The next answer holds only what has changed.
+        EVENTUALLY_COMPARE(text("lblTrouble"), "The job has failed: no lamp"_s);
+        QCOMPARE(cells(1), "2|Failed|||3"_s);
+        QCOMPARE(cells(2), "3|Waiting|||"_s);
+        QVERIFY(!table->model()->index(0, 0).data(Qt::DecorationRole).isNull());
+        window.Form()->findChild<QPushButton*>("btnSpending"_s)->click();
+        EVENTUALLY_COMPARE(window.Form()->findChild<ChartView*>()->accessibleDescription(),
+            "2.50 RMB in the last 1 days."_s);
+        server.Refuse();
+        EVENTUALLY(text("lblTrouble").startsWith("The server cannot be reached"_s));
+        window.SetAccess({});
+        QVERIFY(!window.Form()->isVisible());
+    }
+};
+
+QTEST_MAIN(FramesTest)
+#include "tst_host_frames.moc"
