@@ -18,10 +18,13 @@ QString CutText(const QHeaderView* header, const QPoint& place)
     return header->model()->headerData(column, header->orientation()).toString();
 }
 
-/// @return the text of a cell that is cut off; empty for others and for cells that have tool tips of their own.
+/// @return the text of a cell that is cut off; empty for others, for cells that have tool tips of their own, and for columns
+/// whose delegates show other texts.
 QString CutText(const QTableView* table, const QPoint& place)
 {
     const QModelIndex index = table->indexAt(place);
+    if (index.isValid() && table->itemDelegateForColumn(index.column()))
+        return {};
     const bool isCut
         = index.isValid() && table->sizeHintForIndex(index).width() > table->columnWidth(index.column());
     return isCut && index.data(Qt::ToolTipRole).toString().isEmpty() ? index.data().toString() : QString();

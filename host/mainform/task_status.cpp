@@ -2,7 +2,9 @@
 
 #include "host/mainform/main_form.h"
 
+#include <QHelpEvent>
 #include <QTableWidget>
+#include <QToolTip>
 
 #include <utility>
 
@@ -22,6 +24,17 @@ void TaskStatus::BeginSession()
 {
     if (QTableWidget* table = FindTable(QStringLiteral("twtLocalTask")))
         table->setItemDelegateForColumn(StatusColumn, this);
+}
+
+bool TaskStatus::helpEvent(
+    QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option, const QModelIndex& index)
+{
+    if (event->type() != QEvent::ToolTip || sizeHint(option, index).width() <= option.rect.width())
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    QStyleOptionViewItem shown(option);
+    initStyleOption(&shown, index);
+    QToolTip::showText(event->globalPos(), PlainToolTip(shown.text), view);
+    return true;
 }
 
 void TaskStatus::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const

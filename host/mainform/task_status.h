@@ -18,6 +18,10 @@ public:
     /// Takes the column over. Call it whenever the main form is shown for a new session, because it may be a new one.
     void BeginSession();
 
+    /// Shows the whole text as a tool tip where the column is too narrow for it.
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+        const QModelIndex& index) override;
+
 protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
 

@@ -232,6 +232,14 @@ private slots:
         status.BeginSession();
         QVERIFY(table->sizeHintForIndex(table->model()->index(0, 2)).width() > width + 50);
         QCOMPARE(table->item(0, 2)->text(), "a"_s);
+
+        table->setColumnWidth(2, 40);
+        CellTips cellTips;
+        cellTips.BeginSession();
+        const QPoint place = table->visualItemRect(table->item(0, 2)).center();
+        QHelpEvent help(QEvent::ToolTip, place, table->viewport()->mapToGlobal(place));
+        QCoreApplication::sendEvent(table->viewport(), &help);
+        QCOMPARE(QToolTip::text(), "a.1 is missing a texture"_s);
     }
 
     void LeavesNoCheckMarkBehind()
