@@ -11,6 +11,7 @@
 #include <QPixmap>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTableView>
 #include <QTableWidget>
 #include <QTabWidget>
 
@@ -69,6 +70,7 @@ ScreenshotTour::ScreenshotTour(const QString& folder, ClientHost* host)
     PlanSubmission();
     PlanDownload();
     PlanTab(0, {});
+    PlanFrames();
     PlanConnection();
     PlanDialog(QStringLiteral("btnSearchJob"), QStringLiteral("search"));
     PlanParents();
@@ -189,6 +191,29 @@ void ScreenshotTour::PlanParents()
             return form && form->findChild<QTableWidget*>(QStringLiteral("twtJobList"))->rowCount() > 0;
         },
         [] {}});
+}
+
+/// Opens the frames of the running job as a double click on its row does.
+void ScreenshotTour::PlanFrames()
+{
+    const auto frames = [] {
+        const QWidget* form = FindForm(QStringLiteral("tbvFrames"));
+        return form ? form->findChild<QTableView*>(QStringLiteral("tbvFrames")) : nullptr;
+    };
+    m_steps.push_back({QStringLiteral("the running job"), Always, [this] {
+                           QTableWidget* jobs = FindJobTable();
+                           for (int row = 0; row < jobs->rowCount(); ++row) {
+                               if (m_order.contains(jobs->item(row, 0)->data(Qt::UserRole).toString()))
+                                   emit jobs->cellDoubleClicked(row, 1);
+                           }
+                       }});
+    m_steps.push_back({QStringLiteral("the frames of a job"),
+        [frames] { return frames() && frames()->isVisible() && frames()->model()->rowCount() > 0; },
+        [frames] { frames()->selectRow(0); }});
+    m_steps.push_back({QStringLiteral("the frames of a job"), Always, [this, frames] {
+                           Save(frames()->window(), QStringLiteral("frames"));
+                           frames()->window()->close();
+                       }});
 }
 
 /// Opens the list of failures as a click on the strip in the title bar does.

@@ -39,6 +39,7 @@ private:
     void PlanSubmission();
     void PlanDownload();
     void PlanParents();
+    void PlanFrames();
     void PlanConnection();
     void PlanDialog(const QString& childName, const QString& name);
     void PlanModal(const QString& name, const std::function<void()>& open);
