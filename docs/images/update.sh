@@ -24,6 +24,7 @@ keep() {
 take default en
 keep default my-render client
 keep default sign-in sign-in
+keep default frames frames
 keep default preview preview 48
 keep default configuration settings
 take dark zh
