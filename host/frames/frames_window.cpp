@@ -96,7 +96,10 @@ void FramesWindow::ConnectButtons()
 {
     connect(m_form.Find<QPushButton>("btnClose"), &QPushButton::clicked, Form(), &QWidget::close);
     connect(m_openPicture, &QPushButton::clicked, this, &FramesWindow::OpenPicture);
-    connect(m_times, &QPushButton::toggled, this, &FramesWindow::DisplayChart);
+    connect(m_times, &QPushButton::toggled, this, [this] {
+        DisplayChart();
+        Refresh();
+    });
     connect(m_chart, &ChartView::Clicked, this, [this](int index) {
         if (m_times->isChecked())
             Select(index);
@@ -304,8 +307,6 @@ void FramesWindow::DisplayChart()
 {
     if (m_times->isChecked())
         DisplayTimes();
-    else if (m_spending.days.empty())
-        Refresh();
     else
         DisplaySpending();
 }

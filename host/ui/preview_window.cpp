@@ -93,8 +93,11 @@ void PreviewWindow::Open(const QString& file)
 
 void PreviewWindow::Open(const std::shared_ptr<PictureSeries>& series, const QString& name)
 {
-    Clear();
+    SetPlaying(false);
+    if (m_series)
+        m_series->disconnect(this);
     m_series = series;
+    m_view->SetText({});
     connect(series.get(), &PictureSeries::Ready, this, &PreviewWindow::HandleFile);
     connect(series.get(), &PictureSeries::Failed, this, &PreviewWindow::HandleFailure);
     m_names = series->Names();
@@ -103,17 +106,6 @@ void PreviewWindow::Open(const std::shared_ptr<PictureSeries>& series, const QSt
     Form()->show();
     Form()->raise();
     Form()->activateWindow();
-}
-
-void PreviewWindow::Clear()
-{
-    SetPlaying(false);
-    Form()->close();
-    if (m_series)
-        m_series->disconnect(this);
-    m_series.reset();
-    ++m_generation;
-    m_view->SetText({});
 }
 
 void PreviewWindow::Turn(int step)

@@ -35,9 +35,6 @@ public:
     /// @param name of a picture of the series.
     void Open(const std::shared_ptr<PictureSeries>& series, const QString& name);
 
-    /// Closes the window and forgets the pictures.
-    void Clear();
-
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 signals:
