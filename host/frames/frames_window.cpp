@@ -199,10 +199,10 @@ void FramesWindow::HandleLog(int number, const QString& log)
         return;
     m_shown = frame;
     m_hasLog = true;
-    // The reader keeps the place while the same log is asked for again.
-    if (m_log->toPlainText() != log)
-        m_log->setPlainText(log);
     DisplayFrame();
+    // The reader keeps the place while the same log is asked for again. Qt shows the placeholder once a text was set.
+    if (log.isEmpty() || m_log->toPlainText() != log)
+        m_log->setPlainText(log);
 }
 
 void FramesWindow::HandleFailure(const QString& reason)
