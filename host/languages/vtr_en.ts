@@ -878,6 +878,10 @@
         <source>Close</source>
         <translation>Close</translation>
     </message>
+    <message>
+        <source>Details</source>
+        <translation>Details</translation>
+    </message>
 </context>
 <context>
     <name>MessageBoxService</name>
@@ -1151,6 +1155,70 @@
         <source>Check or uncheck all rows of this page</source>
         <translation>Check or uncheck all rows of this page</translation>
     </message>
+    <message>
+        <source>Groups</source>
+        <translation>Groups</translation>
+    </message>
+    <message>
+        <source>Messages</source>
+        <translation>Messages</translation>
+    </message>
+    <message>
+        <source>Skin</source>
+        <translation>Skin</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Language</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Settings</translation>
+    </message>
+    <message>
+        <source>Minimize to the tray</source>
+        <translation>Minimize to the tray</translation>
+    </message>
+    <message>
+        <source>Maximize</source>
+        <translation>Maximize</translation>
+    </message>
+    <message>
+        <source>Restore</source>
+        <translation>Restore</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Quit</translation>
+    </message>
+    <message>
+        <source>Farm jobs</source>
+        <translation>Farm jobs</translation>
+    </message>
+    <message>
+        <source>Local tasks</source>
+        <translation>Local tasks</translation>
+    </message>
+    <message>
+        <source>Downloads</source>
+        <translation>Downloads</translation>
+    </message>
+    <message>
+        <source>Next page</source>
+        <translation>Next page</translation>
+    </message>
+    <message>
+        <source>Next five pages</source>
+        <translation>Next five pages</translation>
+    </message>
+    <message>
+        <source>Previous five pages</source>
+        <translation>Previous five pages</translation>
+    </message>
+    <message>
+        <source>Previous page</source>
+        <translation>Previous page</translation>
+    </message>
 </context>
 <context>
     <name>SceneIntake</name>
@@ -1188,6 +1256,22 @@
     <message>
         <source>Close</source>
         <translation>Close</translation>
+    </message>
+    <message>
+        <source>Earliest start time</source>
+        <translation>Earliest start time</translation>
+    </message>
+    <message>
+        <source>Latest start time</source>
+        <translation>Latest start time</translation>
+    </message>
+    <message>
+        <source>Earliest end time</source>
+        <translation>Earliest end time</translation>
+    </message>
+    <message>
+        <source>Latest end time</source>
+        <translation>Latest end time</translation>
     </message>
 </context>
 <context>
@@ -1247,6 +1331,142 @@
         <source>First and last frame of each group</source>
         <translation>First and last frame of each group</translation>
     </message>
+    <message>
+        <source>Number of frame ranges</source>
+        <translation>Number of frame ranges</translation>
+    </message>
+    <message>
+        <source>First frame of range 1</source>
+        <translation>First frame of range 1</translation>
+    </message>
+    <message>
+        <source>Last frame of range 1</source>
+        <translation>Last frame of range 1</translation>
+    </message>
+    <message>
+        <source>First frame of range 2</source>
+        <translation>First frame of range 2</translation>
+    </message>
+    <message>
+        <source>Last frame of range 2</source>
+        <translation>Last frame of range 2</translation>
+    </message>
+    <message>
+        <source>First frame of range 3</source>
+        <translation>First frame of range 3</translation>
+    </message>
+    <message>
+        <source>Last frame of range 3</source>
+        <translation>Last frame of range 3</translation>
+    </message>
+    <message>
+        <source>First frame of range 4</source>
+        <translation>First frame of range 4</translation>
+    </message>
+    <message>
+        <source>Last frame of range 4</source>
+        <translation>Last frame of range 4</translation>
+    </message>
+    <message>
+        <source>First frame of range 5</source>
+        <translation>First frame of range 5</translation>
+    </message>
+    <message>
+        <source>Last frame of range 5</source>
+        <translation>Last frame of range 5</translation>
+    </message>
+    <message>
+        <source>First frame of range 6</source>
+        <translation>First frame of range 6</translation>
+    </message>
+    <message>
+        <source>Last frame of range 6</source>
+        <translation>Last frame of range 6</translation>
+    </message>
+    <message>
+        <source>First frame of range 7</source>
+        <translation>First frame of range 7</translation>
+    </message>
+    <message>
+        <source>Last frame of range 7</source>
+        <translation>Last frame of range 7</translation>
+    </message>
+    <message>
+        <source>First frame of range 8</source>
+        <translation>First frame of range 8</translation>
+    </message>
+    <message>
+        <source>Last frame of range 8</source>
+        <translation>Last frame of range 8</translation>
+    </message>
+    <message>
+        <source>First frame of range 9</source>
+        <translation>First frame of range 9</translation>
+    </message>
+    <message>
+        <source>Last frame of range 9</source>
+        <translation>Last frame of range 9</translation>
+    </message>
+    <message>
+        <source>First frame of range 10</source>
+        <translation>First frame of range 10</translation>
+    </message>
+    <message>
+        <source>Last frame of range 10</source>
+        <translation>Last frame of range 10</translation>
+    </message>
+    <message>
+        <source>First frame of range 11</source>
+        <translation>First frame of range 11</translation>
+    </message>
+    <message>
+        <source>Last frame of range 11</source>
+        <translation>Last frame of range 11</translation>
+    </message>
+    <message>
+        <source>First frame of range 12</source>
+        <translation>First frame of range 12</translation>
+    </message>
+    <message>
+        <source>Last frame of range 12</source>
+        <translation>Last frame of range 12</translation>
+    </message>
+    <message>
+        <source>First frame of range 13</source>
+        <translation>First frame of range 13</translation>
+    </message>
+    <message>
+        <source>Last frame of range 13</source>
+        <translation>Last frame of range 13</translation>
+    </message>
+    <message>
+        <source>First frame of range 14</source>
+        <translation>First frame of range 14</translation>
+    </message>
+    <message>
+        <source>Last frame of range 14</source>
+        <translation>Last frame of range 14</translation>
+    </message>
+    <message>
+        <source>First frame of range 15</source>
+        <translation>First frame of range 15</translation>
+    </message>
+    <message>
+        <source>Last frame of range 15</source>
+        <translation>Last frame of range 15</translation>
+    </message>
+    <message>
+        <source>Image width</source>
+        <translation>Image width</translation>
+    </message>
+    <message>
+        <source>Image height</source>
+        <translation>Image height</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
 </context>
 <context>
     <name>SetParentForm</name>
@@ -1261,6 +1481,14 @@
     <message>
         <source>The chosen jobs wait until every job checked here has finished.</source>
         <translation>The chosen jobs wait until every job checked here has finished.</translation>
+    </message>
+    <message>
+        <source>Jobs to wait for</source>
+        <translation>Jobs to wait for</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
     </message>
 </context>
 <context>

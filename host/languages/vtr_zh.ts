@@ -878,6 +878,10 @@
         <source>Close</source>
         <translation>关闭</translation>
     </message>
+    <message>
+        <source>Details</source>
+        <translation>详细信息</translation>
+    </message>
 </context>
 <context>
     <name>MessageBoxService</name>
@@ -1151,6 +1155,70 @@
         <source>Check or uncheck all rows of this page</source>
         <translation>勾选或取消勾选本页所有行</translation>
     </message>
+    <message>
+        <source>Groups</source>
+        <translation>分组</translation>
+    </message>
+    <message>
+        <source>Messages</source>
+        <translation>消息</translation>
+    </message>
+    <message>
+        <source>Skin</source>
+        <translation>皮肤</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>语言</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>设置</translation>
+    </message>
+    <message>
+        <source>Minimize to the tray</source>
+        <translation>最小化到托盘</translation>
+    </message>
+    <message>
+        <source>Maximize</source>
+        <translation>最大化</translation>
+    </message>
+    <message>
+        <source>Restore</source>
+        <translation>还原</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>退出</translation>
+    </message>
+    <message>
+        <source>Farm jobs</source>
+        <translation>农场作业</translation>
+    </message>
+    <message>
+        <source>Local tasks</source>
+        <translation>本地任务</translation>
+    </message>
+    <message>
+        <source>Downloads</source>
+        <translation>下载</translation>
+    </message>
+    <message>
+        <source>Next page</source>
+        <translation>下一页</translation>
+    </message>
+    <message>
+        <source>Next five pages</source>
+        <translation>后五页</translation>
+    </message>
+    <message>
+        <source>Previous five pages</source>
+        <translation>前五页</translation>
+    </message>
+    <message>
+        <source>Previous page</source>
+        <translation>上一页</translation>
+    </message>
 </context>
 <context>
     <name>SceneIntake</name>
@@ -1188,6 +1256,22 @@
     <message>
         <source>Close</source>
         <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Earliest start time</source>
+        <translation>最早开始时间</translation>
+    </message>
+    <message>
+        <source>Latest start time</source>
+        <translation>最晚开始时间</translation>
+    </message>
+    <message>
+        <source>Earliest end time</source>
+        <translation>最早结束时间</translation>
+    </message>
+    <message>
+        <source>Latest end time</source>
+        <translation>最晚结束时间</translation>
     </message>
 </context>
 <context>
@@ -1247,6 +1331,142 @@
         <source>First and last frame of each group</source>
         <translation>每组的起始帧和结束帧</translation>
     </message>
+    <message>
+        <source>Number of frame ranges</source>
+        <translation>帧范围数</translation>
+    </message>
+    <message>
+        <source>First frame of range 1</source>
+        <translation>第 1 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 1</source>
+        <translation>第 1 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>First frame of range 2</source>
+        <translation>第 2 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 2</source>
+        <translation>第 2 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>First frame of range 3</source>
+        <translation>第 3 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 3</source>
+        <translation>第 3 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>First frame of range 4</source>
+        <translation>第 4 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 4</source>
+        <translation>第 4 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>First frame of range 5</source>
+        <translation>第 5 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 5</source>
+        <translation>第 5 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>First frame of range 6</source>
+        <translation>第 6 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 6</source>
+        <translation>第 6 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>First frame of range 7</source>
+        <translation>第 7 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 7</source>
+        <translation>第 7 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>First frame of range 8</source>
+        <translation>第 8 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 8</source>
+        <translation>第 8 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>First frame of range 9</source>
+        <translation>第 9 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 9</source>
+        <translation>第 9 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>First frame of range 10</source>
+        <translation>第 10 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 10</source>
+        <translation>第 10 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>First frame of range 11</source>
+        <translation>第 11 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 11</source>
+        <translation>第 11 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>First frame of range 12</source>
+        <translation>第 12 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 12</source>
+        <translation>第 12 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>First frame of range 13</source>
+        <translation>第 13 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 13</source>
+        <translation>第 13 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>First frame of range 14</source>
+        <translation>第 14 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 14</source>
+        <translation>第 14 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>First frame of range 15</source>
+        <translation>第 15 个范围的首帧</translation>
+    </message>
+    <message>
+        <source>Last frame of range 15</source>
+        <translation>第 15 个范围的末帧</translation>
+    </message>
+    <message>
+        <source>Image width</source>
+        <translation>图像宽度</translation>
+    </message>
+    <message>
+        <source>Image height</source>
+        <translation>图像高度</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
 </context>
 <context>
     <name>SetParentForm</name>
@@ -1261,6 +1481,14 @@
     <message>
         <source>The chosen jobs wait until every job checked here has finished.</source>
         <translation>所选作业将等待此处勾选的作业全部完成后再开始。</translation>
+    </message>
+    <message>
+        <source>Jobs to wait for</source>
+        <translation>要等待的作业</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
     </message>
 </context>
 <context>

@@ -3,6 +3,8 @@
 #include "host/settings/setting_keys.h"
 #include "host/ui/frameless_window.h"
 #include "host/ui/languages.h"
+#include "host/ui/level_widget.h"
+#include "host/ui/progress_cells.h"
 #include "host/ui/side_column.h"
 #include "host/ui/skins.h"
 #include "host/ui/window_place.h"
@@ -15,6 +17,7 @@
 #include <QFile>
 #include <QPushButton>
 #include <QStyledItemDelegate>
+#include <QTableWidget>
 #include <QTextCharFormat>
 #include <QUiLoader>
 
@@ -44,6 +47,21 @@ void PreparePopups(const QWidget* form)
         calendar->setWeekdayTextFormat(Qt::Saturday, {});
         calendar->setWeekdayTextFormat(Qt::Sunday, {});
         calendar->setMinimumSize(CalendarSize);
+    }
+}
+
+/// Adds what a form file cannot say.
+void PrepareForm(QWidget* form)
+{
+    PreparePopups(form);
+    const auto tables = form->findChildren<QTableWidget*>();
+    for (QTableWidget* table : tables)
+        new ProgressCells(table);
+    const auto buttons = form->findChildren<QPushButton*>();
+    for (QPushButton* button : buttons) {
+        const QString leader = button->property("levelWith").toString();
+        if (!leader.isEmpty())
+            new LevelWidget(button, form->findChild<QWidget*>(leader));
     }
 }
 
@@ -90,7 +108,7 @@ QWidget* UiLoaderService::LoadUi(const QString& key, QWidget* parent)
     loader.setLanguageChangeEnabled(true);
     QWidget* form = loader.load(&file, parent);
     if (form)
-        PreparePopups(form);
+        PrepareForm(form);
     if (form && !parent) {
         new FramelessWindow(form, key == MainFormKey ? FramelessWindow::Main : FramelessWindow::Dialog);
         GiveMenu(form, "btnSkin", "meuSkin");

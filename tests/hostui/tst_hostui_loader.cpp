@@ -38,6 +38,28 @@ QStringList CheckedTexts(const QMenu* menu)
     return texts;
 }
 
+/// What a screen reader says about the controls of a form that need a name.
+void ReadAloud(QAccessibleInterface* part, QMap<QString, QString>* names)
+{
+    constexpr QAccessible::Role controls[] = {QAccessible::PushButton, QAccessible::ButtonMenu,
+        QAccessible::CheckBox, QAccessible::EditableText, QAccessible::ComboBox, QAccessible::SpinBox,
+        QAccessible::Table, QAccessible::Tree, QAccessible::List, QAccessible::PageTab};
+    if (std::count(std::begin(controls), std::end(controls), part->role()) > 0)
+        names->insert(part->object() ? part->object()->objectName() : part->text(QAccessible::Name),
+            part->text(QAccessible::Name));
+    if (part->role() == QAccessible::ComboBox || part->tableInterface())
+        return;
+    for (int i = 0; i < part->childCount(); ++i)
+        ReadAloud(part->child(i), names);
+}
+
+QMap<QString, QString> ReadAloud(QWidget* form)
+{
+    QMap<QString, QString> names;
+    ReadAloud(QAccessible::queryAccessibleInterface(form), &names);
+    return names;
+}
+
 } // namespace
 
 /// Forms, skins, languages and menus of the host; the test has installed one more skin and language.
@@ -150,6 +172,62 @@ private slots:
         m_loader->OpenWindow("com.vtr.qsclient"_s);   // never registered
         QCOMPARE(announced.size(), 3);
         QCOMPARE(announced[2][0].toString(), "com.vtr.qsclient"_s);
+    }
+
+    void NamesEveryControlInTheCurrentLanguage()
+    {
+        const QStringList forms = QDir(":/forms"_s).entryList(QDir::Files);
+        QVERIFY(forms.size() > 8);
+        for (const QString& file : forms) {
+            m_loader->SetLanguage(m_loader->GetLanguages().at(1));
+            const std::unique_ptr<QWidget> form(m_loader->LoadUi(file.chopped(3), nullptr));
+            const QMap<QString, QString> names = ReadAloud(form.get());
+            QVERIFY2(!names.isEmpty(), qPrintable(file));
+            for (auto it = names.cbegin(); it != names.cend(); ++it)
+                QVERIFY2(!it->isEmpty(), qPrintable(file + ": "_s + it.key()));
+
+            m_loader->SetLanguage(m_loader->GetLanguages().constLast());
+            QCoreApplication::sendPostedEvents();
+            const QMap<QString, QString> translated = ReadAloud(form.get());
+            for (const QWidget* child : form->findChildren<QWidget*>()) {
+                const QString name = child->objectName();
+                if (!child->accessibleName().isEmpty())
+                    QVERIFY2(translated.value(name) != names.value(name), qPrintable(file + ": "_s + name));
+            }
+        }
+    }
+
+    void WalksThroughDialogsInReadingOrder()
+    {
+        for (const char* key :
+            {"configuration", "connection", "inputdialog", "search", "setargument", "setparent"}) {
+            const std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr."_s + QLatin1String(key), nullptr));
+            form->show();
+            QVector<std::pair<int, int>> places;
+            for (QWidget* next = form->nextInFocusChain(); next != form.get();
+                 next = next->nextInFocusChain()) {
+                const QPoint place = next->mapTo(form.get(), next->rect().center());
+                if ((next->focusPolicy() & Qt::TabFocus) && next->isVisible() && !next->focusProxy())
+                    places.append({place.y(), place.x()});
+            }
+            QVERIFY2(places.size() > 1 && std::is_sorted(places.cbegin(), places.cend()), key);
+        }
+    }
+
+    void ReadsProgressCells()
+    {
+        const std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr.qsclient"_s, nullptr));
+        auto* table = form->findChild<QTableWidget*>("twtMyRender"_s);
+        table->setRowCount(1);
+        QAccessible::setActive(true);
+        table->setRowCount(2);
+        auto* cells = QAccessible::queryAccessibleInterface(table)->tableInterface();
+        for (int row = 0; row < 2; ++row) {
+            auto* bar = new QProgressBar;
+            table->setCellWidget(row, 3, bar);
+            bar->setValue(42 + row);
+            QCOMPARE(cells->cellAt(row, 3)->text(QAccessible::Name), "%1%"_s.arg(42 + row));
+        }
     }
 
     void ShipsWholeSkins()
