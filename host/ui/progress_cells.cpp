@@ -1,14 +1,11 @@
 #include "host/ui/progress_cells.h"
 
-#include "common/vtr_columns.h"
-
 #include <QProgressBar>
 #include <QTableWidget>
 
 namespace {
 
-constexpr int Column = VTJobColumn::Progress;
-static_assert(Column == int(VTTaskColumn::Progress) && Column == int(VTDownloadColumn::Progress));
+constexpr int Column = 3; // of the bars, in every table of the forms
 
 /// Reads the bar whenever it is asked, so that nothing needs to follow the bar's value.
 class ProgressItem : public QTableWidgetItem

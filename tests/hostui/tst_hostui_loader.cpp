@@ -191,7 +191,8 @@ private slots:
             const QMap<QString, QString> translated = ReadAloud(form.get());
             for (const QWidget* child : form->findChildren<QWidget*>()) {
                 const QString name = child->objectName();
-                if (!child->accessibleName().isEmpty())
+                if (!child->accessibleName().isEmpty()
+                    && !qobject_cast<const QToolButton*>(child)) // Qt's own
                     QVERIFY2(translated.value(name) != names.value(name), qPrintable(file + ": "_s + name));
             }
         }

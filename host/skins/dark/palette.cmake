@@ -1,11 +1,13 @@
 # Colours of the dark skin: neutral greys, which do not compete with the rendered pictures, and one blue for actions. Text
-# has a contrast of at least 4.5:1 to its background, disabled text and icons of 3:1; a test checks this.
+# has a contrast of at least 4.5:1 to its background; icons, borders of controls and disabled text have 3:1. A test checks
+# this.
 set(window "#1a1c20")        # behind everything
 set(surface "#24272c")       # cards, tables, dialogs
 set(surface_alt "#282b31")   # every second row, table headers
 set(field "#1d2024")         # input fields and check boxes
 set(line "#363a42")          # hairlines and borders of cards
-set(outline "#525964")       # borders of fields and buttons
+set(outline "#525964")      # edges of windows, of menus and of other lists
+set(control_line "#757d8b") # borders of fields and buttons, which users have to find
 set(hover "#30343c")
 set(pressed "#3b404a")
 set(selection "#2d3c62")
@@ -22,7 +24,8 @@ set(accent_hover "#3a5cce")
 set(accent_pressed "#304fb8")
 set(accent_off "#2c3344")
 set(accent_text "#8ba5ff")   # the accent for text, lines and icons
-set(accent_strong "#c2d0ff") # the same on a selection, or as a border of accent
+set(accent_strong "#c2d0ff") # the same on a selection
+set(focus_on_accent "#ffffff") # border, where the accent is the background
 set(on_accent "#ffffff")
 set(on_accent_off "#7d88ab")
 

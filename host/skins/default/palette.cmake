@@ -1,11 +1,12 @@
-# Colours of the light skin. Text has a contrast of at least 4.5:1 to its background, disabled text and icons of 3:1; a
-# test checks this.
+# Colours of the light skin. Text has a contrast of at least 4.5:1 to its background; icons, borders of
+# controls and disabled text have 3:1. A test checks this.
 set(window "#f3f5fa")        # behind everything
 set(surface "#ffffff")       # cards, tables, dialogs
 set(surface_alt "#f8f9fc")   # every second row, table headers
 set(field "#ffffff")         # input fields and check boxes
 set(line "#dde2ec")          # hairlines and borders of cards
-set(outline "#b9c1d1")       # borders of fields and buttons
+set(outline "#b9c1d1")      # edges of windows, of menus and of other lists
+set(control_line "#808a9e") # borders of fields and buttons, which users have to find
 set(hover "#edf1fb")
 set(pressed "#dbe3f7")
 set(selection "#e3eafc")
@@ -22,7 +23,8 @@ set(accent_hover "#2b47b8")
 set(accent_pressed "#233a99")
 set(accent_off "#dde4f9")
 set(accent_text "#3454d1")   # the accent for text, lines and icons
-set(accent_strong "#233a99") # the same on a selection, or as a border of accent
+set(accent_strong "#233a99") # the same on a selection
+set(focus_on_accent "#05080f") # border, where the accent is the background
 set(on_accent "#ffffff")
 set(on_accent_off "#7581ad")
 
