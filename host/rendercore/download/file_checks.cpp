@@ -21,6 +21,7 @@ void FileChecks::Add(const DownloadTasks& tasks)
 void FileChecks::Clear()
 {
     m_hashing.reset();
+    m_file.close();
     m_tasks.clear();
 }
 
@@ -29,7 +30,6 @@ void FileChecks::CheckNext()
     if (m_tasks.empty())
         return;
     const DownloadTask& task = m_tasks.front();
-    m_file.close();
     m_file.setFileName(task.file);
     if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || m_file.size() != task.size) {
         Conclude(false);
@@ -46,6 +46,7 @@ void FileChecks::CheckNext()
 
 void FileChecks::Conclude(bool isWhole)
 {
+    m_file.close(); // an open file would keep its disk from being unmounted
     const qint64 id = m_tasks.front().id;
     m_tasks.pop_front();
     m_turn.start(0);
