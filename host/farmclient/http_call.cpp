@@ -39,8 +39,9 @@ void HttpCall::Attempt()
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpCall::Collect);
     connect(m_reply, &QNetworkReply::finished, this, &HttpCall::HandleFinished);
     connect(m_reply, &QNetworkReply::uploadProgress, this, [this](qint64 bytes) {
-        if (bytes > 0)
-            m_deadline.start();
+        if (bytes <= 0) // Qt reports 0 bytes at the end of every upload
+            return;
+        m_deadline.start();
         emit Sent(bytes);
     });
     m_deadline.start(m_request.attemptTime > 0 ? m_request.attemptTime : m_transport->Limits().attemptTime);

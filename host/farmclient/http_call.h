@@ -20,7 +20,7 @@ public:
     ~HttpCall() override;
 
 signals:
-    /// @param bytes of the body sent by the current attempt; starts again from 0 with each attempt.
+    /// @param bytes of the body sent by the current attempt; starts again with each attempt.
     void Sent(qint64 bytes);
     void Finished(const HttpResult& result);
 

@@ -1,5 +1,6 @@
 // The stages of a submission, against a scripted server and on broken files.
 #include "host/rendercore/submit/job_body.h"
+#include "host/rendercore/submit/local_stages.h"
 #include "host/rendercore/submit/submit_worker.h"
 #include "host/rendercore/submit/task_packages.h"
 #include "host/rendercore/submit/transfer_meter.h"
@@ -120,6 +121,17 @@ const StageCase StageCases[] = {
     {"job refused", Stage::Submit, {Status(400)}, "failed 6 a wanted: So it is."},
 };
 
+/// The percentages that a stage reports on two files, of ten bytes and of three. Only the first is to be packed; it is
+/// sent before the upload.
+const std::tuple<const char*, Stage, QList<HttpReply>, const char*> ProgressCases[] = {
+    {"analysis", Stage::Analyze, {}, "100"},
+    {"packing", Stage::Compress, {}, "0 100"},
+    {"checksums", Stage::Checksum, {}, "76 100"},
+    {"known contents", Stage::CopySame, {Known("")}, "100"},
+    {"upload", Stage::Upload, {Upload(1, 1), Upload(2, 1), Upload(3, 1)}, "76 92 100"},
+    {"unpacking", Stage::Uncompress, {Unpacked("a", FirstSum), Unpacked("b", SecondSum)}, "50 100"},
+};
+
 QString Summary(const StageOutcome& outcome)
 {
     static const char* const kinds[] = {"done", "interrupted", "again", "failed"};
@@ -224,6 +236,43 @@ private slots:
             QCOMPARE(Brief(m_server->Requests()), QString::fromLatin1(row.requests));
         QVERIFY(
             row.replies.isEmpty() || m_server->Requests().at(0).contains("Authorization: Bearer abc\r\n"));
+    }
+
+    void ReportsItsProgress_data() { AddRows(ProgressCases); }
+
+    void ReportsItsProgress()
+    {
+        const auto& [name, stage, replies, percents] = Row(ProgressCases);
+        StageRequest request = Request(stage);
+        WriteFile(request.task.scene, "sphere{0,1}");
+        for (int index = 0; index < 2; ++index) {
+            PackedFile& file = request.task.work.files[index];
+            file.source = TaskPackages::Path(m_folder->path(), index);
+            file.isWanted = true;
+        }
+        request.task.work.packages[0].isSent = stage == Stage::Upload;
+        QStringList reports;
+        const StageProgress report
+            = [&reports](int percent, const QString&) { reports.append(QString::number(percent)); };
+        ChecksumCache cache({});
+        FarmStages farm({});
+        m_server->SetReplies(replies);
+        if (NeedsFarm(stage))
+            farm.Run(request, report);
+        else if (stage == Stage::Compress)
+            CompressStage(request, report, cache);
+        else
+            (stage == Stage::Analyze ? AnalyzeStage : ChecksumStage)(request, report);
+        reports.removeDuplicates();
+        QCOMPARE(reports.join(QLatin1Char(' ')), QString::fromLatin1(percents));
+        // To the user, less often.
+        reports.clear();
+        m_server->SetReplies(replies);
+        QElapsedTimer clock;
+        clock.start();
+        m_worker.Run(request, report);
+        QCOMPARE(reports.value(0), QString::fromLatin1(percents).section(QLatin1Char(' '), 0, 0));
+        QVERIFY(reports.size() <= 1 + clock.elapsed() / 250);
     }
 
     void SendsEqualContentOnce()
@@ -332,6 +381,8 @@ private slots:
         meter.Add(20'000'000);
         QCOMPARE(meter.Percent(), 50);
         QVERIFY(QRegularExpression("^40.0 of 80.0 MB, .*MB/s$"_s).match(meter.Text()).hasMatch());
+        const QString before = meter.Text();
+        QTRY_VERIFY_WITH_TIMEOUT(meter.Text() != before, Patience); // the speed falls while nothing moves
         meter.Add(90'000'000);
         QCOMPARE(meter.Percent(), 100);
         QVERIFY(meter.Text().startsWith("80.0 of"_s));
