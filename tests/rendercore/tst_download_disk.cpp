@@ -11,6 +11,16 @@ const std::tuple<const char*, const char*> Troubles[] = {
     {"full disk", ""},
 };
 
+/// An error of saving a file, and whose downloads the notice says have to wait; none for the file's own.
+const std::tuple<const char*, int, const char*> SaveErrors[] = {
+    {"quota", EDQUOT, "All downloads wait"},
+    {"read-only", EROFS, "All downloads wait"},
+    {"broken", EIO, "All downloads wait"},
+    {"stale", ESTALE, "All downloads wait"},
+    {"forbidden", EACCES, "Its downloads wait"},
+    {"too large", EFBIG, ""},
+};
+
 const std::tuple<const char*, void (*)(const QString& file)> Unreadables[] = {
     {"damaged", [](const QString& file) { WriteFile(file, "not a database"); }},
     {"damaged inside",
@@ -65,6 +75,34 @@ private slots:
         QVERIFY(client.Await(Finished, 4));
     }
 
+    void PausesLongerAfterEachError_data() { AddRows(SaveErrors); }
+
+    void PausesLongerAfterEachError()
+    {
+        const auto& [name, error, notice] = Row(SaveErrors);
+        fullError = error;
+        fullFile = ".frame_0001.png.part"_s;
+        m_limits.firstPause = 100;
+        m_limits.longestPause = 200;
+        TakeDiskCalls();
+        QElapsedTimer clock;
+        clock.start();
+        Client& client = Start({Listed(Entry(FrameData)), Whole(FrameData)});
+        const bool mayPass = *notice != '\0';
+        int attempts = 0;
+        QTRY_VERIFY_WITH_TIMEOUT(
+            (attempts += TakeDiskCalls().filter(fullFile).size()) >= (mayPass ? 4 : 1), Patience);
+        QVERIFY(!mayPass || clock.elapsed() >= 100 + 200 + 200);
+        QVERIFY(mayPass || client.Await(Failed));
+        QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), int(mayPass), Patience);
+        QVERIFY(client.notices.value(0).value(0).toString().contains(QLatin1String(notice)));
+        fullError = 0;
+        client.queue.RetryFailed();
+        QVERIFY(client.Await(Finished));
+        m_client.reset(); // before the name changes
+        fullFile.clear();
+    }
+
     void GoesOnOnceAFullDiskHasGrown()
     {
         QDir().mkpath(Path("frames"));
@@ -81,20 +119,6 @@ private slots:
         QCOMPARE(client.notices.count(), 1);
         m_client.reset(); // before the disk
         diskFree = -1;
-    }
-
-    void GoesOnOnceAFolderMayBeWrittenTo()
-    {
-        QDir().mkpath(Path("frames/12_shot"));
-        const ForbiddenFolder folder(Path("frames/12_shot"), {Path("frames"), m_folder->path()});
-        QVERIFY(folder.IsReady());
-        Client& client = Start({Listed(Entry(FrameData)), Whole(FrameData)});
-        QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), 1, Patience);
-        QVERIFY(client.notices[0][0].toString().contains(qt_error_string(EACCES)));
-        QVERIFY(folder.Allow());
-        QVERIFY(client.Await(Finished));
-        QVERIFY(ReadFile(Frame()) == FrameData);
-        m_client.reset(); // before this program may do everything again
     }
 
     void FollowsAChangedFolder()

@@ -8,6 +8,18 @@
 
 namespace {
 
+/// Looks before each event of an object.
+struct Watcher : QObject
+{
+    bool eventFilter(QObject* /*watched*/, QEvent* /*event*/) override
+    {
+        look();
+        return false;
+    }
+
+    std::function<void()> look;
+};
+
 QByteArray Noise(int bytes)
 {
     QVector<quint32> noise(bytes / 4);
@@ -179,6 +191,18 @@ private slots:
         StartQueue();
         QVERIFY(m_queue->Ids().isEmpty());
         QCOMPARE(Count("jobs"), 1);
+    }
+
+    void ShowsTheProgressOfTheUpload()
+    {
+        QString id;
+        QSet<QString> shown;
+        Watcher watcher;
+        watcher.look = [&] { shown.insert(Task(id).uploadText.section(QLatin1Char(','), 0, 0)); };
+        m_queue->installEventFilter(&watcher);
+        id = SubmitLarge();
+        QVERIFY(Await(id));
+        QVERIFY(shown.contains("0.0 of 3.0 MB"_s)); // of the scene's package
     }
 
     void WaitsForItsFarmAndItsSession()

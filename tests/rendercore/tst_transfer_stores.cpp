@@ -157,6 +157,9 @@ private slots:
         QTimer::singleShot(0, this, [&] { hasTurned = finished.isEmpty(); });
         QVERIFY(finished.wait(Patience) && hasTurned && hashing.IsComplete());
         QCOMPARE(hashing.Checksum(), storage::FileChecksum(part.fileName()));
+        QFile endless("/dev/zero"_s);
+        QVERIFY(endless.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+        const FileHashing abandoned(&endless); // or its end would wait for ever
     }
 
     void EachOwnerHasTasksOfTheirOwn()

@@ -22,6 +22,8 @@ inline std::atomic<bool> diskFails = false;
 inline std::atomic<qint64> diskFree = -1;
 /// Makes syncing the file of this name fail, as on a full disk. Set it while no other thread writes.
 inline QString fullFile;
+/// How syncing `fullFile` fails; 0 when it does not.
+inline std::atomic<int> fullError = ENOSPC;
 
 namespace disk_calls {
 
@@ -37,8 +39,8 @@ inline int Sync(int file, long call)
 {
     const QString path = QFileInfo(QStringLiteral("/proc/self/fd/%1").arg(file)).symLinkTarget();
     Record(QStringLiteral("sync ") + QFileInfo(path).fileName());
-    const bool isFull = !fullFile.isEmpty() && path.endsWith(fullFile);
-    errno = isFull ? ENOSPC : EIO;
+    const bool isFull = !fullFile.isEmpty() && path.endsWith(fullFile) && fullError != 0;
+    errno = isFull ? int(fullError) : EIO;
     return diskFails || isFull ? -1 : int(::syscall(call, file));
 }
 
