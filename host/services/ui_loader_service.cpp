@@ -1,6 +1,7 @@
 #include "host/services/ui_loader_service.h"
 
 #include "host/settings/setting_keys.h"
+#include "host/ui/elided_label.h"
 #include "host/ui/frameless_window.h"
 #include "host/ui/languages.h"
 #include "host/ui/level_widget.h"
@@ -15,6 +16,7 @@
 #include <QDateTimeEdit>
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QPushButton>
 #include <QStyledItemDelegate>
 #include <QTableWidget>
@@ -126,6 +128,8 @@ void UiLoaderService::PrepareMainForm(QWidget* form)
         | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint);
     new WindowPlace(form, m_settings);
     new SideColumn(form);
+    if (auto* project = form->findChild<QLabel*>(QStringLiteral("lblProjectV")))
+        new ElidedLabel(project);
 }
 
 /// Has a button of the form open a part of the tray menu.

@@ -1,6 +1,8 @@
 #include "host/ui/progress_cells.h"
 
+#include <QPainter>
 #include <QProgressBar>
+#include <QStyledItemDelegate>
 #include <QTableWidget>
 
 namespace {
@@ -20,6 +22,32 @@ public:
     }
 };
 
+class ProgressDelegate : public QStyledItemDelegate
+{
+public:
+    explicit ProgressDelegate(const QTableWidget* table, QObject* parent)
+        : QStyledItemDelegate(parent)
+        , m_table(table)
+    {
+    }
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::paint(painter, option, index);
+        const auto* bar = qobject_cast<const QProgressBar*>(m_table->indexWidget(index));
+        if (!bar || bar->isTextVisible())
+            return;
+        painter->save();
+        painter->setFont(bar->font());
+        painter->setPen(m_table->palette().color(QPalette::Text));
+        painter->drawText(option.rect, Qt::AlignRight | Qt::AlignVCenter, bar->text());
+        painter->restore();
+    }
+
+private:
+    const QTableWidget* m_table;
+};
+
 } // namespace
 
 ProgressCells::ProgressCells(QTableWidget* table)
@@ -33,6 +61,7 @@ ProgressCells::ProgressCells(QTableWidget* table)
                 DescribeRows(first, last);
         });
     QAccessible::installActivationObserver(this);
+    table->setItemDelegateForColumn(Column, new ProgressDelegate(table, this));
 }
 
 ProgressCells::~ProgressCells()
