@@ -26,11 +26,9 @@ void JobTrigger::Attach()
     }
 }
 
-/// The first press of a double click has toggled the row's check box, which is put back.
 void JobTrigger::HandleDoubleClick(int row)
 {
-    if (QTableWidgetItem* item = m_table->item(row, IdColumn))
-        item->setCheckState(item->checkState() == Qt::Checked ? Qt::Unchecked : Qt::Checked);
+    UndoPress(m_table, row);
     Request(row);
 }
 

@@ -61,6 +61,12 @@ QStringList CheckedIds(const QTableWidget* table)
     return ids;
 }
 
+void UndoPress(const QTableWidget* table, int row)
+{
+    if (QTableWidgetItem* item = table->item(row, 0))
+        item->setCheckState(item->checkState() == Qt::Checked ? Qt::Unchecked : Qt::Checked);
+}
+
 QString PlainToolTip(const QString& text)
 {
     return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;

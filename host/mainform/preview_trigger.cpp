@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr int CheckColumn = 0;
 constexpr int FileColumn = 2;
 constexpr int StatusColumn = 4;
 constexpr int FinishedStatus = 2;
@@ -27,8 +26,6 @@ void PreviewTrigger::HandleDoubleClick(int row)
     const QTableWidgetItem* file = table ? table->item(row, FileColumn) : nullptr;
     if (!status || !file || status->data(Qt::UserRole).toInt() != FinishedStatus)
         return;
-    // The press that began the double click has toggled the row's box.
-    if (QTableWidgetItem* check = table->item(row, CheckColumn))
-        check->setCheckState(check->checkState() == Qt::Checked ? Qt::Unchecked : Qt::Checked);
+    UndoPress(table, row);
     emit PreviewRequested(file->text());
 }
