@@ -1,6 +1,7 @@
 #include "host/ui/side_column.h"
 
 #include <QEvent>
+#include <QToolBox>
 #include <QWidget>
 
 namespace {
@@ -24,5 +25,16 @@ bool SideColumn::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == m_groups && event->type() == QEvent::Resize && m_groups->height() < GroupsHeight)
         m_groups->setFixedHeight(GroupsHeight);
+    else if (watched == m_groups
+        && (event->type() == QEvent::Show || event->type() == QEvent::LanguageChange))
+        NameLists();
     return false;
+}
+
+/// Gives the lists of the group panel, which the window makes, the names of their pages.
+void SideColumn::NameLists() const
+{
+    const auto* panel = m_groups->findChild<QToolBox*>();
+    for (int page = 0; panel && page < panel->count(); ++page)
+        panel->widget(page)->setAccessibleName(panel->itemText(page));
 }

@@ -5,7 +5,7 @@
 class QWidget;
 
 /// Lets the side of the main form scroll where the form is too low for the group panel, whose height the window computes
-/// from the height of the form. The form owns it.
+/// from the height of the form, and names the panel's lists for screen readers. The form owns it.
 class SideColumn : public QObject
 {
     Q_OBJECT
@@ -16,6 +16,8 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void NameLists() const;
+
     QWidget* m_column;
     QWidget* m_groups;
 };

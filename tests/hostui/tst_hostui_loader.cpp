@@ -215,6 +215,19 @@ private slots:
         }
     }
 
+    void NamesTheListsOfGroups()
+    {
+        const std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr.qsclient"_s, nullptr));
+        auto* panel = new QToolBox(form->findChild<QWidget*>("wgtGroup"_s));
+        auto* list = new QListWidget;
+        panel->addItem(list, "Group"_s);
+        form->show();
+        QCOMPARE(list->accessibleName(), "Group"_s);
+        panel->setItemText(0, "Gruppe"_s);
+        m_loader->SetLanguage(m_loader->GetLanguages().constFirst());
+        EVENTUALLY_COMPARE(list->accessibleName(), "Gruppe"_s);
+    }
+
     void ReadsProgressCells()
     {
         const std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr.qsclient"_s, nullptr));
