@@ -37,7 +37,7 @@ struct Project
     QString pool;
 };
 
-/// What an account was charged on a day.
+/// An account's charges of one day.
 struct DaysSpending
 {
     QDate day;

@@ -13,7 +13,7 @@
 
 namespace farm {
 
-/// What has changed for an account since it was last asked.
+/// The changes for an account since a subscriber last asked.
 struct AccountChanges
 {
     /// At most this many jobs are named; when more have changed, only `list` tells of them.

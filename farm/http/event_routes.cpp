@@ -21,12 +21,12 @@ constexpr int MostStreamsPerAccount = 64;
 constexpr int RetryAfter = 30; // s
 
 // Comments of the event-stream format. The first one shows the client at once that the stream is open.
-const QByteArray comment = QByteArrayLiteral(":\n\n");
+const QByteArray Comment = QByteArrayLiteral(":\n\n");
 
 QByteArray EventOf(const AccountChanges& changes, const Account* account)
 {
     return changes.IsEmpty()
-        ? comment
+        ? Comment
         : "data: " + QJsonDocument(ChangesJson(changes, account)).toJson(QJsonDocument::Compact) + "\n\n";
 }
 
@@ -49,7 +49,7 @@ EventStream EventRoutes::Open(const ApiRequest& request)
     const std::int64_t account = m_gate.Authorize(request);
     return [this, account, subscription = Admit(account), token = request.Token(), isOpen = false]() mutable {
         if (!std::exchange(isOpen, true))
-            return comment;
+            return Comment;
         const auto changes = subscription->Wait(Heartbeat);
         // The session may have ended since the last event.
         if (!changes || !m_accounts.AccountOf(token, Now()))

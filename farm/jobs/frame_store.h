@@ -26,7 +26,7 @@ struct FrameRecord
     int attempts = 0;
     /// The processor time that the finished frame took.
     std::int64_t coreMilliseconds = 0;
-    /// What the frame has cost, in all runs of the job.
+    /// The frame's charges in all runs of the job.
     Micros cost = 0;
     /// The picture's name; empty while there is none.
     QString file;

@@ -43,7 +43,7 @@ FrameTask ReadTask(SQLite::Statement& job, const FrameKey& frame)
     return task;
 }
 
-/// What has changed, and for whom. An account of 0 stands for no change.
+/// Changes to announce to an account; account 0 stands for no change.
 struct Announcement
 {
     std::int64_t account = 0;

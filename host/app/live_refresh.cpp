@@ -7,7 +7,7 @@
 
 namespace {
 
-// A change is to show within two seconds. To refresh no more often keeps a page cheap on which frames finish all the time.
+// A change shows within two seconds. Refreshing more often would make a page expensive on which frames finish all the time.
 constexpr int LeastPause = 1500; // ms
 
 } // namespace
@@ -46,8 +46,8 @@ void LiveRefresh::Refresh()
 {
     if (m_pause.isActive())
         return;
-    // A list on its way may be older than the change, so the refresh follows its arrival. To replace the list could go on
-    // forever over a slow link.
+    // A list on its way may be older than the change, so the refresh follows its arrival. Replacing the list instead could
+    // go on forever over a slow link.
     const bool refreshesList = m_listIsDue && !m_communication->IsFetchingJobs();
     const bool refreshesMoney = m_moneyIsDue;
     if (!refreshesList && !refreshesMoney)

@@ -18,8 +18,8 @@ struct Exchange
     QByteArray Path() const { return target.mid(0, target.indexOf('?')); }
 };
 
-/// What the exchanges so far say about the connection: whether it stands, how old the list of jobs is, and the latest
-/// failures. It reads no clock.
+/// The state of the connection as the exchanges so far show it: whether it stands, how old the list of jobs is, and the
+/// latest failures. It reads no clock.
 class ConnectionState
 {
 public:

@@ -29,7 +29,7 @@ private:
     bool m_isTooLong = false;
 };
 
-/// What the farm has announced.
+/// Changes that the farm has announced.
 struct FarmChanges
 {
     QStringList jobs;         ///< ids of jobs that have changed

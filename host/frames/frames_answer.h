@@ -39,7 +39,7 @@ struct FramesAnswer
     static std::optional<FramesAnswer> Read(const QJsonObject& body);
 };
 
-/// What the account was charged, by day.
+/// The account's charges by day.
 struct SpendingAnswer
 {
     struct Day

@@ -6,8 +6,8 @@
 
 class QIODevice;
 
-/// What the header of an OpenEXR file says about the size of its first picture. The library reserves memory by it, so it
-/// is read here first.
+/// The size of the first picture in an OpenEXR file, from the file's header. The library reserves memory by this size, so
+/// it is checked before the library reads the file.
 struct ExrHeader
 {
     QSize size; // pixels
