@@ -22,7 +22,7 @@ set(ROOM_RULES
     "host/settings: storage interfaces"
     "host/ui: host/settings interfaces"
     "host/services: host/ui host/settings host/rendercore host/farmclient interfaces"
-    "host/mainform: host/settings host/farmclient interfaces"
+    "host/mainform: host/ui host/settings host/farmclient interfaces"
     "host/frames: host/rendercore host/ui host/farmclient common interfaces"
     "host/process: host/farmclient processes"
     "host/app: host/process host/frames host/mainform host/services host/ui host/settings host/farmclient interfaces"

@@ -129,20 +129,19 @@ Micros AccountStore::Credit(const QString& name, Micros amount)
 
 std::vector<DaysSpending> AccountStore::Spending(std::int64_t account, const QDate& today, int days)
 {
-    const QDate first = today.addDays(1 - days);
     std::vector<DaysSpending> spending;
     spending.reserve(std::size_t(days));
-    for (int day = 0; day < days; ++day)
-        spending.push_back({first.addDays(day), 0});
     m_database.Read([&](SQLite::Database& connection) {
+        // One sum for each day is a range of the index; grouping the charges by date would compute a date for each.
         SQLite::Statement query(connection,
-            "SELECT date(charged_at, 'unixepoch', 'localtime') AS day, sum(amount) FROM charges "
-            "WHERE account = ? AND charged_at >= ? GROUP BY day");
-        Bind(query, account, std::int64_t(first.startOfDay().toSecsSinceEpoch()));
-        while (query.executeStep()) {
-            const qint64 day = first.daysTo(QDate::fromString(Text(query.getColumn(0)), Qt::ISODate));
-            if (day >= 0 && day < days)
-                spending.at(std::size_t(day)).amount = query.getColumn(1).getInt64();
+            "SELECT coalesce(sum(amount), 0) FROM charges "
+            "WHERE account = ? AND charged_at >= ? AND charged_at < ?");
+        for (QDate day = today.addDays(1 - days); day <= today; day = day.addDays(1)) {
+            query.reset();
+            Bind(query, account, std::int64_t(day.startOfDay().toSecsSinceEpoch()),
+                std::int64_t(day.addDays(1).startOfDay().toSecsSinceEpoch()));
+            query.executeStep();
+            spending.push_back({day, query.getColumn(0).getInt64()});
         }
     });
     return spending;

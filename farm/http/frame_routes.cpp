@@ -12,6 +12,14 @@
 
 namespace farm {
 
+namespace {
+
+// A change bears the time at which its writer began to wait for the database, so it may appear later than one of a later
+// time. A client hears of the changes of this time twice.
+constexpr std::int64_t LongestWrite = 10; // s
+
+} // namespace
+
 FrameRoutes::FrameRoutes(
     RequestGate& gate, JobStore& jobs, FrameStore& frames, const FramesInWork& inWork, PictureStore& pictures)
     : m_gate(gate)
@@ -40,7 +48,6 @@ QJsonObject FrameRoutes::ListFrames(const ApiRequest& request)
     const QString id = request.PathPart();
     const std::int64_t since
         = WholeNumber(request.Query("since"), "since", 0, 0, std::numeric_limits<std::int64_t>::max());
-    // Taken before the list, so that a change during the request is in the next answer at the latest.
     const std::int64_t now = Now();
     const JobRecord job = m_jobs.Find(account, id);
     const FrameList list = m_frames.List(account, id, since);
@@ -49,7 +56,7 @@ QJsonObject FrameRoutes::ListFrames(const ApiRequest& request)
         rendering.append(QJsonArray {number, qint64(now - begin)});
     return DataJson(
         QJsonObject {{QStringLiteral("job"), JobJson(job)}, {QStringLiteral("message"), job.message},
-            {QStringLiteral("time"), qint64(now)}, {QStringLiteral("total"), list.total},
+            {QStringLiteral("time"), qint64(now - LongestWrite)}, {QStringLiteral("total"), list.total},
             {QStringLiteral("frames"), FramesJson(list.frames)}, {QStringLiteral("rendering"), rendering}});
 }
 

@@ -54,13 +54,14 @@ FrameList FrameStore::List(std::int64_t account, const QString& job, std::int64_
         FrameList list;
         list.job = KeyOf(connection, account, job);
         list.total = CountOf(connection, list.job);
+        // The plus keeps SQLite from going through all frames in the order of their numbers to find the few changed ones.
         // A frame has a charge for each run of the job; the last one is that of the picture.
         SQLite::Statement query(connection,
             "SELECT number, failures, finished_at IS NOT NULL, coalesce(file, ''), coalesce(size, 0), "
             "(SELECT coalesce(sum(amount), 0) FROM charges WHERE job = frames.job AND frame = number), "
             "(SELECT core_milliseconds FROM charges WHERE job = frames.job AND frame = number "
             "ORDER BY key DESC LIMIT 1) "
-            "FROM frames WHERE job = ? AND changed_at >= ? ORDER BY number");
+            "FROM frames WHERE job = ? AND changed_at >= ? ORDER BY +number");
         Bind(query, list.job, since);
         while (query.executeStep())
             list.frames.push_back(ReadFrame(query));

@@ -153,6 +153,7 @@ void ClientHost::ConnectSession()
     connect(session, &SessionControl::SignedIn, &m_services.scenes, &SceneIntake::BeginSession);
     connect(session, &SessionControl::SignedOut, &m_services.scenes, &SceneIntake::EndSession);
     connect(session, &SessionControl::SignedOut, &m_connection, &ConnectionView::EndSession);
+    connect(session, &SessionControl::SignedOut, &m_services.previewer, &PreviewerService::EndSession);
     connect(session, &SessionControl::StartRequested, this, &ClientHost::TryAgain);
     connect(&m_connection, &ConnectionView::TryAgainRequested, this, &ClientHost::TryAgain);
     connect(session, &SessionControl::SignedIn, m_refresh.get(), &LiveRefresh::BeginSession);

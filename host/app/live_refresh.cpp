@@ -37,7 +37,7 @@ void LiveRefresh::EndSession()
 
 void LiveRefresh::HandleChanges(const FarmChanges& changes)
 {
-    m_listIsDue |= changes.list || ShowsOneOf(changes.jobs);
+    m_listIsDue = m_listIsDue || changes.list || ShowsOneOf(changes.jobs);
     m_moneyIsDue |= changes.money;
     Refresh();
 }

@@ -11,6 +11,7 @@
 namespace {
 
 constexpr int LongestRetryAfter = 3600; // seconds
+constexpr int LongestMessage = 1000;    // of a refusal
 
 /// @return 0 when no complete answer arrived.
 int StatusOf(const QNetworkReply& reply)
@@ -54,7 +55,9 @@ HttpResult HttpResult::Of(const QNetworkReply& reply, const QByteArray& body)
         return Failed({NotJson});
     HttpResult result {status, read.object};
     if (status != HttpStatus::Ok)
-        result = Failed({status, 0, read.object.value(QLatin1String("message")).toString()}, read.object);
+        result
+            = Failed({status, 0, read.object.value(QLatin1String("message")).toString().left(LongestMessage)},
+                read.object);
     result.retryAfter = std::clamp(reply.rawHeader("Retry-After").toInt(), 0, LongestRetryAfter);
     return result;
 }

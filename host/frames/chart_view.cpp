@@ -1,5 +1,7 @@
 #include "host/frames/chart_view.h"
 
+#include "host/ui/message_text.h"
+
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -64,7 +66,8 @@ void ChartView::paintEvent(QPaintEvent* /*event*/)
 
 void ChartView::DrawTexts(QPainter& painter) const
 {
-    if (m_data.values.empty())
+    // Without room there are no bars.
+    if (m_layout.bars.empty())
         return;
     painter.setPen(m_textColor);
     if (*std::max_element(m_data.values.begin(), m_data.values.end()) <= 0)
@@ -104,7 +107,7 @@ bool ChartView::event(QEvent* event)
     const auto* help = static_cast<const QHelpEvent*>(event);
     const ChartBar* bar = m_layout.At(help->x() - m_room.left());
     if (bar)
-        QToolTip::showText(help->globalPos(), m_data.toolTip(*bar), this);
+        QToolTip::showText(help->globalPos(), PlainToolTip(m_data.toolTip(*bar)), this);
     else
         QToolTip::hideText();
     return true;

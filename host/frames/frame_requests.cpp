@@ -11,6 +11,12 @@ HttpLimits OneAttempt()
     return limits;
 }
 
+/// The farm names jobs, so an id may hold anything.
+QByteArray FramesOf(const QString& job)
+{
+    return "/jobs/" + QUrl::toPercentEncoding(job) + "/frames";
+}
+
 } // namespace
 
 FrameRequests::FrameRequests(QObject* parent)
@@ -37,41 +43,44 @@ void FrameRequests::RequestFrames(const QString& job, qint64 since)
 {
     if (m_frames)
         return;
-    m_frames = Get(
-        QStringLiteral("/jobs/%1/frames?since=%2").arg(job).arg(since), [this](const QJsonObject& body) {
-            if (const auto answer = FramesAnswer::Read(body))
-                emit FramesArrived(*answer);
-            else
-                emit Failed(tr("The server's answer cannot be read."));
-        });
+    m_frames = Get(FramesOf(job) + "?since=" + QByteArray::number(since), [this](const QJsonObject& body) {
+        if (const auto answer = FramesAnswer::Read(body))
+            emit FramesArrived(*answer);
+        else
+            emit Failed(tr("The server's answer cannot be read."));
+    });
 }
 
 void FrameRequests::RequestLog(const QString& job, int number)
 {
     delete m_log.data();
-    m_log = Get(QStringLiteral("/jobs/%1/frames/%2/log").arg(job).arg(number),
-        [this, number](const QJsonObject& body) {
+    m_log = Get(
+        FramesOf(job) + '/' + QByteArray::number(number) + "/log", [this, number](const QJsonObject& body) {
             emit LogArrived(number, body.value(QLatin1String("data"))[QLatin1String("log")].toString());
         });
 }
 
 void FrameRequests::RequestSpending(int days)
 {
-    Get(QStringLiteral("/account/spending?days=%1").arg(days),
+    if (m_spending)
+        return;
+    m_spending = Get("/account/spending?days=" + QByteArray::number(days),
         [this](const QJsonObject& body) { emit SpendingArrived(SpendingAnswer::Read(body)); });
 }
 
-HttpCall* FrameRequests::Get(const QString& target, const Handler& handler)
+HttpCall* FrameRequests::Get(const QByteArray& target, const Handler& handler)
 {
     HttpRequest request;
     request.verb = "GET";
-    request.target = target.toLatin1();
+    request.target = target;
     request.token = m_access.token.toLatin1();
     auto* call = new HttpCall(&m_transport, request, m_calls.get());
     connect(call, &HttpCall::Finished, this, [this, call, handler](const HttpResult& result) {
         // The receiver may ask again at once.
-        if (m_frames == call)
-            m_frames.clear();
+        for (QPointer<HttpCall>* underWay : {&m_frames, &m_spending}) {
+            if (*underWay == call)
+                underWay->clear();
+        }
         if (result.status == HttpStatus::Ok)
             handler(result.json);
         else

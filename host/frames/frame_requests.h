@@ -29,6 +29,7 @@ public:
     void RequestFrames(const QString& job, qint64 since);
     /// Replaces an earlier request for a log.
     void RequestLog(const QString& job, int number);
+    /// Does nothing while an earlier request for spending is under way.
     void RequestSpending(int days);
 
 signals:
@@ -41,11 +42,12 @@ signals:
 private:
     using Handler = std::function<void(const QJsonObject& body)>;
 
-    HttpCall* Get(const QString& target, const Handler& handler);
+    HttpCall* Get(const QByteArray& target, const Handler& handler);
 
     HttpTransport m_transport;
     FarmAccess m_access;
     std::unique_ptr<QObject> m_calls; // owns the requests under way
     QPointer<HttpCall> m_frames;
     QPointer<HttpCall> m_log;
+    QPointer<HttpCall> m_spending;
 };

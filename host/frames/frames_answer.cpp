@@ -9,6 +9,8 @@ namespace {
 constexpr int MostFrames = 20000; // of a job
 constexpr int MostDays = 366;
 constexpr int LongestName = 255;
+constexpr int LongestWord = 24; // of amounts, currencies and days
+constexpr double MostAmount = 1e12;
 constexpr int Second = 1000; // ms
 
 /// The places of a frame's values in the answer.
@@ -19,6 +21,19 @@ qint64 WholeNumber(const QJsonValue& value)
     constexpr double LargestExact = 9007199254740991.0;
     const double number = value.toDouble();
     return number >= 0 && number <= LargestExact ? qint64(number) : 0;
+}
+
+/// A short text, cut off where it would spoil the window.
+QString Word(const QJsonValue& value)
+{
+    return value.toString().left(LongestWord);
+}
+
+/// @return 0 for an amount that cannot be drawn.
+double Amount(const QJsonValue& value)
+{
+    const double amount = value.toString().toDouble();
+    return amount >= 0 && amount <= MostAmount ? amount : 0;
 }
 
 Frame::State StateOf(int code)
@@ -61,8 +76,8 @@ std::optional<FramesAnswer> FramesAnswer::Read(const QJsonObject& body)
         return std::nullopt;
     FramesAnswer answer;
     answer.jobStatus = job.value(QLatin1String("job_status")).toInt();
-    answer.jobCost = job.value(QLatin1String("job_cost")).toString() + QLatin1Char(' ')
-        + job.value(QLatin1String("job_cost_unit")).toString();
+    answer.jobCost = Word(job.value(QLatin1String("job_cost"))) + QLatin1Char(' ')
+        + Word(job.value(QLatin1String("job_cost_unit")));
     answer.message = data.value(QLatin1String("message")).toString();
     answer.time = WholeNumber(data.value(QLatin1String("time")));
     answer.total = data.value(QLatin1String("total")).toInt();
@@ -81,12 +96,11 @@ std::optional<FramesAnswer> FramesAnswer::Read(const QJsonObject& body)
 SpendingAnswer SpendingAnswer::Read(const QJsonObject& body)
 {
     const QJsonObject data = body.value(QLatin1String("data")).toObject();
-    SpendingAnswer answer {data.value(QLatin1String("currency")).toString(), {}};
+    SpendingAnswer answer {Word(data.value(QLatin1String("currency"))), {}};
     const QJsonArray days = data.value(QLatin1String("days")).toArray();
     for (const QJsonValue& day : days) {
         if (answer.days.size() < MostDays)
-            answer.days.push_back(
-                {day[QLatin1String("day")].toString(), day[QLatin1String("amount")].toString().toDouble()});
+            answer.days.push_back({Word(day[QLatin1String("day")]), Amount(day[QLatin1String("amount")])});
     }
     return answer;
 }

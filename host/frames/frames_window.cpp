@@ -144,6 +144,8 @@ void FramesWindow::SetAccess(const FarmAccess& access)
 void FramesWindow::Open(const QString& job, const QString& name, const QString& folder)
 {
     m_requests.Cancel();
+    m_chosen.stop();
+    m_hasLog = false;
     m_model.Clear();
     m_job = job;
     m_name = name;

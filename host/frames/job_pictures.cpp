@@ -29,12 +29,18 @@ JobPictures::JobPictures(const FarmAccess& access, const QString& job, const QSt
     SetAccess(access);
 }
 
-JobPictures::~JobPictures() = default;
+JobPictures::~JobPictures()
+{
+    // Only the search under way is waited for.
+    m_searches.clear();
+}
 
 void JobPictures::SetAccess(const FarmAccess& access)
 {
+    // Setting the URL ends the connections of fetches that are under way.
+    if (access.apiRoot != m_access.apiRoot)
+        m_transport.SetBaseUrl(access.apiRoot);
     m_access = access;
-    m_transport.SetBaseUrl(access.apiRoot);
     m_transport.SetProxyLogin(access.proxy);
 }
 
@@ -87,7 +93,7 @@ void JobPictures::Fetch(const QString& name)
 {
     HttpRequest request;
     request.verb = "GET";
-    request.target = "/jobs/" + m_job.toLatin1() + "/files/" + QUrl::toPercentEncoding(name);
+    request.target = "/jobs/" + QUrl::toPercentEncoding(m_job) + "/files/" + QUrl::toPercentEncoding(name);
     request.token = m_access.token.toLatin1();
     request.headers = {{"Accept", "*/*"}};
     auto* fetch = new PictureFetch(m_transport.Begin(request), CopyOf(name), m_sizes.value(name), this);

@@ -1,6 +1,7 @@
 #include "host/mainform/cell_tips.h"
 
 #include "host/mainform/main_form.h"
+#include "host/ui/message_text.h"
 
 #include <QHeaderView>
 #include <QHelpEvent>

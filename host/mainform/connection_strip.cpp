@@ -1,12 +1,12 @@
 #include "host/mainform/connection_strip.h"
 
 #include "host/farmclient/connection_text.h"
+#include "host/ui/message_text.h"
 
 #include <QEvent>
 #include <QStyle>
 #include <QStyleOptionButton>
 #include <QStylePainter>
-#include <QTextDocument>
 
 #include <algorithm>
 
@@ -25,11 +25,6 @@ QString PhaseName(const ConnectionState& state, const QDateTime& now)
     default:
         return QStringLiteral("unreachable");
     }
-}
-
-QString PlainToolTip(const QString& text)
-{
-    return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "host/mainform/filter_text.h"
 #include "host/mainform/main_form.h"
+#include "host/ui/message_text.h"
 
 #include <QEvent>
 #include <QLabel>

@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QTableWidget>
-#include <QTextDocument> // Qt::mightBeRichText
 
 QTableWidget* FindTable(const QString& name)
 {
@@ -65,9 +64,4 @@ void UndoPress(const QTableWidget* table, int row)
 {
     if (QTableWidgetItem* item = table->item(row, 0))
         item->setCheckState(item->checkState() == Qt::Checked ? Qt::Unchecked : Qt::Checked);
-}
-
-QString PlainToolTip(const QString& text)
-{
-    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
 }

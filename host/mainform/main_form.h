@@ -29,6 +29,3 @@ QStringList CheckedIds(const QTableWidget* table);
 
 /// Puts a row's check box back after a double click, whose first press has toggled it.
 void UndoPress(const QTableWidget* table, int row);
-
-/// @return a tool tip that shows the text as it is, even if it looks like markup.
-QString PlainToolTip(const QString& text);

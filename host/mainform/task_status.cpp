@@ -1,6 +1,7 @@
 #include "host/mainform/task_status.h"
 
 #include "host/mainform/main_form.h"
+#include "host/ui/message_text.h"
 
 #include <QHelpEvent>
 #include <QTableWidget>
@@ -22,8 +23,14 @@ TaskStatus::TaskStatus(Words words, QObject* parent)
 
 void TaskStatus::BeginSession()
 {
-    if (QTableWidget* table = FindTable(QStringLiteral("twtLocalTask")))
-        table->setItemDelegateForColumn(StatusColumn, this);
+    QTableWidget* table = FindTable(QStringLiteral("twtLocalTask"));
+    if (!table || table == m_table)
+        return;
+    m_table = table;
+    table->setItemDelegateForColumn(StatusColumn, this);
+    // The words may change while the status does not; then the window writes only the row's warning.
+    connect(table->model(), &QAbstractItemModel::dataChanged, table,
+        [table](const QModelIndex& index) { table->update(index.siblingAtColumn(StatusColumn)); });
 }
 
 bool TaskStatus::helpEvent(

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QPointer>
 #include <QStyledItemDelegate>
+#include <QTableWidget>
 
 #include <functional>
 
@@ -27,4 +29,5 @@ protected:
 
 private:
     Words m_words;
+    QPointer<QTableWidget> m_table;
 };

@@ -51,8 +51,9 @@ void CommunicationService::FollowChanges(const QString& token)
 void CommunicationService::HandleChanges(const FarmChanges& changes)
 {
     const QJsonObject body {{QStringLiteral("data"), changes.account}};
-    if (FarmProtocol::IsUserInfo(body))
-        m_announcedAccount = body;
+    // A change without the new balances makes those announced before worthless.
+    if (changes.money)
+        m_announcedAccount = FarmProtocol::IsUserInfo(body) ? body : QJsonObject();
     emit FarmChanged(changes);
 }
 

@@ -29,6 +29,11 @@ void PreviewerService::OpenSeries(const std::shared_ptr<PictureSeries>& series, 
     Window()->Open(series, name);
 }
 
+void PreviewerService::EndSession()
+{
+    m_window.reset();
+}
+
 PreviewWindow* PreviewerService::Window()
 {
     if (!m_window)

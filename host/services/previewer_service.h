@@ -27,6 +27,9 @@ public:
     void Open(const QString& file);
     void OpenSeries(const std::shared_ptr<PictureSeries>& series, const QString& name);
 
+    /// Closes the window, so that nothing of the session is shown to the next.
+    void EndSession();
+
 private:
     PreviewWindow* Window();
 

@@ -44,7 +44,7 @@ std::optional<QByteArray> ReadName(QIODevice& device)
 
 qint64 NumberAt(const QByteArray& value, int place)
 {
-    return qFromLittleEndian<qint32>(value.constData() + place * int(sizeof(qint32)));
+    return qFromLittleEndian<qint32>(value.mid(place * int(sizeof(qint32))).constData());
 }
 
 /// @return an empty size when the sides do not fit.

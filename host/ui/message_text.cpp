@@ -1,5 +1,7 @@
 #include "host/ui/message_text.h"
 
+#include <QTextDocument> // Qt::mightBeRichText
+
 namespace {
 
 constexpr int LabelLines = 8;
@@ -33,4 +35,9 @@ MessageText ArrangeMessage(const QString& text, const QString& detail, bool list
     if (FitsLabel(text))
         return {text, detail};
     return {QString(), detail.isEmpty() ? text : QString(text + QLatin1String("\n\n") + detail)};
+}
+
+QString PlainToolTip(const QString& text)
+{
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text;
 }

@@ -1,5 +1,6 @@
 #include "host/ui/sign_in_window.h"
 
+#include "host/ui/message_text.h"
 #include "vtr_uiloaderinterface.h"
 
 #include <QEvent>
@@ -83,7 +84,7 @@ void SignInWindow::ShowServer()
         = m_server.isEmpty() ? tr("Server: the farm on this computer") : tr("Server: %1").arg(m_server);
     m_serverLabel->setText(
         m_serverLabel->fontMetrics().elidedText(text, Qt::ElideMiddle, m_serverLabel->width()));
-    m_serverLabel->setToolTip(text == m_serverLabel->text() ? QString() : m_server.toHtmlEscaped());
+    m_serverLabel->setToolTip(text == m_serverLabel->text() ? QString() : PlainToolTip(m_server));
 }
 
 void SignInWindow::SetFarm(Farm farm, const QString& reason)
@@ -138,7 +139,7 @@ void SignInWindow::Say(const QString& text)
     const QString whole = text.simplified();
     const bool isLong = whole.size() > FailureLength;
     m_failure->setText(isLong ? whole.left(FailureLength) + QChar(0x2026) : whole);
-    m_failure->setToolTip(isLong ? whole.left(LongestToolTip).toHtmlEscaped() : QString());
+    m_failure->setToolTip(isLong ? PlainToolTip(whole.left(LongestToolTip)) : QString());
 }
 
 void SignInWindow::Reset()
