@@ -74,7 +74,8 @@ private slots:
         server.SetReplyTo("/frames?since=50 ", StandInServer::Data(second));
         server.SetReplyTo("/files/", StandInServer::Http(200, png));
         server.SetReplyTo("/spending",
-            StandInServer::Data("{'currency': 'RMB', 'days': [{'day': 'd', 'amount': '2.50'}]}"));
+            StandInServer::Data("{'currency': 'RMB', 'days': [{'day': 'd', 'amount': '2.50'}, "
+                                "{'day': '<b>e</b>', 'amount': '1e300'}]}"));
         const QTemporaryDir folder;
         UiLoaderService loader {nullptr};
         FramesWindow window(&loader);
@@ -124,7 +125,7 @@ private slots:
         QVERIFY(!table->model()->index(0, 0).data(Qt::DecorationRole).isNull());
         window.Form()->findChild<QPushButton*>("btnSpending"_s)->click();
         EVENTUALLY_COMPARE(window.Form()->findChild<ChartView*>()->accessibleDescription(),
-            "2.50 RMB in the last 1 days."_s);
+            "2.50 RMB in the last 2 days."_s);
         server.Refuse();
         EVENTUALLY(text("lblTrouble").startsWith("The server cannot be reached"_s));
         window.SetAccess({});
