@@ -71,7 +71,12 @@ FramesWindow::FramesWindow(VTUiLoaderInterface* loader, QObject* parent)
     Form()->installEventFilter(this);
 }
 
-FramesWindow::~FramesWindow() = default;
+FramesWindow::~FramesWindow()
+{
+    // The form goes last and is hidden then.
+    m_table->viewport()->removeEventFilter(this);
+    Form()->removeEventFilter(this);
+}
 
 void FramesWindow::SetUpTable()
 {
@@ -370,7 +375,7 @@ void FramesWindow::DisplaySpending()
 
 bool FramesWindow::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_table->viewport() && event->type() == QEvent::Resize)
+    if (event->type() == QEvent::Resize && watched == m_table->viewport())
         m_scrolled.start();
     if (watched == Form() && event->type() == QEvent::Hide) {
         m_refresh.stop();

@@ -81,9 +81,10 @@ void ListHint::changeEvent(QEvent* event)
     QWidget::changeEvent(event);
 }
 
+/// Only the table's viewport is watched.
 bool ListHint::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_table->viewport() && event->type() == QEvent::Resize)
+    if (event->type() == QEvent::Resize)
         m_settling.start();
     return QWidget::eventFilter(watched, event);
 }

@@ -54,7 +54,11 @@ PreviewWindow::PreviewWindow(VTUiLoaderInterface* loader, QObject* parent)
     ConnectButtons();
 }
 
-PreviewWindow::~PreviewWindow() = default;
+PreviewWindow::~PreviewWindow()
+{
+    // The form goes last and is hidden then.
+    Form()->removeEventFilter(this);
+}
 
 void PreviewWindow::ConnectButtons()
 {
