@@ -38,7 +38,7 @@ QStringList CheckedTexts(const QMenu* menu)
     return texts;
 }
 
-/// What a screen reader says about the controls of a form that need a name.
+/// A screen reader's texts for the controls of a form that need a name.
 void ReadAloud(QAccessibleInterface* part, QMap<QString, QString>* names)
 {
     constexpr QAccessible::Role controls[] = {QAccessible::PushButton, QAccessible::ButtonMenu,

@@ -114,7 +114,7 @@ QVariantMap Listed(const QString& conditions, int total, int identifier = 0)
 
 } // namespace
 
-/// What the host adds to the main form.
+/// The host's additions to the main form.
 class TestMainForm : public QObject
 {
     Q_OBJECT
