@@ -14,6 +14,7 @@
 #include "farm/rendering/local_executor.h"
 #include "farm/rendering/picture_store.h"
 #include "farm/rendering/render_queue.h"
+#include "farm/rendering/run_table.h"
 #include "farm/rendering/scene_files.h"
 #include "farm/rendering/scheduler.h"
 #include "farm/uploads/content_store.h"
@@ -80,6 +81,7 @@ private:
     ContentStore m_contents;
     UploadStore m_uploads;
     RenderQueue m_queue;
+    RunTable m_runs;
     SceneFiles m_scenes;
     FrameFiles m_files;
     PictureStore m_pictures;

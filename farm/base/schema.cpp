@@ -137,11 +137,22 @@ DROP INDEX charges_by_account;
 CREATE INDEX charges_by_day ON charges(account, charged_at, amount);
 )sql";
 
+// The runs of renderers that have begun and whose end is not recorded yet. The handle is the executor's name for a run.
+constexpr const char* RunsInWork = R"sql(
+CREATE TABLE runs(
+    id TEXT PRIMARY KEY,
+    job INTEGER NOT NULL REFERENCES jobs ON DELETE CASCADE,
+    run INTEGER NOT NULL,
+    frame INTEGER NOT NULL,
+    handle TEXT NOT NULL DEFAULT '') WITHOUT ROWID;
+CREATE INDEX runs_by_job ON runs(job);
+)sql";
+
 } // namespace
 
 storage::Migrations Schema()
 {
-    return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails};
+    return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork};
 }
 
 } // namespace farm

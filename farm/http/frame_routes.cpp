@@ -52,8 +52,8 @@ QJsonObject FrameRoutes::ListFrames(const ApiRequest& request)
     const JobRecord job = m_jobs.Find(account, id);
     const FrameList list = m_frames.List(account, id, since);
     QJsonArray rendering;
-    for (const auto& [number, begin] : m_inWork.OfJob(list.job))
-        rendering.append(QJsonArray {number, qint64(now - begin)});
+    for (const auto& [number, work] : m_inWork.OfJob(list.job))
+        rendering.append(QJsonArray {number, qint64(now - work.since), work.host});
     return DataJson(
         QJsonObject {{QStringLiteral("job"), JobJson(job)}, {QStringLiteral("message"), job.message},
             {QStringLiteral("time"), qint64(now - LongestWrite)}, {QStringLiteral("total"), list.total},

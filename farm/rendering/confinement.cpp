@@ -68,8 +68,10 @@ Confinement::Confinement(const Reach& reach, const QString& program)
     for (const char* device : Devices)
         Allow(QString::fromLatin1(device), UseDevice | Truncate());
     Allow(QFileInfo(program).canonicalPath(), ReadFiles);
-    Allow(reach.readable, ReadFiles);
-    Allow(reach.writable, WriteFiles | Truncate());
+    for (const QString& path : reach.readable)
+        Allow(path, ReadFiles);
+    for (const QString& path : reach.writable)
+        Allow(path, WriteFiles | Truncate());
 }
 
 Confinement::~Confinement()

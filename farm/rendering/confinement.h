@@ -1,16 +1,8 @@
 #pragma once
 
-#include <QString>
+#include "farm/runner/run_order.h"
 
 namespace farm {
-
-/// The part of this machine that a renderer may use. It may read the installed programs, libraries and fonts and the files
-/// below `readable`, write below `writable`, and access nothing else.
-struct Reach
-{
-    QString readable;
-    QString writable;
-};
 
 /// Limits a process to its reach by means of the kernel (Landlock). The farm prepares it; the new process enters it.
 class Confinement

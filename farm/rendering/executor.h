@@ -1,54 +1,68 @@
 #pragma once
 
-#include "farm/rendering/confinement.h"
 #include "farm/rendering/frame_task.h"
+#include "farm/rendering/job_types.h"
+#include "farm/runner/run.h"
+#include "farm/runner/run_order.h"
 
-#include <QStringList>
+#include <QObject>
 
-#include <functional>
-#include <optional>
+#include <vector>
 
 namespace farm {
 
-struct RenderCommand
+/// A run to start.
+struct Run
 {
-    QString program;
-    QStringList arguments;
-    /// The folder in which the program runs.
-    QString folder;
-    int timeLimit = 3600; // s
-    /// If absent, the program may read and write all files that the farm may.
-    std::optional<Reach> reach;
+    RunId id;
+    FrameTask task;
+    RunOrder order;
 };
 
-struct RenderResult
+/// A run that an earlier farm on the same data has begun and whose end it has not recorded.
+struct RecordedRun
 {
-    bool ok = false;
-    /// The reason for a failure, for the user.
-    QString message;
-    /// The end of what the renderer wrote.
-    QString log;
-    /// The processor time that the frame took.
-    std::int64_t coreMilliseconds = 0;
+    RunId id;
+    FrameTask task;
+    RunFiles files;
+    /// What the executor has reported by Accepted(); empty when it had not come to that.
+    QString handle;
 };
 
-/// Runs renderers, each on one core. Not thread-safe.
-class Executor
+enum class Availability {
+    Unknown,
+    Missing,
+    Present,
+};
+
+/// Runs renderers, here or elsewhere. All operations and signals belong to the scheduler's thread; the operations return
+/// quickly. A run that has been started or attached ends with exactly one Ended(), never from inside an operation.
+class Executor : public QObject
 {
+    Q_OBJECT
+
 public:
-    using Ended = std::function<void(const RenderResult&)>;
+    /// The number of runs to hold at a time, running and queued.
+    virtual int Capacity() const = 0;
+    /// Whether the type's renderer is installed where frames run. After Unknown, AvailabilityChanged() follows.
+    virtual Availability Has(const JobType& type) = 0;
+    /// The runs are recorded and their orders written. What cannot be started ends like any other run.
+    virtual void Start(const std::vector<Run>& runs) = 0;
+    /// The run's end is reported later: Cancelled, or another one that came first. Unknown runs are ignored.
+    virtual void Cancel(const RunId& run) = 0;
+    /// Called once, before all other operations: takes over what is left of these runs. Those that it does not hold end
+    /// as MachineLost.
+    virtual void Attach(const std::vector<RecordedRun>& runs) = 0;
+    /// The farm ends; nothing is reported any more.
+    virtual void Stop() = 0;
 
-    virtual ~Executor() = default;
-
-    /// The number of frames that can be rendered at a time.
-    virtual int Slots() const = 0;
-    /// Whether this renderer program can be run.
-    virtual bool Has(const QString& program) const = 0;
-    /// Calls `ended` once, after this call has returned and in the caller's thread, unless the frame is cancelled.
-    /// Throws std::runtime_error when the command cannot be run.
-    virtual void Start(const FrameKey& frame, const RenderCommand& command, Ended ended) = 0;
-    /// Ends the frame's renderer at once; `ended` is not called any more. Does nothing when the frame is not rendered.
-    virtual void Cancel(const FrameKey& frame) = 0;
+signals:
+    /// The handle is recorded and comes back in RecordedRun. Only for executors that need one.
+    void Accepted(const QString& run, const QString& handle);
+    /// @param at is in seconds since the epoch.
+    void Started(const QString& run, const QString& host, qint64 at);
+    void Ended(const QString& run, const farm::RunResult& result);
+    void AvailabilityChanged();
 };
 
 } // namespace farm

@@ -42,7 +42,12 @@ QString FrameFiles::FrameName(int number, const QString& suffix)
     return QStringLiteral("frame_%1.%2").arg(number, 4, 10, QLatin1Char('0')).arg(suffix);
 }
 
-RenderPlace FrameFiles::PlaceOf(const FrameTask& task, const QString& suffix) const
+RunFiles FrameFiles::FilesOf(const QString& jobId, const RunId& run) const
+{
+    return {JobFolder(jobId) + QStringLiteral("/runs/") + run};
+}
+
+RenderPlace FrameFiles::PlaceOf(const FrameTask& task, const QString& suffix, const RunId& run) const
 {
     const QDir folder(JobFolder(task.jobId));
     RenderPlace place;
@@ -50,19 +55,18 @@ RenderPlace FrameFiles::PlaceOf(const FrameTask& task, const QString& suffix) co
     const QFileInfo scene(QDir(place.sceneFolder).filePath(task.scene));
     place.workFolder = scene.path();
     place.sceneFile = folder.filePath(QStringLiteral("main.") + PlainSuffix(scene.suffix()));
-    place.outputFolder = folder.filePath(QStringLiteral("unfinished"));
+    place.run = FilesOf(task.jobId, run);
     place.outputName = FrameName(task.Number(), suffix);
     return place;
 }
 
-RenderPlace FrameFiles::Prepare(const FrameTask& task, const QString& suffix) const
+RenderPlace FrameFiles::Prepare(const FrameTask& task, const QString& suffix, const RunId& run) const
 {
     const QDir folder(JobFolder(task.jobId));
     MakeFolder(folder);
-    RenderPlace place = PlaceOf(task, suffix);
-    if (!QDir().mkpath(place.outputFolder))
-        storage::ThrowWriteError("cannot create the folder of unfinished frames", folder.path(), 0);
-    QFile::remove(place.Output());
+    RenderPlace place = PlaceOf(task, suffix, run);
+    if (!QDir().mkpath(place.run.OutputFolder()))
+        storage::ThrowWriteError("cannot create the folder of an unfinished frame", folder.path(), 0);
     if (task.beginsRun)
         RemoveFrames(folder, suffix);
     m_scenes.Provide(task, folder);
@@ -108,9 +112,9 @@ void FrameFiles::RequireRoom() const
         throw storage::DiskError("the disk is full", ENOSPC);
 }
 
-Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix) const
+Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix, const RunId& run) const
 {
-    const QString unfinished = PlaceOf(task, suffix).Output();
+    const QString unfinished = PlaceOf(task, suffix, run).Output();
     const QFileInfo left(unfinished);
     if (!left.isFile() || left.isSymLink() || left.size() == 0)
         throw std::runtime_error("the renderer left no picture");
@@ -119,6 +123,11 @@ Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix) const
     // The picture may be in its place already: the farm can crash between this rename and the recording of the frame.
     storage::RenameDurably(unfinished, QDir(JobFolder(task.jobId)).filePath(picture.name));
     return picture;
+}
+
+void FrameFiles::Discard(const FrameTask& task, const RunId& run) const
+{
+    QDir(FilesOf(task.jobId, run).folder).removeRecursively();
 }
 
 } // namespace farm

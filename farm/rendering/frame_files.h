@@ -2,6 +2,7 @@
 
 #include "farm/rendering/frame_task.h"
 #include "farm/rendering/picture.h"
+#include "farm/runner/run.h"
 
 #include <QDir>
 
@@ -18,11 +19,11 @@ struct RenderPlace
     QString workFolder;
     /// A link to the scene file under a name that every renderer can read.
     QString sceneFile;
-    QString outputFolder;
-    /// The name of the picture in `outputFolder`.
+    RunFiles run;
+    /// The name of the picture in the run's output folder.
     QString outputName;
 
-    QString Output() const { return outputFolder + QLatin1Char('/') + outputName; }
+    QString Output() const { return run.OutputFolder() + QLatin1Char('/') + outputName; }
     /// Returns one of these paths relative to the work folder.
     QString FromWorkFolder(const QString& path) const { return QDir(workFolder).relativeFilePath(path); }
 };
@@ -38,19 +39,25 @@ public:
     /// "frame_0001.png" for number 1 and suffix "png".
     static QString FrameName(int number, const QString& suffix);
 
-    /// Creates the job's folder with its scene; removes the files of earlier attempts at the frame and of earlier runs.
+    /// The files of a run of the job. Each run has a folder of its own, so that a renderer which was given up for lost
+    /// cannot disturb the next attempt.
+    RunFiles FilesOf(const QString& jobId, const RunId& run) const;
+
+    /// Creates the job's folder with its scene and the run's folder; removes the frames of earlier runs of the job.
     /// Throws std::runtime_error.
-    RenderPlace Prepare(const FrameTask& task, const QString& suffix) const;
+    RenderPlace Prepare(const FrameTask& task, const QString& suffix, const RunId& run) const;
     /// Throws storage::DiskError when the disk is so full that a renderer may have failed for that reason.
     void RequireRoom() const;
     /// Moves a rendered frame to its place; it is on the disk when it returns. Throws std::runtime_error.
-    Picture Keep(const FrameTask& task, const QString& suffix) const;
+    Picture Keep(const FrameTask& task, const QString& suffix, const RunId& run) const;
+    /// Removes what a run has left behind.
+    void Discard(const FrameTask& task, const RunId& run) const;
 
 private:
     static void LinkScene(const RenderPlace& place, const QString& scene);
     static void RemoveFrames(QDir folder, const QString& suffix);
     void MakeFolder(const QDir& folder) const;
-    RenderPlace PlaceOf(const FrameTask& task, const QString& suffix) const;
+    RenderPlace PlaceOf(const FrameTask& task, const QString& suffix, const RunId& run) const;
 
     QString m_folder;
     const SceneFiles& m_scenes;

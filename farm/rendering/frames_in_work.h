@@ -4,18 +4,24 @@
 
 #include <map>
 #include <mutex>
-#include <set>
 
 namespace farm {
 
-/// The frames that are being rendered and since when, in seconds since the epoch. Thread-safe.
+/// Where and since when a frame is being rendered.
+struct FrameInWork
+{
+    QString host;
+    std::int64_t since = 0; // seconds since the epoch
+};
+
+/// The frames that are being rendered. Thread-safe.
 class FramesInWork
 {
 public:
-    void Add(const FrameKey& frame, std::int64_t since)
+    void Add(const FrameKey& frame, const FrameInWork& work)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_frames.emplace(frame, since);
+        m_frames.insert_or_assign(frame, work);
     }
 
     void Remove(const FrameKey& frame)
@@ -24,30 +30,20 @@ public:
         m_frames.erase(frame);
     }
 
-    std::set<FrameKey> All() const
+    /// The job's frames, by their numbers.
+    std::map<int, FrameInWork> OfJob(std::int64_t job) const
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        std::set<FrameKey> all;
-        for (const auto& frame : m_frames)
-            all.insert(frame.first);
-        return all;
-    }
-
-    /// The numbers of the job's frames and since when each is being rendered.
-    std::map<int, std::int64_t> OfJob(std::int64_t job) const
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        std::map<int, std::int64_t> ofJob;
-        for (const auto& [frame, since] : m_frames) {
-            if (frame.job == job)
-                ofJob.emplace(frame.number, since);
-        }
+        std::map<int, FrameInWork> ofJob;
+        for (auto frame = m_frames.lower_bound({job, 0, 0});
+             frame != m_frames.end() && frame->first.job == job; ++frame)
+            ofJob.insert_or_assign(frame->first.number, frame->second);
         return ofJob;
     }
 
 private:
     mutable std::mutex m_mutex;
-    std::map<FrameKey, std::int64_t> m_frames;
+    std::map<FrameKey, FrameInWork> m_frames;
 };
 
 } // namespace farm

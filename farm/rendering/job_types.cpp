@@ -6,25 +6,63 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 
+#include <cmath>
 #include <stdexcept>
 
 namespace farm {
 
 namespace {
 
+QStringList TextsIn(const QJsonValue& value)
+{
+    QStringList texts;
+    const QJsonArray array = value.toArray();
+    for (const QJsonValue& text : array)
+        texts.append(text.toString());
+    return texts;
+}
+
+std::int64_t WholeNumber(const QJsonObject& object, const char* key, std::int64_t usual, std::int64_t least)
+{
+    const double number = object.value(QLatin1String(key)).toDouble(double(usual));
+    constexpr double Most = 1e12;
+    if (!(number >= double(least) && number <= Most) || number != std::floor(number))
+        throw std::runtime_error(
+            std::string(key) + " must be a whole number of at least " + std::to_string(least));
+    return static_cast<std::int64_t>(number);
+}
+
+Resources ReadResources(const QJsonObject& object)
+{
+    constexpr std::int64_t Mebibyte = 1 << 20;
+    Resources resources;
+    resources.cores = int(WholeNumber(object, "cores", resources.cores, 1));
+    resources.memory = WholeNumber(object, "memory_mib", 0, 0) * Mebibyte;
+    resources.gpus = int(WholeNumber(object, "gpus", 0, 0));
+    resources.licences = TextsIn(object.value(QLatin1String("licences")));
+    resources.timeLimit
+        = std::chrono::seconds(WholeNumber(object, "frame_time_limit", resources.timeLimit.count(), 1));
+    resources.processes = int(WholeNumber(object, "processes", resources.processes, 1));
+    resources.fileSize = WholeNumber(object, "file_size_mib", resources.fileSize / Mebibyte, 1) * Mebibyte;
+    return resources;
+}
+
 JobType ReadJobType(const QString& name, const QJsonObject& object)
 {
     JobType type;
     type.program = object.value(QLatin1String("program")).toString();
-    const QJsonArray arguments = object.value(QLatin1String("arguments")).toArray();
-    for (const QJsonValue& argument : arguments)
-        type.arguments.append(argument.toString());
+    type.arguments = TextsIn(object.value(QLatin1String("arguments")));
     type.suffix = object.value(QLatin1String("suffix")).toString();
-    type.frameTimeLimit = object.value(QLatin1String("frame_time_limit")).toInt(type.frameTimeLimit);
     type.confined = object.value(QLatin1String("confined")).toBool(true);
-    if (type.program.isEmpty() || type.suffix.isEmpty() || type.frameTimeLimit < 1)
-        throw std::runtime_error("the job type " + name.toStdString()
-            + " needs a program, a suffix and a frame_time_limit of at least 1 second");
+    type.readable = TextsIn(object.value(QLatin1String("readable")));
+    type.writable = TextsIn(object.value(QLatin1String("writable")));
+    try {
+        type.resources = ReadResources(object);
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error("the job type " + name.toStdString() + ": " + error.what());
+    }
+    if (type.program.isEmpty() || type.suffix.isEmpty())
+        throw std::runtime_error("the job type " + name.toStdString() + " needs a program and a suffix");
     return type;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "farm/runner/run.h"
+
 #include <QMap>
 #include <QString>
 #include <QStringList>
@@ -16,9 +18,13 @@ struct JobType
     QString program;
     QStringList arguments;
     QString suffix;
-    int frameTimeLimit = 3600; // s
+    /// What a frame asks for and may use at most.
+    Resources resources;
     /// Whether the renderer may read only its scene and the machine's programs, and write only its picture.
     bool confined = true;
+    /// Paths that a confined renderer may use as well, such as devices and licence files.
+    QStringList readable;
+    QStringList writable;
 };
 
 using JobTypes = QMap<QString, JobType>;

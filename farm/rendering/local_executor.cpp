@@ -1,9 +1,12 @@
 #include "farm/rendering/local_executor.h"
 
+#include "farm/base/local_time.h"
+#include "farm/rendering/confinement.h"
 #include "farm/rendering/render_process.h"
 #include "farm/rendering/stray_renderers.h"
 
 #include <QStandardPaths>
+#include <QSysInfo>
 
 #include <spdlog/spdlog.h>
 
@@ -15,6 +18,7 @@ LocalExecutor::LocalExecutor(int slotCount, const QString& dataFolder)
     : m_slots(std::max(1, slotCount))
     , m_dataFolder(dataFolder)
 {
+    qRegisterMetaType<RunResult>("farm::RunResult");
     StrayRenderers::End(dataFolder);
     if (!Confinement::IsSupported())
         spdlog::warn(
@@ -23,30 +27,66 @@ LocalExecutor::LocalExecutor(int slotCount, const QString& dataFolder)
 
 LocalExecutor::~LocalExecutor() = default;
 
-bool LocalExecutor::Has(const QString& program) const
+Availability LocalExecutor::Has(const JobType& type)
 {
-    return !QStandardPaths::findExecutable(program).isEmpty();
+    return QStandardPaths::findExecutable(type.program).isEmpty() ? Availability::Missing
+                                                                  : Availability::Present;
 }
 
-void LocalExecutor::Start(const FrameKey& frame, const RenderCommand& command, Ended ended)
+void LocalExecutor::Start(const std::vector<Run>& runs)
 {
-    auto process = std::make_unique<RenderProcess>(command, m_dataFolder);
+    for (const Run& run : runs) {
+        try {
+            StartOne(run);
+        } catch (const std::runtime_error& error) {
+            EndLater(run.id, {RunEnd::FarmFault, QString::fromUtf8(error.what()), {}, 0, {}});
+        }
+    }
+}
+
+void LocalExecutor::StartOne(const Run& run)
+{
+    auto process = std::make_unique<RenderProcess>(run.order, m_dataFolder);
+    const RunId id = run.id;
     // Queued, because a renderer that cannot be started may report it before Run() returns.
-    QObject::connect(
-        process.get(), &RenderProcess::Ended, process.get(),
-        [this, frame, ended = std::move(ended)](const RenderResult& result) {
-            m_processes.extract(frame).mapped().release()->deleteLater();
-            ended(result);
+    connect(
+        process.get(), &RenderProcess::Ended, this,
+        [this, id](const RunResult& result) {
+            auto ended = m_processes.extract(id);
+            if (ended.empty())
+                return;
+            ended.mapped().release()->deleteLater();
+            emit Ended(id, result);
         },
         Qt::QueuedConnection);
     RenderProcess& started = *process;
-    m_processes[frame] = std::move(process);
+    m_processes[id] = std::move(process);
     started.Run();
+    emit Started(id, QSysInfo::machineHostName(), Now());
 }
 
-void LocalExecutor::Cancel(const FrameKey& frame)
+void LocalExecutor::Cancel(const RunId& run)
 {
-    m_processes.erase(frame);
+    if (m_processes.erase(run) != 0)
+        EndLater(run, {RunEnd::Cancelled, {}, {}, 0, {}});
+}
+
+// Renderers end with their farm, so none can be left.
+void LocalExecutor::Attach(const std::vector<RecordedRun>& runs)
+{
+    for (const RecordedRun& run : runs)
+        EndLater(run.id, {RunEnd::MachineLost, QStringLiteral("the farm ended"), {}, 0, {}});
+}
+
+void LocalExecutor::Stop()
+{
+    m_processes.clear();
+}
+
+void LocalExecutor::EndLater(const RunId& run, const RunResult& result)
+{
+    QMetaObject::invokeMethod(
+        this, "Ended", Qt::QueuedConnection, Q_ARG(QString, run), Q_ARG(farm::RunResult, result));
 }
 
 } // namespace farm

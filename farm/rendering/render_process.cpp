@@ -4,6 +4,7 @@
 
 #include <QProcessEnvironment>
 #include <QStandardPaths>
+#include <QSysInfo>
 
 #include <csignal>
 #include <cstdlib>
@@ -40,19 +41,19 @@ std::int64_t TakeCoreMilliseconds()
 
 } // namespace
 
-RenderProcess::RenderProcess(const RenderCommand& command, const QString& dataFolder)
-    : m_timeLimit(command.timeLimit)
+RenderProcess::RenderProcess(const RunOrder& order, const QString& dataFolder)
+    : m_timeLimit(order.resources.timeLimit)
 {
-    setProgram(command.program);
-    if (command.reach)
+    setProgram(order.program);
+    if (order.reach.confined)
         m_confinement
-            = std::make_unique<Confinement>(*command.reach, QStandardPaths::findExecutable(command.program));
-    QProcessEnvironment environment
-        = command.reach ? PoorEnvironment(*command.reach) : QProcessEnvironment::systemEnvironment();
+            = std::make_unique<Confinement>(order.reach, QStandardPaths::findExecutable(order.program));
+    QProcessEnvironment environment = order.reach.confined ? PoorEnvironment(order.files.OutputFolder())
+                                                           : QProcessEnvironment::systemEnvironment();
     StrayRenderers::Mark(environment, dataFolder);
     setProcessEnvironment(environment);
-    setArguments(command.arguments);
-    setWorkingDirectory(command.folder);
+    setArguments(order.arguments);
+    setWorkingDirectory(order.folder);
     setProcessChannelMode(QProcess::MergedChannels);
     setStandardInputFile(QProcess::nullDevice());
     connect(this, &QProcess::readyRead, this, &RenderProcess::CollectOutput);
@@ -76,7 +77,7 @@ RenderProcess::~RenderProcess()
 
 // A confined renderer gets only the part of the farm's environment that it needs; its home is the folder that it may
 // write to.
-QProcessEnvironment RenderProcess::PoorEnvironment(const Reach& reach)
+QProcessEnvironment RenderProcess::PoorEnvironment(const QString& home)
 {
     const QProcessEnvironment inherited = QProcessEnvironment::systemEnvironment();
     QProcessEnvironment own;
@@ -85,7 +86,7 @@ QProcessEnvironment RenderProcess::PoorEnvironment(const Reach& reach)
             own.insert(QLatin1String(name), inherited.value(QLatin1String(name)));
     }
     for (const char* name : {"HOME", "TMPDIR"})
-        own.insert(QLatin1String(name), reach.writable);
+        own.insert(QLatin1String(name), home);
     return own;
 }
 
@@ -122,12 +123,15 @@ void RenderProcess::CollectOutput()
 void RenderProcess::ReportExit(int exitCode, QProcess::ExitStatus status)
 {
     CollectOutput();
-    RenderResult result;
+    RunResult result;
     result.coreMilliseconds = TakeCoreMilliseconds();
     result.log = OutputEnd(LogTail);
-    result.ok = status == QProcess::NormalExit && exitCode == 0;
-    if (!result.ok)
+    result.host = QSysInfo::machineHostName();
+    result.end = RunEnd::Done;
+    if (status != QProcess::NormalExit || exitCode != 0) {
+        result.end = m_timedOut ? RunEnd::TimeLimit : RunEnd::SceneFault;
         result.message = Message(exitCode, status);
+    }
     emit Ended(result);
 }
 
@@ -135,7 +139,8 @@ void RenderProcess::ReportExit(int exitCode, QProcess::ExitStatus status)
 void RenderProcess::ReportError(QProcess::ProcessError error)
 {
     if (error == QProcess::FailedToStart)
-        emit Ended({false, QStringLiteral("the renderer could not be started: ") + errorString(), {}, 0});
+        emit Ended({RunEnd::SceneFault, QStringLiteral("the renderer could not be started: ") + errorString(),
+            {}, 0, QSysInfo::machineHostName()});
 }
 
 QString RenderProcess::Message(int exitCode, QProcess::ExitStatus status) const

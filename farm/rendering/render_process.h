@@ -1,6 +1,6 @@
 #pragma once
 
-#include "farm/rendering/executor.h"
+#include "farm/rendering/confinement.h"
 #include "processes/bound_process.h"
 
 #include <QTimer>
@@ -17,14 +17,14 @@ class RenderProcess : public BoundProcess
 
 public:
     /// Throws std::runtime_error when the renderer cannot be confined as the command asks.
-    RenderProcess(const RenderCommand& command, const QString& dataFolder);
+    RenderProcess(const RunOrder& order, const QString& dataFolder);
     ~RenderProcess() override;
 
     void Run();
 
 signals:
     /// Emitted once, when the renderer has ended or could not be started.
-    void Ended(const farm::RenderResult& result);
+    void Ended(const farm::RunResult& result);
 
 protected:
     void setupChildProcess() override;
@@ -36,7 +36,7 @@ private:
     QString Message(int exitCode, QProcess::ExitStatus status) const;
     QString OutputEnd(int most) const;
     void KillAll();
-    static QProcessEnvironment PoorEnvironment(const Reach& reach);
+    static QProcessEnvironment PoorEnvironment(const QString& home);
 
     std::unique_ptr<Confinement> m_confinement;
     std::chrono::seconds m_timeLimit;
@@ -46,5 +46,3 @@ private:
 };
 
 } // namespace farm
-
-Q_DECLARE_METATYPE(farm::RenderResult)

@@ -14,55 +14,56 @@ namespace farm {
 
 namespace {
 
-RenderCommand CommandFor(const FrameTask& task, const JobType& type, const RenderPlace& place)
+/// Whether the next try at the frame, or at any other, would probably end in the same way at once.
+bool WouldRepeat(RunEnd end)
 {
-    const double clock = double(task.Number() - task.firstFrame) / task.FrameSpan();
-    const QMap<QString, QString> values {
-        {QStringLiteral("scene"), place.FromWorkFolder(place.sceneFile)},
-        {QStringLiteral("scene_folder"), place.FromWorkFolder(place.sceneFolder)},
-        {QStringLiteral("output"), place.FromWorkFolder(place.Output())},
-        {QStringLiteral("output_folder"), place.FromWorkFolder(place.outputFolder)},
-        {QStringLiteral("output_name"), QFileInfo(place.outputName).completeBaseName()},
-        {QStringLiteral("width"), QString::number(task.width)},
-        {QStringLiteral("height"), QString::number(task.height)},
-        {QStringLiteral("frame"), QString::number(task.Number())},
-        {QStringLiteral("frames"), QString::number(task.FrameSpan())},
-        {QStringLiteral("clock"), QString::number(clock, 'f', 6)},
-    };
-    RenderCommand command {
-        type.program, FillIn(type.arguments, values), place.workFolder, type.frameTimeLimit, {}};
-    if (type.confined)
-        command.reach = Reach {place.sceneFolder, place.outputFolder};
-    return command;
+    return end == RunEnd::FarmFault || end == RunEnd::LicenceMissing;
 }
 
 } // namespace
 
-Scheduler::Scheduler(RenderQueue& queue, Executor& executor, const FrameFiles& files, FramesInWork& inWork,
-    const JobTypes& types, std::chrono::milliseconds lookInterval)
-    : m_queue(queue)
-    , m_executor(executor)
-    , m_files(files)
-    , m_inWork(inWork)
+Scheduler::Scheduler(const Dependencies& dependencies, const JobTypes& types, const QString& hidden,
+    std::chrono::milliseconds lookInterval)
+    : m_deps(dependencies)
     , m_types(types)
+    , m_hidden(hidden)
 {
     connect(this, &Scheduler::NudgeWanted, this, &Scheduler::Nudge, Qt::QueuedConnection);
-    connect(&m_look, &QTimer::timeout, this, &Scheduler::Nudge);
+    connect(&m_deps.executor, &Executor::AvailabilityChanged, this, &Scheduler::Nudge);
+    connect(&m_deps.executor, &Executor::Started, this, &Scheduler::HandleStart);
+    connect(&m_deps.executor, &Executor::Ended, this, &Scheduler::HandleEnd);
+    connect(&m_deps.executor, &Executor::Accepted, this,
+        [this](const RunId& id, const QString& handle) { m_deps.runs.SetHandle(id, handle); });
+    connect(&m_look, &QTimer::timeout, this, &Scheduler::Look);
     m_look.start(lookInterval);
+    AttachRuns();
+}
+
+void Scheduler::AttachRuns()
+{
+    std::vector<RecordedRun> recorded;
+    for (const RunTable::Entry& run : m_deps.runs.All()) {
+        m_work[run.id].task = run.task;
+        recorded.push_back({run.id, run.task, m_deps.files.FilesOf(run.task.jobId, run.id), run.handle});
+    }
+    m_deps.executor.Attach(recorded);
+}
+
+void Scheduler::Look()
+{
+    m_waits = false;
+    Nudge();
 }
 
 void Scheduler::Nudge()
 {
+    if (m_isStopped)
+        return;
     try {
-        m_queue.PauseJobsInArrears();
+        m_deps.queue.PauseJobsInArrears();
         CancelUnwantedFrames();
-        const QStringList types = RunnableTypes();
-        for (auto taken = m_inWork.All(); static_cast<int>(taken.size()) < m_executor.Slots();
-             taken = m_inWork.All()) {
-            const auto task = m_queue.Next(types, m_lastJob, taken);
-            if (!task || !StartFrame(*task))
-                return;
-        }
+        if (!m_waits)
+            BeginFrames();
     } catch (const std::exception& error) {
         spdlog::error("the jobs cannot be read; the scheduler tries again soon: {}", error.what());
     }
@@ -70,18 +71,19 @@ void Scheduler::Nudge()
 
 void Scheduler::Stop()
 {
-    for (const FrameKey& frame : m_inWork.All())
-        m_executor.Cancel(frame);
+    m_isStopped = true;
+    m_deps.executor.Stop();
 }
 
 QStringList Scheduler::RunnableTypes()
 {
     QStringList runnable;
     for (auto type = m_types.cbegin(); type != m_types.cend(); ++type) {
-        if (m_executor.Has(type->program)) {
+        const Availability availability = m_deps.executor.Has(*type);
+        if (availability == Availability::Present) {
             m_missingPrograms.erase(type->program);
             runnable.append(type.key());
-        } else if (m_missingPrograms.insert(type->program).second) {
+        } else if (availability == Availability::Missing && m_missingPrograms.insert(type->program).second) {
             spdlog::warn("the renderer {} is not installed; jobs of type {} wait for it",
                 type->program.toStdString(), type.key().toStdString());
         }
@@ -91,78 +93,187 @@ QStringList Scheduler::RunnableTypes()
 
 void Scheduler::CancelUnwantedFrames()
 {
-    for (const FrameKey& frame : m_inWork.All()) {
-        if (m_queue.IsWanted(frame))
+    for (auto& [id, work] : m_work) {
+        if (work.isCancelled || m_deps.queue.IsWanted(work.task.key))
             continue;
-        m_executor.Cancel(frame);
-        m_inWork.Remove(frame);
+        work.isCancelled = true;
+        m_deps.inWork.Remove(work.task.key);
+        m_deps.executor.Cancel(id);
     }
 }
 
-/// @return false when the disk is full, so that no frame can be started now.
-bool Scheduler::StartFrame(const FrameTask& task)
+std::vector<RunTable::Entry> Scheduler::ChooseFrames()
 {
-    m_lastJob = task.key.job;
-    m_queue.Start(task.key.job);
+    std::set<FrameKey> taken;
+    for (const auto& work : m_work)
+        taken.insert(work.second.task.key);
+    const QStringList types = RunnableTypes();
+    std::vector<RunTable::Entry> chosen;
+    while (m_work.size() + chosen.size() < std::size_t(std::max(0, m_deps.executor.Capacity()))) {
+        const auto task = m_deps.queue.Next(types, m_lastJob, taken);
+        if (!task)
+            break;
+        m_lastJob = task->key.job;
+        taken.insert(task->key);
+        m_deps.queue.Start(task->key.job);
+        chosen.push_back({RunTable::NewRunId(task->key), *task, {}});
+    }
+    return chosen;
+}
+
+void Scheduler::BeginFrames()
+{
+    const std::vector<RunTable::Entry> chosen = ChooseFrames();
+    if (chosen.empty())
+        return;
+    m_deps.runs.Begin(chosen);
+    for (const RunTable::Entry& run : chosen)
+        m_work[run.id].task = run.task;
+    std::vector<Run> prepared;
+    for (const RunTable::Entry& run : chosen) {
+        if (auto ready = Prepared(run.id, run.task))
+            prepared.push_back(*ready);
+    }
+    m_deps.executor.Start(prepared);
+}
+
+std::optional<Run> Scheduler::Prepared(const RunId& id, const FrameTask& task)
+{
     const JobType type = m_types.value(task.type);
     try {
-        const RenderPlace place = m_files.Prepare(task, type.suffix);
-        m_executor.Start(task.key, CommandFor(task, type, place),
-            [this, task](const RenderResult& result) { FrameEnded(task, result); });
+        const RenderPlace place = m_deps.files.Prepare(task, type.suffix, id);
+        return Run {id, task, OrderFor(id, task, type, place)};
     } catch (const std::runtime_error& error) {
         // A full disk is no fault of the job: the frame keeps its attempts, and the timer starts it again.
-        if (storage::IsDiskFull(error)) {
-            spdlog::error("job {} waits for space on the disk: {}", task.jobId.toStdString(), error.what());
-            return false;
+        if (!storage::IsDiskFull(error)) {
+            RecordFailure(id, task, QString::fromUtf8(error.what()), {});
+            m_work.erase(id);
+            NudgeLater();
+            return std::nullopt;
         }
-        FrameFailed(task, QString::fromUtf8(error.what()), {});
-        return true;
+        spdlog::error("job {} waits for space on the disk: {}", task.jobId.toStdString(), error.what());
+        m_waits = true;
+        Forget(id, task);
+        m_work.erase(id);
     }
-    m_inWork.Add(task.key, Now());
-    spdlog::debug("job {} frame {} started", task.jobId.toStdString(), task.Number());
-    return true;
+    return std::nullopt;
 }
 
-void Scheduler::FrameEnded(const FrameTask& task, const RenderResult& result)
+RunOrder Scheduler::OrderFor(
+    const RunId& id, const FrameTask& task, const JobType& type, const RenderPlace& place) const
 {
-    m_inWork.Remove(task.key);
+    const double clock = double(task.Number() - task.firstFrame) / task.FrameSpan();
+    const QMap<QString, QString> values {
+        {QStringLiteral("scene"), place.FromWorkFolder(place.sceneFile)},
+        {QStringLiteral("scene_folder"), place.FromWorkFolder(place.sceneFolder)},
+        {QStringLiteral("output"), place.FromWorkFolder(place.Output())},
+        {QStringLiteral("output_folder"), place.FromWorkFolder(place.run.OutputFolder())},
+        {QStringLiteral("output_name"), QFileInfo(place.outputName).completeBaseName()},
+        {QStringLiteral("width"), QString::number(task.width)},
+        {QStringLiteral("height"), QString::number(task.height)},
+        {QStringLiteral("frame"), QString::number(task.Number())},
+        {QStringLiteral("frames"), QString::number(task.FrameSpan())},
+        {QStringLiteral("clock"), QString::number(clock, 'f', 6)},
+    };
+    RunOrder order;
+    order.id = id;
+    order.program = type.program;
+    order.arguments = FillIn(type.arguments, values);
+    order.folder = place.workFolder;
+    order.resources = type.resources;
+    order.reach = {type.confined, QStringList {place.sceneFolder} + type.readable,
+        QStringList {place.run.OutputFolder()} + type.writable, m_hidden};
+    order.files = place.run;
+    return order;
+}
+
+void Scheduler::HandleStart(const RunId& id, const QString& host, qint64 at)
+{
+    const auto work = m_work.find(id);
+    if (work == m_work.end() || work->second.isCancelled)
+        return;
+    m_deps.inWork.Add(work->second.task.key, {host, at});
+    spdlog::debug("job {} frame {} started on {}", work->second.task.jobId.toStdString(),
+        work->second.task.Number(), host.toStdString());
+}
+
+void Scheduler::HandleEnd(const RunId& id, const RunResult& result)
+{
+    const auto ended = m_work.extract(id);
+    if (ended.empty() || m_isStopped)
+        return;
+    const FrameTask& task = ended.mapped().task;
+    m_deps.inWork.Remove(task.key);
+    m_waits = m_waits || WouldRepeat(result.end);
     try {
-        Record(task, result);
+        Record(id, task, result);
     } catch (const std::exception& error) {
         // No nudge: rendering again at once could loop forever.
         spdlog::error("a finished frame could not be recorded and will be rendered again: {}", error.what());
+        m_waits = true;
+        TryToForget(id, task);
         return;
     }
     Nudge();
 }
 
-void Scheduler::Record(const FrameTask& task, const RenderResult& result)
+void Scheduler::Record(const RunId& id, const FrameTask& task, const RunResult& result)
 {
-    if (!result.ok) {
-        m_files.RequireRoom();
-        FrameFailed(task, result.message, result.log);
+    if (CountsAsAttempt(result.end)) {
+        m_deps.files.RequireRoom();
+        RecordFailure(id, task, result.message, result.log);
+        return;
+    }
+    if (result.end != RunEnd::Done) {
+        if (result.end != RunEnd::Cancelled)
+            spdlog::warn("job {} frame {} will be tried again: {}", task.jobId.toStdString(), task.Number(),
+                result.message.toStdString());
+        Forget(id, task);
         return;
     }
     Picture picture;
     try {
-        picture = m_files.Keep(task, m_types.value(task.type).suffix);
+        picture = m_deps.files.Keep(task, m_types.value(task.type).suffix, id);
     } catch (const std::runtime_error& error) {
         if (storage::IsDiskFull(error))
             throw;
-        FrameFailed(task, QString::fromUtf8(error.what()), result.log);
+        RecordFailure(id, task, QString::fromUtf8(error.what()), result.log);
         return;
     }
-    m_queue.Finish(task.key, picture, result.coreMilliseconds, Now(), result.log);
+    m_deps.runs.End(
+        id, [&] { m_deps.queue.Finish(task.key, picture, result.coreMilliseconds, Now(), result.log); });
+    m_deps.files.Discard(task, id);
     spdlog::debug("job {} frame {} finished in {} ms", task.jobId.toStdString(), task.Number(),
         result.coreMilliseconds);
 }
 
-void Scheduler::FrameFailed(const FrameTask& task, const QString& message, const QString& log)
+void Scheduler::RecordFailure(
+    const RunId& id, const FrameTask& task, const QString& message, const QString& log)
 {
     const QString reason = message.section(QLatin1Char('\n'), 0, 0);
     spdlog::warn("job {} frame {} failed: {}", task.jobId.toStdString(), task.Number(), reason.toStdString());
-    if (m_queue.Fail(task.key, message, Now(), reason + QLatin1Char('\n') + log))
-        spdlog::warn("job {} has failed", task.jobId.toStdString());
+    m_deps.runs.End(id, [&] {
+        if (m_deps.queue.Fail(task.key, message, Now(), reason + QLatin1Char('\n') + log))
+            spdlog::warn("job {} has failed", task.jobId.toStdString());
+    });
+    m_deps.files.Discard(task, id);
+}
+
+/// Ends a run that is to leave no trace.
+void Scheduler::Forget(const RunId& id, const FrameTask& task)
+{
+    m_deps.runs.End(id, [] {});
+    m_deps.files.Discard(task, id);
+}
+
+/// The database may be at fault. What is not forgotten is attached, and ends, when the farm starts again.
+void Scheduler::TryToForget(const RunId& id, const FrameTask& task)
+{
+    try {
+        Forget(id, task);
+    } catch (const std::exception& error) {
+        spdlog::error("the end of a run could not be recorded: {}", error.what());
+    }
 }
 
 } // namespace farm

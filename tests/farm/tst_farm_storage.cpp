@@ -142,12 +142,12 @@ private slots:
         const FrameFiles files(Path("jobs"_s), scenes);
         const FrameTask task = *queue.Next({job.type}, 0, {});
         diskCalls.clear();
-        const RenderPlace place = files.Prepare(task, "png"_s);
+        const RenderPlace place = files.Prepare(task, "png"_s, "run"_s);
         QVERIFY(
             Ordered({"sync jobs"_s, Sync + folder, "sync scene.txt"_s, "rename scene"_s, Sync + added.id}));
         QVERIFY(WriteFile(place.Output(), "a picture"));
         diskCalls.clear();
-        queue.Finish(task.key, files.Keep(task, "png"_s), 1, 4);
+        queue.Finish(task.key, files.Keep(task, "png"_s, "run"_s), 1, 4);
         QVERIFY(Ordered({"sync frame_0001.png"_s, "rename frame_0001.png"_s, Sync + added.id, Record()}));
     }
 

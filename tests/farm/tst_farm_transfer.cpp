@@ -1,3 +1,4 @@
+#include "farm/rendering/confinement.h"
 #include "tests/farm/farm_at_work.h"
 #include "tests/farm/package_fixture.h"
 

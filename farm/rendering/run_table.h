@@ -1,0 +1,39 @@
+#pragma once
+
+#include "farm/base/schema.h"
+#include "farm/rendering/frame_task.h"
+#include "farm/runner/run.h"
+
+#include <functional>
+#include <vector>
+
+namespace farm {
+
+/// The runs in work, on the disk: a farm that starts again learns from it which frames may still be rendered somewhere.
+class RunTable
+{
+public:
+    explicit RunTable(Database& database);
+
+    struct Entry
+    {
+        RunId id;
+        /// Only what identifies the frame and its job's folder and type.
+        FrameTask task;
+        QString handle;
+    };
+
+    static RunId NewRunId(const FrameKey& frame);
+
+    /// Records runs that are about to start, in one transaction.
+    void Begin(const std::vector<Entry>& runs);
+    void SetHandle(const RunId& run, const QString& handle);
+    /// Forgets the run in the transaction in which `record` records its end.
+    void End(const RunId& run, const std::function<void()>& record);
+    std::vector<Entry> All();
+
+private:
+    Database& m_database;
+};
+
+} // namespace farm

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QMetaType>
+#include <QString>
+#include <QStringList>
+
+#include <chrono>
+#include <cstdint>
+
+namespace farm {
+
+/// Names one run of a renderer for ever, even after a restart of the farm: "j12-r1-f7-3f9a1c02".
+using RunId = QString;
+
+enum class RunEnd {
+    /// The renderer ended well; whether it left a picture is for the farm to find out.
+    Done,
+    SceneFault,
+    TimeLimit,
+    Cancelled,
+    MachineLost,
+    Preempted,
+    LicenceMissing,
+    /// The farm or the machine is at fault: the renderer could not be started or watched.
+    FarmFault,
+};
+
+/// Whether the end counts against the frame's attempts. The other ends cost only another try.
+inline bool CountsAsAttempt(RunEnd end)
+{
+    return end == RunEnd::SceneFault || end == RunEnd::TimeLimit;
+}
+
+struct RunResult
+{
+    RunEnd end = RunEnd::FarmFault;
+    /// The reason unless the run is done, for the user.
+    QString message;
+    /// The end of what the renderer wrote.
+    QString log;
+    /// The processor time of the renderer and of all programs that it has started.
+    std::int64_t coreMilliseconds = 0;
+    /// The machine on which it ran; empty when it did not.
+    QString host;
+};
+
+/// What a run asks for, and may use at most.
+struct Resources
+{
+    int cores = 1;
+    /// In bytes; 0 leaves the choice to the executor.
+    std::int64_t memory = 0;
+    int gpus = 0;
+    QStringList licences;
+    std::chrono::seconds timeLimit {3600};
+    /// Processes and threads at a time.
+    int processes = 1024;
+    /// The size of a file that the renderer writes, in bytes.
+    std::int64_t fileSize = std::int64_t {16} << 30;
+};
+
+/// The files of a run, by absolute paths that are the same on every machine that may run it.
+struct RunFiles
+{
+    /// Its folder; the renderer may write nothing there but its picture.
+    QString folder;
+
+    /// The order in JSON, for the program quillstar-run-frame. It is there before the run is started.
+    QString Order() const { return folder + QStringLiteral("/order.json"); }
+    /// What quillstar-run-frame reports at the end, in JSON. The file is complete once it exists.
+    QString Outcome() const { return folder + QStringLiteral("/outcome.json"); }
+    /// All that the renderer has written.
+    QString Log() const { return folder + QStringLiteral("/log.txt"); }
+    /// The renderer writes here.
+    QString OutputFolder() const { return folder + QStringLiteral("/output"); }
+};
+
+} // namespace farm
+
+Q_DECLARE_METATYPE(farm::RunResult)

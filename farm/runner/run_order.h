@@ -1,0 +1,45 @@
+#pragma once
+
+#include "farm/runner/run.h"
+
+#include <optional>
+
+namespace farm {
+
+/// The part of the machine that a renderer may use.
+struct Reach
+{
+    /// Whether only programs, libraries, fonts and the paths below may be used; otherwise all but what is hidden.
+    bool confined = true;
+    QStringList readable;
+    QStringList writable;
+    /// The farm's data. Of it, only what is below `readable` and `writable` can be reached, confined or not.
+    QString hidden;
+};
+
+/// A run, complete: quillstar-run-frame needs nothing else.
+struct RunOrder
+{
+    RunId id;
+    QString program;
+    QStringList arguments;
+    /// The renderer runs here.
+    QString folder;
+    Resources resources;
+    Reach reach;
+    RunFiles files;
+    /// The user who runs the renderer where quillstar-run-frame runs as root; empty for the same user.
+    QString user;
+};
+
+/// Writes the order to its file. Throws std::runtime_error.
+void WriteOrder(const RunOrder& order);
+/// Throws std::runtime_error.
+RunOrder ReadOrder(const QString& file);
+
+/// Throws std::runtime_error.
+void WriteOutcome(const QString& file, const RunResult& result);
+/// @return nothing while the run has not ended, or when the file cannot be read.
+std::optional<RunResult> ReadOutcome(const QString& file);
+
+} // namespace farm
