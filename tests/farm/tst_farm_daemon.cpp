@@ -106,14 +106,14 @@ private slots:
         FarmData data(m_folder->path());
         Daemon daemon(m_folder->path(), {});
         QVERIFY(daemon.IsListening());
-        const auto credit = [this](const QString& account, const QString& amount) {
-            return Run({"--data"_s, m_folder->path(), "--credit"_s, account, "--"_s, amount});
+        const auto pay = [this](const QString& account, const QString& amount) {
+            return Run({"pay"_s, "--data"_s, m_folder->path(), "--"_s, account, amount});
         };
-        QCOMPARE(credit("ann"_s, "2.50"_s), 0);
-        QCOMPARE(credit("ann@example.org"_s, "1"_s), 0);
-        QCOMPARE(credit("eve"_s, "1"_s), 1);
-        for (const QString& amount : {"much"_s, "-1"_s, "inf"_s})
-            QCOMPARE(credit("ann"_s, amount), 2);
+        QCOMPARE(pay("ann"_s, "2.50"_s), 0);
+        QCOMPARE(pay("ann@example.org"_s, "1"_s), 0);
+        QCOMPARE(pay("eve"_s, "1"_s), 1);
+        for (const QString& amount : {"much"_s, "-1"_s, "inf"_s, "1e3"_s, "0.0000001"_s})
+            QCOMPARE(pay("ann"_s, amount), 2);
         QCOMPARE(data.Balance(), Micros(13500000));
     }
 

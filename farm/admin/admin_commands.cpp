@@ -1,0 +1,15 @@
+#include "farm/admin/admin_commands.h"
+
+#include "farm/admin/money_commands.h"
+
+#include <CLI/CLI.hpp>
+
+namespace farm {
+
+AdminCommands::AdminCommands(CLI::App& app)
+{
+    AddMoneyCommands(app, m_chosen);
+    app.require_subcommand(0, 1);
+}
+
+} // namespace farm

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "farm/farm.h"
+
+#include <string>
+
+namespace CLI {
+class App;
+} // namespace CLI
+
+namespace farm {
+
+/// The options of a farm that serves.
+class ServeOptions
+{
+public:
+    /// Adds the options to the command line, which fills them when it is parsed and must not outlive them.
+    explicit ServeOptions(CLI::App& app);
+    ServeOptions(const ServeOptions&) = delete;
+    ServeOptions& operator=(const ServeOptions&) = delete;
+
+    FarmSettings Settings() const;
+    QString DataFolder() const { return QString::fromStdString(m_dataFolder); }
+    bool StopsWithStdin() const { return m_stopsWithStdin; }
+    const std::string& LogLevel() const { return m_logLevel; }
+
+private:
+    void AddNetwork(CLI::App& app);
+    void AddRendering(CLI::App& app);
+    void AddAccounts(CLI::App& app);
+
+    std::string m_dataFolder;
+    std::string m_address;
+    int m_port = 0;
+    int m_slotCount = 1;
+    int m_quota = 20; // GiB
+    std::string m_price;
+    std::string m_jobTypesFile;
+    std::string m_sceneFolder;
+    bool m_hasNoDemo = false;
+    bool m_takesOver = false;
+    bool m_stopsWithStdin = false;
+    std::string m_logLevel = "info";
+};
+
+} // namespace farm
