@@ -143,15 +143,12 @@ QJsonArray FramesJson(const std::vector<FrameRecord>& frames)
     return list;
 }
 
-QJsonObject ChangesJson(const AccountChanges& changes, const Account* account)
+QJsonObject ChangesJson(const AccountChanges& changes)
 {
     QJsonArray jobs;
     for (const QString& id : changes.jobs)
         jobs.append(id);
-    QJsonObject json {{QStringLiteral("jobs"), jobs}, {QStringLiteral("list"), changes.list}};
-    if (account)
-        json.insert(QStringLiteral("account"), AccountJson(*account));
-    return json;
+    return {{QStringLiteral("jobs"), jobs}, {QStringLiteral("list"), changes.list}};
 }
 
 QJsonObject DataJson(const QJsonValue& value)

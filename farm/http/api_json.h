@@ -26,8 +26,7 @@ QJsonArray PackedFilesJson(const std::vector<PackedFile>& files);
 QJsonArray PicturesJson(const std::vector<Picture>& pictures);
 /// Each frame as an array, since a job may have thousands; see docs/farm-api.md for the order of its values.
 QJsonArray FramesJson(const std::vector<FrameRecord>& frames);
-/// @param account is the changed account; null when its balance is as it was.
-QJsonObject ChangesJson(const AccountChanges& changes, const Account* account);
+QJsonObject ChangesJson(const AccountChanges& changes);
 /// Wraps the value in an object as its member "data".
 QJsonObject DataJson(const QJsonValue& value);
 /// @param word is the error's name for programs, `message` its sentence for people.

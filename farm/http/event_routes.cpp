@@ -5,11 +5,11 @@
 #include "farm/http/api_json.h"
 #include "farm/http/http_refusal.h"
 #include "farm/http/request_gate.h"
+#include "farm/jobs/job_store.h"
 
 #include <QJsonDocument>
 
 #include <chrono>
-#include <optional>
 #include <utility>
 
 namespace farm {
@@ -18,23 +18,18 @@ namespace {
 
 constexpr std::chrono::seconds Heartbeat {25};
 constexpr int MostStreamsPerAccount = 64;
+constexpr int MostRecords = 20;
 constexpr int RetryAfter = 30; // s
 
 // Comments of the event-stream format. The first one shows the client at once that the stream is open.
 const QByteArray Comment = QByteArrayLiteral(":\n\n");
 
-QByteArray EventOf(const AccountChanges& changes, const Account* account)
-{
-    return changes.IsEmpty()
-        ? Comment
-        : "data: " + QJsonDocument(ChangesJson(changes, account)).toJson(QJsonDocument::Compact) + "\n\n";
-}
-
 } // namespace
 
-EventRoutes::EventRoutes(RequestGate& gate, AccountStore& accounts, ChangeFeed& feed)
+EventRoutes::EventRoutes(RequestGate& gate, AccountStore& accounts, JobStore& jobs, ChangeFeed& feed)
     : m_gate(gate)
     , m_accounts(accounts)
+    , m_jobs(jobs)
     , m_feed(feed)
 {
 }
@@ -54,9 +49,23 @@ EventStream EventRoutes::Open(const ApiRequest& request)
         // The session may have ended since the last event.
         if (!changes || !m_accounts.AccountOf(token, Now()))
             return QByteArray();
-        const auto info = changes->money ? std::optional<Account>(m_accounts.Info(account)) : std::nullopt;
-        return EventOf(*changes, info ? &*info : nullptr);
+        return changes->IsEmpty() ? Comment : EventOf(account, *changes);
     };
+}
+
+QByteArray EventRoutes::EventOf(std::int64_t account, const AccountChanges& changes)
+{
+    QJsonObject event = ChangesJson(changes);
+    if (changes.money)
+        event.insert(QStringLiteral("account"), AccountJson(m_accounts.Info(account)));
+    // A client has to ask for a list that may hold other jobs, and then gets the records anyway.
+    if (!changes.list && changes.jobs.size() <= MostRecords) {
+        QJsonArray records;
+        for (const QString& job : changes.jobs)
+            records.append(JobJson(m_jobs.Find(account, job)));
+        event.insert(QStringLiteral("records"), records);
+    }
+    return "data: " + QJsonDocument(event).toJson(QJsonDocument::Compact) + "\n\n";
 }
 
 std::shared_ptr<ChangeFeed::Subscription> EventRoutes::Admit(std::int64_t account)

@@ -20,7 +20,7 @@ HttpApi::HttpApi(const Dependencies& dependencies, const RequestLimits& limits)
     , m_uploads(m_gate, dependencies.contents, dependencies.uploads)
     , m_jobs(m_gate, dependencies.jobs, dependencies.actions, dependencies.submission)
     , m_frames(m_gate, dependencies.jobs, dependencies.frames, dependencies.inWork, dependencies.pictures)
-    , m_events(m_gate, dependencies.accounts, dependencies.feed)
+    , m_events(m_gate, dependencies.accounts, dependencies.jobs, dependencies.feed)
 {
     m_server.Get("/api/v1/health", Health);
     m_accounts.AddTo(m_server);

@@ -2,8 +2,6 @@
 
 #include "json/read_object.h"
 
-#include <QJsonArray>
-
 #include <utility>
 
 QByteArrayList EventStream::Read(const QByteArray& bytes)
@@ -50,5 +48,6 @@ FarmChanges FarmChanges::Read(const QByteArray& event)
     changes.list = object.value(QLatin1String("list")).toBool();
     changes.account = object.value(QLatin1String("account")).toObject();
     changes.money = !changes.account.isEmpty();
+    changes.records = object.value(QLatin1String("records")).toArray();
     return changes;
 }

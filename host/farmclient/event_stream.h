@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QByteArrayList>
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QStringList>
 
@@ -36,6 +37,7 @@ struct FarmChanges
     bool list = false;        ///< any list of jobs may be another one
     bool money = false;       ///< the balance
     QJsonObject account = {}; ///< with the balance; empty when the farm has to be asked for it
+    QJsonArray records = {};  ///< of all jobs that have changed; empty when the farm has to be asked for them
 
     /// Anything may have changed, as while there was no stream.
     static FarmChanges Anything() { return {{}, true, true}; }

@@ -9,10 +9,13 @@
 #include <QListWidget>
 #include <QPushButton>
 
+#include <utility>
+
 namespace {
 
 constexpr int Success = 200;
 constexpr int AllJobs = 2; // the entry of the list of statuses
+constexpr int Unknown = -1;
 
 } // namespace
 
@@ -22,6 +25,7 @@ void FilterBar::BeginSession()
     if (!form || form == m_form)
         return;
     m_form = form;
+    m_total = Unknown;
     m_bar = form->findChild<QWidget*>(QStringLiteral("wgtFilter"));
     m_label = form->findChild<QLabel*>(QStringLiteral("lblFilter"));
     m_found = form->findChild<QLabel*>(QStringLiteral("lblFound"));
@@ -43,9 +47,10 @@ void FilterBar::HandleJobList(int code, const QVariantMap& answer)
         const auto* group = m_form ? m_form->findChild<QLabel*>(QStringLiteral("lblProjectV")) : nullptr;
         m_group = group ? group->text() : QString();
     }
-    m_conditions = conditions;
-    m_total = answer.value(QStringLiteral("data")).toMap().value(QStringLiteral("total")).toInt();
-    Update();
+    const int total = answer.value(QStringLiteral("data")).toMap().value(QStringLiteral("total")).toInt();
+    // Most lists are refreshes, which change nothing here.
+    if (conditions != std::exchange(m_conditions, conditions) || total != std::exchange(m_total, total))
+        Update();
     emit JobsListed(!m_conditions.isEmpty());
 }
 

@@ -7,6 +7,9 @@ using FarmProtocol::Answer;
 
 namespace {
 
+// The identifier of requests for the window's table; others belong to dialogs.
+constexpr int OfTable = 0;
+
 QVariantMap Echo(const QVariantHash& request, const QStringList& keys)
 {
     QVariantMap echo;
@@ -22,8 +25,11 @@ CommunicationService::CommunicationService(const HttpLimits& limits, QObject* pa
     , m_transport(limits)
     , m_session(std::make_unique<QObject>())
 {
-    m_announcementAnswer.setSingleShot(true);
-    connect(&m_announcementAnswer, &QTimer::timeout, this, &CommunicationService::AnswerWithAnnouncement);
+    for (QTimer* timer : {&m_accountAnswer, &m_jobsAnswer})
+        timer->setSingleShot(true);
+    connect(&m_accountAnswer, &QTimer::timeout, this, &CommunicationService::AnswerWithAnnouncedAccount);
+    connect(&m_jobsAnswer, &QTimer::timeout, this,
+        [this] { emit JobListResponse(HttpStatus::Ok, m_announcedJobs.Take()); });
 }
 
 void CommunicationService::SetServerUrl(const QUrl& url)
@@ -54,10 +60,11 @@ void CommunicationService::HandleChanges(const FarmChanges& changes)
     // A change without the new balances makes those announced before worthless.
     if (changes.money)
         m_announcedAccount = FarmProtocol::IsUserInfo(body) ? body : QJsonObject();
+    m_announcedJobs.Update(changes);
     emit FarmChanged(changes);
 }
 
-void CommunicationService::AnswerWithAnnouncement()
+void CommunicationService::AnswerWithAnnouncedAccount()
 {
     const HttpResult result {HttpStatus::Ok, std::exchange(m_announcedAccount, {})};
     const Answer answer = FarmProtocol::Decode(result, FarmProtocol::IsUserInfo, {});
@@ -66,7 +73,7 @@ void CommunicationService::AnswerWithAnnouncement()
 
 bool CommunicationService::IsFetchingJobs() const
 {
-    const auto list = m_jobLists.constFind(0);
+    const auto list = m_jobLists.constFind(OfTable);
     return list != m_jobLists.constEnd() && list->call && !list->request.isEmpty();
 }
 
@@ -84,11 +91,11 @@ int CommunicationService::GetUserInfo(const QVariant& status, const QVariantHash
 {
     if (const int refusal = CheckRequest(status))
         return refusal;
-    if (m_announcedAccount.isEmpty() || m_announcementAnswer.isActive())
+    if (m_announcedAccount.isEmpty() || m_accountAnswer.isActive())
         Send(FarmProtocol::UserInfoRequest(request),
             {FarmProtocol::IsUserInfo, &VTCommunicationInterface::UserInfoResponse});
     else
-        m_announcementAnswer.start();
+        m_accountAnswer.start();
     return StatusOk;
 }
 
@@ -122,12 +129,20 @@ int CommunicationService::GetJobList(const QVariant& status, const QVariantHash&
     if (const int refusal = CheckRequest(status))
         return refusal;
     const QString key = QStringLiteral("identifier");
-    JobList& newest = m_jobLists[request.value(key).toInt()];
+    const int identifier = request.value(key).toInt();
+    JobList& newest = m_jobLists[identifier];
+    const bool isAnnounced = identifier == OfTable && m_announcedJobs.IsNewsFor(request);
     // Over a slow link, a list that each refresh replaced would never arrive.
-    if (newest.call && newest.request == request)
+    if (newest.call && newest.request == request && !isAnnounced)
         return StatusOk;
     // The answer for an earlier page must not arrive after the one for the page now shown.
     delete newest.call.data();
+    if (identifier == OfTable)
+        m_jobsAnswer.stop();
+    if (isAnnounced) {
+        m_jobsAnswer.start();
+        return StatusOk;
+    }
     newest.request = request;
     newest.call = Send(FarmProtocol::JobListRequest(request),
         {FarmProtocol::IsJobList, &VTCommunicationInterface::JobListResponse,
@@ -155,16 +170,26 @@ HttpCall* CommunicationService::Send(const HttpRequest& request, const Handling&
     connect(call, &HttpCall::Finished, this, [this, handling, ofSession, call](const HttpResult& result) {
         const Answer answer = FarmProtocol::Decode(result, handling.check, handling.echo);
         const QPointer<QObject> session = m_session.get();
-        // After an action, a list on its way may show the jobs as they were, so the next request replaces it.
-        for (JobList& list : m_jobLists) {
-            if (handling.changesJobs || list.call == call)
-                list.request.clear();
-        }
+        KeepJobList(call, answer, handling.changesJobs);
         emit(this->*handling.response)(answer.code, answer.map);
         if (ofSession && answer.code == HttpStatus::Unauthorized && session)
             ReportExpiry();
     });
     return call;
+}
+
+void CommunicationService::KeepJobList(const HttpCall* call, const Answer& answer, bool hasChanged)
+{
+    if (hasChanged)
+        m_announcedJobs.Forget();
+    for (auto list = m_jobLists.begin(); list != m_jobLists.end(); ++list) {
+        const bool hasArrived = list->call == call;
+        if (hasArrived && list.key() == OfTable && answer.code == HttpStatus::Ok)
+            m_announcedJobs.Set(list->request, answer.map);
+        // After an action, a list on its way may show the jobs as they were, so the next request replaces it.
+        if (hasArrived || hasChanged)
+            list->request.clear();
+    }
 }
 
 int CommunicationService::Submit(const QVariant& status, const HttpRequest& request, const Handling& handling)
@@ -186,7 +211,9 @@ void CommunicationService::BeginSession()
 {
     m_jobLists.clear();
     m_announcedAccount = {};
-    m_announcementAnswer.stop();
+    m_accountAnswer.stop();
+    m_announcedJobs.Forget();
+    m_jobsAnswer.stop();
     m_session = std::make_unique<QObject>();
     m_expiryReported = false;
 }

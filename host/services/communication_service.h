@@ -3,6 +3,7 @@
 #include "host/farmclient/event_stream.h"
 #include "host/farmclient/farm_protocol.h"
 #include "host/farmclient/http_transport.h"
+#include "host/services/announced_job_list.h"
 #include "host/services/service_base.h"
 #include "vtr_communicationinterface.h"
 
@@ -90,7 +91,9 @@ private:
     int SubmitAction(
         const QVariant& status, const QByteArray& action, const QVariantHash& request, Response response);
     void HandleChanges(const FarmChanges& changes);
-    void AnswerWithAnnouncement();
+    void AnswerWithAnnouncedAccount();
+    /// @param call has brought the answer. @param hasChanged whether it has changed jobs.
+    void KeepJobList(const HttpCall* call, const FarmProtocol::Answer& answer, bool hasChanged);
     void BeginSession();
     void ReportExpiry();
 
@@ -99,7 +102,9 @@ private:
     std::unique_ptr<QObject> m_session; // owns the session's calls, which end with it
     QPointer<FarmEvents> m_events;
     QJsonObject m_announcedAccount; // the body of an answer; empty unless it is newer than the last answer
-    QTimer m_announcementAnswer;
+    QTimer m_accountAnswer;
+    AnnouncedJobList m_announcedJobs; // of the window's table
+    QTimer m_jobsAnswer;
     QHash<int, JobList> m_jobLists; // the newest by the request's identifier
     bool m_expiryReported = false;
 };

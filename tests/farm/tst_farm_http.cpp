@@ -204,8 +204,9 @@ private slots:
             = [](const auto& stream, const QByteArray& text) { return stream->peek(10000).contains(text); };
         FarmAtWork farm;
         farm.data.Add("bob", "b");
-        const QString id = farm.Add(1, JobStatus::Paused);
-        farm.Start(ScriptedTypes("cp {scene} {output}"));
+        const QString id = farm.Add(3, JobStatus::Paused);
+        // Slower than the gap between two events, so that a frame of its own is announced.
+        farm.Start(ScriptedTypes("sleep 0.8; cp {scene} {output}"));
         const auto ann = farm.Listen();
         EVENTUALLY(has(ann, "\n:\n"));
         // Another process pays in.
@@ -220,6 +221,7 @@ private slots:
         QCOMPARE(farm.Apply("recover"_s, {id}).status, 200);
         EVENTUALLY(has(ann, R"(}},"jobs":[")" + id.toLatin1() + R"("],"list":true})"));
         QVERIFY(!has(bob, "data:"));
+        EVENTUALLY(has(ann, R"("list":false,"records":[{"job_cost":)"));
 
         farm.token = session;
         QCOMPARE(farm.Send("DELETE", "/session"_s).status, 200);

@@ -78,6 +78,13 @@ public:
             Send(socket, bytes);
     }
 
+    /// Sends more bytes to a client whose reply stalls.
+    void Continue(int request, const QByteArray& bytes)
+    {
+        if (QTcpSocket* socket = m_exchanges.at(request).socket)
+            socket->write(bytes);
+    }
+
     /// Acts as a proxy that passes only requests with this name and password on.
     void AskFor(const QByteArray& login)
     {
