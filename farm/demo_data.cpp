@@ -4,6 +4,7 @@
 #include "farm/jobs/frame_store.h"
 #include "farm/jobs/job_actions.h"
 #include "farm/jobs/job_store.h"
+#include "farm/jobs/job_turn.h"
 
 #include <array>
 
@@ -146,8 +147,8 @@ void AddPastJob(SQLite::Database& connection, JobStore& jobs, const NewJob& job)
         job.submittedAt + std::int64_t(done) * 40, job.status == JobStatus::Failed ? Failure : QString());
     if (job.status != JobStatus::Failed)
         return;
-    Execute(connection, "UPDATE frames SET failures = ?3 WHERE job = ?1 AND number = ?2", key, done + 1,
-        AttemptsPerFrame);
+    Execute(connection, "UPDATE frames SET failures = ?3, retry_at = ?4 WHERE job = ?1 AND number = ?2", key,
+        done + 1, AttemptsPerFrame, PassedBy);
     KeepFrameLog(connection, key, done + 1, Failure + QLatin1String(FailureLog));
 }
 

@@ -18,6 +18,15 @@ constexpr int LockWait = 5000; // ms
 constexpr std::chrono::hours ForgetInterval {1};
 constexpr std::chrono::seconds OutsideInterval {1};
 
+QueueSettings QueueSettingsOf(const FarmSettings& settings, const JobTypes& types)
+{
+    QueueSettings queue {
+        settings.pricePerCoreSecond, settings.useHalfLife, settings.retryPause, settings.framesPerAccount};
+    for (auto type = types.cbegin(); type != types.cend(); ++type)
+        queue.framesPerType.insert(type.key(), type->framesAtOnce);
+    return queue;
+}
+
 } // namespace
 
 Farm::Farm(const FarmSettings& settings)
@@ -30,7 +39,7 @@ Farm::Farm(const FarmSettings& settings)
     , m_types(ReadJobTypes(settings.jobTypesFile))
     , m_contents(m_database, Folder("contents"))
     , m_uploads(m_database, m_contents, Folder("uploads"), settings.quota)
-    , m_queue(m_database, m_feed, settings.pricePerCoreSecond)
+    , m_queue(m_database, m_feed, QueueSettingsOf(settings, m_types))
     , m_runs(m_database)
     , m_scenes(m_database, m_contents, settings.sceneFolder)
     , m_files(Folder("jobs"), m_scenes)

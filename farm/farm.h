@@ -39,6 +39,10 @@ struct FarmSettings
     /// The time after which the scheduler looks at the jobs even if nothing has told it of a change.
     std::chrono::milliseconds lookInterval {5000};
     Micros pricePerCoreSecond = DefaultPrice;
+    /// See QueueSettings.
+    std::chrono::seconds useHalfLife = QueueSettings().useHalfLife;
+    std::chrono::seconds retryPause = QueueSettings().retryPause;
+    int framesPerAccount = 0;
     std::int64_t sessionSeconds = std::int64_t {7} * 24 * 3600;
     /// Creates the demo accounts in an empty farm and keeps "demo" supplied with jobs.
     bool demo = true;

@@ -148,11 +148,43 @@ CREATE TABLE runs(
 CREATE INDEX runs_by_job ON runs(job);
 )sql";
 
+// The queue seeks the next frame by indexes, however many jobs are open and frames a job has. A job is looked for among
+// its account's jobs of its type while resume_at is 0; otherwise all its open frames have failed and wait for the next
+// attempt, the first of them until then. A frame that has failed waits until retry_at, one that is passed by for ever.
+// The first, the middle and the last frame of a job are early. The level of an account's use is that of RecentUse.
+constexpr const char* FairQueue = R"sql(
+ALTER TABLE jobs ADD COLUMN priority INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE jobs ADD COLUMN early INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE jobs ADD COLUMN resume_at INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE jobs ADD COLUMN begun_run INTEGER NOT NULL DEFAULT 0;
+UPDATE jobs SET begun_run = run WHERE EXISTS
+    (SELECT 1 FROM frames WHERE job = jobs.key AND finished_at IS NOT NULL);
+DROP INDEX jobs_to_render;
+CREATE INDEX jobs_in_turn ON jobs(account, type, priority DESC, key)
+    WHERE status IN (0, 1, 6) AND resume_at = 0;
+CREATE INDEX jobs_with_early_frames ON jobs(account, type, priority DESC, key)
+    WHERE status IN (0, 1, 6) AND resume_at = 0 AND early = 1;
+CREATE INDEX jobs_to_resume ON jobs(resume_at) WHERE status IN (0, 1, 6) AND resume_at > 0;
+
+ALTER TABLE frames ADD COLUMN early INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE frames ADD COLUMN retry_at INTEGER;
+DROP INDEX open_frames;
+CREATE INDEX ready_frames ON frames(job, early DESC, number) WHERE finished_at IS NULL AND retry_at IS NULL;
+CREATE INDEX failed_frames ON frames(job, retry_at) WHERE finished_at IS NULL AND retry_at IS NOT NULL;
+
+CREATE TABLE account_use(
+    account INTEGER PRIMARY KEY REFERENCES accounts ON DELETE CASCADE,
+    level REAL NOT NULL);
+CREATE TABLE stopped_types(
+    type TEXT PRIMARY KEY,
+    message TEXT NOT NULL) WITHOUT ROWID;
+)sql";
+
 } // namespace
 
 storage::Migrations Schema()
 {
-    return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork};
+    return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork, FairQueue};
 }
 
 } // namespace farm

@@ -94,6 +94,7 @@ QJsonObject JobInfoJson(const JobRecord& job, const JobPlan& plan)
         {QStringLiteral("jobWidth"), plan.width},
         {QStringLiteral("jobHeight"), plan.height},
         {QStringLiteral("jobPrerender"), plan.prerender},
+        {QStringLiteral("jobPriority"), plan.priority},
     };
 }
 

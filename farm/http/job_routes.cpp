@@ -56,6 +56,7 @@ void JobRoutes::AddTo(HttpServer& server)
     server.Post("/api/v1/jobs/restart", act(JobAction::Restart));
     server.Post("/api/v1/jobs/delete", act(JobAction::Delete));
     server.Post("/api/v1/jobs/full-render", act(JobAction::FullRender));
+    server.Post("/api/v1/jobs/priority", [this](const ApiRequest& request) { return SetPriority(request); });
 }
 
 QJsonObject JobRoutes::List(const ApiRequest& request)
@@ -91,6 +92,15 @@ QJsonObject JobRoutes::Act(JobAction action, const ApiRequest& request)
     const QStringList refused
         = m_actions.Apply(action, account, RequiredTexts(request.Body(), "ids", MostIds), Now());
     return DataJson(QJsonObject {{QStringLiteral("notAllowedJobs"), QJsonArray::fromStringList(refused)}});
+}
+
+QJsonObject JobRoutes::SetPriority(const ApiRequest& request)
+{
+    const std::int64_t account = m_gate.Authorize(request);
+    const QJsonObject body = request.Body();
+    m_actions.SetPriority(account, RequiredTexts(body, "ids", MostIds),
+        RequiredInteger(body, "priority", LowestPriority, HighestPriority));
+    return DataJson(QJsonObject {{QStringLiteral("notAllowedJobs"), QJsonArray()}});
 }
 
 QJsonObject JobRoutes::Submit(const ApiRequest& request)

@@ -26,6 +26,7 @@ private:
     QJsonObject Search(const ApiRequest& request);
     QJsonObject Show(const ApiRequest& request);
     QJsonObject Act(JobAction action, const ApiRequest& request);
+    QJsonObject SetPriority(const ApiRequest& request);
     QJsonObject Submit(const ApiRequest& request);
 
     RequestGate& m_gate;

@@ -112,6 +112,8 @@ Submission ReadSubmission(const QJsonObject& body)
     if (!prerender.isBool())
         throw InvalidInput("prerender is missing or is neither true nor false");
     job.prerender = prerender.toBool();
+    if (body.contains(QLatin1String("priority")))
+        job.priority = RequiredInteger(body, "priority", LowestPriority, HighestPriority);
     return submission;
 }
 

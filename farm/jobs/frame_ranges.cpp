@@ -42,9 +42,9 @@ void AddFrames(
         Execute(connection, "INSERT INTO frame_ranges(job, first, last) VALUES (?, ?, ?)", job, range.first,
             range.last);
     const std::string sql = std::string(WantedFrames)
-        + "INSERT INTO frames(job, number) SELECT job, number FROM (SELECT job, number, "
-          "row_number() OVER (ORDER BY number) AS place, count(*) OVER () AS total FROM wanted) "
-          "WHERE NOT ?2 OR place IN (1, (total + 1) / 2, total)";
+        + "INSERT INTO frames(job, number, early) SELECT job, number, place IN (1, (total + 1) / 2, total) "
+          "FROM (SELECT job, number, row_number() OVER (ORDER BY number) AS place, count(*) OVER () AS total "
+          "FROM wanted) WHERE NOT ?2 OR place IN (1, (total + 1) / 2, total)";
     Execute(connection, sql.c_str(), QStringLiteral("[%1]").arg(job), int(prerender));
 }
 

@@ -20,7 +20,7 @@ std::vector<FrameRange> Disjoint(std::vector<FrameRange> ranges);
 int FrameCount(const std::vector<FrameRange>& ranges);
 
 /// Gives a new job its ranges, which must not overlap, and its frames: all of them, or the first, the middle and the last
-/// one when it is a prerender job.
+/// one when it is a prerender job. These three are the early ones: they are rendered first, so that a mistake shows soon.
 void AddFrames(
     SQLite::Database& connection, std::int64_t job, const std::vector<FrameRange>& ranges, bool prerender);
 

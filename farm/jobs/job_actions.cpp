@@ -4,6 +4,7 @@
 #include "farm/base/errors.h"
 #include "farm/jobs/frame_ranges.h"
 #include "farm/jobs/job_status.h"
+#include "farm/jobs/job_turn.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -72,16 +73,15 @@ void ForgetFrames(SQLite::Database& connection, const QString& jobs, std::int64_
 void SendToWork(SQLite::Database& connection, const QString& jobs, std::int64_t now)
 {
     Execute(connection,
-        "UPDATE frames SET failures = 0, changed_at = ?2 WHERE finished_at IS NULL AND failures <> 0 "
-        "AND job IN (SELECT value FROM json_each(?1))",
+        "UPDATE frames SET failures = 0, retry_at = NULL, changed_at = ?2 WHERE finished_at IS NULL "
+        "AND (failures <> 0 OR retry_at IS NOT NULL) AND job IN (SELECT value FROM json_each(?1))",
         jobs, now);
     Execute(connection,
         "UPDATE jobs SET ended_at = NULL, message = '' WHERE key IN (SELECT value FROM json_each(?))", jobs);
-    // A job that was stopped while its last frame ended has nothing left to render.
-    Execute(connection,
-        "UPDATE jobs SET status = ?2, ended_at = ?3 WHERE key IN (SELECT value FROM json_each(?1)) "
-        "AND NOT EXISTS (SELECT 1 FROM frames WHERE job = jobs.key AND finished_at IS NULL)",
-        jobs, static_cast<int>(JobStatus::Finished), now);
+    // A job that was stopped while its last frame ended has nothing left to render and ends now.
+    const QJsonArray keys = QJsonDocument::fromJson(jobs.toUtf8()).array();
+    for (const QJsonValue& key : keys)
+        UpdateTurn(connection, std::int64_t(key.toDouble()), now);
 }
 
 } // namespace
@@ -115,6 +115,17 @@ QStringList JobActions::Apply(JobAction action, std::int64_t account, QStringLis
         m_feed.Announce(account, {QSet<QString>(ids.cbegin(), ids.cend()), true});
     m_changed();
     return refused;
+}
+
+void JobActions::SetPriority(std::int64_t account, QStringList ids, int priority)
+{
+    ids.removeDuplicates();
+    m_database.Write([&](SQLite::Database& connection) {
+        const QString jobs = AffectedJobs(connection, "status <> 5", account, ids);
+        Execute(connection, "UPDATE jobs SET priority = ?2 WHERE key IN (SELECT value FROM json_each(?1))",
+            jobs, priority);
+    });
+    m_changed();
 }
 
 } // namespace farm

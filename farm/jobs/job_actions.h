@@ -26,6 +26,9 @@ public:
     /// account's jobs.
     QStringList Apply(JobAction action, std::int64_t account, QStringList ids, std::int64_t now);
 
+    /// Gives those of the jobs that are not deleted this priority. Throws NotFound as Apply() does.
+    void SetPriority(std::int64_t account, QStringList ids, int priority);
+
 private:
     Database& m_database;
     ChangeFeed& m_feed;

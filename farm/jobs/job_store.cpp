@@ -19,15 +19,17 @@ std::int64_t InsertJob(SQLite::Database& connection, const NewJob& job, const QS
 {
     SQLite::Statement insert(connection,
         "INSERT INTO jobs(id, account, number, "
-        "type, name, folded_name, business, status, scene, width, height, submitted_at, project, submission) "
+        "type, name, folded_name, business, status, scene, width, height, submitted_at, priority, early, "
+        "project, "
+        "submission) "
         "VALUES (?1, ?2, (SELECT coalesce(max(number), 0) + 1 FROM jobs WHERE account = ?2), "
-        "?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13)");
+        "?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, 1, ?13, ?14)");
     Bind(insert, id, job.account, job.type, job.name, job.name.toCaseFolded(), int(job.rendering),
-        static_cast<int>(job.status), job.scene, job.width, job.height, job.submittedAt);
+        static_cast<int>(job.status), job.scene, job.width, job.height, job.submittedAt, job.priority);
     if (job.project)
-        insert.bind(12, *job.project);
+        insert.bind(13, *job.project);
     if (!job.submission.isNull())
-        insert.bind(13, job.submission.toStdString());
+        insert.bind(14, job.submission.toStdString());
     insert.exec();
     return connection.getLastInsertRowid();
 }
@@ -44,7 +46,9 @@ std::int64_t NumberOf(SQLite::Database& connection, std::int64_t job)
 constexpr const char* RecordColumns
     = "number, id, type, name, submitted_at, status, "
       "(SELECT 100 * count(finished_at) / count(*) FROM frames WHERE frames.job = job.key), "
-      "(SELECT coalesce(sum(amount), 0) FROM charges WHERE charges.job = job.key), message";
+      "(SELECT coalesce(sum(amount), 0) FROM charges WHERE charges.job = job.key), "
+      "coalesce((SELECT stopped_types.message FROM stopped_types WHERE stopped_types.type = job.type "
+      "AND status IN (0, 1, 6)), message)";
 
 JobRecord ReadRecord(SQLite::Statement& row)
 {
@@ -132,7 +136,7 @@ JobPlan JobStore::Plan(std::int64_t account, const QString& id)
 {
     return m_database.Read([&](SQLite::Database& connection) {
         SQLite::Statement query(connection,
-            "SELECT key, width, height, (SELECT count(*) FROM frames WHERE job = jobs.key) "
+            "SELECT key, width, height, (SELECT count(*) FROM frames WHERE job = jobs.key), priority "
             "FROM jobs WHERE account = ? AND id = ?");
         Bind(query, account, id);
         if (!query.executeStep())
@@ -142,6 +146,7 @@ JobPlan JobStore::Plan(std::int64_t account, const QString& id)
         plan.width = query.getColumn(1).getInt();
         plan.height = query.getColumn(2).getInt();
         plan.prerender = query.getColumn(3).getInt() < FrameCount(plan.frames);
+        plan.priority = query.getColumn(4).getInt();
         return plan;
     });
 }

@@ -12,6 +12,10 @@
 
 namespace farm {
 
+/// The bounds of a job's priority.
+constexpr int LowestPriority = -100;
+constexpr int HighestPriority = 100;
+
 struct NewJob
 {
     std::int64_t account = 0;
@@ -31,6 +35,8 @@ struct NewJob
     /// Only the first, the middle and the last frame are rendered for now.
     bool prerender = false;
     std::int64_t submittedAt = 0; // seconds since the epoch
+    /// Among the jobs of the account, those of the highest priority are rendered first.
+    int priority = 0;
     /// The client's own name for the submission, unique within the account; null for none.
     QString submission;
 };
@@ -54,7 +60,7 @@ struct JobRecord
     int progress = 0;             // percent of its frames
     int status = 0;               // a JobStatus
     Micros cost = 0;
-    /// The reason why the job failed; empty otherwise.
+    /// Why frames of the job failed, or why the job waits; empty otherwise.
     QString message;
 };
 
@@ -66,6 +72,7 @@ struct JobPlan
     int height = 0;
     /// Whether frames of the ranges are missing, which only a full render adds.
     bool prerender = false;
+    int priority = 0;
 };
 
 struct JobPage

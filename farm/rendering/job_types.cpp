@@ -58,6 +58,7 @@ JobType ReadJobType(const QString& name, const QJsonObject& object)
     type.writable = TextsIn(object.value(QLatin1String("writable")));
     try {
         type.resources = ReadResources(object);
+        type.framesAtOnce = int(WholeNumber(object, "frames_at_once", 0, 0));
     } catch (const std::runtime_error& error) {
         throw std::runtime_error("the job type " + name.toStdString() + ": " + error.what());
     }

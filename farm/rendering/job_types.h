@@ -25,6 +25,8 @@ struct JobType
     /// Paths that a confined renderer may use as well, such as devices and licence files.
     QStringList readable;
     QStringList writable;
+    /// The most frames of the type that are rendered at a time, for example as many as there are licences; 0 for any number.
+    int framesAtOnce = 0;
 };
 
 using JobTypes = QMap<QString, JobType>;

@@ -1,11 +1,13 @@
 #include "farm/rendering/render_queue.h"
 
 #include "farm/accounts/arrears.h"
+#include "farm/base/local_time.h"
 #include "farm/jobs/frame_store.h"
 #include "farm/jobs/job_status.h"
+#include "farm/jobs/job_turn.h"
+#include "farm/rendering/frame_choice.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
+#include <spdlog/spdlog.h>
 
 #include <map>
 
@@ -13,85 +15,190 @@ namespace farm {
 
 namespace {
 
-std::optional<FrameKey> OpenFrame(
-    SQLite::Database& connection, std::int64_t job, int run, const std::set<FrameKey>& taken)
+FrameTask ReadTask(SQLite::Database& connection, const FrameKey& frame)
 {
-    SQLite::Statement frames(connection,
-        "SELECT number FROM frames INDEXED BY open_frames WHERE job = ? AND finished_at IS NULL ORDER BY "
-        "number");
-    Bind(frames, job);
-    while (frames.executeStep()) {
-        const FrameKey frame {job, frames.getColumn(0).getInt(), run};
-        if (taken.count(frame) == 0)
-            return frame;
-    }
-    return std::nullopt;
-}
-
-FrameTask ReadTask(SQLite::Statement& job, const FrameKey& frame)
-{
+    SQLite::Statement job(connection,
+        "SELECT id, type, scene, width, height, (SELECT min(first) FROM frame_ranges WHERE job = key), "
+        "(SELECT max(last) FROM frame_ranges WHERE job = key), begun_run <> run FROM jobs WHERE key = ?");
+    Bind(job, frame.job);
+    job.executeStep();
     FrameTask task;
     task.key = frame;
-    task.jobId = Text(job.getColumn(1));
-    task.type = Text(job.getColumn(2));
-    task.scene = Text(job.getColumn(3));
-    task.width = job.getColumn(4).getInt();
-    task.height = job.getColumn(5).getInt();
-    task.firstFrame = job.getColumn(6).getInt();
-    task.beginsRun = job.getColumn(8).getInt() != 0;
-    task.lastFrame = job.getColumn(9).getInt();
+    task.jobId = Text(job.getColumn(0));
+    task.type = Text(job.getColumn(1));
+    task.scene = Text(job.getColumn(2));
+    task.width = job.getColumn(3).getInt();
+    task.height = job.getColumn(4).getInt();
+    task.firstFrame = job.getColumn(5).getInt();
+    task.lastFrame = job.getColumn(6).getInt();
+    task.beginsRun = job.getColumn(7).getInt() != 0;
     return task;
+}
+
+std::optional<double> LevelOf(SQLite::Database& connection, std::int64_t account)
+{
+    SQLite::Statement query(connection, "SELECT level FROM account_use WHERE account = ?");
+    Bind(query, account);
+    return query.executeStep() ? std::optional(query.getColumn(0).getDouble()) : std::nullopt;
+}
+
+/// Takes the failures back that have turned out to be the renderer's.
+void Forgive(SQLite::Database& connection, const std::vector<FrameKey>& frames, std::int64_t now)
+{
+    for (const FrameKey& frame : frames) {
+        Execute(connection,
+            "UPDATE frames SET failures = failures - 1, retry_at = NULL, changed_at = ?4 "
+            "WHERE job = ?1 AND number = ?2 AND finished_at IS NULL AND failures > 0 "
+            "AND EXISTS (SELECT 1 FROM open_jobs WHERE key = ?1 AND run = ?3)",
+            frame.job, frame.number, frame.run, now);
+        UpdateTurn(connection, frame.job, now);
+    }
 }
 
 /// Changes to announce to an account; account 0 stands for no change.
 struct Announcement
 {
     std::int64_t account = 0;
-    AccountChanges changes;
+    AccountChanges changes = {};
+    /// Whether a job type was stopped or goes on.
+    bool type = false;
 };
 
-/// Names the job beside the other changes.
-Announcement ChangedJob(SQLite::Database& connection, std::int64_t job, AccountChanges changes)
+void Announce(ChangeFeed& feed, const Announcement& announcement)
 {
-    SQLite::Statement query(connection, "SELECT account, id FROM jobs WHERE key = ?");
-    Bind(query, job);
-    if (!query.executeStep())
-        return {};
-    changes.jobs = {Text(query.getColumn(1))};
-    return {query.getColumn(0).getInt64(), changes};
+    if (announcement.account != 0)
+        feed.Announce(announcement.account, announcement.changes);
+    if (announcement.type)
+        feed.AnnounceToAll({{}, true});
 }
 
 } // namespace
 
-RenderQueue::RenderQueue(Database& database, ChangeFeed& feed, Micros pricePerCoreSecond)
+RenderQueue::RenderQueue(Database& database, ChangeFeed& feed, const QueueSettings& settings)
     : m_database(database)
     , m_feed(feed)
-    , m_price(pricePerCoreSecond)
+    , m_settings(settings)
+    , m_use(settings.useHalfLife.count())
 {
+    m_database.Read([this](SQLite::Database& connection) {
+        SQLite::Statement query(connection, "SELECT type FROM stopped_types");
+        while (query.executeStep())
+            m_health.Stop(Text(query.getColumn(0)), 0);
+    });
+}
+
+std::optional<RenderQueue::JobFacts> RenderQueue::FactsOf(SQLite::Database& connection, std::int64_t job)
+{
+    SQLite::Statement query(connection, "SELECT account, id, type FROM jobs WHERE key = ?");
+    Bind(query, job);
+    if (!query.executeStep())
+        return std::nullopt;
+    return JobFacts {query.getColumn(0).getInt64(), Text(query.getColumn(1)), Text(query.getColumn(2))};
 }
 
 std::optional<FrameTask> RenderQueue::Next(
-    const QStringList& types, std::int64_t lastJob, const std::set<FrameKey>& taken)
+    const QStringList& types, const std::set<FrameKey>& taken, std::int64_t now)
 {
-    const QByteArray typeList
-        = QJsonDocument(QJsonArray::fromStringList(types)).toJson(QJsonDocument::Compact);
-    return m_database.Read([&](SQLite::Database& connection) -> std::optional<FrameTask> {
-        SQLite::Statement jobs(connection,
-            "SELECT key, id, type, scene, width, height, "
-            "(SELECT min(first) FROM frame_ranges WHERE job = key), run, "
-            "NOT EXISTS (SELECT 1 FROM frames WHERE job = key AND finished_at IS NOT NULL), "
-            "(SELECT max(last) FROM frame_ranges WHERE job = key) "
-            "FROM open_jobs WHERE type IN (SELECT value FROM json_each(?)) "
-            "ORDER BY status = 1 DESC, status = 1 AND key <= ?, key");
-        Bind(jobs, QString::fromUtf8(typeList), lastJob);
-        while (jobs.executeStep()) {
-            const auto frame
-                = OpenFrame(connection, jobs.getColumn(0).getInt64(), jobs.getColumn(7).getInt(), taken);
-            if (frame)
-                return ReadTask(jobs, *frame);
-        }
-        return std::nullopt;
+    Resume(now);
+    return m_database.Read([&](SQLite::Database& connection) {
+        m_load.Update(connection, taken, now);
+        return FindTask(connection, types, taken, now);
     });
+}
+
+/// Lets jobs be found again whose failed frames have paused long enough.
+void RenderQueue::Resume(std::int64_t now)
+{
+    const char* const due = " WHERE status IN (0, 1, 6) AND resume_at > 0 AND resume_at <= ?";
+    const bool areDue = m_database.Read([&](SQLite::Database& connection) {
+        SQLite::Statement query(connection,
+            std::string("SELECT EXISTS (SELECT 1 FROM jobs INDEXED BY jobs_to_resume") + due + ")");
+        Bind(query, now);
+        return query.executeStep() && query.getColumn(0).getInt() != 0;
+    });
+    if (!areDue)
+        return;
+    m_database.Write([&](SQLite::Database& connection) {
+        const std::string resume = std::string("UPDATE jobs SET resume_at = 0") + due;
+        Execute(connection, resume.c_str(), now);
+    });
+}
+
+std::optional<FrameTask> RenderQueue::FindTask(
+    SQLite::Database& connection, const QStringList& types, const std::set<FrameKey>& taken, std::int64_t now)
+{
+    QStringList free;
+    for (const QString& type : types) {
+        const int most = m_settings.framesPerType.value(type);
+        if (most > 0 && m_load.FramesOfType(type) >= most)
+            continue;
+        if (!m_health.IsStopped(type)) {
+            free.append(type);
+            continue;
+        }
+        if (const auto frame = FindTrial(connection, type, taken, now))
+            return ReadTask(connection, *frame);
+    }
+    const auto frame = FindFrame(connection, free, taken, {}, now);
+    return frame ? std::optional(ReadTask(connection, *frame)) : std::nullopt;
+}
+
+std::optional<FrameKey> RenderQueue::FindTrial(
+    SQLite::Database& connection, const QString& type, const std::set<FrameKey>& taken, std::int64_t now)
+{
+    const TypeHealth::Trial trial = m_health.TrialOf(type, now);
+    if (trial == TypeHealth::Trial::None)
+        return std::nullopt;
+    auto frame = FindFrame(connection, {type}, taken, m_health.JobsInTheRow(type), now);
+    if (!frame && trial == TypeHealth::Trial::AnyJob)
+        frame = FindFrame(connection, {type}, taken, {}, now);
+    if (frame)
+        m_health.BeginTrial(type, *frame, now);
+    return frame;
+}
+
+std::optional<FrameKey> RenderQueue::FindFrame(SQLite::Database& connection, const QStringList& types,
+    const std::set<FrameKey>& taken, const std::set<std::int64_t>& avoided, std::int64_t now)
+{
+    FrameChoice choice(connection, types, taken, avoided, now);
+    const std::vector<std::int64_t> accounts = OrderOfTurns(Contenders(connection, now));
+    for (const std::int64_t account : accounts) {
+        if (m_settings.framesPerAccount > 0 && m_load.FramesOf(account) >= m_settings.framesPerAccount)
+            continue;
+        if (const auto frame = choice.Of(account))
+            return frame;
+    }
+    return std::nullopt;
+}
+
+/// The accounts that have open jobs, found by one seek each.
+std::vector<Contender> RenderQueue::Contenders(SQLite::Database& connection, std::int64_t now) const
+{
+    SQLite::Statement query(connection,
+        "WITH RECURSIVE waiting(account) AS (SELECT min(account) FROM jobs INDEXED BY jobs_in_turn "
+        "WHERE status IN (0, 1, 6) AND resume_at = 0 UNION ALL "
+        "SELECT (SELECT min(account) FROM jobs INDEXED BY jobs_in_turn WHERE status IN (0, 1, 6) "
+        "AND resume_at = 0 AND account > waiting.account) FROM waiting WHERE account IS NOT NULL) "
+        "SELECT account, level FROM waiting LEFT JOIN account_use USING (account) WHERE account IS NOT NULL");
+    std::vector<Contender> contenders;
+    while (query.executeStep()) {
+        Contender contender;
+        contender.account = query.getColumn(0).getInt64();
+        if (!query.isColumnNull(1))
+            contender.recentCoreSeconds = m_use.CoreSeconds(query.getColumn(1).getDouble(), now);
+        contender.framesInWork = m_load.FramesOf(contender.account);
+        contender.secondsInWork = m_load.SecondsOf(contender.account, now);
+        contenders.push_back(contender);
+    }
+    return contenders;
+}
+
+void RenderQueue::AddUse(
+    SQLite::Database& connection, std::int64_t account, std::int64_t coreMilliseconds, std::int64_t now) const
+{
+    constexpr double Milliseconds = 1000; // per second
+    Execute(connection, "INSERT OR REPLACE INTO account_use(account, level) VALUES (?, ?)", account,
+        m_use.Add(LevelOf(connection, account), double(coreMilliseconds) / Milliseconds, now));
 }
 
 bool RenderQueue::IsWanted(const FrameKey& frame)
@@ -111,18 +218,19 @@ void RenderQueue::Start(std::int64_t job)
                                    "WHERE key IN (SELECT key FROM open_jobs WHERE key = ?1 AND status <> ?2)",
                                    job, static_cast<int>(JobStatus::Running))
             != 0;
-        return isStarted ? ChangedJob(connection, job, {{}, true}) : Announcement {};
+        const auto facts = isStarted ? FactsOf(connection, job) : std::nullopt;
+        return facts ? Announcement {facts->account, {{facts->id}, true}} : Announcement {};
     });
-    m_feed.Announce(started.account, started.changes);
+    Announce(m_feed, started);
 }
 
 void RenderQueue::PauseJobsInArrears()
 {
     const auto paused = m_database.Write([](SQLite::Database& connection) {
         SQLite::Statement pause(connection,
-            std::string("UPDATE jobs SET status = iif(status = ?1, ?2, ?3) WHERE key IN "
-                        "(SELECT key FROM open_jobs WHERE account IN (")
-                + AccountsInArrears + ")) RETURNING account, id");
+            std::string("UPDATE jobs INDEXED BY jobs_by_status SET status = iif(status = ?1, ?2, ?3) "
+                        "WHERE status IN (0, 1, 6) AND account IN (")
+                + AccountsInArrears + ") RETURNING account, id");
         Bind(pause, static_cast<int>(JobStatus::Running), static_cast<int>(JobStatus::PausedInArrears),
             static_cast<int>(JobStatus::Arrears));
         std::map<std::int64_t, AccountChanges> changes;
@@ -137,7 +245,7 @@ void RenderQueue::PauseJobsInArrears()
 void RenderQueue::Finish(const FrameKey& frame, const Picture& picture, std::int64_t coreMilliseconds,
     std::int64_t now, const QString& log)
 {
-    const Micros amount = Charge(coreMilliseconds, m_price);
+    const Micros amount = Charge(coreMilliseconds, m_settings.pricePerCoreSecond);
     const auto recorded = m_database.Write([&](SQLite::Database& connection) {
         if (Execute(connection,
                 "UPDATE frames SET finished_at = ?4, changed_at = ?4, file = ?5, size = ?6, checksum = ?7 "
@@ -146,47 +254,96 @@ void RenderQueue::Finish(const FrameKey& frame, const Picture& picture, std::int
                 frame.job, frame.number, frame.run, now, picture.name, picture.size, picture.checksum)
             == 0)
             return Announcement {};
+        const auto job = FactsOf(connection, frame.job);
+        if (!job)
+            return Announcement {};
         KeepFrameLog(connection, frame.job, frame.number, log);
         Execute(connection,
             "INSERT INTO charges(account, job, frame, core_milliseconds, amount, charged_at) "
-            "SELECT account, key, ?2, ?3, ?4, ?5 FROM jobs WHERE key = ?1",
-            frame.job, frame.number, coreMilliseconds, amount, now);
-        Execute(connection,
-            "UPDATE accounts SET balance = balance - ?2 "
-            "WHERE key = (SELECT account FROM jobs WHERE key = ?1)",
-            frame.job, amount);
-        const bool isLast = Execute(connection,
-                                "UPDATE jobs SET status = ?2, ended_at = ?3 "
-                                "WHERE key IN (SELECT key FROM open_jobs WHERE key = ?1) AND NOT EXISTS "
-                                "(SELECT 1 FROM frames INDEXED BY open_frames WHERE job = ?1 AND "
-                                "finished_at IS NULL)",
-                                frame.job, static_cast<int>(JobStatus::Finished), now)
-            != 0;
-        return ChangedJob(connection, frame.job, {{}, isLast, true});
+            "VALUES (?, ?, ?, ?, ?, ?)",
+            job->account, frame.job, frame.number, coreMilliseconds, amount, now);
+        Execute(
+            connection, "UPDATE accounts SET balance = balance - ?2 WHERE key = ?1", job->account, amount);
+        Execute(connection, "UPDATE jobs SET begun_run = run WHERE key = ? AND begun_run <> run", frame.job);
+        AddUse(connection, job->account, coreMilliseconds, now);
+        const bool isLast = UpdateTurn(connection, frame.job, now);
+        const bool goesOn = m_health.Succeeded(job->type);
+        if (goesOn)
+            Execute(connection, "DELETE FROM stopped_types WHERE type = ?", job->type);
+        return Announcement {job->account, {{job->id}, isLast, true}, goesOn};
     });
-    m_feed.Announce(recorded.account, recorded.changes);
+    Announce(m_feed, recorded);
 }
 
-bool RenderQueue::Fail(const FrameKey& frame, const QString& message, std::int64_t now, const QString& log)
+bool RenderQueue::Fail(const FrameKey& frame, const QString& message, std::int64_t now, const QString& log,
+    std::int64_t coreMilliseconds)
 {
+    bool hasFailed = false;
     const auto failed = m_database.Write([&](SQLite::Database& connection) {
-        if (Execute(connection,
-                "UPDATE frames SET failures = failures + 1, changed_at = ?4 WHERE job = ?1 AND number = ?2 "
-                "AND (SELECT run FROM jobs WHERE key = ?1) = ?3",
-                frame.job, frame.number, frame.run, now)
-            != 0)
-            KeepFrameLog(connection, frame.job, frame.number, log);
-        const bool hasFailed = Execute(connection,
-                                   "UPDATE jobs SET status = ?3, ended_at = ?4, message = ?5 "
-                                   "WHERE key IN (SELECT key FROM open_jobs WHERE key = ?1) "
-                                   "AND (SELECT failures FROM frames WHERE job = ?1 AND number = ?2) >= ?6",
-                                   frame.job, frame.number, static_cast<int>(JobStatus::Failed), now, message,
-                                   AttemptsPerFrame)
-            != 0;
-        return hasFailed ? ChangedJob(connection, frame.job, {{}, true}) : Announcement {};
+        const auto job = FactsOf(connection, frame.job);
+        if (!job)
+            return Announcement {};
+        AddUse(connection, job->account, coreMilliseconds, now);
+        const auto verdict = m_health.Failed(job->type, frame, m_load.Seconds(frame, now), now);
+        const bool counts = verdict == TypeHealth::Verdict::Alive || verdict == TypeHealth::Verdict::Stopped;
+        if (Retry(connection, frame, counts, now, log))
+            Execute(connection,
+                "UPDATE jobs SET message = ?2 WHERE key IN (SELECT key FROM open_jobs WHERE key = ?1) "
+                "AND message = ''",
+                frame.job, QStringLiteral("Frame %1: %2").arg(frame.number).arg(message));
+        HandleVerdict(connection, verdict, *job, message, now);
+        hasFailed = UpdateTurn(connection, frame.job, now);
+        return Announcement {job->account, {{job->id}, hasFailed}, verdict == TypeHealth::Verdict::Stopped};
     });
-    m_feed.Announce(failed.account, failed.changes);
-    return failed.account != 0;
+    Announce(m_feed, failed);
+    return hasFailed;
+}
+
+void RenderQueue::Postpone(
+    const FrameKey& frame, std::int64_t now, const QString& log, std::int64_t coreMilliseconds)
+{
+    m_database.Write([&](SQLite::Database& connection) {
+        const auto job = FactsOf(connection, frame.job);
+        if (!job)
+            return;
+        AddUse(connection, job->account, coreMilliseconds, now);
+        Retry(connection, frame, false, now, log);
+        UpdateTurn(connection, frame.job, now);
+    });
+}
+
+/// Sets the time of the next attempt. Returns whether there is none, so that the frame is passed by.
+bool RenderQueue::Retry(SQLite::Database& connection, const FrameKey& frame, bool counts, std::int64_t now,
+    const QString& log) const
+{
+    SQLite::Statement retry(connection,
+        "UPDATE frames SET failures = failures + ?4, changed_at = ?5, "
+        "retry_at = iif(failures + ?4 >= ?6, ?7, ?5 + (?8 << failures)) "
+        "WHERE job = ?1 AND number = ?2 AND finished_at IS NULL "
+        "AND (SELECT run FROM jobs WHERE key = ?1) = ?3 RETURNING retry_at");
+    Bind(retry, frame.job, frame.number, frame.run, int(counts), now, AttemptsPerFrame, PassedBy,
+        std::int64_t(m_settings.retryPause.count()));
+    if (!retry.executeStep())
+        return false;
+    const bool isPassedBy = retry.getColumn(0).getInt64() == PassedBy;
+    retry.reset();
+    KeepFrameLog(connection, frame.job, frame.number, log);
+    return isPassedBy;
+}
+
+void RenderQueue::HandleVerdict(SQLite::Database& connection, TypeHealth::Verdict verdict,
+    const JobFacts& job, const QString& message, std::int64_t now)
+{
+    if (verdict == TypeHealth::Verdict::Confirmed)
+        Forgive(connection, m_health.FailedInARow(job.type), now);
+    if (verdict != TypeHealth::Verdict::Stopped)
+        return;
+    const QString text
+        = QStringLiteral("The renderer of %1 jobs has failed at once in several jobs since %2. "
+                         "The farm tries a frame a minute until one succeeds. Last failure: %3")
+              .arg(job.type, TimeText(now), message);
+    Execute(connection, "INSERT OR REPLACE INTO stopped_types(type, message) VALUES (?, ?)", job.type, text);
+    spdlog::error("{}", text.toStdString());
 }
 
 } // namespace farm

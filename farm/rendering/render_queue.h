@@ -3,27 +3,47 @@
 #include "farm/base/change_feed.h"
 #include "farm/base/money.h"
 #include "farm/base/schema.h"
+#include "farm/rendering/fair_turns.h"
 #include "farm/rendering/frame_task.h"
 #include "farm/rendering/picture.h"
+#include "farm/rendering/type_health.h"
+#include "farm/rendering/work_load.h"
 
+#include <QMap>
 #include <QStringList>
 
+#include <chrono>
 #include <optional>
 #include <set>
 
 namespace farm {
 
+struct QueueSettings
+{
+    Micros pricePerCoreSecond = DefaultPrice;
+    /// What an account used this long ago counts half. An account that comes to a busy farm has the first claim to it for
+    /// about this time.
+    std::chrono::seconds useHalfLife {3600};
+    /// Before the second attempt at a frame; twice as long before the third.
+    std::chrono::seconds retryPause {30};
+    /// The most frames of an account that are rendered at a time; 0 for any number.
+    int framesPerAccount = 0;
+    /// The same for job types that have such a limit.
+    QMap<QString, int> framesPerType = {};
+};
+
 /// Finds the open frames of all jobs and records finished ones: their pictures, charges and balances.
-/// A frame that is being rendered is not marked, so it is still open after a crash. What it changes is announced.
+/// A frame that is being rendered is not marked, so it is still open after a crash. What it changes is announced. Not
+/// thread-safe. Times are seconds since the epoch.
 class RenderQueue
 {
 public:
-    RenderQueue(Database& database, ChangeFeed& feed, Micros pricePerCoreSecond);
+    RenderQueue(Database& database, ChangeFeed& feed, const QueueSettings& settings);
 
-    /// The next open frame outside `taken` of an open job that has one of these types; nothing when there is none.
-    /// Running jobs go first and take turns, beginning with the one after `lastJob`.
+    /// The open frame outside `taken`, the frames in work, that is rendered next: of a job that has one of these types;
+    /// nothing when there is none. Accounts take turns by what they have used lately.
     std::optional<FrameTask> Next(
-        const QStringList& types, std::int64_t lastJob, const std::set<FrameKey>& taken);
+        const QStringList& types, const std::set<FrameKey>& taken, std::int64_t now);
 
     /// Whether the frame's job is open and has not been restarted since.
     bool IsWanted(const FrameKey& frame);
@@ -39,14 +59,45 @@ public:
     void Finish(const FrameKey& frame, const Picture& picture, std::int64_t coreMilliseconds,
         std::int64_t now, const QString& log = {});
 
-    /// Counts a failed attempt at the frame. The third one makes the job fail, which then keeps the message.
-    /// Returns whether the job failed.
-    bool Fail(const FrameKey& frame, const QString& message, std::int64_t now, const QString& log = {});
+    /// Counts a failed attempt at the frame, which is tried again after a pause. After the last attempt the job passes
+    /// the frame by, goes on with the others and fails at the end; it keeps the message of the first such frame. Renderers
+    /// that fail at whatever they are given stop their job type instead. Returns whether the job failed.
+    bool Fail(const FrameKey& frame, const QString& message, std::int64_t now, const QString& log = {},
+        std::int64_t coreMilliseconds = 0);
+    /// Tries the frame again after a pause without counting the attempt, because the farm was at fault.
+    void Postpone(
+        const FrameKey& frame, std::int64_t now, const QString& log = {}, std::int64_t coreMilliseconds = 0);
 
 private:
+    struct JobFacts
+    {
+        std::int64_t account = 0;
+        QString id;
+        QString type;
+    };
+
+    static std::optional<JobFacts> FactsOf(SQLite::Database& connection, std::int64_t job);
+    void Resume(std::int64_t now);
+    std::optional<FrameTask> FindTask(SQLite::Database& connection, const QStringList& types,
+        const std::set<FrameKey>& taken, std::int64_t now);
+    std::optional<FrameKey> FindFrame(SQLite::Database& connection, const QStringList& types,
+        const std::set<FrameKey>& taken, const std::set<std::int64_t>& avoided, std::int64_t now);
+    std::optional<FrameKey> FindTrial(
+        SQLite::Database& connection, const QString& type, const std::set<FrameKey>& taken, std::int64_t now);
+    std::vector<Contender> Contenders(SQLite::Database& connection, std::int64_t now) const;
+    void AddUse(SQLite::Database& connection, std::int64_t account, std::int64_t coreMilliseconds,
+        std::int64_t now) const;
+    bool Retry(SQLite::Database& connection, const FrameKey& frame, bool counts, std::int64_t now,
+        const QString& log) const;
+    void HandleVerdict(SQLite::Database& connection, TypeHealth::Verdict verdict, const JobFacts& job,
+        const QString& message, std::int64_t now);
+
     Database& m_database;
     ChangeFeed& m_feed;
-    Micros m_price;
+    QueueSettings m_settings;
+    RecentUse m_use;
+    TypeHealth m_health;
+    WorkLoad m_load;
 };
 
 } // namespace farm

@@ -110,10 +110,9 @@ std::vector<RunTable::Entry> Scheduler::ChooseFrames()
     const QStringList types = RunnableTypes();
     std::vector<RunTable::Entry> chosen;
     while (m_work.size() + chosen.size() < std::size_t(std::max(0, m_deps.executor.Capacity()))) {
-        const auto task = m_deps.queue.Next(types, m_lastJob, taken);
+        const auto task = m_deps.queue.Next(types, taken, Now());
         if (!task)
             break;
-        m_lastJob = task->key.job;
         taken.insert(task->key);
         m_deps.queue.Start(task->key.job);
         chosen.push_back({RunTable::NewRunId(task->key), *task, {}});
@@ -146,7 +145,9 @@ std::optional<Run> Scheduler::Prepared(const RunId& id, const FrameTask& task)
     } catch (const std::runtime_error& error) {
         // A full disk is no fault of the job: the frame keeps its attempts, and the timer starts it again.
         if (!storage::IsDiskFull(error)) {
-            RecordFailure(id, task, QString::fromUtf8(error.what()), {});
+            RunResult fault;
+            fault.message = QString::fromUtf8(error.what());
+            RecordFailure(id, task, fault);
             m_work.erase(id);
             NudgeLater();
             return std::nullopt;
@@ -221,7 +222,11 @@ void Scheduler::Record(const RunId& id, const FrameTask& task, const RunResult& 
 {
     if (CountsAsAttempt(result.end)) {
         m_deps.files.RequireRoom();
-        RecordFailure(id, task, result.message, result.log);
+        RecordFailure(id, task, result);
+        return;
+    }
+    if (WouldRepeat(result.end)) {
+        Postpone(id, task, result);
         return;
     }
     if (result.end != RunEnd::Done) {
@@ -237,7 +242,9 @@ void Scheduler::Record(const RunId& id, const FrameTask& task, const RunResult& 
     } catch (const std::runtime_error& error) {
         if (storage::IsDiskFull(error))
             throw;
-        RecordFailure(id, task, QString::fromUtf8(error.what()), result.log);
+        RunResult failure = result;
+        failure.message = QString::fromUtf8(error.what());
+        RecordFailure(id, task, failure);
         return;
     }
     m_deps.runs.End(
@@ -247,14 +254,25 @@ void Scheduler::Record(const RunId& id, const FrameTask& task, const RunResult& 
         result.coreMilliseconds);
 }
 
-void Scheduler::RecordFailure(
-    const RunId& id, const FrameTask& task, const QString& message, const QString& log)
+void Scheduler::RecordFailure(const RunId& id, const FrameTask& task, const RunResult& result)
 {
-    const QString reason = message.section(QLatin1Char('\n'), 0, 0);
+    const QString reason = result.message.section(QLatin1Char('\n'), 0, 0);
     spdlog::warn("job {} frame {} failed: {}", task.jobId.toStdString(), task.Number(), reason.toStdString());
     m_deps.runs.End(id, [&] {
-        if (m_deps.queue.Fail(task.key, message, Now(), reason + QLatin1Char('\n') + log))
+        if (m_deps.queue.Fail(task.key, result.message, Now(), reason + QLatin1Char('\n') + result.log,
+                result.coreMilliseconds))
             spdlog::warn("job {} has failed", task.jobId.toStdString());
+    });
+    m_deps.files.Discard(task, id);
+}
+
+void Scheduler::Postpone(const RunId& id, const FrameTask& task, const RunResult& result)
+{
+    spdlog::warn("job {} frame {} pauses: {}", task.jobId.toStdString(), task.Number(),
+        result.message.toStdString());
+    m_deps.runs.End(id, [&] {
+        m_deps.queue.Postpone(
+            task.key, Now(), result.message + QLatin1Char('\n') + result.log, result.coreMilliseconds);
     });
     m_deps.files.Discard(task, id);
 }

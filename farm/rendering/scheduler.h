@@ -72,7 +72,8 @@ private:
     void HandleStart(const RunId& id, const QString& host, qint64 at);
     void HandleEnd(const RunId& id, const RunResult& result);
     void Record(const RunId& id, const FrameTask& task, const RunResult& result);
-    void RecordFailure(const RunId& id, const FrameTask& task, const QString& message, const QString& log);
+    void RecordFailure(const RunId& id, const FrameTask& task, const RunResult& result);
+    void Postpone(const RunId& id, const FrameTask& task, const RunResult& result);
     void Forget(const RunId& id, const FrameTask& task);
     void TryToForget(const RunId& id, const FrameTask& task);
 
@@ -82,7 +83,6 @@ private:
     std::set<QString> m_missingPrograms;
     /// The runs whose ends are awaited.
     std::map<RunId, Work> m_work;
-    std::int64_t m_lastJob = 0;
     /// After a fault that another try would meet at once, nothing starts until the next look.
     bool m_waits = false;
     bool m_isStopped = false;

@@ -292,8 +292,11 @@ void FramesWindow::DisplaySummary()
     }
     m_summary->setText(parts.join(QStringLiteral(" · ")));
     QString trouble = m_failure;
-    if (trouble.isEmpty() && m_answer.jobStatus == JobFailed && !m_answer.message.isEmpty())
-        trouble = tr("The job has failed: %1").arg(m_answer.message.section(QLatin1Char('\n'), 0, 0));
+    if (trouble.isEmpty() && !m_answer.message.isEmpty()) {
+        trouble = m_answer.message.section(QLatin1Char('\n'), 0, 0);
+        if (m_answer.jobStatus == JobFailed)
+            trouble = tr("The job has failed: %1").arg(trouble);
+    }
     m_trouble->setText(trouble);
     m_trouble->setVisible(!trouble.isEmpty());
 }

@@ -63,8 +63,8 @@ private slots:
         const QString job = data.jobs.Add(data.Job("job"_s, 6)).id;
         const QStringList options {"--job-types"_s, Path("types.json"_s), "--scenes"_s, m_folder->path()};
         Daemon first(m_folder->path(), options);
-        EVENTUALLY_COMPARE(ReadFile(Path("jobs/log"_s)), QByteArray("1\n2\n3\n4\n"));
-        EVENTUALLY_COMPARE(data.Only().progress, 50);
+        EVENTUALLY_COMPARE(ReadFile(Path("jobs/log"_s)), QByteArray("1\n3\n6\n2\n4\n"));
+        EVENTUALLY_COMPARE(data.Only().progress, 66);
         const int renderer = ReadFile(Path("jobs/pid"_s)).toInt();
         first.Kill();
         EVENTUALLY_COMPARE(::kill(renderer, 0), -1);
@@ -75,7 +75,7 @@ private slots:
         QVERIFY(second.IsListening());
         EVENTUALLY_COMPARE(::kill(child, 0), -1);
         EVENTUALLY_COMPARE(data.Only().status, int(JobStatus::Finished));
-        QCOMPARE(ReadFile(Path("jobs/log"_s)), QByteArray("1\n2\n3\n4\n4\n5\n6\n"));
+        QCOMPARE(ReadFile(Path("jobs/log"_s)), QByteArray("1\n3\n6\n2\n4\n4\n5\n"));
         for (int number = 1; number <= 6; ++number)
             QCOMPARE(ReadFile(Path("jobs/%1/frame_000%2.txt"_s.arg(job).arg(number))), QByteArray("a scene"));
     }

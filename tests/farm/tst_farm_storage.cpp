@@ -137,10 +137,10 @@ private slots:
         diskCalls.clear();
         const AddedJob added = data.jobs.Add(job);
         QVERIFY(Ordered({Record()}));
-        RenderQueue queue(data.database, data.feed, DefaultPrice);
+        RenderQueue queue(data.database, data.feed, {});
         const SceneFiles scenes(data.database, contents, m_folder->path());
         const FrameFiles files(Path("jobs"_s), scenes);
-        const FrameTask task = *queue.Next({job.type}, 0, {});
+        const FrameTask task = *queue.Next({job.type}, {}, 1);
         diskCalls.clear();
         const RenderPlace place = files.Prepare(task, "png"_s, "run"_s);
         QVERIFY(
@@ -298,7 +298,7 @@ private slots:
                     connection.exec("INSERT INTO frame_ranges SELECT job, 1, max(number) FROM frames");
             });
             FarmData data(folder.path());
-            const auto next = RenderQueue(data.database, data.feed, DefaultPrice).Next({"povray"_s}, 0, {});
+            const auto next = RenderQueue(data.database, data.feed, {}).Next({"povray"_s}, {}, 1);
             QVERIFY(next);
             QCOMPARE(next->jobId, "old"_s);
             QCOMPARE(next->Number(), 3);

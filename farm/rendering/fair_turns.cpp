@@ -1,0 +1,50 @@
+#include "farm/rendering/fair_turns.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace farm {
+
+namespace {
+
+// A frame counts at least this much, so that accounts take turns even with frames that cost next to nothing.
+constexpr double LeastCoreSeconds = 0.1;
+
+double UseForItsShare(const Contender& contender)
+{
+    const double inWork = contender.secondsInWork + contender.framesInWork * LeastCoreSeconds;
+    return std::ldexp(contender.recentCoreSeconds + inWork, -contender.priority);
+}
+
+} // namespace
+
+RecentUse::RecentUse(std::int64_t halfLifeSeconds)
+    : m_halfLife(double(std::max<std::int64_t>(halfLifeSeconds, 1)))
+{
+}
+
+// Use that was halved k times by now is as much as use / 2^k at once, so its logarithm grows with the time of the use.
+double RecentUse::Add(std::optional<double> level, double coreSeconds, std::int64_t now) const
+{
+    const double use = CoreSeconds(level, now) + std::max(coreSeconds, LeastCoreSeconds);
+    return std::log2(use) + double(now) / m_halfLife;
+}
+
+double RecentUse::CoreSeconds(std::optional<double> level, std::int64_t now) const
+{
+    return level ? std::exp2(*level - double(now) / m_halfLife) : 0;
+}
+
+std::vector<std::int64_t> OrderOfTurns(std::vector<Contender> contenders)
+{
+    std::stable_sort(contenders.begin(), contenders.end(), [](const Contender& one, const Contender& other) {
+        return UseForItsShare(one) < UseForItsShare(other);
+    });
+    std::vector<std::int64_t> accounts;
+    accounts.reserve(contenders.size());
+    for (const Contender& contender : contenders)
+        accounts.push_back(contender.account);
+    return accounts;
+}
+
+} // namespace farm

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+/// Decides whose turn it is to have a frame rendered. Knows neither jobs nor the database.
+namespace farm {
+
+/// The core time that an account has used lately: after each half-life, what was used before counts half as much. It is
+/// kept as a level, which does not change while time passes, so that accounts need not be updated to be compared.
+class RecentUse
+{
+public:
+    explicit RecentUse(std::int64_t halfLifeSeconds);
+
+    /// The level after that many more core-seconds at `now`. @param level of before; nothing for an account that has
+    /// used nothing yet.
+    double Add(std::optional<double> level, double coreSeconds, std::int64_t now) const;
+    /// What is left of the use at `now`, in core-seconds.
+    double CoreSeconds(std::optional<double> level, std::int64_t now) const;
+
+private:
+    double m_halfLife;
+};
+
+/// An account that has frames to render.
+struct Contender
+{
+    std::int64_t account = 0;
+    /// Each step doubles the account's share of the farm.
+    int priority = 0;
+    double recentCoreSeconds = 0;
+    /// The frames of the account that are being rendered, and the seconds for which they have been, added up.
+    int framesInWork = 0;
+    double secondsInWork = 0;
+};
+
+/// The accounts in the order of their turns, beginning with the one that has used least for its share. What is being
+/// rendered counts as used, although its core time is recorded only at the end.
+std::vector<std::int64_t> OrderOfTurns(std::vector<Contender> contenders);
+
+} // namespace farm

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "farm/rendering/frame_task.h"
+
+#include <QMap>
+#include <QString>
+
+#include <set>
+#include <vector>
+
+namespace farm {
+
+/// Notices when the renderer of a job type fails at once at whatever it is given, so that it is stopped before it has
+/// failed every job, and lets single frames try whether it works again. Knows neither jobs nor the database. Times are
+/// seconds since the epoch.
+class TypeHealth
+{
+public:
+    /// A type is stopped by this many quick failures in a row, in at least so many jobs.
+    static constexpr int FailuresToStop = 6;
+    static constexpr int JobsToStop = 3;
+    /// A failure within this time is quick.
+    static constexpr std::int64_t QuickSeconds = 10;
+    static constexpr std::int64_t TrialInterval = 60; // s
+
+    enum class Trial {
+        None,     ///< no frame may be rendered now
+        OtherJob, ///< one frame may try, of a job that has not failed in the row
+        AnyJob,   ///< one frame of any job may try
+    };
+
+    enum class Verdict {
+        Alive,     ///< the failure counts against the frame
+        Stopped,   ///< it counts, and the type has just been stopped
+        Confirmed, ///< a trial failed as well: neither it nor the failures that stopped the type count
+        Sick,      ///< the type had been stopped before; the failure does not count
+    };
+
+    /// The type was stopped when an earlier farm ran.
+    void Stop(const QString& type, std::int64_t now);
+    bool IsStopped(const QString& type) const;
+    /// What a stopped type may do now.
+    Trial TrialOf(const QString& type, std::int64_t now) const;
+    /// This frame of the stopped type tries now.
+    void BeginTrial(const QString& type, const FrameKey& frame, std::int64_t now);
+
+    /// @return whether the type had been stopped and goes on now.
+    bool Succeeded(const QString& type);
+    /// @param seconds for which the renderer ran.
+    Verdict Failed(const QString& type, const FrameKey& frame, std::int64_t seconds, std::int64_t now);
+
+    /// The last frames that failed in a row.
+    std::vector<FrameKey> FailedInARow(const QString& type) const { return m_types.value(type).row; }
+    /// Their jobs, which a trial of another job passes over.
+    std::set<std::int64_t> JobsInTheRow(const QString& type) const { return JobsOf(m_types.value(type)); }
+
+private:
+    struct Health
+    {
+        std::vector<FrameKey> row;
+        bool stopped = false;
+        bool confirmed = false;
+        FrameKey trial;
+        std::int64_t nextTrial = 0;
+        std::int64_t nextTrialOfAnyJob = 0;
+    };
+
+    static std::set<std::int64_t> JobsOf(const Health& health);
+
+    QMap<QString, Health> m_types;
+};
+
+} // namespace farm
