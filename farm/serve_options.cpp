@@ -59,6 +59,11 @@ void ServeOptions::AddRendering(CLI::App& app)
         ->type_name("NUMBER")
         ->check(IsWholeNumber(1, MostSlots))
         ->capture_default_str();
+    app.add_option(
+           "--frames-per-account", m_framesPerAccount, "Frames of an account at a time, 0 for any number.")
+        ->type_name("NUMBER")
+        ->check(IsWholeNumber(0, MostSlots))
+        ->capture_default_str();
     app.add_option("--job-types", m_jobTypesFile, "File that says how job types are rendered.")
         ->type_name("FILE")
         ->capture_default_str();
@@ -89,6 +94,7 @@ FarmSettings ServeOptions::Settings() const
     settings.address = QString::fromStdString(m_address);
     settings.port = m_port;
     settings.slotCount = m_slotCount;
+    settings.framesPerAccount = m_framesPerAccount;
     settings.pricePerCoreSecond = AmountOf(m_price);
     settings.quota = m_quota * Gibibyte;
     settings.takeOver = m_takesOver;

@@ -33,6 +33,7 @@ private:
     std::string m_address;
     int m_port = 0;
     int m_slotCount = 1;
+    int m_framesPerAccount = 0;
     int m_quota = 20; // GiB
     std::string m_price;
     std::string m_jobTypesFile;

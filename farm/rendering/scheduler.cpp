@@ -268,8 +268,8 @@ void Scheduler::RecordFailure(const RunId& id, const FrameTask& task, const RunR
 
 void Scheduler::Postpone(const RunId& id, const FrameTask& task, const RunResult& result)
 {
-    spdlog::warn("job {} frame {} pauses: {}", task.jobId.toStdString(), task.Number(),
-        result.message.toStdString());
+    spdlog::warn(
+        "job {} frame {} pauses: {}", task.jobId.toStdString(), task.Number(), result.message.toStdString());
     m_deps.runs.End(id, [&] {
         m_deps.queue.Postpone(
             task.key, Now(), result.message + QLatin1Char('\n') + result.log, result.coreMilliseconds);
