@@ -7,6 +7,9 @@ PACKAGES="g++ cmake ninja-build ccache pkg-config
     povray povray-includes
     xvfb xauth fonts-dejavu-core fonts-inter fonts-wqy-microhei"
 
+# For ./test only, where it runs as root: a Slurm cluster of two nodes on this machine. See tests/cluster.
+CLUSTER_PACKAGES="munge slurmctld slurmd slurm-client"
+
 # For ./test only: the checks of scripts/lint.sh and of the packages.
 LINT_PACKAGES="git clang-format clang-tidy clazy dpkg-dev file desktop-file-utils appstream"
 
@@ -37,6 +40,30 @@ install_packages() {
         $as_root apt-get update >/dev/null
         $as_root apt-get install -y --no-install-recommends $missing >/dev/null
     }
+}
+
+# install_cluster_packages: Debian starts the services of packages when it installs them and at each start of the machine;
+# the tests start their own, and a machine that only runs them should have none.
+install_cluster_packages() {
+    [ "$(id -u)" = 0 ] || return 0
+    # shellcheck disable=SC2086
+    dpkg-query -W $CLUSTER_PACKAGES >/dev/null 2>&1 && return 0
+    services="munge slurmctld slurmd"
+    # shellcheck disable=SC2086
+    if [ -d /run/systemd/system ]; then
+        systemctl mask --runtime $services >/dev/null 2>&1
+        (install_packages $CLUSTER_PACKAGES) || say "Slurm cannot be installed; the tests with a cluster are skipped."
+        systemctl unmask --runtime $services >/dev/null 2>&1
+        systemctl disable $services >/dev/null 2>&1
+    else
+        # Without systemd, a script tells the packages what they may start.
+        policy=/usr/sbin/policy-rc.d
+        [ -e $policy ] || { printf '#!/bin/sh\nexit 101\n' >$policy && chmod 755 $policy && own_policy=1; }
+        (install_packages $CLUSTER_PACKAGES) || say "Slurm cannot be installed; the tests with a cluster are skipped."
+        [ -z "${own_policy:-}" ] || rm -f $policy
+        for service in $services; do update-rc.d $service disable >/dev/null 2>&1; done
+    fi
+    return 0
 }
 
 # Configures once and builds what has changed.

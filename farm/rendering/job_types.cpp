@@ -47,6 +47,21 @@ Resources ReadResources(const QJsonObject& object)
     return resources;
 }
 
+QMap<QString, QString> ReadSlurm(const QJsonObject& object)
+{
+    static const QStringList known {QStringLiteral("partition"), QStringLiteral("account"),
+        QStringLiteral("qos"), QStringLiteral("constraint"), QStringLiteral("frames_per_task")};
+    QMap<QString, QString> values;
+    for (auto entry = object.begin(); entry != object.end(); ++entry) {
+        if (!known.contains(entry.key()))
+            throw std::runtime_error("slurm has no setting \"" + entry.key().toStdString() + '"');
+        values.insert(entry.key(), entry->toVariant().toString());
+    }
+    if (object.contains(known.last()))
+        values[known.last()] = QString::number(WholeNumber(object, "frames_per_task", 1, 1));
+    return values;
+}
+
 JobType ReadJobType(const QString& name, const QJsonObject& object)
 {
     JobType type;
@@ -59,6 +74,7 @@ JobType ReadJobType(const QString& name, const QJsonObject& object)
     try {
         type.resources = ReadResources(object);
         type.framesAtOnce = int(WholeNumber(object, "frames_at_once", 0, 0));
+        type.slurm = ReadSlurm(object.value(QLatin1String("slurm")).toObject());
     } catch (const std::runtime_error& error) {
         throw std::runtime_error("the job type " + name.toStdString() + ": " + error.what());
     }

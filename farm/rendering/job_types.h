@@ -27,6 +27,8 @@ struct JobType
     QStringList writable;
     /// The most frames of the type that are rendered at a time, for example as many as there are licences; 0 for any number.
     int framesAtOnce = 0;
+    /// What differs for this type on a Slurm cluster: "partition", "account", "qos", "constraint" and "frames_per_task".
+    QMap<QString, QString> slurm;
 };
 
 using JobTypes = QMap<QString, JobType>;

@@ -198,7 +198,9 @@ private slots:
     void RefusesUnusableJobTypes()
     {
         for (const char* types : {"povray", "[]", R"({"a":{"suffix":"png"}})", R"({"a":{"program":"sh"}})",
-                 R"({"a":{"program":"sh","suffix":"png","frame_time_limit":0}})"})
+                 R"({"a":{"program":"sh","suffix":"png","frame_time_limit":0}})",
+                 R"({"a":{"program":"sh","suffix":"png","slurm":{"queue":"night"}}})",
+                 R"({"a":{"program":"sh","suffix":"png","slurm":{"frames_per_task":0}}})"})
             QVERIFY_EXCEPTION_THROWN(m_farm->Start(types), std::runtime_error);
         m_farm->Start(R"({"a":{"program":"sh","suffix":"png","frame_time_limit":1}})");
     }

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "farm/runner/run.h"
+#include "farm/slurm/slurm_settings.h"
+
+#include <QStringList>
+
+#include <vector>
+
+namespace farm {
+
+struct JobType;
+
+/// Where on the cluster runs of a type go, and what their tasks ask for. Runs that agree in it can share an array job.
+struct Placement
+{
+    QString partition;
+    QString account;
+    QString qos;
+    QString constraint;
+    int framesPerTask = 1;
+    Resources resources;
+};
+
+bool operator<(const Placement& one, const Placement& other);
+
+/// The settings, or what the type has instead of them.
+Placement PlacementFor(const SlurmSettings& settings, const JobType& type);
+
+/// An array job: each task renders some runs, one after another.
+struct Batch
+{
+    /// The name of the job on the cluster; unique for ever.
+    QString name;
+    Placement placement;
+    std::vector<RunId> runs;
+
+    /// The task, counted from 1, that renders the run at this place, counted from 0.
+    int TaskOf(int run) const { return run / placement.framesPerTask + 1; }
+    int TaskCount() const { return TaskOf(static_cast<int>(runs.size()) - 1); }
+};
+
+/// A text as one word of a shell.
+QString Quoted(QString text);
+
+/// The names of all jobs of farms begin so.
+QString ClusterJobPrefix();
+
+/// A new name; it tells how many frames each task renders.
+QString NewBatchName(int framesPerTask);
+int FramesPerTask(const QString& batchName);
+
+/// The arguments of sbatch, which reads the script from its standard input.
+QStringList SubmitArguments(const Batch& batch);
+
+/// What each task runs.
+/// @param list is a file that every node sees, with the folder of a run in each line, in the order of the batch.
+/// @param runner is quillstar-run-frame on the nodes.
+QByteArray BatchScript(int framesPerTask, const QString& list, const QString& runner);
+
+} // namespace farm

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "farm/slurm/slurm_settings.h"
+
+#include <QStringList>
+
+namespace farm {
+
+/// What the configuration of the cluster means for the farm.
+struct ClusterLimits
+{
+    int arraySize = 1001;  ///< the number after the highest index of an array
+    int jobs = 10000;      ///< the most that Slurm keeps; each task of an array counts
+    int secondsKept = 300; ///< how long Slurm knows a job after its end
+    bool hasAccounting = false;
+};
+
+/// Reads the output of `scontrol show config`.
+ClusterLimits ReadLimits(const QByteArray& config);
+
+/// Sentences about what does not fit the settings.
+QStringList Warnings(const ClusterLimits& limits, const SlurmSettings& settings);
+
+} // namespace farm

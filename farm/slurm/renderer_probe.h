@@ -1,0 +1,66 @@
+#pragma once
+
+#include "farm/rendering/executor.h"
+#include "farm/slurm/batch.h"
+#include "farm/slurm/cluster_commands.h"
+#include "farm/slurm/cluster_task.h"
+
+#include <map>
+#include <set>
+
+namespace farm {
+
+/// Finds out by small jobs whether the nodes have the renderers and quillstar-run-frame, see the shared folder and have the
+/// same time as this machine. What is missing is asked again after a while.
+class RendererProbe : public QObject
+{
+    Q_OBJECT
+
+public:
+    RendererProbe(const SlurmSettings& settings, ClusterCommands& commands);
+
+    /// The first call for a renderer and a placement starts asking.
+    Availability Has(const QString& program, const Placement& placement);
+    /// The cluster does not accept jobs for the placement any more.
+    void Withdraw(const Placement& placement);
+    /// Whether a job is under way, so that Update() is wanted.
+    bool IsWaiting() const;
+    /// Submits the jobs that are due.
+    void Submit();
+    /// Takes over what Slurm knows about the farm's jobs.
+    void Update(const std::vector<ClusterTask>& tasks);
+
+signals:
+    void Changed();
+    /// What is missing, once for each finding. A sentence.
+    void Found(const QString& fault);
+
+private:
+    using Clock = std::chrono::steady_clock;
+    using Question = std::pair<QString, Placement>;
+
+    struct State
+    {
+        Availability availability = Availability::Unknown;
+        QString fault;
+        /// The job under way; empty when there is none.
+        QString job;
+        bool isSubmitted = false;
+        qint64 submittedAt = 0; ///< in seconds since the epoch
+        std::optional<Clock::time_point> overSince;
+        Clock::time_point nextTry;
+    };
+
+    void HandleSubmission(const Question& question, const CommandResult& result);
+    void Conclude(State& state, Availability availability, const QString& fault);
+    /// Reads the answer of the job; returns false while there is none.
+    bool ReadAnswer(const Question& question, State& state);
+    QString AnswerFile(const QString& job) const;
+    QByteArray Script(const QString& program, const QString& job) const;
+
+    SlurmSettings m_settings;
+    ClusterCommands& m_commands;
+    std::map<Question, State> m_states;
+};
+
+} // namespace farm

@@ -1,0 +1,122 @@
+#include "farm/slurm/run_end_rules.h"
+
+#include <QMap>
+
+namespace farm {
+
+namespace {
+
+bool IsOneOf(const QString& state, std::initializer_list<const char*> states)
+{
+    for (const char* one : states) {
+        if (state == QLatin1String(one))
+            return true;
+    }
+    return false;
+}
+
+QString NodeOf(const RunEvidence& evidence)
+{
+    if (evidence.outcome && !evidence.outcome->host.isEmpty())
+        return evidence.outcome->host;
+    return evidence.task ? evidence.task->node : QString();
+}
+
+/// @param message may name the node as %1.
+RunResult Result(const RunEvidence& evidence, RunEnd end, const QString& message)
+{
+    RunResult result = evidence.outcome.value_or(RunResult {});
+    result.end = end;
+    result.host = NodeOf(evidence);
+    const QString node
+        = result.host.isEmpty() ? QStringLiteral("its node") : QStringLiteral("node ") + result.host;
+    result.message = message.contains(QLatin1String("%1")) ? message.arg(node) : message;
+    return result;
+}
+
+/// The end of a run whose task has ended in a state that says why.
+std::optional<RunResult> EndByState(const RunEvidence& evidence)
+{
+    struct Meaning
+    {
+        RunEnd end;
+        QString message;
+        /// Whether it is the fault of the frame that was rendered, so that the others of the task only have to wait for
+        /// another one.
+        bool concernsFrame;
+    };
+    static const QMap<QString, Meaning> meanings {
+        {QStringLiteral("NODE_FAIL"), {RunEnd::MachineLost, QStringLiteral("%1 failed"), false}},
+        {QStringLiteral("BOOT_FAIL"), {RunEnd::MachineLost, QStringLiteral("%1 did not boot"), false}},
+        {QStringLiteral("PREEMPTED"),
+            {RunEnd::Preempted, QStringLiteral("another job of the cluster took the place on %1"), false}},
+        {QStringLiteral("TIMEOUT"),
+            {RunEnd::TimeLimit, QStringLiteral("the renderer exceeded its time limit"), true}},
+        {QStringLiteral("DEADLINE"),
+            {RunEnd::Cancelled, QStringLiteral("the cluster's deadline for the task has passed"), false}},
+        {QStringLiteral("OUT_OF_MEMORY"),
+            {RunEnd::SceneFault, QStringLiteral("the renderer needs more memory than it may use on %1"),
+                true}},
+        {QStringLiteral("CANCELLED"),
+            {RunEnd::Cancelled, QStringLiteral("the task was cancelled on the cluster"), false}},
+    };
+    const auto meaning = meanings.constFind(evidence.task->state);
+    if (meaning == meanings.cend())
+        return std::nullopt;
+    if (meaning->concernsFrame && !evidence.wasStarted)
+        return Result(evidence, RunEnd::MachineLost, QStringLiteral("the task ended before the frame began"));
+    return Result(evidence, meaning->end, meaning->message);
+}
+
+/// The end of a run whose task has ended without saying anything about it.
+RunResult EndWithoutOutcome(const RunEvidence& evidence)
+{
+    if (!evidence.task)
+        return Result(
+            evidence, RunEnd::MachineLost, QStringLiteral("the cluster does not know the task any more"));
+    if (evidence.outcome)
+        return Result(evidence, RunEnd::MachineLost, QStringLiteral("the renderer was ended on %1"));
+    return Result(evidence, RunEnd::FarmFault,
+        evidence.wasStarted
+            ? QStringLiteral("%1 reported no result; the shared folder may be full or not writable there")
+            : QStringLiteral("%1 did not begin the frame; it may not see the farm's shared folder"));
+}
+
+} // namespace
+
+TaskPhase PhaseOf(const QString& state)
+{
+    if (IsOneOf(state,
+            {"PENDING", "CONFIGURING", "REQUEUED", "REQUEUE_FED", "REQUEUE_HOLD", "RESV_DEL_HOLD",
+                "SPECIAL_EXIT"}))
+        return TaskPhase::Queued;
+    if (IsOneOf(state,
+            {"COMPLETED", "FAILED", "CANCELLED", "TIMEOUT", "DEADLINE", "NODE_FAIL", "BOOT_FAIL", "PREEMPTED",
+                "OUT_OF_MEMORY", "REVOKED"}))
+        return TaskPhase::Ended;
+    return TaskPhase::Running;
+}
+
+std::optional<RunResult> EndOf(const RunEvidence& evidence)
+{
+    // quillstar-run-frame reports Cancelled whenever it is told to end; only Slurm knows why.
+    if (evidence.outcome && evidence.outcome->end != RunEnd::Cancelled) {
+        RunResult result = *evidence.outcome;
+        result.host = NodeOf(evidence);
+        return result;
+    }
+    if (evidence.task && PhaseOf(evidence.task->state) != TaskPhase::Ended)
+        return std::nullopt;
+    if (evidence.isCancelWanted)
+        return Result(evidence, RunEnd::Cancelled, {});
+    if (evidence.task) {
+        const auto result = EndByState(evidence);
+        if (result)
+            return result;
+    }
+    if (!evidence.isLate)
+        return std::nullopt;
+    return EndWithoutOutcome(evidence);
+}
+
+} // namespace farm

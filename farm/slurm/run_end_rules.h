@@ -1,0 +1,36 @@
+#pragma once
+
+#include "farm/runner/run.h"
+#include "farm/slurm/cluster_task.h"
+
+#include <optional>
+
+namespace farm {
+
+enum class TaskPhase {
+    Queued,
+    Running,
+    Ended,
+};
+
+/// A state that this version of the farm does not know counts as running: the task leaves the queue at its end.
+TaskPhase PhaseOf(const QString& state);
+
+/// What is known about a run on the cluster.
+struct RunEvidence
+{
+    /// Its task, as Slurm reports it; nothing when Slurm does not know it any more.
+    std::optional<ClusterTask> task;
+    /// Whether the node has begun with the run.
+    bool wasStarted = false;
+    /// What quillstar-run-frame has reported.
+    std::optional<RunResult> outcome;
+    bool isCancelWanted = false;
+    /// Whether an outcome that a node has written would have been seen by now, although shared folders show new files late.
+    bool isLate = false;
+};
+
+/// How the run has ended; nothing as long as it has not, or as that is unknown.
+std::optional<RunResult> EndOf(const RunEvidence& evidence);
+
+} // namespace farm

@@ -1,0 +1,388 @@
+#include "farm/slurm/slurm_executor.h"
+
+#include "farm/base/random.h"
+#include "farm/slurm/command_fault.h"
+
+#include <QStandardPaths>
+
+#include <spdlog/spdlog.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace farm {
+
+namespace {
+
+// Orders of one click belong together.
+constexpr std::chrono::milliseconds Gather {300};
+// Slurm's default of MaxArraySize is 1001.
+constexpr int LargestBatch = 1000;
+// When sbatch has failed, it is tried again after so many intervals.
+constexpr int RestAfterFault = 3;
+// The tasks that one scancel names, so that its command line does not become too long.
+constexpr int TasksPerCancel = 1000;
+
+} // namespace
+
+SlurmExecutor::SlurmExecutor(const SlurmSettings& settings, const JobTypes& types)
+    : m_settings(settings)
+    , m_types(types)
+    , m_lists(settings.folder)
+    , m_commands(settings.commandTimeout)
+    , m_probe(settings, m_commands)
+    , m_book(settings.fileDelay)
+{
+    for (const char* program : {"sbatch", "squeue", "scancel", "scontrol"}) {
+        if (QStandardPaths::findExecutable(QLatin1String(program)).isEmpty())
+            throw std::runtime_error(std::string("rendering on a Slurm cluster needs the program ") + program
+                + ", which is missing (Debian: slurm-client)");
+    }
+    m_lists.MakeFolder();
+    qRegisterMetaType<std::vector<RunLook>>();
+    qRegisterMetaType<std::vector<RunFinding>>();
+    for (QTimer* timer : {&m_turn, &m_cancel, &m_report})
+        timer->setSingleShot(true);
+    connect(&m_turn, &QTimer::timeout, this, &SlurmExecutor::RunTurn);
+    connect(&m_cancel, &QTimer::timeout, this, &SlurmExecutor::CancelTasks);
+    connect(&m_report, &QTimer::timeout, this, &SlurmExecutor::ReportEnds);
+    connect(&m_probe, &RendererProbe::Changed, this, &Executor::AvailabilityChanged);
+    connect(&m_probe, &RendererProbe::Found, this,
+        [](const QString& fault) { spdlog::error("frames wait for the cluster: {}", fault.toStdString()); });
+    m_folders.moveToThread(&m_folderThread);
+    connect(this, &SlurmExecutor::LookWanted, &m_folders, &RunFolders::LookAt);
+    connect(&m_folders, &RunFolders::Looked, this, &SlurmExecutor::HandleFindings);
+    m_folderThread.start();
+}
+
+SlurmExecutor::~SlurmExecutor()
+{
+    Stop();
+    m_folderThread.quit();
+    m_folderThread.wait();
+}
+
+Availability SlurmExecutor::Has(const JobType& type)
+{
+    const Availability availability = m_probe.Has(type.program, PlacementFor(m_settings, type));
+    if (availability != Availability::Present)
+        TakeTurn();
+    return availability;
+}
+
+void SlurmExecutor::Start(const std::vector<Run>& runs)
+{
+    for (const Run& run : runs) {
+        Placement placement = PlacementFor(m_settings, m_types.value(run.task.type));
+        placement.resources = run.order.resources;
+        m_waiting.push_back({run.id, placement, run.order.files});
+    }
+    TakeTurn();
+}
+
+void SlurmExecutor::Cancel(const RunId& run)
+{
+    const auto waiting = std::find_if(
+        m_waiting.begin(), m_waiting.end(), [&run](const Waiting& one) { return one.id == run; });
+    if (waiting != m_waiting.end()) {
+        m_waiting.erase(waiting);
+        EndLater(run, RunEnd::Cancelled, {});
+        return;
+    }
+    m_book.Cancel(run);
+    m_cancel.start(Gather);
+}
+
+void SlurmExecutor::Attach(const std::vector<RecordedRun>& runs)
+{
+    std::map<QString, const RecordedRun*> byFolder;
+    for (const RecordedRun& run : runs)
+        byFolder[run.files.folder] = &run;
+    const auto lists = m_lists.ReadAll();
+    for (const auto& [name, folders] : lists) {
+        Batch batch;
+        batch.name = name;
+        batch.placement.framesPerTask = FramesPerTask(name);
+        std::vector<RunFiles> files;
+        std::set<RunId> held;
+        for (const QString& folder : folders) {
+            const auto known = byFolder.find(folder);
+            batch.runs.push_back(known == byFolder.end() ? RunId() : known->second->id);
+            files.push_back({folder});
+            if (known != byFolder.end())
+                held.insert(known->second->id);
+        }
+        if (held.empty())
+            m_strangers.append(name);
+        else
+            m_book.Add(batch, files, held);
+    }
+    for (const RecordedRun& run : runs) {
+        if (m_book.Has(run.id))
+            continue;
+        // Its list is written before the batch is submitted and removed when all runs have ended.
+        const RunFinding finding = Look({run.id, run.files, true, true});
+        if (finding.outcome)
+            m_ends.emplace_back(run.id, *finding.outcome);
+        else
+            EndLater(
+                run.id, RunEnd::MachineLost, QStringLiteral("the frame had not been sent to the cluster"));
+    }
+    m_report.start(std::chrono::milliseconds {0});
+    TakeTurn();
+}
+
+void SlurmExecutor::Stop()
+{
+    for (QTimer* timer : {&m_turn, &m_cancel, &m_report})
+        timer->stop();
+    m_commands.Stop();
+    m_isStopped = true;
+}
+
+void SlurmExecutor::EndLater(const RunId& run, RunEnd end, const QString& message)
+{
+    RunResult result;
+    result.end = end;
+    result.message = message;
+    m_ends.emplace_back(run, result);
+    m_report.start(std::chrono::milliseconds {0});
+}
+
+void SlurmExecutor::ReportEnds()
+{
+    for (const auto& [run, result] : std::exchange(m_ends, {}))
+        emit Ended(run, result);
+}
+
+void SlurmExecutor::Complain(const QString& thing, const QString& fault)
+{
+    if (std::exchange(m_faults[thing], fault) == fault)
+        return;
+    if (fault.isEmpty())
+        spdlog::info("{} works again", thing.toStdString());
+    else
+        spdlog::error("frames wait for the cluster: {}", fault.toStdString());
+}
+
+/// Begins a turn as soon as the interval since the last one is over.
+void SlurmExecutor::TakeTurn()
+{
+    if (m_isInTurn || m_turn.isActive())
+        return;
+    const auto sinceLast
+        = std::chrono::duration_cast<std::chrono::milliseconds>(RunBook::Clock::now() - m_lastTurn);
+    m_turn.start(std::max(Gather, m_settings.interval - sinceLast));
+}
+
+// A turn: submit, ask Slurm about all jobs, look at the files of those that have begun or ended. The commands run one after
+// another, so the question includes what has been submitted.
+void SlurmExecutor::RunTurn()
+{
+    m_isInTurn = true;
+    m_lastTurn = RunBook::Clock::now();
+    if (m_arraySize == 0)
+        LearnLimits();
+    CancelTasks();
+    m_probe.Submit();
+    if (m_lastTurn >= m_submitAgain)
+        SubmitWaiting();
+    if (m_book.IsEmpty() && !m_probe.IsWaiting() && m_strangers.isEmpty())
+        EndTurn();
+    else
+        AskQueue();
+}
+
+void SlurmExecutor::EndTurn()
+{
+    m_isInTurn = false;
+    const bool hasWork
+        = !m_book.IsEmpty() || !m_waiting.empty() || m_probe.IsWaiting() || !m_strangers.isEmpty();
+    if (hasWork)
+        TakeTurn();
+}
+
+void SlurmExecutor::LearnLimits()
+{
+    m_commands.Run({QStringLiteral("scontrol"), {QStringLiteral("show"), QStringLiteral("config")}, {},
+        [this](const CommandResult& result) {
+            if (!result.IsOk())
+                return; // squeue will say the same
+            const ClusterLimits limits = ReadLimits(result.output);
+            m_arraySize = limits.arraySize;
+            m_hasAccounting = limits.hasAccounting;
+            const QStringList warnings = Warnings(limits, m_settings);
+            for (const QString& warning : warnings)
+                spdlog::warn("{}", warning.toStdString());
+        }});
+}
+
+void SlurmExecutor::AskQueue()
+{
+    m_commands.Run({QStringLiteral("squeue"),
+        {QStringLiteral("--me"), QStringLiteral("--noheader"), QStringLiteral("--array"),
+            QStringLiteral("--states=all"), QStringLiteral("--format=") + QLatin1String(QueueFormat)},
+        {}, [this](const CommandResult& result) { HandleQueue(result); }});
+}
+
+void SlurmExecutor::HandleQueue(const CommandResult& result)
+{
+    const QString program = QStringLiteral("squeue");
+    Complain(program, result.IsOk() ? QString() : FaultText(program, result));
+    if (!result.IsOk())
+        return EndTurn();
+    const std::vector<ClusterTask> tasks = ReadQueue(result.output);
+    m_probe.Update(tasks);
+    m_book.Update(tasks, RunBook::Clock::now());
+    CancelStrangers(tasks);
+    const QStringList lost = m_book.LostSubmissions();
+    for (const QString& batch : lost)
+        TakeBack(batch);
+    if (m_hasAccounting && !m_book.GoneBatches().isEmpty())
+        AskAccounting();
+    else
+        LookAtRuns();
+}
+
+void SlurmExecutor::AskAccounting()
+{
+    m_commands.Run({QStringLiteral("sacct"),
+        {QStringLiteral("--noheader"), QStringLiteral("--parsable2"), QStringLiteral("--allocations"),
+            QStringLiteral("--starttime=now-7days"),
+            QStringLiteral("--name=") + m_book.GoneBatches().join(QLatin1Char(',')),
+            QStringLiteral("--format=") + QLatin1String(AccountingFormat)},
+        {}, [this](const CommandResult& result) {
+            if (result.IsOk())
+                m_book.AddAccounts(ReadAccounting(result.output));
+            LookAtRuns();
+        }});
+}
+
+void SlurmExecutor::LookAtRuns()
+{
+    const std::vector<RunLook> looks = m_book.Looks(RunBook::Clock::now());
+    if (looks.empty())
+        EndTurn();
+    else
+        emit LookWanted(looks);
+}
+
+void SlurmExecutor::HandleFindings(const std::vector<RunFinding>& findings)
+{
+    if (m_isStopped)
+        return;
+    for (const RunFinding& finding : findings) {
+        if (m_book.MarkStarted(finding))
+            emit Started(finding.run, finding.node, finding.startedAt);
+        if (const auto end = m_book.TakeEnd(finding, RunBook::Clock::now()))
+            m_ends.emplace_back(finding.run, *end);
+    }
+    const QStringList empty = m_book.TakeEmptyBatches();
+    ReportEnds();
+    for (const QString& batch : empty)
+        m_lists.Remove(batch);
+    EndTurn();
+}
+
+void SlurmExecutor::SubmitWaiting()
+{
+    std::map<Placement, std::vector<Waiting>> groups;
+    for (const Waiting& run : std::exchange(m_waiting, {}))
+        groups[run.placement].push_back(run);
+    const int most = std::min(LargestBatch, m_arraySize > 1 ? m_arraySize - 1 : LargestBatch);
+    for (const auto& [placement, runs] : groups) {
+        const std::size_t size = std::size_t(most) * std::size_t(placement.framesPerTask);
+        for (std::size_t first = 0; first < runs.size(); first += size)
+            Submit({runs.begin() + long(first), runs.begin() + long(std::min(runs.size(), first + size))});
+    }
+}
+
+void SlurmExecutor::Submit(const std::vector<Waiting>& runs)
+{
+    Batch batch;
+    batch.placement = runs.front().placement;
+    batch.name = NewBatchName(batch.placement.framesPerTask);
+    std::vector<RunFiles> files;
+    QStringList folders;
+    for (const Waiting& run : runs) {
+        batch.runs.push_back(run.id);
+        files.push_back(run.files);
+        folders.append(run.files.folder);
+    }
+    try {
+        m_lists.Write(batch.name, folders);
+    } catch (const std::runtime_error& error) {
+        m_waiting.insert(m_waiting.end(), runs.begin(), runs.end());
+        return Complain(m_settings.folder, QString::fromUtf8(error.what()));
+    }
+    m_book.Add(batch, files, {batch.runs.begin(), batch.runs.end()});
+    m_commands.Run({QStringLiteral("sbatch"), SubmitArguments(batch),
+        BatchScript(batch.placement.framesPerTask, m_lists.File(batch.name), m_settings.runner),
+        [this, name = batch.name](const CommandResult& result) { HandleSubmission(name, result); }});
+}
+
+void SlurmExecutor::HandleSubmission(const QString& batch, const CommandResult& result)
+{
+    const QString program = QStringLiteral("sbatch");
+    if (result.IsOk()) {
+        m_book.SetJob(batch, QString::fromLatin1(result.output).section(QLatin1Char(';'), 0, 0).trimmed());
+        return Complain(program, {});
+    }
+    const QString fault = FaultText(program, result);
+    Complain(program, fault);
+    switch (FaultOf(result)) {
+    case CommandFault::InDoubt:
+        return m_book.Doubt(batch);
+    case CommandFault::Refused:
+        m_probe.Withdraw(m_book.PlacementOf(batch));
+        return TakeBack(batch, fault);
+    case CommandFault::Unreachable:
+        m_submitAgain = RunBook::Clock::now() + RestAfterFault * m_settings.interval;
+        return TakeBack(batch);
+    }
+}
+
+void SlurmExecutor::TakeBack(const QString& name, const QString& refusal)
+{
+    const Placement placement = m_book.PlacementOf(name);
+    for (const RunBook::Returned& run : m_book.Remove(name)) {
+        if (run.isCancelWanted)
+            EndLater(run.id, RunEnd::Cancelled, {});
+        else if (!refusal.isEmpty())
+            EndLater(run.id, RunEnd::FarmFault, refusal);
+        else
+            m_waiting.push_back({run.id, placement, run.files});
+    }
+    m_lists.Remove(name);
+}
+
+void SlurmExecutor::CancelTasks()
+{
+    const QStringList tasks = m_book.TakeTasksToCancel();
+    for (int first = 0; first < tasks.size(); first += TasksPerCancel) {
+        const QStringList some = tasks.mid(first, TasksPerCancel);
+        m_commands.Run(
+            {QStringLiteral("scancel"), some, {}, [this, some](const CommandResult& result) {
+                 // Tasks that have ended are refused, and need nothing more.
+                 const bool hasReached = result.IsOk()
+                     || (result.end == CommandResult::End::Exited && !result.errors.contains("contact"));
+                 if (!hasReached)
+                     m_book.CancelAgain(some);
+             }});
+    }
+}
+
+/// Ends what an earlier farm has submitted and nobody wants any more.
+void SlurmExecutor::CancelStrangers(const std::vector<ClusterTask>& tasks)
+{
+    for (const QString& name : std::exchange(m_strangers, {})) {
+        const bool isThere = std::any_of(
+            tasks.begin(), tasks.end(), [&name](const ClusterTask& task) { return task.batch == name; });
+        if (isThere)
+            m_commands.Run({QStringLiteral("scancel"),
+                {QStringLiteral("--me"), QStringLiteral("--name=") + name}, {}, [](const CommandResult&) {}});
+        m_lists.Remove(name);
+    }
+}
+
+} // namespace farm

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "farm/rendering/executor.h"
+#include "farm/slurm/batch_lists.h"
+#include "farm/slurm/cluster_commands.h"
+#include "farm/slurm/cluster_limits.h"
+#include "farm/slurm/renderer_probe.h"
+#include "farm/slurm/run_book.h"
+
+#include <QThread>
+#include <QTimer>
+
+#include <map>
+
+namespace farm {
+
+/// Renders on a Slurm cluster by array jobs. All of the farm's jobs are asked for together and not oftener than the settings
+/// say; while the controller does not answer, everything waits. Tasks go on while no farm runs, and the next one finds
+/// them by the lists of the batches.
+class SlurmExecutor : public Executor
+{
+    Q_OBJECT
+
+public:
+    /// Throws std::runtime_error when this machine has no commands of Slurm, or the folder cannot be created.
+    SlurmExecutor(const SlurmSettings& settings, const JobTypes& types);
+    ~SlurmExecutor() override;
+
+    int Capacity() const override { return m_settings.frames; }
+    Availability Has(const JobType& type) override;
+    void Start(const std::vector<Run>& runs) override;
+    void Cancel(const RunId& run) override;
+    void Attach(const std::vector<RecordedRun>& runs) override;
+    void Stop() override;
+
+private:
+    /// A run that is to be submitted.
+    struct Waiting
+    {
+        RunId id;
+        Placement placement;
+        RunFiles files;
+    };
+
+    void TakeTurn();
+    void RunTurn();
+    void LearnLimits();
+    void AskQueue();
+    void AskAccounting();
+    void HandleQueue(const CommandResult& result);
+    void LookAtRuns();
+    void HandleFindings(const std::vector<RunFinding>& findings);
+    void EndTurn();
+
+    void SubmitWaiting();
+    void Submit(const std::vector<Waiting>& runs);
+    void HandleSubmission(const QString& batch, const CommandResult& result);
+    /// The batch has not been accepted: its runs wait again, or end when the cluster has refused them for a reason.
+    void TakeBack(const QString& batch, const QString& refusal = {});
+    void CancelTasks();
+    void CancelStrangers(const std::vector<ClusterTask>& tasks);
+    void ReportEnds();
+    void EndLater(const RunId& run, RunEnd end, const QString& message);
+    /// Logs a fault once, until something else or nothing is wrong with the same thing.
+    void Complain(const QString& thing, const QString& fault);
+
+    SlurmSettings m_settings;
+    JobTypes m_types;
+    BatchLists m_lists;
+    ClusterCommands m_commands;
+    RendererProbe m_probe;
+    RunBook m_book;
+    std::vector<Waiting> m_waiting;
+    std::vector<std::pair<RunId, RunResult>> m_ends;
+    /// Batches of an earlier farm of whose runs none is wanted any more.
+    QStringList m_strangers;
+    QThread m_folderThread;
+    RunFolders m_folders;
+    QTimer m_turn;
+    QTimer m_cancel;
+    QTimer m_report;
+    bool m_isInTurn = false;
+    RunBook::Clock::time_point m_lastTurn;
+    RunBook::Clock::time_point m_submitAgain;
+    std::map<QString, QString> m_faults;
+    bool m_isStopped = false;
+    int m_arraySize = 0; ///< 0 until it is known
+    bool m_hasAccounting = false;
+
+signals:
+    /// For the thread of m_folders.
+    void LookWanted(const std::vector<farm::RunLook>& looks);
+};
+
+} // namespace farm
