@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/vtr_dialogform.h"
-#include "dialogs/vtr_listfile.h"
+#include "common/vtr_listfile.h"
 
 #include <QObject>
 #include <QPoint>

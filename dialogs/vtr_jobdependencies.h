@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dialogs/vtr_listfile.h"
+#include "common/vtr_listfile.h"
 
 #include <QSet>
 #include <QString>

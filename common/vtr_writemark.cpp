@@ -1,4 +1,4 @@
-#include "dialogs/vtr_writemark.h"
+#include "common/vtr_writemark.h"
 
 #include <QDateTime>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "dialogs/vtr_durability.h"
+#include "common/vtr_durability.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,8 +1,8 @@
-#include "dialogs/vtr_listfile.h"
+#include "common/vtr_listfile.h"
 
+#include "common/vtr_durability.h"
 #include "common/vtr_filename.h"
-#include "dialogs/vtr_durability.h"
-#include "dialogs/vtr_writemark.h"
+#include "common/vtr_writemark.h"
 
 #include <QFileInfo>
 #include <QSet>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dialogs/vtr_damagedcopies.h"
+#include "common/vtr_damagedcopies.h"
 
 #include <QSettings>
 #include <QStringList>

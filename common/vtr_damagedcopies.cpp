@@ -1,4 +1,4 @@
-#include "dialogs/vtr_damagedcopies.h"
+#include "common/vtr_damagedcopies.h"
 
 #include <QFile>
 #include <QFileInfo>

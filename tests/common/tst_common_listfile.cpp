@@ -1,4 +1,4 @@
-#include "dialogs/vtr_listfile.h"
+#include "common/vtr_listfile.h"
 #include "tests/support/disk_calls.h"
 #include "tests/support/real_disks.h"
 #include "tests/support/test_files.h"
@@ -167,4 +167,4 @@ private:
 };
 
 QTEST_GUILESS_MAIN(TestListFile)
-#include "tst_dialogs_listfile.moc"
+#include "tst_common_listfile.moc"
