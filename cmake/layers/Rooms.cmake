@@ -28,7 +28,7 @@ set(ROOM_RULES
     "host/mainform: host/ui host/settings host/farmclient interfaces"
     "host/frames: host/rendercore host/ui host/farmclient common interfaces"
     "host/process: host/farmclient processes"
-    "host/app: host/process host/frames host/mainform host/services host/ui host/settings host/farmclient interfaces"
+    "host/app: host/process host/frames host/mainform host/services host/ui host/settings host/farmclient common interfaces"
     "host/tour: host/app host/mainform host/services"
     "host: host/tour host/process host/app"
 )

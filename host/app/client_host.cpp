@@ -1,6 +1,7 @@
 #include "host/app/client_host.h"
 
 #include "host/app/live_refresh.h"
+#include "host/app/project_groups.h"
 #include "host/app/session_control.h"
 #include "host/farmclient/http_result.h"
 #include "host/mainform/main_form.h"
@@ -63,6 +64,7 @@ ClientHost::ClientHost(const HostOptions& options, QObject* parent)
 
 ClientHost::~ClientHost()
 {
+    m_projects.reset();
     m_refresh.reset();
     m_session.reset();
     m_runner.reset();
@@ -87,6 +89,7 @@ bool ClientHost::Start(QString* error)
     m_session = std::make_unique<SessionControl>(
         &m_services.loader, &m_services.communication, &m_services.settings, &m_services.messageBox);
     m_refresh = std::make_unique<LiveRefresh>(&m_services.communication);
+    m_projects = std::make_unique<ProjectGroups>(&m_services.communication, &m_services.settings);
     ConnectSession();
     m_session->SetServer(ServerText());
     m_services.scenes.Submit(m_options.scenes);
@@ -158,6 +161,10 @@ void ClientHost::ConnectSession()
     connect(&m_connection, &ConnectionView::TryAgainRequested, this, &ClientHost::TryAgain);
     connect(session, &SessionControl::SignedIn, m_refresh.get(), &LiveRefresh::BeginSession);
     connect(session, &SessionControl::SignedOut, m_refresh.get(), &LiveRefresh::EndSession);
+    connect(session, &SessionControl::SignedIn, m_projects.get(), &ProjectGroups::BeginSession);
+    connect(session, &SessionControl::SignedOut, m_projects.get(), &ProjectGroups::EndSession);
+    connect(m_projects.get(), &ProjectGroups::ProjectsListed, &m_picker, &ProjectPicker::SetProjects);
+    connect(&m_picker, &ProjectPicker::Named, m_projects.get(), &ProjectGroups::Follow);
 }
 
 bool ClientHost::StartPlugin(QString* error)
@@ -263,7 +270,7 @@ void ClientHost::BeginSession()
         m_session->ShowSignIn();
 }
 
-void ClientHost::ShowClient(const QString& userName)
+void ClientHost::ShowClient(const QString& userName, const QString& token)
 {
     m_services.configuration.SetUserName(userName);
     QVariant state;
@@ -273,11 +280,13 @@ void ClientHost::ShowClient(const QString& userName)
     m_jobs.Attach();
     m_follower.BeginSession(userName);
     m_closing.BeginSession();
+    m_filterMenu.BeginSession();
     m_shortcuts.BeginSession();
-    m_connection.BeginSession(ServerText());
+    m_connection.BeginSession(ServerText(), token);
     m_tips.BeginSession();
     m_filter.BeginSession();
     m_hints.BeginSession();
     m_transfers.BeginSession(userName);
     m_taskStatus.BeginSession();
+    m_picker.BeginSession();
 }

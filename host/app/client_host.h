@@ -7,11 +7,13 @@
 #include "host/frames/frames_window.h"
 #include "host/mainform/cell_tips.h"
 #include "host/mainform/filter_bar.h"
+#include "host/mainform/filter_menu.h"
 #include "host/mainform/form_closing.h"
 #include "host/mainform/form_follower.h"
 #include "host/mainform/job_trigger.h"
 #include "host/mainform/list_hints.h"
 #include "host/mainform/preview_trigger.h"
+#include "host/mainform/project_picker.h"
 #include "host/mainform/shortcuts.h"
 #include "host/mainform/task_status.h"
 #include "host/mainform/transfer_buttons.h"
@@ -22,6 +24,7 @@
 
 class FarmProcess;
 class LiveRefresh;
+class ProjectGroups;
 class SessionControl;
 class VTBaseInterface;
 
@@ -61,7 +64,7 @@ private:
     void Refresh();
     QString ServerText() const;
     void BeginSession();
-    void ShowClient(const QString& userName);
+    void ShowClient(const QString& userName, const QString& token);
 
     HostOptions m_options;
     HostServices m_services;
@@ -77,10 +80,13 @@ private:
     ListHints m_hints;
     TransferButtons m_transfers;
     TaskStatus m_taskStatus;
+    ProjectPicker m_picker;
+    FilterMenu m_filterMenu;
     std::unique_ptr<PluginRunner> m_runner;
     VTBaseInterface* m_client = nullptr; // owned by the plugin; valid until m_runner stops it
     std::unique_ptr<SessionControl> m_session;
     std::unique_ptr<LiveRefresh> m_refresh;
+    std::unique_ptr<ProjectGroups> m_projects;
     std::unique_ptr<FarmProcess> m_farm;
     bool m_sessionBegun = false;
 };

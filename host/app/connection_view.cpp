@@ -15,8 +15,9 @@ ConnectionView::ConnectionView(ConnectionFeed* feed, VTUiLoaderInterface* loader
     connect(&m_dialog, &ConnectionDialog::TryAgainRequested, this, &ConnectionView::TryAgainRequested);
 }
 
-void ConnectionView::BeginSession(const QString& server)
+void ConnectionView::BeginSession(const QString& server, const QString& token)
 {
+    m_feed->BeginSession(token.toLatin1());
     m_server = server;
     const QWidget* form = FindMainForm();
     auto* place = form ? form->findChild<QWidget*>(QStringLiteral("wgtConnection")) : nullptr;
@@ -31,7 +32,7 @@ void ConnectionView::BeginSession(const QString& server)
 void ConnectionView::EndSession()
 {
     m_dialog.Close();
-    m_feed->Clear();
+    m_feed->EndSession();
 }
 
 void ConnectionView::Open()

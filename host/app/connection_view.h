@@ -19,7 +19,8 @@ public:
 
     /// Puts the strip into the main form. Call it whenever the form is shown for a new session, because it may be a new one.
     /// @param server shown to the user; empty for the farm on this computer.
-    void BeginSession(const QString& server);
+    /// @param token of the session.
+    void BeginSession(const QString& server, const QString& token);
 
     /// Closes the dialog and forgets the failures, which may name the account's jobs.
     void EndSession();

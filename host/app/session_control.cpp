@@ -81,13 +81,13 @@ void SessionControl::ShowSignIn()
         m_loader->OpenWindow(SignInKey());
 }
 
-void SessionControl::ShowFailure(const QString& message)
+void SessionControl::ShowFailure(const SignInWindow::Words& text)
 {
     if (m_signedIn)
         return;
     ShowSignIn();
     m_window.SetBusy(false);
-    m_window.ShowFailure(message);
+    m_window.ShowFailure(text);
 }
 
 void SessionControl::SetFarm(SignInWindow::Farm farm, const QString& reason)
@@ -178,7 +178,10 @@ void SessionControl::HandleSignInAnswer(int code, const QVariantMap& answer)
     }
     m_triedPassword.clear();
     if (code != HttpStatus::Ok) {
-        ShowFailure(FailureText(code, answer.value(QStringLiteral("message")).toString()));
+        ShowFailure([code, fault = m_communication->LatestFault(),
+                        message = answer.value(QStringLiteral("message")).toString()] {
+            return FailureText(code, fault, message);
+        });
         return;
     }
     m_signedIn = true;
@@ -194,7 +197,8 @@ void SessionControl::HandleSignInAnswer(int code, const QVariantMap& answer)
 }
 
 /// Translates the usual failures; the server's own messages are English.
-QString SessionControl::FailureText(int code, const QString& message)
+/// @param message of the answer, in the language of that moment.
+QString SessionControl::FailureText(int code, const FarmFault& fault, const QString& message)
 {
     switch (code) {
     case HttpStatus::Unauthorized:
@@ -202,7 +206,7 @@ QString SessionControl::FailureText(int code, const QString& message)
     case HttpStatus::TooManyRequests:
         return tr("Too many attempts. Please try again in a moment.");
     default:
-        return message;
+        return fault.status == 0 ? message : fault.Text();
     }
 }
 
@@ -213,7 +217,7 @@ void SessionControl::HandleSignOutAnswer()
     emit SignedOut();
     ShowSignIn();
     if (m_expired)
-        ShowFailure(tr("Your session has ended. Please sign in again."));
+        ShowFailure([] { return tr("Your session has ended. Please sign in again."); });
     m_expired = false;
 }
 

@@ -12,6 +12,7 @@ class CommunicationService;
 class UiLoaderService;
 class VTMessagboxInterface;
 class VTSettingsInterface;
+struct FarmFault;
 
 /// Signs the user in and out and shows the window that belongs to the session: the sign-in window or the main window.
 class SessionControl : public QObject
@@ -45,7 +46,7 @@ public:
     void ShowSignIn();
 
     /// Shows a reason in the sign-in window; ignored while somebody is signed in.
-    void ShowFailure(const QString& message);
+    void ShowFailure(const SignInWindow::Words& text);
 
     /// Brings the main window to the front, or the sign-in window while nobody is signed in.
     void ShowWindow();
@@ -68,7 +69,7 @@ private:
     bool MaySendPassword();
     bool AnswerProxy();
     void HandleSignInAnswer(int code, const QVariantMap& answer);
-    static QString FailureText(int code, const QString& message);
+    static QString FailureText(int code, const FarmFault& fault, const QString& message);
     void HandleSignOutAnswer();
     void HandleExpiry();
     static void RequestSignOut();

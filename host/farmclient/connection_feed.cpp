@@ -36,10 +36,30 @@ ConnectionFeed::ConnectionFeed()
     m_clock.start();
 }
 
-void ConnectionFeed::Report(const QByteArray& verb, const QByteArray& target, const FarmFault& fault)
+void ConnectionFeed::BeginSession(const QByteArray& token)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_token = token;
+}
+
+void ConnectionFeed::EndSession()
 {
     {
         const QMutexLocker lock(&m_mutex);
+        m_state = {};
+        m_token.clear();
+    }
+    Announce();
+}
+
+void ConnectionFeed::Report(
+    const QByteArray& verb, const QByteArray& target, const FarmFault& fault, const QByteArray& token)
+{
+    {
+        const QMutexLocker lock(&m_mutex);
+        // A late failure may name jobs of the account that has signed out.
+        if (!token.isEmpty() && token != m_token)
+            return;
         m_state.Apply({QDateTime::currentDateTime(), verb, target, fault});
     }
     Announce();
@@ -50,15 +70,6 @@ void ConnectionFeed::MarkRead()
     {
         const QMutexLocker lock(&m_mutex);
         m_state.MarkRead();
-    }
-    Announce();
-}
-
-void ConnectionFeed::Clear()
-{
-    {
-        const QMutexLocker lock(&m_mutex);
-        m_state = {};
     }
     Announce();
 }

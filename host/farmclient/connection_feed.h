@@ -56,13 +56,18 @@ public:
 
     ConnectionFeed();
 
-    void Report(const QByteArray& verb, const QByteArray& target, const FarmFault& fault);
+    /// Takes reports of this session from now on. @param token identifies it and is never shown.
+    void BeginSession(const QByteArray& token);
+
+    /// Forgets everything, and takes no reports of any session.
+    void EndSession();
+
+    /// @param token of the request's session; empty for a request of none.
+    void Report(const QByteArray& verb, const QByteArray& target, const FarmFault& fault,
+        const QByteArray& token = {});
 
     /// The user has read the failures.
     void MarkRead();
-
-    /// Forgets everything, at the end of a session.
-    void Clear();
 
     ConnectionPicture Look();
 
@@ -88,6 +93,7 @@ private:
 
     QMutex m_mutex;
     ConnectionState m_state;
+    QByteArray m_token;               // of the session
     std::array<Traffic, 2> m_traffic; // by direction
     QElapsedTimer m_clock;
     bool m_isAnnounced = false;

@@ -159,7 +159,7 @@ QNetworkReply* HttpTransport::Begin(const HttpRequest& request)
 void HttpTransport::Report(const HttpRequest& request, const FarmFault& fault) const
 {
     if (m_feed)
-        m_feed->Report(request.verb, request.target, fault);
+        m_feed->Report(request.verb, request.target, fault, request.token);
 }
 
 FarmFault HttpTransport::CertificateFault(const QNetworkReply& reply)

@@ -47,6 +47,10 @@
         <source>Language</source>
         <translation>Language</translation>
     </message>
+    <message>
+        <source>QuillStar logo</source>
+        <translation>QuillStar logo</translation>
+    </message>
 </context>
 <context>
     <name>ClientHost</name>
@@ -607,6 +611,17 @@
     </message>
 </context>
 <context>
+    <name>FilterMenu</name>
+    <message>
+        <source>Add a group…</source>
+        <translation>Add a group…</translation>
+    </message>
+    <message>
+        <source>Delete the group %1</source>
+        <translation>Delete the group %1</translation>
+    </message>
+</context>
+<context>
     <name>FilterText</name>
     <message>
         <source>%1: %2</source>
@@ -806,6 +821,14 @@
         <source>Close</source>
         <translation>Close</translation>
     </message>
+    <message>
+        <source>Or one of your projects, whose jobs it then lists:</source>
+        <translation>Or one of your projects, whose jobs it then lists:</translation>
+    </message>
+    <message>
+        <source>Projects</source>
+        <translation>Projects</translation>
+    </message>
 </context>
 <context>
     <name>JobPictures</name>
@@ -851,6 +874,18 @@
     <message>
         <source>Right-click a job under My Render and choose Download, or let the settings download finished jobs.</source>
         <translation>Right-click a job under My Render and choose Download, or let the settings download finished jobs.</translation>
+    </message>
+    <message>
+        <source>No groups yet</source>
+        <translation>No groups yet</translation>
+    </message>
+    <message>
+        <source>A group lists the jobs of one of your projects.</source>
+        <translation>A group lists the jobs of one of your projects.</translation>
+    </message>
+    <message>
+        <source>Add a group…</source>
+        <translation>Add a group…</translation>
     </message>
 </context>
 <context>
@@ -1219,6 +1254,18 @@
         <source>Previous page</source>
         <translation>Previous page</translation>
     </message>
+    <message>
+        <source>Account</source>
+        <translation>Account</translation>
+    </message>
+    <message>
+        <source>Choose which jobs are listed</source>
+        <translation>Choose which jobs are listed</translation>
+    </message>
+    <message>
+        <source>QuillStar logo</source>
+        <translation>QuillStar logo</translation>
+    </message>
 </context>
 <context>
     <name>SceneIntake</name>
@@ -1489,6 +1536,13 @@
     <message>
         <source>Cancel</source>
         <translation>Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>SideColumn</name>
+    <message>
+        <source>No project chosen</source>
+        <translation>No project chosen</translation>
     </message>
 </context>
 <context>

@@ -47,6 +47,10 @@
         <source>Language</source>
         <translation>语言</translation>
     </message>
+    <message>
+        <source>QuillStar logo</source>
+        <translation>QuillStar 标志</translation>
+    </message>
 </context>
 <context>
     <name>ClientHost</name>
@@ -607,6 +611,17 @@
     </message>
 </context>
 <context>
+    <name>FilterMenu</name>
+    <message>
+        <source>Add a group…</source>
+        <translation>添加分组…</translation>
+    </message>
+    <message>
+        <source>Delete the group %1</source>
+        <translation>删除分组 %1</translation>
+    </message>
+</context>
+<context>
     <name>FilterText</name>
     <message>
         <source>%1: %2</source>
@@ -806,6 +821,14 @@
         <source>Close</source>
         <translation>关闭</translation>
     </message>
+    <message>
+        <source>Or one of your projects, whose jobs it then lists:</source>
+        <translation>或选择您的一个项目，分组将列出该项目的作业：</translation>
+    </message>
+    <message>
+        <source>Projects</source>
+        <translation>项目</translation>
+    </message>
 </context>
 <context>
     <name>JobPictures</name>
@@ -851,6 +874,18 @@
     <message>
         <source>Right-click a job under My Render and choose Download, or let the settings download finished jobs.</source>
         <translation>右键点击作业并选择“下载”，或在设置中开启自动下载。</translation>
+    </message>
+    <message>
+        <source>No groups yet</source>
+        <translation>还没有分组</translation>
+    </message>
+    <message>
+        <source>A group lists the jobs of one of your projects.</source>
+        <translation>分组可列出您的一个项目的作业。</translation>
+    </message>
+    <message>
+        <source>Add a group…</source>
+        <translation>添加分组…</translation>
     </message>
 </context>
 <context>
@@ -1219,6 +1254,18 @@
         <source>Previous page</source>
         <translation>上一页</translation>
     </message>
+    <message>
+        <source>Account</source>
+        <translation>账户</translation>
+    </message>
+    <message>
+        <source>Choose which jobs are listed</source>
+        <translation>选择要列出的作业</translation>
+    </message>
+    <message>
+        <source>QuillStar logo</source>
+        <translation>QuillStar 标志</translation>
+    </message>
 </context>
 <context>
     <name>SceneIntake</name>
@@ -1489,6 +1536,13 @@
     <message>
         <source>Cancel</source>
         <translation>取消</translation>
+    </message>
+</context>
+<context>
+    <name>SideColumn</name>
+    <message>
+        <source>No project chosen</source>
+        <translation>未选择项目</translation>
     </message>
 </context>
 <context>

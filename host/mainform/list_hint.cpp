@@ -1,10 +1,10 @@
 #include "host/mainform/list_hint.h"
 
+#include <QAbstractItemView>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QLabel>
 #include <QPushButton>
-#include <QTableWidget>
 #include <QVBoxLayout>
 
 namespace {
@@ -13,9 +13,9 @@ constexpr int Margin = 24; // pixels
 
 } // namespace
 
-ListHint::ListHint(QTableWidget* table)
-    : QWidget(table) // the viewport would scroll it
-    , m_table(table)
+ListHint::ListHint(QAbstractItemView* list)
+    : QWidget(list) // the viewport would scroll it
+    , m_list(list)
     , m_heading(new QLabel(this))
     , m_text(new QLabel(this))
     , m_button(new QPushButton(this))
@@ -42,11 +42,11 @@ ListHint::ListHint(QTableWidget* table)
     connect(&m_settling, &QTimer::timeout, this, &ListHint::Update);
     connect(m_button, &QPushButton::clicked, this, &ListHint::ButtonClicked);
     const auto Settle = [this] { m_settling.start(); };
-    const QAbstractItemModel* model = table->model();
+    const QAbstractItemModel* model = list->model();
     connect(model, &QAbstractItemModel::rowsInserted, this, Settle);
     connect(model, &QAbstractItemModel::rowsRemoved, this, Settle);
     connect(model, &QAbstractItemModel::modelReset, this, Settle);
-    table->viewport()->installEventFilter(this);
+    list->viewport()->installEventFilter(this);
 }
 
 void ListHint::SetTexts(const HintTexts& texts)
@@ -68,8 +68,8 @@ void ListHint::Translate()
 
 void ListHint::Update()
 {
-    setGeometry(m_table->viewport()->geometry());
-    setVisible(m_texts.heading && m_table->rowCount() == 0);
+    setGeometry(m_list->viewport()->geometry());
+    setVisible(m_texts.heading && m_list->model()->rowCount() == 0);
     if (isVisible())
         raise();
 }
@@ -81,7 +81,7 @@ void ListHint::changeEvent(QEvent* event)
     QWidget::changeEvent(event);
 }
 
-/// Only the table's viewport is watched.
+/// Only the list's viewport is watched.
 bool ListHint::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::Resize)

@@ -3,9 +3,9 @@
 #include <QTimer>
 #include <QWidget>
 
+class QAbstractItemView;
 class QLabel;
 class QPushButton;
-class QTableWidget;
 
 /// English texts, translated in the context "ListHint".
 struct HintTexts
@@ -15,13 +15,13 @@ struct HintTexts
     const char* button = nullptr; ///< null for none
 };
 
-/// Covers the rows of a table while it has none. The table owns it.
+/// Covers the rows of a table or list while it has none. The list owns it.
 class ListHint : public QWidget
 {
     Q_OBJECT
 
 public:
-    explicit ListHint(QTableWidget* table);
+    explicit ListHint(QAbstractItemView* list);
 
     /// @param texts without a heading hide the hint.
     void SetTexts(const HintTexts& texts);
@@ -38,10 +38,10 @@ private:
     void Translate();
     void Update();
 
-    QTableWidget* m_table;
+    QAbstractItemView* m_list;
     HintTexts m_texts;
     QLabel* m_heading;
     QLabel* m_text;
     QPushButton* m_button;
-    QTimer m_settling; // runs out when the table has been filled
+    QTimer m_settling; // runs out when the list has been filled
 };

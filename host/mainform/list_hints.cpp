@@ -3,6 +3,8 @@
 #include "host/mainform/list_hint.h"
 #include "host/mainform/main_form.h"
 
+#include <QAction>
+#include <QListWidget>
 #include <QTableWidget>
 
 namespace {
@@ -18,10 +20,13 @@ constexpr HintTexts NoDownloads {QT_TRANSLATE_NOOP("ListHint", "No downloads yet
     QT_TRANSLATE_NOOP("ListHint",
         "Right-click a job under My Render and choose Download, or let the settings download finished "
         "jobs.")};
+constexpr HintTexts NoGroups {QT_TRANSLATE_NOOP("ListHint", "No groups yet"),
+    QT_TRANSLATE_NOOP("ListHint", "A group lists the jobs of one of your projects."),
+    QT_TRANSLATE_NOOP("ListHint", "Add a group…")};
 
-ListHint* AddHint(QTableWidget* table, const HintTexts& texts)
+ListHint* AddHint(QAbstractItemView* list, const HintTexts& texts)
 {
-    auto* hint = table ? new ListHint(table) : nullptr;
+    auto* hint = list ? new ListHint(list) : nullptr;
     if (hint)
         hint->SetTexts(texts);
     return hint;
@@ -39,6 +44,8 @@ void ListHints::BeginSession()
         m_jobs = AddHint(FindJobTable(), {});
         AddHint(FindTable(QStringLiteral("twtLocalTask")), NoTasks);
         AddHint(FindDownloadTable(), NoDownloads);
+        if (const ListHint* groups = AddHint(FindGroupList(), NoGroups))
+            connect(groups, &ListHint::ButtonClicked, FindGroupActions().add, &QAction::trigger);
         if (m_jobs)
             connect(m_jobs, &ListHint::ButtonClicked, this, &ListHints::AllJobsRequested);
     }

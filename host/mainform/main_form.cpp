@@ -1,7 +1,31 @@
 #include "host/mainform/main_form.h"
 
 #include <QApplication>
+#include <QListWidget>
+#include <QMenu>
 #include <QTableWidget>
+#include <QToolBox>
+
+namespace {
+
+QWidget* FindWindowWith(const char* name)
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* window : windows) {
+        if (window->findChild<QWidget*>(QLatin1String(name)))
+            return window;
+    }
+    return nullptr;
+}
+
+QListWidget* FindPanelPage(int page)
+{
+    const QWidget* form = FindMainForm();
+    const auto* panel = form ? form->findChild<QToolBox*>() : nullptr;
+    return panel ? qobject_cast<QListWidget*>(panel->widget(page)) : nullptr;
+}
+
+} // namespace
 
 QTableWidget* FindTable(const QString& name)
 {
@@ -41,12 +65,35 @@ QWidget* FindMainForm()
 
 QWidget* FindSearchForm()
 {
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget* window : windows) {
-        if (window->findChild<QWidget*>(QStringLiteral("btnSearchJob")))
-            return window;
+    return FindWindowWith("btnSearchJob");
+}
+
+QWidget* FindGroupForm()
+{
+    return FindWindowWith("lneInput");
+}
+
+QListWidget* FindStatusList()
+{
+    return FindPanelPage(0);
+}
+
+QListWidget* FindGroupList()
+{
+    return FindPanelPage(1);
+}
+
+GroupActions FindGroupActions()
+{
+    const QWidget* form = FindMainForm();
+    const auto menus
+        = form ? form->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly) : QList<QMenu*>();
+    for (const QMenu* menu : menus) {
+        const QList<QAction*> actions = menu->actions();
+        if (actions.size() == 2 && actions[0]->parent() && actions[0]->parent()->inherits("VTGroup"))
+            return {actions[0], actions[1]};
     }
-    return nullptr;
+    return {};
 }
 
 QStringList CheckedIds(const QTableWidget* table)

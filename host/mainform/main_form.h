@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+class QAction;
+class QListWidget;
 class QTableWidget;
 class QWidget;
 
@@ -23,6 +25,25 @@ QTableWidget* FindDownloadTable();
 
 /// @return the form of the search dialog; null while there is none.
 QWidget* FindSearchForm();
+
+/// @return the form of the dialog that names a group; null while there is none.
+QWidget* FindGroupForm();
+
+/// @return the group panel's list of statuses; null while there is none.
+QListWidget* FindStatusList();
+
+/// @return the group panel's list of groups; null while there is none.
+QListWidget* FindGroupList();
+
+/// The entries of the group panel's menu.
+struct GroupActions
+{
+    QAction* add = nullptr;
+    QAction* remove = nullptr; ///< deletes the current item of the list of groups
+};
+
+/// @return null entries while there is no panel.
+GroupActions FindGroupActions();
 
 /// @return the ids of the checked rows of one of the main form's tables, top to bottom.
 QStringList CheckedIds(const QTableWidget* table);

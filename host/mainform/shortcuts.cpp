@@ -52,6 +52,7 @@ void Shortcuts::BeginSession()
     m_keys.clear();
     AddToButton("btnSearch", QKeySequence::Find);
     AddToButton("btnSubmit", QKeySequence::Open);
+    AddToButton("btnGroups", Qt::CTRL + Qt::Key_G);
     connect(new QShortcut(QKeySequence::Refresh, form), &QShortcut::activated, this, &Refresh);
     // In a field of the form these two keys edit text.
     for (const char* name : {"twtMyRender", "twtLocalTask", "twtDownload"}) {

@@ -8,8 +8,8 @@
 
 class QTableWidget;
 
-/// The keys of the main form: Ctrl+F searches, F5 refreshes, Delete deletes the checked rows, Ctrl+O submits, and Ctrl+C
-/// copies the texts of the current row. Tool tips of buttons name their keys.
+/// The keys of the main form: Ctrl+F searches, F5 refreshes, Delete deletes the checked rows, Ctrl+O submits,
+/// Ctrl+G opens the menu of groups, and Ctrl+C copies the texts of the current row. Tool tips of buttons name their keys.
 class Shortcuts : public QObject
 {
     Q_OBJECT

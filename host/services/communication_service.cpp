@@ -1,7 +1,6 @@
 #include "host/services/communication_service.h"
 
 #include "host/farmclient/farm_events.h"
-#include "host/farmclient/http_call.h"
 
 using FarmProtocol::Answer;
 
@@ -165,12 +164,13 @@ int CommunicationService::GetProjectList(const QVariant& status, const QVariantH
 
 HttpCall* CommunicationService::Send(const HttpRequest& request, const Handling& handling)
 {
-    auto* call = new HttpCall(&m_transport, request, m_session.get());
+    HttpCall* call = Ask(request);
     const bool ofSession = !request.token.isEmpty();
     connect(call, &HttpCall::Finished, this, [this, handling, ofSession, call](const HttpResult& result) {
         const Answer answer = FarmProtocol::Decode(result, handling.check, handling.echo);
         const QPointer<QObject> session = m_session.get();
         KeepJobList(call, answer, handling.changesJobs);
+        m_latestFault = result.fault;
         emit(this->*handling.response)(answer.code, answer.map);
         if (ofSession && answer.code == HttpStatus::Unauthorized && session)
             ReportExpiry();

@@ -2,6 +2,7 @@
 
 #include "host/farmclient/event_stream.h"
 #include "host/farmclient/farm_protocol.h"
+#include "host/farmclient/http_call.h"
 #include "host/farmclient/http_transport.h"
 #include "host/services/announced_job_list.h"
 #include "host/services/service_base.h"
@@ -14,7 +15,6 @@
 #include <memory>
 
 class FarmEvents;
-class HttpCall;
 
 /// Sends the window's requests to the farm.
 ///
@@ -45,6 +45,13 @@ public:
     /// Emits FarmChanged for what the farm announces, until the session ends. Nothing tells whether the farm does.
     /// @param token of the session.
     void FollowChanges(const QString& token);
+
+    /// Sends a request of the host's own, which no signal answers.
+    /// @return the call; it ends with the session.
+    HttpCall* Ask(const HttpRequest& request) { return new HttpCall(&m_transport, request, m_session.get()); }
+
+    /// @return why the request failed whose answer is being delivered, for its text in another language.
+    const FarmFault& LatestFault() const { return m_latestFault; }
 
     /// @return whether a list for the window's table is on its way, and is not to be replaced.
     bool IsFetchingJobs() const;
@@ -106,5 +113,6 @@ private:
     AnnouncedJobList m_announcedJobs; // of the window's table
     QTimer m_jobsAnswer;
     QHash<int, JobList> m_jobLists; // the newest by the request's identifier
+    FarmFault m_latestFault;
     bool m_expiryReported = false;
 };

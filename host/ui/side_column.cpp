@@ -1,6 +1,7 @@
 #include "host/ui/side_column.h"
 
 #include <QEvent>
+#include <QLabel>
 #include <QToolBox>
 #include <QWidget>
 
@@ -14,7 +15,10 @@ SideColumn::SideColumn(QWidget* form)
     : QObject(form)
     , m_column(form->findChild<QWidget*>(QStringLiteral("wgtSide")))
     , m_groups(form->findChild<QWidget*>(QStringLiteral("wgtGroup")))
+    , m_project(form->findChild<QLabel*>(QStringLiteral("lblProjectV")))
 {
+    if (m_project)
+        m_project->installEventFilter(this);
     if (!m_column || !m_groups)
         return;
     m_column->setMinimumHeight(m_groups->y() + GroupsHeight);
@@ -28,6 +32,11 @@ bool SideColumn::eventFilter(QObject* watched, QEvent* event)
     else if (watched == m_groups
         && (event->type() == QEvent::Show || event->type() == QEvent::LanguageChange))
         NameLists();
+    // The window changes the tool tip with the text.
+    if (watched == m_project
+        && (event->type() == QEvent::Show || event->type() == QEvent::ToolTipChange
+            || event->type() == QEvent::LanguageChange))
+        NameProject();
     return false;
 }
 
@@ -37,4 +46,10 @@ void SideColumn::NameLists() const
     const auto* panel = m_groups->findChild<QToolBox*>();
     for (int page = 0; panel && page < panel->count(); ++page)
         panel->widget(page)->setAccessibleName(panel->itemText(page));
+}
+
+/// A label with a text is named by it.
+void SideColumn::NameProject() const
+{
+    m_project->setAccessibleName(m_project->text().isEmpty() ? tr("No project chosen") : QString());
 }

@@ -2,10 +2,12 @@
 
 #include <QObject>
 
+class QLabel;
 class QWidget;
 
 /// Lets the side of the main form scroll where the form is too low for the group panel, whose height the window computes
-/// from the height of the form, and names the panel's lists for screen readers. The form owns it.
+/// from the height of the form, and names the panel's lists and an empty project for screen
+/// readers. The form owns it.
 class SideColumn : public QObject
 {
     Q_OBJECT
@@ -17,7 +19,9 @@ public:
 
 private:
     void NameLists() const;
+    void NameProject() const;
 
     QWidget* m_column;
     QWidget* m_groups;
+    QLabel* m_project;
 };

@@ -90,8 +90,10 @@ void SignInWindow::ShowServer()
 void SignInWindow::SetFarm(Farm farm, const QString& reason)
 {
     m_farm = farm;
-    m_reason = reason;
-    Say(reason.isEmpty() ? QString() : ReasonText());
+    if (reason.isEmpty())
+        Say({});
+    else
+        Say([reason] { return tr("The farm on this computer does not start: %1").arg(reason); });
     UpdateButton();
 }
 
@@ -100,14 +102,8 @@ void SignInWindow::Retranslate()
     const QString language = QFileInfo(m_loader->GetLanguage()).completeBaseName().mid(LanguagePrefix.size());
     m_language->setIcon(QIcon(QStringLiteral(":/default/%1_normal.png").arg(language)));
     ShowServer();
-    if (!m_reason.isEmpty())
-        Say(ReasonText());
+    ShowWords();
     UpdateButton();
-}
-
-QString SignInWindow::ReasonText() const
-{
-    return tr("The farm on this computer does not start: %1").arg(m_reason);
 }
 
 void SignInWindow::SetName(const QString& name)
@@ -126,17 +122,23 @@ void SignInWindow::SetBusy(bool busy)
     UpdateButton();
 }
 
-void SignInWindow::ShowFailure(const QString& message)
+void SignInWindow::ShowFailure(const Words& text)
 {
     SetBusy(false);
-    Say(message);
+    Say(text);
     m_password->setFocus();
     m_password->selectAll();
 }
 
-void SignInWindow::Say(const QString& text)
+void SignInWindow::Say(const Words& words)
 {
-    const QString whole = text.simplified();
+    m_words = words;
+    ShowWords();
+}
+
+void SignInWindow::ShowWords()
+{
+    const QString whole = m_words ? m_words().simplified() : QString();
     const bool isLong = whole.size() > FailureLength;
     m_failure->setText(isLong ? whole.left(FailureLength) + QChar(0x2026) : whole);
     m_failure->setToolTip(isLong ? PlainToolTip(whole.left(LongestToolTip)) : QString());

@@ -2,6 +2,8 @@
 
 #include "host/ui/skinned_form.h"
 
+#include <functional>
+
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -18,6 +20,9 @@ public:
         Starting, ///< signing in has to wait
         Failed    ///< it starts only when the user asks for it
     };
+
+    /// A sentence in the language of the moment; plain text.
+    using Words = std::function<QString()>;
 
     explicit SignInWindow(VTUiLoaderInterface* loader, QObject* parent = nullptr);
 
@@ -41,8 +46,8 @@ public slots:
     /// While busy, nothing can be entered or sent.
     void SetBusy(bool busy);
 
-    /// Says why signing in failed and lets the user try again.
-    void ShowFailure(const QString& message);
+    /// Says why signing in failed and lets the user try again. @param text is asked again in each new language.
+    void ShowFailure(const Words& text);
 
     /// Clears the password after a successful sign-in.
     void Reset();
@@ -55,11 +60,11 @@ signals:
 private:
     void Press();
     void Request();
-    void Say(const QString& text);
+    void Say(const Words& words);
+    void ShowWords();
     void ShowServer();
     void FitScreen();
     void Retranslate();
-    QString ReasonText() const;
     void UpdateButton();
 
     SkinnedForm m_form;
@@ -71,7 +76,7 @@ private:
     QPushButton* m_language;
     VTUiLoaderInterface* m_loader;
     QString m_server;
-    QString m_reason; // why the farm does not start
+    Words m_words; // shown above the button; null for none
     Farm m_farm = Farm::Ready;
     bool m_busy = false;
 };

@@ -117,6 +117,22 @@ private slots:
         EVENTUALLY_COMPARE(strip.text(), "Connected"_s);
     }
 
+    void TakesNoLateReportsOfAnEndedSession()
+    {
+        ConnectionFeed feed;
+        const auto reported = [&feed](const QByteArray& token) {
+            feed.Report("POST", "/jobs", {400, 0, "words"_s}, token);
+            return feed.Look().state.Entries().size();
+        };
+        feed.BeginSession("old");
+        QCOMPARE(reported("old"), 1);
+        feed.EndSession();
+        QCOMPARE(reported("old"), 0);
+        feed.BeginSession("new");
+        QCOMPARE(reported("old"), 0);
+        QCOMPARE(reported({}), 1); // a request for a session
+    }
+
     void LooksAtMostOnceASecondAndOnlyWhileItIsVisible()
     {
         ConnectionFeed feed;

@@ -1,7 +1,11 @@
+#include "common/vtr_filename.h"
+#include "common/vtr_listfile.h"
 #include "host/app/live_refresh.h"
+#include "host/app/project_groups.h"
 #include "host/app/session_control.h"
 #include "host/services/communication_service.h"
 #include "host/services/ui_loader_service.h"
+#include "host/settings/setting_keys.h"
 #include "tests/host/stand_in_server.h"
 #include "tests/hostui/memory_settings.h"
 #include "tests/support/waiting.h"
@@ -39,6 +43,15 @@ const std::tuple<const char*, QByteArray, int> announcements[] = {
     {"no object", R"(["7"])", 1},
     {"while a list is on its way", R"({"list":true})", 1},
 };
+
+/// The farm's answer with jobs of these numbers, the first of which is the highest.
+StandInServer::Reply Jobs(int first, int last)
+{
+    QByteArrayList jobs;
+    for (int number = first; number >= last; --number)
+        jobs.append("{'job_id': '" + QByteArray::number(number) + "'}");
+    return StandInServer::Data("{'list': [" + jobs.join(',') + "], 'total': 0}");
+}
 
 /// Answers every question alike.
 class AnsweringBox : public ServiceBase<VTMessagboxInterface>
@@ -157,6 +170,50 @@ private slots:
         }
     }
 
+    void FillsGroupsNamedAfterProjects()
+    {
+        m_client->settings.values.insert(SettingKeys::ServerName, "farm"_s);
+        m_client->settings.values.insert(SettingKeys::LastName, "ann"_s);
+        const QString path = VTAccountFile("Data"_s, "farm"_s, "ann"_s);
+        QFile::remove(path);
+        const VTListFile file(path, "jobgroup"_s);
+        QVERIFY(file.Set("Harbour"_s, QString()) && file.Set("Own"_s, QString())
+            && file.Set("Taken"_s, QStringList("7"_s)));
+        StandInServer& server = m_client->server;
+        server.SetReplyTo("/projects",
+            StandInServer::Data("[{'project_name': 'Harbour', 'project_pool': 'p&1'},"
+                                "{'project_name': 'Taken', 'project_pool': 'p2'}]"));
+        // A job that is added between two requests moves another one to the second page.
+        server.SetReplyTo("page=1&", Jobs(2 * ProjectGroups::PageSize, ProjectGroups::PageSize + 1));
+        server.SetReplyTo("page=2&", Jobs(ProjectGroups::PageSize + 1, 2));
+        server.SetReplyTo("page=3&", Jobs(1, 1));
+        ProjectGroups groups(&m_client->communication, &m_client->settings);
+        const auto begin = [&] {
+            QSignalSpy listed(&groups, &ProjectGroups::ProjectsListed);
+            groups.BeginSession("u1"_s, "abc"_s);
+            m_client->communication.GetProjectList(1, {{"token"_s, "abc"_s}});
+            EVENTUALLY_COMPARE(
+                listed.value(0).value(0).toStringList(), QStringList({"Harbour"_s, "Taken"_s}));
+        };
+        begin();
+        for (const QString& name : {"Harbour"_s, "Own"_s, "Taken"_s, "Gone"_s})
+            groups.Follow(name);
+        EVENTUALLY_COMPARE(file.Value("Harbour"_s).size(), 2 * ProjectGroups::PageSize);
+        QCOMPARE(file.Value("Harbour"_s).constLast(), "1"_s);
+        QVERIFY(server.Requests().constLast().contains("conditions=%7B%22pool_id%22%3A%22p%261%22%7D"));
+        QCOMPARE(server.Requests().size(), 4);
+        QCOMPARE(file.Value("Own"_s), QStringList(QString()));
+        QCOMPARE(file.Value("Taken"_s), QStringList("7"_s));
+        // Only what is new is asked for later.
+        server.SetReplyTo("page=1&", Jobs(2 * ProjectGroups::PageSize + 1, ProjectGroups::PageSize + 2));
+        begin();
+        EVENTUALLY_COMPARE(
+            file.Value("Harbour"_s).constFirst(), QString::number(2 * ProjectGroups::PageSize + 1));
+        QCOMPARE(server.Requests().size(), 6);
+        groups.EndSession();
+        groups.Follow("Harbour"_s);
+    }
+
     void ShowsWhySignInFailed()
     {
         const QByteArray reason = "Wrong <b>name</b>." + QByteArray(100000, 'x');
@@ -168,6 +225,10 @@ private slots:
         QVERIFY(m_client->IsFormVisible() && !m_client->session.IsSignedIn());
         QVERIFY(failure->text().size() < 1000);
         QCOMPARE(failure->textFormat(), Qt::PlainText);
+        m_client->server.SetReplies({StandInServer::Http(401)});
+        m_client->session.SetAccount("demo"_s, "wrong"_s);
+        m_client->session.SignInAutomatically();
+        EVENTUALLY_COMPARE(failure->text(), "The user name or the password is wrong."_s);
         m_client->Find<QLineEdit>("lnePassword")->setText("secret"_s);
         m_client->button->click();
         QVERIFY(failure->text().isEmpty());

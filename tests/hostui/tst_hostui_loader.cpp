@@ -1,7 +1,9 @@
 #include "host/farmclient/http_result.h"
+#include "host/mainform/project_picker.h"
 #include "host/services/ui_loader_service.h"
 #include "host/ui/sign_in_window.h"
 #include "tests/hostui/memory_settings.h"
+#include "tests/hostui/small_form.h"
 #include "tests/support/test_files.h"
 #include "tests/support/waiting.h"
 
@@ -38,13 +40,15 @@ QStringList CheckedTexts(const QMenu* menu)
     return texts;
 }
 
-/// A screen reader's texts for the controls of a form that need a name.
+/// A screen reader's texts for the controls of a form, which need a name, and for other parts that have one.
 void ReadAloud(QAccessibleInterface* part, QMap<QString, QString>* names)
 {
     constexpr QAccessible::Role controls[] = {QAccessible::PushButton, QAccessible::ButtonMenu,
         QAccessible::CheckBox, QAccessible::EditableText, QAccessible::ComboBox, QAccessible::SpinBox,
         QAccessible::Table, QAccessible::Tree, QAccessible::List, QAccessible::PageTab};
-    if (std::count(std::begin(controls), std::end(controls), part->role()) > 0)
+    const auto* widget = qobject_cast<QWidget*>(part->object());
+    if (std::count(std::begin(controls), std::end(controls), part->role()) > 0
+        || (widget && !widget->accessibleName().isEmpty()))
         names->insert(part->object() ? part->object()->objectName() : part->text(QAccessible::Name),
             part->text(QAccessible::Name));
     if (part->role() == QAccessible::ComboBox || part->tableInterface())
@@ -104,7 +108,8 @@ private slots:
         QCOMPARE(names, QStringList({"vtr_de.qm"_s, "vtr_en.qm"_s, "vtr_zh.qm"_s}));
         QCOMPARE(m_loader->GetLanguage(), "vtr_en.qm"_s);
 
-        const SignInWindow window(m_loader.get());
+        SignInWindow window(m_loader.get());
+        window.ShowFailure([this] { return m_loader->GetLanguage(); });
         const auto* fixed = window.Form()->findChild<QLabel*>("lblName"_s);
         const auto* button = window.Form()->findChild<QPushButton*>("btnSignIn"_s);
         QSignalSpy changed(m_loader.get(), &UiLoaderService::LanguageChanged);
@@ -116,6 +121,7 @@ private slots:
         QCOMPARE(m_loader->GetLanguage(), "vtr_de.qm"_s);
         EVENTUALLY_COMPARE(fixed->text(), "Benutzername"_s);
         EVENTUALLY_COMPARE(button->text(), "Anmelden"_s);
+        QCOMPARE(window.Form()->findChild<QLabel*>("lblFailure"_s)->text(), "vtr_de.qm"_s);
         m_loader->SetLanguage(languages[1]);
         EVENTUALLY_COMPARE(fixed->text(), "User name"_s);
     }
@@ -226,6 +232,40 @@ private slots:
         panel->setItemText(0, "Gruppe"_s);
         m_loader->SetLanguage(m_loader->GetLanguages().constFirst());
         EVENTUALLY_COMPARE(list->accessibleName(), "Gruppe"_s);
+    }
+
+    void OffersProjectsForANewGroup()
+    {
+        MainForm form;
+        QToolBox panel(&form);
+        auto* groups = new QListWidget;
+        panel.addItem(new QWidget, {});
+        panel.addItem(groups, {});
+        groups->addItem("Bay & Co"_s);
+        const std::unique_ptr<QWidget> dialog(m_loader->LoadUi("com.vtr.inputdialog"_s, nullptr));
+        ProjectPicker picker;
+        picker.BeginSession();
+        picker.BeginSession();
+        picker.SetProjects({"Alps"_s, "Bay & Co"_s, "Cliff"_s});
+        QSignalSpy named(&picker, &ProjectPicker::Named);
+        dialog->show();
+        auto* projects = dialog->findChild<QListWidget*>("lstProjects"_s);
+        auto* name = dialog->findChild<QLineEdit*>("lneInput"_s);
+        QCOMPARE(projects->count(), 2); // one is a group already
+        QTest::keyClicks(name, "Cliff"_s);
+        QCOMPARE(projects->currentRow(), 1);
+        QTest::keyClicks(name, " road"_s);
+        QVERIFY(projects->selectedItems().isEmpty());
+        projects->setFocus(); // keeps what was typed
+        QCOMPARE(name->text(), "Cliff road"_s);
+        projects->setCurrentRow(0);
+        QCOMPARE(name->text(), "Alps"_s);
+        emit projects->itemActivated(projects->item(0));
+        EVENTUALLY_COMPARE(named.value(0).value(0).toString(), "Alps"_s);
+        dialog->hide();
+        picker.SetProjects({});
+        dialog->show();
+        QVERIFY(!projects->isVisible());
     }
 
     void ReadsProgressCells()

@@ -1,5 +1,6 @@
 #include "host/mainform/cell_tips.h"
 #include "host/mainform/filter_bar.h"
+#include "host/mainform/filter_menu.h"
 #include "host/mainform/filter_text.h"
 #include "host/mainform/form_closing.h"
 #include "host/mainform/list_hints.h"
@@ -24,6 +25,12 @@ public slots:
 
 public:
     QVariantList searches;
+};
+
+/// The owner of the entries of the group panel's menu.
+class VTGroup : public QObject
+{
+    Q_OBJECT
 };
 
 namespace {
@@ -97,6 +104,29 @@ struct FilterForm : MainForm
     QLabel group {"hero"_s, this};
 };
 
+/// A main form with a group panel.
+struct PanelForm : MainForm
+{
+    PanelForm()
+    {
+        button.setObjectName("btnGroups"_s);
+        panel.addItem(statuses, "My Render"_s);
+        panel.addItem(groups, "Group"_s);
+        statuses->addItem("Running"_s);
+        groups->addItem("Bay & Co"_s);
+        menu.addActions({add, remove});
+    }
+
+    QToolBox panel {this};
+    QListWidget* statuses = new QListWidget;
+    QListWidget* groups = new QListWidget;
+    QPushButton button {this};
+    QMenu menu {this};
+    VTGroup owner;
+    QAction* add = new QAction(&owner);
+    QAction* remove = new QAction(&owner);
+};
+
 class FormClosingWithTray : public FormClosing
 {
 public:
@@ -148,6 +178,34 @@ private slots:
         QCOMPARE(window.searches, QVariantList {QVariantMap()});
         filter.HandleJobList(200, Listed({}, 62));
         QVERIFY(!form.bar.isVisible());
+    }
+
+    void OffersThePanelByKeyboard()
+    {
+        PanelForm form;
+        FilterMenu filter;
+        filter.BeginSession();
+        QMenu* menu = form.button.menu();
+        const auto choose = [menu](const QString& text) {
+            emit menu->aboutToShow();
+            for (QAction* entry : menu->actions()) {
+                if (entry->text() == text)
+                    entry->trigger();
+            }
+            return menu->actions().size();
+        };
+        int chosen = 0;
+        connect(form.groups, &QListWidget::itemClicked, this, [&chosen] { ++chosen; });
+        QSignalSpy added(form.add, &QAction::triggered);
+        QSignalSpy removed(form.remove, &QAction::triggered);
+        QCOMPARE(choose("Bay && Co"_s), 5);
+        QCOMPARE(chosen, 1);
+        QCOMPARE(form.panel.currentIndex(), 1);
+        choose("Add a group…"_s);
+        QCOMPARE(choose("Delete the group Bay && Co"_s), 6);
+        QCOMPARE(added.count() * 10 + removed.count(), 11);
+        delete form.groups->takeItem(0);
+        QCOMPARE(choose({}), 4);
     }
 
     void SaysWhyAListIsEmpty()

@@ -75,7 +75,8 @@ private slots:
         m_server = std::make_unique<StandInServer>();
         m_access = {FarmApiRoot(m_server->Url()), "abc"_s, "farm/ann"_s, m_folder->filePath("frames"_s)};
         m_access.feed = &m_feed;
-        m_feed.Clear();
+        m_feed.EndSession();
+        m_feed.BeginSession("abc");
         m_feed.Look();
     }
 

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+#include <QTimer>
+#include <QVariantMap>
+
+#include <memory>
+
+class CommunicationService;
+class VTListFile;
+class VTSettingsInterface;
+struct FarmChanges;
+struct HttpResult;
+
+/// Keeps the groups that the user has named after projects of the farm filled with the ids of the projects' jobs.
+///
+/// The window reads the group file whenever a group is chosen. Groups of other names are left alone, and so is one that
+/// has jobs already when it is named after a project.
+class ProjectGroups : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr int PageSize = 200;
+    static constexpr int MostJobs
+        = 10000; ///< of a group, the newest; a request with more ids is refused by the farm
+
+    /// Create it after the plugin has started, so that the main window receives each answer first.
+    /// @param communication, settings must outlive this object.
+    ProjectGroups(
+        CommunicationService* communication, VTSettingsInterface* settings, QObject* parent = nullptr);
+    ~ProjectGroups() override;
+
+    /// @param token of the session; must never be logged.
+    void BeginSession(const QString& userName, const QString& token);
+    void EndSession();
+
+    /// Fills the group of this name from now on, if it exists, is empty and bears the name of a project.
+    void Follow(const QString& group);
+
+signals:
+    /// The farm has listed the account's projects.
+    void ProjectsListed(const QStringList& names);
+
+private:
+    /// A group that is being filled, newest jobs first.
+    struct Filling
+    {
+        QString group;
+        QString pool;
+        QStringList newIds = {};
+        int page = 1;
+    };
+
+    void HandleProjects(int code, const QVariantMap& answer);
+    void HandleChanges(const FarmChanges& changes);
+    void FillAll();
+    void Fill(const Filling& filling);
+    void HandleJobs(Filling filling, const HttpResult& result);
+    void Store(const Filling& filling, const QStringList& known);
+    QString SettingKey() const;
+    QVariantMap Followed() const;
+
+    CommunicationService* m_communication;
+    VTSettingsInterface* m_settings;
+    std::unique_ptr<VTListFile> m_file; // null while nobody is signed in
+    QString m_userName;
+    QString m_token;
+    QHash<QString, QString> m_pools; // of the account's projects, by name
+    QSet<QString> m_underWay;        // groups that are being filled
+    QTimer m_pause;                  // between a change on the farm and the request for it
+};
