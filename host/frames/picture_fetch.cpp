@@ -1,12 +1,19 @@
 #include "host/frames/picture_fetch.h"
 
+#include "host/farmclient/farm_numbers.h"
 #include "host/farmclient/http_result.h"
 
 #include <QNetworkReply>
 
 namespace {
 
-constexpr int AttemptTime = 15000; // ms without progress
+constexpr int AttemptTime = 15000;        // ms without progress
+constexpr int LongestRefusal = 64 * 1024; // bytes of a body that says why there is no picture
+
+bool IsPicture(const QNetworkReply& reply)
+{
+    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() == HttpStatus::Ok;
+}
 
 } // namespace
 
@@ -41,10 +48,9 @@ void PictureFetch::Collect()
 {
     m_deadline.start();
     const QByteArray bytes = m_reply->readAll();
-    // The body of a refusal is not the picture.
-    if (m_reply->error() != QNetworkReply::NoError)
-        return;
-    if (m_part.pos() + bytes.size() > m_size || m_part.write(bytes) != bytes.size())
+    if (!IsPicture(*m_reply))
+        m_refusal += bytes.left(LongestRefusal - m_refusal.size());
+    else if (m_part.pos() + bytes.size() > m_size || m_part.write(bytes) != bytes.size())
         End(tr("The picture on the farm is another one by now."));
 }
 
@@ -57,8 +63,8 @@ void PictureFetch::HandleFinished()
     Collect();
     if (!m_reply)
         return;
-    if (m_reply->error() != QNetworkReply::NoError)
-        End(HttpResult::Of(*m_reply, {}).error);
+    if (m_reply->error() != QNetworkReply::NoError || !IsPicture(*m_reply))
+        End(HttpResult::Of(*m_reply, m_refusal).error);
     else if (m_part.pos() != m_size)
         End(tr("The picture on the farm is another one by now."));
     else if (!m_part.flush() || !m_part.rename(m_file))

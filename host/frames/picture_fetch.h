@@ -35,5 +35,6 @@ private:
     QString m_file;
     qint64 m_size;
     QTimer m_deadline;
+    QByteArray m_refusal; // the farm's words instead of the picture
     QString m_fault;
 };

@@ -30,7 +30,7 @@ void Thumbnails::SetPictures(const std::shared_ptr<JobPictures>& pictures)
     if (!pictures)
         return;
     connect(pictures.get(), &JobPictures::Ready, this, &Thumbnails::HandleFile);
-    connect(pictures.get(), &JobPictures::Failed, this, &Thumbnails::Finish);
+    connect(pictures.get(), &JobPictures::Failed, this, &Thumbnails::HandleFailure);
 }
 
 void Thumbnails::Want(const std::vector<Frame>& frames, const QSize& size)
@@ -38,11 +38,18 @@ void Thumbnails::Want(const std::vector<Frame>& frames, const QSize& size)
     m_size = size;
     m_wanted.clear();
     for (auto frame = frames.rbegin(); frame != frames.rend(); ++frame) {
-        if (!frame->file.isEmpty() && frame->size <= MostBytes && !m_failed.contains(frame->file)
-            && !m_begun.contains(frame->file))
+        if (IsDue(*frame))
             m_wanted.push_back(*frame);
     }
     Proceed();
+}
+
+bool Thumbnails::IsDue(const Frame& frame) const
+{
+    if (frame.file.isEmpty() || frame.size > MostBytes || m_begun.contains(frame.file))
+        return false;
+    const auto failure = m_failed.constFind(frame.file);
+    return failure == m_failed.constEnd() || failure->end.hasExpired();
 }
 
 void Thumbnails::Proceed()
@@ -71,20 +78,22 @@ void Thumbnails::HandleRead(int generation, const QString& name, const QImage& t
 {
     if (generation != m_generation || !m_begun.contains(name))
         return;
-    const int number = m_begun.value(name).number;
-    if (!thumbnail.isNull()) {
-        m_begun.remove(name);
-        emit Made(number, thumbnail);
-        Proceed();
-    } else {
-        Finish(name);
+    if (thumbnail.isNull()) {
+        HandleFailure(name);
+        return;
     }
+    const int number = m_begun.take(name).number;
+    m_failed.remove(name);
+    emit Made(number, thumbnail);
+    Proceed();
 }
 
-void Thumbnails::Finish(const QString& name)
+/// A farm that could not be reached may be back soon, but a damaged picture must not be read all the time.
+void Thumbnails::HandleFailure(const QString& name)
 {
     if (m_begun.remove(name) == 0)
         return;
-    m_failed.insert(name);
+    Failure& failure = m_failed[name];
+    failure.end = QDeadlineTimer(failure.pauses.Fail());
     Proceed();
 }

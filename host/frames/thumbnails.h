@@ -1,10 +1,12 @@
 #pragma once
 
+#include "host/farmclient/backoff.h"
 #include "host/frames/frames_answer.h"
 
+#include <QDeadlineTimer>
+#include <QHash>
 #include <QImage>
 #include <QObject>
-#include <QSet>
 #include <QSize>
 #include <QThreadPool>
 
@@ -32,15 +34,26 @@ signals:
     void Read(int generation, const QString& name, const QImage& thumbnail);
 
 private:
+    /// A picture that could not be had, and when it is tried again.
+    struct Failure
+    {
+        Backoff pauses {FirstPause, LongestPause};
+        QDeadlineTimer end = {};
+    };
+
+    static constexpr int FirstPause = 5000;     // ms
+    static constexpr int LongestPause = 300000; // ms
+
     void Proceed();
     void HandleFile(const QString& name, const QString& file);
     void HandleRead(int generation, const QString& name, const QImage& thumbnail);
-    void Finish(const QString& name);
+    bool IsDue(const Frame& frame) const;
+    void HandleFailure(const QString& name);
 
     std::shared_ptr<JobPictures> m_pictures;
-    std::vector<Frame> m_wanted;   // not begun; the next one is the last
-    QHash<QString, Frame> m_begun; // by the picture's name
-    QSet<QString> m_failed;        // pictures that are not tried again
+    std::vector<Frame> m_wanted;      // not begun; the next one is the last
+    QHash<QString, Frame> m_begun;    // by the picture's name
+    QHash<QString, Failure> m_failed; // by the picture's name
     QSize m_size;
     int m_generation = 0; // of the job
     QThreadPool m_reader; // last member, because its destructor waits for the reading thread

@@ -5,16 +5,39 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <utility>
+
+namespace {
+
+constexpr int ListingInterval = 2000; // ms
+
+} // namespace
+
 FolderPictures::FolderPictures(const QString& file)
     : PictureSeries(nullptr)
     , m_file(QFileInfo(file).absoluteFilePath())
+    , m_names(QFileInfo(file).fileName())
 {
+    connect(this, &FolderPictures::Listed, this, &FolderPictures::HandleListed, Qt::QueuedConnection);
 }
 
-/// The folder is listed each time, since downloads may have added some.
+FolderPictures::~FolderPictures() = default;
+
 QStringList FolderPictures::Names()
 {
-    return PictureFile::InSameFolder(m_file);
+    if (!m_isListing && (!m_sinceListing.isValid() || m_sinceListing.hasExpired(ListingInterval))) {
+        m_isListing = true;
+        m_listings.start([this, file = m_file] { emit Listed(PictureFile::InSameFolder(file)); });
+    }
+    return m_names;
+}
+
+void FolderPictures::HandleListed(const QStringList& names)
+{
+    m_isListing = false;
+    m_sinceListing.start();
+    if (std::exchange(m_names, names) != names)
+        emit NamesChanged();
 }
 
 void FolderPictures::Provide(const QString& name)

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QStringList>
+#include <QThreadPool>
 
 /// Pictures that the preview steps through, each with a name of its own.
 class PictureSeries : public QObject
@@ -11,7 +13,7 @@ class PictureSeries : public QObject
 public:
     using QObject::QObject;
 
-    /// @return the names of the pictures that there are now, in their order.
+    /// @return the names of the pictures that are known now, in their order.
     virtual QStringList Names() = 0;
 
     /// Makes sure that the picture is a file on this machine. Answered by one of the signals, maybe from inside the call;
@@ -22,19 +24,33 @@ signals:
     void Ready(const QString& name, const QString& file);
     /// @param reason a sentence for the user.
     void Failed(const QString& name, const QString& reason);
+    /// Names() returns others by now.
+    void NamesChanged();
 };
 
-/// The pictures in the folder of a file, including the file itself.
+/// The pictures in the folder of a file, including the file itself. The folder is listed in another thread, at first and at
+/// most every other second when the names are asked for, since downloads may add some.
 class FolderPictures : public PictureSeries
 {
     Q_OBJECT
 
 public:
     explicit FolderPictures(const QString& file);
+    ~FolderPictures() override;
 
     QStringList Names() override;
     void Provide(const QString& name) override;
 
+signals:
+    /// Emitted in the listing thread.
+    void Listed(const QStringList& names);
+
 private:
+    void HandleListed(const QStringList& names);
+
     QString m_file;
+    QStringList m_names;
+    bool m_isListing = false;
+    QElapsedTimer m_sinceListing;
+    QThreadPool m_listings; // last member, because its destructor waits for the listing thread
 };

@@ -27,6 +27,14 @@ PictureView::PictureView(QWidget* parent)
     m_settled.setSingleShot(true);
     m_settled.setInterval(SettleTime);
     connect(&m_settled, &QTimer::timeout, this, &PictureView::ScaleSmoothly);
+    m_scaler.setMaxThreadCount(1);
+    connect(this, &PictureView::Scaled, this, &PictureView::HandleScaled, Qt::QueuedConnection);
+}
+
+PictureView::~PictureView()
+{
+    // Only the copy under way is waited for.
+    m_scaler.clear();
 }
 
 void PictureView::SetPicture(const QImage& picture)
@@ -114,13 +122,25 @@ void PictureView::UpdateScrollBars()
     viewport()->update();
 }
 
-/// A copy in the size that is shown looks better than one that is scaled while it is drawn, but takes longer.
+/// A copy in the size that is shown looks better than one that is scaled while it is drawn, but takes longer, so it is made
+/// in another thread.
 void PictureView::ScaleSmoothly()
 {
     const QSize wanted = (ShownSize() * devicePixelRatioF()).toSize();
     if (m_picture.isNull() || Zoom() >= 1 || wanted.isEmpty() || m_scaled.size() == wanted)
         return;
-    m_scaled = m_picture.scaled(wanted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    m_scaler.clear();
+    m_scaler.start([this, picture = m_picture, wanted] {
+        emit Scaled(
+            picture.cacheKey(), picture.scaled(wanted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    });
+}
+
+void PictureView::HandleScaled(qint64 key, const QImage& scaled)
+{
+    if (key != m_picture.cacheKey())
+        return;
+    m_scaled = scaled;
     viewport()->update();
 }
 

@@ -2,6 +2,7 @@
 
 #include <QAbstractScrollArea>
 #include <QImage>
+#include <QThreadPool>
 #include <QTimer>
 
 /// Shows a picture, fitted into the view or at a zoom, or a text instead. The wheel zooms at the pointer and dragging moves
@@ -12,6 +13,7 @@ class PictureView : public QAbstractScrollArea
 
 public:
     explicit PictureView(QWidget* parent = nullptr);
+    ~PictureView() override;
 
     /// Keeps the zoom, so that the pictures of a sequence can be compared.
     void SetPicture(const QImage& picture);
@@ -29,6 +31,8 @@ public:
 
 signals:
     void ZoomChanged();
+    /// Emitted in the scaling thread. @param key of the picture.
+    void Scaled(qint64 key, const QImage& scaled);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -43,6 +47,7 @@ private:
     QRectF Place() const;
     void UpdateScrollBars();
     void ScaleSmoothly();
+    void HandleScaled(qint64 key, const QImage& scaled);
     void DrawPicture(QPainter& painter) const;
 
     QImage m_picture;
@@ -52,4 +57,5 @@ private:
     QPoint m_dragged; // where the pointer was when the picture was moved last
     QImage m_scaled;  // the picture in the size of the screen's pixels, once the zoom has settled
     QTimer m_settled;
+    QThreadPool m_scaler; // last member, because its destructor waits for the scaling thread
 };

@@ -104,6 +104,7 @@ void PreviewWindow::Open(const std::shared_ptr<PictureSeries>& series, const QSt
     m_view->SetText({});
     connect(series.get(), &PictureSeries::Ready, this, &PreviewWindow::HandleFile);
     connect(series.get(), &PictureSeries::Failed, this, &PreviewWindow::HandleFailure);
+    connect(series.get(), &PictureSeries::NamesChanged, this, &PreviewWindow::HandleNames);
     m_names = series->Names();
     m_view->Fit();
     Load(name);
@@ -119,6 +120,12 @@ void PreviewWindow::Turn(int step)
         return;
     m_names = m_series->Names();
     TurnTo(m_names.indexOf(m_name) + step);
+}
+
+void PreviewWindow::HandleNames()
+{
+    m_names = m_series->Names();
+    Display();
 }
 
 void PreviewWindow::TurnTo(int index)

@@ -45,6 +45,7 @@ private:
     void ConnectButtons();
     void AddKeys(const QList<QKeySequence>& keys, const std::function<void()>& action);
     void Turn(int step);
+    void HandleNames();
     void TurnTo(int index);
     void PlayNext();
     void SetPlaying(bool isPlaying);

@@ -264,13 +264,15 @@ private slots:
         const auto* title = window.Form()->findChild<QLabel*>("lblTitle"_s);
         window.Open(folder.filePath("b.png"_s));
         QVERIFY(QTest::qWaitForWindowActive(window.Form(), Patience)); // or its keys do nothing
+        const auto* position = window.Form()->findChild<QLabel*>("lblPosition"_s);
+        EVENTUALLY_COMPARE(position->text(), "2 of 3"_s);
         QStringList shown;
         for (const int key : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Left, Qt::Key_Left, Qt::Key_Left}) {
             QTest::keyClick(window.Form(), Qt::Key(key));
             shown.append(title->text());
         }
         QCOMPARE(shown, QStringList({"c.png"_s, "c.png"_s, "b.png"_s, "a.png"_s, "a.png"_s}));
-        QCOMPARE(window.Form()->findChild<QLabel*>("lblPosition"_s)->text(), "1 of 3"_s);
+        QCOMPARE(position->text(), "1 of 3"_s);
         EVENTUALLY_COMPARE(window.Form()->findChild<QLabel*>("lblSize"_s)->text(), "300 × 200 pixels"_s);
         QTest::keyClick(window.Form(), Qt::Key_End);
         QCOMPARE(title->text(), "c.png"_s);
