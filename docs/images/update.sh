@@ -7,13 +7,15 @@ install_packages xvfb xauth pngquant
 client=$PWD/../../build/release/bin/quillstar
 work=$(mktemp -d)
 trap 'rm -r "$work"' EXIT
+place=/tmp/ann        # shown in the pictures, so it names nobody and stays the same
+mkdir -m 700 "$place" # fails where somebody else uses it
+trap 'rm -r "$work" "$place"' EXIT
 
-# take <skin> <language>: visits all windows on a virtual display. The paths in the pictures are those of nobody.
+# take <skin> <language>: visits all windows on a virtual display.
 take() {
-    rm -rf /tmp/ann
+    rm -rf "$place"/*
     xvfb-run -a -s "-screen 0 1600x1000x24 -dpi 96" "$client" --skin "$1" --language "$2" --screenshots "$work/$1" \
-        --config /tmp/ann/quillstar.ini --data /tmp/ann/data --downloads /tmp/ann/Renders
-    rm -rf /tmp/ann
+        --config "$place/quillstar.ini" --data "$place/data" --downloads "$place/Renders"
 }
 
 # keep <skin> <name in the tour> <name here> [<colours>]

@@ -16,6 +16,14 @@ TransferButtons::TransferButtons(
     , m_renderCore(renderCore)
     , m_settings(settings)
 {
+    m_folderChecks.setMaxThreadCount(1);
+    connect(this, &TransferButtons::FolderChecked, this, &TransferButtons::ShowFolder, Qt::QueuedConnection);
+}
+
+TransferButtons::~TransferButtons()
+{
+    // Only the check under way is waited for.
+    m_folderChecks.clear();
 }
 
 void TransferButtons::BeginSession(const QString& userName)
@@ -53,10 +61,17 @@ void TransferButtons::CommandChecked(Command command)
         (m_renderCore->*command)(ids);
 }
 
+/// The folder is checked in another thread, because it may be on a slow network.
 void TransferButtons::OpenFolder()
 {
-    const QString folder = DownloadFolder::Of(m_settings, m_userName);
-    const QString trouble = DownloadFolder::Trouble(folder);
-    if (!trouble.isEmpty() || !QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
+    m_folderChecks.clear();
+    m_folderChecks.start([this, folder = DownloadFolder::Of(m_settings, m_userName)] {
+        emit FolderChecked(folder, DownloadFolder::Trouble(folder).isEmpty());
+    });
+}
+
+void TransferButtons::ShowFolder(const QString& folder, bool isUsable)
+{
+    if (!isUsable || !QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
         emit Notice(tr("The folder %1 could not be opened.").arg(QDir::toNativeSeparators(folder)));
 }

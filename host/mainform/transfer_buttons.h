@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QThreadPool>
 #include <QWidget>
 
 class QTableWidget;
@@ -19,6 +20,7 @@ public:
     /// All services must outlive this object.
     TransferButtons(
         VTRenderCoreInterface* renderCore, VTSettingsInterface* settings, QObject* parent = nullptr);
+    ~TransferButtons() override;
 
     /// Finds the buttons. Call it whenever the main form is shown for a new session, because it may be a new one.
     void BeginSession(const QString& userName);
@@ -29,6 +31,9 @@ signals:
     /// @param text tells the user why nothing happens.
     void Notice(const QString& text);
 
+    /// Emitted in another thread.
+    void FolderChecked(const QString& folder, bool isUsable);
+
 private:
     using Command = void (VTRenderCoreInterface::*)(const QStringList& ids);
 
@@ -36,9 +41,11 @@ private:
     void Connect(const char* button, Action action);
     void CommandChecked(Command command);
     void OpenFolder();
+    void ShowFolder(const QString& folder, bool isUsable);
 
     VTRenderCoreInterface* m_renderCore;
     VTSettingsInterface* m_settings;
     QString m_userName;
     QPointer<QWidget> m_form;
+    QThreadPool m_folderChecks; // last member, because its destructor waits for the checking thread
 };
