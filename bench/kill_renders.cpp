@@ -48,7 +48,8 @@ public:
         , m_data(folder)
     {
         WriteFile(run.Path("scene.txt"_s), PovrayScene);
-        WriteFile(run.Path("types.json"_s), ScriptedTypes(Renderer));
+        WriteFile(
+            run.Path("types.json"_s), ScriptedTypes(Renderer).replace("@jobs@", run.Path("jobs"_s).toUtf8()));
         for (int number = 0; number < Jobs; ++number) {
             farm::NewJob job = m_data.Job("job"_s, withPovray ? PovrayFrames : Frames);
             job.width = job.height = 16;

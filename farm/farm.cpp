@@ -3,6 +3,7 @@
 #include "farm/base/local_time.h"
 #include "farm/demo_data.h"
 
+#include <QCoreApplication>
 #include <QDir>
 
 #include <spdlog/spdlog.h>
@@ -41,13 +42,15 @@ Farm::Farm(const FarmSettings& settings)
     , m_uploads(m_database, m_contents, Folder("uploads"), settings.quota)
     , m_queue(m_database, m_feed, QueueSettingsOf(settings, m_types))
     , m_runs(m_database)
-    , m_scenes(m_database, m_contents, settings.sceneFolder)
-    , m_files(Folder("jobs"), m_scenes)
+    , m_rendererUser(settings.rendererUser)
+    , m_scenes(m_database, m_contents, settings.sceneFolder, m_rendererUser)
+    , m_files(Folder("jobs"), m_scenes, m_rendererUser)
     , m_pictures(m_database, m_files)
     , m_frames(m_database)
-    , m_executor(settings.slotCount, m_dataFolder)
-    , m_scheduler(
-          {m_queue, m_runs, m_executor, m_files, m_inWork}, m_types, m_dataFolder, settings.lookInterval)
+    , m_executor({settings.slotCount, m_dataFolder,
+          QCoreApplication::applicationDirPath() + QStringLiteral("/quillstar-run-frame")})
+    , m_scheduler({m_queue, m_runs, m_executor, m_files, m_inWork}, m_types,
+          {m_dataFolder, settings.rendererUser}, settings.lookInterval)
     , m_actions(m_database, m_feed, [this] { m_scheduler.NudgeLater(); })
     , m_submission(m_database, m_jobs, m_contents, m_types.keys(), settings.quota, m_feed,
           [this] { m_scheduler.NudgeLater(); })

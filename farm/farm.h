@@ -14,6 +14,7 @@
 #include "farm/rendering/local_executor.h"
 #include "farm/rendering/picture_store.h"
 #include "farm/rendering/render_queue.h"
+#include "farm/rendering/renderer_user.h"
 #include "farm/rendering/run_table.h"
 #include "farm/rendering/scene_files.h"
 #include "farm/rendering/scheduler.h"
@@ -50,6 +51,8 @@ struct FarmSettings
     std::int64_t quota = std::int64_t {20} * 1024 * 1024 * 1024;
     /// Ignores a lock of the data folder that another machine holds.
     bool takeOver = false;
+    /// The user of this machine who runs the renderers of a farm that runs as root; empty for the farm's own user.
+    QString rendererUser;
     RequestLimits limits;
 };
 
@@ -86,6 +89,7 @@ private:
     UploadStore m_uploads;
     RenderQueue m_queue;
     RunTable m_runs;
+    RendererUser m_rendererUser;
     SceneFiles m_scenes;
     FrameFiles m_files;
     PictureStore m_pictures;

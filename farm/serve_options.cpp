@@ -67,6 +67,9 @@ void ServeOptions::AddRendering(CLI::App& app)
     app.add_option("--job-types", m_jobTypesFile, "File that says how job types are rendered.")
         ->type_name("FILE")
         ->capture_default_str();
+    app.add_option("--renderer-user", m_rendererUser,
+           "User of this machine who runs the renderers of a farm that runs as root.")
+        ->type_name("NAME");
     app.add_option("--scenes", m_sceneFolder, "Folder of the scenes that jobs may name.")
         ->type_name("FOLDER")
         ->capture_default_str();
@@ -97,6 +100,7 @@ FarmSettings ServeOptions::Settings() const
     settings.framesPerAccount = m_framesPerAccount;
     settings.pricePerCoreSecond = AmountOf(m_price);
     settings.quota = m_quota * Gibibyte;
+    settings.rendererUser = QString::fromStdString(m_rendererUser);
     settings.takeOver = m_takesOver;
     settings.demo = !m_hasNoDemo;
     return settings;

@@ -37,6 +37,7 @@ private:
     int m_quota = 20; // GiB
     std::string m_price;
     std::string m_jobTypesFile;
+    std::string m_rendererUser;
     std::string m_sceneFolder;
     bool m_hasNoDemo = false;
     bool m_takesOver = false;

@@ -26,9 +26,10 @@ QString PlainSuffix(const QString& suffix)
 
 } // namespace
 
-FrameFiles::FrameFiles(const QString& folder, const SceneFiles& scenes)
+FrameFiles::FrameFiles(const QString& folder, const SceneFiles& scenes, const RendererUser& user)
     : m_folder(folder)
     , m_scenes(scenes)
+    , m_user(user)
 {
 }
 
@@ -71,7 +72,16 @@ RenderPlace FrameFiles::Prepare(const FrameTask& task, const QString& suffix, co
         RemoveFrames(folder, suffix);
     m_scenes.Provide(task, folder);
     LinkScene(place, task.scene);
+    OpenToRenderer(place, folder);
     return place;
+}
+
+void FrameFiles::OpenToRenderer(const RenderPlace& place, const QDir& folder) const
+{
+    for (const QString& above : {QFileInfo(m_folder).path(), m_folder, folder.path(),
+             QFileInfo(place.run.folder).path(), place.run.folder})
+        m_user.LetPass(above);
+    m_user.Give(place.run.OutputFolder());
 }
 
 // Renderers misread spaces, quotation marks and non-Latin letters in their arguments; the link's name has none.
@@ -118,6 +128,7 @@ Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix, const Run
     const QFileInfo left(unfinished);
     if (!left.isFile() || left.isSymLink() || left.size() == 0)
         throw std::runtime_error("the renderer left no picture");
+    m_user.TakeBack(unfinished);
     const Picture picture {
         FrameName(task.Number(), suffix), std::int64_t(left.size()), storage::FileChecksum(unfinished)};
     // The picture may be in its place already: the farm can crash between this rename and the recording of the frame.
@@ -127,6 +138,12 @@ Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix, const Run
 
 void FrameFiles::Discard(const FrameTask& task, const RunId& run) const
 {
+    const QDir logs(JobFolder(task.jobId) + QStringLiteral("/logs"));
+    const QString log = logs.filePath(FrameName(task.Number(), QStringLiteral("txt")));
+    if (QFileInfo(FilesOf(task.jobId, run).Log()).size() > 0 && logs.mkpath(QStringLiteral("."))) {
+        QFile::remove(log);
+        QFile::rename(FilesOf(task.jobId, run).Log(), log);
+    }
     QDir(FilesOf(task.jobId, run).folder).removeRecursively();
 }
 

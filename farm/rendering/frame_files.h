@@ -2,6 +2,7 @@
 
 #include "farm/rendering/frame_task.h"
 #include "farm/rendering/picture.h"
+#include "farm/rendering/renderer_user.h"
 #include "farm/runner/run.h"
 
 #include <QDir>
@@ -33,7 +34,7 @@ class FrameFiles
 {
 public:
     /// `folder` holds the jobs' folders.
-    FrameFiles(const QString& folder, const SceneFiles& scenes);
+    FrameFiles(const QString& folder, const SceneFiles& scenes, const RendererUser& user = {});
 
     QString JobFolder(const QString& jobId) const;
     /// "frame_0001.png" for number 1 and suffix "png".
@@ -50,17 +51,19 @@ public:
     void RequireRoom() const;
     /// Moves a rendered frame to its place; it is on the disk when it returns. Throws std::runtime_error.
     Picture Keep(const FrameTask& task, const QString& suffix, const RunId& run) const;
-    /// Removes what a run has left behind.
+    /// Removes what a run has left behind, but keeps what the renderer has written as the log of the frame.
     void Discard(const FrameTask& task, const RunId& run) const;
 
 private:
     static void LinkScene(const RenderPlace& place, const QString& scene);
     static void RemoveFrames(QDir folder, const QString& suffix);
     void MakeFolder(const QDir& folder) const;
+    void OpenToRenderer(const RenderPlace& place, const QDir& folder) const;
     RenderPlace PlaceOf(const FrameTask& task, const QString& suffix, const RunId& run) const;
 
     QString m_folder;
     const SceneFiles& m_scenes;
+    RendererUser m_user;
 };
 
 } // namespace farm

@@ -1,25 +1,29 @@
 #include "farm/rendering/local_executor.h"
 
 #include "farm/base/local_time.h"
-#include "farm/rendering/confinement.h"
 #include "farm/rendering/render_process.h"
 #include "farm/rendering/stray_renderers.h"
+#include "farm/runner/confinement.h"
 
+#include <QDeadlineTimer>
 #include <QStandardPaths>
 #include <QSysInfo>
 
 #include <spdlog/spdlog.h>
 
-#include <algorithm>
-
 namespace farm {
 
-LocalExecutor::LocalExecutor(int slotCount, const QString& dataFolder)
-    : m_slots(std::max(1, slotCount))
-    , m_dataFolder(dataFolder)
+namespace {
+
+constexpr int LongestEnd = 2000; // ms
+
+} // namespace
+
+LocalExecutor::LocalExecutor(const Settings& settings)
+    : m_settings(settings)
 {
     qRegisterMetaType<RunResult>("farm::RunResult");
-    StrayRenderers::End(dataFolder);
+    StrayRenderers::End(settings.dataFolder);
     if (!Confinement::IsSupported())
         spdlog::warn(
             "this machine's kernel has no Landlock: renderers can read all files that the farm can read");
@@ -35,51 +39,58 @@ Availability LocalExecutor::Has(const JobType& type)
 
 void LocalExecutor::Start(const std::vector<Run>& runs)
 {
-    for (const Run& run : runs) {
-        try {
-            StartOne(run);
-        } catch (const std::runtime_error& error) {
-            EndLater(run.id, {RunEnd::FarmFault, QString::fromUtf8(error.what()), {}, 0, {}});
-        }
-    }
+    for (const Run& run : runs)
+        StartOne(run);
 }
 
 void LocalExecutor::StartOne(const Run& run)
 {
-    auto process = std::make_unique<RenderProcess>(run.order, m_dataFolder);
     const RunId id = run.id;
-    // Queued, because a renderer that cannot be started may report it before Run() returns.
+    auto process
+        = std::make_unique<RenderProcess>(m_settings.runner, id, run.order.files, m_settings.dataFolder);
+    // Queued, because a process that cannot be started may report it before Launch() returns.
     connect(
         process.get(), &RenderProcess::Ended, this,
-        [this, id](const RunResult& result) {
-            auto ended = m_processes.extract(id);
-            if (ended.empty())
-                return;
-            ended.mapped().release()->deleteLater();
-            emit Ended(id, result);
-        },
-        Qt::QueuedConnection);
+        [this, id](const RunResult& result) { HandleEnd(id, result); }, Qt::QueuedConnection);
     RenderProcess& started = *process;
     m_processes[id] = std::move(process);
-    started.Run();
+    started.Launch();
     emit Started(id, QSysInfo::machineHostName(), Now());
+}
+
+void LocalExecutor::HandleEnd(const RunId& run, const RunResult& result)
+{
+    auto ended = m_processes.extract(run);
+    if (ended.empty())
+        return;
+    ended.mapped().release()->deleteLater();
+    emit Ended(run, result);
 }
 
 void LocalExecutor::Cancel(const RunId& run)
 {
-    if (m_processes.erase(run) != 0)
-        EndLater(run, {RunEnd::Cancelled, {}, {}, 0, {}});
+    if (const auto process = m_processes.find(run); process != m_processes.end())
+        process->second->terminate();
 }
 
-// Renderers end with their farm, so none can be left.
+// Renderers end with their farm, but one may have left its outcome before.
 void LocalExecutor::Attach(const std::vector<RecordedRun>& runs)
 {
-    for (const RecordedRun& run : runs)
-        EndLater(run.id, {RunEnd::MachineLost, QStringLiteral("the farm ended"), {}, 0, {}});
+    for (const RecordedRun& run : runs) {
+        const auto outcome = ReadOutcome(run.files.Outcome());
+        EndLater(run.id,
+            outcome.value_or(RunResult {RunEnd::MachineLost, QStringLiteral("the farm ended"), {}, 0, {}}));
+    }
 }
 
 void LocalExecutor::Stop()
 {
+    QDeadlineTimer deadline(LongestEnd);
+    for (const auto& process : m_processes)
+        process.second->terminate();
+    for (const auto& process : m_processes)
+        process.second->waitForFinished(static_cast<int>(deadline.remainingTime()));
+    // Whatever is left is killed with its process, and by the next farm.
     m_processes.clear();
 }
 

@@ -15,11 +15,20 @@ class LocalExecutor : public Executor
     Q_OBJECT
 
 public:
+    struct Settings
+    {
+        /// The number of frames that are rendered at a time.
+        int slotCount = 1;
+        QString dataFolder;
+        /// The path of quillstar-run-frame.
+        QString runner;
+    };
+
     /// Ends the processes that renderers of an earlier farm on this folder have left behind.
-    LocalExecutor(int slotCount, const QString& dataFolder);
+    explicit LocalExecutor(const Settings& settings);
     ~LocalExecutor() override;
 
-    int Capacity() const override { return m_slots; }
+    int Capacity() const override { return m_settings.slotCount; }
     Availability Has(const JobType& type) override;
     void Start(const std::vector<Run>& runs) override;
     void Cancel(const RunId& run) override;
@@ -28,11 +37,11 @@ public:
 
 private:
     void StartOne(const Run& run);
+    void HandleEnd(const RunId& run, const RunResult& result);
     /// Reports the end from the event loop.
     void EndLater(const RunId& run, const RunResult& result);
 
-    int m_slots;
-    QString m_dataFolder;
+    Settings m_settings;
     std::map<RunId, std::unique_ptr<RenderProcess>> m_processes;
 };
 

@@ -1,48 +1,33 @@
 #pragma once
 
-#include "farm/rendering/confinement.h"
+#include "farm/runner/run_order.h"
 #include "processes/bound_process.h"
-
-#include <QTimer>
-
-#include <chrono>
-#include <memory>
 
 namespace farm {
 
-/// One run of a renderer. The destructor ends the renderer and all processes that it has started.
+/// The program quillstar-run-frame at work on one run. It ends when the thread that has launched it does, with all processes
+/// of its renderer.
 class RenderProcess : public BoundProcess
 {
     Q_OBJECT
 
 public:
-    /// Throws std::runtime_error when the renderer cannot be confined as the command asks.
-    RenderProcess(const RunOrder& order, const QString& dataFolder);
-    ~RenderProcess() override;
-
-    void Run();
+    /// The order must have been written.
+    RenderProcess(const QString& runner, const RunId& run, const RunFiles& files, const QString& dataFolder);
 
 signals:
-    /// Emitted once, when the renderer has ended or could not be started.
+    /// Emitted once, when the run has ended or could not be started.
     void Ended(const farm::RunResult& result);
 
 protected:
     void setupChildProcess() override;
 
 private:
-    void CollectOutput();
     void ReportExit(int exitCode, QProcess::ExitStatus status);
     void ReportError(QProcess::ProcessError error);
-    QString Message(int exitCode, QProcess::ExitStatus status) const;
-    QString OutputEnd(int most) const;
-    void KillAll();
-    static QProcessEnvironment PoorEnvironment(const QString& home);
 
-    std::unique_ptr<Confinement> m_confinement;
-    std::chrono::seconds m_timeLimit;
-    QTimer m_timeLimitTimer;
-    QByteArray m_outputTail;
-    bool m_timedOut = false;
+    RunId m_run;
+    RunFiles m_files;
 };
 
 } // namespace farm

@@ -32,10 +32,12 @@ void Make(const QDir& folder)
 
 } // namespace
 
-SceneFiles::SceneFiles(Database& database, const ContentStore& contents, const QString& shippedFolder)
+SceneFiles::SceneFiles(
+    Database& database, const ContentStore& contents, const QString& shippedFolder, const RendererUser& user)
     : m_database(database)
     , m_contents(contents)
     , m_shippedFolder(shippedFolder)
+    , m_user(user)
 {
 }
 
@@ -51,6 +53,7 @@ void SceneFiles::Provide(const FrameTask& task, const QDir& jobFolder) const
         if (!CopyOwn(task.key.job, unfinished))
             CopyShipped(task.scene, unfinished);
         SyncTree(unfinished.path());
+        m_user.LetRead(unfinished.path());
         storage::RenameDurably(unfinished.path(), scene);
     } catch (const std::exception&) {
         // The disk may be full, so an incomplete copy must not stay on it.

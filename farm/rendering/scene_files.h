@@ -2,6 +2,7 @@
 
 #include "farm/base/schema.h"
 #include "farm/rendering/frame_task.h"
+#include "farm/rendering/renderer_user.h"
 
 #include <QDir>
 
@@ -14,7 +15,8 @@ class SceneFiles
 {
 public:
     /// @param shippedFolder holds the scenes that come with the farm.
-    SceneFiles(Database& database, const ContentStore& contents, const QString& shippedFolder);
+    SceneFiles(Database& database, const ContentStore& contents, const QString& shippedFolder,
+        const RendererUser& user = {});
 
     /// Creates the folder "scene" in the job's folder unless it exists. An incomplete copy never has this name.
     /// Throws std::runtime_error.
@@ -28,6 +30,7 @@ private:
     Database& m_database;
     const ContentStore& m_contents;
     QString m_shippedFolder;
+    RendererUser m_user;
 };
 
 } // namespace farm

@@ -22,11 +22,11 @@ bool WouldRepeat(RunEnd end)
 
 } // namespace
 
-Scheduler::Scheduler(const Dependencies& dependencies, const JobTypes& types, const QString& hidden,
+Scheduler::Scheduler(const Dependencies& dependencies, const JobTypes& types, const Renderers& renderers,
     std::chrono::milliseconds lookInterval)
     : m_deps(dependencies)
     , m_types(types)
-    , m_hidden(hidden)
+    , m_renderers(renderers)
 {
     connect(this, &Scheduler::NudgeWanted, this, &Scheduler::Nudge, Qt::QueuedConnection);
     connect(&m_deps.executor, &Executor::AvailabilityChanged, this, &Scheduler::Nudge);
@@ -141,7 +141,9 @@ std::optional<Run> Scheduler::Prepared(const RunId& id, const FrameTask& task)
     const JobType type = m_types.value(task.type);
     try {
         const RenderPlace place = m_deps.files.Prepare(task, type.suffix, id);
-        return Run {id, task, OrderFor(id, task, type, place)};
+        const Run run {id, task, OrderFor(id, task, type, place)};
+        WriteOrder(run.order);
+        return run;
     } catch (const std::runtime_error& error) {
         // A full disk is no fault of the job: the frame keeps its attempts, and the timer starts it again.
         if (!storage::IsDiskFull(error)) {
@@ -183,7 +185,8 @@ RunOrder Scheduler::OrderFor(
     order.folder = place.workFolder;
     order.resources = type.resources;
     order.reach = {type.confined, QStringList {place.sceneFolder} + type.readable,
-        QStringList {place.run.OutputFolder()} + type.writable, m_hidden};
+        QStringList {place.run.OutputFolder()} + type.writable, m_renderers.hidden};
+    order.user = m_renderers.user;
     order.files = place.run;
     return order;
 }

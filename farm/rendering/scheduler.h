@@ -35,10 +35,18 @@ public:
         FramesInWork& inWork;
     };
 
+    /// What all renderers have in common.
+    struct Renderers
+    {
+        /// Renderers reach nothing of this folder but their scenes and pictures.
+        QString hidden;
+        /// The user who runs them; empty for the farm's own.
+        QString user;
+    };
+
     /// Takes over the runs of an earlier farm.
-    /// @param hidden is the folder that renderers may not reach but for their scenes and pictures.
     /// @param lookInterval is the time after which the scheduler looks at the jobs without a nudge.
-    Scheduler(const Dependencies& dependencies, const JobTypes& types, const QString& hidden,
+    Scheduler(const Dependencies& dependencies, const JobTypes& types, const Renderers& renderers,
         std::chrono::milliseconds lookInterval);
 
     /// Looks at the jobs: pauses those in arrears, cancels the frames that are no longer wanted and gives the executor
@@ -79,7 +87,7 @@ private:
 
     Dependencies m_deps;
     JobTypes m_types;
-    QString m_hidden;
+    Renderers m_renderers;
     std::set<QString> m_missingPrograms;
     /// The runs whose ends are awaited.
     std::map<RunId, Work> m_work;

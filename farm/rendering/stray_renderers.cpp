@@ -17,7 +17,8 @@ namespace {
 constexpr int MostRounds = 100;
 constexpr int RoundPause = 10; // ms
 
-const QString Variable = QStringLiteral("QUILLSTAR_FARM");
+const QString FarmVariable = QStringLiteral("QUILLSTAR_FARM");
+const QString RunVariable = QStringLiteral("QUILLSTAR_RUN");
 
 /// The mark is a hash, because scenes are programs and need not learn where the farm keeps its files.
 QString MarkOf(const QString& dataFolder)
@@ -49,19 +50,30 @@ bool EndOnce(const QByteArray& mark)
     return found;
 }
 
+void EndAll(const QString& variable, const QString& value)
+{
+    const QByteArray mark = QString(variable + QLatin1Char('=') + value).toLatin1();
+    // A process may start another one while they are listed.
+    for (int round = 0; round < MostRounds && EndOnce(mark); ++round)
+        QThread::msleep(RoundPause);
+}
+
 } // namespace
 
-void Mark(QProcessEnvironment& environment, const QString& dataFolder)
+void Mark(QProcessEnvironment& environment, const QString& dataFolder, const QString& run)
 {
-    environment.insert(Variable, MarkOf(dataFolder));
+    environment.insert(FarmVariable, MarkOf(dataFolder));
+    environment.insert(RunVariable, run);
 }
 
 void End(const QString& dataFolder)
 {
-    const QByteArray mark = QString(Variable + QLatin1Char('=') + MarkOf(dataFolder)).toLatin1();
-    // A process may start another one while they are listed.
-    for (int round = 0; round < MostRounds && EndOnce(mark); ++round)
-        QThread::msleep(RoundPause);
+    EndAll(FarmVariable, MarkOf(dataFolder));
+}
+
+void EndRun(const QString& run)
+{
+    EndAll(RunVariable, run);
 }
 
 } // namespace farm::StrayRenderers

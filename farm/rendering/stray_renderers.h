@@ -3,15 +3,16 @@
 #include <QProcessEnvironment>
 #include <QString>
 
-/// Renderers may be scripts that start other programs. Unlike the scripts, these programs do not end with a farm that is
-/// killed, and would write into the frames of the next one. So they all carry a mark of the farm's folder in their
-/// environment.
+/// The program that runs a renderer ends all processes of it. Should that program be killed, these processes may be left,
+/// and would burden the machine. So they all carry marks of the farm's folder and of the run in their environment.
 namespace farm::StrayRenderers {
 
-/// Marks a renderer, and all programs that it starts, as processes of this farm.
-void Mark(QProcessEnvironment& environment, const QString& dataFolder);
+/// Marks a process, and all that it starts, as processes of this farm and this run.
+void Mark(QProcessEnvironment& environment, const QString& dataFolder, const QString& run);
 
 /// Ends the processes that an earlier farm has left behind. Call it while no other farm can use the folder.
 void End(const QString& dataFolder);
+/// Ends the processes that a run has left behind.
+void EndRun(const QString& run);
 
 } // namespace farm::StrayRenderers

@@ -22,10 +22,10 @@ public:
     }
 
     /// Starts the farm, or starts it again; without job types nothing is rendered.
-    void Start(const QByteArray& types = "{}")
+    void Start(QByteArray types = "{}")
     {
         End();
-        WriteFile(settings.jobTypesFile, types);
+        WriteFile(settings.jobTypesFile, types.replace("@jobs@", Path("jobs"_s).toUtf8()));
         m_farm = std::make_unique<farm::Farm>(settings);
         SetUrl(m_farm->Url());
         SignIn("ann", "secret");

@@ -73,12 +73,14 @@ inline QJsonObject Json(const QByteArray& text)
     return QJsonDocument::fromJson(text).object();
 }
 
-/// Job types of which "povray" is rendered by a shell script. @param frameTimeLimit is in seconds.
+/// Job types of which "povray" is rendered by a shell script, which may also use the folder "@jobs@".
+/// @param frameTimeLimit is in seconds.
 inline QByteArray ScriptedTypes(const QByteArray& script, int frameTimeLimit = 600)
 {
     const QJsonArray arguments {"-c"_s, QString::fromLatin1(script)};
-    // Not confined, as scripts write their logs beside the jobs.
+    // Scripts write their logs beside the jobs.
     const QJsonObject type {{"program"_s, "/bin/sh"_s}, {"arguments"_s, arguments}, {"suffix"_s, "txt"_s},
-        {"frame_time_limit"_s, frameTimeLimit}, {"confined"_s, false}};
+        {"frame_time_limit"_s, frameTimeLimit}, {"confined"_s, false},
+        {"writable"_s, QJsonArray {"@jobs@"_s}}};
     return QJsonDocument(QJsonObject {{"povray"_s, type}}).toJson();
 }

@@ -52,13 +52,14 @@ private slots:
     void AKillLosesNoFinishedFrame()
     {
         QVERIFY(WriteFile(Path("scene.txt"_s), "a scene"));
-        // The script waits in frame 4 until ../../gate exists. It must end with the server, and the program that it has
-        // started must end when the next server starts.
+        // The script waits in frame 4 until ../../gate exists. It must end with the server, and so must the program that it
+        // has started.
         QVERIFY(WriteFile(Path("types.json"_s),
             ScriptedTypes("sh -c 'echo $$ > ../../child; exec sleep 600' & echo $$ > ../../pid; echo half > "
                           "{output}; echo {frame} >> ../../log; "
                           "[ {frame} -ne 4 ] || while [ ! -e ../../gate ]; do sleep 0.01; done; "
-                          "cp {scene} {output}")));
+                          "cp {scene} {output}")
+                .replace("@jobs@", Path("jobs"_s).toUtf8())));
         FarmData data(m_folder->path());
         const QString job = data.jobs.Add(data.Job("job"_s, 6)).id;
         const QStringList options {"--job-types"_s, Path("types.json"_s), "--scenes"_s, m_folder->path()};
@@ -69,11 +70,11 @@ private slots:
         first.Kill();
         EVENTUALLY_COMPARE(::kill(renderer, 0), -1);
         const int child = ReadFile(Path("jobs/child"_s)).toInt();
+        EVENTUALLY_COMPARE(::kill(child, 0), -1);
 
         QVERIFY(WriteFile(Path("jobs/gate"_s), {}));
         Daemon second(m_folder->path(), options);
         QVERIFY(second.IsListening());
-        EVENTUALLY_COMPARE(::kill(child, 0), -1);
         EVENTUALLY_COMPARE(data.Only().status, int(JobStatus::Finished));
         QCOMPARE(ReadFile(Path("jobs/log"_s)), QByteArray("1\n3\n6\n2\n4\n4\n5\n"));
         for (int number = 1; number <= 6; ++number)

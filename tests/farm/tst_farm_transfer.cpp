@@ -1,4 +1,4 @@
-#include "farm/rendering/confinement.h"
+#include "farm/runner/confinement.h"
 #include "tests/farm/farm_at_work.h"
 #include "tests/farm/package_fixture.h"
 

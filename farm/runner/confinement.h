@@ -1,0 +1,40 @@
+#pragma once
+
+#include "farm/runner/run_order.h"
+
+namespace farm {
+
+/// Limits a process to its reach by means of the kernel (Landlock). It is prepared before the process is made, which then
+/// enters it.
+class Confinement
+{
+public:
+    /// Whether this machine's kernel can limit a process.
+    static bool IsSupported();
+
+    /// Throws std::runtime_error when the kernel supports it but the rules cannot be made.
+    /// @param program is the full path of the renderer's executable.
+    Confinement(const Reach& reach, const QString& program);
+    ~Confinement();
+    Confinement(const Confinement&) = delete;
+    Confinement& operator=(const Confinement&) = delete;
+
+    /// Limits the calling process and all processes that it starts, for good. Makes only system calls, so it is safe
+    /// between fork and exec. Returns false when the process could not be limited although the kernel supports it.
+    bool Enter() const;
+
+private:
+    void AllowSystem(const QString& program) const;
+    /// Allows a path without the hidden folder.
+    void AllowAround(const QString& path, quint64 access) const;
+    /// Allows a path that the farm has chosen, even in the hidden folder.
+    void AllowChosen(const QString& path, quint64 access) const;
+    void Allow(const QString& path, quint64 access) const;
+
+    /// The hidden folder by all its names.
+    QStringList m_hidden;
+    bool m_confined;
+    int m_ruleset = -1;
+};
+
+} // namespace farm

@@ -1,0 +1,197 @@
+#include "farm/runner/frame_runner.h"
+
+#include "farm/runner/process_tree.h"
+
+#include <QSysInfo>
+
+#include <algorithm>
+#include <csignal>
+#include <poll.h>
+#include <stdexcept>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/signalfd.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace farm {
+
+namespace {
+
+// Limits that the kernel does not keep by itself are looked at this often.
+constexpr std::chrono::milliseconds LookInterval {500};
+constexpr std::int64_t Mebibyte = 1 << 20;
+
+std::int64_t Milliseconds(const timeval& time)
+{
+    constexpr int PerSecond = 1000;
+    return std::int64_t {time.tv_sec} * PerSecond + time.tv_usec / PerSecond;
+}
+
+/// The processor time of all processes that have ended below this one, whoever waited for them.
+std::int64_t CoreMilliseconds()
+{
+    rusage usage {};
+    ::getrusage(RUSAGE_CHILDREN, &usage);
+    return Milliseconds(usage.ru_utime) + Milliseconds(usage.ru_stime);
+}
+
+} // namespace
+
+FrameRunner::FrameRunner(const RunOrder& order)
+    : m_order(order)
+    , m_log(order.files.Log())
+    , m_deadline(std::chrono::steady_clock::now() + order.resources.timeLimit)
+{
+    TakeSignals();
+}
+
+FrameRunner::~FrameRunner()
+{
+    ::close(m_signals);
+}
+
+void FrameRunner::TakeSignals()
+{
+    sigset_t awaited {};
+    ::sigemptyset(&awaited);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGCHLD})
+        ::sigaddset(&awaited, signal);
+    ::sigprocmask(SIG_BLOCK, &awaited, nullptr);
+    m_signals = ::signalfd(-1, &awaited, SFD_CLOEXEC | SFD_NONBLOCK);
+    if (m_signals < 0 || ::prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0) != 0)
+        throw std::runtime_error("the renderer cannot be watched");
+    // A farm binds its processes by SIGKILL, which would leave the renderer's own processes behind.
+    int binding = 0;
+    if (::prctl(PR_GET_PDEATHSIG, &binding) == 0 && binding == SIGKILL)
+        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+}
+
+RunResult FrameRunner::Run()
+{
+    RunResult result;
+    result.host = QSysInfo::machineHostName();
+    try {
+        Renderer renderer(m_order);
+        const int output = renderer.Start();
+        m_renderer = renderer.Process();
+        Watch(output);
+        if (!ProcessTree::End())
+            m_log.Add("\nprocesses of the renderer could not be ended\n");
+        ReadOutput(output);
+        ::close(output);
+        const Verdict verdict = Judge();
+        result.end = verdict.end;
+        result.message = verdict.message;
+    } catch (const std::runtime_error& error) {
+        result.end = RunEnd::SceneFault;
+        result.message = QString::fromUtf8(error.what());
+        ProcessTree::End();
+    }
+    m_log.Finish();
+    result.log = m_log.End(OutputLog::LongEnd);
+    result.coreMilliseconds = CoreMilliseconds();
+    return result;
+}
+
+void FrameRunner::Watch(int output)
+{
+    while (!m_status && !m_verdict) {
+        pollfd waits[] = {{m_signals, POLLIN, 0}, {output, POLLIN, 0}};
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+            m_deadline - std::chrono::steady_clock::now());
+        if (left.count() <= 0) {
+            m_verdict = Verdict {RunEnd::TimeLimit, QStringLiteral("the renderer exceeded its time limit")};
+            return;
+        }
+        // A renderer may close its output and go on.
+        const bool isOpen = output >= 0;
+        ::poll(waits, isOpen ? 2 : 1, static_cast<int>(std::min(left, LookInterval).count()));
+        if ((waits[0].revents & POLLIN) != 0)
+            HandleSignals();
+        if (isOpen && waits[1].revents != 0)
+            ReadOutput(output);
+        if (isOpen && (waits[1].revents & (POLLHUP | POLLIN)) == POLLHUP)
+            output = -1;
+        if (const auto now = std::chrono::steady_clock::now(); now >= m_nextLook) {
+            m_nextLook = now + LookInterval;
+            LookAtUse();
+        }
+    }
+}
+
+void FrameRunner::HandleSignals()
+{
+    signalfd_siginfo info {};
+    bool isCancelled = false;
+    while (::read(m_signals, &info, sizeof(info)) == sizeof(info))
+        isCancelled = isCancelled || info.ssi_signo != SIGCHLD;
+    ProcessTree::Reap([this](pid_t process, int status) {
+        if (process == m_renderer)
+            m_status = status;
+    });
+    if (isCancelled && !m_status)
+        m_verdict = Verdict {RunEnd::Cancelled, QStringLiteral("the run was cancelled")};
+}
+
+void FrameRunner::LookAtUse()
+{
+    const ProcessTree::Use use = ProcessTree::Measure();
+    const Resources& most = m_order.resources;
+    if (use.memory > MemoryLimit())
+        m_verdict = Verdict {RunEnd::SceneFault,
+            QStringLiteral("the renderer exceeded its memory limit of %1 MiB").arg(MemoryLimit() / Mebibyte)};
+    else if (use.tasks > most.processes)
+        m_verdict = Verdict {RunEnd::SceneFault,
+            QStringLiteral("the renderer exceeded its limit of %1 processes").arg(most.processes)};
+}
+
+// Without a limit of its own, a frame must leave the machine usable.
+std::int64_t FrameRunner::MemoryLimit() const
+{
+    constexpr int Tenths = 9;
+    static const std::int64_t most
+        = std::int64_t {::sysconf(_SC_PHYS_PAGES)} / 10 * Tenths * ::sysconf(_SC_PAGESIZE);
+    return m_order.resources.memory > 0 ? m_order.resources.memory : most;
+}
+
+void FrameRunner::ReadOutput(int output)
+{
+    char bytes[65536];
+    ssize_t count = 0;
+    while ((count = ::read(output, bytes, sizeof(bytes))) > 0)
+        m_log.Add(QByteArray(bytes, static_cast<int>(count)));
+}
+
+FrameRunner::Verdict FrameRunner::Judge() const
+{
+    Verdict verdict = m_verdict ? *m_verdict : JudgeStatus();
+    const QString output = m_log.End(OutputLog::ShortEnd);
+    if (verdict.end != RunEnd::Done && verdict.end != RunEnd::Cancelled && !output.isEmpty())
+        verdict.message += QLatin1Char('\n') + output;
+    return verdict;
+}
+
+FrameRunner::Verdict FrameRunner::JudgeStatus() const
+{
+    const int status = *m_status;
+    if (WIFEXITED(status)) {
+        const int code = WEXITSTATUS(status);
+        if (code == 0)
+            return {};
+        return {RunEnd::SceneFault, QStringLiteral("the renderer ended with code %1").arg(code)};
+    }
+    switch (WTERMSIG(status)) {
+    case SIGXFSZ:
+        return {RunEnd::SceneFault,
+            QStringLiteral("the renderer wrote a file of more than %1 MiB")
+                .arg(m_order.resources.fileSize / Mebibyte)};
+    case SIGKILL:
+        return {RunEnd::SceneFault,
+            QStringLiteral("the renderer was killed; the machine may have run out of memory")};
+    default:
+        return {RunEnd::SceneFault, QStringLiteral("the renderer crashed")};
+    }
+}
+
+} // namespace farm

@@ -1,0 +1,117 @@
+#include "farm/runner/process_tree.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QVector>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace farm::ProcessTree {
+
+namespace {
+
+constexpr std::chrono::seconds LongestEnd {5};
+constexpr std::chrono::milliseconds EndPause {5};
+// Of a tree that grows without bounds this much is looked at.
+constexpr int MostProcesses = 20'000;
+
+QStringList Entries(const QString& folder)
+{
+    return QDir(folder).entryList({QStringLiteral("[1-9]*")}, QDir::Dirs | QDir::NoDotAndDotDot);
+}
+
+QByteArray Contents(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// The processes that the threads of one have started and not yet waited for.
+/// @param tasks receives the number of threads.
+QVector<pid_t> ChildrenOf(pid_t process, int& tasks)
+{
+    QVector<pid_t> children;
+    const QString folder = QStringLiteral("/proc/%1/task").arg(process);
+    const QStringList threads = Entries(folder);
+    tasks = threads.size();
+    for (const QString& thread : threads) {
+        const QList<QByteArray> ids
+            = Contents(folder + QLatin1Char('/') + thread + QStringLiteral("/children")).split(' ');
+        for (const QByteArray& id : ids) {
+            if (const int child = id.trimmed().toInt(); child > 0)
+                children.append(child);
+        }
+    }
+    return children;
+}
+
+std::int64_t MemoryOf(pid_t process)
+{
+    constexpr int Resident = 1;
+    constexpr int Shared = 2;
+    const QList<QByteArray> pages = Contents(QStringLiteral("/proc/%1/statm").arg(process)).split(' ');
+    if (pages.size() <= Shared)
+        return 0;
+    return (pages[Resident].toLongLong() - pages[Shared].toLongLong()) * ::sysconf(_SC_PAGESIZE);
+}
+
+} // namespace
+
+Use Measure()
+{
+    Use use;
+    int tasks = 0;
+    QVector<pid_t> processes = ChildrenOf(::getpid(), tasks);
+    for (int next = 0; next < processes.size() && next < MostProcesses; ++next) {
+        const pid_t process = processes[next];
+        processes += ChildrenOf(process, tasks);
+        use.tasks += tasks;
+        use.memory += MemoryOf(process);
+    }
+    return use;
+}
+
+bool Reap(const std::function<void(pid_t, int)>& onEnd)
+{
+    int status = 0;
+    pid_t ended = 0;
+    while ((ended = ::waitpid(-1, &status, WNOHANG)) > 0)
+        onEnd(ended, status);
+    return ended == 0;
+}
+
+// The children of a killed process become children of this one, so that each round reaches deeper.
+bool End()
+{
+    const auto deadline = std::chrono::steady_clock::now() + LongestEnd;
+    int tasks = 0;
+    while (Reap([](pid_t, int) {})) {
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+        for (const pid_t child : ChildrenOf(::getpid(), tasks)) {
+            ::kill(-child, SIGKILL); // in case it leads a group
+            ::kill(child, SIGKILL);
+        }
+        std::this_thread::sleep_for(EndPause);
+    }
+    return true;
+}
+
+int TasksOf(uid_t user)
+{
+    int count = 0;
+    for (const QString& process : Entries(QStringLiteral("/proc"))) {
+        const QString folder = QStringLiteral("/proc/") + process;
+        if (QFileInfo(folder).ownerId() == user)
+            count += Entries(folder + QStringLiteral("/task")).size();
+    }
+    return count;
+}
+
+} // namespace farm::ProcessTree

@@ -1,0 +1,14 @@
+#pragma once
+
+/// What a renderer is denied by the kind of system call, whatever its user may do.
+namespace farm::SystemCalls {
+
+/// Forbids the calling process, and all that it starts, to change the permissions and attributes of files. A scene may
+/// share its files with the farm's contents, and their owner could otherwise make them writable. Needs no_new_privs, makes
+/// only system calls. Returns whether it is done.
+bool ForbidAttributes();
+
+/// Takes from root what other users do not have, so that the permissions of files bind it too. Does nothing for others.
+void DropCapabilities();
+
+} // namespace farm::SystemCalls

@@ -1,0 +1,201 @@
+#include "farm/runner/confinement.h"
+#include "farm/runner/hidden_paths.h"
+#include "tests/farm/farm_at_work.h"
+
+#include <csignal>
+#include <unistd.h>
+
+using namespace farm;
+
+namespace {
+
+// Each attack that succeeds leaves its name in the picture. The renderer runs in jobs/ID/scene.
+const char* const HostileScript = R"(
+try() { if sh -c "$2" > /dev/null 2>&1; then echo $1 >> {output}; fi; }
+data=$(dirname $(dirname $(dirname $PWD)))
+try 'reads the database' "cat $data/farm.sqlite"
+try 'reads it through the farm' "cat /proc/$PPID/root$data/farm.sqlite"
+try 'reads it by another name' "ln -s $data {output_folder}/all && cat {output_folder}/all/farm.sqlite"
+try 'lists the jobs' "ls $data/jobs"
+try 'reads a content' "cat $data/contents/secret"
+try 'reads another job' "cat $data/jobs/other/scene.txt"
+try 'writes the database' "echo x >> $data/farm.sqlite"
+try 'writes beside it' "echo x > $data/new"
+try 'removes it' "rm -f $data/farm.sqlite && [ ! -e $data/farm.sqlite ]"
+try 'moves it' "mv $data/farm.sqlite {output_folder}/taken"
+try 'writes its scene' "echo x >> {scene}"
+try 'replaces its scene' "rm {scene_folder}/scene.txt"
+try 'reads its order' "cat {output_folder}/../order.json"
+try 'forges its outcome' "echo x > {output_folder}/../outcome.json"
+try 'ends its watcher' "kill -9 $PPID"
+echo end >> {output}
+)";
+
+struct Setting
+{
+    const char* name;
+    bool isConfined;
+    /// Whether the renderer's program lies in a folder above the data.
+    bool isAbove;
+    const char* user;
+};
+const Setting Settings[] = {
+    {"confined", true, false, ""},
+    {"confined, above the data", true, true, ""},
+    {"not confined", false, false, ""},
+    {"another user", false, false, "nobody"},
+};
+
+struct Excess
+{
+    const char* name;
+    const char* limit;
+    const char* script;
+    QString message;
+};
+const Excess Excesses[] = {
+    {"memory", R"("memory_mib": 40)",
+        "exec perl -e 'my @all; for (1..5) { fork // 0; push @all, \"x\" x 9e6 } sleep 600'",
+        "the renderer exceeded its memory limit of 40 MiB"_s},
+    {"processes", R"("processes": 20)",
+        "for n in 1 2 3 4 5 6 7 8 9 a b c d e f g h i j k l; do sleep 600 & done; wait",
+        "the renderer exceeded its limit of 20 processes"_s},
+    {"file size", R"("file_size_mib": 1)", "exec head -c 2000000 /dev/zero > {output}",
+        "the renderer wrote a file of more than 1 MiB"_s},
+};
+
+struct Mounted
+{
+    const char* name;
+    const char* mounts;
+    QStringList names;
+};
+const Mounted Mounts[] = {
+    {"one disk", "1 0 8:1 / / rw - ext4 /dev/a rw", {"/srv/data"_s}},
+    {"the disk again", "1 0 8:1 / / rw - e /dev/a rw\n2 1 8:1 / /mnt/my\\040disk rw - e /dev/a rw",
+        {"/srv/data"_s, "/mnt/my disk/srv/data"_s}},
+    {"a folder above again", "1 0 8:1 / / rw - e a rw\n2 1 8:1 /srv /b rw - e a rw",
+        {"/srv/data"_s, "/b/data"_s}},
+    {"a folder of it again", "1 0 8:1 / / rw - e a rw\n2 1 8:1 /srv/data/jobs /b rw - e a rw",
+        {"/srv/data"_s, "/b"_s}},
+    {"own disk",
+        "1 0 8:1 / / rw - e a rw\n2 1 8:2 / /srv rw - e b rw\n3 1 8:1 /srv /b rw - e a rw\n"
+        "4 1 8:2 / /c rw - e b rw",
+        {"/srv/data"_s, "/c/data"_s}},
+};
+
+} // namespace
+
+/// Renderers that take more than is theirs.
+class RenderersTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_farm = std::make_unique<FarmAtWork>(); }
+
+    void ReachNothingOfTheFarm_data() { AddRows(Settings); }
+    void ReachNothingOfTheFarm()
+    {
+        if (!Confinement::IsSupported())
+            QSKIP("this kernel cannot confine a renderer");
+        const Setting& setting = Row(Settings);
+        m_farm->settings.rendererUser = QString::fromLatin1(setting.user);
+        if (*setting.user != '\0' && ::geteuid() != 0)
+            QSKIP("only root can use another user");
+        const QString other = m_farm->Path("jobs/other"_s);
+        QVERIFY(QDir().mkpath(other) && WriteFile(other + "/scene.txt"_s, "another scene"));
+        const QString id = m_farm->Add(1);
+        const QTemporaryDir folder; // beside the data
+        QByteArray types = ScriptedTypes(HostileScript).replace("\"@jobs@\"", "");
+        if (setting.isConfined)
+            types.replace("\"confined\": false", "\"confined\": true");
+        const QString shell
+            = QFileInfo(folder.path()).path() + "/"_s + QFileInfo(folder.path()).fileName() + "-sh"_s;
+        if (setting.isAbove) {
+            QVERIFY(QFile::copy("/bin/sh"_s, shell));
+            types.replace("/bin/sh", shell.toUtf8());
+        }
+        m_farm->Start(types);
+        QVERIFY(WriteFile(m_farm->Path("contents/secret"_s), "a content"));
+        EVENTUALLY(m_farm->Status() == JobStatus::Finished || m_farm->Status() == JobStatus::Failed);
+        QFile::remove(shell);
+        QCOMPARE(m_farm->data.Only().message, QString());
+        QCOMPARE(ReadFile(m_farm->Path("jobs/%1/frame_0001.txt"_s.arg(id))), QByteArray("end\n"));
+    }
+
+    void UseWhatTheirTypeAllows()
+    {
+        const QTemporaryDir folder;
+        QVERIFY(WriteFile(folder.filePath("licence"_s), "a licence"));
+        const QString id = m_farm->Add(1);
+        QByteArray types = ScriptedTypes("cat " + folder.filePath("licence"_s).toLatin1() + " > {output}");
+        types.replace("\"confined\": false", "\"readable\": [\"" + folder.path().toLatin1() + "\"]");
+        m_farm->Start(types);
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
+        QCOMPARE(ReadFile(m_farm->Path("jobs/%1/frame_0001.txt"_s.arg(id))), QByteArray("a licence"));
+    }
+
+    void HiddenFoldersAreKnownByAllTheirNames_data() { AddRows(Mounts); }
+    void HiddenFoldersAreKnownByAllTheirNames()
+    {
+        const auto& [name, mounts, names] = Row(Mounts);
+        QCOMPARE(NamesOf("/srv/data"_s, mounts), names);
+    }
+
+    void EndAtTheirLimits_data() { AddRows(Excesses); }
+    void EndAtTheirLimits()
+    {
+        const auto& [name, limit, script, message] = Row(Excesses);
+        m_farm->Add(1);
+        m_farm->Start(ScriptedTypes(script).replace("\"confined\"", QByteArray(limit) + ", \"confined\""));
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Failed);
+        QVERIFY2(m_farm->data.Only().message.contains(message), qPrintable(m_farm->data.Only().message));
+    }
+
+    // Both end at once: the second one has waited for the first one's work.
+    void AreChargedForTheirOwnWork()
+    {
+        m_farm->settings.slotCount = 2;
+        m_farm->Add(2);
+        m_farm->Start(
+            ScriptedTypes("if [ {frame} -eq 1 ]; then setsid sh -c 'i=0; while [ $i -lt 400000 ]; do "
+                          "i=$((i+1)); done; : > ../../gate'; "
+                          "else while [ ! -e ../../gate ]; do sleep 0.01; done; fi; cp {scene} {output}"));
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
+        const auto milliseconds = [this](const char* frame) {
+            return m_farm->data.Count(
+                QByteArray("SELECT core_milliseconds FROM charges WHERE frame = ").append(frame).constData());
+        };
+        QVERIFY2(milliseconds("1") > 2 * milliseconds("2"), qPrintable(QString::number(milliseconds("2"))));
+        QVERIFY(milliseconds("1") > 100);
+    }
+
+    void EndWithAllThatTheyHaveStarted_data() { AddRows(Ends); }
+    void EndWithAllThatTheyHaveStarted()
+    {
+        const QString id = m_farm->Add(1);
+        const bool goesOn = qstrcmp(QTest::currentDataTag(), "by itself") != 0;
+        m_farm->Start(
+            ScriptedTypes(QByteArray("setsid sh -c 'trap \"\" TERM HUP; echo $$ > ../../pid; sleep 600' & "
+                                     "while [ ! -s ../../pid ]; do sleep 0.01; done; cp {scene} {output}; ")
+                + (goesOn ? "sleep 600" : "exit 0")));
+        EVENTUALLY(!ReadFile(m_farm->Path("jobs/pid"_s)).isEmpty());
+        const int process = ReadFile(m_farm->Path("jobs/pid"_s)).toInt();
+        if (qstrcmp(QTest::currentDataTag(), "with the job") == 0)
+            QCOMPARE(m_farm->Apply("stop"_s, {id}).status, 200);
+        else if (goesOn)
+            m_farm->End();
+        EVENTUALLY_COMPARE(::kill(process, 0), -1);
+        if (!goesOn)
+            EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
+    }
+
+private:
+    static constexpr std::tuple<const char*> Ends[] = {"by itself", "with the job", "with the farm"};
+
+    std::unique_ptr<FarmAtWork> m_farm;
+};
+
+QTEST_GUILESS_MAIN(RenderersTest)
+#include "tst_farm_renderers.moc"
