@@ -2,6 +2,8 @@
 
 #include "farm/base/local_time.h"
 #include "farm/demo_data.h"
+#include "farm/rendering/local_executor.h"
+#include "farm/slurm/slurm_executor.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -47,9 +49,8 @@ Farm::Farm(const FarmSettings& settings)
     , m_files(Folder("jobs"), m_scenes, m_rendererUser)
     , m_pictures(m_database, m_files)
     , m_frames(m_database)
-    , m_executor({settings.slotCount, m_dataFolder,
-          QCoreApplication::applicationDirPath() + QStringLiteral("/quillstar-run-frame")})
-    , m_scheduler({m_queue, m_runs, m_executor, m_files, m_inWork}, m_types,
+    , m_executor(MakeExecutor())
+    , m_scheduler({m_queue, m_runs, *m_executor, m_files, m_inWork}, m_types,
           {m_dataFolder, settings.rendererUser}, settings.lookInterval)
     , m_actions(m_database, m_feed, [this] { m_scheduler.NudgeLater(); })
     , m_submission(m_database, m_jobs, m_contents, m_types.keys(), settings.quota, m_feed,
@@ -88,6 +89,19 @@ QString Farm::MakeFolder(const QString& path)
 QString Farm::Folder(const char* name) const
 {
     return QDir(m_dataFolder).filePath(QLatin1String(name));
+}
+
+std::unique_ptr<Executor> Farm::MakeExecutor() const
+{
+    const QString runner = QCoreApplication::applicationDirPath() + QStringLiteral("/quillstar-run-frame");
+    if (!m_settings.slurm)
+        return std::make_unique<LocalExecutor>(
+            LocalExecutor::Settings {m_settings.slotCount, m_dataFolder, runner});
+    SlurmSettings slurm = *m_settings.slurm;
+    slurm.folder = Folder("batches");
+    if (slurm.runner.isEmpty())
+        slurm.runner = runner;
+    return std::make_unique<SlurmExecutor>(slurm, m_types);
 }
 
 void Farm::ForgetOldUploads()

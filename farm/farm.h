@@ -9,19 +9,22 @@
 #include "farm/jobs/job_actions.h"
 #include "farm/jobs/job_store.h"
 #include "farm/jobs/job_submission.h"
+#include "farm/rendering/executor.h"
 #include "farm/rendering/frame_files.h"
 #include "farm/rendering/frames_in_work.h"
-#include "farm/rendering/local_executor.h"
 #include "farm/rendering/picture_store.h"
 #include "farm/rendering/render_queue.h"
 #include "farm/rendering/renderer_user.h"
 #include "farm/rendering/run_table.h"
 #include "farm/rendering/scene_files.h"
 #include "farm/rendering/scheduler.h"
+#include "farm/slurm/slurm_settings.h"
 #include "farm/uploads/content_store.h"
 #include "farm/uploads/upload_store.h"
 
 #include <chrono>
+#include <memory>
+#include <optional>
 
 namespace farm {
 
@@ -37,6 +40,8 @@ struct FarmSettings
     int port = 0;
     /// The number of frames that are rendered at a time.
     int slotCount = 1;
+    /// Renders on a Slurm cluster instead of this machine. The folder is in the data folder.
+    std::optional<SlurmSettings> slurm;
     /// The time after which the scheduler looks at the jobs even if nothing has told it of a change.
     std::chrono::milliseconds lookInterval {5000};
     Micros pricePerCoreSecond = DefaultPrice;
@@ -74,6 +79,7 @@ public:
 private:
     static QString MakeFolder(const QString& path);
     QString Folder(const char* name) const;
+    std::unique_ptr<Executor> MakeExecutor() const;
     void ForgetOldUploads();
     void AnnounceOutsideChanges();
 
@@ -95,7 +101,7 @@ private:
     PictureStore m_pictures;
     FrameStore m_frames;
     FramesInWork m_inWork;
-    LocalExecutor m_executor;
+    std::unique_ptr<Executor> m_executor;
     Scheduler m_scheduler;
     JobActions m_actions;
     JobSubmission m_submission;

@@ -14,6 +14,9 @@ namespace farm {
 namespace {
 
 constexpr int MostSlots = 1024;
+constexpr int MostPerTask = 1000;
+constexpr int MostOnCluster = 100'000;
+constexpr int SecondsPerHour = 3600;
 constexpr int HighestPort = 65535;
 
 std::string Beside(const char* name)
@@ -34,6 +37,7 @@ ServeOptions::ServeOptions(CLI::App& app)
     app.add_option("--data", m_dataFolder, "Folder for the farm's data.")->required()->type_name("FOLDER");
     AddNetwork(app);
     AddRendering(app);
+    AddCluster(app);
     AddAccounts(app);
     app.add_flag(
         "--take-over", m_takesOver, "Ignore the lock of another machine that has left it on a shared disk.");
@@ -75,6 +79,56 @@ void ServeOptions::AddRendering(CLI::App& app)
         ->capture_default_str();
 }
 
+void ServeOptions::AddCluster(CLI::App& app)
+{
+    app.add_option("--executor", m_executor, "Where frames are rendered: local or slurm, a cluster.")
+        ->type_name("NAME")
+        ->check(IsOneOf({"local", "slurm"}))
+        ->capture_default_str();
+    const auto addText = [&app](const char* name, std::string& value, const char* type, const char* meaning) {
+        app.add_option(name, value, meaning)->type_name(type);
+    };
+    addText("--slurm-partition", m_slurm.partition, "NAME", "Partition of the cluster for frames.");
+    addText("--slurm-account", m_slurm.account, "NAME", "Account of the cluster that frames are charged to.");
+    addText("--slurm-qos", m_slurm.qos, "NAME", "Quality of service (QOS) of frames on the cluster.");
+    addText("--slurm-constraint", m_slurm.constraint, "FEATURES", "Features of the nodes that may render.");
+    addText("--slurm-runner", m_slurm.runner, "FILE",
+        "Path of quillstar-run-frame on the nodes; by default the path on this machine.");
+    const auto addNumber
+        = [&app](const char* name, int& value, int most, const char* type, const char* meaning) {
+              app.add_option(name, value, meaning)
+                  ->type_name(type)
+                  ->check(IsWholeNumber(1, most))
+                  ->capture_default_str();
+          };
+    addNumber("--slurm-frames-per-task", m_slurm.framesPerTask, MostPerTask, "NUMBER",
+        "Frames that a task of the cluster renders, one after another.");
+    addNumber("--slurm-frames", m_slurm.frames, MostOnCluster, "NUMBER",
+        "Frames on the cluster at a time, rendering and queued.");
+    addNumber("--slurm-interval", m_slurm.interval, SecondsPerHour, "SECONDS",
+        "Least time between two questions to the cluster.");
+    addNumber("--slurm-timeout", m_slurm.timeout, SecondsPerHour, "SECONDS",
+        "Time that a command of the cluster may take.");
+    addNumber("--slurm-file-delay", m_slurm.fileDelay, SecondsPerHour, "SECONDS",
+        "Time that the nodes' files may take to be seen here.");
+}
+
+SlurmSettings ServeOptions::Slurm() const
+{
+    SlurmSettings slurm;
+    slurm.partition = QString::fromStdString(m_slurm.partition);
+    slurm.account = QString::fromStdString(m_slurm.account);
+    slurm.qos = QString::fromStdString(m_slurm.qos);
+    slurm.constraint = QString::fromStdString(m_slurm.constraint);
+    slurm.runner = QString::fromStdString(m_slurm.runner);
+    slurm.framesPerTask = m_slurm.framesPerTask;
+    slurm.frames = m_slurm.frames;
+    slurm.interval = std::chrono::seconds {m_slurm.interval};
+    slurm.commandTimeout = std::chrono::seconds {m_slurm.timeout};
+    slurm.fileDelay = std::chrono::seconds {m_slurm.fileDelay};
+    return slurm;
+}
+
 void ServeOptions::AddAccounts(CLI::App& app)
 {
     app.add_option("--quota", m_quota, "Space for the files of an account that has no quota of its own.")
@@ -97,6 +151,8 @@ FarmSettings ServeOptions::Settings() const
     settings.address = QString::fromStdString(m_address);
     settings.port = m_port;
     settings.slotCount = m_slotCount;
+    if (m_executor == "slurm")
+        settings.slurm = Slurm();
     settings.framesPerAccount = m_framesPerAccount;
     settings.pricePerCoreSecond = AmountOf(m_price);
     settings.quota = m_quota * Gibibyte;

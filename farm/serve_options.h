@@ -27,7 +27,9 @@ public:
 private:
     void AddNetwork(CLI::App& app);
     void AddRendering(CLI::App& app);
+    void AddCluster(CLI::App& app);
     void AddAccounts(CLI::App& app);
+    SlurmSettings Slurm() const;
 
     std::string m_dataFolder;
     std::string m_address;
@@ -39,6 +41,20 @@ private:
     std::string m_jobTypesFile;
     std::string m_rendererUser;
     std::string m_sceneFolder;
+    std::string m_executor = "local";
+    struct
+    {
+        std::string partition;
+        std::string account;
+        std::string qos;
+        std::string constraint;
+        std::string runner;
+        int framesPerTask = 1;
+        int frames = 1000;
+        int interval = 10;  // s
+        int timeout = 30;   // s
+        int fileDelay = 60; // s
+    } m_slurm;
     bool m_hasNoDemo = false;
     bool m_takesOver = false;
     bool m_stopsWithStdin = false;

@@ -10,7 +10,7 @@ namespace farm {
 
 namespace {
 
-constexpr std::int64_t Mebibyte = 1024 * 1024;
+constexpr std::int64_t Mebibyte = 1 << 20;
 
 auto KeyOf(const Placement& placement)
 {

@@ -48,7 +48,7 @@ SlurmExecutor::SlurmExecutor(const SlurmSettings& settings, const JobTypes& type
     connect(&m_report, &QTimer::timeout, this, &SlurmExecutor::ReportEnds);
     connect(&m_probe, &RendererProbe::Changed, this, &Executor::AvailabilityChanged);
     connect(&m_probe, &RendererProbe::Found, this,
-        [](const QString& fault) { spdlog::error("frames wait for the cluster: {}", fault.toStdString()); });
+        [](const QString& fault) { spdlog::warn("frames wait for the cluster: {}", fault.toStdString()); });
     m_folders.moveToThread(&m_folderThread);
     connect(this, &SlurmExecutor::LookWanted, &m_folders, &RunFolders::LookAt);
     connect(&m_folders, &RunFolders::Looked, this, &SlurmExecutor::HandleFindings);

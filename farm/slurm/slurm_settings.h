@@ -24,7 +24,7 @@ struct SlurmSettings
     std::chrono::milliseconds commandTimeout {30'000};
     /// The time that the nodes' files may take to be seen here.
     std::chrono::milliseconds fileDelay {60'000};
-    /// quillstar-run-frame on the nodes.
+    /// The path of quillstar-run-frame on the nodes.
     QString runner;
     /// Holds the lists of what each task has to do; all nodes see it.
     QString folder;

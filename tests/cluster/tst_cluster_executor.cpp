@@ -216,11 +216,19 @@ private slots:
 
     void FindsARendererThatTheNodesHave()
     {
+        // The nodes get the search path of the farm, and by it a wrong clock.
+        const QByteArray path = qgetenv("PATH");
+        const QString date = QFileInfo(m_bench->settings.runner).path() + "/date"_s;
+        QVERIFY(WriteFile(date, "#!/bin/sh\necho 1000000000\n"));
+        QVERIFY(QFile::setPermissions(date, QFile::ReadOwner | QFile::ExeOwner));
+        qputenv("PATH", QFileInfo(date).path().toUtf8() + ':' + path);
         m_bench->Open();
         QSignalSpy changed(m_bench->executor.get(), &Executor::AvailabilityChanged);
         QCOMPARE(int(m_bench->executor->Has(m_bench->type)), int(Availability::Unknown));
         QVERIFY(changed.wait(Patience));
         QCOMPARE(int(m_bench->executor->Has(m_bench->type)), int(Availability::Present));
+        QVERIFY(m_bench->HasLogged("the clocks of node n"));
+        qputenv("PATH", path);
     }
 
 private:
