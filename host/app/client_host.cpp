@@ -206,7 +206,7 @@ bool ClientHost::SetAccount(bool embedded, QString* error)
 void ClientHost::UseServer(const QUrl& url)
 {
     m_services.communication.SetServerUrl(url);
-    m_services.renderCore.SetServerUrl(url);
+    m_services.renderCore.SetServerUrl(url, m_farm != nullptr);
     m_session->SetFarm(SignInWindow::Farm::Ready);
     if (!m_sessionBegun)
         BeginSession();

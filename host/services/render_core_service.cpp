@@ -27,9 +27,10 @@ RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface*
     connect(settings, &VTSettingsInterface::SettingsUpdated, this, &RenderCoreService::UpdateAccess);
 }
 
-void RenderCoreService::SetServerUrl(const QUrl& url)
+void RenderCoreService::SetServerUrl(const QUrl& url, bool isOnThisComputer)
 {
     m_server = url;
+    m_isServerOnThisComputer = isOnThisComputer;
     UpdateAccess();
 }
 
@@ -62,6 +63,7 @@ void RenderCoreService::UpdateAccess()
     FarmAccess access;
     access.apiRoot = FarmApiRoot(m_server);
     access.token = m_token;
+    access.isOnThisComputer = m_isServerOnThisComputer;
     access.proxy = m_proxy;
     access.feed = m_feed;
     if (!m_userName.isEmpty()) {

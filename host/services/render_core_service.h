@@ -25,7 +25,8 @@ public:
     void SetServerName(const QString& name) { m_serverName = name; }
 
     /// @param url root of the server; empty while there is none.
-    void SetServerUrl(const QUrl& url);
+    /// @param isOnThisComputer whether the server is the farm that this client has started.
+    void SetServerUrl(const QUrl& url, bool isOnThisComputer = false);
 
     void SetProxyLogin(const ProxyLogin& login);
 
@@ -97,6 +98,7 @@ private:
     DownloadQueue m_downloads;
     AutomaticOrders m_automaticOrders;
     QUrl m_server;
+    bool m_isServerOnThisComputer = false;
     QString m_serverName;
     QString m_userName;
     QString m_token;

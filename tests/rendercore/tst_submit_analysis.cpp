@@ -217,11 +217,12 @@ private slots:
         const QByteArray content(300'000, 'x');
         const QString archive = m_folder->filePath("x.zip"_s);
         const auto all = [](auto) { return true; };
-        QByteArray archives[2];
+        QByteArray archives[3];
         for (QByteArray& bytes : archives) {
+            const bool isLast = &bytes == &archives[2];
             QVector<PackageEntry> entries {
                 {Write("x.txt"_s, content), "ä/x.txt"_s, {}}, {Write("y"_s), "y"_s, {}}};
-            QVERIFY(PackFiles(entries, archive, all));
+            QVERIFY(PackFiles(entries, archive, isLast ? Compression::None : Compression::WhereItHelps, all));
             QCOMPARE(entries.at(0).checksum.toLatin1(),
                 QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex());
             bytes = ReadFile(archive);
@@ -229,8 +230,9 @@ private slots:
         }
         QCOMPARE(archives[0], archives[1]);
         QVERIFY(archives[0].size() < 3000);
+        QVERIFY(archives[2].contains(content));
         QVector<PackageEntry> stored {{Write("z"_s), "z"_s, {}}};
-        QVERIFY(!PackFiles(stored, archive, [](qint64) { return false; }));
+        QVERIFY(!PackFiles(stored, archive, Compression::None, [](qint64) { return false; }));
         QVERIFY(QDir(m_folder->path()).entryList({"x.zip*"_s}, QDir::AllEntries | QDir::Hidden).isEmpty());
     }
 

@@ -150,7 +150,9 @@ public:
             stamps.append(FileStamp::Of(file.source));
         }
         const QString archive = TaskPackages::Path(m_request.folder, work.packages.size());
-        if (!PackFiles(entries, archive, [&count](qint64 bytes) { return count.Add(bytes); }))
+        const auto compression
+            = m_request.access.isOnThisComputer ? Compression::None : Compression::WhereItHelps;
+        if (!PackFiles(entries, archive, compression, [&count](qint64 bytes) { return count.Add(bytes); }))
             return false;
         for (int index = 0; index < files.size(); ++index) {
             PackedFile& file = work.files[files.at(index)];

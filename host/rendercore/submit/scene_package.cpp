@@ -148,7 +148,7 @@ bool Shrinks(const QString& source)
     return after < before * WorthwhileRatio;
 }
 
-void Add(zip_t* archive, const PackageEntry& entry, Input& input, bool mayCompress)
+void Add(zip_t* archive, const PackageEntry& entry, Input& input, Compression compression)
 {
     zip_source_t* content = zip_source_function(archive, Serve, &input);
     if (!content)
@@ -160,18 +160,20 @@ void Add(zip_t* archive, const PackageEntry& entry, Input& input, bool mayCompre
         Fail("A file cannot be packed", archive, entry.source);
     }
     const auto number = static_cast<zip_uint64_t>(index);
-    const auto method = mayCompress && Shrinks(entry.source) ? ZIP_CM_DEFLATE : ZIP_CM_STORE;
+    const auto method
+        = compression != Compression::None && Shrinks(entry.source) ? ZIP_CM_DEFLATE : ZIP_CM_STORE;
     if (zip_set_file_compression(archive, number, method, FastestLevel) < 0
         || zip_file_set_dostime(archive, number, 0, DosDate, 0) < 0)
         Fail("A file cannot be packed", archive, entry.source);
 }
 
-bool Pack(QVector<PackageEntry>& entries, const QString& target, bool mayCompress, const OnBytes& onBytes)
+bool Pack(
+    QVector<PackageEntry>& entries, const QString& target, Compression compression, const OnBytes& onBytes)
 {
     std::deque<Input> inputs; // must outlive the archive, which reads them
     Archive archive = Create(target);
     for (const PackageEntry& entry : qAsConst(entries)) {
-        Add(archive.get(), entry, inputs.emplace_back(entry, onBytes), mayCompress);
+        Add(archive.get(), entry, inputs.emplace_back(entry, onBytes), compression);
         if (!onBytes(0))
             return false;
     }
@@ -196,14 +198,15 @@ bool Pack(QVector<PackageEntry>& entries, const QString& target, bool mayCompres
 
 } // namespace
 
-bool PackFiles(QVector<PackageEntry>& entries, const QString& archive, const OnBytes& onBytes)
+bool PackFiles(
+    QVector<PackageEntry>& entries, const QString& archive, Compression compression, const OnBytes& onBytes)
 {
     qint64 size = 0;
     for (const PackageEntry& entry : qAsConst(entries))
         size += QFileInfo(entry.source).size();
-    if (!Pack(entries, archive, true, onBytes))
+    if (!Pack(entries, archive, compression, onBytes))
         return false;
     if (size < SmallPackage || QFileInfo(archive).size() * LargestRatio > size)
         return true;
-    return Pack(entries, archive, false, [&onBytes](qint64) { return onBytes(0); });
+    return Pack(entries, archive, Compression::None, [&onBytes](qint64) { return onBytes(0); });
 }

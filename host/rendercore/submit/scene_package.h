@@ -14,6 +14,8 @@ struct PackageEntry
         checksum; ///< SHA-256 of the packed content, set by PackFiles(); the source may change at any time
 };
 
+enum class Compression { None, WhereItHelps };
+
 /// Packs files into one ZIP archive. Equal contents under equal paths give equal archives. A content that does not shrink
 /// is stored as it is.
 /// Throws std::runtime_error, with an English sentence and the name of the file on a line of its own, when a file cannot
@@ -21,5 +23,5 @@ struct PackageEntry
 /// @param onBytes is called with the number of bytes read since the last call; returning false ends the packing early,
 /// without an archive.
 /// @return false when it was ended early.
-bool PackFiles(
-    QVector<PackageEntry>& entries, const QString& archive, const std::function<bool(qint64)>& onBytes);
+bool PackFiles(QVector<PackageEntry>& entries, const QString& archive, Compression compression,
+    const std::function<bool(qint64)>& onBytes);
