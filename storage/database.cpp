@@ -1,5 +1,9 @@
 #include "storage/database.h"
 
+#include "storage/backup.h"
+
+#include <QFileInfo>
+
 #include <string>
 #include <utility>
 
@@ -11,13 +15,22 @@ constexpr int BusyTimeout = 5000; // ms
 
 } // namespace
 
-Database::Database(const QString& path, const Migrations& migrations)
+Database::Database(const QString& path, const Migrations& migrations, Options options)
     : m_connection(path.toStdString(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, BusyTimeout)
 {
     m_connection.exec("PRAGMA journal_mode = WAL");
     m_connection.exec("PRAGMA synchronous = FULL");
     m_connection.exec("PRAGMA foreign_keys = ON");
-    Migrate(migrations);
+    Migrate(path, migrations, options.keepsCopy);
+    if (options.readers > 0)
+        m_readers = std::make_unique<ReaderPool>(path, options.readers);
+}
+
+QString Database::CopyName(const QString& path, int version)
+{
+    const QFileInfo file(path);
+    return QStringLiteral("%1/%2-version-%3.%4")
+        .arg(file.path(), file.completeBaseName(), QString::number(version), file.suffix());
 }
 
 bool Database::WasChangedByOthers()
@@ -27,12 +40,22 @@ bool Database::WasChangedByOthers()
     return std::exchange(m_dataVersion, version) != version;
 }
 
-void Database::Migrate(const Migrations& migrations)
+void Database::UpdateStatistics()
+{
+    constexpr const char* FewRows = "PRAGMA analysis_limit = 400";
+    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
+    m_connection.exec(FewRows);
+    m_connection.exec("ANALYZE");
+}
+
+void Database::Migrate(const QString& path, const Migrations& migrations, bool keepsCopy)
 {
     const int known = static_cast<int>(migrations.size());
     const int found = m_connection.execAndGet("PRAGMA user_version").getInt();
     if (found > known)
         throw NewerSchema("the data folder was written by a newer version of this program");
+    if (keepsCopy && found > 0 && found < known)
+        BackUp(m_connection, CopyName(path, found));
     for (int version = found; version < known; ++version) {
         Write([&migrations, version](SQLite::Database& connection) {
             connection.exec(migrations.at(static_cast<std::size_t>(version)));

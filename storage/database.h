@@ -1,12 +1,17 @@
 #pragma once
 
+#include "storage/reader_pool.h"
+
 #include <QString>
 #include <sqlite3.h>
 #include <SQLiteCpp/SQLiteCpp.h>
 
+#include <atomic>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
+#include <thread>
 #include <type_traits>
 #include <vector>
 
@@ -22,19 +27,36 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// One connection to a database file, which threads share under a lock.
+/// A database file with one connection that writes, which threads share under a lock. Reads have connections of their own
+/// if the database is opened with readers; otherwise they take turns with the writes.
 /// Every change is on the disk when Write() returns. Errors are thrown as SQLite::Exception.
 class Database
 {
 public:
+    struct Options
+    {
+        /// The most reads at a time that wait neither for a write nor for each other; 0 for none.
+        int readers = 0;
+        /// Whether the file is copied before an older schema is brought up to date, see CopyName().
+        bool keepsCopy = false;
+    };
+
     /// Opens or creates the file and brings its schema up to date.
     /// Throws NewerSchema.
-    Database(const QString& path, const Migrations& migrations);
+    Database(const QString& path, const Migrations& migrations, Options options = {0, false});
 
-    /// Runs `work(SQLite::Database&)` while no other thread uses the connection.
+    /// The path of the copy that is kept of a database with this version of the schema.
+    static QString CopyName(const QString& path, int version);
+
+    /// Runs `work(SQLite::Database&)`, which must not change anything. All that it reads is of one moment, at which every
+    /// Write() that has returned is included; inside a Write(), the changes so far are, too.
     template <typename Work>
     auto Read(Work work)
     {
+        if (m_readers && m_writing != std::this_thread::get_id()) {
+            const ReaderPool::Loan reader(*m_readers);
+            return work(reader.Connection());
+        }
         const std::lock_guard<std::recursive_mutex> lock(m_mutex);
         return work(m_connection);
     }
@@ -47,6 +69,7 @@ public:
         const std::lock_guard<std::recursive_mutex> lock(m_mutex);
         if (sqlite3_get_autocommit(m_connection.getHandle()) == 0)
             return work(m_connection);
+        const WritingThread writing(m_writing);
         SQLite::Transaction transaction(m_connection, SQLite::TransactionBehavior::IMMEDIATE);
         if constexpr (std::is_void_v<decltype(work(m_connection))>) {
             work(m_connection);
@@ -62,11 +85,32 @@ public:
     /// call cannot know and returns true.
     bool WasChangedByOthers();
 
+    /// Measures how the values of the indexes are distributed, by which SQLite chooses among them. Takes milliseconds,
+    /// however large the database is.
+    void UpdateStatistics();
+
 private:
-    void Migrate(const Migrations& migrations);
+    /// Names the thread that writes, for as long as it does.
+    struct WritingThread
+    {
+        explicit WritingThread(std::atomic<std::thread::id>& place)
+            : writing(place)
+        {
+            writing = std::this_thread::get_id();
+        }
+        ~WritingThread() { writing = std::thread::id(); }
+        WritingThread(const WritingThread&) = delete;
+        WritingThread& operator=(const WritingThread&) = delete;
+
+        std::atomic<std::thread::id>& writing;
+    };
+
+    void Migrate(const QString& path, const Migrations& migrations, bool keepsCopy);
 
     std::recursive_mutex m_mutex;
     SQLite::Database m_connection;
+    std::unique_ptr<ReaderPool> m_readers; // null when reads take turns with the writes
+    std::atomic<std::thread::id> m_writing {};
     std::int64_t m_dataVersion = 0;
 };
 
