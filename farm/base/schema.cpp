@@ -1,5 +1,7 @@
 #include "farm/base/schema.h"
 
+#include "farm/base/kept_counts.h"
+
 namespace farm {
 
 namespace {
@@ -184,7 +186,8 @@ CREATE TABLE stopped_types(
 
 storage::Migrations Schema()
 {
-    return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork, FairQueue};
+    return {
+        FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork, FairQueue, KeptCounts};
 }
 
 } // namespace farm

@@ -1,21 +1,38 @@
 #pragma once
 
+#include "farm/base/schema.h"
 #include "farm/jobs/job_conditions.h"
 
 #include <string>
-#include <variant>
 #include <vector>
 
 namespace farm {
 
-/// A WHERE clause over `jobs` with a placeholder for each of `values`, in order.
+/// A condition in SQL with a placeholder for each of `texts`, in order.
 struct JobFilter
 {
     std::string where;
-    std::vector<std::variant<std::int64_t, std::string>> values;
+    std::vector<std::string> texts;
+
+    void Add(const std::string& term);
+    void Add(const std::string& term, const QString& text);
+    /// Binds the texts to the first placeholders of a statement.
+    void BindTo(SQLite::Statement& statement) const;
 };
 
-/// Selects the account's jobs that meet the conditions; deleted jobs only when the conditions ask for their status.
+/// Selects from `jobs` those of the account that meet the conditions; deleted jobs only when the conditions ask for their
+/// status.
 JobFilter FilterFor(std::int64_t account, const JobConditions& conditions);
+
+/// The same for the rows of `job_counts`, which stand for several jobs each; conditions on number, name and ids are not
+/// considered.
+struct CountFilter
+{
+    /// Selects the rows of which some job may meet the conditions.
+    JobFilter some;
+    /// An expression over such a row: whether all its jobs meet the conditions.
+    std::string all;
+};
+CountFilter CountFilterFor(std::int64_t account, const JobConditions& conditions);
 
 } // namespace farm

@@ -2,18 +2,11 @@
 
 #include "farm/base/errors.h"
 #include "farm/base/random.h"
-#include "farm/jobs/job_filter.h"
+#include "farm/jobs/job_counts.h"
 
 namespace farm {
 
 namespace {
-
-void BindFilter(SQLite::Statement& statement, const JobFilter& filter)
-{
-    int index = 0;
-    for (const auto& value : filter.values)
-        std::visit([&](const auto& plain) { statement.bind(++index, plain); }, value);
-}
 
 std::int64_t InsertJob(SQLite::Database& connection, const NewJob& job, const QString& id)
 {
@@ -65,6 +58,37 @@ JobRecord ReadRecord(SQLite::Statement& row)
     return record;
 }
 
+using Found = NameSearches::Found;
+
+/// For conditions that few jobs can meet.
+Found FindFew(SQLite::Database& connection, const JobFilter& filter, std::int64_t offset, std::int64_t count)
+{
+    SQLite::Statement query(
+        connection, "SELECT number FROM jobs WHERE " + filter.where + " ORDER BY number DESC");
+    filter.BindTo(query);
+    Found found;
+    for (; query.executeStep(); ++found.total) {
+        if (found.total >= offset && found.total - offset < count)
+            found.numbers.push_back(query.getColumn(0).getInt64());
+    }
+    return found;
+}
+
+std::vector<JobRecord> ReadRecords(
+    SQLite::Database& connection, std::int64_t account, const std::vector<std::int64_t>& numbers)
+{
+    SQLite::Statement query(connection,
+        std::string("SELECT ") + RecordColumns + " FROM jobs AS job WHERE account = ? AND number = ?");
+    std::vector<JobRecord> records;
+    for (const std::int64_t number : numbers) {
+        query.reset();
+        Bind(query, account, number);
+        if (query.executeStep())
+            records.push_back(ReadRecord(query));
+    }
+    return records;
+}
+
 } // namespace
 
 JobStore::JobStore(Database& database)
@@ -87,24 +111,22 @@ AddedJob JobStore::Add(const NewJob& job)
 JobPage JobStore::List(
     std::int64_t account, const JobConditions& conditions, std::int64_t page, std::int64_t pageSize)
 {
-    const JobFilter filter = FilterFor(account, conditions);
+    const std::int64_t offset = (page - 1) * pageSize;
     return m_database.Read([&](SQLite::Database& connection) {
-        JobPage result;
-        SQLite::Statement count(connection, "SELECT count(*) FROM jobs WHERE " + filter.where);
-        BindFilter(count, filter);
-        if (count.executeStep())
-            result.total = count.getColumn(0).getInt64();
-        SQLite::Statement list(connection,
-            std::string("SELECT ") + RecordColumns + " FROM (SELECT * FROM jobs WHERE " + filter.where
-                + " ORDER BY number DESC LIMIT ? OFFSET ?) AS job ORDER BY number DESC");
-        BindFilter(list, filter);
-        const int bound = static_cast<int>(filter.values.size());
-        list.bind(bound + 1, pageSize);
-        list.bind(bound + 2, (page - 1) * pageSize);
-        while (list.executeStep())
-            result.jobs.push_back(ReadRecord(list));
-        return result;
+        const Found found = Search(connection, account, conditions, offset, pageSize);
+        return JobPage {ReadRecords(connection, account, found.numbers), found.total};
     });
+}
+
+NameSearches::Found JobStore::Search(SQLite::Database& connection, std::int64_t account,
+    const JobConditions& conditions, std::int64_t offset, std::int64_t count)
+{
+    if (conditions.number || conditions.ids)
+        return FindFew(connection, FilterFor(account, conditions), offset, count);
+    if (!conditions.nameContains.isEmpty())
+        return m_names.Find(connection, account, conditions, offset, count);
+    JobCounts counts(connection, account, conditions);
+    return {counts.Total(), counts.Numbers(offset, count)};
 }
 
 JobRecord JobStore::Find(std::int64_t account, const QString& id)

@@ -6,6 +6,7 @@
 #include "farm/jobs/job_conditions.h"
 #include "farm/jobs/job_files.h"
 #include "farm/jobs/job_status.h"
+#include "farm/jobs/name_searches.h"
 
 #include <optional>
 #include <vector>
@@ -109,7 +110,11 @@ public:
     bool HasOpenJobs(std::int64_t account);
 
 private:
+    NameSearches::Found Search(SQLite::Database& connection, std::int64_t account,
+        const JobConditions& conditions, std::int64_t offset, std::int64_t count);
+
     Database& m_database;
+    NameSearches m_names;
 };
 
 } // namespace farm

@@ -1,7 +1,10 @@
 #include "farm/base/errors.h"
 #include "farm/base/local_time.h"
 #include "farm/http/read_conditions.h"
+#include "farm/jobs/job_filter.h"
 #include "tests/farm/farm_fixture.h"
+
+#include <random>
 
 using namespace farm;
 
@@ -47,6 +50,14 @@ const Search Searches[] = {
     {"after an end", R"({"end_min_time":"2026-03-03 10:30:01"})", "6 of 1"},
     {"last page, not full", "", "1 of 5", 3, 2},
 };
+
+const QString ManyJobs = QStringLiteral(R"(
+WITH RECURSIVE counter(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM counter WHERE i < 9000)
+INSERT INTO jobs(id, account, number, project, type, name, folded_name, business, status, scene, width, height,
+    submitted_at, ended_at)
+SELECT 'job' || i, %1, i, iif(i % 7 = 0, %2, NULL), iif(i % 3 = 0, 'maya', 'povray'), '', 'shot_' || i || ' "q" é', 1,
+    iif(i % 50 = 1, 7, i % 5), 's', 1, 1, i * 10 + i * 7919 % 300, iif(i % 9 = 0, NULL, i * 10 + i * 31 % 900)
+FROM counter)");
 
 const std::tuple<const char*> Unreadable[] = {"[]", R"({"status":1e300})",
     R"({"job_increasement":"99999999999999999999"})", R"({"start_min_time":"yesterday"})"};
@@ -94,6 +105,51 @@ private slots:
         QCOMPARE(numbers + "of %1"_s.arg(found.total), QString::fromLatin1(expected));
     }
 
+    // Against a search through all jobs, while jobs change. Submissions and ends are in the order of the numbers for the most
+    // part.
+    void FindsAmongManyWhatASearchThroughAllFinds()
+    {
+        const QTemporaryDir folder;
+        FarmData data(folder.path());
+        const std::int64_t pool = data.accounts.AddProject(data.account, {"Titles"_s, "pool-a"_s});
+        data.Change(qPrintable(ManyJobs.arg(data.account).arg(pool)));
+        std::mt19937 random(7);
+        const auto any = [&random](int least, int most) {
+            return std::uniform_int_distribution<int>(least, most)(random);
+        };
+        const auto maybe
+            = [&any](const auto& value) { return any(0, 3) == 0 ? value : std::decay_t<decltype(value)>(); };
+        for (int round = 0; round < 200; ++round) {
+            const QString change = "UPDATE jobs SET status = %1, ended_at = %2 WHERE number % %3 = 0"_s;
+            if (round % 20 == 0)
+                data.Change(qPrintable(change.arg(any(0, 7))
+                                           .arg(any(0, 1) ? "NULL"_s : "submitted_at + 9"_s)
+                                           .arg(any(50, 900))));
+            if (round % 100 == 50)
+                data.Change("DELETE FROM jobs WHERE number % 900 = 3 OR number > 8990");
+            JobConditions conditions;
+            conditions.nameContains
+                = maybe(QStringList {"a"_s, "10"_s, "ot_1"_s, "\"Q\" é"_s, "none"_s}.at(any(0, 4)));
+            conditions.status = maybe(std::optional<std::int64_t>(any(0, 8)));
+            conditions.type = maybe("maya"_s);
+            conditions.pool = maybe("pool-a"_s);
+            conditions.submittedFrom = maybe(std::optional<std::int64_t>(any(0, 90000)));
+            conditions.submittedTo = maybe(std::optional<std::int64_t>(any(0, 90000)));
+            conditions.endedFrom = maybe(std::optional<std::int64_t>(any(0, 90000)));
+            conditions.endedTo = maybe(std::optional<std::int64_t>(any(0, 90000)));
+            const int size = any(1, 200);
+            const int page = any(1, 9000 / size / any(1, 20) + 1);
+            const auto [total, numbers] = SearchThroughAll(data, conditions, (page - 1) * size, size);
+            const JobPage found = data.jobs.List(data.account, conditions, page, size);
+            const QByteArray where = QByteArray::fromStdString(FilterFor(data.account, conditions).where)
+                + " round " + QByteArray::number(round);
+            QVERIFY2(found.total == total, where);
+            QVERIFY2(std::equal(found.jobs.begin(), found.jobs.end(), numbers.begin(), numbers.end(),
+                         [](const JobRecord& job, std::int64_t number) { return job.number == number; }),
+                where);
+        }
+    }
+
     void RefusesUnreadableConditions_data() { AddRows(Unreadable); }
     void RefusesUnreadableConditions()
     {
@@ -101,6 +157,24 @@ private slots:
     }
 
 private:
+    static std::pair<std::int64_t, std::vector<std::int64_t>> SearchThroughAll(
+        FarmData& data, const JobConditions& conditions, int offset, int count)
+    {
+        return data.database.Read([&](SQLite::Database& connection) {
+            const JobFilter filter = FilterFor(data.account, conditions);
+            SQLite::Statement query(connection,
+                "SELECT number, count(*) OVER () FROM jobs WHERE " + filter.where + " ORDER BY number DESC");
+            filter.BindTo(query);
+            std::pair<std::int64_t, std::vector<std::int64_t>> found;
+            for (int place = 0; query.executeStep(); ++place) {
+                found.first = query.getColumn(1).getInt64();
+                if (place >= offset && place < offset + count)
+                    found.second.push_back(query.getColumn(0).getInt64());
+            }
+            return found;
+        });
+    }
+
     QTemporaryDir m_folder;
     FarmData m_data {m_folder.path()};
     QStringList m_ids;

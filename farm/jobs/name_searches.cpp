@@ -1,0 +1,144 @@
+#include "farm/jobs/name_searches.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+namespace farm {
+
+namespace {
+
+constexpr std::size_t MostKept = 64; // of 125 kB for a million jobs
+constexpr std::int64_t FewCandidates = 1000;
+// The index of names consists of these.
+constexpr int SequenceLength = 3; // characters
+constexpr int MostSequences = 32; // of a long text, so that few names are left to compare
+
+std::string KeyOf(const JobFilter& filter)
+{
+    std::string key = filter.where;
+    for (const std::string& text : filter.texts)
+        key += '\0' + text;
+    return key;
+}
+
+/// A query to the index of names that finds at least the names with this text; empty when the index cannot help.
+QString IndexQuery(const QString& text)
+{
+    const QVector<uint> characters = text.toUcs4();
+    if (characters.size() < SequenceLength || characters.contains(0))
+        return {};
+    QStringList sequences;
+    for (int first = 0; first + SequenceLength <= std::min(characters.size(), MostSequences); ++first) {
+        QString sequence = QString::fromUcs4(characters.constData() + first, SequenceLength);
+        sequences.append(
+            QLatin1Char('"') + sequence.replace(QLatin1Char('"'), QLatin1String("\"\"")) + QLatin1Char('"'));
+    }
+    sequences.removeDuplicates();
+    return sequences.join(QLatin1String(" AND "));
+}
+
+/// Calls `take` with the number of each job of the account that may have the text in its name, and whether it meets the
+/// condition.
+template <typename Take>
+void ForEachCandidate(SQLite::Database& connection, std::int64_t account, const QString& text,
+    const JobFilter& filter, Take take)
+{
+    const QString names = IndexQuery(text.toCaseFolded());
+    const std::string first = std::to_string(account << 32);
+    const std::string last = std::to_string((account << 32) + 0xffffffff);
+    SQLite::Statement query(connection,
+        names.isEmpty() ? "SELECT number, 1 FROM jobs WHERE " + filter.where
+                        : "SELECT candidate, EXISTS (SELECT 1 FROM jobs WHERE " + filter.where
+                + " AND number = candidate) FROM (SELECT rowid & 4294967295 AS candidate FROM job_names "
+                  "WHERE job_names MATCH ? AND rowid BETWEEN "
+                + first + " AND " + last + ")");
+    filter.BindTo(query);
+    if (!names.isEmpty())
+        query.bind(int(filter.texts.size()) + 1, names.toStdString());
+    while (query.executeStep())
+        take(query.getColumn(0).getInt64(), query.getColumn(1).getInt() != 0);
+}
+
+std::int64_t LastChange(SQLite::Database& connection)
+{
+    return connection.execAndGet("SELECT coalesce(max(place), 0) FROM job_changes").getInt64();
+}
+
+/// Whether the database still has all changes after this one.
+bool HasChangesSince(SQLite::Database& connection, std::int64_t change)
+{
+    SQLite::Statement query(connection, "SELECT coalesce(min(place), 0) <= ? + 1 FROM job_changes");
+    Bind(query, change);
+    return change >= 0 && query.executeStep() && query.getColumn(0).getInt() != 0;
+}
+
+void Refresh(SQLite::Database& connection, std::int64_t account, const JobFilter& filter,
+    std::int64_t lastChange, NumberSet& numbers)
+{
+    SQLite::Statement query(connection,
+        "SELECT changed, EXISTS (SELECT 1 FROM jobs WHERE " + filter.where
+            + " AND number = changed) FROM (SELECT DISTINCT number AS changed FROM job_changes WHERE place > "
+            + std::to_string(lastChange) + " AND account = " + std::to_string(account) + ")");
+    filter.BindTo(query);
+    while (query.executeStep()) {
+        const std::int64_t number = query.getColumn(0).getInt64();
+        if (query.getColumn(1).getInt() != 0)
+            numbers.Insert(number);
+        else
+            numbers.Remove(number);
+    }
+}
+
+} // namespace
+
+NameSearches::Found NameSearches::Find(SQLite::Database& connection, std::int64_t account,
+    const JobConditions& conditions, std::int64_t offset, std::int64_t count)
+{
+    const JobFilter filter = FilterFor(account, conditions);
+    const std::string key = KeyOf(filter);
+    const std::shared_ptr<Search> search = Take(key);
+    const std::lock_guard lock(search->mutex);
+    const std::int64_t lastChange = LastChange(connection);
+    if (HasChangesSince(connection, search->lastChange)) {
+        if (lastChange > search->lastChange)
+            Refresh(connection, account, filter, search->lastChange, search->numbers);
+    } else {
+        search->numbers = {};
+        std::int64_t candidates = 0;
+        ForEachCandidate(
+            connection, account, conditions.nameContains, filter, [&](std::int64_t number, bool isFound) {
+                ++candidates;
+                if (isFound)
+                    search->numbers.Insert(number);
+            });
+        search->isExpensive = conditions.nameContains.size() < SequenceLength || candidates > FewCandidates;
+    }
+    // Another connection may have seen a later change already.
+    search->lastChange = std::max(search->lastChange, lastChange);
+    if (!search->isExpensive)
+        Forget(key);
+    return {search->numbers.Size(), search->numbers.Numbers(offset, count)};
+}
+
+std::shared_ptr<NameSearches::Search> NameSearches::Take(const std::string& key)
+{
+    const std::lock_guard lock(m_mutex);
+    const auto kept
+        = std::find_if(m_kept.begin(), m_kept.end(), [&key](const auto& one) { return one.first == key; });
+    if (kept != m_kept.end())
+        m_kept.splice(m_kept.begin(), m_kept, kept);
+    else
+        m_kept.emplace_front(key, std::make_shared<Search>());
+    if (m_kept.size() > MostKept)
+        m_kept.pop_back();
+    return m_kept.front().second;
+}
+
+void NameSearches::Forget(const std::string& key)
+{
+    const std::lock_guard lock(m_mutex);
+    m_kept.remove_if([&key](const auto& one) { return one.first == key; });
+}
+
+} // namespace farm
