@@ -1,5 +1,6 @@
 #include "farm/farm.h"
 
+#include "farm/accounts/secrets.h"
 #include "farm/base/local_time.h"
 #include "farm/demo_data.h"
 #include "farm/rendering/local_executor.h"
@@ -18,7 +19,8 @@ namespace farm {
 namespace {
 
 constexpr int LockWait = 5000; // ms
-constexpr std::chrono::hours ForgetInterval {1};
+constexpr int Readers = 8;
+constexpr std::chrono::hours HousekeepingInterval {1};
 constexpr std::chrono::seconds OutsideInterval {1};
 
 QueueSettings QueueSettingsOf(const FarmSettings& settings, const JobTypes& types)
@@ -36,7 +38,7 @@ Farm::Farm(const FarmSettings& settings)
     : m_settings(settings)
     , m_dataFolder(MakeFolder(settings.dataFolder))
     , m_lock(m_dataFolder, LockWait, settings.takeOver)
-    , m_database(DatabaseFile(m_dataFolder), Schema())
+    , m_database(DatabaseFile(m_dataFolder), Schema(), {Readers, true})
     , m_accounts(m_database, settings.sessionSeconds)
     , m_jobs(m_database)
     , m_types(ReadJobTypes(settings.jobTypesFile))
@@ -59,9 +61,10 @@ Farm::Farm(const FarmSettings& settings)
                  m_pictures, m_feed},
           settings.limits)
 {
-    ForgetOldUploads();
-    QObject::connect(&m_forgetTimer, &QTimer::timeout, [this] { ForgetOldUploads(); });
-    m_forgetTimer.start(ForgetInterval);
+    PreparePasswords();
+    DoHousekeeping();
+    QObject::connect(&m_housekeepingTimer, &QTimer::timeout, [this] { DoHousekeeping(); });
+    m_housekeepingTimer.start(HousekeepingInterval);
     QObject::connect(&m_outsideTimer, &QTimer::timeout, [this] { AnnounceOutsideChanges(); });
     m_outsideTimer.start(OutsideInterval);
     if (settings.demo)
@@ -104,12 +107,14 @@ std::unique_ptr<Executor> Farm::MakeExecutor() const
     return std::make_unique<SlurmExecutor>(slurm, m_types);
 }
 
-void Farm::ForgetOldUploads()
+void Farm::DoHousekeeping()
 {
     try {
         m_uploads.ForgetOld(Now());
+        m_database.UpdateStatistics();
     } catch (const std::exception& error) {
-        spdlog::error("old uploads cannot be removed; the farm tries again in an hour: {}", error.what());
+        spdlog::error(
+            "the hourly housekeeping has failed; the farm tries again in an hour: {}", error.what());
     }
 }
 

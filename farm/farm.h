@@ -80,7 +80,7 @@ private:
     static QString MakeFolder(const QString& path);
     QString Folder(const char* name) const;
     std::unique_ptr<Executor> MakeExecutor() const;
-    void ForgetOldUploads();
+    void DoHousekeeping();
     void AnnounceOutsideChanges();
 
     FarmSettings m_settings;
@@ -106,7 +106,7 @@ private:
     JobActions m_actions;
     JobSubmission m_submission;
     HttpApi m_http;
-    QTimer m_forgetTimer;
+    QTimer m_housekeepingTimer;
     QTimer m_outsideTimer;
     int m_port = 0;
 };

@@ -18,7 +18,20 @@ std::mutex& PasswordMutex()
     return mutex;
 }
 
+/// What an unknown name is compared with. It takes as long as a wrong password, so that the time does not reveal which names
+/// exist.
+const QString& NobodysPassword()
+{
+    static const QString stored = HashPassword(QString::fromLatin1(RandomBytes(16).toHex()));
+    return stored;
+}
+
 } // namespace
+
+void PreparePasswords()
+{
+    NobodysPassword();
+}
 
 QString HashPassword(const QString& password)
 {
@@ -35,11 +48,9 @@ QString HashPassword(const QString& password)
 
 bool PasswordMatches(const QString& password, const QString& stored)
 {
-    // An unknown name takes as long as a wrong password, so that the time does not reveal which names exist.
-    static const QByteArray nobody = HashPassword(QString::fromLatin1(RandomBytes(16).toHex())).toLatin1();
+    const QByteArray hash = (stored.isEmpty() ? NobodysPassword() : stored).toLatin1();
     const std::lock_guard<std::mutex> lock(PasswordMutex());
     const QByteArray plain = password.toUtf8();
-    const QByteArray hash = stored.isEmpty() ? nobody : stored.toLatin1();
     const bool matches = crypto_pwhash_str_verify(hash.constData(), plain.constData(),
                              static_cast<unsigned long long>(plain.size()))
         == 0;
