@@ -19,7 +19,7 @@ namespace farm {
 namespace {
 
 constexpr int LockWait = 5000; // ms
-constexpr int Readers = 8;
+constexpr int Readers = 32;
 constexpr std::chrono::hours HousekeepingInterval {1};
 constexpr std::chrono::seconds OutsideInterval {1};
 

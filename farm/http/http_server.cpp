@@ -4,7 +4,7 @@
 #include "farm/http/api_json.h"
 #include "farm/http/byte_range.h"
 #include "farm/http/http_refusal.h"
-#include "farm/http/request_threads.h"
+#include "farm/http/request_server.h"
 #include "storage/disk_full.h"
 #include "json/read_object.h"
 
@@ -27,8 +27,7 @@ constexpr std::size_t LargestBody = std::size_t {1024} * 1024; // bytes
 constexpr std::size_t FileBlock = std::size_t {64} * 1024;     // bytes
 // Many, because threads mostly wait for clients and for the disk. Streams of events have further ones, so that they never
 // keep a request waiting.
-constexpr int MostThreads = 64 + HttpServer::MostStreams;
-constexpr int IoTimeout = 5;                // s
+constexpr std::size_t MostThreads = 64 + HttpServer::MostStreams;
 constexpr unsigned int PeerTimeout = 30000; // ms
 // The library lets five connections wait. In a burst further ones are dropped, and their clients try again after a second.
 constexpr int Backlog = 1024;
@@ -235,7 +234,7 @@ QByteArray ApiRequest::Bytes() const
 }
 
 HttpServer::HttpServer()
-    : m_server(std::make_unique<httplib::Server>())
+    : m_server(std::make_unique<RequestServer>(MostThreads))
 {
     SetUp();
 }
@@ -247,12 +246,7 @@ HttpServer::~HttpServer()
 
 void HttpServer::SetUp()
 {
-    m_server->new_task_queue = [] { return new RequestThreads(MostThreads); };
     m_server->set_payload_max_length(LargestChunk);
-    m_server->set_read_timeout(IoTimeout);
-    m_server->set_write_timeout(IoTimeout);
-    // An idle keep-alive connection would occupy a thread.
-    m_server->set_keep_alive_max_count(1);
     // The library's default, SO_REUSEPORT, would let two servers share a port.
     m_server->set_socket_options([this](socket_t socket) {
         m_listener = socket;

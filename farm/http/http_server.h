@@ -9,11 +9,12 @@
 #include <thread>
 
 namespace httplib {
-class Server;
 struct Request;
 } // namespace httplib
 
 namespace farm {
+
+class RequestServer;
 
 /// A request as the routes see it. Its texts are those that the client sent, unchecked.
 class ApiRequest
@@ -87,7 +88,7 @@ public:
 private:
     void SetUp();
 
-    std::unique_ptr<httplib::Server> m_server;
+    std::unique_ptr<RequestServer> m_server;
     int m_listener = -1; // the socket, which belongs to m_server
     std::thread m_thread;
 };

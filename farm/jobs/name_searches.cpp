@@ -9,7 +9,8 @@ namespace farm {
 namespace {
 
 constexpr std::size_t MostKept = 64; // of 125 kB for a million jobs
-constexpr std::int64_t FewCandidates = 1000;
+constexpr std::size_t FewCandidates = 1000;
+constexpr std::size_t MostAlone = 20'000; // jobs; for more, it is quicker to search through all
 // The index of names consists of these.
 constexpr int SequenceLength = 3; // characters
 constexpr int MostSequences = 32; // of a long text, so that few names are left to compare
@@ -38,26 +39,43 @@ QString IndexQuery(const QString& text)
     return sequences.join(QLatin1String(" AND "));
 }
 
-/// Calls `take` with the number of each job of the account that may have the text in its name, and whether it meets the
-/// condition.
-template <typename Take>
-void ForEachCandidate(SQLite::Database& connection, std::int64_t account, const QString& text,
-    const JobFilter& filter, Take take)
+/// The numbers of the account's jobs that the index of names finds, at most `MostAlone` + 1 of them.
+std::vector<std::int64_t> Candidates(
+    SQLite::Database& connection, std::int64_t account, const QString& indexQuery)
 {
-    const QString names = IndexQuery(text.toCaseFolded());
-    const std::string first = std::to_string(account << 32);
-    const std::string last = std::to_string((account << 32) + 0xffffffff);
     SQLite::Statement query(connection,
-        names.isEmpty() ? "SELECT number, 1 FROM jobs WHERE " + filter.where
-                        : "SELECT candidate, EXISTS (SELECT 1 FROM jobs WHERE " + filter.where
-                + " AND number = candidate) FROM (SELECT rowid & 4294967295 AS candidate FROM job_names "
-                  "WHERE job_names MATCH ? AND rowid BETWEEN "
-                + first + " AND " + last + ")");
-    filter.BindTo(query);
-    if (!names.isEmpty())
-        query.bind(int(filter.texts.size()) + 1, names.toStdString());
+        "SELECT rowid & 4294967295 FROM job_names WHERE job_names MATCH ? AND rowid BETWEEN ? AND ? LIMIT ?");
+    Bind(query, indexQuery, account << 32, (account << 32) + 0xffffffff, MostAlone + 1);
+    std::vector<std::int64_t> numbers;
     while (query.executeStep())
-        take(query.getColumn(0).getInt64(), query.getColumn(1).getInt() != 0);
+        numbers.push_back(query.getColumn(0).getInt64());
+    return numbers;
+}
+
+NumberSet SearchThroughAll(SQLite::Database& connection, const JobFilter& filter)
+{
+    // In the order in which the jobs lie in the file.
+    SQLite::Statement query(connection, "SELECT number FROM jobs NOT INDEXED WHERE " + filter.where);
+    filter.BindTo(query);
+    NumberSet found;
+    while (query.executeStep())
+        found.Insert(query.getColumn(0).getInt64());
+    return found;
+}
+
+NumberSet SearchAmong(
+    SQLite::Database& connection, const std::vector<std::int64_t>& numbers, const JobFilter& filter)
+{
+    SQLite::Statement query(connection, "SELECT 1 FROM jobs WHERE " + filter.where + " AND number = ?");
+    filter.BindTo(query);
+    NumberSet found;
+    for (const std::int64_t number : numbers) {
+        query.reset();
+        query.bind(int(filter.texts.size()) + 1, number);
+        if (query.executeStep())
+            found.Insert(number);
+    }
+    return found;
 }
 
 std::int64_t LastChange(SQLite::Database& connection)
@@ -104,15 +122,13 @@ NameSearches::Found NameSearches::Find(SQLite::Database& connection, std::int64_
         if (lastChange > search->lastChange)
             Refresh(connection, account, filter, search->lastChange, search->numbers);
     } else {
-        search->numbers = {};
-        std::int64_t candidates = 0;
-        ForEachCandidate(
-            connection, account, conditions.nameContains, filter, [&](std::int64_t number, bool isFound) {
-                ++candidates;
-                if (isFound)
-                    search->numbers.Insert(number);
-            });
-        search->isExpensive = conditions.nameContains.size() < SequenceLength || candidates > FewCandidates;
+        const QString indexQuery = IndexQuery(conditions.nameContains.toCaseFolded());
+        const auto candidates = indexQuery.isEmpty() ? std::vector<std::int64_t>()
+                                                     : Candidates(connection, account, indexQuery);
+        const bool hasFew = !indexQuery.isEmpty() && candidates.size() <= MostAlone;
+        search->numbers
+            = hasFew ? SearchAmong(connection, candidates, filter) : SearchThroughAll(connection, filter);
+        search->isExpensive = !hasFew || candidates.size() > FewCandidates;
     }
     // Another connection may have seen a later change already.
     search->lastChange = std::max(search->lastChange, lastChange);

@@ -1,0 +1,68 @@
+#include "farm/http/request_server.h"
+
+#include "farm/http/timed_stream.h"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace farm {
+
+namespace {
+
+constexpr std::size_t BodyThreads = 64;
+
+} // namespace
+
+/// What the library takes for its threads: the waiting room, and the threads to which it leads.
+class RequestServer::Admission : public httplib::TaskQueue
+{
+public:
+    Admission(RequestServer& server, std::size_t mostThreads)
+        : m_threads(mostThreads)
+        , m_bodyThreads(BodyThreads)
+        , m_room(std::make_unique<WaitingRoom>([this, &server](int socket, bool isWhole) {
+            (isWhole ? m_threads : m_bodyThreads).enqueue([&server, socket] { server.Serve(socket); });
+        }))
+    {
+    }
+
+    /// The task hands over a connection, which takes no time.
+    void enqueue(std::function<void()> task) override { task(); }
+
+    void shutdown() override
+    {
+        m_room.reset();
+        m_threads.shutdown();
+        m_bodyThreads.shutdown();
+    }
+
+    void Add(socket_t socket) { m_room->Add(socket); }
+
+private:
+    RequestThreads m_threads;
+    // A request that is still arriving never takes the place of one that is here.
+    RequestThreads m_bodyThreads;
+    std::unique_ptr<WaitingRoom> m_room;
+};
+
+RequestServer::RequestServer(std::size_t mostThreads)
+{
+    new_task_queue = [this, mostThreads] { return m_admission = new Admission(*this, mostThreads); };
+}
+
+bool RequestServer::process_and_close_socket(socket_t socket)
+{
+    m_admission->Add(socket);
+    return true;
+}
+
+void RequestServer::Serve(socket_t socket)
+{
+    TimedStream stream(socket);
+    bool isClosed = false;
+    process_request(stream, true, isClosed, nullptr);
+    ::shutdown(socket, SHUT_RDWR);
+    ::close(socket);
+}
+
+} // namespace farm

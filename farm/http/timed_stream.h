@@ -1,0 +1,37 @@
+#pragma once
+
+#include <httplib.h>
+
+#include <array>
+#include <chrono>
+
+namespace farm {
+
+/// The bytes of one connection, which is given up when its client keeps the farm waiting: too long for the next bytes, or
+/// too long in all for the number of bytes.
+class TimedStream : public httplib::Stream
+{
+public:
+    explicit TimedStream(socket_t socket);
+
+    bool is_readable() const override;
+    bool is_writable() const override;
+    ssize_t read(char* bytes, size_t most) override;
+    ssize_t write(const char* bytes, size_t count) override;
+    void get_remote_ip_and_port(std::string& address, int& port) const override;
+    void get_local_ip_and_port(std::string& address, int& port) const override;
+    socket_t socket() const override { return m_socket; }
+
+private:
+    bool Wait(short event) const;
+
+    const socket_t m_socket;
+    // The library reads headers byte by byte.
+    std::array<char, 4096> m_buffer {};
+    std::size_t m_begin = 0;
+    std::size_t m_end = 0;
+    std::int64_t m_bytes = 0;
+    mutable std::chrono::steady_clock::duration m_waited {};
+};
+
+} // namespace farm
