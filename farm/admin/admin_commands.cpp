@@ -1,5 +1,6 @@
 #include "farm/admin/admin_commands.h"
 
+#include "farm/admin/data_commands.h"
 #include "farm/admin/money_commands.h"
 
 #include <CLI/CLI.hpp>
@@ -9,6 +10,7 @@ namespace farm {
 AdminCommands::AdminCommands(CLI::App& app)
 {
     AddMoneyCommands(app, m_chosen);
+    AddDataCommands(app, m_chosen);
     app.require_subcommand(0, 1);
 }
 

@@ -27,6 +27,18 @@ public:
 
 } // namespace
 
+namespace {
+
+// What damages the records of a farm with one job, and what mends them.
+const std::pair<const char*, const char*> Harms[] = {
+    {"UPDATE job_counts SET jobs = 2 WHERE shift = 12", "UPDATE job_counts SET jobs = 1"},
+    {"UPDATE frames SET finished_at = 1, file = 'frame_0001.txt', size = 5",
+        "UPDATE frames SET finished_at = NULL, file = NULL"},
+    {"INSERT INTO contents VALUES (1, 'abcdef', 3)", "DELETE FROM contents"},
+};
+
+} // namespace
+
 class DaemonTest : public QObject
 {
     Q_OBJECT
@@ -116,6 +128,26 @@ private slots:
         for (const QString& amount : {"much"_s, "-1"_s, "inf"_s, "1e3"_s, "0.0000001"_s})
             QCOMPARE(pay("ann"_s, amount), 2);
         QCOMPARE(data.Balance(), Micros(13500000));
+    }
+
+    void IsCopiedAndCheckedWhileItRuns()
+    {
+        FarmData data(m_folder->path());
+        const QString id = data.jobs.Add(data.Job("one"_s)).id;
+        Daemon daemon(m_folder->path(), {});
+        QVERIFY(daemon.IsListening());
+        const auto check = [this] { return Run({"check"_s, "--data"_s, m_folder->path()}); };
+        QCOMPARE(check(), 0);
+        QCOMPARE(Run({"backup"_s, "--data"_s, m_folder->path(), Path("copy/farm.sqlite"_s)}), 1);
+        QVERIFY(QDir(m_folder->path()).mkdir("copy"_s));
+        QCOMPARE(Run({"backup"_s, "--data"_s, m_folder->path(), Path("copy/farm.sqlite"_s)}), 0);
+        QCOMPARE(FarmData(Path("copy"_s)).Only().id, id);
+        for (const auto& [harm, mend] : Harms) {
+            data.Change(harm);
+            QCOMPARE(check(), 1);
+            data.Change(mend);
+            QCOMPARE(check(), 0);
+        }
     }
 
 private:

@@ -15,6 +15,7 @@
 #include "tests/support/disk_calls.h"
 
 #include <csignal>
+#include <future>
 #include <sys/resource.h>
 
 using namespace farm;
@@ -237,6 +238,30 @@ private slots:
         };
         QVERIFY_EXCEPTION_THROWN(data.database.Write(failing), std::runtime_error);
         QCOMPARE(data.jobs.List(data.account, {}, 1, 10).total, std::int64_t(0));
+    }
+
+    void ReadsBesideAWriteAndCopiesWhatItUpgrades()
+    {
+        const QString file = Path("farm.sqlite"_s);
+        storage::Migrations old = farm::Schema();
+        old.resize(1);
+        Database(file, old).Read([](SQLite::Database& connection) { connection.exec(OldRecords); });
+        Database database(file, farm::Schema(), {1, true});
+        const SQLite::Database copy(Database::CopyName(file, 1).toStdString());
+        QVERIFY(copy.tableExists("jobs") && !copy.tableExists("job_counts"));
+
+        const auto jobs = [&database] {
+            return database.Read([](SQLite::Database& connection) {
+                return connection.execAndGet("SELECT count(*) FROM jobs").getInt();
+            });
+        };
+        const int before = jobs();
+        database.Write([&](SQLite::Database& connection) {
+            connection.exec("DELETE FROM jobs");
+            QCOMPARE(jobs(), 0);
+            QCOMPARE(std::async(std::launch::async, jobs).get(), before);
+        });
+        QCOMPARE(jobs(), 0);
     }
 
     void RefusesDataOfANewerFarm()
