@@ -51,6 +51,8 @@ Farm::Farm(const FarmSettings& settings)
     , m_files(Folder("jobs"), m_scenes, m_rendererUser)
     , m_pictures(m_database, m_files)
     , m_frames(m_database)
+    , m_logs(m_database, m_files)
+    , m_overview(m_database)
     , m_executor(MakeExecutor())
     , m_scheduler({m_queue, m_runs, *m_executor, m_files, m_inWork}, m_types,
           {m_dataFolder, settings.rendererUser}, settings.lookInterval)
@@ -58,7 +60,7 @@ Farm::Farm(const FarmSettings& settings)
     , m_submission(m_database, m_jobs, m_contents, m_types.keys(), settings.quota, m_feed,
           [this] { m_scheduler.NudgeLater(); })
     , m_http({m_accounts, m_contents, m_uploads, m_jobs, m_actions, m_submission, m_frames, m_inWork,
-                 m_pictures, m_feed},
+                 m_pictures, m_feed, m_overview, m_logs, QDir(m_dataFolder)},
           settings.limits)
 {
     PreparePasswords();

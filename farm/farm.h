@@ -5,6 +5,7 @@
 #include "farm/base/schema.h"
 #include "farm/data_lock.h"
 #include "farm/http/http_api.h"
+#include "farm/jobs/farm_overview.h"
 #include "farm/jobs/frame_store.h"
 #include "farm/jobs/job_actions.h"
 #include "farm/jobs/job_store.h"
@@ -12,6 +13,7 @@
 #include "farm/rendering/executor.h"
 #include "farm/rendering/frame_files.h"
 #include "farm/rendering/frames_in_work.h"
+#include "farm/rendering/log_store.h"
 #include "farm/rendering/picture_store.h"
 #include "farm/rendering/render_queue.h"
 #include "farm/rendering/renderer_user.h"
@@ -100,6 +102,8 @@ private:
     FrameFiles m_files;
     PictureStore m_pictures;
     FrameStore m_frames;
+    LogStore m_logs;
+    FarmOverview m_overview;
     FramesInWork m_inWork;
     std::unique_ptr<Executor> m_executor;
     Scheduler m_scheduler;

@@ -1,5 +1,6 @@
 #include "farm/admin/admin_commands.h"
 
+#include "farm/admin/administrator_command.h"
 #include "farm/admin/data_commands.h"
 #include "farm/admin/money_commands.h"
 
@@ -11,6 +12,7 @@ AdminCommands::AdminCommands(CLI::App& app)
 {
     AddMoneyCommands(app, m_chosen);
     AddDataCommands(app, m_chosen);
+    AddAdministratorCommand(app, m_chosen);
     app.require_subcommand(0, 1);
 }
 

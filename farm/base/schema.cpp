@@ -182,12 +182,18 @@ CREATE TABLE stopped_types(
     message TEXT NOT NULL) WITHOUT ROWID;
 )sql";
 
+// Administrators see the jobs of all accounts, above all those that had failed frames.
+constexpr const char* Administrators = R"sql(
+ALTER TABLE accounts ADD COLUMN administrator INTEGER NOT NULL DEFAULT 0;
+CREATE INDEX jobs_with_messages ON jobs(ifnull(ended_at, 9000000000000)) WHERE message <> '';
+)sql";
+
 } // namespace
 
 storage::Migrations Schema()
 {
-    return {
-        FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork, FairQueue, KeptCounts};
+    return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork, FairQueue,
+        KeptCounts, Administrators};
 }
 
 } // namespace farm

@@ -1,6 +1,7 @@
 #include "farm/http/http_api.h"
 
 #include "farm/base/version.h"
+#include "farm/http/page_routes.h"
 
 namespace farm {
 
@@ -21,6 +22,8 @@ HttpApi::HttpApi(const Dependencies& dependencies, const RequestLimits& limits)
     , m_jobs(m_gate, dependencies.jobs, dependencies.actions, dependencies.submission)
     , m_frames(m_gate, dependencies.jobs, dependencies.frames, dependencies.inWork, dependencies.pictures)
     , m_events(m_gate, dependencies.accounts, dependencies.jobs, dependencies.feed)
+    , m_overview(
+          {m_gate, dependencies.overview, dependencies.inWork, dependencies.logs}, dependencies.dataFolder)
 {
     m_server.Get("/api/v1/health", Health);
     m_accounts.AddTo(m_server);
@@ -28,6 +31,8 @@ HttpApi::HttpApi(const Dependencies& dependencies, const RequestLimits& limits)
     m_jobs.AddTo(m_server);
     m_frames.AddTo(m_server);
     m_events.AddTo(m_server);
+    m_overview.AddTo(m_server);
+    AddPageTo(m_server);
 }
 
 } // namespace farm

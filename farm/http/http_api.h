@@ -5,6 +5,7 @@
 #include "farm/http/frame_routes.h"
 #include "farm/http/http_server.h"
 #include "farm/http/job_routes.h"
+#include "farm/http/overview_routes.h"
 #include "farm/http/request_gate.h"
 #include "farm/http/upload_routes.h"
 
@@ -27,6 +28,10 @@ public:
         const FramesInWork& inWork;
         PictureStore& pictures;
         ChangeFeed& feed;
+        FarmOverview& overview;
+        LogStore& logs;
+        /// Its disk is shown to administrators.
+        QDir dataFolder;
     };
 
     HttpApi(const Dependencies& dependencies, const RequestLimits& limits);
@@ -43,6 +48,7 @@ private:
     JobRoutes m_jobs;
     FrameRoutes m_frames;
     EventRoutes m_events;
+    OverviewRoutes m_overview;
     HttpServer m_server;
 };
 

@@ -106,11 +106,14 @@ void AnswerFile(httplib::Response& response, const FileAnswer& answer, const std
 {
     const ByteRange part = range.value_or(ByteRange {0, answer.size});
     response.status = range ? 206 : 200;
-    response.set_header("ETag", '"' + answer.checksum.toStdString() + '"');
-    response.set_header("Accept-Ranges", "bytes");
+    if (!answer.checksum.isEmpty()) {
+        response.set_header("ETag", '"' + answer.checksum.toStdString() + '"');
+        response.set_header("Accept-Ranges", "bytes");
+    }
+    response.set_header("X-Content-Type-Options", "nosniff");
     if (range)
         response.set_header("Content-Range", ContentRange(part, answer.size));
-    response.set_content_provider(static_cast<std::size_t>(part.length), "application/octet-stream",
+    response.set_content_provider(static_cast<std::size_t>(part.length), answer.type,
         [file = answer.file, part](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
             std::array<char, FileBlock> block {};
             const qint64 wanted = qint64(std::min(length, block.size()));
@@ -149,7 +152,7 @@ void ServeFile(const httplib::Request& request, httplib::Response& response, con
     if (request.has_header("If-Match") && !NamesTag(Header(request, "If-Match"), tag))
         throw HttpRefusal {412, "changed", QStringLiteral("the file is not the one that If-Match names")};
     // If-Range asks for the whole file when it has changed since the client fetched a part of it.
-    const bool wantsRange = request.has_header("Range")
+    const bool wantsRange = request.has_header("Range") && !answer.checksum.isEmpty()
         && (!request.has_header("If-Range") || Header(request, "If-Range") == tag);
     std::optional<ByteRange> range;
     if (wantsRange) {
@@ -257,7 +260,8 @@ void HttpServer::SetUp()
     });
     m_server->set_pre_routing_handler(CheckHeaders);
     m_server->set_error_handler(CompleteFailure);
-    m_server->set_logger([](const httplib::Request& request, const httplib::Response& response) {
+    m_server->set_logger([this](const httplib::Request& request, const httplib::Response& response) {
+        ++m_answers.at(std::size_t(std::clamp(response.status / 100, 0, 5)));
         spdlog::debug("{} {} {} {}", request.remote_addr, request.method, request.path, response.status);
     });
 }
@@ -286,6 +290,22 @@ void HttpServer::GetFile(const char* path, FileHandler handler)
             }));
 }
 
+void HttpServer::GetText(const char* path, const char* type, TextHandler handler)
+{
+    m_server->Get(path,
+        Wrap(LargestBody,
+            [handler = std::move(handler), type](
+                const httplib::Request& request, httplib::Response& response) {
+                response.set_content(handler(ApiRequest(request)).toStdString(), type);
+                response.set_header("Content-Security-Policy",
+                    "default-src 'none'; script-src 'self'; style-src 'self'; connect-src 'self'; "
+                    "base-uri 'none'; form-action 'none'; frame-ancestors 'none'");
+                response.set_header("X-Content-Type-Options", "nosniff");
+                response.set_header("Referrer-Policy", "no-referrer");
+                response.set_header("Cache-Control", "no-cache");
+            }));
+}
+
 void HttpServer::GetEvents(const char* path, EventHandler handler)
 {
     m_server->Get(path,
@@ -298,6 +318,11 @@ void HttpServer::GetEvents(const char* path, EventHandler handler)
 void HttpServer::Delete(const char* path, Handler handler)
 {
     m_server->Delete(path, WrapJson(LargestBody, std::move(handler)));
+}
+
+std::int64_t HttpServer::Answers(int hundred) const
+{
+    return m_answers.at(std::size_t(hundred));
 }
 
 int HttpServer::Start(const QString& address, int port)

@@ -4,6 +4,8 @@
 #include <QJsonObject>
 #include <QString>
 
+#include <array>
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -45,7 +47,9 @@ struct FileAnswer
     /// Open for reading, so that the whole file is sent even if it is removed or replaced meanwhile.
     std::shared_ptr<QFile> file;
     std::int64_t size = 0;
+    /// Empty when the file may still change; it is then always sent as a whole.
     QString checksum;
+    const char* type = "application/octet-stream";
 };
 
 /// Returns the next bytes of a stream of server-sent events, for which it may wait; no bytes end the stream.
@@ -57,6 +61,7 @@ class HttpServer
 public:
     using Handler = std::function<QJsonObject(const ApiRequest&)>;
     using FileHandler = std::function<FileAnswer(const ApiRequest&)>;
+    using TextHandler = std::function<QByteArray(const ApiRequest&)>;
     using EventHandler = std::function<EventStream(const ApiRequest&)>;
 
     /// The most bytes that the body of a PUT may have; other bodies may have 1 MiB.
@@ -76,6 +81,9 @@ public:
     void Delete(const char* path, Handler handler);
     /// Serves a file in blocks, with support for Range, If-Range and If-Match.
     void GetFile(const char* path, FileHandler handler);
+    /// Serves a text of this media type to browsers and other programs that are no clients. A page may use nothing but what
+    /// the farm itself serves.
+    void GetText(const char* path, const char* type, TextHandler handler);
     /// Sends the stream that the handler returns. Each stream occupies a thread, so the handler must not return more than
     /// `MostStreams` at a time.
     void GetEvents(const char* path, EventHandler handler);
@@ -85,12 +93,16 @@ public:
     /// Returns when the requests being served have been answered; the streams of events have to end by themselves.
     void Stop();
 
+    /// How many answers had a status of this hundred, such as 4 for 404.
+    std::int64_t Answers(int hundred) const;
+
 private:
     void SetUp();
 
     std::unique_ptr<RequestServer> m_server;
     int m_listener = -1; // the socket, which belongs to m_server
     std::thread m_thread;
+    std::array<std::atomic<std::int64_t>, 6> m_answers {};
 };
 
 } // namespace farm

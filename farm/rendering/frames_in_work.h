@@ -30,6 +30,12 @@ public:
         m_frames.erase(frame);
     }
 
+    std::map<FrameKey, FrameInWork> All() const
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return m_frames;
+    }
+
     /// The job's frames, by their numbers.
     std::map<int, FrameInWork> OfJob(std::int64_t job) const
     {

@@ -25,7 +25,8 @@ namespace {
 const QLatin1String Sync("sync ");
 
 constexpr const char* OldRecords
-    = "INSERT INTO accounts VALUES (1, 'ann', 'ann@example.org', '', 0, 5000000, 0); "
+    = "INSERT INTO accounts(key, name, email, password, bound, balance, second_balance) VALUES (1, 'ann', "
+      "'ann@example.org', '', 0, 5000000, 0); "
       "INSERT INTO jobs(key, id, account, number, type, name, folded_name, business, status, scene, width, "
       "height, "
       "submitted_at) VALUES (7, 'old', 1, 1, 'povray', 'old', 'old', 1, 0, 'scene.txt', 32, 18, 0); "

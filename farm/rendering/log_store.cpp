@@ -1,0 +1,73 @@
+#include "farm/rendering/log_store.h"
+
+#include "farm/base/errors.h"
+#include "farm/rendering/frame_files.h"
+
+#include <QDir>
+#include <QTemporaryFile>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace farm {
+
+LogStore::LogStore(Database& database, const FrameFiles& files)
+    : m_database(database)
+    , m_files(files)
+{
+}
+
+std::shared_ptr<QFile> LogStore::Open(const QString& job, int frame)
+{
+    const bool isKnown = m_database.Read([&job](SQLite::Database& connection) {
+        SQLite::Statement query(connection, "SELECT 1 FROM jobs WHERE id = ?");
+        Bind(query, job);
+        return query.executeStep();
+    });
+    if (!isKnown)
+        throw NotFound("there is no such job");
+    // A renderer may have put a link or a pipe in the place of its log.
+    const QString path
+        = QDir(m_files.JobFolder(job))
+              .filePath(QStringLiteral("logs/") + FrameFiles::FrameName(frame, QStringLiteral("txt")));
+    const int handle
+        = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    struct stat found = {};
+    auto file = std::make_shared<QFile>();
+    if (handle >= 0 && ::fstat(handle, &found) == 0 && S_ISREG(found.st_mode)
+        && file->open(handle, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
+        return file;
+    if (handle >= 0)
+        ::close(handle);
+    return OpenEnd(job, frame);
+}
+
+/// The database keeps the end of each log.
+std::shared_ptr<QFile> LogStore::OpenEnd(const QString& job, int frame)
+{
+    const QString end = m_database.Read([&](SQLite::Database& connection) {
+        SQLite::Statement query(connection,
+            "SELECT text FROM jobs JOIN frame_logs ON frame_logs.job = jobs.key WHERE id = ? AND frame = ?");
+        Bind(query, job, frame);
+        return query.executeStep() ? Text(query.getColumn(0)) : QString();
+    });
+    auto file = std::make_shared<QTemporaryFile>();
+    if (end.isEmpty() || !file->open() || file->write(end.toUtf8()) < 0 || !file->flush())
+        return nullptr;
+    return file;
+}
+
+std::shared_ptr<QFile> LogStore::OpenOwn(std::int64_t account, const QString& job, int frame)
+{
+    const bool isOwn = m_database.Read([&](SQLite::Database& connection) {
+        SQLite::Statement query(connection, "SELECT 1 FROM jobs WHERE id = ? AND +account = ?");
+        Bind(query, job, account);
+        return query.executeStep();
+    });
+    if (!isOwn)
+        throw NotFound("there is no such job");
+    return Open(job, frame);
+}
+
+} // namespace farm
