@@ -29,7 +29,7 @@ int Administer(const farm::AdminCommands& commands, const QString& folder)
     const int version = SQLite::Database(file.toStdString()).execAndGet("PRAGMA user_version").getInt();
     if (version < static_cast<int>(farm::Schema().size()))
         lock = std::make_unique<farm::DataLock>(folder, 0);
-    farm::Database database(file, farm::Schema());
+    farm::Database database(file, farm::Schema(), {0, true});
     lock.reset();
     return commands.Run(database);
 }

@@ -115,8 +115,8 @@ class Farm:
         self.url = self.process.stdout.readline().split()[-1]
 
     def job_types(self):
-        # Frames that take long, and jobs named "bad" in which all fail.
-        script = "if grep -q fails {scene}; then echo '" + HOSTILE + "'; exit 3; fi; sleep 3600"
+        # Frames take longer than the test.
+        script = "sleep 3600"
         file = pathlib.Path(self.folder) / "types.json"
         file.write_text(json.dumps({"povray": {"program": "/bin/sh", "arguments": ["-c", script], "suffix": "png"}}))
         return str(file)
@@ -126,6 +126,16 @@ class Farm:
         with connection:
             connection.execute(sql, values)
         connection.close()
+
+    def plant_failure(self):
+        """Gives a finished job a failed frame, all of whose texts are hostile."""
+        self.change("UPDATE jobs SET status = 7, message = ?, name = ?, ended_at = 2000000000 WHERE key = 3",
+                    HOSTILE, HOSTILE)
+        self.change("UPDATE frames SET finished_at = NULL, failures = 3 WHERE job = 3 AND number = 1")
+        self.change("UPDATE jobs SET id = 'hostile' WHERE key = 3")
+        logs = pathlib.Path(self.folder) / "jobs" / "hostile" / "logs"
+        logs.mkdir(parents=True)
+        (logs / "frame_0001.txt").write_text(HOSTILE + "\n" * 3 + "the last line")
 
     def close(self):
         self.process.terminate()
@@ -169,6 +179,7 @@ def test(browser, farm, pictures, scheme):
     browser.type("enter")
     browser.wait("the log", lambda: browser.run("return document.querySelector('#log').open")
                  and "Loading" not in browser.text("#log-text"))
+    check(HOSTILE in browser.text("#log-text") and "the last line" in browser.text("#log-text"), "the whole log")
     if pictures:
         browser.picture(pictures / f"page-log-{scheme}.png")
     browser.type("escape")
@@ -194,8 +205,7 @@ def main():
         farm = Farm(options.program, folder)
         try:
             farm.change("UPDATE accounts SET administrator = 1 WHERE name = 'demo'")
-            farm.change("UPDATE jobs SET status = 7, message = ?, name = ?, ended_at = 2000000000 WHERE key = 3",
-                        HOSTILE, HOSTILE)
+            farm.plant_failure()
             for scheme in ("light", "dark"):
                 browser = Browser(scheme)
                 try:

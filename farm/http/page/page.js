@@ -160,9 +160,12 @@ async function refresh() {
   } catch (refusal) {
     if (own !== session)
       return;
-    if (refusal.status === 401 || refusal.status === 403)
-      return leave(refusal.status === 401 ? "The session has ended. Sign in again."
-        : "This account is not an administrator.");
+    if (refusal.status === 401)
+      return leave("The session has ended. Sign in again.");
+    if (refusal.status === 403) {
+      request("/session", {method: "DELETE"}).catch(() => {});
+      return leave("This account is not an administrator.");
+    }
     setState("The farm does not answer; what is shown may be out of date.", true);
   }
   clearTimeout(timer);
