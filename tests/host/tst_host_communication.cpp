@@ -110,18 +110,6 @@ const std::tuple<Check, QByteArray, bool> bodies[] = {
     {IsJobInfo, R"({"data": {"jobStatus": 4}})", false},
 };
 
-/// An event, the page that is asked for after it, and the progress that the announced list then shows; -1 where the farm is
-/// asked for the list.
-const std::tuple<const char*, QByteArray, int, int> announcements[] = {
-    {"a listed job", R"({"jobs":["7"],"records":[{"job_id":"7","job_progress":50}]})", 1, 50},
-    {"a listed job and another",
-        R"({"jobs":["6","7"],"records":[{"job_id":"6"},{"job_id":"7","job_progress":60}]})", 1, 60},
-    {"another page", R"({"jobs":["7"],"records":[{"job_id":"7","job_progress":50}]})", 2, -1},
-    {"another job", R"({"jobs":["6"],"records":[{"job_id":"6"}]})", 1, -1},
-    {"a record is missing", R"({"jobs":["6","7"],"records":[{"job_id":"7","job_progress":50}]})", 1, -1},
-    {"other lists", R"({"jobs":["7"],"list":true,"records":[{"job_id":"7","job_progress":50}]})", 1, -1},
-};
-
 /// @param attemptTime ms
 HttpLimits QuickLimits(int attemptTime)
 {
@@ -314,34 +302,6 @@ private slots:
         m_client->Send(&Service::GetJobList); // the list on its way may show the job as running
         EVENTUALLY_COMPARE(m_client->lists.count(), 1);
         QCOMPARE(m_server->Requests().size(), 3);
-    }
-
-    void AnswersWithAnnouncedRecords_data() { AddRows(announcements); }
-    void AnswersWithAnnouncedRecords()
-    {
-        const auto& [name, event, page, progress] = Row(announcements);
-        const QByteArray pageAsked = "{\"page\": " + QByteArray::number(page) + '}';
-        m_server->SetReplies({StandInServer::Http(200, Jobs)});
-        m_server->SetReplyTo("/events",
-            {"HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\n\r\n", false, 0, StandInServer::Stall});
-        QSignalSpy changes(&m_client->service, &CommunicationService::FarmChanged);
-        m_client->service.FollowChanges("abc"_s);
-        EVENTUALLY_COMPARE(changes.count(), 1);
-        Ask(&Service::GetJobList, R"({"page": 1})");
-        EVENTUALLY_COMPARE(m_client->lists.count(), 1);
-
-        m_server->Continue(0, "data: " + event + "\n\n");
-        EVENTUALLY_COMPARE(changes.count(), 2);
-        for (int answers = 2; answers <= 3; ++answers) {
-            m_client->Send(&Service::GetJobList, pageAsked);
-            EVENTUALLY_COMPARE(m_client->lists.count(), answers);
-        }
-        // Announced records answer one request; the next one asks the farm.
-        QCOMPARE(m_server->Requests().size(), progress < 0 ? 4 : 3);
-        const QVariantMap data = m_client->lists[1][1].toMap().value("data"_s).toMap();
-        const QVariantMap job = data.value("list"_s).toList().value(0).toMap();
-        QCOMPARE(job.value("job_progress"_s, -1).toInt(), progress);
-        QCOMPARE(data.value("total"_s).toInt(), 1);
     }
 
     void DropsAnswersOfAnEndedSession()

@@ -1,5 +1,6 @@
 #include "host/farmclient/connection_feed.h"
 #include "host/farmclient/farm_events.h"
+#include "host/services/communication_service.h"
 #include "tests/host/stand_in_server.h"
 #include "tests/support/waiting.h"
 
@@ -28,6 +29,18 @@ const std::tuple<const char*, Reply, bool> endings[] = {
     {"busy", StandInServer::Http(503), true},
     {"ended", Reply {Head}, true},
     {"endless line", Reply {Head, false, 0, StandInServer::Flood}, true},
+};
+
+/// An event, the page that is asked for after it, and the progress that the announced list then shows; -1 where the farm is
+/// asked for the list.
+const std::tuple<const char*, QByteArray, int, int> announcements[] = {
+    {"a listed job", R"({"jobs":["7"],"records":[{"job_id":"7","job_progress":50}]})", 1, 50},
+    {"a listed job and another",
+        R"({"jobs":["6","7"],"records":[{"job_id":"6"},{"job_id":"7","job_progress":60}]})", 1, 60},
+    {"another page", R"({"jobs":["7"],"records":[{"job_id":"7","job_progress":50}]})", 2, -1},
+    {"another job", R"({"jobs":["6"],"records":[{"job_id":"6"}]})", 1, -1},
+    {"a record is missing", R"({"jobs":["6","7"],"records":[{"job_id":"7","job_progress":50}]})", 1, -1},
+    {"other lists", R"({"jobs":["7"],"list":true,"records":[{"job_id":"7","job_progress":50}]})", 1, -1},
 };
 
 struct Listener
@@ -65,6 +78,38 @@ private slots:
             read += stream.Read(QByteArray(1, byte));
         QCOMPARE(read, events);
         QCOMPARE(stream.IsTooLong(), QByteArray(name).startsWith("too long"));
+    }
+
+    void AnswersWithAnnouncedRecords_data() { AddRows(announcements); }
+    void AnswersWithAnnouncedRecords()
+    {
+        const auto& [name, event, page, progress] = Row(announcements);
+        StandInServer server;
+        server.SetReplies({StandInServer::Data("{'list': [{'job_id': '7'}], 'total': 1}")});
+        server.SetReplyTo("/events",
+            {"HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\n\r\n", false, 0, StandInServer::Stall});
+        CommunicationService service;
+        service.SetServerUrl(server.Url());
+        service.Initialize({});
+        QSignalSpy changes(&service, &CommunicationService::FarmChanged);
+        QSignalSpy lists(&service, &CommunicationService::JobListResponse);
+        service.FollowChanges("abc"_s);
+        EVENTUALLY_COMPARE(changes.count(), 1);
+        service.GetJobList(1, {{"page"_s, 1}});
+        EVENTUALLY_COMPARE(lists.count(), 1);
+
+        server.Continue(0, "data: " + event + "\n\n");
+        EVENTUALLY_COMPARE(changes.count(), 2);
+        for (int answers = 2; answers <= 3; ++answers) {
+            service.GetJobList(1, {{"page"_s, page}});
+            EVENTUALLY_COMPARE(lists.count(), answers);
+        }
+        // Announced records answer one request; the next one asks the farm.
+        QCOMPARE(server.Requests().size(), progress < 0 ? 4 : 3);
+        const QVariantMap data = lists[1][1].toMap().value("data"_s).toMap();
+        const QVariantMap job = data.value("list"_s).toList().value(0).toMap();
+        QCOMPARE(job.value("job_progress"_s, -1).toInt(), progress);
+        QCOMPARE(data.value("total"_s).toInt(), 1);
     }
 
     void AsksAgainWhereThatHelps()
