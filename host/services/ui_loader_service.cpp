@@ -19,7 +19,9 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QStyledItemDelegate>
+#include <QTabBar>
 #include <QTableWidget>
+#include <QTabWidget>
 #include <QTextCharFormat>
 #include <QUiLoader>
 
@@ -31,6 +33,24 @@ const QLatin1String DefaultSkin("default");
 const QLatin1String DefaultLanguage("vtr_en.qm");
 
 constexpr QSize CalendarSize(288, 248); // room for six weeks below the bar that a skin styles
+
+/// Draws texts and icons in the middle of their cells, below their headers.
+class CentredCells : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->displayAlignment = Qt::AlignCenter;
+        if (option->text.isEmpty()) {
+            option->decorationPosition = QStyleOptionViewItem::Top;
+            option->decorationAlignment = Qt::AlignCenter;
+        }
+    }
+};
 
 /// Adjusts pop-up lists and calendars where style sheets cannot.
 void PreparePopups(const QWidget* form)
@@ -130,6 +150,14 @@ void UiLoaderService::PrepareMainForm(QWidget* form)
     new SideColumn(form);
     if (auto* project = form->findChild<QLabel*>(QStringLiteral("lblProjectV")))
         new ElidedLabel(project);
+    const auto tables = form->findChildren<QTableWidget*>();
+    for (QTableWidget* table : tables)
+        table->setItemDelegate(new CentredCells(table));
+    // A form's tab stops cannot name the bar of its tabs, and would come after the tables in them.
+    const auto* tabs = form->findChild<QTabWidget*>(QStringLiteral("tbwContainer"));
+    auto* submit = form->findChild<QPushButton*>(QStringLiteral("btnSubmit"));
+    if (tabs && submit)
+        QWidget::setTabOrder(tabs->tabBar(), submit);
 }
 
 /// Has a button of the form open a part of the tray menu.

@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QLabel>
+#include <QScrollArea>
 #include <QToolBox>
 #include <QWidget>
 
@@ -31,7 +32,7 @@ bool SideColumn::eventFilter(QObject* watched, QEvent* event)
         m_groups->setFixedHeight(GroupsHeight);
     else if (watched == m_groups
         && (event->type() == QEvent::Show || event->type() == QEvent::LanguageChange))
-        NameLists();
+        PreparePanel();
     // The window changes the tool tip with the text.
     if (watched == m_project
         && (event->type() == QEvent::Show || event->type() == QEvent::ToolTipChange
@@ -40,12 +41,16 @@ bool SideColumn::eventFilter(QObject* watched, QEvent* event)
     return false;
 }
 
-/// Gives the lists of the group panel, which the window makes, the names of their pages.
-void SideColumn::NameLists() const
+/// Gives the lists of the group panel, which the window makes, the names of their pages. The areas around them would take
+/// the focus without showing it.
+void SideColumn::PreparePanel() const
 {
     const auto* panel = m_groups->findChild<QToolBox*>();
     for (int page = 0; panel && page < panel->count(); ++page)
         panel->widget(page)->setAccessibleName(panel->itemText(page));
+    const auto areas = m_groups->findChildren<QScrollArea*>();
+    for (QScrollArea* area : areas)
+        area->setFocusPolicy(Qt::NoFocus);
 }
 
 /// A label with a text is named by it.

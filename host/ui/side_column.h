@@ -18,7 +18,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void NameLists() const;
+    void PreparePanel() const;
     void NameProject() const;
 
     QWidget* m_column;

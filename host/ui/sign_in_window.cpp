@@ -109,7 +109,7 @@ void SignInWindow::Retranslate()
 void SignInWindow::SetName(const QString& name)
 {
     m_name->setText(name);
-    m_password->setFocus();
+    (name.isEmpty() ? m_name : m_password)->setFocus();
 }
 
 void SignInWindow::SetBusy(bool busy)

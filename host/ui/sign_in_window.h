@@ -40,7 +40,7 @@ public slots:
     /// @param reason why the farm does not start; empty for none. Plain text.
     void SetFarm(Farm farm, const QString& reason = {});
 
-    /// Fills in the user's name and moves the cursor to the password.
+    /// Fills in the user's name, if it is known, and moves the cursor to what is to be typed next.
     void SetName(const QString& name);
 
     /// While busy, nothing can be entered or sent.

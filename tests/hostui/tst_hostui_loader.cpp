@@ -229,6 +229,8 @@ private slots:
         panel->addItem(list, "Group"_s);
         form->show();
         QCOMPARE(list->accessibleName(), "Group"_s);
+        QCOMPARE(panel->findChild<QScrollArea*>()->focusPolicy(), Qt::NoFocus);
+        QCOMPARE(form->findChild<QTabBar*>()->nextInFocusChain()->objectName(), "btnSubmit"_s);
         panel->setItemText(0, "Gruppe"_s);
         m_loader->SetLanguage(m_loader->GetLanguages().constFirst());
         EVENTUALLY_COMPARE(list->accessibleName(), "Gruppe"_s);
