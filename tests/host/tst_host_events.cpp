@@ -48,6 +48,7 @@ struct Listener
     explicit Listener(const Reply& reply)
     {
         server.SetReplies({reply});
+        feed.BeginSession("abc");
         transport.SetFeed(&feed);
         transport.SetBaseUrl(server.Url());
     }
