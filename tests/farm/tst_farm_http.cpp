@@ -91,11 +91,12 @@ private slots:
 
     void ARequestNeedsASession()
     {
-        for (const char* request :
-            {"GET /account", "GET /projects", "GET /jobs", "POST /jobs/search", "POST /jobs/stop",
-                "GET /account/spending", "GET /jobs/x", "GET /jobs/x/frames", "GET /jobs/x/frames/1/log",
-                "GET /jobs/x/files", "GET /jobs/x/files/x", "POST /jobs", "POST /contents/known",
-                "POST /uploads", "GET /uploads/x", "PUT /uploads/x?offset=0", "POST /uploads/x/unpack"}) {
+        for (const char* request : {"GET /account", "GET /projects", "GET /jobs", "POST /jobs/search",
+                 "POST /jobs/stop", "GET /account/spending", "GET /admin/overview",
+                 "GET /admin/jobs/x/frames/1/log", "GET /jobs/x/frames/1/full-log", "GET /jobs/x",
+                 "GET /jobs/x/frames", "GET /jobs/x/frames/1/log", "GET /jobs/x/files", "GET /jobs/x/files/x",
+                 "POST /jobs", "POST /contents/known", "POST /uploads", "GET /uploads/x",
+                 "PUT /uploads/x?offset=0", "POST /uploads/x/unpack"}) {
             for (const QString& token : {QString(), "no-such-token"_s, m_token}) {
                 m_farm.token = token;
                 const int status = Send(request, R"({"ids":[],"checksums":[]})").status;
@@ -202,6 +203,32 @@ private slots:
         QVERIFY(refused.retryAfter.toInt() > 0);
         m_farm.token.clear();
         QCOMPARE(m_farm.Get("/events"_s).status, 401);
+    }
+
+    void ShowsOtherAccountsOnlyToAdministrators()
+    {
+        const QString folder = m_farm.Path("jobs/%1/logs"_s.arg(m_id));
+        QVERIFY(QDir().mkpath(folder));
+        QVERIFY(WriteFile(folder + "/frame_0001.txt"_s, "all of it"));
+        QVERIFY(QFile::link("/etc/hostname"_s, folder + "/frame_0002.txt"_s));
+        const QString own = "/jobs/%1/frames/%2/full-log"_s;
+        QCOMPARE(m_farm.Get(own.arg(m_id, "1"_s)).bytes, "all of it");
+        QCOMPARE(m_farm.Get(own.arg(m_id, "2"_s)).status, 404);
+
+        const QString others = "/admin/jobs/%1/frames/1/log"_s.arg(m_id);
+        m_farm.SignIn("bob", "b");
+        QCOMPARE(m_farm.Get(own.arg(m_id, "1"_s)).status, 404);
+        QCOMPARE(m_farm.Get("/admin/overview"_s).Error(), "forbidden"_s);
+        QCOMPARE(m_farm.Get(others).status, 403);
+        m_farm.data.Change("UPDATE accounts SET administrator = 1 WHERE name = 'bob'");
+        QCOMPARE(m_farm.Get(others).bytes, "all of it");
+        const QJsonObject queue {{"account"_s, "ann"_s}, {"waiting"_s, 1}, {"running"_s, 0}, {"paused"_s, 0},
+            {"arrears"_s, 0}, {"failed"_s, 0}, {"rendering"_s, 0}};
+        QCOMPARE(m_farm.Get("/admin/overview"_s).Data("queues").toArray(), QJsonArray {queue});
+
+        const auto socket = m_farm.SendRaw("GET /metrics HTTP/1.1\r\n\r\n");
+        QVERIFY(QTest::qWaitFor([&] { return socket->state() == QTcpSocket::UnconnectedState; }, Patience));
+        QVERIFY(socket->readAll().contains("\nquillstar_jobs{status=\"waiting\"} 1\n"));
     }
 
     // More clients than the farm has threads begin requests of which the rest never comes; the farm gives them up.
