@@ -42,28 +42,24 @@ install_packages() {
     }
 }
 
-# install_cluster_packages: Debian starts the services of packages when it installs them and at each start of the machine;
-# the tests start their own, and a machine that only runs them should have none.
+# install_cluster_packages: Debian starts the services of packages when it installs them and whenever the machine starts;
+# the tests start their own, so none of them shall run. A machine that has Slurm already is left as it is.
 install_cluster_packages() {
     [ "$(id -u)" = 0 ] || return 0
-    # shellcheck disable=SC2086
-    dpkg-query -W $CLUSTER_PACKAGES >/dev/null 2>&1 && return 0
+    for program in munged slurmctld slurmd sbatch; do
+        command -v $program >/dev/null || missing_program=$program
+    done
+    [ -n "${missing_program:-}" ] || return 0
     services="munge slurmctld slurmd"
+    # Packages ask this script what they may start.
+    policy=/usr/sbin/policy-rc.d
+    [ -e $policy ] || { printf '#!/bin/sh\nexit 101\n' >$policy && chmod 755 $policy && own_policy=1; }
     # shellcheck disable=SC2086
-    if [ -d /run/systemd/system ]; then
-        systemctl mask --runtime $services >/dev/null 2>&1
-        (install_packages $CLUSTER_PACKAGES) || say "Slurm cannot be installed; the tests with a cluster are skipped."
-        systemctl unmask --runtime $services >/dev/null 2>&1
-        systemctl disable $services >/dev/null 2>&1
-    else
-        # Without systemd, a script tells the packages what they may start.
-        policy=/usr/sbin/policy-rc.d
-        [ -e $policy ] || { printf '#!/bin/sh\nexit 101\n' >$policy && chmod 755 $policy && own_policy=1; }
-        (install_packages $CLUSTER_PACKAGES) || say "Slurm cannot be installed; the tests with a cluster are skipped."
-        [ -z "${own_policy:-}" ] || rm -f $policy
-        for service in $services; do update-rc.d $service disable >/dev/null 2>&1; done
-    fi
-    return 0
+    (install_packages $CLUSTER_PACKAGES) || say "Slurm cannot be installed; the tests with a cluster are skipped."
+    [ -z "${own_policy:-}" ] || rm -f $policy
+    # shellcheck disable=SC2086
+    systemctl disable $services >/dev/null 2>&1 || true
+    for service in $services; do update-rc.d "$service" disable >/dev/null 2>&1 || true; done
 }
 
 # Configures once and builds what has changed.

@@ -86,10 +86,15 @@ QString RendererProbe::AnswerFile(const QString& job) const
 void RendererProbe::HandleSubmission(const Question& question, const CommandResult& result)
 {
     State& state = m_states[question];
-    if (result.IsOk() || FaultOf(result) == CommandFault::InDoubt)
+    if (result.IsOk() || FaultOf(result) == CommandFault::InDoubt) {
         state.isSubmitted = true;
-    else
-        Conclude(state, Availability::Missing, FaultText(QStringLiteral("sbatch"), result));
+        return;
+    }
+    const QString fault = FaultText(QStringLiteral("sbatch"), result);
+    const bool isRefused = FaultOf(result) == CommandFault::Refused;
+    Conclude(state, isRefused ? Availability::Missing : state.availability, fault);
+    if (!isRefused)
+        state.nextTry = Clock::now() + m_settings.interval;
 }
 
 void RendererProbe::Update(const std::vector<ClusterTask>& tasks)

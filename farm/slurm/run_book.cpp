@@ -191,6 +191,7 @@ std::optional<RunResult> RunBook::TakeEnd(const RunFinding& finding, Clock::time
         return std::nullopt;
     evidence.wasStarted = run.isStarted || !finding.node.isEmpty();
     evidence.outcome = finding.outcome;
+    evidence.complaint = finding.complaint;
     evidence.isCancelWanted = run.isCancelWanted;
     evidence.isLate = IsLate(run, now);
     auto end = EndOf(evidence);

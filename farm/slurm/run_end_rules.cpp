@@ -15,6 +15,16 @@ bool IsOneOf(const QString& state, std::initializer_list<const char*> states)
     return false;
 }
 
+/// Whether the run has ended for the reason that quillstar-run-frame reports. When Slurm ends a task, it signals the renderer
+/// too, which then seems to have failed; only Slurm knows why it did so.
+bool IsTrue(const RunResult& outcome, const std::optional<ClusterTask>& task)
+{
+    if (outcome.end == RunEnd::Done || outcome.end == RunEnd::Cancelled)
+        return outcome.end == RunEnd::Done;
+    return !task || IsOneOf(task->state, {"COMPLETED", "FAILED"})
+        || (PhaseOf(task->state) == TaskPhase::Running && task->state != QLatin1String("COMPLETING"));
+}
+
 QString NodeOf(const RunEvidence& evidence)
 {
     if (evidence.outcome && !evidence.outcome->host.isEmpty())
@@ -30,7 +40,7 @@ RunResult Result(const RunEvidence& evidence, RunEnd end, const QString& message
     result.host = NodeOf(evidence);
     const QString node
         = result.host.isEmpty() ? QStringLiteral("its node") : QStringLiteral("node ") + result.host;
-    result.message = message.contains(QLatin1String("%1")) ? message.arg(node) : message;
+    result.message = QString(message).replace(QLatin1String("%1"), node);
     return result;
 }
 
@@ -76,10 +86,13 @@ RunResult EndWithoutOutcome(const RunEvidence& evidence)
             evidence, RunEnd::MachineLost, QStringLiteral("the cluster does not know the task any more"));
     if (evidence.outcome)
         return Result(evidence, RunEnd::MachineLost, QStringLiteral("the renderer was ended on %1"));
-    return Result(evidence, RunEnd::FarmFault,
-        evidence.wasStarted
-            ? QStringLiteral("%1 reported no result; the shared folder may be full or not writable there")
-            : QStringLiteral("%1 did not begin the frame; it may not see the farm's shared folder"));
+    if (!evidence.wasStarted)
+        return Result(evidence, RunEnd::FarmFault,
+            QStringLiteral("%1 did not begin the frame; it may not see the farm's shared folder"));
+    const QString cause = evidence.complaint.isEmpty()
+        ? QStringLiteral("the shared folder may be full or not writable there")
+        : evidence.complaint;
+    return Result(evidence, RunEnd::FarmFault, QStringLiteral("%1 reported no result: ") + cause);
 }
 
 } // namespace
@@ -99,8 +112,7 @@ TaskPhase PhaseOf(const QString& state)
 
 std::optional<RunResult> EndOf(const RunEvidence& evidence)
 {
-    // quillstar-run-frame reports Cancelled whenever it is told to end; only Slurm knows why.
-    if (evidence.outcome && evidence.outcome->end != RunEnd::Cancelled) {
+    if (evidence.outcome && IsTrue(*evidence.outcome, evidence.task)) {
         RunResult result = *evidence.outcome;
         result.host = NodeOf(evidence);
         return result;

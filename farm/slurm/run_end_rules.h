@@ -25,6 +25,8 @@ struct RunEvidence
     bool wasStarted = false;
     /// What quillstar-run-frame has reported.
     std::optional<RunResult> outcome;
+    /// What it has written when it could not even report; may be empty.
+    QString complaint;
     bool isCancelWanted = false;
     /// Whether an outcome that a node has written would have been seen by now, although shared folders show new files late.
     bool isLate = false;

@@ -8,6 +8,8 @@ namespace farm {
 
 namespace {
 
+constexpr qint64 LongestComplaint = 400; // bytes
+
 QString StartedFile(const RunLook& look)
 {
     return look.files.folder + QStringLiteral("/started");
@@ -36,6 +38,10 @@ RunFinding Look(const RunLook& look)
     }
     if (look.wantsOutcome)
         finding.outcome = ReadOutcome(look.files.Outcome());
+    QFile complaint(look.files.folder + QStringLiteral("/runner.txt"));
+    if (look.wantsOutcome && !finding.outcome && complaint.open(QIODevice::ReadOnly))
+        finding.complaint
+            = QString::fromUtf8(complaint.read(LongestComplaint)).trimmed().section(QLatin1Char('\n'), -1);
     return finding;
 }
 

@@ -27,6 +27,8 @@ struct RunFinding
     QString node;
     qint64 startedAt = 0; ///< in seconds since the epoch, by the clock of the node
     std::optional<RunResult> outcome;
+    /// The last line that quillstar-run-frame, or the shell in its place, has written.
+    QString complaint;
     /// Whether the run has been closed: no node had begun with it, and none will.
     bool isClosed = false;
 };

@@ -124,8 +124,10 @@ private slots:
         m_bench->Open();
         QVERIFY(m_cluster->Do("stop controller"_s));
         EVENTUALLY(m_bench->HasLogged("slurmctld) does not answer"));
+        QCOMPARE(int(m_bench->executor->Has(m_bench->type)), int(Availability::Unknown));
         QVERIFY(m_cluster->Do("start controller"_s));
         EVENTUALLY(m_bench->HasLogged("squeue works again"));
+        QCOMPARE(int(m_bench->executor->Has(m_bench->type)), int(Availability::Unknown));
         const QString lost = m_bench->hosts["r1"_s];
         QVERIFY(m_cluster->Do("kill "_s + lost));
         EVENTUALLY(m_bench->HasEnded("r1"_s, RunEnd::MachineLost));
@@ -138,6 +140,7 @@ private slots:
             QCOMPARE(m_bench->Begun(run), 1);
             QVERIFY(run == "r1"_s || m_bench->HasEnded(run, RunEnd::Done));
         }
+        EVENTUALLY(m_bench->executor->Has(m_bench->type) == Availability::Present);
         EVENTUALLY(QDir(m_bench->settings.folder).isEmpty());
     }
 

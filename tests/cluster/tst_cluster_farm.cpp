@@ -50,19 +50,29 @@ private:
     std::unique_ptr<WorkerProcess> m_program;
 };
 
-/// The tasks that Slurm still knows by their states, and the nodes on which they were.
-QMap<QString, QStringList> TasksByState()
+/// What Slurm says of the farm's frames.
+QStringList Tasks(const QString& format)
 {
     QProcess squeue;
-    squeue.start("squeue"_s, {"-h"_s, "--array"_s, "--states=all"_s, "--format=%j %T %N"_s});
+    squeue.start("squeue"_s, {"-h"_s, "--array"_s, "--states=all"_s, "--format=%j "_s + format});
     squeue.waitForFinished(Patience);
-    QMap<QString, QStringList> tasks;
+    QStringList tasks;
     const QStringList lines = QString::fromUtf8(squeue.readAll()).split(QLatin1Char('\n'));
     for (const QString& line : lines) {
         if (!line.contains("probe"_s))
-            tasks[line.section(QLatin1Char(' '), 1, 1)].append(line.section(QLatin1Char(' '), 2));
+            tasks.append(line.section(QLatin1Char(' '), 1));
     }
     return tasks;
+}
+
+/// The nodes on which the tasks were, by their states.
+QMap<QString, QStringList> NodesByState()
+{
+    QMap<QString, QStringList> nodes;
+    const QStringList tasks = Tasks("%T %N"_s);
+    for (const QString& task : tasks)
+        nodes[task.section(QLatin1Char(' '), 0, 0)].append(task.section(QLatin1Char(' '), 1));
+    return nodes;
 }
 
 } // namespace
@@ -83,18 +93,20 @@ private slots:
         farm.Submit();
         farm.Start(onCluster);
         EVENTUALLY(farm.Finished() >= 2);
+        // It has just begun a frame, so that it does not end the frame before it is killed.
+        EVENTUALLY(Tasks("%T %N %M"_s).contains("RUNNING n1 0:00"_s));
         QVERIFY(cluster.Do("kill n1"_s));
         farm.Kill();
         QVERIFY(farm.Finished() < Frames);
         farm.Start(onCluster);
-        EVENTUALLY(TasksByState().contains("NODE_FAIL"_s));
+        EVENTUALLY(NodesByState().contains("NODE_FAIL"_s));
         QVERIFY(cluster.Do("start n1"_s));
         EVENTUALLY_COMPARE(farm.data.Only().status, int(JobStatus::Finished));
 
-        const auto tasks = TasksByState();
-        QCOMPARE(tasks["COMPLETED"_s].size(), Frames);
-        QVERIFY(tasks["COMPLETED"_s].contains("n1"_s) && tasks["COMPLETED"_s].contains("n2"_s));
-        QCOMPARE(tasks["NODE_FAIL"_s], QStringList {"n1"_s});
+        const auto nodes = NodesByState();
+        QCOMPARE(nodes["COMPLETED"_s].size(), Frames);
+        QVERIFY(nodes["COMPLETED"_s].contains("n1"_s) && nodes["COMPLETED"_s].contains("n2"_s));
+        QCOMPARE(nodes["NODE_FAIL"_s], QStringList {"n1"_s});
         QCOMPARE(farm.data.Count("SELECT count(*) FROM charges WHERE core_milliseconds > 0"), Frames);
         QCOMPARE(farm.data.Count("SELECT count(DISTINCT frame) FROM charges"), Frames);
         QCOMPARE(farm.data.Count("SELECT sum(failures) FROM frames"), 0);

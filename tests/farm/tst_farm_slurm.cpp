@@ -14,7 +14,7 @@ using namespace farm;
 namespace {
 
 // How a run ends, by the state of its task on node n1 (none when Slurm does not know it), by what is there (s: it was
-// started, o: it has the outcome Cancelled, d: it has the outcome Done, c: it is to be cancelled, l: files would have been
+// started, o: it has the outcome Cancelled, d: Done, f: SceneFault, c: it is to be cancelled, l: files would have been
 // seen by now), and the part of the message that tells the user why.
 constexpr int Open = -1;
 const std::tuple<const char*, const char*, const char*, int, const char*> Ends[] = {
@@ -27,6 +27,11 @@ const std::tuple<const char*, const char*, const char*, int, const char*> Ends[]
     {"done before its node failed", "NODE_FAIL", "sd", int(RunEnd::Done), ""},
     {"done before it was cancelled", "CANCELLED", "sdc", int(RunEnd::Done), ""},
     {"done and forgotten", "", "sd", int(RunEnd::Done), ""},
+    {"scene at fault", "COMPLETED", "sf", int(RunEnd::SceneFault), "a lamp"},
+    {"scene at fault while others of its task are rendered", "RUNNING", "sf", int(RunEnd::SceneFault),
+        "a lamp"},
+    {"renderer ended by Slurm's signal", "PREEMPTED", "sf", int(RunEnd::Preempted), "node n1"},
+    {"renderer ended by Slurm's signal just now", "COMPLETING", "sf", Open, ""},
     {"node failed", "NODE_FAIL", "s", int(RunEnd::MachineLost), "node n1 failed"},
     {"node failed, renderer told to end", "NODE_FAIL", "so", int(RunEnd::MachineLost), "node n1 failed"},
     {"node did not boot", "BOOT_FAIL", "", int(RunEnd::MachineLost), "node n1 did not boot"},
@@ -41,7 +46,8 @@ const std::tuple<const char*, const char*, const char*, int, const char*> Ends[]
     {"cancelled in the queue", "", "c", int(RunEnd::Cancelled), ""},
     {"ended without a word just now", "FAILED", "", Open, ""},
     {"folder not seen", "FAILED", "l", int(RunEnd::FarmFault), "may not see the farm's shared folder"},
-    {"outcome not written", "COMPLETED", "sl", int(RunEnd::FarmFault), "node n1 reported no result"},
+    {"outcome not written", "COMPLETED", "sl", int(RunEnd::FarmFault),
+        "node n1 reported no result: the shared folder"},
     {"renderer ended by somebody", "FAILED", "sol", int(RunEnd::MachineLost), "ended on node n1"},
     {"forgotten just now", "", "s", Open, ""},
     {"forgotten", "", "sl", int(RunEnd::MachineLost), "not know the task"},
@@ -103,8 +109,11 @@ private slots:
         evidence.wasStarted = is('s');
         evidence.isCancelWanted = is('c');
         evidence.isLate = is('l');
-        if (is('o') || is('d'))
-            evidence.outcome = RunResult {is('d') ? RunEnd::Done : RunEnd::Cancelled, {}, {}, 1234, {}};
+        for (const auto& [sign, outcome] : {std::pair('o', RunEnd::Cancelled), std::pair('d', RunEnd::Done),
+                 std::pair('f', RunEnd::SceneFault)}) {
+            if (is(sign))
+                evidence.outcome = RunResult {outcome, "a lamp is missing"_s, {}, 1234, {}};
+        }
         const auto result = EndOf(evidence);
         QCOMPARE(result ? int(result->end) : Open, end);
         if (!result)
