@@ -61,16 +61,17 @@ RenderPlace FrameFiles::PlaceOf(const FrameTask& task, const QString& suffix, co
     return place;
 }
 
-RenderPlace FrameFiles::Prepare(const FrameTask& task, const QString& suffix, const RunId& run) const
+RenderPlace FrameFiles::Prepare(
+    const FrameTask& task, const Manner& manner, const RunId& run, const GoesOn& goesOn) const
 {
     const QDir folder(JobFolder(task.jobId));
     MakeFolder(folder);
-    RenderPlace place = PlaceOf(task, suffix, run);
+    RenderPlace place = PlaceOf(task, manner.suffix, run);
     if (!QDir().mkpath(place.run.OutputFolder()))
         storage::ThrowWriteError("cannot create the folder of an unfinished frame", folder.path(), 0);
     if (task.beginsRun)
-        RemoveFrames(folder, suffix);
-    m_scenes.Provide(task, folder);
+        RemoveFrames(folder, manner.suffix);
+    m_scenes.Provide(task, folder, manner.mayLink, goesOn);
     LinkScene(place, task.scene);
     OpenToRenderer(place, folder);
     return place;

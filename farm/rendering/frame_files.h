@@ -4,6 +4,7 @@
 #include "farm/rendering/picture.h"
 #include "farm/rendering/renderer_user.h"
 #include "farm/runner/run.h"
+#include "farm/uploads/content_copy.h"
 
 #include <QDir>
 
@@ -44,9 +45,17 @@ public:
     /// cannot disturb the next attempt.
     RunFiles FilesOf(const QString& jobId, const RunId& run) const;
 
+    struct Manner
+    {
+        /// The suffix of the pictures.
+        QString suffix;
+        /// Whether the scene may be linked to the farm's contents, for renderers that cannot change them.
+        bool mayLink = false;
+    };
     /// Creates the job's folder with its scene and the run's folder; removes the frames of earlier runs of the job.
-    /// Throws std::runtime_error.
-    RenderPlace Prepare(const FrameTask& task, const QString& suffix, const RunId& run) const;
+    /// Throws Interrupted and std::runtime_error.
+    RenderPlace Prepare(
+        const FrameTask& task, const Manner& manner, const RunId& run, const GoesOn& goesOn) const;
     /// Throws storage::DiskError when the disk is so full that a renderer may have failed for that reason.
     void RequireRoom() const;
     /// Moves a rendered frame to its place; it is on the disk when it returns. Throws std::runtime_error.

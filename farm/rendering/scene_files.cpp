@@ -41,7 +41,8 @@ SceneFiles::SceneFiles(
 {
 }
 
-void SceneFiles::Provide(const FrameTask& task, const QDir& jobFolder) const
+void SceneFiles::Provide(
+    const FrameTask& task, const QDir& jobFolder, bool mayLink, const GoesOn& goesOn) const
 {
     const QString scene = jobFolder.filePath(QStringLiteral("scene"));
     if (QFileInfo::exists(scene))
@@ -50,7 +51,7 @@ void SceneFiles::Provide(const FrameTask& task, const QDir& jobFolder) const
     unfinished.removeRecursively();
     try {
         Make(unfinished);
-        if (!CopyOwn(task.key.job, unfinished))
+        if (!ProvideOwn(task.key.job, unfinished, mayLink, goesOn))
             CopyShipped(task.scene, unfinished);
         SyncTree(unfinished.path());
         m_user.LetRead(unfinished.path());
@@ -62,8 +63,7 @@ void SceneFiles::Provide(const FrameTask& task, const QDir& jobFolder) const
     }
 }
 
-// Renderers get copies, because jobs share the contents and a renderer might change its files.
-bool SceneFiles::CopyOwn(std::int64_t job, const QDir& folder) const
+bool SceneFiles::ProvideOwn(std::int64_t job, const QDir& folder, bool mayLink, const GoesOn& goesOn) const
 {
     const std::vector<JobFile> files
         = m_database.Read([job](SQLite::Database& connection) { return JobFilesOf(connection, job); });
@@ -72,7 +72,7 @@ bool SceneFiles::CopyOwn(std::int64_t job, const QDir& folder) const
         if (!IsSafePath(file.path))
             throw std::runtime_error("a path of the scene is not allowed");
         Make(QFileInfo(target).dir());
-        m_contents.CopyTo(file.checksum, target);
+        m_contents.ProvideAs(target, file.checksum, mayLink, goesOn);
     }
     return !files.empty();
 }

@@ -3,6 +3,7 @@
 #include "farm/base/schema.h"
 #include "farm/rendering/frame_task.h"
 #include "farm/rendering/renderer_user.h"
+#include "farm/uploads/content_copy.h"
 
 #include <QDir>
 
@@ -10,7 +11,7 @@ namespace farm {
 
 class ContentStore;
 
-/// Copies the files of a job's scene into the job's folder.
+/// Provides the files of a job's scene in the job's folder.
 class SceneFiles
 {
 public:
@@ -20,11 +21,12 @@ public:
 
     /// Creates the folder "scene" in the job's folder unless it exists. An incomplete copy never has this name.
     /// Throws std::runtime_error.
-    void Provide(const FrameTask& task, const QDir& jobFolder) const;
+    /// @param mayLink allows files that are linked to the farm's contents, for renderers that cannot change them.
+    void Provide(const FrameTask& task, const QDir& jobFolder, bool mayLink, const GoesOn& goesOn) const;
 
 private:
     /// Returns whether the job has files of its own.
-    bool CopyOwn(std::int64_t job, const QDir& folder) const;
+    bool ProvideOwn(std::int64_t job, const QDir& folder, bool mayLink, const GoesOn& goesOn) const;
     void CopyShipped(const QString& scene, const QDir& folder) const;
 
     Database& m_database;

@@ -4,11 +4,10 @@
 #include "farm/rendering/frame_files.h"
 #include "farm/rendering/frames_in_work.h"
 #include "farm/rendering/render_queue.h"
-#include "storage/disk_full.h"
-
-#include <QFileInfo>
 
 #include <spdlog/spdlog.h>
+
+#include <utility>
 
 namespace farm {
 
@@ -26,7 +25,7 @@ Scheduler::Scheduler(const Dependencies& dependencies, const JobTypes& types, co
     std::chrono::milliseconds lookInterval)
     : m_deps(dependencies)
     , m_types(types)
-    , m_renderers(renderers)
+    , m_worker(dependencies.files, types, renderers)
 {
     connect(this, &Scheduler::NudgeWanted, this, &Scheduler::Nudge, Qt::QueuedConnection);
     connect(&m_deps.executor, &Executor::AvailabilityChanged, this, &Scheduler::Nudge);
@@ -34,6 +33,10 @@ Scheduler::Scheduler(const Dependencies& dependencies, const JobTypes& types, co
     connect(&m_deps.executor, &Executor::Ended, this, &Scheduler::HandleEnd);
     connect(&m_deps.executor, &Executor::Accepted, this,
         [this](const RunId& id, const QString& handle) { m_deps.runs.SetHandle(id, handle); });
+    connect(&m_worker, &FrameWorker::Prepared, this, &Scheduler::HandlePrepared);
+    connect(&m_worker, &FrameWorker::Settled, this, &Scheduler::HandleSettled);
+    connect(&m_startTimer, &QTimer::timeout, this, &Scheduler::StartReady);
+    m_startTimer.setSingleShot(true);
     connect(&m_look, &QTimer::timeout, this, &Scheduler::Look);
     m_look.start(lookInterval);
     AttachRuns();
@@ -43,7 +46,9 @@ void Scheduler::AttachRuns()
 {
     std::vector<RecordedRun> recorded;
     for (const RunTable::Entry& run : m_deps.runs.All()) {
-        m_work[run.id].task = run.task;
+        Work& work = m_work[run.id];
+        work.task = run.task;
+        work.isStarted = work.isOld = true;
         recorded.push_back({run.id, run.task, m_deps.files.FilesOf(run.task.jobId, run.id), run.handle});
     }
     m_deps.executor.Attach(recorded);
@@ -73,6 +78,7 @@ void Scheduler::Stop()
 {
     m_isStopped = true;
     m_deps.executor.Stop();
+    m_worker.Stop();
 }
 
 QStringList Scheduler::RunnableTypes()
@@ -94,11 +100,12 @@ QStringList Scheduler::RunnableTypes()
 void Scheduler::CancelUnwantedFrames()
 {
     for (auto& [id, work] : m_work) {
-        if (work.isCancelled || m_deps.queue.IsWanted(work.task.key))
+        if (*work.isUnwanted || m_deps.queue.IsWanted(work.task.key))
             continue;
-        work.isCancelled = true;
+        *work.isUnwanted = true;
         m_deps.inWork.Remove(work.task.key);
-        m_deps.executor.Cancel(id);
+        if (work.isStarted)
+            m_deps.executor.Cancel(id);
     }
 }
 
@@ -126,75 +133,57 @@ void Scheduler::BeginFrames()
     if (chosen.empty())
         return;
     m_deps.runs.Begin(chosen);
-    for (const RunTable::Entry& run : chosen)
-        m_work[run.id].task = run.task;
-    std::vector<Run> prepared;
     for (const RunTable::Entry& run : chosen) {
-        if (auto ready = Prepared(run.id, run.task))
-            prepared.push_back(*ready);
+        Work& work = m_work[run.id];
+        work.task = run.task;
+        m_worker.Prepare(run.id, run.task, work.isUnwanted);
     }
-    m_deps.executor.Start(prepared);
 }
 
-std::optional<Run> Scheduler::Prepared(const RunId& id, const FrameTask& task)
+void Scheduler::HandlePrepared(const RunId& id, const FileReport& report)
 {
-    const JobType type = m_types.value(task.type);
-    try {
-        const RenderPlace place = m_deps.files.Prepare(task, type.suffix, id);
-        const Run run {id, task, OrderFor(id, task, type, place)};
-        WriteOrder(run.order);
-        return run;
-    } catch (const std::runtime_error& error) {
-        // A full disk is no fault of the job: the frame keeps its attempts, and the timer starts it again.
-        if (!storage::IsDiskFull(error)) {
-            RunResult fault;
-            fault.message = QString::fromUtf8(error.what());
-            RecordFailure(id, task, fault);
-            m_work.erase(id);
-            NudgeLater();
-            return std::nullopt;
-        }
-        spdlog::error("job {} waits for space on the disk: {}", task.jobId.toStdString(), error.what());
-        m_waits = true;
-        Forget(id, task);
-        m_work.erase(id);
+    const auto work = m_work.find(id);
+    if (work == m_work.end() || m_isStopped)
+        return;
+    if (report.run && !*work->second.isUnwanted) {
+        work->second.isStarted = true;
+        m_ready.push_back(*report.run);
+        m_startTimer.start(0);
+        return;
     }
-    return std::nullopt;
+    const auto ended = m_work.extract(work);
+    const FrameTask& task = ended.mapped().task;
+    if (*ended.mapped().isUnwanted)
+        Finish(id, task, [&] { Forget(id, task); });
+    else
+        Finish(id, task, [&] { RecordUnprepared(id, task, report); });
 }
 
-RunOrder Scheduler::OrderFor(
-    const RunId& id, const FrameTask& task, const JobType& type, const RenderPlace& place) const
+void Scheduler::RecordUnprepared(const RunId& id, const FrameTask& task, const FileReport& report)
 {
-    const double clock = double(task.Number() - task.firstFrame) / task.FrameSpan();
-    const QMap<QString, QString> values {
-        {QStringLiteral("scene"), place.FromWorkFolder(place.sceneFile)},
-        {QStringLiteral("scene_folder"), place.FromWorkFolder(place.sceneFolder)},
-        {QStringLiteral("output"), place.FromWorkFolder(place.Output())},
-        {QStringLiteral("output_folder"), place.FromWorkFolder(place.run.OutputFolder())},
-        {QStringLiteral("output_name"), QFileInfo(place.outputName).completeBaseName()},
-        {QStringLiteral("width"), QString::number(task.width)},
-        {QStringLiteral("height"), QString::number(task.height)},
-        {QStringLiteral("frame"), QString::number(task.Number())},
-        {QStringLiteral("frames"), QString::number(task.FrameSpan())},
-        {QStringLiteral("clock"), QString::number(clock, 'f', 6)},
-    };
-    RunOrder order;
-    order.id = id;
-    order.program = type.program;
-    order.arguments = FillIn(type.arguments, values);
-    order.folder = place.workFolder;
-    order.resources = type.resources;
-    order.reach = {type.confined, QStringList {place.sceneFolder} + type.readable,
-        QStringList {place.run.OutputFolder()} + type.writable, m_renderers.hidden};
-    order.user = m_renderers.user;
-    order.files = place.run;
-    return order;
+    if (!report.isDiskFull) {
+        RunResult fault;
+        fault.message = report.message;
+        RecordFailure(id, task, fault);
+        return;
+    }
+    // A full disk is no fault of the job: the frame keeps its attempts, and the timer starts it again.
+    spdlog::error(
+        "job {} waits for space on the disk: {}", task.jobId.toStdString(), report.message.toStdString());
+    m_waits = true;
+    Forget(id, task);
+}
+
+void Scheduler::StartReady()
+{
+    if (!m_isStopped)
+        m_deps.executor.Start(std::exchange(m_ready, {}));
 }
 
 void Scheduler::HandleStart(const RunId& id, const QString& host, qint64 at)
 {
     const auto work = m_work.find(id);
-    if (work == m_work.end() || work->second.isCancelled)
+    if (work == m_work.end() || *work->second.isUnwanted)
         return;
     m_deps.inWork.Add(work->second.task.key, {host, at});
     spdlog::debug("job {} frame {} started on {}", work->second.task.jobId.toStdString(),
@@ -203,14 +192,34 @@ void Scheduler::HandleStart(const RunId& id, const QString& host, qint64 at)
 
 void Scheduler::HandleEnd(const RunId& id, const RunResult& result)
 {
+    const auto work = m_work.find(id);
+    if (work == m_work.end() || m_isStopped)
+        return;
+    m_deps.inWork.Remove(work->second.task.key);
+    if (result.end == RunEnd::Done || CountsAsAttempt(result.end)) {
+        work->second.result = result;
+        m_worker.Settle(id, work->second.task, result.end);
+        return;
+    }
+    const auto ended = m_work.extract(work);
+    const FrameTask& task = ended.mapped().task;
+    m_waits = m_waits || WouldRepeat(result.end);
+    Finish(id, task, [&] { RecordOther(id, task, result); });
+}
+
+void Scheduler::HandleSettled(const RunId& id, const FileReport& report)
+{
     const auto ended = m_work.extract(id);
     if (ended.empty() || m_isStopped)
         return;
-    const FrameTask& task = ended.mapped().task;
-    m_deps.inWork.Remove(task.key);
-    m_waits = m_waits || WouldRepeat(result.end);
+    const Work& work = ended.mapped();
+    Finish(id, work.task, [&] { Record(id, work, report); });
+}
+
+void Scheduler::Finish(const RunId& id, const FrameTask& task, const std::function<void()>& record)
+{
     try {
-        Record(id, task, result);
+        record();
     } catch (const std::exception& error) {
         // No nudge: rendering again at once could loop forever.
         spdlog::error("a finished frame could not be recorded and will be rendered again: {}", error.what());
@@ -221,40 +230,41 @@ void Scheduler::HandleEnd(const RunId& id, const RunResult& result)
     Nudge();
 }
 
-void Scheduler::Record(const RunId& id, const FrameTask& task, const RunResult& result)
+void Scheduler::Record(const RunId& id, const Work& work, const FileReport& report)
 {
-    if (CountsAsAttempt(result.end)) {
-        m_deps.files.RequireRoom();
-        RecordFailure(id, task, result);
+    if (report.isDiskFull)
+        throw std::runtime_error(report.message.toStdString());
+    if (report.picture) {
+        const RunResult& result = work.result;
+        m_deps.runs.End(id, [&] {
+            m_deps.queue.Finish(work.task.key, *report.picture, result.coreMilliseconds, Now(), result.log);
+        });
+        spdlog::debug("job {} frame {} finished in {} ms", work.task.jobId.toStdString(), work.task.Number(),
+            result.coreMilliseconds);
         return;
     }
+    // The earlier farm may have moved the picture to its place without recording it.
+    if (work.isOld && work.result.end == RunEnd::Done) {
+        Forget(id, work.task);
+        return;
+    }
+    RunResult failure = work.result;
+    if (!report.ok)
+        failure.message = report.message;
+    RecordFailure(id, work.task, failure);
+}
+
+/// Records an end that is not the frame's fault.
+void Scheduler::RecordOther(const RunId& id, const FrameTask& task, const RunResult& result)
+{
     if (WouldRepeat(result.end)) {
         Postpone(id, task, result);
         return;
     }
-    if (result.end != RunEnd::Done) {
-        if (result.end != RunEnd::Cancelled)
-            spdlog::warn("job {} frame {} will be tried again: {}", task.jobId.toStdString(), task.Number(),
-                result.message.toStdString());
-        Forget(id, task);
-        return;
-    }
-    Picture picture;
-    try {
-        picture = m_deps.files.Keep(task, m_types.value(task.type).suffix, id);
-    } catch (const std::runtime_error& error) {
-        if (storage::IsDiskFull(error))
-            throw;
-        RunResult failure = result;
-        failure.message = QString::fromUtf8(error.what());
-        RecordFailure(id, task, failure);
-        return;
-    }
-    m_deps.runs.End(
-        id, [&] { m_deps.queue.Finish(task.key, picture, result.coreMilliseconds, Now(), result.log); });
-    m_deps.files.Discard(task, id);
-    spdlog::debug("job {} frame {} finished in {} ms", task.jobId.toStdString(), task.Number(),
-        result.coreMilliseconds);
+    if (result.end != RunEnd::Cancelled)
+        spdlog::warn("job {} frame {} will be tried again: {}", task.jobId.toStdString(), task.Number(),
+            result.message.toStdString());
+    Forget(id, task);
 }
 
 void Scheduler::RecordFailure(const RunId& id, const FrameTask& task, const RunResult& result)
@@ -266,7 +276,7 @@ void Scheduler::RecordFailure(const RunId& id, const FrameTask& task, const RunR
                 result.coreMilliseconds))
             spdlog::warn("job {} has failed", task.jobId.toStdString());
     });
-    m_deps.files.Discard(task, id);
+    m_worker.Discard(id, task);
 }
 
 void Scheduler::Postpone(const RunId& id, const FrameTask& task, const RunResult& result)
@@ -277,14 +287,14 @@ void Scheduler::Postpone(const RunId& id, const FrameTask& task, const RunResult
         m_deps.queue.Postpone(
             task.key, Now(), result.message + QLatin1Char('\n') + result.log, result.coreMilliseconds);
     });
-    m_deps.files.Discard(task, id);
+    m_worker.Discard(id, task);
 }
 
 /// Ends a run that is to leave no trace.
 void Scheduler::Forget(const RunId& id, const FrameTask& task)
 {
     m_deps.runs.End(id, [] {});
-    m_deps.files.Discard(task, id);
+    m_worker.Discard(id, task);
 }
 
 /// The database may be at fault. What is not forgotten is attached, and ends, when the farm starts again.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "farm/rendering/executor.h"
+#include "farm/rendering/frame_worker.h"
 #include "farm/rendering/job_types.h"
 #include "farm/rendering/run_table.h"
 
@@ -8,15 +9,14 @@
 #include <QTimer>
 
 #include <chrono>
+#include <functional>
 #include <map>
-#include <optional>
 #include <set>
 
 namespace farm {
 
 class FrameFiles;
 class FramesInWork;
-struct RenderPlace;
 class RenderQueue;
 
 /// Keeps the executor busy with the frames of the open jobs.
@@ -33,15 +33,6 @@ public:
         const FrameFiles& files;
         /// Receives the frames being rendered; only the scheduler changes it.
         FramesInWork& inWork;
-    };
-
-    /// What all renderers have in common.
-    struct Renderers
-    {
-        /// Renderers reach nothing of this folder but their scenes and pictures.
-        QString hidden;
-        /// The user who runs them; empty for the farm's own.
-        QString user;
     };
 
     /// Takes over the runs of an earlier farm.
@@ -65,7 +56,14 @@ private:
     struct Work
     {
         FrameTask task;
-        bool isCancelled = false;
+        /// Set once the frame is no longer wanted.
+        FrameWorker::Flag isUnwanted = std::make_shared<std::atomic_bool>(false);
+        /// Whether the executor has it.
+        bool isStarted = false;
+        /// Whether an earlier farm has begun it.
+        bool isOld = false;
+        /// How it ended; its files are being looked at.
+        RunResult result = {};
     };
 
     void AttachRuns();
@@ -74,12 +72,16 @@ private:
     void CancelUnwantedFrames();
     void BeginFrames();
     std::vector<RunTable::Entry> ChooseFrames();
-    std::optional<Run> Prepared(const RunId& id, const FrameTask& task);
-    RunOrder OrderFor(
-        const RunId& id, const FrameTask& task, const JobType& type, const RenderPlace& place) const;
+    void HandlePrepared(const RunId& id, const FileReport& report);
+    void RecordUnprepared(const RunId& id, const FrameTask& task, const FileReport& report);
+    void StartReady();
     void HandleStart(const RunId& id, const QString& host, qint64 at);
     void HandleEnd(const RunId& id, const RunResult& result);
-    void Record(const RunId& id, const FrameTask& task, const RunResult& result);
+    void HandleSettled(const RunId& id, const FileReport& report);
+    /// Records the end of a run by `record`, or forgets it when that fails, and goes on.
+    void Finish(const RunId& id, const FrameTask& task, const std::function<void()>& record);
+    void Record(const RunId& id, const Work& work, const FileReport& report);
+    void RecordOther(const RunId& id, const FrameTask& task, const RunResult& result);
     void RecordFailure(const RunId& id, const FrameTask& task, const RunResult& result);
     void Postpone(const RunId& id, const FrameTask& task, const RunResult& result);
     void Forget(const RunId& id, const FrameTask& task);
@@ -87,10 +89,13 @@ private:
 
     Dependencies m_deps;
     JobTypes m_types;
-    Renderers m_renderers;
+    FrameWorker m_worker;
     std::set<QString> m_missingPrograms;
     /// The runs whose ends are awaited.
     std::map<RunId, Work> m_work;
+    /// Prepared runs, which start together.
+    std::vector<Run> m_ready;
+    QTimer m_startTimer;
     /// After a fault that another try would meet at once, nothing starts until the next look.
     bool m_waits = false;
     bool m_isStopped = false;

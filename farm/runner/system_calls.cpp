@@ -50,9 +50,14 @@ constexpr sock_filter Jump(int code, unsigned value, std::size_t ifTrue, std::si
 
 } // namespace
 
+bool CanForbidAttributes()
+{
+    return Architecture != 0 && ::prctl(PR_GET_SECCOMP) >= 0;
+}
+
 bool ForbidAttributes()
 {
-    if (Architecture == 0)
+    if (!CanForbidAttributes())
         return true;
     std::array<sock_filter, Head + ForbiddenCount + Tail> filter {};
     constexpr std::size_t Refusal = filter.size() - 1;

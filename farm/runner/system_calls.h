@@ -7,6 +7,8 @@ namespace farm::SystemCalls {
 /// share its files with the farm's contents, and their owner could otherwise make them writable. Needs no_new_privs, makes
 /// only system calls. Returns whether it is done.
 bool ForbidAttributes();
+/// Whether that works on this machine; elsewhere ForbidAttributes() does nothing.
+bool CanForbidAttributes();
 
 /// Takes from root what other users do not have, so that the permissions of files bind it too. Does nothing for others.
 void DropCapabilities();

@@ -148,16 +148,15 @@ std::int64_t ContentStore::BytesWith(std::int64_t account, const std::vector<Unp
     });
 }
 
-void ContentStore::CopyTo(const QString& checksum, const QString& target) const
+void ContentStore::ProvideAs(
+    const QString& target, const QString& checksum, bool mayLink, const GoesOn& goesOn) const
 {
-    if (!QFile::copy(FileOf(checksum), target))
-        storage::ThrowWriteError("a file of the scene is missing or cannot be copied",
-            QFileInfo(target).path(), QFileInfo(FileOf(checksum)).size());
-    if (storage::FileChecksum(target) == checksum)
+    const QString content = FileOf(checksum);
+    if (ShareFile(content, target, mayLink, goesOn) == checksum)
         return;
     // Once the damaged file is gone, the content counts as unknown and the client sends it again.
-    if (storage::FileChecksum(FileOf(checksum)) != checksum)
-        QFile::remove(FileOf(checksum));
+    if (storage::FileChecksum(content) != checksum)
+        QFile::remove(content);
     throw std::runtime_error("a file of the scene is damaged");
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "farm/base/schema.h"
+#include "farm/uploads/content_copy.h"
 #include "farm/uploads/package_reader.h"
 
 #include <QHash>
@@ -34,8 +35,9 @@ public:
     /// The bytes that the account would use if it had these files as well.
     std::int64_t BytesWith(std::int64_t account, const std::vector<UnpackedFile>& files);
 
-    /// Copies a content to a file that does not exist yet and verifies the copy. Throws std::runtime_error.
-    void CopyTo(const QString& checksum, const QString& target) const;
+    /// Provides a content as a file that does not exist yet, see ShareFile(), and verifies it. Throws Interrupted and
+    /// std::runtime_error.
+    void ProvideAs(const QString& target, const QString& checksum, bool mayLink, const GoesOn& goesOn) const;
 
 private:
     void RemoveStrayFiles();

@@ -32,6 +32,13 @@ constexpr const char* OldRecords
       "submitted_at) VALUES (7, 'old', 1, 1, 'povray', 'old', 'old', 1, 0, 'scene.txt', 32, 18, 0); "
       "INSERT INTO frames(job, number, finished_at) VALUES (7, 1, 9), (7, 3, NULL), (7, 5, NULL)";
 
+// Whether the contents may be linked, how many blocks are read before an interruption, and what comes of it.
+const std::tuple<const char*, bool, int, const char*, const char*> Sharings[] = {
+    {"linked", true, 9, "a scene", ""},
+    {"copied", false, 9, "a scene", ""},
+    {"interrupted", false, 0, "", "the farm is shutting down"},
+};
+
 } // namespace
 
 class StorageTest : public QObject
@@ -144,13 +151,30 @@ private slots:
         const FrameFiles files(Path("jobs"_s), scenes);
         const FrameTask task = *queue.Next({job.type}, {}, 1);
         diskCalls.clear();
-        const RenderPlace place = files.Prepare(task, "png"_s, "run"_s);
+        const RenderPlace place = files.Prepare(task, {"png"_s}, "run"_s, [] { return true; });
         QVERIFY(
             Ordered({"sync jobs"_s, Sync + folder, "sync scene.txt"_s, "rename scene"_s, Sync + added.id}));
         QVERIFY(WriteFile(place.Output(), "a picture"));
         diskCalls.clear();
         queue.Finish(task.key, files.Keep(task, "png"_s, "run"_s), 1, 4);
         QVERIFY(Ordered({"sync frame_0001.png"_s, "rename frame_0001.png"_s, Sync + added.id, Record()}));
+    }
+
+    void SharesContentsWithScenes_data() { AddRows(Sharings); }
+    void SharesContentsWithScenes()
+    {
+        const auto& [name, mayLink, blocks, content, why] = Row(Sharings);
+        QVERIFY(WriteFile(Path("content"_s), QByteArray("a scene")));
+        int asked = 0;
+        const auto goesOn = [&asked, blocks = blocks] { return ++asked <= blocks; };
+        QString checksum;
+        const QString failure = Failure([&, mayLink = mayLink] {
+            checksum = ShareFile(Path("content"_s), Path("scene"_s), mayLink, goesOn);
+        });
+        QCOMPARE(failure, QString::fromLatin1(why));
+        QCOMPARE(checksum, failure.isEmpty() ? Sha256("a scene") : QString());
+        QCOMPARE(QFile::permissions(Path("scene"_s)).testFlag(QFile::WriteOwner), !mayLink);
+        QCOMPARE(ReadFile(Path("scene"_s)), QByteArray(content));
     }
 
     void UnpacksWholeFilesOnly()

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "farm/rendering/frame_files.h"
+#include "farm/rendering/job_types.h"
+#include "farm/runner/run_order.h"
+
+namespace farm {
+
+/// What all renderers have in common.
+struct Renderers
+{
+    /// Renderers reach nothing of this folder but their scenes and pictures.
+    QString hidden;
+    /// The user who runs them; empty for the farm's own.
+    QString user;
+};
+
+/// How to render the frame of the task at its place.
+RunOrder OrderFor(const RunId& id, const FrameTask& task, const JobType& type, const RenderPlace& place,
+    const Renderers& renderers);
+
+} // namespace farm
