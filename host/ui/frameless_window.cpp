@@ -1,5 +1,7 @@
 #include "host/ui/frameless_window.h"
 
+#include "host/ui/screen_fit.h"
+
 #include <QApplication>
 #include <QMouseEvent>
 #include <QPushButton>
@@ -156,6 +158,7 @@ void FramelessWindow::CentreForm()
     const QWidget* active = QApplication::activeWindow();
     const QWidget* over = active && active != m_form ? active : nullptr;
     const QRect screen = (over ? over : m_form)->screen()->availableGeometry();
+    FitScreen(m_form, screen.size());
     QRect place = m_form->geometry();
     place.moveCenter(over ? over->geometry().center() : screen.center());
     m_form->move(KeptWithin(place, screen).topLeft());

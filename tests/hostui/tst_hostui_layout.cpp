@@ -4,6 +4,7 @@
 #include "host/settings/setting_keys.h"
 #include "host/ui/form_layout.h"
 #include "host/ui/frameless_window.h"
+#include "host/ui/screen_fit.h"
 #include "host/ui/window_place.h"
 #include "tests/hostui/memory_settings.h"
 #include "tests/hostui/small_form.h"
@@ -145,6 +146,25 @@ private slots:
     }
 
     /// A user's columns fill the table of any width in each session; the tab is that of the last run, once.
+    void FitsDialogsOnSmallScreens()
+    {
+        const QSize room(640, 360);
+        for (const int least : {100, 500}) {
+            QDialog form;
+            auto* column = new QVBoxLayout(&form);
+            auto* body = new QWidget;
+            body->setObjectName("wgtBody"_s);
+            body->setMinimumHeight(least);
+            column->addWidget(body);
+            form.setFixedSize(540, 520);
+            for (int shown = 0; shown < 2; ++shown)
+                FitScreen(&form, room);
+            QCOMPARE(form.size(), QSize(540, 360));
+            QCOMPARE(form.findChildren<QScrollArea*>().size(), int(least > room.height()));
+            QVERIFY(form.isAncestorOf(body));
+        }
+    }
+
     void KeepsColumnsAndTab()
     {
         MemorySettings settings;
