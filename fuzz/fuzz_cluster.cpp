@@ -1,4 +1,4 @@
-// What the commands of a Slurm cluster print.
+// The output of a Slurm cluster's commands.
 #include "farm/slurm/cluster_limits.h"
 #include "farm/slurm/command_fault.h"
 #include "farm/slurm/run_end_rules.h"

@@ -18,7 +18,7 @@ std::mutex& PasswordMutex()
     return mutex;
 }
 
-/// What an unknown name is compared with. It takes as long as a wrong password, so that the time does not reveal which names
+/// The hash with which unknown names are compared. That takes as long as a wrong password, so that the time does not reveal which names
 /// exist.
 const QString& NobodysPassword()
 {

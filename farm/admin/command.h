@@ -10,7 +10,7 @@ class App;
 
 namespace farm {
 
-/// What a command does to the farm's database, which a running farm may be using. Returns the exit code of the program.
+/// Changes or reads the farm's database, which a running farm may be using. Returns the exit code of the program.
 using CommandWork = std::function<int(Database&)>;
 
 /// Adds a command to the command line or below another command; when the command line names it, `chosen` becomes `work`.

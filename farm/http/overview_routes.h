@@ -11,7 +11,7 @@ class FramesInWork;
 class LogStore;
 class RequestGate;
 
-/// What the page for administrators shows, and the figures for monitoring.
+/// Routes for the administrators' page and for monitoring.
 class OverviewRoutes
 {
 public:

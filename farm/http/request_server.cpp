@@ -13,7 +13,7 @@ constexpr std::size_t BodyThreads = 64;
 
 } // namespace
 
-/// What the library takes for its threads: the waiting room, and the threads to which it leads.
+/// Stands in for the library's threads: the waiting room, and the threads to which it leads.
 class RequestServer::Admission : public httplib::TaskQueue
 {
 public:

@@ -36,7 +36,7 @@ struct FailedJob
     std::int64_t endedAt = 0; // seconds since the epoch; 0 while the job goes on
 };
 
-/// What administrators see of all accounts. Quick, however many jobs there are. Thread-safe.
+/// All accounts as administrators see them. Quick, however many jobs there are. Thread-safe.
 class FarmOverview
 {
 public:
@@ -45,7 +45,7 @@ public:
     bool IsAdministrator(std::int64_t account);
     /// Accounts that have jobs in one of these states, sorted by name.
     std::vector<AccountQueue> Queues();
-    /// Those that go on first, then the latest ones.
+    /// Failures that still go on come first, then the latest ones.
     std::vector<FailedJob> Failures(int most);
     /// The jobs with these keys.
     std::map<std::int64_t, NamedJob> Jobs(const std::set<std::int64_t>& keys);

@@ -25,7 +25,7 @@ struct RecordedRun
     RunId id;
     FrameTask task;
     RunFiles files;
-    /// What the executor has reported by Accepted(); empty when it had not come to that.
+    /// The executor's own name for the run, from Accepted(); empty when the run had not been accepted.
     QString handle;
 };
 

@@ -17,7 +17,7 @@ public:
     /// The level after that many more core-seconds at `now`. @param level of before; nothing for an account that has
     /// used nothing yet.
     double Add(std::optional<double> level, double coreSeconds, std::int64_t now) const;
-    /// What is left of the use at `now`, in core-seconds.
+    /// The use that is left at `now`, in core-seconds.
     double CoreSeconds(std::optional<double> level, std::int64_t now) const;
 
 private:

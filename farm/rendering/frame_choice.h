@@ -22,8 +22,8 @@ public:
     FrameChoice(SQLite::Database& connection, const QStringList& types, const std::set<FrameKey>& taken,
         const std::set<std::int64_t>& avoided, std::int64_t now);
 
-    /// Of the jobs with the highest priority, the early frames of all go first, then the other frames of the oldest. Of a
-    /// job, a failed frame whose pause is over goes first.
+    /// Jobs with the highest priority go first: the early frames of them all, then the other frames of the oldest one. In
+    /// a job, a failed frame whose pause is over goes first.
     std::optional<FrameKey> Of(std::int64_t account);
 
 private:

@@ -13,7 +13,7 @@
 
 namespace farm {
 
-/// What came of work on the files of a run.
+/// The outcome of work on the files of a run.
 struct FileReport
 {
     bool ok = false;

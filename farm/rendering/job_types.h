@@ -18,7 +18,7 @@ struct JobType
     QString program;
     QStringList arguments;
     QString suffix;
-    /// What a frame asks for and may use at most.
+    /// Resources that a frame asks for, and its limits.
     Resources resources;
     /// Whether the renderer may read only its scene and the machine's programs, and write only its picture.
     bool confined = true;
@@ -27,7 +27,7 @@ struct JobType
     QStringList writable;
     /// The most frames of the type that are rendered at a time, for example as many as there are licences; 0 for any number.
     int framesAtOnce = 0;
-    /// What differs for this type on a Slurm cluster: "partition", "account", "qos", "constraint" and "frames_per_task".
+    /// Settings of this type on a Slurm cluster: "partition", "account", "qos", "constraint" and "frames_per_task".
     QMap<QString, QString> slurm;
 };
 

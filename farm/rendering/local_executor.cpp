@@ -90,7 +90,7 @@ void LocalExecutor::Stop()
         process.second->terminate();
     for (const auto& process : m_processes)
         process.second->waitForFinished(static_cast<int>(deadline.remainingTime()));
-    // Whatever is left is killed with its process, and by the next farm.
+    // Processes that are left are killed with their runner, and at the latest by the next farm.
     m_processes.clear();
 }
 

@@ -6,7 +6,7 @@
 
 namespace farm {
 
-/// What all renderers have in common.
+/// Settings that all renderers share.
 struct Renderers
 {
     /// Renderers reach nothing of this folder but their scenes and pictures.

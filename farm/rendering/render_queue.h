@@ -21,7 +21,7 @@ namespace farm {
 struct QueueSettings
 {
     Micros pricePerCoreSecond = DefaultPrice;
-    /// What an account used this long ago counts half. An account that comes to a busy farm has the first claim to it for
+    /// Core time that an account used this long ago counts half. An account that comes to a busy farm has the first claim to it for
     /// about this time.
     std::chrono::seconds useHalfLife {3600};
     /// Before the second attempt at a frame; twice as long before the third.

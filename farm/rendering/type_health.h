@@ -39,7 +39,7 @@ public:
     /// The type was stopped when an earlier farm ran.
     void Stop(const QString& type, std::int64_t now);
     bool IsStopped(const QString& type) const;
-    /// What a stopped type may do now.
+    /// The trial that a stopped type may begin now.
     Trial TrialOf(const QString& type, std::int64_t now) const;
     /// This frame of the stopped type tries now.
     void BeginTrial(const QString& type, const FrameKey& frame, std::int64_t now);

@@ -7,7 +7,7 @@
 /// The processes below the calling one, which must be a subreaper, so that none can leave the tree.
 namespace farm::ProcessTree {
 
-/// What the tree uses at this moment.
+/// The resources that the tree uses at this moment.
 struct Use
 {
     int tasks = 0;           ///< processes and threads

@@ -44,7 +44,7 @@ struct RunResult
     QString host;
 };
 
-/// What a run asks for, and may use at most.
+/// Resources that a run asks for, and its limits.
 struct Resources
 {
     int cores = 1;
@@ -67,7 +67,7 @@ struct RunFiles
 
     /// The order in JSON, for the program quillstar-run-frame. It is there before the run is started.
     QString Order() const { return folder + QStringLiteral("/order.json"); }
-    /// What quillstar-run-frame reports at the end, in JSON. The file is complete once it exists.
+    /// The report of quillstar-run-frame at the end, in JSON. The file is complete once it exists.
     QString Outcome() const { return folder + QStringLiteral("/outcome.json"); }
     /// All that the renderer has written.
     QString Log() const { return folder + QStringLiteral("/log.txt"); }

@@ -1,6 +1,6 @@
 #pragma once
 
-/// What a renderer is denied by the kind of system call, whatever its user may do.
+/// Denies a renderer some kinds of system calls, whatever its user may do.
 namespace farm::SystemCalls {
 
 /// Forbids the calling process, and all that it starts, to change the permissions and attributes of files. A scene may

@@ -53,7 +53,7 @@ int FramesPerTask(const QString& batchName);
 /// The arguments of sbatch, which reads the script from its standard input.
 QStringList SubmitArguments(const Batch& batch);
 
-/// What each task runs.
+/// The script that each task runs.
 /// @param list is a file that every node sees, with the folder of a run in each line, in the order of the batch.
 /// @param runner is quillstar-run-frame on the nodes.
 QByteArray BatchScript(int framesPerTask, const QString& list, const QString& runner);

@@ -6,7 +6,7 @@
 
 namespace farm {
 
-/// What the configuration of the cluster means for the farm.
+/// Limits that the configuration of the cluster sets for the farm.
 struct ClusterLimits
 {
     int arraySize = 1001;  ///< the number after the highest index of an array

@@ -32,7 +32,7 @@ public:
 
 signals:
     void Changed();
-    /// What is missing, once for each finding. A sentence.
+    /// Names what is missing, in a sentence, once for each finding.
     void Found(const QString& fault);
 
 private:

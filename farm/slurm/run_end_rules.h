@@ -16,16 +16,16 @@ enum class TaskPhase {
 /// A state that this version of the farm does not know counts as running: the task leaves the queue at its end.
 TaskPhase PhaseOf(const QString& state);
 
-/// What is known about a run on the cluster.
+/// Evidence about a run on the cluster.
 struct RunEvidence
 {
     /// Its task, as Slurm reports it; nothing when Slurm does not know it any more.
     std::optional<ClusterTask> task;
     /// Whether the node has begun with the run.
     bool wasStarted = false;
-    /// What quillstar-run-frame has reported.
+    /// The report of quillstar-run-frame.
     std::optional<RunResult> outcome;
-    /// What it has written when it could not even report; may be empty.
+    /// The text that it wrote when it could not even report; may be empty.
     QString complaint;
     bool isCancelWanted = false;
     /// Whether an outcome that a node has written would have been seen by now, although shared folders show new files late.

@@ -50,7 +50,7 @@ private:
     std::unique_ptr<WorkerProcess> m_program;
 };
 
-/// What Slurm says of the farm's frames.
+/// The farm's frames as Slurm lists them.
 QStringList Tasks(const QString& format)
 {
     QProcess squeue;

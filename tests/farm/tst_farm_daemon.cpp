@@ -29,7 +29,7 @@ public:
 
 namespace {
 
-// What damages the records of a farm with one job, and what mends them.
+// A statement that damages the records of a farm with one job, and the one that mends them.
 const std::pair<const char*, const char*> Harms[] = {
     {"UPDATE job_counts SET jobs = 2 WHERE shift = 12", "UPDATE job_counts SET jobs = 1"},
     {"UPDATE frames SET finished_at = 1, file = 'frame_0001.txt', size = 5",

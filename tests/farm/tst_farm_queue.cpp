@@ -84,7 +84,7 @@ private slots:
         const double level = use.Add(use.Add({}, 60, 1000), 20, 1100);
         QCOMPARE(use.CoreSeconds(level, 1100), 50.0);
         QCOMPARE(use.CoreSeconds(level, 1300), 12.5);
-        // What is being rendered counts before it is recorded.
+        // Frames in work count before they are recorded.
         QCOMPARE(OrderOfTurns({{1, 0, 30, 2, 50}, {2, 0, 70, 0, 0}}).front(), std::int64_t(2));
     }
 

@@ -53,7 +53,7 @@ const std::tuple<const char*, const char*, const char*, int, const char*> Ends[]
     {"forgotten", "", "sl", int(RunEnd::MachineLost), "not know the task"},
 };
 
-// What the commands of Slurm 22.05 write when they fail, what it means, and part of the sentence about it.
+// The errors of Slurm 22.05's commands, their meanings, and part of the sentence about each.
 const std::tuple<const char*, const char*, CommandFault, const char*> Faults[] = {
     {"no controller", "slurm_load_jobs error: Unable to contact slurm controller (connect failure)",
         CommandFault::Unreachable, "slurmctld) does not answer"},
