@@ -156,7 +156,7 @@ public:
         const QDir folder(m_root.filePath("farm/jobs/"_s + job.id));
         folder.mkpath("."_s);
         QFile::copy(picture, folder.filePath(name));
-        farm::RenderQueue queue(m_data->database, m_data->feed, {});
+        farm::RenderQueue queue(m_data->database, m_data->feed, m_data->terms);
         queue.Finish({job.key, 1, 1},
             {name, QFileInfo(picture).size(), storage::FileChecksum(folder.filePath(name))}, 1, 1);
 

@@ -24,7 +24,7 @@ public:
     {
         arguments = QStringList(PrepareFarm(m_folder.path()));
         FarmData data(m_folder.path());
-        farm::RenderQueue queue(data.database, data.feed, {});
+        farm::RenderQueue queue(data.database, data.feed, data.terms);
         for (int job = 0; job < Jobs; ++job) {
             const farm::AddedJob added = data.jobs.Add(data.Job("shot"_s, Frames));
             const QDir folder(m_folder.filePath("jobs/"_s + added.id));

@@ -7,7 +7,7 @@
 inline QString PrepareFarm(const QString& folder)
 {
     FarmData data(folder);
-    data.Change("UPDATE accounts SET balance = 1000000000");
+    data.SetBalance(1'000'000'000);
     return data.accounts.SignIn("ann"_s, "secret"_s, QDateTime::currentSecsSinceEpoch())->token;
 }
 

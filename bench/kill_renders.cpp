@@ -64,7 +64,7 @@ public:
         m_run.LetWork(*m_farm);
         const QByteArrayList renderers = Renderers();
         if (m_run.Below(2) == 0) {
-            m_data.accounts.Credit("ann"_s, Payment);
+            farm::Ledger(m_data.database).Pay("ann"_s, Payment, {}, 0);
             m_paid += Payment;
         }
         m_run.Count(m_farm->Has("listening on "), IsDone());

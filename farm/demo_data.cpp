@@ -1,6 +1,8 @@
 #include "farm/demo_data.h"
 
 #include "farm/accounts/account_store.h"
+#include "farm/accounts/ledger.h"
+#include "farm/accounts/project_store.h"
 #include "farm/jobs/frame_store.h"
 #include "farm/jobs/job_actions.h"
 #include "farm/jobs/job_store.h"
@@ -152,71 +154,90 @@ void AddPastJob(SQLite::Database& connection, JobStore& jobs, const NewJob& job)
     KeepFrameLog(connection, key, done + 1, Failure + QLatin1String(FailureLog));
 }
 
-std::int64_t AddDemoAccount(AccountStore& accounts, std::vector<std::int64_t>& projects)
+struct DemoAccount
+{
+    const char* name;
+    Micros balance;
+    Micros secondBalance;
+};
+
+constexpr DemoAccount Demo {"demo", 65'980'000, 12'500'000};
+constexpr DemoAccount Studio {"studio", 1'280'500'000, 300'000'000};
+// Its balance was spent while one job was being rendered and others were waiting.
+constexpr DemoAccount Arrears {"arrears", -370'000, 0};
+
+std::int64_t AddAccount(AccountStore& accounts, const DemoAccount& demo)
 {
     NewAccount account;
-    account.name = QStringLiteral("demo");
-    account.email = QStringLiteral("demo@quillstar.example");
-    account.password = QStringLiteral("demo");
-    account.bound = true; // clients show the balance of other accounts as a single character
-    account.balance = 65'980'000;
-    account.secondBalance = 12'500'000;
-    const std::int64_t key = accounts.Add(account);
-    for (const DemoProject& project : DemoProjects)
-        projects.push_back(
-            accounts.AddProject(key, {QLatin1String(project.name), QLatin1String(project.pool)}));
+    account.name = QLatin1String(demo.name);
+    account.email = account.name + QStringLiteral("@quillstar.example");
+    account.password = account.name;
+    account.bound = true;
+    account.secondBalance = demo.secondBalance;
+    return accounts.Add(account);
+}
+
+// Pays in as much as makes up the balance with the charges of the past jobs.
+void PayIn(SQLite::Database& connection, std::int64_t account, const DemoAccount& demo, std::int64_t now)
+{
+    SQLite::Statement query(connection, "SELECT balance FROM accounts WHERE key = ?");
+    Bind(query, account);
+    query.executeStep();
+    AddPayment(connection, account, demo.balance - query.getColumn(0).getInt64(),
+        QStringLiteral("opening balance"), now - ThreeWeeks);
+}
+
+std::int64_t AddProject(
+    ProjectStore& projects, const DemoProject& project, const DemoAccount& member, std::int64_t now)
+{
+    const std::int64_t key = projects.Add({QLatin1String(project.name), QLatin1String(project.pool)}, now);
+    projects.Assign(QLatin1String(project.pool), QLatin1String(member.name), now);
     return key;
 }
 
-void AddDemo(SQLite::Database& connection, AccountStore& accounts, JobStore& jobs, std::int64_t now)
+void AddDemo(SQLite::Database& connection, AccountStore& accounts, ProjectStore& projects, JobStore& jobs,
+    std::int64_t now)
 {
-    std::vector<std::int64_t> projects;
-    const std::int64_t account = AddDemoAccount(accounts, projects);
+    const std::int64_t account = AddAccount(accounts, Demo);
+    std::vector<std::int64_t> keys;
+    keys.reserve(DemoProjects.size());
+    for (const DemoProject& project : DemoProjects)
+        keys.push_back(AddProject(projects, project, Demo, now));
     for (int index = 0; index < PastJobs; ++index) {
         NewJob job = PastJob(index, now);
         job.account = account;
-        job.project = projects.at(static_cast<std::size_t>(index) % projects.size());
+        job.project = keys.at(static_cast<std::size_t>(index) % keys.size());
         AddPastJob(connection, jobs, job);
     }
+    PayIn(connection, account, Demo, now);
 }
 
-void AddStudio(SQLite::Database& connection, AccountStore& accounts, JobStore& jobs, std::int64_t now)
+void AddStudio(SQLite::Database& connection, AccountStore& accounts, ProjectStore& projects, JobStore& jobs,
+    std::int64_t now)
 {
-    NewAccount account;
-    account.name = QStringLiteral("studio");
-    account.email = QStringLiteral("studio@quillstar.example");
-    account.password = QStringLiteral("studio");
-    account.bound = true;
-    account.balance = 1'280'500'000;
-    account.secondBalance = 300'000'000;
-    const std::int64_t key = accounts.Add(account);
-    const std::int64_t project
-        = accounts.AddProject(key, {QStringLiteral("Showreel"), QStringLiteral("pool-showreel")});
+    const std::int64_t account = AddAccount(accounts, Studio);
+    const std::int64_t project = AddProject(projects, {"Showreel", "pool-showreel"}, Studio, now);
     for (int index = 0; index < PastJobs; index += 9) {
         NewJob job = PastJob(index, now);
-        job.account = key;
+        job.account = account;
         job.project = project;
         AddPastJob(connection, jobs, job);
     }
+    PayIn(connection, account, Studio, now);
 }
 
-// An account whose balance was spent while one job was being rendered and others were waiting.
 void AddArrears(SQLite::Database& connection, AccountStore& accounts, JobStore& jobs, std::int64_t now)
 {
     constexpr std::array<JobStatus, 5> Statuses {JobStatus::Finished, JobStatus::Finished,
         JobStatus::PausedInArrears, JobStatus::Arrears, JobStatus::Arrears};
-    NewAccount account;
-    account.name = QStringLiteral("arrears");
-    account.email = QStringLiteral("arrears@quillstar.example");
-    account.password = QStringLiteral("arrears");
-    account.balance = -370'000;
-    const std::int64_t key = accounts.Add(account);
+    const std::int64_t account = AddAccount(accounts, Arrears);
     for (std::size_t index = 0; index < Statuses.size(); ++index) {
         NewJob job = PastJob(static_cast<int>(index), now);
-        job.account = key;
+        job.account = account;
         job.status = Statuses.at(index);
         AddPastJob(connection, jobs, job);
     }
+    PayIn(connection, account, Arrears, now);
 }
 
 void AddLiveJobs(JobStore& jobs, std::int64_t account, std::int64_t now)
@@ -251,12 +272,18 @@ QStringList FindLiveJobs(SQLite::Database& connection, std::int64_t account)
 
 } // namespace
 
-void ProvideDemo(Database& database, AccountStore& accounts, JobStore& jobs, std::int64_t now)
+QStringList DemoAccounts()
+{
+    return {QLatin1String(Demo.name), QLatin1String(Studio.name), QLatin1String(Arrears.name)};
+}
+
+void ProvideDemo(
+    Database& database, AccountStore& accounts, ProjectStore& projects, JobStore& jobs, std::int64_t now)
 {
     const QStringList ended = database.Write([&](SQLite::Database& connection) {
         if (accounts.IsEmpty()) {
-            AddDemo(connection, accounts, jobs, now);
-            AddStudio(connection, accounts, jobs, now);
+            AddDemo(connection, accounts, projects, jobs, now);
+            AddStudio(connection, accounts, projects, jobs, now);
             AddArrears(connection, accounts, jobs, now);
             AddLiveJobs(jobs, accounts.Find(QStringLiteral("demo")).value(), now);
         }

@@ -1,8 +1,10 @@
 #include "farm/farm.h"
 
+#include "farm/accounts/audit.h"
 #include "farm/accounts/secrets.h"
 #include "farm/base/local_time.h"
 #include "farm/demo_data.h"
+#include "farm/exposure.h"
 #include "farm/rendering/local_executor.h"
 #include "farm/slurm/slurm_executor.h"
 
@@ -25,8 +27,7 @@ constexpr std::chrono::seconds OutsideInterval {1};
 
 QueueSettings QueueSettingsOf(const FarmSettings& settings, const JobTypes& types)
 {
-    QueueSettings queue {
-        settings.pricePerCoreSecond, settings.useHalfLife, settings.retryPause, settings.framesPerAccount};
+    QueueSettings queue {settings.useHalfLife, settings.retryPause, settings.framesPerAccount};
     for (auto type = types.cbegin(); type != types.cend(); ++type)
         queue.framesPerType.insert(type.key(), type->framesAtOnce);
     return queue;
@@ -39,12 +40,14 @@ Farm::Farm(const FarmSettings& settings)
     , m_dataFolder(MakeFolder(settings.dataFolder))
     , m_lock(m_dataFolder, LockWait, settings.takeOver)
     , m_database(DatabaseFile(m_dataFolder), Schema(), {Readers, true})
+    , m_terms(settings.pricePerCoreSecond, settings.quota)
     , m_accounts(m_database, settings.sessionSeconds)
+    , m_projects(m_database)
     , m_jobs(m_database)
     , m_types(ReadJobTypes(settings.jobTypesFile))
     , m_contents(m_database, Folder("contents"))
-    , m_uploads(m_database, m_contents, Folder("uploads"), settings.quota)
-    , m_queue(m_database, m_feed, QueueSettingsOf(settings, m_types))
+    , m_uploads(m_database, m_contents, Folder("uploads"), m_terms)
+    , m_queue(m_database, m_feed, m_terms, QueueSettingsOf(settings, m_types))
     , m_runs(m_database)
     , m_rendererUser(settings.rendererUser)
     , m_scenes(m_database, m_contents, settings.sceneFolder, m_rendererUser)
@@ -57,20 +60,22 @@ Farm::Farm(const FarmSettings& settings)
     , m_scheduler({m_queue, m_runs, *m_executor, m_files, m_inWork}, m_types,
           {m_dataFolder, settings.rendererUser}, settings.lookInterval)
     , m_actions(m_database, m_feed, [this] { m_scheduler.NudgeLater(); })
-    , m_submission(m_database, m_jobs, m_contents, m_types.keys(), settings.quota, m_feed,
+    , m_submission(m_database, m_jobs, m_contents, m_types.keys(), m_terms, m_feed,
           [this] { m_scheduler.NudgeLater(); })
-    , m_http({m_accounts, m_contents, m_uploads, m_jobs, m_actions, m_submission, m_frames, m_inWork,
-                 m_pictures, m_feed, m_overview, m_logs, QDir(m_dataFolder)},
-          settings.limits)
+    , m_http({m_accounts, m_projects, m_contents, m_uploads, m_jobs, m_actions, m_submission, m_frames,
+                 m_inWork, m_pictures, m_feed, m_overview, m_logs, QDir(m_dataFolder)},
+          settings.limits, settings.proxies)
 {
+    CheckExposure(m_accounts, settings);
     PreparePasswords();
     DoHousekeeping();
     QObject::connect(&m_housekeepingTimer, &QTimer::timeout, [this] { DoHousekeeping(); });
     m_housekeepingTimer.start(HousekeepingInterval);
     QObject::connect(&m_outsideTimer, &QTimer::timeout, [this] { AnnounceOutsideChanges(); });
     m_outsideTimer.start(OutsideInterval);
+    m_lastLogged = LastAuditKey(m_database);
     if (settings.demo)
-        ProvideDemo(m_database, m_accounts, m_jobs, Now());
+        ProvideDemo(m_database, m_accounts, m_projects, m_jobs, Now());
     m_port = m_http.Start(settings.address, settings.port);
     m_scheduler.Nudge();
 }
@@ -82,6 +87,12 @@ Farm::~Farm()
     m_uploads.Interrupt();
     m_feed.Close();
     m_http.Stop();
+    AnnounceOutsideChanges(); // logs the last changes
+}
+
+void Farm::TakeOver(const FarmSettings& settings)
+{
+    m_terms.Change(settings.pricePerCoreSecond, settings.quota);
 }
 
 QString Farm::MakeFolder(const QString& path)
@@ -120,15 +131,24 @@ void Farm::DoHousekeeping()
     }
 }
 
-/// Another process may have paid money into an account.
+/// Another process may have paid money into an account or ended a session.
 void Farm::AnnounceOutsideChanges()
 {
     try {
+        LogChanges();
         if (m_feed.SubscriberCount() > 0 && m_database.WasChangedByOthers())
             m_feed.AnnounceToAll({{}, true, true});
     } catch (const std::exception& error) {
         spdlog::error("changes of other processes cannot be noticed: {}", error.what());
     }
+}
+
+void Farm::LogChanges()
+{
+    ForEachAuditEntryAfter(m_database, m_lastLogged, [this](const AuditEntry& entry) {
+        m_lastLogged = entry.key;
+        spdlog::info(SentenceOf(entry).toStdString());
+    });
 }
 
 QString Farm::DatabaseFile(const QString& dataFolder)

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "farm/accounts/account_store.h"
+#include "farm/accounts/account_terms.h"
+#include "farm/accounts/project_store.h"
 #include "farm/base/change_feed.h"
 #include "farm/base/schema.h"
 #include "farm/data_lock.h"
@@ -54,13 +56,15 @@ struct FarmSettings
     std::int64_t sessionSeconds = std::int64_t {7} * 24 * 3600;
     /// Creates the demo accounts in an empty farm and keeps "demo" supplied with jobs.
     bool demo = true;
-    /// The most bytes that the contents and unfinished uploads of an account may take.
+    /// The most bytes that the contents and unfinished uploads of an account may take, unless it has a quota of its own.
     std::int64_t quota = std::int64_t {20} * 1024 * 1024 * 1024;
     /// Ignores a lock of the data folder that another machine holds.
     bool takeOver = false;
     /// The user of this machine who runs the renderers of a farm that runs as root; empty for the farm's own user.
     QString rendererUser;
     RequestLimits limits;
+    /// The addresses of proxies through which clients come.
+    QStringList proxies;
 };
 
 /// A running farm. It serves requests and renders from construction to destruction.
@@ -71,6 +75,9 @@ public:
     explicit Farm(const FarmSettings& settings);
     /// Ends renderers at once and waits for the requests being served.
     ~Farm();
+
+    /// Goes by the price and the quota of these settings from now on. The others hold from the next start.
+    void TakeOver(const FarmSettings& settings);
 
     /// The path of the database in a data folder.
     static QString DatabaseFile(const QString& dataFolder);
@@ -84,13 +91,16 @@ private:
     std::unique_ptr<Executor> MakeExecutor() const;
     void DoHousekeeping();
     void AnnounceOutsideChanges();
+    void LogChanges();
 
     FarmSettings m_settings;
     QString m_dataFolder;
     DataLock m_lock;
     Database m_database;
     ChangeFeed m_feed;
+    AccountTerms m_terms;
     AccountStore m_accounts;
+    ProjectStore m_projects;
     JobStore m_jobs;
     JobTypes m_types;
     ContentStore m_contents;
@@ -113,6 +123,7 @@ private:
     QTimer m_housekeepingTimer;
     QTimer m_outsideTimer;
     int m_port = 0;
+    std::int64_t m_lastLogged = 0; // the key of an audit entry
 };
 
 } // namespace farm

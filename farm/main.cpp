@@ -34,6 +34,16 @@ int Administer(const farm::AdminCommands& commands, const QString& folder)
     return commands.Run(database);
 }
 
+/// The options for serving, read again.
+farm::FarmSettings ReadSettings(int argc, char** argv)
+{
+    CLI::App app;
+    const farm::ServeOptions options(app);
+    app.parse(argc, argv);
+    spdlog::set_level(spdlog::level::from_str(options.LogLevel()));
+    return options.Settings();
+}
+
 int Run(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
@@ -51,7 +61,8 @@ int Run(int argc, char** argv)
     }
     spdlog::set_level(spdlog::level::from_str(options.LogLevel()));
     return commands.IsChosen() ? Administer(commands, options.DataFolder())
-                               : farm::Serve(options.Settings(), options.StopsWithStdin());
+                               : farm::Serve(options.Settings(), options.StopsWithStdin(),
+                                   [argc, argv] { return ReadSettings(argc, argv); });
 }
 
 } // namespace

@@ -21,20 +21,30 @@ constexpr std::chrono::seconds LongestEnd {3};
 // The write end of the pipe that carries a signal from its handler into the event loop.
 int signalPipe = -1;
 
-void HandleSignal(int)
+void HandleSignal(int signal)
 {
-    const char byte = 0;
+    const char byte = char(signal);
     [[maybe_unused]] const ssize_t written = ::write(signalPipe, &byte, 1);
 }
 
-std::unique_ptr<QSocketNotifier> QuitOnSignals()
+// Calls `reload` on SIGHUP and quits on other signals.
+std::unique_ptr<QSocketNotifier> WatchSignals(const std::function<void()>& reload)
 {
     int ends[2] = {};
     if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0)
         throw std::runtime_error("cannot create a pipe");
     signalPipe = ends[1];
     auto notifier = std::make_unique<QSocketNotifier>(ends[0], QSocketNotifier::Read);
-    QObject::connect(notifier.get(), &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
+    QObject::connect(notifier.get(), &QSocketNotifier::activated, qApp, [reload, file = ends[0]] {
+        char signal = 0;
+        while (::read(file, &signal, 1) == 1) {
+            if (signal != SIGHUP)
+                QCoreApplication::quit();
+            else
+                reload();
+        }
+    });
+    std::signal(SIGHUP, HandleSignal);
     std::signal(SIGTERM, HandleSignal);
     std::signal(SIGINT, HandleSignal);
     std::signal(SIGPIPE, SIG_IGN);
@@ -57,12 +67,20 @@ std::unique_ptr<QSocketNotifier> QuitAtEndOfStdin()
 
 } // namespace
 
-int Serve(const FarmSettings& settings, bool stopWithStdin)
+int Serve(const FarmSettings& settings, bool stopWithStdin, const std::function<FarmSettings()>& reload)
 {
-    const auto signalNotifier = QuitOnSignals();
+    std::unique_ptr<Farm> farm;
+    const auto signalNotifier = WatchSignals([&farm, &reload] {
+        try {
+            farm->TakeOver(reload());
+            spdlog::info("the settings were read again");
+        } catch (const std::exception& error) {
+            spdlog::error("the settings stay as they were: {}", error.what());
+        }
+    });
     const auto stdinNotifier = stopWithStdin ? QuitAtEndOfStdin() : nullptr;
-    const Farm farm(settings);
-    std::printf("listening on %s\n", qPrintable(farm.Url()));
+    farm = std::make_unique<Farm>(settings);
+    std::printf("listening on %s\n", qPrintable(farm->Url()));
     std::fflush(stdout);
     const int result = QCoreApplication::exec();
     spdlog::info("shutting down");

@@ -1,6 +1,7 @@
 #include "farm/serve_options.h"
 
 #include "farm/admin/command_values.h"
+#include "farm/toml_config.h"
 
 #include <QCoreApplication>
 #include <QThread>
@@ -34,6 +35,9 @@ ServeOptions::ServeOptions(CLI::App& app)
     , m_jobTypesFile(Beside("job_types.json"))
     , m_sceneFolder(Beside("scenes"))
 {
+    app.config_formatter(TomlConfig(app));
+    app.set_config("--config", "", "TOML file with options; those of the command line go first.")
+        ->type_name("FILE");
     app.add_option("--data", m_dataFolder, "Folder for the farm's data.")->required()->type_name("FOLDER");
     AddNetwork(app);
     AddRendering(app);
@@ -55,6 +59,11 @@ void ServeOptions::AddNetwork(CLI::App& app)
         ->type_name("PORT")
         ->check(IsWholeNumber(0, HighestPort))
         ->capture_default_str();
+    app.add_option("--behind-proxy", m_proxies,
+           "Address of a proxy whose word about the address of a client is believed; may be repeated.")
+        ->type_name("ADDRESS")
+        ->delimiter(',')
+        ->allow_extra_args(false);
 }
 
 void ServeOptions::AddRendering(CLI::App& app)
@@ -150,6 +159,8 @@ FarmSettings ServeOptions::Settings() const
     settings.jobTypesFile = QString::fromStdString(m_jobTypesFile);
     settings.address = QString::fromStdString(m_address);
     settings.port = m_port;
+    for (const std::string& proxy : m_proxies)
+        settings.proxies.append(QString::fromStdString(proxy));
     settings.slotCount = m_slotCount;
     if (m_executor == "slurm")
         settings.slurm = Slurm();

@@ -3,6 +3,7 @@
 #include "farm/farm.h"
 
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -34,6 +35,7 @@ private:
     std::string m_dataFolder;
     std::string m_address;
     int m_port = 0;
+    std::vector<std::string> m_proxies;
     int m_slotCount = 1;
     int m_framesPerAccount = 0;
     int m_quota = 20; // GiB

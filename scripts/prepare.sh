@@ -3,7 +3,7 @@
 PACKAGES="g++ cmake ninja-build ccache pkg-config
     qtbase5-dev libqt5svg5-dev qtmultimedia5-dev libqt5multimedia5-plugins
     qttools5-dev qttools5-dev-tools qttranslations5-l10n
-    libspdlog-dev libcli11-dev libcpp-httplib-dev libsqlitecpp-dev libsqlite3-dev libsodium-dev libzip-dev libopenexr-dev zlib1g-dev libssl-dev
+    libspdlog-dev libcli11-dev libtomlplusplus-dev libcpp-httplib-dev libsqlitecpp-dev libsqlite3-dev libsodium-dev libzip-dev libopenexr-dev zlib1g-dev libssl-dev
     povray povray-includes
     xvfb xauth fonts-dejavu-core fonts-inter fonts-wqy-microhei"
 

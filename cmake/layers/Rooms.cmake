@@ -13,7 +13,7 @@ set(ROOM_RULES
     "farm/base: storage"
     "farm/accounts: farm/base storage"
     "farm/admin: farm/accounts farm/base storage"
-    "farm/uploads: farm/base storage"
+    "farm/uploads: farm/accounts farm/base storage"
     "farm/jobs: farm/uploads farm/accounts farm/base storage"
     "farm/runner: json"
     "farm/rendering: farm/runner farm/jobs farm/uploads farm/accounts farm/base storage processes"

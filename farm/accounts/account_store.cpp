@@ -1,7 +1,10 @@
 #include "farm/accounts/account_store.h"
 
+#include "farm/accounts/account_names.h"
+#include "farm/accounts/audit.h"
+#include "farm/accounts/ledger.h"
 #include "farm/accounts/secrets.h"
-#include "farm/base/errors.h"
+#include "farm/base/local_time.h"
 
 namespace farm {
 
@@ -17,8 +20,8 @@ struct Credentials
 Credentials FindCredentials(Database& database, const QString& name)
 {
     return database.Read([&name](SQLite::Database& connection) {
-        SQLite::Statement query(
-            connection, "SELECT key, name, password FROM accounts WHERE name = ?1 OR email = ?1");
+        SQLite::Statement query(connection,
+            "SELECT key, name, password FROM accounts WHERE (name = ?1 OR email = ?1) AND disabled = 0");
         Bind(query, name);
         if (!query.executeStep())
             return Credentials {};
@@ -41,23 +44,17 @@ std::int64_t AccountStore::Add(const NewAccount& account)
     return m_database.Write([&](SQLite::Database& connection) {
         Execute(connection,
             "INSERT INTO accounts(name, email, password, bound, balance, second_balance) VALUES (?, ?, ?, ?, "
-            "?, ?)",
-            account.name, account.email, password, int(account.bound), account.balance,
-            account.secondBalance);
-        return std::int64_t(connection.getLastInsertRowid());
+            "0, ?)",
+            account.name, account.email, password, int(account.bound), account.secondBalance);
+        const std::int64_t key = connection.getLastInsertRowid();
+        if (account.balance != 0)
+            AddPayment(connection, key, account.balance, QStringLiteral("opening balance"), Now());
+        return key;
     });
 }
 
-std::int64_t AccountStore::AddProject(std::int64_t account, const Project& project)
-{
-    return m_database.Write([&](SQLite::Database& connection) {
-        Execute(connection, "INSERT INTO projects(account, name, pool) VALUES (?, ?, ?)", account,
-            project.name, project.pool);
-        return std::int64_t(connection.getLastInsertRowid());
-    });
-}
-
-std::optional<Session> AccountStore::SignIn(const QString& name, const QString& password, std::int64_t now)
+std::optional<Session> AccountStore::SignIn(
+    const QString& name, const QString& password, std::int64_t now, const QString& address)
 {
     const Credentials known = FindCredentials(m_database, name);
     if (!PasswordMatches(password, known.password))
@@ -65,29 +62,55 @@ std::optional<Session> AccountStore::SignIn(const QString& name, const QString& 
     const QString token = NewToken();
     m_database.Write([&](SQLite::Database& connection) {
         Execute(connection, "DELETE FROM sessions WHERE expires_at <= ?", now);
-        Execute(connection, "INSERT INTO sessions(token_hash, account, expires_at) VALUES (?, ?, ?)",
-            HashToken(token), known.account, now + m_sessionSeconds);
+        Execute(connection,
+            "INSERT INTO sessions(token_hash, account, expires_at, began_at, address) VALUES (?, ?, ?, ?, ?)",
+            HashToken(token), known.account, now + m_sessionSeconds, now, address);
+        RecordChange(connection, now, {known.name, address}, QStringLiteral("session begin"), known.name);
     });
     return Session {known.name, token};
 }
 
-void AccountStore::SignOut(const QString& token)
+void AccountStore::SignOut(const QString& token, std::int64_t now, const QString& address)
 {
-    m_database.Write([&token](SQLite::Database& connection) {
-        Execute(connection, "DELETE FROM sessions WHERE token_hash = ?", HashToken(token));
+    m_database.Write([&](SQLite::Database& connection) {
+        SQLite::Statement query(connection, "DELETE FROM sessions WHERE token_hash = ? RETURNING account");
+        Bind(query, HashToken(token));
+        if (!query.executeStep())
+            return;
+        const QString name = AccountName(connection, query.getColumn(0).getInt64());
+        query.reset();
+        RecordChange(connection, now, {name, address}, QStringLiteral("session end"), name);
+    });
+}
+
+bool AccountStore::HasSessionAt(const QString& name, const QString& address, std::int64_t now)
+{
+    return m_database.Read([&](SQLite::Database& connection) {
+        const auto account = FindAccount(connection, name);
+        SQLite::Statement query(
+            connection, "SELECT 1 FROM sessions WHERE account = ? AND address = ? AND expires_at > ?");
+        Bind(query, account ? account->key : 0, address, now);
+        return query.executeStep();
     });
 }
 
 std::optional<std::int64_t> AccountStore::AccountOf(const QString& token, std::int64_t now)
 {
     return m_database.Read([&](SQLite::Database& connection) -> std::optional<std::int64_t> {
-        SQLite::Statement query(
-            connection, "SELECT account FROM sessions WHERE token_hash = ? AND expires_at > ?");
+        SQLite::Statement query(connection,
+            "SELECT account FROM sessions JOIN accounts ON accounts.key = account "
+            "WHERE token_hash = ? AND expires_at > ? AND disabled = 0");
         Bind(query, HashToken(token), now);
         if (!query.executeStep())
             return std::nullopt;
         return query.getColumn(0).getInt64();
     });
+}
+
+bool AccountStore::IsPassword(const QString& name, const QString& password)
+{
+    const Credentials known = FindCredentials(m_database, name);
+    return known.account != 0 && PasswordMatches(password, known.password);
 }
 
 bool AccountStore::IsEmpty()
@@ -99,8 +122,10 @@ bool AccountStore::IsEmpty()
 
 std::optional<std::int64_t> AccountStore::Find(const QString& name)
 {
-    const std::int64_t account = FindCredentials(m_database, name).account;
-    return account != 0 ? std::optional<std::int64_t>(account) : std::nullopt;
+    return m_database.Read([&name](SQLite::Database& connection) {
+        const auto account = FindAccount(connection, name);
+        return account ? std::optional<std::int64_t>(account->key) : std::nullopt;
+    });
 }
 
 Account AccountStore::Info(std::int64_t account)
@@ -113,17 +138,6 @@ Account AccountStore::Info(std::int64_t account)
             throw std::runtime_error("no such account");
         return Account {Text(query.getColumn(0)), query.getColumn(1).getInt() != 0,
             query.getColumn(2).getInt64(), query.getColumn(3).getInt64()};
-    });
-}
-
-Micros AccountStore::Credit(const QString& name, Micros amount)
-{
-    return m_database.Write([&](SQLite::Database& connection) {
-        const auto account = Find(name);
-        if (!account)
-            throw NotFound("the farm has no such account");
-        Execute(connection, "UPDATE accounts SET balance = balance + ?2 WHERE key = ?1", *account, amount);
-        return Info(*account).balance;
     });
 }
 
@@ -145,19 +159,6 @@ std::vector<DaysSpending> AccountStore::Spending(std::int64_t account, const QDa
         }
     });
     return spending;
-}
-
-std::vector<Project> AccountStore::Projects(std::int64_t account)
-{
-    return m_database.Read([account](SQLite::Database& connection) {
-        SQLite::Statement query(
-            connection, "SELECT name, pool FROM projects WHERE account = ? ORDER BY name");
-        Bind(query, account);
-        std::vector<Project> projects;
-        while (query.executeStep())
-            projects.push_back({Text(query.getColumn(0)), Text(query.getColumn(1))});
-        return projects;
-    });
 }
 
 } // namespace farm

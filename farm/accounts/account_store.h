@@ -17,7 +17,9 @@ struct NewAccount
     QString name;
     QString email;
     QString password;
+    /// Clients show the balance of other accounts as a single character.
     bool bound = false;
+    /// Becomes the account's first payment.
     Micros balance = 0;
     /// Only bound accounts have one.
     Micros secondBalance = 0;
@@ -29,12 +31,6 @@ struct Account
     bool bound = false;
     Micros balance = 0;
     Micros secondBalance = 0;
-};
-
-struct Project
-{
-    QString name;
-    QString pool;
 };
 
 /// An account's charges of one day.
@@ -50,7 +46,7 @@ struct Session
     QString token;
 };
 
-/// Accounts, their sessions and their projects. Accounts are identified by a key; times are seconds since the epoch.
+/// Accounts and their sessions. Accounts are identified by a key; times are seconds since the epoch.
 /// Thread-safe.
 class AccountStore
 {
@@ -60,27 +56,27 @@ public:
 
     /// Returns the account's key; throws SQLite::Exception when the name or the e-mail address is taken.
     std::int64_t Add(const NewAccount& account);
-    /// Returns the project's key.
-    std::int64_t AddProject(std::int64_t account, const Project& project);
 
-    /// `name` is the account's name or e-mail address, ignoring case. Nothing when the name or the password is wrong.
-    std::optional<Session> SignIn(const QString& name, const QString& password, std::int64_t now);
+    /// `name` is the account's name or e-mail address, ignoring case; `address` is where the user signs in.
+    /// Nothing when the name or the password is wrong or the account is disabled.
+    std::optional<Session> SignIn(
+        const QString& name, const QString& password, std::int64_t now, const QString& address = {});
     /// Does nothing when the session has ended already.
-    void SignOut(const QString& token);
-    /// The account whose session this is; nothing once the session has ended.
+    void SignOut(const QString& token, std::int64_t now, const QString& address = {});
+    /// Whether a session of the account that began at this address lasts.
+    bool HasSessionAt(const QString& name, const QString& address, std::int64_t now);
+    /// The account whose session this is; nothing once the session has ended or the account is disabled.
     std::optional<std::int64_t> AccountOf(const QString& token, std::int64_t now);
+
+    /// Whether the account exists, is not disabled and has this password.
+    bool IsPassword(const QString& name, const QString& password);
 
     bool IsEmpty();
     /// The account with this name or e-mail address.
     std::optional<std::int64_t> Find(const QString& name);
     Account Info(std::int64_t account);
-    /// Pays the amount into the account with this name or e-mail address and returns the new balance.
-    /// Throws NotFound.
-    Micros Credit(const QString& name, Micros amount);
     /// The charges of the last `days` days, in the farm's local time, ending with `today`; days without any count 0.
     std::vector<DaysSpending> Spending(std::int64_t account, const QDate& today, int days);
-    /// The projects of the account, sorted by name.
-    std::vector<Project> Projects(std::int64_t account);
 
     std::int64_t SessionSeconds() const { return m_sessionSeconds; }
 

@@ -42,6 +42,14 @@ ValueCheck IsOneOf(std::vector<std::string> words)
     };
 }
 
+ValueCheck OrWord(const std::string& word, const ValueCheck& check)
+{
+    return [word, check](const std::string& text) {
+        const std::string fault = text == word ? std::string() : check(text);
+        return fault.empty() ? fault : fault + ", nor \"" + word + '"';
+    };
+}
+
 Micros AmountOf(const std::string& text)
 {
     return AmountFromText(QString::fromStdString(text)).value_or(0);

@@ -22,6 +22,9 @@ ValueCheck IsWholeNumber(std::int64_t least, std::int64_t most);
 ValueCheck IsAmount(Micros least, Micros most);
 ValueCheck IsOneOf(std::vector<std::string> words);
 
+/// This word, or what the other check lets pass.
+ValueCheck OrWord(const std::string& word, const ValueCheck& check);
+
 /// The amount that a text names which has passed the check.
 Micros AmountOf(const std::string& text);
 

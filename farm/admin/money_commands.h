@@ -4,7 +4,7 @@
 
 namespace farm {
 
-/// Adds the commands for payments.
+/// Adds the commands for payments and the ledger.
 void AddMoneyCommands(CLI::App& app, CommandWork& chosen);
 
 } // namespace farm

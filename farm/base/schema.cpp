@@ -188,12 +188,93 @@ ALTER TABLE accounts ADD COLUMN administrator INTEGER NOT NULL DEFAULT 0;
 CREATE INDEX jobs_with_messages ON jobs(ifnull(ended_at, 9000000000000)) WHERE message <> '';
 )sql";
 
+// An account may have a price and a quota (in bytes) of its own. A project is a group of accounts, known by its pool;
+// there used to be one for each account. The last accounts whose balance clients could not show become bound.
+constexpr const char* TermsAndMembers = R"sql(
+ALTER TABLE accounts ADD COLUMN disabled INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE accounts ADD COLUMN quota INTEGER;
+ALTER TABLE accounts ADD COLUMN price INTEGER;
+ALTER TABLE accounts ADD COLUMN priority INTEGER NOT NULL DEFAULT 0;
+UPDATE accounts SET bound = 1 WHERE email = 'arrears@quillstar.example';
+
+ALTER TABLE sessions ADD COLUMN began_at INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE sessions ADD COLUMN address TEXT NOT NULL DEFAULT '';
+CREATE INDEX sessions_by_account ON sessions(account, address);
+
+PRAGMA defer_foreign_keys = ON;
+UPDATE jobs SET project = (SELECT min(same.key) FROM projects own JOIN projects same ON same.pool = own.pool
+        WHERE own.key = jobs.project)
+    WHERE project NOT IN (SELECT min(key) FROM projects GROUP BY pool);
+CREATE TABLE old_projects AS SELECT * FROM projects;
+DROP TABLE projects;
+CREATE TABLE projects(
+    key INTEGER PRIMARY KEY,
+    name TEXT NOT NULL,
+    pool TEXT NOT NULL UNIQUE);
+INSERT INTO projects SELECT min(key), name, pool FROM old_projects GROUP BY pool;
+CREATE TABLE project_members(
+    account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
+    project INTEGER NOT NULL REFERENCES projects ON DELETE CASCADE,
+    PRIMARY KEY(account, project)) WITHOUT ROWID;
+CREATE INDEX members_by_project ON project_members(project);
+INSERT INTO project_members SELECT account, projects.key FROM old_projects JOIN projects USING (pool);
+DROP TABLE old_projects;
+)sql";
+
+// Payments and charges are never changed; a balance is what they come to, kept by triggers.
+constexpr const char* Ledger = R"sql(
+CREATE TABLE payments(
+    key INTEGER PRIMARY KEY,
+    account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
+    amount INTEGER NOT NULL,
+    paid_at INTEGER NOT NULL,
+    note TEXT NOT NULL DEFAULT '');
+CREATE INDEX payments_by_day ON payments(account, paid_at, amount);
+INSERT INTO payments(account, amount, paid_at, note)
+    SELECT key, balance + coalesce((SELECT sum(amount) FROM charges WHERE account = accounts.key), 0),
+        coalesce((SELECT min(charged_at) FROM charges WHERE account = accounts.key), strftime('%s', 'now')),
+        'opening balance'
+    FROM accounts;
+ALTER TABLE charges ADD COLUMN price INTEGER;
+
+CREATE TRIGGER charge_lowers_balance AFTER INSERT ON charges BEGIN
+    UPDATE accounts SET balance = balance - NEW.amount WHERE key = NEW.account;
+END;
+CREATE TRIGGER payment_raises_balance AFTER INSERT ON payments BEGIN
+    UPDATE accounts SET balance = balance + NEW.amount WHERE key = NEW.account;
+END;
+CREATE TRIGGER charges_stay BEFORE DELETE ON charges BEGIN
+    SELECT raise(ABORT, 'charges are never removed');
+END;
+CREATE TRIGGER charges_are_final BEFORE UPDATE ON charges BEGIN
+    SELECT raise(ABORT, 'charges are never changed');
+END;
+CREATE TRIGGER payments_stay BEFORE DELETE ON payments BEGIN
+    SELECT raise(ABORT, 'payments are never removed');
+END;
+CREATE TRIGGER payments_are_final BEFORE UPDATE ON payments BEGIN
+    SELECT raise(ABORT, 'payments are never changed');
+END;
+)sql";
+
+// Who changed what, and from where.
+constexpr const char* Audit = R"sql(
+CREATE TABLE audit(
+    key INTEGER PRIMARY KEY,
+    at INTEGER NOT NULL,
+    who TEXT NOT NULL,
+    origin TEXT NOT NULL,
+    action TEXT NOT NULL,
+    subject TEXT NOT NULL,
+    details TEXT NOT NULL DEFAULT '');
+)sql";
+
 } // namespace
 
 storage::Migrations Schema()
 {
     return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork, FairQueue,
-        KeptCounts, Administrators};
+        KeptCounts, Administrators, TermsAndMembers, Ledger, Audit};
 }
 
 } // namespace farm

@@ -1,6 +1,7 @@
 #include "farm/http/account_routes.h"
 
 #include "farm/accounts/account_store.h"
+#include "farm/accounts/project_store.h"
 #include "farm/base/change_feed.h"
 #include "farm/base/local_time.h"
 #include "farm/http/api_json.h"
@@ -8,6 +9,8 @@
 #include "farm/http/http_server.h"
 #include "farm/http/json_input.h"
 #include "farm/http/request_gate.h"
+
+#include <spdlog/spdlog.h>
 
 namespace farm {
 
@@ -20,13 +23,13 @@ constexpr int MostDays = 366;
 
 } // namespace
 
-AccountRoutes::AccountRoutes(
-    RequestGate& gate, AccountStore& accounts, ChangeFeed& feed, const RequestLimits& limits)
+AccountRoutes::AccountRoutes(RequestGate& gate, AccountStore& accounts, ProjectStore& projects,
+    ChangeFeed& feed, const RequestLimits& limits)
     : m_gate(gate)
     , m_accounts(accounts)
+    , m_projects(projects)
     , m_feed(feed)
-    , m_signInsByAddress(limits.signInsByAddress)
-    , m_failedSignInsByName(limits.failedSignInsByName)
+    , m_signIns(limits)
 {
 }
 
@@ -45,13 +48,15 @@ QJsonObject AccountRoutes::SignIn(const ApiRequest& request)
     const QJsonObject body = request.Body();
     const QString name = RequiredText(body, "username", LongestName);
     const QString password = RequiredText(body, "password", LongestPassword);
-    const std::string nameKey = name.toCaseFolded().toStdString();
-    RefuseWhenTooMany(m_signInsByAddress.Take(request.Address().toStdString()));
-    RefuseWhenTooMany(m_failedSignInsByName.Take(nameKey));
-    const auto session = m_accounts.SignIn(name, password, Now());
-    if (!session)
+    const QString address = request.Address();
+    m_signIns.Admit(name, address.toLatin1(), m_accounts.HasSessionAt(name, address, Now()));
+    const auto session = m_accounts.SignIn(name, password, Now(), address);
+    if (!session) {
+        // What was typed stays out of the log: it may be a password in the wrong place.
+        spdlog::warn("a sign-in from {} was refused", address.toStdString());
         throw HttpRefusal {401, "unauthorized", QStringLiteral("the name or the password is wrong")};
-    m_failedSignInsByName.GiveBack(nameKey);
+    }
+    m_signIns.Succeeded(name, address.toLatin1());
     return SessionJson(*session, m_accounts.SessionSeconds());
 }
 
@@ -59,7 +64,7 @@ QJsonObject AccountRoutes::SignOut(const ApiRequest& request)
 {
     const QString token = request.Token();
     const auto account = m_accounts.AccountOf(token, Now());
-    m_accounts.SignOut(token);
+    m_accounts.SignOut(token, Now(), request.Address());
     // The session's streams of events notice that it is over and end.
     if (account)
         m_feed.Wake(*account);
@@ -73,7 +78,7 @@ QJsonObject AccountRoutes::ShowAccount(const ApiRequest& request)
 
 QJsonObject AccountRoutes::ListProjects(const ApiRequest& request)
 {
-    return DataJson(ProjectsJson(m_accounts.Projects(m_gate.Authorize(request))));
+    return DataJson(ProjectsJson(m_projects.OfAccount(m_gate.Authorize(request))));
 }
 
 QJsonObject AccountRoutes::ShowSpending(const ApiRequest& request)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "farm/http/rate_limiter.h"
+#include "farm/http/sign_in_limits.h"
 
 #include <QJsonObject>
 
@@ -10,6 +10,7 @@ class AccountStore;
 class ApiRequest;
 class ChangeFeed;
 class HttpServer;
+class ProjectStore;
 class RequestGate;
 struct RequestLimits;
 
@@ -17,7 +18,8 @@ struct RequestLimits;
 class AccountRoutes
 {
 public:
-    AccountRoutes(RequestGate& gate, AccountStore& accounts, ChangeFeed& feed, const RequestLimits& limits);
+    AccountRoutes(RequestGate& gate, AccountStore& accounts, ProjectStore& projects, ChangeFeed& feed,
+        const RequestLimits& limits);
 
     /// The routes must outlive the server.
     void AddTo(HttpServer& server);
@@ -31,9 +33,9 @@ private:
 
     RequestGate& m_gate;
     AccountStore& m_accounts;
+    ProjectStore& m_projects;
     ChangeFeed& m_feed;
-    RateLimiter m_signInsByAddress;
-    RateLimiter m_failedSignInsByName;
+    SignInLimits m_signIns;
 };
 
 } // namespace farm

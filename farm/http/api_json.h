@@ -1,6 +1,7 @@
 #pragma once
 
 #include "farm/accounts/account_store.h"
+#include "farm/accounts/project_store.h"
 #include "farm/base/change_feed.h"
 #include "farm/jobs/frame_store.h"
 #include "farm/jobs/job_store.h"

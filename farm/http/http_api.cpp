@@ -15,15 +15,16 @@ QJsonObject Health(const ApiRequest&)
 
 } // namespace
 
-HttpApi::HttpApi(const Dependencies& dependencies, const RequestLimits& limits)
+HttpApi::HttpApi(const Dependencies& dependencies, const RequestLimits& limits, const QStringList& proxies)
     : m_gate(dependencies.accounts, limits)
-    , m_accounts(m_gate, dependencies.accounts, dependencies.feed, limits)
+    , m_accounts(m_gate, dependencies.accounts, dependencies.projects, dependencies.feed, limits)
     , m_uploads(m_gate, dependencies.contents, dependencies.uploads)
     , m_jobs(m_gate, dependencies.jobs, dependencies.actions, dependencies.submission)
     , m_frames(m_gate, dependencies.jobs, dependencies.frames, dependencies.inWork, dependencies.pictures)
     , m_events(m_gate, dependencies.accounts, dependencies.jobs, dependencies.feed)
     , m_overview(
           {m_gate, dependencies.overview, dependencies.inWork, dependencies.logs}, dependencies.dataFolder)
+    , m_server(TrustedProxies(proxies))
 {
     m_server.Get("/api/v1/health", Health);
     m_accounts.AddTo(m_server);

@@ -19,6 +19,7 @@ public:
     struct Dependencies
     {
         AccountStore& accounts;
+        ProjectStore& projects;
         ContentStore& contents;
         UploadStore& uploads;
         JobStore& jobs;
@@ -34,7 +35,9 @@ public:
         QDir dataFolder;
     };
 
-    HttpApi(const Dependencies& dependencies, const RequestLimits& limits);
+    /// @param proxies are the addresses of proxies whose word about the client's address is believed.
+    /// Throws std::runtime_error when one is no address.
+    HttpApi(const Dependencies& dependencies, const RequestLimits& limits, const QStringList& proxies = {});
 
     /// Listens; port 0 chooses a free one. Returns the port. Throws std::runtime_error when it cannot listen there.
     int Start(const QString& address, int port) { return m_server.Start(address, port); }

@@ -71,6 +71,15 @@ bool HasUnwantedHeader(const httplib::Request& request)
     return (request.method == "POST" || request.method == "PUT") && !request.has_header("Content-Length");
 }
 
+// All headers of this name, joined as if they were one.
+QByteArray Headers(const httplib::Request& request, const char* name)
+{
+    QByteArrayList values;
+    for (std::size_t index = 0; index < request.get_header_value_count(name); ++index)
+        values.append(QByteArray::fromStdString(request.get_header_value(name, index)));
+    return values.join(',');
+}
+
 httplib::Server::HandlerResponse CheckHeaders(const httplib::Request& request, httplib::Response& response)
 {
     // The library would cut the ranges out of every answer, even an error, without checking that they are inside it.
@@ -236,8 +245,9 @@ QByteArray ApiRequest::Bytes() const
     return QByteArray::fromStdString(m_request.body);
 }
 
-HttpServer::HttpServer()
+HttpServer::HttpServer(const TrustedProxies& proxies)
     : m_server(std::make_unique<RequestServer>(MostThreads))
+    , m_proxies(proxies)
 {
     SetUp();
 }
@@ -258,7 +268,15 @@ void HttpServer::SetUp()
         // Accepted connections inherit it. A client that has gone without a word must not keep its stream of events open.
         ::setsockopt(socket, IPPROTO_TCP, TCP_USER_TIMEOUT, &PeerTimeout, sizeof(PeerTimeout));
     });
-    m_server->set_pre_routing_handler(CheckHeaders);
+    m_server->set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+        // Casting is safe: the request that the library passes is not a constant object.
+        const_cast<httplib::Request&>(request).remote_addr
+            = m_proxies
+                  .ClientOf(QByteArray::fromStdString(request.remote_addr),
+                      Headers(request, "X-Forwarded-For"), Headers(request, "Forwarded"))
+                  .toStdString();
+        return CheckHeaders(request, response);
+    });
     m_server->set_error_handler(CompleteFailure);
     m_server->set_logger([this](const httplib::Request& request, const httplib::Response& response) {
         ++m_answers.at(std::size_t(std::clamp(response.status / 100, 0, 5)));

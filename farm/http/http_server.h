@@ -1,5 +1,7 @@
 #pragma once
 
+#include "farm/http/client_address.h"
+
 #include <QFile>
 #include <QJsonObject>
 #include <QString>
@@ -69,7 +71,8 @@ public:
     /// The most streams of events at a time.
     static constexpr int MostStreams = 256;
 
-    HttpServer();
+    /// @param proxies tell the addresses of the clients that come through them.
+    explicit HttpServer(const TrustedProxies& proxies = TrustedProxies());
     /// Calls Stop().
     ~HttpServer();
 
@@ -100,6 +103,7 @@ private:
     void SetUp();
 
     std::unique_ptr<RequestServer> m_server;
+    TrustedProxies m_proxies;
     int m_listener = -1; // the socket, which belongs to m_server
     std::thread m_thread;
     std::array<std::atomic<std::int64_t>, 6> m_answers {};

@@ -89,8 +89,8 @@ QJsonObject JobRoutes::Show(const ApiRequest& request)
 QJsonObject JobRoutes::Act(JobAction action, const ApiRequest& request)
 {
     const std::int64_t account = m_gate.Authorize(request);
-    const QStringList refused
-        = m_actions.Apply(action, account, RequiredTexts(request.Body(), "ids", MostIds), Now());
+    const QStringList refused = m_actions.Apply(
+        action, account, RequiredTexts(request.Body(), "ids", MostIds), Now(), request.Address());
     return DataJson(QJsonObject {{QStringLiteral("notAllowedJobs"), QJsonArray::fromStringList(refused)}});
 }
 
@@ -106,7 +106,8 @@ QJsonObject JobRoutes::SetPriority(const ApiRequest& request)
 QJsonObject JobRoutes::Submit(const ApiRequest& request)
 {
     const std::int64_t account = m_gate.AuthorizeTransfer(request);
-    const AddedJob job = m_submission.Submit(account, ReadSubmission(request.Body()), Now());
+    const AddedJob job
+        = m_submission.Submit(account, ReadSubmission(request.Body()), Now(), request.Address());
     return DataJson(QJsonObject {{QStringLiteral("job_id"), job.id},
         {QStringLiteral("job_increasement"), QString::number(job.number)}});
 }

@@ -13,10 +13,13 @@ class ApiRequest;
 struct RequestLimits
 {
     Rate signInsByAddress {30, 0.5};
-    Rate failedSignInsByName {10, 0.1};
+    Rate failedSignInsByNameAndAddress {10, 0.1};
     Rate requestsByAccount {200, 20};
     /// Requests that carry bytes of files, and those that a submission consists of.
     Rate transfersByAccount {1000, 200};
+    /// Beyond it sign-ins are slowed down instead of refused.
+    Rate failedSignInsByName {100, 0.2};
+    std::chrono::milliseconds slowSignIn {2000};
 };
 
 /// Finds the account that a request comes from. Refuses requests without a session and requests beyond the limits.

@@ -23,23 +23,25 @@ struct Rule
     JobStatus next;
     /// Whether the action makes the farm render the jobs again.
     bool sendsToWork;
+    /// What the audit calls it.
+    const char* words;
 };
 
 Rule RuleOf(JobAction action)
 {
     switch (action) {
     case JobAction::Stop:
-        return {"status IN (0, 1, 3, 6)", JobStatus::Paused, false};
+        return {"status IN (0, 1, 3, 6)", JobStatus::Paused, false, "job stop"};
     case JobAction::Recover:
-        return {"status IN (2, 7, 8, 9)", JobStatus::Waiting, true};
+        return {"status IN (2, 7, 8, 9)", JobStatus::Waiting, true, "job recover"};
     case JobAction::Restart:
-        return {"status <> 5", JobStatus::Waiting, true};
+        return {"status <> 5", JobStatus::Waiting, true, "job restart"};
     case JobAction::Delete:
-        return {"status <> 5", JobStatus::Deleted, false};
+        return {"status <> 5", JobStatus::Deleted, false, "job delete"};
     case JobAction::FullRender:
         return {"status <> 5 AND (SELECT count(*) FROM frames WHERE job = jobs.key) < "
                 "(SELECT sum(last - first + 1) FROM frame_ranges WHERE job = jobs.key)",
-            JobStatus::ToFullRender, true};
+            JobStatus::ToFullRender, true, "job full-render"};
     }
     throw std::logic_error("no such action");
 }
@@ -85,6 +87,17 @@ void SendToWork(SQLite::Database& connection, const QString& jobs, std::int64_t 
         UpdateTurn(connection, std::int64_t(key.toDouble()), now);
 }
 
+void RecordAction(SQLite::Database& connection, const char* words, const QString& jobs, std::int64_t now,
+    const QString& address)
+{
+    Execute(connection,
+        "INSERT INTO audit(at, who, origin, action, subject) "
+        "SELECT ?2, iif(?3 = '', 'the farm', (SELECT name FROM accounts WHERE key = jobs.account)), ?3, ?4, "
+        "id "
+        "FROM jobs WHERE key IN (SELECT value FROM json_each(?1))",
+        jobs, now, address, QString::fromLatin1(words));
+}
+
 } // namespace
 
 JobActions::JobActions(Database& database, ChangeFeed& feed, std::function<void()> changed)
@@ -94,7 +107,8 @@ JobActions::JobActions(Database& database, ChangeFeed& feed, std::function<void(
 {
 }
 
-QStringList JobActions::Apply(JobAction action, std::int64_t account, QStringList ids, std::int64_t now)
+QStringList JobActions::Apply(
+    JobAction action, std::int64_t account, QStringList ids, std::int64_t now, const QString& address)
 {
     ids.removeDuplicates();
     const Rule rule = RuleOf(action);
@@ -102,6 +116,7 @@ QStringList JobActions::Apply(JobAction action, std::int64_t account, QStringLis
         const QString jobs = AffectedJobs(connection, rule.appliesTo, account, ids);
         if (rule.sendsToWork && IsInArrears(connection, account))
             return ids;
+        RecordAction(connection, rule.words, jobs, now, address);
         Execute(connection, "UPDATE jobs SET status = ?2 WHERE key IN (SELECT value FROM json_each(?1))",
             jobs, static_cast<int>(rule.next));
         if (action == JobAction::Restart)

@@ -36,9 +36,7 @@ JobFilter SharedTerms(std::int64_t account, const JobConditions& conditions)
     if (!conditions.type.isEmpty())
         filter.Add("+type = ?", conditions.type);
     if (!conditions.pool.isEmpty())
-        filter.Add("+project = (SELECT p.key FROM projects p WHERE p.account = " + std::to_string(account)
-                + " AND p.pool = ?)",
-            conditions.pool);
+        filter.Add("+project = (SELECT key FROM projects WHERE pool = ?)", conditions.pool);
     return filter;
 }
 

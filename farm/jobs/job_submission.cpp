@@ -1,6 +1,9 @@
 #include "farm/jobs/job_submission.h"
 
+#include "farm/accounts/account_names.h"
 #include "farm/accounts/arrears.h"
+#include "farm/accounts/audit.h"
+#include "farm/accounts/project_store.h"
 #include "farm/base/errors.h"
 #include "farm/uploads/content_store.h"
 
@@ -14,28 +17,28 @@ namespace {
 
 std::int64_t ProjectOf(SQLite::Database& connection, std::int64_t account, const QString& pool)
 {
-    SQLite::Statement query(connection, "SELECT key FROM projects WHERE account = ? AND pool = ?");
-    Bind(query, account, pool);
-    if (!query.executeStep())
+    const auto project = FindProject(connection, account, pool);
+    if (!project)
         throw InvalidInput("pool does not belong to one of the account's projects");
-    return query.getColumn(0).getInt64();
+    return *project;
 }
 
 } // namespace
 
 JobSubmission::JobSubmission(Database& database, JobStore& jobs, ContentStore& contents,
-    const QStringList& types, std::int64_t quota, ChangeFeed& feed, std::function<void()> changed)
+    const QStringList& types, const AccountTerms& terms, ChangeFeed& feed, std::function<void()> changed)
     : m_database(database)
     , m_jobs(jobs)
     , m_contents(contents)
     , m_types(types)
-    , m_quota(quota)
+    , m_terms(terms)
     , m_feed(feed)
     , m_changed(std::move(changed))
 {
 }
 
-AddedJob JobSubmission::Submit(std::int64_t account, Submission submission, std::int64_t now)
+AddedJob JobSubmission::Submit(
+    std::int64_t account, Submission submission, std::int64_t now, const QString& address)
 {
     if (!m_types.contains(submission.job.type))
         throw InvalidInput("type is not one of the farm's job types");
@@ -43,24 +46,27 @@ AddedJob JobSubmission::Submit(std::int64_t account, Submission submission, std:
     submission.job.submittedAt = now;
     const AddedJob job = m_database.Write([&](SQLite::Database& connection) {
         const auto known = m_jobs.FindSubmission(account, submission.job.submission);
-        return known ? *known : Add(connection, submission);
+        return known ? *known : Add(connection, submission, address);
     });
     m_feed.Announce(account, {{job.id}, true});
     m_changed();
     return job;
 }
 
-AddedJob JobSubmission::Add(SQLite::Database& connection, Submission& submission)
+AddedJob JobSubmission::Add(SQLite::Database& connection, Submission& submission, const QString& address)
 {
     NewJob& job = submission.job;
-    CheckFiles(job);
+    CheckFiles(job, m_terms.QuotaFor(connection, job.account));
     if (!submission.pool.isEmpty())
         job.project = ProjectOf(connection, job.account, submission.pool);
     job.status = IsInArrears(connection, job.account) ? JobStatus::Arrears : JobStatus::Waiting;
-    return m_jobs.Add(job);
+    const AddedJob added = m_jobs.Add(job);
+    RecordChange(connection, job.submittedAt, {AccountName(connection, job.account), address},
+        QStringLiteral("job submit"), added.id);
+    return added;
 }
 
-void JobSubmission::CheckFiles(const NewJob& job)
+void JobSubmission::CheckFiles(const NewJob& job, std::int64_t quota)
 {
     QSet<QString> checksums;
     for (const JobFile& file : job.files)
@@ -72,7 +78,7 @@ void JobSubmission::CheckFiles(const NewJob& job)
     std::int64_t bytes = 0;
     for (const JobFile& file : job.files) {
         bytes += sizes.value(file.checksum);
-        if (bytes > m_quota)
+        if (bytes > quota)
             throw QuotaExceeded("the files of the job exceed the account's quota");
     }
 }

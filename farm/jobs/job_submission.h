@@ -1,5 +1,6 @@
 #pragma once
 
+#include "farm/accounts/account_terms.h"
 #include "farm/base/change_feed.h"
 #include "farm/jobs/job_store.h"
 
@@ -25,25 +26,26 @@ class JobSubmission
 {
 public:
     /// @param types are the names of the farm's job types.
-    /// @param quota is the most bytes that the files of a job may take.
+    /// @param terms say how many bytes the files of a job may take.
     /// @param changed is called after each new job, in the thread that submitted it.
     JobSubmission(Database& database, JobStore& jobs, ContentStore& contents, const QStringList& types,
-        std::int64_t quota, ChangeFeed& feed, std::function<void()> changed);
+        const AccountTerms& terms, ChangeFeed& feed, std::function<void()> changed);
 
-    /// The job of this submission: a new one, or the one that an earlier call with the same `submission` created. `now` is
-    /// in seconds since the epoch. Throws InvalidInput when the type or the pool is unknown, Conflict when the account
-    /// has not sent one of the contents, and QuotaExceeded.
-    AddedJob Submit(std::int64_t account, Submission submission, std::int64_t now);
+    /// The job of this submission: a new one, or the one that an earlier call with the same `submission` created.
+    /// `now` is in seconds since the epoch, and `address` is where the request comes from. Throws InvalidInput when the
+    /// type or the pool is unknown, Conflict when the account has not sent one of the contents, and QuotaExceeded.
+    AddedJob Submit(
+        std::int64_t account, Submission submission, std::int64_t now, const QString& address = {});
 
 private:
-    AddedJob Add(SQLite::Database& connection, Submission& submission);
-    void CheckFiles(const NewJob& job);
+    AddedJob Add(SQLite::Database& connection, Submission& submission, const QString& address);
+    void CheckFiles(const NewJob& job, std::int64_t quota);
 
     Database& m_database;
     JobStore& m_jobs;
     ContentStore& m_contents;
     QStringList m_types;
-    std::int64_t m_quota;
+    const AccountTerms& m_terms;
     ChangeFeed& m_feed;
     std::function<void()> m_changed;
 };

@@ -1,6 +1,7 @@
 #include "farm/rendering/render_queue.h"
 
 #include "farm/accounts/arrears.h"
+#include "farm/accounts/ledger.h"
 #include "farm/base/local_time.h"
 #include "farm/jobs/frame_store.h"
 #include "farm/jobs/job_status.h"
@@ -74,9 +75,11 @@ void Announce(ChangeFeed& feed, const Announcement& announcement)
 
 } // namespace
 
-RenderQueue::RenderQueue(Database& database, ChangeFeed& feed, const QueueSettings& settings)
+RenderQueue::RenderQueue(
+    Database& database, ChangeFeed& feed, const AccountTerms& terms, const QueueSettings& settings)
     : m_database(database)
     , m_feed(feed)
+    , m_terms(terms)
     , m_settings(settings)
     , m_use(settings.useHalfLife.count())
 {
@@ -179,11 +182,14 @@ std::vector<Contender> RenderQueue::Contenders(SQLite::Database& connection, std
         "WHERE status IN (0, 1, 6) AND resume_at = 0 UNION ALL "
         "SELECT (SELECT min(account) FROM jobs INDEXED BY jobs_in_turn WHERE status IN (0, 1, 6) "
         "AND resume_at = 0 AND account > waiting.account) FROM waiting WHERE account IS NOT NULL) "
-        "SELECT account, level FROM waiting LEFT JOIN account_use USING (account) WHERE account IS NOT NULL");
+        "SELECT waiting.account, level, priority FROM waiting JOIN accounts ON accounts.key = "
+        "waiting.account "
+        "LEFT JOIN account_use ON account_use.account = waiting.account");
     std::vector<Contender> contenders;
     while (query.executeStep()) {
         Contender contender;
         contender.account = query.getColumn(0).getInt64();
+        contender.priority = query.getColumn(2).getInt();
         if (!query.isColumnNull(1))
             contender.recentCoreSeconds = m_use.CoreSeconds(query.getColumn(1).getDouble(), now);
         contender.framesInWork = m_load.FramesOf(contender.account);
@@ -245,7 +251,6 @@ void RenderQueue::PauseJobsInArrears()
 void RenderQueue::Finish(const FrameKey& frame, const Picture& picture, std::int64_t coreMilliseconds,
     std::int64_t now, const QString& log)
 {
-    const Micros amount = Charge(coreMilliseconds, m_settings.pricePerCoreSecond);
     const auto recorded = m_database.Write([&](SQLite::Database& connection) {
         if (Execute(connection,
                 "UPDATE frames SET finished_at = ?4, changed_at = ?4, file = ?5, size = ?6, checksum = ?7 "
@@ -258,12 +263,7 @@ void RenderQueue::Finish(const FrameKey& frame, const Picture& picture, std::int
         if (!job)
             return Announcement {};
         KeepFrameLog(connection, frame.job, frame.number, log);
-        Execute(connection,
-            "INSERT INTO charges(account, job, frame, core_milliseconds, amount, charged_at) "
-            "VALUES (?, ?, ?, ?, ?, ?)",
-            job->account, frame.job, frame.number, coreMilliseconds, amount, now);
-        Execute(
-            connection, "UPDATE accounts SET balance = balance - ?2 WHERE key = ?1", job->account, amount);
+        AddCharge(connection, frame.job, frame.number, coreMilliseconds, m_terms, now);
         Execute(connection, "UPDATE jobs SET begun_run = run WHERE key = ? AND begun_run <> run", frame.job);
         AddUse(connection, job->account, coreMilliseconds, now);
         const bool isLast = UpdateTurn(connection, frame.job, now);

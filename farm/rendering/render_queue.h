@@ -1,7 +1,7 @@
 #pragma once
 
+#include "farm/accounts/account_terms.h"
 #include "farm/base/change_feed.h"
-#include "farm/base/money.h"
 #include "farm/base/schema.h"
 #include "farm/rendering/fair_turns.h"
 #include "farm/rendering/frame_task.h"
@@ -20,7 +20,6 @@ namespace farm {
 
 struct QueueSettings
 {
-    Micros pricePerCoreSecond = DefaultPrice;
     /// Core time that an account used this long ago counts half. An account that comes to a busy farm has the first claim to it for
     /// about this time.
     std::chrono::seconds useHalfLife {3600};
@@ -38,7 +37,8 @@ struct QueueSettings
 class RenderQueue
 {
 public:
-    RenderQueue(Database& database, ChangeFeed& feed, const QueueSettings& settings);
+    RenderQueue(
+        Database& database, ChangeFeed& feed, const AccountTerms& terms, const QueueSettings& settings = {});
 
     /// The open frame outside `taken`, the frames in work, that is rendered next: of a job that has one of these types;
     /// nothing when there is none. Accounts take turns by what they have used lately.
@@ -94,6 +94,7 @@ private:
 
     Database& m_database;
     ChangeFeed& m_feed;
+    const AccountTerms& m_terms;
     QueueSettings m_settings;
     RecentUse m_use;
     TypeHealth m_health;

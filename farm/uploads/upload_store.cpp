@@ -67,11 +67,11 @@ std::vector<PackedFile> FilesOf(const QString& text)
 } // namespace
 
 UploadStore::UploadStore(
-    Database& database, ContentStore& contents, const QString& folder, std::int64_t quota)
+    Database& database, ContentStore& contents, const QString& folder, const AccountTerms& terms)
     : m_database(database)
     , m_contents(contents)
     , m_folder(folder)
-    , m_quota(quota)
+    , m_terms(terms)
 {
     if (!QDir().mkpath(folder))
         throw std::runtime_error("cannot create the folder of the uploads");
@@ -166,6 +166,12 @@ void UploadStore::CheckCount(std::int64_t account)
     });
 }
 
+std::int64_t UploadStore::QuotaOf(std::int64_t account)
+{
+    return m_database.Read(
+        [&](SQLite::Database& connection) { return m_terms.QuotaFor(connection, account); });
+}
+
 // Adds `more` to the bytes of the account's unfinished uploads.
 void UploadStore::CheckQuota(std::int64_t account, std::int64_t more)
 {
@@ -174,7 +180,7 @@ void UploadStore::CheckQuota(std::int64_t account, std::int64_t more)
             connection, "SELECT coalesce(sum(size), 0) FROM uploads WHERE account = ? AND unpacked IS NULL");
         Bind(query, account);
         query.executeStep();
-        if (query.getColumn(0).getInt64() + more > m_quota)
+        if (query.getColumn(0).getInt64() + more > m_terms.QuotaFor(connection, account))
             throw OverQuota();
     });
 }
@@ -229,7 +235,7 @@ void UploadStore::TakeContents(std::int64_t account, Upload& upload, const QStri
     if (checksum != upload.checksum)
         throw BadPackage("the package does not have the announced checksum");
     // The unpacked files must not exceed the quota, even temporarily.
-    if (AnnouncedBytes(package) > m_quota)
+    if (AnnouncedBytes(package) > QuotaOf(account))
         throw OverQuota();
     const std::vector<UnpackedFile> files = farm::Unpack(package, incoming, goOn);
     const std::lock_guard<std::mutex> lock(m_quotaMutex);

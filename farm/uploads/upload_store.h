@@ -1,6 +1,6 @@
 #pragma once
 
-#include "farm/base/schema.h"
+#include "farm/accounts/account_terms.h"
 #include "farm/uploads/package_reader.h"
 #include "farm/uploads/upload_locks.h"
 
@@ -37,8 +37,8 @@ public:
     static constexpr std::int64_t LargestPackage = std::int64_t {8} * 1024 * 1024 * 1024; // bytes
 
     /// Creates the folder and removes packages that belong to no upload. Throws std::runtime_error.
-    /// @param quota is the most bytes that the contents and unfinished uploads of an account may take.
-    UploadStore(Database& database, ContentStore& contents, const QString& folder, std::int64_t quota);
+    /// @param terms say how many bytes the contents and unfinished uploads of an account may take.
+    UploadStore(Database& database, ContentStore& contents, const QString& folder, const AccountTerms& terms);
 
     /// The account's upload of this package, or a new one. Throws TooLarge and QuotaExceeded.
     Upload Begin(std::int64_t account, const QString& checksum, std::int64_t size, std::int64_t now);
@@ -64,6 +64,7 @@ private:
     void CheckCount(std::int64_t account);
     bool HasLostContents(std::int64_t account, const Upload& upload);
     void ForgetWhenOld(const QString& id, std::int64_t bound);
+    std::int64_t QuotaOf(std::int64_t account);
     void CheckQuota(std::int64_t account, std::int64_t more);
     Upload Add(std::int64_t account, const QString& checksum, std::int64_t size, std::int64_t now);
     void TakeContents(std::int64_t account, Upload& upload, const QString& incoming);
@@ -71,7 +72,7 @@ private:
     Database& m_database;
     ContentStore& m_contents;
     QString m_folder;
-    std::int64_t m_quota;
+    const AccountTerms& m_terms;
     UploadLocks m_locks;
     // Held from a quota check until the checked bytes are recorded.
     std::mutex m_quotaMutex;

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "farm/accounts/account_store.h"
+#include "farm/accounts/ledger.h"
+#include "farm/accounts/project_store.h"
 #include "farm/base/change_feed.h"
 #include "farm/base/schema.h"
 #include "farm/jobs/job_store.h"
@@ -20,6 +22,7 @@ public:
     explicit FarmData(const QString& folder)
         : database(QDir(folder).filePath("farm.sqlite"_s), farm::Schema())
         , accounts(database, 3600)
+        , projects(database)
         , jobs(database)
     {
         const auto known = accounts.Find("ann"_s);
@@ -48,6 +51,17 @@ public:
     /// Ann's newest job, for tests that have one at a time.
     farm::JobRecord Only() { return jobs.List(account, {}, 1, 1).jobs.at(0); }
 
+    /// Pays in, or takes out, what makes up this balance.
+    void SetBalance(farm::Micros balance) { farm::Ledger(database).Pay("ann"_s, balance - Balance(), {}, 0); }
+
+    std::int64_t AddProject(const char* name, const char* pool, const QStringList& members)
+    {
+        const std::int64_t key = projects.Add({QLatin1String(name), QLatin1String(pool)}, 0);
+        for (const QString& member : members)
+            projects.Assign(QLatin1String(pool), member, 0);
+        return key;
+    }
+
     farm::Micros Balance() { return accounts.Info(account).balance; }
 
     int Count(const char* sql)
@@ -63,8 +77,10 @@ public:
 
     farm::Database database;
     farm::AccountStore accounts;
+    farm::ProjectStore projects;
     farm::JobStore jobs;
     farm::ChangeFeed feed;
+    farm::AccountTerms terms {farm::DefaultPrice, std::int64_t {20} << 30};
     std::int64_t account = 0;
 };
 

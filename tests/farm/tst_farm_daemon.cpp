@@ -1,3 +1,4 @@
+#include "farm/base/local_time.h"
 #include "processes/bound_process.h"
 #include "tests/farm/farm_fixture.h"
 #include "tests/support/worker_process.h"
@@ -23,6 +24,58 @@ public:
     }
 
     bool IsListening() { return Has("listening on http://127.0.0.1:"); }
+};
+
+/// A command, the line that it reads, its exit code and a part of what it writes.
+struct Step
+{
+    const char* command;
+    const char* input;
+    int code;
+    const char* output;
+};
+
+// In this order, over a farm with the account "ann".
+constexpr Step Steps[] = {
+    {"account add bob --quota 1 --price 0.5", "a good secret", 0, ""},
+    {"account add Bob", "a good secret", 1, "\"Bob\" already"},
+    {"account add eve --email bob", "a good secret", 1, "\"bob\" already"},
+    {"account add eve", "too bad", 1, "8 to 1024"},
+    {"account add long-name", "Long-Name", 1, "no password"},
+    {"account add eve", "", 1, "password"},
+    {"account list --csv", "", 0, "bob,bob,enabled,yes,0,1 GiB,0.5,0\r\n"},
+    {"account priority bob 7", "", 0, ""},
+    {"account quota bob default", "", 0, ""},
+    {"account price bob 0.1234567", "", 2, "six decimals"},
+    {"account show bob@example.org", "", 1, "no account"},
+    {"account list --csv", "", 0, "bob,bob,enabled,yes,0,default,0.5,7\r\n"},
+    {"project add =Titles --pool p", "", 0, "p\n"},
+    {"project add =titles", "", 1, "already"},
+    {"project add Main --pool p", "", 1, "already"},
+    {"project assign =Titles bob eve", "", 1, "no account \"eve\""},
+    {"project list --csv", "", 0, "'=Titles,p,0,\r\n"},
+    {"project assign p bob ann", "", 0, ""},
+    {"project rename =Titles Main", "", 0, ""},
+    {"project unassign main ann", "", 0, ""},
+    {"project unassign main ann", "", 1, "does not belong"},
+    {"project list --csv", "", 0, "Main,p,0,bob\r\n"},
+    {"account show bob", "", 0, "projects   Main\n"},
+    {"pay bob 2.50 --note for,May", "", 0, "balance: 2.50 RMB"},
+    {"pay bob 1 --refund", "", 0, "balance: 1.50 RMB"},
+    {"ledger --csv --account bob", "", 0, ",bob,2.5,,,,,,\"for,May\"\r\n"},
+    {"ledger --csv --account bob", "", 0, ",bob,-1,,,,,,\r\n"},
+    {"ledger --csv --account bob --from 2000-01-01 --to 2000-12-31", "", 0, "note\r\n"},
+    {"ledger --from May", "", 2, "May"},
+    {"ledger --check", "", 0, "adds up"},
+    {"session revoke bob", "", 0, "sessions ended: 1"},
+    {"session revoke --id no-such-id", "", 1, "no session"},
+    {"session revoke", "", 2, ""},
+    {"account disable bob", "", 0, ""},
+    {"account password bob", "another secret", 0, ""},
+    {"project remove Main", "", 0, ""},
+    {"audit --csv --account bob --last 1", "", 0, ",the command line,account password,bob,\r\n"},
+    {"account", "", 2, "subcommand"},
+    {"accounts", "", 2, ""},
 };
 
 } // namespace
@@ -148,6 +201,72 @@ private slots:
             data.Change(mend);
             QCOMPARE(check(), 0);
         }
+    }
+
+    void RefusesToBeReachedUnsafely()
+    {
+        const auto refusal = [this](const QStringList& options) {
+            QProcess process;
+            process.start(QStringLiteral(FARM_DAEMON), QStringList {"--data"_s, m_folder->path()} + options);
+            return process.waitForFinished(Patience) && process.exitCode() == 1
+                ? process.readAllStandardError()
+                : QByteArray("none");
+        };
+        QVERIFY(refusal({"--bind"_s, "0.0.0.0"_s, "--no-demo"_s}).contains("--behind-proxy"));
+        QVERIFY(refusal({"--behind-proxy"_s, "127.0.0.1"_s}).contains("--no-demo"));
+        const QStringList behindProxy {"--behind-proxy"_s, "127.0.0.1,::1"_s};
+        const std::int64_t key = FarmData(m_folder->path()).Add("demo", "demo");
+        QVERIFY(refusal(behindProxy + QStringList {"--no-demo"_s}).contains("demo accounts demo;"));
+        QVERIFY(refusal({"--behind-proxy"_s, "localhost"_s, "--no-demo"_s}).contains("\"localhost\""));
+        FarmData(m_folder->path())
+            .Change(qPrintable("UPDATE accounts SET disabled = 1 WHERE key = %1"_s.arg(key)));
+        QVERIFY(Daemon(m_folder->path(), behindProxy).IsListening());
+    }
+
+    void ReadsAConfigurationFile()
+    {
+        const QString file = Path("farm.toml"_s);
+        const auto run = [&](const QByteArray& text) -> QByteArray {
+            QProcess process;
+            WriteFile(file, text);
+            process.start(QStringLiteral(FARM_DAEMON), {"--config"_s, file, "account"_s, "list"_s});
+            process.waitForFinished(Patience);
+            return QByteArray::number(process.exitCode()) + ' ' + process.readAllStandardError();
+        };
+        const QByteArray data = "data = '" + m_folder->path().toUtf8() + "'\n";
+        FarmData(m_folder->path());
+        QCOMPARE(run(data + "price = 0.25\nbehind-proxy = ['::1', '10.0.0.9']\nno-demo = true\nport = 0\n"),
+            QByteArray("0 "));
+        for (const auto& [text, fault] : {std::pair("\ncolour = 1\n", "\"colour\" (line 3"),
+                 {"port = true\n", "--port"}, {"price = 1979-05-27\n", "\"price\" cannot"},
+                 {"price = \n", "line 2"}, {"help = true\n", "\"help\""}}) {
+            const QByteArray answer = run(data + text);
+            QVERIFY2(answer.startsWith("2 ") && answer.contains(fault), answer);
+        }
+    }
+
+    void AdministersWhileTheFarmRuns()
+    {
+        FarmData data(m_folder->path());
+        Daemon daemon(m_folder->path(), {});
+        QVERIFY(daemon.IsListening());
+        for (const auto& [command, input, code, output] : Steps) {
+            if (qstrcmp(command, "session revoke bob") == 0)
+                QVERIFY(data.accounts.SignIn("bob"_s, "a good secret"_s, Now()));
+            QProcess process;
+            process.setProcessChannelMode(QProcess::MergedChannels);
+            process.start(QStringLiteral(FARM_DAEMON),
+                QStringList {"--data"_s, m_folder->path()}
+                    + QString::fromLatin1(command).split(QLatin1Char(' ')));
+            process.write(input);
+            process.closeWriteChannel();
+            QVERIFY(process.waitForFinished(Patience));
+            const QByteArray written = process.readAll();
+            QVERIFY2(
+                process.exitCode() == code && written.contains(output), QByteArray(command).append(written));
+        }
+        for (const auto& password : {"a good secret"_s, "another secret"_s})
+            QVERIFY(!data.accounts.SignIn("bob"_s, password, Now()));
     }
 
 private:

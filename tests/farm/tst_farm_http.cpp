@@ -1,5 +1,7 @@
+#include "farm/accounts/account_admin.h"
 #include "farm/base/local_time.h"
-#include "farm/http/rate_limiter.h"
+#include "farm/http/client_address.h"
+#include "farm/http/sign_in_limits.h"
 #include "tests/farm/farm_at_work.h"
 
 using namespace farm;
@@ -56,6 +58,22 @@ const std::tuple<const char*, QByteArray, QByteArray> Rubbish[] = {
     {"no length", Post + "\r\n", "HTTP/1.1 400"},
 };
 
+// A connection's peer, what the headers say, and where the client is.
+const std::tuple<const char*, const char*, const char*, const char*, const char*> Hops[] = {
+    {"no proxy", "10.0.0.1", "1.1.1.1", "for=1.1.1.1", "10.0.0.1"},
+    {"no header", "10.0.0.9", "", "", "10.0.0.9"},
+    {"invented by the client", "10.0.0.9", "9.9.9.9, 1.1.1.1", "", "1.1.1.1"},
+    {"two proxies", "10.0.0.9", "1.1.1.1,fd00::9", "", "1.1.1.1"},
+    {"IPv4 in IPv6", "::ffff:10.0.0.9", "::ffff:1.1.1.1", "", "1.1.1.1"},
+    {"port", "10.0.0.9", "1.1.1.1:4711", "", "1.1.1.1"},
+    {"RFC 7239", "fd00:0::9", "", "for=9.9.9.9, by=10.0.0.9;For=\"[2001:DB8::1]:4711\";proto=https",
+        "2001:db8::1"},
+    {"hidden", "10.0.0.9", "", "for=1.1.1.1, for=_secret", "10.0.0.9"},
+    {"rubbish last", "10.0.0.9", "1.1.1.1, x\n", "", "10.0.0.9"},
+    {"both agree", "10.0.0.9", "1.1.1.1", "for=1.1.1.1", "1.1.1.1"},
+    {"one is the client's own", "10.0.0.9", "1.1.1.1", "for=2.2.2.2", "10.0.0.9"},
+};
+
 } // namespace
 
 class HttpTest : public QObject
@@ -66,7 +84,7 @@ private slots:
     void initTestCase()
     {
         m_farm.settings.limits = {{1000, 100}, {1000, 100}, {1000, 100}, {1000, 100}};
-        m_farm.data.accounts.AddProject(m_farm.data.account, {"Titles"_s, "p"_s});
+        m_farm.data.AddProject("Titles", "p", {"ann"_s});
         m_farm.data.Add("bob", "b", 1'280'500'000, true);
         m_id = m_farm.Add(1);
         m_farm.Start();
@@ -175,19 +193,52 @@ private slots:
     {
         FarmAtWork farm;
         farm.settings.limits = {{6, 0.01}, {2, 0.01}, {2, 0.01}, {1, 0.01}};
+        farm.settings.proxies = QStringList {"127.0.0.1"_s};
         farm.data.Add("bob", "b");
         farm.Start();
-        const auto signIn = [&farm](const char* name, const char* password) {
-            farm.SignIn(name, password);
-            return farm.signIn.status;
-        };
+        const auto signIn
+            = [&farm](const char* name, const char* password, const char* address = "10.0.0.1") {
+                  const QJsonObject body {
+                      {"username"_s, QLatin1String(name)}, {"password"_s, QLatin1String(password)}};
+                  farm.signIn = farm.Send(
+                      "POST", "/session"_s, QJsonDocument(body).toJson(), {{"X-Forwarded-For", address}});
+                  return farm.signIn.status;
+              };
         QCOMPARE(signIn("Ann", "x"), 401);
         QCOMPARE(signIn("Ann", "x"), 401);
         QCOMPARE(signIn("ann", "secret"), 429);
         QCOMPARE(farm.signIn.Error(), "too_many_requests"_s);
         QVERIFY(farm.signIn.retryAfter.toInt() > 0);
-        for (int status : {200, 200, 429})
+        // Nobody else is locked out.
+        QCOMPARE(signIn("ann", "secret", "10.0.0.2"), 200);
+        for (int status : {200, 200, 200, 429})
             QCOMPARE(signIn("bob", "b"), status);
+    }
+
+    // Guesses from many addresses cannot keep the owner of an account out, either.
+    void SlowsGuessesFromManyAddressesDown()
+    {
+        RequestLimits rates;
+        rates.failedSignInsByName = {2, 0.0001};
+        rates.slowSignIn = std::chrono::milliseconds(50);
+        SignInLimits limits(rates);
+        QElapsedTimer clock;
+        clock.start();
+        for (const char* address : {"10.0.0.1", "10.0.0.2", "10.0.0.3"})
+            limits.Admit("ann"_s, address, false);
+        QVERIFY(clock.elapsed() >= 50);
+        rates.slowSignIn = std::chrono::hours(1);
+        SignInLimits patient(rates);
+        for (int attempt = 0; attempt < 5; ++attempt)
+            patient.Admit("ann"_s, "10.0.0.1", true);
+    }
+
+    void BelievesProxiesAlone_data() { AddRows(Hops); }
+    void BelievesProxiesAlone()
+    {
+        const auto& [name, peer, forwardedFor, forwarded, client] = Row(Hops);
+        const TrustedProxies proxies({"10.0.0.9"_s, "fd00::9"_s});
+        QCOMPARE(proxies.ClientOf(peer, forwardedFor, forwarded), QByteArray(client));
     }
 
     void StreamsOfEventsTakeNoThreadsFromRequests()
@@ -259,7 +310,7 @@ private slots:
         const auto ann = farm.Listen();
         EVENTUALLY(has(ann, "\n:\n"));
         // Another process pays in.
-        farm.data.accounts.Credit("ann"_s, 5'000'000);
+        farm.data.SetBalance(15'000'000);
         EVENTUALLY(has(ann,
             R"({"account":{"isBindToVso":false,"userInfo":{"user_balance":15}},"jobs":[],"list":true})"));
         const QString session = farm.SignIn("bob", "b");
@@ -282,6 +333,35 @@ private slots:
         farm.End();
         QVERIFY(clock.elapsed() < Heartbeat / 2);
         EVENTUALLY(ann->state() == QTcpSocket::UnconnectedState);
+    }
+
+    void GoesByWhatAdministratorsChange()
+    {
+        FarmAtWork farm;
+        const std::int64_t bob = farm.data.Add("bob", "b");
+        farm.Start();
+        farm.SignIn("bob", "b");
+        AccountAdmin admin(farm.data.database, {}, Now());
+        QCOMPARE(admin.Sessions("bob"_s).at(0).address, "127.0.0.1"_s);
+        QCOMPARE(farm.BeginUpload("0123456789").status, 200);
+        admin.SetQuota("bob"_s, 15);
+        QCOMPARE(farm.BeginUpload("more").status, 200);
+        QCOMPARE(farm.BeginUpload("too much").status, 507);
+        QCOMPARE(admin.SpaceUsed(bob), std::int64_t(14));
+        QCOMPARE(farm.Get("/projects"_s).body["data"_s], QJsonValue(QJsonArray()));
+        farm.data.AddProject("Titles", "p", {"bob"_s});
+        QCOMPARE(farm.Get("/projects"_s).body["data"_s].toArray().size(), 1);
+
+        const auto stream = farm.Listen();
+        EVENTUALLY(stream->peek(10000).contains("\n:\n"));
+        admin.SetDisabled("bob"_s, true);
+        QCOMPARE(farm.Get("/account"_s).status, 401);
+        EVENTUALLY(stream->state() == QTcpSocket::UnconnectedState);
+        QCOMPARE(farm.SignIn("bob", "b"), QString());
+        admin.SetDisabled("bob"_s, false);
+        QVERIFY(!farm.SignIn("bob", "b").isEmpty());
+        const auto entry = LastAuditEntries(farm.data.database, "bob"_s, 1).at(0);
+        QCOMPARE(SentenceOf(entry), "session begin bob by bob from 127.0.0.1"_s);
     }
 
     void LimitsUsesPerTime()

@@ -69,12 +69,11 @@ class JobsTest : public QObject
     Q_OBJECT
 
 private slots:
-    // Bob, who has the same pool, has a job with the name of ann's first.
+    // Bob, who works on the same project, has a job with the name of ann's first.
     void initTestCase()
     {
         const std::int64_t bob = m_data.Add("bob", "x");
-        const std::int64_t titles = m_data.accounts.AddProject(m_data.account, {"Titles"_s, "pool-a"_s});
-        m_data.accounts.AddProject(bob, {"Other"_s, "pool-a"_s});
+        const std::int64_t titles = m_data.AddProject("Titles", "pool-a", {"ann"_s, "bob"_s});
         for (const auto& [name, type, status, rendering, inTitles, submitted, ended] : GivenJobs) {
             NewJob job = m_data.Job(QString::fromUtf8(name));
             job.type = QString::fromLatin1(type);
@@ -89,6 +88,7 @@ private slots:
         }
         NewJob foreign = m_data.Job("Harbour_dawn"_s);
         foreign.account = bob;
+        foreign.project = titles;
         m_ids.append(m_data.jobs.Add(foreign).id);
     }
 
@@ -111,7 +111,7 @@ private slots:
     {
         const QTemporaryDir folder;
         FarmData data(folder.path());
-        const std::int64_t pool = data.accounts.AddProject(data.account, {"Titles"_s, "pool-a"_s});
+        const std::int64_t pool = data.AddProject("Titles", "pool-a", {"ann"_s});
         data.Change(qPrintable(ManyJobs.arg(data.account).arg(pool)));
         std::mt19937 random(7);
         const auto any = [&random](int least, int most) {

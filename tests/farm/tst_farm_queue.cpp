@@ -52,7 +52,7 @@ private slots:
     {
         m_folder = std::make_unique<QTemporaryDir>();
         m_data = std::make_unique<FarmData>(m_folder->path());
-        m_settings = {0, std::chrono::hours(1), std::chrono::seconds(30)};
+        m_settings = {std::chrono::hours(1), std::chrono::seconds(30)};
     }
 
     void AccountsShareTheFarm_data() { AddRows(Shares); }
@@ -231,7 +231,7 @@ private slots:
     }
 
 private:
-    RenderQueue Queue() { return RenderQueue(m_data->database, m_data->feed, m_settings); }
+    RenderQueue Queue() { return RenderQueue(m_data->database, m_data->feed, m_data->terms, m_settings); }
 
     static QString Name(const FrameKey& frame) { return "%1.%2"_s.arg(frame.job).arg(frame.number); }
 

@@ -85,7 +85,8 @@ private slots:
     {
         constexpr Micros Price = 500'000;
         const std::int64_t job = m_farm->data.jobs.Add(m_farm->data.Job("job"_s, 3)).key;
-        RenderQueue queue(m_farm->data.database, m_farm->data.feed, {Price});
+        const AccountTerms terms(Price, 0);
+        RenderQueue queue(m_farm->data.database, m_farm->data.feed, terms);
         queue.Finish({job, 2}, {}, 3001, 100);
         queue.Finish({job, 2}, {}, 9999, 101);
         queue.Finish({job, 7}, {}, 9999, 102);
@@ -273,7 +274,7 @@ private slots:
         }
         QCOMPARE(m_farm->Apply(action, {}).status, 200);
         // An account in arrears cannot send jobs to work.
-        m_farm->data.Change("UPDATE accounts SET balance = 0");
+        m_farm->data.SetBalance(0);
         const QString failed = m_farm->Add(1, JobStatus::Failed);
         const bool sendsToWork = action != "stop"_s && action != "delete"_s;
         QCOMPARE(
@@ -285,7 +286,7 @@ private slots:
     void RecoveringAJobWithoutOpenFramesFinishesIt()
     {
         const QString id = m_farm->Add(1, JobStatus::Paused);
-        RenderQueue(m_farm->data.database, m_farm->data.feed, {}).Finish({1, 1}, {}, 1, 100);
+        RenderQueue(m_farm->data.database, m_farm->data.feed, m_farm->data.terms).Finish({1, 1}, {}, 1, 100);
         QCOMPARE(m_farm->Status(), JobStatus::Paused);
         m_farm->Start(ScriptedTypes(GatedScript));
         QCOMPARE(m_farm->Apply("recover"_s, {id}).status, 200);
@@ -319,7 +320,7 @@ private slots:
         QVERIFY(!QFile::exists(left));
         QCOMPARE(m_farm->Status(), JobStatus::Running);
         // The earlier run reports a frame late, as finished and as failed.
-        RenderQueue queue(m_farm->data.database, m_farm->data.feed, {});
+        RenderQueue queue(m_farm->data.database, m_farm->data.feed, m_farm->data.terms);
         queue.Finish({1, 3, 1}, {}, 1, 100);
         for (int attempt = 1; attempt <= 3; ++attempt)
             QVERIFY(!queue.Fail({1, 4, 1}, "late"_s, 100));
@@ -335,7 +336,7 @@ private slots:
         const QString running = m_farm->Add(3);
         const QString waiting = m_farm->Add(1);
         const QString promoted = m_farm->Add(1, JobStatus::ToFullRender);
-        m_farm->data.Change("UPDATE accounts SET balance = 1");
+        m_farm->data.SetBalance(1);
         m_farm->settings.pricePerCoreSecond = 100'000'000;
         m_farm->Start(ScriptedTypes(DearScript));
         EVENTUALLY_COMPARE(m_farm->Status(running), JobStatus::PausedInArrears);
@@ -348,7 +349,7 @@ private slots:
         const QStringList ids {running, waiting, promoted};
         QCOMPARE(NotAllowed(m_farm->Apply("recover"_s, ids)), QJsonArray::fromStringList(ids));
         QCOMPARE(m_farm->Status(running), JobStatus::PausedInArrears);
-        m_farm->data.accounts.Credit("Ann"_s, 100'000'000'000);
+        m_farm->data.SetBalance(100'000'000'000);
         QVERIFY(m_farm->OpenGate());
         QCOMPARE(NotAllowed(m_farm->Apply("recover"_s, ids)), QJsonArray());
         for (const QString& id : ids)

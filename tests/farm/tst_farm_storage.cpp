@@ -1,4 +1,3 @@
-#include "farm/base/money.h"
 #include "farm/base/safe_path.h"
 #include "farm/data_lock.h"
 #include "farm/demo_data.h"
@@ -39,6 +38,12 @@ const std::tuple<const char*, bool, int, const char*, const char*> Sharings[] = 
     {"interrupted", false, 0, "", "the farm is shutting down"},
 };
 
+// Two accounts have a project with the same pool.
+constexpr const char* OldProjects
+    = "INSERT INTO accounts(key, name, email, password, bound, balance, second_balance) "
+      "VALUES (2, 'bob', 'b', '', 0, 0, 0); "
+      "INSERT INTO projects VALUES (1, 1, 'Titles', 'p'), (2, 2, 'Other', 'p'); UPDATE jobs SET project = 2";
+
 } // namespace
 
 class StorageTest : public QObject
@@ -52,48 +57,6 @@ private slots:
         diskFails = false;
         diskFree = -1;
         fullFile.clear();
-    }
-
-    void SignInNeedsNameAndPassword()
-    {
-        FarmData data(m_folder->path());
-        for (const auto& name : {"ann"_s, "ANN"_s, "ann@EXAMPLE.org"_s}) {
-            const auto session = data.accounts.SignIn(name, "secret"_s, 100);
-            QVERIFY2(session, qPrintable(name));
-            QCOMPARE(session->accountName, "ann"_s);
-            QCOMPARE(data.accounts.AccountOf(session->token, 100), std::optional(data.account));
-        }
-        for (const auto& password : {"Secret"_s, QString()})
-            QVERIFY2(!data.accounts.SignIn("ann"_s, password, 100), qPrintable(password));
-        QVERIFY(!data.accounts.SignIn("eve"_s, "secret"_s, 100));
-    }
-
-    void ASessionEndsWithTimeOrSignOut()
-    {
-        FarmData data(m_folder->path());
-        const QString first = data.accounts.SignIn("ann"_s, "secret"_s, 1000)->token;
-        const QString second = data.accounts.SignIn("ann"_s, "secret"_s, 2000)->token;
-        QVERIFY(data.accounts.AccountOf(first, 1000 + 3599));
-        QVERIFY(!data.accounts.AccountOf(first, 1000 + 3600));
-        QVERIFY(data.accounts.AccountOf(second, 1000 + 3600));
-        data.accounts.SignOut(second);
-        QVERIFY(!data.accounts.AccountOf(second, 2000));
-        QVERIFY(data.accounts.AccountOf(first, 2000));
-        data.accounts.SignIn("ann"_s, "secret"_s, 1000 + 3600);
-        QCOMPARE(data.Count("SELECT count(*) FROM sessions"), 1);
-        // Neither passwords nor tokens are on the disk.
-        const QByteArray disk = ReadFile(Path("farm.sqlite"_s)) + ReadFile(Path("farm.sqlite-wal"_s));
-        QVERIFY(disk.contains("ann@example.org"));
-        for (const QByteArray& secret : {QByteArray("secret"), first.toLatin1(), second.toLatin1()})
-            QVERIFY2(!disk.contains(secret), secret);
-    }
-
-    void RoundsMoneyToCents()
-    {
-        const QMap<Micros, const char*> texts {{0, "0.00"}, {4999, "0.00"}, {5000, "0.01"},
-            {12995000, "13.00"}, {-54000, "-0.05"}, {-4000, "0.00"}};
-        for (auto text = texts.begin(); text != texts.end(); ++text)
-            QCOMPARE(MoneyText(text.key()), QLatin1String(text.value()));
     }
 
     void AppendsAllBytesOrNone()
@@ -120,7 +83,8 @@ private slots:
         FarmData data(m_folder->path());
         diskCalls.clear();
         ContentStore contents(data.database, Path("contents"_s));
-        UploadStore uploads(data.database, contents, Path("uploads"_s), 1'000'000);
+        const AccountTerms terms(DefaultPrice, 1'000'000);
+        UploadStore uploads(data.database, contents, Path("uploads"_s), terms);
         const QString folder = QFileInfo(m_folder->path()).fileName();
         QCOMPARE(diskCalls, (QStringList {Sync + folder, Sync + folder}));
         const QString checksum = Sha256("a scene");
@@ -146,7 +110,7 @@ private slots:
         diskCalls.clear();
         const AddedJob added = data.jobs.Add(job);
         QVERIFY(Ordered({Record()}));
-        RenderQueue queue(data.database, data.feed, {});
+        RenderQueue queue(data.database, data.feed, data.terms);
         const SceneFiles scenes(data.database, contents, m_folder->path());
         const FrameFiles files(Path("jobs"_s), scenes);
         const FrameTask task = *queue.Next({job.type}, {}, 1);
@@ -181,7 +145,7 @@ private slots:
     {
         FarmData data(m_folder->path());
         ContentStore contents(data.database, Path("contents"_s));
-        UploadStore uploads(data.database, contents, Path("uploads"_s), 10'000'000);
+        UploadStore uploads(data.database, contents, Path("uploads"_s), data.terms);
         const QByteArray content(2'000'000, 'a');
         const QByteArray package = Package({{"a", content}});
         const QString id = uploads.Begin(data.account, Sha256(package), package.size(), 1).id;
@@ -318,9 +282,10 @@ private slots:
     {
         Database database(Path("farm.sqlite"_s), farm::Schema());
         AccountStore accounts(database, 3600);
+        ProjectStore projects(database);
         JobStore jobs(database);
         const auto total = [&](const QString& name) {
-            ProvideDemo(database, accounts, jobs, 2'000'000'000);
+            ProvideDemo(database, accounts, projects, jobs, 2'000'000'000);
             return jobs.List(accounts.Find(name).value(), {}, 1, 1).total;
         };
         const std::int64_t demo = total("demo"_s);
@@ -344,11 +309,21 @@ private slots:
             old.resize(version);
             Database(folder.filePath("farm.sqlite"_s), old).Read([](SQLite::Database& connection) {
                 connection.exec(OldRecords);
+                if (!connection.tableExists("project_members"))
+                    connection.exec(OldProjects);
                 if (connection.tableExists("frame_ranges"))
                     connection.exec("INSERT INTO frame_ranges SELECT job, 1, max(number) FROM frames");
             });
             FarmData data(folder.path());
-            const auto next = RenderQueue(data.database, data.feed, {}).Next({"povray"_s}, {}, 1);
+            // Projects with the same pool have become one, and the balance has become a payment.
+            QCOMPARE(data.Balance(), Micros(5'000'000));
+            if (const auto bob = data.accounts.Find("bob"_s)) {
+                QCOMPARE(data.projects.OfAccount(*bob).at(0).name, "Titles"_s);
+                QCOMPARE(data.projects.OfAccount(data.account).size(), std::size_t(1));
+                data.SetBalance(5'000'001);
+                QCOMPARE(data.Count("SELECT sum(amount) FROM payments"), 5'000'001);
+            }
+            const auto next = RenderQueue(data.database, data.feed, data.terms).Next({"povray"_s}, {}, 1);
             QVERIFY(next);
             QCOMPARE(next->jobId, "old"_s);
             QCOMPARE(next->Number(), 3);

@@ -223,11 +223,11 @@ private slots:
         QCOMPARE(ReadFile(leaf.arg(id)), QByteArray("a leaf"));
         // A renderer that changes its copy of the scene does not change the contents.
         QVERIFY(WriteFile(leaf.arg(id), "a lens"));
-        m_farm->data.Change("UPDATE accounts SET balance = 0");
+        m_farm->data.SetBalance(0);
         body.insert("submission"_s, "second"_s);
         const QString second = Submit(body).Data("job_id").toString();
         QCOMPARE(m_farm->Status(), JobStatus::Arrears);
-        m_farm->data.accounts.Credit("ann"_s, 1'000'000);
+        m_farm->data.SetBalance(1'000'000);
         m_farm->Apply("recover"_s, {second});
         EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
         QCOMPARE(ReadFile(leaf.arg(second)), QByteArray("a leaf"));

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "farm/accounts/account_store.h"
+#include "farm/accounts/audit.h"
+
+#include <optional>
+#include <vector>
+
+namespace farm {
+
+/// What administrators see of an account.
+struct AccountEntry
+{
+    std::int64_t key = 0;
+    QString name;
+    QString email;
+    bool isDisabled = false;
+    bool isBound = true;
+    Micros balance = 0;
+    /// Nothing stands for the farm's, as for the price.
+    std::optional<std::int64_t> quota;
+    std::optional<Micros> price;
+    int priority = 0;
+};
+
+struct SessionEntry
+{
+    /// The beginning of the stored hash of the token, which names the session and reveals nothing.
+    QString id;
+    QString account;
+    QString address;
+    std::int64_t beganAt = 0;
+    std::int64_t expiresAt = 0;
+};
+
+/// What administrators do with accounts, which may be named by their e-mail addresses. A running farm goes by each
+/// change from the next request on. Changes are recorded in the audit. Functions throw NotFound. Times are seconds since
+/// the epoch. Thread-safe.
+class AccountAdmin
+{
+public:
+    AccountAdmin(Database& database, const Actor& actor, std::int64_t now);
+
+    /// Throws Conflict when the name or the e-mail address is taken, and InvalidInput when the name, the address or the
+    /// password will not do. An account without an address has its name in that place.
+    void Add(NewAccount account);
+    /// A disabled account cannot sign in; its sessions end at once, its jobs go on.
+    void SetDisabled(const QString& account, bool isDisabled);
+    /// Ends the account's sessions. Throws InvalidInput when the password will not do.
+    void SetPassword(const QString& account, const QString& password);
+    void SetQuota(const QString& account, std::optional<std::int64_t> quota);
+    /// Frames that finish from now on are charged at this price.
+    void SetPrice(const QString& account, std::optional<Micros> price);
+    void SetPriority(const QString& account, int priority);
+    void SetBound(const QString& account, bool isBound);
+
+    /// Sorted by name.
+    std::vector<AccountEntry> List();
+    AccountEntry Find(const QString& account);
+    /// The bytes of the account's contents and unfinished uploads.
+    std::int64_t SpaceUsed(std::int64_t account);
+
+    /// The sessions that last, of one account or, if it is empty, of all.
+    std::vector<SessionEntry> Sessions(const QString& account);
+    /// Returns the number of sessions that were ended.
+    int RevokeSessionsOf(const QString& account);
+    void RevokeSession(const QString& id);
+
+private:
+    template <typename Value>
+    void Set(const QString& account, const char* column, const Value& value, const char* action,
+        const QString& details = {}, bool endsSessions = false);
+
+    Database& m_database;
+    Actor m_actor;
+    std::int64_t m_now;
+};
+
+/// Refuses passwords that are easily guessed. Throws InvalidInput.
+void CheckPassword(const QString& name, const QString& password);
+
+} // namespace farm

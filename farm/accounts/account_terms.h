@@ -1,0 +1,29 @@
+#pragma once
+
+#include "farm/base/money.h"
+#include "farm/base/schema.h"
+
+#include <atomic>
+#include <cstdint>
+
+namespace farm {
+
+/// What accounts pay for a core-second and how many bytes they may keep on the farm. An account without terms of its
+/// own has the farm's. Thread-safe.
+class AccountTerms
+{
+public:
+    AccountTerms(Micros price, std::int64_t quota);
+
+    /// Sets the farm's terms, which hold from the next frame and request on.
+    void Change(Micros price, std::int64_t quota);
+
+    Micros PriceFor(SQLite::Database& connection, std::int64_t account) const;
+    std::int64_t QuotaFor(SQLite::Database& connection, std::int64_t account) const;
+
+private:
+    std::atomic<Micros> m_price;
+    std::atomic<std::int64_t> m_quota;
+};
+
+} // namespace farm

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "farm/accounts/account_terms.h"
+#include "farm/accounts/audit.h"
+
+#include <functional>
+#include <limits>
+#include <optional>
+
+namespace farm {
+
+/// A payment or a charge.
+struct LedgerEntry
+{
+    std::int64_t at = 0;
+    QString account;
+    /// What it adds to the balance: negative for charges.
+    Micros amount = 0;
+    /// Of a payment.
+    QString note;
+    /// Of a charge, as all below; empty otherwise.
+    QString job;
+    QString jobName;
+    int frame = 0;
+    std::int64_t coreMilliseconds = 0;
+    /// Of a core-second; older charges did not record it.
+    std::optional<Micros> price;
+};
+
+/// All charges of a job.
+struct JobCharges
+{
+    QString account;
+    QString job;
+    QString jobName;
+    std::int64_t charges = 0;
+    std::int64_t coreMilliseconds = 0;
+    Micros amount = 0;
+};
+
+struct LedgerRange
+{
+    /// A name or an e-mail address; empty for all accounts.
+    QString account;
+    /// Seconds since the epoch, both included.
+    std::int64_t from = 0;
+    std::int64_t to = std::numeric_limits<std::int64_t>::max();
+};
+
+/// The payments and charges of all accounts. Both stay for ever; the balance of an account is what they come to, which
+/// triggers of the database keep up. Thread-safe.
+class Ledger
+{
+public:
+    explicit Ledger(Database& database, const Actor& actor = {});
+
+    /// Pays the amount, which may be negative, into the account with this name or e-mail address; returns the new
+    /// balance. Throws NotFound.
+    Micros Pay(const QString& account, Micros amount, const QString& note, std::int64_t now);
+
+    /// Payments and charges in the order of time. Throws NotFound.
+    void ForEachEntry(const LedgerRange& range, const std::function<void(const LedgerEntry&)>& show);
+    /// The sums of the charges in this range by job, in the order of accounts and submissions.
+    void ForEachJob(const LedgerRange& range, const std::function<void(const JobCharges&)>& show);
+
+    /// Proves that the ledger adds up: each balance is its payments less its charges, each charge is the processor time
+    /// at its price and belongs to the account of its job, and each finished frame was charged. Shows a sentence for
+    /// each fault.
+    void Check(const std::function<void(const QString&)>& show);
+
+private:
+    Database& m_database;
+    Actor m_actor;
+};
+
+/// Records a payment inside a transaction.
+void AddPayment(
+    SQLite::Database& connection, std::int64_t account, Micros amount, const QString& note, std::int64_t now);
+
+/// Charges a frame to the account of its job, inside a transaction.
+void AddCharge(SQLite::Database& connection, std::int64_t job, int frame, std::int64_t coreMilliseconds,
+    const AccountTerms& terms, std::int64_t now);
+
+} // namespace farm

@@ -1,0 +1,12 @@
+#pragma once
+
+namespace farm {
+
+class AccountStore;
+struct FarmSettings;
+
+/// Throws std::runtime_error, which says what to do, when other machines could reach the farm without a proxy that
+/// encrypts, or sign in to demo accounts, whose passwords everybody knows.
+void CheckExposure(AccountStore& accounts, const FarmSettings& settings);
+
+} // namespace farm
