@@ -34,7 +34,7 @@ struct FrameTask
     /// The lowest and the highest number in the job's ranges, even when the frames with these numbers are missing.
     int firstFrame = 1;
     int lastFrame = 1;
-    /// Whether no frame of this run is finished yet.
+    /// Whether it is the first frame of its run. What earlier runs have left is removed before it is rendered.
     bool beginsRun = false;
 
     int FrameSpan() const { return lastFrame - firstFrame + 1; }

@@ -220,8 +220,8 @@ void RenderQueue::Start(std::int64_t job)
 {
     const auto started = m_database.Write([job](SQLite::Database& connection) {
         const bool isStarted = Execute(connection,
-                                   "UPDATE jobs SET status = ?2 "
-                                   "WHERE key IN (SELECT key FROM open_jobs WHERE key = ?1 AND status <> ?2)",
+                                   "UPDATE jobs SET status = ?2, begun_run = run WHERE key = ?1 "
+                                   "AND status IN (0, 1, 6) AND (status <> ?2 OR begun_run <> run)",
                                    job, static_cast<int>(JobStatus::Running))
             != 0;
         const auto facts = isStarted ? FactsOf(connection, job) : std::nullopt;
@@ -264,7 +264,6 @@ void RenderQueue::Finish(const FrameKey& frame, const Picture& picture, std::int
             return Announcement {};
         KeepFrameLog(connection, frame.job, frame.number, log);
         AddCharge(connection, frame.job, frame.number, coreMilliseconds, m_terms, now);
-        Execute(connection, "UPDATE jobs SET begun_run = run WHERE key = ? AND begun_run <> run", frame.job);
         AddUse(connection, job->account, coreMilliseconds, now);
         const bool isLast = UpdateTurn(connection, frame.job, now);
         const bool goesOn = m_health.Succeeded(job->type);

@@ -48,7 +48,8 @@ public:
     /// Whether the frame's job is open and has not been restarted since.
     bool IsWanted(const FrameKey& frame);
 
-    /// Marks an open job as running.
+    /// Marks an open job as running, and its run as begun. Call it before the next Next(), so that only one frame begins
+    /// the run.
     void Start(std::int64_t job);
 
     /// Pauses the open jobs of all accounts in arrears.

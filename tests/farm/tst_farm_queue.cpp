@@ -99,6 +99,9 @@ private slots:
         while (const auto task = queue.Next({"povray"_s}, {}, 1)) {
             turns.append(Name(task->key));
             QCOMPARE(task->beginsRun, begun.insert(task->key.job).second);
+            queue.Start(task->key.job);
+            const auto meanwhile = queue.Next({"povray"_s}, {task->key}, 1);
+            QVERIFY(!meanwhile || meanwhile->beginsRun == (begun.count(meanwhile->key.job) == 0));
             queue.Finish(task->key, {}, 1000, 1);
         }
         QCOMPARE(turns.join(u' '), QString::fromLatin1(expected));
