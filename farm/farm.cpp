@@ -39,19 +39,21 @@ Farm::Farm(const FarmSettings& settings)
     : m_settings(settings)
     , m_dataFolder(MakeFolder(settings.dataFolder))
     , m_lock(m_dataFolder, LockWait, settings.takeOver)
-    , m_database(DatabaseFile(m_dataFolder), Schema(), {Readers, true})
+    , m_database(CheckedDatabaseFile(), Schema(), {Readers, true})
+    , m_mark(m_database, m_dataFolder, settings.acceptDatabase)
+    , m_reserve(m_dataFolder, settings.diskReserve)
     , m_terms(settings.pricePerCoreSecond, settings.quota)
     , m_accounts(m_database, settings.sessionSeconds)
     , m_projects(m_database)
     , m_jobs(m_database)
     , m_types(ReadJobTypes(settings.jobTypesFile))
     , m_contents(m_database, Folder("contents"))
-    , m_uploads(m_database, m_contents, Folder("uploads"), m_terms)
+    , m_uploads(m_database, m_contents, Folder("uploads"), m_terms, m_reserve)
     , m_queue(m_database, m_feed, m_terms, QueueSettingsOf(settings, m_types))
     , m_runs(m_database)
     , m_rendererUser(settings.rendererUser)
     , m_scenes(m_database, m_contents, settings.sceneFolder, m_rendererUser)
-    , m_files(Folder("jobs"), m_scenes, m_rendererUser)
+    , m_files(Folder("jobs"), m_scenes, m_rendererUser, m_reserve)
     , m_pictures(m_database, m_files)
     , m_frames(m_database)
     , m_logs(m_database, m_files)
@@ -59,12 +61,19 @@ Farm::Farm(const FarmSettings& settings)
     , m_executor(MakeExecutor())
     , m_scheduler({m_queue, m_runs, *m_executor, m_files, m_inWork}, m_types,
           {m_dataFolder, settings.rendererUser}, settings.lookInterval)
-    , m_actions(m_database, m_feed, [this] { m_scheduler.NudgeLater(); })
-    , m_submission(m_database, m_jobs, m_contents, m_types.keys(), m_terms, m_feed,
-          [this] { m_scheduler.NudgeLater(); })
-    , m_http({m_accounts, m_projects, m_contents, m_uploads, m_jobs, m_actions, m_submission, m_frames,
-                 m_inWork, m_pictures, m_feed, m_overview, m_logs, QDir(m_dataFolder)},
+    , m_actions(m_database, m_feed,
+          [this] {
+              m_scheduler.NudgeLater();
+              m_housekeeping.Wake();
+          })
+    , m_submission(
+          m_database, m_jobs, m_contents, m_types.keys(), m_terms, m_feed,
+          [this] { m_scheduler.NudgeLater(); }, m_reserve)
+    , m_http({m_database, m_accounts, m_projects, m_contents, m_uploads, m_jobs, m_actions, m_submission,
+                 m_frames, m_inWork, m_pictures, m_feed, m_overview, m_logs, QDir(m_dataFolder), m_terms},
           settings.limits, settings.proxies)
+    , m_folders(m_database, Folder("jobs"))
+    , m_housekeeping(m_folders, m_contents, m_mark, settings.keepContents)
 {
     CheckExposure(m_accounts, settings);
     PreparePasswords();
@@ -100,6 +109,12 @@ QString Farm::MakeFolder(const QString& path)
     if (path.isEmpty() || !QDir().mkpath(path))
         throw std::runtime_error("cannot create the data folder");
     return QDir(path).absolutePath();
+}
+
+QString Farm::CheckedDatabaseFile() const
+{
+    DataMark::RequireDatabase(m_dataFolder, DatabaseFile(m_dataFolder));
+    return DatabaseFile(m_dataFolder);
 }
 
 QString Farm::Folder(const char* name) const

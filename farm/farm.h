@@ -6,6 +6,8 @@
 #include "farm/base/change_feed.h"
 #include "farm/base/schema.h"
 #include "farm/data_lock.h"
+#include "farm/data_mark.h"
+#include "farm/housekeeping.h"
 #include "farm/http/http_api.h"
 #include "farm/jobs/farm_overview.h"
 #include "farm/jobs/frame_store.h"
@@ -15,6 +17,7 @@
 #include "farm/rendering/executor.h"
 #include "farm/rendering/frame_files.h"
 #include "farm/rendering/frames_in_work.h"
+#include "farm/rendering/job_folders.h"
 #include "farm/rendering/log_store.h"
 #include "farm/rendering/picture_store.h"
 #include "farm/rendering/render_queue.h"
@@ -58,6 +61,12 @@ struct FarmSettings
     bool demo = true;
     /// The most bytes that the contents and unfinished uploads of an account may take, unless it has a quota of its own.
     std::int64_t quota = std::int64_t {20} * 1024 * 1024 * 1024;
+    /// The farm takes nothing new when its disk would have less left than this. In bytes; 0 for no reserve.
+    std::int64_t diskReserve = std::int64_t {1} << 30;
+    /// The time for which contents are kept that no job needs.
+    std::chrono::hours keepContents {24 * 7};
+    /// Uses a database that is older than the other files in the data folder, or another farm's.
+    bool acceptDatabase = false;
     /// Ignores a lock of the data folder that another machine holds.
     bool takeOver = false;
     /// The user of this machine who runs the renderers of a farm that runs as root; empty for the farm's own user.
@@ -87,6 +96,7 @@ public:
 
 private:
     static QString MakeFolder(const QString& path);
+    QString CheckedDatabaseFile() const;
     QString Folder(const char* name) const;
     std::unique_ptr<Executor> MakeExecutor() const;
     void DoHousekeeping();
@@ -97,6 +107,8 @@ private:
     QString m_dataFolder;
     DataLock m_lock;
     Database m_database;
+    DataMark m_mark;
+    DiskReserve m_reserve;
     ChangeFeed m_feed;
     AccountTerms m_terms;
     AccountStore m_accounts;
@@ -120,6 +132,8 @@ private:
     JobActions m_actions;
     JobSubmission m_submission;
     HttpApi m_http;
+    JobFolders m_folders;
+    Housekeeping m_housekeeping;
     QTimer m_housekeepingTimer;
     QTimer m_outsideTimer;
     int m_port = 0;

@@ -43,6 +43,7 @@ ServeOptions::ServeOptions(CLI::App& app)
     AddRendering(app);
     AddCluster(app);
     AddAccounts(app);
+    AddFiles(app);
     app.add_flag(
         "--take-over", m_takesOver, "Ignore the lock of another machine that has left it on a shared disk.");
     app.add_flag("--stop-with-stdin", m_stopsWithStdin, "Exit at the end of standard input.");
@@ -151,6 +152,22 @@ void ServeOptions::AddAccounts(CLI::App& app)
     app.add_flag("--no-demo", m_hasNoDemo, "Create no demo accounts and jobs.");
 }
 
+void ServeOptions::AddFiles(CLI::App& app)
+{
+    constexpr int MostDays = 36500;
+    app.add_option(
+           "--reserve", m_reserve, "Space of the disk that stays free; below it nothing new is taken.")
+        ->type_name("GIB")
+        ->check(IsWholeNumber(0, MostGibibytes))
+        ->capture_default_str();
+    app.add_option("--keep-contents", m_keepContents, "Time for which files are kept that no job needs.")
+        ->type_name("DAYS")
+        ->check(IsWholeNumber(0, MostDays))
+        ->capture_default_str();
+    app.add_flag("--accept-database", m_acceptsDatabase,
+        "Use a database that is older than the other files in the data folder, or another farm's.");
+}
+
 FarmSettings ServeOptions::Settings() const
 {
     FarmSettings settings;
@@ -168,6 +185,9 @@ FarmSettings ServeOptions::Settings() const
     settings.pricePerCoreSecond = AmountOf(m_price);
     settings.quota = m_quota * Gibibyte;
     settings.rendererUser = QString::fromStdString(m_rendererUser);
+    settings.diskReserve = m_reserve * Gibibyte;
+    settings.keepContents = std::chrono::hours(24 * m_keepContents);
+    settings.acceptDatabase = m_acceptsDatabase;
     settings.takeOver = m_takesOver;
     settings.demo = !m_hasNoDemo;
     return settings;

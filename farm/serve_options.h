@@ -30,6 +30,7 @@ private:
     void AddRendering(CLI::App& app);
     void AddCluster(CLI::App& app);
     void AddAccounts(CLI::App& app);
+    void AddFiles(CLI::App& app);
     SlurmSettings Slurm() const;
 
     std::string m_dataFolder;
@@ -58,6 +59,9 @@ private:
         int fileDelay = 60; // s
     } m_slurm;
     bool m_hasNoDemo = false;
+    int m_reserve = 1;      // GiB
+    int m_keepContents = 7; // days
+    bool m_acceptsDatabase = false;
     bool m_takesOver = false;
     bool m_stopsWithStdin = false;
     std::string m_logLevel = "info";

@@ -269,12 +269,41 @@ CREATE TABLE audit(
     details TEXT NOT NULL DEFAULT '');
 )sql";
 
+// What a job has in the data folder: 2 for files and perhaps leftovers of runs, 1 for files, 0 for nothing. Each run leaves
+// leftovers until they are removed, even a run that begins while its job is being deleted. A content is used when it
+// arrives, when a client asks whether it is there, and while a job needs it.
+constexpr const char* FreedFiles = R"sql(
+ALTER TABLE jobs ADD COLUMN files INTEGER NOT NULL DEFAULT 1;
+ALTER TABLE jobs ADD COLUMN scene_bytes INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE jobs ADD COLUMN picture_bytes INTEGER NOT NULL DEFAULT 0;
+UPDATE jobs SET files = 2,
+    picture_bytes = (SELECT coalesce(sum(size), 0) FROM frames WHERE job = jobs.key),
+    scene_bytes = (SELECT coalesce(sum(size), 0) FROM job_files JOIN contents USING (checksum)
+        WHERE job = jobs.key AND contents.account = jobs.account);
+CREATE INDEX jobs_to_free ON jobs(key) WHERE status = 5 AND files > 0;
+CREATE INDEX jobs_to_tidy ON jobs(key) WHERE status IN (2, 3, 4, 7, 8, 9) AND files = 2;
+CREATE INDEX jobs_by_bytes ON jobs(account, scene_bytes + picture_bytes) WHERE files > 0;
+CREATE TRIGGER run_leaves_files AFTER INSERT ON runs BEGIN
+    UPDATE jobs SET files = 2 WHERE key = NEW.job AND files < 2;
+END;
+
+CREATE INDEX job_files_by_content ON job_files(checksum, job);
+ALTER TABLE contents ADD COLUMN used_at INTEGER NOT NULL DEFAULT 0;
+UPDATE contents SET used_at = strftime('%s', 'now');
+CREATE INDEX contents_by_use ON contents(used_at);
+CREATE INDEX contents_by_checksum ON contents(checksum);
+
+CREATE TABLE data_mark(
+    farm TEXT NOT NULL,
+    number INTEGER NOT NULL);
+)sql";
+
 } // namespace
 
 storage::Migrations Schema()
 {
     return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork, FairQueue,
-        KeptCounts, Administrators, TermsAndMembers, Ledger, Audit};
+        KeptCounts, Administrators, TermsAndMembers, Ledger, Audit, FreedFiles};
 }
 
 } // namespace farm

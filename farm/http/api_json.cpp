@@ -152,6 +152,29 @@ QJsonObject ChangesJson(const AccountChanges& changes)
     return {{QStringLiteral("jobs"), jobs}, {QStringLiteral("list"), changes.list}};
 }
 
+QJsonObject StorageJson(const AccountStorage& storage, std::int64_t quota)
+{
+    QJsonArray jobs;
+    for (const AccountStorage::Job& job : storage.jobs) {
+        jobs.append(QJsonObject {
+            {QStringLiteral("job_id"), job.id},
+            {QStringLiteral("job_increasement"), QString::number(job.number)},
+            {QStringLiteral("job_name"), job.name},
+            {QStringLiteral("job_status"), job.status},
+            {QStringLiteral("files"), qint64(job.sceneBytes)},
+            {QStringLiteral("pictures"), qint64(job.pictureBytes)},
+        });
+    }
+    return {
+        {QStringLiteral("quota"), qint64(quota)},
+        {QStringLiteral("used"), qint64(storage.contents + storage.uploads)},
+        {QStringLiteral("uploads"), qint64(storage.uploads)},
+        {QStringLiteral("unneeded"), qint64(storage.unneeded)},
+        {QStringLiteral("pictures"), qint64(storage.pictures)},
+        {QStringLiteral("jobs"), jobs},
+    };
+}
+
 QJsonObject DataJson(const QJsonValue& value)
 {
     return {{QStringLiteral("data"), value}};

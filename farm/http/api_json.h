@@ -3,6 +3,7 @@
 #include "farm/accounts/account_store.h"
 #include "farm/accounts/project_store.h"
 #include "farm/base/change_feed.h"
+#include "farm/jobs/account_storage.h"
 #include "farm/jobs/frame_store.h"
 #include "farm/jobs/job_store.h"
 #include "farm/rendering/picture.h"
@@ -29,6 +30,7 @@ QJsonArray PicturesJson(const std::vector<Picture>& pictures);
 QJsonArray FramesJson(const std::vector<FrameRecord>& frames);
 QJsonObject ChangesJson(const AccountChanges& changes);
 /// Wraps the value in an object as its member "data".
+QJsonObject StorageJson(const AccountStorage& storage, std::int64_t quota);
 QJsonObject DataJson(const QJsonValue& value);
 /// @param word is the error's name for programs, `message` its sentence for people.
 QJsonObject ErrorJson(const char* word, const QString& message);

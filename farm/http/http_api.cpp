@@ -19,6 +19,7 @@ HttpApi::HttpApi(const Dependencies& dependencies, const RequestLimits& limits, 
     : m_gate(dependencies.accounts, limits)
     , m_accounts(m_gate, dependencies.accounts, dependencies.projects, dependencies.feed, limits)
     , m_uploads(m_gate, dependencies.contents, dependencies.uploads)
+    , m_storage(m_gate, dependencies.database, dependencies.contents, dependencies.terms)
     , m_jobs(m_gate, dependencies.jobs, dependencies.actions, dependencies.submission)
     , m_frames(m_gate, dependencies.jobs, dependencies.frames, dependencies.inWork, dependencies.pictures)
     , m_events(m_gate, dependencies.accounts, dependencies.jobs, dependencies.feed)
@@ -29,6 +30,7 @@ HttpApi::HttpApi(const Dependencies& dependencies, const RequestLimits& limits, 
     m_server.Get("/api/v1/health", Health);
     m_accounts.AddTo(m_server);
     m_uploads.AddTo(m_server);
+    m_storage.AddTo(m_server);
     m_jobs.AddTo(m_server);
     m_frames.AddTo(m_server);
     m_events.AddTo(m_server);

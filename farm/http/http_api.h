@@ -7,6 +7,7 @@
 #include "farm/http/job_routes.h"
 #include "farm/http/overview_routes.h"
 #include "farm/http/request_gate.h"
+#include "farm/http/storage_routes.h"
 #include "farm/http/upload_routes.h"
 
 namespace farm {
@@ -18,6 +19,7 @@ public:
     /// All these objects must outlive the interface.
     struct Dependencies
     {
+        Database& database;
         AccountStore& accounts;
         ProjectStore& projects;
         ContentStore& contents;
@@ -33,6 +35,7 @@ public:
         LogStore& logs;
         /// Its disk is shown to administrators.
         QDir dataFolder;
+        const AccountTerms& terms;
     };
 
     /// @param proxies are the addresses of proxies whose word about the client's address is believed.
@@ -48,6 +51,7 @@ private:
     RequestGate m_gate;
     AccountRoutes m_accounts;
     UploadRoutes m_uploads;
+    StorageRoutes m_storage;
     JobRoutes m_jobs;
     FrameRoutes m_frames;
     EventRoutes m_events;

@@ -56,6 +56,8 @@ void UploadRoutes::AddTo(HttpServer& server)
     server.Put("/api/v1/uploads/([^/]{1,64})", [this](const ApiRequest& request) { return Append(request); });
     server.Post(
         "/api/v1/uploads/([^/]{1,64})/unpack", [this](const ApiRequest& request) { return Unpack(request); });
+    server.Delete(
+        "/api/v1/uploads/([^/]{1,64})", [this](const ApiRequest& request) { return Remove(request); });
 }
 
 QJsonObject UploadRoutes::ListKnown(const ApiRequest& request)
@@ -64,8 +66,9 @@ QJsonObject UploadRoutes::ListKnown(const ApiRequest& request)
     const QStringList checksums = RequiredTexts(request.Body(), "checksums", MostChecksums);
     for (const QString& checksum : checksums)
         RequireChecksum(checksum);
-    return DataJson(QJsonObject {
-        {QStringLiteral("known"), QJsonArray::fromStringList(m_contents.KnownTo(account, checksums))}});
+    const QStringList known = m_contents.KnownTo(account, checksums);
+    m_contents.Touch(account, known, Now());
+    return DataJson(QJsonObject {{QStringLiteral("known"), QJsonArray::fromStringList(known)}});
 }
 
 QJsonObject UploadRoutes::Begin(const ApiRequest& request)
@@ -96,6 +99,12 @@ QJsonObject UploadRoutes::Unpack(const ApiRequest& request)
 {
     const Upload upload = m_uploads.Unpack(m_gate.AuthorizeTransfer(request), request.PathPart(), Now());
     return DataJson(QJsonObject {{QStringLiteral("files"), PackedFilesJson(upload.files)}});
+}
+
+QJsonObject UploadRoutes::Remove(const ApiRequest& request)
+{
+    m_uploads.Remove(m_gate.AuthorizeTransfer(request), request.PathPart());
+    return {};
 }
 
 } // namespace farm

@@ -25,6 +25,7 @@ private:
     QJsonObject Show(const ApiRequest& request);
     QJsonObject Append(const ApiRequest& request);
     QJsonObject Unpack(const ApiRequest& request);
+    QJsonObject Remove(const ApiRequest& request);
 
     RequestGate& m_gate;
     ContentStore& m_contents;

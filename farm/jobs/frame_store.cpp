@@ -1,6 +1,7 @@
 #include "farm/jobs/frame_store.h"
 
 #include "farm/base/errors.h"
+#include "farm/jobs/job_status.h"
 
 namespace farm {
 
@@ -34,6 +35,14 @@ std::int64_t KeyOf(SQLite::Database& connection, std::int64_t account, const QSt
     return query.getColumn(0).getInt64();
 }
 
+/// The pictures of a deleted job are gone, or will be soon.
+bool IsDeleted(SQLite::Database& connection, std::int64_t job)
+{
+    SQLite::Statement query(connection, "SELECT status FROM jobs WHERE key = ?");
+    Bind(query, job);
+    return query.executeStep() && query.getColumn(0).getInt() == static_cast<int>(JobStatus::Deleted);
+}
+
 int CountOf(SQLite::Database& connection, std::int64_t job)
 {
     SQLite::Statement query(connection, "SELECT count(*) FROM frames WHERE job = ?");
@@ -57,12 +66,13 @@ FrameList FrameStore::List(std::int64_t account, const QString& job, std::int64_
         // The plus keeps SQLite from going through all frames in the order of their numbers to find the few changed ones.
         // A frame has a charge for each run of the job; the last one is that of the picture.
         SQLite::Statement query(connection,
-            "SELECT number, failures, finished_at IS NOT NULL, coalesce(file, ''), coalesce(size, 0), "
+            "SELECT number, failures, finished_at IS NOT NULL, iif(?3, '', coalesce(file, '')), "
+            "iif(?3, 0, coalesce(size, 0)), "
             "(SELECT coalesce(sum(amount), 0) FROM charges WHERE job = frames.job AND frame = number), "
             "(SELECT core_milliseconds FROM charges WHERE job = frames.job AND frame = number "
             "ORDER BY key DESC LIMIT 1) "
-            "FROM frames WHERE job = ? AND changed_at >= ? ORDER BY +number");
-        Bind(query, list.job, since);
+            "FROM frames WHERE job = ?1 AND changed_at >= ?2 ORDER BY +number");
+        Bind(query, list.job, since, int(IsDeleted(connection, list.job)));
         while (query.executeStep())
             list.frames.push_back(ReadFrame(query));
         return list;

@@ -70,7 +70,9 @@ void ForgetFrames(SQLite::Database& connection, const QString& jobs, std::int64_
         jobs, now);
     Execute(connection, "DELETE FROM frame_logs WHERE job IN (SELECT value FROM json_each(?))", jobs);
     // A frame that is being rendered at the moment belongs to the earlier run and does not count for the new one.
-    Execute(connection, "UPDATE jobs SET run = run + 1 WHERE key IN (SELECT value FROM json_each(?))", jobs);
+    Execute(connection,
+        "UPDATE jobs SET run = run + 1, picture_bytes = 0 WHERE key IN (SELECT value FROM json_each(?))",
+        jobs);
 }
 
 void SendToWork(SQLite::Database& connection, const QString& jobs, std::int64_t now)

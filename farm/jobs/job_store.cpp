@@ -13,16 +13,16 @@ std::int64_t InsertJob(SQLite::Database& connection, const NewJob& job, const QS
     SQLite::Statement insert(connection,
         "INSERT INTO jobs(id, account, number, "
         "type, name, folded_name, business, status, scene, width, height, submitted_at, priority, early, "
-        "project, "
-        "submission) "
+        "scene_bytes, project, submission) "
         "VALUES (?1, ?2, (SELECT coalesce(max(number), 0) + 1 FROM jobs WHERE account = ?2), "
-        "?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, 1, ?13, ?14)");
+        "?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, 1, ?13, ?14, ?15)");
     Bind(insert, id, job.account, job.type, job.name, job.name.toCaseFolded(), int(job.rendering),
-        static_cast<int>(job.status), job.scene, job.width, job.height, job.submittedAt, job.priority);
+        static_cast<int>(job.status), job.scene, job.width, job.height, job.submittedAt, job.priority,
+        job.sceneBytes);
     if (job.project)
-        insert.bind(13, *job.project);
+        insert.bind(14, *job.project);
     if (!job.submission.isNull())
-        insert.bind(14, job.submission.toStdString());
+        insert.bind(15, job.submission.toStdString());
     insert.exec();
     return connection.getLastInsertRowid();
 }

@@ -29,6 +29,8 @@ struct NewJob
     /// The path of one of `files` or, when there are none, the name of a scene that comes with the farm.
     QString scene;
     std::vector<JobFile> files;
+    /// The bytes of `files`.
+    std::int64_t sceneBytes = 0;
     int width = 320;  // pixels
     int height = 180; // pixels
     /// Ranges that do not overlap.

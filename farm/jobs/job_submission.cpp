@@ -26,7 +26,8 @@ std::int64_t ProjectOf(SQLite::Database& connection, std::int64_t account, const
 } // namespace
 
 JobSubmission::JobSubmission(Database& database, JobStore& jobs, ContentStore& contents,
-    const QStringList& types, const AccountTerms& terms, ChangeFeed& feed, std::function<void()> changed)
+    const QStringList& types, const AccountTerms& terms, ChangeFeed& feed, std::function<void()> changed,
+    DiskReserve reserve)
     : m_database(database)
     , m_jobs(jobs)
     , m_contents(contents)
@@ -34,6 +35,7 @@ JobSubmission::JobSubmission(Database& database, JobStore& jobs, ContentStore& c
     , m_terms(terms)
     , m_feed(feed)
     , m_changed(std::move(changed))
+    , m_reserve(std::move(reserve))
 {
 }
 
@@ -56,7 +58,8 @@ AddedJob JobSubmission::Submit(
 AddedJob JobSubmission::Add(SQLite::Database& connection, Submission& submission, const QString& address)
 {
     NewJob& job = submission.job;
-    CheckFiles(job, m_terms.QuotaFor(connection, job.account));
+    m_reserve.Require();
+    job.sceneBytes = CheckFiles(job, m_terms.QuotaFor(connection, job.account));
     if (!submission.pool.isEmpty())
         job.project = ProjectOf(connection, job.account, submission.pool);
     job.status = IsInArrears(connection, job.account) ? JobStatus::Arrears : JobStatus::Waiting;
@@ -66,7 +69,7 @@ AddedJob JobSubmission::Add(SQLite::Database& connection, Submission& submission
     return added;
 }
 
-void JobSubmission::CheckFiles(const NewJob& job, std::int64_t quota)
+std::int64_t JobSubmission::CheckFiles(const NewJob& job, std::int64_t quota)
 {
     QSet<QString> checksums;
     for (const JobFile& file : job.files)
@@ -81,6 +84,7 @@ void JobSubmission::CheckFiles(const NewJob& job, std::int64_t quota)
         if (bytes > quota)
             throw QuotaExceeded("the files of the job exceed the account's quota");
     }
+    return bytes;
 }
 
 } // namespace farm

@@ -2,6 +2,7 @@
 
 #include "farm/accounts/account_terms.h"
 #include "farm/base/change_feed.h"
+#include "farm/base/disk_reserve.h"
 #include "farm/jobs/job_store.h"
 
 #include <QStringList>
@@ -27,9 +28,10 @@ class JobSubmission
 public:
     /// @param types are the names of the farm's job types.
     /// @param terms say how many bytes the files of a job may take.
+    /// @param reserve of the disk, below which no new jobs are taken.
     /// @param changed is called after each new job, in the thread that submitted it.
     JobSubmission(Database& database, JobStore& jobs, ContentStore& contents, const QStringList& types,
-        const AccountTerms& terms, ChangeFeed& feed, std::function<void()> changed);
+        const AccountTerms& terms, ChangeFeed& feed, std::function<void()> changed, DiskReserve reserve = {});
 
     /// The job of this submission: a new one, or the one that an earlier call with the same `submission` created.
     /// `now` is in seconds since the epoch, and `address` is where the request comes from. Throws InvalidInput when the
@@ -39,7 +41,8 @@ public:
 
 private:
     AddedJob Add(SQLite::Database& connection, Submission& submission, const QString& address);
-    void CheckFiles(const NewJob& job, std::int64_t quota);
+    /// Returns their bytes.
+    std::int64_t CheckFiles(const NewJob& job, std::int64_t quota);
 
     Database& m_database;
     JobStore& m_jobs;
@@ -48,6 +51,7 @@ private:
     const AccountTerms& m_terms;
     ChangeFeed& m_feed;
     std::function<void()> m_changed;
+    DiskReserve m_reserve;
 };
 
 } // namespace farm

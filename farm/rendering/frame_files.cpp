@@ -26,10 +26,12 @@ QString PlainSuffix(const QString& suffix)
 
 } // namespace
 
-FrameFiles::FrameFiles(const QString& folder, const SceneFiles& scenes, const RendererUser& user)
+FrameFiles::FrameFiles(
+    const QString& folder, const SceneFiles& scenes, const RendererUser& user, DiskReserve reserve)
     : m_folder(folder)
     , m_scenes(scenes)
     , m_user(user)
+    , m_reserve(std::move(reserve))
 {
 }
 
@@ -64,6 +66,7 @@ RenderPlace FrameFiles::PlaceOf(const FrameTask& task, const QString& suffix, co
 RenderPlace FrameFiles::Prepare(
     const FrameTask& task, const Manner& manner, const RunId& run, const GoesOn& goesOn) const
 {
+    m_reserve.Require();
     const QDir folder(JobFolder(task.jobId));
     MakeFolder(folder);
     RenderPlace place = PlaceOf(task, manner.suffix, run);

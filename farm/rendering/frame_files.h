@@ -1,5 +1,6 @@
 #pragma once
 
+#include "farm/base/disk_reserve.h"
 #include "farm/rendering/frame_task.h"
 #include "farm/rendering/picture.h"
 #include "farm/rendering/renderer_user.h"
@@ -35,7 +36,9 @@ class FrameFiles
 {
 public:
     /// `folder` holds the jobs' folders.
-    FrameFiles(const QString& folder, const SceneFiles& scenes, const RendererUser& user = {});
+    /// @param reserve of the disk, below which no frame is begun.
+    FrameFiles(const QString& folder, const SceneFiles& scenes, const RendererUser& user = {},
+        DiskReserve reserve = {});
 
     QString JobFolder(const QString& jobId) const;
     /// "frame_0001.png" for number 1 and suffix "png".
@@ -73,6 +76,7 @@ private:
     QString m_folder;
     const SceneFiles& m_scenes;
     RendererUser m_user;
+    DiskReserve m_reserve;
 };
 
 } // namespace farm

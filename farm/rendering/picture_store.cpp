@@ -43,7 +43,8 @@ std::vector<Picture> PictureStore::List(std::int64_t account, const QString& job
         if (!key.executeStep())
             throw NotFound("there is no such job");
         SQLite::Statement query(connection,
-            "SELECT file, size, checksum FROM frames WHERE job = ? AND file IS NOT NULL ORDER BY number");
+            "SELECT file, size, checksum FROM frames WHERE job = ? AND file IS NOT NULL "
+            "AND (SELECT status FROM jobs WHERE key = ?1) <> 5 ORDER BY number");
         Bind(query, std::int64_t(key.getColumn(0).getInt64()));
         std::vector<Picture> pictures;
         while (query.executeStep())
@@ -57,7 +58,7 @@ std::optional<Picture> PictureStore::Find(std::int64_t account, const QString& j
     return m_database.Read([&](SQLite::Database& connection) -> std::optional<Picture> {
         SQLite::Statement query(connection,
             "SELECT file, size, checksum FROM frames WHERE file = ? "
-            "AND job = (SELECT key FROM jobs WHERE account = ? AND id = ?)");
+            "AND job = (SELECT key FROM jobs WHERE account = ? AND id = ? AND status <> 5)");
         Bind(query, name, account, job);
         if (!query.executeStep())
             return std::nullopt;

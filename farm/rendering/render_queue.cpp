@@ -264,6 +264,8 @@ void RenderQueue::Finish(const FrameKey& frame, const Picture& picture, std::int
             return Announcement {};
         KeepFrameLog(connection, frame.job, frame.number, log);
         AddCharge(connection, frame.job, frame.number, coreMilliseconds, m_terms, now);
+        Execute(connection, "UPDATE jobs SET picture_bytes = picture_bytes + ?2 WHERE key = ?1", frame.job,
+            picture.size);
         AddUse(connection, job->account, coreMilliseconds, now);
         const bool isLast = UpdateTurn(connection, frame.job, now);
         const bool goesOn = m_health.Succeeded(job->type);

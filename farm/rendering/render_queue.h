@@ -20,8 +20,8 @@ namespace farm {
 
 struct QueueSettings
 {
-    /// Core time that an account used this long ago counts half. An account that comes to a busy farm has the first claim to it for
-    /// about this time.
+    /// Core time that an account used this long ago counts half. An account that comes to a busy farm has the first claim
+    /// to it for about this time.
     std::chrono::seconds useHalfLife {3600};
     /// Before the second attempt at a frame; twice as long before the third.
     std::chrono::seconds retryPause {30};

@@ -23,6 +23,9 @@ QString Incoming()
     return QStringLiteral("incoming");
 }
 
+// Nobody else can use the database while a batch is looked at.
+constexpr int Batch = 200;
+
 void MakeFolder(const QString& path)
 {
     if (!QDir().mkpath(path))
@@ -72,11 +75,13 @@ QString ContentStore::NewIncomingFolder()
 }
 
 // A content that is already here is overwritten with the same bytes, which repairs a copy that the disk has damaged.
-void ContentStore::Take(const std::vector<UnpackedFile>& files)
+std::unique_ptr<ContentStore::Taken> ContentStore::Take(const std::vector<UnpackedFile>& files)
 {
     QMap<QString, QString> moves;
+    QStringList checksums;
     bool hasNewFolder = false;
     for (const UnpackedFile& file : files) {
+        checksums.append(file.checksum);
         const QString target = FileOf(file.checksum);
         const QString folder = QFileInfo(target).path();
         if (!QFileInfo::exists(folder)) {
@@ -85,18 +90,113 @@ void ContentStore::Take(const std::vector<UnpackedFile>& files)
         }
         moves.insert(target, file.file);
     }
+    auto taken = std::make_unique<Taken>(*this, checksums);
+    const std::lock_guard<std::mutex> lock(m_filesMutex);
     storage::RenameAllDurably(moves);
     if (hasNewFolder)
         storage::SyncToDisk(m_folder);
+    return taken;
 }
 
-void ContentStore::Give(std::int64_t account, const std::vector<UnpackedFile>& files)
+ContentStore::Taken::Taken(ContentStore& store, QStringList checksums)
+    : m_store(store)
+    , m_checksums(std::move(checksums))
+{
+    const std::lock_guard<std::mutex> lock(m_store.m_filesMutex);
+    for (const QString& checksum : qAsConst(m_checksums))
+        ++m_store.m_taken[checksum];
+}
+
+ContentStore::Taken::~Taken()
+{
+    const std::lock_guard<std::mutex> lock(m_store.m_filesMutex);
+    for (const QString& checksum : qAsConst(m_checksums)) {
+        const auto taken = m_store.m_taken.find(checksum);
+        if (--taken->second == 0)
+            m_store.m_taken.erase(taken);
+    }
+}
+
+void ContentStore::Give(std::int64_t account, const std::vector<UnpackedFile>& files, std::int64_t now)
 {
     m_database.Write([&](SQLite::Database& connection) {
         for (const UnpackedFile& file : files)
-            Execute(connection, "INSERT OR IGNORE INTO contents(account, checksum, size) VALUES (?, ?, ?)",
-                account, file.checksum, std::int64_t(file.size));
+            Execute(connection,
+                "INSERT INTO contents(account, checksum, size, used_at) VALUES (?, ?, ?, ?) "
+                "ON CONFLICT DO UPDATE SET used_at = excluded.used_at",
+                account, file.checksum, std::int64_t(file.size), now);
     });
+}
+
+void ContentStore::Touch(std::int64_t account, const QStringList& checksums, std::int64_t now)
+{
+    constexpr std::int64_t Precision = 3600; // s; spares the disk most of the writes
+    m_database.Write([&](SQLite::Database& connection) {
+        for (const QString& checksum : checksums)
+            Execute(connection,
+                "UPDATE contents SET used_at = ?3 WHERE account = ?1 AND checksum = ?2 AND used_at < ?4",
+                account, checksum, now, now - Precision);
+    });
+}
+
+void ContentStore::ForgetUnneeded(
+    std::int64_t usedBefore, std::int64_t now, const std::function<bool()>& goOn)
+{
+    const std::string old
+        = " IN (SELECT account, checksum FROM contents INDEXED BY contents_by_use WHERE used_at <= ?1 "
+          "ORDER BY used_at LIMIT "
+        + std::to_string(Batch) + ")";
+    bool areMore = true;
+    while (areMore && goOn()) {
+        const QStringList gone = m_database.Write([&](SQLite::Database& connection) {
+            SQLite::Statement forget(connection,
+                "DELETE FROM contents WHERE (account, checksum)" + old + " AND " + NoJobNeedsTheContent
+                    + " RETURNING checksum");
+            Bind(forget, usedBefore);
+            QStringList checksums;
+            while (forget.executeStep())
+                checksums.append(Text(forget.getColumn(0)));
+            const std::string keep = "UPDATE contents SET used_at = max(?2, ?1 + 1) WHERE (account, checksum)"
+                + old + " AND NOT " + NoJobNeedsTheContent;
+            areMore = Execute(connection, keep.c_str(), usedBefore, now) + checksums.size() > 0;
+            return checksums;
+        });
+        RemoveFiles(gone);
+    }
+}
+
+std::int64_t ContentStore::ForgetUnneededOf(std::int64_t account, std::int64_t usedBefore)
+{
+    QStringList gone;
+    const std::int64_t bytes = m_database.Write([&](SQLite::Database& connection) {
+        SQLite::Statement forget(connection,
+            std::string("DELETE FROM contents WHERE account = ? AND used_at <= ? AND ") + NoJobNeedsTheContent
+                + " RETURNING checksum, size");
+        Bind(forget, account, usedBefore);
+        std::int64_t freed = 0;
+        while (forget.executeStep()) {
+            gone.append(Text(forget.getColumn(0)));
+            freed += forget.getColumn(1).getInt64();
+        }
+        return freed;
+    });
+    RemoveFiles(gone);
+    return bytes;
+}
+
+/// Removes those of the files that no account has and that are not just arriving.
+void ContentStore::RemoveFiles(const QStringList& checksums)
+{
+    for (const QString& checksum : checksums) {
+        const std::lock_guard<std::mutex> lock(m_filesMutex);
+        const bool isUsed = m_database.Read([&checksum](SQLite::Database& connection) {
+            SQLite::Statement query(connection, "SELECT 1 FROM contents WHERE checksum = ?");
+            Bind(query, checksum);
+            return query.executeStep();
+        });
+        if (!isUsed && m_taken.count(checksum) == 0)
+            QFile::remove(FileOf(checksum));
+    }
 }
 
 QHash<QString, std::int64_t> ContentStore::SizesOf(std::int64_t account, const QStringList& checksums)

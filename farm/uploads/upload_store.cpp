@@ -20,6 +20,8 @@ namespace farm {
 namespace {
 
 constexpr std::int64_t SecondsKept = std::int64_t {7} * 24 * 3600; // since the last touch
+// Longer than a client takes from its first package to the submission, or to its next question what the farm has.
+constexpr std::int64_t SecondsOfSubmission = std::int64_t {24} * 3600;
 // A scene has up to 4000 files, each of which may arrive in its own package.
 constexpr int MostUnfinished = 10000;
 
@@ -66,12 +68,13 @@ std::vector<PackedFile> FilesOf(const QString& text)
 
 } // namespace
 
-UploadStore::UploadStore(
-    Database& database, ContentStore& contents, const QString& folder, const AccountTerms& terms)
+UploadStore::UploadStore(Database& database, ContentStore& contents, const QString& folder,
+    const AccountTerms& terms, DiskReserve reserve)
     : m_database(database)
     , m_contents(contents)
     , m_folder(folder)
     , m_terms(terms)
+    , m_reserve(std::move(reserve))
 {
     if (!QDir().mkpath(folder))
         throw std::runtime_error("cannot create the folder of the uploads");
@@ -140,7 +143,9 @@ bool UploadStore::HasLostContents(std::int64_t account, const Upload& upload)
 
 Upload UploadStore::Add(std::int64_t account, const QString& checksum, std::int64_t size, std::int64_t now)
 {
-    CheckQuota(account, m_contents.BytesWith(account, {}) + size);
+    m_reserve.Require(size);
+    RequireQuota(
+        account, [&] { return m_contents.BytesWith(account, {}) + size; }, now);
     CheckCount(account);
     Upload upload;
     upload.id = NewId();
@@ -172,16 +177,26 @@ std::int64_t UploadStore::QuotaOf(std::int64_t account)
         [&](SQLite::Database& connection) { return m_terms.QuotaFor(connection, account); });
 }
 
-// Adds `more` to the bytes of the account's unfinished uploads.
-void UploadStore::CheckQuota(std::int64_t account, std::int64_t more)
+void UploadStore::RequireQuota(
+    std::int64_t account, const std::function<std::int64_t()>& more, std::int64_t now)
 {
-    m_database.Read([&](SQLite::Database& connection) {
+    if (IsWithinQuota(account, more()))
+        return;
+    // A submission that is on its way may still be about to use its contents.
+    m_contents.ForgetUnneededOf(account, now - SecondsOfSubmission);
+    if (!IsWithinQuota(account, more()))
+        throw OverQuota();
+}
+
+// Adds `more` to the bytes of the account's unfinished uploads.
+bool UploadStore::IsWithinQuota(std::int64_t account, std::int64_t more)
+{
+    return m_database.Read([&](SQLite::Database& connection) {
         SQLite::Statement query(
             connection, "SELECT coalesce(sum(size), 0) FROM uploads WHERE account = ? AND unpacked IS NULL");
         Bind(query, account);
         query.executeStep();
-        if (query.getColumn(0).getInt64() + more > m_terms.QuotaFor(connection, account))
-            throw OverQuota();
+        return query.getColumn(0).getInt64() + more <= m_terms.QuotaFor(connection, account);
     });
 }
 
@@ -196,6 +211,7 @@ Upload UploadStore::Append(
         throw InvalidInput("the package would become larger than announced");
     if (bytes.isEmpty())
         return upload;
+    m_reserve.Require(bytes.size());
     storage::AppendDurably(FileOf(id), offset, bytes);
     Touch(id, now);
     upload.offset += bytes.size();
@@ -216,7 +232,7 @@ Upload UploadStore::Unpack(std::int64_t account, const QString& id, std::int64_t
     const QString incoming = m_contents.NewIncomingFolder();
     const FolderGuard guard(incoming);
     try {
-        TakeContents(account, upload, incoming);
+        TakeContents(account, upload, incoming, now);
     } catch (const BadPackage&) {
         Forget(id);
         throw;
@@ -225,7 +241,8 @@ Upload UploadStore::Unpack(std::int64_t account, const QString& id, std::int64_t
     return upload;
 }
 
-void UploadStore::TakeContents(std::int64_t account, Upload& upload, const QString& incoming)
+void UploadStore::TakeContents(
+    std::int64_t account, Upload& upload, const QString& incoming, std::int64_t now)
 {
     const auto goOn = [this] { return !m_interrupted.load(); };
     const QString package = FileOf(upload.id);
@@ -235,17 +252,20 @@ void UploadStore::TakeContents(std::int64_t account, Upload& upload, const QStri
     if (checksum != upload.checksum)
         throw BadPackage("the package does not have the announced checksum");
     // The unpacked files must not exceed the quota, even temporarily.
-    if (AnnouncedBytes(package) > QuotaOf(account))
+    const qint64 announced = AnnouncedBytes(package);
+    if (announced > QuotaOf(account))
         throw OverQuota();
+    m_reserve.Require(announced);
     const std::vector<UnpackedFile> files = farm::Unpack(package, incoming, goOn);
     const std::lock_guard<std::mutex> lock(m_quotaMutex);
     // The package is not counted, since it is about to be deleted.
-    CheckQuota(account, m_contents.BytesWith(account, files) - upload.size);
-    m_contents.Take(files);
+    RequireQuota(
+        account, [&] { return m_contents.BytesWith(account, files) - upload.size; }, now);
+    const auto taken = m_contents.Take(files);
     upload.files.assign(files.begin(), files.end());
     upload.unpacked = true;
     m_database.Write([&](SQLite::Database& connection) {
-        m_contents.Give(account, files);
+        m_contents.Give(account, files, now);
         Execute(
             connection, "UPDATE uploads SET unpacked = ?2 WHERE id = ?1", upload.id, TextOf(upload.files));
     });
@@ -263,6 +283,13 @@ void UploadStore::Forget(const QString& id)
     m_database.Write(
         [&id](SQLite::Database& connection) { Execute(connection, "DELETE FROM uploads WHERE id = ?", id); });
     QFile::remove(FileOf(id));
+}
+
+void UploadStore::Remove(std::int64_t account, const QString& id)
+{
+    const UploadLocks::Hold hold(m_locks, id);
+    Find(account, id);
+    Forget(id);
 }
 
 void UploadStore::ForgetOld(std::int64_t now)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "farm/accounts/account_terms.h"
+#include "farm/base/disk_reserve.h"
 #include "farm/uploads/package_reader.h"
 #include "farm/uploads/upload_locks.h"
 
@@ -8,6 +9,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <vector>
 
@@ -38,7 +40,9 @@ public:
 
     /// Creates the folder and removes packages that belong to no upload. Throws std::runtime_error.
     /// @param terms say how many bytes the contents and unfinished uploads of an account may take.
-    UploadStore(Database& database, ContentStore& contents, const QString& folder, const AccountTerms& terms);
+    /// @param reserve of the disk, below which nothing new is taken.
+    UploadStore(Database& database, ContentStore& contents, const QString& folder, const AccountTerms& terms,
+        DiskReserve reserve = {});
 
     /// The account's upload of this package, or a new one. Throws TooLarge and QuotaExceeded.
     Upload Begin(std::int64_t account, const QString& checksum, std::int64_t size, std::int64_t now);
@@ -51,6 +55,8 @@ public:
     /// Throws Conflict while bytes are missing, BadPackage, QuotaExceeded and Busy.
     Upload Unpack(std::int64_t account, const QString& id, std::int64_t now);
 
+    /// Deletes the upload and what has arrived of it; the contents of an unpacked one stay. Throws Busy.
+    void Remove(std::int64_t account, const QString& id);
     /// Deletes the uploads that no request has touched for seven days.
     void ForgetOld(std::int64_t now);
     /// Makes Unpack() stop, because the farm is shutting down.
@@ -65,14 +71,18 @@ private:
     bool HasLostContents(std::int64_t account, const Upload& upload);
     void ForgetWhenOld(const QString& id, std::int64_t bound);
     std::int64_t QuotaOf(std::int64_t account);
-    void CheckQuota(std::int64_t account, std::int64_t more);
+    /// Makes room where it can by forgetting contents that no job needs. `more` is asked for the bytes beside those of
+    /// the unfinished uploads.
+    void RequireQuota(std::int64_t account, const std::function<std::int64_t()>& more, std::int64_t now);
+    bool IsWithinQuota(std::int64_t account, std::int64_t more);
     Upload Add(std::int64_t account, const QString& checksum, std::int64_t size, std::int64_t now);
-    void TakeContents(std::int64_t account, Upload& upload, const QString& incoming);
+    void TakeContents(std::int64_t account, Upload& upload, const QString& incoming, std::int64_t now);
 
     Database& m_database;
     ContentStore& m_contents;
     QString m_folder;
     const AccountTerms& m_terms;
+    DiskReserve m_reserve;
     UploadLocks m_locks;
     // Held from a quota check until the checked bytes are recorded.
     std::mutex m_quotaMutex;

@@ -17,6 +17,7 @@ public:
         settings.demo = false;
         // So long that only a nudge makes the scheduler look at the jobs.
         settings.lookInterval = std::chrono::hours(1);
+        settings.diskReserve = 0;
         settings.retryPause = std::chrono::seconds(0);
         WriteFile(Path("scene.txt"_s), "the farm's scene");
     }

@@ -87,7 +87,7 @@ const std::pair<const char*, const char*> Harms[] = {
     {"UPDATE job_counts SET jobs = 2 WHERE shift = 12", "UPDATE job_counts SET jobs = 1"},
     {"UPDATE frames SET finished_at = 1, file = 'frame_0001.txt', size = 5",
         "UPDATE frames SET finished_at = NULL, file = NULL"},
-    {"INSERT INTO contents VALUES (1, 'abcdef', 3)", "DELETE FROM contents"},
+    {"INSERT INTO contents(account, checksum, size) VALUES (1, 'abcdef', 3)", "DELETE FROM contents"},
 };
 
 } // namespace

@@ -1,0 +1,41 @@
+#include "farm/http/storage_routes.h"
+
+#include "farm/base/local_time.h"
+#include "farm/http/api_json.h"
+#include "farm/http/http_server.h"
+#include "farm/http/request_gate.h"
+#include "farm/jobs/account_storage.h"
+#include "farm/uploads/content_store.h"
+
+namespace farm {
+
+StorageRoutes::StorageRoutes(
+    RequestGate& gate, Database& database, ContentStore& contents, const AccountTerms& terms)
+    : m_gate(gate)
+    , m_database(database)
+    , m_contents(contents)
+    , m_terms(terms)
+{
+}
+
+void StorageRoutes::AddTo(HttpServer& server)
+{
+    server.Get("/api/v1/account/storage", [this](const ApiRequest& request) { return Show(request); });
+    server.Delete("/api/v1/account/storage", [this](const ApiRequest& request) { return Free(request); });
+}
+
+QJsonObject StorageRoutes::Show(const ApiRequest& request)
+{
+    const std::int64_t account = m_gate.Authorize(request);
+    const std::int64_t quota = m_database.Read(
+        [&](SQLite::Database& connection) { return m_terms.QuotaFor(connection, account); });
+    return DataJson(StorageJson(StorageOf(m_database, account), quota));
+}
+
+QJsonObject StorageRoutes::Free(const ApiRequest& request)
+{
+    const std::int64_t freed = m_contents.ForgetUnneededOf(m_gate.Authorize(request), Now());
+    return DataJson(QJsonObject {{QStringLiteral("freed"), qint64(freed)}});
+}
+
+} // namespace farm

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "farm/base/schema.h"
+
+#include <vector>
+
+namespace farm {
+
+/// What an account holds on the farm's disk, in bytes.
+struct AccountStorage
+{
+    struct Job
+    {
+        QString id;
+        std::int64_t number = 0;
+        QString name;
+        int status = 0;
+        /// Files that several jobs use count for each of them.
+        std::int64_t sceneBytes = 0;
+        std::int64_t pictureBytes = 0;
+    };
+
+    /// The contents of files, each once. They and the unfinished uploads count against the quota.
+    std::int64_t contents = 0;
+    std::int64_t uploads = 0;
+    /// The part of the contents that no job needs.
+    std::int64_t unneeded = 0;
+    std::int64_t pictures = 0;
+    /// The jobs that hold most, those first.
+    std::vector<Job> jobs;
+};
+
+AccountStorage StorageOf(Database& database, std::int64_t account);
+
+} // namespace farm

@@ -1,0 +1,158 @@
+#include "farm/rendering/job_folders.h"
+
+#include "farm/base/random.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStringList>
+
+#include <spdlog/spdlog.h>
+
+#include <cstdio>
+
+namespace farm {
+
+namespace {
+
+constexpr const char* DeletedJobs = "jobs INDEXED BY jobs_to_free WHERE status = 5 AND files > 0";
+constexpr const char* UntidyJobs
+    = "jobs INDEXED BY jobs_to_tidy WHERE status IN (2, 3, 4, 7, 8, 9) AND files = 2";
+constexpr const char* WithoutRuns = " AND NOT EXISTS (SELECT 1 FROM runs WHERE runs.job = jobs.key)";
+
+/// Removes a folder and everything in it. Returns false when it was stopped or something could not be removed.
+bool Remove(const QString& path, const JobFolders::GoOn& goOn)
+{
+    if (!goOn())
+        return false;
+    const QFileInfo info(path);
+    if (info.isSymLink() || !info.isDir())
+        return QFile::remove(path);
+    const QDir folder(path);
+    const QStringList entries
+        = folder.entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
+    for (const QString& entry : entries) {
+        if (!Remove(folder.filePath(entry), goOn))
+            return false;
+    }
+    return QDir().rmdir(path);
+}
+
+} // namespace
+
+JobFolders::JobFolders(Database& database, const QString& folder)
+    : m_database(database)
+    , m_folder(folder)
+{
+}
+
+bool JobFolders::FreeDeleted(const GoOn& goOn)
+{
+    // What an earlier round has set aside; its job may be recorded as freed already.
+    const bool isEmpty = RemoveSetAside(goOn);
+    return Each(DeletedJobs, goOn, [&](const Job& job) { return Free(job, goOn); }) && isEmpty;
+}
+
+bool JobFolders::Tidy(const GoOn& goOn)
+{
+    return Each(UntidyJobs, goOn, [&](const Job& job) { return TidyOne(job, goOn); });
+}
+
+bool JobFolders::Each(const char* jobs, const GoOn& goOn, const std::function<bool(const Job&)>& work)
+{
+    bool isDone = true;
+    std::int64_t after = 0;
+    while (const auto job = Next(jobs, after)) {
+        if (!goOn())
+            return false;
+        isDone = work(*job) && isDone;
+        after = job->key;
+    }
+    return isDone;
+}
+
+std::optional<JobFolders::Job> JobFolders::Next(const char* jobs, std::int64_t after)
+{
+    return m_database.Read([&](SQLite::Database& connection) -> std::optional<Job> {
+        SQLite::Statement query(
+            connection, std::string("SELECT key, id FROM ") + jobs + " AND key > ? ORDER BY key LIMIT 1");
+        Bind(query, after);
+        if (!query.executeStep())
+            return std::nullopt;
+        return Job {query.getColumn(0).getInt64(), Text(query.getColumn(1))};
+    });
+}
+
+bool JobFolders::Free(const Job& job, const GoOn& goOn)
+{
+    return SetAside(DeletedJobs, job, {QString()}) && RemoveSetAside(goOn) && ForgetFiles(job.key, goOn);
+}
+
+bool JobFolders::TidyOne(const Job& job, const GoOn& goOn)
+{
+    // Early versions of the farm rendered into "unfinished".
+    const QStringList leftovers {
+        QStringLiteral("/runs"), QStringLiteral("/unfinished"), QStringLiteral("/scene.unfinished")};
+    return SetAside(UntidyJobs, job, leftovers) && RemoveSetAside(goOn);
+}
+
+/// Moves parts of the job's folder to where nobody looks for them, unless the job has changed. It happens while no run of
+/// the job can begin, because runs are recorded first.
+bool JobFolders::SetAside(const char* jobs, const Job& job, const QStringList& names)
+{
+    const QDir aside(m_folder + QStringLiteral("/.removed"));
+    return m_database.Write([&](SQLite::Database& connection) {
+        SQLite::Statement query(
+            connection, std::string("SELECT 1 FROM ") + jobs + " AND key = ?" + WithoutRuns);
+        Bind(query, job.key);
+        if (!query.executeStep())
+            return false;
+        query.reset();
+        for (const QString& name : names) {
+            const QString from = m_folder + QLatin1Char('/') + job.id + name;
+            const QString to = aside.filePath(NewId());
+            if (!QFileInfo::exists(from))
+                continue;
+            if (!aside.mkpath(QStringLiteral("."))
+                || ::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0) {
+                spdlog::error("{} cannot be removed; the farm tries again later", from.toStdString());
+                return false;
+            }
+        }
+        Execute(connection, "UPDATE jobs SET files = 1 WHERE key = ?", job.key);
+        return true;
+    });
+}
+
+bool JobFolders::RemoveSetAside(const GoOn& goOn) const
+{
+    const QString aside = m_folder + QStringLiteral("/.removed");
+    if (!QFileInfo::exists(aside) || Remove(aside, goOn))
+        return true;
+    if (goOn())
+        spdlog::error("{} cannot be removed; the farm tries again later", aside.toStdString());
+    return false;
+}
+
+/// In small steps, because nobody else can use the database meanwhile.
+bool JobFolders::ForgetFiles(std::int64_t job, const GoOn& goOn)
+{
+    for (const char* forget :
+        {"DELETE FROM frame_logs WHERE rowid IN (SELECT rowid FROM frame_logs WHERE job = ? LIMIT 500)",
+            "DELETE FROM job_files WHERE job = ?1 AND path IN "
+            "(SELECT path FROM job_files WHERE job = ?1 LIMIT 500)"}) {
+        int count = 1;
+        while (count > 0) {
+            if (!goOn())
+                return false;
+            count = m_database.Write(
+                [&](SQLite::Database& connection) { return Execute(connection, forget, job); });
+        }
+    }
+    m_database.Write([job](SQLite::Database& connection) {
+        Execute(connection,
+            "UPDATE jobs SET files = 0, picture_bytes = 0, scene_bytes = 0 WHERE key = ? AND files = 1", job);
+    });
+    return true;
+}
+
+} // namespace farm
