@@ -8,7 +8,7 @@
 
 namespace farm {
 
-/// What administrators see of an account.
+/// An account as administrators see it.
 struct AccountEntry
 {
     std::int64_t key = 0;
@@ -33,7 +33,7 @@ struct SessionEntry
     std::int64_t expiresAt = 0;
 };
 
-/// What administrators do with accounts, which may be named by their e-mail addresses. A running farm goes by each
+/// Changes accounts for administrators, who may name them by their e-mail addresses. A running farm goes by each
 /// change from the next request on. Changes are recorded in the audit. Functions throw NotFound. Times are seconds since
 /// the epoch. Thread-safe.
 class AccountAdmin

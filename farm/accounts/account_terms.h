@@ -8,8 +8,8 @@
 
 namespace farm {
 
-/// What accounts pay for a core-second and how many bytes they may keep on the farm. An account without terms of its
-/// own has the farm's. Thread-safe.
+/// The price that accounts pay for a core-second, and the bytes that they may keep on the farm. An account without
+/// terms of its own has the farm's. Thread-safe.
 class AccountTerms
 {
 public:

@@ -8,7 +8,7 @@
 
 namespace farm {
 
-/// Who changes something, and from where.
+/// The person or program that makes a change, and where it comes from.
 struct Actor
 {
     QString who;

@@ -14,7 +14,7 @@ struct LedgerEntry
 {
     std::int64_t at = 0;
     QString account;
-    /// What it adds to the balance: negative for charges.
+    /// The change of the balance: negative for charges.
     Micros amount = 0;
     /// Of a payment.
     QString note;

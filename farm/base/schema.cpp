@@ -257,7 +257,7 @@ CREATE TRIGGER payments_are_final BEFORE UPDATE ON payments BEGIN
 END;
 )sql";
 
-// Who changed what, and from where.
+// Each change with its author and where it came from.
 constexpr const char* Audit = R"sql(
 CREATE TABLE audit(
     key INTEGER PRIMARY KEY,
@@ -269,9 +269,9 @@ CREATE TABLE audit(
     details TEXT NOT NULL DEFAULT '');
 )sql";
 
-// What a job has in the data folder: 2 for files and perhaps leftovers of runs, 1 for files, 0 for nothing. Each run leaves
-// leftovers until they are removed, even a run that begins while its job is being deleted. A content is used when it
-// arrives, when a client asks whether it is there, and while a job needs it.
+// Whether a job has anything in the data folder: 2 for files and perhaps leftovers of runs, 1 for files, 0 for nothing.
+// Each run leaves leftovers until they are removed, even a run that begins while its job is being deleted. A content is
+// used when it arrives, when a client asks whether it is there, and while a job needs it.
 constexpr const char* FreedFiles = R"sql(
 ALTER TABLE jobs ADD COLUMN files INTEGER NOT NULL DEFAULT 1;
 ALTER TABLE jobs ADD COLUMN scene_bytes INTEGER NOT NULL DEFAULT 0;

@@ -52,7 +52,7 @@ QJsonObject AccountRoutes::SignIn(const ApiRequest& request)
     m_signIns.Admit(name, address.toLatin1(), m_accounts.HasSessionAt(name, address, Now()));
     const auto session = m_accounts.SignIn(name, password, Now(), address);
     if (!session) {
-        // What was typed stays out of the log: it may be a password in the wrong place.
+        // The typed name stays out of the log: it may be a password in the wrong place.
         spdlog::warn("a sign-in from {} was refused", address.toStdString());
         throw HttpRefusal {401, "unauthorized", QStringLiteral("the name or the password is wrong")};
     }

@@ -10,7 +10,8 @@ namespace farm {
 /// the text is no address.
 QByteArray PlainAddress(const QByteArray& text);
 
-/// What limits count a client by: the address, or of IPv6 the network of 64 bits, all of which one client may own.
+/// The key by which limits count a client: the address, or of IPv6 the network of 64 bits, all of which one client may
+/// own.
 QByteArray NetworkOf(const QByteArray& plainAddress);
 
 /// Whether only this machine can reach a server that listens there.

@@ -6,7 +6,7 @@
 
 namespace farm {
 
-/// What an account holds on the farm's disk, in bytes.
+/// The space that an account takes on the farm's disk, in bytes.
 struct AccountStorage
 {
     struct Job

@@ -23,7 +23,7 @@ struct Rule
     JobStatus next;
     /// Whether the action makes the farm render the jobs again.
     bool sendsToWork;
-    /// What the audit calls it.
+    /// Its name in the audit.
     const char* words;
 };
 

@@ -47,7 +47,7 @@ JobFolders::JobFolders(Database& database, const QString& folder)
 
 bool JobFolders::FreeDeleted(const GoOn& goOn)
 {
-    // What an earlier round has set aside; its job may be recorded as freed already.
+    // An earlier round may have set files aside whose job is recorded as freed already.
     const bool isEmpty = RemoveSetAside(goOn);
     return Each(DeletedJobs, goOn, [&](const Job& job) { return Free(job, goOn); }) && isEmpty;
 }

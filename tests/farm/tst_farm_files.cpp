@@ -19,7 +19,7 @@ bool Always()
 
 } // namespace
 
-/// What the farm frees in its data folder, and when.
+/// The files that the farm removes from its data folder, and the moments at which it does.
 class FilesTest : public QObject
 {
     Q_OBJECT
@@ -56,7 +56,7 @@ private slots:
         QCOMPARE(free(), 13);
         QCOMPARE(Storage("used").toInt(), 0);
         EVENTUALLY_COMPARE(Folders(), QStringList());
-        // What is known of the job stays, and its files can be sent again.
+        // The job's record stays, and its files can be sent again.
         QCOMPARE(m_farm->Get("/jobs/"_s + kept).Data("jobDatas")["jobProgress"_s].toInt(), 100);
         QCOMPARE(m_farm->Known({Sha256("a leaf")}), QJsonArray());
         EVENTUALLY_COMPARE(m_farm->Status(Submit("again"_s)), JobStatus::Finished);
