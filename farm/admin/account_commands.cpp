@@ -17,6 +17,7 @@ namespace farm {
 namespace {
 
 constexpr int HighestPriority = 10;
+constexpr std::int64_t Mebibyte = std::int64_t {1} << 20;
 constexpr const char* FarmsOwn = "default";
 
 AccountAdmin Admin(Database& database)
@@ -138,7 +139,7 @@ void ShowAccount(Database& database, const QString& name)
     line("bound", account.isBound ? QStringLiteral("yes") : QStringLiteral("no"));
     line("balance", AmountText(account.balance) + QLatin1Char(' ') + Currency());
     line("quota", QuotaText(account.quota));
-    line("used", QStringLiteral("%1 MiB").arg(admin.SpaceUsed(account.key) / (1024 * 1024)));
+    line("used", QStringLiteral("%1 MiB").arg(admin.SpaceUsed(account.key) / Mebibyte));
     line("price", PriceText(account.price));
     line("priority", QString::number(account.priority));
     line("projects", projects.join(QStringLiteral(", ")));

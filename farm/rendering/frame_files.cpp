@@ -121,7 +121,7 @@ void FrameFiles::MakeFolder(const QDir& folder) const
 
 void FrameFiles::RequireRoom() const
 {
-    constexpr qint64 LargePicture = 16 * 1024 * 1024; // bytes
+    constexpr qint64 LargePicture = qint64 {16} * 1024 * 1024; // bytes
     if (storage::LacksRoom(m_folder, LargePicture))
         throw storage::DiskError("the disk is full", ENOSPC);
 }

@@ -234,7 +234,6 @@ private slots:
             return QByteArray::number(process.exitCode()) + ' ' + process.readAllStandardError();
         };
         const QByteArray data = "data = '" + m_folder->path().toUtf8() + "'\n";
-        FarmData(m_folder->path());
         QCOMPARE(run(data + "price = 0.25\nbehind-proxy = ['::1', '10.0.0.9']\nno-demo = true\nport = 0\n"),
             QByteArray("0 "));
         for (const auto& [text, fault] : {std::pair("\ncolour = 1\n", "\"colour\" (line 3"),
