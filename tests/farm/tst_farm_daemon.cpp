@@ -233,6 +233,7 @@ private slots:
             process.waitForFinished(Patience);
             return QByteArray::number(process.exitCode()) + ' ' + process.readAllStandardError();
         };
+        const FarmData database(m_folder->path()); // "account list" wants one
         const QByteArray data = "data = '" + m_folder->path().toUtf8() + "'\n";
         QCOMPARE(run(data + "price = 0.25\nbehind-proxy = ['::1', '10.0.0.9']\nno-demo = true\nport = 0\n"),
             QByteArray("0 "));
