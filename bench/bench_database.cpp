@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <cstdio>
 #include <map>
 #include <random>
@@ -31,6 +32,7 @@ constexpr qint64 LongestMeasurement = 4000; // ms
 constexpr int ListingClients = 15;
 constexpr std::chrono::milliseconds ListingPause {50};
 constexpr int PageSize = 18;
+constexpr qint64 SecondsPerDay = 86400;
 
 /// Costs in milliseconds.
 struct Cost
@@ -116,8 +118,9 @@ public:
             times.push_back(double(clock.nsecsElapsed()) / 1e6);
         }
         std::sort(times.begin(), times.end());
-        const auto at
-            = [&times](double part) { return times.at(std::size_t(part * double(times.size() - 1) + 0.5)); };
+        const auto at = [&times](double part) {
+            return times.at(std::size_t(std::lround(part * double(times.size() - 1))));
+        };
         m_costs.emplace_back(name, Cost {at(0.5), at(0.99)});
         std::fprintf(stderr, "  %-48s %9.2f %9.2f\n", name.c_str(), at(0.5), at(0.99));
     }
@@ -146,7 +149,7 @@ QByteArray Condition(const char* key, const QString& value)
 QByteArray Within(const char* least, const char* most, qint64 begin)
 {
     const QJsonObject object {{QLatin1String(least), farm::TimeText(begin)},
-        {QLatin1String(most), farm::TimeText(begin + 24 * 3600)}};
+        {QLatin1String(most), farm::TimeText(begin + SecondsPerDay)}};
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
@@ -245,6 +248,7 @@ private:
         std::atomic<bool> ends = false;
         std::atomic<int> listing = 0;
         std::vector<std::thread> clients;
+        clients.reserve(ListingClients);
         for (int number = 0; number < ListingClients; ++number) {
             clients.emplace_back([this, number, &ends, &listing] {
                 Client client(m_url, "ann");

@@ -57,7 +57,7 @@ SlurmExecutor::SlurmExecutor(const SlurmSettings& settings, const JobTypes& type
 
 SlurmExecutor::~SlurmExecutor()
 {
-    Stop();
+    SlurmExecutor::Stop();
     m_folderThread.quit();
     m_folderThread.wait();
 }
