@@ -298,12 +298,17 @@ CREATE TABLE data_mark(
     number INTEGER NOT NULL);
 )sql";
 
+// Why the jobs of a type wait: its renderer fails, or is not installed. The second is found out anew at each start.
+constexpr const char* MissingRenderers = R"sql(
+ALTER TABLE stopped_types ADD COLUMN missing INTEGER NOT NULL DEFAULT 0;
+)sql";
+
 } // namespace
 
 storage::Migrations Schema()
 {
     return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork, FairQueue,
-        KeptCounts, Administrators, TermsAndMembers, Ledger, Audit, FreedFiles};
+        KeptCounts, Administrators, TermsAndMembers, Ledger, Audit, FreedFiles, MissingRenderers};
 }
 
 } // namespace farm

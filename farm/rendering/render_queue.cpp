@@ -83,11 +83,34 @@ RenderQueue::RenderQueue(
     , m_settings(settings)
     , m_use(settings.useHalfLife.count())
 {
-    m_database.Read([this](SQLite::Database& connection) {
+    m_database.Write([this](SQLite::Database& connection) {
+        connection.exec("DELETE FROM stopped_types WHERE missing");
         SQLite::Statement query(connection, "SELECT type FROM stopped_types");
         while (query.executeStep())
             m_health.Stop(Text(query.getColumn(0)), 0);
     });
+}
+
+void RenderQueue::SetRendererMissing(const QString& type, const QString& program)
+{
+    const QString text
+        = QStringLiteral("%1 is not installed where the farm renders. Jobs of the type %2 wait for it.")
+              .arg(program, type);
+    m_database.Write([&](SQLite::Database& connection) {
+        Execute(connection,
+            "INSERT INTO stopped_types(type, message, missing) VALUES (?, ?, 1) ON CONFLICT DO NOTHING", type,
+            text);
+    });
+    m_feed.AnnounceToAll({{}, true});
+    spdlog::warn("{}", text.toStdString());
+}
+
+void RenderQueue::SetRendererPresent(const QString& type)
+{
+    m_database.Write([&](SQLite::Database& connection) {
+        Execute(connection, "DELETE FROM stopped_types WHERE type = ? AND missing", type);
+    });
+    m_feed.AnnounceToAll({{}, true});
 }
 
 std::optional<RenderQueue::JobFacts> RenderQueue::FactsOf(SQLite::Database& connection, std::int64_t job)

@@ -69,6 +69,10 @@ public:
     void Postpone(
         const FrameKey& frame, std::int64_t now, const QString& log = {}, std::int64_t coreMilliseconds = 0);
 
+    /// Lets the jobs of a type say that its renderer is not installed, until it is.
+    void SetRendererMissing(const QString& type, const QString& program);
+    void SetRendererPresent(const QString& type);
+
 private:
     struct JobFacts
     {

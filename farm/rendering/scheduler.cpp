@@ -87,11 +87,12 @@ QStringList Scheduler::RunnableTypes()
     for (auto type = m_types.cbegin(); type != m_types.cend(); ++type) {
         const Availability availability = m_deps.executor.Has(*type);
         if (availability == Availability::Present) {
-            m_missingPrograms.erase(type->program);
+            if (m_missingTypes.erase(type.key()) > 0)
+                m_deps.queue.SetRendererPresent(type.key());
             runnable.append(type.key());
-        } else if (availability == Availability::Missing && m_missingPrograms.insert(type->program).second) {
-            spdlog::warn("the renderer {} is not installed; jobs of type {} wait for it",
-                type->program.toStdString(), type.key().toStdString());
+        } else if (availability == Availability::Missing && m_missingTypes.count(type.key()) == 0) {
+            m_deps.queue.SetRendererMissing(type.key(), type->program);
+            m_missingTypes.insert(type.key());
         }
     }
     return runnable;

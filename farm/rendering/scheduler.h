@@ -90,7 +90,8 @@ private:
     Dependencies m_deps;
     JobTypes m_types;
     FrameWorker m_worker;
-    std::set<QString> m_missingPrograms;
+    /// The types whose renderers are not installed.
+    std::set<QString> m_missingTypes;
     /// The runs whose ends are awaited.
     std::map<RunId, Work> m_work;
     /// Prepared runs, which start together.

@@ -136,6 +136,19 @@ private slots:
         QCOMPARE(ReadFile(m_farm->Path("jobs/%1/frame_0001.txt"_s.arg(id))), QByteArray("a licence"));
     }
 
+    void AreWaitedForWhileTheyAreMissing()
+    {
+        const QTemporaryDir folder;
+        const QString shell = folder.filePath("sh"_s);
+        m_farm->settings.lookInterval = std::chrono::milliseconds(100);
+        m_farm->Add(1);
+        m_farm->Start(ScriptedTypes("cp {scene} {output}").replace("/bin/sh", shell.toUtf8()));
+        EVENTUALLY(m_farm->data.Only().message.startsWith(shell + " is not installed"_s));
+        QVERIFY(QFile::copy("/bin/sh"_s, shell));
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
+        QCOMPARE(m_farm->data.Count("SELECT count(*) FROM stopped_types"), 0);
+    }
+
     void HiddenFoldersAreKnownByAllTheirNames_data() { AddRows(Mounts); }
     void HiddenFoldersAreKnownByAllTheirNames()
     {
