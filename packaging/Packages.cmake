@@ -31,9 +31,11 @@ set(CPACK_DEBIAN_CLIENT_PACKAGE_RECOMMENDS
 set(CPACK_DEBIAN_FARM_PACKAGE_NAME quillstar-farm)
 set(CPACK_COMPONENT_FARM_DESCRIPTION "Small render farm for the QuillStar client
 Serves accounts and jobs over HTTP and renders scenes with POV-Ray on this
-machine. The client starts it when no other farm is configured.")
+machine, and with Blender where it is installed. The client starts it when no
+other farm is configured.")
 set(CPACK_DEBIAN_FARM_PACKAGE_DEPENDS "povray")
 set(CPACK_DEBIAN_FARM_PACKAGE_RECOMMENDS "povray-includes")
+set(CPACK_DEBIAN_FARM_PACKAGE_SUGGESTS "blender")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME quillstar-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION devel)

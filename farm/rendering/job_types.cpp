@@ -1,6 +1,8 @@
 #include "farm/rendering/job_types.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -62,7 +64,16 @@ QMap<QString, QString> ReadSlurm(const QJsonObject& object)
     return values;
 }
 
-JobType ReadJobType(const QString& name, const QJsonObject& object)
+QString ReadScript(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw std::runtime_error("cannot read the script " + path.toStdString());
+    return QString::fromUtf8(file.readAll());
+}
+
+/// @param folder of the file of job types, which holds their scripts as well.
+JobType ReadJobType(const QString& name, const QJsonObject& object, const QDir& folder)
 {
     JobType type;
     type.program = object.value(QLatin1String("program")).toString();
@@ -74,6 +85,8 @@ JobType ReadJobType(const QString& name, const QJsonObject& object)
     try {
         type.resources = ReadResources(object);
         type.framesAtOnce = int(WholeNumber(object, "frames_at_once", 0, 0));
+        if (const QString script = object.value(QLatin1String("script")).toString(); !script.isEmpty())
+            type.script = ReadScript(folder.filePath(script));
         type.slurm = ReadSlurm(object.value(QLatin1String("slurm")).toObject());
     } catch (const std::runtime_error& error) {
         throw std::runtime_error("the job type " + name.toStdString() + ": " + error.what());
@@ -111,9 +124,10 @@ JobTypes ReadJobTypes(const QString& path)
         throw std::runtime_error(
             path.toStdString() + " is not a JSON object: " + error.errorString().toStdString());
     const QJsonObject object = document.object();
+    const QDir folder = QFileInfo(path).dir();
     JobTypes types;
     for (auto entry = object.begin(); entry != object.end(); ++entry)
-        types.insert(entry.key(), ReadJobType(entry.key(), entry.value().toObject()));
+        types.insert(entry.key(), ReadJobType(entry.key(), entry.value().toObject(), folder));
     return types;
 }
 

@@ -13,11 +13,14 @@ namespace farm {
 /// {output_name} with the suffix, in {output_folder}. All are paths relative to the scene file's folder, in which the
 /// renderer runs, and need no quoting. {width} and {height} are in pixels. {frame} is the frame's number, {frames} the
 /// count of numbers from the job's first frame to its last, gaps included, and {clock} goes from 0 towards 1 over them.
+/// {cores} is the number of cores that the type asks for, and {script} the whole text of its script.
 struct JobType
 {
     QString program;
     QStringList arguments;
     QString suffix;
+    /// A program for the renderer to run. It is passed as a text, so that it need not be installed where frames are rendered.
+    QString script;
     /// Resources that a frame asks for, and its limits.
     Resources resources;
     /// Whether the renderer may read only its scene and the machine's programs, and write only its picture.

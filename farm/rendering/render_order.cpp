@@ -19,6 +19,8 @@ RunOrder OrderFor(const RunId& id, const FrameTask& task, const JobType& type, c
         {QStringLiteral("frame"), QString::number(task.Number())},
         {QStringLiteral("frames"), QString::number(task.FrameSpan())},
         {QStringLiteral("clock"), QString::number(clock, 'f', 6)},
+        {QStringLiteral("cores"), QString::number(type.resources.cores)},
+        {QStringLiteral("script"), type.script},
     };
     RunOrder order;
     order.id = id;

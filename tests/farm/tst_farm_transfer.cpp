@@ -1,9 +1,10 @@
 #include "farm/runner/confinement.h"
 #include "tests/farm/farm_at_work.h"
 #include "tests/farm/package_fixture.h"
+#include "tests/support/blender_scene.h"
 
 #include <QDirIterator>
-#include <QStandardPaths>
+#include <QImage>
 
 #include <sys/stat.h>
 
@@ -322,12 +323,54 @@ private slots:
                            "camera { location <0, 0, -2> look_at 0 }\n#include \"../parts/ball.inc\"\n")
                     + line},
             {"parts/ball.inc", "sphere { 0, 1 }"}};
-        m_farm->Start(ReadFile(QStringLiteral(FARM_JOB_TYPES)));
+        StartWithShippedTypes();
         QVERIFY(!Rendered(files, SubmissionOf(files, QString::fromLatin1(line))).isEmpty());
         QCOMPARE(m_farm->Status(), allowed ? JobStatus::Finished : JobStatus::Failed);
     }
 
+    void BlenderFindsTheFilesThatWereSent()
+    {
+        if (!HasBlender())
+            QSKIP("Blender is not installed");
+        SceneContents files;
+        {
+            const QTemporaryDir folder; // is gone when the farm renders
+            QCOMPARE(MakeShot(folder.path()), QByteArray());
+            for (const char* name : {"/shots/shot.blend", "/parts/cube.blend", "/textures/red.png"}) {
+                const QString path = folder.path() + QLatin1String(name);
+                files.append({path.mid(1).toUtf8(), ReadFile(path)});
+            }
+        }
+        StartWithShippedTypes();
+        QJsonObject submission = SubmissionOf(files);
+        submission["type"_s] = "blender"_s;
+        submission["frames"_s] = QJsonArray {QJsonObject {{"start"_s, 3}, {"end"_s, 3}}};
+        const QString id = Rendered(files, submission);
+        QCOMPARE(m_farm->data.Only().message, QString());
+        const QImage picture(m_farm->Path("jobs/%1/frame_0003.png"_s.arg(id)));
+        QCOMPARE(picture.size(), QSize(48, 36));
+        // What Blender does not find is magenta.
+        const QRgb middle = picture.pixel(24, 18);
+        QVERIFY2(qRed(middle) > 100 && qBlue(middle) < 50, qPrintable(QString::number(middle, 16)));
+        // A scene that cannot be read fails with the reason.
+        const SceneContents broken {{"broken.blend", "not a scene"}};
+        submission = SubmissionOf(broken, "second"_s);
+        submission["type"_s] = "blender"_s;
+        m_farm->Deliver(Package(broken));
+        QCOMPARE(Submit(submission).status, 200);
+        EVENTUALLY_COMPARE(m_farm->data.Count("SELECT count(*) FROM frame_logs WHERE text LIKE "
+                                              "'%The frame could not be rendered: Error: %'"),
+            1);
+    }
+
 private:
+    void StartWithShippedTypes()
+    {
+        const QFileInfo types(QStringLiteral(FARM_JOB_TYPES));
+        QFile::copy(types.dir().filePath("blender_frame.py"_s), m_farm->Path("blender_frame.py"_s));
+        m_farm->Start(ReadFile(types.filePath()));
+    }
+
     Reply Submit(const QJsonObject& body) { return m_farm->Post("/jobs"_s, body); }
     /// Sends the files and the submission; returns the job's id once it has ended, or nothing when it is refused.
     QString Rendered(const SceneContents& files, const QJsonObject& body)
