@@ -272,7 +272,8 @@ private:
     {
         if (m_waiting.isEmpty()) {
             for (int page = 1; m_waiting.size() < FarmHistory::WaitingJobs; ++page) {
-                for (const QJsonValue job : m_ann->List(page))
+                const QJsonArray jobs = m_ann->List(page);
+                for (const QJsonValue& job : jobs)
                     m_waiting.append(job[QLatin1String("job_id")].toString());
             }
         }

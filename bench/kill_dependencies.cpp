@@ -50,7 +50,7 @@ struct Told
         }
         const QSet<QString> lost
             = recorded - released - doubtful - QSet<QString>(groups.cbegin(), groups.cend());
-        Require(lost.isEmpty(), "lost entries: "_s + lost.values().join(" "_s));
+        Require(lost.isEmpty(), "lost entries: "_s + QStringList(lost.cbegin(), lost.cend()).join(" "_s));
     }
 };
 

@@ -102,7 +102,8 @@ int WorkOnDownloads(const QStringList& arguments)
     queue.SetAccess(
         {FarmApiRoot(QUrl(arguments.at(1))), arguments.at(2), "farm/ann"_s, arguments.at(0) + "/frames"_s});
     QVariantMap orders;
-    for (const QString& job : arguments.mid(3))
+    const QStringList jobs = arguments.mid(3);
+    for (const QString& job : jobs)
         orders.insert(job, QVariantMap {{"subDir"_s, job}, {"manual"_s, 0}});
     queue.Order(orders);
     Tell("begun"_s);

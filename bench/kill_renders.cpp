@@ -90,7 +90,8 @@ public:
         Check();
         Require(m_data.Count("SELECT count(*) FROM frames WHERE finished_at IS NULL") == 0,
             "a frame is missing"_s);
-        for (const QString& file : FilesBelow(m_folder + "/jobs"_s))
+        const QStringList files = FilesBelow(m_folder + "/jobs"_s);
+        for (const QString& file : files)
             Require(!file.contains("unfinished"_s), "a part of a frame is left: "_s + file);
     }
 
@@ -151,7 +152,8 @@ private:
 void KillRenders(KillRun& run)
 {
     static const QTemporaryDir folder;
-    static const QString token = PrepareFarm(folder.path());
+    static const bool isPrepared = !PrepareFarm(folder.path()).isEmpty();
+    Require(isPrepared, "the farm's account cannot sign in"_s);
     const bool withPovray = !run.IsRehearsal() && run.Below(PovrayEvery) == 0
         && !QStandardPaths::findExecutable("povray"_s).isEmpty();
     Rendering rendering(run, CopyFarm(folder.path(), run), withPovray);

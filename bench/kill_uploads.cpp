@@ -134,7 +134,8 @@ void Check(const QString& farm, const Scenes& scenes)
             && FilesBelow(farm + "/uploads"_s).isEmpty(),
         "a part of a package is left"_s);
     QSet<QString> contents;
-    for (const QString& file : FilesBelow(farm + "/contents"_s)) {
+    const QStringList files = FilesBelow(farm + "/contents"_s);
+    for (const QString& file : files) {
         contents.insert(QFileInfo(file).fileName());
         Require(storage::FileChecksum(farm + "/contents/"_s + file) == QFileInfo(file).fileName(),
             "a content is damaged: "_s + file);
@@ -179,7 +180,8 @@ private:
     void SubmitMissing()
     {
         Tell("begun"_s);
-        for (const QString& id : m_queue.Ids())
+        const QStringList& ids = m_queue.Ids();
+        for (const QString& id : ids)
             m_known.append(m_queue.Task(id)->scene);
         for (const QFileInfo& scene : m_scenes) {
             if (!m_known.contains(scene.filePath()))

@@ -25,7 +25,7 @@ public:
         Lists& lists = m_known[count];
         for (int i = lists.ids.size(); i < count; ++i) {
             lists.ids.append("task-%1"_s.arg(i, 7, 10, QLatin1Char('0')));
-            lists.downloads.insert(lists.downloads.end(), lists.ids.last(), m_download);
+            lists.downloads.insert(lists.downloads.cend(), lists.ids.last(), m_download);
         }
         m_ids = lists.ids;
         m_first.clear();

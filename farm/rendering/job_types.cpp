@@ -1,5 +1,7 @@
 #include "farm/rendering/job_types.h"
 
+#include "farm/runner/run_order.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -14,15 +16,6 @@
 namespace farm {
 
 namespace {
-
-QStringList TextsIn(const QJsonValue& value)
-{
-    QStringList texts;
-    const QJsonArray array = value.toArray();
-    for (const QJsonValue& text : array)
-        texts.append(text.toString());
-    return texts;
-}
 
 std::int64_t WholeNumber(const QJsonObject& object, const char* key, std::int64_t usual, std::int64_t least)
 {

@@ -62,15 +62,6 @@ QJsonObject Read(const QString& path)
     return read.object;
 }
 
-QStringList TextsIn(const QJsonValue& value)
-{
-    QStringList texts;
-    const QJsonArray array = value.toArray();
-    for (const QJsonValue& text : array)
-        texts.append(text.toString());
-    return texts;
-}
-
 QJsonObject ResourcesJson(const Resources& resources)
 {
     return {{QStringLiteral("cores"), resources.cores}, {QStringLiteral("memory"), qint64(resources.memory)},
@@ -115,6 +106,15 @@ Reach ReadReach(const QJsonObject& object)
 }
 
 } // namespace
+
+QStringList TextsIn(const QJsonValue& list)
+{
+    QStringList texts;
+    const QJsonArray array = list.toArray();
+    for (const QJsonValue& text : array)
+        texts.append(text.toString());
+    return texts;
+}
 
 void WriteOrder(const RunOrder& order)
 {

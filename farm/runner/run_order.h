@@ -2,6 +2,8 @@
 
 #include "farm/runner/run.h"
 
+#include <QJsonValue>
+
 #include <optional>
 
 namespace farm {
@@ -31,6 +33,9 @@ struct RunOrder
     /// The user who runs the renderer where quillstar-run-frame runs as root; empty for the same user.
     QString user;
 };
+
+/// The texts of a list; an entry that is no text counts as an empty one.
+QStringList TextsIn(const QJsonValue& list);
 
 /// Writes the order to its file. Throws std::runtime_error.
 void WriteOrder(const RunOrder& order);

@@ -62,7 +62,8 @@ private:
     /// keep the order of their rows.
     void Disturb(QWidget* form) const
     {
-        for (QTableWidget* table : form->findChildren<QTableWidget*>()) {
+        const auto tables = form->findChildren<QTableWidget*>();
+        for (QTableWidget* table : tables) {
             table->setColumnCount(0);
             table->setSortingEnabled(true);
             table->setEditTriggers(QAbstractItemView::AllEditTriggers);
