@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
 
@@ -49,6 +50,16 @@ std::unique_ptr<QSocketNotifier> WatchSignals(const std::function<void()>& reloa
     std::signal(SIGINT, HandleSignal);
     std::signal(SIGPIPE, SIG_IGN);
     return notifier;
+}
+
+// Systems often allow a program 1024 open files unless it asks for more, which connections alone can use up.
+void AllowManyFiles()
+{
+    rlimit limit {};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        return;
+    limit.rlim_cur = limit.rlim_max;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
 }
 
 std::unique_ptr<QSocketNotifier> QuitAtEndOfStdin()

@@ -3,7 +3,11 @@
 #include "storage/durable_file.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QStringList>
 #include <SQLiteCpp/Backup.h>
+
+#include <stdexcept>
 
 namespace storage {
 
@@ -15,6 +19,11 @@ constexpr int AllPages = -1;
 
 void BackUp(SQLite::Database& source, const QString& file)
 {
+    const QString own = QFileInfo(QString::fromStdString(source.getFilename())).canonicalFilePath();
+    const QString target = QFileInfo(file).canonicalFilePath();
+    if (!target.isEmpty()
+        && QStringList {own, own + QLatin1String("-wal"), own + QLatin1String("-shm")}.contains(target))
+        throw std::runtime_error("a copy cannot replace the database itself");
     const QString unfinished = file + QStringLiteral(".part");
     QFile::remove(unfinished);
     {

@@ -3,9 +3,9 @@
 #include "storage/backup.h"
 
 #include <QFileInfo>
+#include <sqlite3.h>
 
 #include <string>
-#include <utility>
 
 namespace storage {
 
@@ -24,6 +24,34 @@ Database::Database(const QString& path, const Migrations& migrations, Options op
     Migrate(path, migrations, options.keepsCopy);
     if (options.readers > 0)
         m_readers = std::make_unique<ReaderPool>(path, options.readers);
+}
+
+void Database::Transact(const std::function<void(SQLite::Database&)>& work)
+{
+    std::vector<std::function<void()>> committed;
+    {
+        const std::lock_guard<std::recursive_mutex> lock(m_mutex);
+        if (sqlite3_get_autocommit(m_connection.getHandle()) == 0) {
+            work(m_connection);
+            return;
+        }
+        const WritingThread writing(m_writing);
+        SQLite::Transaction transaction(m_connection, SQLite::TransactionBehavior::IMMEDIATE);
+        m_afterCommit.clear();
+        work(m_connection);
+        transaction.commit();
+        committed = std::exchange(m_afterCommit, {});
+    }
+    for (const std::function<void()>& next : committed)
+        next();
+}
+
+void Database::AfterCommit(std::function<void()> work)
+{
+    if (m_writing == std::this_thread::get_id())
+        m_afterCommit.push_back(std::move(work));
+    else
+        work();
 }
 
 QString Database::CopyName(const QString& path, int version)

@@ -3,16 +3,18 @@
 #include "storage/reader_pool.h"
 
 #include <QString>
-#include <sqlite3.h>
 #include <SQLiteCpp/SQLiteCpp.h>
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace storage {
@@ -66,20 +68,19 @@ public:
     template <typename Work>
     auto Write(Work work)
     {
-        const std::lock_guard<std::recursive_mutex> lock(m_mutex);
-        if (sqlite3_get_autocommit(m_connection.getHandle()) == 0)
-            return work(m_connection);
-        const WritingThread writing(m_writing);
-        SQLite::Transaction transaction(m_connection, SQLite::TransactionBehavior::IMMEDIATE);
-        if constexpr (std::is_void_v<decltype(work(m_connection))>) {
-            work(m_connection);
-            transaction.commit();
+        using Result = decltype(work(m_connection));
+        if constexpr (std::is_void_v<Result>) {
+            Transact(work);
         } else {
-            auto result = work(m_connection);
-            transaction.commit();
-            return result;
+            std::optional<Result> result;
+            Transact([&](SQLite::Database& connection) { result.emplace(work(connection)); });
+            return std::move(*result);
         }
     }
+
+    /// Runs `work` once the transaction of this thread has been committed and others can read its changes; never if it is
+    /// rolled back, and at once if this thread is in none.
+    void AfterCommit(std::function<void()> work);
 
     /// Whether another connection, perhaps of another process, has changed the database since the last call. The first
     /// call cannot know and returns true.
@@ -105,12 +106,14 @@ private:
         std::atomic<std::thread::id>& writing;
     };
 
+    void Transact(const std::function<void(SQLite::Database&)>& work);
     void Migrate(const QString& path, const Migrations& migrations, bool keepsCopy);
 
     std::recursive_mutex m_mutex;
     SQLite::Database m_connection;
     std::unique_ptr<ReaderPool> m_readers; // null when reads take turns with the writes
     std::atomic<std::thread::id> m_writing {};
+    std::vector<std::function<void()>> m_afterCommit; // of the transaction that is open
     std::int64_t m_dataVersion = 0;
 };
 

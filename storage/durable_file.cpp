@@ -31,18 +31,6 @@ void Sync(const QString& path, Call call)
         throw DiskError("cannot write " + NameOf(path) + " to the disk", error);
 }
 
-// A disk has to finish its journal for every file that is synced alone, but only once for all together.
-void SyncAllToDisk(const QStringList& paths)
-{
-    constexpr int MostAlone = 8;
-    if (paths.size() <= MostAlone) {
-        for (const QString& path : paths)
-            SyncToDisk(path);
-        return;
-    }
-    Sync(paths.first(), ::syncfs);
-}
-
 bool WriteAndSync(int file, std::int64_t offset, const QByteArray& bytes)
 {
     int written = 0;
@@ -68,6 +56,18 @@ void SyncToDisk(const QString& path)
 void RenameDurably(const QString& from, const QString& to)
 {
     RenameAllDurably({{to, from}});
+}
+
+// A disk has to finish its journal for every file that is synced alone, but only once for all together.
+void SyncAllToDisk(const QStringList& paths)
+{
+    constexpr int MostAlone = 8;
+    if (paths.size() <= MostAlone) {
+        for (const QString& path : paths)
+            SyncToDisk(path);
+        return;
+    }
+    Sync(paths.first(), ::syncfs);
 }
 
 void RenameAllDurably(const QMap<QString, QString>& fromByTo)

@@ -2,7 +2,7 @@
 
 #include <QByteArray>
 #include <QMap>
-#include <QString>
+#include <QStringList>
 
 #include <cstdint>
 #include <stdexcept>
@@ -29,6 +29,9 @@ private:
 
 /// Returns when the file or folder is on the disk.
 void SyncToDisk(const QString& path);
+
+/// SyncToDisk() of each file or folder, all on one disk; cheaper for many.
+void SyncAllToDisk(const QStringList& paths);
 
 /// Moves a complete file or folder to its final name on the same disk; an existing file of that name is replaced.
 /// Content and name are on the disk when it returns.

@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <sqlite3.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <sys/stat.h>

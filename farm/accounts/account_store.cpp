@@ -60,14 +60,19 @@ std::optional<Session> AccountStore::SignIn(
     if (!PasswordMatches(password, known.password))
         return std::nullopt;
     const QString token = NewToken();
-    m_database.Write([&](SQLite::Database& connection) {
+    // Meanwhile the account may have got another password or been disabled, which ends its sessions.
+    const bool isAdmitted = m_database.Write([&](SQLite::Database& connection) {
         Execute(connection, "DELETE FROM sessions WHERE expires_at <= ?", now);
-        Execute(connection,
-            "INSERT INTO sessions(token_hash, account, expires_at, began_at, address) VALUES (?, ?, ?, ?, ?)",
-            HashToken(token), known.account, now + m_sessionSeconds, now, address);
+        if (Execute(connection,
+                "INSERT INTO sessions(token_hash, account, expires_at, began_at, address) "
+                "SELECT ?3, key, ?4, ?5, ?6 FROM accounts WHERE key = ?1 AND password = ?2 AND disabled = 0",
+                known.account, known.password, HashToken(token), now + m_sessionSeconds, now, address)
+            == 0)
+            return false;
         RecordChange(connection, now, {known.name, address}, QStringLiteral("session begin"), known.name);
+        return true;
     });
-    return Session {known.name, token};
+    return isAdmitted ? std::optional(Session {known.name, token}) : std::nullopt;
 }
 
 void AccountStore::SignOut(const QString& token, std::int64_t now, const QString& address)

@@ -81,10 +81,14 @@ void ProjectStore::Remove(const QString& project, bool evenWithJobs, std::int64_
 {
     m_database.Write([&](SQLite::Database& connection) {
         const Found found = Find(connection, project);
-        const int jobs = Execute(connection, "UPDATE jobs SET project = NULL WHERE project = ?", found.key);
+        SQLite::Statement count(connection, "SELECT count(*) FROM jobs WHERE project = ?");
+        Bind(count, found.key);
+        count.executeStep();
+        const int jobs = count.getColumn(0).getInt();
         if (jobs != 0 && !evenWithJobs)
             throw Conflict("the project has " + std::to_string(jobs)
                 + " jobs; add --force to remove it nevertheless, which leaves them without a project");
+        Execute(connection, "UPDATE jobs SET project = NULL WHERE project = ?", found.key);
         Execute(connection, "DELETE FROM projects WHERE key = ?", found.key);
         Record(connection, "project remove", found.name, now);
     });

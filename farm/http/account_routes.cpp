@@ -20,6 +20,30 @@ constexpr int LongestName = 256;
 constexpr int LongestPassword = 1024;
 constexpr int DaysByDefault = 30;
 constexpr int MostDays = 366;
+// Passwords are compared one at a time, each of which takes a tenth of a second, and each sign-in that waits occupies a
+// thread of the server.
+constexpr int MostSignInsAtOnce = 32;
+
+/// A place among the sign-ins whose passwords are compared, for as long as it lives. Throws HttpRefusal when none is free.
+class SignInPlace
+{
+public:
+    explicit SignInPlace(std::atomic<int>& taken)
+        : m_taken(taken)
+    {
+        constexpr int RetryAfter = 5; // s
+        if (++m_taken <= MostSignInsAtOnce)
+            return;
+        --m_taken;
+        throw HttpRefusal {503, "busy", QStringLiteral("too many users are signing in at once"), RetryAfter};
+    }
+    ~SignInPlace() { --m_taken; }
+    SignInPlace(const SignInPlace&) = delete;
+    SignInPlace& operator=(const SignInPlace&) = delete;
+
+private:
+    std::atomic<int>& m_taken;
+};
 
 } // namespace
 
@@ -50,7 +74,10 @@ QJsonObject AccountRoutes::SignIn(const ApiRequest& request)
     const QString password = RequiredText(body, "password", LongestPassword);
     const QString address = request.Address();
     m_signIns.Admit(name, address.toLatin1(), m_accounts.HasSessionAt(name, address, Now()));
-    const auto session = m_accounts.SignIn(name, password, Now(), address);
+    const auto session = [&] {
+        const SignInPlace place(m_signInsAtOnce);
+        return m_accounts.SignIn(name, password, Now(), address);
+    }();
     if (!session) {
         // The typed name stays out of the log: it may be a password in the wrong place.
         spdlog::warn("a sign-in from {} was refused", address.toStdString());

@@ -4,6 +4,8 @@
 
 #include <QJsonObject>
 
+#include <atomic>
+
 namespace farm {
 
 class AccountStore;
@@ -36,6 +38,7 @@ private:
     ProjectStore& m_projects;
     ChangeFeed& m_feed;
     SignInLimits m_signIns;
+    std::atomic<int> m_signInsAtOnce {0};
 };
 
 } // namespace farm

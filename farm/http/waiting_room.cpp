@@ -32,8 +32,8 @@ enum class Arrival { Unfinished, Begun, Whole, Gone };
 qlonglong WantedBody(const QByteArray& headers)
 {
     const QByteArray lower = headers.toLower();
-    // The server refuses the first two without reading the body; the third is told to send it.
-    for (const char* name : {"\r\ncontent-encoding:", "\r\ntransfer-encoding:", "\r\nexpect:"}) {
+    // The server refuses these without reading the body.
+    for (const char* name : {"\r\ncontent-encoding:", "\r\ntransfer-encoding:"}) {
         if (lower.contains(name))
             return 0;
     }
@@ -62,7 +62,9 @@ Arrival ArrivalOf(int socket)
     const qlonglong here = got - (end + 4);
     if (here >= wanted)
         return Arrival::Whole;
-    return here >= MostOfABody || got == MostBytes ? Arrival::Begun : Arrival::Unfinished;
+    // With "Expect", the client waits to be told before it sends the body.
+    const bool isAsking = bytes.left(end + 2).toLower().contains("\r\nexpect:");
+    return isAsking || here >= MostOfABody || got == MostBytes ? Arrival::Begun : Arrival::Unfinished;
 }
 
 std::string AddressOf(int socket)

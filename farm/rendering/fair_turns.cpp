@@ -9,6 +9,8 @@ namespace {
 
 // A frame counts at least this much, so that accounts take turns even with frames that cost next to nothing.
 constexpr double LeastCoreSeconds = 0.1;
+// The logarithm of the most core-seconds. A use beyond it is of a time to come, when the clock was wrong.
+constexpr double MostUse = 32;
 
 double UseForItsShare(const Contender& contender)
 {
@@ -32,7 +34,9 @@ double RecentUse::Add(std::optional<double> level, double coreSeconds, std::int6
 
 double RecentUse::CoreSeconds(std::optional<double> level, std::int64_t now) const
 {
-    return level ? std::exp2(*level - double(now) / m_halfLife) : 0;
+    if (!level || !std::isfinite(*level))
+        return 0;
+    return std::exp2(std::min(*level - double(now) / m_halfLife, MostUse));
 }
 
 std::vector<std::int64_t> OrderOfTurns(std::vector<Contender> contenders)

@@ -65,12 +65,15 @@ struct Announcement
     bool type = false;
 };
 
-void Announce(ChangeFeed& feed, const Announcement& announcement)
+/// Subscribers read what has changed, so they are told only when they can see it.
+void Announce(Database& database, ChangeFeed& feed, const Announcement& announcement)
 {
-    if (announcement.account != 0)
-        feed.Announce(announcement.account, announcement.changes);
-    if (announcement.type)
-        feed.AnnounceToAll({{}, true});
+    database.AfterCommit([&feed, announcement] {
+        if (announcement.account != 0)
+            feed.Announce(announcement.account, announcement.changes);
+        if (announcement.type)
+            feed.AnnounceToAll({{}, true});
+    });
 }
 
 } // namespace
@@ -250,7 +253,7 @@ void RenderQueue::Start(std::int64_t job)
         const auto facts = isStarted ? FactsOf(connection, job) : std::nullopt;
         return facts ? Announcement {facts->account, {{facts->id}, true}} : Announcement {};
     });
-    Announce(m_feed, started);
+    Announce(m_database, m_feed, started);
 }
 
 void RenderQueue::PauseJobsInArrears()
@@ -268,7 +271,7 @@ void RenderQueue::PauseJobsInArrears()
         return changes;
     });
     for (const auto& [account, changes] : paused)
-        m_feed.Announce(account, changes);
+        Announce(m_database, m_feed, {account, changes});
 }
 
 void RenderQueue::Finish(const FrameKey& frame, const Picture& picture, std::int64_t coreMilliseconds,
@@ -291,12 +294,13 @@ void RenderQueue::Finish(const FrameKey& frame, const Picture& picture, std::int
             picture.size);
         AddUse(connection, job->account, coreMilliseconds, now);
         const bool isLast = UpdateTurn(connection, frame.job, now);
-        const bool goesOn = m_health.Succeeded(job->type);
+        const bool goesOn = m_health.IsStopped(job->type);
+        m_database.AfterCommit([this, type = job->type] { m_health.Succeeded(type); });
         if (goesOn)
             Execute(connection, "DELETE FROM stopped_types WHERE type = ?", job->type);
         return Announcement {job->account, {{job->id}, isLast, true}, goesOn};
     });
-    Announce(m_feed, recorded);
+    Announce(m_database, m_feed, recorded);
 }
 
 bool RenderQueue::Fail(const FrameKey& frame, const QString& message, std::int64_t now, const QString& log,
@@ -319,7 +323,7 @@ bool RenderQueue::Fail(const FrameKey& frame, const QString& message, std::int64
         hasFailed = UpdateTurn(connection, frame.job, now);
         return Announcement {job->account, {{job->id}, hasFailed}, verdict == TypeHealth::Verdict::Stopped};
     });
-    Announce(m_feed, failed);
+    Announce(m_database, m_feed, failed);
     return hasFailed;
 }
 

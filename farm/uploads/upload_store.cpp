@@ -30,6 +30,14 @@ QuotaExceeded OverQuota()
     return QuotaExceeded("this would exceed the account's quota");
 }
 
+QStringList PathsOf(const std::vector<UnpackedFile>& files)
+{
+    QStringList paths;
+    for (const UnpackedFile& file : files)
+        paths.append(file.file);
+    return paths;
+}
+
 /// Removes a folder and everything in it at the end of the scope.
 class FolderGuard
 {
@@ -257,6 +265,8 @@ void UploadStore::TakeContents(
         throw OverQuota();
     m_reserve.Require(announced);
     const std::vector<UnpackedFile> files = farm::Unpack(package, incoming, goOn);
+    // Gigabytes may have to go to the disk, for which other accounts must not wait.
+    storage::SyncAllToDisk(PathsOf(files));
     const std::lock_guard<std::mutex> lock(m_quotaMutex);
     // The package is not counted, since it is about to be deleted.
     RequireQuota(

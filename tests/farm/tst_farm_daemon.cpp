@@ -192,6 +192,7 @@ private slots:
         const auto check = [this] { return Run({"check"_s, "--data"_s, m_folder->path()}); };
         QCOMPARE(check(), 0);
         QCOMPARE(Run({"backup"_s, "--data"_s, m_folder->path(), Path("copy/farm.sqlite"_s)}), 1);
+        QCOMPARE(Run({"backup"_s, "--data"_s, m_folder->path(), Path("farm.sqlite"_s)}), 1);
         QVERIFY(QDir(m_folder->path()).mkdir("copy"_s));
         QCOMPARE(Run({"backup"_s, "--data"_s, m_folder->path(), Path("copy/farm.sqlite"_s)}), 0);
         QCOMPARE(FarmData(Path("copy"_s)).Only().id, id);

@@ -47,6 +47,7 @@ const std::tuple<const char*, QByteArray> Beginnings[] = {
     {"part of the headers", "GET /api/v1/health HTTP/1.1\r\nHo"},
     {"part of a body", Post + "Content-Length: 1000\r\n\r\n{"},
     {"part of a long body", Post + "Content-Length: 500000\r\n\r\n" + QByteArray(40000, ' ')},
+    {"a body that waits to be asked for", Post + "Content-Length: 1000\r\nExpect: x\r\n\r\n"},
 };
 
 // Bytes on the wire and how the answer begins, if there must be one.
@@ -213,6 +214,25 @@ private slots:
         QCOMPARE(signIn("ann", "secret", "10.0.0.2"), 200);
         for (int status : {200, 200, 200, 429})
             QCOMPARE(signIn("bob", "b"), status);
+    }
+
+    // Each password that waits to be compared would hold a thread.
+    void SignInsDoNotQueueForLong()
+    {
+        const QByteArray body = R"({"username":"ann","password":"x"})";
+        const QByteArray request
+            = Post + "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
+        std::vector<std::unique_ptr<QTcpSocket>> clients(60);
+        for (auto& client : clients)
+            client = m_farm.SendRaw(request);
+        QMap<QByteArray, int> answers;
+        for (const auto& client : clients) {
+            QVERIFY(
+                QTest::qWaitFor([&] { return client->state() == QTcpSocket::UnconnectedState; }, Patience));
+            ++answers[client->readLine().mid(9, 3)];
+        }
+        QCOMPARE(answers["401"] + answers["503"], int(clients.size()));
+        QVERIFY(answers["401"] >= 32 && answers["503"] > 0);
     }
 
     // Guesses from many addresses cannot keep the owner of an account out, either.

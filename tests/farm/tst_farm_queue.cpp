@@ -4,6 +4,8 @@
 
 #include <QElapsedTimer>
 
+#include <cmath>
+
 using namespace farm;
 
 namespace {
@@ -84,6 +86,10 @@ private slots:
         const double level = use.Add(use.Add({}, 60, 1000), 20, 1100);
         QCOMPARE(use.CoreSeconds(level, 1100), 50.0);
         QCOMPARE(use.CoreSeconds(level, 1300), 12.5);
+        // A clock that was wrong for a time puts nobody last for ever.
+        const double wrong = use.Add(level, 20, -1'000'000);
+        QVERIFY(std::isfinite(wrong) && use.CoreSeconds(wrong, 1300) < 1);
+        QCOMPARE(use.CoreSeconds(HUGE_VAL, 1300), 0.0);
         // Frames in work count before they are recorded.
         QCOMPARE(OrderOfTurns({{1, 0, 30, 2, 50}, {2, 0, 70, 0, 0}}).front(), std::int64_t(2));
     }

@@ -13,6 +13,8 @@
 #include "tests/farm/package_fixture.h"
 #include "tests/support/disk_calls.h"
 
+#include <sqlite3.h>
+
 #include <csignal>
 #include <future>
 #include <sys/resource.h>
@@ -227,6 +229,32 @@ private slots:
         };
         QVERIFY_EXCEPTION_THROWN(data.database.Write(failing), std::runtime_error);
         QCOMPARE(data.jobs.List(data.account, {}, 1, 10).total, std::int64_t(0));
+    }
+
+    void TellsOfAChangeWhenOthersCanReadIt()
+    {
+        FarmData data(m_folder->path());
+        std::vector<std::int64_t> told;
+        const auto tell = [&] {
+            data.database.AfterCommit([&] { told.push_back(data.jobs.List(data.account, {}, 1, 10).total); });
+        };
+        const auto add = [&](SQLite::Database&) {
+            data.jobs.Add(data.Job("new"_s));
+            data.database.Write([&](SQLite::Database&) { tell(); });
+        };
+        const auto failing = [&](SQLite::Database& connection) {
+            add(connection);
+            throw std::runtime_error("stop");
+        };
+        tell();
+        data.database.Write([&](SQLite::Database& connection) {
+            add(connection);
+            QCOMPARE(told.size(), std::size_t(1));
+            data.jobs.Add(data.Job("another"_s));
+        });
+        QVERIFY_EXCEPTION_THROWN(data.database.Write(failing), std::runtime_error);
+        data.database.Write(add);
+        QCOMPARE(told, (std::vector<std::int64_t> {0, 2, 3}));
     }
 
     void ReadsBesideAWriteAndCopiesWhatItUpgrades()
