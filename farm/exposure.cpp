@@ -22,7 +22,8 @@ void CheckExposure(AccountStore& accounts, const FarmSettings& settings)
             "a farm behind a proxy has no demo accounts, whose passwords everybody knows; start "
             "it with --no-demo");
     QStringList open;
-    for (const QString& name : DemoAccounts()) {
+    const QStringList names = DemoAccounts();
+    for (const QString& name : names) {
         if (accounts.IsPassword(name, name))
             open.append(name);
     }

@@ -78,9 +78,11 @@ Farm::Farm(const FarmSettings& settings)
     CheckExposure(m_accounts, settings);
     PreparePasswords();
     DoHousekeeping();
-    QObject::connect(&m_housekeepingTimer, &QTimer::timeout, [this] { DoHousekeeping(); });
+    QObject::connect(
+        &m_housekeepingTimer, &QTimer::timeout, &m_housekeepingTimer, [this] { DoHousekeeping(); });
     m_housekeepingTimer.start(HousekeepingInterval);
-    QObject::connect(&m_outsideTimer, &QTimer::timeout, [this] { AnnounceOutsideChanges(); });
+    QObject::connect(
+        &m_outsideTimer, &QTimer::timeout, &m_outsideTimer, [this] { AnnounceOutsideChanges(); });
     m_outsideTimer.start(OutsideInterval);
     m_lastLogged = LastAuditKey(m_database);
     if (settings.demo)

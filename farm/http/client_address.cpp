@@ -35,7 +35,8 @@ QList<QByteArray> ForwardedAddresses(const QByteArray& header)
     static const QRegularExpression pattern(
         QStringLiteral("(?:\\A|;)\\s*for\\s*=\\s*\"?([^\";]*)"), QRegularExpression::CaseInsensitiveOption);
     QList<QByteArray> addresses;
-    for (const QByteArray& element : header.split(','))
+    const QList<QByteArray> elements = header.split(',');
+    for (const QByteArray& element : elements)
         addresses.append(pattern.match(QString::fromLatin1(element)).captured(1).toLatin1());
     return addresses;
 }
