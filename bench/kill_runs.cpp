@@ -106,7 +106,7 @@ void KillRun::KillInWork(WorkerProcess& worker)
 
 std::unique_ptr<WorkerProcess> StartWorker(const QString& kind, const QStringList& arguments)
 {
-    return Start(QCoreApplication::applicationFilePath(), QStringList {"--work"_s, kind} + arguments);
+    return Start(QCoreApplication::applicationFilePath(), QStringList {"--work"_s, kind, "--"_s} + arguments);
 }
 
 std::unique_ptr<WorkerProcess> StartFarm(const QString& folder, const QStringList& more)
