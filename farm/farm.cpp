@@ -58,8 +58,9 @@ Farm::Farm(const FarmSettings& settings)
     , m_frames(m_database)
     , m_logs(m_database, m_files)
     , m_overview(m_database)
+    , m_hindrances(m_database, m_feed)
     , m_executor(MakeExecutor())
-    , m_scheduler({m_queue, m_runs, *m_executor, m_files, m_inWork}, m_types,
+    , m_scheduler({m_queue, m_runs, *m_executor, m_files, m_inWork, m_hindrances}, m_types,
           {m_dataFolder, settings.rendererUser}, settings.lookInterval)
     , m_actions(m_database, m_feed,
           [this] {

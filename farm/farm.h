@@ -17,6 +17,7 @@
 #include "farm/rendering/executor.h"
 #include "farm/rendering/frame_files.h"
 #include "farm/rendering/frames_in_work.h"
+#include "farm/rendering/hindrances.h"
 #include "farm/rendering/job_folders.h"
 #include "farm/rendering/log_store.h"
 #include "farm/rendering/picture_store.h"
@@ -85,7 +86,9 @@ public:
     /// Ends renderers at once and waits for the requests being served.
     ~Farm();
 
-    /// Goes by the price and the quota of these settings from now on. The others hold from the next start.
+    /// Goes by the price, the quota and the limits of these settings from now on: frames at a time, also of accounts and
+    /// job types, and the reserve of the disk. The others hold from the next start. Throws std::runtime_error, and changes
+    /// nothing, when the job types cannot be read.
     void TakeOver(const FarmSettings& settings);
 
     /// The path of the database in a data folder.
@@ -127,6 +130,7 @@ private:
     LogStore m_logs;
     FarmOverview m_overview;
     FramesInWork m_inWork;
+    Hindrances m_hindrances;
     std::unique_ptr<Executor> m_executor;
     Scheduler m_scheduler;
     JobActions m_actions;

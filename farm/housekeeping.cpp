@@ -60,13 +60,15 @@ std::chrono::milliseconds Housekeeping::Work()
         const auto goOn = [this] { return !m_isStopped; };
         const bool areFreed = m_folders.FreeDeleted(goOn);
         const bool areTidy = m_folders.Tidy(goOn);
+        m_areRunsLeft = m_areRunsLeft && !m_folders.RemoveEndedRuns(goOn);
         const std::int64_t now = Now();
         m_contents.ForgetUnneeded(now - std::chrono::seconds(m_keepContents).count(), now, goOn);
         if (std::chrono::steady_clock::now() >= m_nextMark) {
             m_mark.Advance();
             m_nextMark = std::chrono::steady_clock::now() + Interval;
         }
-        return areFreed && areTidy ? std::chrono::milliseconds(Interval) : std::chrono::milliseconds(Pause);
+        return areFreed && areTidy && !m_areRunsLeft ? std::chrono::milliseconds(Interval)
+                                                     : std::chrono::milliseconds(Pause);
     } catch (const std::exception& error) {
         spdlog::error("files that nobody needs cannot be removed; the farm tries again: {}", error.what());
         return Interval;

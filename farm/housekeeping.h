@@ -40,6 +40,7 @@ private:
     std::condition_variable m_wake;
     bool m_isWoken = false;
     std::chrono::steady_clock::time_point m_nextMark;
+    bool m_areRunsLeft = true; ///< of an earlier farm, perhaps
     std::thread m_thread;
 };
 

@@ -303,12 +303,27 @@ constexpr const char* MissingRenderers = R"sql(
 ALTER TABLE stopped_types ADD COLUMN missing INTEGER NOT NULL DEFAULT 0;
 )sql";
 
+// What keeps the open jobs of a type waiting although its renderer has not failed, and what keeps one job: the farm's last
+// fault at one of its frames, until a frame is finished.
+constexpr const char* HindrancesOfJobs = R"sql(
+CREATE TABLE hindered_types(
+    type TEXT PRIMARY KEY,
+    message TEXT NOT NULL) WITHOUT ROWID;
+ALTER TABLE jobs ADD COLUMN hindrance TEXT NOT NULL DEFAULT '';
+DROP INDEX jobs_with_messages;
+CREATE INDEX jobs_at_work ON jobs(key) WHERE status IN (0, 1, 6) AND files = 2;
+CREATE INDEX jobs_in_trouble ON jobs(ifnull(ended_at, 9000000000000)) WHERE message <> '' OR hindrance <> '';
+DELETE FROM stopped_types WHERE missing;
+ALTER TABLE stopped_types DROP COLUMN missing;
+)sql";
+
 } // namespace
 
 storage::Migrations Schema()
 {
     return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork, FairQueue,
-        KeptCounts, Administrators, TermsAndMembers, Ledger, Audit, FreedFiles, MissingRenderers};
+        KeptCounts, Administrators, TermsAndMembers, Ledger, Audit, FreedFiles, MissingRenderers,
+        HindrancesOfJobs};
 }
 
 } // namespace farm

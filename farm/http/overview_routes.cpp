@@ -136,11 +136,15 @@ QJsonObject OverviewRoutes::Show(const ApiRequest& request)
     QJsonArray nodes;
     for (const auto& [host, count] : FramesByHost(frames))
         nodes.append(QJsonObject {{QStringLiteral("host"), host}, {QStringLiteral("frames"), count}});
+    QJsonArray hindrances;
+    for (const auto& [type, message] : m_deps.overview.HinderedTypes())
+        hindrances.append(QJsonObject {{QStringLiteral("type"), type}, {QStringLiteral("message"), message}});
     const QStorageInfo disk(m_dataFolder);
     return DataJson(QJsonObject {
         {QStringLiteral("time"), TimeText(now)},
         {QStringLiteral("version"), Version()},
         {QStringLiteral("queues"), QueuesJson(m_deps.overview.Queues(), byAccount)},
+        {QStringLiteral("hindrances"), hindrances},
         {QStringLiteral("working"), working},
         {QStringLiteral("failures"), FailuresJson(m_deps.overview.Failures(MostFailures))},
         {QStringLiteral("nodes"), nodes},

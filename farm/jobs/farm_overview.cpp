@@ -39,11 +39,13 @@ std::vector<FailedJob> FarmOverview::Failures(int most)
 {
     return m_database.Read([most](SQLite::Database& connection) {
         SQLite::Statement query(connection,
-            "SELECT accounts.name, id, jobs.name, message, coalesce(ended_at, 0), coalesce((SELECT "
-            "min(number) FROM frames "
-            "WHERE job = jobs.key AND finished_at IS NULL AND failures > 0), 0) "
-            "FROM jobs INDEXED BY jobs_with_messages JOIN accounts ON accounts.key = account "
-            "WHERE message <> '' AND status <> 5 ORDER BY ifnull(ended_at, 9000000000000) DESC LIMIT ?");
+            "SELECT accounts.name, id, jobs.name, iif(message <> '', message, hindrance), coalesce(ended_at, "
+            "0), "
+            "coalesce((SELECT min(number) FROM frames "
+            "WHERE job = jobs.key AND finished_at IS NULL AND retry_at IS NOT NULL), 0) "
+            "FROM jobs INDEXED BY jobs_in_trouble JOIN accounts ON accounts.key = account "
+            "WHERE (message <> '' OR hindrance <> '') AND status <> 5 "
+            "ORDER BY ifnull(ended_at, 9000000000000) DESC LIMIT ?");
         Bind(query, most);
         std::vector<FailedJob> failures;
         while (query.executeStep())
@@ -51,6 +53,18 @@ std::vector<FailedJob> FarmOverview::Failures(int most)
                 {{Text(query.getColumn(0)), Text(query.getColumn(1)), Text(query.getColumn(2))},
                     Text(query.getColumn(3)), query.getColumn(5).getInt(), query.getColumn(4).getInt64()});
         return failures;
+    });
+}
+
+std::map<QString, QString> FarmOverview::HinderedTypes()
+{
+    return m_database.Read([](SQLite::Database& connection) {
+        SQLite::Statement query(connection,
+            "SELECT type, message FROM hindered_types UNION ALL SELECT type, message FROM stopped_types");
+        std::map<QString, QString> types;
+        while (query.executeStep())
+            types[Text(query.getColumn(0))] = Text(query.getColumn(1));
+        return types;
     });
 }
 

@@ -26,12 +26,12 @@ struct NamedJob
     QString name;
 };
 
-/// A job that has failed frames.
+/// A job that has failed frames, or frames that wait because the farm was at fault.
 struct FailedJob
 {
     NamedJob job;
     QString message;
-    /// The first frame that failed; 0 when there is none.
+    /// The first such frame; 0 when there is none.
     int frame = 0;
     std::int64_t endedAt = 0; // seconds since the epoch; 0 while the job goes on
 };
@@ -47,6 +47,8 @@ public:
     std::vector<AccountQueue> Queues();
     /// Failures that still go on come first, then the latest ones.
     std::vector<FailedJob> Failures(int most);
+    /// The job types of which no frames begin, and why their jobs wait.
+    std::map<QString, QString> HinderedTypes();
     /// The jobs with these keys.
     std::map<std::int64_t, NamedJob> Jobs(const std::set<std::int64_t>& keys);
     /// The number of jobs of each status.

@@ -119,7 +119,8 @@ QStringList JobActions::Apply(
         if (rule.sendsToWork && IsInArrears(connection, account))
             return ids;
         RecordAction(connection, rule.words, jobs, now, address);
-        Execute(connection, "UPDATE jobs SET status = ?2 WHERE key IN (SELECT value FROM json_each(?1))",
+        Execute(connection,
+            "UPDATE jobs SET status = ?2, hindrance = '' WHERE key IN (SELECT value FROM json_each(?1))",
             jobs, static_cast<int>(rule.next));
         if (action == JobAction::Restart)
             ForgetFrames(connection, jobs, now);

@@ -40,8 +40,10 @@ constexpr const char* RecordColumns
     = "number, id, type, name, submitted_at, status, "
       "(SELECT 100 * count(finished_at) / count(*) FROM frames WHERE frames.job = job.key), "
       "(SELECT coalesce(sum(amount), 0) FROM charges WHERE charges.job = job.key), "
-      "coalesce((SELECT stopped_types.message FROM stopped_types WHERE stopped_types.type = job.type "
-      "AND status IN (0, 1, 6)), message)";
+      "iif(status IN (0, 1, 6), coalesce("
+      "(SELECT stopped_types.message FROM stopped_types WHERE stopped_types.type = job.type), "
+      "(SELECT hindered_types.message FROM hindered_types WHERE hindered_types.type = job.type), "
+      "nullif(hindrance, ''), message), message)";
 
 JobRecord ReadRecord(SQLite::Statement& row)
 {

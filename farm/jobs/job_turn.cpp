@@ -39,8 +39,9 @@ void SetTurn(SQLite::Database& connection, std::int64_t job, bool early, std::in
 bool End(SQLite::Database& connection, std::int64_t job, JobStatus status, std::int64_t now)
 {
     return Execute(connection,
-               "UPDATE jobs SET status = ?2, ended_at = ?3 WHERE key = ?1 AND status IN (0, 1, 6)", job,
-               static_cast<int>(status), now)
+               "UPDATE jobs SET status = ?2, ended_at = ?3, hindrance = '' WHERE key = ?1 AND status IN (0, "
+               "1, 6)",
+               job, static_cast<int>(status), now)
         != 0;
 }
 

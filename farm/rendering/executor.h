@@ -44,8 +44,12 @@ class Executor : public QObject
 public:
     /// The number of runs to hold at a time, running and queued.
     virtual int Capacity() const = 0;
+    /// What it holds already goes on.
+    virtual void SetCapacity(int runs) = 0;
     /// Whether the type's renderer is installed where frames run. After Unknown, AvailabilityChanged() follows.
     virtual Availability Has(const JobType& type) = 0;
+    /// Why frames of the type wait, as a clause for users and administrators; empty when nothing hinders them.
+    virtual QString HindranceOf(const JobType& type) const = 0;
     /// The runs are recorded and their orders written. What cannot be started ends like any other run.
     virtual void Start(const std::vector<Run>& runs) = 0;
     /// The run's end is reported later: Cancelled, or another one that came first. Unknown runs are ignored.
@@ -62,6 +66,7 @@ signals:
     /// @param at is in seconds since the epoch.
     void Started(const QString& run, const QString& host, qint64 at);
     void Ended(const QString& run, const farm::RunResult& result);
+    /// Has() or HindranceOf() answer otherwise than before.
     void AvailabilityChanged();
 };
 

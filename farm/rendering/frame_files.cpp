@@ -1,10 +1,12 @@
 #include "farm/rendering/frame_files.h"
 
+#include "farm/base/remove_tree.h"
 #include "farm/rendering/scene_files.h"
 #include "storage/checksum.h"
 #include "storage/disk_full.h"
 #include "storage/durable_file.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -12,6 +14,7 @@
 
 #include <cerrno>
 #include <stdexcept>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace farm {
@@ -126,21 +129,43 @@ void FrameFiles::RequireRoom() const
         throw storage::DiskError("the disk is full", ENOSPC);
 }
 
-Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix, const RunId& run) const
+/// A renderer that has made the picture a link to another file could change both later, and the farm must not change the
+/// other one's permissions.
+void FrameFiles::OwnAlone(const QString& picture)
 {
-    const QString unfinished = PlaceOf(task, suffix, run).Output();
+    struct stat info = {};
+    if (::lstat(QFile::encodeName(picture).constData(), &info) != 0 || info.st_nlink == 1)
+        return;
+    const QString copy = picture + QStringLiteral(".copy");
+    QFile::remove(copy);
+    if (!QFile::copy(picture, copy) || !QFile::remove(picture) || !QFile::rename(copy, picture))
+        storage::ThrowWriteError(
+            "cannot copy a picture that is a link to another file", picture, info.st_size);
+}
+
+Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix, const RunId& run, bool mayBeKept) const
+{
+    const RenderPlace places = PlaceOf(task, suffix, run);
+    const QString unfinished = places.Output();
+    const QString name = FrameName(task.Number(), suffix);
+    const QString place = QDir(JobFolder(task.jobId)).filePath(name);
     const QFileInfo left(unfinished);
+    const QFileInfo kept(place);
+    // An older picture is that of an earlier run of the job.
+    const bool isKept = mayBeKept && !left.exists() && !left.isSymLink() && kept.isFile()
+        && kept.lastModified() >= QFileInfo(places.run.Order()).lastModified();
+    if (isKept)
+        return {name, std::int64_t(kept.size()), storage::FileChecksum(place)};
     if (!left.isFile() || left.isSymLink() || left.size() == 0)
         throw std::runtime_error("the renderer left no picture");
+    OwnAlone(unfinished);
     m_user.TakeBack(unfinished);
-    const Picture picture {
-        FrameName(task.Number(), suffix), std::int64_t(left.size()), storage::FileChecksum(unfinished)};
-    // The picture may be in its place already: the farm can crash between this rename and the recording of the frame.
-    storage::RenameDurably(unfinished, QDir(JobFolder(task.jobId)).filePath(picture.name));
+    const Picture picture {name, std::int64_t(left.size()), storage::FileChecksum(unfinished)};
+    storage::RenameDurably(unfinished, place);
     return picture;
 }
 
-void FrameFiles::Discard(const FrameTask& task, const RunId& run) const
+void FrameFiles::KeepLog(const FrameTask& task, const RunId& run) const
 {
     const QDir logs(JobFolder(task.jobId) + QStringLiteral("/logs"));
     const QString log = logs.filePath(FrameName(task.Number(), QStringLiteral("txt")));
@@ -148,7 +173,12 @@ void FrameFiles::Discard(const FrameTask& task, const RunId& run) const
         QFile::remove(log);
         QFile::rename(FilesOf(task.jobId, run).Log(), log);
     }
-    QDir(FilesOf(task.jobId, run).folder).removeRecursively();
+}
+
+void FrameFiles::Discard(const FrameTask& task, const RunId& run) const
+{
+    KeepLog(task, run);
+    RemoveTree(FilesOf(task.jobId, run).folder);
 }
 
 } // namespace farm

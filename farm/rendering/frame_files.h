@@ -62,13 +62,18 @@ public:
     /// Throws storage::DiskError when the disk is so full that a renderer may have failed for that reason.
     void RequireRoom() const;
     /// Moves a rendered frame to its place; it is on the disk when it returns. Throws std::runtime_error.
-    Picture Keep(const FrameTask& task, const QString& suffix, const RunId& run) const;
-    /// Removes what a run has left behind, but keeps what the renderer has written as the log of the frame.
+    /// @param mayBeKept allows the picture to be there already, moved by an earlier farm.
+    Picture Keep(
+        const FrameTask& task, const QString& suffix, const RunId& run, bool mayBeKept = false) const;
+    /// Keeps what the renderer has written as the log of the frame.
+    void KeepLog(const FrameTask& task, const RunId& run) const;
+    /// Removes what a run has left behind, but keeps the log.
     void Discard(const FrameTask& task, const RunId& run) const;
 
 private:
     static void LinkScene(const RenderPlace& place, const QString& scene);
     static void RemoveFrames(QDir folder, const QString& suffix);
+    static void OwnAlone(const QString& picture);
     void MakeFolder(const QDir& folder) const;
     void OpenToRenderer(const RenderPlace& place, const QDir& folder) const;
     RenderPlace PlaceOf(const FrameTask& task, const QString& suffix, const RunId& run) const;

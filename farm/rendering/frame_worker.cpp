@@ -44,12 +44,12 @@ void FrameWorker::Prepare(const RunId& id, const FrameTask& task, const Flag& is
         task.key.job, [this, id, task, isUnwanted] { emit Prepared(id, PrepareNow(id, task, isUnwanted)); });
 }
 
-void FrameWorker::Settle(const RunId& id, const FrameTask& task, RunEnd end)
+void FrameWorker::Settle(const RunId& id, const FrameTask& task, RunEnd end, bool isOld)
 {
-    m_keepers.Add(task.key.job, [this, id, task, end] {
-        const FileReport report = SettleNow(id, task, end);
-        // Before the end is recorded, so that whoever hears of it finds the log in its place.
-        m_files.Discard(task, id);
+    m_keepers.Add(task.key.job, [this, id, task, end, isOld] {
+        const FileReport report = SettleNow(id, task, end, isOld);
+        // The rest stays until the end is recorded, for a farm that dies before.
+        m_files.KeepLog(task, id);
         emit Settled(id, report);
     });
 }
@@ -85,12 +85,12 @@ FileReport FrameWorker::PrepareNow(const RunId& id, const FrameTask& task, const
     }
 }
 
-FileReport FrameWorker::SettleNow(const RunId& id, const FrameTask& task, RunEnd end) const
+FileReport FrameWorker::SettleNow(const RunId& id, const FrameTask& task, RunEnd end, bool isOld) const
 {
     try {
         FileReport report;
         if (end == RunEnd::Done)
-            report.picture = m_files.Keep(task, m_types.value(task.type).suffix, id);
+            report.picture = m_files.Keep(task, m_types.value(task.type).suffix, id, isOld);
         else
             m_files.RequireRoom();
         report.ok = true;

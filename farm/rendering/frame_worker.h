@@ -42,8 +42,9 @@ public:
     /// Provides the scene and writes the order. Prepared() follows.
     void Prepare(const RunId& id, const FrameTask& task, const Flag& isUnwanted);
     /// Keeps the picture of a run that is done. Finds out for a failed one whether a full disk may be the reason. Settled()
-    /// follows.
-    void Settle(const RunId& id, const FrameTask& task, RunEnd end);
+    /// follows, when the log is in its place.
+    /// @param isOld says that an earlier farm may have kept the picture.
+    void Settle(const RunId& id, const FrameTask& task, RunEnd end, bool isOld);
     /// Removes what is left of the run.
     void Discard(const RunId& id, const FrameTask& task);
     /// Interrupts all work and returns when it has ended; nothing is reported any more.
@@ -55,7 +56,7 @@ signals:
 
 private:
     FileReport PrepareNow(const RunId& id, const FrameTask& task, const Flag& isUnwanted) const;
-    FileReport SettleNow(const RunId& id, const FrameTask& task, RunEnd end) const;
+    FileReport SettleNow(const RunId& id, const FrameTask& task, RunEnd end, bool isOld) const;
 
     const FrameFiles& m_files;
     JobTypes m_types;

@@ -1,6 +1,7 @@
 #include "farm/rendering/job_folders.h"
 
 #include "farm/base/random.h"
+#include "farm/base/remove_tree.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -17,25 +18,8 @@ namespace {
 constexpr const char* DeletedJobs = "jobs INDEXED BY jobs_to_free WHERE status = 5 AND files > 0";
 constexpr const char* UntidyJobs
     = "jobs INDEXED BY jobs_to_tidy WHERE status IN (2, 3, 4, 7, 8, 9) AND files = 2";
+constexpr const char* JobsAtWork = "jobs INDEXED BY jobs_at_work WHERE status IN (0, 1, 6) AND files = 2";
 constexpr const char* WithoutRuns = " AND NOT EXISTS (SELECT 1 FROM runs WHERE runs.job = jobs.key)";
-
-/// Removes a folder and everything in it. Returns false when it was stopped or something could not be removed.
-bool Remove(const QString& path, const JobFolders::GoOn& goOn)
-{
-    if (!goOn())
-        return false;
-    const QFileInfo info(path);
-    if (info.isSymLink() || !info.isDir())
-        return QFile::remove(path);
-    const QDir folder(path);
-    const QStringList entries
-        = folder.entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
-    for (const QString& entry : entries) {
-        if (!Remove(folder.filePath(entry), goOn))
-            return false;
-    }
-    return QDir().rmdir(path);
-}
 
 } // namespace
 
@@ -55,6 +39,30 @@ bool JobFolders::FreeDeleted(const GoOn& goOn)
 bool JobFolders::Tidy(const GoOn& goOn)
 {
     return Each(UntidyJobs, goOn, [&](const Job& job) { return TidyOne(job, goOn); });
+}
+
+bool JobFolders::RemoveEndedRuns(const GoOn& goOn)
+{
+    return Each(JobsAtWork, goOn, [&](const Job& job) { return RemoveEndedRunsOf(job, goOn); });
+}
+
+bool JobFolders::RemoveEndedRunsOf(const Job& job, const GoOn& goOn)
+{
+    const QDir folder(m_folder + QLatin1Char('/') + job.id + QStringLiteral("/runs"));
+    const QStringList runs = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden);
+    // A run is recorded before it gets its folder, so any that begins meanwhile is known.
+    const QStringList known = m_database.Read([&job](SQLite::Database& connection) {
+        SQLite::Statement query(connection, "SELECT id FROM runs WHERE job = ?");
+        Bind(query, job.key);
+        QStringList ids;
+        while (query.executeStep())
+            ids.append(Text(query.getColumn(0)));
+        return ids;
+    });
+    bool isDone = true;
+    for (const QString& run : runs)
+        isDone = (known.contains(run) || RemoveTree(folder.filePath(run), goOn)) && isDone;
+    return isDone;
 }
 
 bool JobFolders::Each(const char* jobs, const GoOn& goOn, const std::function<bool(const Job&)>& work)
@@ -126,7 +134,7 @@ bool JobFolders::SetAside(const char* jobs, const Job& job, const QStringList& n
 bool JobFolders::RemoveSetAside(const GoOn& goOn) const
 {
     const QString aside = m_folder + QStringLiteral("/.removed");
-    if (!QFileInfo::exists(aside) || Remove(aside, goOn))
+    if (!QFileInfo::exists(aside) || RemoveTree(aside, goOn))
         return true;
     if (goOn())
         spdlog::error("{} cannot be removed; the farm tries again later", aside.toStdString());

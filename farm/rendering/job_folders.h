@@ -25,6 +25,8 @@ public:
     bool FreeDeleted(const GoOn& goOn);
     /// Removes the leftovers in the folders of jobs that do not render.
     bool Tidy(const GoOn& goOn);
+    /// Removes the folders of runs that an earlier farm has recorded the ends of, from the folders of jobs that go on.
+    bool RemoveEndedRuns(const GoOn& goOn);
 
 private:
     struct Job
@@ -37,6 +39,7 @@ private:
     bool Each(const char* jobs, const GoOn& goOn, const std::function<bool(const Job&)>& work);
     bool Free(const Job& job, const GoOn& goOn);
     bool TidyOne(const Job& job, const GoOn& goOn);
+    bool RemoveEndedRunsOf(const Job& job, const GoOn& goOn);
     bool SetAside(const char* jobs, const Job& job, const QStringList& names);
     bool RemoveSetAside(const GoOn& goOn) const;
     bool ForgetFiles(std::int64_t job, const GoOn& goOn);

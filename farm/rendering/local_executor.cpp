@@ -37,6 +37,13 @@ Availability LocalExecutor::Has(const JobType& type)
                                                                   : Availability::Present;
 }
 
+QString LocalExecutor::HindranceOf(const JobType& type) const
+{
+    if (!QStandardPaths::findExecutable(type.program).isEmpty())
+        return {};
+    return QStringLiteral("the renderer %1 is not installed on the farm's machine").arg(type.program);
+}
+
 void LocalExecutor::Start(const std::vector<Run>& runs)
 {
     for (const Run& run : runs)

@@ -29,7 +29,9 @@ public:
     ~LocalExecutor() override;
 
     int Capacity() const override { return m_settings.slotCount; }
+    void SetCapacity(int runs) override { m_settings.slotCount = runs; }
     Availability Has(const JobType& type) override;
+    QString HindranceOf(const JobType& type) const override;
     void Start(const std::vector<Run>& runs) override;
     void Cancel(const RunId& run) override;
     void Attach(const std::vector<RecordedRun>& runs) override;

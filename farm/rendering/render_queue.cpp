@@ -86,34 +86,11 @@ RenderQueue::RenderQueue(
     , m_settings(settings)
     , m_use(settings.useHalfLife.count())
 {
-    m_database.Write([this](SQLite::Database& connection) {
-        connection.exec("DELETE FROM stopped_types WHERE missing");
+    m_database.Read([this](SQLite::Database& connection) {
         SQLite::Statement query(connection, "SELECT type FROM stopped_types");
         while (query.executeStep())
             m_health.Stop(Text(query.getColumn(0)), 0);
     });
-}
-
-void RenderQueue::SetRendererMissing(const QString& type, const QString& program)
-{
-    const QString text
-        = QStringLiteral("%1 is not installed where the farm renders. Jobs of the type %2 wait for it.")
-              .arg(program, type);
-    m_database.Write([&](SQLite::Database& connection) {
-        Execute(connection,
-            "INSERT INTO stopped_types(type, message, missing) VALUES (?, ?, 1) ON CONFLICT DO NOTHING", type,
-            text);
-    });
-    m_feed.AnnounceToAll({{}, true});
-    spdlog::warn("{}", text.toStdString());
-}
-
-void RenderQueue::SetRendererPresent(const QString& type)
-{
-    m_database.Write([&](SQLite::Database& connection) {
-        Execute(connection, "DELETE FROM stopped_types WHERE type = ? AND missing", type);
-    });
-    m_feed.AnnounceToAll({{}, true});
 }
 
 std::optional<RenderQueue::JobFacts> RenderQueue::FactsOf(SQLite::Database& connection, std::int64_t job)
@@ -256,6 +233,12 @@ void RenderQueue::Start(std::int64_t job)
     Announce(m_database, m_feed, started);
 }
 
+void RenderQueue::TakeOverLimits(const QueueSettings& settings)
+{
+    m_settings.framesPerAccount = settings.framesPerAccount;
+    m_settings.framesPerType = settings.framesPerType;
+}
+
 void RenderQueue::PauseJobsInArrears()
 {
     const auto paused = m_database.Write([](SQLite::Database& connection) {
@@ -290,7 +273,8 @@ void RenderQueue::Finish(const FrameKey& frame, const Picture& picture, std::int
             return Announcement {};
         KeepFrameLog(connection, frame.job, frame.number, log);
         AddCharge(connection, frame.job, frame.number, coreMilliseconds, m_terms, now);
-        Execute(connection, "UPDATE jobs SET picture_bytes = picture_bytes + ?2 WHERE key = ?1", frame.job,
+        Execute(connection,
+            "UPDATE jobs SET picture_bytes = picture_bytes + ?2, hindrance = '' WHERE key = ?1", frame.job,
             picture.size);
         AddUse(connection, job->account, coreMilliseconds, now);
         const bool isLast = UpdateTurn(connection, frame.job, now);
@@ -327,17 +311,25 @@ bool RenderQueue::Fail(const FrameKey& frame, const QString& message, std::int64
     return hasFailed;
 }
 
-void RenderQueue::Postpone(
-    const FrameKey& frame, std::int64_t now, const QString& log, std::int64_t coreMilliseconds)
+void RenderQueue::Postpone(const FrameKey& frame, const QString& message, std::int64_t now,
+    const QString& log, std::int64_t coreMilliseconds)
 {
-    m_database.Write([&](SQLite::Database& connection) {
+    const auto postponed = m_database.Write([&](SQLite::Database& connection) {
         const auto job = FactsOf(connection, frame.job);
         if (!job)
-            return;
+            return Announcement {};
         AddUse(connection, job->account, coreMilliseconds, now);
-        Retry(connection, frame, false, now, log);
+        Retry(connection, frame, false, now, message + QLatin1Char('\n') + log);
         UpdateTurn(connection, frame.job, now);
+        const bool isNew
+            = Execute(connection,
+                  "UPDATE jobs SET hindrance = ?2 WHERE key IN (SELECT key FROM open_jobs WHERE key "
+                  "= ?1 AND run = ?3) AND hindrance <> ?2",
+                  frame.job, QStringLiteral("Frame %1 waits: %2.").arg(frame.number).arg(message), frame.run)
+            != 0;
+        return isNew ? Announcement {job->account, {{job->id}, false}} : Announcement {};
     });
+    Announce(m_feed, postponed);
 }
 
 /// Sets the time of the next attempt. Returns whether there is none, so that the frame is passed by.

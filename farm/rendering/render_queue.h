@@ -52,6 +52,9 @@ public:
     /// the run.
     void Start(std::int64_t job);
 
+    /// Goes by the limits of these settings from now on.
+    void TakeOverLimits(const QueueSettings& settings);
+
     /// Pauses the open jobs of all accounts in arrears.
     void PauseJobsInArrears();
 
@@ -65,13 +68,10 @@ public:
     /// that fail at whatever they are given stop their job type instead. Returns whether the job failed.
     bool Fail(const FrameKey& frame, const QString& message, std::int64_t now, const QString& log = {},
         std::int64_t coreMilliseconds = 0);
-    /// Tries the frame again after a pause without counting the attempt, because the farm was at fault.
-    void Postpone(
-        const FrameKey& frame, std::int64_t now, const QString& log = {}, std::int64_t coreMilliseconds = 0);
-
-    /// Lets the jobs of a type say that its renderer is not installed, until it is.
-    void SetRendererMissing(const QString& type, const QString& program);
-    void SetRendererPresent(const QString& type);
+    /// Tries the frame again after a pause without counting the attempt, because the farm was at fault. Until a frame of
+    /// the job is finished, the job tells the message as its hindrance.
+    void Postpone(const FrameKey& frame, const QString& message, std::int64_t now, const QString& log = {},
+        std::int64_t coreMilliseconds = 0);
 
 private:
     struct JobFacts

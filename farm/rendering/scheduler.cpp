@@ -3,6 +3,7 @@
 #include "farm/base/local_time.h"
 #include "farm/rendering/frame_files.h"
 #include "farm/rendering/frames_in_work.h"
+#include "farm/rendering/hindrances.h"
 #include "farm/rendering/render_queue.h"
 
 #include <spdlog/spdlog.h>
@@ -39,6 +40,12 @@ Scheduler::Scheduler(const Dependencies& dependencies, const JobTypes& types, co
     m_startTimer.setSingleShot(true);
     connect(&m_look, &QTimer::timeout, this, &Scheduler::Look);
     m_look.start(lookInterval);
+    const QStringList open = m_deps.hindrances.OpenTypes();
+    for (const QString& type : open) {
+        if (!m_types.contains(type))
+            m_unknownTypes.insert(
+                type, QStringLiteral("the farm's job types have no type \"%1\" any more").arg(type));
+    }
     AttachRuns();
 }
 
@@ -69,6 +76,7 @@ void Scheduler::Nudge()
         CancelUnwantedFrames();
         if (!m_waits)
             BeginFrames();
+        ReportHindrances();
     } catch (const std::exception& error) {
         spdlog::error("the jobs cannot be read; the scheduler tries again soon: {}", error.what());
     }
@@ -86,16 +94,21 @@ QStringList Scheduler::RunnableTypes()
     QStringList runnable;
     for (auto type = m_types.cbegin(); type != m_types.cend(); ++type) {
         const Availability availability = m_deps.executor.Has(*type);
-        if (availability == Availability::Present) {
-            if (m_missingTypes.erase(type.key()) > 0)
-                m_deps.queue.SetRendererPresent(type.key());
+        if (availability == Availability::Present)
             runnable.append(type.key());
-        } else if (availability == Availability::Missing && m_missingTypes.count(type.key()) == 0) {
-            m_deps.queue.SetRendererMissing(type.key(), type->program);
-            m_missingTypes.insert(type.key());
-        }
     }
     return runnable;
+}
+
+void Scheduler::ReportHindrances()
+{
+    QMap<QString, QString> hindrances = m_unknownTypes;
+    for (auto type = m_types.cbegin(); type != m_types.cend(); ++type) {
+        const QString hindrance = m_deps.executor.HindranceOf(*type);
+        if (!hindrance.isEmpty())
+            hindrances.insert(type.key(), hindrance);
+    }
+    m_deps.hindrances.Set(hindrances);
 }
 
 void Scheduler::CancelUnwantedFrames()
@@ -199,7 +212,7 @@ void Scheduler::HandleEnd(const RunId& id, const RunResult& result)
     m_deps.inWork.Remove(work->second.task.key);
     if (result.end == RunEnd::Done || CountsAsAttempt(result.end)) {
         work->second.result = result;
-        m_worker.Settle(id, work->second.task, result.end);
+        m_worker.Settle(id, work->second.task, result.end, work->second.isOld);
         return;
     }
     const auto ended = m_work.extract(work);
@@ -240,11 +253,12 @@ void Scheduler::Record(const RunId& id, const Work& work, const FileReport& repo
         m_deps.runs.End(id, [&] {
             m_deps.queue.Finish(work.task.key, *report.picture, result.coreMilliseconds, Now(), result.log);
         });
+        m_worker.Discard(id, work.task);
         spdlog::debug("job {} frame {} finished in {} ms", work.task.jobId.toStdString(), work.task.Number(),
             result.coreMilliseconds);
         return;
     }
-    // The earlier farm may have moved the picture to its place without recording it.
+    // The disk may have lost the picture when the machine lost its power.
     if (work.isOld && work.result.end == RunEnd::Done) {
         Forget(id, work.task);
         return;
@@ -284,10 +298,8 @@ void Scheduler::Postpone(const RunId& id, const FrameTask& task, const RunResult
 {
     spdlog::warn(
         "job {} frame {} pauses: {}", task.jobId.toStdString(), task.Number(), result.message.toStdString());
-    m_deps.runs.End(id, [&] {
-        m_deps.queue.Postpone(
-            task.key, Now(), result.message + QLatin1Char('\n') + result.log, result.coreMilliseconds);
-    });
+    m_deps.runs.End(id,
+        [&] { m_deps.queue.Postpone(task.key, result.message, Now(), result.log, result.coreMilliseconds); });
     m_worker.Discard(id, task);
 }
 

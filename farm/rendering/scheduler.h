@@ -17,6 +17,7 @@ namespace farm {
 
 class FrameFiles;
 class FramesInWork;
+class Hindrances;
 class RenderQueue;
 
 /// Keeps the executor busy with the frames of the open jobs.
@@ -33,6 +34,7 @@ public:
         const FrameFiles& files;
         /// Receives the frames being rendered; only the scheduler changes it.
         FramesInWork& inWork;
+        Hindrances& hindrances;
     };
 
     /// Takes over the runs of an earlier farm.
@@ -69,6 +71,7 @@ private:
     void AttachRuns();
     void Look();
     QStringList RunnableTypes();
+    void ReportHindrances();
     void CancelUnwantedFrames();
     void BeginFrames();
     std::vector<RunTable::Entry> ChooseFrames();
@@ -89,9 +92,9 @@ private:
 
     Dependencies m_deps;
     JobTypes m_types;
+    /// Why jobs wait whose types are not among `m_types` any more.
+    QMap<QString, QString> m_unknownTypes;
     FrameWorker m_worker;
-    /// The types whose renderers are not installed.
-    std::set<QString> m_missingTypes;
     /// The runs whose ends are awaited.
     std::map<RunId, Work> m_work;
     /// Prepared runs, which start together.

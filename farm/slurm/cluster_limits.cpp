@@ -37,6 +37,11 @@ QStringList Warnings(const ClusterLimits& limits, const SlurmSettings& settings)
                            "farm may submit; further ones wait in the farm")
                 .arg(limits.jobs)
                 .arg(tasks));
+    if (!limits.hasAccounting && !settings.account.isEmpty())
+        warnings.append(
+            QStringLiteral("the cluster has no accounting, so it ignores the account \"%1\" that the "
+                           "farm names")
+                .arg(settings.account));
     const std::chrono::seconds kept {limits.secondsKept};
     if (!limits.hasAccounting && kept < 3 * settings.interval)
         warnings.append(QStringLiteral(

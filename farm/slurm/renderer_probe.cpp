@@ -3,6 +3,7 @@
 #include "farm/base/local_time.h"
 #include "farm/base/random.h"
 #include "farm/slurm/command_fault.h"
+#include "farm/slurm/pending_reason.h"
 #include "farm/slurm/run_end_rules.h"
 
 #include <QDir>
@@ -16,6 +17,7 @@ namespace farm {
 namespace {
 
 constexpr int TryEvery = 60;          // intervals
+constexpr int AskAgain = 6;           // intervals after a refusal, which costs the cluster next to nothing
 constexpr qint64 ClockTolerance = 60; // s
 
 } // namespace
@@ -31,12 +33,20 @@ Availability RendererProbe::Has(const QString& program, const Placement& placeme
     return m_states[{program, placement}].availability;
 }
 
-void RendererProbe::Withdraw(const Placement& placement)
+QString RendererProbe::HindranceOf(const QString& program, const Placement& placement) const
+{
+    const auto known = m_states.find({program, placement});
+    return known == m_states.end() ? QString() : known->second.fault;
+}
+
+void RendererProbe::Withdraw(const Placement& placement, const QString& fault)
 {
     for (auto& [question, state] : m_states) {
         const auto& asked = question.second;
-        if (!(asked < placement) && !(placement < asked))
-            Conclude(state, Availability::Missing, {});
+        if (asked < placement || placement < asked)
+            continue;
+        Conclude(state, Availability::Missing, fault);
+        state.nextTry = Clock::now() + AskAgain * m_settings.interval;
     }
 }
 
@@ -46,11 +56,22 @@ bool RendererProbe::IsWaiting() const
         m_states.begin(), m_states.end(), [](const auto& entry) { return !entry.second.job.isEmpty(); });
 }
 
+bool RendererProbe::IsDue(const State& state)
+{
+    return state.availability != Availability::Present && state.job.isEmpty()
+        && Clock::now() >= state.nextTry;
+}
+
+bool RendererProbe::IsDue() const
+{
+    return std::any_of(
+        m_states.begin(), m_states.end(), [](const auto& entry) { return IsDue(entry.second); });
+}
+
 void RendererProbe::Submit()
 {
     for (auto& [question, state] : m_states) {
-        if (state.availability == Availability::Present || !state.job.isEmpty()
-            || Clock::now() < state.nextTry)
+        if (!IsDue(state))
             continue;
         state.job = ClusterJobPrefix() + QStringLiteral("probe-") + NewId();
         state.isSubmitted = false;
@@ -93,8 +114,7 @@ void RendererProbe::HandleSubmission(const Question& question, const CommandResu
     const QString fault = FaultText(QStringLiteral("sbatch"), result);
     const bool isRefused = FaultOf(result) == CommandFault::Refused;
     Conclude(state, isRefused ? Availability::Missing : state.availability, fault);
-    if (!isRefused)
-        state.nextTry = Clock::now() + m_settings.interval;
+    state.nextTry = Clock::now() + (isRefused ? AskAgain : 1) * m_settings.interval;
 }
 
 void RendererProbe::Update(const std::vector<ClusterTask>& tasks)
@@ -105,8 +125,10 @@ void RendererProbe::Update(const std::vector<ClusterTask>& tasks)
         const QString& job = state.job;
         const auto task = std::find_if(
             tasks.begin(), tasks.end(), [&job](const ClusterTask& one) { return one.batch == job; });
-        if (task != tasks.end() && PhaseOf(task->state) != TaskPhase::Ended)
+        if (task != tasks.end() && PhaseOf(task->state) != TaskPhase::Ended) {
+            Note(state, state.availability, HindranceIn(task->reason));
             continue;
+        }
         if (!state.overSince)
             state.overSince = Clock::now();
         if (Clock::now() - *state.overSince < m_settings.fileDelay)
@@ -129,8 +151,8 @@ bool RendererProbe::ReadAnswer(const Question& question, State& state)
     const QString node = lines[0].section(QLatin1Char(' '), 0, 0);
     const qint64 time = lines[0].section(QLatin1Char(' '), 1).toLongLong();
     if (time < state.submittedAt - ClockTolerance || time > Now() + ClockTolerance)
-        emit Found(QStringLiteral("the clocks of node %1 and of this machine are apart (%2 there, %3 here)")
-                       .arg(node, TimeText(time), TimeText(Now())));
+        emit Warned(QStringLiteral("the clocks of node %1 and of this machine are apart (%2 there, %3 here)")
+                        .arg(node, TimeText(time), TimeText(Now())));
     QString fault;
     if (!lines.contains(QLatin1String("renderer")))
         fault = QStringLiteral("the renderer %1 is not installed on node %2").arg(question.first, node);
@@ -145,10 +167,15 @@ void RendererProbe::Conclude(State& state, Availability availability, const QStr
     state.job.clear();
     state.isSubmitted = false;
     state.nextTry = Clock::now() + TryEvery * m_settings.interval;
-    if (!fault.isEmpty() && state.fault != fault)
-        emit Found(fault);
+    Note(state, availability, fault);
+}
+
+void RendererProbe::Note(State& state, Availability availability, const QString& fault)
+{
+    const bool isOther = state.fault != fault || state.availability != availability;
     state.fault = fault;
-    if (std::exchange(state.availability, availability) != availability)
+    state.availability = availability;
+    if (isOther)
         emit Changed();
 }
 

@@ -21,19 +21,24 @@ public:
 
     /// The first call for a renderer and a placement starts asking.
     Availability Has(const QString& program, const Placement& placement);
-    /// The cluster does not accept jobs for the placement any more.
-    void Withdraw(const Placement& placement);
+    /// What is missing or has kept the question from being asked, as a clause; empty when nothing is known.
+    QString HindranceOf(const QString& program, const Placement& placement) const;
+    /// The cluster does not accept jobs for the placement any more, because of this fault.
+    void Withdraw(const Placement& placement, const QString& fault);
     /// Whether a job is under way, so that Update() is wanted.
     bool IsWaiting() const;
+    /// Whether a job is to be submitted now.
+    bool IsDue() const;
     /// Submits the jobs that are due.
     void Submit();
     /// Takes over what Slurm knows about the farm's jobs.
     void Update(const std::vector<ClusterTask>& tasks);
 
 signals:
+    /// Has() or HindranceOf() answer otherwise than before.
     void Changed();
-    /// Names what is missing, in a sentence, once for each finding.
-    void Found(const QString& fault);
+    /// Names what is wrong with a node that can render all the same.
+    void Warned(const QString& warning);
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -51,8 +56,10 @@ private:
         Clock::time_point nextTry;
     };
 
+    static bool IsDue(const State& state);
     void HandleSubmission(const Question& question, const CommandResult& result);
     void Conclude(State& state, Availability availability, const QString& fault);
+    void Note(State& state, Availability availability, const QString& fault);
     /// Reads the answer of the job; returns false while there is none.
     bool ReadAnswer(const Question& question, State& state);
     QString AnswerFile(const QString& job) const;

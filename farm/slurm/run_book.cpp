@@ -1,5 +1,6 @@
 #include "farm/slurm/run_book.h"
 
+#include "farm/slurm/pending_reason.h"
 #include "farm/slurm/run_end_rules.h"
 
 namespace farm {
@@ -73,17 +74,33 @@ void RunBook::Update(const std::vector<ClusterTask>& tasks, Clock::time_point no
         else
             ++*batch.doubts;
     }
+    m_hindrances.clear();
     for (auto& entry : m_runs) {
         HeldRun& run = entry.second;
         const auto task = byPlace.find({run.batch, run.task});
         run.isGone = task == byPlace.end() && !m_batches.at(run.batch).doubts;
         if (task != byPlace.end())
             run.seen = *task->second;
+        if (run.seen && PhaseOf(run.seen->state) == TaskPhase::Queued)
+            AddHindrance(run);
         if (!IsOver(run))
             run.overSince.reset();
         else if (!run.overSince)
             run.overSince = now;
     }
+}
+
+void RunBook::AddHindrance(const HeldRun& run)
+{
+    const QString hindrance = HindranceIn(run.seen->reason);
+    if (!hindrance.isEmpty())
+        m_hindrances.emplace(m_batches.at(run.batch).batch.placement, hindrance);
+}
+
+QString RunBook::HindranceOf(const Placement& placement) const
+{
+    const auto hindrance = m_hindrances.find(placement);
+    return hindrance == m_hindrances.end() ? QString() : hindrance->second;
 }
 
 void RunBook::AddAccounts(const std::vector<ClusterTask>& tasks)
@@ -151,6 +168,14 @@ bool RunBook::IsLate(const HeldRun& run, Clock::time_point now) const
     return run.overSince && now - *run.overSince >= m_fileDelay;
 }
 
+std::vector<RunLook> RunBook::FirstLooks() const
+{
+    std::vector<RunLook> looks;
+    for (const auto& [id, run] : m_runs)
+        looks.push_back({id, run.files, true, false});
+    return looks;
+}
+
 std::vector<RunLook> RunBook::Looks(Clock::time_point now) const
 {
     std::vector<RunLook> looks;
@@ -187,7 +212,8 @@ std::optional<RunResult> RunBook::TakeEnd(const RunFinding& finding, Clock::time
     RunEvidence evidence;
     if (!run.isGone || HasEnded(run))
         evidence.task = run.seen;
-    if (!evidence.task && !run.isGone)
+    const bool isDone = finding.outcome && finding.outcome->end == RunEnd::Done;
+    if (!evidence.task && !run.isGone && !isDone)
         return std::nullopt;
     evidence.wasStarted = run.isStarted || !finding.node.isEmpty();
     evidence.outcome = finding.outcome;

@@ -51,12 +51,17 @@ public:
     /// The batches that Slurm does not know after two looks, and so has not accepted.
     QStringList LostSubmissions() const;
 
+    /// Why tasks of the placement will wait until somebody changes something, as a clause; empty when none do.
+    QString HindranceOf(const Placement& placement) const;
+
     void Cancel(const RunId& run);
     /// Slurm's ids of tasks to cancel. Each is returned once.
     QStringList TakeTasksToCancel();
     /// The tasks could not be cancelled, so they are returned again.
     void CancelAgain(const QStringList& tasks);
 
+    /// All runs, for whoever knows nothing about their tasks yet.
+    std::vector<RunLook> FirstLooks() const;
     /// The runs whose files may have changed.
     std::vector<RunLook> Looks(Clock::time_point now) const;
     /// Whether the node's report about the beginning of the run is new.
@@ -89,6 +94,7 @@ private:
     };
 
     bool IsLate(const HeldRun& run, Clock::time_point now) const;
+    void AddHindrance(const HeldRun& run);
     static bool HasEnded(const HeldRun& run);
     static bool IsOver(const HeldRun& run) { return run.isGone || HasEnded(run); }
 
@@ -96,6 +102,7 @@ private:
     std::map<QString, HeldBatch> m_batches;
     std::map<RunId, HeldRun> m_runs;
     std::set<QString> m_cancelledTasks;
+    std::map<Placement, QString> m_hindrances;
 };
 
 } // namespace farm

@@ -47,8 +47,8 @@ SlurmExecutor::SlurmExecutor(const SlurmSettings& settings, const JobTypes& type
     connect(&m_cancel, &QTimer::timeout, this, &SlurmExecutor::CancelTasks);
     connect(&m_report, &QTimer::timeout, this, &SlurmExecutor::ReportEnds);
     connect(&m_probe, &RendererProbe::Changed, this, &Executor::AvailabilityChanged);
-    connect(&m_probe, &RendererProbe::Found, this,
-        [](const QString& fault) { spdlog::warn("frames wait for the cluster: {}", fault.toStdString()); });
+    connect(&m_probe, &RendererProbe::Warned, this,
+        [](const QString& warning) { spdlog::warn("{}", warning.toStdString()); });
     m_folders.moveToThread(&m_folderThread);
     connect(this, &SlurmExecutor::LookWanted, &m_folders, &RunFolders::LookAt);
     connect(&m_folders, &RunFolders::Looked, this, &SlurmExecutor::HandleFindings);
@@ -68,6 +68,17 @@ Availability SlurmExecutor::Has(const JobType& type)
     if (availability != Availability::Present)
         TakeTurn();
     return availability;
+}
+
+QString SlurmExecutor::HindranceOf(const JobType& type) const
+{
+    for (const auto& entry : m_faults) {
+        if (!entry.second.isEmpty())
+            return entry.second;
+    }
+    const Placement placement = PlacementFor(m_settings, type);
+    const QString fault = m_probe.HindranceOf(type.program, placement);
+    return fault.isEmpty() ? m_book.HindranceOf(placement) : fault;
 }
 
 void SlurmExecutor::Start(const std::vector<Run>& runs)
@@ -102,16 +113,18 @@ void SlurmExecutor::Attach(const std::vector<RecordedRun>& runs)
     for (const auto& [name, folders] : lists) {
         Batch batch;
         batch.name = name;
-        batch.placement.framesPerTask = FramesPerTask(name);
         std::vector<RunFiles> files;
         std::set<RunId> held;
         for (const QString& folder : folders) {
             const auto known = byFolder.find(folder);
             batch.runs.push_back(known == byFolder.end() ? RunId() : known->second->id);
             files.push_back({folder});
-            if (known != byFolder.end())
-                held.insert(known->second->id);
+            if (known == byFolder.end())
+                continue;
+            held.insert(known->second->id);
+            batch.placement = PlacementFor(m_settings, m_types.value(known->second->task.type));
         }
+        batch.placement.framesPerTask = FramesPerTask(name);
         if (held.empty())
             m_strangers.append(name);
         else
@@ -129,7 +142,9 @@ void SlurmExecutor::Attach(const std::vector<RecordedRun>& runs)
                 run.id, RunEnd::MachineLost, QStringLiteral("the frame had not been sent to the cluster"));
     }
     m_report.start(std::chrono::milliseconds {0});
-    TakeTurn();
+    // The first turn looks at the files only: what was done while no farm ran needs no answer of the cluster.
+    m_isInTurn = true;
+    emit LookWanted(m_book.FirstLooks());
 }
 
 void SlurmExecutor::Stop()
@@ -153,6 +168,8 @@ void SlurmExecutor::ReportEnds()
 {
     for (const auto& [run, result] : std::exchange(m_ends, {}))
         emit Ended(run, result);
+    if (std::exchange(m_hasOtherFaults, false))
+        emit AvailabilityChanged();
 }
 
 void SlurmExecutor::Complain(const QString& thing, const QString& fault)
@@ -163,6 +180,8 @@ void SlurmExecutor::Complain(const QString& thing, const QString& fault)
         spdlog::info("{} works again", thing.toStdString());
     else
         spdlog::error("frames wait for the cluster: {}", fault.toStdString());
+    m_hasOtherFaults = true;
+    m_report.start(std::chrono::milliseconds {0});
 }
 
 /// Begins a turn as soon as the interval since the last one is over.
@@ -176,7 +195,8 @@ void SlurmExecutor::TakeTurn()
 }
 
 // A turn: submit, ask Slurm about all jobs, look at the files of those that have begun or ended. The commands run one after
-// another, so the question includes what has been submitted.
+// another, so the question includes what has been submitted. What the cluster renders already comes before the question
+// what else it can render.
 void SlurmExecutor::RunTurn()
 {
     m_isInTurn = true;
@@ -184,20 +204,23 @@ void SlurmExecutor::RunTurn()
     if (m_arraySize == 0)
         LearnLimits();
     CancelTasks();
-    m_probe.Submit();
     if (m_lastTurn >= m_submitAgain)
         SubmitWaiting();
-    if (m_book.IsEmpty() && !m_probe.IsWaiting() && m_strangers.isEmpty())
-        EndTurn();
-    else
+    const bool hasWork = !m_book.IsEmpty();
+    if (hasWork)
         AskQueue();
+    m_probe.Submit();
+    if (!hasWork && (m_probe.IsWaiting() || !m_strangers.isEmpty()))
+        AskQueue();
+    else if (!hasWork)
+        EndTurn();
 }
 
 void SlurmExecutor::EndTurn()
 {
     m_isInTurn = false;
-    const bool hasWork
-        = !m_book.IsEmpty() || !m_waiting.empty() || m_probe.IsWaiting() || !m_strangers.isEmpty();
+    const bool hasWork = !m_book.IsEmpty() || !m_waiting.empty() || m_probe.IsWaiting() || m_probe.IsDue()
+        || !m_strangers.isEmpty();
     if (hasWork)
         TakeTurn();
 }
@@ -315,6 +338,7 @@ void SlurmExecutor::Submit(const std::vector<Waiting>& runs)
         m_waiting.insert(m_waiting.end(), runs.begin(), runs.end());
         return Complain(m_settings.folder, QString::fromUtf8(error.what()));
     }
+    Complain(m_settings.folder, {});
     m_book.Add(batch, files, {batch.runs.begin(), batch.runs.end()});
     m_commands.Run({QStringLiteral("sbatch"), SubmitArguments(batch),
         BatchScript(batch.placement.framesPerTask, m_lists.File(batch.name), m_settings.runner),
@@ -329,12 +353,14 @@ void SlurmExecutor::HandleSubmission(const QString& batch, const CommandResult& 
         return Complain(program, {});
     }
     const QString fault = FaultText(program, result);
-    Complain(program, fault);
-    switch (FaultOf(result)) {
+    // A refusal concerns the types of this placement only.
+    const CommandFault kind = FaultOf(result);
+    Complain(program, kind == CommandFault::Refused ? QString() : fault);
+    switch (kind) {
     case CommandFault::InDoubt:
         return m_book.Doubt(batch);
     case CommandFault::Refused:
-        m_probe.Withdraw(m_book.PlacementOf(batch));
+        m_probe.Withdraw(m_book.PlacementOf(batch), fault);
         return TakeBack(batch, fault);
     case CommandFault::Unreachable:
         m_submitAgain = RunBook::Clock::now() + RestAfterFault * m_settings.interval;

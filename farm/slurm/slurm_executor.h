@@ -27,7 +27,9 @@ public:
     ~SlurmExecutor() override;
 
     int Capacity() const override { return m_settings.frames; }
+    void SetCapacity(int runs) override { m_settings.frames = runs; }
     Availability Has(const JobType& type) override;
+    QString HindranceOf(const JobType& type) const override;
     void Start(const std::vector<Run>& runs) override;
     void Cancel(const RunId& run) override;
     void Attach(const std::vector<RecordedRun>& runs) override;
@@ -61,7 +63,7 @@ private:
     void CancelStrangers(const std::vector<ClusterTask>& tasks);
     void ReportEnds();
     void EndLater(const RunId& run, RunEnd end, const QString& message);
-    /// Logs a fault once, until something else or nothing is wrong with the same thing.
+    /// Reports a fault once, until something else or nothing is wrong with the same thing.
     void Complain(const QString& thing, const QString& fault);
 
     SlurmSettings m_settings;
@@ -80,6 +82,7 @@ private:
     QTimer m_cancel;
     QTimer m_report;
     bool m_isInTurn = false;
+    bool m_hasOtherFaults = false; ///< than AvailabilityChanged() has told
     RunBook::Clock::time_point m_lastTurn;
     RunBook::Clock::time_point m_submitAgain;
     std::map<QString, QString> m_faults;

@@ -152,7 +152,8 @@ private slots:
         for (int now = 200; now < 700; now += 100) {
             const auto task = queue.Next({"povray"_s}, {}, now);
             QVERIFY(task && Name(task->key) == "1.1"_s);
-            queue.Postpone(task->key, now);
+            queue.Postpone(task->key, "no node"_s, now);
+            QCOMPARE(Only().message, "Frame 1 waits: no node."_s);
             QVERIFY(!queue.Next({"povray"_s}, {}, now + 29));
         }
         queue.Finish({1, 1}, {}, 1, 800);

@@ -1,6 +1,9 @@
 #include "farm/runner/confinement.h"
 #include "farm/runner/hidden_paths.h"
+#include "farm/runner/run_order.h"
 #include "tests/farm/farm_at_work.h"
+
+#include <QProcess>
 
 #include <csignal>
 #include <unistd.h>
@@ -62,6 +65,12 @@ const Excess Excesses[] = {
         "the renderer exceeded its limit of 20 processes"_s},
     {"file size", R"("file_size_mib": 1)", "exec head -c 2000000 /dev/zero > {output}",
         "the renderer wrote a file of more than 1 MiB"_s},
+};
+
+// Where the earlier farm has left the picture of a run that is done.
+const std::tuple<const char*, const char*, bool> Remains[] = {
+    {"done", "/runs/j1-r1-f1-x/output/frame_0001.txt", false},
+    {"not done", "", true},
 };
 
 struct Mounted
@@ -143,10 +152,10 @@ private slots:
         m_farm->settings.lookInterval = std::chrono::milliseconds(100);
         m_farm->Add(1);
         m_farm->Start(ScriptedTypes("cp {scene} {output}").replace("/bin/sh", shell.toUtf8()));
-        EVENTUALLY(m_farm->data.Only().message.startsWith(shell + " is not installed"_s));
+        EVENTUALLY(m_farm->data.Only().message.startsWith("The job waits: the renderer "_s + shell + " is not installed"_s));
         QVERIFY(QFile::copy("/bin/sh"_s, shell));
         EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
-        QCOMPARE(m_farm->data.Count("SELECT count(*) FROM stopped_types"), 0);
+        QCOMPARE(m_farm->data.Count("SELECT count(*) FROM hindered_types"), 0);
     }
 
     void HiddenFoldersAreKnownByAllTheirNames_data() { AddRows(Mounts); }
@@ -154,6 +163,40 @@ private slots:
     {
         const auto& [name, mounts, names] = Row(Mounts);
         QCOMPARE(NamesOf("/srv/data"_s, mounts), names);
+    }
+
+    void AFarmThatStartsAgainTakesOverWhatTheyHaveDone_data() { AddRows(Remains); }
+    void AFarmThatStartsAgainTakesOverWhatTheyHaveDone()
+    {
+        const auto& [name, picture, rendersAgain] = Row(Remains);
+        const QString folder = m_farm->Path("jobs/"_s + m_farm->Add(1));
+        m_farm->data.Change("INSERT INTO runs(id, job, run, frame) VALUES ('j1-r1-f1-x', 1, 1, 1)");
+        const RunFiles files {folder + "/runs/j1-r1-f1-x"_s};
+        QVERIFY(QDir().mkpath(files.OutputFolder()) && WriteFile(files.Order(), "{}"));
+        const QString other = m_farm->Path("other"_s);
+        QVERIFY(WriteFile(other, "a picture"));
+        if (*picture != '\0') {
+            WriteOutcome(files.Outcome(), {RunEnd::Done, {}, {}, 1234, {}});
+            QCOMPARE(::link(qPrintable(other), qPrintable(folder + QLatin1String(picture))), 0);
+        }
+        // A run whose end was recorded, but whose hostile remains the earlier farm could not remove any more.
+        const QString deep = folder + "/runs/gone/output"_s;
+        QVERIFY(QDir().mkpath(deep));
+        QCOMPARE(QProcess::execute("sh"_s,
+                     {"-c"_s,
+                         "cd $0 && ln -s /etc/hostname link && for n in $(seq 1500); do "
+                         "mkdir -m 700 deep && cd -P deep || exit; done; chmod 0 ."_s,
+                         deep}),
+            0);
+        m_farm->Start(ScriptedTypes("echo x >> ../../log; cp {scene} {output}"));
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
+        QCOMPARE(m_farm->Log(), QByteArray(rendersAgain ? "x" : ""));
+        QCOMPARE(m_farm->data.Count("SELECT count(*) FROM charges WHERE core_milliseconds = 1234"),
+            int(!rendersAgain));
+        EVENTUALLY(QDir(folder + "/runs"_s).isEmpty());
+        // Nobody else can change the picture.
+        QVERIFY(WriteFile(other, "forged"));
+        QVERIFY(ReadFile(folder + "/frame_0001.txt"_s) != "forged");
     }
 
     void EndAtTheirLimits_data() { AddRows(Excesses); }

@@ -191,6 +191,7 @@ private slots:
                  R"({"other":{"program":"sh","suffix":"txt"}})"}) {
             m_farm->Start(types);
             QCOMPARE(m_farm->Status(), JobStatus::Waiting);
+            QVERIFY(m_farm->data.Only().message.startsWith("The job waits: the "_s));
         }
         m_farm->Start(ScriptedTypes("cp {scene} {output}"));
         EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);

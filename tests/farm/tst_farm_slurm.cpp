@@ -74,10 +74,18 @@ const std::tuple<const char*, const char*, CommandFault, const char*> Faults[] =
         "sbatch: error: invalid partition specified: nope\nsbatch: error: Batch job submission failed: "
         "Invalid partition name specified",
         CommandFault::Refused, "no such partition (sbatch: error: Batch"},
+    {"account",
+        "sbatch: error: Batch job submission failed: Invalid account or account/partition combination "
+        "specified",
+        CommandFault::Refused, "does not know the account"},
+    {"QOS", "sbatch: error: Batch job submission failed: Invalid qos specification", CommandFault::Refused,
+        "QOS"},
+    {"limit", "sbatch: error: Batch job submission failed: Job violates accounting/QOS policy",
+        CommandFault::Unreachable, "a limit of the account"},
     {"licence", "sbatch: error: Batch job submission failed: Invalid license specification",
         CommandFault::Refused, "licence"},
-    {"anything else", "sbatch: error: Batch job submission failed: Job violates accounting/QOS policy",
-        CommandFault::Unreachable, "ended with code 1 (sbatch: error: Batch job"},
+    {"anything else", "sbatch: error: Batch job submission failed: No such luck", CommandFault::Unreachable,
+        "ended with code 1 (sbatch: error: Batch job"},
 };
 
 ClusterTask Task(int index, const char* state)
@@ -151,6 +159,9 @@ private slots:
         QCOMPARE(limits.arraySize, 101);
         QCOMPARE(Warnings(limits, {}).size(), 1);
         QVERIFY(!limits.hasAccounting);
+        SlurmSettings settings;
+        settings.account = "studio"_s;
+        QVERIFY(Warnings(limits, settings).at(0).contains("ignores the account \"studio\""_s));
     }
 
     void AsksTheClusterForWhatAFrameNeeds()
@@ -233,6 +244,38 @@ private slots:
             QCOMPARE(returned.size(), std::size_t(2));
             QVERIFY(returned[1].isCancelWanted && !returned[0].isCancelWanted);
             QVERIFY(book.IsEmpty());
+        }
+    }
+
+    void SaysWhyTasksWait()
+    {
+        RunBook book(std::chrono::seconds {60});
+        book.Add(TwoRuns(), {{"/a"_s}, {"/b"_s}}, {"r1"_s, "r2"_s});
+        for (const auto& [reason, sentence] :
+            {std::pair("Priority", ""), {"PartitionDown", "partition of the cluster is down"},
+                {"JobHeldAdmin", "held on the cluster"}, {"Resources", ""}}) {
+            ClusterTask task = Task(2, "PENDING");
+            task.reason = QLatin1String(reason);
+            book.Update({Task(1, "RUNNING"), task}, RunBook::Clock::now());
+            const QString hindrance = book.HindranceOf({});
+            QCOMPARE(hindrance.isEmpty(), *sentence == '\0');
+            QVERIFY2(hindrance.contains(QLatin1String(sentence)), qPrintable(hindrance));
+        }
+    }
+
+    // It does not wait for the cluster, which may be down.
+    void ARunThatWasDoneWhileNoFarmRanEndsAtOnce()
+    {
+        RunBook book(std::chrono::seconds {60});
+        book.Add(TwoRuns(), {{"/a"_s}, {"/b"_s}}, {"r1"_s, "r2"_s});
+        QCOMPARE(book.FirstLooks().size(), std::size_t(2));
+        for (const auto& [run, end] : {std::pair("r1"_s, RunEnd::Done), {"r2"_s, RunEnd::Cancelled}}) {
+            RunFinding finding;
+            finding.run = run;
+            finding.outcome = RunResult {end, {}, {}, 1234, {}};
+            const auto result = book.TakeEnd(finding, RunBook::Clock::now());
+            QCOMPARE(result.has_value(), end == RunEnd::Done);
+            QCOMPARE(book.Has(run), end != RunEnd::Done);
         }
     }
 

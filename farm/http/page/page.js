@@ -105,6 +105,8 @@ async function showLog(failure) {
 function show(overview) {
   fill(byId("queues"), overview.queues.map((queue) => ({key: queue.account, cells: [queue.account, queue.rendering,
     queue.running, queue.waiting, queue.paused, queue.arrears, queue.failed]})));
+  fill(byId("hindrances"), overview.hindrances.map(({type, message}) => ({key: type, cells: [type, message]})));
+  byId("hindrance-section").hidden = overview.hindrances.length === 0;
   fill(byId("working"), overview.working.map((frame) => ({key: frame.job + "/" + frame.frame,
     cells: [frame.host, frame.account, frame.name, frame.frame, numeric(duration(frame.seconds))]})));
   fill(byId("failures"), overview.failures.map((failure) => ({key: failure.job + "/" + failure.frame,

@@ -1,0 +1,205 @@
+#include "farm/jobs/job_actions.h"
+#include "farm/rendering/frame_files.h"
+#include "farm/rendering/frames_in_work.h"
+#include "farm/rendering/hindrances.h"
+#include "farm/rendering/render_queue.h"
+#include "farm/rendering/scene_files.h"
+#include "farm/rendering/scheduler.h"
+#include "farm/uploads/content_store.h"
+#include "tests/farm/farm_fixture.h"
+
+using namespace farm;
+
+namespace {
+
+/// Holds runs until the test ends them.
+class StandInExecutor : public Executor
+{
+public:
+    int Capacity() const override { return 1; }
+    void SetCapacity(int) override { }
+    Availability Has(const JobType&) override
+    {
+        return hindrance.isEmpty() ? Availability::Present : Availability::Missing;
+    }
+    QString HindranceOf(const JobType&) const override { return hindrance; }
+    void Start(const std::vector<Run>& runs) override
+    {
+        for (const Run& run : runs)
+            Hold(run.id, run.order.files);
+    }
+    void Cancel(const RunId& run) override { cancelled.append(run); }
+    void Attach(const std::vector<RecordedRun>& runs) override
+    {
+        for (const RecordedRun& run : runs)
+            Hold(run.id, run.files);
+    }
+    void Stop() override { }
+
+    void Hold(const RunId& run, const RunFiles& place)
+    {
+        held.append(run);
+        files = place;
+    }
+    void End(const RunResult& result) { emit Ended(held.takeFirst(), result); }
+
+    QString hindrance;
+    QStringList held;
+    QStringList cancelled;
+    RunFiles files; ///< of the last run that it holds
+};
+
+// The ends of the runs of a job with one frame, one after another, the first perhaps of a run that an earlier farm has
+// begun, and what becomes of the job: its status, how often the frame was charged and failed, and what it says after the
+// first end.
+struct Fate
+{
+    const char* name;
+    const char* ends;
+    JobStatus status;
+    int charges;
+    int failures;
+    const char* message;
+};
+const Fate Fates[] = {
+    {"done", "done", JobStatus::Finished, 1, 0, ""},
+    {"done while no farm ran", "attached done", JobStatus::Finished, 1, 0, ""},
+    {"kept but not recorded by the earlier farm", "attached kept", JobStatus::Finished, 1, 0, ""},
+    {"done, but its picture was lost with the machine", "attached empty done", JobStatus::Finished, 1, 0, ""},
+    {"done without a picture", "empty done", JobStatus::Finished, 1, 1, ""},
+    {"machine lost", "lost done", JobStatus::Finished, 1, 0, ""},
+    {"machine lost while no farm ran", "attached lost done", JobStatus::Finished, 1, 0, ""},
+    {"preempted twice", "preempted preempted done", JobStatus::Finished, 1, 0, ""},
+    {"refused by the cluster", "refused refused refused refused done", JobStatus::Finished, 1, 0,
+        "Frame 1 waits: the cluster has no such partition."},
+    {"cancelled by somebody else", "cancelled done", JobStatus::Finished, 1, 0, ""},
+    {"failed at every attempt", "failed failed failed", JobStatus::Failed, 0, 3, ""},
+    {"stopped", "stop cancelled", JobStatus::Paused, 0, 0, ""},
+    {"stopped when it was done", "stop done", JobStatus::Paused, 1, 0, ""},
+};
+
+const QMap<QString, RunEnd> Words {{"done"_s, RunEnd::Done}, {"kept"_s, RunEnd::Done},
+    {"empty"_s, RunEnd::Done}, {"lost"_s, RunEnd::MachineLost}, {"preempted"_s, RunEnd::Preempted},
+    {"refused"_s, RunEnd::FarmFault}, {"cancelled"_s, RunEnd::Cancelled}, {"failed"_s, RunEnd::SceneFault}};
+
+} // namespace
+
+class SchedulerTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_data = std::make_unique<FarmData>(m_folder->path());
+        WriteFile(Path("scene.txt"_s), "the farm's scene");
+        m_id = m_data->jobs.Add(m_data->Job("job"_s)).id;
+    }
+
+    void RecordsHowRunsEnd_data() { AddRows(Fates); }
+    void RecordsHowRunsEnd()
+    {
+        const Fate& fate = Row(Fates);
+        QStringList ends = QString::fromLatin1(fate.ends).split(u' ');
+        if (ends.first() == "attached"_s)
+            m_data->Change("INSERT INTO runs(id, job, run, frame) VALUES ('j1-r1-f1-x', 1, 1, 1)");
+        AtWork work(*this);
+        if (ends.removeAll("attached"_s) > 0)
+            QCOMPARE(work.executor.held, QStringList {"j1-r1-f1-x"_s});
+        const bool isStopped = ends.removeAll("stop"_s) > 0;
+        for (int at = 0; at < ends.size(); ++at) {
+            EVENTUALLY_COMPARE(work.executor.held.size(), 1);
+            if (isStopped) {
+                const QString id = m_data->Only().id;
+                JobActions(m_data->database, m_data->feed, [&] {
+                    work.scheduler.Nudge();
+                }).Apply(JobAction::Stop, m_data->account, {id}, 100);
+                QCOMPARE(work.executor.cancelled, work.executor.held);
+            }
+            Leave(ends.at(at), work.executor.files);
+            RunResult result {Words[ends.at(at)], "the cluster has no such partition"_s, {}, 1234, "n1"_s};
+            work.executor.End(result);
+            EVENTUALLY(RunCount() == 0 || !work.executor.held.isEmpty());
+            if (at == 0 && *fate.message != '\0')
+                QCOMPARE(m_data->Only().message, QLatin1String(fate.message));
+        }
+        EVENTUALLY_COMPARE(JobStatus(m_data->Only().status), fate.status);
+        EVENTUALLY(QDir(Path("jobs/%1/runs"_s.arg(m_id))).isEmpty() && RunCount() == 0);
+        QCOMPARE(m_data->Count("SELECT count(*) FROM charges WHERE core_milliseconds = 1234"), fate.charges);
+        QCOMPARE(m_data->Count("SELECT failures FROM frames"), fate.failures);
+        QCOMPARE(m_data->Only().message.isEmpty(), fate.failures < 3);
+        QVERIFY(work.executor.held.isEmpty());
+    }
+
+    void JobsTellWhatHindersTheirType()
+    {
+        m_data->Change("UPDATE jobs SET message = 'Frame 7: no lamp'");
+        AtWork work(*this);
+        work.executor.hindrance = "the controller (slurmctld) does not answer"_s;
+        work.scheduler.Nudge();
+        QCOMPARE(m_data->Only().message, "The job waits: the controller (slurmctld) does not answer."_s);
+        work.executor.hindrance.clear();
+        work.scheduler.Nudge();
+        QCOMPARE(m_data->Only().message, "Frame 7: no lamp"_s);
+        m_data->Change("UPDATE jobs SET type = 'gone'");
+        QVERIFY(!work.executor.held.isEmpty() || m_data->Only().message.contains("7"_s));
+        AtWork next(*this);
+        next.scheduler.Nudge();
+        QCOMPARE(
+            m_data->Only().message, "The job waits: the farm's job types have no type \"gone\" any more."_s);
+    }
+
+private:
+    /// The scheduler and all that it needs.
+    struct AtWork
+    {
+        explicit AtWork(SchedulerTest& test)
+            : contents(test.m_data->database, test.Path("contents"_s))
+            , scenes(test.m_data->database, contents, test.m_folder->path())
+            , files(test.Path("jobs"_s), scenes)
+            , queue(test.m_data->database, test.m_data->feed, test.m_data->terms,
+                  {std::chrono::hours(1), std::chrono::seconds(0)})
+            , runs(test.m_data->database)
+            , hindrances(test.m_data->database, test.m_data->feed)
+            , scheduler({queue, runs, executor, files, inWork, hindrances},
+                  {{"povray"_s, JobType {"sh"_s, {}, "txt"_s}}}, {test.m_folder->path(), {}},
+                  std::chrono::milliseconds(20))
+        {
+            scheduler.Nudge();
+        }
+        ~AtWork() { scheduler.Stop(); }
+
+        ContentStore contents;
+        SceneFiles scenes;
+        FrameFiles files;
+        RenderQueue queue;
+        RunTable runs;
+        FramesInWork inWork;
+        Hindrances hindrances;
+        StandInExecutor executor;
+        Scheduler scheduler;
+    };
+
+    /// Leaves what a run that ends in this way leaves.
+    void Leave(const QString& end, const RunFiles& files) const
+    {
+        QDir().mkpath(files.OutputFolder());
+        WriteFile(files.Order(), "{}");
+        WriteFile(files.Log(), "drawing");
+        if (end == "done"_s)
+            WriteFile(files.OutputFolder() + "/frame_0001.txt"_s, "a picture");
+        if (end == "kept"_s)
+            WriteFile(Path("jobs/%1/frame_0001.txt"_s.arg(m_id)), "a picture");
+    }
+
+    int RunCount() { return m_data->Count("SELECT count(*) FROM runs"); }
+    QString Path(const QString& name) const { return m_folder->filePath(name); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<FarmData> m_data;
+    QString m_id;
+};
+
+QTEST_GUILESS_MAIN(SchedulerTest)
+#include "tst_farm_scheduler.moc"
