@@ -28,6 +28,11 @@ constexpr Rule Rules[] = {
      "UNION ALL SELECT account, shift, block, status, project, type, business, ended, jobs FROM job_counts) "
      "GROUP BY account, shift, block, status, project, type, business, ended, jobs HAVING count(*) <> 2)",
         "the kept counts of the jobs of account %1 are wrong"},
+    {"SELECT id FROM jobs LEFT JOIN job_sums ON job = jobs.key WHERE "
+     "frames IS NOT (SELECT count(*) FROM frames WHERE job = jobs.key) OR "
+     "finished IS NOT (SELECT count(finished_at) FROM frames WHERE job = jobs.key) OR "
+     "cost IS NOT (SELECT coalesce(sum(amount), 0) FROM charges WHERE job = jobs.key)",
+        "the kept sums of job %1 are wrong"},
     {"SELECT id FROM jobs WHERE NOT EXISTS (SELECT 1 FROM frames WHERE job = jobs.key)",
         "job %1 has no frames"},
 };

@@ -9,13 +9,14 @@ namespace farm {
 
 DiskReserve::DiskReserve(const QString& folder, std::int64_t bytes)
     : m_folder(folder)
-    , m_bytes(bytes)
 {
+    Change(bytes);
 }
 
 void DiskReserve::Require(std::int64_t more) const
 {
-    if (m_bytes > 0 && storage::LacksRoom(m_folder, m_bytes + more))
+    const std::int64_t bytes = *m_bytes;
+    if (bytes > 0 && storage::LacksRoom(m_folder, bytes + more))
         throw storage::DiskError("the disk has no more space than its reserve", ENOSPC);
 }
 

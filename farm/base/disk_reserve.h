@@ -2,7 +2,9 @@
 
 #include <QString>
 
+#include <atomic>
 #include <cstdint>
+#include <memory>
 
 namespace farm {
 
@@ -17,10 +19,12 @@ public:
 
     /// Throws storage::DiskError for a full disk when so many more bytes would leave less than the reserve.
     void Require(std::int64_t more = 0) const;
+    /// Keeps so much free from now on; copies of the reserve do, too. Thread-safe.
+    void Change(std::int64_t bytes) { *m_bytes = bytes; }
 
 private:
     QString m_folder;
-    std::int64_t m_bytes = 0;
+    std::shared_ptr<std::atomic<std::int64_t>> m_bytes = std::make_shared<std::atomic<std::int64_t>>(0);
 };
 
 } // namespace farm

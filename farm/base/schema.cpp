@@ -1,6 +1,7 @@
 #include "farm/base/schema.h"
 
 #include "farm/base/kept_counts.h"
+#include "farm/base/kept_sums.h"
 
 namespace farm {
 
@@ -323,7 +324,7 @@ storage::Migrations Schema()
 {
     return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork, FairQueue,
         KeptCounts, Administrators, TermsAndMembers, Ledger, Audit, FreedFiles, MissingRenderers,
-        HindrancesOfJobs};
+        HindrancesOfJobs, KeptSums};
 }
 
 } // namespace farm

@@ -45,7 +45,7 @@ bool IsDeleted(SQLite::Database& connection, std::int64_t job)
 
 int CountOf(SQLite::Database& connection, std::int64_t job)
 {
-    SQLite::Statement query(connection, "SELECT count(*) FROM frames WHERE job = ?");
+    SQLite::Statement query(connection, "SELECT frames FROM job_sums WHERE job = ?");
     Bind(query, job);
     return query.executeStep() ? query.getColumn(0).getInt() : 0;
 }

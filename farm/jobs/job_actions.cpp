@@ -39,7 +39,7 @@ Rule RuleOf(JobAction action)
     case JobAction::Delete:
         return {"status <> 5", JobStatus::Deleted, false, "job delete"};
     case JobAction::FullRender:
-        return {"status <> 5 AND (SELECT count(*) FROM frames WHERE job = jobs.key) < "
+        return {"status <> 5 AND (SELECT frames FROM job_sums WHERE job = jobs.key) < "
                 "(SELECT sum(last - first + 1) FROM frame_ranges WHERE job = jobs.key)",
             JobStatus::ToFullRender, true, "job full-render"};
     }

@@ -34,12 +34,11 @@ std::int64_t NumberOf(SQLite::Database& connection, std::int64_t job)
     return query.executeStep() ? query.getColumn(0).getInt64() : 0;
 }
 
-// The columns of a job record, read from a table `job`. Its frames and charges are counted row by row, so apply LIMIT
-// first.
+// The columns of a job record, read from a table `job`.
 constexpr const char* RecordColumns
     = "number, id, type, name, submitted_at, status, "
-      "(SELECT 100 * count(finished_at) / count(*) FROM frames WHERE frames.job = job.key), "
-      "(SELECT coalesce(sum(amount), 0) FROM charges WHERE charges.job = job.key), "
+      "(SELECT 100 * finished / frames FROM job_sums WHERE job_sums.job = job.key), "
+      "(SELECT cost FROM job_sums WHERE job_sums.job = job.key), "
       "iif(status IN (0, 1, 6), coalesce("
       "(SELECT stopped_types.message FROM stopped_types WHERE stopped_types.type = job.type), "
       "(SELECT hindered_types.message FROM hindered_types WHERE hindered_types.type = job.type), "
@@ -160,7 +159,7 @@ JobPlan JobStore::Plan(std::int64_t account, const QString& id)
 {
     return m_database.Read([&](SQLite::Database& connection) {
         SQLite::Statement query(connection,
-            "SELECT key, width, height, (SELECT count(*) FROM frames WHERE job = jobs.key), priority "
+            "SELECT key, width, height, (SELECT frames FROM job_sums WHERE job = jobs.key), priority "
             "FROM jobs WHERE account = ? AND id = ?");
         Bind(query, account, id);
         if (!query.executeStep())

@@ -52,7 +52,7 @@ void CountFailures(SQLite::Database& connection, std::int64_t job)
         "UPDATE jobs SET message = "
         "(SELECT count(*) FROM frames INDEXED BY failed_frames WHERE job = ?1 "
         "AND finished_at IS NULL AND retry_at IS NOT NULL) || ' of ' "
-        "|| (SELECT count(*) FROM frames WHERE job = ?1) || ' frames failed. ' || message WHERE key = ?1",
+        "|| (SELECT frames FROM job_sums WHERE job = ?1) || ' frames failed. ' || message WHERE key = ?1",
         job);
 }
 
