@@ -104,7 +104,11 @@ Farm::~Farm()
 
 void Farm::TakeOver(const FarmSettings& settings)
 {
+    m_queue.TakeOverLimits(QueueSettingsOf(settings, ReadJobTypes(settings.jobTypesFile)));
     m_terms.Change(settings.pricePerCoreSecond, settings.quota);
+    m_reserve.Change(settings.diskReserve);
+    m_executor->SetCapacity(settings.slurm ? settings.slurm->frames : settings.slotCount);
+    m_scheduler.Nudge();
 }
 
 QString Farm::MakeFolder(const QString& path)

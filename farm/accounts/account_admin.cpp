@@ -8,7 +8,8 @@ namespace farm {
 
 namespace {
 
-constexpr const char* EntryColumns = "key, name, email, disabled, bound, balance, quota, price, priority";
+constexpr const char* EntryColumns
+    = "key, name, email, disabled, bound, administrator, balance, quota, price, priority";
 constexpr int SessionIdLength = 12;
 
 std::optional<std::int64_t> Optional(const SQLite::Column& column)
@@ -19,8 +20,9 @@ std::optional<std::int64_t> Optional(const SQLite::Column& column)
 AccountEntry ReadEntry(SQLite::Statement& row)
 {
     return {row.getColumn(0).getInt64(), Text(row.getColumn(1)), Text(row.getColumn(2)),
-        row.getColumn(3).getInt() != 0, row.getColumn(4).getInt() != 0, row.getColumn(5).getInt64(),
-        Optional(row.getColumn(6)), Optional(row.getColumn(7)), row.getColumn(8).getInt()};
+        row.getColumn(3).getInt() != 0, row.getColumn(4).getInt() != 0, row.getColumn(5).getInt() != 0,
+        row.getColumn(6).getInt64(), Optional(row.getColumn(7)), Optional(row.getColumn(8)),
+        row.getColumn(9).getInt()};
 }
 
 template <typename Value>
@@ -128,6 +130,12 @@ void AccountAdmin::SetBound(const QString& account, bool isBound)
 {
     Set(account, "bound", int(isBound), "account bind",
         isBound ? QStringLiteral("on") : QStringLiteral("off"));
+}
+
+void AccountAdmin::SetAdministrator(const QString& account, bool isAdministrator)
+{
+    Set(account, "administrator", int(isAdministrator), "account administrator",
+        isAdministrator ? QStringLiteral("on") : QStringLiteral("off"));
 }
 
 std::vector<AccountEntry> AccountAdmin::List()

@@ -16,6 +16,7 @@ struct AccountEntry
     QString email;
     bool isDisabled = false;
     bool isBound = true;
+    bool isAdministrator = false;
     Micros balance = 0;
     /// Nothing stands for the farm's, as for the price.
     std::optional<std::int64_t> quota;
@@ -53,6 +54,8 @@ public:
     void SetPrice(const QString& account, std::optional<Micros> price);
     void SetPriority(const QString& account, int priority);
     void SetBound(const QString& account, bool isBound);
+    /// Administrators see all accounts on the page in the browser.
+    void SetAdministrator(const QString& account, bool isAdministrator);
 
     /// Sorted by name.
     std::vector<AccountEntry> List();

@@ -22,7 +22,7 @@ struct Rule
     const char* sentence;
 };
 
-constexpr std::array<Rule, 4> Rules {{
+constexpr std::array<Rule, 5> Rules {{
     {"SELECT name FROM accounts WHERE balance <> "
      "(SELECT coalesce(sum(amount), 0) FROM payments WHERE account = accounts.key) "
      "- (SELECT coalesce(sum(amount), 0) FROM charges WHERE account = accounts.key)",
@@ -37,6 +37,9 @@ constexpr std::array<Rule, 4> Rules {{
     {"SELECT DISTINCT jobs.id FROM frames JOIN jobs ON jobs.key = frames.job WHERE finished_at IS NOT NULL "
      "AND NOT EXISTS (SELECT 1 FROM charges WHERE job = frames.job AND frame = frames.number)",
         "A finished frame of the job %1 was not charged."},
+    {"SELECT DISTINCT jobs.id FROM (SELECT job FROM charges GROUP BY job, frame HAVING count(*) > "
+     "(SELECT run FROM jobs WHERE key = charges.job)) JOIN jobs ON jobs.key = job",
+        "A frame of the job %1 was charged more often than the job was begun."},
 }};
 
 } // namespace

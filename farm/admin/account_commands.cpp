@@ -137,6 +137,7 @@ void ShowAccount(Database& database, const QString& name)
     line("email", account.email);
     line("state", StateText(account));
     line("bound", account.isBound ? QStringLiteral("yes") : QStringLiteral("no"));
+    line("sees all", account.isAdministrator ? QStringLiteral("yes") : QStringLiteral("no"));
     line("balance", AmountText(account.balance) + QLatin1Char(' ') + Currency());
     line("quota", QuotaText(account.quota));
     line("used", QStringLiteral("%1 MiB").arg(admin.SpaceUsed(account.key) / Mebibyte));
@@ -216,6 +217,13 @@ void AddAccountCommands(CLI::App& app, CommandWork& chosen)
         "bind", "Have clients show the balance of an account as money (on) or as a single character (off).",
         [](Database& database, const QString& account, const std::string& value) {
             Admin(database).SetBound(account, value == "on");
+        },
+        "state", IsOneOf({"on", "off"}));
+    change(
+        "administrator",
+        "Let an account see all accounts on the page in the browser (on), or no longer (off).",
+        [](Database& database, const QString& account, const std::string& value) {
+            Admin(database).SetAdministrator(account, value == "on");
         },
         "state", IsOneOf({"on", "off"}));
 }

@@ -1,7 +1,6 @@
 #include "farm/admin/admin_commands.h"
 
 #include "farm/admin/account_commands.h"
-#include "farm/admin/administrator_command.h"
 #include "farm/admin/data_commands.h"
 #include "farm/admin/money_commands.h"
 #include "farm/admin/project_commands.h"
@@ -18,7 +17,6 @@ AdminCommands::AdminCommands(CLI::App& app)
     AddMoneyCommands(app, m_chosen);
     AddSessionCommands(app, m_chosen);
     AddDataCommands(app, m_chosen);
-    AddAdministratorCommand(app, m_chosen);
     app.require_subcommand(0, 1);
 }
 

@@ -1,5 +1,6 @@
 #include "farm/admin/data_commands.h"
 
+#include "farm/accounts/ledger.h"
 #include "farm/admin/farm_check.h"
 #include "storage/backup.h"
 
@@ -24,11 +25,12 @@ int BackUpTo(Database& database, const QString& file)
 
 int Check(Database& database)
 {
-    const QStringList faults = database.Read([](SQLite::Database& connection) {
+    QStringList faults = database.Read([](SQLite::Database& connection) {
         const QString file = QString::fromStdString(connection.getFilename());
         return FindFaults(connection, QFileInfo(file).dir());
     });
-    for (const QString& fault : faults)
+    Ledger(database).Check([&faults](const QString& fault) { faults.append(fault); });
+    for (const QString& fault : qAsConst(faults))
         std::printf("%s\n", qPrintable(fault));
     if (faults.isEmpty())
         std::printf("no faults found\n");

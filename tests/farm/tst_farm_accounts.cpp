@@ -81,9 +81,12 @@ private slots:
         data.Change(
             "UPDATE accounts SET balance = balance + 1; UPDATE frames SET finished_at = 1 WHERE number = 2; "
             "INSERT INTO charges(account, job, frame, core_milliseconds, amount, charged_at, price) "
-            "SELECT account, job, 9, 1000, 19999, 0, 20000 FROM charges");
+            "SELECT account, job, 9, 1000, 19999, 0, 20000 FROM charges; "
+            "INSERT INTO charges(account, job, frame, core_milliseconds, amount, charged_at, price) "
+            "SELECT account, job, frame, core_milliseconds, amount, charged_at, price FROM charges WHERE "
+            "frame = 1");
         const QString found = faults();
-        for (const auto& word : {"account ann"_s, "at its price"_s, "not charged"_s})
+        for (const auto& word : {"account ann"_s, "at its price"_s, "not charged"_s, "more often"_s})
             QVERIFY2(found.contains(word), qPrintable(found));
         QVERIFY(!found.contains("another account"_s));
     }

@@ -70,6 +70,10 @@ constexpr Step Steps[] = {
     {"session revoke bob", "", 0, "sessions ended: 1"},
     {"session revoke --id no-such-id", "", 1, "no session"},
     {"session revoke", "", 2, ""},
+    {"account administrator bob on", "", 0, ""},
+    {"account show bob", "", 0, "sees all   yes\n"},
+    {"account administrator bob perhaps", "", 2, "on, off"},
+    {"audit --csv --account bob --last 1", "", 0, ",account administrator,bob,on\r\n"},
     {"account disable bob", "", 0, ""},
     {"account password bob", "another secret", 0, ""},
     {"project remove Main", "", 0, ""},
@@ -88,6 +92,9 @@ const std::pair<const char*, const char*> Harms[] = {
     {"UPDATE frames SET finished_at = 1, file = 'frame_0001.txt', size = 5",
         "UPDATE frames SET finished_at = NULL, file = NULL"},
     {"INSERT INTO contents(account, checksum, size) VALUES (1, 'abcdef', 3)", "DELETE FROM contents"},
+    {"UPDATE job_sums SET cost = 1", "UPDATE job_sums SET cost = 0"},
+    {"DELETE FROM job_sums", "INSERT INTO job_sums VALUES (1, 1, 0, 0)"},
+    {"UPDATE accounts SET balance = balance + 1", "UPDATE accounts SET balance = balance - 1"},
 };
 
 } // namespace
@@ -244,6 +251,34 @@ private slots:
             const QByteArray answer = run(data + text);
             QVERIFY2(answer.startsWith("2 ") && answer.contains(fault), answer);
         }
+    }
+
+    void GoesByOtherLimitsWhenAsked()
+    {
+        QVERIFY(WriteFile(Path("scene.txt"_s), "a scene"));
+        QVERIFY(WriteFile(Path("types.json"_s),
+            ScriptedTypes(": > ../../at{frame}; sleep 600").replace("@jobs@", Path("jobs"_s).toUtf8())));
+        FarmData data(m_folder->path());
+        data.jobs.Add(data.Job("job"_s, 9));
+        const QString file = Path("farm.toml"_s);
+        WriteFile(file, "slots = 1");
+        Daemon daemon(m_folder->path(),
+            {"--config"_s, file, "--job-types"_s, Path("types.json"_s), "--scenes"_s, m_folder->path()});
+        QVERIFY(daemon.IsListening());
+        int frames = 1;
+        for (const char* limits : {"", "slots = 3", "slots = 5\nframes-per-account = 4"}) {
+            WriteFile(file, limits);
+            if (*limits != '\0')
+                ::kill(static_cast<pid_t>(daemon.processId()), SIGHUP);
+            const QDir jobs(Path("jobs"_s));
+            EVENTUALLY_COMPARE(jobs.entryList({"at*"_s}, QDir::Files).size(), frames);
+            frames += frames == 1 ? 2 : 1;
+        }
+        WriteFile(file, "slots = 0");
+        ::kill(static_cast<pid_t>(daemon.processId()), SIGHUP);
+        QTest::qWait(200); // what is wrong changes nothing
+        QCOMPARE(daemon.state(), QProcess::Running);
+        QCOMPARE(QDir(Path("jobs"_s)).entryList({"at*"_s}, QDir::Files).size(), 4);
     }
 
     void AdministersWhileTheFarmRuns()
