@@ -5,6 +5,7 @@
 #include "farm/http/byte_range.h"
 #include "farm/http/http_refusal.h"
 #include "farm/http/request_server.h"
+#include "farm/http/timed_stream.h"
 #include "storage/disk_full.h"
 #include "json/read_object.h"
 
@@ -24,8 +25,7 @@ namespace farm {
 namespace {
 
 constexpr std::size_t LargestBody = std::size_t {1024} * 1024; // bytes
-constexpr std::size_t FileBlock = std::size_t {64} * 1024;     // bytes
-// Many, because threads mostly wait for clients and for the disk. Streams of events have further ones, so that they never
+// Many, because threads mostly wait for the database and for the disk. Streams of events have further ones, so that they never
 // keep a request waiting.
 constexpr std::size_t MostThreads = 64 + HttpServer::MostStreams;
 constexpr unsigned int PeerTimeout = 30000; // ms
@@ -123,12 +123,9 @@ void AnswerFile(httplib::Response& response, const FileAnswer& answer, const std
     if (range)
         response.set_header("Content-Range", ContentRange(part, answer.size));
     response.set_content_provider(static_cast<std::size_t>(part.length), answer.type,
-        [file = answer.file, part](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
-            std::array<char, FileBlock> block {};
-            const qint64 wanted = qint64(std::min(length, block.size()));
-            if (!file->seek(part.offset + qint64(offset)) || file->read(block.data(), wanted) != wanted)
-                return false;
-            return sink.write(block.data(), static_cast<std::size_t>(wanted));
+        [file = answer.file, part](std::size_t, std::size_t, httplib::DataSink&) {
+            TimedStream::Current().LeaveFile(file, part.offset, part.length);
+            return false; // the library has nothing to do any more
         });
 }
 
@@ -138,6 +135,7 @@ void AnswerEvents(httplib::Response& response, const EventStream& next)
     // Asks a proxy in front of the farm to pass each event on at once.
     response.set_header("X-Accel-Buffering", "no");
     response.set_chunked_content_provider("text/event-stream", [next](std::size_t, httplib::DataSink& sink) {
+        TimedStream::Current().WaitForClient();
         try {
             const QByteArray bytes = next();
             if (!bytes.isEmpty())

@@ -82,7 +82,7 @@ public:
     void Post(const char* path, Handler handler);
     void Put(const char* path, Handler handler);
     void Delete(const char* path, Handler handler);
-    /// Serves a file in blocks, with support for Range, If-Range and If-Match.
+    /// Serves a file without occupying a thread, with support for Range, If-Range and If-Match.
     void GetFile(const char* path, FileHandler handler);
     /// Serves a text of this media type to browsers and other programs that are no clients. A page may use nothing but what
     /// the farm itself serves.

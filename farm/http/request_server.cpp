@@ -13,7 +13,7 @@ constexpr std::size_t BodyThreads = 64;
 
 } // namespace
 
-/// Stands in for the library's threads: the waiting room, and the threads to which it leads.
+/// Stands in for the library's threads: the waiting room, the threads to which it leads, and the sending room behind them.
 class RequestServer::Admission : public httplib::TaskQueue
 {
 public:
@@ -34,11 +34,14 @@ public:
         m_room.reset();
         m_threads.shutdown();
         m_bodyThreads.shutdown();
+        m_sending.reset();
     }
 
     void Add(socket_t socket) { m_room->Add(socket); }
+    void Send(socket_t socket, const AnswerRest& rest) { m_sending->Add(socket, rest); }
 
 private:
+    std::unique_ptr<SendingRoom> m_sending = std::make_unique<SendingRoom>();
     RequestThreads m_threads;
     // A request that is still arriving never takes the place of one that is here.
     RequestThreads m_bodyThreads;
@@ -61,6 +64,10 @@ void RequestServer::Serve(socket_t socket)
     TimedStream stream(socket);
     bool isClosed = false;
     process_request(stream, true, isClosed, nullptr);
+    if (!stream.Rest().IsEmpty()) {
+        m_admission->Send(socket, stream.Rest());
+        return;
+    }
     ::shutdown(socket, SHUT_RDWR);
     ::close(socket);
 }

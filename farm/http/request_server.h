@@ -7,8 +7,8 @@
 
 namespace farm {
 
-/// The library's server with two changes: a connection gets a thread only when its request has arrived, and is given up when
-/// its client is too slow from then on.
+/// The library's server with two changes: a connection has a thread only from the arrival of its request until the answer is
+/// known, and is given up when its client is too slow.
 class RequestServer : public httplib::Server
 {
 public:

@@ -17,6 +17,8 @@ constexpr std::chrono::milliseconds LongestWait = 5s;
 constexpr std::chrono::milliseconds Grace = 10s;
 constexpr std::int64_t SlowestSpeed = 8; // bytes per millisecond
 
+thread_local TimedStream* current = nullptr;
+
 template <typename NameOf>
 void NameEnd(socket_t socket, NameOf nameOf, std::string& address, int& port)
 {
@@ -39,6 +41,24 @@ void NameEnd(socket_t socket, NameOf nameOf, std::string& address, int& port)
 TimedStream::TimedStream(socket_t socket)
     : m_socket(socket)
 {
+    current = this;
+}
+
+TimedStream::~TimedStream()
+{
+    current = nullptr;
+}
+
+TimedStream& TimedStream::Current()
+{
+    return *current;
+}
+
+void TimedStream::LeaveFile(const std::shared_ptr<QFile>& file, std::int64_t offset, std::int64_t length)
+{
+    m_rest.file = file;
+    m_rest.offset = offset;
+    m_rest.length = length;
 }
 
 bool TimedStream::is_readable() const
@@ -48,7 +68,7 @@ bool TimedStream::is_readable() const
 
 bool TimedStream::is_writable() const
 {
-    return Wait(POLLOUT);
+    return !m_waits || Wait(POLLOUT);
 }
 
 ssize_t TimedStream::read(char* bytes, size_t most)
@@ -71,11 +91,20 @@ ssize_t TimedStream::read(char* bytes, size_t most)
 
 ssize_t TimedStream::write(const char* bytes, size_t count)
 {
-    if (!Wait(POLLOUT))
+    if (m_waits && !Wait(POLLOUT))
         return -1;
-    const ssize_t sent = ::send(m_socket, bytes, count, MSG_NOSIGNAL | MSG_DONTWAIT);
-    m_bytes += std::max<ssize_t>(sent, 0);
-    return sent;
+    ssize_t sent = 0;
+    if (m_rest.IsEmpty()) {
+        sent = ::send(m_socket, bytes, count, MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (sent < 0 && (m_waits || (errno != EAGAIN && errno != EINTR)))
+            return -1;
+        sent = std::max<ssize_t>(sent, 0);
+        m_bytes += sent;
+    }
+    if (m_waits)
+        return sent;
+    m_rest.bytes.append(bytes + sent, int(std::int64_t(count) - sent));
+    return ssize_t(count);
 }
 
 void TimedStream::get_remote_ip_and_port(std::string& address, int& port) const

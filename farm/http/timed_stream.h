@@ -1,5 +1,7 @@
 #pragma once
 
+#include "farm/http/sending_room.h"
+
 #include <httplib.h>
 
 #include <array>
@@ -8,11 +10,24 @@
 namespace farm {
 
 /// The bytes of one connection, which is given up when its client keeps the farm waiting: too long for the next bytes, or
-/// too long in all for the number of bytes.
+/// too long in all for the number of bytes. An answer never waits for the client, unless it is a stream of events: what
+/// the client does not take at once is left.
 class TimedStream : public httplib::Stream
 {
 public:
     explicit TimedStream(socket_t socket);
+    ~TimedStream() override;
+    TimedStream(const TimedStream&) = delete;
+    TimedStream& operator=(const TimedStream&) = delete;
+
+    /// The stream of the request that this thread serves.
+    static TimedStream& Current();
+    /// From now on, writing waits for the client.
+    void WaitForClient() { m_waits = true; }
+    /// Leaves a part of a file behind all that has been written.
+    void LeaveFile(const std::shared_ptr<QFile>& file, std::int64_t offset, std::int64_t length);
+    /// What is to be sent yet.
+    const AnswerRest& Rest() const { return m_rest; }
 
     bool is_readable() const override;
     bool is_writable() const override;
@@ -31,6 +46,8 @@ private:
     std::size_t m_begin = 0;
     std::size_t m_end = 0;
     std::int64_t m_bytes = 0;
+    bool m_waits = false;
+    AnswerRest m_rest;
     mutable std::chrono::steady_clock::duration m_waited {};
 };
 

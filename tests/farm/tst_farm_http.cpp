@@ -43,13 +43,6 @@ const std::tuple<const char*, QByteArray, QByteArray, int> Requests[] = {
 const QByteArray Post = "POST /api/v1/session HTTP/1.1\r\nHost: x\r\n";
 const QByteArray Endless(100000, 'a');
 
-const std::tuple<const char*, QByteArray> Beginnings[] = {
-    {"part of the headers", "GET /api/v1/health HTTP/1.1\r\nHo"},
-    {"part of a body", Post + "Content-Length: 1000\r\n\r\n{"},
-    {"part of a long body", Post + "Content-Length: 500000\r\n\r\n" + QByteArray(40000, ' ')},
-    {"a body that waits to be asked for", Post + "Content-Length: 1000\r\nExpect: x\r\n\r\n"},
-};
-
 // Bytes on the wire and how the answer begins, if there must be one.
 const std::tuple<const char*, QByteArray, QByteArray> Rubbish[] = {
     {"not HTTP", "\x16\x03\x01 hello\r\n\r\n", "HTTP/1.1 400"},
@@ -300,22 +293,6 @@ private slots:
         const auto socket = m_farm.SendRaw("GET /metrics HTTP/1.1\r\n\r\n");
         QVERIFY(QTest::qWaitFor([&] { return socket->state() == QTcpSocket::UnconnectedState; }, Patience));
         QVERIFY(socket->readAll().contains("\nquillstar_jobs{status=\"waiting\"} 1\n"));
-    }
-
-    // More clients than the farm has threads begin requests of which the rest never comes; the farm gives them up.
-    void ClientsThatNeverFinishTakeNoThreads_data() { AddRows(Beginnings); }
-    void ClientsThatNeverFinishTakeNoThreads()
-    {
-        std::vector<std::unique_ptr<QTcpSocket>> clients(400);
-        for (auto& client : clients)
-            client = m_farm.SendRaw(std::get<1>(Row(Beginnings)));
-        QElapsedTimer clock;
-        clock.start();
-        for (int request = 0; request < 20; ++request)
-            QCOMPARE(m_farm.Get("/health"_s).status, 200);
-        QVERIFY(clock.elapsed() < 4000);
-        clients.front()->waitForDisconnected(Patience);
-        QCOMPARE(clients.front()->state(), QAbstractSocket::UnconnectedState);
     }
 
     void AnnouncesChangesToTheirAccountAlone()

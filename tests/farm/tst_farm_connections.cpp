@@ -1,0 +1,95 @@
+#include "tests/farm/farm_at_work.h"
+
+using namespace farm;
+
+namespace {
+
+const QByteArray Post = "POST /api/v1/session HTTP/1.1\r\nHost: x\r\n";
+
+const std::tuple<const char*, QByteArray> Beginnings[] = {
+    {"part of the headers", "GET /api/v1/health HTTP/1.1\r\nHo"},
+    {"part of a body", Post + "Content-Length: 1000\r\n\r\n{"},
+    {"part of a long body", Post + "Content-Length: 500000\r\n\r\n" + QByteArray(40000, ' ')},
+    {"a body that waits to be asked for", Post + "Content-Length: 1000\r\nExpect: x\r\n\r\n"},
+};
+
+constexpr qint64 LargeBytes = 6'000'000;
+// A path below a job of two frames, and what makes the answer large.
+const std::tuple<const char*, const char*, const char*> LargeAnswers[] = {
+    {"a picture", "/files/frame_0001.png",
+        "UPDATE frames SET finished_at = 1, file = 'frame_0001.png', size = 6000000, checksum = 'x' WHERE "
+        "number = 1"},
+    {"a long log", "/frames/1/log",
+        "INSERT INTO frame_logs(job, frame, text) VALUES (1, 1, hex(zeroblob(3500000)))"},
+};
+
+} // namespace
+
+/// Connections whose clients are slow. There are more of them than the farm has threads.
+class ConnectionsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_farm = std::make_unique<FarmAtWork>();
+        m_farm->settings.limits = {{1000, 100}, {1000, 100}, {1000, 100}, {1000, 100}};
+    }
+
+    // The rest of their requests never comes; the farm gives them up.
+    void ClientsThatNeverFinishTakeNoThreads_data() { AddRows(Beginnings); }
+    void ClientsThatNeverFinishTakeNoThreads()
+    {
+        m_farm->Start();
+        std::vector<std::unique_ptr<QTcpSocket>> clients(400);
+        for (auto& client : clients)
+            client = m_farm->SendRaw(std::get<1>(Row(Beginnings)));
+        QElapsedTimer clock;
+        clock.start();
+        for (int request = 0; request < 20; ++request)
+            QCOMPARE(m_farm->Get("/health"_s).status, 200);
+        QVERIFY(clock.elapsed() < 4000);
+        clients.front()->waitForDisconnected(Patience);
+        QCOMPARE(clients.front()->state(), QAbstractSocket::UnconnectedState);
+    }
+
+    void ClientsThatTakeTheirAnswersSlowlyTakeNoThreads_data() { AddRows(LargeAnswers); }
+    void ClientsThatTakeTheirAnswersSlowlyTakeNoThreads()
+    {
+        const auto& [name, path, change] = Row(LargeAnswers);
+        const QString id = m_farm->Add(2);
+        m_farm->data.Change(change);
+        QFile picture(m_farm->Path("jobs/%1/frame_0001.png"_s.arg(id)));
+        QVERIFY(QDir().mkpath(QFileInfo(picture).path()) && picture.open(QIODevice::WriteOnly)
+            && picture.resize(LargeBytes));
+        m_farm->Start();
+        const QByteArray request = "GET /api/v1/jobs/" + id.toLatin1() + path
+            + " HTTP/1.1\r\nAuthorization: Bearer " + m_farm->token.toLatin1() + "\r\n\r\n";
+        std::vector<std::unique_ptr<QTcpSocket>> clients(400);
+        for (auto& client : clients) {
+            client = m_farm->SendRaw(request);
+            client->setReadBufferSize(1000);
+        }
+        QElapsedTimer clock;
+        clock.start();
+        for (int time = 0; time < 20; ++time)
+            QCOMPARE(m_farm->Get("/health"_s).status, 200);
+        QVERIFY2(clock.elapsed() < 4000, qPrintable(QString::number(clock.elapsed())));
+        // Nothing is missing in the end.
+        qint64 bytes = 0;
+        QTcpSocket& client = *clients.back();
+        client.setReadBufferSize(0);
+        QByteArray last;
+        EVENTUALLY(
+            (last = client.readAll(), bytes += last.size(), client.state() == QTcpSocket::UnconnectedState));
+        bytes += client.readAll().size();
+        QVERIFY2(bytes > LargeBytes, qPrintable(QString::number(bytes)));
+    }
+
+private:
+    std::unique_ptr<FarmAtWork> m_farm;
+};
+
+QTEST_GUILESS_MAIN(ConnectionsTest)
+#include "tst_farm_connections.moc"
