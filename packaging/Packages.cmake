@@ -31,9 +31,12 @@ set(CPACK_DEBIAN_CLIENT_PACKAGE_RECOMMENDS
 set(CPACK_DEBIAN_FARM_PACKAGE_NAME quillstar-farm)
 set(CPACK_COMPONENT_FARM_DESCRIPTION "Small render farm for the QuillStar client
 Serves accounts and jobs over HTTP and renders scenes with POV-Ray on this
-machine, and with Blender where it is installed. The client starts it when no
-other farm is configured.")
-set(CPACK_DEBIAN_FARM_PACKAGE_DEPENDS "povray")
+machine, and with Blender where it is installed, or on a Slurm cluster. The
+client starts it when no other farm is configured; a service for a studio's
+farm is included, but not enabled.")
+set(CPACK_DEBIAN_FARM_PACKAGE_DEPENDS "povray, adduser")
+set(CPACK_DEBIAN_FARM_PACKAGE_CONTROL_EXTRA
+    ${CMAKE_CURRENT_LIST_DIR}/debian/postinst ${CMAKE_CURRENT_LIST_DIR}/debian/prerm ${CMAKE_CURRENT_LIST_DIR}/debian/postrm)
 set(CPACK_DEBIAN_FARM_PACKAGE_RECOMMENDS "povray-includes")
 set(CPACK_DEBIAN_FARM_PACKAGE_SUGGESTS "blender")
 

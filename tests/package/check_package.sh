@@ -1,6 +1,6 @@
 #!/bin/sh
 # Unpacks the archive of a build, moves it, and uses it as users, integrators and packagers do.
-#   check_package.sh <archive | client | host | debian> <build folder> <source folder> <work folder>
+#   check_package.sh <archive | client | host | debian | service> <build folder> <source folder> <work folder>
 set -eu
 what=$1 build=$2 source=$3 work=$4
 prefix="$work/moved here"
@@ -95,9 +95,80 @@ debian() {
         done
     done <<EOF
 quillstar lib/quillstar/libcom_vtr_qsclient.so libqt5widgets5 libqt5svg5
-quillstar-farm bin/quillstar-farmd libqt5core5a povray
+quillstar-farm lib/systemd/system/quillstar-farmd.service libqt5core5a povray
 quillstar-dev lib/cmake/QuillStarClient/QuillStarClientConfig.cmake quillstar qtbase5-dev
 EOF
+}
+
+# copy_package_closure <root> <package>…: makes a root of these packages, all that they depend on and what every Debian has,
+# by copying their files from this machine.
+copy_package_closure() {
+    root=$1
+    shift
+    all=$(apt-cache depends --recurse --installed --no-recommends --no-suggests --no-conflicts --no-breaks --no-replaces \
+        --no-enhances "$@" $(dpkg-query -Wf '${Essential} ${Package}\n' | sed -n 's/^yes //p') | grep '^[a-z0-9]' | sort -u)
+    all=$(dpkg-query -Wf '${db:Status-Status} ${Package}\n' $all 2>/dev/null | sed -n 's/^installed //p' | sort -u)
+    mkdir -p "$root/usr/bin" "$root/usr/sbin" "$root/usr/lib" "$root/usr/lib64" "$root/var/lib/dpkg/info" "$root/var/log" \
+        "$root/tmp" "$root/dev" "$root/proc" "$root/run" "$root/etc"
+    chmod 1777 "$root/tmp"
+    for folder in bin sbin lib lib64; do
+        ln -s "usr/$folder" "$root/$folder"
+    done
+    # Everything but folders, under the names that they have where /bin is a link.
+    dpkg-query -L $all | sed -E 's#^/(bin|sbin|lib|lib64)/#/usr/\1/#' | sort -u | while read -r file; do
+        [ -d "$file" ] && [ ! -L "$file" ] || [ ! -e "$file" ] || echo "$file"
+    done | tar -C / --no-recursion -cf - -T - 2>/dev/null | tar -C "$root" -xf -
+    cp -a /etc/alternatives "$root/etc/"
+    cp /usr/share/base-passwd/passwd.master "$root/etc/passwd"
+    cp /usr/share/base-passwd/group.master "$root/etc/group"
+    dpkg-query -s $all >"$root/var/lib/dpkg/status"
+    cp /var/lib/dpkg/info/*.list "$root/var/lib/dpkg/info/"
+}
+
+# The farm's package in a root where nothing else is installed than it demands. It renders there as the service's user.
+service() {
+    sed "s#=quillstar-farmd#=$work/bin/quillstar-farmd#" "$source/packaging/quillstar-farmd.service" >"$work/quillstar-farmd.service"
+    ln -sfn "$prefix/bin" "$work/bin"
+    if command -v systemd-analyze >/dev/null; then
+        systemd-analyze verify --man=no "$work/quillstar-farmd.service" || fail "systemd finds fault with the service"
+    fi
+    isolated="unshare --mount --pid --fork --kill-child"
+    if [ "$(id -u)" != 0 ] || ! $isolated true 2>/dev/null || ! command -v apt-cache >/dev/null; then
+        echo "skipped: only root can install a package in a root of its own, on Debian and where namespaces are allowed"
+        exit 77
+    fi
+    pack DEB
+    root="$work/root"
+    rm -rf "$root"
+    deb=$(echo "$work/packages"/quillstar-farm_*.deb)
+    depends=$(dpkg-deb -f "$deb" Depends | tr ',' '\n' | sed 's/[(|].*//')
+    copy_package_closure "$root" $depends
+    cp "$deb" "$root/farm.deb"
+    cat >"$root/trial" <<'EOF'
+set -eu
+ldconfig
+dpkg --install /farm.deb
+grep -q '^data = "/var/lib/quillstar"$' /etc/quillstar/farm.toml
+install -d -o quillstar -g quillstar -m 700 /var/lib/quillstar
+as_farm() { setpriv --reuid quillstar --regid quillstar --clear-groups --no-new-privs "$@"; }
+as_farm quillstar-farmd --config /etc/quillstar/farm.toml --port 0 >/tmp/said &
+while ! grep -q listening /tmp/said; do kill -0 $!; sleep 0.1; done
+echo "a long password" | as_farm quillstar-farmd --config /etc/quillstar/farm.toml account add ann
+as_farm quillstar-farmd --config /etc/quillstar/farm.toml check
+kill $!
+wait $!
+# The demo's jobs need renderer and scenes.
+as_farm quillstar-farmd --data /var/lib/quillstar/demo >/tmp/said &
+until ls /var/lib/quillstar/demo/jobs/*/frame_*.png >/dev/null 2>&1; do kill -0 $!; sleep 0.1; done
+kill $!
+wait $!
+dpkg --purge quillstar-farm
+[ ! -e /etc/quillstar ] && [ -e /var/lib/quillstar/farm.sqlite ]
+EOF
+    # The mounts are seen by the trial alone, and end with it.
+    timeout 200 $isolated sh -c 'mount --bind /dev "$1/dev" && mount -t proc proc "$1/proc" && exec chroot "$1" /bin/sh /trial' \
+        sh "$root" >"$work/trial.log" 2>&1 && result=0 || result=$?
+    [ $result = 0 ] || fail "the package's trial ended with $result: $(cat "$work/trial.log")"
 }
 
 $what
