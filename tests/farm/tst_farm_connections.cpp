@@ -14,13 +14,14 @@ const std::tuple<const char*, QByteArray> Beginnings[] = {
 };
 
 constexpr qint64 LargeBytes = 6'000'000;
-// A path below a job of two frames, and what makes the answer large.
-const std::tuple<const char*, const char*, const char*> LargeAnswers[] = {
+// A path below a job of two frames, what makes the answer large, and the number of clients.
+const std::tuple<const char*, const char*, const char*, int> LargeAnswers[] = {
     {"a picture", "/files/frame_0001.png",
         "UPDATE frames SET finished_at = 1, file = 'frame_0001.png', size = 6000000, checksum = 'x' WHERE "
-        "number = 1"},
+        "number = 1",
+        400},
     {"a long log", "/frames/1/log",
-        "INSERT INTO frame_logs(job, frame, text) VALUES (1, 1, hex(zeroblob(3500000)))"},
+        "INSERT INTO frame_logs(job, frame, text) VALUES (1, 1, hex(zeroblob(3500000)))", 1},
 };
 
 } // namespace
@@ -57,7 +58,7 @@ private slots:
     void ClientsThatTakeTheirAnswersSlowlyTakeNoThreads_data() { AddRows(LargeAnswers); }
     void ClientsThatTakeTheirAnswersSlowlyTakeNoThreads()
     {
-        const auto& [name, path, change] = Row(LargeAnswers);
+        const auto& [name, path, change, count] = Row(LargeAnswers);
         const QString id = m_farm->Add(2);
         m_farm->data.Change(change);
         QFile picture(m_farm->Path("jobs/%1/frame_0001.png"_s.arg(id)));
@@ -66,7 +67,7 @@ private slots:
         m_farm->Start();
         const QByteArray request = "GET /api/v1/jobs/" + id.toLatin1() + path
             + " HTTP/1.1\r\nAuthorization: Bearer " + m_farm->token.toLatin1() + "\r\n\r\n";
-        std::vector<std::unique_ptr<QTcpSocket>> clients(400);
+        std::vector<std::unique_ptr<QTcpSocket>> clients(std::size_t(count));
         for (auto& client : clients) {
             client = m_farm->SendRaw(request);
             client->setReadBufferSize(1000);

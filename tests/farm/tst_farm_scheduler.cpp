@@ -162,9 +162,8 @@ private:
                   {std::chrono::hours(1), std::chrono::seconds(0)})
             , runs(test.m_data->database)
             , hindrances(test.m_data->database, test.m_data->feed)
-            , scheduler({queue, runs, executor, files, inWork, hindrances},
-                  {{"povray"_s, JobType {"sh"_s, {}, "txt"_s}}}, {test.m_folder->path(), {}},
-                  std::chrono::milliseconds(20))
+            , scheduler({queue, runs, executor, files, inWork, hindrances}, {{"povray"_s, TextType()}},
+                  {test.m_folder->path(), {}}, std::chrono::milliseconds(20))
         {
             scheduler.Nudge();
         }
@@ -191,6 +190,14 @@ private:
             WriteFile(files.OutputFolder() + "/frame_0001.txt"_s, "a picture");
         if (end == "kept"_s)
             WriteFile(Path("jobs/%1/frame_0001.txt"_s.arg(m_id)), "a picture");
+    }
+
+    static JobType TextType()
+    {
+        JobType type;
+        type.program = "sh"_s;
+        type.suffix = "txt"_s;
+        return type;
     }
 
     int RunCount() { return m_data->Count("SELECT count(*) FROM runs"); }
