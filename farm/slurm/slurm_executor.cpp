@@ -2,6 +2,7 @@
 
 #include "farm/base/random.h"
 #include "farm/slurm/command_fault.h"
+#include "farm/slurm/earlier_batches.h"
 
 #include <QStandardPaths>
 
@@ -106,29 +107,12 @@ void SlurmExecutor::Cancel(const RunId& run)
 
 void SlurmExecutor::Attach(const std::vector<RecordedRun>& runs)
 {
-    std::map<QString, const RecordedRun*> byFolder;
-    for (const RecordedRun& run : runs)
-        byFolder[run.files.folder] = &run;
-    const auto lists = m_lists.ReadAll();
-    for (const auto& [name, folders] : lists) {
-        Batch batch;
-        batch.name = name;
-        std::vector<RunFiles> files;
-        std::set<RunId> held;
-        for (const QString& folder : folders) {
-            const auto known = byFolder.find(folder);
-            batch.runs.push_back(known == byFolder.end() ? RunId() : known->second->id);
-            files.push_back({folder});
-            if (known == byFolder.end())
-                continue;
-            held.insert(known->second->id);
-            batch.placement = PlacementFor(m_settings, m_types.value(known->second->task.type));
-        }
-        batch.placement.framesPerTask = FramesPerTask(name);
-        if (held.empty())
-            m_strangers.append(name);
+    const auto batches = EarlierBatches(m_lists, runs, m_settings, m_types);
+    for (const EarlierBatch& earlier : batches) {
+        if (earlier.held.empty())
+            m_strangers.append(earlier.batch.name);
         else
-            m_book.Add(batch, files, held);
+            m_book.Add(earlier.batch, earlier.files, earlier.held);
     }
     for (const RecordedRun& run : runs) {
         if (m_book.Has(run.id))
