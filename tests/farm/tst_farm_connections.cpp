@@ -67,7 +67,8 @@ private slots:
         m_farm->Start();
         const QByteArray request = "GET /api/v1/jobs/" + id.toLatin1() + path
             + " HTTP/1.1\r\nAuthorization: Bearer " + m_farm->token.toLatin1() + "\r\n\r\n";
-        std::vector<std::unique_ptr<QTcpSocket>> clients(std::size_t(count));
+        std::vector<std::unique_ptr<QTcpSocket>> clients;
+        clients.resize(std::size_t(count));
         for (auto& client : clients) {
             client = m_farm->SendRaw(request);
             client->setReadBufferSize(1000);
