@@ -152,7 +152,8 @@ private slots:
         m_farm->settings.lookInterval = std::chrono::milliseconds(100);
         m_farm->Add(1);
         m_farm->Start(ScriptedTypes("cp {scene} {output}").replace("/bin/sh", shell.toUtf8()));
-        EVENTUALLY(m_farm->data.Only().message.startsWith("The job waits: the renderer "_s + shell + " is not installed"_s));
+        EVENTUALLY(m_farm->data.Only().message.startsWith(
+            "The job waits: the renderer "_s + shell + " is not installed"_s));
         QVERIFY(QFile::copy("/bin/sh"_s, shell));
         EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
         QCOMPARE(m_farm->data.Count("SELECT count(*) FROM hindered_types"), 0);
