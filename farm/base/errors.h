@@ -2,10 +2,17 @@
 
 #include <stdexcept>
 
-/// The reasons for which the farm refuses a request. The texts are sentences for the client and quote nothing of the
-/// request but member names.
 namespace farm {
 
+/// A frame cannot be rendered because of its scene or renderer; the farm is not at fault.
+class SceneError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The farm refuses a request. The texts of these errors are sentences for the client and quote nothing of the request but
+/// member names.
 class Refusal : public std::runtime_error
 {
 public:

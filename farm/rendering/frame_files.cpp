@@ -1,5 +1,6 @@
 #include "farm/rendering/frame_files.h"
 
+#include "farm/base/errors.h"
 #include "farm/base/remove_tree.h"
 #include "farm/rendering/scene_files.h"
 #include "storage/checksum.h"
@@ -125,6 +126,7 @@ void FrameFiles::MakeFolder(const QDir& folder) const
 void FrameFiles::RequireRoom() const
 {
     constexpr qint64 LargePicture = qint64 {16} * 1024 * 1024; // bytes
+    m_reserve.Require();
     if (storage::LacksRoom(m_folder, LargePicture))
         throw storage::DiskError("the disk is full", ENOSPC);
 }
@@ -147,6 +149,10 @@ Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix, const Run
 {
     const RenderPlace places = PlaceOf(task, suffix, run);
     const QString unfinished = places.Output();
+    struct stat found = {};
+    const bool isThere = ::lstat(QFile::encodeName(unfinished).constData(), &found) == 0;
+    if (!isThere && (errno != ENOENT || !QFileInfo::exists(places.run.folder)))
+        throw storage::DiskError("the folder of the frame cannot be read", errno);
     const QString name = FrameName(task.Number(), suffix);
     const QString place = QDir(JobFolder(task.jobId)).filePath(name);
     const QFileInfo left(unfinished);
@@ -154,10 +160,13 @@ Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix, const Run
     // An older picture is that of an earlier run of the job.
     const bool isKept = mayBeKept && !left.exists() && !left.isSymLink() && kept.isFile()
         && kept.lastModified() >= QFileInfo(places.run.Order()).lastModified();
-    if (isKept)
+    if (isKept) {
+        storage::SyncToDisk(place);
+        storage::SyncToDisk(JobFolder(task.jobId));
         return {name, std::int64_t(kept.size()), storage::FileChecksum(place)};
+    }
     if (!left.isFile() || left.isSymLink() || left.size() == 0)
-        throw std::runtime_error("the renderer left no picture");
+        throw SceneError("the renderer left no picture");
     OwnAlone(unfinished);
     m_user.TakeBack(unfinished);
     const Picture picture {name, std::int64_t(left.size()), storage::FileChecksum(unfinished)};
@@ -175,9 +184,18 @@ void FrameFiles::KeepLog(const FrameTask& task, const RunId& run) const
     }
 }
 
+void FrameFiles::DiscardOutput(const FrameTask& task, const RunId& run) const
+{
+    RemoveTree(FilesOf(task.jobId, run).OutputFolder());
+}
+
+bool FrameFiles::IsLost(const FrameTask& task, const RunId& run) const
+{
+    return QFileInfo::exists(m_folder) && !QFileInfo::exists(FilesOf(task.jobId, run).folder);
+}
+
 void FrameFiles::Discard(const FrameTask& task, const RunId& run) const
 {
-    KeepLog(task, run);
     RemoveTree(FilesOf(task.jobId, run).folder);
 }
 

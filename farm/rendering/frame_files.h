@@ -56,18 +56,23 @@ public:
         bool mayLink = false;
     };
     /// Creates the job's folder with its scene and the run's folder; removes the frames of earlier runs of the job.
-    /// Throws Interrupted and std::runtime_error.
+    /// Throws Interrupted, SceneError and, when the farm is at fault, other exceptions.
     RenderPlace Prepare(
         const FrameTask& task, const Manner& manner, const RunId& run, const GoesOn& goesOn) const;
     /// Throws storage::DiskError when the disk is so full that a renderer may have failed for that reason.
     void RequireRoom() const;
-    /// Moves a rendered frame to its place; it is on the disk when it returns. Throws std::runtime_error.
-    /// @param mayBeKept allows the picture to be there already, moved by an earlier farm.
+    /// Moves a rendered frame to its place; it is on the disk when it returns. Throws SceneError when there is no picture,
+    /// and other exceptions when it cannot be moved; it may be in its place even then.
+    /// @param mayBeKept allows the picture to be there already.
     Picture Keep(
         const FrameTask& task, const QString& suffix, const RunId& run, bool mayBeKept = false) const;
     /// Keeps what the renderer has written as the log of the frame.
     void KeepLog(const FrameTask& task, const RunId& run) const;
-    /// Removes what a run has left behind, but keeps the log.
+    /// Removes what the renderer has written, but not its log.
+    void DiscardOutput(const FrameTask& task, const RunId& run) const;
+    /// Whether the run's files are gone although the disk is there.
+    bool IsLost(const FrameTask& task, const RunId& run) const;
+    /// Removes what a run has left behind.
     void Discard(const FrameTask& task, const RunId& run) const;
 
 private:

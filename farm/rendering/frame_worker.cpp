@@ -1,8 +1,8 @@
 #include "farm/rendering/frame_worker.h"
 
+#include "farm/base/errors.h"
 #include "farm/runner/system_calls.h"
 #include "farm/uploads/content_copy.h"
-#include "storage/disk_full.h"
 
 #include <spdlog/spdlog.h>
 
@@ -13,12 +13,9 @@ namespace {
 constexpr int ScenesAtOnce = 4;
 constexpr int PicturesAtOnce = 2;
 
-FileReport Failure(const std::exception& error)
+FileReport Report(FileReport::Fault fault, const std::exception& error)
 {
-    FileReport report;
-    report.message = QString::fromUtf8(error.what());
-    report.isDiskFull = storage::IsDiskFull(error);
-    return report;
+    return {fault, QString::fromUtf8(error.what())};
 }
 
 } // namespace
@@ -44,19 +41,23 @@ void FrameWorker::Prepare(const RunId& id, const FrameTask& task, const Flag& is
         task.key.job, [this, id, task, isUnwanted] { emit Prepared(id, PrepareNow(id, task, isUnwanted)); });
 }
 
-void FrameWorker::Settle(const RunId& id, const FrameTask& task, RunEnd end, bool isOld)
+void FrameWorker::Settle(const RunId& id, const FrameTask& task, RunEnd end, bool mayBeKept)
 {
-    m_keepers.Add(task.key.job, [this, id, task, end, isOld] {
-        const FileReport report = SettleNow(id, task, end, isOld);
+    m_keepers.Add(task.key.job, [this, id, task, end, mayBeKept] {
+        const FileReport report = SettleNow(id, task, end, mayBeKept);
         // The rest stays until the end is recorded, for a farm that dies before.
         m_files.KeepLog(task, id);
         emit Settled(id, report);
     });
 }
 
-void FrameWorker::Discard(const RunId& id, const FrameTask& task)
+void FrameWorker::Discard(const RunId& id, const FrameTask& task, bool keepsLog)
 {
-    m_keepers.Add(task.key.job, [this, id, task] { m_files.Discard(task, id); });
+    m_keepers.Add(task.key.job, [this, id, task, keepsLog] {
+        if (keepsLog)
+            m_files.KeepLog(task, id);
+        m_files.Discard(task, id);
+    });
 }
 
 void FrameWorker::Stop()
@@ -78,26 +79,36 @@ FileReport FrameWorker::PrepareNow(const RunId& id, const FrameTask& task, const
         FileReport report;
         report.run = Run {id, task, OrderFor(id, task, type, place, m_renderers)};
         WriteOrder(report.run->order);
-        report.ok = true;
         return report;
+    } catch (const SceneError& error) {
+        return Report(FileReport::Fault::Scene, error);
     } catch (const std::exception& error) {
-        return Failure(error);
+        return Report(FileReport::Fault::Farm, error);
     }
 }
 
-FileReport FrameWorker::SettleNow(const RunId& id, const FrameTask& task, RunEnd end, bool isOld) const
+FileReport FrameWorker::SettleNow(const RunId& id, const FrameTask& task, RunEnd end, bool mayBeKept) const
 {
+    FileReport report;
     try {
-        FileReport report;
         if (end == RunEnd::Done)
-            report.picture = m_files.Keep(task, m_types.value(task.type).suffix, id, isOld);
-        else
-            m_files.RequireRoom();
-        report.ok = true;
-        return report;
+            report.picture = m_files.Keep(task, m_types.value(task.type).suffix, id, mayBeKept);
+    } catch (const SceneError& error) {
+        report = Report(FileReport::Fault::Scene, error);
     } catch (const std::exception& error) {
-        return Failure(error);
+        report = Report(FileReport::Fault::Farm, error);
+        report.isPictureLeft = !m_files.IsLost(task, id);
     }
+    if (report.picture || report.fault == FileReport::Fault::Farm)
+        return report;
+    // A renderer that has filled the disk itself is no reason to spare its frame, and others need the room.
+    m_files.DiscardOutput(task, id);
+    try {
+        m_files.RequireRoom();
+    } catch (const std::exception& error) {
+        return Report(FileReport::Fault::Farm, error);
+    }
+    return report;
 }
 
 } // namespace farm

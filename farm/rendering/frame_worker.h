@@ -16,14 +16,20 @@ namespace farm {
 /// The outcome of work on the files of a run.
 struct FileReport
 {
-    bool ok = false;
-    /// Why not, for the user.
-    QString message;
-    bool isDiskFull = false;
+    enum class Fault {
+        None,
+        Scene, ///< the scene or its renderer; another try would end in the same way
+        Farm,  ///< the disk, perhaps a full one, or the database
+    };
+    Fault fault = Fault::None;
+    /// What is wrong, for the user.
+    QString message = {};
+    /// Whether there is a picture that could not be moved to its place. The farm is at fault.
+    bool isPictureLeft = false;
     /// The run that is ready to start, when it was prepared.
-    std::optional<Run> run;
+    std::optional<Run> run = {};
     /// The picture in its place, when the renderer left one that was to be kept.
-    std::optional<Picture> picture;
+    std::optional<Picture> picture = {};
 };
 
 /// Does the scheduler's work on files in threads of its own: large scenes and pictures take minutes. Belongs to the
@@ -36,17 +42,17 @@ public:
     FrameWorker(const FrameFiles& files, const JobTypes& types, const Renderers& renderers);
     ~FrameWorker() override;
 
-    /// Once set, the work that carries it ends soon, with a report that is not ok.
+    /// Once set, the work that carries it ends soon, with a report of a fault.
     using Flag = std::shared_ptr<std::atomic_bool>;
 
     /// Provides the scene and writes the order. Prepared() follows.
     void Prepare(const RunId& id, const FrameTask& task, const Flag& isUnwanted);
     /// Keeps the picture of a run that is done. Finds out for a failed one whether a full disk may be the reason. Settled()
     /// follows, when the log is in its place.
-    /// @param isOld says that an earlier farm may have kept the picture.
-    void Settle(const RunId& id, const FrameTask& task, RunEnd end, bool isOld);
+    /// @param mayBeKept says that the picture may be in its place already.
+    void Settle(const RunId& id, const FrameTask& task, RunEnd end, bool mayBeKept);
     /// Removes what is left of the run.
-    void Discard(const RunId& id, const FrameTask& task);
+    void Discard(const RunId& id, const FrameTask& task, bool keepsLog);
     /// Interrupts all work and returns when it has ended; nothing is reported any more.
     void Stop();
 
@@ -56,7 +62,7 @@ signals:
 
 private:
     FileReport PrepareNow(const RunId& id, const FrameTask& task, const Flag& isUnwanted) const;
-    FileReport SettleNow(const RunId& id, const FrameTask& task, RunEnd end, bool isOld) const;
+    FileReport SettleNow(const RunId& id, const FrameTask& task, RunEnd end, bool mayBeKept) const;
 
     const FrameFiles& m_files;
     JobTypes m_types;

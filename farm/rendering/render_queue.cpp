@@ -102,13 +102,13 @@ std::optional<RenderQueue::JobFacts> RenderQueue::FactsOf(SQLite::Database& conn
     return JobFacts {query.getColumn(0).getInt64(), Text(query.getColumn(1)), Text(query.getColumn(2))};
 }
 
-std::optional<FrameTask> RenderQueue::Next(
-    const QStringList& types, const std::set<FrameKey>& taken, std::int64_t now)
+std::optional<FrameTask> RenderQueue::Next(const QStringList& types, const std::set<FrameKey>& taken,
+    std::int64_t now, const std::set<std::int64_t>& paused)
 {
     Resume(now);
     return m_database.Read([&](SQLite::Database& connection) {
         m_load.Update(connection, taken, now);
-        return FindTask(connection, types, taken, now);
+        return FindTask(connection, types, taken, paused, now);
     });
 }
 
@@ -130,8 +130,8 @@ void RenderQueue::Resume(std::int64_t now)
     });
 }
 
-std::optional<FrameTask> RenderQueue::FindTask(
-    SQLite::Database& connection, const QStringList& types, const std::set<FrameKey>& taken, std::int64_t now)
+std::optional<FrameTask> RenderQueue::FindTask(SQLite::Database& connection, const QStringList& types,
+    const std::set<FrameKey>& taken, const std::set<std::int64_t>& paused, std::int64_t now)
 {
     QStringList free;
     for (const QString& type : types) {
@@ -142,22 +142,24 @@ std::optional<FrameTask> RenderQueue::FindTask(
             free.append(type);
             continue;
         }
-        if (const auto frame = FindTrial(connection, type, taken, now))
+        if (const auto frame = FindTrial(connection, type, taken, paused, now))
             return ReadTask(connection, *frame);
     }
-    const auto frame = FindFrame(connection, free, taken, {}, now);
+    const auto frame = FindFrame(connection, free, taken, paused, now);
     return frame ? std::optional(ReadTask(connection, *frame)) : std::nullopt;
 }
 
-std::optional<FrameKey> RenderQueue::FindTrial(
-    SQLite::Database& connection, const QString& type, const std::set<FrameKey>& taken, std::int64_t now)
+std::optional<FrameKey> RenderQueue::FindTrial(SQLite::Database& connection, const QString& type,
+    const std::set<FrameKey>& taken, const std::set<std::int64_t>& paused, std::int64_t now)
 {
     const TypeHealth::Trial trial = m_health.TrialOf(type, now);
     if (trial == TypeHealth::Trial::None)
         return std::nullopt;
-    auto frame = FindFrame(connection, {type}, taken, m_health.JobsInTheRow(type), now);
+    std::set<std::int64_t> avoided = m_health.JobsInTheRow(type);
+    avoided.insert(paused.begin(), paused.end());
+    auto frame = FindFrame(connection, {type}, taken, avoided, now);
     if (!frame && trial == TypeHealth::Trial::AnyJob)
-        frame = FindFrame(connection, {type}, taken, {}, now);
+        frame = FindFrame(connection, {type}, taken, paused, now);
     if (frame)
         m_health.BeginTrial(type, *frame, now);
     return frame;
@@ -214,6 +216,15 @@ bool RenderQueue::IsWanted(const FrameKey& frame)
 {
     return m_database.Read([&frame](SQLite::Database& connection) {
         SQLite::Statement query(connection, "SELECT 1 FROM open_jobs WHERE key = ? AND run = ?");
+        Bind(query, frame.job, frame.run);
+        return query.executeStep();
+    });
+}
+
+bool RenderQueue::IsOvertaken(const FrameKey& frame)
+{
+    return m_database.Read([&frame](SQLite::Database& connection) {
+        SQLite::Statement query(connection, "SELECT 1 FROM jobs WHERE key = ? AND run <> ?");
         Bind(query, frame.job, frame.run);
         return query.executeStep();
     });

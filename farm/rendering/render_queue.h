@@ -40,13 +40,15 @@ public:
     RenderQueue(
         Database& database, ChangeFeed& feed, const AccountTerms& terms, const QueueSettings& settings = {});
 
-    /// The open frame outside `taken`, the frames in work, that is rendered next: of a job that has one of these types;
-    /// nothing when there is none. Accounts take turns by what they have used lately.
-    std::optional<FrameTask> Next(
-        const QStringList& types, const std::set<FrameKey>& taken, std::int64_t now);
+    /// The open frame outside `taken`, the frames in work, that is rendered next: of a job that has one of these types and
+    /// is not among `paused`; nothing when there is none. Accounts take turns by what they have used lately.
+    std::optional<FrameTask> Next(const QStringList& types, const std::set<FrameKey>& taken, std::int64_t now,
+        const std::set<std::int64_t>& paused = {});
 
     /// Whether the frame's job is open and has not been restarted since.
     bool IsWanted(const FrameKey& frame);
+    /// Whether the job has been restarted since, so that the frame may have been rendered anew.
+    bool IsOvertaken(const FrameKey& frame);
 
     /// Marks an open job as running, and its run as begun. Call it before the next Next(), so that only one frame begins
     /// the run.
@@ -84,11 +86,11 @@ private:
     static std::optional<JobFacts> FactsOf(SQLite::Database& connection, std::int64_t job);
     void Resume(std::int64_t now);
     std::optional<FrameTask> FindTask(SQLite::Database& connection, const QStringList& types,
-        const std::set<FrameKey>& taken, std::int64_t now);
+        const std::set<FrameKey>& taken, const std::set<std::int64_t>& paused, std::int64_t now);
     std::optional<FrameKey> FindFrame(SQLite::Database& connection, const QStringList& types,
         const std::set<FrameKey>& taken, const std::set<std::int64_t>& avoided, std::int64_t now);
-    std::optional<FrameKey> FindTrial(
-        SQLite::Database& connection, const QString& type, const std::set<FrameKey>& taken, std::int64_t now);
+    std::optional<FrameKey> FindTrial(SQLite::Database& connection, const QString& type,
+        const std::set<FrameKey>& taken, const std::set<std::int64_t>& paused, std::int64_t now);
     std::vector<Contender> Contenders(SQLite::Database& connection, std::int64_t now) const;
     void AddUse(SQLite::Database& connection, std::int64_t account, std::int64_t coreMilliseconds,
         std::int64_t now) const;

@@ -1,5 +1,6 @@
 #include "farm/rendering/scene_files.h"
 
+#include "farm/base/errors.h"
 #include "farm/base/safe_path.h"
 #include "farm/jobs/job_files.h"
 #include "farm/uploads/content_store.h"
@@ -70,7 +71,7 @@ bool SceneFiles::ProvideOwn(std::int64_t job, const QDir& folder, bool mayLink, 
     for (const JobFile& file : files) {
         const QString target = folder.filePath(file.path);
         if (!IsSafePath(file.path))
-            throw std::runtime_error("a path of the scene is not allowed");
+            throw SceneError("a path of the scene is not allowed");
         Make(QFileInfo(target).dir());
         m_contents.ProvideAs(target, file.checksum, mayLink, goesOn);
     }
@@ -81,7 +82,7 @@ void SceneFiles::CopyShipped(const QString& scene, const QDir& folder) const
 {
     const QString shipped = QDir(m_shippedFolder).filePath(scene);
     if (!QFileInfo::exists(shipped))
-        throw std::runtime_error("the scene file is missing");
+        throw SceneError("the scene file is missing");
     if (!QFile::copy(shipped, folder.filePath(scene)))
         storage::ThrowWriteError("cannot write the scene file", folder.path(), QFileInfo(shipped).size());
 }

@@ -14,10 +14,20 @@ namespace farm {
 
 namespace {
 
-/// Whether the next try at the frame, or at any other, would probably end in the same way at once.
+/// Whether the next try at the frame would probably end in the same way at once.
 bool WouldRepeat(RunEnd end)
 {
     return end == RunEnd::FarmFault || end == RunEnd::LicenceMissing;
+}
+
+std::string NameOf(const FrameTask& task)
+{
+    return "job " + task.jobId.toStdString() + " frame " + std::to_string(task.Number());
+}
+
+QString FirstLine(const QString& text)
+{
+    return text.section(QLatin1Char('\n'), 0, 0);
 }
 
 } // namespace
@@ -26,6 +36,7 @@ Scheduler::Scheduler(const Dependencies& dependencies, const JobTypes& types, co
     std::chrono::milliseconds lookInterval)
     : m_deps(dependencies)
     , m_types(types)
+    , m_pauses(lookInterval)
     , m_worker(dependencies.files, types, renderers)
 {
     connect(this, &Scheduler::NudgeWanted, this, &Scheduler::Nudge, Qt::QueuedConnection);
@@ -55,7 +66,8 @@ void Scheduler::AttachRuns()
     for (const RunTable::Entry& run : m_deps.runs.All()) {
         Work& work = m_work[run.id];
         work.task = run.task;
-        work.isStarted = work.isOld = true;
+        work.state = State::Started;
+        work.isOld = work.mayBeKept = true;
         recorded.push_back({run.id, run.task, m_deps.files.FilesOf(run.task.jobId, run.id), run.handle});
     }
     m_deps.executor.Attach(recorded);
@@ -64,6 +76,13 @@ void Scheduler::AttachRuns()
 void Scheduler::Look()
 {
     m_waits = false;
+    std::vector<RunId> ended;
+    for (const auto& [id, work] : m_work) {
+        if (work.state == State::Ended || work.state == State::Settled)
+            ended.push_back(id);
+    }
+    for (const RunId& id : ended)
+        Advance(id);
     Nudge();
 }
 
@@ -118,7 +137,7 @@ void Scheduler::CancelUnwantedFrames()
             continue;
         *work.isUnwanted = true;
         m_deps.inWork.Remove(work.task.key);
-        if (work.isStarted)
+        if (work.state == State::Started)
             m_deps.executor.Cancel(id);
     }
 }
@@ -129,9 +148,10 @@ std::vector<RunTable::Entry> Scheduler::ChooseFrames()
     for (const auto& work : m_work)
         taken.insert(work.second.task.key);
     const QStringList types = RunnableTypes();
+    const std::set<std::int64_t> paused = m_pauses.Paused(JobPauses::Clock::now());
     std::vector<RunTable::Entry> chosen;
     while (m_work.size() + chosen.size() < std::size_t(std::max(0, m_deps.executor.Capacity()))) {
-        const auto task = m_deps.queue.Next(types, taken, Now());
+        const auto task = m_deps.queue.Next(types, taken, Now(), paused);
         if (!task)
             break;
         taken.insert(task->key);
@@ -156,42 +176,37 @@ void Scheduler::BeginFrames()
 
 void Scheduler::HandlePrepared(const RunId& id, const FileReport& report)
 {
-    const auto work = m_work.find(id);
-    if (work == m_work.end() || m_isStopped)
+    const auto found = m_work.find(id);
+    if (found == m_work.end() || m_isStopped)
         return;
-    if (report.run && !*work->second.isUnwanted) {
-        work->second.isStarted = true;
+    Work& work = found->second;
+    if (report.run && !*work.isUnwanted) {
+        work.state = State::Ready;
         m_ready.push_back(*report.run);
         m_startTimer.start(0);
         return;
     }
-    const auto ended = m_work.extract(work);
-    const FrameTask& task = ended.mapped().task;
-    if (*ended.mapped().isUnwanted)
-        Finish(id, task, [&] { Forget(id, task); });
-    else
-        Finish(id, task, [&] { RecordUnprepared(id, task, report); });
-}
-
-void Scheduler::RecordUnprepared(const RunId& id, const FrameTask& task, const FileReport& report)
-{
-    if (!report.isDiskFull) {
-        RunResult fault;
-        fault.message = report.message;
-        RecordFailure(id, task, fault);
-        return;
-    }
-    // A full disk is no fault of the job: the frame keeps its attempts, and the timer starts it again.
-    spdlog::error(
-        "job {} waits for space on the disk: {}", task.jobId.toStdString(), report.message.toStdString());
-    m_waits = true;
-    Forget(id, task);
+    work.state = State::Settled;
+    if (!*work.isUnwanted)
+        Judge(work, report);
+    Conclude(id);
 }
 
 void Scheduler::StartReady()
 {
-    if (!m_isStopped)
-        m_deps.executor.Start(std::exchange(m_ready, {}));
+    std::vector<Run> wanted;
+    for (const Run& run : std::exchange(m_ready, {})) {
+        const auto work = m_work.find(run.id);
+        if (work == m_work.end() || m_isStopped)
+            continue;
+        work->second.state = *work->second.isUnwanted ? State::Settled : State::Started;
+        if (work->second.state == State::Started)
+            wanted.push_back(run);
+        else
+            Conclude(run.id);
+    }
+    if (!wanted.empty())
+        m_deps.executor.Start(wanted);
 }
 
 void Scheduler::HandleStart(const RunId& id, const QString& host, qint64 at)
@@ -200,8 +215,7 @@ void Scheduler::HandleStart(const RunId& id, const QString& host, qint64 at)
     if (work == m_work.end() || *work->second.isUnwanted)
         return;
     m_deps.inWork.Add(work->second.task.key, {host, at});
-    spdlog::debug("job {} frame {} started on {}", work->second.task.jobId.toStdString(),
-        work->second.task.Number(), host.toStdString());
+    spdlog::debug("{} started on {}", NameOf(work->second.task), host.toStdString());
 }
 
 void Scheduler::HandleEnd(const RunId& id, const RunResult& result)
@@ -210,114 +224,115 @@ void Scheduler::HandleEnd(const RunId& id, const RunResult& result)
     if (work == m_work.end() || m_isStopped)
         return;
     m_deps.inWork.Remove(work->second.task.key);
-    if (result.end == RunEnd::Done || CountsAsAttempt(result.end)) {
-        work->second.result = result;
-        m_worker.Settle(id, work->second.task, result.end, work->second.isOld);
-        return;
-    }
-    const auto ended = m_work.extract(work);
-    const FrameTask& task = ended.mapped().task;
-    m_waits = m_waits || WouldRepeat(result.end);
-    Finish(id, task, [&] { RecordOther(id, task, result); });
+    work->second.result = result;
+    work->second.state = State::Ended;
+    Conclude(id);
 }
 
 void Scheduler::HandleSettled(const RunId& id, const FileReport& report)
 {
-    const auto ended = m_work.extract(id);
-    if (ended.empty() || m_isStopped)
+    const auto work = m_work.find(id);
+    if (work == m_work.end() || m_isStopped)
         return;
-    const Work& work = ended.mapped();
-    Finish(id, work.task, [&] { Record(id, work, report); });
+    work->second.state = State::Settled;
+    Judge(work->second, report);
+    Conclude(id);
 }
 
-void Scheduler::Finish(const RunId& id, const FrameTask& task, const std::function<void()>& record)
+/// Decides what becomes of the frame by its files.
+void Scheduler::Judge(Work& work, const FileReport& report)
 {
-    try {
-        record();
-    } catch (const std::exception& error) {
-        // No nudge: rendering again at once could loop forever.
-        spdlog::error("a finished frame could not be recorded and will be rendered again: {}", error.what());
-        m_waits = true;
-        TryToForget(id, task);
-        return;
-    }
-    Nudge();
-}
-
-void Scheduler::Record(const RunId& id, const Work& work, const FileReport& report)
-{
-    if (report.isDiskFull)
-        throw std::runtime_error(report.message.toStdString());
+    m_waits = m_waits || report.fault == FileReport::Fault::Farm;
+    if (report.fault != FileReport::Fault::None)
+        work.result.message = report.message;
     if (report.picture) {
-        const RunResult& result = work.result;
-        m_deps.runs.End(id, [&] {
-            m_deps.queue.Finish(work.task.key, *report.picture, result.coreMilliseconds, Now(), result.log);
-        });
-        m_worker.Discard(id, work.task);
-        spdlog::debug("job {} frame {} finished in {} ms", work.task.jobId.toStdString(), work.task.Number(),
-            result.coreMilliseconds);
-        return;
+        m_pauses.End(work.task.key.job);
+        work.picture = report.picture;
+        work.fate = Fate::Finished;
+    } else if (report.isPictureLeft) {
+        spdlog::error("the picture of {} could not be kept; the farm tries again soon: {}", NameOf(work.task),
+            report.message.toStdString());
+        work.state = State::Ended;
+        work.mayBeKept = true;
+    } else if (work.isOld && work.result.end == RunEnd::Done) {
+        // The disk may have lost the picture when the machine lost its power.
+        work.fate = Fate::Forgotten;
+    } else {
+        work.fate = report.fault == FileReport::Fault::Farm ? Fate::Postponed : Fate::Failed;
     }
-    // The disk may have lost the picture when the machine lost its power.
-    if (work.isOld && work.result.end == RunEnd::Done) {
-        Forget(id, work.task);
+}
+
+/// Advances a run that has ended, and goes on with others.
+void Scheduler::Conclude(const RunId& id)
+{
+    Advance(id);
+    if (!m_waits)
+        Nudge();
+}
+
+/// Takes the end of a run to the look at its files and to its record. When the disk or the database fails, the run stays as it
+/// is, and the next look tries again: a finished frame is never rendered twice for such a reason.
+void Scheduler::Advance(const RunId& id)
+{
+    const auto found = m_work.find(id);
+    if (m_waits || found == m_work.end())
         return;
-    }
-    RunResult failure = work.result;
-    if (!report.ok)
-        failure.message = report.message;
-    RecordFailure(id, work.task, failure);
-}
-
-/// Records an end that is not the frame's fault.
-void Scheduler::RecordOther(const RunId& id, const FrameTask& task, const RunResult& result)
-{
-    if (WouldRepeat(result.end)) {
-        Postpone(id, task, result);
-        return;
-    }
-    if (result.end != RunEnd::Cancelled)
-        spdlog::warn("job {} frame {} will be tried again: {}", task.jobId.toStdString(), task.Number(),
-            result.message.toStdString());
-    Forget(id, task);
-}
-
-void Scheduler::RecordFailure(const RunId& id, const FrameTask& task, const RunResult& result)
-{
-    const QString reason = result.message.section(QLatin1Char('\n'), 0, 0);
-    spdlog::warn("job {} frame {} failed: {}", task.jobId.toStdString(), task.Number(), reason.toStdString());
-    m_deps.runs.End(id, [&] {
-        if (m_deps.queue.Fail(task.key, result.message, Now(), reason + QLatin1Char('\n') + result.log,
-                result.coreMilliseconds))
-            spdlog::warn("job {} has failed", task.jobId.toStdString());
-    });
-    m_worker.Discard(id, task);
-}
-
-void Scheduler::Postpone(const RunId& id, const FrameTask& task, const RunResult& result)
-{
-    spdlog::warn(
-        "job {} frame {} pauses: {}", task.jobId.toStdString(), task.Number(), result.message.toStdString());
-    m_deps.runs.End(id,
-        [&] { m_deps.queue.Postpone(task.key, result.message, Now(), result.log, result.coreMilliseconds); });
-    m_worker.Discard(id, task);
-}
-
-/// Ends a run that is to leave no trace.
-void Scheduler::Forget(const RunId& id, const FrameTask& task)
-{
-    m_deps.runs.End(id, [] {});
-    m_worker.Discard(id, task);
-}
-
-/// The database may be at fault. What is not forgotten is attached, and ends, when the farm starts again.
-void Scheduler::TryToForget(const RunId& id, const FrameTask& task)
-{
+    Work& work = found->second;
     try {
-        Forget(id, task);
+        if (work.state == State::Ended)
+            Settle(id, work);
+        if (work.state == State::Settled) {
+            Record(id, work);
+            m_work.erase(found);
+        }
     } catch (const std::exception& error) {
-        spdlog::error("the end of a run could not be recorded: {}", error.what());
+        spdlog::error("the end of {} could not be recorded; the farm tries again soon: {}", NameOf(work.task),
+            error.what());
+        m_waits = true;
     }
+}
+
+void Scheduler::Settle(const RunId& id, Work& work)
+{
+    const RunEnd end = work.result.end;
+    const bool isOvertaken = m_deps.queue.IsOvertaken(work.task.key);
+    if (!isOvertaken && (end == RunEnd::Done || CountsAsAttempt(end))) {
+        work.state = State::Settling;
+        m_worker.Settle(id, work.task, end, work.mayBeKept);
+        return;
+    }
+    work.state = State::Settled;
+    work.fate = !isOvertaken && WouldRepeat(end) ? Fate::Postponed : Fate::Forgotten;
+    if (work.fate == Fate::Postponed)
+        m_pauses.AddFault(work.task.key.job, JobPauses::Clock::now());
+}
+
+void Scheduler::Record(const RunId& id, const Work& work)
+{
+    const RunResult& result = work.result;
+    const FrameKey& frame = work.task.key;
+    const QString reason = FirstLine(result.message);
+    bool hasFailed = false;
+    m_deps.runs.End(id, [&] {
+        if (work.fate == Fate::Finished)
+            m_deps.queue.Finish(frame, *work.picture, result.coreMilliseconds, Now(), result.log);
+        if (work.fate == Fate::Failed)
+            hasFailed = m_deps.queue.Fail(frame, result.message, Now(),
+                reason + QLatin1Char('\n') + result.log, result.coreMilliseconds);
+        if (work.fate == Fate::Postponed)
+            m_deps.queue.Postpone(frame, result.message, Now(), result.log, result.coreMilliseconds);
+    });
+    // The log of a frame that is not wanted could replace that of the job's next run.
+    m_worker.Discard(id, work.task, !*work.isUnwanted);
+    if (work.fate == Fate::Finished)
+        spdlog::debug("{} finished in {} ms", NameOf(work.task), result.coreMilliseconds);
+    else if (work.fate != Fate::Forgotten)
+        spdlog::warn("{} {}: {}", NameOf(work.task), work.fate == Fate::Failed ? "failed" : "pauses",
+            reason.toStdString());
+    else if (!*work.isUnwanted)
+        spdlog::warn("{} will be tried again: {}", NameOf(work.task), reason.toStdString());
+    if (hasFailed)
+        spdlog::warn("job {} has failed", work.task.jobId.toStdString());
 }
 
 } // namespace farm

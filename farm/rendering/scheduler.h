@@ -2,6 +2,7 @@
 
 #include "farm/rendering/executor.h"
 #include "farm/rendering/frame_worker.h"
+#include "farm/rendering/job_pauses.h"
 #include "farm/rendering/job_types.h"
 #include "farm/rendering/run_table.h"
 
@@ -9,9 +10,8 @@
 #include <QTimer>
 
 #include <chrono>
-#include <functional>
 #include <map>
-#include <set>
+#include <optional>
 
 namespace farm {
 
@@ -55,17 +55,36 @@ signals:
     void NudgeWanted();
 
 private:
+    enum class State {
+        Preparing, ///< its files are being provided
+        Ready,     ///< the executor gets it in a moment
+        Started,   ///< the executor has it
+        Ended,     ///< its files are to be looked at
+        Settling,  ///< they are being looked at
+        Settled,   ///< its end is to be recorded
+    };
+
+    /// What becomes of the frame of a run that has ended.
+    enum class Fate {
+        Finished,
+        Failed,
+        Postponed,
+        Forgotten, ///< the run leaves no trace
+    };
+
     struct Work
     {
         FrameTask task;
+        State state = State::Preparing;
         /// Set once the frame is no longer wanted.
         FrameWorker::Flag isUnwanted = std::make_shared<std::atomic_bool>(false);
-        /// Whether the executor has it.
-        bool isStarted = false;
         /// Whether an earlier farm has begun it.
         bool isOld = false;
-        /// How it ended; its files are being looked at.
+        /// Whether its picture may be in its place already, because its files have been looked at before.
+        bool mayBeKept = false;
         RunResult result = {};
+        std::optional<Picture> picture = {};
+        Fate fate = Fate::Forgotten;
     };
 
     void AttachRuns();
@@ -76,31 +95,28 @@ private:
     void BeginFrames();
     std::vector<RunTable::Entry> ChooseFrames();
     void HandlePrepared(const RunId& id, const FileReport& report);
-    void RecordUnprepared(const RunId& id, const FrameTask& task, const FileReport& report);
     void StartReady();
     void HandleStart(const RunId& id, const QString& host, qint64 at);
     void HandleEnd(const RunId& id, const RunResult& result);
     void HandleSettled(const RunId& id, const FileReport& report);
-    /// Records the end of a run by `record`, or forgets it when that fails, and goes on.
-    void Finish(const RunId& id, const FrameTask& task, const std::function<void()>& record);
-    void Record(const RunId& id, const Work& work, const FileReport& report);
-    void RecordOther(const RunId& id, const FrameTask& task, const RunResult& result);
-    void RecordFailure(const RunId& id, const FrameTask& task, const RunResult& result);
-    void Postpone(const RunId& id, const FrameTask& task, const RunResult& result);
-    void Forget(const RunId& id, const FrameTask& task);
-    void TryToForget(const RunId& id, const FrameTask& task);
+    void Judge(Work& work, const FileReport& report);
+    void Conclude(const RunId& id);
+    void Advance(const RunId& id);
+    void Settle(const RunId& id, Work& work);
+    void Record(const RunId& id, const Work& work);
 
     Dependencies m_deps;
     JobTypes m_types;
     /// Why jobs wait whose types are not among `m_types` any more.
     QMap<QString, QString> m_unknownTypes;
+    JobPauses m_pauses;
     FrameWorker m_worker;
-    /// The runs whose ends are awaited.
+    /// The runs whose ends are not recorded yet.
     std::map<RunId, Work> m_work;
     /// Prepared runs, which start together.
     std::vector<Run> m_ready;
     QTimer m_startTimer;
-    /// After a fault that another try would meet at once, nothing starts until the next look.
+    /// The disk or the database has failed: nothing begins, and no end is recorded, until the next look.
     bool m_waits = false;
     bool m_isStopped = false;
     QTimer m_look;

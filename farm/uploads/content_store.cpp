@@ -1,5 +1,6 @@
 #include "farm/uploads/content_store.h"
 
+#include "farm/base/errors.h"
 #include "farm/base/random.h"
 #include "storage/checksum.h"
 #include "storage/disk_full.h"
@@ -10,6 +11,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
+
+#include <cerrno>
 
 namespace farm {
 
@@ -252,12 +255,15 @@ void ContentStore::ProvideAs(
     const QString& target, const QString& checksum, bool mayLink, const GoesOn& goesOn) const
 {
     const QString content = FileOf(checksum);
+    if (!QFileInfo::exists(content) && QFileInfo::exists(m_folder))
+        throw SceneError("a file of the scene is missing");
     if (ShareFile(content, target, mayLink, goesOn) == checksum)
         return;
     // Once the damaged file is gone, the content counts as unknown and the client sends it again.
-    if (storage::FileChecksum(content) != checksum)
-        QFile::remove(content);
-    throw std::runtime_error("a file of the scene is damaged");
+    if (storage::FileChecksum(content) == checksum)
+        throw storage::DiskError("the disk has damaged the copy of a file", EIO);
+    QFile::remove(content);
+    throw SceneError("a file of the scene is damaged");
 }
 
 } // namespace farm

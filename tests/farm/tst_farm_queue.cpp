@@ -1,4 +1,5 @@
 #include "farm/jobs/job_actions.h"
+#include "farm/rendering/job_pauses.h"
 #include "farm/rendering/render_queue.h"
 #include "tests/farm/farm_fixture.h"
 
@@ -159,6 +160,26 @@ private slots:
         queue.Finish({1, 1}, {}, 1, 800);
         QCOMPARE(Only().status, int(JobStatus::Finished));
         QCOMPARE(Only().message, QString());
+    }
+
+    void AJobPausesAfterFaultsOfTheFarm()
+    {
+        JobPauses pauses(std::chrono::seconds(5));
+        const auto isPaused = [&pauses](int now) {
+            return pauses.Paused(JobPauses::Clock::time_point(std::chrono::seconds(now))).count(1) > 0;
+        };
+        std::vector<int> tries;
+        for (int now = 1; now <= 40; ++now) {
+            if (!isPaused(now))
+                tries.push_back(now);
+            pauses.AddFault(1, JobPauses::Clock::time_point(std::chrono::seconds(now)));
+        }
+        QCOMPARE(tries, (std::vector<int> {1, 2, 3, 8, 18, 38}));
+        QVERIFY(isPaused(41));
+        pauses.End(1);
+        QVERIFY(!isPaused(41));
+        AddJobs("a:0:1 a:0:1");
+        QCOMPARE(Queue().Next({"povray"_s}, {}, 1, {1})->key.job, std::int64_t(2));
     }
 
     void NoticesARendererThatFailsAtOnceEverywhere_data() { AddRows(Healths); }

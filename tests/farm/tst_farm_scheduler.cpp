@@ -7,6 +7,9 @@
 #include "farm/rendering/scheduler.h"
 #include "farm/uploads/content_store.h"
 #include "tests/farm/farm_fixture.h"
+#include "tests/support/disk_calls.h"
+
+#include <QTimer>
 
 using namespace farm;
 
@@ -16,13 +19,17 @@ namespace {
 class StandInExecutor : public Executor
 {
 public:
-    int Capacity() const override { return 1; }
-    void SetCapacity(int) override { }
+    int Capacity() const override { return capacity; }
+    void SetCapacity(int runs) override { capacity = runs; }
     Availability Has(const JobType&) override
     {
         return hindrance.isEmpty() ? Availability::Present : Availability::Missing;
     }
-    QString HindranceOf(const JobType&) const override { return hindrance; }
+    QString HindranceOf(const JobType&) const override
+    {
+        ++looks;
+        return hindrance;
+    }
     void Start(const std::vector<Run>& runs) override
     {
         for (const Run& run : runs)
@@ -43,10 +50,39 @@ public:
     }
     void End(const RunResult& result) { emit Ended(held.takeFirst(), result); }
 
+    int capacity = 1;
+    mutable int looks = 0; ///< at the jobs, by the scheduler
     QString hindrance;
     QStringList held;
     QStringList cancelled;
     RunFiles files; ///< of the last run that it holds
+};
+
+// So many looks at the jobs would have shown it.
+constexpr int MostLooks = 5;
+
+/// Does something when a run is prepared, just before the executor gets it.
+class BeforeStart : public QObject
+{
+public:
+    explicit BeforeStart(std::function<void()> work)
+        : m_work(std::move(work))
+    {
+        qApp->installEventFilter(this);
+    }
+    bool IsDone() const { return !m_work; }
+
+private:
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        const auto* const timer = qobject_cast<QTimer*>(object);
+        if (m_work && event->type() == QEvent::Timer && timer && timer->isSingleShot()
+            && timer->interval() == 0)
+            std::exchange(m_work, nullptr)();
+        return false;
+    }
+
+    std::function<void()> m_work;
 };
 
 // The ends of the runs of a job with one frame, one after another, the first perhaps of a run that an earlier farm has
@@ -74,13 +110,25 @@ const Fate Fates[] = {
         "Frame 1 waits: the cluster has no such partition."},
     {"cancelled by somebody else", "cancelled done", JobStatus::Finished, 1, 0, ""},
     {"failed at every attempt", "failed failed failed", JobStatus::Failed, 0, 3, ""},
+    {"done while the disk failed", "broken-disk done", JobStatus::Finished, 1, 0, ""},
+    {"kept while the disk failed", "broken-folder done", JobStatus::Finished, 1, 0, ""},
+    {"done while the database failed", "broken-database done", JobStatus::Finished, 1, 0, ""},
+    {"failed while the database failed", "broken-database failed failed failed", JobStatus::Failed, 0, 3, ""},
+    {"failed on a full disk", "broken-full failed done", JobStatus::Finished, 1, 0,
+        "Frame 1 waits: the disk is full."},
+    {"without a picture on a full disk", "broken-full empty done", JobStatus::Finished, 1, 0,
+        "Frame 1 waits: the disk is full."},
+    {"filled the disk itself", "filling filling filling", JobStatus::Failed, 0, 3, ""},
+    {"its folder was lost", "gone done", JobStatus::Finished, 1, 0,
+        "Frame 1 waits: the folder of the frame cannot be read."},
     {"stopped", "stop cancelled", JobStatus::Paused, 0, 0, ""},
     {"stopped when it was done", "stop done", JobStatus::Paused, 1, 0, ""},
 };
 
 const QMap<QString, RunEnd> Words {{"done"_s, RunEnd::Done}, {"kept"_s, RunEnd::Done},
-    {"empty"_s, RunEnd::Done}, {"lost"_s, RunEnd::MachineLost}, {"preempted"_s, RunEnd::Preempted},
-    {"refused"_s, RunEnd::FarmFault}, {"cancelled"_s, RunEnd::Cancelled}, {"failed"_s, RunEnd::SceneFault}};
+    {"empty"_s, RunEnd::Done}, {"gone"_s, RunEnd::Done}, {"lost"_s, RunEnd::MachineLost},
+    {"preempted"_s, RunEnd::Preempted}, {"refused"_s, RunEnd::FarmFault}, {"cancelled"_s, RunEnd::Cancelled},
+    {"failed"_s, RunEnd::SceneFault}, {"filling"_s, RunEnd::SceneFault}};
 
 } // namespace
 
@@ -93,6 +141,9 @@ private slots:
     {
         m_folder = std::make_unique<QTemporaryDir>();
         m_data = std::make_unique<FarmData>(m_folder->path());
+        fullFile.clear();
+        diskFiller.clear();
+        fullError = 0;
         WriteFile(Path("scene.txt"_s), "the farm's scene");
         m_id = m_data->jobs.Add(m_data->Job("job"_s)).id;
     }
@@ -108,18 +159,24 @@ private slots:
         if (ends.removeAll("attached"_s) > 0)
             QCOMPARE(work.executor.held, QStringList {"j1-r1-f1-x"_s});
         const bool isStopped = ends.removeAll("stop"_s) > 0;
+        const QString fault = ends.first().startsWith("broken"_s) ? ends.takeFirst() : QString();
         for (int at = 0; at < ends.size(); ++at) {
             EVENTUALLY_COMPARE(work.executor.held.size(), 1);
             if (isStopped) {
-                const QString id = m_data->Only().id;
-                JobActions(m_data->database, m_data->feed, [&] {
-                    work.scheduler.Nudge();
-                }).Apply(JobAction::Stop, m_data->account, {id}, 100);
+                work.Apply(JobAction::Stop, m_id);
                 QCOMPARE(work.executor.cancelled, work.executor.held);
             }
             Leave(ends.at(at), work.executor.files);
+            if (at == 0)
+                Break(fault);
+            work.executor.looks = 0;
             RunResult result {Words[ends.at(at)], "the cluster has no such partition"_s, {}, 1234, "n1"_s};
             work.executor.End(result);
+            if (at == 0 && !fault.isEmpty()) {
+                EVENTUALLY(work.executor.looks > MostLooks || !work.executor.held.isEmpty());
+                QCOMPARE(m_data->Count("SELECT count(*) FROM charges"), 0);
+                Break({});
+            }
             EVENTUALLY(RunCount() == 0 || !work.executor.held.isEmpty());
             if (at == 0 && *fate.message != '\0')
                 QCOMPARE(m_data->Only().message, QLatin1String(fate.message));
@@ -130,6 +187,55 @@ private slots:
         QCOMPARE(m_data->Count("SELECT failures FROM frames"), fate.failures);
         QCOMPARE(m_data->Only().message.isEmpty(), fate.failures < 3);
         QVERIFY(work.executor.held.isEmpty());
+    }
+
+    void AStopTakesEffectWhileARunIsBeingStarted()
+    {
+        AtWork work(*this);
+        const BeforeStart stop([&] { work.Apply(JobAction::Stop, m_id); });
+        EVENTUALLY(stop.IsDone() && RunCount() == 0);
+        QCOMPARE(work.executor.held, QStringList());
+        QCOMPARE(JobStatus(m_data->Only().status), JobStatus::Paused);
+    }
+
+    void ALateEndLeavesThePictureOfTheNextRun()
+    {
+        AtWork work(*this);
+        work.executor.capacity = 2;
+        EVENTUALLY_COMPARE(work.executor.held.size(), 1);
+        const RunFiles late = work.executor.files;
+        work.Apply(JobAction::Restart, m_id);
+        EVENTUALLY_COMPARE(work.executor.held.size(), 2);
+        Leave("done"_s, work.executor.files);
+        RunResult done;
+        done.end = RunEnd::Done;
+        work.executor.held.move(1, 0);
+        work.executor.End(done);
+        EVENTUALLY_COMPARE(JobStatus(m_data->Only().status), JobStatus::Finished);
+        Leave("done"_s, late);
+        WriteFile(late.Log(), "too late");
+        WriteFile(late.OutputFolder() + "/frame_0001.txt"_s, "too late");
+        work.executor.End(done);
+        EVENTUALLY(RunCount() == 0 && QDir(Path("jobs/%1/runs"_s.arg(m_id))).isEmpty());
+        QCOMPARE(ReadFile(Path("jobs/%1/frame_0001.txt"_s.arg(m_id))), QByteArray("a picture"));
+        QCOMPARE(ReadFile(Path("jobs/%1/logs/frame_0001.txt"_s.arg(m_id))), QByteArray("drawing"));
+    }
+
+    void OnlyFaultsOfTheSceneCostAttempts()
+    {
+        QVERIFY(QFile::rename(Path("scene.txt"_s), Path("away"_s)));
+        AtWork work(*this);
+        EVENTUALLY_COMPARE(
+            m_data->Only().message, "1 of 1 frames failed. Frame 1: the scene file is missing"_s);
+        QVERIFY(QFile::rename(Path("away"_s), Path("scene.txt"_s)));
+        fullFile = "scene.unfinished/scene.txt"_s;
+        fullError = EIO;
+        work.Apply(JobAction::Recover, m_id);
+        work.executor.looks = 0;
+        EVENTUALLY(m_data->Only().message.startsWith("Frame 1 waits: "_s) && work.executor.looks > MostLooks);
+        QCOMPARE(m_data->Count("SELECT failures FROM frames"), 0);
+        fullError = 0;
+        EVENTUALLY_COMPARE(work.executor.held.size(), 1);
     }
 
     void JobsTellWhatHindersTheirType()
@@ -155,7 +261,8 @@ private:
     struct AtWork
     {
         explicit AtWork(SchedulerTest& test)
-            : contents(test.m_data->database, test.Path("contents"_s))
+            : data(*test.m_data)
+            , contents(test.m_data->database, test.Path("contents"_s))
             , scenes(test.m_data->database, contents, test.m_folder->path())
             , files(test.Path("jobs"_s), scenes)
             , queue(test.m_data->database, test.m_data->feed, test.m_data->terms,
@@ -169,6 +276,14 @@ private:
         }
         ~AtWork() { scheduler.Stop(); }
 
+        void Apply(JobAction action, const QString& id)
+        {
+            JobActions(data.database, data.feed, [this] {
+                scheduler.Nudge();
+            }).Apply(action, data.account, {id}, 100);
+        }
+
+        FarmData& data;
         ContentStore contents;
         SceneFiles scenes;
         FrameFiles files;
@@ -188,6 +303,12 @@ private:
         WriteFile(files.Log(), "drawing");
         if (end == "done"_s)
             WriteFile(files.OutputFolder() + "/frame_0001.txt"_s, "a picture");
+        if (end == "filling"_s) {
+            diskFiller = files.OutputFolder() + "/cache"_s;
+            WriteFile(diskFiller, "much");
+        }
+        if (end == "gone"_s)
+            QDir(files.folder).removeRecursively();
         if (end == "kept"_s)
             WriteFile(Path("jobs/%1/frame_0001.txt"_s.arg(m_id)), "a picture");
     }
@@ -198,6 +319,17 @@ private:
         type.program = "sh"_s;
         type.suffix = "txt"_s;
         return type;
+    }
+
+    /// Makes the farm's own things fail, or work again.
+    void Break(const QString& what)
+    {
+        fullFile = what == "broken-folder"_s ? m_id : "frame_0001.txt"_s;
+        fullError = what == "broken-disk"_s || what == "broken-folder"_s ? EIO : 0;
+        diskFree = what == "broken-full"_s ? 0 : -1;
+        m_data->Change(what == "broken-database"_s
+                ? "CREATE TRIGGER broken BEFORE DELETE ON runs BEGIN SELECT RAISE(ABORT, 'broken'); END"
+                : "DROP TRIGGER IF EXISTS broken");
     }
 
     int RunCount() { return m_data->Count("SELECT count(*) FROM runs"); }

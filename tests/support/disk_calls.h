@@ -20,6 +20,8 @@ inline QStringList diskCalls;
 inline std::atomic<bool> diskFails = false;
 /// The bytes that all disks have left; -1 for as many as they have.
 inline std::atomic<qint64> diskFree = -1;
+/// All disks are full while this file exists. Set it while no other thread writes.
+inline QString diskFiller;
 /// Makes syncing the file of this name fail, as on a full disk. Set it while no other thread writes.
 inline QString fullFile;
 /// How syncing `fullFile` fails; 0 when it does not.
@@ -80,8 +82,10 @@ __attribute__((visibility("default"))) int statvfs(const char* path, struct stat
     struct statfs found = {};
     const int result = ::statfs(path, &found);
     disk->f_blocks = found.f_blocks;
-    disk->f_frsize = diskFree < 0 ? static_cast<unsigned long>(found.f_frsize) : 1;
-    disk->f_bavail = diskFree < 0 ? found.f_bavail : static_cast<fsblkcnt_t>(diskFree);
+    const bool isFilled = !diskFiller.isEmpty() && QFileInfo::exists(diskFiller);
+    const qint64 left = isFilled ? 0 : qint64(diskFree);
+    disk->f_frsize = left < 0 ? static_cast<unsigned long>(found.f_frsize) : 1;
+    disk->f_bavail = left < 0 ? found.f_bavail : static_cast<fsblkcnt_t>(left);
     return result;
 }
 // Qt calls this one; the structures are the same on 64-bit systems.
