@@ -107,7 +107,7 @@ std::optional<FrameTask> RenderQueue::Next(const QStringList& types, const std::
 {
     Resume(now);
     return m_database.Read([&](SQLite::Database& connection) {
-        m_load.Update(connection, taken, now);
+        m_load.Update(connection, taken);
         return FindTask(connection, types, taken, paused, now);
     });
 }
@@ -299,7 +299,7 @@ void RenderQueue::Finish(const FrameKey& frame, const Picture& picture, std::int
 }
 
 bool RenderQueue::Fail(const FrameKey& frame, const QString& message, std::int64_t now, const QString& log,
-    std::int64_t coreMilliseconds)
+    std::int64_t coreMilliseconds, std::optional<std::int64_t> seconds)
 {
     bool hasFailed = false;
     const auto failed = m_database.Write([&](SQLite::Database& connection) {
@@ -307,7 +307,8 @@ bool RenderQueue::Fail(const FrameKey& frame, const QString& message, std::int64
         if (!job)
             return Announcement {};
         AddUse(connection, job->account, coreMilliseconds, now);
-        const auto verdict = m_health.Failed(job->type, frame, m_load.Seconds(frame, now), now);
+        const auto verdict
+            = seconds ? m_health.Failed(job->type, frame, *seconds, now) : TypeHealth::Verdict::Alive;
         const bool counts = verdict == TypeHealth::Verdict::Alive || verdict == TypeHealth::Verdict::Stopped;
         if (Retry(connection, frame, counts, now, log))
             Execute(connection,

@@ -54,6 +54,9 @@ public:
     /// the run.
     void Start(std::int64_t job);
 
+    /// The frame is being rendered since `at`; until then it waits for a machine.
+    void NoteStart(const FrameKey& frame, std::int64_t at) { m_load.NoteStart(frame, at); }
+
     /// Goes by the limits of these settings from now on.
     void TakeOverLimits(const QueueSettings& settings);
 
@@ -68,8 +71,9 @@ public:
     /// Counts a failed attempt at the frame, which is tried again after a pause. After the last attempt the job passes
     /// the frame by, goes on with the others and fails at the end; it keeps the message of the first such frame. Renderers
     /// that fail at whatever they are given stop their job type instead. Returns whether the job failed.
+    /// @param seconds for which the renderer ran; nothing when it did not run at all.
     bool Fail(const FrameKey& frame, const QString& message, std::int64_t now, const QString& log = {},
-        std::int64_t coreMilliseconds = 0);
+        std::int64_t coreMilliseconds = 0, std::optional<std::int64_t> seconds = 0);
     /// Tries the frame again after a pause without counting the attempt, because the farm was at fault. Until a frame of
     /// the job is finished, the job tells the message as its hindrance.
     void Postpone(const FrameKey& frame, const QString& message, std::int64_t now, const QString& log = {},

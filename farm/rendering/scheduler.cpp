@@ -8,6 +8,7 @@
 
 #include <spdlog/spdlog.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace farm {
@@ -23,6 +24,15 @@ bool WouldRepeat(RunEnd end)
 std::string NameOf(const FrameTask& task)
 {
     return "job " + task.jobId.toStdString() + " frame " + std::to_string(task.Number());
+}
+
+/// For how long a renderer ran that has failed; nothing when none ran. The cluster's own time limit leaves no report of it.
+std::optional<std::int64_t> SecondsOf(const RunResult& result)
+{
+    if (result.host.isEmpty())
+        return std::nullopt;
+    return result.end == RunEnd::TimeLimit ? std::max(result.seconds, TypeHealth::QuickSeconds + 1)
+                                           : result.seconds;
 }
 
 QString FirstLine(const QString& text)
@@ -132,8 +142,15 @@ void Scheduler::ReportHindrances()
 
 void Scheduler::CancelUnwantedFrames()
 {
+    std::map<std::pair<std::int64_t, int>, bool>
+        wanted; // by job and run, as a cluster holds thousands of frames
     for (auto& [id, work] : m_work) {
-        if (*work.isUnwanted || m_deps.queue.IsWanted(work.task.key))
+        if (*work.isUnwanted)
+            continue;
+        const auto known = wanted.try_emplace({work.task.key.job, work.task.key.run}, true);
+        if (known.second)
+            known.first->second = m_deps.queue.IsWanted(work.task.key);
+        if (known.first->second)
             continue;
         *work.isUnwanted = true;
         m_deps.inWork.Remove(work.task.key);
@@ -215,6 +232,7 @@ void Scheduler::HandleStart(const RunId& id, const QString& host, qint64 at)
     if (work == m_work.end() || *work->second.isUnwanted)
         return;
     m_deps.inWork.Add(work->second.task.key, {host, at});
+    m_deps.queue.NoteStart(work->second.task.key, at);
     spdlog::debug("{} started on {}", NameOf(work->second.task), host.toStdString());
 }
 
@@ -318,7 +336,7 @@ void Scheduler::Record(const RunId& id, const Work& work)
             m_deps.queue.Finish(frame, *work.picture, result.coreMilliseconds, Now(), result.log);
         if (work.fate == Fate::Failed)
             hasFailed = m_deps.queue.Fail(frame, result.message, Now(),
-                reason + QLatin1Char('\n') + result.log, result.coreMilliseconds);
+                reason + QLatin1Char('\n') + result.log, result.coreMilliseconds, SecondsOf(result));
         if (work.fate == Fate::Postponed)
             m_deps.queue.Postpone(frame, result.message, Now(), result.log, result.coreMilliseconds);
     });

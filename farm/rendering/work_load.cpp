@@ -4,10 +4,21 @@
 
 namespace farm {
 
-void WorkLoad::Update(SQLite::Database& connection, const std::set<FrameKey>& taken, std::int64_t now)
+namespace {
+
+template <typename Value>
+void KeepOnly(const std::set<FrameKey>& keys, std::map<FrameKey, Value>& map)
 {
-    for (auto frame = m_frames.begin(); frame != m_frames.end();)
-        frame = taken.count(frame->first) == 0 ? m_frames.erase(frame) : std::next(frame);
+    for (auto entry = map.begin(); entry != map.end();)
+        entry = keys.count(entry->first) == 0 ? map.erase(entry) : std::next(entry);
+}
+
+} // namespace
+
+void WorkLoad::Update(SQLite::Database& connection, const std::set<FrameKey>& taken)
+{
+    KeepOnly(taken, m_frames);
+    KeepOnly(taken, m_starts);
     SQLite::Statement query(connection, "SELECT account, type FROM jobs WHERE key = ?");
     for (const FrameKey& frame : taken) {
         if (m_frames.count(frame) != 0)
@@ -15,7 +26,7 @@ void WorkLoad::Update(SQLite::Database& connection, const std::set<FrameKey>& ta
         query.reset();
         Bind(query, frame.job);
         if (query.executeStep())
-            m_frames[frame] = {query.getColumn(0).getInt64(), Text(query.getColumn(1)), now};
+            m_frames[frame] = {query.getColumn(0).getInt64(), Text(query.getColumn(1))};
     }
 }
 
@@ -34,15 +45,12 @@ int WorkLoad::FramesOf(std::int64_t account) const
 double WorkLoad::SecondsOf(std::int64_t account, std::int64_t now) const
 {
     double seconds = 0;
-    for (const auto& frame : m_frames)
-        seconds += frame.second.account == account ? double(now - frame.second.since) : 0;
+    for (const auto& [frame, start] : m_starts) {
+        const auto found = m_frames.find(frame);
+        const bool isOfAccount = found != m_frames.end() && found->second.account == account;
+        seconds += isOfAccount && start < now ? double(now - start) : 0;
+    }
     return seconds;
-}
-
-std::int64_t WorkLoad::Seconds(const FrameKey& frame, std::int64_t now) const
-{
-    const auto found = m_frames.find(frame);
-    return found == m_frames.end() ? 0 : now - found->second.since;
 }
 
 } // namespace farm

@@ -69,6 +69,7 @@ void FrameRunner::TakeSignals()
 
 RunResult FrameRunner::Run()
 {
+    const auto begin = std::chrono::steady_clock::now();
     RunResult result;
     result.host = QSysInfo::machineHostName();
     try {
@@ -88,6 +89,8 @@ RunResult FrameRunner::Run()
         result.message = QString::fromUtf8(error.what());
         ProcessTree::End();
     }
+    result.seconds
+        = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - begin).count();
     m_log.Finish();
     result.log = m_log.End(OutputLog::LongEnd);
     result.coreMilliseconds = CoreMilliseconds();

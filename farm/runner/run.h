@@ -42,6 +42,8 @@ struct RunResult
     std::int64_t coreMilliseconds = 0;
     /// The machine on which it ran; empty when it did not.
     QString host;
+    /// For which the renderer ran.
+    std::int64_t seconds = 0;
 };
 
 /// Resources that a run asks for, and its limits.

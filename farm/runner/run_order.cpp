@@ -150,7 +150,7 @@ void WriteOutcome(const QString& file, const RunResult& result)
         {{QStringLiteral("end"), WordOf(result.end)}, {QStringLiteral("message"), result.message},
             {QStringLiteral("log"), result.log},
             {QStringLiteral("core_milliseconds"), qint64(result.coreMilliseconds)},
-            {QStringLiteral("host"), result.host}});
+            {QStringLiteral("host"), result.host}, {QStringLiteral("seconds"), qint64(result.seconds)}});
 }
 
 std::optional<RunResult> ReadOutcome(const QString& file)
@@ -166,7 +166,7 @@ std::optional<RunResult> ReadOutcome(const QString& file)
         return std::nullopt;
     return RunResult {*end, object[QLatin1String("message")].toString(),
         object[QLatin1String("log")].toString(), WholeNumber(object[QLatin1String("core_milliseconds")]),
-        object[QLatin1String("host")].toString()};
+        object[QLatin1String("host")].toString(), WholeNumber(object[QLatin1String("seconds")])};
 }
 
 } // namespace farm

@@ -238,6 +238,31 @@ private slots:
         EVENTUALLY_COMPARE(work.executor.held.size(), 1);
     }
 
+    // On one slot, where nothing is chosen while the frame is rendered.
+    void OnlyQuickFailuresStopATypeOfJobs_data()
+    {
+        QTest::addColumn<int>("seconds");
+        QTest::newRow("slow") << 60;
+        QTest::newRow("quick") << 1;
+    }
+    void OnlyQuickFailuresStopATypeOfJobs()
+    {
+        QFETCH(int, seconds);
+        for (int job = 2; job <= 3; ++job)
+            m_data->jobs.Add(m_data->Job("job"_s, 2));
+        AtWork work(*this);
+        RunResult failure {RunEnd::SceneFault, "no lamp"_s, {}, 1, "n1"_s};
+        failure.seconds = seconds;
+        for (int attempt = 1; attempt <= 9; ++attempt) {
+            if (m_data->Count("SELECT count(*) FROM stopped_types") > 0)
+                break;
+            EVENTUALLY_COMPARE(work.executor.held.size(), 1);
+            work.executor.End(failure);
+            EVENTUALLY(m_data->Count("SELECT sum(failures) FROM frames") == attempt);
+        }
+        QCOMPARE(m_data->Count("SELECT count(*) FROM stopped_types"), seconds > 10 ? 0 : 1);
+    }
+
     void JobsTellWhatHindersTheirType()
     {
         m_data->Change("UPDATE jobs SET message = 'Frame 7: no lamp'");
