@@ -12,6 +12,7 @@
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace farm {
@@ -74,23 +75,22 @@ private:
 };
 
 /// Empties a folder of `top` and removes it. The folders in it become folders of `top`, so that no depth matters.
-bool Flatten(const Folder& top, const std::string& name, const std::function<bool()>& goesOn)
+void Flatten(const Folder& top, const std::string& name, const std::function<bool()>& goesOn)
 {
     const Folder folder(top.File(), name);
     if (!folder.IsOpen())
-        return false;
+        return;
     for (const std::string& entry : folder.Entries()) {
         if (!goesOn())
-            return false;
+            return;
         if (folder.Remove(entry))
             continue;
         // A folder can be moved only by who may change it.
         const Folder inner(folder.File(), entry);
-        const std::string place = NewId().toStdString();
-        if (!inner.IsOpen() || ::renameat(folder.File(), entry.c_str(), top.File(), place.c_str()) != 0)
-            return false;
+        if (inner.IsOpen())
+            ::renameat(folder.File(), entry.c_str(), top.File(), NewId().toStdString().c_str());
     }
-    return top.Remove(name);
+    top.Remove(name);
 }
 
 } // namespace
@@ -104,11 +104,15 @@ bool RemoveTree(const QString& path, const std::function<bool()>& goesOn)
         const Folder top(AT_FDCWD, name);
         if (!top.IsOpen())
             return false;
-        for (auto entries = top.Entries(); !entries.empty(); entries = top.Entries()) {
+        std::vector<std::string> before;
+        for (auto entries = top.Entries(); !entries.empty() && entries != before; entries = top.Entries()) {
             for (const std::string& entry : entries) {
-                if (!goesOn() || (!top.Remove(entry) && !Flatten(top, entry, goesOn)))
+                if (!goesOn())
                     return false;
+                if (!top.Remove(entry))
+                    Flatten(top, entry, goesOn);
             }
+            before = std::move(entries);
         }
     }
     return ::rmdir(name.c_str()) == 0;

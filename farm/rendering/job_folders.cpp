@@ -31,14 +31,15 @@ JobFolders::JobFolders(Database& database, const QString& folder)
 
 bool JobFolders::FreeDeleted(const GoOn& goOn)
 {
+    const bool areFreed = Each(DeletedJobs, goOn, [&](const Job& job) { return Free(job, goOn); });
     // An earlier round may have set files aside whose job is recorded as freed already.
-    const bool isEmpty = RemoveSetAside(goOn);
-    return Each(DeletedJobs, goOn, [&](const Job& job) { return Free(job, goOn); }) && isEmpty;
+    return RemoveSetAside(goOn) && areFreed;
 }
 
 bool JobFolders::Tidy(const GoOn& goOn)
 {
-    return Each(UntidyJobs, goOn, [&](const Job& job) { return TidyOne(job, goOn); });
+    const bool areTidy = Each(UntidyJobs, goOn, [&](const Job& job) { return TidyOne(job); });
+    return RemoveSetAside(goOn) && areTidy;
 }
 
 bool JobFolders::RemoveEndedRuns(const GoOn& goOn)
@@ -59,10 +60,12 @@ bool JobFolders::RemoveEndedRunsOf(const Job& job, const GoOn& goOn)
             ids.append(Text(query.getColumn(0)));
         return ids;
     });
-    bool isDone = true;
-    for (const QString& run : runs)
-        isDone = (known.contains(run) || RemoveTree(folder.filePath(run), goOn)) && isDone;
-    return isDone;
+    // Anything that cannot be removed waits for the end of the job.
+    for (const QString& run : runs) {
+        if (!known.contains(run))
+            RemoveTree(folder.filePath(run), goOn);
+    }
+    return goOn();
 }
 
 bool JobFolders::Each(const char* jobs, const GoOn& goOn, const std::function<bool(const Job&)>& work)
@@ -92,15 +95,15 @@ std::optional<JobFolders::Job> JobFolders::Next(const char* jobs, std::int64_t a
 
 bool JobFolders::Free(const Job& job, const GoOn& goOn)
 {
-    return SetAside(DeletedJobs, job, {QString()}) && RemoveSetAside(goOn) && ForgetFiles(job.key, goOn);
+    return SetAside(DeletedJobs, job, {QString()}) && ForgetFiles(job.key, goOn);
 }
 
-bool JobFolders::TidyOne(const Job& job, const GoOn& goOn)
+bool JobFolders::TidyOne(const Job& job)
 {
     // Early versions of the farm rendered into "unfinished".
     const QStringList leftovers {
         QStringLiteral("/runs"), QStringLiteral("/unfinished"), QStringLiteral("/scene.unfinished")};
-    return SetAside(UntidyJobs, job, leftovers) && RemoveSetAside(goOn);
+    return SetAside(UntidyJobs, job, leftovers);
 }
 
 /// Moves parts of the job's folder to where nobody looks for them, unless the job has changed. It happens while no run of
@@ -131,14 +134,25 @@ bool JobFolders::SetAside(const char* jobs, const Job& job, const QStringList& n
     });
 }
 
-bool JobFolders::RemoveSetAside(const GoOn& goOn) const
+/// Something that cannot be removed is reported once, and keeps nothing else from being removed. Returns false when it was
+/// stopped.
+bool JobFolders::RemoveSetAside(const GoOn& goOn)
 {
-    const QString aside = m_folder + QStringLiteral("/.removed");
-    if (!QFileInfo::exists(aside) || RemoveTree(aside, goOn))
-        return true;
-    if (goOn())
-        spdlog::error("{} cannot be removed; the farm tries again later", aside.toStdString());
-    return false;
+    const std::lock_guard<std::mutex> lock(m_removing);
+    QDir aside(m_folder + QStringLiteral("/.removed"));
+    const QStringList entries
+        = aside.entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
+    for (const QString& entry : entries) {
+        const QString path = aside.filePath(entry);
+        if (RemoveTree(path, goOn))
+            continue;
+        if (!goOn())
+            return false;
+        if (m_unremovable.insert(path).second)
+            spdlog::error("{} cannot be removed; the farm tries again later", path.toStdString());
+    }
+    QDir(m_folder).rmdir(QStringLiteral(".removed"));
+    return true;
 }
 
 /// In small steps, because nobody else can use the database meanwhile.

@@ -5,7 +5,9 @@
 #include <QString>
 
 #include <functional>
+#include <mutex>
 #include <optional>
+#include <set>
 
 namespace farm {
 
@@ -38,14 +40,16 @@ private:
     std::optional<Job> Next(const char* jobs, std::int64_t after);
     bool Each(const char* jobs, const GoOn& goOn, const std::function<bool(const Job&)>& work);
     bool Free(const Job& job, const GoOn& goOn);
-    bool TidyOne(const Job& job, const GoOn& goOn);
+    bool TidyOne(const Job& job);
     bool RemoveEndedRunsOf(const Job& job, const GoOn& goOn);
     bool SetAside(const char* jobs, const Job& job, const QStringList& names);
-    bool RemoveSetAside(const GoOn& goOn) const;
+    bool RemoveSetAside(const GoOn& goOn);
     bool ForgetFiles(std::int64_t job, const GoOn& goOn);
 
     Database& m_database;
     QString m_folder;
+    std::mutex m_removing;
+    std::set<QString> m_unremovable;
 };
 
 } // namespace farm

@@ -29,6 +29,7 @@ private slots:
     {
         m_farm = std::make_unique<FarmAtWork>();
         diskFree = -1;
+        stuckFile.clear();
     }
 
     void DeletingAJobFreesItsFiles()
@@ -107,6 +108,25 @@ private slots:
         m_farm->data.Change("DELETE FROM runs");
         QVERIFY(folders.FreeDeleted(Always));
         QVERIFY(!QFile::exists(folder + u'/' + deleted));
+    }
+
+    void UnremovableFilesKeepNothingElse()
+    {
+        const QString before = m_farm->Path("jobs/.removed/0"_s);
+        QVERIFY(QDir().mkpath(before + "/folder"_s));
+        for (const char* name : {"/a", "/folder/stuck", "/folder/z", "/z"})
+            QVERIFY(WriteFile(before + QLatin1String(name), "x"));
+        Prepared(JobStatus::Deleted);
+        stuckFile = "stuck"_s;
+        JobFolders folders(m_farm->data.database, m_farm->Path("jobs"_s));
+        QVERIFY(folders.FreeDeleted(Always));
+        QCOMPARE(m_farm->data.Count("SELECT files FROM jobs"), 0);
+        QCOMPARE(QDir(before + "/folder"_s).entryList(QDir::Files), QStringList {"stuck"_s});
+        QCOMPARE(QDir(before).entryList(QDir::Files), QStringList());
+        QCOMPARE(QDir(m_farm->Path("jobs/.removed"_s)).count(), 3U); // with "." and ".."
+        stuckFile.clear();
+        QVERIFY(folders.FreeDeleted(Always));
+        QVERIFY(!QFile::exists(m_farm->Path("jobs/.removed"_s)));
     }
 
     void ContentsGoSomeTimeAfterTheirLastUse()

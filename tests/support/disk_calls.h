@@ -24,6 +24,8 @@ inline std::atomic<qint64> diskFree = -1;
 inline QString diskFiller;
 /// Makes syncing the file of this name fail, as on a full disk. Set it while no other thread writes.
 inline QString fullFile;
+/// Makes removing the file of this name fail. Set it while no other thread removes files.
+inline QString stuckFile;
 /// How syncing `fullFile` fails; 0 when it does not.
 inline std::atomic<int> fullError = ENOSPC;
 
@@ -76,6 +78,11 @@ __attribute__((visibility("default"))) int rename(const char* from, const char* 
 {
     disk_calls::Record(QStringLiteral("rename ") + QFileInfo(QFile::decodeName(to)).fileName());
     return int(::syscall(SYS_rename, from, to));
+}
+__attribute__((visibility("default"))) int unlinkat(int folder, const char* name, int flags) noexcept
+{
+    errno = EPERM;
+    return stuckFile == QLatin1String(name) ? -1 : int(::syscall(SYS_unlinkat, folder, name, flags));
 }
 __attribute__((visibility("default"))) int statvfs(const char* path, struct statvfs* disk) noexcept
 {
