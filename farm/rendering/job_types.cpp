@@ -17,28 +17,35 @@ namespace farm {
 
 namespace {
 
-std::int64_t WholeNumber(const QJsonObject& object, const char* key, std::int64_t usual, std::int64_t least)
+constexpr std::int64_t MostOfAnything = 1'000'000;
+constexpr std::int64_t LongestFrame = 100'000'000;      // s, three years
+constexpr std::int64_t LargestSize = 1'000'000'000'000; // MiB
+
+std::int64_t WholeNumber(const QJsonObject& object, const char* key, std::int64_t usual, std::int64_t least,
+    std::int64_t most = MostOfAnything)
 {
     const double number = object.value(QLatin1String(key)).toDouble(double(usual));
-    constexpr double Most = 1e12;
-    if (!(number >= double(least) && number <= Most) || number != std::floor(number))
-        throw std::runtime_error(
-            std::string(key) + " must be a whole number of at least " + std::to_string(least));
+    if (!(number >= double(least) && number <= double(most)) || number != std::floor(number))
+        throw std::runtime_error(std::string(key) + " must be a whole number from " + std::to_string(least)
+            + " to " + std::to_string(most));
     return static_cast<std::int64_t>(number);
 }
 
 Resources ReadResources(const QJsonObject& object)
 {
     constexpr std::int64_t Mebibyte = 1 << 20;
+    const auto size = [&object](const char* key, std::int64_t usual, std::int64_t least) {
+        return WholeNumber(object, key, usual / Mebibyte, least, LargestSize) * Mebibyte;
+    };
     Resources resources;
     resources.cores = int(WholeNumber(object, "cores", resources.cores, 1));
-    resources.memory = WholeNumber(object, "memory_mib", 0, 0) * Mebibyte;
+    resources.memory = size("memory_mib", 0, 0);
     resources.gpus = int(WholeNumber(object, "gpus", 0, 0));
     resources.licences = TextsIn(object.value(QLatin1String("licences")));
-    resources.timeLimit
-        = std::chrono::seconds(WholeNumber(object, "frame_time_limit", resources.timeLimit.count(), 1));
+    resources.timeLimit = std::chrono::seconds(
+        WholeNumber(object, "frame_time_limit", resources.timeLimit.count(), 1, LongestFrame));
     resources.processes = int(WholeNumber(object, "processes", resources.processes, 1));
-    resources.fileSize = WholeNumber(object, "file_size_mib", resources.fileSize / Mebibyte, 1) * Mebibyte;
+    resources.fileSize = size("file_size_mib", resources.fileSize, 1);
     return resources;
 }
 

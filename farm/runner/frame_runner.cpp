@@ -85,7 +85,8 @@ RunResult FrameRunner::Run()
         result.end = verdict.end;
         result.message = verdict.message;
     } catch (const std::runtime_error& error) {
-        result.end = RunEnd::SceneFault;
+        // The renderer has not begun with the scene, so this machine is at fault.
+        result.end = RunEnd::FarmFault;
         result.message = QString::fromUtf8(error.what());
         ProcessTree::End();
     }

@@ -127,7 +127,8 @@ int Renderer::Start()
     const bool hasFailed = ::read(failure[0], &error, sizeof(error)) == sizeof(error);
     ::close(failure[0]);
     if (hasFailed)
-        throw std::runtime_error("the renderer could not be started: " + std::string(std::strerror(error)));
+        throw std::runtime_error("the renderer could not be started: " + m_program.toStdString() + ": "
+            + std::string(std::strerror(error)));
     ::fcntl(output[0], F_SETFL, O_NONBLOCK);
     return output[0];
 }

@@ -201,6 +201,8 @@ private slots:
     {
         for (const char* types : {"povray", "[]", R"({"a":{"suffix":"png"}})", R"({"a":{"program":"sh"}})",
                  R"({"a":{"program":"sh","suffix":"png","frame_time_limit":0}})",
+                 R"({"a":{"program":"sh","suffix":"png","frame_time_limit":10000000000}})",
+                 R"({"a":{"program":"sh","suffix":"png","cores":4294967297}})",
                  R"({"a":{"program":"sh","suffix":"png","slurm":{"queue":"night"}}})",
                  R"({"a":{"program":"sh","suffix":"png","slurm":{"frames_per_task":0}}})"})
             QVERIFY_EXCEPTION_THROWN(m_farm->Start(types), std::runtime_error);
@@ -227,15 +229,19 @@ private slots:
         QVERIFY(!lines.contains("FARM_SECRET=x"));
     }
 
-    void FailsAJobWhoseRendererCannotBeStarted()
+    void AFrameWhoseRendererCannotBeStartedWaits()
     {
         const QString program = m_farm->Path("renderer"_s);
         QVERIFY(WriteFile(program, "#!/no/such/interpreter\n"));
         QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner));
         m_farm->Add(1);
         m_farm->Start(ScriptedTypes({}).replace("/bin/sh", program.toUtf8()));
-        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Failed);
-        QVERIFY(m_farm->data.Only().message.contains(" Frame 1: the renderer could not be started"_s));
+        EVENTUALLY_COMPARE(m_farm->data.Only().message,
+            "Frame 1 waits: the renderer could not be started: %1: No such file or directory."_s.arg(
+                program));
+        QCOMPARE(m_farm->data.Count("SELECT failures FROM frames"), 0);
+        m_farm->Start(ScriptedTypes("cp {scene} {output}"));
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
     }
 
     void AppliesToJobsInCertainStates_data() { AddRows(Transitions); }
