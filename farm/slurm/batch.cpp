@@ -67,7 +67,7 @@ int FramesPerTask(const QString& batchName)
     return std::max(1, batchName.section(QLatin1Char('-'), 1, 1).toInt());
 }
 
-QStringList SubmitArguments(const Batch& batch)
+QStringList SubmitArguments(const Batch& batch, const QStringList& leftOut)
 {
     const Placement& placement = batch.placement;
     const Resources& resources = placement.resources;
@@ -84,8 +84,8 @@ QStringList SubmitArguments(const Batch& batch)
         arguments.append(QStringLiteral("--gres=gpu:%1").arg(resources.gpus));
     const std::pair<const char*, QString> optional[] {
         {"--licenses=", resources.licences.join(QLatin1Char(','))}, {"--partition=", placement.partition},
-        {"--account=", placement.account}, {"--qos=", placement.qos},
-        {"--constraint=", placement.constraint}};
+        {"--account=", placement.account}, {"--qos=", placement.qos}, {"--constraint=", placement.constraint},
+        {"--exclude=", leftOut.join(QLatin1Char(','))}};
     for (const auto& [option, value] : optional) {
         if (!value.isEmpty())
             arguments.append(QLatin1String(option) + value);

@@ -11,7 +11,8 @@ namespace farm {
 
 struct JobType;
 
-/// Where on the cluster runs of a type go, and what their tasks ask for. Runs that agree in it can share an array job.
+/// The place of runs of a type on the cluster, and the resources that their tasks ask for. Runs that agree in it can share
+/// an array job.
 struct Placement
 {
     QString partition;
@@ -34,6 +35,10 @@ struct Batch
     QString name;
     Placement placement;
     std::vector<RunId> runs;
+    /// The job type of all runs.
+    QString type;
+    /// The farm's job of all runs, by its key, when the tasks render several.
+    std::int64_t job = 0;
 
     /// The task, counted from 1, that renders the run at this place, counted from 0.
     int TaskOf(int run) const { return run / placement.framesPerTask + 1; }
@@ -51,7 +56,8 @@ QString NewBatchName(int framesPerTask);
 int FramesPerTask(const QString& batchName);
 
 /// The arguments of sbatch, which reads the script from its standard input.
-QStringList SubmitArguments(const Batch& batch);
+/// @param leftOut names nodes that are to get none of the tasks.
+QStringList SubmitArguments(const Batch& batch, const QStringList& leftOut = {});
 
 /// The script that each task runs.
 /// @param list is a file that every node sees, with the folder of a run in each line, in the order of the batch.

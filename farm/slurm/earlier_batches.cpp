@@ -22,7 +22,8 @@ std::vector<EarlierBatch> EarlierBatches(const BatchLists& lists, const std::vec
             if (known == byFolder.end())
                 continue;
             earlier.held.insert(known->second->id);
-            earlier.batch.placement = PlacementFor(settings, types.value(known->second->task.type));
+            earlier.batch.type = known->second->task.type;
+            earlier.batch.placement = PlacementFor(settings, types.value(earlier.batch.type));
         }
         earlier.batch.placement.framesPerTask = FramesPerTask(name);
         batches.push_back(earlier);

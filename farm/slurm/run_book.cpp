@@ -88,6 +88,7 @@ void RunBook::Update(const std::vector<ClusterTask>& tasks, Clock::time_point no
         else if (!run.overSince)
             run.overSince = now;
     }
+    CountRunsToHold();
 }
 
 void RunBook::AddHindrance(const HeldRun& run)
@@ -137,6 +138,22 @@ QStringList RunBook::LostSubmissions() const
     return lost;
 }
 
+// Only little is sent ahead, because the cluster renders in the order in which it was sent, whoever comes meanwhile. When
+// nothing waits there, it may be able to render much more.
+void RunBook::CountRunsToHold()
+{
+    constexpr int PartAhead = 5;
+    int running = 0;
+    int waiting = 0;
+    for (const auto& entry : m_runs) {
+        const HeldRun& run = entry.second;
+        const bool isRunning = run.seen && PhaseOf(run.seen->state) == TaskPhase::Running;
+        running += int(isRunning && !run.isGone);
+        waiting += int(!isRunning && !IsOver(run));
+    }
+    m_runsToHold = LeastToHold + running + (waiting > 0 ? running / PartAhead : running);
+}
+
 void RunBook::Cancel(const RunId& run)
 {
     const auto held = m_runs.find(run);
@@ -146,12 +163,18 @@ void RunBook::Cancel(const RunId& run)
 
 QStringList RunBook::TakeTasksToCancel()
 {
+    std::set<std::pair<QString, int>> wanted;
+    for (const auto& entry : m_runs) {
+        if (!entry.second.isCancelWanted)
+            wanted.emplace(entry.second.batch, entry.second.task);
+    }
     QStringList tasks;
     for (const auto& entry : m_runs) {
         const HeldRun& run = entry.second;
         const QString job = m_batches.at(run.batch).job;
         const QString task = QStringLiteral("%1_%2").arg(job).arg(run.task);
-        if (run.isCancelWanted && !job.isEmpty() && m_cancelledTasks.insert(task).second)
+        if (wanted.count({run.batch, run.task}) == 0 && !job.isEmpty()
+            && m_cancelledTasks.insert(task).second)
             tasks.append(task);
     }
     return tasks;
@@ -192,6 +215,15 @@ std::vector<RunLook> RunBook::Looks(Clock::time_point now) const
                 {id, run.files, wantsOutcome, IsLate(run, now) || (isOver && run.isCancelWanted)});
     }
     return looks;
+}
+
+std::pair<QString, QString> RunBook::TypeAndNodeOf(const RunFinding& finding) const
+{
+    const auto run = m_runs.find(finding.run);
+    if (run == m_runs.end())
+        return {};
+    const bool isTold = finding.node.isEmpty() && run->second.seen;
+    return {m_batches.at(run->second.batch).batch.type, isTold ? run->second.seen->node : finding.node};
 }
 
 bool RunBook::MarkStarted(const RunFinding& finding)

@@ -17,6 +17,7 @@ class RunBook
 {
 public:
     using Clock = std::chrono::steady_clock;
+    static constexpr int LeastToHold = 20;
 
     /// @param fileDelay is the time that the nodes' files may take to be seen here.
     explicit RunBook(std::chrono::milliseconds fileDelay);
@@ -37,7 +38,7 @@ public:
     };
     /// Forgets a batch that Slurm has not accepted; returns its runs.
     std::vector<Returned> Remove(const QString& batch);
-    Placement PlacementOf(const QString& batch) const { return m_batches.at(batch).batch.placement; }
+    const Batch& BatchOf(const QString& batch) const { return m_batches.at(batch).batch; }
 
     bool IsEmpty() const { return m_runs.empty(); }
     bool Has(const RunId& run) const { return m_runs.count(run) != 0; }
@@ -54,8 +55,11 @@ public:
     /// Why tasks of the placement will wait until somebody changes something, as a clause; empty when none do.
     QString HindranceOf(const Placement& placement) const;
 
+    /// The number of runs with which the cluster stays busy until the next update.
+    int RunsToHold() const { return m_runsToHold; }
+
     void Cancel(const RunId& run);
-    /// Slurm's ids of tasks to cancel. Each is returned once.
+    /// Slurm's ids of tasks of which no run is wanted any more. Each is returned once.
     QStringList TakeTasksToCancel();
     /// The tasks could not be cancelled, so they are returned again.
     void CancelAgain(const QStringList& tasks);
@@ -64,6 +68,8 @@ public:
     std::vector<RunLook> FirstLooks() const;
     /// The runs whose files may have changed.
     std::vector<RunLook> Looks(Clock::time_point now) const;
+    /// The type of the run and the node of its task; empty when they are not known.
+    std::pair<QString, QString> TypeAndNodeOf(const RunFinding& finding) const;
     /// Whether the node's report about the beginning of the run is new.
     bool MarkStarted(const RunFinding& finding);
     /// Returns the end of the run and forgets it; nothing as long as it has not ended.
@@ -95,6 +101,7 @@ private:
 
     bool IsLate(const HeldRun& run, Clock::time_point now) const;
     void AddHindrance(const HeldRun& run);
+    void CountRunsToHold();
     static bool HasEnded(const HeldRun& run);
     static bool IsOver(const HeldRun& run) { return run.isGone || HasEnded(run); }
 
@@ -103,6 +110,7 @@ private:
     std::map<RunId, HeldRun> m_runs;
     std::set<QString> m_cancelledTasks;
     std::map<Placement, QString> m_hindrances;
+    int m_runsToHold = LeastToHold;
 };
 
 } // namespace farm

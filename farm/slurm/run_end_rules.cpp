@@ -115,6 +115,8 @@ std::optional<RunResult> EndOf(const RunEvidence& evidence)
     if (evidence.outcome && IsTrue(*evidence.outcome, evidence.task)) {
         RunResult result = *evidence.outcome;
         result.host = NodeOf(evidence);
+        if (result.end == RunEnd::FarmFault)
+            return Result(evidence, result.end, QStringLiteral("on %1, ") + result.message);
         return result;
     }
     if (evidence.task && PhaseOf(evidence.task->state) != TaskPhase::Ended)

@@ -87,17 +87,14 @@ void SlurmExecutor::Start(const std::vector<Run>& runs)
     for (const Run& run : runs) {
         Placement placement = PlacementFor(m_settings, m_types.value(run.task.type));
         placement.resources = run.order.resources;
-        m_waiting.push_back({run.id, placement, run.order.files});
+        m_waiting.Add({run.id, run.order.files, run.task.type, run.task.key.job, placement});
     }
     TakeTurn();
 }
 
 void SlurmExecutor::Cancel(const RunId& run)
 {
-    const auto waiting = std::find_if(
-        m_waiting.begin(), m_waiting.end(), [&run](const Waiting& one) { return one.id == run; });
-    if (waiting != m_waiting.end()) {
-        m_waiting.erase(waiting);
+    if (m_waiting.Remove(run)) {
         EndLater(run, RunEnd::Cancelled, {});
         return;
     }
@@ -203,7 +200,7 @@ void SlurmExecutor::RunTurn()
 void SlurmExecutor::EndTurn()
 {
     m_isInTurn = false;
-    const bool hasWork = !m_book.IsEmpty() || !m_waiting.empty() || m_probe.IsWaiting() || m_probe.IsDue()
+    const bool hasWork = !m_book.IsEmpty() || !m_waiting.IsEmpty() || m_probe.IsWaiting() || m_probe.IsDue()
         || !m_strangers.isEmpty();
     if (hasWork)
         TakeTurn();
@@ -281,8 +278,16 @@ void SlurmExecutor::HandleFindings(const std::vector<RunFinding>& findings)
     for (const RunFinding& finding : findings) {
         if (m_book.MarkStarted(finding))
             emit Started(finding.run, finding.node, finding.startedAt);
-        if (const auto end = m_book.TakeEnd(finding, RunBook::Clock::now()))
-            m_ends.emplace_back(finding.run, *end);
+        const auto [type, node] = m_book.TypeAndNodeOf(finding);
+        const auto end = m_book.TakeEnd(finding, RunBook::Clock::now());
+        if (!end)
+            continue;
+        m_ends.emplace_back(finding.run, *end);
+        if (m_health.Note(type, node, end->end, RunBook::Clock::now()))
+            spdlog::error(
+                "frames of type {} fail on node {} before they begin: {}; the farm leaves it out for ten "
+                "minutes when another node renders them",
+                type.toStdString(), node.toStdString(), end->message.toStdString());
     }
     const QStringList empty = m_book.TakeEmptyBatches();
     ReportEnds();
@@ -293,25 +298,18 @@ void SlurmExecutor::HandleFindings(const std::vector<RunFinding>& findings)
 
 void SlurmExecutor::SubmitWaiting()
 {
-    std::map<Placement, std::vector<Waiting>> groups;
-    for (const Waiting& run : std::exchange(m_waiting, {}))
-        groups[run.placement].push_back(run);
     const int most = std::min(LargestBatch, m_arraySize > 1 ? m_arraySize - 1 : LargestBatch);
-    for (const auto& [placement, runs] : groups) {
-        const std::size_t size = std::size_t(most) * std::size_t(placement.framesPerTask);
-        for (std::size_t first = 0; first < runs.size(); first += size)
-            Submit({runs.begin() + long(first), runs.begin() + long(std::min(runs.size(), first + size))});
-    }
+    for (const std::vector<WaitingRun>& runs : m_waiting.TakeBatches(most))
+        Submit(runs);
 }
 
-void SlurmExecutor::Submit(const std::vector<Waiting>& runs)
+void SlurmExecutor::Submit(const std::vector<WaitingRun>& runs)
 {
-    Batch batch;
-    batch.placement = runs.front().placement;
-    batch.name = NewBatchName(batch.placement.framesPerTask);
+    const WaitingRun& first = runs.front();
+    Batch batch {NewBatchName(first.placement.framesPerTask), first.placement, {}, first.type, first.job};
     std::vector<RunFiles> files;
     QStringList folders;
-    for (const Waiting& run : runs) {
+    for (const WaitingRun& run : runs) {
         batch.runs.push_back(run.id);
         files.push_back(run.files);
         folders.append(run.files.folder);
@@ -319,12 +317,14 @@ void SlurmExecutor::Submit(const std::vector<Waiting>& runs)
     try {
         m_lists.Write(batch.name, folders);
     } catch (const std::runtime_error& error) {
-        m_waiting.insert(m_waiting.end(), runs.begin(), runs.end());
+        for (const WaitingRun& run : runs)
+            m_waiting.Add(run);
         return Complain(m_settings.folder, QString::fromUtf8(error.what()));
     }
     Complain(m_settings.folder, {});
     m_book.Add(batch, files, {batch.runs.begin(), batch.runs.end()});
-    m_commands.Run({QStringLiteral("sbatch"), SubmitArguments(batch),
+    const QStringList leftOut = m_health.LeftOut(batch.type, RunBook::Clock::now());
+    m_commands.Run({QStringLiteral("sbatch"), SubmitArguments(batch, leftOut),
         BatchScript(batch.placement.framesPerTask, m_lists.File(batch.name), m_settings.runner),
         [this, name = batch.name](const CommandResult& result) { HandleSubmission(name, result); }});
 }
@@ -344,7 +344,8 @@ void SlurmExecutor::HandleSubmission(const QString& batch, const CommandResult& 
     case CommandFault::InDoubt:
         return m_book.Doubt(batch);
     case CommandFault::Refused:
-        m_probe.Withdraw(m_book.PlacementOf(batch), fault);
+        m_probe.Withdraw(m_book.BatchOf(batch).placement, fault);
+        m_health.Forget(m_book.BatchOf(batch).type);
         return TakeBack(batch, fault);
     case CommandFault::Unreachable:
         m_submitAgain = RunBook::Clock::now() + RestAfterFault * m_settings.interval;
@@ -354,14 +355,14 @@ void SlurmExecutor::HandleSubmission(const QString& batch, const CommandResult& 
 
 void SlurmExecutor::TakeBack(const QString& name, const QString& refusal)
 {
-    const Placement placement = m_book.PlacementOf(name);
+    const Batch batch = m_book.BatchOf(name);
     for (const RunBook::Returned& run : m_book.Remove(name)) {
         if (run.isCancelWanted)
             EndLater(run.id, RunEnd::Cancelled, {});
         else if (!refusal.isEmpty())
             EndLater(run.id, RunEnd::FarmFault, refusal);
         else
-            m_waiting.push_back({run.id, placement, run.files});
+            m_waiting.Add({run.id, run.files, batch.type, batch.job, batch.placement});
     }
     m_lists.Remove(name);
 }

@@ -4,12 +4,15 @@
 #include "farm/slurm/batch_lists.h"
 #include "farm/slurm/cluster_commands.h"
 #include "farm/slurm/cluster_limits.h"
+#include "farm/slurm/node_health.h"
 #include "farm/slurm/renderer_probe.h"
 #include "farm/slurm/run_book.h"
+#include "farm/slurm/waiting_runs.h"
 
 #include <QThread>
 #include <QTimer>
 
+#include <algorithm>
 #include <map>
 
 namespace farm {
@@ -26,7 +29,7 @@ public:
     SlurmExecutor(const SlurmSettings& settings, const JobTypes& types);
     ~SlurmExecutor() override;
 
-    int Capacity() const override { return m_settings.frames; }
+    int Capacity() const override { return std::min(m_settings.frames, m_book.RunsToHold()); }
     void SetCapacity(int runs) override { m_settings.frames = runs; }
     Availability Has(const JobType& type) override;
     QString HindranceOf(const JobType& type) const override;
@@ -36,14 +39,6 @@ public:
     void Stop() override;
 
 private:
-    /// A run that is to be submitted.
-    struct Waiting
-    {
-        RunId id;
-        Placement placement;
-        RunFiles files;
-    };
-
     void TakeTurn();
     void RunTurn();
     void LearnLimits();
@@ -55,7 +50,7 @@ private:
     void EndTurn();
 
     void SubmitWaiting();
-    void Submit(const std::vector<Waiting>& runs);
+    void Submit(const std::vector<WaitingRun>& runs);
     void HandleSubmission(const QString& batch, const CommandResult& result);
     /// The batch has not been accepted: its runs wait again, or end when the cluster has refused them for a reason.
     void TakeBack(const QString& batch, const QString& refusal = {});
@@ -72,7 +67,8 @@ private:
     ClusterCommands m_commands;
     RendererProbe m_probe;
     RunBook m_book;
-    std::vector<Waiting> m_waiting;
+    WaitingRuns m_waiting;
+    NodeHealth m_health;
     std::vector<std::pair<RunId, RunResult>> m_ends;
     /// Batches of an earlier farm of whose runs none is wanted any more.
     QStringList m_strangers;

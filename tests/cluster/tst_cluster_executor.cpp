@@ -176,6 +176,22 @@ private slots:
         }
     }
 
+    void LeavesOutANodeOnWhichFramesCannotBegin()
+    {
+        QVERIFY(WriteFile(m_bench->settings.runner,
+            "#!/bin/sh\n[ $SLURMD_NODENAME = n2 ] && end=done || end=farm_fault\n"
+            "echo {\\\"end\\\":\\\"$end\\\",\\\"message\\\":\\\"no lamp\\\"} >\"${1%/*}/outcome.json\"\n"));
+        m_bench->Open();
+        m_bench->Start({"r1"_s, "r2"_s, "r3"_s, "r4"_s, "r5"_s, "r6"_s, "r7"_s, "r8"_s});
+        EVENTUALLY_COMPARE(m_bench->endCount, 8);
+        QVERIFY(m_bench->HasLogged("fail on node n1 before they begin: on node n1, no lamp"));
+        const QStringList next {"s1"_s, "s2"_s, "s3"_s, "s4"_s};
+        m_bench->Start(next);
+        EVENTUALLY_COMPARE(m_bench->endCount, 12);
+        for (const RunId& run : next)
+            QVERIFY(m_bench->HasEnded(run, RunEnd::Done));
+    }
+
     void SaysWhatTheClusterLacks_data()
     {
         static const std::tuple<const char*, const char*, const char*, const char*> lacks[] = {

@@ -1,8 +1,10 @@
 #include "farm/slurm/batch.h"
 #include "farm/slurm/cluster_limits.h"
 #include "farm/slurm/command_fault.h"
+#include "farm/slurm/node_health.h"
 #include "farm/slurm/run_book.h"
 #include "farm/slurm/run_end_rules.h"
+#include "farm/slurm/waiting_runs.h"
 #include "tests/support/test_files.h"
 #include "tests/support/test_tables.h"
 
@@ -14,7 +16,7 @@ using namespace farm;
 namespace {
 
 // How a run ends, by the state of its task on node n1 (none when Slurm does not know it), by what is there (s: it was
-// started, o: it has the outcome Cancelled, d: Done, f: SceneFault, c: it is to be cancelled, l: files would have been
+// started, o: it has the outcome Cancelled, d: Done, f: SceneFault, m: FarmFault, c: it is to be cancelled, l: files would have been
 // seen by now), and the part of the message that tells the user why.
 constexpr int Open = -1;
 const std::tuple<const char*, const char*, const char*, int, const char*> Ends[] = {
@@ -30,6 +32,7 @@ const std::tuple<const char*, const char*, const char*, int, const char*> Ends[]
     {"scene at fault", "COMPLETED", "sf", int(RunEnd::SceneFault), "a lamp"},
     {"scene at fault while others of its task are rendered", "RUNNING", "sf", int(RunEnd::SceneFault),
         "a lamp"},
+    {"renderer not installed", "COMPLETED", "sm", int(RunEnd::FarmFault), "on node n1, a lamp"},
     {"renderer ended by Slurm's signal", "PREEMPTED", "sf", int(RunEnd::Preempted), "node n1"},
     {"renderer ended by Slurm's signal just now", "COMPLETING", "sf", Open, ""},
     {"node failed", "NODE_FAIL", "s", int(RunEnd::MachineLost), "node n1 failed"},
@@ -88,6 +91,14 @@ const std::tuple<const char*, const char*, CommandFault, const char*> Faults[] =
         "ended with code 1 (sbatch: error: Batch job"},
 };
 
+// Runs that the cluster renders, runs that wait there, and the number of runs that it is to hold.
+const std::tuple<const char*, int, int, int> Loads[] = {
+    {"nothing sent", 0, 0, 20},
+    {"nothing begun", 0, 20, 20},
+    {"all begun", 20, 0, 60},
+    {"busy", 100, 1, 140},
+};
+
 ClusterTask Task(int index, const char* state)
 {
     return {"quillstar-1-x"_s, index, "7_%1"_s.arg(index), QString::fromLatin1(state), "n1"_s, {}};
@@ -118,7 +129,7 @@ private slots:
         evidence.isCancelWanted = is('c');
         evidence.isLate = is('l');
         for (const auto& [sign, outcome] : {std::pair('o', RunEnd::Cancelled), std::pair('d', RunEnd::Done),
-                 std::pair('f', RunEnd::SceneFault)}) {
+                 std::pair('f', RunEnd::SceneFault), std::pair('m', RunEnd::FarmFault)}) {
             if (is(sign))
                 evidence.outcome = RunResult {outcome, "a lamp is missing"_s, {}, 1234, {}};
         }
@@ -178,7 +189,8 @@ private slots:
         for (const char* part : {"--array=1-2 ", "--no-requeue", "--cpus-per-task=8", "--mem=1431M",
                  "--licenses=maya:1,vray:2", "--partition=gpu", "--qos=night", "--time=7 "})
             QVERIFY2(arguments.contains(QLatin1String(part)), qPrintable(arguments));
-        for (const char* part : {"--account", "--gres", "--constraint"})
+        QVERIFY(SubmitArguments(batch, {"n1"_s, "n7"_s}).contains("--exclude=n1,n7"_s));
+        for (const char* part : {"--account", "--gres", "--constraint", "--exclude"})
             QVERIFY2(!arguments.contains(QLatin1String(part)), qPrintable(arguments));
     }
 
@@ -245,6 +257,75 @@ private slots:
             QVERIFY(returned[1].isCancelWanted && !returned[0].isCancelWanted);
             QVERIFY(book.IsEmpty());
         }
+    }
+
+    void StoppingAJobEndsNoFramesOfOthers()
+    {
+        const auto batches = [](int framesPerTask) {
+            WaitingRuns waiting;
+            for (const char* run : {"1a", "2a", "1b", "2b", "2c"}) {
+                Placement placement;
+                placement.framesPerTask = framesPerTask;
+                waiting.Add({QLatin1String(run), {}, "povray"_s, run[0] - '0', placement});
+            }
+            QStringList all;
+            for (const auto& batch : waiting.TakeBatches(1)) {
+                QString runs;
+                for (const WaitingRun& run : batch)
+                    runs += run.id;
+                all.append(runs);
+            }
+            return waiting.IsEmpty() ? all.join(u' ') : QString();
+        };
+        QCOMPARE(batches(1), "1a 2a 1b 2b 2c"_s);
+        QCOMPARE(batches(2), "1a1b 2a2b 2c"_s);
+        // An earlier farm may have mixed them.
+        RunBook book(std::chrono::seconds {60});
+        Batch batch = TwoRuns();
+        batch.placement.framesPerTask = 2;
+        book.Add(batch, {{"/a"_s}, {"/b"_s}}, {"r1"_s, "r2"_s});
+        book.SetJob(batch.name, "7"_s);
+        book.Cancel("r1"_s);
+        QCOMPARE(book.TakeTasksToCancel(), QStringList());
+        book.Cancel("r2"_s);
+        QCOMPARE(book.TakeTasksToCancel(), QStringList {"7_1"_s});
+    }
+
+    void LeavesOutNodesThatFailBeforeAFrameBegins()
+    {
+        NodeHealth health;
+        const auto now = NodeHealth::Clock::now();
+        const auto later = now + NodeHealth::LeftOutFor;
+        const auto note = [&](const char* node, RunEnd end, const char* type = "blender") {
+            return health.Note(QLatin1String(type), QLatin1String(node), end, now);
+        };
+        QVERIFY(!note("n1", RunEnd::FarmFault) && !note("n1", RunEnd::Preempted));
+        QVERIFY(!note("n1", RunEnd::FarmFault) && !note("n1", RunEnd::Done, "povray"));
+        QVERIFY(note("n1", RunEnd::FarmFault) && !note("", RunEnd::FarmFault));
+        // The fault may be everywhere.
+        QCOMPARE(health.LeftOut("blender"_s, now), QStringList());
+        QVERIFY(!note("n2", RunEnd::SceneFault));
+        QCOMPARE(health.LeftOut("blender"_s, now), QStringList {"n1"_s});
+        QCOMPARE(health.LeftOut("povray"_s, now), QStringList());
+        QCOMPARE(health.LeftOut("blender"_s, later), QStringList());
+        QVERIFY(!note("n1", RunEnd::Done) && !note("n1", RunEnd::FarmFault));
+        QCOMPARE(health.LeftOut("blender"_s, now), QStringList());
+    }
+
+    void SendsLittleAheadOfWhatTheClusterRenders_data() { AddRows(Loads); }
+    void SendsLittleAheadOfWhatTheClusterRenders()
+    {
+        const auto& [name, running, waiting, hold] = Row(Loads);
+        RunBook book(std::chrono::seconds {60});
+        Batch batch {"quillstar-1-x"_s, {}, {}, {}, 0};
+        std::vector<ClusterTask> tasks;
+        for (int i = 1; i <= running + waiting; ++i) {
+            batch.runs.push_back(QString::number(i));
+            tasks.push_back(Task(i, i <= running ? "RUNNING" : "PENDING"));
+        }
+        book.Add(batch, std::vector<RunFiles>(batch.runs.size()), {batch.runs.begin(), batch.runs.end()});
+        book.Update(tasks, RunBook::Clock::now());
+        QCOMPARE(book.RunsToHold(), hold);
     }
 
     void SaysWhyTasksWait()

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "farm/runner/run.h"
+
+#include <chrono>
+#include <map>
+#include <utility>
+
+namespace farm {
+
+/// Notices nodes on which no frame of a job type can even begin, such as one that lacks the renderer. They are free again at
+/// once and would get most frames.
+class NodeHealth
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /// A node is left out after so many faults in a row, and only while another one renders the type.
+    static constexpr int FaultsToLeaveOut = 3;
+    static constexpr std::chrono::minutes LeftOutFor {10};
+
+    /// Takes over how a run of the type has ended. Returns whether the node has just got one fault too many.
+    bool Note(const QString& type, const QString& node, RunEnd end, Clock::time_point now);
+    /// Forgets the faults, as when the cluster refuses to leave the nodes out.
+    void Forget(const QString& type);
+
+    /// The nodes that are to get no frames of the type.
+    QStringList LeftOut(const QString& type, Clock::time_point now) const;
+
+private:
+    struct State
+    {
+        int faults = 0; ///< in a row
+        bool hasRendered = false;
+        Clock::time_point last;
+    };
+
+    std::map<QString, std::map<QString, State>> m_states;
+};
+
+} // namespace farm
