@@ -46,6 +46,7 @@ Resources ReadResources(const QJsonObject& object)
         WholeNumber(object, "frame_time_limit", resources.timeLimit.count(), 1, LongestFrame));
     resources.processes = int(WholeNumber(object, "processes", resources.processes, 1));
     resources.fileSize = size("file_size_mib", resources.fileSize, 1);
+    resources.outputSize = size("output_mib", resources.fileSize, 1);
     return resources;
 }
 

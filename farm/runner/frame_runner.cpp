@@ -1,5 +1,6 @@
 #include "farm/runner/frame_runner.h"
 
+#include "farm/runner/folder_use.h"
 #include "farm/runner/process_tree.h"
 
 #include <QSysInfo>
@@ -20,20 +21,15 @@ namespace {
 
 // Limits that the kernel does not keep by itself are looked at this often.
 constexpr std::chrono::milliseconds LookInterval {500};
+// The output may lie on a shared folder, so it is looked at less often, and for a small part of the time.
+constexpr std::chrono::milliseconds OutputLookInterval {2000};
+constexpr int PausesPerLook = 9;
 constexpr std::int64_t Mebibyte = 1 << 20;
 
 std::int64_t Milliseconds(const timeval& time)
 {
     constexpr int PerSecond = 1000;
     return std::int64_t {time.tv_sec} * PerSecond + time.tv_usec / PerSecond;
-}
-
-/// The processor time of all processes that have ended below this one, whoever waited for them.
-std::int64_t CoreMilliseconds()
-{
-    rusage usage {};
-    ::getrusage(RUSAGE_CHILDREN, &usage);
-    return Milliseconds(usage.ru_utime) + Milliseconds(usage.ru_stime);
 }
 
 } // namespace
@@ -77,6 +73,7 @@ RunResult FrameRunner::Run()
         const int output = renderer.Start();
         m_renderer = renderer.Process();
         Watch(output);
+        m_time.LookAt(ProcessTree::Measure().processes);
         if (!ProcessTree::End())
             m_log.Add("\nprocesses of the renderer could not be ended\n");
         ReadOutput(output);
@@ -92,6 +89,9 @@ RunResult FrameRunner::Run()
     }
     result.seconds
         = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - begin).count();
+    // Nobody needs the output of a failure, which may have filled the disk on which its outcome is to be written.
+    if (CountsAsAttempt(result.end))
+        RemoveFiles(m_order.files.OutputFolder());
     m_log.Finish();
     result.log = m_log.End(OutputLog::LongEnd);
     result.coreMilliseconds = CoreMilliseconds();
@@ -121,6 +121,7 @@ void FrameRunner::Watch(int output)
             m_nextLook = now + LookInterval;
             LookAtUse();
         }
+        LookAtOutput();
     }
 }
 
@@ -141,6 +142,7 @@ void FrameRunner::HandleSignals()
 void FrameRunner::LookAtUse()
 {
     const ProcessTree::Use use = ProcessTree::Measure();
+    m_time.LookAt(use.processes);
     const Resources& most = m_order.resources;
     if (use.memory > MemoryLimit())
         m_verdict = Verdict {RunEnd::SceneFault,
@@ -148,6 +150,34 @@ void FrameRunner::LookAtUse()
     else if (use.tasks > most.processes)
         m_verdict = Verdict {RunEnd::SceneFault,
             QStringLiteral("the renderer exceeded its limit of %1 processes").arg(most.processes)};
+}
+
+// The limits of the kernel hold for each file, and a disk that is full stops everybody.
+void FrameRunner::LookAtOutput()
+{
+    const auto begin = std::chrono::steady_clock::now();
+    if (begin < m_nextOutputLook || m_verdict)
+        return;
+    const FolderUse use = MeasureFolder(m_order.files.OutputFolder());
+    const std::int64_t most = m_order.resources.outputSize;
+    if (most > 0 && use.bytes > most)
+        m_verdict = Verdict {RunEnd::SceneFault,
+            QStringLiteral("the renderer wrote more than %1 MiB in all").arg(most / Mebibyte)};
+    else if (use.entries > MostEntries)
+        m_verdict = Verdict {
+            RunEnd::SceneFault, QStringLiteral("the renderer wrote more than %1 files").arg(MostEntries)};
+    const auto end = std::chrono::steady_clock::now();
+    m_nextOutputLook = end
+        + std::max<std::chrono::steady_clock::duration>(OutputLookInterval, PausesPerLook * (end - begin));
+}
+
+/// The processor time of all processes that have ended below this one. The kernel adds it up, but without those whose
+/// parents have told it not to wait for them; the looks know only what they have seen.
+std::int64_t FrameRunner::CoreMilliseconds() const
+{
+    rusage usage {};
+    ::getrusage(RUSAGE_CHILDREN, &usage);
+    return std::max(Milliseconds(usage.ru_utime) + Milliseconds(usage.ru_stime), m_time.Milliseconds());
 }
 
 // Without a limit of its own, a frame must leave the machine usable.

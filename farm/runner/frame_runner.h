@@ -1,6 +1,7 @@
 #pragma once
 
 #include "farm/runner/output_log.h"
+#include "farm/runner/processor_time.h"
 #include "farm/runner/renderer.h"
 #include "farm/runner/run_order.h"
 
@@ -34,6 +35,8 @@ private:
     void Watch(int output);
     void HandleSignals();
     void LookAtUse();
+    void LookAtOutput();
+    std::int64_t CoreMilliseconds() const;
     std::int64_t MemoryLimit() const;
     void ReadOutput(int output);
     Verdict Judge() const;
@@ -43,6 +46,8 @@ private:
     OutputLog m_log;
     std::chrono::steady_clock::time_point m_deadline;
     std::chrono::steady_clock::time_point m_nextLook;
+    std::chrono::steady_clock::time_point m_nextOutputLook;
+    ProcessorTime m_time;
     int m_signals = -1;
     /// Why the run is ended before the renderer ends by itself.
     std::optional<Verdict> m_verdict;

@@ -65,7 +65,7 @@ QStringList NamesOf(const QString& folder, const QByteArray& mounts)
     const QList<Mount> all = ReadMounts(mounts);
     std::optional<Mount> own;
     for (const Mount& mount : all) {
-        // Of mounts at one place the last one is in use.
+        // The last of several mounts at one place is in use.
         if (IsWithin(folder, mount.place) && (!own || mount.place.size() >= own->place.size()))
             own = mount;
     }

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::chrono::seconds LongestEnd {5};
 constexpr std::chrono::milliseconds EndPause {5};
-// Of a tree that grows without bounds this much is looked at.
+// A tree that grows without bounds is looked at only so far.
 constexpr int MostProcesses = 20'000;
 
 QStringList Entries(const QString& folder)
@@ -51,14 +51,26 @@ QVector<pid_t> ChildrenOf(pid_t process, int& tasks)
     return children;
 }
 
+/// The number of bytes behind a name such as "RssAnon:", which files of /proc give in kB.
+std::int64_t BytesIn(const QByteArray& text, const char* name)
+{
+    constexpr std::int64_t Kibibyte = 1024;
+    const int at = text.indexOf(name);
+    const int begin = at + int(qstrlen(name));
+    return at < 0 ? 0 : text.mid(begin, text.indexOf('k', begin) - begin).trimmed().toLongLong() * Kibibyte;
+}
+
 std::int64_t MemoryOf(pid_t process)
 {
-    constexpr int Resident = 1;
-    constexpr int Shared = 2;
-    const QList<QByteArray> pages = Contents(QStringLiteral("/proc/%1/statm").arg(process)).split(' ');
-    if (pages.size() <= Shared)
-        return 0;
-    return (pages[Resident].toLongLong() - pages[Shared].toLongLong()) * ::sysconf(_SC_PAGESIZE);
+    const QString folder = QStringLiteral("/proc/%1/").arg(process);
+    const QByteArray status = Contents(folder + QStringLiteral("status"));
+    const std::int64_t own = BytesIn(status, "RssAnon:");
+    const std::int64_t shared = BytesIn(status, "RssShmem:");
+    if (shared == 0)
+        return own;
+    // Each process counts its part of memory that several use, which the kernel needs some time to find out.
+    const QByteArray rollup = Contents(folder + QStringLiteral("smaps_rollup"));
+    return own + (rollup.contains("Pss_Shmem:") ? BytesIn(rollup, "Pss_Shmem:") : shared);
 }
 
 } // namespace
@@ -67,10 +79,10 @@ Use Measure()
 {
     Use use;
     int tasks = 0;
-    QVector<pid_t> processes = ChildrenOf(::getpid(), tasks);
-    for (int next = 0; next < processes.size() && next < MostProcesses; ++next) {
-        const pid_t process = processes[next];
-        processes += ChildrenOf(process, tasks);
+    use.processes = ChildrenOf(::getpid(), tasks);
+    for (int next = 0; next < use.processes.size() && next < MostProcesses; ++next) {
+        const pid_t process = use.processes[next];
+        use.processes += ChildrenOf(process, tasks);
         use.tasks += tasks;
         use.memory += MemoryOf(process);
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QVector>
+
 #include <cstdint>
 #include <functional>
 #include <sys/types.h>
@@ -11,7 +13,8 @@ namespace farm::ProcessTree {
 struct Use
 {
     int tasks = 0;           ///< processes and threads
-    std::int64_t memory = 0; ///< bytes that no other process shares
+    std::int64_t memory = 0; ///< bytes, without files that are mapped
+    QVector<pid_t> processes;
 };
 Use Measure();
 

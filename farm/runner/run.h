@@ -21,7 +21,7 @@ enum class RunEnd {
     MachineLost,
     Preempted,
     LicenceMissing,
-    /// The farm or the machine is at fault: the renderer could not be started or watched.
+    /// The farm or the machine is at fault: the renderer could not be started or watched, or left no report.
     FarmFault,
 };
 
@@ -59,6 +59,8 @@ struct Resources
     int processes = 1024;
     /// The size of a file that the renderer writes, in bytes.
     std::int64_t fileSize = std::int64_t {16} << 30;
+    /// The sum of the files in its output folder, in bytes; 0 for any.
+    std::int64_t outputSize = fileSize;
 };
 
 /// The files of a run, by absolute paths that are the same on every machine that may run it.

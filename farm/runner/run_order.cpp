@@ -69,7 +69,8 @@ QJsonObject ResourcesJson(const Resources& resources)
         {QStringLiteral("licences"), QJsonArray::fromStringList(resources.licences)},
         {QStringLiteral("time_limit"), qint64(resources.timeLimit.count())},
         {QStringLiteral("processes"), resources.processes},
-        {QStringLiteral("file_size"), qint64(resources.fileSize)}};
+        {QStringLiteral("file_size"), qint64(resources.fileSize)},
+        {QStringLiteral("output_size"), qint64(resources.outputSize)}};
 }
 
 // Qt 5.15 reads JSON numbers as doubles, which hold all sizes and times that occur here.
@@ -88,6 +89,8 @@ Resources ReadResources(const QJsonObject& object)
     resources.timeLimit = std::chrono::seconds(WholeNumber(object[QLatin1String("time_limit")]));
     resources.processes = object[QLatin1String("processes")].toInt();
     resources.fileSize = WholeNumber(object[QLatin1String("file_size")]);
+    // An order of an earlier farm has none.
+    resources.outputSize = WholeNumber(object[QLatin1String("output_size")]);
     return resources;
 }
 

@@ -65,6 +65,22 @@ const Excess Excesses[] = {
         "the renderer exceeded its limit of 20 processes"_s},
     {"file size", R"("file_size_mib": 1)", "exec head -c 2000000 /dev/zero > {output}",
         "the renderer wrote a file of more than 1 MiB"_s},
+    {"shared memory", R"("memory_mib": 40)",
+        "exec perl -e 'require \"syscall.ph\"; open my $zeros, \"<\", \"/dev/zero\"; "
+        "my $all = syscall(&SYS_mmap, 0, 90000000, 3, 33, -1, 0); " // readable, writable, shared, anonymous
+        "syscall(&SYS_read, fileno $zeros, $all, 90000000); sleep 600'",
+        "the renderer exceeded its memory limit of 40 MiB"_s},
+    {"output", R"("output_mib": 3)",
+        "for n in 1 2 3 4; do mkdir {output_folder}/$n; head -c 1000000 /dev/zero > {output_folder}/$n/x; "
+        "done; "
+        "sleep 600",
+        "the renderer wrote more than 3 MiB in all"_s},
+};
+
+// The processor time of a child counts once, whether or not its parent waits for it.
+const std::tuple<const char*, const char*> Parents[] = {
+    {"waits", "1"},
+    {"does not wait", "$SIG{CHLD} = \"IGNORE\""},
 };
 
 // Where the earlier farm has left the picture of a run that is done.
@@ -226,6 +242,17 @@ private slots:
         };
         QVERIFY2(milliseconds("1") > 2 * milliseconds("2"), qPrintable(QString::number(milliseconds("2"))));
         QVERIFY(milliseconds("1") > 100);
+    }
+
+    void AreChargedOnceForTheirChildren_data() { AddRows(Parents); }
+    void AreChargedOnceForTheirChildren()
+    {
+        m_farm->Add(1);
+        m_farm->Start(ScriptedTypes(QByteArray("perl -e '") + std::get<1>(Row(Parents))
+            + "; if (!fork) { 1 while (times)[0] < 1; sleep 1; exit } wait'; cp {scene} {output}"));
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
+        const int milliseconds = m_farm->data.Count("SELECT core_milliseconds FROM charges");
+        QVERIFY2(milliseconds > 950 && milliseconds < 1800, qPrintable(QString::number(milliseconds)));
     }
 
     void EndWithAllThatTheyHaveStarted_data() { AddRows(Ends); }

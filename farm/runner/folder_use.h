@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+
+namespace farm {
+
+/// The room on the disk that the files in a folder, and in those below, take.
+struct FolderUse
+{
+    std::int64_t bytes = 0;
+    int entries = 0; ///< files and folders; counting ends above `MostEntries`
+};
+
+constexpr int MostEntries = 100'000;
+
+/// Other processes may change the folder meanwhile. Links are not followed.
+FolderUse MeasureFolder(const QString& path);
+
+/// Removes the files in a folder and in those below, as far as they can be removed; the folders stay.
+void RemoveFiles(const QString& path);
+
+} // namespace farm
