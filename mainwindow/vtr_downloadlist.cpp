@@ -55,7 +55,7 @@ void VTDownloadList::AddRows(int nFirst)
     const QVariantMap* pTasks = Tasks();
     if (!pTasks)
         return;
-    auto itTask = m_place.At(*pTasks, nFirst);
+    auto itTask = TaskAt(*pTasks, nFirst);
     if (itTask == pTasks->constEnd())
         return;
     // All rows are added at once: each change of their number lays out all progress bars that are there already.
@@ -63,6 +63,19 @@ void VTDownloadList::AddRows(int nFirst)
     m_lstShown.resize(m_pTable->rowCount());
     for (int nRow = 0; nRow < m_pTable->rowCount(); ++nRow, ++itTask)
         WriteRow(nRow, itTask.key(), itTask->toMap());
+}
+
+QVariantMap::const_iterator VTDownloadList::TaskAt(const QVariantMap& mapTasks, int nIndex)
+{
+    // A render core may know the order of its downloads, which spares counting the entries of a long map. Its operation for
+    // that is no part of the interface, so that no render core needs to have it.
+    VTRenderCoreInterface* pCore = m_deps.services.pRenderCore;
+    QString strTaskId;
+    if (pCore && pCore->metaObject()->indexOfMethod("DownloadTaskIdAt(int)") >= 0)
+        QMetaObject::invokeMethod(pCore, "DownloadTaskIdAt", Qt::DirectConnection,
+            Q_RETURN_ARG(QString, strTaskId), Q_ARG(int, nIndex));
+    const auto itTask = strTaskId.isEmpty() ? mapTasks.constEnd() : mapTasks.constFind(strTaskId);
+    return itTask != mapTasks.constEnd() ? itTask : m_place.At(mapTasks, nIndex);
 }
 
 void VTDownloadList::CatchUp()

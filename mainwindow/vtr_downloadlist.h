@@ -65,6 +65,8 @@ private:
     const QVariantMap* Tasks() const;
     void BuildPage(int nPage, bool bKeepMarks);
     void AddRows(int nFirst);
+    /// The task with this index in the order of the map, or the end.
+    QVariantMap::const_iterator TaskAt(const QVariantMap& mapTasks, int nIndex);
     void WriteRow(int nRow, const QString& strTaskId, const QVariantMap& mapTask);
     void WriteState(int nRow, const QVariantMap& mapTask);
 

@@ -44,6 +44,9 @@ public:
     /// Says in a few words why a local task stands still; empty where the name of its stage says as much.
     QString HaltText(const QString& id) const;
 
+    /// Tells the window where a page of a long list begins.
+    Q_INVOKABLE QString DownloadTaskIdAt(int index) const { return m_downloads.IdAt(index); }
+
     void RemoveSubmitTasks(const QStringList& ids, bool byUser) override;
     void RemoveDownloadTasks(const QStringList& ids) override;
     void StopDownloadTasks(const QStringList& ids) override;

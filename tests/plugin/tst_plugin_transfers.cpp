@@ -41,6 +41,22 @@ const std::tuple<const char*, int, int, QString, QString, QString> DoubleClicks[
     {"agreed", 9, Warn, MessageBoxStandIn::Consent(), "ShowMessage, ContinueSubmit t.1"_s, LackQuestion},
 };
 
+/// A render core that knows the order of its downloads, or gives a wrong id.
+class OrderedRenderCore : public RenderCoreStandIn
+{
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE QString DownloadTaskIdAt(int index)
+    {
+        asked.append(index);
+        return isWrong ? "none"_s : downloads.keys().value(index);
+    }
+
+    bool isWrong = false;
+    QVector<int> asked;
+};
+
 QVariantMap MakeDownload(
     const QString& destination, int status = 1, int progress = 30, const QString& message = "<i>msg</i>"_s)
 {
@@ -56,6 +72,31 @@ class TestPluginTransfers : public ClientTest
     Q_OBJECT
 
 private slots:
+    void AsksWhereAPageOfDownloadsBegins_data()
+    {
+        QTest::addColumn<bool>("isWrong");
+        QTest::newRow("known") << false;
+        QTest::newRow("wrong id") << true;
+    }
+    void AsksWhereAPageOfDownloadsBegins()
+    {
+        OrderedRenderCore core;
+        QFETCH(bool, isWrong);
+        core.isWrong = isWrong;
+        for (int number = 1; number <= 40; ++number)
+            core.downloads.insert(Numbered("d"_s, number), MakeDownload("f"_s));
+        m_client = std::make_unique<Client>();
+        m_client->leftOut = QStringList {"VTRenderCoreInterface"_s};
+        m_client->Start();
+        m_client->Context()->registerService({"VTRenderCoreInterface"_s}, &core);
+        QVERIFY(m_client->Open());
+        m_client->Tabs()->setCurrentIndex(2);
+        m_client->Button("btnNextPage"_s)->click();
+        QCOMPARE(core.asked, QVector<int>({0, 18}));
+        QCOMPARE(Downloads()->item(0, Name)->data(Qt::UserRole).toString(), "d19"_s);
+        m_client.reset();
+    }
+
     void ShowsTheTasksWhenTheirListChanges()
     {
         ShowTask({"t2"_s, "/scenes/a.b/scene.v2.ma"_s, "10:00"_s, "<b>message</b>"_s, "up"_s, 1, 55});

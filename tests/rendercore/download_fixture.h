@@ -77,7 +77,14 @@ public:
         queue.SetAccess(access);
     }
 
-    QStringList Ids() const { return queue.Tasks()->keys(); }
+    /// The ids in the order of the map, which is also that of the positions.
+    QStringList Ids() const
+    {
+        QStringList placed;
+        while (!queue.IdAt(placed.size()).isEmpty())
+            placed.append(queue.IdAt(placed.size()));
+        return placed == queue.Tasks()->keys() ? placed : QStringList {"the order is wrong"_s};
+    }
     QVariant Value(const char* key) const
     {
         return queue.Tasks()->isEmpty() ? QVariant()

@@ -2,8 +2,10 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSet>
 #include <QThreadPool>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -85,6 +87,11 @@ void DownloadQueue::SetAccess(const FarmAccess& access)
         [access, session = m_session](DownloadWorker& worker) { worker.SetAccess(access, session); });
 }
 
+QString DownloadQueue::IdAt(int index) const
+{
+    return index >= 0 && index < m_order.size() ? IdOf(m_order.at(index)) : QString();
+}
+
 void DownloadQueue::SetKeepDays(int days)
 {
     m_worker->Post([days](DownloadWorker& worker) { worker.SetKeepDays(days); });
@@ -143,6 +150,7 @@ void DownloadQueue::Clear()
         return;
     QVariantMap tasks;
     tasks.swap(m_tasks);
+    m_order.clear();
     QThreadPool::globalInstance()->start([tasks = std::move(tasks)]() mutable { tasks.clear(); });
     emit ListChanged();
 }
@@ -162,8 +170,16 @@ void DownloadQueue::HandleAdded(int session, const DownloadTasks& tasks)
     if (session != m_session)
         return;
     m_worker->Post([](DownloadWorker& worker) { worker.LoadMore(); });
-    for (const DownloadTask& task : tasks)
+    for (const DownloadTask& task : tasks) {
         m_tasks.insert(m_tasks.cend(), IdOf(task.id), EntryOf(task)); // usually in this order
+        if (m_order.isEmpty() || m_order.constLast() < task.id) {
+            m_order.append(task.id);
+            continue;
+        }
+        const auto place = std::lower_bound(m_order.begin(), m_order.end(), task.id);
+        if (*place != task.id)
+            m_order.insert(place, task.id);
+    }
     emit ListChanged();
 }
 
@@ -185,11 +201,16 @@ void DownloadQueue::HandleChanged(const DownloadChanges& changes)
 
 void DownloadQueue::HandleRemoved(const TaskIds& ids)
 {
-    int removed = 0;
-    for (const qint64 id : ids)
-        removed += m_tasks.remove(IdOf(id));
-    if (removed > 0)
-        emit ListChanged();
+    QSet<qint64> removed;
+    for (const qint64 id : ids) {
+        if (m_tasks.remove(IdOf(id)) > 0)
+            removed.insert(id);
+    }
+    if (removed.isEmpty())
+        return;
+    const auto isRemoved = [&removed](qint64 id) { return removed.contains(id); };
+    m_order.erase(std::remove_if(m_order.begin(), m_order.end(), isRemoved), m_order.end());
+    emit ListChanged();
 }
 
 void DownloadQueue::HandleFinished(const QString& file, int count)

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QStringList>
 #include <QVariantMap>
+#include <QVector>
 
 #include <memory>
 
@@ -33,6 +34,10 @@ public:
     /// The live map by task id; see VTRenderCoreInterface::GetDownloadTasks(). Valid as long as this object. Ids are
     /// numbers of ten digits in the order of arrival.
     QVariantMap* Tasks() { return &m_tasks; }
+
+    /// The id with this index in the order of the map; empty when there is none. Unlike counting entries of the map it takes
+    /// no time, however long the list is.
+    QString IdAt(int index) const;
 
     /// @param days for which finished tasks stay in the list; 0 for ever.
     void SetKeepDays(int days);
@@ -75,6 +80,7 @@ private:
     void HandleReplaced(const QString& keptAs);
 
     QVariantMap m_tasks;
+    QVector<qint64> m_order; // the numbers of all tasks, ascending
     FarmAccess m_access;
     int m_session = 0; // grows with each change of the owner
     std::unique_ptr<WorkerThread<DownloadWorker>> m_worker;
