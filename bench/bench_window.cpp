@@ -1,32 +1,19 @@
 // Compares the window with plain Qt that shows the same, painting included.
 #include "bench/comparison.h"
 #include "bench/floor_window.h"
-#include "bench/shared_lists.h"
+#include "bench/open_client.h"
 #include "common/vtr_codetables.h"
 #include "host/ui/skins.h"
-#include "tests/standins/client.h"
 
 #include <QApplication>
-#include <QPixmapCache>
 
-#include <malloc.h>
+#include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace {
 
-constexpr int PageSize = 18;
 constexpr int Candidates = 1000;
-constexpr int LowProgress = 10; // percent, like the next two
-constexpr int SameBand = 30;
-constexpr int OtherBand = 60;
-const QString Skin = QStringLiteral("default");
-
-QVariantList Jobs(int count, int first, int progress)
-{
-    QVariantList jobs;
-    for (int number = first; number < first + count; ++number)
-        jobs.append(MakeJob(number, 1, progress));
-    return jobs;
-}
 
 /// The same jobs as the floor shows them.
 QVector<ShownJob> Shown(const QVariantList& jobs)
@@ -45,12 +32,6 @@ QVector<ShownJob> Shown(const QVariantList& jobs)
     return shown;
 }
 
-void Paint()
-{
-    QCoreApplication::processEvents();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
 /// Counts paint events of all widgets while it lives.
 class PaintCounter : public QObject
 {
@@ -65,24 +46,42 @@ public:
     int count = 0;
 };
 
+/// Notes how long events wait, in processor time, while it lives.
+class EventWatch : public QObject
+{
+public:
+    EventWatch() { startTimer(0); }
+    double Longest()
+    {
+        Note();
+        return m_longest;
+    }
+
+protected:
+    void timerEvent(QTimerEvent* /*event*/) override { Note(); }
+
+private:
+    void Note()
+    {
+        const double now = ProcessorTime();
+        m_longest = std::max(m_longest, now - std::exchange(m_last, now));
+    }
+
+    double m_last = ProcessorTime();
+    double m_longest = 0;
+};
+
 /// The window and the floor, both on the screen in the same size.
-class Bench
+class Bench : private OpenClient
 {
 public:
     Bench()
         : m_floor("com.vtr.qsclient"_s, Skin, "twtMyRender"_s)
     {
-        m_client.uiLoader.skin = Skin;
-        m_client.leftOut = QStringList {"VTRenderCoreInterface"_s};
-        m_client.Start();
-        m_client.Context()->registerService({"VTRenderCoreInterface"_s}, &m_renderCore);
-        m_client.Open();
-        m_client.SignIn();
         m_floor.Form()->resize(m_client.Form()->size());
         m_floor.Form()->show();
         for (int column = 0; column < FloorWindow::Columns; ++column)
             m_floor.Table()->setColumnWidth(column, m_client.Table("twtMyRender"_s)->columnWidth(column));
-        m_renderCore.Resize(PageSize);
     }
 
     void MeasureJobs(CostTable& table)
@@ -169,100 +168,30 @@ public:
         dialog->hide();
     }
 
-    void MeasureMemory(CostTable& table)
+    /// Loads candidates while events wait, and takes the longest time for which they waited.
+    void MeasureStretches(CostTable& table)
     {
-        constexpr int Rounds = 10'000;
-        constexpr int RoundsBetweenPaints = 10;
-        const QVariantList first = Jobs(PageSize, 1, LowProgress);
-        const QVariantList second = Jobs(PageSize, 101, OtherBand);
-        const auto round = [&](int number) {
-            m_client.Tabs()->setCurrentIndex(number % 3);
-            Deliver(number % 2 == 0 ? first : second);
-            ChangeProgress();
-            m_client.Call("ShowSubmitList");
-            m_client.Call("ShowDownloadTasks");
-            if (number % RoundsBetweenPaints == 0)
-                Paint();
-            ForgetRecords();
-        };
-        for (int number = 0; number < Rounds / 10; ++number)
-            round(number);
-        const double before = HeapInUse();
-        for (int number = 0; number < Rounds; ++number)
-            round(number);
-        table.Note("heap over 10,000 answers and ticks"_s, 0, (HeapInUse() - before) / 1024, "kB"_s);
-    }
-
-    /// Attaches and shows the window, against loading its forms and giving them their style sheets.
-    void MeasureStart(CostTable& table)
-    {
-        const Side reference {{},
-            [] {
-                std::vector<std::unique_ptr<FloorWindow>> forms;
-                for (const char* key : {"qsclient", "setargument", "setparent", "search", "inputdialog"})
-                    forms.push_back(
-                        std::make_unique<FloorWindow>("com.vtr.%1"_s.arg(QLatin1String(key)), Skin));
-                forms.front()->Form()->show();
-                Paint();
-            },
-            {}};
-        const Side measured {[this] {
-                                 m_client.Service()->Uninitialize();
-                                 Paint();
-                             },
-            [this] {
-                QVariant state;
-                m_client.Initialize();
-                m_client.Service()->Show(state, {});
-                Paint();
-            },
-            [this] {
-                m_client.Service()->Uninitialize();
-                Paint();
-            }};
-        table.Compare("start: Initialize and Show"_s, 1.3, reference, measured);
-    }
-
-    void MeasureRestarts(CostTable& table)
-    {
-        constexpr int Rounds = 200;
-        const auto round = [this] {
-            m_client.Stop();
+        constexpr int Loads = 9;
+        const QVariantList jobs = Jobs(Candidates, 1, LowProgress);
+        QWidget* dialog = m_client.uiLoader.Form("com.vtr.setparent"_s);
+        dialog->show();
+        std::vector<double> stretches;
+        for (int load = 0; load < Loads; ++load) {
             Paint();
-            m_client.Open();
+            EventWatch watch;
+            m_client.communication.DeliverJobs(jobs, Candidates, 1);
             Paint();
-            ForgetRecords();
-        };
-        for (int number = 0; number < Rounds / 10; ++number)
-            round();
-        const double before = HeapInUse();
-        for (int number = 0; number < Rounds; ++number)
-            round();
-        table.Note("heap for each stop and start of the plugin"_s, 0, (HeapInUse() - before) / 1024 / Rounds,
-            "kB"_s);
+            stretches.push_back(watch.Longest());
+        }
+        dialog->hide();
+        m_client.communication.DeliverJobs({}, 0, 1);
+        Paint();
+        std::sort(stretches.begin(), stretches.end());
+        table.Note("set parent: longest stretch without events, 1000 candidates"_s, 16, // a frame at 60 Hz
+            stretches[Loads / 2] / 1000, "ms"_s);
     }
 
 private:
-    /// The stand-ins' records would count as growth of the client.
-    void ForgetRecords()
-    {
-        journal.clear();
-        m_client.communication.requests.clear();
-        m_client.logger.lines.clear();
-        m_renderCore.seenEvents.clear();
-        m_renderCore.orders.clear();
-        for (QStringList* calls :
-            {&m_client.uiLoader.calls, &m_client.uiLoader.loadedKeys, &m_renderCore.calls})
-            calls->clear();
-    }
-
-    /// Without the cache of pixmaps, which Qt fills up to a limit of its own.
-    static double HeapInUse()
-    {
-        QPixmapCache::clear();
-        return double(mallinfo2().uordblks);
-    }
-
     /// Shows one page, then the other, in turns.
     Side Floor(const QVector<ShownJob>& first, const QVector<ShownJob>& second)
     {
@@ -299,14 +228,6 @@ private:
             [this] { ForgetRecords(); }};
     }
 
-    void Deliver(const QVariantList& jobs) { m_client.communication.DeliverJobs(jobs, PageSize); }
-
-    void ChangeProgress()
-    {
-        m_progress = m_progress == LowProgress ? SameBand : LowProgress;
-        m_renderCore.SetProgress(m_progress);
-    }
-
     template <class Action>
     static int Paints(Action action)
     {
@@ -318,9 +239,6 @@ private:
     }
 
     FloorWindow m_floor;
-    SharedLists m_renderCore;
-    Client m_client;
-    int m_progress = LowProgress;
 };
 
 } // namespace
@@ -335,8 +253,6 @@ int main(int argc, char** argv)
     bench.MeasureJobs(table);
     bench.MeasureTicks(table);
     bench.MeasureCandidates(table);
-    bench.MeasureMemory(table);
-    bench.MeasureStart(table);
-    bench.MeasureRestarts(table);
+    bench.MeasureStretches(table);
     return table.Conclude(QCoreApplication::arguments());
 }

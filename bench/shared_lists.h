@@ -4,10 +4,15 @@
 
 #include <map>
 
-/// A render core that adds no cost of its own: it returns shared lists of identical tasks.
+/// A render core that adds no cost of its own: it returns shared lists of identical tasks, and knows the order of its
+/// downloads as that of the host does.
 class SharedLists : public RenderCoreStandIn
 {
+    Q_OBJECT
+
 public:
+    Q_INVOKABLE QString DownloadTaskIdAt(int index) const { return m_ids.value(index); }
+
     QString GetTaskSceneFile(const QString& /*id*/) override { return m_task.sceneFile; }
     QString GetTaskStartTime(const QString& /*id*/) override { return m_task.startTime; }
     QString GetTaskMessage(const QString& /*id*/) override { return m_task.message; }
