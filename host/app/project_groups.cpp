@@ -19,6 +19,16 @@ constexpr int Pause = 5000; // ms; on a busy farm jobs are added all the time
 const QLatin1String GroupFolder("Data");
 const QLatin1String GroupSection("jobgroup");
 
+/// The window asks for this job when the chosen group has none.
+const QLatin1String NoJob("abcdefg");
+
+/// @return the conditions for the jobs of a project.
+QString ConditionsOf(const QString& pool)
+{
+    const QJsonObject conditions {{QStringLiteral("pool_id"), pool}};
+    return QString::fromUtf8(QJsonDocument(conditions).toJson(QJsonDocument::Compact));
+}
+
 QStringList IdsOf(const VTListFile& file, const QString& group)
 {
     QStringList ids = file.Value(group);
@@ -39,9 +49,14 @@ ProjectGroups::ProjectGroups(
     connect(&m_pause, &QTimer::timeout, this, &ProjectGroups::FillAll);
     connect(communication, &CommunicationService::ProjectListResponse, this, &ProjectGroups::HandleProjects);
     connect(communication, &CommunicationService::FarmChanged, this, &ProjectGroups::HandleChanges);
+    communication->SetConditionsTranslation(
+        [this](const QString& conditions) { return ProjectConditions(conditions); });
 }
 
-ProjectGroups::~ProjectGroups() = default;
+ProjectGroups::~ProjectGroups()
+{
+    m_communication->SetConditionsTranslation({});
+}
 
 void ProjectGroups::BeginSession(const QString& userName, const QString& token)
 {
@@ -61,6 +76,7 @@ void ProjectGroups::EndSession()
     m_token.clear();
     m_pools.clear();
     m_underWay.clear();
+    m_chosenConditions.clear();
 }
 
 void ProjectGroups::Follow(const QString& group)
@@ -114,12 +130,9 @@ void ProjectGroups::Fill(const Filling& filling)
     if (!m_file || !m_file->Contains(filling.group) || (isFirst && m_underWay.contains(filling.group)))
         return;
     m_underWay.insert(filling.group);
-    const QJsonObject conditions {{QStringLiteral("pool_id"), filling.pool}};
-    const HttpCall* call
-        = m_communication->Ask(FarmProtocol::JobListRequest({{QStringLiteral("page"), filling.page},
-            {QStringLiteral("pageSize"), PageSize}, {QStringLiteral("token"), m_token},
-            {QStringLiteral("conditions"),
-                QString::fromUtf8(QJsonDocument(conditions).toJson(QJsonDocument::Compact))}}));
+    const HttpCall* call = m_communication->Ask(FarmProtocol::JobListRequest(
+        {{QStringLiteral("page"), filling.page}, {QStringLiteral("pageSize"), PageSize},
+            {QStringLiteral("token"), m_token}, {QStringLiteral("conditions"), ConditionsOf(filling.pool)}}));
     connect(call, &HttpCall::Finished, this,
         [this, filling](const HttpResult& result) { HandleJobs(filling, result); });
 }
@@ -159,6 +172,28 @@ void ProjectGroups::Store(const Filling& filling, const QStringList& known)
     ids.removeDuplicates(); // a job that was added meanwhile has moved others to the next page
     if (!m_file->Set(filling.group, QStringList(ids.mid(0, MostJobs))))
         qWarning("the group of a project cannot be saved: %s", qUtf8Printable(m_file->Path()));
+}
+
+/// @return the conditions of a project in place of those of the chosen group that is named after it; others unchanged.
+QString ProjectGroups::ProjectConditions(const QString& conditions)
+{
+    if (!m_file || !conditions.contains(QLatin1String("job_guid")))
+        return conditions;
+    const QString login = m_settings->Value(SettingKeys::LastName, {}).toString();
+    const QString group = m_settings->Value(SettingKeys::OfAccount(login, "currentproject"), {}).toString();
+    const QString pool = Followed().value(group).toString();
+    if (pool.isEmpty())
+        return conditions;
+    // The group has grown since it was chosen, when a new job of the project has been stored in it.
+    if (conditions != m_chosenConditions || group != m_chosen) {
+        const QString ids = IdsOf(*m_file, group).join(QLatin1Char(','));
+        const QJsonObject asked = QJsonDocument::fromJson(conditions.toUtf8()).object();
+        if (asked.value(QLatin1String("job_guid")).toString() != (ids.isEmpty() ? NoJob : ids))
+            return conditions;
+        m_chosen = group;
+        m_chosenConditions = conditions;
+    }
+    return ConditionsOf(pool);
 }
 
 QString ProjectGroups::SettingKey() const

@@ -18,8 +18,9 @@ struct HttpResult;
 
 /// Keeps the groups that the user has named after projects of the farm filled with the ids of the projects' jobs.
 ///
-/// The window reads the group file whenever a group is chosen. Groups of other names are left alone, and so is one that
-/// has jobs already when it is named after a project.
+/// The window reads the group file whenever a group is chosen, and refreshes its list with the ids that it read then. The
+/// farm is asked for the project instead, so that jobs which are added to it later show with the next refresh. Groups of
+/// other names are left alone, and so is one that has jobs already when it is named after a project.
 class ProjectGroups : public QObject
 {
     Q_OBJECT
@@ -62,6 +63,7 @@ private:
     void Fill(const Filling& filling);
     void HandleJobs(Filling filling, const HttpResult& result);
     void Store(const Filling& filling, const QStringList& known);
+    QString ProjectConditions(const QString& conditions);
     QString SettingKey() const;
     QVariantMap Followed() const;
 
@@ -72,5 +74,7 @@ private:
     QString m_token;
     QHash<QString, QString> m_pools; // of the account's projects, by name
     QSet<QString> m_underWay;        // groups that are being filled
+    QString m_chosen;                // the group whose jobs the window has asked for last
+    QString m_chosenConditions;      // which the window made of its ids
     QTimer m_pause;                  // between a change on the farm and the request for it
 };

@@ -143,9 +143,13 @@ int CommunicationService::GetJobList(const QVariant& status, const QVariantHash&
         return StatusOk;
     }
     newest.request = request;
-    newest.call = Send(FarmProtocol::JobListRequest(request),
+    const QString conditions = QStringLiteral("conditions");
+    QVariantHash asked = request;
+    if (m_translateConditions)
+        asked.insert(conditions, m_translateConditions(request.value(conditions).toString()));
+    newest.call = Send(FarmProtocol::JobListRequest(asked),
         {FarmProtocol::IsJobList, &VTCommunicationInterface::JobListResponse,
-            Echo(request, {key, QStringLiteral("conditions")})});
+            Echo(request, {key, conditions})});
     return StatusOk;
 }
 

@@ -12,6 +12,7 @@
 #include <QPointer>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 
 class FarmEvents;
@@ -41,6 +42,12 @@ public:
 
     /// Cancels the requests of an earlier session and starts a new one; answered by SignInResponse.
     void SignIn(const QString& name, const QString& password);
+
+    /// @param translation of the conditions of the window's lists into those with which the farm is asked.
+    void SetConditionsTranslation(const std::function<QString(const QString&)>& translation)
+    {
+        m_translateConditions = translation;
+    }
 
     /// Emits FarmChanged for what the farm announces, until the session ends. Nothing tells whether the farm does.
     /// @param token of the session.
@@ -112,7 +119,8 @@ private:
     QTimer m_accountAnswer;
     AnnouncedJobList m_announcedJobs; // of the window's table
     QTimer m_jobsAnswer;
-    QHash<int, JobList> m_jobLists; // the newest by the request's identifier
+    std::function<QString(const QString&)> m_translateConditions; // may be empty
+    QHash<int, JobList> m_jobLists;                               // the newest by the request's identifier
     FarmFault m_latestFault;
     bool m_expiryReported = false;
 };

@@ -210,6 +210,24 @@ private slots:
         EVENTUALLY_COMPARE(
             file.Value("Harbour"_s).constFirst(), QString::number(2 * ProjectGroups::PageSize + 1));
         QCOMPARE(server.Requests().size(), 6);
+        // A refresh finds jobs that the project got after its group was chosen, and other lists stay as they are.
+        m_client->settings.values.insert("vtr.account.ann/currentproject"_s, "Harbour"_s);
+        const auto refresh = [&](const QString& conditions, bool asksForProject) {
+            QSignalSpy arrived(&m_client->communication, &CommunicationService::JobListResponse);
+            m_client->communication.GetJobList(
+                1, {{"page"_s, 1}, {"pageSize"_s, 18}, {"token"_s, "abc"_s}, {"conditions"_s, conditions}});
+            EVENTUALLY(!arrived.isEmpty() && arrived[0][1].toMap()["conditions"_s] == conditions);
+            QCOMPARE(server.Requests().constLast().contains("pool_id"), asksForProject);
+        };
+        const auto group = [](const QStringList& ids) {
+            return R"({"job_guid": "%1"})"_s.arg(ids.join(QLatin1Char(',')));
+        };
+        const QString chosen = group(file.Value("Harbour"_s));
+        refresh(chosen, true);
+        QVERIFY(file.Set("Harbour"_s, QStringList {"9"_s}));
+        refresh(chosen, true);
+        refresh(group({"8"_s}), false);
+        refresh(R"({"status": 1})"_s, false);
         groups.EndSession();
         groups.Follow("Harbour"_s);
     }
