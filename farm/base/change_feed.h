@@ -61,7 +61,8 @@ public:
         std::chrono::steady_clock::time_point m_lastChanges;
     };
 
-    static constexpr std::chrono::milliseconds Gap {400};
+    /// A client should show a change within two seconds, and each event costs it processor time.
+    static constexpr std::chrono::milliseconds Gap {1700};
 
     void Announce(std::int64_t account, const AccountChanges& changes);
     void AnnounceToAll(const AccountChanges& changes);

@@ -7,8 +7,8 @@
 
 namespace {
 
-// A change shows within two seconds. Refreshing more often would make a page expensive on which frames finish all the time.
-constexpr int LeastPause = 1500; // ms
+// A farm may announce changes more often than a person can read them, and each refresh costs processor time.
+constexpr int LeastPause = 1000; // ms
 
 } // namespace
 

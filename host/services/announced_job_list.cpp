@@ -4,10 +4,9 @@
 
 namespace {
 
-QString IdOf(const QVariant& record)
-{
-    return record.toMap().value(QStringLiteral("job_id")).toString();
-}
+const QString Data = QStringLiteral("data");
+const QString List = QStringLiteral("list");
+const QString Id = QStringLiteral("job_id");
 
 } // namespace
 
@@ -15,6 +14,10 @@ void AnnouncedJobList::Set(const QVariantHash& request, const QVariantMap& answe
 {
     m_request = request;
     m_answer = answer;
+    m_jobs = answer.value(Data).toMap().value(List).toList();
+    m_rows.clear();
+    for (int row = 0; row < m_jobs.size(); ++row)
+        m_rows.insert(m_jobs.at(row).toMap().value(Id).toString(), row);
     m_isNews = false;
 }
 
@@ -30,27 +33,20 @@ void AnnouncedJobList::Update(const FarmChanges& changes)
         Forget();
         return;
     }
-    QVariantMap data = m_answer.value(QStringLiteral("data")).toMap();
-    QVariantList jobs = data.value(QStringLiteral("list")).toList();
-    bool isListed = false;
     for (const QJsonValue& record : changes.records) {
-        const QVariant announced = record.toVariant();
-        for (QVariant& job : jobs) {
-            if (IdOf(job) == IdOf(announced)) {
-                job = announced;
-                isListed = true;
-            }
-        }
+        const int row = m_rows.value(record[Id].toString(), -1);
+        if (row < 0)
+            continue;
+        m_jobs[row] = record.toVariant();
+        m_isNews = true;
     }
-    if (!isListed)
-        return;
-    data.insert(QStringLiteral("list"), jobs);
-    m_answer.insert(QStringLiteral("data"), data);
-    m_isNews = true;
 }
 
 QVariantMap AnnouncedJobList::Take()
 {
     m_isNews = false;
+    QVariantMap data = m_answer.value(Data).toMap();
+    data.insert(List, m_jobs);
+    m_answer.insert(Data, data);
     return m_answer;
 }

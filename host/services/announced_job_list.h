@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QHash>
 #include <QVariantHash>
+#include <QVariantList>
 #include <QVariantMap>
 
 struct FarmChanges;
@@ -27,5 +29,7 @@ public:
 private:
     QVariantHash m_request;
     QVariantMap m_answer;
+    QVariantList m_jobs;        // of the answer, with the announced records
+    QHash<QString, int> m_rows; // of the jobs in the list, by id
     bool m_isNews = false;
 };

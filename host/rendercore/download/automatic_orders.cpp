@@ -30,6 +30,8 @@ void AutomaticOrders::Remember(const QVariantMap& orders)
 QVariantMap AutomaticOrders::Repeat(const QVariantList& jobs)
 {
     QVariantMap repeated;
+    if (m_orders.isEmpty())
+        return repeated;
     for (const QVariant& entry : jobs) {
         const QVariantMap job = entry.toMap();
         const QString id = job.value(QStringLiteral("job_id")).toString();
