@@ -135,6 +135,7 @@ void ClientHost::ConnectForm()
     connect(&m_hints, &ListHints::AllJobsRequested, &m_filter, &FilterBar::ShowAll);
     connect(&m_transfers, &TransferButtons::RetryFailedRequested, &m_services.renderCore,
         &RenderCoreService::RetryFailedDownloads);
+    connect(&m_shortcuts, &Shortcuts::RefreshRequested, this, &ClientHost::Refresh);
     connect(&m_transfers, &TransferButtons::Notice, &m_services.notices, &NoticeBoard::Show);
 }
 
@@ -258,6 +259,7 @@ void ClientHost::TryAgain()
 void ClientHost::Refresh()
 {
     QWidget* window = m_session->IsSignedIn() ? FindMainWindow() : nullptr;
+    m_services.communication.DistrustAnnouncements();
     if (window)
         QMetaObject::invokeMethod(window, "RefreshJobList");
 }

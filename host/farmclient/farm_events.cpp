@@ -11,6 +11,7 @@ namespace {
 constexpr int FirstPause = 1000;    // ms
 constexpr int LongestPause = 15000; // ms
 // The farm sends something at least every 25 seconds.
+constexpr int UsualSilence = 30000;   // ms
 constexpr int LongestSilence = 60000; // ms
 
 HttpRequest Request(const QByteArray& token)
@@ -47,9 +48,15 @@ FarmEvents::~FarmEvents()
     Discard(m_reply, this);
 }
 
+bool FarmEvents::IsAnnouncing() const
+{
+    return m_openTime.isValid() && m_silence.remainingTime() > LongestSilence - UsualSilence;
+}
+
 void FarmEvents::Reopen()
 {
     Discard(m_reply, this);
+    m_openTime.invalidate();
     m_silence.stop();
     m_backoff.Reset();
     m_pause.start(0);

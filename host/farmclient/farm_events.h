@@ -20,6 +20,9 @@ public:
     FarmEvents(HttpTransport* transport, const QByteArray& token, QObject* owner);
     ~FarmEvents() override;
 
+    /// @return whether the farm has been heard lately, so that no change can have gone unnoticed.
+    bool IsAnnouncing() const;
+
     /// Closes the stream. It is opened again at once, at the transport's server of that time.
     void Reopen();
 

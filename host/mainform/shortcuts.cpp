@@ -13,12 +13,6 @@
 
 namespace {
 
-void Refresh()
-{
-    if (QWidget* window = FindMainWindow())
-        QMetaObject::invokeMethod(window, "RefreshJobList");
-}
-
 QString TextOfCell(const QTableWidget* table, int row, int column)
 {
     const QWidget* widget = table->cellWidget(row, column);
@@ -53,7 +47,8 @@ void Shortcuts::BeginSession()
     AddToButton("btnSearch", QKeySequence::Find);
     AddToButton("btnSubmit", QKeySequence::Open);
     AddToButton("btnGroups", Qt::CTRL + Qt::Key_G);
-    connect(new QShortcut(QKeySequence::Refresh, form), &QShortcut::activated, this, &Refresh);
+    connect(new QShortcut(QKeySequence::Refresh, form), &QShortcut::activated, this,
+        &Shortcuts::RefreshRequested);
     // In a field of the form these two keys edit text.
     for (const char* name : {"twtMyRender", "twtLocalTask", "twtDownload"}) {
         if (QTableWidget* table = FindTable(QLatin1String(name)))

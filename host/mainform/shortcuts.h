@@ -22,6 +22,9 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
+signals:
+    void RefreshRequested();
+
 private:
     void AddToButton(const char* name, const QKeySequence& key);
     void AddToTable(QTableWidget* table);

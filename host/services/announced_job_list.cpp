@@ -18,12 +18,14 @@ void AnnouncedJobList::Set(const QVariantHash& request, const QVariantMap& answe
     m_rows.clear();
     for (int row = 0; row < m_jobs.size(); ++row)
         m_rows.insert(m_jobs.at(row).toMap().value(Id).toString(), row);
+    m_age.start();
     m_isNews = false;
 }
 
 void AnnouncedJobList::Forget()
 {
     m_request.clear();
+    m_age.invalidate();
     m_isNews = false;
 }
 

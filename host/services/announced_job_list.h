@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QVariantHash>
 #include <QVariantList>
@@ -12,6 +13,9 @@ struct FarmChanges;
 class AnnouncedJobList
 {
 public:
+    /// The farm is asked again after this time (ms), in case that an announcement was lost.
+    static constexpr int LongestTrust = 40000;
+
     /// @param request that was answered.
     /// @param answer as the window receives it, with code 200.
     void Set(const QVariantHash& request, const QVariantMap& answer);
@@ -21,8 +25,14 @@ public:
     /// Replaces the records of listed jobs. A change that does not say enough makes the list unknown.
     void Update(const FarmChanges& changes);
 
-    /// @return whether announcements have changed the list since it was last set or taken, and it answers this request.
-    bool IsNewsFor(const QVariantHash& request) const { return m_isNews && m_request == request; }
+    /// @param isFollowed whether all changes are being announced.
+    /// @return whether the list answers this request without the farm: announcements have changed it since it was last set
+    /// or taken, or nothing can have changed since it arrived not long ago.
+    bool Answers(const QVariantHash& request, bool isFollowed) const
+    {
+        const bool isFresh = isFollowed && m_age.isValid() && !m_age.hasExpired(LongestTrust);
+        return (m_isNews || isFresh) && m_request == request;
+    }
     /// @return the answer with the announced records, which are news no longer.
     QVariantMap Take();
 
@@ -31,5 +41,6 @@ private:
     QVariantMap m_answer;
     QVariantList m_jobs;        // of the answer, with the announced records
     QHash<QString, int> m_rows; // of the jobs in the list, by id
+    QElapsedTimer m_age;        // of the answer; invalid when it is not to be given again
     bool m_isNews = false;
 };

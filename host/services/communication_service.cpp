@@ -57,17 +57,26 @@ void CommunicationService::HandleChanges(const FarmChanges& changes)
 {
     const QJsonObject body {{QStringLiteral("data"), changes.account}};
     // A change without the new balances makes those announced before worthless.
-    if (changes.money)
+    if (changes.money) {
         m_announcedAccount = FarmProtocol::IsUserInfo(body) ? body : QJsonObject();
+        m_accountAge.start();
+        m_accountIsNews = true;
+    }
     m_announcedJobs.Update(changes);
     emit FarmChanged(changes);
 }
 
 void CommunicationService::AnswerWithAnnouncedAccount()
 {
-    const HttpResult result {HttpStatus::Ok, std::exchange(m_announcedAccount, {})};
-    const Answer answer = FarmProtocol::Decode(result, FarmProtocol::IsUserInfo, {});
+    m_accountIsNews = false;
+    const Answer answer
+        = FarmProtocol::Decode({HttpStatus::Ok, m_announcedAccount}, FarmProtocol::IsUserInfo, {});
     emit UserInfoResponse(answer.code, answer.map);
+}
+
+bool CommunicationService::IsFollowing() const
+{
+    return m_events && m_events->IsAnnouncing();
 }
 
 bool CommunicationService::IsFetchingJobs() const
@@ -90,7 +99,8 @@ int CommunicationService::GetUserInfo(const QVariant& status, const QVariantHash
 {
     if (const int refusal = CheckRequest(status))
         return refusal;
-    if (m_announcedAccount.isEmpty() || m_accountAnswer.isActive())
+    const bool isFresh = IsFollowing() && !m_accountAge.hasExpired(AnnouncedJobList::LongestTrust);
+    if (m_announcedAccount.isEmpty() || !(m_accountIsNews || isFresh) || m_accountAnswer.isActive())
         Send(FarmProtocol::UserInfoRequest(request),
             {FarmProtocol::IsUserInfo, &VTCommunicationInterface::UserInfoResponse});
     else
@@ -130,7 +140,7 @@ int CommunicationService::GetJobList(const QVariant& status, const QVariantHash&
     const QString key = QStringLiteral("identifier");
     const int identifier = request.value(key).toInt();
     JobList& newest = m_jobLists[identifier];
-    const bool isAnnounced = identifier == OfTable && m_announcedJobs.IsNewsFor(request);
+    const bool isAnnounced = identifier == OfTable && m_announcedJobs.Answers(request, IsFollowing());
     // Over a slow link, a list that each refresh replaced would never arrive.
     if (newest.call && newest.request == request && !isAnnounced)
         return StatusOk;

@@ -8,6 +8,7 @@
 #include "host/services/service_base.h"
 #include "vtr_communicationinterface.h"
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QPointer>
 #include <QTimer>
@@ -21,7 +22,8 @@ class FarmEvents;
 ///
 /// Every accepted request is answered by a signal, later, whatever happens to the server. The only exceptions are
 /// requests of an ended session and job lists that a newer request replaces: they are cancelled and never answered.
-/// A list that is asked for again while it arrives is answered once.
+/// A list that is asked for again while it arrives is answered once. While the farm announces changes, lists and balances
+/// that it has sent not long ago are answered without asking it again.
 class CommunicationService : public ServiceBase<VTCommunicationInterface>
 {
     Q_OBJECT
@@ -52,6 +54,9 @@ public:
     /// Emits FarmChanged for what the farm announces, until the session ends. Nothing tells whether the farm does.
     /// @param token of the session.
     void FollowChanges(const QString& token);
+
+    /// The next request for a list goes to the farm, whatever has been announced.
+    void DistrustAnnouncements() { m_announcedJobs.Forget(); }
 
     /// Sends a request of the host's own, which no signal answers.
     /// @return the call; it ends with the session.
@@ -105,6 +110,7 @@ private:
     int SubmitAction(
         const QVariant& status, const QByteArray& action, const QVariantHash& request, Response response);
     void HandleChanges(const FarmChanges& changes);
+    bool IsFollowing() const;
     void AnswerWithAnnouncedAccount();
     /// @param call has brought the answer. @param hasChanged whether it has changed jobs.
     void KeepJobList(const HttpCall* call, const FarmProtocol::Answer& answer, bool hasChanged);
@@ -115,7 +121,9 @@ private:
     HttpTransport m_transport;
     std::unique_ptr<QObject> m_session; // owns the session's calls, which end with it
     QPointer<FarmEvents> m_events;
-    QJsonObject m_announcedAccount; // the body of an answer; empty unless it is newer than the last answer
+    QJsonObject m_announcedAccount; // the body of an answer; empty while it is not known
+    QElapsedTimer m_accountAge;     // since it was announced
+    bool m_accountIsNews = false;   // whether the window has not received it yet
     QTimer m_accountAnswer;
     AnnouncedJobList m_announcedJobs; // of the window's table
     QTimer m_jobsAnswer;
