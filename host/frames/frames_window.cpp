@@ -25,6 +25,8 @@ constexpr int ScrollingTime = 60;     // ms
 constexpr int SpendingDays = 30;
 constexpr int RowHeight = 44;          // pixels
 constexpr int NumberWidth = 150;       // pixels
+constexpr int NarrowNumberWidth = 104; // pixels: a thumbnail and few digits
+constexpr int NarrowTable = 440;       // pixels
 constexpr QSize ThumbnailSize(64, 36); // pixels
 constexpr double Second = 1000;        // ms
 constexpr int JobFailed = 7;           // a status
@@ -88,7 +90,7 @@ void FramesWindow::SetUpTable()
     m_table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     m_table->horizontalHeader()->setSectionResizeMode(FrameModel::NumberColumn, QHeaderView::Fixed);
     m_table->horizontalHeader()->setHighlightSections(false);
-    m_table->setColumnWidth(FrameModel::NumberColumn, NumberWidth);
+    m_table->setWordWrap(false);
     m_table->viewport()->installEventFilter(this);
     connect(m_table->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
         &FramesWindow::HandleCurrentFrame);
@@ -247,6 +249,14 @@ void FramesWindow::OpenPicture()
         emit PreviewRequested(m_pictures, frame.file);
 }
 
+/// A narrow table leaves its room to the columns that matter most.
+void FramesWindow::FitColumns()
+{
+    const bool isNarrow = m_table->viewport()->width() < NarrowTable;
+    m_table->setColumnWidth(FrameModel::NumberColumn, isNarrow ? NarrowNumberWidth : NumberWidth);
+    m_table->setColumnHidden(FrameModel::AttemptsColumn, isNarrow);
+}
+
 /// Only the rows in view get their thumbnails, and only they are fetched.
 void FramesWindow::WantThumbnails()
 {
@@ -378,8 +388,10 @@ void FramesWindow::DisplaySpending()
 
 bool FramesWindow::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Resize && watched == m_table->viewport())
+    if (event->type() == QEvent::Resize && watched == m_table->viewport()) {
+        FitColumns();
         m_scrolled.start();
+    }
     if (watched == Form() && event->type() == QEvent::Hide) {
         m_refresh.stop();
         m_requests.Cancel();

@@ -53,6 +53,7 @@ private:
     void HandleCurrentFrame();
     void Select(int row);
     void OpenPicture();
+    void FitColumns();
     void WantThumbnails();
     void Display();
     void DisplaySummary();
