@@ -1320,6 +1320,10 @@
         <source>Latest end time</source>
         <translation>Latest end time</translation>
     </message>
+    <message>
+        <source>Number in the list</source>
+        <translation>Number in the list</translation>
+    </message>
 </context>
 <context>
     <name>SessionControl</name>

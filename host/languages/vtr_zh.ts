@@ -1320,6 +1320,10 @@
         <source>Latest end time</source>
         <translation>最晚结束时间</translation>
     </message>
+    <message>
+        <source>Number in the list</source>
+        <translation>列表中的序号</translation>
+    </message>
 </context>
 <context>
     <name>SessionControl</name>

@@ -17,7 +17,9 @@
 #include <QDir>
 #include <QFile>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
+#include <QRegularExpressionValidator>
 #include <QStyledItemDelegate>
 #include <QTabBar>
 #include <QTableWidget>
@@ -84,6 +86,12 @@ void PrepareForm(QWidget* form)
         const QString leader = button->property("levelWith").toString();
         if (!leader.isEmpty())
             new LevelWidget(button, form->findChild<QWidget*>(leader));
+    }
+    const auto fields = form->findChildren<QLineEdit*>();
+    for (QLineEdit* field : fields) {
+        if (field->property("isNumber").toBool())
+            field->setValidator(
+                new QRegularExpressionValidator(QRegularExpression(QStringLiteral("\\s*[0-9]*\\s*")), field));
     }
 }
 

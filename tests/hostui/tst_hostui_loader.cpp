@@ -221,6 +221,14 @@ private slots:
         }
     }
 
+    void TakesOnlyDigitsForTheNumberOfAJob()
+    {
+        const std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr.search"_s, nullptr));
+        auto* number = form->findChild<QLineEdit*>("lneJobId"_s);
+        QTest::keyClicks(number, "sh 12"_s);
+        QCOMPARE(number->text(), " 12"_s);
+    }
+
     void NamesTheListsOfGroups()
     {
         const std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr.qsclient"_s, nullptr));
