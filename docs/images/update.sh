@@ -6,9 +6,7 @@ cd "$(dirname "$0")"
 install_packages xvfb xauth pngquant
 client=$PWD/../../build/release/bin/quillstar
 work=$(mktemp -d)
-trap 'rm -r "$work"' EXIT
-place=/tmp/ann        # shown in the pictures, so it names nobody and stays the same
-mkdir -m 700 "$place" # fails where somebody else uses it
+place=$(mktemp -d -t quillstar.XXXX) # shown in the pictures
 trap 'rm -r "$work" "$place"' EXIT
 
 # take <skin> <language>: visits all windows on a virtual display.
