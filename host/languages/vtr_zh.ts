@@ -1733,35 +1733,35 @@
     <name>VTQsClientPrivate</name>
     <message>
         <source>wait</source>
-        <translation>等待</translation>
+        <translation>等待中</translation>
     </message>
     <message>
         <source>analyze</source>
-        <translation>分析</translation>
+        <translation>分析中</translation>
     </message>
     <message>
         <source>compress</source>
-        <translation>压缩</translation>
+        <translation>打包中</translation>
     </message>
     <message>
         <source>checksum</source>
-        <translation>校验</translation>
+        <translation>校验中</translation>
     </message>
     <message>
         <source>copysame</source>
-        <translation>秒传</translation>
+        <translation>比对中</translation>
     </message>
     <message>
         <source>upload</source>
-        <translation>上传</translation>
+        <translation>上传中</translation>
     </message>
     <message>
         <source>uncompress</source>
-        <translation>解压</translation>
+        <translation>解包中</translation>
     </message>
     <message>
         <source>submit</source>
-        <translation>提交</translation>
+        <translation>已提交</translation>
     </message>
     <message>
         <source>Waiting</source>

@@ -9,8 +9,6 @@
 #include <QListWidget>
 #include <QPushButton>
 
-#include <utility>
-
 namespace {
 
 constexpr int Success = 200;
@@ -49,7 +47,10 @@ void FilterBar::HandleJobList(int code, const QVariantMap& answer)
     }
     const int total = answer.value(QStringLiteral("data")).toMap().value(QStringLiteral("total")).toInt();
     // Most lists are refreshes, which change nothing here.
-    if (conditions != std::exchange(m_conditions, conditions) || total != std::exchange(m_total, total))
+    const bool isOther = conditions != m_conditions || total != m_total;
+    m_conditions = conditions;
+    m_total = total;
+    if (isOther)
         Update();
     emit JobsListed(!m_conditions.isEmpty());
 }

@@ -13,11 +13,12 @@ namespace {
 
 constexpr int SettlingTime = 120; // ms
 
-/// The tables, and how they share their widths out to the columns: times need most room.
+/// The tables, and how they share their widths out to the columns: times and paths need most room. The last column of the
+/// downloads is always empty.
 const std::pair<const char*, std::vector<int>> usualColumns[] = {
     {"twtMyRender", {9, 12, 15, 12, 10, 9}},
-    {"twtLocalTask", {1, 1, 1, 1, 1, 1}},
-    {"twtDownload", {1, 1, 1, 1, 1, 1}},
+    {"twtLocalTask", {12, 14, 9, 11, 14, 12}},
+    {"twtDownload", {11, 15, 17, 11, 9, 8}},
 };
 
 QTabWidget* Tabs(const QWidget* form)

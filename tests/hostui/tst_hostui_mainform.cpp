@@ -168,6 +168,7 @@ private slots:
         filter.BeginSession();
         filter.HandleJobList(200, Listed(R"({"job_guid":"a"})"_s, 12));
         QVERIFY(form.bar.isVisible());
+        QCOMPARE(form.found.text(), "Found: 12"_s);
         form.group.setText("other"_s); // deleting a group chooses another one, but filters nothing
         filter.HandleJobList(200, Listed(R"({"job_guid":"a"})"_s, 12));
         filter.HandleJobList(500, Listed({}, 3));
