@@ -109,7 +109,12 @@ void SignInWindow::Retranslate()
 void SignInWindow::SetName(const QString& name)
 {
     m_name->setText(name);
-    (name.isEmpty() ? m_name : m_password)->setFocus();
+    FocusEmptyField();
+}
+
+void SignInWindow::FocusEmptyField()
+{
+    (m_name->text().isEmpty() ? m_name : m_password)->setFocus();
 }
 
 void SignInWindow::SetBusy(bool busy)
@@ -149,6 +154,8 @@ void SignInWindow::Reset()
     SetBusy(false);
     Say({});
     m_password->clear();
+    // The focus has left the fields while they were disabled.
+    FocusEmptyField();
 }
 
 void SignInWindow::Press()

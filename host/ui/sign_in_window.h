@@ -59,6 +59,7 @@ signals:
 
 private:
     void Press();
+    void FocusEmptyField();
     void Request();
     void Say(const Words& words);
     void ShowWords();

@@ -276,6 +276,8 @@ private slots:
             QCOMPARE(starts.count(), farm == Farm::Failed || farm == Farm::Ready ? 1 : 0);
         }
         EVENTUALLY(m_client->session.IsSignedIn());
+        const auto* password = m_client->Find<QLineEdit>("lnePassword");
+        QVERIFY(password->window()->focusWidget() == password); // for the next to sign in
         QCOMPARE(m_client->server.Requests().size(), 1);
         QCOMPARE(server->text(), "Server: the farm on this computer"_s);
         m_client->session.SetServer("https://farm.example/"_s + QString(300, QLatin1Char('x')));
