@@ -27,6 +27,7 @@ Contains the main window as a plugin for the CTK Plugin Framework.")
 set(CPACK_DEBIAN_CLIENT_PACKAGE_DEPENDS "libqt5svg5")
 set(CPACK_DEBIAN_CLIENT_PACKAGE_RECOMMENDS
     "quillstar-farm (= ${PROJECT_VERSION}), libqt5multimedia5-plugins, qttranslations5-l10n, fonts-inter, fonts-wqy-microhei")
+set(CPACK_DEBIAN_CLIENT_PACKAGE_SUGGESTS "blender")
 
 set(CPACK_DEBIAN_FARM_PACKAGE_NAME quillstar-farm)
 set(CPACK_COMPONENT_FARM_DESCRIPTION "Small render farm for the QuillStar client

@@ -21,7 +21,7 @@ set(ROOM_RULES
     "farm/http: farm/rendering farm/runner farm/jobs farm/uploads farm/accounts farm/base storage json"
     "farm: farm/http farm/slurm farm/rendering farm/runner farm/jobs farm/uploads farm/admin farm/accounts farm/base storage"
     "host/farmclient: json"
-    "host/rendercore: host/farmclient storage common"
+    "host/rendercore: host/farmclient storage processes json common"
     "host/settings: storage interfaces"
     "host/ui: host/settings interfaces"
     "host/services: host/ui host/settings host/rendercore host/farmclient interfaces"

@@ -60,7 +60,7 @@ void AddOptions(QCommandLineParser& parser)
     add("plugin", "Load the main window from <FILE>.", "FILE", BesideProgram(PluginFileName()));
     add("farm", "Start the embedded farm from <FILE>.", "FILE", BesideProgram(FarmFileName()));
     parser.addPositionalArgument(QStringLiteral("scenes"),
-        QStringLiteral("Scenes to submit: .pov, .ma or .mb."), QStringLiteral("[scene …]"));
+        QStringLiteral("Scenes to submit: .pov, .blend, .ma or .mb."), QStringLiteral("[scene …]"));
     add("screenshots", "Save a picture of every window to <DIR>, then quit.", "DIR");
 }
 

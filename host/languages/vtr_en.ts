@@ -1286,12 +1286,12 @@
         <translation>Submit a scene</translation>
     </message>
     <message>
-        <source>Scenes (*.pov *.ma *.mb)</source>
-        <translation>Scenes (*.pov *.ma *.mb)</translation>
-    </message>
-    <message>
         <source>These scenes are in the list of local tasks already. Continue or delete their tasks there:</source>
         <translation>These scenes are in the list of local tasks already. Continue or delete their tasks there:</translation>
+    </message>
+    <message>
+        <source>Scenes (%1)</source>
+        <translation>Scenes (%1)</translation>
     </message>
 </context>
 <context>
@@ -2150,6 +2150,26 @@ Below files are missing:
     <message>
         <source>The farm&apos;s answer is incomplete. Please continue the submission later.</source>
         <translation>The farm&apos;s answer is incomplete. Please continue the submission later.</translation>
+    </message>
+    <message>
+        <source>Blender is reading the scene.</source>
+        <translation>Blender is reading the scene.</translation>
+    </message>
+    <message>
+        <source>Blender is not installed on this computer, so nobody can tell which files the scene needs. Please install it, then submit the scene again.</source>
+        <translation>Blender is not installed on this computer, so nobody can tell which files the scene needs. Please install it, then submit the scene again.</translation>
+    </message>
+    <message>
+        <source>Blender could not read the scene, or took more than ten minutes.</source>
+        <translation>Blender could not read the scene, or took more than ten minutes.</translation>
+    </message>
+    <message>
+        <source>The scene is made for the engine %1; the farm will render it with Cycles if you go on.</source>
+        <translation>The scene is made for the engine %1; the farm will render it with Cycles if you go on.</translation>
+    </message>
+    <message>
+        <source>The scene&apos;s frame step is %1; the farm will render every frame if you go on.</source>
+        <translation>The scene&apos;s frame step is %1; the farm will render every frame if you go on.</translation>
     </message>
 </context>
 <context>

@@ -1286,12 +1286,12 @@
         <translation>提交场景</translation>
     </message>
     <message>
-        <source>Scenes (*.pov *.ma *.mb)</source>
-        <translation>场景 (*.pov *.ma *.mb)</translation>
-    </message>
-    <message>
         <source>These scenes are in the list of local tasks already. Continue or delete their tasks there:</source>
         <translation>这些场景已在本地任务列表中。请在那里继续或删除它们的任务：</translation>
+    </message>
+    <message>
+        <source>Scenes (%1)</source>
+        <translation>场景 (%1)</translation>
     </message>
 </context>
 <context>
@@ -2150,6 +2150,26 @@ Below files are missing:
     <message>
         <source>The farm&apos;s answer is incomplete. Please continue the submission later.</source>
         <translation>渲染农场的应答不完整。请稍后继续提交。</translation>
+    </message>
+    <message>
+        <source>Blender is reading the scene.</source>
+        <translation>Blender 正在读取场景。</translation>
+    </message>
+    <message>
+        <source>Blender is not installed on this computer, so nobody can tell which files the scene needs. Please install it, then submit the scene again.</source>
+        <translation>本机未安装 Blender，因此无法得知该场景需要哪些文件。请先安装 Blender，然后重新提交场景。</translation>
+    </message>
+    <message>
+        <source>Blender could not read the scene, or took more than ten minutes.</source>
+        <translation>Blender 无法读取该场景，或读取时间超过十分钟。</translation>
+    </message>
+    <message>
+        <source>The scene is made for the engine %1; the farm will render it with Cycles if you go on.</source>
+        <translation>该场景使用 %1 引擎；如果继续，渲染农场将用 Cycles 渲染。</translation>
+    </message>
+    <message>
+        <source>The scene&apos;s frame step is %1; the farm will render every frame if you go on.</source>
+        <translation>该场景的帧步长为 %1；如果继续，渲染农场将渲染每一帧。</translation>
     </message>
 </context>
 <context>

@@ -21,9 +21,8 @@ constexpr int NoticeKind = 2;
 constexpr int TellingPause = 300; // ms, for refusals that come one after the other to share a notice
 
 /// @return the scene files among the dragged ones, by their names: a drag must not wait for a disk.
-QStringList ScenesOf(const QMimeData* data)
+QStringList ScenesOf(const QMimeData* data, const QStringList& suffixes)
 {
-    static const QStringList suffixes {QStringLiteral("pov"), QStringLiteral("ma"), QStringLiteral("mb")};
     QStringList scenes;
     const QList<QUrl> urls = data ? data->urls() : QList<QUrl>();
     for (const QUrl& url : urls) {
@@ -36,9 +35,10 @@ QStringList ScenesOf(const QMimeData* data)
 
 } // namespace
 
-SceneIntake::SceneIntake(VTRenderCoreInterface* renderCore, VTMessagboxInterface* messageBox,
-    VTUiLoaderInterface* loader, QObject* parent)
+SceneIntake::SceneIntake(const QStringList& suffixes, VTRenderCoreInterface* renderCore,
+    VTMessagboxInterface* messageBox, VTUiLoaderInterface* loader, QObject* parent)
     : QObject(parent)
+    , m_suffixes(suffixes)
     , m_renderCore(renderCore)
     , m_messageBox(messageBox)
     , m_loader(loader)
@@ -123,7 +123,7 @@ bool SceneIntake::eventFilter(QObject* watched, QEvent* event)
     case QEvent::DragMove:
     case QEvent::Drop: {
         auto* drag = static_cast<QDropEvent*>(event);
-        const QStringList scenes = ScenesOf(drag->mimeData());
+        const QStringList scenes = ScenesOf(drag->mimeData(), m_suffixes);
         drag->setDropAction(Qt::CopyAction);
         drag->setAccepted(!scenes.isEmpty());
         if (event->type() == QEvent::Drop && !scenes.isEmpty())
@@ -146,7 +146,8 @@ void SceneIntake::AskForScenes()
 {
     if (m_dialog)
         return;
-    m_dialog = new QFileDialog(m_form, tr("Submit a scene"), {}, tr("Scenes (*.pov *.ma *.mb)"));
+    const QString patterns = QLatin1String("*.") + m_suffixes.join(QLatin1String(" *."));
+    m_dialog = new QFileDialog(m_form, tr("Submit a scene"), {}, tr("Scenes (%1)").arg(patterns));
     m_dialog->setAttribute(Qt::WA_DeleteOnClose);
     m_dialog->setFileMode(QFileDialog::ExistingFiles);
     // Scenes chosen for a session that has ended must not be submitted in the next one.

@@ -19,8 +19,9 @@ class SceneIntake : public QObject
 
 public:
     /// All services must outlive this object.
-    SceneIntake(VTRenderCoreInterface* renderCore, VTMessagboxInterface* messageBox,
-        VTUiLoaderInterface* loader, QObject* parent = nullptr);
+    /// @param suffixes of the scenes that can be submitted, in lower case.
+    SceneIntake(const QStringList& suffixes, VTRenderCoreInterface* renderCore,
+        VTMessagboxInterface* messageBox, VTUiLoaderInterface* loader, QObject* parent = nullptr);
 
     /// Submits the scenes as soon as somebody is signed in. Notices name those that cannot be submitted, and those that
     /// are being submitted already.
@@ -43,6 +44,7 @@ private:
     void ShowRefusals();
     void Tell(const QString& text, const QStringList& scenes);
 
+    QStringList m_suffixes;
     VTRenderCoreInterface* m_renderCore;
     VTMessagboxInterface* m_messageBox;
     VTUiLoaderInterface* m_loader;

@@ -1,6 +1,7 @@
 #include "host/services/render_core_service.h"
 
 #include "host/farmclient/http_transport.h"
+#include "host/rendercore/submit/scene_analysis.h"
 #include "host/rendercore/submit/submit_rules.h"
 #include "host/settings/download_folder.h"
 #include "host/settings/keep_days.h"
@@ -125,6 +126,11 @@ const SubmitTask& RenderCoreService::Task(const QString& id) const
     static const SubmitTask none;
     const SubmitTask* task = m_submissions.Task(id);
     return task ? *task : none;
+}
+
+QStringList RenderCoreService::SceneSuffixes()
+{
+    return ::SceneSuffixes();
 }
 
 QString RenderCoreService::HaltText(const QString& id) const

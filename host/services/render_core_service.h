@@ -41,6 +41,9 @@ public:
     void SetFormFilter(QObject* filter) { m_formFilter = filter; }
     bool eventFilter(QObject* watched, QEvent* event) override;
 
+    /// The suffixes of the scenes that can be submitted, in lower case.
+    static QStringList SceneSuffixes();
+
     /// Says in a few words why a local task stands still; empty where the name of its stage says as much.
     QString HaltText(const QString& id) const;
 

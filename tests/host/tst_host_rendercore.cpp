@@ -52,7 +52,7 @@ private slots:
         UiLoaderService loader(&settings);
         RenderCoreService renderCore(m_folder.filePath("transfer"_s), &settings);
         Notices notices;
-        SceneIntake intake(&renderCore, &notices, &loader);
+        SceneIntake intake(RenderCoreService::SceneSuffixes(), &renderCore, &notices, &loader);
         renderCore.SetFormFilter(&intake);
         connect(&renderCore, &RenderCoreService::SceneRefused, &intake, &SceneIntake::ShowRefusal);
         QWidget form;

@@ -1,4 +1,5 @@
 // Scene analysis, packing and limits of arguments.
+#include "host/rendercore/submit/blender_scene.h"
 #include "host/rendercore/submit/maya_attributes.h"
 #include "host/rendercore/submit/scene_analysis.h"
 #include "host/rendercore/submit/scene_contents.h"
@@ -11,7 +12,7 @@
 
 namespace {
 
-/// Names are relative to the scene's folder; @ is the folder two above it.
+/// Names are relative to the scene's folder; @ is the folder two above it, and ^ the same without its first slash.
 struct SceneCase
 {
     const char* name;
@@ -20,6 +21,7 @@ struct SceneCase
     const char* files;                             ///< that the analysis finds
     const char* missing = "";
     const char* job = "1-1 640x480";
+    const char* report = nullptr; ///< of Blender, with ' for "
 };
 
 const SceneCase SceneCases[] = {
@@ -115,6 +117,25 @@ const SceneCase SceneCases[] = {
             "setAttr \".ftn\" -type \"string\" \"../../k\";"}},
         ".ssh/id ../../k", "a.ma .ssh/id external@/k", "outside:@/p/s/.ssh/id outside:@/k"},
     {"binary scene", {{"a.mb"_s, "file \"x.ma\";"}}, "x.ma", "a.mb"},
+    {"a report", {{"a.blend"_s, ""}},
+        "t/a.png ../../b.png s_1.png s_2.png u.1001.png u.1002.png 1001.png 1002.png fluid/x/1.vdb",
+        "^/p/s/a.blend ^/p/s/t/a.png ^/b.png ^/p/s/s_1.png ^/p/s/s_2.png ^/p/s/u.1001.png ^/p/s/u.1002.png "
+        "^/p/s/1001.png ^/p/s/fluid/x/1.vdb",
+        "//gone.png c:/no.png outside:@/b.png", "3-8 64x48",
+        "{'files': [{'path': '@/p/s/t/a.png'}, {'path': '@/p/s/../../b.png'}, "
+        "{'path': '@/p/s/s_1.png', 'pattern': 'sequence'}, {'path': '@/p/s/u.<UDIM>.png', 'pattern': "
+        "'tiles'}, "
+        "{'path': '@/p/s/1001.png'}, {'name': '//gone.png', 'path': '@/p/s/gone.png'}, {'path': "
+        "'c:/no.png'}], "
+        "'folders': ['@/p/s/fluid', 'p'], 'first_frame': 3, 'last_frame': 8, 'frame_step': 1, "
+        "'width': 64, 'height': 48, 'engine': 'CYCLES'}"},
+    {"a mad report", {{"a.blend"_s, ""}}, "", "^/p/s/a.blend",
+        " The scene is made for the engine Eevee; the farm will render it with Cycles if you go on. "
+        "The scene's frame step is 2; the farm will render every frame if you go on.",
+        "1-1 640x480",
+
+        "{'files': [7, {}], 'folders': [[]], 'first_frame': 'x', 'last_frame': -1, 'frame_step': 2, "
+        "'width': -5, 'height': 1e9, 'engine': 'BLENDER_EEVEE'}"},
 };
 
 /// A value in the arguments of a job, and whether it may be there.
@@ -158,25 +179,42 @@ private slots:
         for (const auto& [name, text] : row.texts)
             Write(name, text);
         const auto& [scene, content] = row.texts.at(0);
-        const SceneAnalysis analysis = AnalyseScene(Write(scene, content));
+        const auto expected = [this](const char* text) {
+            return QString::fromUtf8(text)
+                .replace(QLatin1Char('@'), m_folder->path())
+                .replace(QLatin1Char('^'), m_folder->path().mid(1));
+        };
+        const QString path = Write(scene, content);
+        const SceneAnalysis analysis = row.report == nullptr
+            ? AnalyseScene(path)
+            : AnalyseBlenderScene(
+                path, expected(row.report).replace(QLatin1Char('\''), QLatin1Char('"')).toUtf8(), {});
         QStringList found;
         for (const SceneFile& file : analysis.files) {
             found.append(file.path);
             QVERIFY(QFileInfo(file.source).isFile());
         }
-        const auto expected = [this](const char* text) {
-            return QString::fromUtf8(text).replace(QLatin1Char('@'), m_folder->path());
-        };
         QCOMPARE(analysis.error, QString());
         QCOMPARE(analysis.scene, found.constFirst());
         QCOMPARE(found.join(QLatin1Char(' ')), expected(row.files));
         QStringList asked = analysis.missing;
         for (const QString& file : analysis.outside)
             asked.append("outside:"_s + file);
+        asked += analysis.remarks;
         QCOMPARE(asked.join(QLatin1Char(' ')), expected(row.missing));
         const int numbers[] = {analysis.firstFrame, analysis.lastFrame, analysis.width, analysis.height};
         QCOMPARE("%1-%2 %3x%4"_s.arg(numbers[0]).arg(numbers[1]).arg(numbers[2]).arg(numbers[3]),
             expected(row.job));
+    }
+
+    void ReportsThatCannotBeUsedSayWhy()
+    {
+        const auto error = [this](const char* report) {
+            return AnalyseBlenderScene(Write("a.blend"_s), report, {}).error;
+        };
+        QVERIFY(error("").startsWith("Blender could not read the scene"_s));
+        QCOMPARE(error("{"), error(""));
+        QCOMPARE(error("{\"error\": \"no such file\"}"), error("") + "\nno such file"_s);
     }
 
     void TellsFileNamesFromOtherValues()

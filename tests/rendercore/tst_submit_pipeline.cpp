@@ -5,6 +5,11 @@
 #include "host/rendercore/submit/submit_queue.h"
 #include "host/rendercore/submit/submit_text.h"
 #include "tests/farm/farm_client.h"
+#include "tests/support/blender_scene.h"
+
+#include <QImage>
+
+#include <csignal>
 
 namespace {
 
@@ -112,6 +117,7 @@ private:
     std::unique_ptr<SubmitQueue> m_queue;
     std::unique_ptr<QSignalSpy> m_lacking;
     FarmAccess m_access;
+    const QByteArray m_path = qgetenv("PATH");
 
 private slots:
     void init()
@@ -129,6 +135,7 @@ private slots:
         m_queue.reset();
         m_farm.reset();
         m_data.reset();
+        qputenv("PATH", m_path);
     }
 
     void AsksForMissingTexturesAndBecomesARenderedJob()
@@ -238,6 +245,61 @@ private slots:
         m_queue->SetAccess(m_access);
         m_queue->Continue(id);
         QVERIFY(Await(id));
+    }
+
+    void ABlenderSceneBecomesARenderedJob()
+    {
+        if (!HasBlender())
+            QSKIP("Blender is not installed");
+        QCOMPARE(MakeShot(m_folder->path()), QByteArray());
+        const QString id = Submit("shots/shot.blend"_s);
+        // The library and its texture are beside the scene's folder.
+        QVERIFY(Await(id, SubmitError::AwaitsUser));
+        const SubmitWork work = Task(id).work;
+        QCOMPARE(work.missing.size(), 3);
+        QCOMPARE(work.missing.constFirst(), "//gone.png"_s);
+        QStringList files;
+        for (const PackedFile& file : work.files)
+            files.append(QDir(m_folder->path()).relativeFilePath(file.source));
+        files.sort();
+        QCOMPARE(files.join(QLatin1Char(' ')),
+            "parts/cube.blend shots/shot.blend shots/smoke_0001.png shots/smoke_0002.png shots/tile.1001.png "
+            "shots/tile.1002.png textures/red.png"_s);
+        m_queue->AnswerMissingTextures(id, true);
+        QVERIFY(Await(id));
+        QTRY_COMPARE_WITH_TIMEOUT(m_data->Only().status, int(farm::JobStatus::Finished), Patience);
+        QCOMPARE(Count("frames"), 2);
+        const QImage picture(Path("farm/jobs/%1/frame_0004.png"_s.arg(m_data->Only().id)));
+        QCOMPARE(picture.size(), QSize(48, 36));
+        const QRgb middle = picture.pixel(24, 18);
+        QVERIFY2(qRed(middle) > 100 && qBlue(middle) < 50, qPrintable(QString::number(middle, 16)));
+    }
+
+    void OthersGoOnWhileBlenderReads()
+    {
+        QVERIFY(QDir(m_folder->path()).mkdir("bin"_s));
+        qputenv("PATH", Path("bin"_s).toUtf8());
+        QSignalSpy refused(m_queue.get(), &SubmitQueue::SceneRefused);
+        WriteFile(Path("a.blend"_s), {});
+        m_queue->Submit(Path("a.blend"_s));
+        QVERIFY(refused.wait(Patience));
+        QCOMPARE(refused.at(0).at(1).toString(), QString::fromLatin1(SubmitText::BlenderLacking));
+
+        const QString blender = Path("bin/blender"_s);
+        const QString note = Path("processes"_s);
+        WriteFile(blender,
+            "#!/bin/sh\nPATH=/bin:/usr/bin\nsh -c 'echo $PPID $$ > " + note.toUtf8() + "; sleep 600'\n");
+        QFile::setPermissions(blender, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        const QString id = Submit("a.blend"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(ReadFile(note).simplified().split(' ').size(), 2, Patience);
+        QVERIFY(Await(Submit({{"b.pov"_s, "sphere{0,1}"}})));
+        QCOMPARE(Task(id).message, QString::fromLatin1(SubmitText::BlenderReads));
+        m_queue->Remove({id});
+        for (const QByteArray& process : ReadFile(note).simplified().split(' '))
+            QTRY_COMPARE_WITH_TIMEOUT(::kill(process.toInt(), 0), -1, Patience);
+        // One that writes no report.
+        WriteFile(blender, "#!/bin/sh\n");
+        QVERIFY(Await(Submit("a.blend"_s), SubmitError::SceneUnusable));
     }
 
     void LeavesNothingOfADeletedTask()

@@ -50,6 +50,7 @@ QString PlayTurns(const char* script)
             {'r', [&](int number) { postpone(Obstacle::Request, number); }},
             {'f', [&](int number) { postpone(Obstacle::Farm, number); }},
             {'s', [&](int number) { postpone(Obstacle::Session, number); }},
+            {'p', [&](int number) { postpone(Obstacle::Program, number); }},
         });
     return answers.join(QLatin1Char(' '));
 }
@@ -60,6 +61,7 @@ const Script TurnsScripts[] = {
     {"goes round in a circle", "o +5 +2 +9 ? r2 ? r5 ? r9 ? @500 ?", "2 5 9 wait:500 2"},
     {"a new task waits for its turn", "o +5 ? +2 ? -5 ?", "5 5 2"},
     {"without a farm", "+1 +2 ? l2 ? o ? -2 ?", "none 2 2 1"},
+    {"others go on while a program works", "o +1 l1 +2 ? p1 ? -2 ? @300 ?", "1 2 wait:300 1"},
     {"farm away for all but local stages", "o +1 +2 +3 ? f1 ? l3 ? -3 @499 ? @1 ?", "1 wait:500 3 wait:1 1"},
     {"the farm's pause doubles", "o +1 ? f1 ? @500 ? f1 ? @1000 ? f1 ?",
         "1 wait:500 1 wait:1000 1 wait:2000"},

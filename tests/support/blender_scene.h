@@ -41,6 +41,7 @@ def Save(name):
 
 /// Makes shots/shot.blend: a cube that shines in the colour of textures/red.png, which belongs to the library
 /// parts/cube.blend. The scene names the library by its absolute path, and the library the texture relative to itself.
+/// Two pictures of a sequence and two tiles lie beside the scene; gone.png does not.
 inline QByteArray MakeShot(const QString& folder)
 {
     return RunBlender(folder, QString::fromLatin1(R"py(
@@ -65,6 +66,13 @@ scene.cycles.samples = 1
 scene.render.engine = "CYCLES"
 scene.render.resolution_x, scene.render.resolution_y, scene.render.resolution_percentage = 96, 72, 50
 scene.frame_start, scene.frame_end = 3, 4
+for name in ("smoke_0001", "smoke_0002", "tile.1001", "tile.1002"):
+    bpy.data.images.remove(Picture(f"shots/{name}.png", (1, 1, 1, 1)))
+for name, source in (("smoke_0001", "SEQUENCE"), ("tile.<UDIM>", "TILED"), ("gone", "FILE")):
+    image = bpy.data.images.new(name, 8, 8)
+    image.source = source
+    image.filepath = f"//{name}.png"
+    image.use_fake_user = True
 Save("shots/shot.blend")
 )py"));
 }

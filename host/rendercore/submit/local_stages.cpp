@@ -180,12 +180,13 @@ private:
 
 } // namespace
 
-StageOutcome AnalyzeStage(const StageRequest& request, const StageProgress& onProgress)
+StageOutcome AnalyzeStage(
+    const StageRequest& request, const StageProgress& onProgress, const QByteArray& report)
 {
     // The sizes of included files are still unknown; usually the scene itself is the largest part.
     ByteCount count(request, onProgress, QFileInfo(request.task.scene).size());
-    const SceneAnalysis analysis
-        = AnalyseScene(request.task.scene, [&count](qint64 bytes) { return count.Add(bytes); });
+    const SceneAnalysis analysis = AnalyseScene(
+        request.task.scene, [&count](qint64 bytes) { return count.Add(bytes); }, report);
     StageOutcome outcome;
     if (*request.interrupted)
         return outcome;
@@ -196,6 +197,7 @@ StageOutcome AnalyzeStage(const StageRequest& request, const StageProgress& onPr
     work.missing = analysis.missing;
     for (const QString& file : analysis.outside)
         work.missing.append(QCoreApplication::translate("VTQsClientPrivate", SubmitText::Outside).arg(file));
+    work.missing += analysis.remarks;
     work.width = analysis.width;
     work.height = analysis.height;
     for (const SceneFile& file : analysis.files) {

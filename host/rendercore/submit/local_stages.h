@@ -7,7 +7,9 @@ class ChecksumCache;
 // The stages that do not need the farm. They can take a long time and end early when the flag of the request is set.
 // They throw std::runtime_error, with an English sentence, when files cannot be read or written.
 
-StageOutcome AnalyzeStage(const StageRequest& request, const StageProgress& onProgress);
+/// @param report of the program that reads scenes of this kind, if one does.
+StageOutcome AnalyzeStage(
+    const StageRequest& request, const StageProgress& onProgress, const QByteArray& report = {});
 
 /// Packs the files whose contents are new to this machine or to the farm. Files that the cache knows are packed only once
 /// the farm has asked for them.

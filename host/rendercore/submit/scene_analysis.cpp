@@ -1,43 +1,85 @@
 #include "host/rendercore/submit/scene_analysis.h"
 
+#include "host/rendercore/submit/blender_scene.h"
 #include "host/rendercore/submit/maya_scene.h"
 #include "host/rendercore/submit/povray_scene.h"
 #include "host/rendercore/submit/submit_text.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QStandardPaths>
 
-bool IsSceneName(const QString& file)
+#include <algorithm>
+
+namespace {
+
+const QVector<SceneKind>& Kinds()
 {
-    return !JobTypeOf(file).isEmpty();
+    static const QVector<SceneKind> kinds {
+        {"povray", {QStringLiteral("pov")},
+            [](const QString& scene, const QByteArray& /*report*/, const BytesRead& onBytes) {
+                return AnalysePovRayScene(scene, onBytes);
+            }},
+        {"blender", {QStringLiteral("blend")}, AnalyseBlenderScene, "blender", BlenderArguments,
+            SubmitText::BlenderReads, SubmitText::BlenderLacking, SubmitText::BlenderFailed},
+        {"maya", {QStringLiteral("ma"), QStringLiteral("mb")},
+            [](const QString& scene, const QByteArray& /*report*/, const BytesRead& onBytes) {
+                return AnalyseMayaScene(scene, onBytes);
+            }},
+    };
+    return kinds;
+}
+
+} // namespace
+
+const SceneKind* KindOfScene(const QString& file)
+{
+    const QString suffix = QFileInfo(file).suffix().toLower();
+    const auto kind = std::find_if(Kinds().cbegin(), Kinds().cend(),
+        [&suffix](const SceneKind& each) { return each.suffixes.contains(suffix); });
+    return kind == Kinds().cend() ? nullptr : &*kind;
+}
+
+QStringList SceneSuffixes()
+{
+    QStringList suffixes;
+    for (const SceneKind& kind : Kinds())
+        suffixes += kind.suffixes;
+    return suffixes;
 }
 
 QString JobTypeOf(const QString& scene)
 {
-    const QString suffix = QFileInfo(scene).suffix().toLower();
-    if (suffix == QLatin1String("pov"))
-        return QStringLiteral("povray");
-    const bool isMaya = suffix == QLatin1String("ma") || suffix == QLatin1String("mb");
-    return isMaya ? QStringLiteral("maya") : QString();
+    const SceneKind* const kind = KindOfScene(scene);
+    return kind != nullptr ? QString::fromLatin1(kind->jobType) : QString();
 }
 
-SceneAnalysis AnalyseScene(const QString& scene, const BytesRead& onBytes)
+QString WhyNotAnalysed(const QString& scene)
 {
     const QFileInfo file(scene);
+    const SceneKind* const kind = KindOfScene(scene);
+    if (kind == nullptr || !file.isFile() || !file.isReadable())
+        return QString::fromLatin1(SubmitText::SceneUnreadable);
+    if (!IsSendablePath(file.fileName()))
+        return QString::fromLatin1(SubmitText::SceneNameRefused);
+    const bool lacksProgram = kind->program != nullptr
+        && QStandardPaths::findExecutable(QString::fromLatin1(kind->program)).isEmpty();
+    return lacksProgram ? QString::fromLatin1(kind->lacking) : QString();
+}
+
+QString RealScenePath(const QString& scene)
+{
+    const QFileInfo file(scene);
+    return QDir(QDir(file.absolutePath()).canonicalPath()).filePath(file.fileName());
+}
+
+SceneAnalysis AnalyseScene(const QString& scene, const BytesRead& onBytes, const QByteArray& report)
+{
     SceneAnalysis analysis;
-    if (!file.isFile() || !file.isReadable())
-        analysis.error = QString::fromLatin1(SubmitText::SceneUnreadable);
-    else if (!IsSendablePath(file.fileName()))
-        analysis.error = QString::fromLatin1(SubmitText::SceneNameRefused);
+    analysis.error = WhyNotAnalysed(scene);
     if (!analysis.error.isEmpty())
         return analysis;
-
-    // A renderer that follows ".." gets to the parent of the real folder, not of a link to it.
-    const QString path = QDir(QDir(file.absolutePath()).canonicalPath()).filePath(file.fileName());
-    if (JobTypeOf(scene) == QLatin1String("povray"))
-        analysis = AnalysePovRayScene(path, onBytes);
-    else
-        analysis = AnalyseMayaScene(path, onBytes);
+    analysis = KindOfScene(scene)->analyse(RealScenePath(scene), report, onBytes);
     if (analysis.files.size() > MostSceneFiles || analysis.missing.size() > MostSceneFiles)
         analysis.error = TooManyFiles();
     return analysis;

@@ -24,6 +24,8 @@ struct SceneAnalysis
     /// Absolute paths of the `files` outside the scene's folder and its project. Users who got the scene from somebody
     /// else do not expect them to be sent.
     QStringList outside;
+    /// Sentences about what the farm does otherwise than the scene says. The user is asked to agree to it.
+    QStringList remarks;
     int firstFrame = 1;
     int lastFrame = 1;
     int width = 640; ///< of a frame, in pixels

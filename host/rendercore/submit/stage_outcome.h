@@ -29,7 +29,8 @@ struct StageOutcome
     enum class Obstacle {
         Request, ///< the farm answers, but cannot fulfil this request
         Farm,    ///< the farm cannot be reached, its disk is full, or it asks clients to wait
-        Session  ///< the farm does not know the session
+        Session, ///< the farm does not know the session
+        Program  ///< a program is still reading the scene
     };
 
     Kind kind = Kind::Interrupted;

@@ -96,7 +96,7 @@ void SubmitQueue::Ask(const SubmitTask& task)
 SubmitQueue::Answer SubmitQueue::Submit(const QString& scene)
 {
     const QString path = QDir::cleanPath(QFileInfo(scene).absoluteFilePath());
-    if (m_access.owner.isEmpty() || !IsSceneName(path))
+    if (m_access.owner.isEmpty() || KindOfScene(path) == nullptr)
         return Answer::Refused;
     if (m_ledger.IsAdding(path) || m_tasks.HasUnfinished(path))
         return Answer::Known;
@@ -384,14 +384,13 @@ void SubmitQueue::Postpone(SubmitTask& task, const StageOutcome& outcome)
 
 void SubmitQueue::Interrupt()
 {
-    if (!m_run)
-        return;
-    *m_run->interrupted = true;
+    if (m_run)
+        *m_run->interrupted = true;
     m_worker.Post([](SubmitWorker& worker) { worker.Interrupt(); });
 }
 
 void SubmitQueue::Discard(qint64 number)
 {
-    m_worker.Post([folder = TaskPackages::Folder(m_packages, number)](
-                      const SubmitWorker&) { TaskPackages::Discard(folder); });
+    m_worker.Post([number, folder = TaskPackages::Folder(m_packages, number)](
+                      SubmitWorker& worker) { worker.Discard(number, folder); });
 }

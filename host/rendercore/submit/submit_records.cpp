@@ -1,10 +1,10 @@
 #include "host/rendercore/submit/submit_records.h"
 
 #include "host/rendercore/attempt.h"
+#include "host/rendercore/submit/scene_analysis.h"
 #include "host/rendercore/submit/submit_text.h"
 
 #include <QDir>
-#include <QFileInfo>
 
 #include <utility>
 
@@ -61,10 +61,8 @@ std::optional<QSet<qint64>> SubmitRecords::Numbers()
 std::optional<SubmitTask> SubmitRecords::Add(const QString& owner, const QString& scene, QString* error)
 {
     std::optional<SubmitTask> task;
-    const QFileInfo file(scene);
-    if (!file.isFile() || !file.isReadable())
-        *error = QString::fromLatin1(SubmitText::SceneUnreadable);
-    else if (!Attempt("save a submission", [&] { task = m_store.Add(owner, scene); }))
+    *error = WhyNotAnalysed(scene);
+    if (error->isEmpty() && !Attempt("save a submission", [&] { task = m_store.Add(owner, scene); }))
         *error = QString::fromLatin1(SubmitText::NotRecorded);
     return task;
 }

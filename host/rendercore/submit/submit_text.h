@@ -40,6 +40,19 @@ constexpr const char* AnswerUnreadable
 constexpr const char* AnswerIncomplete = QT_TRANSLATE_NOOP(
     "VTQsClientPrivate", "The farm's answer is incomplete. Please continue the submission later.");
 
+constexpr const char* BlenderReads = QT_TRANSLATE_NOOP("VTQsClientPrivate", "Blender is reading the scene.");
+constexpr const char* BlenderLacking = QT_TRANSLATE_NOOP("VTQsClientPrivate",
+    "Blender is not installed on this computer, so nobody can tell which files the scene needs. Please "
+    "install it, then submit the scene again.");
+constexpr const char* BlenderFailed = QT_TRANSLATE_NOOP(
+    "VTQsClientPrivate", "Blender could not read the scene, or took more than ten minutes.");
+
+// These stand in the list of missing files, because the user has to agree to them as well.
+constexpr const char* OtherEngine = QT_TRANSLATE_NOOP("VTQsClientPrivate",
+    "The scene is made for the engine %1; the farm will render it with Cycles if you go on.");
+constexpr const char* EveryFrame = QT_TRANSLATE_NOOP(
+    "VTQsClientPrivate", "The scene's frame step is %1; the farm will render every frame if you go on.");
+
 // Stands for a file in the list of missing files.
 constexpr const char* Outside
     = QT_TRANSLATE_NOOP("VTQsClientPrivate", "%1 (outside the scene's folder; will be sent if you go on)");

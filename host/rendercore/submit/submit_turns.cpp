@@ -39,7 +39,7 @@ void SubmitTurns::SetFarm(bool isOpen)
 qint64 SubmitTurns::WaitOf(const Waiting& task, bool needsFarm, qint64 now) const
 {
     if (!needsFarm)
-        return 0;
+        return std::max<qint64>(0, task.nextLook - now);
     return m_isFarmOpen ? std::max<qint64>(0, std::max(m_farmNotBefore, task.notBefore) - now) : -1;
 }
 
@@ -79,6 +79,9 @@ bool SubmitTurns::Postpone(qint64 task, StageOutcome::Obstacle obstacle, int ret
         break;
     case StageOutcome::Obstacle::Farm:
         m_farmNotBefore = now + AtLeast(m_farmBackoff.Fail(), retryAfter);
+        break;
+    case StageOutcome::Obstacle::Program:
+        m_tasks.at(task).nextLook = now + LookPause;
         break;
     case StageOutcome::Obstacle::Request:
         m_farmBackoff.Reset();

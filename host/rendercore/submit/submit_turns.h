@@ -46,13 +46,15 @@ private:
     struct Waiting
     {
         Backoff backoff;
-        qint64 notBefore = 0;
+        qint64 notBefore = 0; // asks the farm
+        qint64 nextLook = 0;  // looks after a program
     };
 
     qint64 WaitOf(const Waiting& task, bool needsFarm, qint64 now) const;
 
     static constexpr int FirstPause = 500;     // ms; doubles with each further failure
     static constexpr int LongestPause = 32000; // ms
+    static constexpr int LookPause = 300;      // ms
     static constexpr int MostPauses = 7;       // in a row without progress, about a minute in all
 
     std::map<qint64, Waiting> m_tasks;

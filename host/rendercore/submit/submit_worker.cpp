@@ -1,6 +1,7 @@
 #include "host/rendercore/submit/submit_worker.h"
 
 #include "host/rendercore/submit/local_stages.h"
+#include "host/rendercore/submit/task_packages.h"
 
 #include <exception>
 
@@ -45,12 +46,36 @@ StageOutcome SubmitWorker::Run(const StageRequest& request, const StageProgress&
     return outcome;
 }
 
+StageOutcome SubmitWorker::Analyze(const StageRequest& request, const StageProgress& onProgress)
+{
+    const QString scene = request.task.scene;
+    const SceneKind* const kind = KindOfScene(scene);
+    if (kind == nullptr || kind->program == nullptr || !WhyNotAnalysed(scene).isEmpty())
+        return AnalyzeStage(request, onProgress);
+    if (const auto report = m_reporter.Ask(request.task.number, scene))
+        return AnalyzeStage(request, onProgress, *report);
+    // Other tasks go on meanwhile.
+    StageOutcome outcome;
+    outcome.kind = StageOutcome::Kind::TryAgain;
+    outcome.obstacle = StageOutcome::Obstacle::Program;
+    outcome.next = SubmitStage::Analyze;
+    outcome.work = request.task.work;
+    outcome.message = QString::fromLatin1(kind->reading);
+    return outcome;
+}
+
+void SubmitWorker::Discard(qint64 task, const QString& folder)
+{
+    m_reporter.Forget(task);
+    TaskPackages::Discard(folder);
+}
+
 StageOutcome SubmitWorker::RunStage(const StageRequest& request, const StageProgress& onProgress)
 {
     switch (request.task.next) {
     case SubmitStage::Wait:
     case SubmitStage::Analyze:
-        return AnalyzeStage(request, onProgress);
+        return Analyze(request, onProgress);
     case SubmitStage::Compress:
         return CompressStage(request, onProgress, m_cache);
     case SubmitStage::Checksum:

@@ -2,6 +2,7 @@
 
 #include "host/rendercore/submit/checksum_cache.h"
 #include "host/rendercore/submit/farm_stages.h"
+#include "host/rendercore/submit/scene_reporter.h"
 #include "host/rendercore/submit/stage_outcome.h"
 
 #include <QElapsedTimer>
@@ -21,12 +22,22 @@ public:
     /// @param onProgress is called at most four times a second.
     StageOutcome Run(const StageRequest& request, const StageProgress& onProgress);
 
-    /// Ends a request to the farm at once when the flag of the running stage is set.
-    void Interrupt() { m_farm.Interrupt(); }
+    /// Ends a request to the farm at once when the flag of the running stage is set, and programs that read scenes.
+    void Interrupt()
+    {
+        m_reporter.ForgetAll();
+        m_farm.Interrupt();
+    }
+
+    /// Deletes what is left of a task.
+    /// @param folder of its packages.
+    void Discard(qint64 task, const QString& folder);
 
 private:
+    StageOutcome Analyze(const StageRequest& request, const StageProgress& onProgress);
     StageOutcome RunStage(const StageRequest& request, const StageProgress& onProgress);
 
+    SceneReporter m_reporter;
     FarmStages m_farm;
     ChecksumCache m_cache;
     QElapsedTimer m_lastProgress;

@@ -1,0 +1,158 @@
+#include "host/rendercore/submit/blender_scene.h"
+
+#include "host/rendercore/submit/file_pattern.h"
+#include "host/rendercore/submit/folder_listing.h"
+#include "host/rendercore/submit/submit_text.h"
+#include "json/read_object.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QSet>
+
+namespace {
+
+QString Translated(const char* text)
+{
+    return QCoreApplication::translate("VTQsClientPrivate", text);
+}
+
+QString EngineName(const QString& engine)
+{
+    if (engine == QLatin1String("BLENDER_EEVEE"))
+        return QStringLiteral("Eevee");
+    return engine == QLatin1String("BLENDER_WORKBENCH") ? QStringLiteral("Workbench") : engine;
+}
+
+class BlenderAnalysis
+{
+public:
+    BlenderAnalysis(const QString& scene, const BytesRead& onBytes)
+        : m_folder(QFileInfo(scene).path())
+        , m_onBytes(onBytes)
+        , m_listing(onBytes)
+    {
+        Add(scene);
+    }
+
+    SceneAnalysis Run(const QJsonObject& report)
+    {
+        if (m_result.files.isEmpty()) {
+            m_result.error = QString::fromLatin1(SubmitText::SceneNameRefused);
+            return m_result;
+        }
+        m_result.scene = m_result.files.constFirst().path;
+        const QJsonArray files = report.value(QLatin1String("files")).toArray();
+        for (const QJsonValue& file : files) {
+            if (GoesOn())
+                AddReference(file.toObject());
+        }
+        const QJsonArray folders = report.value(QLatin1String("folders")).toArray();
+        for (const QJsonValue& folder : folders)
+            AddFolder(folder.toString());
+        const auto number = [&report](const char* key) { return report.value(QLatin1String(key)).toInt(); };
+        SetFrames(m_result, number("first_frame"), number("last_frame"));
+        SetSize(m_result, number("width"), number("height"));
+        Remark(report.value(QLatin1String("engine")).toString(), number("frame_step"));
+        return m_result;
+    }
+
+private:
+    bool GoesOn() const
+    {
+        return m_result.files.size() <= MostSceneFiles && m_result.missing.size() <= MostSceneFiles
+            && (!m_onBytes || m_onBytes(0));
+    }
+
+    void Add(const QString& source)
+    {
+        if (m_seen.contains(source))
+            return;
+        m_seen.insert(source);
+        const QString path = source.mid(1); // without the slash of the root
+        if (!IsSendablePath(path)) {
+            m_result.missing.append(source);
+            return;
+        }
+        m_result.files.append({path, source});
+        if (!LiesIn(m_folder, source))
+            m_result.outside.append(source);
+    }
+
+    void AddReference(const QJsonObject& file)
+    {
+        const QString reference = file.value(QLatin1String("path")).toString();
+        const QString path = QDir::cleanPath(reference);
+        const QStringList found = QDir::isAbsolutePath(path)
+            ? FilesLike(path, file.value(QLatin1String("pattern")).toString())
+            : QStringList();
+        for (const QString& source : found) {
+            if (GoesOn())
+                Add(source);
+        }
+        const QString name = file.value(QLatin1String("name")).toString(reference);
+        if (found.isEmpty() && !m_result.missing.contains(name))
+            m_result.missing.append(name);
+    }
+
+    QStringList FilesLike(const QString& path, const QString& pattern)
+    {
+        QStringList found;
+        const QFileInfo file(path);
+        if (!pattern.isEmpty())
+            found = m_listing.Matching(
+                file.path(), FilePattern(file.fileName(), pattern == QLatin1String("sequence")));
+        const QString itself = FirstReadable({path});
+        if (!itself.isEmpty() && !found.contains(itself))
+            found.prepend(itself);
+        return found;
+    }
+
+    void AddFolder(const QString& folder)
+    {
+        if (!QDir::isAbsolutePath(folder))
+            return;
+        QDirIterator files(QDir::cleanPath(folder), QDir::Files, QDirIterator::Subdirectories);
+        while (GoesOn() && files.hasNext())
+            Add(files.next());
+    }
+
+    /// What the farm does otherwise than the scene says.
+    void Remark(const QString& engine, int step)
+    {
+        if (!engine.isEmpty() && engine != QLatin1String("CYCLES"))
+            m_result.remarks.append(Translated(SubmitText::OtherEngine).arg(EngineName(engine)));
+        if (step > 1)
+            m_result.remarks.append(Translated(SubmitText::EveryFrame).arg(step));
+    }
+
+    QString m_folder;
+    const BytesRead& m_onBytes;
+    FolderListing m_listing;
+    SceneAnalysis m_result;
+    QSet<QString> m_seen;
+};
+
+} // namespace
+
+QStringList BlenderArguments(const QString& scene, const QString& report)
+{
+    return {QStringLiteral("--background"), QStringLiteral("--factory-startup"),
+        QStringLiteral("--disable-autoexec"), QStringLiteral("--python-expr"),
+        QString::fromUtf8(BlenderReportScript), QStringLiteral("--"), scene, report};
+}
+
+SceneAnalysis AnalyseBlenderScene(const QString& scene, const QByteArray& report, const BytesRead& onBytes)
+{
+    const JsonRead read = ReadJsonObject(report);
+    const QJsonValue error = read.object.value(QLatin1String("error"));
+    if (read.fault == nullptr && error.isUndefined())
+        return BlenderAnalysis(scene, onBytes).Run(read.object);
+    SceneAnalysis analysis;
+    analysis.error = Translated(SubmitText::BlenderFailed);
+    if (!error.toString().isEmpty())
+        analysis.error += QLatin1Char('\n') + error.toString();
+    return analysis;
+}

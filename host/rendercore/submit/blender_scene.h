@@ -1,0 +1,17 @@
+#pragma once
+
+#include "host/rendercore/submit/scene_contents.h"
+
+/// Lets Blender write a report on a scene; defined by the build from blender_report.py.
+extern const char* const BlenderReportScript;
+
+/// Arguments with which Blender, in the background and without running any Python of the scene, writes a report.
+QStringList BlenderArguments(const QString& scene, const QString& report);
+
+/// Reads Blender's report on a scene: its files, frames, size and engine. Sequences and tiles stand for all files that
+/// match; folders of caches bring all that they hold.
+///
+/// At the farm, each file lies under its whole absolute path. So relative references need no change, and the farm finds
+/// absolute ones in the folder of the job's files.
+/// @param report comes from Blender, which has read a file from anywhere, so nothing in it is relied on.
+SceneAnalysis AnalyseBlenderScene(const QString& scene, const QByteArray& report, const BytesRead& onBytes);
