@@ -23,17 +23,17 @@ public:
     /// nothing.
     void MeasureIdleness(CostTable& table)
     {
-        constexpr int Turns = 5;
+        constexpr int Turns = 2;
         m_client.SignIn();
         m_client.Tabs()->setCurrentIndex(1);
         emit m_renderCore.SubmitListChanged();
         Paint();
-        QList<QTimer*> running;
+        std::vector<QTimer*> running;
         std::vector<std::unique_ptr<QTimer>> bare;
         for (QTimer* timer : m_client.Window()->findChildren<QTimer*>()) {
             if (!timer->isActive())
                 continue;
-            running.append(timer);
+            running.push_back(timer);
             bare.push_back(std::make_unique<QTimer>());
             bare.back()->setInterval(timer->interval());
         }
@@ -131,10 +131,10 @@ public:
     }
 
 private:
-    /// The processor time of some seconds.
+    /// The processor time of a time in which also the list of jobs is due.
     static double Idle()
     {
-        constexpr int Seconds = 5;
+        constexpr int Seconds = 16;
         Paint();
         QEventLoop loop;
         QTimer end;

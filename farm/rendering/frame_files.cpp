@@ -150,9 +150,9 @@ Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix, const Run
     const RenderPlace places = PlaceOf(task, suffix, run);
     const QString unfinished = places.Output();
     struct stat found = {};
-    const bool isThere = ::lstat(QFile::encodeName(unfinished).constData(), &found) == 0;
-    if (!isThere && (errno != ENOENT || !QFileInfo::exists(places.run.folder)))
-        throw storage::DiskError("the folder of the frame cannot be read", errno);
+    const int error = ::lstat(QFile::encodeName(unfinished).constData(), &found) == 0 ? 0 : errno;
+    if (error != 0 && (error != ENOENT || !QFileInfo::exists(places.run.folder)))
+        throw storage::DiskError("the folder of the frame cannot be read", error);
     const QString name = FrameName(task.Number(), suffix);
     const QString place = QDir(JobFolder(task.jobId)).filePath(name);
     const QFileInfo left(unfinished);

@@ -22,7 +22,7 @@ struct FileReport
         Farm,  ///< the disk, perhaps a full one, or the database
     };
     Fault fault = Fault::None;
-    /// What is wrong, for the user.
+    /// The reason of the fault, for the user.
     QString message = {};
     /// Whether there is a picture that could not be moved to its place. The farm is at fault.
     bool isPictureLeft = false;

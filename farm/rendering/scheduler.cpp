@@ -142,8 +142,8 @@ void Scheduler::ReportHindrances()
 
 void Scheduler::CancelUnwantedFrames()
 {
-    std::map<std::pair<std::int64_t, int>, bool>
-        wanted; // by job and run, as a cluster holds thousands of frames
+    // By job and run: a cluster holds thousands of frames, but of few jobs.
+    std::map<std::pair<std::int64_t, int>, bool> wanted;
     for (auto& [id, work] : m_work) {
         if (*work.isUnwanted)
             continue;
@@ -212,6 +212,7 @@ void Scheduler::HandlePrepared(const RunId& id, const FileReport& report)
 void Scheduler::StartReady()
 {
     std::vector<Run> wanted;
+    std::vector<RunId> unwanted;
     for (const Run& run : std::exchange(m_ready, {})) {
         const auto work = m_work.find(run.id);
         if (work == m_work.end() || m_isStopped)
@@ -220,10 +221,13 @@ void Scheduler::StartReady()
         if (work->second.state == State::Started)
             wanted.push_back(run);
         else
-            Conclude(run.id);
+            unwanted.push_back(run.id);
     }
     if (!wanted.empty())
         m_deps.executor.Start(wanted);
+    // Last, because it may cancel runs, which the executor must know by then.
+    for (const RunId& id : unwanted)
+        Conclude(id);
 }
 
 void Scheduler::HandleStart(const RunId& id, const QString& host, qint64 at)
@@ -257,7 +261,7 @@ void Scheduler::HandleSettled(const RunId& id, const FileReport& report)
     Conclude(id);
 }
 
-/// Decides what becomes of the frame by its files.
+/// Decides by the files of a run what becomes of its frame.
 void Scheduler::Judge(Work& work, const FileReport& report)
 {
     m_waits = m_waits || report.fault == FileReport::Fault::Farm;

@@ -64,7 +64,7 @@ private:
         Settled,   ///< its end is to be recorded
     };
 
-    /// What becomes of the frame of a run that has ended.
+    /// The consequence of a run's end for its frame.
     enum class Fate {
         Finished,
         Failed,

@@ -78,6 +78,8 @@ RunResult FrameRunner::Run()
             m_log.Add("\nprocesses of the renderer could not be ended\n");
         ReadOutput(output);
         ::close(output);
+        const auto duration = std::chrono::steady_clock::now() - begin;
+        result.seconds = std::chrono::duration_cast<std::chrono::seconds>(duration).count();
         const Verdict verdict = Judge();
         result.end = verdict.end;
         result.message = verdict.message;
@@ -87,8 +89,6 @@ RunResult FrameRunner::Run()
         result.message = QString::fromUtf8(error.what());
         ProcessTree::End();
     }
-    result.seconds
-        = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - begin).count();
     // Nobody needs the output of a failure, which may have filled the disk on which its outcome is to be written.
     if (CountsAsAttempt(result.end))
         RemoveFiles(m_order.files.OutputFolder());

@@ -36,7 +36,7 @@ struct Batch
     Placement placement;
     std::vector<RunId> runs;
     /// The job type of all runs.
-    QString type;
+    QString type = {};
     /// The farm's job of all runs, by its key, when the tasks render several.
     std::int64_t job = 0;
 

@@ -23,13 +23,12 @@ constexpr int RefreshInterval = 3000; // ms
 constexpr int ChoosingTime = 150;     // ms
 constexpr int ScrollingTime = 60;     // ms
 constexpr int SpendingDays = 30;
-constexpr int RowHeight = 44;          // pixels
-constexpr int NumberWidth = 150;       // pixels
-constexpr int NarrowNumberWidth = 104; // pixels: a thumbnail and few digits
-constexpr int NarrowTable = 440;       // pixels
-constexpr QSize ThumbnailSize(64, 36); // pixels
-constexpr double Second = 1000;        // ms
-constexpr int JobFailed = 7;           // a status
+constexpr int RowHeight = 44;            // pixels
+constexpr int NarrowTable = 440;         // pixels
+constexpr int NumberWidths[] {150, 104}; // pixels; in a narrow table only a thumbnail and few digits
+constexpr QSize ThumbnailSize(64, 36);   // pixels
+constexpr double Second = 1000;          // ms
+constexpr int JobFailed = 7;             // a status
 
 void MakeSingleShot(QTimer& timer, int interval)
 {
@@ -253,7 +252,7 @@ void FramesWindow::OpenPicture()
 void FramesWindow::FitColumns()
 {
     const bool isNarrow = m_table->viewport()->width() < NarrowTable;
-    m_table->setColumnWidth(FrameModel::NumberColumn, isNarrow ? NarrowNumberWidth : NumberWidth);
+    m_table->setColumnWidth(FrameModel::NumberColumn, NumberWidths[int(isNarrow)]);
     m_table->setColumnHidden(FrameModel::AttemptsColumn, isNarrow);
 }
 

@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QPixmap>
+#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTableView>
@@ -209,11 +210,22 @@ void ScreenshotTour::PlanFrames()
                        }});
     m_steps.push_back({QStringLiteral("the frames of a job"),
         [frames] { return frames() && frames()->isVisible() && frames()->model()->rowCount() > 0; },
-        [frames] { frames()->selectRow(0); }});
-    m_steps.push_back({QStringLiteral("the frames of a job"), Always, [this, frames] {
-                           Save(frames()->window(), QStringLiteral("frames"));
-                           frames()->window()->close();
-                       }});
+        [frames] {
+            // The demo's own frames have neither pictures nor logs.
+            const auto* picture
+                = frames()->window()->findChild<QPushButton*>(QStringLiteral("btnOpenPicture"));
+            for (int row = 0; row < frames()->model()->rowCount() && !picture->isEnabled(); ++row)
+                frames()->selectRow(row);
+        }});
+    m_steps.push_back({QStringLiteral("the log of a frame"),
+        [frames] {
+            const auto* log = frames()->window()->findChild<QPlainTextEdit*>(QStringLiteral("pteLog"));
+            return !log->toPlainText().isEmpty();
+        },
+        [this, frames] {
+            Save(frames()->window(), QStringLiteral("frames"));
+            frames()->window()->close();
+        }});
 }
 
 /// Opens the list of failures as a click on the strip in the title bar does.
