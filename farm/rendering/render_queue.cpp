@@ -341,7 +341,7 @@ void RenderQueue::Postpone(const FrameKey& frame, const QString& message, std::i
             != 0;
         return isNew ? Announcement {job->account, {{job->id}, false}} : Announcement {};
     });
-    Announce(m_feed, postponed);
+    Announce(m_database, m_feed, postponed);
 }
 
 /// Sets the time of the next attempt. Returns whether there is none, so that the frame is passed by.
