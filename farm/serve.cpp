@@ -80,6 +80,7 @@ std::unique_ptr<QSocketNotifier> QuitAtEndOfStdin()
 
 int Serve(const FarmSettings& settings, bool stopWithStdin, const std::function<FarmSettings()>& reload)
 {
+    AllowManyFiles();
     std::unique_ptr<Farm> farm;
     const auto signalNotifier = WatchSignals([&farm, &reload] {
         try {
