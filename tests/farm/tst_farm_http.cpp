@@ -301,9 +301,9 @@ private slots:
             = [](const auto& stream, const QByteArray& text) { return stream->peek(10000).contains(text); };
         FarmAtWork farm;
         farm.data.Add("bob", "b");
-        const QString id = farm.Add(3, JobStatus::Paused);
+        const QString id = farm.Add(2, JobStatus::Paused);
         // Slower than the gap between two events, so that a frame of its own is announced.
-        farm.Start(ScriptedTypes("sleep 0.8; cp {scene} {output}"));
+        farm.Start(ScriptedTypes("sleep 2; cp {scene} {output}"));
         const auto ann = farm.Listen();
         EVENTUALLY(has(ann, "\n:\n"));
         // Another process pays in.

@@ -105,8 +105,14 @@ EOF
 copy_package_closure() {
     root=$1
     shift
+    # A package may depend on what another one provides.
+    wanted=$(for name in "$@"; do
+        dpkg-query -s "$name" >/dev/null 2>&1 && echo "$name" || dpkg-query -Wf '${Package} ${Provides}\n' \
+            | awk -v name="$name" '{ for (i = 2; i <= NF; i++) if ($i == name || $i == name ",") print $1 }'
+    done)
+    # shellcheck disable=SC2086
     all=$(apt-cache depends --recurse --installed --no-recommends --no-suggests --no-conflicts --no-breaks --no-replaces \
-        --no-enhances "$@" $(dpkg-query -Wf '${Essential} ${Package}\n' | sed -n 's/^yes //p') | grep '^[a-z0-9]' | sort -u)
+        --no-enhances $wanted $(dpkg-query -Wf '${Essential} ${Package}\n' | sed -n 's/^yes //p') | grep '^[a-z0-9]' | sort -u)
     all=$(dpkg-query -Wf '${db:Status-Status} ${Package}\n' $all 2>/dev/null | sed -n 's/^installed //p' | sort -u)
     mkdir -p "$root/usr/bin" "$root/usr/sbin" "$root/usr/lib" "$root/usr/lib64" "$root/var/lib/dpkg/info" "$root/var/log" \
         "$root/tmp" "$root/dev" "$root/proc" "$root/run" "$root/etc"
@@ -150,15 +156,15 @@ ldconfig
 dpkg --install /farm.deb
 grep -q '^data = "/var/lib/quillstar"$' /etc/quillstar/farm.toml
 install -d -o quillstar -g quillstar -m 700 /var/lib/quillstar
-as_farm() { setpriv --reuid quillstar --regid quillstar --clear-groups --no-new-privs "$@"; }
-as_farm quillstar-farmd --config /etc/quillstar/farm.toml --port 0 >/tmp/said &
+as_farm="setpriv --reuid quillstar --regid quillstar --clear-groups --no-new-privs"
+$as_farm quillstar-farmd --config /etc/quillstar/farm.toml --port 0 >/tmp/said &
 while ! grep -q listening /tmp/said; do kill -0 $!; sleep 0.1; done
-echo "a long password" | as_farm quillstar-farmd --config /etc/quillstar/farm.toml account add ann
-as_farm quillstar-farmd --config /etc/quillstar/farm.toml check
+echo "a long password" | $as_farm quillstar-farmd --config /etc/quillstar/farm.toml account add ann
+$as_farm quillstar-farmd --config /etc/quillstar/farm.toml check
 kill $!
 wait $!
 # The demo's jobs need renderer and scenes.
-as_farm quillstar-farmd --data /var/lib/quillstar/demo >/tmp/said &
+$as_farm quillstar-farmd --data /var/lib/quillstar/demo >/tmp/said &
 until ls /var/lib/quillstar/demo/jobs/*/frame_*.png >/dev/null 2>&1; do kill -0 $!; sleep 0.1; done
 kill $!
 wait $!

@@ -131,7 +131,8 @@ class Farm:
         """Gives a finished job a failed frame, all of whose texts are hostile."""
         self.change("UPDATE jobs SET status = 7, message = ?, name = ?, ended_at = 2000000000 WHERE key = 3",
                     HOSTILE, HOSTILE)
-        self.change("UPDATE frames SET finished_at = NULL, failures = 3 WHERE job = 3 AND number = 1")
+        self.change("UPDATE frames SET finished_at = NULL, failures = 3, retry_at = 9223372036854775807 "
+                    "WHERE job = 3 AND number = 1")
         self.change("UPDATE jobs SET id = 'hostile' WHERE key = 3")
         logs = pathlib.Path(self.folder) / "jobs" / "hostile" / "logs"
         logs.mkdir(parents=True)
