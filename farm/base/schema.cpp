@@ -304,8 +304,8 @@ constexpr const char* MissingRenderers = R"sql(
 ALTER TABLE stopped_types ADD COLUMN missing INTEGER NOT NULL DEFAULT 0;
 )sql";
 
-// What keeps the open jobs of a type waiting although its renderer has not failed, and what keeps one job: the farm's last
-// fault at one of its frames, until a frame is finished.
+// The open jobs of a hindered type wait although its renderer has not failed. The hindrance of a job is the farm's last fault
+// at one of its frames, until a frame is finished.
 constexpr const char* HindrancesOfJobs = R"sql(
 CREATE TABLE hindered_types(
     type TEXT PRIMARY KEY,

@@ -62,7 +62,7 @@ private:
 
     const int m_poll;
     std::mutex m_mutex;
-    /// Those that no thread serves at the moment, by their sockets.
+    /// The guests that no thread serves at the moment, by their sockets.
     std::map<int, Guest> m_guests;
     std::int64_t m_bytes = 0; ///< of the guests' rests in memory
     int m_served = 0;

@@ -26,7 +26,7 @@ public:
     void WaitForClient() { m_waits = true; }
     /// Leaves a part of a file behind all that has been written.
     void LeaveFile(const std::shared_ptr<QFile>& file, std::int64_t offset, std::int64_t length);
-    /// What is to be sent yet.
+    /// The bytes and the file that are still to be sent.
     const AnswerRest& Rest() const { return m_rest; }
 
     bool is_readable() const override;

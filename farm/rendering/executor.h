@@ -44,7 +44,7 @@ class Executor : public QObject
 public:
     /// The number of runs to hold at a time, running and queued.
     virtual int Capacity() const = 0;
-    /// What it holds already goes on.
+    /// Runs that it already holds go on, even beyond the new number.
     virtual void SetCapacity(int runs) = 0;
     /// Whether the type's renderer is installed where frames run. After Unknown, AvailabilityChanged() follows.
     virtual Availability Has(const JobType& type) = 0;

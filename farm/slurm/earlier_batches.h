@@ -13,7 +13,7 @@ namespace farm {
 struct EarlierBatch
 {
     Batch batch;
-    /// Those of its runs, in their order.
+    /// The files of its runs, in their order.
     std::vector<RunFiles> files;
     /// The runs whose ends have not been recorded.
     std::set<RunId> held;

@@ -21,7 +21,7 @@ public:
 
     /// The first call for a renderer and a placement starts asking.
     Availability Has(const QString& program, const Placement& placement);
-    /// What is missing or has kept the question from being asked, as a clause; empty when nothing is known.
+    /// The thing that is missing or kept the question from being asked, as a clause; empty when nothing is known.
     QString HindranceOf(const QString& program, const Placement& placement) const;
     /// The cluster does not accept jobs for the placement any more, because of this fault.
     void Withdraw(const Placement& placement, const QString& fault);

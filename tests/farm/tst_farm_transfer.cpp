@@ -349,7 +349,7 @@ private slots:
         QCOMPARE(m_farm->data.Only().message, QString());
         const QImage picture(m_farm->Path("jobs/%1/frame_0003.png"_s.arg(id)));
         QCOMPARE(picture.size(), QSize(48, 36));
-        // What Blender does not find is magenta.
+        // Blender shows a texture that it does not find as magenta.
         const QRgb middle = picture.pixel(24, 18);
         QVERIFY2(qRed(middle) > 100 && qBlue(middle) < 50, qPrintable(QString::number(middle, 16)));
         // A scene that cannot be read fails with the reason.

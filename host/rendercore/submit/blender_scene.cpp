@@ -119,7 +119,7 @@ private:
             Add(files.next());
     }
 
-    /// What the farm does otherwise than the scene says.
+    /// Remarks on where the farm departs from the scene.
     void Remark(const QString& engine, int step)
     {
         if (!engine.isEmpty() && engine != QLatin1String("CYCLES"))
