@@ -249,7 +249,8 @@ private slots:
     {
         m_farm->Add(1);
         m_farm->Start(ScriptedTypes(QByteArray("perl -e '") + std::get<1>(Row(Parents))
-            + "; if (!fork) { do { @t = times } while $t[0] + $t[1] < 1; sleep 1; exit } wait'; cp {scene} {output}"));
+            + "; if (!fork) { do { @t = times } while $t[0] + $t[1] < 1; sleep 1; exit } wait'; cp {scene} "
+              "{output}"));
         EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
         const int milliseconds = m_farm->data.Count("SELECT core_milliseconds FROM charges");
         QVERIFY2(milliseconds > 950 && milliseconds < 1800, qPrintable(QString::number(milliseconds)));
