@@ -49,15 +49,16 @@ public:
     {
         executor.reset();
         executor = std::make_unique<SlurmExecutor>(settings, JobTypes {{"sh"_s, type}});
-        QObject::connect(executor.get(), &Executor::Started,
+        QObject::connect(executor.get(), &Executor::Started, executor.get(),
             [this](const RunId& run, const QString& host) { hosts[run] = host; });
-        QObject::connect(executor.get(), &Executor::Ended, [this](const RunId& run, const RunResult& result) {
-            ++endCount;
-            m_open.removeOne(run);
-            ends[run] = result;
-        });
+        QObject::connect(executor.get(), &Executor::Ended, executor.get(),
+            [this](const RunId& run, const RunResult& result) {
+                ++endCount;
+                m_open.removeOne(run);
+                ends[run] = result;
+            });
         std::vector<RecordedRun> recorded;
-        for (const RunId& run : m_open)
+        for (const RunId& run : qAsConst(m_open))
             recorded.push_back({run, {}, FilesOf(run), {}});
         executor->Attach(recorded);
     }

@@ -23,17 +23,25 @@ QVariantList Groups(int count)
     return groups;
 }
 
-const QVariantMap Empty {{"startFrame_0"_s, 1}, {"endFrame_0"_s, 1}, {"width"_s, QString()},
-    {"height"_s, QString()}, {"prerender"_s, false}};
+QVariantMap Empty()
+{
+    return QVariantMap {{"startFrame_0"_s, 1}, {"endFrame_0"_s, 1}, {"width"_s, QString()},
+        {"height"_s, QString()}, {"prerender"_s, false}};
+}
+
 /// Name, the task's arguments, the arguments stored by "Ok", and the refusal.
-const std::tuple<const char*, QVariantList, QVariantList, QString> Confirmations[] = {
-    {"as they were", Groups(3), Groups(3), {}},
-    {"more than fit", Groups(20), Groups(15), {}},
-    {"longest and last", {Group(0, 98999, 99999)}, {Group(0, 98999, 99999)}, {}},
-    {"no group at all", {}, {Empty}, {}},
-    {"reversed", {Group(0, 1, 1001), Group(1, 11, 10)}, {}, "Start frame must be less than end frame!"_s},
-    {"too long", {Group(0, 1, 1001), Group(1, 1, 1002)}, {}, "Can not submit more than 1000 frames"_s},
-};
+const auto& Confirmations()
+{
+    static const std::tuple<const char*, QVariantList, QVariantList, QString> rows[] = {
+        {"as they were", Groups(3), Groups(3), {}},
+        {"more than fit", Groups(20), Groups(15), {}},
+        {"longest and last", {Group(0, 98999, 99999)}, {Group(0, 98999, 99999)}, {}},
+        {"no group at all", {}, {Empty()}, {}},
+        {"reversed", {Group(0, 1, 1001), Group(1, 11, 10)}, {}, "Start frame must be less than end frame!"_s},
+        {"too long", {Group(0, 1, 1001), Group(1, 1, 1002)}, {}, "Can not submit more than 1000 frames"_s},
+    };
+    return rows;
+}
 
 } // namespace
 
@@ -51,10 +59,10 @@ private slots:
         Tasks()->setCurrentCell(1, 0);
     }
 
-    void StoresOrRefusesTheArguments_data() { AddRows(Confirmations); }
+    void StoresOrRefusesTheArguments_data() { AddRows(Confirmations()); }
     void StoresOrRefusesTheArguments()
     {
-        const auto& [name, arguments, stored, refusal] = Row(Confirmations);
+        const auto& [name, arguments, stored, refusal] = Row(Confirmations());
         bool isOpen = true;
         OpenOn(arguments, [&] {
             Click("setargument", "btnOk");

@@ -144,7 +144,8 @@ private slots:
         contents.Touch(data.account, {asked}, 4000);
         const auto known = [&](std::int64_t account) {
             QStringList names;
-            for (const QString& checksum : contents.KnownTo(account, {needed, shared, asked}))
+            const QStringList found = contents.KnownTo(account, {needed, shared, asked});
+            for (const QString& checksum : found)
                 names.append(checksum == needed ? "needed"_s : checksum == shared ? "shared"_s : "asked"_s);
             return names.join(u' ');
         };

@@ -8,49 +8,70 @@ using namespace farm;
 
 namespace {
 
-const QByteArray Upload = R"({"checksum":")" + QByteArray(64, 'a') + R"(","size":)";
+QByteArray Upload()
+{
+    return R"({"checksum":")" + QByteArray(64, 'a') + R"(","size":)";
+}
 
 // A request and the status of its refusal; 200 is none.
-const std::tuple<const char*, QByteArray, QByteArray, int> Requests[] = {
-    {"unknown path", "GET /nothing", {}, 404},
-    {"not an object", "POST /session", "[1]", 400},
-    {"password of another type", "POST /session", R"({"username":"ann","password":{}})", 400},
-    {"name too long", "POST /session", R"({"password":"","username":")" + QByteArray(257, 'a') + "\"}", 400},
-    {"bad UTF-8", "POST /session", "{\"username\":\"\xff\",\"password\":\"\"}", 400},
-    {"key twice", "POST /session",
-        R"({"a":[{"\u0061b":[],"c":"ab","ab":{}}],"username":"ann","password":"secret"})", 400},
-    {"key twice in conditions", "GET /jobs?conditions=%7B%22a%22%3A%5B%5D%2C%22a%22%3A%7B%7D%7D", {}, 400},
-    {"key in two objects",
-        "GET /jobs?conditions=%7B%22a%22%3A%5B%7B%22a%22%3A%22a%22%7D%2C%7B%22a%22%3A1%7D%5D%7D", {}, 200},
-    {"deep", "POST /session", QByteArray(1000000, '['), 400},
-    {"too large", "POST /session", QByteArray(1024 * 1024 + 1, ' '), 413},
-    {"page huge", "GET /jobs?page=9223372036854775807&pageSize=9223372036854775807", {}, 200},
-    {"days huge", "GET /account/spending?days=9223372036854775807", {}, 200},
-    {"since no number", "GET /jobs/x/frames?since=x", {}, 400},
-    {"conditions bad UTF-8", "GET /jobs?conditions=%7B%22job_name%22%3A%22%FF%22%7D", {}, 400},
-    {"endless id", "GET /jobs/" + QByteArray(8000, 'a'), {}, 404},
-    {"ids not texts", "POST /jobs/stop", R"({"ids":[1]})", 400},
-    {"too many ids", "POST /jobs/stop", R"({"ids":[)" + QByteArray(R"("a",)").repeated(1000) + R"("a"]})",
-        400},
-    {"checksums not valid", "POST /contents/known", R"({"checksums":["abc"]})", 400},
-    {"half a byte", "POST /uploads", Upload + "1.5}", 400},
-    {"size beyond exact numbers", "POST /uploads", Upload + "9007199254740992}", 400},
-    {"largest package", "POST /uploads", Upload + "8589934592}", 200},
-    {"package too large", "POST /uploads", Upload + "8589934593}", 413},
-    {"negative offset", "PUT /uploads/x?offset=-1", "a", 400},
-};
+const auto& Requests()
+{
+    static const std::tuple<const char*, QByteArray, QByteArray, int> rows[] = {
+        {"unknown path", "GET /nothing", {}, 404},
+        {"not an object", "POST /session", "[1]", 400},
+        {"password of another type", "POST /session", R"({"username":"ann","password":{}})", 400},
+        {"name too long", "POST /session", R"({"password":"","username":")" + QByteArray(257, 'a') + "\"}",
+            400},
+        {"bad UTF-8", "POST /session", "{\"username\":\"\xff\",\"password\":\"\"}", 400},
+        {"key twice", "POST /session",
+            R"({"a":[{"\u0061b":[],"c":"ab","ab":{}}],"username":"ann","password":"secret"})", 400},
+        {"key twice in conditions", "GET /jobs?conditions=%7B%22a%22%3A%5B%5D%2C%22a%22%3A%7B%7D%7D", {},
+            400},
+        {"key in two objects",
+            "GET /jobs?conditions=%7B%22a%22%3A%5B%7B%22a%22%3A%22a%22%7D%2C%7B%22a%22%3A1%7D%5D%7D", {},
+            200},
+        {"deep", "POST /session", QByteArray(1000000, '['), 400},
+        {"too large", "POST /session", QByteArray(1024 * 1024 + 1, ' '), 413},
+        {"page huge", "GET /jobs?page=9223372036854775807&pageSize=9223372036854775807", {}, 200},
+        {"days huge", "GET /account/spending?days=9223372036854775807", {}, 200},
+        {"since no number", "GET /jobs/x/frames?since=x", {}, 400},
+        {"conditions bad UTF-8", "GET /jobs?conditions=%7B%22job_name%22%3A%22%FF%22%7D", {}, 400},
+        {"endless id", "GET /jobs/" + QByteArray(8000, 'a'), {}, 404},
+        {"ids not texts", "POST /jobs/stop", R"({"ids":[1]})", 400},
+        {"too many ids", "POST /jobs/stop", R"({"ids":[)" + QByteArray(R"("a",)").repeated(1000) + R"("a"]})",
+            400},
+        {"checksums not valid", "POST /contents/known", R"({"checksums":["abc"]})", 400},
+        {"half a byte", "POST /uploads", Upload() + "1.5}", 400},
+        {"size beyond exact numbers", "POST /uploads", Upload() + "9007199254740992}", 400},
+        {"largest package", "POST /uploads", Upload() + "8589934592}", 200},
+        {"package too large", "POST /uploads", Upload() + "8589934593}", 413},
+        {"negative offset", "PUT /uploads/x?offset=-1", "a", 400},
+    };
+    return rows;
+}
 
-const QByteArray Post = "POST /api/v1/session HTTP/1.1\r\nHost: x\r\n";
-const QByteArray Endless(100000, 'a');
+QByteArray Post()
+{
+    return "POST /api/v1/session HTTP/1.1\r\nHost: x\r\n";
+}
+
+QByteArray Endless()
+{
+    return QByteArray(100000, 'a');
+}
 
 // Bytes on the wire and how the answer begins, if there must be one.
-const std::tuple<const char*, QByteArray, QByteArray> Rubbish[] = {
-    {"not HTTP", "\x16\x03\x01 hello\r\n\r\n", "HTTP/1.1 400"},
-    {"endless URL", "GET /" + Endless + " HTTP/1.1\r\n\r\n", {}},
-    {"chunks", Post + "Transfer-Encoding: chunked\r\n\r\n", "HTTP/1.1 400"},
-    {"compressed", Post + "Content-Encoding: gzip\r\nContent-Length: 2\r\n\r\n", "HTTP/1.1 400"},
-    {"no length", Post + "\r\n", "HTTP/1.1 400"},
-};
+const auto& Rubbish()
+{
+    static const std::tuple<const char*, QByteArray, QByteArray> rows[] = {
+        {"not HTTP", "\x16\x03\x01 hello\r\n\r\n", "HTTP/1.1 400"},
+        {"endless URL", "GET /" + Endless() + " HTTP/1.1\r\n\r\n", {}},
+        {"chunks", Post() + "Transfer-Encoding: chunked\r\n\r\n", "HTTP/1.1 400"},
+        {"compressed", Post() + "Content-Encoding: gzip\r\nContent-Length: 2\r\n\r\n", "HTTP/1.1 400"},
+        {"no length", Post() + "\r\n", "HTTP/1.1 400"},
+    };
+    return rows;
+}
 
 // A connection's peer, what the headers say, and where the client is.
 const std::tuple<const char*, const char*, const char*, const char*, const char*> Hops[] = {
@@ -156,10 +177,10 @@ private slots:
         QCOMPARE(m_farm.Post("/jobs/search"_s, search).body, listed.body);
     }
 
-    void RefusesBadRequests_data() { AddRows(Requests); }
+    void RefusesBadRequests_data() { AddRows(Requests()); }
     void RefusesBadRequests()
     {
-        const auto& [name, request, body, status] = Row(Requests);
+        const auto& [name, request, body, status] = Row(Requests());
         const Reply reply = Send(request, body);
         QCOMPARE(reply.status, status);
         const QMap<int, const char*> words {
@@ -168,10 +189,10 @@ private slots:
         QVERIFY(status == 200 || !reply.body["message"_s].toString().isEmpty());
     }
 
-    void SurvivesRubbishOnTheWire_data() { AddRows(Rubbish); }
+    void SurvivesRubbishOnTheWire_data() { AddRows(Rubbish()); }
     void SurvivesRubbishOnTheWire()
     {
-        const auto& [name, request, answer] = Row(Rubbish);
+        const auto& [name, request, answer] = Row(Rubbish());
         const auto socket = m_farm.SendRaw(request);
         // The whole answer; empty when the server has just closed the connection.
         QByteArray got;
@@ -214,7 +235,7 @@ private slots:
     {
         const QByteArray body = R"({"username":"ann","password":"x"})";
         const QByteArray request
-            = Post + "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
+            = Post() + "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
         std::vector<std::unique_ptr<QTcpSocket>> clients(60);
         for (auto& client : clients)
             client = m_farm.SendRaw(request);

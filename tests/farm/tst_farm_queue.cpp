@@ -188,7 +188,8 @@ private slots:
         const auto& [events, expected] = Row(Healths);
         TypeHealth health;
         QStringList verdicts;
-        for (const QString& event : Words(events)) {
+        const QStringList given = Words(events);
+        for (const QString& event : given) {
             if (event == "+"_s) {
                 verdicts.append(health.Succeeded("povray"_s) ? "on"_s : "-"_s);
                 continue;
@@ -279,7 +280,8 @@ private:
     {
         const auto bob = m_data->accounts.Find("bob"_s);
         const std::int64_t other = bob ? *bob : m_data->Add("bob", "x");
-        for (const QString& text : Words(jobs)) {
+        const QStringList given = Words(jobs);
+        for (const QString& text : given) {
             NewJob job = m_data->Job(text, text.section(u':', 2).toInt());
             job.priority = text.section(u':', 1, 1).toInt();
             if (text.startsWith(u'b'))

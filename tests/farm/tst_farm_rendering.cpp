@@ -23,18 +23,23 @@ struct Failure
     QString message;
 };
 const QString NoPicture = "the renderer left no picture"_s;
-const Failure Failures[] = {
-    {"crash", "kill -SEGV $$", "the renderer crashed"_s},
-    {"error code", "echo no such lamp >&2; exit 3", "the renderer ended with code 3\nno such lamp"_s},
-    {"empty picture", ": > {output}", NoPicture},
-    {"a link", "ln -s {scene} {output}", NoPicture},
-    {"picture of an earlier attempt", "[ $(wc -l < ../../log) -gt 1 ] || { echo x > {output}; exit 3; }",
-        NoPicture},
-    {"endless", "sleep 600", "the renderer exceeded its time limit"_s},
-    // Of much output the last 400 bytes are kept, without the line that is incomplete.
-    {"much output", "echo early; printf '%0395d\\n' 0; exit 3",
-        "the renderer ended with code 3\n"_s + QString(395, QLatin1Char('0'))},
-};
+
+const auto& Failures()
+{
+    static const Failure rows[] = {
+        {"crash", "kill -SEGV $$", "the renderer crashed"_s},
+        {"error code", "echo no such lamp >&2; exit 3", "the renderer ended with code 3\nno such lamp"_s},
+        {"empty picture", ": > {output}", NoPicture},
+        {"a link", "ln -s {scene} {output}", NoPicture},
+        {"picture of an earlier attempt", "[ $(wc -l < ../../log) -gt 1 ] || { echo x > {output}; exit 3; }",
+            NoPicture},
+        {"endless", "sleep 600", "the renderer exceeded its time limit"_s},
+        // Of much output the last 400 bytes are kept, without the line that is incomplete.
+        {"much output", "echo early; printf '%0395d\\n' 0; exit 3",
+            "the renderer ended with code 3\n"_s + QString(395, QLatin1Char('0'))},
+    };
+    return rows;
+}
 
 // An action, whether it is done to prerender jobs, the statuses to which it takes jobs in status 0 to 9, and the progress
 // of a job whose first frame of five was finished.
@@ -118,10 +123,10 @@ private slots:
         }
     }
 
-    void FailsAJobWhoseRendererFails_data() { AddRows(Failures); }
+    void FailsAJobWhoseRendererFails_data() { AddRows(Failures()); }
     void FailsAJobWhoseRendererFails()
     {
-        const auto& [name, script, message] = Row(Failures);
+        const auto& [name, script, message] = Row(Failures());
         const QString id = m_farm->Add(4);
         const bool endless = qstrcmp(script, "sleep 600") == 0;
         const QByteArray start = "[ {frame} -eq 2 ] || { cp {scene} {output}; exit; }; echo x >> ../../log; ";

@@ -125,10 +125,14 @@ const Fate Fates[] = {
     {"stopped when it was done", "stop done", JobStatus::Paused, 1, 0, ""},
 };
 
-const QMap<QString, RunEnd> Words {{"done"_s, RunEnd::Done}, {"kept"_s, RunEnd::Done},
-    {"empty"_s, RunEnd::Done}, {"gone"_s, RunEnd::Done}, {"lost"_s, RunEnd::MachineLost},
-    {"preempted"_s, RunEnd::Preempted}, {"refused"_s, RunEnd::FarmFault}, {"cancelled"_s, RunEnd::Cancelled},
-    {"failed"_s, RunEnd::SceneFault}, {"filling"_s, RunEnd::SceneFault}};
+QMap<QString, RunEnd> Words()
+{
+    return QMap<QString, RunEnd> {{"done"_s, RunEnd::Done}, {"kept"_s, RunEnd::Done},
+        {"empty"_s, RunEnd::Done}, {"gone"_s, RunEnd::Done}, {"lost"_s, RunEnd::MachineLost},
+        {"preempted"_s, RunEnd::Preempted}, {"refused"_s, RunEnd::FarmFault},
+        {"cancelled"_s, RunEnd::Cancelled}, {"failed"_s, RunEnd::SceneFault},
+        {"filling"_s, RunEnd::SceneFault}};
+}
 
 } // namespace
 
@@ -170,7 +174,8 @@ private slots:
             if (at == 0)
                 Break(fault);
             work.executor.looks = 0;
-            RunResult result {Words[ends.at(at)], "the cluster has no such partition"_s, {}, 1234, "n1"_s};
+            RunResult result {
+                Words().value(ends.at(at)), "the cluster has no such partition"_s, {}, 1234, "n1"_s};
             work.executor.End(result);
             if (at == 0 && !fault.isEmpty()) {
                 EVENTUALLY(work.executor.looks > MostLooks || !work.executor.held.isEmpty());

@@ -73,7 +73,8 @@ private slots:
         for (int i = 0; i < 5; ++i)
             Register(&services[i], rankings[i]);
         QVector<qint64> found;
-        for (const auto& reference : m_context->getServiceReferences(Object))
+        const auto references = m_context->getServiceReferences(Object);
+        for (const auto& reference : references)
             found.append(m_context->getService(reference) - services);
         QCOMPARE(found, (QVector<qint64> {1, 3, 0, 4, 2}));
         QCOMPARE(m_context->getService(m_context->getServiceReference(Object)), &services[1]);

@@ -10,12 +10,22 @@ using Operation = int (Service::*)(const QVariant&, const QVariantHash&);
 namespace {
 
 // An answer to any of the requests.
-const QByteArray Account
-    = R"({"loginname": "demo", "username": "u1", "data": {"token": "abc", "userInfo": {}, "list": [], "total": 0}})";
-const QByteArray Jobs = R"({"data": {"list": [{"job_id": "7"}], "total": 1}})";
-const QByteArray Session = R"({"loginname": "demo", "username": "u1", "data": {"token": "abc"}})";
+QByteArray Account()
+{
+    return R"({"loginname": "demo", "username": "u1", "data": {"token": "abc", "userInfo": {}, "list": [], "total": 0}})";
+}
 
-const Reply good = StandInServer::Http(200, Account);
+QByteArray Jobs()
+{
+    return R"({"data": {"list": [{"job_id": "7"}], "total": 1}})";
+}
+
+QByteArray Session()
+{
+    return R"({"loginname": "demo", "username": "u1", "data": {"token": "abc"}})";
+}
+
+const Reply good = StandInServer::Http(200, Account());
 
 Reply Compressed(const QByteArray& body, int cut = 0)
 {
@@ -35,29 +45,36 @@ struct Behaviour
     int codeOfOne = 0;          ///< of a request that is not repeated, where it differs
     int attemptTime = Patience; // ms
 };
-const Behaviour behaviours[] = {
-    {"success", {good}, 200},
-    {"redirect", {StandInServer::Http(302, {}, "Location: /elsewhere\r\n"), good}, 302},
-    {"failures, then success", {StandInServer::Http(500), StandInServer::Http(503), good}, 200, 3, 500},
-    {"asks to wait an hour", {StandInServer::Http(429, "{}", "Retry-After: 3600\r\n"), good}, 200, 2, 429},
-    {"refused", {}, HttpResult::Unreachable, 0},
-    {"closed without an answer", {Reply {}}, HttpResult::Unreachable, AnyNumber},
-    {"always cut off", {Reply {good.bytes.chopped(10)}}, HttpResult::Unreachable, 3},
-    {"of a proxy", {StandInServer::Http(407)}, 407},
-    {"silent", {StandInServer::Held({})}, HttpResult::TimedOut, 3, 0, 400},
-    {"stalled", {Reply {good.bytes.chopped(10), false, 0, StandInServer::Stall}}, HttpResult::TimedOut, 3, 0,
-        400},
-    {"endless", {Reply {"HTTP/1.1 200 OK\r\n\r\n", false, 0, StandInServer::Flood}}, HttpResult::TooLarge},
-    {"huge", {StandInServer::Http(200, QByteArray(200000, ' ') + Account)}, HttpResult::TooLarge},
-    {"slow", {Reply {StandInServer::Http(200, Account + QByteArray(90000, ' ')).bytes, false, 5000}}, 200, 1,
-        0, 1000},
-    {"dripping", {Reply {good.bytes, false, 1}}, HttpResult::TimedOut, 3, 0, 500},
-    {"compressed", {Compressed(Account)}, 200},
-    {"compressed and huge", {Compressed(QByteArray(200000, ' ') + Account)}, HttpResult::TooLarge},
-    {"compressed and cut", {Compressed(Account, 8)}, HttpResult::NotJson},
-    {"a portal's page", {StandInServer::Http(200, "<html>")}, HttpResult::NotJson},
-    {"half an object", {StandInServer::Http(200, Account.chopped(2))}, HttpResult::NotJson},
-};
+
+const auto& Behaviours()
+{
+    static const Behaviour rows[] = {
+        {"success", {good}, 200},
+        {"redirect", {StandInServer::Http(302, {}, "Location: /elsewhere\r\n"), good}, 302},
+        {"failures, then success", {StandInServer::Http(500), StandInServer::Http(503), good}, 200, 3, 500},
+        {"asks to wait an hour", {StandInServer::Http(429, "{}", "Retry-After: 3600\r\n"), good}, 200, 2,
+            429},
+        {"refused", {}, HttpResult::Unreachable, 0},
+        {"closed without an answer", {Reply {}}, HttpResult::Unreachable, AnyNumber},
+        {"always cut off", {Reply {good.bytes.chopped(10)}}, HttpResult::Unreachable, 3},
+        {"of a proxy", {StandInServer::Http(407)}, 407},
+        {"silent", {StandInServer::Held({})}, HttpResult::TimedOut, 3, 0, 400},
+        {"stalled", {Reply {good.bytes.chopped(10), false, 0, StandInServer::Stall}}, HttpResult::TimedOut, 3,
+            0, 400},
+        {"endless", {Reply {"HTTP/1.1 200 OK\r\n\r\n", false, 0, StandInServer::Flood}},
+            HttpResult::TooLarge},
+        {"huge", {StandInServer::Http(200, QByteArray(200000, ' ') + Account())}, HttpResult::TooLarge},
+        {"slow", {Reply {StandInServer::Http(200, Account() + QByteArray(90000, ' ')).bytes, false, 5000}},
+            200, 1, 0, 1000},
+        {"dripping", {Reply {good.bytes, false, 1}}, HttpResult::TimedOut, 3, 0, 500},
+        {"compressed", {Compressed(Account())}, 200},
+        {"compressed and huge", {Compressed(QByteArray(200000, ' ') + Account())}, HttpResult::TooLarge},
+        {"compressed and cut", {Compressed(Account(), 8)}, HttpResult::NotJson},
+        {"a portal's page", {StandInServer::Http(200, "<html>")}, HttpResult::NotJson},
+        {"half an object", {StandInServer::Http(200, Account().chopped(2))}, HttpResult::NotJson},
+    };
+    return rows;
+}
 
 /// Name and password in the system's settings and as typed, where the proxy wants "ann:secret"; the status that follows.
 const std::tuple<const char*, const char*, const char*, int> logins[] = {
@@ -81,34 +98,44 @@ QByteArray Search(const QByteArray& conditions)
 {
     return R"({"page":3,"pageSize":18,"conditions":)" + conditions + "}";
 }
-const QByteArray page = "GET /api/v1/jobs?page=3&pageSize=18";
-const QByteArray tooLong = '"' + QByteArray(4200, 'x') + '"';
-const QByteArray ids = R"({"id[0]": "a", "id[1]": "b", "id[3]": "d"})";
-const QByteArray twoIds = R"({"ids":["a","b"]})";
-const Sending sendings[] = {
-    {"filtered jobs", &Service::GetJobList, Search("\"{a+b&c=%41#\u00e9}\""),
-        page + "&conditions=%7Ba%2Bb%26c%3D%2541%23%C3%A9%7D"},
-    {"conditions too long for a URL", &Service::GetJobList, Search(tooLong), "POST /api/v1/jobs/search",
-        R"({"conditions":)" + tooLong + R"(,"page":3,"pageSize":18})"},
-    {"job", &Service::GetJobInfo, R"({"id": "x/../y?z"})", "GET /api/v1/jobs/x%2F..%2Fy%3Fz"},
-    {"dots for a job", &Service::GetJobInfo, R"({"id": ".."})", "GET /api/v1/jobs/--"},
-    {"stop", &Service::StopJobs, ids, "POST /api/v1/jobs/stop", twoIds},
-    {"delete", &Service::DeleteJobs, ids, "POST /api/v1/jobs/delete", twoIds},
-    {"recover", &Service::RecoverJobs, ids, "POST /api/v1/jobs/recover", twoIds},
-    {"restart", &Service::RestartJobs, ids, "POST /api/v1/jobs/restart", twoIds},
-    {"full render", &Service::FullRender, ids, "POST /api/v1/jobs/full-render", twoIds},
-};
+
+const auto& Sendings()
+{
+    const QByteArray page = "GET /api/v1/jobs?page=3&pageSize=18";
+    const QByteArray tooLong = '"' + QByteArray(4200, 'x') + '"';
+    const QByteArray ids = R"({"id[0]": "a", "id[1]": "b", "id[3]": "d"})";
+    const QByteArray twoIds = R"({"ids":["a","b"]})";
+    static const Sending rows[] = {
+        {"filtered jobs", &Service::GetJobList, Search("\"{a+b&c=%41#\u00e9}\""),
+            page + "&conditions=%7Ba%2Bb%26c%3D%2541%23%C3%A9%7D"},
+        {"conditions too long for a URL", &Service::GetJobList, Search(tooLong), "POST /api/v1/jobs/search",
+            R"({"conditions":)" + tooLong + R"(,"page":3,"pageSize":18})"},
+        {"job", &Service::GetJobInfo, R"({"id": "x/../y?z"})", "GET /api/v1/jobs/x%2F..%2Fy%3Fz"},
+        {"dots for a job", &Service::GetJobInfo, R"({"id": ".."})", "GET /api/v1/jobs/--"},
+        {"stop", &Service::StopJobs, ids, "POST /api/v1/jobs/stop", twoIds},
+        {"delete", &Service::DeleteJobs, ids, "POST /api/v1/jobs/delete", twoIds},
+        {"recover", &Service::RecoverJobs, ids, "POST /api/v1/jobs/recover", twoIds},
+        {"restart", &Service::RestartJobs, ids, "POST /api/v1/jobs/restart", twoIds},
+        {"full render", &Service::FullRender, ids, "POST /api/v1/jobs/full-render", twoIds},
+    };
+    return rows;
+}
 
 /// Successful answers that the service takes or refuses.
-const std::tuple<Check, QByteArray, bool> bodies[] = {
-    {IsSession, QByteArray(Session).replace("abc", ""), false},
-    {IsSession, QByteArray(Session).replace("abc", "a\\r\\nX: y"), false},
-    {IsJobList, R"({"data": {"total": 1001, "list": [)" + QByteArray("{},").repeated(1000) + "{}]}}", false},
-    {IsJobList, R"({"data": {"total": 1e18, "list": []}})", false},
-    {IsUserInfo, R"({"data": {"userInfo": []}})", false},
-    {IsJobInfo, R"({"data": {"jobDatas": {"jobStatus": 4}}})", true},
-    {IsJobInfo, R"({"data": {"jobStatus": 4}})", false},
-};
+const auto& Bodies()
+{
+    static const std::tuple<Check, QByteArray, bool> rows[] = {
+        {IsSession, Session().replace("abc", ""), false},
+        {IsSession, Session().replace("abc", "a\\r\\nX: y"), false},
+        {IsJobList, R"({"data": {"total": 1001, "list": [)" + QByteArray("{},").repeated(1000) + "{}]}}",
+            false},
+        {IsJobList, R"({"data": {"total": 1e18, "list": []}})", false},
+        {IsUserInfo, R"({"data": {"userInfo": []}})", false},
+        {IsJobInfo, R"({"data": {"jobDatas": {"jobStatus": 4}}})", true},
+        {IsJobInfo, R"({"data": {"jobStatus": 4}})", false},
+    };
+    return rows;
+}
 
 /// @param attemptTime ms
 HttpLimits QuickLimits(int attemptTime)
@@ -171,10 +198,10 @@ private slots:
 
     void cleanup() { m_client.reset(); }
 
-    void AnswersWhateverTheServerDoes_data() { AddRows(behaviours); }
+    void AnswersWhateverTheServerDoes_data() { AddRows(Behaviours()); }
     void AnswersWhateverTheServerDoes()
     {
-        const Behaviour& row = Row(behaviours);
+        const Behaviour& row = Row(Behaviours());
         CheckAnswer(
             row, [](Client& client) { client.Send(&Service::GetJobList); }, true);
         init();
@@ -187,7 +214,7 @@ private slots:
 
     void RefusesIncompleteAnswers()
     {
-        for (const auto& [check, body, isComplete] : bodies)
+        for (const auto& [check, body, isComplete] : Bodies())
             QVERIFY2(check(QJsonDocument::fromJson(body).object()) == isComplete, body.left(100));
     }
 
@@ -240,22 +267,22 @@ private slots:
 
     void SignsIn()
     {
-        m_server->SetReplies({StandInServer::Http(200, Session)});
+        m_server->SetReplies({StandInServer::Http(200, Session())});
         m_client->service.SignIn("demo"_s, "secret"_s);
         EVENTUALLY_COMPARE(m_client->signIns.count(), 1);
-        QCOMPARE(m_client->signIns[0][1].toMap(), Json(Session));
+        QCOMPARE(m_client->signIns[0][1].toMap(), Json(Session()));
         QVERIFY(m_server->Requests().constFirst().startsWith("POST /api/v1/session "));
         QVERIFY(m_server->Requests().constFirst().endsWith(R"({"password":"secret","username":"demo"})"));
     }
 
-    void SendsRequests_data() { AddRows(sendings); }
+    void SendsRequests_data() { AddRows(Sendings()); }
     void SendsRequests()
     {
         m_server->SetReplies({StandInServer::Http(404)});
-        Ask(Row(sendings).operation, Row(sendings).request);
+        Ask(Row(Sendings()).operation, Row(Sendings()).request);
         const QByteArray sent = m_server->Requests().constFirst();
-        QCOMPARE(sent.left(sent.indexOf(" HTTP/1.1")), Row(sendings).line);
-        QCOMPARE(sent.mid(sent.indexOf("\r\n\r\n") + 4), Row(sendings).body);
+        QCOMPARE(sent.left(sent.indexOf(" HTTP/1.1")), Row(Sendings()).line);
+        QCOMPARE(sent.mid(sent.indexOf("\r\n\r\n") + 4), Row(Sendings()).body);
         QVERIFY(sent.contains("\r\nAuthorization: Bearer abc\r\n"));
         QCOMPARE(sent.count("abc"), 1);
     }
@@ -277,7 +304,7 @@ private slots:
 
     void DropsTheOlderOfTwoJobLists()
     {
-        const Reply list = StandInServer::Http(200, Jobs);
+        const Reply list = StandInServer::Http(200, Jobs());
         m_server->SetReplies({StandInServer::Held(list), StandInServer::Held(list), list});
         Ask(&Service::GetJobList, R"({"identifier": 0, "page": 1})");
         Ask(&Service::GetJobList, R"({"identifier": 1, "page": 1})");
@@ -293,7 +320,7 @@ private slots:
     void AnswersARefreshOnceWhileTheListArrives()
     {
         QSignalSpy stops(&m_client->service, &VTCommunicationInterface::StopJobResponse);
-        const Reply list = StandInServer::Http(200, Jobs);
+        const Reply list = StandInServer::Http(200, Jobs());
         m_server->SetReplies({StandInServer::Held(list), StandInServer::Http(200), list});
         Ask(&Service::GetJobList);
         m_client->Send(&Service::GetJobList);
@@ -306,8 +333,8 @@ private slots:
 
     void DropsAnswersOfAnEndedSession()
     {
-        const Reply held = StandInServer::Held(StandInServer::Http(200, Account));
-        m_server->SetReplies({held, StandInServer::Http(200), held, StandInServer::Http(200, Session)});
+        const Reply held = StandInServer::Held(StandInServer::Http(200, Account()));
+        m_server->SetReplies({held, StandInServer::Http(200), held, StandInServer::Http(200, Session())});
         Ask(&Service::GetUserInfo);
         Ask(&Service::SignOut);
         EVENTUALLY_COMPARE(m_client->signOuts.count(), 1);
@@ -348,10 +375,10 @@ private:
         QCOMPARE(answers().size(), 0);
         EVENTUALLY_COMPARE(answers().size(), 1);
         const int code = isRepeatable || row.codeOfOne == 0 ? row.code : row.codeOfOne;
-        QCOMPARE(answers()[0][0].toInt(), code);
+        QCOMPARE(answers().constFirst()[0].toInt(), code);
         const int requests = isRepeatable ? row.requests : qMin(1, qAbs(row.requests));
         QVERIFY(requests == AnyNumber || m_server->Requests().size() == requests);
-        const QString message = answers()[0][1].toMap().value("message"_s).toString();
+        const QString message = answers().constFirst()[1].toMap().value("message"_s).toString();
         QVERIFY2(code == 200 ? message.isEmpty() : message.endsWith(QLatin1Char('.')), qPrintable(message));
         QVERIFY(m_server->Flooded() < 32'000'000); // most of it in the sockets' buffers
     }

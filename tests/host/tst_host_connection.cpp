@@ -7,37 +7,43 @@
 
 namespace {
 
-const QDateTime start(QDate(2026, 11, 22), QTime(22, 43));
+QDateTime Start()
+{
+    return QDateTime(QDate(2026, 11, 22), QTime(22, 43));
+}
 
 /// Milliseconds after the start, the request, and the status that it meets.
 using Event = std::tuple<int, QByteArray, int>;
 using Story = std::tuple<const char*, QVector<Event>, int, const char*, int>;
 
-const Event listed {0, "GET /jobs?page=1", 0};
-const Event lost {60'000, "GET /account", HttpResult::Unreachable};
-const Event lostAgain {62'000, "GET /jobs?page=1", HttpResult::Unreachable};
-
 /// Exchanges, a time after the start, the text at this time, and the number of failures that can be read.
-const Story stories[] = {
-    {"nothing yet", {}, 0, "Connected", 0},
-    {"a failure", {listed, lost}, 64'000, "Trying again…", 1},
-    {"an outage", {listed, lost, lostAgain}, 66'000, "Not reachable since 22:44, list as of 22:43", 1},
-    {"an outage by several causes", {lost, {61'000, "GET /account", HttpResult::TimedOut}, lostAgain}, 66'000,
-        "Not reachable since 22:44", 2},
-    {"an outage overnight", {listed, lost}, 90'000'000,
-        "Not reachable since 11-22 22:44, list as of 11-22 22:43", 1},
-    {"the farm is back", {lost, {70'000, "GET /account", 0}}, 71'000, "Connected", 1},
-    {"it is lost twice", {lost, {61'000, "GET /account", 0}, lostAgain}, 63'000, "Trying again…", 2},
-    {"it refuses a request", {lost, {61'000, "POST /jobs", 400}}, 70'000, "Connected", 2},
-    {"it refuses what the client expects",
-        {{0, "GET /account", 401}, {0, "POST /jobs", 409}, {0, "GET /jobs/7", 404},
-            {0, "PUT /uploads/7?x", 404}},
-        6000, "Connected", 0},
-    {"it refuses a deleted job", {{0, "POST /jobs/stop", 404}, {9, "POST /jobs/stop", 404}}, 6000,
-        "Connected", 1},
-    {"a proxy answers", {{0, "GET /account", 407}}, 6000, "Not reachable since 22:43", 1},
-    {"a gateway answers", {{0, "GET /account", 502}}, 6000, "Not reachable since 22:43", 1},
-};
+const auto& Stories()
+{
+    const Event listed {0, "GET /jobs?page=1", 0};
+    const Event lost {60'000, "GET /account", HttpResult::Unreachable};
+    const Event lostAgain {62'000, "GET /jobs?page=1", HttpResult::Unreachable};
+    static const Story rows[] = {
+        {"nothing yet", {}, 0, "Connected", 0},
+        {"a failure", {listed, lost}, 64'000, "Trying again…", 1},
+        {"an outage", {listed, lost, lostAgain}, 66'000, "Not reachable since 22:44, list as of 22:43", 1},
+        {"an outage by several causes", {lost, {61'000, "GET /account", HttpResult::TimedOut}, lostAgain},
+            66'000, "Not reachable since 22:44", 2},
+        {"an outage overnight", {listed, lost}, 90'000'000,
+            "Not reachable since 11-22 22:44, list as of 11-22 22:43", 1},
+        {"the farm is back", {lost, {70'000, "GET /account", 0}}, 71'000, "Connected", 1},
+        {"it is lost twice", {lost, {61'000, "GET /account", 0}, lostAgain}, 63'000, "Trying again…", 2},
+        {"it refuses a request", {lost, {61'000, "POST /jobs", 400}}, 70'000, "Connected", 2},
+        {"it refuses what the client expects",
+            {{0, "GET /account", 401}, {0, "POST /jobs", 409}, {0, "GET /jobs/7", 404},
+                {0, "PUT /uploads/7?x", 404}},
+            6000, "Connected", 0},
+        {"it refuses a deleted job", {{0, "POST /jobs/stop", 404}, {9, "POST /jobs/stop", 404}}, 6000,
+            "Connected", 1},
+        {"a proxy answers", {{0, "GET /account", 407}}, 6000, "Not reachable since 22:43", 1},
+        {"a gateway answers", {{0, "GET /account", 502}}, 6000, "Not reachable since 22:43", 1},
+    };
+    return rows;
+}
 
 ConnectionState Told(const QVector<Event>& events)
 {
@@ -45,7 +51,7 @@ ConnectionState Told(const QVector<Event>& events)
     for (const auto& [ms, request, status] : events) {
         const int blank = request.indexOf(' ');
         state.Apply(
-            {start.addMSecs(ms), request.left(blank), request.mid(blank + 1), {status, 1, "words"_s}});
+            {Start().addMSecs(ms), request.left(blank), request.mid(blank + 1), {status, 1, "words"_s}});
     }
     return state;
 }
@@ -58,12 +64,12 @@ class TestHostConnection : public QObject
     Q_OBJECT
 
 private slots:
-    void SaysHowItIs_data() { AddRows(stories); }
+    void SaysHowItIs_data() { AddRows(Stories()); }
     void SaysHowItIs()
     {
-        const auto& [name, events, ms, text, entries] = Row(stories);
+        const auto& [name, events, ms, text, entries] = Row(Stories());
         const ConnectionState state = Told(events);
-        const QDateTime now = start.addMSecs(ms);
+        const QDateTime now = Start().addMSecs(ms);
         QCOMPARE(ConnectionText::Status(state, now), QString::fromUtf8(text));
         QCOMPARE(state.Entries().size(), entries);
         const QDateTime next = state.NextChange(now);
@@ -74,13 +80,13 @@ private slots:
     void TellsARefusalForAWhile()
     {
         ConnectionState state = Told({{0, "POST /jobs", 400}});
-        QCOMPARE(ConnectionText::Failure(state.News(start)->latest), "Submitting a job: words."_s);
-        QCOMPARE(state.NextChange(start), start.addMSecs(ConnectionState::RecentTime));
-        QVERIFY(!state.News(start.addMSecs(ConnectionState::RecentTime)));
+        QCOMPARE(ConnectionText::Failure(state.News(Start())->latest), "Submitting a job: words."_s);
+        QCOMPARE(state.NextChange(Start()), Start().addMSecs(ConnectionState::RecentTime));
+        QVERIFY(!state.News(Start().addMSecs(ConnectionState::RecentTime)));
         state.MarkRead();
-        QVERIFY(!state.News(start));
+        QVERIFY(!state.News(Start()));
         for (int i = 0; i < 50; ++i)
-            state.Apply({start, "POST", "/jobs", {500, 0, QString::number(i)}});
+            state.Apply({Start(), "POST", "/jobs", {500, 0, QString::number(i)}});
         QCOMPARE(state.Entries().size(), ConnectionState::MostEntries);
         QCOMPARE(state.Entries().constFirst().latest.fault.words, "49"_s);
     }

@@ -9,16 +9,23 @@ using Reply = StandInServer::Reply;
 namespace {
 
 /// The bytes of a stream, and the data of the events in it.
-const std::tuple<const char*, QByteArray, QByteArrayList> streams[] = {
-    {"every end of line", "data:1\n\ndata: 2\r\n\r\ndata:  3\r\r", {"1", "2", " 3"}},
-    {"several lines", "data: a\ndata\ndata: b: c\n\n", {"a\n\nb: c"}},
-    {"other fields", ":\n\nevent: x\nid: 1\ndatas: 2\n\n\n\ndata: 3\n\n", {"3"}},
-    {"incomplete", "data: 1\n\ndata: 2\n", {"1"}},
-    {"too long", "data: 1\n\ndata: " + QByteArray(EventStream::Longest, 'x') + "\n\ndata: 2\n\n", {"1"}},
-    {"too long in lines", QByteArray("data: xxxxxx\n").repeated(EventStream::Longest / 6) + '\n', {}},
-};
+const auto& Streams()
+{
+    static const std::tuple<const char*, QByteArray, QByteArrayList> rows[] = {
+        {"every end of line", "data:1\n\ndata: 2\r\n\r\ndata:  3\r\r", {"1", "2", " 3"}},
+        {"several lines", "data: a\ndata\ndata: b: c\n\n", {"a\n\nb: c"}},
+        {"other fields", ":\n\nevent: x\nid: 1\ndatas: 2\n\n\n\ndata: 3\n\n", {"3"}},
+        {"incomplete", "data: 1\n\ndata: 2\n", {"1"}},
+        {"too long", "data: 1\n\ndata: " + QByteArray(EventStream::Longest, 'x') + "\n\ndata: 2\n\n", {"1"}},
+        {"too long in lines", QByteArray("data: xxxxxx\n").repeated(EventStream::Longest / 6) + '\n', {}},
+    };
+    return rows;
+}
 
-const QByteArray Head = "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\n\r\n";
+QByteArray Head()
+{
+    return "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\n\r\n";
+}
 
 /// How a farm answers the request for its events, and whether it is asked again.
 const std::tuple<const char*, Reply, bool> endings[] = {
@@ -27,8 +34,8 @@ const std::tuple<const char*, Reply, bool> endings[] = {
     {"session over", StandInServer::Http(401), false},
     {"a portal's page", StandInServer::Http(200), false},
     {"busy", StandInServer::Http(503), true},
-    {"ended", Reply {Head}, true},
-    {"endless line", Reply {Head, false, 0, StandInServer::Flood}, true},
+    {"ended", Reply {Head()}, true},
+    {"endless line", Reply {Head(), false, 0, StandInServer::Flood}, true},
 };
 
 /// An event, the page that is asked for after it, the progress that the list then shows, and whether the farm is asked.
@@ -70,10 +77,10 @@ class TestHostEvents : public QObject
     Q_OBJECT
 
 private slots:
-    void ReadsEventsInPieces_data() { AddRows(streams); }
+    void ReadsEventsInPieces_data() { AddRows(Streams()); }
     void ReadsEventsInPieces()
     {
-        const auto& [name, bytes, events] = Row(streams);
+        const auto& [name, bytes, events] = Row(Streams());
         EventStream stream;
         QByteArrayList read;
         for (const char byte : bytes)
@@ -145,7 +152,7 @@ private slots:
         EVENTUALLY(listener.IsFailing());
         StandInServer other;
         other.SetReplies({Reply {
-            Head + "data: {\"jobs\":[\"7\"],\"account\":{\"x\":1}}\n\n", false, 0, StandInServer::Stall}});
+            Head() + "data: {\"jobs\":[\"7\"],\"account\":{\"x\":1}}\n\n", false, 0, StandInServer::Stall}});
         QList<FarmChanges> changes;
         connect(&listener.events, &FarmEvents::Changed, this,
             [&changes](const FarmChanges& announced) { changes.append(announced); });

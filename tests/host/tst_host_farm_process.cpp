@@ -12,10 +12,14 @@ const Farm failures[] = {
     {"announces nothing", "exec cat >/dev/null"},
 };
 
-const QByteArray listen = "echo starting; echo listening on http://127.0.0.1:4711; ";
+QByteArray Listen()
+{
+    return "echo starting; echo listening on http://127.0.0.1:4711; ";
+}
+
 const Farm farms[] = {
-    {"ends when asked", listen + "exec cat >/dev/null"},
-    {"ignores the request", "trap '' TERM; " + listen + "while :; do read x; done"},
+    {"ends when asked", Listen() + "exec cat >/dev/null"},
+    {"ignores the request", "trap '' TERM; " + Listen() + "while :; do read x; done"},
 };
 
 bool IsRunning(qint64 id)

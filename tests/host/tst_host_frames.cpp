@@ -13,24 +13,34 @@
 namespace {
 
 /// The values, the room's width, the value at the upper edge, the number of bars, and the last bar's values.
-const std::tuple<const char*, std::vector<double>, int, double, int, int> charts[] = {
-    {"none", {}, 100, 1, 0, 0},
-    {"only zeros", {0, 0}, 100, 1, 2, 1},
-    {"one", {3}, 100, 5, 1, 1},
-    {"a round one", {0.2, 0.1}, 100, 0.2, 2, 1},
-    {"as many as pixels", std::vector<double>(100, 7), 100, 10, 100, 1},
-    {"more than pixels", std::vector<double>(101, 7), 100, 10, 51, 1},
-    {"20,000", std::vector<double>(20000, 1200), 300, 2000, 299, 34},
-    {"no room", {1, 2}, 0, 1, 0, 0},
-};
+const auto& Charts()
+{
+    static const std::tuple<const char*, std::vector<double>, int, double, int, int> rows[] = {
+        {"none", {}, 100, 1, 0, 0},
+        {"only zeros", {0, 0}, 100, 1, 2, 1},
+        {"one", {3}, 100, 5, 1, 1},
+        {"a round one", {0.2, 0.1}, 100, 0.2, 2, 1},
+        {"as many as pixels", std::vector<double>(100, 7), 100, 10, 100, 1},
+        {"more than pixels", std::vector<double>(101, 7), 100, 10, 51, 1},
+        {"20,000", std::vector<double>(20000, 1200), 300, 2000, 299, 34},
+        {"no room", {1, 2}, 0, 1, 0, 0},
+    };
+    return rows;
+}
 
-const QByteArray first
-    = "{'job': {'job_status': 1, 'job_cost': '0.30', 'job_cost_unit': 'RMB'}, 'message': '', "
-      "'time': 50, 'total': 4, 'rendering': [[3, 7]], 'frames': ["
-      "[1, 2, 1, 2400, 24000, 'frame_0001.png', SIZE], [2, 0, 1, 0, 0, '', 0], "
-      "[3, 0, 0, 0, 0, '', 0], [4, 2, 1, 1200, 12000, '../x', 9], [4], 'rubbish', [1, 0]]}";
-const QByteArray second = "{'job': {'job_status': 7}, 'message': 'no lamp\\nat all', 'time': 60, 'total': 4, "
-                          "'rendering': [], 'frames': [[2, 3, 3, 0, 0, '', 0]]}";
+QByteArray FirstAnswer()
+{
+    return "{'job': {'job_status': 1, 'job_cost': '0.30', 'job_cost_unit': 'RMB'}, 'message': '', "
+           "'time': 50, 'total': 4, 'rendering': [[3, 7]], 'frames': ["
+           "[1, 2, 1, 2400, 24000, 'frame_0001.png', SIZE], [2, 0, 1, 0, 0, '', 0], "
+           "[3, 0, 0, 0, 0, '', 0], [4, 2, 1, 1200, 12000, '../x', 9], [4], 'rubbish', [1, 0]]}";
+}
+
+QByteArray SecondAnswer()
+{
+    return "{'job': {'job_status': 7}, 'message': 'no lamp\\nat all', 'time': 60, 'total': 4, "
+           "'rendering': [], 'frames': [[2, 3, 3, 0, 0, '', 0]]}";
+}
 
 QByteArray Png()
 {
@@ -48,10 +58,10 @@ class FramesTest : public QObject
     Q_OBJECT
 
 private slots:
-    void LaysChartsOut_data() { AddRows(charts); }
+    void LaysChartsOut_data() { AddRows(Charts()); }
     void LaysChartsOut()
     {
-        const auto& [name, values, width, top, bars, inLast] = Row(charts);
+        const auto& [name, values, width, top, bars, inLast] = Row(Charts());
         const ChartLayout layout = ChartLayout::Of(values, {width, 80});
         QCOMPARE(layout.top, top);
         QCOMPARE(int(layout.bars.size()), bars);
@@ -70,8 +80,8 @@ private slots:
         StandInServer server;
         server.SetReplies({StandInServer::Data("{'log': 'all is well'}")});
         server.SetReplyTo("/frames?since=0 ",
-            StandInServer::Data(QByteArray(first).replace("SIZE", QByteArray::number(png.size()))));
-        server.SetReplyTo("/frames?since=50 ", StandInServer::Data(second));
+            StandInServer::Data(FirstAnswer().replace("SIZE", QByteArray::number(png.size()))));
+        server.SetReplyTo("/frames?since=50 ", StandInServer::Data(SecondAnswer()));
         server.SetReplyTo("/files/", StandInServer::Http(200, png));
         server.SetReplyTo("/spending",
             StandInServer::Data("{'currency': 'RMB', 'days': [{'day': 'd', 'amount': '2.50'}, "

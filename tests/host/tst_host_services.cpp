@@ -66,7 +66,8 @@ private slots:
         const QString line = "quillstar --config c a.pov --log-level info b.ma"_s;
         QVERIFY(options.Parse(line.split(QLatin1Char(' ')), &error));
         QCOMPARE(options.scenes.size(), 2);
-        for (const QString& path : options.scenes + QStringList {options.configFile, options.dataFolder})
+        const QStringList paths = options.scenes + QStringList {options.configFile, options.dataFolder};
+        for (const QString& path : paths)
             QVERIFY(QDir::isAbsolutePath(path));
         for (const QString& server : {"http://u:secret@f"_s, "farm.example"_s, QString()}) {
             QVERIFY(!HostOptions().Parse({"quillstar"_s, "--server"_s, server}, &error));

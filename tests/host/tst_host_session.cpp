@@ -32,8 +32,10 @@ public:
     int askedForMoney = 0;
 };
 
-const auto SignedIn
-    = StandInServer::Http(200, R"({"loginname": "demo", "username": "u1", "data": {"token": "abc"}})");
+StandInServer::Reply SignedIn()
+{
+    return StandInServer::Http(200, R"({"loginname": "demo", "username": "u1", "data": {"token": "abc"}})");
+}
 
 /// An announcement, and how often the list has been refreshed after it; the opened stream counts as the first time.
 const std::tuple<const char*, QByteArray, int> announcements[] = {
@@ -75,7 +77,7 @@ struct Client
     {
         communication.SetServerUrl(server.Url());
         communication.Initialize({});
-        server.SetReplies({SignedIn});
+        server.SetReplies({SignedIn()});
         QObject::connect(&window, &VTQsClientPrivate::SignOutAsked, &communication, [this] {
             communication.SignOut(1, {{"token"_s, "abc"_s}});
         });
@@ -125,7 +127,7 @@ private slots:
         for (const bool isExpired : {false, true}) {
             m_client->SignIn();
             QVERIFY(!m_client->IsFormVisible() && m_client->signOut->isEnabled());
-            m_client->server.SetReplies({StandInServer::Http(isExpired ? 401 : 500), SignedIn});
+            m_client->server.SetReplies({StandInServer::Http(isExpired ? 401 : 500), SignedIn()});
             isExpired ? void(m_client->communication.GetUserInfo(1, {{"token"_s, "abc"_s}}))
                       : m_client->signOut->trigger();
             EVENTUALLY(!m_client->session.IsSignedIn());

@@ -22,7 +22,11 @@ QString Lines(int count)
 const QString question = "Sure?"_s;
 const QString two = Lines(2);
 const QString many = Lines(10000);
-const QString path(60, QLatin1Char('x'));
+
+QString LongWord()
+{
+    return QString(60, QLatin1Char('x'));
+}
 
 /// Text, detail, whether the detail is a list, and what stands in the label and in the area.
 const std::tuple<const char*, QString, QString, bool, QString, QString> messages[] = {
@@ -30,18 +34,21 @@ const std::tuple<const char*, QString, QString, bool, QString, QString> messages
     {"text and list", question, two, true, question, two},
     {"notice of two lines", {}, two, true, {}, two},
     {"huge text and list", many, two, true, {}, QString(many + "\n\n"_s + two)},
-    {"word that cannot be wrapped", {}, path, false, {}, path},
+    {"word that cannot be wrapped", {}, LongWord(), false, {}, LongWord()},
 };
 
-const QStringList yesAndNo {"btnMessageBox_1"_s, "btnMessageBox_2"_s};
+QStringList YesAndNo()
+{
+    return QStringList {"btnMessageBox_1"_s, "btnMessageBox_2"_s};
+}
 
 /// Buttons, the button or key that is pressed, and the answer.
 const std::tuple<const char*, QStringList, const char*, const char*> presses[] = {
-    {"first of two", yesAndNo, "btnMessageBox_1", "btnMessageBox_1"},
+    {"first of two", YesAndNo(), "btnMessageBox_1", "btnMessageBox_1"},
     {"none given", {}, "btnMessageBox_1", "btnMessageBox_1"},
-    {"enter", yesAndNo, "Return", "btnMessageBox_1"},
-    {"enter on the last", yesAndNo, "Tab, Return", "btnMessageBox_2"},
-    {"escape", yesAndNo, "Esc", ""},
+    {"enter", YesAndNo(), "Return", "btnMessageBox_1"},
+    {"enter on the last", YesAndNo(), "Tab, Return", "btnMessageBox_2"},
+    {"escape", YesAndNo(), "Esc", ""},
 };
 
 QByteArray Png()

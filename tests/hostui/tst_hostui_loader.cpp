@@ -147,8 +147,9 @@ private slots:
 
         QCOMPARE(CheckedTexts(skins), QStringList("Default"_s));
         const QPointer<QAction> chosen = skins->actions().constLast();
-        connect(skins, &QMenu::triggered, this, [&chosen] { QVERIFY(chosen); });
+        connect(skins, &QMenu::triggered, this, [this, chosen] { m_isKept = !chosen.isNull(); });
         chosen->trigger();
+        QVERIFY(m_isKept);
         QCOMPARE(m_loader->GetSkin(), "night"_s);
         QCOMPARE(CheckedTexts(skins), QStringList("Night"_s));
         QCOMPARE(skins->actions().size(), 3);
@@ -195,7 +196,8 @@ private slots:
             m_loader->SetLanguage(m_loader->GetLanguages().constLast());
             QCoreApplication::sendPostedEvents();
             const QMap<QString, QString> translated = ReadAloud(form.get());
-            for (const QWidget* child : form->findChildren<QWidget*>()) {
+            const auto children = form->findChildren<QWidget*>();
+            for (const QWidget* child : children) {
                 const QString name = child->objectName();
                 if (!child->accessibleName().isEmpty()
                     && !qobject_cast<const QToolButton*>(child)) // Qt's own
@@ -318,6 +320,7 @@ private slots:
 private:
     MemorySettings m_settings;
     std::unique_ptr<UiLoaderService> m_loader;
+    bool m_isKept = false; ///< whether the chosen entry outlived the choice
 };
 
 QTEST_MAIN(TestLoader)

@@ -189,7 +189,8 @@ private slots:
         QMenu* menu = form.button.menu();
         const auto choose = [menu](const QString& text) {
             emit menu->aboutToShow();
-            for (QAction* entry : menu->actions()) {
+            const auto entries = menu->actions();
+            for (QAction* entry : entries) {
                 if (entry->text() == text)
                     entry->trigger();
             }

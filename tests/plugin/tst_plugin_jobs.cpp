@@ -87,8 +87,10 @@ private slots:
         emit m_client->settings.SettingsUpdated();
         Communication().DeliverJobs({MakeJob(9, 4)}, 1);
         QStringList ordered;
-        for (const QVariantMap& order : qAsConst(RenderCore().orders))
-            ordered.append(order.keys().join(","_s));
+        for (const QVariantMap& order : qAsConst(RenderCore().orders)) {
+            const QStringList ids = order.keys();
+            ordered.append(ids.join(","_s));
+        }
         QCOMPARE(ordered.join(" "_s), "id-1,id-3,id-4 id-2 id-1,id-3,id-4"_s);
     }
 

@@ -39,7 +39,8 @@ private slots:
         m_client->Button("btnPageTwo"_s)->resize(50, 30); // wider than the others
         SignInWithJobs(MakeJobs(18), total);
         QStringList pages;
-        for (const QString& click : clicks.split(" "_s, Qt::SkipEmptyParts)) {
+        const QStringList buttons = clicks.split(" "_s, Qt::SkipEmptyParts);
+        for (const QString& click : buttons) {
             m_client->Button(click)->click();
             if (TakeJournal().isEmpty())
                 continue;
@@ -146,7 +147,8 @@ private slots:
         for (const int tab : {2, 1, 0}) {
             all->setChecked(true);
             m_client->Tabs()->setCurrentIndex(tab);
-            for (const QString& button : Toolbars[0].split(" "_s))
+            const QStringList buttons = Toolbars[0].split(" "_s);
+            for (const QString& button : buttons)
                 QCOMPARE(m_client->Shows(button), Toolbars[tab].contains(button));
             const QPushButton* anchor = m_client->Button(tab == 0 ? "btnRestart"_s : "btnPause"_s);
             QVERIFY(tab == 1 || m_client->Button("btnDelete"_s)->x() == anchor->x() + anchor->width() + 5);

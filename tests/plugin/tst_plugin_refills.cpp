@@ -86,7 +86,6 @@ private slots:
         const QStringList ids = CheckedIds(Table(tab));
         const char* const entries[] = {"Download", "Continue submit", "Redownload"};
         QVERIFY(m_client->Call("ClickedCell", 4, 0));
-        QString again = "none"_s;
         Later(Table(tab), [&] {
             // Another request for the menu must not disturb the open one.
             emit Table(tab)->customContextMenuRequested(QPoint());
@@ -111,7 +110,8 @@ private slots:
         SignInWithJobs(MakeJobs(18), 200);
         const auto PagesOf = [this](const QString& clicks) {
             QStringList pages;
-            for (const QString& click : clicks.split(" "_s)) {
+            const QStringList buttons = clicks.split(" "_s);
+            for (const QString& click : buttons) {
                 m_client->Button(click)->click();
                 if (!TakeJournal().isEmpty())
                     pages.append(Sent("page").toString());

@@ -65,7 +65,9 @@ private slots:
             SignInWithJobs(MakeJobs(3), 3);
             const QPointer<QWidget> window = m_client->Window();
             const QThread* deletedOn = nullptr;
-            connect(window, &QObject::destroyed, [&deletedOn] { deletedOn = QThread::currentThread(); });
+            connect(
+                window, &QObject::destroyed, window, [&deletedOn] { deletedOn = QThread::currentThread(); },
+                Qt::DirectConnection);
 
             const std::unique_ptr<QThread> other(QThread::create([activator] { activator->stop(nullptr); }));
             other->start();

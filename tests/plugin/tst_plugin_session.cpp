@@ -204,7 +204,7 @@ private slots:
         for (const auto& [table, column] : {std::pair(Jobs(), 4), {Tasks(), 2}, {Downloads(), 4}})
             QVERIFY(Values(table, column).value(0).startsWith("~"_s));
         QVERIFY(m_client->Entry("~Download") && m_client->Entry("~Continue submit"));
-        QCOMPARE(m_client->uiLoader.trayMenu.actions().last()->text(), "~Quit"_s);
+        QCOMPARE(m_client->uiLoader.trayMenu.actions().constLast()->text(), "~Quit"_s);
 
         // The status filter sends the status code in any language.
         auto* filters = m_client->Form()->findChildren<QListWidget*>().at(0);
@@ -249,7 +249,8 @@ private:
     static int Marked(const QWidget* form)
     {
         QStringList texts {form->windowTitle()};
-        for (const QObject* object : form->findChildren<QObject*>()) {
+        const auto objects = form->findChildren<QObject*>();
+        for (const QObject* object : objects) {
             texts << object->property("text").toString() << object->property("toolTip").toString();
             const auto* tabs = qobject_cast<const QTabWidget*>(object);
             for (int tab = 0; tabs && tab < tabs->count(); ++tab)

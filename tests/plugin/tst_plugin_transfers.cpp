@@ -59,7 +59,8 @@ public:
     Q_INVOKABLE QString DownloadTaskIdAt(int index)
     {
         asked.append(index);
-        return isWrong ? "none"_s : downloads.keys().value(index);
+        const QStringList ids = downloads.keys();
+        return isWrong ? "none"_s : ids.value(index);
     }
 
     bool isWrong = false;
@@ -117,14 +118,14 @@ private slots:
             ShowTask({QLatin1String(id), "a.ma"_s});
         const QTableWidgetItem* kept = Tasks()->item(2, Name);
         RenderCore().tasks = {{"t3"_s, "a.ma"_s}, {"t2"_s, "a.ma"_s, "11:00"_s, {}, {}, 8, -5}};
-        int changes = 0;
+        QSignalSpy changes(Tasks(), &QTableWidget::itemChanged);
         for (int round = 0; round < 2; ++round) {
+            changes.clear();
             QVERIFY(m_client->Tick(1000));
             QCOMPARE(Tasks()->rowCount(), 2);
             QCOMPARE(Tasks()->item(1, Name), kept);
             QCOMPARE(Cells(Tasks(), 1), "a|t2, 11:00|true, |8, 0%, a.ma|, |"_s);
-            QCOMPARE(changes, 0);
-            connect(Tasks(), &QTableWidget::itemChanged, Tasks(), [&changes] { ++changes; });
+            QCOMPARE(changes.isEmpty(), round > 0);
         }
     }
 
@@ -174,7 +175,8 @@ private slots:
             QStringList expected;
             for (RenderCoreStandIn::Task& task : tasks)
                 task.startTime = "%1 of %2"_s.arg(round).arg(task.id);
-            for (const QString& id : Values(Tasks(), Name, Qt::UserRole)) {
+            const QStringList ids = Values(Tasks(), Name, Qt::UserRole);
+            for (const QString& id : ids) {
                 if (RenderCore().GetSubmitTaskIds().contains(id))
                     expected.append("%1 of %2"_s.arg(round).arg(id));
             }

@@ -19,44 +19,50 @@ struct TransferCase
     QByteArray there = {};          ///< a stranger's file at the destination
 };
 
-const TransferCase TransferCases[] = {
-    {"own file without a note", {}, Finished, 1, {}, FrameData, {}, FrameData},
-    {"stranger's file of that size", {Whole(FrameData)}, Finished, 2, {}, FrameData, {},
-        QByteArray(FrameData.size(), 'z')},
-    {"stranger's file", {Whole(FrameData)}, Finished, 2, {}, FrameData, {}, OtherData},
-    {"whole part file", {}, Finished, 1, {}, FrameData, FrameData},
-    {"part file longer than the file", {Whole(FrameData)}, Finished, 2, Condition, FrameData,
-        FrameData + 'x'},
-    {"damaged part file", {Whole(FrameData)}, Finished, 2, Condition, FrameData,
-        QByteArray(FrameData.size(), 'z')},
-    {"whole", {Whole(FrameData)}, Finished, 2, Condition},
-    {"cut", {CutFrame, Rest(FrameData, CutAt)}, Finished, 3, Condition},
-    {"cut, no ranges", {CutFrame, Whole(FrameData)}, Finished, 3, RangeLine},
-    {"cut, another range", {CutFrame, Rest(FrameData, CutAt + 1), Rest(FrameData, CutAt)}, Finished, 4,
-        RangeLine},
-    {"cut, range of another file", {CutFrame, Rest(FrameData, CutAt, 9), Rest(FrameData, CutAt)}, Finished, 4,
-        RangeLine},
-    {"cut, range that is not said", {CutFrame, NoRange, Rest(FrameData, CutAt)}, Finished, 4, RangeLine},
-    {"cut, range refused", {CutFrame, Answer(416), Whole(FrameData)}, Finished, 4},
-    {"range refused for ever", {CutFrame, Answer(416), Answer(416), Whole(FrameData)}, Finished, 5},
-    {"cut, changed meanwhile", {CutFrame, Answer(412), Listed(Entry(OtherData)), Whole(OtherData)}, Finished,
-        5, Checksum(OtherData), OtherData},
-    {"gone", {Answer(404), Listed(Entry(FrameData, "frame_0002.png"))}, Failed, 3},
-    {"listed, but not sent at first", {Answer(404), Listed(Entry(FrameData)), Whole(FrameData)}, Finished, 4},
-    {"no longer listed", {Answer(404), Answer(403)}, Failed, 3},
-    {"wrong bytes once", {Whole(QByteArray(FrameData.size(), 'z')), Whole(FrameData)}, Finished, 3},
-    {"wrong bytes", {Whole(QByteArray(FrameData.size(), 'z'))}, Failed, 3},
-    {"too many bytes", {Endless, Listed(Entry(FrameData)), Whole(FrameData)}, Finished, 4},
-    {"too few bytes", {Whole(FrameData.left(CutAt)), Listed(Entry(FrameData)), Whole(FrameData)}, Finished,
-        4},
-    {"busy", {Answer(429, "Retry-After: 0\r\n"), Answer(503), Answer(408), Whole(FrameData)}, Finished, 5},
-    {"stalled", {HttpReply {CutFrame.bytes, false, 0, StandInServer::Stall}, Rest(FrameData, CutAt)},
-        Finished, 3, RangeLine},
-    {"slow", {HttpReply {Whole(FrameData).bytes, false, 10000}}, Finished, 2},
-    {"a portal's page", {StandInServer::Http(200, "<html>"), Listed(Entry(FrameData)), Whole(FrameData)},
-        Finished, 4},
-    {"refused at length", {StandInServer::Http(403, QByteArray(3'000'000, 'x'))}, Failed, 2},
-};
+const auto& TransferCases()
+{
+    static const TransferCase rows[] = {
+        {"own file without a note", {}, Finished, 1, {}, FrameData, {}, FrameData},
+        {"stranger's file of that size", {Whole(FrameData)}, Finished, 2, {}, FrameData, {},
+            QByteArray(FrameData.size(), 'z')},
+        {"stranger's file", {Whole(FrameData)}, Finished, 2, {}, FrameData, {}, OtherData},
+        {"whole part file", {}, Finished, 1, {}, FrameData, FrameData},
+        {"part file longer than the file", {Whole(FrameData)}, Finished, 2, Condition, FrameData,
+            FrameData + 'x'},
+        {"damaged part file", {Whole(FrameData)}, Finished, 2, Condition, FrameData,
+            QByteArray(FrameData.size(), 'z')},
+        {"whole", {Whole(FrameData)}, Finished, 2, Condition},
+        {"cut", {CutFrame, Rest(FrameData, CutAt)}, Finished, 3, Condition},
+        {"cut, no ranges", {CutFrame, Whole(FrameData)}, Finished, 3, RangeLine},
+        {"cut, another range", {CutFrame, Rest(FrameData, CutAt + 1), Rest(FrameData, CutAt)}, Finished, 4,
+            RangeLine},
+        {"cut, range of another file", {CutFrame, Rest(FrameData, CutAt, 9), Rest(FrameData, CutAt)},
+            Finished, 4, RangeLine},
+        {"cut, range that is not said", {CutFrame, NoRange, Rest(FrameData, CutAt)}, Finished, 4, RangeLine},
+        {"cut, range refused", {CutFrame, Answer(416), Whole(FrameData)}, Finished, 4},
+        {"range refused for ever", {CutFrame, Answer(416), Answer(416), Whole(FrameData)}, Finished, 5},
+        {"cut, changed meanwhile", {CutFrame, Answer(412), Listed(Entry(OtherData)), Whole(OtherData)},
+            Finished, 5, Checksum(OtherData), OtherData},
+        {"gone", {Answer(404), Listed(Entry(FrameData, "frame_0002.png"))}, Failed, 3},
+        {"listed, but not sent at first", {Answer(404), Listed(Entry(FrameData)), Whole(FrameData)}, Finished,
+            4},
+        {"no longer listed", {Answer(404), Answer(403)}, Failed, 3},
+        {"wrong bytes once", {Whole(QByteArray(FrameData.size(), 'z')), Whole(FrameData)}, Finished, 3},
+        {"wrong bytes", {Whole(QByteArray(FrameData.size(), 'z'))}, Failed, 3},
+        {"too many bytes", {Endless, Listed(Entry(FrameData)), Whole(FrameData)}, Finished, 4},
+        {"too few bytes", {Whole(FrameData.left(CutAt)), Listed(Entry(FrameData)), Whole(FrameData)},
+            Finished, 4},
+        {"busy", {Answer(429, "Retry-After: 0\r\n"), Answer(503), Answer(408), Whole(FrameData)}, Finished,
+            5},
+        {"stalled", {HttpReply {CutFrame.bytes, false, 0, StandInServer::Stall}, Rest(FrameData, CutAt)},
+            Finished, 3, RangeLine},
+        {"slow", {HttpReply {Whole(FrameData).bytes, false, 10000}}, Finished, 2},
+        {"a portal's page", {StandInServer::Http(200, "<html>"), Listed(Entry(FrameData)), Whole(FrameData)},
+            Finished, 4},
+        {"refused at length", {StandInServer::Http(403, QByteArray(3'000'000, 'x'))}, Failed, 2},
+    };
+    return rows;
+}
 
 /// A link in the way of a file, its target, and what becomes of the file.
 const std::tuple<const char*, const char*, Status> Links[] = {
@@ -134,11 +140,11 @@ private slots:
         QCOMPARE(client.Ids(), QStringList {"0000000001"_s});
     }
 
-    void RecoversFromBrokenTransfers_data() { AddRows(TransferCases); }
+    void RecoversFromBrokenTransfers_data() { AddRows(TransferCases()); }
 
     void RecoversFromBrokenTransfers()
     {
-        const TransferCase& row = Row(TransferCases);
+        const TransferCase& row = Row(TransferCases());
         QDir().mkpath(Path("frames/12_shot"));
         QVERIFY(row.part.isEmpty() || WriteFile(Part(), row.part));
         QVERIFY(row.there.isEmpty() || WriteFile(Frame(), row.there));
@@ -318,7 +324,8 @@ private slots:
         client.Order();
         QVERIFY(client.AwaitFiles(2));
         QVERIFY(ReadFile(Frame()) == FrameData);
-        for (const QFileInfo& open : QDir("/proc/self/fd"_s).entryInfoList())
+        const QFileInfoList files = QDir("/proc/self/fd"_s).entryInfoList();
+        for (const QFileInfo& open : files)
             QVERIFY(!open.symLinkTarget().startsWith(Frame())); // or the disk could not be unmounted
         QVERIFY(QFile::remove(Frame()));
         client.Order();

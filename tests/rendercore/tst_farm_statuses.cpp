@@ -48,7 +48,7 @@ const Status statuses[] = {
     {"from no list", 999, Effect::Told},
 };
 
-const QByteArray Content = "a frame";
+constexpr char Content[] = "a frame";
 
 StandInServer::Reply Answer(const Status& row)
 {

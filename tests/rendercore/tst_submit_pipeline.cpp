@@ -115,6 +115,7 @@ private:
     std::unique_ptr<FarmData> m_data;
     std::unique_ptr<farm::Farm> m_farm;
     std::unique_ptr<SubmitQueue> m_queue;
+    QStringList m_left; ///< after the last change of the list
     std::unique_ptr<QSignalSpy> m_lacking;
     FarmAccess m_access;
     const QByteArray m_path = qgetenv("PATH");
@@ -295,7 +296,8 @@ private slots:
         QVERIFY(Await(Submit({{"b.pov"_s, "sphere{0,1}"}})));
         QCOMPARE(Task(id).message, QString::fromLatin1(SubmitText::BlenderReads));
         m_queue->Remove({id});
-        for (const QByteArray& process : ReadFile(note).simplified().split(' '))
+        const QByteArrayList processes = ReadFile(note).simplified().split(' ');
+        for (const QByteArray& process : processes)
             QTRY_COMPARE_WITH_TIMEOUT(::kill(process.toInt(), 0), -1, Patience);
         // One that writes no report.
         WriteFile(blender, "#!/bin/sh\n");
@@ -308,14 +310,13 @@ private slots:
         Submit({{"b.pov"_s, "sphere{0,1}"}});
         QVERIFY(QTest::qWaitFor([&] { return Task(id).stage >= SubmitStage::Upload; }, Patience));
         // The listener removes the other task while handling the removal.
-        QStringList left;
-        connect(m_queue.get(), &SubmitQueue::ListChanged, this, [&] {
-            left = m_queue->Ids();
-            if (!left.isEmpty())
-                m_queue->Remove(left);
+        connect(m_queue.get(), &SubmitQueue::ListChanged, this, [this] {
+            m_left = m_queue->Ids();
+            if (!m_left.isEmpty())
+                m_queue->Remove(m_left);
         });
         m_queue->Remove({id, "x"_s, id});
-        QVERIFY(left.isEmpty() && m_queue->Ids().isEmpty());
+        QVERIFY(m_left.isEmpty() && m_queue->Ids().isEmpty());
         QTRY_VERIFY_WITH_TIMEOUT(Packages().isEmpty(), Patience);
         QVERIFY(QDir().mkpath(Path("transfer/submit/77"_s))); // left behind by a client that was killed
         StartQueue();

@@ -15,8 +15,15 @@ namespace {
 using Kind = StageOutcome::Kind;
 using Stage = SubmitStage;
 
-const QByteArray FirstSum = QByteArray(64, '1');
-const QByteArray SecondSum = QByteArray(64, '2');
+QByteArray FirstSum()
+{
+    return QByteArray(64, '1');
+}
+
+QByteArray SecondSum()
+{
+    return QByteArray(64, '2');
+}
 
 /// The farm's answer about an upload.
 HttpReply Upload(int offset, int chunkSize = 4, const char* more = "", const char* id = "u")
@@ -60,77 +67,89 @@ struct StageCase
 };
 
 /// Two files, "a" with a package of ten bytes and "b" with one of three; the farm wants the first unless the stage asks.
-const StageCase StageCases[] = {
-    {"no scene", Stage::Analyze, {}, "failed 1: The scene file cannot be read."},
-    {"no source", Stage::Compress, {}, "failed 2 a wanted: A file cannot be read*\n/a"},
-    {"no package", Stage::Checksum, {}, "failed 2 a wanted: *0000.zip*"},
+const auto& StageCases()
+{
+    static const StageCase rows[] = {
+        {"no scene", Stage::Analyze, {}, "failed 1: The scene file cannot be read."},
+        {"no source", Stage::Compress, {}, "failed 2 a wanted: A file cannot be read*\n/a"},
+        {"no package", Stage::Checksum, {}, "failed 2 a wanted: *0000.zip*"},
 
-    {"one known", Stage::CopySame, {Known("'" + FirstSum + "'")}, "done to upload b wanted",
-        "POST /contents/known"},
-    {"busy", Stage::CopySame, {Status(503, "Retry-After: 7\r\n")}, "again request 7 s to copysame a wanted"},
-    {"too many requests", Stage::CopySame, {Status(429, "Retry-After: 7\r\n")},
-        "again farm 7 s to copysame a wanted"},
-    {"signed out", Stage::CopySame, {Status(401)}, "again session 0 s to copysame a wanted"},
-    {"another shape", Stage::CopySame, {StandInServer::Data("[7]")}, Incomplete},
+        {"one known", Stage::CopySame, {Known("'" + FirstSum() + "'")}, "done to upload b wanted",
+            "POST /contents/known"},
+        {"busy", Stage::CopySame, {Status(503, "Retry-After: 7\r\n")},
+            "again request 7 s to copysame a wanted"},
+        {"too many requests", Stage::CopySame, {Status(429, "Retry-After: 7\r\n")},
+            "again farm 7 s to copysame a wanted"},
+        {"signed out", Stage::CopySame, {Status(401)}, "again session 0 s to copysame a wanted"},
+        {"another shape", Stage::CopySame, {StandInServer::Data("[7]")}, Incomplete},
 
-    {"uploads in chunks", Stage::Upload, {Upload(0), Upload(4), Upload(8), Upload(10)}, SentNow,
-        "POST /uploads PUT /uploads/u?offset=0 0123 PUT /uploads/u?offset=4 4567 PUT /uploads/u?offset=8 89"},
-    {"resumes", Stage::Upload, {Upload(6, 100), Upload(10)}, SentNow,
-        "POST /uploads PUT /uploads/u?offset=6 6789"},
-    {"sent before", Stage::Upload, {Upload(10)}, Sent, "POST /uploads"},
-    {"unpacked before", Stage::Upload, {Upload(0, 4, ", 'unpacked': true")}, Sent, "POST /uploads"},
-    {"another offset", Stage::Upload, {Upload(0), Status(409), Upload(8), Upload(10)}, SentNow,
-        "POST /uploads PUT /uploads/u?offset=0 0123 GET /uploads/u PUT /uploads/u?offset=8 89"},
-    {"stores nothing twice", Stage::Upload, {Upload(9), Upload(9), Upload(9), Upload(10)}, SentNow},
-    {"stores nothing", Stage::Upload, {Upload(9)},
-        "failed 3 a wanted refused: /a: The farm did not store the uploaded data. Please try again later."},
-    {"ends in the middle", Stage::Upload, {Upload(0), Upload(4), Status(500)},
-        "again request 0 s to upload a wanted advanced"},
-    {"beyond the end later", Stage::Upload, {Upload(0), Upload(11)}, Unreadable},
-    {"quota", Stage::Upload, {Status(507)}, Refused},
-    {"cut off", Stage::Upload, {Upload(0), HttpReply {Upload(4).bytes.chopped(9)}}, AwayToUpload},
-    {"stalled", Stage::Upload,
-        {Upload(0), HttpReply {Upload(4).bytes.chopped(9), false, 0, StandInServer::Stall}}, AwayToUpload},
-    {"endless", Stage::Upload,
-        {Upload(0), HttpReply {"HTTP/1.1 200 OK\r\n\r\n", false, 0, StandInServer::Flood}},
-        "failed 3 a wanted refused: /a: The server's answer is too large."},
-    {"a portal's page", Stage::Upload, {Upload(0), StandInServer::Http(200, "<html>")},
-        "failed 3 a wanted refused: /a: The server's answer cannot be read."},
-    {"beyond the end", Stage::Upload, {Upload(11)}, Unreadable},
-    {"before the beginning", Stage::Upload, {Upload(-1)}, Unreadable},
-    {"empty chunks", Stage::Upload, {Upload(0, 0)}, Unreadable},
-    {"no id", Stage::Upload, {Upload(0, 4, "", "")}, Unreadable},
-    {"an id to climb with", Stage::Upload, {Upload(0, 100, "", "../x?"), Upload(10)}, SentNow,
-        "POST /uploads PUT /uploads/..%2Fx%3F?offset=0 0123456789"},
+        {"uploads in chunks", Stage::Upload, {Upload(0), Upload(4), Upload(8), Upload(10)}, SentNow,
+            "POST /uploads PUT /uploads/u?offset=0 0123 PUT /uploads/u?offset=4 4567 PUT /uploads/u?offset=8 "
+            "89"},
+        {"resumes", Stage::Upload, {Upload(6, 100), Upload(10)}, SentNow,
+            "POST /uploads PUT /uploads/u?offset=6 6789"},
+        {"sent before", Stage::Upload, {Upload(10)}, Sent, "POST /uploads"},
+        {"unpacked before", Stage::Upload, {Upload(0, 4, ", 'unpacked': true")}, Sent, "POST /uploads"},
+        {"another offset", Stage::Upload, {Upload(0), Status(409), Upload(8), Upload(10)}, SentNow,
+            "POST /uploads PUT /uploads/u?offset=0 0123 GET /uploads/u PUT /uploads/u?offset=8 89"},
+        {"stores nothing twice", Stage::Upload, {Upload(9), Upload(9), Upload(9), Upload(10)}, SentNow},
+        {"stores nothing", Stage::Upload, {Upload(9)},
+            "failed 3 a wanted refused: /a: The farm did not store the uploaded data. Please try again "
+            "later."},
+        {"ends in the middle", Stage::Upload, {Upload(0), Upload(4), Status(500)},
+            "again request 0 s to upload a wanted advanced"},
+        {"beyond the end later", Stage::Upload, {Upload(0), Upload(11)}, Unreadable},
+        {"quota", Stage::Upload, {Status(507)}, Refused},
+        {"cut off", Stage::Upload, {Upload(0), HttpReply {Upload(4).bytes.chopped(9)}}, AwayToUpload},
+        {"stalled", Stage::Upload,
+            {Upload(0), HttpReply {Upload(4).bytes.chopped(9), false, 0, StandInServer::Stall}},
+            AwayToUpload},
+        {"endless", Stage::Upload,
+            {Upload(0), HttpReply {"HTTP/1.1 200 OK\r\n\r\n", false, 0, StandInServer::Flood}},
+            "failed 3 a wanted refused: /a: The server's answer is too large."},
+        {"a portal's page", Stage::Upload, {Upload(0), StandInServer::Http(200, "<html>")},
+            "failed 3 a wanted refused: /a: The server's answer cannot be read."},
+        {"beyond the end", Stage::Upload, {Upload(11)}, Unreadable},
+        {"before the beginning", Stage::Upload, {Upload(-1)}, Unreadable},
+        {"empty chunks", Stage::Upload, {Upload(0, 0)}, Unreadable},
+        {"no id", Stage::Upload, {Upload(0, 4, "", "")}, Unreadable},
+        {"an id to climb with", Stage::Upload, {Upload(0, 100, "", "../x?"), Upload(10)}, SentNow,
+            "POST /uploads PUT /uploads/..%2Fx%3F?offset=0 0123456789"},
 
-    {"unpacked", Stage::Uncompress, {Unpacked("a", FirstSum)}, "done to submit advanced",
-        "POST /uploads/u/unpack"},
-    {"unpacked to another content", Stage::Uncompress, {Unpacked("a", SecondSum)}, Damaged},
-    {"another shape of files", Stage::Uncompress, {StandInServer::Data("{'files': 7}")}, Incomplete},
-    {"unpacked to another place", Stage::Uncompress, {Unpacked("b", FirstSum)}, Damaged},
-    {"package refused", Stage::Uncompress, {Status(422)}, Refused},
-    {"upload forgotten", Stage::Uncompress, {Status(404)}, "again request 0 s to upload a wanted"},
-    {"upload not complete", Stage::Uncompress, {Status(409)}, "again request 0 s to upload a wanted"},
+        {"unpacked", Stage::Uncompress, {Unpacked("a", FirstSum())}, "done to submit advanced",
+            "POST /uploads/u/unpack"},
+        {"unpacked to another content", Stage::Uncompress, {Unpacked("a", SecondSum())}, Damaged},
+        {"another shape of files", Stage::Uncompress, {StandInServer::Data("{'files': 7}")}, Incomplete},
+        {"unpacked to another place", Stage::Uncompress, {Unpacked("b", FirstSum())}, Damaged},
+        {"package refused", Stage::Uncompress, {Status(422)}, Refused},
+        {"upload forgotten", Stage::Uncompress, {Status(404)}, "again request 0 s to upload a wanted"},
+        {"upload not complete", Stage::Uncompress, {Status(409)}, "again request 0 s to upload a wanted"},
 
-    {"submitted", Stage::Submit, {StandInServer::Data("{'job_increasement': '12'}")},
-        "done to submit a wanted: 12", "POST /jobs"},
-    {"half an answer", Stage::Submit, {StandInServer::Http(200, "{\"data\": {")},
-        "failed 6 a wanted: The server's answer cannot be read."},
-    {"no job", Stage::Submit, {StandInServer::Data("[7]")}, Incomplete},
-    {"contents gone", Stage::Submit, {Status(409)}, "again request 0 s to copysame a wanted"},
-    {"job refused", Stage::Submit, {Status(400)}, "failed 6 a wanted: So it is."},
-};
+        {"submitted", Stage::Submit, {StandInServer::Data("{'job_increasement': '12'}")},
+            "done to submit a wanted: 12", "POST /jobs"},
+        {"half an answer", Stage::Submit, {StandInServer::Http(200, "{\"data\": {")},
+            "failed 6 a wanted: The server's answer cannot be read."},
+        {"no job", Stage::Submit, {StandInServer::Data("[7]")}, Incomplete},
+        {"contents gone", Stage::Submit, {Status(409)}, "again request 0 s to copysame a wanted"},
+        {"job refused", Stage::Submit, {Status(400)}, "failed 6 a wanted: So it is."},
+    };
+    return rows;
+}
 
 /// The percentages that a stage reports on two files, of ten bytes and of three. Only the first is to be packed; it is
 /// sent before the upload.
-const std::tuple<const char*, Stage, QList<HttpReply>, const char*> ProgressCases[] = {
-    {"analysis", Stage::Analyze, {}, "100"},
-    {"packing", Stage::Compress, {}, "0 100"},
-    {"checksums", Stage::Checksum, {}, "76 100"},
-    {"known contents", Stage::CopySame, {Known("")}, "100"},
-    {"upload", Stage::Upload, {Upload(1, 1), Upload(2, 1), Upload(3, 1)}, "76 92 100"},
-    {"unpacking", Stage::Uncompress, {Unpacked("a", FirstSum), Unpacked("b", SecondSum)}, "50 100"},
-};
+const auto& ProgressCases()
+{
+    static const std::tuple<const char*, Stage, QList<HttpReply>, const char*> rows[] = {
+        {"analysis", Stage::Analyze, {}, "100"},
+        {"packing", Stage::Compress, {}, "0 100"},
+        {"checksums", Stage::Checksum, {}, "76 100"},
+        {"known contents", Stage::CopySame, {Known("")}, "100"},
+        {"upload", Stage::Upload, {Upload(1, 1), Upload(2, 1), Upload(3, 1)}, "76 92 100"},
+        {"unpacking", Stage::Uncompress, {Unpacked("a", FirstSum()), Unpacked("b", SecondSum())}, "50 100"},
+    };
+    return rows;
+}
 
 QString Summary(const StageOutcome& outcome)
 {
@@ -186,9 +205,9 @@ private:
         request.task.scene = m_folder->filePath("a.pov"_s);
         const bool isPacked = stage != Stage::Compress;
         request.task.work.files
-            = {File("a"_s, isPacked ? FirstSum : QByteArray(), 0), File("b"_s, SecondSum, 1)};
+            = {File("a"_s, isPacked ? FirstSum() : QByteArray(), 0), File("b"_s, SecondSum(), 1)};
         request.task.work.files[0].isWanted = true;
-        const QString sum = stage == Stage::Checksum ? QString() : QString::fromLatin1(FirstSum);
+        const QString sum = stage == Stage::Checksum ? QString() : QString::fromLatin1(FirstSum());
         request.task.work.packages = {{sum, 10, false, "u"_s}, {sum, 3, false, "u"_s}};
         request.access.apiRoot = FarmApiRoot(m_server->Url());
         request.access.token = "abc"_s;
@@ -215,11 +234,11 @@ private slots:
         QVERIFY(WriteFile(TaskPackages::Path(m_folder->path(), 1), "abc"));
     }
 
-    void EndsAsTheFarmAnswers_data() { AddRows(StageCases); }
+    void EndsAsTheFarmAnswers_data() { AddRows(StageCases()); }
 
     void EndsAsTheFarmAnswers()
     {
-        const StageCase& row = Row(StageCases);
+        const StageCase& row = Row(StageCases());
         m_server->SetReplies(row.replies);
         if (row.stage == Stage::Checksum)
             QVERIFY(QFile::remove(TaskPackages::Path(m_folder->path(), 0)));
@@ -238,11 +257,11 @@ private slots:
             row.replies.isEmpty() || m_server->Requests().at(0).contains("Authorization: Bearer abc\r\n"));
     }
 
-    void ReportsItsProgress_data() { AddRows(ProgressCases); }
+    void ReportsItsProgress_data() { AddRows(ProgressCases()); }
 
     void ReportsItsProgress()
     {
-        const auto& [name, stage, replies, percents] = Row(ProgressCases);
+        const auto& [name, stage, replies, percents] = Row(ProgressCases());
         StageRequest request = Request(stage);
         WriteFile(request.task.scene, "sphere{0,1}");
         for (int index = 0; index < 2; ++index) {
@@ -281,9 +300,9 @@ private slots:
     {
         m_server->SetReplies({Known("")});
         StageRequest request = Request(Stage::CopySame);
-        request.task.work.files[1].checksum = QString::fromLatin1(FirstSum);
+        request.task.work.files[1].checksum = QString::fromLatin1(FirstSum());
         QCOMPARE(Summary(m_worker.Run(request, Ignore)), "done to upload a wanted"_s);
-        QCOMPARE(m_server->Requests().at(0).count(FirstSum), 1);
+        QCOMPARE(m_server->Requests().at(0).count(FirstSum()), 1);
     }
 
     void WaitsForAFarmThatIsAway()
@@ -321,8 +340,8 @@ private slots:
     /// Whole packages are kept, in the folders of known tasks.
     void PacksAgainWhatIsNotWhole()
     {
-        for (const QByteArray content : {"0123456789", "012345678"}) {
-            m_server->SetReplies({Known("'" + SecondSum + "'")});
+        for (const QByteArray& content : {QByteArray("0123456789"), QByteArray("012345678")}) {
+            m_server->SetReplies({Known("'" + SecondSum() + "'")});
             QVERIFY(WriteFile(TaskPackages::Path(m_folder->path(), 0), content));
             QCOMPARE(Summary(m_worker.Run(Request(Stage::CopySame), Ignore)),
                 content.size() == 10 ? "done to upload a wanted"_s : "done to compress a wanted"_s);

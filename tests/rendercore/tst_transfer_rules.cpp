@@ -15,7 +15,8 @@ using Script = std::tuple<const char*, const char*, const char*>;
 
 void Play(const char* script, const Steps& steps)
 {
-    for (const QByteArray& step : QByteArray(script).split(' '))
+    const QByteArrayList given = QByteArray(script).split(' ');
+    for (const QByteArray& step : given)
         steps.at(step.at(0))(step.mid(1).toInt());
 }
 

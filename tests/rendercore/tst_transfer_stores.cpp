@@ -85,7 +85,8 @@ private:
     QString Orders(int limit = 9, const QString& owner = Ann) const
     {
         QStringList orders;
-        for (const DownloadOrder& order : Downloads().OpenOrders(owner, limit))
+        const auto open = Downloads().OpenOrders(owner, limit);
+        for (const DownloadOrder& order : open)
             orders.append(order.job + QString::number(order.kind));
         return orders.join(QLatin1Char(' '));
     }
@@ -194,7 +195,8 @@ private slots:
         DownloadStore store = Downloads();
         const auto order = [&](const char* jobs, DownloadOrder::Kind kind, const QString& owner = Ann) {
             DownloadOrders orders;
-            for (const QString& job : QString::fromLatin1(jobs).split(QLatin1Char(' ')))
+            const QStringList given = QString::fromLatin1(jobs).split(QLatin1Char(' '));
+            for (const QString& job : given)
                 orders.append({job, "shot"_s, kind, 0});
             return store.AddOrders(owner, orders) ? Orders(9, owner) : "known"_s;
         };
@@ -213,8 +215,9 @@ private slots:
         order("b", DownloadOrder::Manual); // once more, while it is being answered
         store.CloseOrder(Ann, stale);
         QCOMPARE(Orders(), "a1 b1"_s);
-        for (const DownloadOrder& open : store.OpenOrders(Ann, 9))
-            store.CloseOrder(Ann, open);
+        const auto open = store.OpenOrders(Ann, 9);
+        for (const DownloadOrder& one : open)
+            store.CloseOrder(Ann, one);
         QCOMPARE(Orders(), QString());
         QCOMPARE(order("a", DownloadOrder::Automatic), "a0"_s); // the manual order brought nothing
         store.ReopenOrder(Ann, "a"_s);
@@ -254,7 +257,8 @@ private slots:
             QCOMPARE(task.progress, result == 'n' ? 0 : 50);
             QCOMPARE(task.checksum.at(0), QLatin1Char(result == 'n' ? 'b' : 'a'));
             QCOMPARE(task.fresh, result == 'n' && states[index] == DownloadState::Finished);
-            for (const DownloadTask& reported : outcome.renewed + outcome.resumed)
+            const auto reports = outcome.renewed + outcome.resumed;
+            for (const DownloadTask& reported : reports)
                 QVERIFY(reported.state == task.state && reported.fresh == task.fresh
                     && reported.message.isEmpty());
         }

@@ -75,7 +75,8 @@ VTBaseInterface* Client::Service() const
 
 QAction* Client::Entry(const char* text) const
 {
-    for (QAction* action : Window()->findChildren<QAction*>()) {
+    const auto actions = Window()->findChildren<QAction*>();
+    for (QAction* action : actions) {
         if (action->text() == QLatin1String(text))
             return action;
     }

@@ -143,7 +143,8 @@ protected:
             auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
             if (!menu)
                 return;
-            for (const QAction* entry : menu->actions())
+            const auto actions = menu->actions();
+            for (const QAction* entry : actions)
                 entries.append(entry->text());
             menu->close();
         });

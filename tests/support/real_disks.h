@@ -44,7 +44,8 @@ public:
     {
         constexpr uid_t Nobody = 65534;
         if (::geteuid() == 0) {
-            for (const QString& path : parents + QStringList {folder})
+            const QStringList folders = parents + QStringList {folder};
+            for (const QString& path : folders)
                 m_isReady = ::chown(QFile::encodeName(path).constData(), Nobody, gid_t(-1)) == 0 && m_isReady;
             m_isReady = m_isReady && ::seteuid(Nobody) == 0;
         }
