@@ -24,10 +24,11 @@ public:
     void MeasureIdleness(CostTable& table)
     {
         constexpr int Turns = 2;
+        constexpr int Seconds = 16; // the list of jobs is due within that time
         m_client.SignIn();
         m_client.Tabs()->setCurrentIndex(1);
         emit m_renderCore.SubmitListChanged();
-        Paint();
+        Idle(1); // the window paints its new tab
         std::vector<QTimer*> running;
         std::vector<std::unique_ptr<QTimer>> bare;
         for (QTimer* timer : m_client.Window()->findChildren<QTimer*>()) {
@@ -40,12 +41,12 @@ public:
         double client = 0;
         double window = 0;
         for (int turn = 0; turn < Turns; ++turn) {
-            client += Idle();
+            client += Idle(Seconds);
             for (QTimer* timer : running)
                 timer->stop();
             for (const auto& timer : bare)
                 timer->start();
-            window += Idle();
+            window += Idle(Seconds);
             for (const auto& timer : bare)
                 timer->stop();
             for (QTimer* timer : running)
@@ -131,15 +132,14 @@ public:
     }
 
 private:
-    /// The processor time of a time in which also the list of jobs is due.
-    static double Idle()
+    /// The processor time that some seconds without a user take.
+    static double Idle(int seconds)
     {
-        constexpr int Seconds = 16;
         Paint();
         QEventLoop loop;
         QTimer end;
         QObject::connect(&end, &QTimer::timeout, &loop, &QEventLoop::quit);
-        end.start(Seconds * 1000);
+        end.start(seconds * 1000);
         const double before = ProcessorTime();
         loop.exec();
         return ProcessorTime() - before;
