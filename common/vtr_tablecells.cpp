@@ -2,8 +2,8 @@
 
 #include "common/vtr_codetables.h"
 #include "common/vtr_plaintext.h"
+#include "common/vtr_progressbar.h"
 
-#include <QProgressBar>
 #include <QTableWidget>
 
 namespace VTTableCells {
@@ -46,7 +46,7 @@ void Write(QTableWidget* pTable, int nRow, int nColumn, const VTCell& cell)
 
 QProgressBar* NewProgressBar(int nPercent, const VTCodeTables& codeTables)
 {
-    auto* pBar = new QProgressBar;
+    auto* pBar = new VTProgressBar;
     pBar->setTextVisible(true);
     pBar->setRange(0, 100);
     SetProgress(pBar, nPercent, codeTables.ProgressStyle(nPercent));

@@ -171,6 +171,13 @@ void VTJobList::ShowNoJobs()
 void VTJobList::Fill(QTableWidget* pTable, const QVector<VTJobRecord>& lstJob, bool bKeepChecks)
 {
     const VTTableRows::Marks marks(pTable);
+    int nSame = 0;
+    for (int nRow = 0; nRow < qMin(lstJob.size(), m_lstShown.size()); ++nRow)
+        nSame += m_lstShown.at(nRow) == lstJob.at(nRow) ? 1 : 0;
+    // Each cell asks to be painted by itself, which costs more than painting the table once when most of them do.
+    const bool bHoldPainting = nSame < lstJob.size() / 2;
+    if (bHoldPainting)
+        pTable->viewport()->setUpdatesEnabled(false);
     pTable->setRowCount(lstJob.size());
     for (int nRow = 0; nRow < lstJob.size(); ++nRow) {
         const VTJobRecord& job = lstJob.at(nRow);
@@ -183,6 +190,8 @@ void VTJobList::Fill(QTableWidget* pTable, const QVector<VTJobRecord>& lstJob, b
     }
     m_lstShown = lstJob;
     marks.RestorePosition(pTable);
+    if (bHoldPainting)
+        pTable->viewport()->setUpdatesEnabled(true);
 }
 
 void VTJobList::HandOverFinished(const QVector<VTJobRecord>& lstJob)

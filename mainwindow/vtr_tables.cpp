@@ -1,5 +1,6 @@
 #include "mainwindow/vtr_tables.h"
 
+#include "common/vtr_celldelegate.h"
 #include "common/vtr_columns.h"
 #include "common/vtr_tablerows.h"
 #include "mainwindow/vtr_mainform.h"
@@ -8,22 +9,21 @@
 #include <QEvent>
 #include <QGuiApplication>
 #include <QMenu>
-#include <QStyledItemDelegate>
 
 namespace {
 
 /// Lets a check box react to the keyboard only. A press anywhere in a row already toggles its box; if the box reacted
 /// to the mouse as well, the two would cancel each other out.
-class RowDelegate : public QStyledItemDelegate
+class RowDelegate : public VTCellDelegate
 {
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    using VTCellDelegate::VTCellDelegate;
 
     bool editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
         const QModelIndex& index) override
     {
         const bool bKey = event->type() == QEvent::KeyPress;
-        return bKey && QStyledItemDelegate::editorEvent(event, model, option, index);
+        return bKey && VTCellDelegate::editorEvent(event, model, option, index);
     }
 };
 

@@ -1,6 +1,7 @@
 #include "tests/standins/client_test.h"
 
 #include <QCheckBox>
+#include <QStyledItemDelegate>
 
 #include <limits>
 
@@ -35,6 +36,31 @@ QVariantMap Order(int number, int manual)
         {"manual"_s, manual}};
 }
 
+const std::tuple<const char*, QString> Sheets[] = {
+    {"no sheet", {}},
+    {"bars and padding",
+        "QTableView::item { padding: 0 4px; } QProgressBar { border-radius: 3px; background: green; }"_s},
+    {"texts", "QTableView::item { color: red; } QTableView::item:selected { color: blue; }"_s},
+};
+
+/// The largest difference of two pictures in a colour, from 0 to 255.
+int Difference(const QImage& first, const QImage& second)
+{
+    if (first.size() != second.size())
+        return 255;
+    int largest = 0;
+    for (int y = 0; y < first.height(); ++y) {
+        for (int x = 0; x < first.width(); ++x) {
+            const QColor one = first.pixel(x, y);
+            const QColor two = second.pixel(x, y);
+            for (const int difference :
+                {one.red() - two.red(), one.green() - two.green(), one.blue() - two.blue()})
+                largest = qMax(largest, qAbs(difference));
+        }
+    }
+    return largest;
+}
+
 } // namespace
 
 /// The job table: filling it from answers, checking its rows, and the actions on the checked jobs.
@@ -58,6 +84,39 @@ private slots:
         QCOMPARE(Values(Jobs(), 4).join(","_s),
             "Unknown,Waiting,Running,Pause,Pending,Finished,Deleted,To full render,Failed,Arrears,"
             "Pause due to arrears,Unknown"_s);
+    }
+
+    void PaintsItsRowsAsPlainQtDoes_data() { AddRows(Sheets); }
+    void PaintsItsRowsAsPlainQtDoes()
+    {
+        QVariantList jobs;
+        for (int number = 1; number <= 6; ++number)
+            jobs.append(MakeJob(number, number, number * 20));
+        SignInWithJobs(jobs, 6);
+        Jobs()->item(0, 1)->setText("too long to be shown in one line of a narrow cell"_s);
+        Jobs()->item(1, 1)->setText("two\nlines"_s);
+        Jobs()->setCurrentCell(2, 1);
+        Check(Jobs(), {3});
+        const auto picture = [this] {
+            QCoreApplication::processEvents();
+            return Jobs()->viewport()->grab().toImage();
+        };
+        picture();
+        m_client->Form()->setStyleSheet(std::get<1>(Row(Sheets)));
+        picture();
+        const QImage ours = picture();
+        Jobs()->setItemDelegate(new QStyledItemDelegate(Jobs()));
+        for (int row = 0; row < Jobs()->rowCount(); ++row) {
+            auto* bar = new QProgressBar;
+            bar->setValue(Bar(Jobs(), row)->value());
+            bar->setStyleSheet(Bar(Jobs(), row)->styleSheet());
+            Jobs()->setCellWidget(row, 3, bar);
+        }
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // the bars before
+        // Painted from a picture, a blend of colours may be rounded differently.
+        constexpr int Rounding = 2;
+        const int difference = Difference(ours, picture());
+        QVERIFY2(difference <= Rounding, qPrintable(QString::number(difference)));
     }
 
     void KeepsTheCurrentRowWithItsJob()
