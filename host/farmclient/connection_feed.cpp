@@ -65,6 +65,12 @@ void ConnectionFeed::Report(
     Announce();
 }
 
+void ConnectionFeed::ConfirmList()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_state.ConfirmList(QDateTime::currentDateTime());
+}
+
 void ConnectionFeed::MarkRead()
 {
     {

@@ -66,6 +66,10 @@ public:
     void Report(const QByteArray& verb, const QByteArray& target, const FarmFault& fault,
         const QByteArray& token = {});
 
+    /// The farm has announced every change until now, and none that the list of jobs lacks. Nobody is told, because the
+    /// list's age is shown only once the farm cannot be reached.
+    void ConfirmList();
+
     /// The user has read the failures.
     void MarkRead();
 

@@ -51,6 +51,12 @@ void ConnectionState::Apply(const Exchange& exchange)
         Remember(exchange, isOutage);
 }
 
+void ConnectionState::ConfirmList(const QDateTime& time)
+{
+    if (m_listTime.isValid())
+        m_listTime = time;
+}
+
 /// Failures of one outage by the same cause are one entry, whatever was requested; so are refusals of the same request
 /// that follow each other.
 void ConnectionState::Remember(const Exchange& exchange, bool isOutage)

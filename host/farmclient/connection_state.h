@@ -38,12 +38,15 @@ public:
 
     void Apply(const Exchange& exchange);
 
+    /// The list of jobs that arrived last was still the farm's at this time.
+    void ConfirmList(const QDateTime& time);
+
     Phase PhaseAt(const QDateTime& now) const;
 
     /// @return when the first request failed since the farm was reached last; invalid while it is reached.
     QDateTime FailingSince() const { return m_failingSince; }
 
-    /// @return when the list of jobs arrived last; invalid while it has not.
+    /// @return when the list of jobs arrived or was confirmed last; invalid while it has not arrived.
     QDateTime ListTime() const { return m_listTime; }
 
     /// @return the latest refusal of a farm that can be reached, while it is news; null for none.

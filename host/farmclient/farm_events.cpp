@@ -27,6 +27,11 @@ bool IsEventStream(const QNetworkReply& reply)
         && reply.rawHeader("Content-Type").startsWith("text/event-stream");
 }
 
+bool IsEndOfStream(QNetworkReply::NetworkError error)
+{
+    return error == QNetworkReply::NoError || error == QNetworkReply::RemoteHostClosedError;
+}
+
 } // namespace
 
 FarmEvents::FarmEvents(HttpTransport* transport, const QByteArray& token, QObject* owner)
@@ -104,6 +109,7 @@ void FarmEvents::Read()
         if (!self)
             return;
     }
+    emit Heard();
 }
 
 void FarmEvents::HandleEnd()
@@ -113,6 +119,9 @@ void FarmEvents::HandleEnd()
     // That a stream ends says little: proxies end them, and farms that have none refuse them.
     if (!wasOpen && result.IsTransient())
         m_transport->Report(Request(m_token), result.fault);
+    // An end from the other side comes after all that the stream has carried.
+    if (wasOpen && IsEndOfStream(m_reply->error()))
+        emit Heard();
     if (wasOpen || result.IsTransient()) {
         TryAgain(std::min(result.retryAfter * 1000, LongestSilence));
         return;

@@ -30,6 +30,9 @@ signals:
     /// Anything may have changed whenever the stream has been opened.
     void Changed(const FarmChanges& changes);
 
+    /// All changes until now have been announced.
+    void Heard();
+
 private:
     void Open();
     void HandleHead();

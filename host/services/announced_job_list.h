@@ -22,6 +22,9 @@ public:
     /// The list answers no request any more.
     void Forget();
 
+    /// @return whether the list is the farm's, as far as that has announced its changes.
+    bool IsKnown() const { return m_age.isValid(); }
+
     /// Replaces the records of listed jobs. A change that does not say enough makes the list unknown.
     void Update(const FarmChanges& changes);
 

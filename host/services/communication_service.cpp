@@ -1,5 +1,6 @@
 #include "host/services/communication_service.h"
 
+#include "host/farmclient/connection_feed.h"
 #include "host/farmclient/farm_events.h"
 
 using FarmProtocol::Answer;
@@ -51,6 +52,10 @@ void CommunicationService::FollowChanges(const QString& token)
     delete m_events.data();
     m_events = new FarmEvents(&m_transport, token.toLatin1(), m_session.get());
     connect(m_events, &FarmEvents::Changed, this, &CommunicationService::HandleChanges);
+    connect(m_events, &FarmEvents::Heard, this, [this] {
+        if (m_transport.Feed() && m_announcedJobs.IsKnown())
+            m_transport.Feed()->ConfirmList();
+    });
 }
 
 void CommunicationService::HandleChanges(const FarmChanges& changes)

@@ -97,7 +97,9 @@ private slots:
         server.SetReplies({StandInServer::Data("{'list': [{'job_id': '7'}], 'total': 1}")});
         server.SetReplyTo("/events",
             {"HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\n\r\n", false, 0, StandInServer::Stall});
+        ConnectionFeed feed;
         CommunicationService service;
+        service.SetFeed(&feed);
         service.SetServerUrl(server.Url());
         service.Initialize({});
         QSignalSpy changes(&service, &CommunicationService::FarmChanged);
@@ -107,8 +109,12 @@ private slots:
         service.GetJobList(1, {{"page"_s, 1}});
         EVENTUALLY_COMPARE(lists.count(), 1);
 
+        const QDateTime listed = feed.Look().state.ListTime();
+        QTest::qWait(2);
         server.Continue(0, "data: " + event + "\n\n");
         EVENTUALLY_COMPARE(changes.count(), 2);
+        const bool isKnown = !isAsked || page != 1;
+        QCOMPARE(feed.Look().state.ListTime() > listed, isKnown);
         // While the farm announces changes, it is not asked twice for one list, unless the user wants that.
         for (const int requests : {isAsked ? 3 : 2, isAsked ? 3 : 2, isAsked ? 4 : 3}) {
             const int answers = lists.count();
