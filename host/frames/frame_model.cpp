@@ -4,6 +4,7 @@ namespace {
 
 constexpr int MostThumbnails = 300;
 constexpr qint64 Second = 1000; // ms
+constexpr qint64 TenthOfSecond = Second / 10;
 constexpr qint64 Minute = 60 * Second;
 constexpr qint64 Hour = 60 * Minute;
 constexpr double Millionths = 1e6;
@@ -161,6 +162,8 @@ QString FrameModel::StateText(Frame::State state)
 
 QString FrameModel::TimeText(qint64 milliseconds)
 {
+    if (milliseconds > 0 && milliseconds < TenthOfSecond)
+        return tr("%1 ms").arg(milliseconds);
     if (milliseconds < Minute)
         return tr("%1 s").arg(double(milliseconds) / Second, 0, 'f', 1);
     if (milliseconds < Hour)

@@ -340,7 +340,7 @@ void FramesWindow::DisplayTimes()
         longest = std::max(longest, time);
         data.values.push_back(double(time) / Second);
     }
-    const auto timeText = [](double seconds) { return FrameModel::TimeText(qint64(seconds * Second)); };
+    const auto timeText = [](double seconds) { return FrameModel::TimeText(qRound64(seconds * Second)); };
     const auto number = [this](int index) { return QString::number(m_model.At(index).number); };
     data.nothing = tr("No frame is finished yet.");
     data.scale = timeText;

@@ -701,6 +701,10 @@
         <source>%1 h %2 min</source>
         <translation>%1 小时 %2 分</translation>
     </message>
+    <message>
+        <source>%1 ms</source>
+        <translation>%1 毫秒</translation>
+    </message>
 </context>
 <context>
     <name>FrameRequests</name>

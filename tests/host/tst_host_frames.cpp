@@ -33,7 +33,7 @@ QByteArray FirstAnswer()
     return "{'job': {'job_status': 1, 'job_cost': '0.30', 'job_cost_unit': 'RMB'}, 'message': '', "
            "'time': 50, 'total': 4, 'rendering': [[3, 7]], 'frames': ["
            "[1, 2, 1, 2400, 24000, 'frame_0001.png', SIZE], [2, 0, 1, 0, 0, '', 0], "
-           "[3, 0, 0, 0, 0, '', 0], [4, 2, 1, 1200, 12000, '../x', 9], [4], 'rubbish', [1, 0]]}";
+           "[3, 0, 0, 0, 0, '', 0], [4, 2, 1, 40, 12000, '../x', 9], [4], 'rubbish', [1, 0]]}";
 }
 
 QByteArray SecondAnswer()
@@ -102,14 +102,15 @@ private slots:
         window.SetAccess({FarmApiRoot(server.Url()), "t"_s, "owner"_s, folder.path()});
         window.Open("j1"_s, "shot"_s, "1_shot"_s);
         EVENTUALLY_COMPARE(text("lblSummary"),
-            "Running · 2 of 4 frames finished · 1 being rendered · 1.8 s a frame · 0.30 RMB"_s);
+            "Running · 2 of 4 frames finished · 1 being rendered · 1.2 s a frame · 0.30 RMB"_s);
         QCOMPARE(cells(0), "1|Finished|2.4 s|0.0240|1"_s);
         QCOMPARE(cells(2), "3|Rendering|7.0 s||"_s);
+        QCOMPARE(cells(3), "4|Finished|40 ms|0.0120|1"_s);
         EVENTUALLY_COMPARE(window.Form()->findChild<QPlainTextEdit*>()->toPlainText(), "all is well"_s);
         EVENTUALLY(!table->model()->index(0, 0).data(Qt::DecorationRole).isNull());
         // A picture whose name leads elsewhere is none.
         QCOMPARE(window.Form()->findChild<ChartView*>()->accessibleDescription(),
-            "2 finished frames took 1.8 s each on average, and at most 2.4 s."_s);
+            "2 finished frames took 1.2 s each on average, and at most 2.4 s."_s);
         std::shared_ptr<PictureSeries> series;
         int previews = 0;
         connect(&window, &FramesWindow::PreviewRequested, this, [&](const auto& pictures) {
