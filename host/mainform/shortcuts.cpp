@@ -6,12 +6,16 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QProgressBar>
+#include <QRegularExpression>
 #include <QShortcut>
 #include <QTableWidget>
 #include <QToolTip>
 
 namespace {
+
+constexpr const char* Tables[] = {"twtMyRender", "twtLocalTask", "twtDownload"};
 
 QString TextOfCell(const QTableWidget* table, int row, int column)
 {
@@ -23,6 +27,21 @@ QString TextOfCell(const QTableWidget* table, int row, int column)
         return bar->text();
     const QTableWidgetItem* item = table->item(row, column);
     return item ? item->text() : QString();
+}
+
+QTableWidget* ShownTable()
+{
+    for (const char* name : Tables) {
+        QTableWidget* table = FindTable(QLatin1String(name));
+        if (table && table->isVisible())
+            return table;
+    }
+    return nullptr;
+}
+
+bool TurnsPages(const QKeyEvent& key)
+{
+    return key.modifiers() & Qt::ControlModifier && (key.key() == Qt::Key_Home || key.key() == Qt::Key_End);
 }
 
 } // namespace
@@ -44,15 +63,29 @@ void Shortcuts::BeginSession()
         return;
     m_form = form;
     m_keys.clear();
+    m_controls.clear();
     AddToButton("btnSearch", QKeySequence::Find);
     AddToButton("btnSubmit", QKeySequence::Open);
     AddToButton("btnGroups", Qt::CTRL + Qt::Key_G);
     connect(new QShortcut(QKeySequence::Refresh, form), &QShortcut::activated, this,
         &Shortcuts::RefreshRequested);
-    // In a field of the form these two keys edit text.
-    for (const char* name : {"twtMyRender", "twtLocalTask", "twtDownload"}) {
+    if (QWidget* button = form->findChild<QAbstractButton*>(QStringLiteral("btnDelete"))) {
+        m_keys.insert(button, QKeySequence::Delete);
+        button->installEventFilter(this);
+    }
+    // In other parts of the form these keys mean something else.
+    for (const char* name : Tables) {
         if (QTableWidget* table = FindTable(QLatin1String(name)))
-            AddToTable(table);
+            AddListKeys(table);
+    }
+    // The controls of a list take the focus from its table when they are clicked, and the button of the page also when a
+    // key turns the page.
+    const auto controls = form->findChildren<QAbstractButton*>(
+        QRegularExpression(QStringLiteral("^(chkAll|btn(Page.*|PrePage|NextPage|PreGroup|NextGroup))$")));
+    for (QAbstractButton* control : controls) {
+        AddListKeys(control);
+        m_controls.insert(control);
+        control->installEventFilter(this);
     }
 }
 
@@ -70,22 +103,21 @@ void Shortcuts::AddToButton(const char* name, const QKeySequence& key)
     });
 }
 
-void Shortcuts::AddToTable(QTableWidget* table)
+/// @param widget has the focus when the keys are pressed.
+void Shortcuts::AddListKeys(QWidget* widget)
 {
-    const auto Add = [table](const QKeySequence& key, const auto& action) {
-        connect(new QShortcut(key, table, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
-            &QShortcut::activated, table, action);
+    const auto Add = [this, widget](const QKeySequence& key, const auto& action) {
+        connect(new QShortcut(key, widget, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
+            &QShortcut::activated, this, action);
     };
-    if (auto* button = m_form->findChild<QAbstractButton*>(QStringLiteral("btnDelete"))) {
-        m_keys.insert(button, QKeySequence::Delete);
-        button->installEventFilter(this);
-        Add(QKeySequence::Delete, [button = QPointer<QAbstractButton>(button)] {
-            if (button && button->isVisible())
-                button->click();
-        });
-    }
-    Add(QKeySequence::Copy, [table] {
-        const QString text = TextOfRow(table, table->currentRow());
+    Add(QKeySequence::Delete, [this] {
+        auto* button = m_form->findChild<QAbstractButton*>(QStringLiteral("btnDelete"));
+        if (button && button->isVisible())
+            button->click();
+    });
+    Add(QKeySequence::Copy, [] {
+        const QTableWidget* table = ShownTable();
+        const QString text = table ? TextOfRow(table, table->currentRow()) : QString();
         if (!text.isEmpty())
             QGuiApplication::clipboard()->setText(text);
     });
@@ -93,6 +125,9 @@ void Shortcuts::AddToTable(QTableWidget* table)
 
 bool Shortcuts::eventFilter(QObject* watched, QEvent* event)
 {
+    if (event->type() == QEvent::KeyPress && m_controls.contains(watched))
+        return TurnsPages(*static_cast<QKeyEvent*>(event)) && ShownTable()
+            && QCoreApplication::sendEvent(ShownTable(), event);
     if (event->type() != QEvent::ToolTip || !m_keys.contains(watched))
         return false;
     auto* button = static_cast<QWidget*>(watched);

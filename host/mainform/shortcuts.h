@@ -4,6 +4,7 @@
 #include <QKeySequence>
 #include <QObject>
 #include <QPointer>
+#include <QSet>
 #include <QWidget>
 
 class QTableWidget;
@@ -27,10 +28,11 @@ signals:
 
 private:
     void AddToButton(const char* name, const QKeySequence& key);
-    void AddToTable(QTableWidget* table);
+    void AddListKeys(QWidget* widget);
 
     QPointer<QWidget> m_form;
     QHash<const QObject*, QKeySequence> m_keys; // of buttons
+    QSet<const QObject*> m_controls;            // of the lists
 };
 
 /// @return the texts of a table's row, separated by tabs; empty where there is no such row.

@@ -203,6 +203,8 @@ private slots:
         QPushButton remove(&form);
         search.setObjectName("btnSearch"_s);
         remove.setObjectName("btnDelete"_s);
+        QPushButton page(&form);
+        page.setObjectName("btnPageOne"_s);
         form.show();
         form.activateWindow();
         auto* table = form.findChild<QTableWidget*>("twtMyRender"_s);
@@ -230,6 +232,12 @@ private slots:
         QTest::keyClick(&form.minimize, Qt::Key_Delete);
         QCOMPARE(searches.count(), 1);
         QCOMPARE(deletions.count(), 1);
+        // Turning a page moves the focus to the button of the page.
+        page.setFocus();
+        QTest::keyClick(&page, Qt::Key_Delete);
+        QCOMPARE(deletions.count(), 2);
+        QTest::keyClick(&page, Qt::Key_End, Qt::ControlModifier);
+        QCOMPARE(table->currentRow(), 2); // as in the table, where the plugin's key turns the page
     }
 };
 
