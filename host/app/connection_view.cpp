@@ -24,7 +24,11 @@ void ConnectionView::BeginSession(const QString& server, const QString& token)
     if (!place || !place->layout() || m_strip)
         return;
     m_strip = new ConnectionStrip(m_feed, place);
+    // The place has all the room of the title bar, so that a longer text is never painted before there is room for it.
     place->layout()->addWidget(m_strip);
+    place->layout()->setAlignment(m_strip, Qt::AlignLeft);
+    if (auto* previous = form->findChild<QWidget*>(QStringLiteral("btnGroups")))
+        QWidget::setTabOrder(previous, m_strip);
     connect(m_strip, &ConnectionStrip::Updated, this, &ConnectionView::Refresh);
     connect(m_strip, &ConnectionStrip::clicked, this, &ConnectionView::Open);
 }

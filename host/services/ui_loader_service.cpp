@@ -9,6 +9,7 @@
 #include "host/ui/side_column.h"
 #include "host/ui/skins.h"
 #include "host/ui/window_place.h"
+#include "host/ui/window_role.h"
 
 #include <QCalendarWidget>
 #include <QComboBox>
@@ -20,6 +21,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRegularExpressionValidator>
+#include <QStyle>
 #include <QStyledItemDelegate>
 #include <QTabBar>
 #include <QTableWidget>
@@ -74,6 +76,20 @@ void PreparePopups(const QWidget* form)
     }
 }
 
+/// Has the style sheet applied again whenever the field becomes empty or ceases to be. A sheet cannot colour the hint in an
+/// empty field other than its text.
+void FollowEmptiness(QLineEdit* field)
+{
+    const auto Restyle = [field, wasEmpty = field->text().isEmpty()](const QString& text) mutable {
+        if (text.isEmpty() == wasEmpty)
+            return;
+        wasEmpty = text.isEmpty();
+        field->style()->unpolish(field);
+        field->style()->polish(field);
+    };
+    QObject::connect(field, &QLineEdit::textChanged, field, Restyle);
+}
+
 /// Adds what a form file cannot say.
 void PrepareForm(QWidget* form)
 {
@@ -89,6 +105,8 @@ void PrepareForm(QWidget* form)
     }
     const auto fields = form->findChildren<QLineEdit*>();
     for (QLineEdit* field : fields) {
+        if (!field->placeholderText().isEmpty())
+            FollowEmptiness(field);
         if (field->property("isNumber").toBool())
             field->setValidator(
                 new QRegularExpressionValidator(QRegularExpression(QStringLiteral("\\s*[0-9]*\\s*")), field));
@@ -106,6 +124,7 @@ UiLoaderService::UiLoaderService(VTSettingsInterface* settings, QObject* parent)
     : ServiceBase(parent)
     , m_settings(settings)
 {
+    AnnounceWindows();
     Skins::Install(NextToExecutable("skins"));
     m_skin = Remembered(SettingKeys::Skin, DefaultSkin);
     if (!GetSkins().contains(m_skin))

@@ -3,6 +3,7 @@
 #include "host/ui/screen_fit.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QScreen>
@@ -96,6 +97,11 @@ bool FramelessWindow::eventFilter(QObject* watched, QEvent* event)
     case QEvent::Show:
         if (m_kind == Dialog)
             CentreForm();
+        break;
+    case QEvent::Hide:
+        // A dialog that is opened again begins at its first field, not where the user left it.
+        if (qobject_cast<QDialog*>(m_form) && m_form->focusWidget())
+            m_form->focusWidget()->clearFocus();
         break;
     default:
         break;

@@ -190,6 +190,8 @@ private slots:
             const std::unique_ptr<QWidget> form(m_loader->LoadUi(file.chopped(3), nullptr));
             const QMap<QString, QString> names = ReadAloud(form.get());
             QVERIFY2(!names.isEmpty(), qPrintable(file));
+            const QAccessible::Role role = QAccessible::queryAccessibleInterface(form.get())->role();
+            QVERIFY2(role == QAccessible::Window || role == QAccessible::Dialog, qPrintable(file));
             for (auto it = names.cbegin(); it != names.cend(); ++it)
                 QVERIFY2(!it->isEmpty(), qPrintable(file + ": "_s + it.key()));
 
@@ -227,8 +229,25 @@ private slots:
     {
         const std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr.search"_s, nullptr));
         auto* number = form->findChild<QLineEdit*>("lneJobId"_s);
+        form->setStyleSheet(R"(QLineEdit { color: red } QLineEdit[text=""] { color: blue })"_s);
+        number->ensurePolished();
+        QCOMPARE(number->palette().color(QPalette::Text), QColor(Qt::blue)); // of the hint
         QTest::keyClicks(number, "sh 12"_s);
         QCOMPARE(number->text(), " 12"_s);
+        QCOMPARE(number->palette().color(QPalette::Text), QColor(Qt::red));
+        number->clear();
+        QCOMPARE(number->palette().color(QPalette::Text), QColor(Qt::blue));
+    }
+
+    void BeginsADialogAtItsFirstField()
+    {
+        const std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr.search"_s, nullptr));
+        auto* last = form->findChild<QWidget*>("btnReset"_s);
+        form->show();
+        last->setFocus();
+        QCOMPARE(form->focusWidget(), last);
+        form->close();
+        QCOMPARE(form->focusWidget(), nullptr); // Qt then chooses the first one
     }
 
     void NamesTheListsOfGroups()
