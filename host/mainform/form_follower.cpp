@@ -21,6 +21,14 @@ const std::pair<const char*, std::vector<int>> usualColumns[] = {
     {"twtDownload", {11, 15, 17, 11, 9, 8}},
 };
 
+/// Names of files stand beside their check boxes, other texts in the middle of their cells.
+void AlignHeader(const QTableWidget* table)
+{
+    QTableWidgetItem* names = table->horizontalHeaderItem(0);
+    if (names && table != FindJobTable())
+        names->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+}
+
 QTabWidget* Tabs(const QWidget* form)
 {
     return form->findChild<QTabWidget*>(QStringLiteral("tbwContainer"));
@@ -66,8 +74,11 @@ void FormFollower::Attach(QWidget* form)
         connect(tabs, &QTabWidget::currentChanged, this, &FormFollower::HandleTabChange);
     m_columns.clear();
     for (const auto& [name, shares] : usualColumns) {
-        if (QTableWidget* table = FindTable(QLatin1String(name)))
-            m_columns.push_back(std::make_unique<ColumnWidths>(table, shares, m_settings));
+        QTableWidget* table = FindTable(QLatin1String(name));
+        if (!table)
+            continue;
+        AlignHeader(table);
+        m_columns.push_back(std::make_unique<ColumnWidths>(table, shares, m_settings));
     }
 }
 
