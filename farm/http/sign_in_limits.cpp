@@ -3,14 +3,20 @@
 #include "farm/http/client_address.h"
 #include "farm/http/request_gate.h"
 
+#include <spdlog/spdlog.h>
+
 #include <thread>
 
 namespace farm {
 
 namespace {
 
-// Each that waits occupies a thread of the server.
-constexpr int MostWaiting = 8;
+// Each that waits occupies a thread of the server. With one name nobody takes all places.
+constexpr int MostWaiting = 32;
+constexpr int MostWaitingWithName = 4;
+// Who has failed with a name is remembered for ten minutes.
+constexpr Rate FirstFailure {1, 1.0 / 600};
+constexpr Rate OncePerMinute {1, 1.0 / 60};
 
 std::string NameKey(const QString& name)
 {
@@ -27,34 +33,62 @@ std::string PairKey(const QString& name, const QByteArray& address)
 SignInLimits::SignInLimits(const RequestLimits& limits)
     : m_byAddress(limits.signInsByAddress)
     , m_failedByNameAndAddress(limits.failedSignInsByNameAndAddress)
+    , m_firstByNameAndAddress(FirstFailure)
     , m_failedByName(limits.failedSignInsByName)
+    , m_logged(OncePerMinute)
     , m_pause(limits.slowSignIn)
 {
 }
 
-// Names are counted as they were typed. Counting a name and its e-mail address together would tell that both belong to
-// an account.
 void SignInLimits::Admit(const QString& name, const QByteArray& address, bool isKnown)
 {
-    RefuseWhenTooMany(m_byAddress.Take(NetworkOf(address).toStdString()));
-    RefuseWhenTooMany(m_failedByNameAndAddress.Take(PairKey(name, address)));
-    if (m_failedByName.Take(NameKey(name)) && !isKnown)
-        SlowDown();
+    const auto refusal = Refusal(name, address, isKnown);
+    if (refusal && !m_logged.Take(NetworkOf(address).toStdString()))
+        spdlog::warn(
+            "sign-ins from {} are refused for now, because too many were tried there", address.toStdString());
+    RefuseWhenTooMany(refusal);
 }
 
-void SignInLimits::SlowDown()
+// Names are counted as they were typed. Counting a name and its e-mail address together would tell that both belong to
+// an account.
+std::optional<int> SignInLimits::Refusal(const QString& name, const QByteArray& address, bool isKnown)
 {
     constexpr int RetryAfter = 5; // s
-    const bool isFull = ++m_waiting > MostWaiting;
-    if (!isFull)
-        std::this_thread::sleep_for(m_pause);
+    if (const auto seconds = m_byAddress.Take(NetworkOf(address).toStdString()))
+        return seconds;
+    if (const auto seconds = m_failedByNameAndAddress.Take(PairKey(name, address)))
+        return seconds;
+    const bool hasFailedHere = m_firstByNameAndAddress.Take(PairKey(name, address)).has_value();
+    const bool isSlow = m_failedByName.Take(NameKey(name)).has_value() && !isKnown;
+    // One that has not failed here may be the owner at another computer, and comparing passwords takes time of its own.
+    const bool isRefused = isSlow && !Wait(NameKey(name)) && hasFailedHere;
+    return isRefused ? std::optional(RetryAfter) : std::nullopt;
+}
+
+bool SignInLimits::Wait(const std::string& name)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    const auto waiting = m_waitingByName.try_emplace(name, 0).first;
+    if (m_waiting >= MostWaiting || waiting->second >= MostWaitingWithName) {
+        if (waiting->second == 0)
+            m_waitingByName.erase(waiting);
+        return false;
+    }
+    ++m_waiting;
+    ++waiting->second;
+    lock.unlock();
+    std::this_thread::sleep_for(m_pause);
+    lock.lock();
     --m_waiting;
-    RefuseWhenTooMany(isFull ? std::optional(RetryAfter) : std::nullopt);
+    if (--waiting->second == 0)
+        m_waitingByName.erase(waiting);
+    return true;
 }
 
 void SignInLimits::Succeeded(const QString& name, const QByteArray& address)
 {
     m_failedByNameAndAddress.GiveBack(PairKey(name, address));
+    m_firstByNameAndAddress.GiveBack(PairKey(name, address));
     m_failedByName.GiveBack(NameKey(name));
 }
 

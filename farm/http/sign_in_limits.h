@@ -5,8 +5,11 @@
 #include <QByteArray>
 #include <QString>
 
-#include <atomic>
 #include <chrono>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
 
 namespace farm {
 
@@ -14,27 +17,35 @@ struct RequestLimits;
 
 /// Keeps passwords from being guessed, but lets nobody lock a colleague out. Wrong passwords are counted by name and
 /// address together, so that they cost others nothing. Guesses from many addresses at once are counted by name and only
-/// slowed down, except at addresses where the account is signed in.
+/// slowed down, except at addresses where the account is signed in. Where they are so many that not all of them can be
+/// slowed down, the addresses that have failed with the name before are refused, and nobody else is.
 class SignInLimits
 {
 public:
     explicit SignInLimits(const RequestLimits& limits);
 
     /// Call it before a sign-in, which counts as failed until Succeeded(). Throws HttpRefusal when there were too many
-    /// at this address. May wait some seconds.
+    /// at this address, and logs that once a minute. May wait some seconds.
     /// @param address is that of PlainAddress().
     /// @param isKnown says whether the account is signed in at the address.
     void Admit(const QString& name, const QByteArray& address, bool isKnown);
     void Succeeded(const QString& name, const QByteArray& address);
 
 private:
-    void SlowDown();
+    /// The seconds after which the address may try again; nothing when it may try now.
+    std::optional<int> Refusal(const QString& name, const QByteArray& address, bool isKnown);
+    /// Returns false at once when too many others wait.
+    bool Wait(const std::string& name);
 
     RateLimiter m_byAddress;
     RateLimiter m_failedByNameAndAddress;
+    RateLimiter m_firstByNameAndAddress;
     RateLimiter m_failedByName;
+    RateLimiter m_logged;
     std::chrono::milliseconds m_pause;
-    std::atomic<int> m_waiting {0};
+    std::mutex m_mutex;
+    int m_waiting = 0;
+    std::map<std::string, int> m_waitingByName;
 };
 
 } // namespace farm
