@@ -34,14 +34,14 @@ int Administer(const farm::AdminCommands& commands, const QString& folder)
     return commands.Run(database);
 }
 
-/// The options for serving, read again.
-farm::FarmSettings ReadSettings(int argc, char** argv)
+/// Lets the farm go by the options as they are now: by all of them, or by none when one cannot be used.
+void Reload(farm::Farm& farm, int argc, char** argv)
 {
     CLI::App app;
     const farm::ServeOptions options(app);
     app.parse(argc, argv);
+    farm.TakeOver(options.Settings());
     spdlog::set_level(spdlog::level::from_str(options.LogLevel()));
-    return options.Settings();
 }
 
 int Run(int argc, char** argv)
@@ -62,7 +62,7 @@ int Run(int argc, char** argv)
     spdlog::set_level(spdlog::level::from_str(options.LogLevel()));
     return commands.IsChosen() ? Administer(commands, options.DataFolder())
                                : farm::Serve(options.Settings(), options.StopsWithStdin(),
-                                   [argc, argv] { return ReadSettings(argc, argv); });
+                                   [argc, argv](farm::Farm& farm) { Reload(farm, argc, argv); });
 }
 
 } // namespace

@@ -78,13 +78,13 @@ std::unique_ptr<QSocketNotifier> QuitAtEndOfStdin()
 
 } // namespace
 
-int Serve(const FarmSettings& settings, bool stopWithStdin, const std::function<FarmSettings()>& reload)
+int Serve(const FarmSettings& settings, bool stopWithStdin, const std::function<void(Farm&)>& reload)
 {
     AllowManyFiles();
     std::unique_ptr<Farm> farm;
     const auto signalNotifier = WatchSignals([&farm, &reload] {
         try {
-            farm->TakeOver(reload());
+            reload(*farm);
             spdlog::info("the settings were read again");
         } catch (const std::exception& error) {
             spdlog::error("the settings stay as they were: {}", error.what());

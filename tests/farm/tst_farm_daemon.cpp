@@ -262,9 +262,11 @@ private slots:
         data.jobs.Add(data.Job("job"_s, 9));
         const QString file = Path("farm.toml"_s);
         WriteFile(file, "slots = 1");
-        Daemon daemon(m_folder->path(),
-            {"--config"_s, file, "--job-types"_s, Path("types.json"_s), "--scenes"_s, m_folder->path()});
-        QVERIFY(daemon.IsListening());
+        WorkerProcess daemon("/bin/sh"_s,
+            {"-c"_s, "exec \"$0\" \"$@\" 2>&1"_s, QStringLiteral(FARM_DAEMON), "--data"_s, m_folder->path(),
+                "--no-demo"_s, "--config"_s, file, "--job-types"_s, Path("types.json"_s), "--scenes"_s,
+                m_folder->path()});
+        QVERIFY(daemon.Await("listening on "));
         int frames = 1;
         for (const char* limits : {"", "slots = 3", "slots = 5\nframes-per-account = 4"}) {
             WriteFile(file, limits);
@@ -274,10 +276,15 @@ private slots:
             EVENTUALLY_COMPARE(jobs.entryList({"at*"_s}, QDir::Files).size(), frames);
             frames += frames == 1 ? 2 : 1;
         }
-        WriteFile(file, "slots = 0");
-        ::kill(static_cast<pid_t>(daemon.processId()), SIGHUP);
-        QTest::qWait(200); // what is wrong changes nothing
-        QCOMPARE(daemon.state(), QProcess::Running);
+        // Settings of which one cannot be used change nothing.
+        WriteFile(Path("types.json"_s), "{");
+        for (const auto& [wrong, refusals] :
+            {std::pair("slots = 9\nlog-level = 'off'", 1), {"slots = 0", 2}}) {
+            WriteFile(file, wrong);
+            ::kill(static_cast<pid_t>(daemon.processId()), SIGHUP);
+            EVENTUALLY_COMPARE(
+                daemon.Lines().join('\n').count("the settings stay as they were"), int(refusals));
+        }
         QCOMPARE(QDir(Path("jobs"_s)).entryList({"at*"_s}, QDir::Files).size(), 4);
     }
 
