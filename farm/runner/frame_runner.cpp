@@ -191,10 +191,15 @@ std::int64_t FrameRunner::MemoryLimit() const
 
 void FrameRunner::ReadOutput(int output)
 {
+    // No more than a pipe holds, so that a renderer that never stops writing cannot keep the limits from being looked at.
+    constexpr int MostBlocks = 16;
     char bytes[65536];
-    ssize_t count = 0;
-    while ((count = ::read(output, bytes, sizeof(bytes))) > 0)
-        m_log.Add(QByteArray(bytes, static_cast<int>(count)));
+    ssize_t count = 1;
+    for (int block = 0; block < MostBlocks && count > 0; ++block) {
+        count = ::read(output, bytes, sizeof(bytes));
+        if (count > 0)
+            m_log.Add(QByteArray(bytes, static_cast<int>(count)));
+    }
 }
 
 FrameRunner::Verdict FrameRunner::Judge() const
