@@ -111,6 +111,7 @@ void FrameFiles::RemoveFrames(QDir folder, const QString& suffix)
         if (!folder.remove(frame))
             throw std::runtime_error("cannot remove a frame of an earlier run");
     }
+    RemoveTree(folder.filePath(QStringLiteral("logs")));
 }
 
 void FrameFiles::MakeFolder(const QDir& folder) const

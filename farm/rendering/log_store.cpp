@@ -7,6 +7,7 @@
 #include <QTemporaryFile>
 
 #include <fcntl.h>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,13 +21,16 @@ LogStore::LogStore(Database& database, const FrameFiles& files)
 
 std::shared_ptr<QFile> LogStore::Open(const QString& job, int frame)
 {
-    const bool isKnown = m_database.Read([&job](SQLite::Database& connection) {
-        SQLite::Statement query(connection, "SELECT 1 FROM jobs WHERE id = ?");
+    const auto isCurrent = m_database.Read([&job](SQLite::Database& connection) {
+        SQLite::Statement query(connection, "SELECT begun_run IN (0, run) FROM jobs WHERE id = ?");
         Bind(query, job);
-        return query.executeStep();
+        return query.executeStep() ? std::optional(query.getColumn(0).getInt() != 0) : std::nullopt;
     });
-    if (!isKnown)
+    if (!isCurrent)
         throw NotFound("there is no such job");
+    // The files of a job that was restarted are still those of its earlier run.
+    if (!*isCurrent)
+        return nullptr;
     // A renderer may have put a link or a pipe in the place of its log.
     const QString path
         = QDir(m_files.JobFolder(job))

@@ -326,10 +326,12 @@ private slots:
         m_farm->Start(ScriptedTypes(GatedScript));
         EVENTUALLY_COMPARE(m_farm->Log(), QByteArray("1/4 2/4 4/4"));
         const QString left = m_farm->Path("jobs/%1/frame_0003.txt"_s.arg(id));
+        const QString log = m_farm->Path("jobs/%1/logs/frame_0003.txt"_s.arg(id));
+        QVERIFY(QDir().mkpath(QFileInfo(log).path()) && WriteFile(log, "of an earlier run"));
         QVERIFY(WriteFile(left, "of an earlier run"));
         QCOMPARE(m_farm->Apply("restart"_s, {id}).status, 200);
         EVENTUALLY_COMPARE(m_farm->Log(), QByteArray("1/4 2/4 4/4 1/4 2/4 4/4"));
-        QVERIFY(!QFile::exists(left));
+        QVERIFY(!QFile::exists(left) && !QFile::exists(log));
         QCOMPARE(m_farm->Status(), JobStatus::Running);
         // The earlier run reports a frame late, as finished and as failed.
         RenderQueue queue(m_farm->data.database, m_farm->data.feed, m_farm->data.terms);
