@@ -53,7 +53,7 @@ QJsonObject FrameRoutes::ListFrames(const ApiRequest& request)
     const FrameList list = m_frames.List(account, id, since);
     QJsonArray rendering;
     for (const auto& [number, work] : m_inWork.OfJob(list.job))
-        rendering.append(QJsonArray {number, qint64(now - work.since), work.host});
+        rendering.append(QJsonArray {number, qint64(work.Seconds(now)), work.host});
     return DataJson(
         QJsonObject {{QStringLiteral("job"), JobJson(job)}, {QStringLiteral("message"), job.message},
             {QStringLiteral("time"), qint64(now - LongestWrite)}, {QStringLiteral("total"), list.total},

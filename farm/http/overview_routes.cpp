@@ -131,7 +131,7 @@ QJsonObject OverviewRoutes::Show(const ApiRequest& request)
         working.append(QJsonObject {{QStringLiteral("account"), job->second.account},
             {QStringLiteral("job"), job->second.id}, {QStringLiteral("name"), job->second.name},
             {QStringLiteral("frame"), frame.number}, {QStringLiteral("host"), work.host},
-            {QStringLiteral("seconds"), qint64(now - work.since)}});
+            {QStringLiteral("seconds"), qint64(work.Seconds(now))}});
     }
     QJsonArray nodes;
     for (const auto& [host, count] : FramesByHost(frames))

@@ -2,6 +2,7 @@
 
 #include "farm/rendering/frame_task.h"
 
+#include <algorithm>
 #include <map>
 #include <mutex>
 
@@ -12,6 +13,9 @@ struct FrameInWork
 {
     QString host;
     std::int64_t since = 0; // seconds since the epoch
+
+    /// For how long, in seconds. A clock that was set back does not make it negative.
+    std::int64_t Seconds(std::int64_t now) const { return std::max<std::int64_t>(now - since, 0); }
 };
 
 /// The frames that are being rendered. Thread-safe.

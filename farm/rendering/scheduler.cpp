@@ -235,8 +235,10 @@ void Scheduler::HandleStart(const RunId& id, const QString& host, qint64 at)
     const auto work = m_work.find(id);
     if (work == m_work.end() || *work->second.isUnwanted)
         return;
-    m_deps.inWork.Add(work->second.task.key, {host, at});
-    m_deps.queue.NoteStart(work->second.task.key, at);
+    // The node's clock may be ahead of the farm's.
+    const std::int64_t since = std::min<std::int64_t>(at, Now());
+    m_deps.inWork.Add(work->second.task.key, {host, since});
+    m_deps.queue.NoteStart(work->second.task.key, since);
     spdlog::debug("{} started on {}", NameOf(work->second.task), host.toStdString());
 }
 
@@ -324,7 +326,10 @@ void Scheduler::Settle(const RunId& id, Work& work)
         return;
     }
     work.state = State::Settled;
-    work.fate = !isOvertaken && WouldRepeat(end) ? Fate::Postponed : Fate::Forgotten;
+    // Whoever cancels frames on the cluster would have to cancel them for ever, if they began again at once. An earlier farm
+    // may have cancelled its own when it ended.
+    const bool isTakenAway = end == RunEnd::Cancelled && !*work.isUnwanted && !work.isOld;
+    work.fate = !isOvertaken && (isTakenAway || WouldRepeat(end)) ? Fate::Postponed : Fate::Forgotten;
     if (work.fate == Fate::Postponed)
         m_pauses.AddFault(work.task.key.job, JobPauses::Clock::now());
 }

@@ -1,3 +1,4 @@
+#include "farm/base/local_time.h"
 #include "farm/jobs/job_actions.h"
 #include "farm/rendering/frame_files.h"
 #include "farm/rendering/frames_in_work.h"
@@ -108,7 +109,8 @@ const Fate Fates[] = {
     {"preempted twice", "preempted preempted done", JobStatus::Finished, 1, 0, ""},
     {"refused by the cluster", "refused refused refused refused done", JobStatus::Finished, 1, 0,
         "Frame 1 waits: the cluster has no such partition."},
-    {"cancelled by somebody else", "cancelled done", JobStatus::Finished, 1, 0, ""},
+    {"cancelled by somebody else", "cancelled cancelled cancelled cancelled done", JobStatus::Finished, 1, 0,
+        "Frame 1 waits: the cluster has no such partition."},
     {"failed at every attempt", "failed failed failed", JobStatus::Failed, 0, 3, ""},
     {"done while the disk failed", "broken-disk done", JobStatus::Finished, 1, 0, ""},
     {"kept while the disk failed", "broken-folder done", JobStatus::Finished, 1, 0, ""},
@@ -192,6 +194,16 @@ private slots:
         QCOMPARE(m_data->Count("SELECT failures FROM frames"), fate.failures);
         QCOMPARE(m_data->Only().message.isEmpty(), fate.failures < 3);
         QVERIFY(work.executor.held.isEmpty());
+    }
+
+    void NodesWhoseClocksAreAheadBeginNoFrameInTheFuture()
+    {
+        AtWork work(*this);
+        EVENTUALLY_COMPARE(work.executor.held.size(), 1);
+        emit work.executor.Started(work.executor.held.constFirst(), "n1"_s, Now() + 3600);
+        const FrameInWork frame = work.inWork.OfJob(1)[1];
+        QVERIFY(frame.since <= Now());
+        QCOMPARE(frame.Seconds(frame.since - 60), std::int64_t(0));
     }
 
     void AStopTakesEffectWhileARunIsBeingStarted()
