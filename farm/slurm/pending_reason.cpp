@@ -31,14 +31,33 @@ constexpr Cause Causes[] = {
     {"JobHeld", "tasks are held on the cluster (scontrol release)"},
 };
 
+// Tasks wait for these every day and go on by themselves, so they hinder only those of which none runs.
+constexpr Cause Shortages[] = {
+    {"Licenses", "all licences of the cluster that a frame needs are taken"},
+    {"Reservation", "the reservation of the cluster has not begun"},
+    {"Assoc", "a limit of the account on the cluster is reached"},
+    {"QOS", "a limit of the QOS on the cluster is reached"},
+};
+
+template <std::size_t Count>
+QString TextFor(const QString& reason, const Cause (&causes)[Count])
+{
+    const auto cause = std::find_if(std::begin(causes), std::end(causes),
+        [&reason](const Cause& one) { return reason.startsWith(QLatin1String(one.sign)); });
+    return cause == std::end(causes) ? QString()
+                                     : QStringLiteral("%1 (%2)").arg(QLatin1String(cause->text), reason);
+}
+
 } // namespace
 
 QString HindranceIn(const QString& reason)
 {
-    const auto cause = std::find_if(std::begin(Causes), std::end(Causes),
-        [&reason](const Cause& one) { return reason.startsWith(QLatin1String(one.sign)); });
-    return cause == std::end(Causes) ? QString()
-                                     : QStringLiteral("%1 (%2)").arg(QLatin1String(cause->text), reason);
+    return TextFor(reason, Causes);
+}
+
+QString ShortageIn(const QString& reason)
+{
+    return HindranceIn(reason).isEmpty() ? TextFor(reason, Shortages) : QString();
 }
 
 } // namespace farm

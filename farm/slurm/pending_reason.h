@@ -9,4 +9,7 @@ namespace farm {
 /// @param reason is Slurm's word for it.
 QString HindranceIn(const QString& reason);
 
+/// The same for limits that are reached at the moment, for which a task waits until others have ended.
+QString ShortageIn(const QString& reason);
+
 } // namespace farm

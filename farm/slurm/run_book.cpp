@@ -74,28 +74,44 @@ void RunBook::Update(const std::vector<ClusterTask>& tasks, Clock::time_point no
         else
             ++*batch.doubts;
     }
-    m_hindrances.clear();
     for (auto& entry : m_runs) {
         HeldRun& run = entry.second;
         const auto task = byPlace.find({run.batch, run.task});
         run.isGone = task == byPlace.end() && !m_batches.at(run.batch).doubts;
         if (task != byPlace.end())
             run.seen = *task->second;
-        if (run.seen && PhaseOf(run.seen->state) == TaskPhase::Queued)
-            AddHindrance(run);
         if (!IsOver(run))
             run.overSince.reset();
         else if (!run.overSince)
             run.overSince = now;
     }
+    FindHindrances();
     CountRunsToHold();
 }
 
-void RunBook::AddHindrance(const HeldRun& run)
+void RunBook::FindHindrances()
 {
-    const QString hindrance = HindranceIn(run.seen->reason);
-    if (!hindrance.isEmpty())
-        m_hindrances.emplace(m_batches.at(run.batch).batch.placement, hindrance);
+    m_hindrances.clear();
+    std::map<Placement, QString> shortages;
+    std::set<Placement> running;
+    for (const auto& entry : m_runs) {
+        const HeldRun& run = entry.second;
+        if (!run.seen || IsOver(run))
+            continue;
+        const Placement& placement = m_batches.at(run.batch).batch.placement;
+        const QString hindrance = HindranceIn(run.seen->reason);
+        const QString shortage = ShortageIn(run.seen->reason);
+        if (PhaseOf(run.seen->state) == TaskPhase::Running)
+            running.insert(placement);
+        else if (!hindrance.isEmpty())
+            m_hindrances.emplace(placement, hindrance);
+        else if (!shortage.isEmpty())
+            shortages.emplace(placement, shortage);
+    }
+    for (const auto& [placement, shortage] : shortages) {
+        if (running.count(placement) == 0)
+            m_hindrances.emplace(placement, shortage);
+    }
 }
 
 QString RunBook::HindranceOf(const Placement& placement) const

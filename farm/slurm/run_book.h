@@ -52,7 +52,8 @@ public:
     /// The batches that Slurm does not know after two looks, and so has not accepted.
     QStringList LostSubmissions() const;
 
-    /// Why tasks of the placement will wait until somebody changes something, as a clause; empty when none do.
+    /// Why tasks of the placement will wait until somebody changes something, or why all of them wait at the moment, as a
+    /// clause; empty when none do.
     QString HindranceOf(const Placement& placement) const;
 
     /// The number of runs with which the cluster stays busy until the next update.
@@ -100,7 +101,7 @@ private:
     };
 
     bool IsLate(const HeldRun& run, Clock::time_point now) const;
-    void AddHindrance(const HeldRun& run);
+    void FindHindrances();
     void CountRunsToHold();
     static bool HasEnded(const HeldRun& run);
     static bool IsOver(const HeldRun& run) { return run.isGone || HasEnded(run); }

@@ -332,12 +332,14 @@ private slots:
     {
         RunBook book(std::chrono::seconds {60});
         book.Add(TwoRuns(), {{"/a"_s}, {"/b"_s}}, {"r1"_s, "r2"_s});
-        for (const auto& [reason, sentence] :
-            {std::pair("Priority", ""), {"PartitionDown", "partition of the cluster is down"},
-                {"JobHeldAdmin", "held on the cluster"}, {"Resources", ""}}) {
+        for (const auto& [state, reason, sentence] : {std::tuple("RUNNING", "Priority", ""),
+                 {"RUNNING", "PartitionDown", "partition of the cluster is down"},
+                 {"RUNNING", "JobHeldAdmin", "held on the cluster"}, {"RUNNING", "AssocGrpCpuLimit", ""},
+                 {"PENDING", "AssocGrpCpuLimit", "limit of the account"}, {"PENDING", "Licenses", "licences"},
+                 {"PENDING", "QOSNotAllowed", "may not use the QOS"}, {"PENDING", "Resources", ""}}) {
             ClusterTask task = Task(2, "PENDING");
             task.reason = QLatin1String(reason);
-            book.Update({Task(1, "RUNNING"), task}, RunBook::Clock::now());
+            book.Update({Task(1, state), task}, RunBook::Clock::now());
             const QString hindrance = book.HindranceOf({});
             QCOMPARE(hindrance.isEmpty(), *sentence == '\0');
             QVERIFY2(hindrance.contains(QLatin1String(sentence)), qPrintable(hindrance));
