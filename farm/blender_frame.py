@@ -105,12 +105,17 @@ def set_up(picture, width, height, threads):
         node.mute = node.mute or node.type == "OUTPUT_FILE"
 
 
+def scene_frame(scene, frame):
+    """The farm's frames begin with 1. Where the scene's begin with 0, the farm counts them from there."""
+    return frame + min(scene.frame_start, 1) - 1
+
+
 def main(scene, folder, picture, *numbers):
     frame, width, height, threads = map(int, numbers)
     open_scene(scene)
     Files(folder).find()
     set_up(picture, width, height, threads)
-    bpy.context.scene.frame_set(frame)
+    bpy.context.scene.frame_set(scene_frame(bpy.context.scene, frame))
     bpy.ops.render.render(write_still=True)
 
 

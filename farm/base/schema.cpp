@@ -318,13 +318,18 @@ DELETE FROM stopped_types WHERE missing;
 ALTER TABLE stopped_types DROP COLUMN missing;
 )sql";
 
+// Of a range, every `step`-th frame belongs to the job.
+constexpr const char* FrameSteps = R"sql(
+ALTER TABLE frame_ranges ADD COLUMN step INTEGER NOT NULL DEFAULT 1;
+)sql";
+
 } // namespace
 
 storage::Migrations Schema()
 {
     return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork, FairQueue,
         KeptCounts, Administrators, TermsAndMembers, Ledger, Audit, FreedFiles, MissingRenderers,
-        HindrancesOfJobs, KeptSums};
+        HindrancesOfJobs, KeptSums, FrameSteps};
 }
 
 } // namespace farm

@@ -80,9 +80,12 @@ QJsonObject JobPageJson(const JobPage& page)
 QJsonObject JobInfoJson(const JobRecord& job, const JobPlan& plan)
 {
     QJsonArray frames;
-    for (const FrameRange& range : plan.frames)
-        frames.append(
-            QJsonObject {{QStringLiteral("start"), range.first}, {QStringLiteral("end"), range.last}});
+    for (const FrameRange& range : plan.frames) {
+        QJsonObject member {{QStringLiteral("start"), range.first}, {QStringLiteral("end"), range.last}};
+        if (range.step > 1)
+            member.insert(QStringLiteral("step"), range.step);
+        frames.append(member);
+    }
     return {
         {QStringLiteral("jobId"), job.id},
         {QStringLiteral("jobType"), job.type},

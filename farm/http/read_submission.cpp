@@ -80,10 +80,12 @@ std::vector<FrameRange> ReadFrames(const QJsonObject& body)
         const QJsonObject range = value.toObject();
         ranges.push_back({RequiredInteger(range, "start", 1, HighestFrame),
             RequiredInteger(range, "end", 1, HighestFrame)});
+        if (range.contains(QLatin1String("step")))
+            ranges.back().step = RequiredInteger(range, "step", 1, HighestFrame);
         if (ranges.back().last < ranges.back().first)
             throw InvalidInput("a range in frames ends before it starts");
     }
-    ranges = Disjoint(std::move(ranges));
+    ranges = Disjoint(ranges);
     if (FrameCount(ranges) > MostFrames)
         throw InvalidInput("the ranges in frames contain too many frames");
     return ranges;

@@ -6,15 +6,18 @@
 
 namespace farm {
 
-/// The frames from `first` to `last`, both included; numbers count from 1.
+/// Every `step`-th frame from `first` on, up to `last` at most; numbers count from 1.
 struct FrameRange
 {
     int first = 1;
     int last = 1;
+    int step = 1;
+
+    int Count() const { return (last - first) / step + 1; }
 };
 
-/// The same frames in ascending ranges that do not overlap.
-std::vector<FrameRange> Disjoint(std::vector<FrameRange> ranges);
+/// The same frames in ascending ranges that do not overlap and whose `last` is a frame.
+std::vector<FrameRange> Disjoint(const std::vector<FrameRange>& ranges);
 
 /// The number of frames in ranges that do not overlap.
 int FrameCount(const std::vector<FrameRange>& ranges);

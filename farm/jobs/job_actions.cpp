@@ -40,7 +40,7 @@ Rule RuleOf(JobAction action)
         return {"status <> 5", JobStatus::Deleted, false, "job delete"};
     case JobAction::FullRender:
         return {"status <> 5 AND (SELECT frames FROM job_sums WHERE job = jobs.key) < "
-                "(SELECT sum(last - first + 1) FROM frame_ranges WHERE job = jobs.key)",
+                "(SELECT sum((last - first) / step + 1) FROM frame_ranges WHERE job = jobs.key)",
             JobStatus::ToFullRender, true, "job full-render"};
     }
     throw std::logic_error("no such action");

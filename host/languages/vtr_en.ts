@@ -2172,8 +2172,12 @@ Below files are missing:
         <translation>The scene is made for the engine %1; the farm will render it with Cycles if you go on.</translation>
     </message>
     <message>
-        <source>The scene&apos;s frame step is %1; the farm will render every frame if you go on.</source>
-        <translation>The scene&apos;s frame step is %1; the farm will render every frame if you go on.</translation>
+        <source>The scene&apos;s first frame is %1; the farm will render it as frame 1, and so on, if you go on.</source>
+        <translation>The scene&apos;s first frame is %1; the farm will render it as frame 1, and so on, if you go on.</translation>
+    </message>
+    <message>
+        <source>The scene has the frames %1 to %2; the farm will render only %3 to %4 if you go on.</source>
+        <translation>The scene has the frames %1 to %2; the farm will render only %3 to %4 if you go on.</translation>
     </message>
 </context>
 <context>

@@ -2172,8 +2172,12 @@ Below files are missing:
         <translation>该场景使用 %1 引擎；如果继续，渲染农场将用 Cycles 渲染。</translation>
     </message>
     <message>
-        <source>The scene&apos;s frame step is %1; the farm will render every frame if you go on.</source>
-        <translation>该场景的帧步长为 %1；如果继续，渲染农场将渲染每一帧。</translation>
+        <source>The scene&apos;s first frame is %1; the farm will render it as frame 1, and so on, if you go on.</source>
+        <translation>该场景的第一帧编号为 %1；如果继续，渲染农场会将其作为第 1 帧渲染，其余各帧依此类推。</translation>
+    </message>
+    <message>
+        <source>The scene has the frames %1 to %2; the farm will render only %3 to %4 if you go on.</source>
+        <translation>该场景包含第 %1 至 %2 帧；如果继续，渲染农场只渲染第 %3 至 %4 帧。</translation>
     </message>
 </context>
 <context>

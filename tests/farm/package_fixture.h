@@ -2,6 +2,8 @@
 
 #include "tests/farm/farm_client.h"
 
+#include <QDirIterator>
+
 #include <functional>
 #include <zip.h>
 
@@ -35,4 +37,14 @@ inline QJsonObject SubmissionOf(const SceneContents& files, const QString& name 
     return {{"submission"_s, name}, {"type"_s, "povray"_s}, {"name"_s, "a job"_s},
         {"scene"_s, QString::fromUtf8(files.at(0).first)}, {"files"_s, list}, {"frames"_s, frames},
         {"width"_s, 48}, {"height"_s, 36}, {"prerender"_s, false}};
+}
+
+/// The number of files in a folder and all folders below it.
+inline int FilesIn(const QString& folder)
+{
+    int count = 0;
+    for (QDirIterator files(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+         files.hasNext(); ++count)
+        files.next();
+    return count;
 }

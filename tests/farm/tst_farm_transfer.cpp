@@ -3,7 +3,6 @@
 #include "tests/farm/package_fixture.h"
 #include "tests/support/blender_scene.h"
 
-#include <QDirIterator>
 #include <QImage>
 
 #include <sys/stat.h>
@@ -19,7 +18,8 @@ constexpr int SmallQuota = 100'000;
 
 const std::tuple<const char*> BadSubmissions[] = {R"({"submission":""})", R"({"type":"clay"})",
     R"({"pool":"unknown"})", R"({"scene":"other.txt"})", R"({"files":["scene.txt"]})",
-    R"({"frames":[{"start":3,"end":2}]})", R"({"frames":[{"start":1,"end":20001}]})", R"({"height":16385})"};
+    R"({"frames":[{"start":3,"end":2}]})", R"({"frames":[{"start":1,"end":20001}]})",
+    R"({"frames":[{"start":1,"end":9,"step":0}]})", R"({"height":16385})"};
 
 // Range, If-Match, and the status and bytes of the answer for a frame that contains "a scene".
 const std::tuple<const char*, const char*, int, QByteArray> Ranges[] = {
@@ -39,15 +39,6 @@ const std::tuple<const char*, bool> SceneLines[] = {
     {"#fopen F \"/etc/passwd\" read\n", false},
     {"#fopen F \"../parts/ball.inc\" write\n", false},
 };
-
-int FilesIn(const QString& folder)
-{
-    int count = 0;
-    for (QDirIterator files(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-         files.hasNext(); ++count)
-        files.next();
-    return count;
-}
 
 } // namespace
 
@@ -266,23 +257,24 @@ private slots:
     void FramesKeepTheirNumbers()
     {
         const QJsonObject frames
-            = Json(R"({"sent":[{"start":20,"end":21},{"start":2,"end":4},{"start":4,"end":5}],
-                       "kept":[{"start":2,"end":5},{"start":20,"end":21}]})");
+            = Json(R"({"sent":[{"start":20,"end":21},{"start":21,"end":35,"step":4},{"start":2,"end":4},
+                               {"start":4,"end":5}],
+                       "kept":[{"start":2,"end":5},{"start":20,"end":21},{"start":25,"end":33,"step":4}]})");
         QJsonObject body = SubmissionOf(PlainFiles);
         body.insert("prerender"_s, true);
         body.insert("frames"_s, frames["sent"_s]);
         const QString id = Rendered(PlainFiles, body);
-        QCOMPARE(m_farm->Log(), QByteArray("2 20 0.000000 4 20 0.100000 21 20 0.950000"));
+        QCOMPARE(m_farm->Log(), QByteArray("2 32 0.000000 20 32 0.562500 33 32 0.968750"));
         const QJsonValue info = m_farm->Get("/jobs/"_s + id).Data("jobDatas");
         QCOMPARE(info["jobFrames"_s], frames["kept"_s]);
         QCOMPARE(info["jobPrerender"_s], QJsonValue(true));
         QCOMPARE(info["jobProgress"_s], QJsonValue(100));
         m_farm->Apply("full-render"_s, {id});
         EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
-        QCOMPARE(m_farm->Log().count('.'), 6);
+        QCOMPARE(m_farm->Log().count('.'), 9);
         QCOMPARE(m_farm->Get("/jobs/"_s + id).Data("jobDatas")["jobPrerender"_s], QJsonValue(false));
         QJsonArray files;
-        for (const char* number : {"02", "03", "04", "05", "20", "21"})
+        for (const char* number : {"02", "03", "04", "05", "20", "21", "25", "29", "33"})
             files.append(QJsonObject {{"name"_s, "frame_00%1.txt"_s.arg(QLatin1String(number))},
                 {"size"_s, 7}, {"checksum"_s, Sha256("a scene")}});
         QCOMPARE(m_farm->Get("/jobs/%1/files"_s.arg(id)).Data("list"), QJsonValue(files));
@@ -336,14 +328,19 @@ private slots:
         {
             const QTemporaryDir folder; // is gone when the farm renders
             QCOMPARE(MakeShot(folder.path()), QByteArray());
-            for (const char* name : {"/shots/shot.blend", "/parts/cube.blend", "/textures/red.png"}) {
+            for (const char* name :
+                {"/shots/shot.blend", "/parts/cube.blend", "/textures/red.png", "/shots/early.blend"}) {
                 const QString path = folder.path() + QLatin1String(name);
                 files.append({path.mid(1).toUtf8(), ReadFile(path)});
             }
         }
         StartWithShippedTypes();
-        QJsonObject submission = SubmissionOf(files);
-        submission["type"_s] = "blender"_s;
+        const auto submissionOf = [](const SceneContents& contents, const char* name) {
+            QJsonObject submission = SubmissionOf(contents, QLatin1String(name));
+            submission["type"_s] = "blender"_s;
+            return submission;
+        };
+        QJsonObject submission = submissionOf(files, "shot");
         submission["frames"_s] = QJsonArray {QJsonObject {{"start"_s, 3}, {"end"_s, 3}}};
         const QString id = Rendered(files, submission);
         QCOMPARE(m_farm->data.Only().message, QString());
@@ -352,12 +349,13 @@ private slots:
         // Blender shows a texture that it does not find as magenta.
         const QRgb middle = picture.pixel(24, 18);
         QVERIFY2(qRed(middle) > 100 && qBlue(middle) < 50, qPrintable(QString::number(middle, 16)));
+        // The first frame of a scene that begins with frame 0.
+        const QString early = Rendered(files, submissionOf({files.at(3)}, "early"));
+        QVERIFY(m_farm->Get("/jobs/%1/frames/1/full-log"_s.arg(early)).bytes.contains("Fra:0 "));
         // A scene that cannot be read fails with the reason.
         const SceneContents broken {{"broken.blend", "not a scene"}};
-        submission = SubmissionOf(broken, "second"_s);
-        submission["type"_s] = "blender"_s;
         m_farm->Deliver(Package(broken));
-        QCOMPARE(Submit(submission).status, 200);
+        QCOMPARE(Submit(submissionOf(broken, "second")).status, 200);
         EVENTUALLY_COMPARE(m_farm->data.Count("SELECT count(*) FROM frame_logs WHERE text LIKE "
                                               "'%The frame could not be rendered: Error: %'"),
             1);

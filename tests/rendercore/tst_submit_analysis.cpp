@@ -58,7 +58,9 @@ const auto& SceneCases()
                 {"a.ini"_s, "; Width=3\nWidth = 1\nheight=1 ; small\nInitial_Frame=2\nFinal_Frame=9\n"}},
             "", "a.pov", "", "2-9 1x1"},
         {"mad options", {{"a.pov"_s, ""}, {"a.ini"_s, "Width=0\nHeight=99999\nFinal_Frame=99999999\n"}}, "",
-            "a.pov", "", "1-20000 640x480"},
+            "a.pov",
+            "The scene has the frames 1 to 99999999; the farm will render only 1 to 20000 if you go on.",
+            "1-20000 640x480"},
         {"project",
             {{"a.ma"_s,
                  "//Maya ASCII; file \"no.ma\";\nfile -rdi 1 -ns \"r\" -typ \"mayaAscii\"\n "
@@ -128,21 +130,24 @@ const auto& SceneCases()
             "^/p/s/a.blend ^/p/s/t/a.png ^/b.png ^/p/s/s_1.png ^/p/s/s_2.png ^/p/s/u.1001.png "
             "^/p/s/u.1002.png "
             "^/p/s/1001.png ^/p/s/fluid/x/1.vdb",
-            "//gone.png c:/no.png outside:@/b.png", "3-8 64x48",
+            "//gone.png c:/no.png outside:@/b.png", "3-8/2 64x48",
             "{'files': [{'path': '@/p/s/t/a.png'}, {'path': '@/p/s/../../b.png'}, "
             "{'path': '@/p/s/s_1.png', 'pattern': 'sequence'}, {'path': '@/p/s/u.<UDIM>.png', 'pattern': "
             "'tiles'}, "
             "{'path': '@/p/s/1001.png'}, {'name': '//gone.png', 'path': '@/p/s/gone.png'}, {'path': "
             "'c:/no.png'}], "
-            "'folders': ['@/p/s/fluid', 'p'], 'first_frame': 3, 'last_frame': 8, 'frame_step': 1, "
+            "'folders': ['@/p/s/fluid', 'p'], 'first_frame': 3, 'last_frame': 8, 'frame_step': 2, "
             "'width': 64, 'height': 48, 'engine': 'CYCLES'}"},
         {"a mad report", {{"a.blend"_s, ""}}, "", "^/p/s/a.blend",
-            " The scene is made for the engine Eevee; the farm will render it with Cycles if you go on. "
-            "The scene's frame step is 2; the farm will render every frame if you go on.",
+            " The scene is made for the engine Eevee; the farm will render it with Cycles if you go on.",
             "1-1 640x480",
 
-            "{'files': [7, {}], 'folders': [[]], 'first_frame': 'x', 'last_frame': -1, 'frame_step': 2, "
+            "{'files': [7, {}], 'folders': [[]], 'first_frame': 'x', 'last_frame': -1, 'frame_step': -2, "
             "'width': -5, 'height': 1e9, 'engine': 'BLENDER_EEVEE'}"},
+        {"frames that the farm cannot have", {{"a.blend"_s, ""}}, "", "^/p/s/a.blend",
+            "The scene has the frames 1 to 1048580; the farm will render only 1 to 20000 if you go on. "
+            "The scene's first frame is -5; the farm will render it as frame 1, and so on, if you go on.",
+            "1-20000 640x480", "{'first_frame': -5, 'last_frame': 2e9}"},
     };
     return rows;
 }
@@ -217,7 +222,8 @@ private slots:
         asked += analysis.remarks;
         QCOMPARE(asked.join(QLatin1Char(' ')), expected(row.missing));
         const int numbers[] = {analysis.firstFrame, analysis.lastFrame, analysis.width, analysis.height};
-        QCOMPARE("%1-%2 %3x%4"_s.arg(numbers[0]).arg(numbers[1]).arg(numbers[2]).arg(numbers[3]),
+        const QString step = analysis.frameStep > 1 ? "/%1"_s.arg(analysis.frameStep) : QString();
+        QCOMPARE("%1-%2%5 %3x%4"_s.arg(numbers[0]).arg(numbers[1]).arg(numbers[2]).arg(numbers[3]).arg(step),
             expected(row.job));
     }
 

@@ -253,24 +253,26 @@ private slots:
         if (!HasBlender())
             QSKIP("Blender is not installed");
         QCOMPARE(MakeShot(m_folder->path()), QByteArray());
-        const QString id = Submit("shots/shot.blend"_s);
+        const QString id = Submit("shots/early.blend"_s);
         // The library and its texture are beside the scene's folder.
         QVERIFY(Await(id, SubmitError::AwaitsUser));
         const SubmitWork work = Task(id).work;
-        QCOMPARE(work.missing.size(), 3);
+        QCOMPARE(work.missing.size(), 4);
+        QCOMPARE(SubmitWork::FromJson(work.ToJson()).frameStep, 5);
         QCOMPARE(work.missing.constFirst(), "//gone.png"_s);
         QStringList files;
         for (const PackedFile& file : work.files)
             files.append(QDir(m_folder->path()).relativeFilePath(file.source));
         files.sort();
         QCOMPARE(files.join(QLatin1Char(' ')),
-            "parts/cube.blend shots/shot.blend shots/smoke_0001.png shots/smoke_0002.png shots/tile.1001.png "
+            "parts/cube.blend shots/early.blend shots/smoke_0001.png shots/smoke_0002.png "
+            "shots/tile.1001.png "
             "shots/tile.1002.png textures/red.png"_s);
         m_queue->AnswerMissingTextures(id, true);
         QVERIFY(Await(id));
         QTRY_COMPARE_WITH_TIMEOUT(m_data->Only().status, int(farm::JobStatus::Finished), Patience);
         QCOMPARE(Count("frames"), 2);
-        const QImage picture(Path("farm/jobs/%1/frame_0004.png"_s.arg(m_data->Only().id)));
+        const QImage picture(Path("farm/jobs/%1/frame_0006.png"_s.arg(m_data->Only().id)));
         QCOMPARE(picture.size(), QSize(48, 36));
         const QRgb middle = picture.pixel(24, 18);
         QVERIFY2(qRed(middle) > 100 && qBlue(middle) < 50, qPrintable(QString::number(middle, 16)));

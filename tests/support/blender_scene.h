@@ -41,7 +41,8 @@ def Save(name):
 
 /// Makes shots/shot.blend: a cube that shines in the colour of textures/red.png, which belongs to the library
 /// parts/cube.blend. The scene names the library by its absolute path, and the library the texture relative to itself.
-/// Two pictures of a sequence and two tiles lie beside the scene; gone.png does not.
+/// Two pictures of a sequence and two tiles lie beside the scene; gone.png does not. shots/early.blend is the same with every
+/// fifth of the frames 0 to 5.
 inline QByteArray MakeShot(const QString& folder)
 {
     return RunBlender(folder, QString::fromLatin1(R"py(
@@ -74,5 +75,7 @@ for name, source in (("smoke_0001", "SEQUENCE"), ("tile.<UDIM>", "TILED"), ("gon
     image.filepath = f"//{name}.png"
     image.use_fake_user = True
 Save("shots/shot.blend")
+scene.frame_start, scene.frame_end, scene.frame_step = 0, 5, 5
+Save("shots/early.blend")
 )py"));
 }

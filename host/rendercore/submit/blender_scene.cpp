@@ -2,6 +2,7 @@
 
 #include "host/rendercore/submit/file_pattern.h"
 #include "host/rendercore/submit/folder_listing.h"
+#include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_text.h"
 #include "json/read_object.h"
 
@@ -11,6 +12,8 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QSet>
+
+#include <algorithm>
 
 namespace {
 
@@ -53,9 +56,17 @@ public:
         for (const QJsonValue& folder : folders)
             AddFolder(folder.toString());
         const auto number = [&report](const char* key) { return report.value(QLatin1String(key)).toInt(); };
-        SetFrames(m_result, number("first_frame"), number("last_frame"));
+        // The farm's frames begin with 1. Where the scene's begin with 0, its script counts them from there as well.
+        const auto frame = [&report](const char* key) {
+            constexpr int Farthest = 1'048'574; // from 0, in Blender
+            return std::clamp(report.value(QLatin1String(key)).toInt(1), -Farthest, Farthest);
+        };
+        const int first = frame("first_frame");
+        const int shift = std::max(0, 1 - first);
+        SetFrames(m_result, first + shift, frame("last_frame") + shift);
+        m_result.frameStep = std::clamp(number("frame_step"), 1, LastFrame);
         SetSize(m_result, number("width"), number("height"));
-        Remark(report.value(QLatin1String("engine")).toString(), number("frame_step"));
+        Remark(report.value(QLatin1String("engine")).toString(), first);
         return m_result;
     }
 
@@ -120,12 +131,12 @@ private:
     }
 
     /// Remarks on where the farm departs from the scene.
-    void Remark(const QString& engine, int step)
+    void Remark(const QString& engine, int firstFrame)
     {
         if (!engine.isEmpty() && engine != QLatin1String("CYCLES"))
             m_result.remarks.append(Translated(SubmitText::OtherEngine).arg(EngineName(engine)));
-        if (step > 1)
-            m_result.remarks.append(Translated(SubmitText::EveryFrame).arg(step));
+        if (firstFrame < 1)
+            m_result.remarks.append(Translated(SubmitText::CountedFromOne).arg(firstFrame));
     }
 
     QString m_folder;

@@ -22,7 +22,9 @@ QJsonObject JobBody(const SubmitTask& task)
     QJsonArray files;
     for (const PackedFile& file : task.work.files)
         files.append(FileMembers(file.path, file.checksum));
-    QJsonObject job = JobMembers(task.arguments, task.work.width, task.work.height);
+    // Ranges that the user has set mean all their frames.
+    const int step = task.areArgumentsEdited ? 1 : task.work.frameStep;
+    QJsonObject job = JobMembers(task.arguments, task.work.width, task.work.height, step);
     job.insert(QStringLiteral("submission"), task.submission);
     job.insert(QStringLiteral("type"), JobTypeOf(task.scene));
     job.insert(

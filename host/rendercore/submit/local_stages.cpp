@@ -200,6 +200,7 @@ StageOutcome AnalyzeStage(
     work.missing += analysis.remarks;
     work.width = analysis.width;
     work.height = analysis.height;
+    work.frameStep = analysis.frameStep;
     for (const SceneFile& file : analysis.files) {
         PackedFile packed;
         packed.path = file.path;

@@ -1,7 +1,9 @@
 #include "host/rendercore/submit/scene_contents.h"
 
 #include "host/rendercore/submit/submit_arguments.h"
+#include "host/rendercore/submit/submit_text.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QTextCodec>
 
@@ -57,6 +59,12 @@ void SetFrames(SceneAnalysis& analysis, int first, int last)
     analysis.firstFrame = std::clamp(first, 1, LastFrame);
     analysis.lastFrame
         = std::clamp(last, analysis.firstFrame, std::min(LastFrame, analysis.firstFrame + MostFrames - 1));
+    if (first < analysis.firstFrame || last > analysis.lastFrame)
+        analysis.remarks.append(QCoreApplication::translate("VTQsClientPrivate", SubmitText::FramesLeftOut)
+                                    .arg(first)
+                                    .arg(last)
+                                    .arg(analysis.firstFrame)
+                                    .arg(analysis.lastFrame));
 }
 
 void SetSize(SceneAnalysis& analysis, int width, int height)

@@ -28,7 +28,8 @@ struct SceneAnalysis
     QStringList remarks;
     int firstFrame = 1;
     int lastFrame = 1;
-    int width = 640; ///< of a frame, in pixels
+    int frameStep = 1; ///< every so many frames one is rendered, beginning with the first
+    int width = 640;   ///< of a frame, in pixels
     int height = 480;
 };
 
@@ -54,7 +55,8 @@ bool LiesIn(const QString& folder, const QString& file);
 /// The absolute path of the first candidate that is a readable file; empty when none is.
 QString FirstReadable(const QStringList& candidates);
 
-/// Sets the frames of an animation, limited to what a job may have: 1 to 99999, at most 20,000 of them.
+/// Sets the frames of an animation, limited to what a job may have: 1 to 99999, at most 20,000 of them. A remark tells of
+/// those that are left out.
 void SetFrames(SceneAnalysis& analysis, int first, int last);
 
 /// Sets width and height, each only if a job may have it.

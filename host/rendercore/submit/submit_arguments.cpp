@@ -65,13 +65,13 @@ bool AreArguments(const QVariantList& arguments)
     return frames <= MostFrames;
 }
 
-QJsonObject JobMembers(const QVariantList& arguments, int width, int height)
+QJsonObject JobMembers(const QVariantList& arguments, int width, int height, int step)
 {
     QJsonArray frames;
     for (int range = 0; range < arguments.size(); ++range) {
         const QVariantMap values = arguments.at(range).toMap();
         frames.append(QJsonObject {{QStringLiteral("start"), values.value(StartKey(range)).toInt()},
-            {QStringLiteral("end"), values.value(EndKey(range)).toInt()}});
+            {QStringLiteral("end"), values.value(EndKey(range)).toInt()}, {QStringLiteral("step"), step}});
     }
     // Every range carries the same size and switch. The last range is used, as in the dialog.
     const QVariantMap last = arguments.value(arguments.size() - 1).toMap();

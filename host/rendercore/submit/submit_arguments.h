@@ -22,4 +22,5 @@ bool AreArguments(const QVariantList& arguments);
 /// The members "frames", "width", "height" and "prerender" of a submission.
 /// @param arguments AreArguments() must hold for them.
 /// @param width, height of the scene itself; used where the arguments leave them empty.
-QJsonObject JobMembers(const QVariantList& arguments, int width, int height);
+/// @param step of the frames in each range.
+QJsonObject JobMembers(const QVariantList& arguments, int width, int height, int step);

@@ -12,6 +12,7 @@ const QString FilesKey = QStringLiteral("files");
 const QString MissingKey = QStringLiteral("missing");
 const QString WidthKey = QStringLiteral("width");
 const QString HeightKey = QStringLiteral("height");
+const QString FrameStepKey = QStringLiteral("frameStep");
 const QString PathKey = QStringLiteral("path");
 const QString SourceKey = QStringLiteral("source");
 const QString ChecksumKey = QStringLiteral("checksum");
@@ -75,7 +76,8 @@ QJsonObject SubmitWork::ToJson() const
     for (const Package& package : packages)
         archives.append(QJsonObject {{ChecksumKey, package.checksum}, {SizeKey, package.size}});
     return {{SceneKey, scene}, {FilesKey, packed}, {PackagesKey, archives},
-        {MissingKey, QJsonArray::fromStringList(missing)}, {WidthKey, width}, {HeightKey, height}};
+        {MissingKey, QJsonArray::fromStringList(missing)}, {WidthKey, width}, {HeightKey, height},
+        {FrameStepKey, frameStep}};
 }
 
 SubmitWork SubmitWork::FromJson(const QJsonObject& json)
@@ -91,5 +93,6 @@ SubmitWork SubmitWork::FromJson(const QJsonObject& json)
     work.missing = json.value(MissingKey).toVariant().toStringList();
     work.width = json.value(WidthKey).toInt();
     work.height = json.value(HeightKey).toInt();
+    work.frameStep = json.value(FrameStepKey).toInt(1);
     return work;
 }

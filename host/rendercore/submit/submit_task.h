@@ -58,6 +58,7 @@ struct SubmitWork
         missing;   ///< references that lead to no file, as the scene names them; the user is asked about them
     int width = 0; ///< of the scene itself, in pixels
     int height = 0;
+    int frameStep = 1;
 
     /// Whether the farm can be asked which contents it has.
     bool IsHashed() const;

@@ -50,8 +50,10 @@ constexpr const char* BlenderFailed = QT_TRANSLATE_NOOP(
 // These stand in the list of missing files, because the user has to agree to them as well.
 constexpr const char* OtherEngine = QT_TRANSLATE_NOOP("VTQsClientPrivate",
     "The scene is made for the engine %1; the farm will render it with Cycles if you go on.");
-constexpr const char* EveryFrame = QT_TRANSLATE_NOOP(
-    "VTQsClientPrivate", "The scene's frame step is %1; the farm will render every frame if you go on.");
+constexpr const char* CountedFromOne = QT_TRANSLATE_NOOP("VTQsClientPrivate",
+    "The scene's first frame is %1; the farm will render it as frame 1, and so on, if you go on.");
+constexpr const char* FramesLeftOut = QT_TRANSLATE_NOOP("VTQsClientPrivate",
+    "The scene has the frames %1 to %2; the farm will render only %3 to %4 if you go on.");
 
 // Stands for a file in the list of missing files.
 constexpr const char* Outside
