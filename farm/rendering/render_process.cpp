@@ -24,6 +24,12 @@ RenderProcess::RenderProcess(
     connect(this, &QProcess::errorOccurred, this, &RenderProcess::ReportError);
 }
 
+// QProcess reports the end of its process when the rest of this object is gone.
+RenderProcess::~RenderProcess()
+{
+    disconnect();
+}
+
 // Runs in the child between fork and exec: system calls only.
 void RenderProcess::setupChildProcess()
 {

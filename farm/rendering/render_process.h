@@ -14,6 +14,8 @@ class RenderProcess : public BoundProcess
 public:
     /// The order must have been written.
     RenderProcess(const QString& runner, const RunId& run, const RunFiles& files, const QString& dataFolder);
+    /// Kills it when it still runs; nothing is reported then.
+    ~RenderProcess() override;
 
 signals:
     /// Emitted once, when the run has ended or could not be started.

@@ -1,3 +1,4 @@
+#include "farm/rendering/render_process.h"
 #include "farm/runner/confinement.h"
 #include "farm/runner/hidden_paths.h"
 #include "farm/runner/run_order.h"
@@ -159,6 +160,21 @@ private slots:
         m_farm->Start(types);
         EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
         QCOMPARE(ReadFile(m_farm->Path("jobs/%1/frame_0001.txt"_s.arg(id))), QByteArray("a licence"));
+    }
+
+    // At its end, the farm does not wait for them for ever.
+    void ReportNothingOnceTheirWatcherIsGone()
+    {
+        const QTemporaryDir folder;
+        QVERIFY(WriteFile(folder.filePath("order.json"_s), "exec sleep 600"));
+        int reports = 0;
+        {
+            RenderProcess process("/bin/sh"_s, "r1"_s, {folder.path()}, folder.path());
+            connect(&process, &RenderProcess::Ended, this, [&reports] { ++reports; });
+            process.Launch();
+            QVERIFY(process.waitForStarted(Patience));
+        }
+        QCOMPARE(reports, 0);
     }
 
     void AreWaitedForWhileTheyAreMissing()
