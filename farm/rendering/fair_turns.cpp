@@ -39,16 +39,12 @@ double RecentUse::CoreSeconds(std::optional<double> level, std::int64_t now) con
     return std::exp2(std::min(*level - double(now) / m_halfLife, MostUse));
 }
 
-std::vector<std::int64_t> OrderOfTurns(std::vector<Contender> contenders)
+std::vector<Contender>::iterator FirstInTurn(std::vector<Contender>& contenders)
 {
-    std::stable_sort(contenders.begin(), contenders.end(), [](const Contender& one, const Contender& other) {
-        return UseForItsShare(one) < UseForItsShare(other);
-    });
-    std::vector<std::int64_t> accounts;
-    accounts.reserve(contenders.size());
-    for (const Contender& contender : contenders)
-        accounts.push_back(contender.account);
-    return accounts;
+    return std::min_element(
+        contenders.begin(), contenders.end(), [](const Contender& one, const Contender& other) {
+            return UseForItsShare(one) < UseForItsShare(other);
+        });
 }
 
 } // namespace farm

@@ -36,8 +36,9 @@ struct Contender
     double secondsInWork = 0;
 };
 
-/// The accounts in the order of their turns, beginning with the one that has used least for its share. What is being
-/// rendered counts as used, although its core time is recorded only at the end.
-std::vector<std::int64_t> OrderOfTurns(std::vector<Contender> contenders);
+/// The account whose turn it is: the one that has used least for its share. What is being rendered counts as used,
+/// although its core time is recorded only at the end.
+/// @return the end when there is none.
+std::vector<Contender>::iterator FirstInTurn(std::vector<Contender>& contenders);
 
 } // namespace farm

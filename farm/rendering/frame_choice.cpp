@@ -1,5 +1,7 @@
 #include "farm/rendering/frame_choice.h"
 
+#include <vector>
+
 namespace farm {
 
 namespace {
@@ -11,46 +13,126 @@ constexpr const char* JobsWithEarlyFrames
     = "SELECT key, run, priority FROM jobs INDEXED BY jobs_with_early_frames WHERE account = ? AND type = ? "
       "AND status IN (0, 1, 6) AND resume_at = 0 AND early = 1 ORDER BY priority DESC, key";
 constexpr const char* RetriedFrames
-    = "SELECT number FROM frames INDEXED BY failed_frames WHERE job = ? AND finished_at IS NULL "
-      "AND retry_at IS NOT NULL AND retry_at <= ? ORDER BY retry_at";
+    = "SELECT number FROM frames INDEXED BY failed_frames WHERE job = ?1 AND finished_at IS NULL "
+      "AND retry_at IS NOT NULL AND retry_at <= ?2 ORDER BY retry_at";
 constexpr const char* ReadyFrames
-    = "SELECT number FROM frames INDEXED BY ready_frames WHERE job = ? AND finished_at IS NULL "
+    = "SELECT number FROM frames INDEXED BY ready_frames WHERE job = ?1 AND finished_at IS NULL "
       "AND retry_at IS NULL ORDER BY early DESC, number";
 constexpr const char* EarlyFrames
-    = "SELECT number FROM frames INDEXED BY ready_frames WHERE job = ? AND early = 1 "
+    = "SELECT number FROM frames INDEXED BY ready_frames WHERE job = ?1 AND early = 1 "
       "AND finished_at IS NULL AND retry_at IS NULL ORDER BY number";
 
 } // namespace
 
-FrameChoice::FrameChoice(SQLite::Database& connection, const QStringList& types,
-    const std::set<FrameKey>& taken, const std::set<std::int64_t>& avoided, std::int64_t now)
-    : m_types(types)
+/// The jobs of an account of one type, in the order of their turns, and their frames that can be rendered now.
+class FrameChoice::Line
+{
+public:
+    Line(const FrameChoice& choice, std::int64_t account, const QString& type, bool early)
+        : m_choice(choice)
+        , m_isEarly(early)
+        , m_jobs(choice.m_connection, early ? JobsWithEarlyFrames : JobsInTurn)
+    {
+        Bind(m_jobs, account, type);
+    }
+
+    /// The first frame that is not taken.
+    std::optional<Candidate> First()
+    {
+        while (!m_isOver && (!m_hasFrame || m_choice.m_taken.count(m_candidate.frame) != 0))
+            Advance();
+        return m_isOver ? std::nullopt : std::optional(m_candidate);
+    }
+
+private:
+    void Advance()
+    {
+        m_hasFrame = m_hasJob && NextFrame();
+        if (m_hasFrame)
+            return;
+        m_isOver = !m_jobs.executeStep();
+        m_hasJob = !m_isOver && m_choice.m_avoided.count(m_jobs.getColumn(0).getInt64()) == 0;
+        if (m_hasJob)
+            Enter({m_jobs.getColumn(2).getInt(),
+                {m_jobs.getColumn(0).getInt64(), 0, m_jobs.getColumn(1).getInt()}});
+    }
+
+    /// Goes on with the frames of this job.
+    void Enter(const Candidate& job)
+    {
+        m_candidate = job;
+        if (m_frames.empty())
+            PrepareQueries();
+        for (const auto& frames : m_frames) {
+            frames->reset();
+            frames->bind(1, job.frame.job);
+        }
+        m_query = 0;
+    }
+
+    void PrepareQueries()
+    {
+        SQLite::Database& connection = m_choice.m_connection;
+        if (m_isEarly) {
+            m_frames.push_back(std::make_unique<SQLite::Statement>(connection, EarlyFrames));
+            return;
+        }
+        m_frames.push_back(std::make_unique<SQLite::Statement>(connection, RetriedFrames));
+        m_frames.back()->bind(2, m_choice.m_now);
+        m_frames.push_back(std::make_unique<SQLite::Statement>(connection, ReadyFrames));
+    }
+
+    bool NextFrame()
+    {
+        while (m_query < m_frames.size() && !m_frames[m_query]->executeStep())
+            ++m_query;
+        if (m_query == m_frames.size())
+            return false;
+        m_candidate.frame.number = m_frames[m_query]->getColumn(0).getInt();
+        return true;
+    }
+
+    const FrameChoice& m_choice;
+    const bool m_isEarly;
+    SQLite::Statement m_jobs;
+    /// Queries for the frames of the job, to be gone through one after another.
+    std::vector<std::unique_ptr<SQLite::Statement>> m_frames;
+    std::size_t m_query = 0;
+    bool m_hasJob = false;
+    bool m_hasFrame = false;
+    bool m_isOver = false;
+    Candidate m_candidate;
+};
+
+FrameChoice::FrameChoice(SQLite::Database& connection, const std::set<FrameKey>& taken,
+    const std::set<std::int64_t>& avoided, std::int64_t now)
+    : m_connection(connection)
     , m_taken(taken)
     , m_avoided(avoided)
     , m_now(now)
-    , m_jobs(connection, JobsInTurn)
-    , m_jobsWithEarlyFrames(connection, JobsWithEarlyFrames)
-    , m_retriedFrames(connection, RetriedFrames)
-    , m_readyFrames(connection, ReadyFrames)
-    , m_earlyFrames(connection, EarlyFrames)
 {
 }
 
-std::optional<FrameKey> FrameChoice::Of(std::int64_t account)
+FrameChoice::~FrameChoice() = default;
+
+std::optional<FrameKey> FrameChoice::Of(std::int64_t account, const QStringList& types)
 {
-    const auto early = Best(m_jobsWithEarlyFrames, account, true);
-    const auto any = Best(m_jobs, account, false);
-    if (early && early->priority >= any->priority) // any job with early frames is among all jobs
+    const auto early = Best(account, types, true);
+    const auto any = Best(account, types, false);
+    if (early && (!any || early->priority >= any->priority))
         return early->frame;
     return any ? std::optional(any->frame) : std::nullopt;
 }
 
 std::optional<FrameChoice::Candidate> FrameChoice::Best(
-    SQLite::Statement& jobs, std::int64_t account, bool early)
+    std::int64_t account, const QStringList& types, bool early)
 {
     std::optional<Candidate> best;
-    for (const QString& type : qAsConst(m_types)) {
-        const auto first = First(jobs, account, type, early);
+    for (const QString& type : types) {
+        std::unique_ptr<Line>& line = m_lines[{account, type, early}];
+        if (!line)
+            line = std::make_unique<Line>(*this, account, type, early);
+        const auto first = line->First();
         if (!first)
             continue;
         const bool isBetter = !best || first->priority > best->priority
@@ -59,48 +141,6 @@ std::optional<FrameChoice::Candidate> FrameChoice::Best(
             best = first;
     }
     return best;
-}
-
-std::optional<FrameChoice::Candidate> FrameChoice::First(
-    SQLite::Statement& jobs, std::int64_t account, const QString& type, bool early)
-{
-    jobs.reset();
-    Bind(jobs, account, type);
-    while (jobs.executeStep()) {
-        const std::int64_t job = jobs.getColumn(0).getInt64();
-        const int run = jobs.getColumn(1).getInt();
-        if (m_avoided.count(job) != 0)
-            continue;
-        if (const auto number = FrameOf(job, run, early))
-            return Candidate {jobs.getColumn(2).getInt(), {job, *number, run}};
-    }
-    return std::nullopt;
-}
-
-std::optional<int> FrameChoice::FrameOf(std::int64_t job, int run, bool early)
-{
-    if (early) {
-        m_earlyFrames.reset();
-        Bind(m_earlyFrames, job);
-        return NotTaken(m_earlyFrames, job, run);
-    }
-    m_retriedFrames.reset();
-    Bind(m_retriedFrames, job, m_now);
-    if (const auto number = NotTaken(m_retriedFrames, job, run))
-        return number;
-    m_readyFrames.reset();
-    Bind(m_readyFrames, job);
-    return NotTaken(m_readyFrames, job, run);
-}
-
-std::optional<int> FrameChoice::NotTaken(SQLite::Statement& frames, std::int64_t job, int run)
-{
-    while (frames.executeStep()) {
-        const int number = frames.getColumn(0).getInt();
-        if (m_taken.count({job, number, run}) == 0)
-            return number;
-    }
-    return std::nullopt;
 }
 
 } // namespace farm

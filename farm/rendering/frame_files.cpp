@@ -76,8 +76,7 @@ RenderPlace FrameFiles::Prepare(
     RenderPlace place = PlaceOf(task, manner.suffix, run);
     if (!QDir().mkpath(place.run.OutputFolder()))
         storage::ThrowWriteError("cannot create the folder of an unfinished frame", folder.path(), 0);
-    if (task.beginsRun)
-        RemoveFrames(folder, manner.suffix);
+    BeginRun(folder, task.key.run, manner.suffix);
     m_scenes.Provide(task, folder, manner.mayLink, goesOn);
     LinkScene(place, task.scene);
     OpenToRenderer(place, folder);
@@ -101,6 +100,22 @@ void FrameFiles::LinkScene(const RenderPlace& place, const QString& scene)
     QFile::remove(place.sceneFile);
     if (::symlink(QFile::encodeName(target).constData(), QFile::encodeName(place.sceneFile).constData()) != 0)
         throw std::runtime_error("cannot create a link to the scene");
+}
+
+/// Removes the frames of earlier runs before the first of this one is rendered. A file names the run that has begun, and is on
+/// the disk before that frame is. Without it, an early version of the farm may have begun this run.
+void FrameFiles::BeginRun(const QDir& folder, int run, const QString& suffix)
+{
+    QFile mark(folder.filePath(QStringLiteral("run")));
+    const int begun = mark.open(QIODevice::ReadOnly) ? mark.readAll().toInt() : 0;
+    if (begun >= run)
+        return;
+    if (begun > 0)
+        RemoveFrames(folder, suffix);
+    const QString unfinished = mark.fileName() + QStringLiteral(".new");
+    QFile::remove(unfinished);
+    storage::AppendDurably(unfinished, 0, QByteArray::number(run));
+    storage::RenameDurably(unfinished, mark.fileName());
 }
 
 void FrameFiles::RemoveFrames(QDir folder, const QString& suffix)

@@ -77,6 +77,7 @@ public:
 
 private:
     static void LinkScene(const RenderPlace& place, const QString& scene);
+    static void BeginRun(const QDir& folder, int run, const QString& suffix);
     static void RemoveFrames(QDir folder, const QString& suffix);
     static void OwnAlone(const QString& picture);
     void MakeFolder(const QDir& folder) const;

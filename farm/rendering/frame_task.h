@@ -26,6 +26,7 @@ inline bool operator<(const FrameKey& one, const FrameKey& other)
 struct FrameTask
 {
     FrameKey key;
+    std::int64_t account = 0;
     QString jobId;
     QString type;
     QString scene;
@@ -34,8 +35,6 @@ struct FrameTask
     /// The lowest and the highest number in the job's ranges, even when the frames with these numbers are missing.
     int firstFrame = 1;
     int lastFrame = 1;
-    /// Whether it is the first frame of its run. What earlier runs have left is removed before it is rendered.
-    bool beginsRun = false;
 
     int FrameSpan() const { return lastFrame - firstFrame + 1; }
     int Number() const { return key.number; }

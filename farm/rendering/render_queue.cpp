@@ -6,7 +6,6 @@
 #include "farm/jobs/frame_store.h"
 #include "farm/jobs/job_status.h"
 #include "farm/jobs/job_turn.h"
-#include "farm/rendering/frame_choice.h"
 
 #include <spdlog/spdlog.h>
 
@@ -15,26 +14,6 @@
 namespace farm {
 
 namespace {
-
-FrameTask ReadTask(SQLite::Database& connection, const FrameKey& frame)
-{
-    SQLite::Statement job(connection,
-        "SELECT id, type, scene, width, height, (SELECT min(first) FROM frame_ranges WHERE job = key), "
-        "(SELECT max(last) FROM frame_ranges WHERE job = key), begun_run <> run FROM jobs WHERE key = ?");
-    Bind(job, frame.job);
-    job.executeStep();
-    FrameTask task;
-    task.key = frame;
-    task.jobId = Text(job.getColumn(0));
-    task.type = Text(job.getColumn(1));
-    task.scene = Text(job.getColumn(2));
-    task.width = job.getColumn(3).getInt();
-    task.height = job.getColumn(4).getInt();
-    task.firstFrame = job.getColumn(5).getInt();
-    task.lastFrame = job.getColumn(6).getInt();
-    task.beginsRun = job.getColumn(7).getInt() != 0;
-    return task;
-}
 
 std::optional<double> LevelOf(SQLite::Database& connection, std::int64_t account)
 {
@@ -102,13 +81,21 @@ std::optional<RenderQueue::JobFacts> RenderQueue::FactsOf(SQLite::Database& conn
     return JobFacts {query.getColumn(0).getInt64(), Text(query.getColumn(1)), Text(query.getColumn(2))};
 }
 
-std::optional<FrameTask> RenderQueue::Next(const QStringList& types, const std::set<FrameKey>& taken,
-    std::int64_t now, const std::set<std::int64_t>& paused)
+std::vector<FrameTask> RenderQueue::Choose(
+    const FrameDemand& demand, std::set<FrameKey>& taken, std::int64_t now)
 {
     Resume(now);
     return m_database.Read([&](SQLite::Database& connection) {
         m_load.Update(connection, taken);
-        return FindTask(connection, types, taken, paused, now);
+        FrameSelection selection(connection, {m_settings, m_use, m_health, m_load}, demand, taken, now);
+        std::vector<FrameTask> chosen;
+        while (chosen.size() < demand.most) {
+            const auto task = selection.Next();
+            if (!task)
+                break;
+            chosen.push_back(*task);
+        }
+        return chosen;
     });
 }
 
@@ -128,80 +115,6 @@ void RenderQueue::Resume(std::int64_t now)
         const std::string resume = std::string("UPDATE jobs SET resume_at = 0") + due;
         Execute(connection, resume.c_str(), now);
     });
-}
-
-std::optional<FrameTask> RenderQueue::FindTask(SQLite::Database& connection, const QStringList& types,
-    const std::set<FrameKey>& taken, const std::set<std::int64_t>& paused, std::int64_t now)
-{
-    QStringList free;
-    for (const QString& type : types) {
-        const int most = m_settings.framesPerType.value(type);
-        if (most > 0 && m_load.FramesOfType(type) >= most)
-            continue;
-        if (!m_health.IsStopped(type)) {
-            free.append(type);
-            continue;
-        }
-        if (const auto frame = FindTrial(connection, type, taken, paused, now))
-            return ReadTask(connection, *frame);
-    }
-    const auto frame = FindFrame(connection, free, taken, paused, now);
-    return frame ? std::optional(ReadTask(connection, *frame)) : std::nullopt;
-}
-
-std::optional<FrameKey> RenderQueue::FindTrial(SQLite::Database& connection, const QString& type,
-    const std::set<FrameKey>& taken, const std::set<std::int64_t>& paused, std::int64_t now)
-{
-    const TypeHealth::Trial trial = m_health.TrialOf(type, now);
-    if (trial == TypeHealth::Trial::None)
-        return std::nullopt;
-    std::set<std::int64_t> avoided = m_health.JobsInTheRow(type);
-    avoided.insert(paused.begin(), paused.end());
-    auto frame = FindFrame(connection, {type}, taken, avoided, now);
-    if (!frame && trial == TypeHealth::Trial::AnyJob)
-        frame = FindFrame(connection, {type}, taken, paused, now);
-    if (frame)
-        m_health.BeginTrial(type, *frame, now);
-    return frame;
-}
-
-std::optional<FrameKey> RenderQueue::FindFrame(SQLite::Database& connection, const QStringList& types,
-    const std::set<FrameKey>& taken, const std::set<std::int64_t>& avoided, std::int64_t now)
-{
-    FrameChoice choice(connection, types, taken, avoided, now);
-    const std::vector<std::int64_t> accounts = OrderOfTurns(Contenders(connection, now));
-    for (const std::int64_t account : accounts) {
-        if (m_settings.framesPerAccount > 0 && m_load.FramesOf(account) >= m_settings.framesPerAccount)
-            continue;
-        if (const auto frame = choice.Of(account))
-            return frame;
-    }
-    return std::nullopt;
-}
-
-/// The accounts that have open jobs, found by one seek each.
-std::vector<Contender> RenderQueue::Contenders(SQLite::Database& connection, std::int64_t now) const
-{
-    SQLite::Statement query(connection,
-        "WITH RECURSIVE waiting(account) AS (SELECT min(account) FROM jobs INDEXED BY jobs_in_turn "
-        "WHERE status IN (0, 1, 6) AND resume_at = 0 UNION ALL "
-        "SELECT (SELECT min(account) FROM jobs INDEXED BY jobs_in_turn WHERE status IN (0, 1, 6) "
-        "AND resume_at = 0 AND account > waiting.account) FROM waiting WHERE account IS NOT NULL) "
-        "SELECT waiting.account, level, priority FROM waiting JOIN accounts ON accounts.key = "
-        "waiting.account "
-        "LEFT JOIN account_use ON account_use.account = waiting.account");
-    std::vector<Contender> contenders;
-    while (query.executeStep()) {
-        Contender contender;
-        contender.account = query.getColumn(0).getInt64();
-        contender.priority = query.getColumn(2).getInt();
-        if (!query.isColumnNull(1))
-            contender.recentCoreSeconds = m_use.CoreSeconds(query.getColumn(1).getDouble(), now);
-        contender.framesInWork = m_load.FramesOf(contender.account);
-        contender.secondsInWork = m_load.SecondsOf(contender.account, now);
-        contenders.push_back(contender);
-    }
-    return contenders;
 }
 
 void RenderQueue::AddUse(
@@ -230,18 +143,20 @@ bool RenderQueue::IsOvertaken(const FrameKey& frame)
     });
 }
 
-void RenderQueue::Start(std::int64_t job)
+void RenderQueue::Start(const std::set<std::int64_t>& jobs)
 {
-    const auto started = m_database.Write([job](SQLite::Database& connection) {
-        const bool isStarted = Execute(connection,
-                                   "UPDATE jobs SET status = ?2, begun_run = run WHERE key = ?1 "
-                                   "AND status IN (0, 1, 6) AND (status <> ?2 OR begun_run <> run)",
-                                   job, static_cast<int>(JobStatus::Running))
-            != 0;
-        const auto facts = isStarted ? FactsOf(connection, job) : std::nullopt;
-        return facts ? Announcement {facts->account, {{facts->id}, true}} : Announcement {};
+    m_database.Write([&](SQLite::Database& connection) {
+        SQLite::Statement start(connection,
+            "UPDATE jobs SET status = ?2 WHERE key = ?1 AND status IN (0, 1, 6) AND status <> ?2 "
+            "RETURNING account, id");
+        for (const std::int64_t job : jobs) {
+            start.reset();
+            Bind(start, job, static_cast<int>(JobStatus::Running));
+            if (start.executeStep())
+                Announce(
+                    m_database, m_feed, {start.getColumn(0).getInt64(), {{Text(start.getColumn(1))}, true}});
+        }
     });
-    Announce(m_database, m_feed, started);
 }
 
 void RenderQueue::TakeOverLimits(const QueueSettings& settings)

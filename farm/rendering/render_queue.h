@@ -4,32 +4,18 @@
 #include "farm/base/change_feed.h"
 #include "farm/base/schema.h"
 #include "farm/rendering/fair_turns.h"
+#include "farm/rendering/frame_selection.h"
 #include "farm/rendering/frame_task.h"
 #include "farm/rendering/picture.h"
+#include "farm/rendering/queue_settings.h"
 #include "farm/rendering/type_health.h"
 #include "farm/rendering/work_load.h"
 
-#include <QMap>
-#include <QStringList>
-
-#include <chrono>
 #include <optional>
 #include <set>
+#include <vector>
 
 namespace farm {
-
-struct QueueSettings
-{
-    /// Core time that an account used this long ago counts half. An account that comes to a busy farm has the first claim
-    /// to it for about this time.
-    std::chrono::seconds useHalfLife {3600};
-    /// Before the second attempt at a frame; twice as long before the third.
-    std::chrono::seconds retryPause {30};
-    /// The most frames of an account that are rendered at a time; 0 for any number.
-    int framesPerAccount = 0;
-    /// The same for job types that have such a limit.
-    QMap<QString, int> framesPerType = {};
-};
 
 /// Finds the open frames of all jobs and records finished ones: their pictures, charges and balances.
 /// A frame that is being rendered is not marked, so it is still open after a crash. What it changes is announced. Not
@@ -40,19 +26,17 @@ public:
     RenderQueue(
         Database& database, ChangeFeed& feed, const AccountTerms& terms, const QueueSettings& settings = {});
 
-    /// The open frame outside `taken`, the frames in work, that is rendered next: of a job that has one of these types and
-    /// is not among `paused`; nothing when there is none. Accounts take turns by what they have used lately.
-    std::optional<FrameTask> Next(const QStringList& types, const std::set<FrameKey>& taken, std::int64_t now,
-        const std::set<std::int64_t>& paused = {});
+    /// The frames that are rendered next, in the order of their turns: accounts take turns by what they have used lately.
+    /// @param taken are the frames in work, to which these are added.
+    std::vector<FrameTask> Choose(const FrameDemand& demand, std::set<FrameKey>& taken, std::int64_t now);
 
     /// Whether the frame's job is open and has not been restarted since.
     bool IsWanted(const FrameKey& frame);
     /// Whether the job has been restarted since, so that the frame may have been rendered anew.
     bool IsOvertaken(const FrameKey& frame);
 
-    /// Marks an open job as running, and its run as begun. Call it before the next Next(), so that only one frame begins
-    /// the run.
-    void Start(std::int64_t job);
+    /// Marks those of the jobs that are open as running.
+    void Start(const std::set<std::int64_t>& jobs);
 
     /// The frame is being rendered since `at`; until then it waits for a machine.
     void NoteStart(const FrameKey& frame, std::int64_t at) { m_load.NoteStart(frame, at); }
@@ -89,13 +73,6 @@ private:
 
     static std::optional<JobFacts> FactsOf(SQLite::Database& connection, std::int64_t job);
     void Resume(std::int64_t now);
-    std::optional<FrameTask> FindTask(SQLite::Database& connection, const QStringList& types,
-        const std::set<FrameKey>& taken, const std::set<std::int64_t>& paused, std::int64_t now);
-    std::optional<FrameKey> FindFrame(SQLite::Database& connection, const QStringList& types,
-        const std::set<FrameKey>& taken, const std::set<std::int64_t>& avoided, std::int64_t now);
-    std::optional<FrameKey> FindTrial(SQLite::Database& connection, const QString& type,
-        const std::set<FrameKey>& taken, const std::set<std::int64_t>& paused, std::int64_t now);
-    std::vector<Contender> Contenders(SQLite::Database& connection, std::int64_t now) const;
     void AddUse(SQLite::Database& connection, std::int64_t account, std::int64_t coreMilliseconds,
         std::int64_t now) const;
     bool Retry(SQLite::Database& connection, const FrameKey& frame, bool counts, std::int64_t now,

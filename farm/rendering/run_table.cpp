@@ -21,9 +21,10 @@ RunId RunTable::NewRunId(const FrameKey& frame)
         .arg(NewId().left(Digits));
 }
 
-void RunTable::Begin(const std::vector<Entry>& runs)
+void RunTable::Begin(const std::vector<Entry>& runs, const std::function<void()>& record)
 {
-    m_database.Write([&runs](SQLite::Database& connection) {
+    m_database.Write([&](SQLite::Database& connection) {
+        record();
         for (const Entry& run : runs)
             Execute(connection, "INSERT INTO runs(id, job, run, frame) VALUES (?, ?, ?, ?)", run.id,
                 run.task.key.job, run.task.key.run, run.task.key.number);

@@ -25,8 +25,8 @@ public:
 
     static RunId NewRunId(const FrameKey& frame);
 
-    /// Records runs that are about to start, in one transaction.
-    void Begin(const std::vector<Entry>& runs);
+    /// Records runs that are about to start, in the transaction in which `record` marks their jobs.
+    void Begin(const std::vector<Entry>& runs, const std::function<void()>& record);
     void SetHandle(const RunId& run, const QString& handle);
     /// Forgets the run in the transaction in which `record` records its end.
     void End(const RunId& run, const std::function<void()>& record);

@@ -49,7 +49,9 @@ Scheduler::Scheduler(const Dependencies& dependencies, const JobTypes& types, co
     , m_pauses(lookInterval)
     , m_worker(dependencies.files, types, renderers)
 {
-    connect(this, &Scheduler::NudgeWanted, this, &Scheduler::Nudge, Qt::QueuedConnection);
+    m_nudgeTimer.setSingleShot(true);
+    connect(&m_nudgeTimer, &QTimer::timeout, this, &Scheduler::Nudge);
+    connect(this, &Scheduler::NudgeWanted, &m_nudgeTimer, qOverload<>(&QTimer::start), Qt::QueuedConnection);
     connect(&m_deps.executor, &Executor::AvailabilityChanged, this, &Scheduler::Nudge);
     connect(&m_deps.executor, &Executor::Started, this, &Scheduler::HandleStart);
     connect(&m_deps.executor, &Executor::Ended, this, &Scheduler::HandleEnd);
@@ -159,32 +161,30 @@ void Scheduler::CancelUnwantedFrames()
     }
 }
 
-std::vector<RunTable::Entry> Scheduler::ChooseFrames()
+std::vector<FrameTask> Scheduler::ChooseFrames()
 {
+    const std::size_t capacity = std::size_t(std::max(0, m_deps.executor.Capacity()));
+    if (m_work.size() >= capacity)
+        return {};
     std::set<FrameKey> taken;
     for (const auto& work : m_work)
         taken.insert(work.second.task.key);
-    const QStringList types = RunnableTypes();
-    const std::set<std::int64_t> paused = m_pauses.Paused(JobPauses::Clock::now());
-    std::vector<RunTable::Entry> chosen;
-    while (m_work.size() + chosen.size() < std::size_t(std::max(0, m_deps.executor.Capacity()))) {
-        const auto task = m_deps.queue.Next(types, taken, Now(), paused);
-        if (!task)
-            break;
-        taken.insert(task->key);
-        m_deps.queue.Start(task->key.job);
-        chosen.push_back({RunTable::NewRunId(task->key), *task, {}});
-    }
-    return chosen;
+    return m_deps.queue.Choose(
+        {RunnableTypes(), capacity - m_work.size(), m_pauses.Paused(JobPauses::Clock::now())}, taken, Now());
 }
 
 void Scheduler::BeginFrames()
 {
-    const std::vector<RunTable::Entry> chosen = ChooseFrames();
-    if (chosen.empty())
+    std::vector<RunTable::Entry> runs;
+    std::set<std::int64_t> jobs;
+    for (const FrameTask& task : ChooseFrames()) {
+        runs.push_back({RunTable::NewRunId(task.key), task, {}});
+        jobs.insert(task.key.job);
+    }
+    if (runs.empty())
         return;
-    m_deps.runs.Begin(chosen);
-    for (const RunTable::Entry& run : chosen) {
+    m_deps.runs.Begin(runs, [&] { m_deps.queue.Start(jobs); });
+    for (const RunTable::Entry& run : runs) {
         Work& work = m_work[run.id];
         work.task = run.task;
         m_worker.Prepare(run.id, run.task, work.isUnwanted);
@@ -291,7 +291,7 @@ void Scheduler::Conclude(const RunId& id)
 {
     Advance(id);
     if (!m_waits)
-        Nudge();
+        m_nudgeTimer.start(0);
 }
 
 /// Takes the end of a run to the look at its files and to its record. When the disk or the database fails, the run stays as it

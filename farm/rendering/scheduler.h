@@ -45,7 +45,7 @@ public:
     /// Looks at the jobs: pauses those in arrears, cancels the frames that are no longer wanted and gives the executor
     /// other ones. Call it when jobs have changed.
     void Nudge();
-    /// Calls Nudge() later in the scheduler's thread. May be called from any thread.
+    /// Calls Nudge() later in the scheduler's thread, once for all that is going on there. May be called from any thread.
     void NudgeLater() { emit NudgeWanted(); }
 
     /// Ends the work; no frames start any more.
@@ -93,7 +93,7 @@ private:
     void ReportHindrances();
     void CancelUnwantedFrames();
     void BeginFrames();
-    std::vector<RunTable::Entry> ChooseFrames();
+    std::vector<FrameTask> ChooseFrames();
     void HandlePrepared(const RunId& id, const FileReport& report);
     void StartReady();
     void HandleStart(const RunId& id, const QString& host, qint64 at);
@@ -116,6 +116,7 @@ private:
     /// Prepared runs, which start together.
     std::vector<Run> m_ready;
     QTimer m_startTimer;
+    QTimer m_nudgeTimer;
     /// The disk or the database has failed: nothing begins, and no end is recorded, until the next look.
     bool m_waits = false;
     bool m_isStopped = false;

@@ -3,23 +3,27 @@
 #include "farm/base/schema.h"
 #include "farm/rendering/frame_task.h"
 
+#include <QHash>
+
 #include <map>
 #include <optional>
 #include <set>
 
 namespace farm {
 
-/// Whose frames of which types are being rendered. Not thread-safe.
+/// Whose frames of which types are being rendered. The sums are kept, as a cluster holds thousands of frames. Not
+/// thread-safe.
 class WorkLoad
 {
 public:
     /// @param taken are the frames in work now. The others are forgotten.
     void Update(SQLite::Database& connection, const std::set<FrameKey>& taken);
+    void Add(const FrameKey& frame, std::int64_t account, const QString& type);
     /// The frame is being rendered since `at`; before, it waits for a machine.
-    void NoteStart(const FrameKey& frame, std::int64_t at) { m_starts[frame] = at; }
+    void NoteStart(const FrameKey& frame, std::int64_t at);
 
-    int FramesOfType(const QString& type) const;
-    int FramesOf(std::int64_t account) const;
+    int FramesOfType(const QString& type) const { return m_types.value(type); }
+    int FramesOf(std::int64_t account) const { return SumOf(account).frames; }
     /// For how long the account's frames have been rendered, added up.
     double SecondsOf(std::int64_t account, std::int64_t now) const;
 
@@ -28,10 +32,25 @@ private:
     {
         std::int64_t account = 0;
         QString type;
+        std::optional<std::int64_t> start = {};
     };
+    struct Sum
+    {
+        int frames = 0;
+        int started = 0;
+        std::int64_t starts = 0; ///< the times of all starts, added up
+    };
+    using Frames = std::map<FrameKey, Entry>;
 
-    std::map<FrameKey, Entry> m_frames;
-    std::map<FrameKey, std::int64_t> m_starts;
+    Sum SumOf(std::int64_t account) const;
+    Frames::iterator Remove(Frames::iterator frame);
+    void SetStart(Entry& entry, std::optional<std::int64_t> at);
+
+    Frames m_frames;
+    /// Of frames that the next Update() adds.
+    std::map<FrameKey, std::int64_t> m_earlyStarts;
+    std::map<std::int64_t, Sum> m_accounts;
+    QHash<QString, int> m_types;
 };
 
 } // namespace farm

@@ -104,9 +104,8 @@ const Fate Fates[] = {
     {"kept but not recorded by the earlier farm", "attached kept", JobStatus::Finished, 1, 0, ""},
     {"done, but its picture was lost with the machine", "attached empty done", JobStatus::Finished, 1, 0, ""},
     {"done without a picture", "empty done", JobStatus::Finished, 1, 1, ""},
-    {"machine lost", "lost done", JobStatus::Finished, 1, 0, ""},
     {"machine lost while no farm ran", "attached lost done", JobStatus::Finished, 1, 0, ""},
-    {"preempted twice", "preempted preempted done", JobStatus::Finished, 1, 0, ""},
+    {"ended by others", "lost preempted preempted cancelled done", JobStatus::Finished, 1, 0, ""},
     {"refused by the cluster", "refused refused refused refused done", JobStatus::Finished, 1, 0,
         "Frame 1 waits: the cluster has no such partition."},
     {"cancelled by somebody else", "cancelled cancelled cancelled cancelled done", JobStatus::Finished, 1, 0,
@@ -125,6 +124,13 @@ const Fate Fates[] = {
         "Frame 1 waits: the folder of the frame cannot be read."},
     {"stopped", "stop cancelled", JobStatus::Paused, 0, 0, ""},
     {"stopped when it was done", "stop done", JobStatus::Paused, 1, 0, ""},
+};
+
+// The run that has begun in a job's folder before its second run, and whether a picture that lies there stays.
+const std::tuple<const char*, const char*, bool> Marks[] = {
+    {"an earlier run", "1", false},
+    {"the same run", "2", true},
+    {"perhaps the same run of an early version of the farm", "", true},
 };
 
 QMap<QString, RunEnd> Words()
@@ -236,6 +242,21 @@ private slots:
         EVENTUALLY(RunCount() == 0 && QDir(Path("jobs/%1/runs"_s.arg(m_id))).isEmpty());
         QCOMPARE(ReadFile(Path("jobs/%1/frame_0001.txt"_s.arg(m_id))), QByteArray("a picture"));
         QCOMPARE(ReadFile(Path("jobs/%1/logs/frame_0001.txt"_s.arg(m_id))), QByteArray("drawing"));
+    }
+
+    void ARunBeginsWithoutThePicturesOfEarlierOnes_data() { AddRows(Marks); }
+    void ARunBeginsWithoutThePicturesOfEarlierOnes()
+    {
+        const auto& [name, mark, stays] = Row(Marks);
+        const QString folder = Path("jobs/"_s + m_id);
+        QVERIFY(QDir().mkpath(folder) && WriteFile(folder + "/frame_0001.txt"_s, "a picture"));
+        if (*mark != '\0')
+            WriteFile(folder + "/run"_s, mark);
+        m_data->Change("UPDATE jobs SET run = 2");
+        AtWork work(*this);
+        EVENTUALLY_COMPARE(work.executor.held.size(), 1);
+        QCOMPARE(QFile::exists(folder + "/frame_0001.txt"_s), stays);
+        QCOMPARE(ReadFile(folder + "/run"_s), QByteArray("2"));
     }
 
     void OnlyFaultsOfTheSceneCostAttempts()
