@@ -54,6 +54,12 @@ void Database::AfterCommit(std::function<void()> work)
         work();
 }
 
+void Database::ReserveReader()
+{
+    if (m_readers)
+        m_readers->Reserve();
+}
+
 QString Database::CopyName(const QString& path, int version)
 {
     const QFileInfo file(path);

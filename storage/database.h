@@ -82,6 +82,10 @@ public:
     /// rolled back, and at once if this thread is in none.
     void AfterCommit(std::function<void()> work);
 
+    /// Gives the calling thread a reader of its own: its reads do not wait for those of other threads, however many there
+    /// are. Call it while the thread is not reading.
+    void ReserveReader();
+
     /// Whether another connection, perhaps of another process, has changed the database since the last call. The first
     /// call cannot know and returns true.
     bool WasChangedByOthers();

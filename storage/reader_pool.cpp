@@ -14,6 +14,14 @@ ReaderPool::ReaderPool(const QString& path, int most)
 {
 }
 
+void ReaderPool::Reserve()
+{
+    const std::lock_guard lock(m_mutex);
+    std::unique_ptr<SQLite::Database>& reserved = m_reserved[std::this_thread::get_id()];
+    if (!reserved)
+        reserved = Open();
+}
+
 ReaderPool::Loan::Loan(ReaderPool& pool)
     : m_pool(pool)
     , m_connection(pool.Lent())
@@ -47,6 +55,11 @@ SQLite::Database* ReaderPool::Lent() const
 SQLite::Database& ReaderPool::Take()
 {
     std::unique_lock lock(m_mutex);
+    const auto reserved = m_reserved.find(std::this_thread::get_id());
+    if (reserved != m_reserved.end()) {
+        m_lent.emplace(std::this_thread::get_id(), reserved->second.get());
+        return *reserved->second;
+    }
     m_returned.wait(lock, [this] { return !m_idle.empty() || m_connections.size() < m_most; });
     if (m_idle.empty()) {
         m_connections.push_back(Open());
@@ -63,7 +76,8 @@ void ReaderPool::GiveBack()
     {
         const std::lock_guard lock(m_mutex);
         const auto lent = m_lent.find(std::this_thread::get_id());
-        m_idle.push_back(lent->second);
+        if (m_reserved.count(lent->first) == 0)
+            m_idle.push_back(lent->second);
         m_lent.erase(lent);
     }
     m_returned.notify_one();

@@ -19,6 +19,9 @@ public:
     /// @param most is the most connections; further threads wait for one.
     ReaderPool(const QString& path, int most);
 
+    /// Gives the calling thread a connection of its own, so that it never waits for one.
+    void Reserve();
+
     /// Lends the thread a connection. A thread that has one already gets the same.
     class Loan
     {
@@ -49,6 +52,7 @@ private:
     std::vector<std::unique_ptr<SQLite::Database>> m_connections;
     std::vector<SQLite::Database*> m_idle;
     std::map<std::thread::id, SQLite::Database*> m_lent;
+    std::map<std::thread::id, std::unique_ptr<SQLite::Database>> m_reserved;
 };
 
 } // namespace storage

@@ -37,13 +37,13 @@ FrameWorker::~FrameWorker()
 
 void FrameWorker::Prepare(const RunId& id, const FrameTask& task, const Flag& isUnwanted)
 {
-    m_preparers.Add(
-        task.key.job, [this, id, task, isUnwanted] { emit Prepared(id, PrepareNow(id, task, isUnwanted)); });
+    m_preparers.Add(task.account, task.key.job,
+        [this, id, task, isUnwanted] { emit Prepared(id, PrepareNow(id, task, isUnwanted)); });
 }
 
 void FrameWorker::Settle(const RunId& id, const FrameTask& task, RunEnd end, bool mayBeKept)
 {
-    m_keepers.Add(task.key.job, [this, id, task, end, mayBeKept] {
+    m_keepers.Add(task.account, task.key.job, [this, id, task, end, mayBeKept] {
         const FileReport report = SettleNow(id, task, end, mayBeKept);
         // The rest stays until the end is recorded, for a farm that dies before.
         m_files.KeepLog(task, id);
@@ -53,7 +53,7 @@ void FrameWorker::Settle(const RunId& id, const FrameTask& task, RunEnd end, boo
 
 void FrameWorker::Discard(const RunId& id, const FrameTask& task, bool keepsLog)
 {
-    m_keepers.Add(task.key.job, [this, id, task, keepsLog] {
+    m_keepers.Add(task.account, task.key.job, [this, id, task, keepsLog] {
         if (keepsLog)
             m_files.KeepLog(task, id);
         m_files.Discard(task, id);

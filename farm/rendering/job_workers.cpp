@@ -1,7 +1,5 @@
 #include "farm/rendering/job_workers.h"
 
-#include <algorithm>
-
 namespace farm {
 
 JobWorkers::JobWorkers(int threadCount)
@@ -15,12 +13,14 @@ JobWorkers::~JobWorkers()
     Stop();
 }
 
-void JobWorkers::Add(std::int64_t job, Work work)
+void JobWorkers::Add(std::int64_t account, std::int64_t job, Work work)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_isStopped)
         return;
-    m_waiting[job].push_back(std::move(work));
+    Waiting& waiting = m_waiting[job];
+    waiting.account = account;
+    waiting.work.push_back(std::move(work));
     m_added.notify_one();
 }
 
@@ -38,24 +38,37 @@ void JobWorkers::Stop()
     }
 }
 
-std::map<std::int64_t, std::deque<JobWorkers::Work>>::iterator JobWorkers::Free()
+JobWorkers::Jobs::iterator JobWorkers::Next()
 {
-    return std::find_if(m_waiting.begin(), m_waiting.end(),
-        [this](const auto& waiting) { return m_busy.count(waiting.first) == 0; });
+    auto next = m_waiting.end();
+    for (auto job = m_waiting.begin(); job != m_waiting.end(); ++job) {
+        const bool isFirst
+            = next == m_waiting.end() || LastTurn(job->second.account) < LastTurn(next->second.account);
+        if (isFirst && m_busy.count(job->first) == 0)
+            next = job;
+    }
+    return next;
+}
+
+std::int64_t JobWorkers::LastTurn(std::int64_t account) const
+{
+    const auto turn = m_lastTurns.find(account);
+    return turn != m_lastTurns.end() ? turn->second : 0;
 }
 
 void JobWorkers::Run()
 {
     std::unique_lock<std::mutex> lock(m_mutex);
     while (true) {
-        m_added.wait(lock, [this] { return m_isStopped || Free() != m_waiting.end(); });
+        m_added.wait(lock, [this] { return m_isStopped || Next() != m_waiting.end(); });
         if (m_isStopped)
             return;
-        const auto next = Free();
+        const auto next = Next();
         const std::int64_t job = next->first;
-        const Work work = std::move(next->second.front());
-        next->second.pop_front();
-        if (next->second.empty())
+        m_lastTurns[next->second.account] = ++m_turns;
+        const Work work = std::move(next->second.work.front());
+        next->second.work.pop_front();
+        if (next->second.work.empty())
             m_waiting.erase(next);
         m_busy.insert(job);
         lock.unlock();

@@ -12,7 +12,8 @@
 
 namespace farm {
 
-/// Threads that work for jobs: on several jobs at a time, but for each job on one thing after another.
+/// Threads that work for jobs: on several jobs at a time, but for each job on one thing after another. Accounts take turns, so
+/// that the large scenes of one do not hold up the others.
 class JobWorkers
 {
 public:
@@ -24,19 +25,30 @@ public:
     JobWorkers(const JobWorkers&) = delete;
     JobWorkers& operator=(const JobWorkers&) = delete;
 
-    void Add(std::int64_t job, Work work);
+    void Add(std::int64_t account, std::int64_t job, Work work);
     /// Drops the work that has not begun and returns when all other work is done. More work is ignored.
     void Stop();
 
 private:
+    struct Waiting
+    {
+        std::int64_t account = 0;
+        std::deque<Work> work;
+    };
+    using Jobs = std::map<std::int64_t, Waiting>;
+
     void Run();
-    /// @return a job with work that no thread works for.
-    std::map<std::int64_t, std::deque<Work>>::iterator Free();
+    /// @return the job whose turn it is, of those with work that no thread works for.
+    Jobs::iterator Next();
+    std::int64_t LastTurn(std::int64_t account) const;
 
     std::mutex m_mutex;
     std::condition_variable m_added;
-    std::map<std::int64_t, std::deque<Work>> m_waiting;
+    Jobs m_waiting;
     std::set<std::int64_t> m_busy;
+    std::int64_t m_turns = 0;
+    /// The number of the last turn that each account had.
+    std::map<std::int64_t, std::int64_t> m_lastTurns;
     bool m_isStopped = false;
     std::vector<std::thread> m_threads;
 };

@@ -50,7 +50,8 @@ std::vector<RunTable::Entry> RunTable::All()
 {
     return m_database.Read([](SQLite::Database& connection) {
         SQLite::Statement query(connection,
-            "SELECT runs.id, job, runs.run, frame, handle, jobs.id, type FROM runs JOIN jobs ON key = job");
+            "SELECT runs.id, job, runs.run, frame, handle, jobs.id, type, account FROM runs JOIN jobs ON key "
+            "= job");
         std::vector<Entry> runs;
         while (query.executeStep()) {
             Entry run;
@@ -60,6 +61,7 @@ std::vector<RunTable::Entry> RunTable::All()
             run.handle = Text(query.getColumn(4));
             run.task.jobId = Text(query.getColumn(5));
             run.task.type = Text(query.getColumn(6));
+            run.task.account = query.getColumn(7).getInt64();
             runs.push_back(run);
         }
         return runs;
