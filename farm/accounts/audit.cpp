@@ -34,6 +34,18 @@ QString SentenceOf(const AuditEntry& entry)
     return entry.actor.origin.isEmpty() ? sentence : sentence + QStringLiteral(" from ") + entry.actor.origin;
 }
 
+// The newest entry stays, so that no key is used twice. Entries are in the order of their times but for errors of the clock.
+bool ForgetAuditEntries(Database& database, std::int64_t at)
+{
+    return database.Write([at](SQLite::Database& connection) {
+        return Execute(connection,
+                   "DELETE FROM audit WHERE key < (SELECT max(key) FROM audit) AND key <= (SELECT max(key) "
+                   "FROM (SELECT key, at FROM audit ORDER BY key LIMIT 500) WHERE at <= ?)",
+                   at)
+            != 0;
+    });
+}
+
 std::int64_t LastAuditKey(Database& database)
 {
     return database.Read([](SQLite::Database& connection) {

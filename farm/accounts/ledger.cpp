@@ -22,7 +22,7 @@ struct Rule
     const char* sentence;
 };
 
-constexpr std::array<Rule, 5> Rules {{
+constexpr std::array<Rule, 6> Rules {{
     {"SELECT name FROM accounts WHERE balance <> "
      "(SELECT coalesce(sum(amount), 0) FROM payments WHERE account = accounts.key) "
      "- (SELECT coalesce(sum(amount), 0) FROM charges WHERE account = accounts.key)",
@@ -35,11 +35,18 @@ constexpr std::array<Rule, 5> Rules {{
      "AND charges.amount <> (core_milliseconds * charges.price + 500) / 1000",
         "A charge for the job %1 is not its processor time at its price."},
     {"SELECT DISTINCT jobs.id FROM frames JOIN jobs ON jobs.key = frames.job WHERE finished_at IS NOT NULL "
-     "AND NOT EXISTS (SELECT 1 FROM charges WHERE job = frames.job AND frame = frames.number)",
+     "AND NOT EXISTS (SELECT 1 FROM charges WHERE job = frames.job AND frame = frames.number "
+     "AND iif(charges.run IS NULL, charged_at >= finished_at, charges.run = jobs.run))",
         "A finished frame of the job %1 was not charged."},
     {"SELECT DISTINCT jobs.id FROM (SELECT job FROM charges GROUP BY job, frame HAVING count(*) > "
-     "(SELECT run FROM jobs WHERE key = charges.job)) JOIN jobs ON jobs.key = job",
+     "(SELECT run FROM jobs WHERE key = charges.job) OR count(run) > count(DISTINCT run)) "
+     "JOIN jobs ON jobs.key = job",
         "A frame of the job %1 was charged more often than the job was begun."},
+    {"SELECT DISTINCT jobs.id FROM charges JOIN jobs ON jobs.key = charges.job "
+     "LEFT JOIN frames ON frames.job = charges.job AND frames.number = frame "
+     "WHERE coalesce(charges.run, 1) >= jobs.run AND finished_at IS NULL "
+     "AND (frames.number IS NOT NULL OR status <> 5)",
+        "A frame of the job %1 was charged but is not finished."},
 }};
 
 } // namespace
@@ -125,16 +132,17 @@ void AddPayment(
 void AddCharge(SQLite::Database& connection, std::int64_t job, int frame, std::int64_t coreMilliseconds,
     const AccountTerms& terms, std::int64_t now)
 {
-    SQLite::Statement query(connection, "SELECT account FROM jobs WHERE key = ?");
+    SQLite::Statement query(connection, "SELECT account, run FROM jobs WHERE key = ?");
     Bind(query, job);
     if (!query.executeStep())
         return;
     const std::int64_t account = query.getColumn(0).getInt64();
     const Micros price = terms.PriceFor(connection, account);
     Execute(connection,
-        "INSERT INTO charges(account, job, frame, core_milliseconds, amount, charged_at, price) "
-        "VALUES (?, ?, ?, ?, ?, ?, ?)",
-        account, job, frame, coreMilliseconds, Charge(coreMilliseconds, price), now, price);
+        "INSERT INTO charges(account, job, frame, core_milliseconds, amount, charged_at, price, run) "
+        "VALUES (?, ?, ?, ?, ?, ?, ?, ?)",
+        account, job, frame, coreMilliseconds, Charge(coreMilliseconds, price), now, price,
+        query.getColumn(1).getInt());
 }
 
 } // namespace farm

@@ -64,8 +64,8 @@ public:
     void ForEachJob(const LedgerRange& range, const std::function<void(const JobCharges&)>& show);
 
     /// Proves that the ledger adds up: each balance is its payments less its charges, each charge is the processor time
-    /// at its price and belongs to the account of its job, and each finished frame was charged. Shows a sentence for
-    /// each fault.
+    /// at its price and belongs to the account of its job, and each finished frame was charged once in the job's
+    /// present run, and no other frame. Shows a sentence for each fault.
     void Check(const std::function<void(const QString&)>& show);
 
 private:
@@ -77,7 +77,7 @@ private:
 void AddPayment(
     SQLite::Database& connection, std::int64_t account, Micros amount, const QString& note, std::int64_t now);
 
-/// Charges a frame to the account of its job, inside a transaction.
+/// Charges a frame in the present run of its job to the account of the job, inside a transaction.
 void AddCharge(SQLite::Database& connection, std::int64_t job, int frame, std::int64_t coreMilliseconds,
     const AccountTerms& terms, std::int64_t now);
 

@@ -29,11 +29,11 @@ constexpr Rule Rules[] = {
      "GROUP BY account, shift, block, status, project, type, business, ended, jobs HAVING count(*) <> 2)",
         "the kept counts of the jobs of account %1 are wrong"},
     {"SELECT id FROM jobs LEFT JOIN job_sums ON job = jobs.key WHERE "
-     "frames IS NOT (SELECT count(*) FROM frames WHERE job = jobs.key) OR "
-     "finished IS NOT (SELECT count(finished_at) FROM frames WHERE job = jobs.key) OR "
+     "(status <> 5 AND frames IS NOT (SELECT count(*) FROM frames WHERE job = jobs.key)) OR "
+     "(status <> 5 AND finished IS NOT (SELECT count(finished_at) FROM frames WHERE job = jobs.key)) OR "
      "cost IS NOT (SELECT coalesce(sum(amount), 0) FROM charges WHERE job = jobs.key)",
         "the kept sums of job %1 are wrong"},
-    {"SELECT id FROM jobs WHERE NOT EXISTS (SELECT 1 FROM frames WHERE job = jobs.key)",
+    {"SELECT id FROM jobs WHERE status <> 5 AND NOT EXISTS (SELECT 1 FROM frames WHERE job = jobs.key)",
         "job %1 has no frames"},
 };
 

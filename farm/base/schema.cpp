@@ -323,13 +323,26 @@ constexpr const char* FrameSteps = R"sql(
 ALTER TABLE frame_ranges ADD COLUMN step INTEGER NOT NULL DEFAULT 1;
 )sql";
 
+// A frame is charged once in each run of its job; older charges did not record the run. A mark in the job's folder tells which
+// run has begun. A deleted job has no frames once its files are freed, but keeps its sums. The audit is kept for a time.
+constexpr const char* ShortRecords = R"sql(
+ALTER TABLE charges ADD COLUMN run INTEGER;
+ALTER TABLE jobs DROP COLUMN begun_run;
+
+DROP TRIGGER frame_removed;
+CREATE TRIGGER frame_removed AFTER DELETE ON frames WHEN (SELECT status FROM jobs WHERE key = OLD.job) <> 5 BEGIN
+    UPDATE job_sums SET frames = frames - 1, finished = finished - (OLD.finished_at IS NOT NULL) WHERE job = OLD.job;
+END;
+UPDATE jobs SET files = 1 WHERE status = 5 AND files = 0;
+)sql";
+
 } // namespace
 
 storage::Migrations Schema()
 {
     return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork, FairQueue,
         KeptCounts, Administrators, TermsAndMembers, Ledger, Audit, FreedFiles, MissingRenderers,
-        HindrancesOfJobs, KeptSums, FrameSteps};
+        HindrancesOfJobs, KeptSums, FrameSteps, ShortRecords};
 }
 
 } // namespace farm

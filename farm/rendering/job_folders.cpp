@@ -161,7 +161,9 @@ bool JobFolders::ForgetFiles(std::int64_t job, const GoOn& goOn)
     for (const char* forget :
         {"DELETE FROM frame_logs WHERE rowid IN (SELECT rowid FROM frame_logs WHERE job = ? LIMIT 500)",
             "DELETE FROM job_files WHERE job = ?1 AND path IN "
-            "(SELECT path FROM job_files WHERE job = ?1 LIMIT 500)"}) {
+            "(SELECT path FROM job_files WHERE job = ?1 LIMIT 500)",
+            "DELETE FROM frames WHERE job = ?1 AND number IN "
+            "(SELECT number FROM frames WHERE job = ?1 LIMIT 500)"}) {
         int count = 1;
         while (count > 0) {
             if (!goOn())
