@@ -14,6 +14,13 @@ namespace farm {
 
 namespace {
 
+constexpr int BusyTimeout = 5000; // ms
+
+QString PathOf(const QString& folder)
+{
+    return QDir(folder).filePath(QStringLiteral("data.mark"));
+}
+
 bool HoldsFiles(const QString& folder)
 {
     return QDirIterator(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories).hasNext();
@@ -21,10 +28,13 @@ bool HoldsFiles(const QString& folder)
 
 } // namespace
 
-void DataMark::RequireDatabase(const QString& folder, const QString& database)
+void DataMark::RequireDatabase(const QString& folder, const QString& database, bool acceptsAny)
 {
-    if (QFile::exists(database))
+    if (QFile::exists(database)) {
+        if (!acceptsAny)
+            RequireMatch(PathOf(folder), database);
         return;
+    }
     for (const char* part : {"jobs", "contents", "uploads"}) {
         if (HoldsFiles(QDir(folder).filePath(QLatin1String(part))))
             throw std::runtime_error(folder.toStdString()
@@ -36,27 +46,31 @@ void DataMark::RequireDatabase(const QString& folder, const QString& database)
     }
 }
 
-DataMark::DataMark(Database& database, const QString& folder, bool acceptsAny)
+void DataMark::RequireMatch(const QString& path, const QString& database)
+{
+    SQLite::Database connection(database.toStdString(), SQLite::OPEN_READONLY, BusyTimeout);
+    const Mark known = In(connection);
+    const Mark found = In(path);
+    // A folder without a mark has been made for the database, for example from a backup.
+    if (found.farm.isEmpty() || (known.farm == found.farm && known.number >= found.number))
+        return;
+    throw std::runtime_error(path.toStdString()
+        + (known.farm == found.farm
+                ? ": the database farm.sqlite is older than the other files in the folder, "
+                : ": the database farm.sqlite is not that of the other files in the folder, ")
+        + "some of which it does not know. Put the right database back. To go on with this one, start "
+          "once with "
+          "--accept-database: scenes that it does not know are then removed. Nothing was changed.");
+}
+
+DataMark::DataMark(Database& database, const QString& folder)
     : m_database(database)
-    , m_path(QDir(folder).filePath(QStringLiteral("data.mark")))
+    , m_path(PathOf(folder))
 {
     Mark known = InDatabase();
-    const Mark found = InFolder();
-    const bool isFirstStart = known.farm.isEmpty() && found.farm.isEmpty();
-    if (isFirstStart)
-        known.farm = NewId();
-    // A folder without a mark has been made for the database, for example from a backup.
-    const bool belongs = found.farm.isEmpty() || (known.farm == found.farm && known.number >= found.number);
-    if (!belongs && !acceptsAny)
-        throw std::runtime_error(m_path.toStdString()
-            + (known.farm == found.farm
-                    ? ": the database farm.sqlite is older than the other files in the folder, "
-                    : ": the database farm.sqlite is not that of the other files in the folder, ")
-            + "some of which it does not know. Put the right database back. To go on with this one, start "
-              "once with "
-              "--accept-database: scenes that it does not know are then removed. Nothing was changed.");
+    const Mark found = In(m_path);
     if (known.farm.isEmpty())
-        known.farm = found.farm;
+        known.farm = found.farm.isEmpty() ? NewId() : found.farm;
     Write({known.farm, std::max(known.number, found.number) + 1});
 }
 
@@ -68,17 +82,22 @@ void DataMark::Advance()
 
 DataMark::Mark DataMark::InDatabase()
 {
-    return m_database.Read([](SQLite::Database& connection) -> Mark {
-        SQLite::Statement query(connection, "SELECT farm, number FROM data_mark");
-        if (!query.executeStep())
-            return {};
-        return {Text(query.getColumn(0)), query.getColumn(1).getInt64()};
-    });
+    return m_database.Read([](SQLite::Database& connection) { return In(connection); });
 }
 
-DataMark::Mark DataMark::InFolder() const
+DataMark::Mark DataMark::In(SQLite::Database& connection)
 {
-    QFile file(m_path);
+    if (!connection.tableExists("data_mark"))
+        return {};
+    SQLite::Statement query(connection, "SELECT farm, number FROM data_mark");
+    if (!query.executeStep())
+        return {};
+    return {Text(query.getColumn(0)), query.getColumn(1).getInt64()};
+}
+
+DataMark::Mark DataMark::In(const QString& path)
+{
+    QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return {};
     const QList<QByteArray> words = file.readAll().simplified().split(' ');

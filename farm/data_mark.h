@@ -11,13 +11,13 @@ namespace farm {
 class DataMark
 {
 public:
-    /// Throws std::runtime_error, which says what to do, when the folder holds files of a farm but no database. Call it
-    /// before a database is created.
-    static void RequireDatabase(const QString& folder, const QString& database);
+    /// Throws std::runtime_error, which says what to do, when the folder holds files of a farm but no database, or when the
+    /// database is another farm's or older than the folder. Changes nothing. Call it before the database is opened, which
+    /// creates it or brings its tables up to date.
+    /// @param acceptsAny uses a database that is another farm's or older all the same.
+    static void RequireDatabase(const QString& folder, const QString& database, bool acceptsAny);
 
-    /// Throws std::runtime_error, which says what to do, when the database is another farm's or older than the folder.
-    /// @param acceptsAny uses such a database all the same.
-    DataMark(Database& database, const QString& folder, bool acceptsAny);
+    DataMark(Database& database, const QString& folder);
 
     /// Notes that the folder may hold files that a copy of the database made before does not know. Thread-safe.
     void Advance();
@@ -29,8 +29,10 @@ private:
         std::int64_t number = 0;
     };
 
+    static Mark In(SQLite::Database& connection);
+    static Mark In(const QString& path);
+    static void RequireMatch(const QString& path, const QString& database);
     Mark InDatabase();
-    Mark InFolder() const;
     void Write(const Mark& mark);
 
     Database& m_database;

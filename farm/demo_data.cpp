@@ -1,6 +1,7 @@
 #include "farm/demo_data.h"
 
 #include "farm/accounts/account_store.h"
+#include "farm/accounts/account_terms.h"
 #include "farm/accounts/ledger.h"
 #include "farm/accounts/project_store.h"
 #include "farm/jobs/frame_store.h"
@@ -293,7 +294,7 @@ void ProvideDemo(
     // Restarting them leaves the list as long as it is.
     ChangeFeed unheard;
     if (!ended.isEmpty())
-        JobActions(database, unheard, [] {
+        JobActions(database, unheard, AccountTerms(DefaultPrice, 0), [] {
         }).Apply(JobAction::Restart, accounts.Find(QStringLiteral("demo")).value(), ended, now);
 }
 

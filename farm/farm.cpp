@@ -40,7 +40,7 @@ Farm::Farm(const FarmSettings& settings)
     , m_dataFolder(MakeFolder(settings.dataFolder))
     , m_lock(m_dataFolder, LockWait, settings.takeOver)
     , m_database(CheckedDatabaseFile(), Schema(), {Readers, true})
-    , m_mark(m_database, m_dataFolder, settings.acceptDatabase)
+    , m_mark(m_database, m_dataFolder)
     , m_reserve(m_dataFolder, settings.diskReserve)
     , m_terms(settings.pricePerCoreSecond, settings.quota)
     , m_accounts(m_database, settings.sessionSeconds)
@@ -62,7 +62,7 @@ Farm::Farm(const FarmSettings& settings)
     , m_executor(MakeExecutor())
     , m_scheduler({m_queue, m_runs, *m_executor, m_files, m_inWork, m_hindrances}, m_types,
           {m_dataFolder, settings.rendererUser}, settings.lookInterval)
-    , m_actions(m_database, m_feed,
+    , m_actions(m_database, m_feed, m_terms,
           [this] {
               m_scheduler.NudgeLater();
               m_housekeeping.Wake();
@@ -74,9 +74,11 @@ Farm::Farm(const FarmSettings& settings)
                  m_frames, m_inWork, m_pictures, m_feed, m_overview, m_logs, QDir(m_dataFolder), m_terms},
           settings.limits, settings.proxies)
     , m_folders(m_database, Folder("jobs"))
-    , m_housekeeping(m_folders, m_contents, m_mark, settings.keepContents)
+    , m_housekeeping({m_database, m_folders, m_contents, m_mark}, {settings.keepContents, settings.keepAudit})
 {
     CheckExposure(m_accounts, settings);
+    // The scheduler belongs to this thread and must not wait for clients that read much.
+    m_database.ReserveReader();
     PreparePasswords();
     DoHousekeeping();
     QObject::connect(
@@ -104,8 +106,9 @@ Farm::~Farm()
 
 void Farm::TakeOver(const FarmSettings& settings)
 {
-    m_queue.TakeOverLimits(QueueSettingsOf(settings, ReadJobTypes(settings.jobTypesFile)));
-    m_terms.Change(settings.pricePerCoreSecond, settings.quota);
+    const QueueSettings limits = QueueSettingsOf(settings, ReadJobTypes(settings.jobTypesFile));
+    m_terms.Change(m_database, settings.pricePerCoreSecond, settings.quota, Now());
+    m_queue.TakeOverLimits(limits);
     m_reserve.Change(settings.diskReserve);
     m_executor->SetCapacity(settings.slurm ? settings.slurm->frames : settings.slotCount);
     m_scheduler.Nudge();
@@ -120,7 +123,7 @@ QString Farm::MakeFolder(const QString& path)
 
 QString Farm::CheckedDatabaseFile() const
 {
-    DataMark::RequireDatabase(m_dataFolder, DatabaseFile(m_dataFolder));
+    DataMark::RequireDatabase(m_dataFolder, DatabaseFile(m_dataFolder), m_settings.acceptDatabase);
     return DatabaseFile(m_dataFolder);
 }
 

@@ -66,6 +66,8 @@ struct FarmSettings
     std::int64_t diskReserve = std::int64_t {1} << 30;
     /// The time for which contents are kept that no job needs.
     std::chrono::hours keepContents {24 * 7};
+    /// The time for which entries of the audit are kept.
+    std::chrono::hours keepAudit {24 * 365};
     /// Uses a database that is older than the other files in the data folder, or another farm's.
     bool acceptDatabase = false;
     /// Ignores a lock of the data folder that another machine holds.

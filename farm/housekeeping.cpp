@@ -1,5 +1,6 @@
 #include "farm/housekeeping.h"
 
+#include "farm/accounts/audit.h"
 #include "farm/base/local_time.h"
 #include "farm/data_mark.h"
 #include "farm/rendering/job_folders.h"
@@ -19,12 +20,9 @@ constexpr std::chrono::seconds Pause {2};
 
 } // namespace
 
-Housekeeping::Housekeeping(
-    JobFolders& folders, ContentStore& contents, DataMark& mark, std::chrono::hours keepContents)
-    : m_folders(folders)
-    , m_contents(contents)
-    , m_mark(mark)
-    , m_keepContents(keepContents)
+Housekeeping::Housekeeping(const Dependencies& dependencies, const Times& times)
+    : m_deps(dependencies)
+    , m_times(times)
     , m_thread([this] { Run(); })
 {
 }
@@ -58,13 +56,15 @@ std::chrono::milliseconds Housekeeping::Work()
 {
     try {
         const auto goOn = [this] { return !m_isStopped; };
-        const bool areFreed = m_folders.FreeDeleted(goOn);
-        const bool areTidy = m_folders.Tidy(goOn);
-        m_areRunsLeft = m_areRunsLeft && !m_folders.RemoveEndedRuns(goOn);
+        const bool areFreed = m_deps.folders.FreeDeleted(goOn);
+        const bool areTidy = m_deps.folders.Tidy(goOn);
+        m_areRunsLeft = m_areRunsLeft && !m_deps.folders.RemoveEndedRuns(goOn);
         const std::int64_t now = Now();
-        m_contents.ForgetUnneeded(now - std::chrono::seconds(m_keepContents).count(), now, goOn);
+        m_deps.contents.ForgetUnneeded(now - std::chrono::seconds(m_times.contents).count(), now, goOn);
+        const std::int64_t oldAudit = now - std::chrono::seconds(m_times.audit).count();
+        while (goOn() && ForgetAuditEntries(m_deps.database, oldAudit)) { }
         if (std::chrono::steady_clock::now() >= m_nextMark) {
-            m_mark.Advance();
+            m_deps.mark.Advance();
             m_nextMark = std::chrono::steady_clock::now() + Interval;
         }
         return areFreed && areTidy && !m_areRunsLeft ? std::chrono::milliseconds(Interval)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "farm/base/schema.h"
+
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -12,13 +14,25 @@ class ContentStore;
 class DataMark;
 class JobFolders;
 
-/// Frees in a thread of its own what nobody needs any more in the data folder.
+/// Frees in a thread of its own what nobody needs any more in the data folder and the database.
 class Housekeeping
 {
 public:
-    /// @param keepContents is the time for which contents are kept that no job needs.
-    Housekeeping(
-        JobFolders& folders, ContentStore& contents, DataMark& mark, std::chrono::hours keepContents);
+    struct Dependencies
+    {
+        Database& database;
+        JobFolders& folders;
+        ContentStore& contents;
+        DataMark& mark;
+    };
+    /// The times for which contents are kept that no job needs, and entries of the audit.
+    struct Times
+    {
+        std::chrono::hours contents;
+        std::chrono::hours audit;
+    };
+
+    Housekeeping(const Dependencies& dependencies, const Times& times);
     /// Waits for the file that is being removed.
     ~Housekeeping();
     Housekeeping(const Housekeeping&) = delete;
@@ -31,10 +45,8 @@ private:
     void Run();
     std::chrono::milliseconds Work();
 
-    JobFolders& m_folders;
-    ContentStore& m_contents;
-    DataMark& m_mark;
-    const std::chrono::hours m_keepContents;
+    Dependencies m_deps;
+    const Times m_times;
     std::atomic<bool> m_isStopped {false};
     std::mutex m_mutex;
     std::condition_variable m_wake;

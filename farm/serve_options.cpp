@@ -164,6 +164,10 @@ void ServeOptions::AddFiles(CLI::App& app)
         ->type_name("DAYS")
         ->check(IsWholeNumber(0, MostDays))
         ->capture_default_str();
+    app.add_option("--keep-audit", m_keepAudit, "Time for which entries of the audit are kept.")
+        ->type_name("DAYS")
+        ->check(IsWholeNumber(1, MostDays))
+        ->capture_default_str();
     app.add_flag("--accept-database", m_acceptsDatabase,
         "Use a database that is older than the other files in the data folder, or another farm's.");
 }
@@ -187,6 +191,7 @@ FarmSettings ServeOptions::Settings() const
     settings.rendererUser = QString::fromStdString(m_rendererUser);
     settings.diskReserve = m_reserve * Gibibyte;
     settings.keepContents = std::chrono::hours(24 * m_keepContents);
+    settings.keepAudit = std::chrono::hours(24 * m_keepAudit);
     settings.acceptDatabase = m_acceptsDatabase;
     settings.takeOver = m_takesOver;
     settings.demo = !m_hasNoDemo;

@@ -61,6 +61,7 @@ private:
     bool m_hasNoDemo = false;
     int m_reserve = 1;      // GiB
     int m_keepContents = 7; // days
+    int m_keepAudit = 365;  // days
     bool m_acceptsDatabase = false;
     bool m_takesOver = false;
     bool m_stopsWithStdin = false;

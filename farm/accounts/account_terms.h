@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <string>
 
 namespace farm {
 
@@ -15,11 +16,16 @@ class AccountTerms
 public:
     AccountTerms(Micros price, std::int64_t quota);
 
-    /// Sets the farm's terms, which hold from the next frame and request on.
-    void Change(Micros price, std::int64_t quota);
+    /// Sets the farm's terms, which hold from the next frame and request on. Differences are recorded in the audit.
+    void Change(Database& database, Micros price, std::int64_t quota, std::int64_t now);
 
     Micros PriceFor(SQLite::Database& connection, std::int64_t account) const;
     std::int64_t QuotaFor(SQLite::Database& connection, std::int64_t account) const;
+
+    /// A query for the keys of the accounts in arrears: those whose balance is zero or less, unless they render for
+    /// nothing.
+    std::string AccountsInArrears() const;
+    bool IsInArrears(SQLite::Database& connection, std::int64_t account) const;
 
 private:
     std::atomic<Micros> m_price;

@@ -99,7 +99,7 @@ QJsonObject JobRoutes::SetPriority(const ApiRequest& request)
     const std::int64_t account = m_gate.Authorize(request);
     const QJsonObject body = request.Body();
     m_actions.SetPriority(account, RequiredTexts(body, "ids", MostIds),
-        RequiredInteger(body, "priority", LowestPriority, HighestPriority));
+        RequiredInteger(body, "priority", LowestPriority, HighestPriority), Now(), request.Address());
     return DataJson(QJsonObject {{QStringLiteral("notAllowedJobs"), QJsonArray()}});
 }
 

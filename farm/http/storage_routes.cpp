@@ -34,7 +34,7 @@ QJsonObject StorageRoutes::Show(const ApiRequest& request)
 
 QJsonObject StorageRoutes::Free(const ApiRequest& request)
 {
-    const std::int64_t freed = m_contents.ForgetUnneededOf(m_gate.Authorize(request), Now());
+    const std::int64_t freed = m_contents.FreeUnneededOf(m_gate.Authorize(request), Now(), request.Address());
     return DataJson(QJsonObject {{QStringLiteral("freed"), qint64(freed)}});
 }
 

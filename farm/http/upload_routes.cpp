@@ -103,7 +103,7 @@ QJsonObject UploadRoutes::Unpack(const ApiRequest& request)
 
 QJsonObject UploadRoutes::Remove(const ApiRequest& request)
 {
-    m_uploads.Remove(m_gate.AuthorizeTransfer(request), request.PathPart());
+    m_uploads.Remove(m_gate.AuthorizeTransfer(request), request.PathPart(), Now(), request.Address());
     return {};
 }
 

@@ -1,6 +1,6 @@
 #include "farm/jobs/job_actions.h"
 
-#include "farm/accounts/arrears.h"
+#include "farm/accounts/account_terms.h"
 #include "farm/base/errors.h"
 #include "farm/jobs/frame_ranges.h"
 #include "farm/jobs/job_status.h"
@@ -90,21 +90,22 @@ void SendToWork(SQLite::Database& connection, const QString& jobs, std::int64_t 
 }
 
 void RecordAction(SQLite::Database& connection, const char* words, const QString& jobs, std::int64_t now,
-    const QString& address)
+    const QString& address, const QString& details = QStringLiteral(""))
 {
     Execute(connection,
-        "INSERT INTO audit(at, who, origin, action, subject) "
+        "INSERT INTO audit(at, who, origin, action, subject, details) "
         "SELECT ?2, iif(?3 = '', 'the farm', (SELECT name FROM accounts WHERE key = jobs.account)), ?3, ?4, "
-        "id "
-        "FROM jobs WHERE key IN (SELECT value FROM json_each(?1))",
-        jobs, now, address, QString::fromLatin1(words));
+        "id, ?5 FROM jobs WHERE key IN (SELECT value FROM json_each(?1))",
+        jobs, now, address, QString::fromLatin1(words), details);
 }
 
 } // namespace
 
-JobActions::JobActions(Database& database, ChangeFeed& feed, std::function<void()> changed)
+JobActions::JobActions(
+    Database& database, ChangeFeed& feed, const AccountTerms& terms, std::function<void()> changed)
     : m_database(database)
     , m_feed(feed)
+    , m_terms(terms)
     , m_changed(std::move(changed))
 {
 }
@@ -116,7 +117,7 @@ QStringList JobActions::Apply(
     const Rule rule = RuleOf(action);
     const QStringList refused = m_database.Write([&](SQLite::Database& connection) {
         const QString jobs = AffectedJobs(connection, rule.appliesTo, account, ids);
-        if (rule.sendsToWork && IsInArrears(connection, account))
+        if (rule.sendsToWork && m_terms.IsInArrears(connection, account))
             return ids;
         RecordAction(connection, rule.words, jobs, now, address);
         Execute(connection,
@@ -136,14 +137,17 @@ QStringList JobActions::Apply(
     return refused;
 }
 
-void JobActions::SetPriority(std::int64_t account, QStringList ids, int priority)
+void JobActions::SetPriority(
+    std::int64_t account, QStringList ids, int priority, std::int64_t now, const QString& address)
 {
     ids.removeDuplicates();
     m_database.Write([&](SQLite::Database& connection) {
         const QString jobs = AffectedJobs(connection, "status <> 5", account, ids);
         Execute(connection, "UPDATE jobs SET priority = ?2 WHERE key IN (SELECT value FROM json_each(?1))",
             jobs, priority);
+        RecordAction(connection, "job priority", jobs, now, address, QString::number(priority));
     });
+    m_feed.Announce(account, {QSet<QString>(ids.cbegin(), ids.cend())});
     m_changed();
 }
 

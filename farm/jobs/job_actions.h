@@ -10,6 +10,8 @@
 
 namespace farm {
 
+class AccountTerms;
+
 enum class JobAction { Stop, Recover, Restart, Delete, FullRender };
 
 /// The actions of accounts on their jobs. Each is one transaction. Except for Restart, repeating an action has no further
@@ -18,7 +20,8 @@ class JobActions
 {
 public:
     /// @param changed is called after each action, in the thread that asked for it.
-    JobActions(Database& database, ChangeFeed& feed, std::function<void()> changed);
+    JobActions(
+        Database& database, ChangeFeed& feed, const AccountTerms& terms, std::function<void()> changed);
 
     /// Applies the action to the account's jobs with these ids; jobs whose status does not allow it are left as they are.
     /// `now` is in seconds since the epoch, and `address` is where the request comes from, empty when the farm itself acts.
@@ -29,11 +32,13 @@ public:
         const QString& address = {});
 
     /// Gives those of the jobs that are not deleted this priority. Throws NotFound as Apply() does.
-    void SetPriority(std::int64_t account, QStringList ids, int priority);
+    void SetPriority(
+        std::int64_t account, QStringList ids, int priority, std::int64_t now, const QString& address = {});
 
 private:
     Database& m_database;
     ChangeFeed& m_feed;
+    const AccountTerms& m_terms;
     std::function<void()> m_changed;
 };
 

@@ -1,7 +1,6 @@
 #include "farm/jobs/job_submission.h"
 
 #include "farm/accounts/account_names.h"
-#include "farm/accounts/arrears.h"
 #include "farm/accounts/audit.h"
 #include "farm/accounts/project_store.h"
 #include "farm/base/errors.h"
@@ -62,7 +61,7 @@ AddedJob JobSubmission::Add(SQLite::Database& connection, Submission& submission
     job.sceneBytes = CheckFiles(job, m_terms.QuotaFor(connection, job.account));
     if (!submission.pool.isEmpty())
         job.project = ProjectOf(connection, job.account, submission.pool);
-    job.status = IsInArrears(connection, job.account) ? JobStatus::Arrears : JobStatus::Waiting;
+    job.status = m_terms.IsInArrears(connection, job.account) ? JobStatus::Arrears : JobStatus::Waiting;
     const AddedJob added = m_jobs.Add(job);
     RecordChange(connection, job.submittedAt, {AccountName(connection, job.account), address},
         QStringLiteral("job submit"), added.id);

@@ -1,6 +1,5 @@
 #include "farm/rendering/render_queue.h"
 
-#include "farm/accounts/arrears.h"
 #include "farm/accounts/ledger.h"
 #include "farm/base/local_time.h"
 #include "farm/jobs/frame_store.h"
@@ -33,6 +32,16 @@ void Forgive(SQLite::Database& connection, const std::vector<FrameKey>& frames, 
             frame.job, frame.number, frame.run, now);
         UpdateTurn(connection, frame.job, now);
     }
+}
+
+void StopType(SQLite::Database& connection, const QString& type, const QString& message, std::int64_t now)
+{
+    const QString text
+        = QStringLiteral("The renderer of %1 jobs has failed at once in several jobs since %2. "
+                         "The farm tries a frame a minute until one succeeds. Last failure: %3")
+              .arg(type, TimeText(now), message);
+    Execute(connection, "INSERT OR REPLACE INTO stopped_types(type, message) VALUES (?, ?)", type, text);
+    spdlog::error("{}", text.toStdString());
 }
 
 /// Changes to announce to an account; account 0 stands for no change.
@@ -167,11 +176,11 @@ void RenderQueue::TakeOverLimits(const QueueSettings& settings)
 
 void RenderQueue::PauseJobsInArrears()
 {
-    const auto paused = m_database.Write([](SQLite::Database& connection) {
+    const auto paused = m_database.Write([this](SQLite::Database& connection) {
         SQLite::Statement pause(connection,
             std::string("UPDATE jobs INDEXED BY jobs_by_status SET status = iif(status = ?1, ?2, ?3) "
                         "WHERE status IN (0, 1, 6) AND account IN (")
-                + AccountsInArrears + ") RETURNING account, id");
+                + m_terms.AccountsInArrears() + ") RETURNING account, id");
         Bind(pause, static_cast<int>(JobStatus::Running), static_cast<int>(JobStatus::PausedInArrears),
             static_cast<int>(JobStatus::Arrears));
         std::map<std::int64_t, AccountChanges> changes;
@@ -222,15 +231,21 @@ bool RenderQueue::Fail(const FrameKey& frame, const QString& message, std::int64
         if (!job)
             return Announcement {};
         AddUse(connection, job->account, coreMilliseconds, now);
+        // A failure whose record is rolled back comes again and must not count twice.
+        TypeHealth health = m_health;
         const auto verdict
-            = seconds ? m_health.Failed(job->type, frame, *seconds, now) : TypeHealth::Verdict::Alive;
+            = seconds ? health.Failed(job->type, frame, *seconds, now) : TypeHealth::Verdict::Alive;
+        m_database.AfterCommit([this, health] { m_health = health; });
         const bool counts = verdict == TypeHealth::Verdict::Alive || verdict == TypeHealth::Verdict::Stopped;
         if (Retry(connection, frame, counts, now, log))
             Execute(connection,
                 "UPDATE jobs SET message = ?2 WHERE key IN (SELECT key FROM open_jobs WHERE key = ?1) "
                 "AND message = ''",
                 frame.job, QStringLiteral("Frame %1: %2").arg(frame.number).arg(message));
-        HandleVerdict(connection, verdict, *job, message, now);
+        if (verdict == TypeHealth::Verdict::Confirmed)
+            Forgive(connection, health.FailedInARow(job->type), now);
+        if (verdict == TypeHealth::Verdict::Stopped)
+            StopType(connection, job->type, message, now);
         hasFailed = UpdateTurn(connection, frame.job, now);
         return Announcement {job->account, {{job->id}, hasFailed}, verdict == TypeHealth::Verdict::Stopped};
     });
@@ -276,21 +291,6 @@ bool RenderQueue::Retry(SQLite::Database& connection, const FrameKey& frame, boo
     retry.reset();
     KeepFrameLog(connection, frame.job, frame.number, log);
     return isPassedBy;
-}
-
-void RenderQueue::HandleVerdict(SQLite::Database& connection, TypeHealth::Verdict verdict,
-    const JobFacts& job, const QString& message, std::int64_t now)
-{
-    if (verdict == TypeHealth::Verdict::Confirmed)
-        Forgive(connection, m_health.FailedInARow(job.type), now);
-    if (verdict != TypeHealth::Verdict::Stopped)
-        return;
-    const QString text
-        = QStringLiteral("The renderer of %1 jobs has failed at once in several jobs since %2. "
-                         "The farm tries a frame a minute until one succeeds. Last failure: %3")
-              .arg(job.type, TimeText(now), message);
-    Execute(connection, "INSERT OR REPLACE INTO stopped_types(type, message) VALUES (?, ?)", job.type, text);
-    spdlog::error("{}", text.toStdString());
 }
 
 } // namespace farm

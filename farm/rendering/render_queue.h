@@ -77,8 +77,6 @@ private:
         std::int64_t now) const;
     bool Retry(SQLite::Database& connection, const FrameKey& frame, bool counts, std::int64_t now,
         const QString& log) const;
-    void HandleVerdict(SQLite::Database& connection, TypeHealth::Verdict verdict, const JobFacts& job,
-        const QString& message, std::int64_t now);
 
     Database& m_database;
     ChangeFeed& m_feed;

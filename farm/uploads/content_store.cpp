@@ -1,5 +1,7 @@
 #include "farm/uploads/content_store.h"
 
+#include "farm/accounts/account_names.h"
+#include "farm/accounts/audit.h"
 #include "farm/base/errors.h"
 #include "farm/base/random.h"
 #include "storage/checksum.h"
@@ -170,6 +172,22 @@ void ContentStore::ForgetUnneeded(
 
 std::int64_t ContentStore::ForgetUnneededOf(std::int64_t account, std::int64_t usedBefore)
 {
+    return ForgetUnneededOf(account, usedBefore, [](SQLite::Database&, std::int64_t) {});
+}
+
+std::int64_t ContentStore::FreeUnneededOf(std::int64_t account, std::int64_t now, const QString& address)
+{
+    return ForgetUnneededOf(account, now, [&](SQLite::Database& connection, std::int64_t bytes) {
+        const QString name = AccountName(connection, account);
+        if (bytes > 0)
+            RecordChange(connection, now, {name, address}, QStringLiteral("files free"), name,
+                QStringLiteral("%1 bytes").arg(bytes));
+    });
+}
+
+std::int64_t ContentStore::ForgetUnneededOf(
+    std::int64_t account, std::int64_t usedBefore, const Record& record)
+{
     QStringList gone;
     const std::int64_t bytes = m_database.Write([&](SQLite::Database& connection) {
         SQLite::Statement forget(connection,
@@ -181,6 +199,7 @@ std::int64_t ContentStore::ForgetUnneededOf(std::int64_t account, std::int64_t u
             gone.append(Text(forget.getColumn(0)));
             freed += forget.getColumn(1).getInt64();
         }
+        record(connection, freed);
         return freed;
     });
     RemoveFiles(gone);

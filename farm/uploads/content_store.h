@@ -68,6 +68,9 @@ public:
         std::int64_t usedBefore, std::int64_t now, const std::function<bool()>& goOn = [] { return true; });
     /// The same for the contents of one account. Returns the bytes that no longer count.
     std::int64_t ForgetUnneededOf(std::int64_t account, std::int64_t usedBefore);
+    /// Forgets all contents that no job of the account needs, because the account wants it. `address` is where the request
+    /// comes from.
+    std::int64_t FreeUnneededOf(std::int64_t account, std::int64_t now, const QString& address);
 
     /// Provides a content as a file that does not exist yet, see ShareFile(), and verifies it. Throws Interrupted and
     /// std::runtime_error.
@@ -76,6 +79,8 @@ public:
 private:
     void RemoveStrayFiles();
     void RemoveFiles(const QStringList& checksums);
+    using Record = std::function<void(SQLite::Database&, std::int64_t bytes)>;
+    std::int64_t ForgetUnneededOf(std::int64_t account, std::int64_t usedBefore, const Record& record);
     QString FileOf(const QString& checksum) const;
 
     Database& m_database;

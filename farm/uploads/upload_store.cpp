@@ -1,5 +1,7 @@
 #include "farm/uploads/upload_store.h"
 
+#include "farm/accounts/account_names.h"
+#include "farm/accounts/audit.h"
 #include "farm/base/errors.h"
 #include "farm/base/random.h"
 #include "farm/uploads/content_store.h"
@@ -295,10 +297,15 @@ void UploadStore::Forget(const QString& id)
     QFile::remove(FileOf(id));
 }
 
-void UploadStore::Remove(std::int64_t account, const QString& id)
+void UploadStore::Remove(std::int64_t account, const QString& id, std::int64_t now, const QString& address)
 {
     const UploadLocks::Hold hold(m_locks, id);
-    Find(account, id);
+    const Upload upload = Find(account, id);
+    m_database.Write([&](SQLite::Database& connection) {
+        const QString name = AccountName(connection, account);
+        RecordChange(connection, now, {name, address}, QStringLiteral("upload delete"), name,
+            QStringLiteral("%1 bytes").arg(upload.size));
+    });
     Forget(id);
 }
 

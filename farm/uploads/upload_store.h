@@ -55,8 +55,9 @@ public:
     /// Throws Conflict while bytes are missing, BadPackage, QuotaExceeded and Busy.
     Upload Unpack(std::int64_t account, const QString& id, std::int64_t now);
 
-    /// Deletes the upload and what has arrived of it; the contents of an unpacked one stay. Throws Busy.
-    void Remove(std::int64_t account, const QString& id);
+    /// Deletes the upload and what has arrived of it; the contents of an unpacked one stay. `address` is where the request
+    /// comes from. Throws Busy.
+    void Remove(std::int64_t account, const QString& id, std::int64_t now, const QString& address);
     /// Deletes the uploads that no request has touched for seven days.
     void ForgetOld(std::int64_t now);
     /// Makes Unpack() stop, because the farm is shutting down.

@@ -1,8 +1,29 @@
 #include "farm/accounts/account_admin.h"
+#include "farm/jobs/job_actions.h"
 #include "farm/rendering/render_queue.h"
 #include "tests/farm/farm_fixture.h"
 
 using namespace farm;
+
+namespace {
+
+// Changes of the records of a job that was restarted, whose two frames are finished, and what the ledger says of it. Once, the
+// first frame was finished before.
+const std::tuple<const char*, const char*, const char*> Runs[] = {
+    {"right", "", ""},
+    {"deleted", "UPDATE jobs SET status = 5; DELETE FROM frames", ""},
+    {"not charged again", "UPDATE jobs SET run = 3", " was not charged."},
+    {"charged without an end", "UPDATE frames SET finished_at = NULL WHERE number = 2",
+        " was charged but is not finished."},
+    {"charged for no frame", "DELETE FROM frames WHERE number = 2", " was charged but is not finished."},
+    {"charged twice in a run",
+        "INSERT INTO charges(account, job, frame, core_milliseconds, amount, charged_at, run) SELECT "
+        "account, "
+        "job, frame, 0, 0, 100, run FROM charges WHERE frame = 2",
+        " was charged more often than the job was begun."},
+};
+
+} // namespace
 
 class AccountsTest : public QObject
 {
@@ -89,6 +110,60 @@ private slots:
         for (const auto& word : {"account ann"_s, "at its price"_s, "not charged"_s, "more often"_s})
             QVERIFY2(found.contains(word), qPrintable(found));
         QVERIFY(!found.contains("another account"_s));
+    }
+
+    void TheLedgerKnowsTheRunsOfAJob_data() { AddRows(Runs); }
+    void TheLedgerKnowsTheRunsOfAJob()
+    {
+        const auto& [name, change, fault] = Row(Runs);
+        FarmData data(m_folder->path());
+        const AddedJob job = data.jobs.Add(data.Job("job"_s, 2));
+        for (int run = 1; run <= 2; ++run) {
+            for (int frame = 1; frame <= run; ++frame)
+                RenderQueue(data.database, data.feed, data.terms)
+                    .Finish({job.key, frame, run}, {}, 1500, 100);
+            if (run == 1)
+                JobActions(data.database, data.feed, data.terms, [] {
+                }).Apply(JobAction::Restart, data.account, {job.id}, 100);
+        }
+        data.Change(change);
+        QStringList found;
+        Ledger(data.database).Check([&found](const QString& text) { found.append(text); });
+        QCOMPARE(found.join(u' ').section("%1"_s.arg(job.id), 1), QString::fromLatin1(fault));
+    }
+
+    void NobodyIsInArrearsWhoRendersForNothing()
+    {
+        FarmData data(m_folder->path());
+        const std::int64_t bob = data.Add("bob", "x");
+        const auto isInArrears = [&] {
+            return data.database.Read(
+                [&](SQLite::Database& connection) { return data.terms.IsInArrears(connection, bob); });
+        };
+        QVERIFY(isInArrears());
+        AccountAdmin(data.database, {}, 0).SetPrice("bob"_s, 0);
+        QVERIFY(!isInArrears());
+        data.terms.Change(data.database, 0, 1, 5);
+        QVERIFY(!isInArrears());
+        AccountAdmin(data.database, {}, 0).SetPrice("bob"_s, 1);
+        QVERIFY(isInArrears());
+        const auto changed = LastAuditEntries(data.database, "all accounts"_s, 2);
+        QCOMPARE(SentenceOf(changed.at(0)), "default price all accounts (0) by the farm from its settings"_s);
+        QCOMPARE(changed.at(1).details, "1 bytes"_s);
+    }
+
+    void OldEntriesOfTheAuditGo()
+    {
+        FarmData data(m_folder->path());
+        data.Change(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 1400) INSERT INTO "
+            "audit(at, who, origin, action, subject) SELECT i, '', '', '', '' FROM n");
+        for (int rounds = 0; ForgetAuditEntries(data.database, 1200); ++rounds)
+            QVERIFY(rounds < 10);
+        QCOMPARE(data.Count("SELECT min(at) FROM audit"), 1201);
+        while (ForgetAuditEntries(data.database, 5000)) { }
+        // Its key is not used again.
+        QCOMPARE(data.Count("SELECT sum(at) FROM audit"), 1400);
     }
 
 private:

@@ -52,11 +52,20 @@ private slots:
         const auto free
             = [this] { return m_farm->Send("DELETE", "/account/storage"_s).Data("freed").toInt(); };
         QCOMPARE(free(), 0);
+        const int entries = m_farm->data.Count("SELECT max(key) FROM audit");
         QCOMPARE(m_farm->Apply("delete"_s, {kept}).status, 200);
         QCOMPARE(Storage("unneeded").toInt(), 13);
         QCOMPARE(free(), 13);
         QCOMPARE(Storage("used").toInt(), 0);
+        QCOMPARE(
+            m_farm->Send("DELETE", "/uploads/"_s + m_farm->BeginUpload("other").Data("id").toString()).status,
+            200);
+        QStringList changes;
+        ForEachAuditEntryAfter(m_farm->data.database, entries,
+            [&](const AuditEntry& entry) { changes.append(entry.action + u' ' + entry.details); });
+        QCOMPARE(changes.join(u';'), "job delete ;files free 13 bytes;upload delete 5 bytes"_s);
         EVENTUALLY_COMPARE(Folders(), QStringList());
+        EVENTUALLY_COMPARE(m_farm->data.Count("SELECT count(*) FROM frames"), 0);
         // The job's record stays, and its files can be sent again.
         QCOMPARE(m_farm->Get("/jobs/"_s + kept).Data("jobDatas")["jobProgress"_s].toInt(), 100);
         QCOMPARE(m_farm->Known({Sha256("a leaf")}), QJsonArray());
@@ -154,7 +163,8 @@ private slots:
         contents.ForgetUnneeded(100, 5000);
         QCOMPARE(known(data.account), "needed asked"_s);
         QCOMPARE(known(bob), "shared"_s);
-        JobActions(data.database, data.feed, [] {}).Apply(JobAction::Delete, data.account, {id}, 5000);
+        JobActions(data.database, data.feed, data.terms, [] {
+        }).Apply(JobAction::Delete, data.account, {id}, 5000);
         contents.ForgetUnneeded(4999, 6000);
         QCOMPARE(known(data.account), "needed"_s);
         QCOMPARE(known(bob), QString());
@@ -237,6 +247,13 @@ private slots:
         QVERIFY(QFile::rename(database, database + ".away"_s));
         QVERIFY(refuses("farm.sqlite is missing"));
         QVERIFY(!QFile::exists(database) && QFile::exists(content));
+        // An old database stays as it is.
+        storage::Migrations old = Schema();
+        old.resize(3);
+        Database(database, old).Read([](SQLite::Database&) {});
+        QVERIFY(refuses("is not that of"));
+        QCOMPARE(SQLite::Database(database.toStdString()).execAndGet("PRAGMA user_version").getInt(), 3);
+        QVERIFY(QFile::remove(database));
         QVERIFY(QFile::rename(database + ".away"_s, database));
         m_farm->settings.acceptDatabase = true;
         m_farm->Start();

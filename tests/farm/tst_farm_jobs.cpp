@@ -1,6 +1,7 @@
 #include "farm/base/errors.h"
 #include "farm/base/local_time.h"
 #include "farm/http/read_conditions.h"
+#include "farm/jobs/job_actions.h"
 #include "farm/jobs/job_filter.h"
 #include "tests/farm/farm_fixture.h"
 
@@ -148,6 +149,16 @@ private slots:
                          [](const JobRecord& job, std::int64_t number) { return job.number == number; }),
                 where);
         }
+    }
+
+    void RecordsWhoSetsAPriority()
+    {
+        const QString id = m_ids.first();
+        JobActions(m_data.database, m_data.feed, m_data.terms, [] {
+        }).SetPriority(m_data.account, {id}, 7, 5, "::1"_s);
+        QCOMPARE(m_data.jobs.Plan(m_data.account, id).priority, 7);
+        QCOMPARE(SentenceOf(LastAuditEntries(m_data.database, id, 1).at(0)),
+            "job priority %1 (7) by ann from ::1"_s.arg(id));
     }
 
     void RefusesUnreadableConditions_data() { AddRows(Unreadable); }

@@ -1,10 +1,13 @@
 #include "farm/jobs/job_actions.h"
 #include "farm/rendering/job_pauses.h"
+#include "farm/rendering/job_workers.h"
 #include "farm/rendering/render_queue.h"
 #include "tests/farm/farm_fixture.h"
 
 #include <cmath>
 #include <ctime>
+#include <functional>
+#include <future>
 
 using namespace farm;
 
@@ -151,7 +154,7 @@ private slots:
         QCOMPARE(Only().status, int(JobStatus::Failed));
         QCOMPARE(Only().message, "1 of 3 frames failed. Frame 1: no sail of 190"_s);
         // Recovering renders only what is missing. The farm's own faults cost no attempt.
-        JobActions(m_data->database, m_data->feed, [] {
+        JobActions(m_data->database, m_data->feed, m_data->terms, [] {
         }).Apply(JobAction::Recover, m_data->account, {Only().id}, 200);
         for (int now = 200; now < 700; now += 100) {
             const auto task = Next(queue, {"povray"_s}, now);
@@ -221,6 +224,14 @@ private slots:
             return failures;
         };
         RenderQueue queue = Queue();
+        // Failures whose records are lost come again, and count only then.
+        for (int failure = 0; failure < 9; ++failure) {
+            const auto failing = [&](SQLite::Database&) {
+                queue.Fail({failure % 3 + 1, 1}, "no licence"_s, 1);
+                throw std::runtime_error("the disk is full");
+            };
+            QVERIFY_EXCEPTION_THROWN(m_data->database.Write(failing), std::runtime_error);
+        }
         QCOMPARE(
             attempts(queue, 1, 1), TypeHealth::FailuresToStop + 1); // with a trial of another job at once
         QCOMPARE(attempts(queue, 2, 600), 9);
@@ -274,6 +285,41 @@ private slots:
         const auto later = frames(8000);
         QCOMPARE(taken.size(), std::size_t(8100));
         QVERIFY2(later < 2 * first + 20, qPrintable("%1 us a frame, then %2 us"_s.arg(first).arg(later)));
+    }
+
+    // On one thread, which is busy with ann's first job while the others arrive.
+    void AccountsTakeTurnsAtTheWorkersOfJobs()
+    {
+        std::promise<void> begin;
+        QStringList done;
+        JobWorkers workers(1);
+        workers.Add(1, 1, [&] { begin.get_future().wait(); });
+        const std::tuple<int, int> added[] = {{1, 1}, {1, 1}, {1, 2}, {2, 7}, {2, 8}, {3, 9}};
+        for (const auto& [account, job] : added)
+            workers.Add(account, job, [&, job = job] { done.append(QString::number(job)); });
+        std::promise<void> end;
+        workers.Add(1, 4, [&] { end.set_value(); });
+        begin.set_value();
+        end.get_future().wait();
+        QCOMPARE(done.join(u' '), "7 9 1 8 1 2"_s);
+    }
+
+    void AThreadWithAReaderOfItsOwnWaitsForNobody()
+    {
+        Database database(m_folder->filePath("farm.sqlite"_s), Schema(), {1, false});
+        database.ReserveReader();
+        std::promise<void> reading;
+        std::promise<void> read;
+        const auto reader = std::async(std::launch::async, [&] {
+            database.Read([&](SQLite::Database&) {
+                reading.set_value();
+                read.get_future().wait_for(std::chrono::seconds(10));
+            });
+        });
+        reading.get_future().wait();
+        database.Read([](SQLite::Database&) {});
+        QCOMPARE(reader.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
+        read.set_value();
     }
 
 private:

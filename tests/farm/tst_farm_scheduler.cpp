@@ -341,7 +341,7 @@ private:
 
         void Apply(JobAction action, const QString& id)
         {
-            JobActions(data.database, data.feed, [this] {
+            JobActions(data.database, data.feed, data.terms, [this] {
                 scheduler.Nudge();
             }).Apply(action, data.account, {id}, 100);
         }

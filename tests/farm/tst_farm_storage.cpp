@@ -355,11 +355,9 @@ private slots:
             std::set<FrameKey> taken;
             const FrameTask next
                 = RenderQueue(data.database, data.feed, data.terms).Choose({{"povray"_s}}, taken, 1).at(0);
-            QCOMPARE(next.jobId, "old"_s);
-            QCOMPARE(next.Number(), 3);
-            QCOMPARE(next.FrameSpan(), 5);
+            QCOMPARE("%1 %2 %3"_s.arg(next.jobId).arg(next.Number()).arg(next.FrameSpan()), "old 3 5"_s);
             QVERIFY(data.jobs.Plan(data.account, next.jobId).prerender);
-            JobActions(data.database, data.feed, [] {
+            JobActions(data.database, data.feed, data.terms, [] {
             }).Apply(JobAction::FullRender, data.account, {next.jobId}, 10);
             QCOMPARE(data.Only().progress, 20);
             QCOMPARE(data.Only().status, int(JobStatus::ToFullRender));
