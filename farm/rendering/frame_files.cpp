@@ -28,6 +28,11 @@ QString PlainSuffix(const QString& suffix)
     return plain.match(suffix).hasMatch() ? suffix : QStringLiteral("scene");
 }
 
+QString MarkOf(const QString& jobFolder)
+{
+    return QDir(jobFolder).filePath(QStringLiteral("run"));
+}
+
 } // namespace
 
 FrameFiles::FrameFiles(
@@ -76,7 +81,7 @@ RenderPlace FrameFiles::Prepare(
     RenderPlace place = PlaceOf(task, manner.suffix, run);
     if (!QDir().mkpath(place.run.OutputFolder()))
         storage::ThrowWriteError("cannot create the folder of an unfinished frame", folder.path(), 0);
-    BeginRun(folder, task.key.run, manner.suffix);
+    BeginRun(task, manner.suffix);
     m_scenes.Provide(task, folder, manner.mayLink, goesOn);
     LinkScene(place, task.scene);
     OpenToRenderer(place, folder);
@@ -102,20 +107,26 @@ void FrameFiles::LinkScene(const RenderPlace& place, const QString& scene)
         throw std::runtime_error("cannot create a link to the scene");
 }
 
-/// Removes the frames of earlier runs before the first of this one is rendered. A file names the run that has begun, and is on
-/// the disk before that frame is. Without it, an early version of the farm may have begun this run.
-void FrameFiles::BeginRun(const QDir& folder, int run, const QString& suffix)
+int FrameFiles::BegunRun(const QString& jobId) const
 {
-    QFile mark(folder.filePath(QStringLiteral("run")));
-    const int begun = mark.open(QIODevice::ReadOnly) ? mark.readAll().toInt() : 0;
-    if (begun >= run)
+    QFile mark(MarkOf(JobFolder(jobId)));
+    return mark.open(QIODevice::ReadOnly) ? mark.readAll().toInt() : 0;
+}
+
+/// Removes the frames of earlier runs before the first of this one is rendered. A file names the run that has begun, and is on
+/// the disk before that frame is.
+void FrameFiles::BeginRun(const FrameTask& task, const QString& suffix) const
+{
+    const int begun = BegunRun(task.jobId);
+    if (begun >= task.key.run)
         return;
     if (begun > 0)
-        RemoveFrames(folder, suffix);
-    const QString unfinished = mark.fileName() + QStringLiteral(".new");
+        RemoveFrames(JobFolder(task.jobId), suffix);
+    const QString mark = MarkOf(JobFolder(task.jobId));
+    const QString unfinished = mark + QStringLiteral(".new");
     QFile::remove(unfinished);
-    storage::AppendDurably(unfinished, 0, QByteArray::number(run));
-    storage::RenameDurably(unfinished, mark.fileName());
+    storage::AppendDurably(unfinished, 0, QByteArray::number(task.key.run));
+    storage::RenameDurably(unfinished, mark);
 }
 
 void FrameFiles::RemoveFrames(QDir folder, const QString& suffix)

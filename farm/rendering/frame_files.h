@@ -75,9 +75,12 @@ public:
     /// Removes what a run has left behind.
     void Discard(const FrameTask& task, const RunId& run) const;
 
+    /// The run of a job that began last in its folder; 0 when none did, or only with an early version of the farm.
+    int BegunRun(const QString& jobId) const;
+
 private:
     static void LinkScene(const RenderPlace& place, const QString& scene);
-    static void BeginRun(const QDir& folder, int run, const QString& suffix);
+    void BeginRun(const FrameTask& task, const QString& suffix) const;
     static void RemoveFrames(QDir folder, const QString& suffix);
     static void OwnAlone(const QString& picture);
     void MakeFolder(const QDir& folder) const;

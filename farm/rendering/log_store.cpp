@@ -21,15 +21,16 @@ LogStore::LogStore(Database& database, const FrameFiles& files)
 
 std::shared_ptr<QFile> LogStore::Open(const QString& job, int frame)
 {
-    const auto isCurrent = m_database.Read([&job](SQLite::Database& connection) {
-        SQLite::Statement query(connection, "SELECT begun_run IN (0, run) FROM jobs WHERE id = ?");
+    const auto run = m_database.Read([&job](SQLite::Database& connection) {
+        SQLite::Statement query(connection, "SELECT run FROM jobs WHERE id = ?");
         Bind(query, job);
-        return query.executeStep() ? std::optional(query.getColumn(0).getInt() != 0) : std::nullopt;
+        return query.executeStep() ? std::optional(query.getColumn(0).getInt()) : std::nullopt;
     });
-    if (!isCurrent)
+    if (!run)
         throw NotFound("there is no such job");
     // The files of a job that was restarted are still those of its earlier run.
-    if (!*isCurrent)
+    const int begun = m_files.BegunRun(job);
+    if (begun > 0 && begun < *run)
         return nullptr;
     // A renderer may have put a link or a pipe in the place of its log.
     const QString path

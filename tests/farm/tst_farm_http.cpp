@@ -234,9 +234,10 @@ private slots:
         QVERIFY(QFile::link("/etc/hostname"_s, folder + "/frame_0002.txt"_s));
         const QString own = "/jobs/%1/frames/%2/full-log"_s;
         // While the job has been restarted and has not begun again.
-        m_farm.data.Change("UPDATE jobs SET begun_run = 1, run = 2");
+        m_farm.data.Change("UPDATE jobs SET run = 2");
+        QVERIFY(WriteFile(m_farm.Path("jobs/%1/run"_s.arg(m_id)), "1"));
         QCOMPARE(m_farm.Get(own.arg(m_id, "1"_s)).status, 404);
-        m_farm.data.Change("UPDATE jobs SET begun_run = 2");
+        QVERIFY(WriteFile(m_farm.Path("jobs/%1/run"_s.arg(m_id)), "2"));
         QCOMPARE(m_farm.Get(own.arg(m_id, "1"_s)).bytes, "all of it");
         QCOMPARE(m_farm.Get(own.arg(m_id, "2"_s)).status, 404);
 
