@@ -247,13 +247,6 @@ private slots:
         QVERIFY(QFile::rename(database, database + ".away"_s));
         QVERIFY(refuses("farm.sqlite is missing"));
         QVERIFY(!QFile::exists(database) && QFile::exists(content));
-        // An old database stays as it is.
-        storage::Migrations old = Schema();
-        old.resize(3);
-        Database(database, old).Read([](SQLite::Database&) {});
-        QVERIFY(refuses("is not that of"));
-        QCOMPARE(SQLite::Database(database.toStdString()).execAndGet("PRAGMA user_version").getInt(), 3);
-        QVERIFY(QFile::remove(database));
         QVERIFY(QFile::rename(database + ".away"_s, database));
         m_farm->settings.acceptDatabase = true;
         m_farm->Start();
@@ -264,6 +257,17 @@ private slots:
         m_farm->End();
         QVERIFY(QFile::remove(m_farm->Path("data.mark"_s)));
         m_farm->Start();
+        // An old database that is refused is not brought up to date.
+        const QTemporaryDir other;
+        storage::Migrations old = Schema();
+        old.resize(3);
+        Database oldDatabase(other.filePath("farm.sqlite"_s), old);
+        WriteFile(other.filePath("data.mark"_s), "other 7");
+        m_farm->settings.dataFolder = other.path();
+        QVERIFY(refuses("is not that of"));
+        oldDatabase.Read([](SQLite::Database& connection) {
+            QCOMPARE(connection.execAndGet("PRAGMA user_version").getInt(), 3);
+        });
     }
 
 private:
