@@ -1,4 +1,5 @@
 #include "farm/accounts/account_admin.h"
+#include "farm/base/errors.h"
 #include "farm/jobs/job_actions.h"
 #include "farm/rendering/render_queue.h"
 #include "tests/farm/farm_fixture.h"
@@ -64,6 +65,68 @@ private slots:
         QVERIFY(disk.contains("ann@example.org"));
         for (const QByteArray& secret : {QByteArray("secret"), first.toLatin1(), second.toLatin1()})
             QVERIFY2(!disk.contains(secret), secret);
+    }
+
+    void TakesPlainNamesAndLongPasswords()
+    {
+        FarmData data(m_folder->path());
+        AccountAdmin admin(data.database, {}, 0);
+        const QString longest(64, QLatin1Char('n'));
+        const QString secret(1024, QLatin1Char('p'));
+        const std::tuple<QString, QString, bool> given[] = {{"b"_s, "12345678"_s, true},
+            {longest, secret, true}, {"c"_s, "1234567"_s, false}, {"c"_s, secret + "p"_s, false},
+            {"longname"_s, "LongName"_s, false}, {QString(), secret, false}, {longest + "n"_s, secret, false},
+            {"c "_s, secret, false}, {"c\nd"_s, secret, false}};
+        for (const auto& [name, password, isTaken] : given) {
+            if (isTaken)
+                admin.Add({name, {}, password});
+            else
+                QVERIFY_EXCEPTION_THROWN(admin.Add({name, {}, password}), InvalidInput);
+        }
+        QCOMPARE(admin.List().size(), std::size_t(3));
+        QVERIFY(data.accounts.IsPassword("ann"_s, "secret"_s) && !data.accounts.IsPassword("ann"_s, "ann"_s));
+    }
+
+    void RecordsChangesAndEndsSessions()
+    {
+        FarmData data(m_folder->path());
+        AccountAdmin admin(data.database, {}, 100);
+        admin.Add({"bob"_s, {}, "a good secret"_s});
+        const auto begin = [&data](const QString& password) {
+            return data.accounts.SignIn("bob"_s, password, 100).value_or(Session {}).token;
+        };
+        QString token = begin("a good secret"_s);
+        const auto isOver = [&] { return !data.accounts.AccountOf(token, 100); };
+        admin.SetPassword("bob"_s, "another secret"_s);
+        QVERIFY(isOver());
+        token = begin("another secret"_s);
+        admin.SetDisabled("bob"_s, true);
+        admin.SetDisabled("bob"_s, false);
+        QVERIFY(isOver());
+        token = begin("another secret"_s);
+        QVERIFY(!isOver());
+        admin.RevokeSession(admin.Sessions({}).at(0).id);
+        QVERIFY(isOver());
+        data.accounts.SignOut(begin("another secret"_s), 100);
+        begin("another secret"_s);
+        QCOMPARE(admin.RevokeSessionsOf("bob"_s), 1);
+        QCOMPARE(Ledger(data.database).Pay("bob"_s, 7, {}, 100), Micros(7));
+        NewJob job = data.Job("job"_s);
+        job.project = data.AddProject("Titles", "p", {"bob"_s});
+        data.jobs.Add(job);
+        data.projects.Rename("titles"_s, "Main"_s, 100);
+        data.projects.Unassign("main"_s, "bob"_s, 100);
+        QVERIFY_EXCEPTION_THROWN(data.projects.Remove("Main"_s, false, 100), Conflict);
+        data.projects.Remove("p"_s, true, 100);
+        QCOMPARE(data.Count("SELECT count(*) FROM jobs WHERE project IS NULL"), 1);
+        QStringList actions;
+        const auto entries = LastAuditEntries(data.database, {}, 99);
+        for (const AuditEntry& entry : entries)
+            actions.append(entry.action);
+        QCOMPARE(actions.join(", "_s),
+            "account add, session begin, account password, session begin, account disable, account enable, "
+            "session begin, session revoke, session begin, session end, session begin, session revoke, "
+            "account pay, project add, project assign, project rename, project unassign, project remove"_s);
     }
 
     void RoundsMoneyToCents()
