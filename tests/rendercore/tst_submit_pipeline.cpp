@@ -266,8 +266,7 @@ private slots:
         files.sort();
         QCOMPARE(files.join(QLatin1Char(' ')),
             "parts/cube.blend shots/early.blend shots/smoke_0001.png shots/smoke_0002.png "
-            "shots/tile.1001.png "
-            "shots/tile.1002.png textures/red.png"_s);
+            "shots/tile.1001.png shots/tile.1002.png textures/red.png"_s);
         m_queue->AnswerMissingTextures(id, true);
         QVERIFY(Await(id));
         QTRY_COMPARE_WITH_TIMEOUT(m_data->Only().status, int(farm::JobStatus::Finished), Patience);

@@ -15,15 +15,8 @@ namespace {
 using Kind = StageOutcome::Kind;
 using Stage = SubmitStage;
 
-QByteArray FirstSum()
-{
-    return QByteArray(64, '1');
-}
-
-QByteArray SecondSum()
-{
-    return QByteArray(64, '2');
-}
+constexpr char FirstSum[] = "1111111111111111111111111111111111111111111111111111111111111111";
+constexpr char SecondSum[] = "2222222222222222222222222222222222222222222222222222222222222222";
 
 /// The farm's answer about an upload.
 HttpReply Upload(int offset, int chunkSize = 4, const char* more = "", const char* id = "u")
@@ -32,17 +25,19 @@ HttpReply Upload(int offset, int chunkSize = 4, const char* more = "", const cha
         + ", 'chunkSize': " + QByteArray::number(chunkSize) + more + '}');
 }
 
-HttpReply Known(const QByteArray& checksums)
+HttpReply Known(const char* checksum)
 {
-    return StandInServer::Data("{'known': [" + checksums + "]}");
+    const char* const quote = *checksum ? "'" : "";
+    return StandInServer::Data("{'known': [" + QByteArray(quote) + checksum + quote + "]}");
 }
 
-HttpReply Unpacked(const QByteArray& path, const QByteArray& checksum)
+HttpReply Unpacked(const char* path, const char* checksum)
 {
-    return StandInServer::Data("{'files': [{'path': '" + path + "', 'checksum': '" + checksum + "'}]}");
+    return StandInServer::Data(
+        "{'files': [{'path': '" + QByteArray(path) + "', 'checksum': '" + checksum + "'}]}");
 }
 
-HttpReply Status(int status, const QByteArray& headers = {})
+HttpReply Status(int status, const char* headers = "")
 {
     return StandInServer::Http(status, R"({"error": "quota_exceeded", "message": "So it is."})", headers);
 }
@@ -53,7 +48,7 @@ const char* const Damaged = "failed 3 a wanted refused: /a: The file arrived dam
 const char* const Refused = "failed 3 a wanted refused: /a: So it is.";
 const char* const Incomplete
     = "failed 6 a wanted: The farm's answer is incomplete. Please continue the submission later.";
-const char* const AwayToUpload = "again farm 0 s to upload a wanted";
+const char* const ToUpload = "again farm 0 s to upload a wanted";
 const char* const Sent = "done to uncompress a wanted sent";
 const char* const SentNow = "done to uncompress a wanted sent advanced";
 
@@ -73,16 +68,13 @@ const auto& StageCases()
         {"no scene", Stage::Analyze, {}, "failed 1: The scene file cannot be read."},
         {"no source", Stage::Compress, {}, "failed 2 a wanted: A file cannot be read*\n/a"},
         {"no package", Stage::Checksum, {}, "failed 2 a wanted: *0000.zip*"},
-
-        {"one known", Stage::CopySame, {Known("'" + FirstSum() + "'")}, "done to upload b wanted",
-            "POST /contents/known"},
+        {"one known", Stage::CopySame, {Known(FirstSum)}, "done to upload b wanted", "POST /contents/known"},
         {"busy", Stage::CopySame, {Status(503, "Retry-After: 7\r\n")},
             "again request 7 s to copysame a wanted"},
-        {"too many requests", Stage::CopySame, {Status(429, "Retry-After: 7\r\n")},
+        {"too many", Stage::CopySame, {Status(429, "Retry-After: 7\r\n")},
             "again farm 7 s to copysame a wanted"},
         {"signed out", Stage::CopySame, {Status(401)}, "again session 0 s to copysame a wanted"},
         {"another shape", Stage::CopySame, {StandInServer::Data("[7]")}, Incomplete},
-
         {"uploads in chunks", Stage::Upload, {Upload(0), Upload(4), Upload(8), Upload(10)}, SentNow,
             "POST /uploads PUT /uploads/u?offset=0 0123 PUT /uploads/u?offset=4 4567 PUT /uploads/u?offset=8 "
             "89"},
@@ -100,10 +92,9 @@ const auto& StageCases()
             "again request 0 s to upload a wanted advanced"},
         {"beyond the end later", Stage::Upload, {Upload(0), Upload(11)}, Unreadable},
         {"quota", Stage::Upload, {Status(507)}, Refused},
-        {"cut off", Stage::Upload, {Upload(0), HttpReply {Upload(4).bytes.chopped(9)}}, AwayToUpload},
+        {"cut off", Stage::Upload, {Upload(0), HttpReply {Upload(4).bytes.chopped(9)}}, ToUpload},
         {"stalled", Stage::Upload,
-            {Upload(0), HttpReply {Upload(4).bytes.chopped(9), false, 0, StandInServer::Stall}},
-            AwayToUpload},
+            {Upload(0), HttpReply {Upload(4).bytes.chopped(9), false, 0, StandInServer::Stall}}, ToUpload},
         {"endless", Stage::Upload,
             {Upload(0), HttpReply {"HTTP/1.1 200 OK\r\n\r\n", false, 0, StandInServer::Flood}},
             "failed 3 a wanted refused: /a: The server's answer is too large."},
@@ -115,16 +106,14 @@ const auto& StageCases()
         {"no id", Stage::Upload, {Upload(0, 4, "", "")}, Unreadable},
         {"an id to climb with", Stage::Upload, {Upload(0, 100, "", "../x?"), Upload(10)}, SentNow,
             "POST /uploads PUT /uploads/..%2Fx%3F?offset=0 0123456789"},
-
-        {"unpacked", Stage::Uncompress, {Unpacked("a", FirstSum())}, "done to submit advanced",
+        {"unpacked", Stage::Uncompress, {Unpacked("a", FirstSum)}, "done to submit advanced",
             "POST /uploads/u/unpack"},
-        {"unpacked to another content", Stage::Uncompress, {Unpacked("a", SecondSum())}, Damaged},
+        {"unpacked to another content", Stage::Uncompress, {Unpacked("a", SecondSum)}, Damaged},
         {"another shape of files", Stage::Uncompress, {StandInServer::Data("{'files': 7}")}, Incomplete},
-        {"unpacked to another place", Stage::Uncompress, {Unpacked("b", FirstSum())}, Damaged},
+        {"unpacked to another place", Stage::Uncompress, {Unpacked("b", FirstSum)}, Damaged},
         {"package refused", Stage::Uncompress, {Status(422)}, Refused},
         {"upload forgotten", Stage::Uncompress, {Status(404)}, "again request 0 s to upload a wanted"},
         {"upload not complete", Stage::Uncompress, {Status(409)}, "again request 0 s to upload a wanted"},
-
         {"submitted", Stage::Submit, {StandInServer::Data("{'job_increasement': '12'}")},
             "done to submit a wanted: 12", "POST /jobs"},
         {"half an answer", Stage::Submit, {StandInServer::Http(200, "{\"data\": {")},
@@ -136,20 +125,15 @@ const auto& StageCases()
     return rows;
 }
 
-/// The percentages that a stage reports on two files, of ten bytes and of three. Only the first is to be packed; it is
-/// sent before the upload.
-const auto& ProgressCases()
-{
-    static const std::tuple<const char*, Stage, QList<HttpReply>, const char*> rows[] = {
-        {"analysis", Stage::Analyze, {}, "100"},
-        {"packing", Stage::Compress, {}, "0 100"},
-        {"checksums", Stage::Checksum, {}, "76 100"},
-        {"known contents", Stage::CopySame, {Known("")}, "100"},
-        {"upload", Stage::Upload, {Upload(1, 1), Upload(2, 1), Upload(3, 1)}, "76 92 100"},
-        {"unpacking", Stage::Uncompress, {Unpacked("a", FirstSum()), Unpacked("b", SecondSum())}, "50 100"},
-    };
-    return rows;
-}
+/// The percentages that a stage reports on two files of ten and three bytes. Only the first is packed, and sent early.
+const std::tuple<const char*, Stage, QList<HttpReply>, const char*> ProgressCases[] = {
+    {"analysis", Stage::Analyze, {}, "100"},
+    {"packing", Stage::Compress, {}, "0 100"},
+    {"checksums", Stage::Checksum, {}, "76 100"},
+    {"known contents", Stage::CopySame, {Known("")}, "100"},
+    {"upload", Stage::Upload, {Upload(1, 1), Upload(2, 1), Upload(3, 1)}, "76 92 100"},
+    {"unpacking", Stage::Uncompress, {Unpacked("a", FirstSum), Unpacked("b", SecondSum)}, "50 100"},
+};
 
 QString Summary(const StageOutcome& outcome)
 {
@@ -204,10 +188,9 @@ private:
         request.task.next = stage;
         request.task.scene = m_folder->filePath("a.pov"_s);
         const bool isPacked = stage != Stage::Compress;
-        request.task.work.files
-            = {File("a"_s, isPacked ? FirstSum() : QByteArray(), 0), File("b"_s, SecondSum(), 1)};
+        request.task.work.files = {File("a"_s, isPacked ? FirstSum : "", 0), File("b"_s, SecondSum, 1)};
         request.task.work.files[0].isWanted = true;
-        const QString sum = stage == Stage::Checksum ? QString() : QString::fromLatin1(FirstSum());
+        const QString sum = stage == Stage::Checksum ? QString() : QString::fromLatin1(FirstSum);
         request.task.work.packages = {{sum, 10, false, "u"_s}, {sum, 3, false, "u"_s}};
         request.access.apiRoot = FarmApiRoot(m_server->Url());
         request.access.token = "abc"_s;
@@ -257,11 +240,11 @@ private slots:
             row.replies.isEmpty() || m_server->Requests().at(0).contains("Authorization: Bearer abc\r\n"));
     }
 
-    void ReportsItsProgress_data() { AddRows(ProgressCases()); }
+    void ReportsItsProgress_data() { AddRows(ProgressCases); }
 
     void ReportsItsProgress()
     {
-        const auto& [name, stage, replies, percents] = Row(ProgressCases());
+        const auto& [name, stage, replies, percents] = Row(ProgressCases);
         StageRequest request = Request(stage);
         WriteFile(request.task.scene, "sphere{0,1}");
         for (int index = 0; index < 2; ++index) {
@@ -300,9 +283,9 @@ private slots:
     {
         m_server->SetReplies({Known("")});
         StageRequest request = Request(Stage::CopySame);
-        request.task.work.files[1].checksum = QString::fromLatin1(FirstSum());
+        request.task.work.files[1].checksum = QString::fromLatin1(FirstSum);
         QCOMPARE(Summary(m_worker.Run(request, Ignore)), "done to upload a wanted"_s);
-        QCOMPARE(m_server->Requests().at(0).count(FirstSum()), 1);
+        QCOMPARE(m_server->Requests().at(0).count(FirstSum), 1);
     }
 
     void WaitsForAFarmThatIsAway()
@@ -341,7 +324,7 @@ private slots:
     void PacksAgainWhatIsNotWhole()
     {
         for (const QByteArray& content : {QByteArray("0123456789"), QByteArray("012345678")}) {
-            m_server->SetReplies({Known("'" + SecondSum() + "'")});
+            m_server->SetReplies({Known(SecondSum)});
             QVERIFY(WriteFile(TaskPackages::Path(m_folder->path(), 0), content));
             QCOMPARE(Summary(m_worker.Run(Request(Stage::CopySame), Ignore)),
                 content.size() == 10 ? "done to upload a wanted"_s : "done to compress a wanted"_s);
