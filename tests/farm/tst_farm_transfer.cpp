@@ -350,7 +350,7 @@ private slots:
         const QRgb middle = picture.pixel(24, 18);
         QVERIFY2(qRed(middle) > 100 && qBlue(middle) < 50, qPrintable(QString::number(middle, 16)));
         // The first frame of a scene that begins with frame 0.
-        const QString early = Rendered(files, submissionOf({files.at(3)}, "early"));
+        const QString early = Rendered(files, submissionOf({files.at(3), files.at(1), files.at(2)}, "early"));
         QVERIFY(m_farm->Get("/jobs/%1/frames/1/full-log"_s.arg(early)).bytes.contains("Fra:0 "));
         // A scene that cannot be read fails with the reason.
         const SceneContents broken {{"broken.blend", "not a scene"}};
