@@ -83,7 +83,8 @@ private slots:
         QCOMPARE(m_farm->data.Only().progress, 100);
         QCOMPARE(ReadFile(folder + "/frame_0001.txt"_s), QByteArray("the farm's scene 1/4 0.000000 64x36\n"));
         QCOMPARE(ReadFile(folder + "/frame_0004.txt"_s), QByteArray("the farm's scene 4/4 0.750000 64x36\n"));
-        QCOMPARE(QDir(folder).entryList(QDir::Files).size(), 5);
+        // The frames, the link to the scene and the mark of the run.
+        QCOMPARE(QDir(folder).entryList(QDir::Files).size(), 6);
     }
 
     void ChargesAFrameOnce()

@@ -29,8 +29,7 @@ constexpr const char* OldRecords
     = "INSERT INTO accounts(key, name, email, password, bound, balance, second_balance) VALUES (1, 'ann', "
       "'ann@example.org', '', 0, 5000000, 0); "
       "INSERT INTO jobs(key, id, account, number, type, name, folded_name, business, status, scene, width, "
-      "height, "
-      "submitted_at) VALUES (7, 'old', 1, 1, 'povray', 'old', 'old', 1, 0, 'scene.txt', 32, 18, 0); "
+      "height, submitted_at) VALUES (7, 'old', 1, 1, 'povray', 'old', 'old', 1, 0, 'scene.txt', 32, 18, 0); "
       "INSERT INTO frames(job, number, finished_at) VALUES (7, 1, 9), (7, 3, NULL), (7, 5, NULL)";
 
 // Whether the contents may be linked, how many blocks are read before an interruption, and what comes of it.
@@ -341,7 +340,8 @@ private slots:
                 if (!connection.tableExists("project_members"))
                     connection.exec(OldProjects);
                 if (connection.tableExists("frame_ranges"))
-                    connection.exec("INSERT INTO frame_ranges SELECT job, 1, max(number) FROM frames");
+                    connection.exec(
+                        "INSERT INTO frame_ranges(job, first, last) SELECT job, 1, max(number) FROM frames");
             });
             FarmData data(folder.path());
             // Projects with the same pool have become one, and the balance has become a payment.
