@@ -247,6 +247,7 @@ private:
         m_meter.Measure("another account's list, idle", list);
         // One after another, because a farm refuses sign-ins when many wait at once.
         std::vector<std::unique_ptr<Client>> clients;
+        clients.reserve(ListingClients);
         for (int number = 0; number < ListingClients; ++number)
             clients.push_back(std::make_unique<Client>(m_url, "ann"));
         std::atomic<bool> ends = false;

@@ -20,8 +20,9 @@ namespace {
 
 constexpr int PollInterval = 1000; // ms
 
-/// Rows are added in batches, because a table lays out all its progress bars again at each addition.
-constexpr int BatchSize = 32;
+/// Rows are added in batches, because a table lays out all its progress bars again at each addition. Events wait for one
+/// batch at a time, for less than a frame at 60 Hz.
+constexpr int BatchSize = 24;
 
 constexpr int FirstPage = 1;
 constexpr int ListForParents = 1;
