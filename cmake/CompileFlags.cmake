@@ -45,7 +45,7 @@ if(QSCLIENT_COVERAGE)
     add_custom_target(coverage
         COMMAND ${CMAKE_COMMAND} --build ${CMAKE_BINARY_DIR}
         COMMAND ${CMAKE_CTEST_COMMAND} --output-on-failure -j2
-        COMMAND ${GCOVR} --root ${PROJECT_SOURCE_DIR} --exclude build/ --exclude tests/ --exclude bench/ --exclude fuzz/
+        COMMAND ${GCOVR} --root ${PROJECT_SOURCE_DIR} --exclude "${PROJECT_SOURCE_DIR}/(build|tests|bench|fuzz)/"
             --sort-percentage ${CMAKE_BINARY_DIR}
         WORKING_DIRECTORY ${CMAKE_BINARY_DIR}
         USES_TERMINAL)
