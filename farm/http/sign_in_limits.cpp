@@ -14,7 +14,7 @@ namespace {
 // Each that waits occupies a thread of the server. With one name nobody takes all places.
 constexpr int MostWaiting = 32;
 constexpr int MostWaitingWithName = 4;
-// Who has failed with a name is remembered for ten minutes.
+// An address that has failed with a name is remembered for ten minutes.
 constexpr Rate FirstFailure {1, 1.0 / 600};
 constexpr Rate OncePerMinute {1, 1.0 / 60};
 

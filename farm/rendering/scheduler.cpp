@@ -326,8 +326,8 @@ void Scheduler::Settle(const RunId& id, Work& work)
         return;
     }
     work.state = State::Settled;
-    // Whoever cancels frames on the cluster would have to cancel them for ever, if they began again at once. An earlier farm
-    // may have cancelled its own when it ended.
+    // An administrator who cancels frames on the cluster would have to cancel them for ever, if they began again at once. An
+    // earlier farm may have cancelled its own when it ended.
     const bool isTakenAway = end == RunEnd::Cancelled && !*work.isUnwanted && !work.isOld;
     work.fate = !isOvertaken && (isTakenAway || WouldRepeat(end)) ? Fate::Postponed : Fate::Forgotten;
     if (work.fate == Fate::Postponed)
