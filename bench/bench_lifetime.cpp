@@ -31,7 +31,8 @@ public:
         Idle(1); // the window paints its new tab
         std::vector<QTimer*> running;
         std::vector<std::unique_ptr<QTimer>> bare;
-        for (QTimer* timer : m_client.Window()->findChildren<QTimer*>()) {
+        const QList<QTimer*> timers = m_client.Window()->findChildren<QTimer*>();
+        for (QTimer* timer : timers) {
             if (!timer->isActive())
                 continue;
             running.push_back(timer);

@@ -90,7 +90,7 @@ void SendToWork(SQLite::Database& connection, const QString& jobs, std::int64_t 
 }
 
 void RecordAction(SQLite::Database& connection, const char* words, const QString& jobs, std::int64_t now,
-    const QString& address, const QString& details = QStringLiteral(""))
+    const QString& address, const QString& details = QLatin1String(""))
 {
     Execute(connection,
         "INSERT INTO audit(at, who, origin, action, subject, details) "
