@@ -4,6 +4,7 @@
 #include "host/ui/message_text.h"
 
 #include <QEvent>
+#include <QLayout>
 #include <QStyle>
 #include <QStyleOptionButton>
 #include <QStylePainter>
@@ -120,6 +121,9 @@ void ConnectionStrip::Show(const QDateTime& now)
     setAccessibleDescription(hint);
     setToolTip(PlainToolTip(line + QLatin1Char('\n') + hint));
     setText(QString(line).replace(QLatin1Char('&'), QLatin1String("&&")));
+    // Otherwise a longer text would be painted elided once, before the layout makes room for it.
+    if (parentWidget() && parentWidget()->layout())
+        parentWidget()->layout()->activate();
 }
 
 void ConnectionStrip::SetPhase(const QString& phase)
