@@ -54,8 +54,9 @@ protected:
         m_client.logger.lines.clear();
         m_renderCore.seenEvents.clear();
         m_renderCore.orders.clear();
-        for (QStringList* calls :
-            {&m_client.uiLoader.calls, &m_client.uiLoader.loadedKeys, &m_renderCore.calls})
+        for (QStringList* calls : {&m_client.settings.calls, &m_client.logger.calls, &m_client.uiLoader.calls,
+                 &m_client.uiLoader.loadedKeys, &m_client.messageBox.calls, &m_client.communication.calls,
+                 &m_client.configuration.calls, &m_client.previewer.calls, &m_renderCore.calls})
             calls->clear();
     }
 
