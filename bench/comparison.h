@@ -14,7 +14,7 @@ struct Side
     std::function<void()> settle; ///< after each run, and not timed; may be empty
 };
 
-/// A table of costs, each beside what it is judged by. Two actions run in turn, so a busy machine slows both alike, and the
+/// A table of costs, each beside its reference. Two actions run in turn, so a busy machine slows both alike, and the
 /// medians of their processor times are compared.
 class CostTable
 {
@@ -25,7 +25,7 @@ public:
         const QString& name, std::optional<double> goal, const Side& reference, const Side& measured);
 
     /// Adds a figure that was measured elsewhere.
-    /// @param unit of the figure, e.g. "ms"; "x" for a ratio.
+    /// @param unit the unit of the figure, e.g. "ms"; "x" for a ratio.
     void Note(const QString& name, std::optional<double> goal, double figure, const QString& unit);
 
     /// Writes the table as JSON to the file named on the command line after "--json", if any.

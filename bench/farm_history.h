@@ -9,7 +9,7 @@ struct FarmHistory
     static constexpr int WaitingJobs = 400;
     /// Ann's projects have the pools "pool-1" to "pool-5".
     static constexpr int Projects = 5;
-    /// A job is submitted every so many seconds.
+    /// Seconds between two submissions.
     static constexpr int Interval = 120;
 
     QString folder;
@@ -17,6 +17,6 @@ struct FarmHistory
 
     /// Fills an empty folder by SQL.
     void Write() const;
-    /// When the job with this number was submitted, in seconds since the epoch.
+    /// The time at which the job with this number was submitted, in seconds since the epoch.
     qint64 SubmittedAt(int number) const;
 };

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr int Jobs = 2;
-constexpr int Frames = 12; // of each job
+constexpr int Frames = 12; // frames per job
 constexpr int FrameBytes = 60'000;
 
 /// A farm with finished jobs, which serves all runs.
@@ -44,7 +44,7 @@ public:
         arguments.prepend(QString::fromUtf8(m_farm->Line("listening on ")));
     }
 
-    QStringList arguments; ///< of a client, after its folder
+    QStringList arguments; ///< the client's arguments after its folder
     QMap<QString, QString> checksums;
 
 private:

@@ -21,19 +21,19 @@ public:
 
     /// Draws a number from 0 to `count` - 1.
     int Below(int count) { return int(m_random() % unsigned(count)); }
-    /// How often to kill: not at all in a rehearsal, otherwise once or twice.
+    /// The number of kills: none in a rehearsal, otherwise one or two.
     int Kills() const { return m_kills; }
     bool IsRehearsal() const { return m_kills == 0; }
 
     /// Lets the worker go on until the drawn moment.
     void LetWork(WorkerProcess& worker);
-    /// Counts a kill that came when the work had `begun`, and when it was `done`.
+    /// Counts a kill by whether the work had `begun` and whether it was `done`.
     void Count(bool begun, bool done) { ++counts.at(done ? 2 : int(begun)); }
     /// Kills a worker at the drawn moment. The worker reports "begun" and "done" if it gets that far.
     void KillInWork(WorkerProcess& worker);
 
     std::array<int, 3> counts {}; ///< kills before, during and after the work
-    QStringList moments;          ///< of the kills, as text for the report
+    QStringList moments;          ///< the moments of the kills, as text for the report
 
 private:
     QTemporaryDir m_folder;

@@ -17,7 +17,7 @@ struct VTCell
     QVariant varData;
     QString strTip;
     bool bCheckable = false;
-    Qt::CheckState checkState = Qt::Unchecked; ///< of a checkable cell
+    Qt::CheckState checkState = Qt::Unchecked; ///< for a checkable cell only
 };
 
 /// The cells of a job's row. The cell of the Progress column is unused: the record's percentage is shown by a bar.

@@ -12,7 +12,7 @@
 namespace {
 
 constexpr QLatin1Char Slash('/');
-constexpr qint64 LeastFree = 16384; // bytes that stay free beside the file
+constexpr qint64 LeastFree = 16384; // bytes of free space to keep on the disk
 constexpr qint64 LongestEscape = 8; // characters of a file for one of a value
 const QLatin1String PercentCode("%25");
 const QLatin1String SlashCode("%2F");

@@ -9,7 +9,7 @@ bool VTShowForm(QWidget* pForm)
     const QPointer<QWidget> pShown(pForm);
     pForm->show();
     if (pShown && !pShown->isVisible() && pShown->windowHandle() && pShown->windowHandle()->isVisible()) {
-        // A hidden widget passes no further hiding on to its window, so it is shown once more before.
+        // hide() on a hidden widget leaves its native window alone, so the widget is shown again first.
         pShown->show();
         if (pShown)
             pShown->hide();

@@ -104,7 +104,7 @@ DataMark::Mark DataMark::In(const QString& path)
     return {QString::fromLatin1(words.at(0)), words.value(1).toLongLong()};
 }
 
-// The database first: after a crash in between it is the newer one, which is no fault.
+// The database comes first: after a crash in between it is the newer one, which is accepted.
 void DataMark::Write(const Mark& mark)
 {
     m_database.Write([&mark](SQLite::Database& connection) {

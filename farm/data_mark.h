@@ -7,7 +7,7 @@
 namespace farm {
 
 /// Tells whether a database and a data folder belong together: both hold the farm's id and a number that grows while the
-/// farm runs. A farm with an older database would take newer files for strays and remove them.
+/// farm runs. With an older database, a farm would remove newer files as unknown.
 class DataMark
 {
 public:
@@ -19,7 +19,7 @@ public:
 
     DataMark(Database& database, const QString& folder);
 
-    /// Notes that the folder may hold files that a copy of the database made before does not know. Thread-safe.
+    /// Records that the folder may now hold files that earlier copies of the database do not know. Thread-safe.
     void Advance();
 
 private:

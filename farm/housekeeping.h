@@ -14,7 +14,7 @@ class ContentStore;
 class DataMark;
 class JobFolders;
 
-/// Frees in a thread of its own what nobody needs any more in the data folder and the database.
+/// Removes from the data folder and the database what is no longer needed, in a thread of its own.
 class Housekeeping
 {
 public:
@@ -52,7 +52,7 @@ private:
     std::condition_variable m_wake;
     bool m_isWoken = false;
     std::chrono::steady_clock::time_point m_nextMark;
-    bool m_areRunsLeft = true; ///< of an earlier farm, perhaps
+    bool m_areRunsLeft = true; ///< an earlier farm may have left runs
     std::thread m_thread;
 };
 

@@ -9,7 +9,7 @@ namespace {
 
 constexpr int DeepestNesting = 1024; // Qt refuses deeper texts
 
-/// Finds the strings and brackets of a text. What is between them is left to Qt, which reads no farther than a fault.
+/// Finds the strings and brackets of a text. Everything else is left to Qt, which stops at the first fault.
 class KeyScan
 {
 public:
@@ -71,7 +71,7 @@ private:
         return QJsonDocument::fromJson("[\"" + raw + "\"]").array().at(0).toString().toUtf8();
     }
 
-    /// @return whether the string is no key, or one that the object does not have yet.
+    /// @return false when the string is a key that the object has already.
     bool AddString(const QByteArray& string)
     {
         if (m_levels.isEmpty() || !m_levels.last().isObject || !m_levels.last().awaitsKey)

@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QJsonObject>
 
-/// A JSON object from outside, or what is wrong with its text.
+/// A JSON object from outside, or the fault of its text.
 struct JsonRead
 {
     QJsonObject object;

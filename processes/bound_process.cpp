@@ -8,16 +8,16 @@
 
 namespace {
 
-// The process that launches one in this thread now; 0 for none. The child has a copy.
+// The id of this process while this thread launches a bound process; otherwise 0. The child inherits it.
 thread_local pid_t launching = 0;
 
-// Runs in every child of this program, between fork and whatever comes next: system calls only.
+// Runs in every child of this program right after the fork: system calls only.
 void Bind()
 {
     if (launching == 0)
         return;
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    // The program may have been killed before that.
+    // The parent may have been killed before the call.
     if (::getppid() != launching)
         ::_exit(EXIT_FAILURE);
 }

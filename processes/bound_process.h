@@ -4,7 +4,7 @@
 
 /// A process that does not outlive the thread that has launched it, even if this program is killed.
 ///
-/// QProcess lets the new process wait until this program has noted it. If this program is killed before that, the process
+/// QProcess makes the new process wait until this program has registered it. If this program is killed first, the process
 /// of a plain QProcess waits for ever as a copy of this program, and keeps its locks and files. The binding begins before
 /// that wait, which setupChildProcess() would not.
 class BoundProcess : public QProcess
@@ -18,6 +18,6 @@ public:
     void Launch();
 
 protected:
-    /// For setupChildProcess(): lets the program go on when this one ends.
+    /// For setupChildProcess(): lets the new program outlive this one.
     static void Unbind();
 };

@@ -50,7 +50,7 @@ public:
     /// The path of the copy that is kept of a database with this version of the schema.
     static QString CopyName(const QString& path, int version);
 
-    /// Runs `work(SQLite::Database&)`, which must not change anything. All that it reads is of one moment, at which every
+    /// Runs `work(SQLite::Database&)`, which must not change anything. It reads a snapshot of one moment, in which every
     /// Write() that has returned is included; inside a Write(), the changes so far are, too.
     template <typename Work>
     auto Read(Work work)
@@ -95,7 +95,7 @@ public:
     void UpdateStatistics();
 
 private:
-    /// Names the thread that writes, for as long as it does.
+    /// Records which thread is writing, for as long as this object lives.
     struct WritingThread
     {
         explicit WritingThread(std::atomic<std::thread::id>& place)
@@ -117,7 +117,7 @@ private:
     SQLite::Database m_connection;
     std::unique_ptr<ReaderPool> m_readers; // null when reads take turns with the writes
     std::atomic<std::thread::id> m_writing {};
-    std::vector<std::function<void()>> m_afterCommit; // of the transaction that is open
+    std::vector<std::function<void()>> m_afterCommit; // work queued in the open transaction
     std::int64_t m_dataVersion = 0;
 };
 

@@ -12,8 +12,8 @@ bool IsDiskFull(const std::exception& error);
 /// @return whether the disk of the folder has no room for that many bytes.
 bool LacksRoom(const QString& folder, qint64 bytes);
 
-/// Throws DiskError: a file could not be written below `folder`, by a function that does not tell why.
-/// @param bytes that were to be written.
+/// Throws DiskError after a function failed to write a file below `folder` without telling why.
+/// @param bytes is the number of bytes that had to be written.
 [[noreturn]] void ThrowWriteError(const char* what, const QString& folder, qint64 bytes);
 
 } // namespace storage

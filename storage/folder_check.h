@@ -6,8 +6,8 @@
 
 namespace storage {
 
-/// Creates the folder if it is missing, and a file in it for a moment.
-/// @return 0 when files can be written there, otherwise the `errno` that says why not.
+/// Creates the folder if it is missing, and a temporary file in it.
+/// @return 0 when files can be written there, otherwise the `errno` of the failure.
 int FolderError(const QString& folder);
 
 /// @return the bytes that this user may still write to the folder's disk; -1 where the disk does not tell.

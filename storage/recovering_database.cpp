@@ -17,7 +17,7 @@ namespace storage {
 
 namespace {
 
-/// The companions go first: a log left behind would be taken for the fresh database's own.
+/// The companion files are moved first: a log left behind would be taken for the fresh database's own.
 constexpr const char* Suffixes[] = {"-wal", "-shm", ""};
 
 QByteArray Name(const QString& path, const char* suffix = "")

@@ -18,7 +18,7 @@ struct AccountEntry
     bool isBound = true;
     bool isAdministrator = false;
     Micros balance = 0;
-    /// Nothing stands for the farm's, as for the price.
+    /// Without a quota or a price of its own, an account has the farm's.
     std::optional<std::int64_t> quota;
     std::optional<Micros> price;
     int priority = 0;
@@ -34,7 +34,7 @@ struct SessionEntry
     std::int64_t expiresAt = 0;
 };
 
-/// Changes accounts for administrators, who may name them by their e-mail addresses. A running farm goes by each
+/// Changes accounts for administrators, who may name them by their e-mail addresses. A running farm applies each
 /// change from the next request on. Changes are recorded in the audit. Functions throw NotFound. Times are seconds since
 /// the epoch. Thread-safe.
 class AccountAdmin
@@ -43,11 +43,11 @@ public:
     AccountAdmin(Database& database, const Actor& actor, std::int64_t now);
 
     /// Throws Conflict when the name or the e-mail address is taken, and InvalidInput when the name, the address or the
-    /// password will not do. An account without an address has its name in that place.
+    /// password is not acceptable. The address of an account without one is its name.
     void Add(NewAccount account);
     /// A disabled account cannot sign in; its sessions end at once, its jobs go on.
     void SetDisabled(const QString& account, bool isDisabled);
-    /// Ends the account's sessions. Throws InvalidInput when the password will not do.
+    /// Ends the account's sessions. Throws InvalidInput when the password is not acceptable.
     void SetPassword(const QString& account, const QString& password);
     void SetQuota(const QString& account, std::optional<std::int64_t> quota);
     /// Frames that finish from now on are charged at this price.
@@ -63,7 +63,7 @@ public:
     /// The bytes of the account's contents and unfinished uploads.
     std::int64_t SpaceUsed(std::int64_t account);
 
-    /// The sessions that last, of one account or, if it is empty, of all.
+    /// The sessions that have not ended, of one account or, if `account` is empty, of all.
     std::vector<SessionEntry> Sessions(const QString& account);
     /// Returns the number of sessions that were ended.
     int RevokeSessionsOf(const QString& account);
@@ -79,7 +79,7 @@ private:
     std::int64_t m_now;
 };
 
-/// Refuses passwords that are easily guessed. Throws InvalidInput.
+/// Throws InvalidInput for a password that is easily guessed.
 void CheckPassword(const QString& name, const QString& password);
 
 } // namespace farm

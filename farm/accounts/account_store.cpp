@@ -60,7 +60,7 @@ std::optional<Session> AccountStore::SignIn(
     if (!PasswordMatches(password, known.password))
         return std::nullopt;
     const QString token = NewToken();
-    // Meanwhile the account may have got another password or been disabled, which ends its sessions.
+    // In the meantime the password may have been changed or the account disabled, which ends its sessions.
     const bool isAdmitted = m_database.Write([&](SQLite::Database& connection) {
         Execute(connection, "DELETE FROM sessions WHERE expires_at <= ?", now);
         if (Execute(connection,

@@ -23,7 +23,7 @@ public:
     std::int64_t QuotaFor(SQLite::Database& connection, std::int64_t account) const;
 
     /// A query for the keys of the accounts in arrears: those whose balance is zero or less, unless they render for
-    /// nothing.
+    /// free.
     std::string AccountsInArrears() const;
     bool IsInArrears(SQLite::Database& connection, std::int64_t account) const;
 

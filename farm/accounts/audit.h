@@ -36,7 +36,7 @@ void RecordChange(SQLite::Database& connection, std::int64_t now, const Actor& a
 /// The entry without its time, such as "account quota ann (1024 bytes) by root from the command line".
 QString SentenceOf(const AuditEntry& entry);
 
-/// Removes the entries until `at`, but for the newest of all, some at a time. Returns whether there may be more.
+/// Removes some of the entries until `at`, but never the newest of all. Returns whether there may be more.
 bool ForgetAuditEntries(Database& database, std::int64_t at);
 
 /// The key of the newest entry, 0 when there is none.

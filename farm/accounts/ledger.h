@@ -16,14 +16,14 @@ struct LedgerEntry
     QString account;
     /// The change of the balance: negative for charges.
     Micros amount = 0;
-    /// Of a payment.
+    /// The administrator's note on a payment.
     QString note;
-    /// Of a charge, as all below; empty otherwise.
+    /// The members from here on describe a charge and are empty for a payment.
     QString job;
     QString jobName;
     int frame = 0;
     std::int64_t coreMilliseconds = 0;
-    /// Of a core-second; older charges did not record it.
+    /// The price per core-second; older charges did not record it.
     std::optional<Micros> price;
 };
 
@@ -47,8 +47,8 @@ struct LedgerRange
     std::int64_t to = std::numeric_limits<std::int64_t>::max();
 };
 
-/// The payments and charges of all accounts. Both stay for ever; the balance of an account is what they come to, which
-/// triggers of the database keep up. Thread-safe.
+/// The payments and charges of all accounts. They are never deleted; the balance of an account is their sum, which
+/// database triggers keep up to date. Thread-safe.
 class Ledger
 {
 public:
@@ -65,7 +65,7 @@ public:
 
     /// Proves that the ledger adds up: each balance is its payments less its charges, each charge is the processor time
     /// at its price and belongs to the account of its job, and each finished frame was charged once in the job's
-    /// present run, and no other frame. Shows a sentence for each fault.
+    /// current run, and no other frame. Shows a sentence for each fault.
     void Check(const std::function<void(const QString&)>& show);
 
 private:
@@ -77,7 +77,7 @@ private:
 void AddPayment(
     SQLite::Database& connection, std::int64_t account, Micros amount, const QString& note, std::int64_t now);
 
-/// Charges a frame in the present run of its job to the account of the job, inside a transaction.
+/// Charges a frame in the current run of its job to the account of the job, inside a transaction.
 void AddCharge(SQLite::Database& connection, std::int64_t job, int frame, std::int64_t coreMilliseconds,
     const AccountTerms& terms, std::int64_t now);
 

@@ -9,7 +9,7 @@
 
 namespace farm {
 
-/// A group of accounts that work on the same thing.
+/// A group of accounts that work together.
 struct Project
 {
     QString name;
@@ -24,7 +24,7 @@ struct ProjectEntry
     std::int64_t jobs = 0;
 };
 
-/// Projects and their members. Where a function names a project, it takes its pool or its name. Changes are recorded in
+/// Projects and their members. Functions accept a project's pool or its name. Changes are recorded in
 /// the audit. Thread-safe.
 class ProjectStore
 {

@@ -5,7 +5,7 @@
 /// Storage form of passwords and session tokens. No other code knows it.
 namespace farm {
 
-/// Makes the first PasswordMatches() as quick as the next ones.
+/// Makes the first PasswordMatches() as quick as later ones.
 void PreparePasswords();
 
 /// The text to store for a password. Takes about a tenth of a second and 64 MiB.

@@ -15,7 +15,7 @@ public:
 
     /// Whether the parsed command line names one of them.
     bool IsChosen() const { return bool(m_chosen); }
-    /// Runs the command and returns the program's exit code. Throws Refusal when there is no such account, for instance.
+    /// Runs the command and returns the program's exit code. Throws Refusal, for instance for an unknown account.
     int Run(Database& database) const { return m_chosen(database); }
 
 private:

@@ -16,7 +16,7 @@ using CommandWork = std::function<int(Database&)>;
 /// Adds a command to the command line or below another command; when the command line names it, `chosen` becomes `work`.
 CLI::App& AddCommand(CLI::App& parent, const char* name, const char* description, CommandWork& chosen,
     const CommandWork& work);
-/// Adds a command that only leads to others, such as "account".
+/// Adds a command that only groups others, such as "account".
 CLI::App& AddCommandGroup(CLI::App& parent, const char* name, const char* description);
 
 } // namespace farm

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// Values of the command line: what they may be, and how they are read. A check returns the reason for which a text is
+/// Checks and reads values of the command line. A check returns the reason for which a text is
 /// refused, or an empty text.
 namespace farm {
 
@@ -22,10 +22,10 @@ ValueCheck IsWholeNumber(std::int64_t least, std::int64_t most);
 ValueCheck IsAmount(Micros least, Micros most);
 ValueCheck IsOneOf(std::vector<std::string> words);
 
-/// This word, or what the other check lets pass.
+/// Accepts this word and every text that the other check accepts.
 ValueCheck OrWord(const std::string& word, const ValueCheck& check);
 
-/// The amount that a text names which has passed the check.
+/// Reads an amount; the text must have passed IsAmount().
 Micros AmountOf(const std::string& text);
 
 } // namespace farm

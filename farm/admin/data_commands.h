@@ -4,7 +4,7 @@
 
 namespace farm {
 
-/// "backup" and "check".
+/// Adds the commands "backup" and "check".
 void AddDataCommands(CLI::App& app, CommandWork& chosen);
 
 } // namespace farm

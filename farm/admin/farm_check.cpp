@@ -6,7 +6,7 @@ namespace farm {
 
 namespace {
 
-constexpr int MostNamed = 20; // of the same kind
+constexpr int MostNamed = 20; // faults of the same kind
 
 /// Each row is a fault: the values for the places in the sentence.
 struct Rule

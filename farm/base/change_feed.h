@@ -13,7 +13,7 @@
 
 namespace farm {
 
-/// The changes for an account since a subscriber last asked.
+/// Changes of an account since the subscriber's last Wait().
 struct AccountChanges
 {
     /// At most this many jobs are named; when more have changed, only `list` tells of them.
@@ -23,7 +23,7 @@ struct AccountChanges
     QSet<QString> jobs = {};
     /// Jobs were added or deleted or have another status, so that lists may hold others than before.
     bool list = false;
-    /// The balance.
+    /// The balance has changed.
     bool money = false;
 
     bool IsEmpty() const { return jobs.isEmpty() && !list && !money; }

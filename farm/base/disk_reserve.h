@@ -9,17 +9,17 @@
 namespace farm {
 
 /// Keeps some space of the data folder's disk free: below it the farm takes nothing new, but people can still sign in,
-/// delete and download, which the database needs some space for.
+/// delete and download, for which the database needs some space.
 class DiskReserve
 {
 public:
-    /// No reserve.
+    /// Keeps no reserve.
     DiskReserve() = default;
     DiskReserve(const QString& folder, std::int64_t bytes);
 
-    /// Throws storage::DiskError for a full disk when so many more bytes would leave less than the reserve.
+    /// Throws storage::DiskError for a full disk when this many more bytes would leave less than the reserve.
     void Require(std::int64_t more = 0) const;
-    /// Keeps so much free from now on; copies of the reserve do, too. Thread-safe.
+    /// Keeps this many bytes free from now on; copies of the reserve do, too. Thread-safe.
     void Change(std::int64_t bytes) { *m_bytes = bytes; }
 
 private:

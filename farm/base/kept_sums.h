@@ -2,7 +2,7 @@
 
 namespace farm {
 
-/// The migration that keeps the frames, the finished ones and the charges of each job added up.
+/// The migration that keeps sums for each job: its frames, its finished frames and its charges.
 extern const char* const KeptSums;
 
 } // namespace farm

@@ -5,7 +5,7 @@
 
 namespace farm {
 
-/// Call it before any other function of libsodium. Repeated calls do nothing.
+/// Initialises libsodium; call it before its other functions. Repeated calls do nothing.
 /// Throws std::runtime_error when this machine has no source of random numbers.
 void PrepareSodium();
 

@@ -6,9 +6,9 @@
 
 namespace farm {
 
-/// Removes a file, or a folder with everything in it, whatever a renderer has left there: folders without permissions,
-/// names that are no text, folders nested deeper than any path is long. Links are removed and never followed.
-/// Returns false when `goesOn` has stopped it, or when something cannot be removed, which keeps nothing else; true also when
+/// Removes a file, or a folder with everything in it. Copes with whatever a renderer leaves: folders without permissions,
+/// names in no encoding, folders nested deeper than the longest path. Links are removed and never followed.
+/// Returns false when `goesOn` stopped it or something could not be removed; all else is removed then. True also when
 /// there is nothing.
 bool RemoveTree(
     const QString& path, const std::function<bool()>& goesOn = [] { return true; });

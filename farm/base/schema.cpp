@@ -222,7 +222,7 @@ INSERT INTO project_members SELECT account, projects.key FROM old_projects JOIN 
 DROP TABLE old_projects;
 )sql";
 
-// Payments and charges are never changed; a balance is what they come to, kept by triggers.
+// Payments and charges are never changed; a balance is their sum, kept by triggers.
 constexpr const char* Ledger = R"sql(
 CREATE TABLE payments(
     key INTEGER PRIMARY KEY,
@@ -318,7 +318,7 @@ DELETE FROM stopped_types WHERE missing;
 ALTER TABLE stopped_types DROP COLUMN missing;
 )sql";
 
-// Of a range, every `step`-th frame belongs to the job.
+// Every `step`-th frame of a range belongs to the job.
 constexpr const char* FrameSteps = R"sql(
 ALTER TABLE frame_ranges ADD COLUMN step INTEGER NOT NULL DEFAULT 1;
 )sql";

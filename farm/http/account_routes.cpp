@@ -92,7 +92,7 @@ QJsonObject AccountRoutes::SignOut(const ApiRequest& request)
     const QString token = request.Token();
     const auto account = m_accounts.AccountOf(token, Now());
     m_accounts.SignOut(token, Now(), request.Address());
-    // The session's streams of events notice that it is over and end.
+    // The session's event streams then notice its end and close.
     if (account)
         m_feed.Wake(*account);
     return {};

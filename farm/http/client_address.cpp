@@ -99,8 +99,8 @@ QByteArray TrustedProxies::ClientOf(
     return client.isEmpty() ? plainPeer : client;
 }
 
-/// Each proxy appends where it was called from, so the last address that is no proxy's own is the client's. What stands
-/// before it is the client's own word. Empty when there is none or it cannot be read.
+/// Each proxy appends the address of its caller, so the last address that is not a proxy's is the client's. Anything
+/// before it was claimed by the client. Empty when there is no such address or it cannot be read.
 QByteArray TrustedProxies::LastOutside(const QList<QByteArray>& addresses) const
 {
     for (auto address = addresses.crbegin(); address != addresses.crend(); ++address) {

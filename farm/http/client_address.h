@@ -6,29 +6,29 @@
 
 namespace farm {
 
-/// An IPv4 or IPv6 address in its one plain form: without port, brackets or zone, and IPv4 in IPv6 as IPv4. Empty when
-/// the text is no address.
+/// An IPv4 or IPv6 address in canonical form: without port, brackets or zone, and IPv4 in IPv6 as IPv4. Empty when
+/// the text is not an address.
 QByteArray PlainAddress(const QByteArray& text);
 
-/// The key by which limits count a client: the address, or of IPv6 the network of 64 bits, all of which one client may
+/// The key by which limits count a client: the address or, for IPv6, its 64-bit network, all of which one client may
 /// own.
 QByteArray NetworkOf(const QByteArray& plainAddress);
 
 /// Whether only this machine can reach a server that listens there.
 bool IsLoopback(const QString& address);
 
-/// The proxies through which clients come. Only what they say about a client is believed.
+/// The proxies through which clients come. Only their headers about clients are trusted.
 class TrustedProxies
 {
 public:
-    /// Throws std::runtime_error when one is no IPv4 or IPv6 address.
+    /// Throws std::runtime_error when one is not an IPv4 or IPv6 address.
     explicit TrustedProxies(const QStringList& addresses = {});
 
     /// The address of the client of a request.
     /// @param peer is where the connection comes from.
     /// @param forwardedFor and `forwarded` are all values of the headers X-Forwarded-For and Forwarded, joined by
-    /// commas. A proxy writes one of them and may pass on the other as the client has sent it; when both are there and
-    /// differ, neither counts.
+    /// commas. A proxy writes one of them and may pass on the other as the client sent it; when both are there and
+    /// differ, both are ignored.
     QByteArray ClientOf(
         const QByteArray& peer, const QByteArray& forwardedFor, const QByteArray& forwarded) const;
 

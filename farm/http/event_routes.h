@@ -12,7 +12,7 @@ class AccountStore;
 class JobStore;
 class RequestGate;
 
-/// The route that announces changes of an account while they happen.
+/// The route that announces changes of an account as they happen.
 class EventRoutes
 {
 public:

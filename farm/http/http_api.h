@@ -33,13 +33,13 @@ public:
         ChangeFeed& feed;
         FarmOverview& overview;
         LogStore& logs;
-        /// Its disk is shown to administrators.
+        /// Administrators see how full the disk of this folder is.
         QDir dataFolder;
         const AccountTerms& terms;
     };
 
-    /// @param proxies are the addresses of proxies whose word about the client's address is believed.
-    /// Throws std::runtime_error when one is no address.
+    /// @param proxies are the addresses of proxies that are trusted to tell the client's address.
+    /// Throws std::runtime_error when one is not an address.
     HttpApi(const Dependencies& dependencies, const RequestLimits& limits, const QStringList& proxies = {});
 
     /// Listens; port 0 chooses a free one. Returns the port. Throws std::runtime_error when it cannot listen there.

@@ -12,7 +12,7 @@ namespace farm {
 /// @param longest is a number of UTF-16 code units.
 QString RequiredText(const QJsonObject& body, const char* key, int longest);
 int RequiredInteger(const QJsonObject& body, const char* key, int least, int most);
-/// @param text of a query. `otherwise` stands for an empty one; a number out of range becomes the nearest allowed one.
+/// @param text is from a query. An empty one reads as `otherwise`; a number out of range becomes the nearest allowed.
 std::int64_t WholeNumber(
     const QByteArray& text, const char* key, std::int64_t otherwise, std::int64_t least, std::int64_t most);
 QStringList RequiredTexts(const QJsonObject& body, const char* key, int most);

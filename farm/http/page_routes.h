@@ -9,7 +9,7 @@ extern const char* const PageDocument;
 extern const char* const PageScript;
 extern const char* const PageStyle;
 
-/// Adds the files of the page. They hold nothing of the farm; what the page shows needs a session.
+/// Adds the files of the page. They contain no data of the farm; the page needs a session to show any.
 void AddPageTo(HttpServer& server);
 
 } // namespace farm

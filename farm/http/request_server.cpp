@@ -26,7 +26,7 @@ public:
     {
     }
 
-    /// The task hands over a connection, which takes no time.
+    /// The task only hands a connection over, which takes no time.
     void enqueue(std::function<void()> task) override { task(); }
 
     void shutdown() override
@@ -43,7 +43,7 @@ public:
 private:
     std::unique_ptr<SendingRoom> m_sending = std::make_unique<SendingRoom>();
     RequestThreads m_threads;
-    // A request that is still arriving never takes the place of one that is here.
+    // A request that is still arriving never takes the place of one that has arrived.
     RequestThreads m_bodyThreads;
     std::unique_ptr<WaitingRoom> m_room;
 };

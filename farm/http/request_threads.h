@@ -11,7 +11,7 @@
 
 namespace farm {
 
-/// The threads that serve connections, one each. A thread is started when none is idle, up to a limit, and then stays.
+/// Threads that each serve one connection at a time. One is started when none is idle, up to a limit, and then stays.
 class RequestThreads : public httplib::TaskQueue
 {
 public:

@@ -17,17 +17,17 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Several, because a read from the disk may take its time.
+// Several threads, because reading from the disk may take a while.
 constexpr int Threads = 4;
 constexpr std::size_t MostGuests = 1024;
 constexpr std::int64_t MostBytes = std::int64_t {256} << 20;
 constexpr std::chrono::milliseconds LongestPause = 30s;
 constexpr std::chrono::milliseconds LookInterval = 200ms;
 constexpr std::chrono::milliseconds LongestEnd = 1s;
-// After so much of an answer the others have their turn.
+// After this much of an answer, the others have their turn.
 constexpr std::int64_t MostAtOnce = std::int64_t {1} << 20; // bytes
 
-/// Watches for the next time that the client takes bytes, once, so that no two threads serve it.
+/// Waits for the client to take bytes. One-shot, so that no two threads serve the connection.
 void Watch(int poll, int socket, int operation)
 {
     epoll_event event {};
@@ -36,7 +36,7 @@ void Watch(int poll, int socket, int operation)
     ::epoll_ctl(poll, operation, socket, &event);
 }
 
-/// Sends what the client takes now. Returns the number of bytes, or -1 when there is no use in going on.
+/// Sends as much as the client takes now. Returns the number of bytes, or -1 when the connection is of no more use.
 std::int64_t Send(int socket, AnswerRest& rest)
 {
     ssize_t sent = 0;

@@ -14,7 +14,7 @@
 
 namespace farm {
 
-/// The rest of an answer: bytes, and a part of a file after them.
+/// The unsent part of an answer: bytes, followed by a part of a file.
 struct AnswerRest
 {
     QByteArray bytes;
@@ -33,12 +33,12 @@ class SendingRoom
 {
 public:
     SendingRoom();
-    /// Closes the connections that are left after a moment.
+    /// Gives the open connections a moment, then closes them.
     ~SendingRoom();
     SendingRoom(const SendingRoom&) = delete;
     SendingRoom& operator=(const SendingRoom&) = delete;
 
-    /// Takes over the connection. When there are too many, or their bytes take too much memory, those are closed whose
+    /// Takes over the connection. When there are too many, or their answers take too much memory, it closes those whose
     /// clients have taken nothing for longest.
     void Add(int socket, const AnswerRest& rest);
 
@@ -62,9 +62,9 @@ private:
 
     const int m_poll;
     std::mutex m_mutex;
-    /// The guests that no thread serves at the moment, by their sockets.
+    /// The connections that no thread serves at the moment, by their sockets.
     std::map<int, Guest> m_guests;
-    std::int64_t m_bytes = 0; ///< of the guests' rests in memory
+    std::int64_t m_bytes = 0; ///< size of all unsent answers in memory
     int m_served = 0;
     Clock::time_point m_nextLook;
     std::atomic<bool> m_ends {false};

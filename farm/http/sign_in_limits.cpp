@@ -11,7 +11,7 @@ namespace farm {
 
 namespace {
 
-// Each that waits occupies a thread of the server. With one name nobody takes all places.
+// Each waiting sign-in occupies a server thread. The limit per name keeps one name from taking them all.
 constexpr int MostWaiting = 32;
 constexpr int MostWaitingWithName = 4;
 // An address that has failed with a name is remembered for ten minutes.
@@ -60,7 +60,7 @@ std::optional<int> SignInLimits::Refusal(const QString& name, const QByteArray& 
         return seconds;
     const bool hasFailedHere = m_firstByNameAndAddress.Take(PairKey(name, address)).has_value();
     const bool isSlow = m_failedByName.Take(NameKey(name)).has_value() && !isKnown;
-    // One that has not failed here may be the owner at another computer, and comparing passwords takes time of its own.
+    // An address that has not failed may be the owner's other computer. Comparing passwords already limits the rate.
     const bool isRefused = isSlow && !Wait(NameKey(name)) && hasFailedHere;
     return isRefused ? std::optional(RetryAfter) : std::nullopt;
 }

@@ -17,8 +17,8 @@ struct RequestLimits;
 
 /// Keeps passwords from being guessed, but lets nobody lock a colleague out. Wrong passwords are counted by name and
 /// address together, so that they cost others nothing. Guesses from many addresses at once are counted by name and only
-/// slowed down, except at addresses where the account is signed in. Where they are so many that not all of them can be
-/// slowed down, the addresses that have failed with the name before are refused, and nobody else is.
+/// slowed down, except at addresses where the account is signed in. When there are too many for all of them to be
+/// slowed down, only the addresses that have failed with the name before are refused.
 class SignInLimits
 {
 public:
@@ -26,7 +26,7 @@ public:
 
     /// Call it before a sign-in, which counts as failed until Succeeded(). Throws HttpRefusal when there were too many
     /// at this address, and logs that once a minute. May wait some seconds.
-    /// @param address is that of PlainAddress().
+    /// @param address is a result of PlainAddress().
     /// @param isKnown says whether the account is signed in at the address.
     void Admit(const QString& name, const QByteArray& address, bool isKnown);
     void Succeeded(const QString& name, const QByteArray& address);

@@ -12,7 +12,7 @@ class ContentStore;
 class HttpServer;
 class RequestGate;
 
-/// Routes for what an account holds on the farm's disk.
+/// Routes for the disk space that an account uses.
 class StorageRoutes
 {
 public:

@@ -9,9 +9,9 @@
 
 namespace farm {
 
-/// The bytes of one connection, which is given up when its client keeps the farm waiting: too long for the next bytes, or
-/// too long in all for the number of bytes. An answer never waits for the client, unless it is a stream of events: what
-/// the client does not take at once is left.
+/// A connection's stream. The connection is closed when its client keeps the farm waiting too long for the next bytes, or
+/// too long in all for the number of bytes. Only a stream of events waits for the client; of other answers, the part that
+/// the client does not take at once is kept for later.
 class TimedStream : public httplib::Stream
 {
 public:
@@ -22,9 +22,9 @@ public:
 
     /// The stream of the request that this thread serves.
     static TimedStream& Current();
-    /// From now on, writing waits for the client.
+    /// Makes writing wait for the client from now on.
     void WaitForClient() { m_waits = true; }
-    /// Leaves a part of a file behind all that has been written.
+    /// Queues a part of a file behind all that has been written.
     void LeaveFile(const std::shared_ptr<QFile>& file, std::int64_t offset, std::int64_t length);
     /// The bytes and the file that are still to be sent.
     const AnswerRest& Rest() const { return m_rest; }

@@ -21,14 +21,14 @@ using namespace std::chrono_literals;
 constexpr std::chrono::milliseconds LongestStay = 10s;
 constexpr std::size_t MostGuests = 1024;
 constexpr int MostOfAnAddress = 512;
-// The system keeps at least so many bytes of a connection for a later read.
+// The system buffers at least this many unread bytes per connection.
 constexpr int MostBytes = 48 * 1024;
 constexpr int MostOfABody = 32 * 1024;
 
-/// Begun is a request of which so much is here that the rest may be read as it comes.
+/// A request is Begun once enough of it has arrived for a thread to read the rest as it comes.
 enum class Arrival { Unfinished, Begun, Whole, Gone };
 
-/// How many bytes of the body are to come before the request is answered.
+/// The number of body bytes that the server reads before it answers.
 qlonglong WantedBody(const QByteArray& headers)
 {
     const QByteArray lower = headers.toLower();
@@ -82,7 +82,7 @@ std::string AddressOf(int socket)
 void Watch(int poll, int socket)
 {
     epoll_event event {};
-    // Once for each arrival of bytes, since those that are here stay unread.
+    // Edge-triggered, since the bytes that have arrived stay unread.
     event.events = EPOLLIN | EPOLLRDHUP | EPOLLET;
     event.data.fd = socket;
     ::epoll_ctl(poll, EPOLL_CTL_ADD, socket, &event);
@@ -124,7 +124,7 @@ void WaitingRoom::Add(int socket)
     m_guests.push_back({socket, address, std::chrono::steady_clock::now()});
     m_bySocket[socket] = std::prev(m_guests.end());
     ++m_byAddress[address];
-    // Reports the bytes that have arrived meanwhile, too.
+    // This also reports bytes that arrived in the meantime.
     Watch(m_poll, socket);
 }
 
@@ -153,7 +153,7 @@ void WaitingRoom::Look(int socket)
     {
         const std::lock_guard lock(m_mutex);
         const auto found = m_bySocket.find(socket);
-        // The event of a connection that has been closed since may meet another one of the same number.
+        // The connection may have been closed since, and its descriptor reused by another one.
         if (found == m_bySocket.end())
             return;
         arrival = ArrivalOf(socket);
@@ -187,7 +187,7 @@ int WaitingRoom::CloseLate()
                 + 1;
         Close(m_guests.begin());
     }
-    // Longer than none stays, as one may arrive meanwhile.
+    // No connection stays longer than this, so one that arrives meanwhile is not late before the next look.
     return int(LongestStay.count());
 }
 

@@ -20,7 +20,7 @@ public:
     using Ready = std::function<void(int socket, bool isWhole)>;
 
     explicit WaitingRoom(Ready ready);
-    /// Closes the connections that still wait.
+    /// Closes the connections that are still waiting.
     ~WaitingRoom();
     WaitingRoom(const WaitingRoom&) = delete;
     WaitingRoom& operator=(const WaitingRoom&) = delete;

@@ -15,18 +15,18 @@ struct AccountStorage
         std::int64_t number = 0;
         QString name;
         int status = 0;
-        /// Files that several jobs use count for each of them.
+        /// The size of the jobs' files. A file that several jobs use counts for each of them.
         std::int64_t sceneBytes = 0;
         std::int64_t pictureBytes = 0;
     };
 
-    /// The contents of files, each once. They and the unfinished uploads count against the quota.
+    /// The size of the stored contents, each counted once. They and the unfinished uploads count against the quota.
     std::int64_t contents = 0;
     std::int64_t uploads = 0;
     /// The part of the contents that no job needs.
     std::int64_t unneeded = 0;
     std::int64_t pictures = 0;
-    /// The jobs that hold most, those first.
+    /// The jobs that use the most space, largest first.
     std::vector<Job> jobs;
 };
 

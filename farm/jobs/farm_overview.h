@@ -8,7 +8,7 @@
 
 namespace farm {
 
-/// How many jobs of an account are in which state.
+/// The number of jobs of an account in each state.
 struct AccountQueue
 {
     QString account;
@@ -31,12 +31,12 @@ struct FailedJob
 {
     NamedJob job;
     QString message;
-    /// The first such frame; 0 when there is none.
+    /// The number of the first such frame; 0 when there is none.
     int frame = 0;
     std::int64_t endedAt = 0; // seconds since the epoch; 0 while the job goes on
 };
 
-/// All accounts as administrators see them. Quick, however many jobs there are. Thread-safe.
+/// Administrators' view of all accounts. Quick, however many jobs there are. Thread-safe.
 class FarmOverview
 {
 public:
@@ -45,9 +45,9 @@ public:
     bool IsAdministrator(std::int64_t account);
     /// Accounts that have jobs in one of these states, sorted by name.
     std::vector<AccountQueue> Queues();
-    /// Failures that still go on come first, then the latest ones.
+    /// The failures of open jobs come first, then the latest ones.
     std::vector<FailedJob> Failures(int most);
-    /// The job types of which no frames begin, and why their jobs wait.
+    /// The job types whose frames do not start, each with the reason.
     std::map<QString, QString> HinderedTypes();
     /// The jobs with these keys.
     std::map<std::int64_t, NamedJob> Jobs(const std::set<std::int64_t>& keys);

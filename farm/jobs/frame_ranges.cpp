@@ -13,7 +13,7 @@ constexpr const char* WantedFrames
       "SELECT job, first, last, step FROM frame_ranges WHERE job IN (SELECT value FROM json_each(?1)) "
       "UNION ALL SELECT job, number + step, last, step FROM wanted WHERE number + step <= last) ";
 
-/// Whether the range goes on with this frame, the next one that is wanted. Two frames with a gap between them are a range only
+/// Whether the range continues with `frame`, the next wanted one. Two frames with a gap between them form a range only
 /// if a third one follows.
 bool Continues(const FrameRange& range, int frame, const std::vector<bool>& isWanted)
 {

@@ -6,7 +6,7 @@
 
 namespace farm {
 
-/// Every `step`-th frame from `first` on, up to `last` at most; numbers count from 1.
+/// Every `step`-th frame from `first` to at most `last`; frames are numbered from 1.
 struct FrameRange
 {
     int first = 1;
@@ -16,14 +16,14 @@ struct FrameRange
     int Count() const { return (last - first) / step + 1; }
 };
 
-/// The same frames in ascending ranges that do not overlap and whose `last` is a frame.
+/// The same frames as ascending ranges that do not overlap; the `last` of each is one of its frames.
 std::vector<FrameRange> Disjoint(const std::vector<FrameRange>& ranges);
 
 /// The number of frames in ranges that do not overlap.
 int FrameCount(const std::vector<FrameRange>& ranges);
 
 /// Gives a new job its ranges, which must not overlap, and its frames: all of them, or the first, the middle and the last
-/// one when it is a prerender job. These three are the early ones: they are rendered first, so that a mistake shows soon.
+/// one when it is a prerender job. These three are called early: they are rendered first, so that a mistake shows soon.
 void AddFrames(
     SQLite::Database& connection, std::int64_t job, const std::vector<FrameRange>& ranges, bool prerender);
 

@@ -7,10 +7,10 @@
 
 namespace farm {
 
-/// A job fails with this many failed attempts at one of its frames.
+/// After this many failed attempts at a frame, the job fails.
 constexpr int AttemptsPerFrame = 3;
 
-/// The codes are part of the interface to clients. That a frame is being rendered is not recorded; see FramesInWork.
+/// The codes are part of the interface to clients. Whether a frame is being rendered is not recorded; see FramesInWork.
 enum class FrameState {
     Waiting = 0,
     Finished = 2,
@@ -37,9 +37,9 @@ struct FrameList
 {
     /// The database's key of the job.
     std::int64_t job = 0;
-    /// In the order of their numbers.
+    /// Sorted by number.
     std::vector<FrameRecord> frames;
-    /// The number of frames that the job has.
+    /// The number of frames of the job.
     int total = 0;
 };
 
@@ -52,7 +52,7 @@ public:
     /// The frames of the account's job that have changed at `since` or later. Throws NotFound when there is no such job.
     FrameList List(std::int64_t account, const QString& job, std::int64_t since);
 
-    /// The end of what the renderer wrote at the last attempt that has ended; empty when there is none. Throws NotFound when
+    /// The end of the renderer's output in the latest ended attempt; empty when there is none. Throws NotFound when
     /// the account has no such frame.
     QString Log(std::int64_t account, const QString& job, int number);
 

@@ -49,7 +49,7 @@ JobCounts::Blocks JobCounts::Blocks::Inside(std::int64_t block) const
     return {shift - ShiftStep, block << ShiftStep, (block << ShiftStep) + (1 << ShiftStep) - 1};
 }
 
-// Each row is a block, the number of its jobs that may meet the conditions, and the number of those that surely do.
+// Each row is a block, the number of its jobs that may meet the conditions, and the number of those that certainly do.
 SQLite::Statement JobCounts::Query(const Blocks& blocks)
 {
     SQLite::Statement query(m_connection,

@@ -16,19 +16,19 @@ public:
     JobCounts(SQLite::Database& connection, std::int64_t account, const JobConditions& conditions);
 
     std::int64_t Total();
-    /// The running numbers of the jobs at the places `offset` and following of the list, which begins with the highest
+    /// The running numbers of the jobs at index `offset` and following of the list, which begins with the highest
     /// number.
     std::vector<std::int64_t> Numbers(std::int64_t offset, std::int64_t count);
 
 private:
-    /// Blocks of 2^shift running numbers each.
+    /// A sequence of blocks of 2^shift running numbers each.
     struct Blocks
     {
         int shift = 0;
         std::int64_t first = 0;
         std::int64_t last = 0;
 
-        /// The smaller blocks of which one of the blocks consists.
+        /// The smaller blocks inside one of the blocks.
         Blocks Inside(std::int64_t block) const;
     };
     static Blocks All();

@@ -23,7 +23,7 @@ void Require(JobFilter& filter, const char* comparison, const std::optional<std:
         filter.Add(comparison + std::to_string(*value));
 }
 
-// The columns that `jobs` and `job_counts` share. A plus keeps SQLite from choosing an index by the column: jobs are found
+// The columns that `jobs` and `job_counts` share. A plus keeps SQLite from using an index on the column: jobs are found
 // by their ids or read in the order of their numbers.
 JobFilter SharedTerms(std::int64_t account, const JobConditions& conditions)
 {

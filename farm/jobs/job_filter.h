@@ -20,7 +20,7 @@ struct JobFilter
     void BindTo(SQLite::Statement& statement) const;
 };
 
-/// Selects from `jobs` those of the account that meet the conditions; deleted jobs only when the conditions ask for their
+/// Selects the account's rows in `jobs` that meet the conditions; deleted jobs only when the conditions ask for their
 /// status.
 JobFilter FilterFor(std::int64_t account, const JobConditions& conditions);
 
@@ -28,9 +28,9 @@ JobFilter FilterFor(std::int64_t account, const JobConditions& conditions);
 /// considered.
 struct CountFilter
 {
-    /// Selects the rows of which some job may meet the conditions.
+    /// Selects the rows with jobs that may meet the conditions.
     JobFilter some;
-    /// An expression over such a row: whether all its jobs meet the conditions.
+    /// An SQL expression that tells whether all jobs of such a row meet the conditions.
     std::string all;
 };
 CountFilter CountFilterFor(std::int64_t account, const JobConditions& conditions);

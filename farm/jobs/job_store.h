@@ -35,10 +35,10 @@ struct NewJob
     int height = 180; // pixels
     /// Ranges that do not overlap.
     std::vector<FrameRange> frames = std::vector<FrameRange>(1);
-    /// Only the first, the middle and the last frame are rendered for now.
+    /// Renders only the first, the middle and the last frame for now.
     bool prerender = false;
     std::int64_t submittedAt = 0; // seconds since the epoch
-    /// Among the jobs of the account, those of the highest priority are rendered first.
+    /// An account's jobs with the highest priority are rendered first.
     int priority = 0;
     /// The client's own name for the submission, unique within the account; null for none.
     QString submission;
@@ -73,7 +73,7 @@ struct JobPlan
     std::vector<FrameRange> frames;
     int width = 0;
     int height = 0;
-    /// Whether frames of the ranges are missing, which only a full render adds.
+    /// Whether only the early frames exist; a full render adds the others.
     bool prerender = false;
     int priority = 0;
 };
@@ -95,7 +95,7 @@ public:
     AddedJob Add(const NewJob& job);
 
     /// One page of the jobs that meet the conditions, newest first. `page` counts from 1; a page past the end is empty.
-    /// Both numbers are at least 1, and their product fits into their type.
+    /// `page` and the page size are at least 1, and their product fits into their type.
     JobPage List(
         std::int64_t account, const JobConditions& conditions, std::int64_t page, std::int64_t pageSize);
 

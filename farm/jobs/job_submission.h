@@ -16,7 +16,7 @@ class ContentStore;
 /// A job that a client submits; its values are within their ranges.
 struct Submission
 {
-    /// Without account, project, status and time of submission.
+    /// Account, project, status and time of submission are not set.
     NewJob job;
     /// The project's pool; empty for no project.
     QString pool;
@@ -27,8 +27,8 @@ class JobSubmission
 {
 public:
     /// @param types are the names of the farm's job types.
-    /// @param terms say how many bytes the files of a job may take.
-    /// @param reserve of the disk, below which no new jobs are taken.
+    /// @param terms limit the bytes of a job's files.
+    /// @param reserve is the disk space below which no new jobs are accepted.
     /// @param changed is called after each new job, in the thread that submitted it.
     JobSubmission(Database& database, JobStore& jobs, ContentStore& contents, const QStringList& types,
         const AccountTerms& terms, ChangeFeed& feed, std::function<void()> changed, DiskReserve reserve = {});
@@ -41,7 +41,7 @@ public:
 
 private:
     AddedJob Add(SQLite::Database& connection, Submission& submission, const QString& address);
-    /// Returns their bytes.
+    /// Returns the size of the files in bytes.
     std::int64_t CheckFiles(const NewJob& job, std::int64_t quota);
 
     Database& m_database;

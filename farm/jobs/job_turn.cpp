@@ -10,7 +10,7 @@ struct OpenFrames
 {
     bool hasReady = false;
     bool hasEarly = false;
-    /// The time of the next attempt at a frame that has failed: PassedBy when it gets none, 0 when no frame has failed.
+    /// The time of the next attempt at a failed frame: 0 when no frame has failed, PassedBy when none is tried again.
     std::int64_t retryAt = 0;
 };
 
@@ -45,7 +45,7 @@ bool End(SQLite::Database& connection, std::int64_t job, JobStatus status, std::
         != 0;
 }
 
-/// The message names the frame that failed first and says why; this puts before it how many failed in all.
+/// Puts the number of failed frames in front of the message, which names the first failed frame and the reason.
 void CountFailures(SQLite::Database& connection, std::int64_t job)
 {
     Execute(connection,

@@ -8,12 +8,12 @@ namespace farm {
 
 namespace {
 
-constexpr std::size_t MostKept = 64; // of 125 kB for a million jobs
+constexpr std::size_t MostKept = 64; // results; one takes 125 kB for a million jobs
 constexpr std::size_t FewCandidates = 1000;
 constexpr std::size_t MostAlone = 20'000; // jobs; for more, it is quicker to search through all
 // The index of names consists of these.
 constexpr int SequenceLength = 3; // characters
-constexpr int MostSequences = 32; // of a long text, so that few names are left to compare
+constexpr int MostSequences = 32; // sequences of a long text to look up; few names are left then
 
 std::string KeyOf(const JobFilter& filter)
 {

@@ -11,8 +11,8 @@
 
 namespace farm {
 
-/// Finds jobs by a part of their names. What was expensive to find is kept; as names never change, later searches for the
-/// same look only at the jobs that have changed since. Thread-safe.
+/// Finds jobs by a part of their names. Results of expensive searches are kept; as names never change, later ones for the
+/// same text look only at the jobs that have changed since. Thread-safe.
 class NameSearches
 {
 public:
@@ -22,7 +22,7 @@ public:
         std::vector<std::int64_t> numbers;
     };
 
-    /// The running numbers at the places `offset` and following of the list of jobs that meet the conditions, which name a
+    /// The running numbers at index `offset` and following in the list of jobs that meet the conditions, which contain a
     /// part of the name, beginning with the highest number. Call it within a Database::Read().
     Found Find(SQLite::Database& connection, std::int64_t account, const JobConditions& conditions,
         std::int64_t offset, std::int64_t count);
@@ -32,7 +32,7 @@ private:
     {
         std::mutex mutex;
         NumberSet numbers;
-        /// The last entry of `job_changes` that is considered; -1 before the first search.
+        /// The last entry of `job_changes` that the numbers include; -1 before the first search.
         std::int64_t lastChange = -1;
         bool isExpensive = false;
     };
@@ -42,7 +42,7 @@ private:
     void Forget(const std::string& key);
 
     std::mutex m_mutex;
-    Kept m_kept; // the latest used first
+    Kept m_kept; // most recently used first
 };
 
 } // namespace farm

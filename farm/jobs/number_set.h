@@ -5,14 +5,14 @@
 
 namespace farm {
 
-/// A set of running numbers of jobs, of which most may be in it.
+/// A set of running numbers of jobs, stored as bits because it may contain most of them.
 class NumberSet
 {
 public:
     void Insert(std::int64_t number);
     void Remove(std::int64_t number);
     std::int64_t Size() const { return m_size; }
-    /// The numbers at the places `offset` and following, beginning with the highest number.
+    /// The numbers at index `offset` and following, beginning with the highest number.
     std::vector<std::int64_t> Numbers(std::int64_t offset, std::int64_t count) const;
 
 private:

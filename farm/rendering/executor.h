@@ -19,7 +19,7 @@ struct Run
     RunOrder order;
 };
 
-/// A run that an earlier farm on the same data has begun and whose end it has not recorded.
+/// A run that an earlier process of this farm has begun without recording its end.
 struct RecordedRun
 {
     RunId id;
@@ -42,31 +42,31 @@ class Executor : public QObject
     Q_OBJECT
 
 public:
-    /// The number of runs to hold at a time, running and queued.
+    /// The most runs that the executor holds at a time, running and queued.
     virtual int Capacity() const = 0;
-    /// Runs that it already holds go on, even beyond the new number.
+    /// Runs that the executor already holds go on, even beyond the new number.
     virtual void SetCapacity(int runs) = 0;
     /// Whether the type's renderer is installed where frames run. After Unknown, AvailabilityChanged() follows.
     virtual Availability Has(const JobType& type) = 0;
     /// Why frames of the type wait, as a clause for users and administrators; empty when nothing hinders them.
     virtual QString HindranceOf(const JobType& type) const = 0;
-    /// The runs are recorded and their orders written. What cannot be started ends like any other run.
+    /// The runs have been recorded and their orders written. A run that cannot be started ends like any other.
     virtual void Start(const std::vector<Run>& runs) = 0;
     /// The run's end is reported later: Cancelled, or another one that came first. Unknown runs are ignored.
     virtual void Cancel(const RunId& run) = 0;
-    /// Called once, before all other operations: takes over what is left of these runs. Those that it does not hold end
+    /// Called once, before all other operations: takes these runs over. Runs that no longer exist end
     /// as MachineLost.
     virtual void Attach(const std::vector<RecordedRun>& runs) = 0;
-    /// The farm ends; nothing is reported any more.
+    /// Called when the farm shuts down; nothing is reported afterwards.
     virtual void Stop() = 0;
 
 signals:
-    /// The handle is recorded and comes back in RecordedRun. Only for executors that need one.
+    /// Emitted by executors that need a handle, which is recorded and comes back in RecordedRun.
     void Accepted(const QString& run, const QString& handle);
     /// @param at is in seconds since the epoch.
     void Started(const QString& run, const QString& host, qint64 at);
     void Ended(const QString& run, const farm::RunResult& result);
-    /// Has() or HindranceOf() answer otherwise than before.
+    /// The results of Has() or HindranceOf() have changed.
     void AvailabilityChanged();
 };
 

@@ -25,7 +25,7 @@ RecentUse::RecentUse(std::int64_t halfLifeSeconds)
 {
 }
 
-// Use that was halved k times by now is as much as use / 2^k at once, so its logarithm grows with the time of the use.
+// Use that has been halved k times counts as use / 2^k now, so the logarithm grows linearly with the time of the use.
 double RecentUse::Add(std::optional<double> level, double coreSeconds, std::int64_t now) const
 {
     const double use = CoreSeconds(level, now) + std::max(coreSeconds, LeastCoreSeconds);

@@ -14,7 +14,7 @@
 namespace farm {
 
 /// Finds the frames of accounts that are rendered next, by seeking in indexes. It goes through the frames of a job only
-/// once: what was passed over stays so. The cost grows with the frames that it finds and the frames in work, but with neither
+/// once: a frame that was passed over stays so. The cost grows with the frames found and in work, but with neither
 /// the number of jobs nor that of their frames. Use it inside one Database::Read().
 class FrameChoice
 {
@@ -46,7 +46,7 @@ private:
     const std::set<FrameKey>& m_taken;
     const std::set<std::int64_t>& m_avoided;
     std::int64_t m_now;
-    /// By account, type, and whether only early frames are looked for.
+    /// The key is account, type, and whether only early frames are looked for.
     std::map<std::tuple<std::int64_t, QString, bool>, std::unique_ptr<Line>> m_lines;
 };
 

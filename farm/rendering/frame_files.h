@@ -36,7 +36,7 @@ class FrameFiles
 {
 public:
     /// `folder` holds the jobs' folders.
-    /// @param reserve of the disk, below which no frame is begun.
+    /// @param reserve is the disk space below which no frame is begun.
     FrameFiles(const QString& folder, const SceneFiles& scenes, const RendererUser& user = {},
         DiskReserve reserve = {});
 
@@ -44,7 +44,7 @@ public:
     /// "frame_0001.png" for number 1 and suffix "png".
     static QString FrameName(int number, const QString& suffix);
 
-    /// The files of a run of the job. Each run has a folder of its own, so that a renderer which was given up for lost
+    /// The files of a run of the job. Each run has a folder of its own, so that a renderer that was given up as lost
     /// cannot disturb the next attempt.
     RunFiles FilesOf(const QString& jobId, const RunId& run) const;
 
@@ -66,16 +66,16 @@ public:
     /// @param mayBeKept allows the picture to be there already.
     Picture Keep(
         const FrameTask& task, const QString& suffix, const RunId& run, bool mayBeKept = false) const;
-    /// Keeps what the renderer has written as the log of the frame.
+    /// Keeps the renderer's output as the log of the frame.
     void KeepLog(const FrameTask& task, const RunId& run) const;
-    /// Removes what the renderer has written, but not its log.
+    /// Removes the files that the renderer has written, but not its log.
     void DiscardOutput(const FrameTask& task, const RunId& run) const;
-    /// Whether the run's files are gone although the disk is there.
+    /// Whether the run's files are gone although the disk is available.
     bool IsLost(const FrameTask& task, const RunId& run) const;
-    /// Removes what a run has left behind.
+    /// Removes everything that a run has left behind.
     void Discard(const FrameTask& task, const RunId& run) const;
 
-    /// The run of a job that began last in its folder; 0 when none did, or only with an early version of the farm.
+    /// The latest run of a job that has begun in its folder; 0 when none has, or only with an early version of the farm.
     int BegunRun(const QString& jobId) const;
 
 private:

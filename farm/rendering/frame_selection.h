@@ -60,11 +60,11 @@ private:
     std::set<FrameKey>& m_taken;
     std::int64_t m_now;
     QStringList m_types;
-    QStringList m_stoppedTypes; ///< that may get a trial
-    /// Without those that get no further frame.
+    QStringList m_stoppedTypes; ///< stopped types that may get a trial
+    /// The accounts that may get another frame.
     std::vector<Contender> m_contenders;
     FrameChoice m_choice;
-    /// By job, with a frame of it.
+    /// For each job, the task of one of its frames.
     std::map<std::int64_t, FrameTask> m_tasks;
 };
 

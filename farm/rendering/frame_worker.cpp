@@ -45,7 +45,7 @@ void FrameWorker::Settle(const RunId& id, const FrameTask& task, RunEnd end, boo
 {
     m_keepers.Add(task.account, task.key.job, [this, id, task, end, mayBeKept] {
         const FileReport report = SettleNow(id, task, end, mayBeKept);
-        // The rest stays until the end is recorded, for a farm that dies before.
+        // The other files stay until the end is recorded: if the farm crashes before that, the next one needs them.
         m_files.KeepLog(task, id);
         emit Settled(id, report);
     });
@@ -71,7 +71,7 @@ void FrameWorker::Stop()
 FileReport FrameWorker::PrepareNow(const RunId& id, const FrameTask& task, const Flag& isUnwanted) const
 {
     const JobType type = m_types.value(task.type);
-    // A renderer that could make shared files writable gets its own.
+    // A renderer that could make linked files writable gets copies.
     const bool mayLink = !m_renderers.user.isEmpty() || (type.confined && SystemCalls::CanForbidAttributes());
     try {
         const RenderPlace place = m_files.Prepare(
@@ -101,7 +101,7 @@ FileReport FrameWorker::SettleNow(const RunId& id, const FrameTask& task, RunEnd
     }
     if (report.picture || report.fault == FileReport::Fault::Farm)
         return report;
-    // A renderer that has filled the disk itself is no reason to spare its frame, and others need the room.
+    // A renderer that has filled the disk by itself must not have its frame excused, and others need the space.
     m_files.DiscardOutput(task, id);
     try {
         m_files.RequireRoom();

@@ -13,12 +13,12 @@
 
 namespace farm {
 
-/// The outcome of work on the files of a run.
+/// The result of preparing or settling the files of a run.
 struct FileReport
 {
     enum class Fault {
         None,
-        Scene, ///< the scene or its renderer; another try would end in the same way
+        Scene, ///< the scene or its renderer; another attempt would end in the same way
         Farm,  ///< the disk, perhaps a full one, or the database
     };
     Fault fault = Fault::None;
@@ -42,7 +42,7 @@ public:
     FrameWorker(const FrameFiles& files, const JobTypes& types, const Renderers& renderers);
     ~FrameWorker() override;
 
-    /// Once set, the work that carries it ends soon, with a report of a fault.
+    /// Once it is set, the work that it was passed to ends soon and reports a fault.
     using Flag = std::shared_ptr<std::atomic_bool>;
 
     /// Provides the scene and writes the order. Prepared() follows.

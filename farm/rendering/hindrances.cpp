@@ -8,7 +8,7 @@ Hindrances::Hindrances(Database& database, ChangeFeed& feed)
     : m_database(database)
     , m_feed(feed)
 {
-    // An earlier farm's reasons are found out again.
+    // Reasons from before the restart are found out again.
     m_database.Write([](SQLite::Database& connection) { connection.exec("DELETE FROM hindered_types"); });
 }
 

@@ -11,8 +11,8 @@
 
 namespace farm {
 
-/// Frees the files of jobs that are deleted, and what renderers have left behind in the folders of jobs that have ended or
-/// are paused. What has to be freed is marked in the database, so that a farm which starts again goes on with it. A job
+/// Frees the files of jobs that are deleted, and in the folders of jobs that have ended or are paused what renderers have left
+/// behind, and the scene. What has to be freed is marked in the database, so that a farm which starts again goes on with it. A job
 /// with runs in work is left for later. Thread-safe.
 class JobFolders
 {
@@ -25,9 +25,9 @@ public:
     /// Frees the files of deleted jobs: folder, frame logs and list of scene files. `goOn` is called before each file; false
     /// stops the work. Returns whether all is done; otherwise call it again later.
     bool FreeDeleted(const GoOn& goOn);
-    /// Removes the leftovers in the folders of jobs that do not render.
+    /// Removes the leftovers in the folders of jobs that do not render, and their scenes, which may be copies.
     bool Tidy(const GoOn& goOn);
-    /// Removes the folders of runs that an earlier farm has recorded the ends of, from the folders of jobs that go on.
+    /// Removes the folders of runs whose ends an earlier process has recorded, from the folders of jobs that go on.
     bool RemoveEndedRuns(const GoOn& goOn);
 
 private:

@@ -7,7 +7,7 @@
 
 namespace farm {
 
-/// Makes a job pause whose frames end again and again through faults of the farm, such as a node without the shared folder
+/// Pauses a job whose frames keep failing through faults of the farm, such as a node without the shared folder
 /// or a partition that is gone. Each pause is twice as long as the one before, so that such a job leaves the machines to the
 /// others.
 class JobPauses
@@ -20,11 +20,11 @@ public:
 
     explicit JobPauses(std::chrono::milliseconds shortest);
 
-    /// Faults during a pause are those of frames that were begun before, and do not lengthen it.
+    /// Faults during a pause come from frames that began before it, so they do not lengthen it.
     void AddFault(std::int64_t job, Clock::time_point now);
     /// A frame of the job has been finished.
     void End(std::int64_t job) { m_jobs.erase(job); }
-    /// The jobs that pause now.
+    /// The jobs that are paused now.
     std::set<std::int64_t> Paused(Clock::time_point now) const;
 
 private:

@@ -38,7 +38,7 @@ private:
     using Jobs = std::map<std::int64_t, Waiting>;
 
     void Run();
-    /// @return the job whose turn it is, of those with work that no thread works for.
+    /// @return the job whose turn it is, among those that have work and no thread.
     Jobs::iterator Next();
     std::int64_t LastTurn(std::int64_t account) const;
 
@@ -47,7 +47,7 @@ private:
     Jobs m_waiting;
     std::set<std::int64_t> m_busy;
     std::int64_t m_turns = 0;
-    /// The number of the last turn that each account had.
+    /// For each account, the number of its last turn.
     std::map<std::int64_t, std::int64_t> m_lastTurns;
     bool m_isStopped = false;
     std::vector<std::thread> m_threads;

@@ -80,7 +80,7 @@ void LocalExecutor::Cancel(const RunId& run)
         process->second->terminate();
 }
 
-// Renderers end with their farm, but one may have left its outcome before.
+// Renderers end with their farm, but one may have written its outcome before.
 void LocalExecutor::Attach(const std::vector<RecordedRun>& runs)
 {
     for (const RecordedRun& run : runs) {
@@ -97,7 +97,7 @@ void LocalExecutor::Stop()
         process.second->terminate();
     for (const auto& process : m_processes)
         process.second->waitForFinished(static_cast<int>(deadline.remainingTime()));
-    // Processes that are left are killed with their runner, and at the latest by the next farm.
+    // The remaining processes are killed with their runner, or at the latest when the farm starts again.
     m_processes.clear();
 }
 

@@ -24,7 +24,7 @@ public:
         QString runner;
     };
 
-    /// Ends the processes that renderers of an earlier farm on this folder have left behind.
+    /// Ends the processes that renderers of an earlier farm process on this folder have left behind.
     explicit LocalExecutor(const Settings& settings);
     ~LocalExecutor() override;
 

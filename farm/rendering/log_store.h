@@ -10,7 +10,7 @@ namespace farm {
 
 class FrameFiles;
 
-/// The logs of frames: all that the renderer has written at the attempt that ended last. Thread-safe.
+/// The logs of frames: the renderer's whole output in the attempt that ended last. Thread-safe.
 class LogStore
 {
 public:

@@ -9,13 +9,13 @@ namespace farm {
 /// Settings that all renderers share.
 struct Renderers
 {
-    /// Renderers reach nothing of this folder but their scenes and pictures.
+    /// In this folder, renderers reach only their scenes and pictures.
     QString hidden;
     /// The user who runs them; empty for the farm's own.
     QString user;
 };
 
-/// How to render the frame of the task at its place.
+/// The order to render the task's frame with the files of `place`.
 RunOrder OrderFor(const RunId& id, const FrameTask& task, const JobType& type, const RenderPlace& place,
     const Renderers& renderers);
 

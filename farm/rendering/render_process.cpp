@@ -44,7 +44,7 @@ void RenderProcess::ReportExit(int exitCode, QProcess::ExitStatus status)
         emit Ended(*outcome);
         return;
     }
-    // The renderer itself may have done it, so this counts as an attempt.
+    // The renderer itself may have killed it, so this counts as an attempt.
     if (status == QProcess::CrashExit) {
         StrayRenderers::EndRun(m_run);
         emit Ended({RunEnd::SceneFault, QStringLiteral("the program that watches the renderer was killed"),

@@ -5,7 +5,7 @@
 
 namespace farm {
 
-/// The program quillstar-run-frame at work on one run. It ends when the thread that has launched it does, with all processes
+/// A process of quillstar-run-frame for one run. It ends with the thread that has launched it, together with all processes
 /// of its renderer.
 class RenderProcess : public BoundProcess
 {

@@ -21,7 +21,7 @@ std::optional<double> LevelOf(SQLite::Database& connection, std::int64_t account
     return query.executeStep() ? std::optional(query.getColumn(0).getDouble()) : std::nullopt;
 }
 
-/// Takes the failures back that have turned out to be the renderer's.
+/// Undoes the recorded failures that have turned out to be the renderer's fault.
 void Forgive(SQLite::Database& connection, const std::vector<FrameKey>& frames, std::int64_t now)
 {
     for (const FrameKey& frame : frames) {
@@ -108,7 +108,7 @@ std::vector<FrameTask> RenderQueue::Choose(
     });
 }
 
-/// Lets jobs be found again whose failed frames have paused long enough.
+/// Makes jobs eligible again whose failed frames have paused long enough.
 void RenderQueue::Resume(std::int64_t now)
 {
     const char* const due = " WHERE status IN (0, 1, 6) AND resume_at > 0 AND resume_at <= ?";
@@ -274,7 +274,7 @@ void RenderQueue::Postpone(const FrameKey& frame, const QString& message, std::i
     Announce(m_database, m_feed, postponed);
 }
 
-/// Sets the time of the next attempt. Returns whether there is none, so that the frame is passed by.
+/// Sets the time of the next attempt. Returns true when there is none, so that the job passes the frame by.
 bool RenderQueue::Retry(SQLite::Database& connection, const FrameKey& frame, bool counts, std::int64_t now,
     const QString& log) const
 {

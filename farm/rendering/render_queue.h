@@ -18,7 +18,7 @@
 namespace farm {
 
 /// Finds the open frames of all jobs and records finished ones: their pictures, charges and balances.
-/// A frame that is being rendered is not marked, so it is still open after a crash. What it changes is announced. Not
+/// A frame that is being rendered is not marked, so it is still open after a crash. Changes are announced. Not
 /// thread-safe. Times are seconds since the epoch.
 class RenderQueue
 {
@@ -26,7 +26,7 @@ public:
     RenderQueue(
         Database& database, ChangeFeed& feed, const AccountTerms& terms, const QueueSettings& settings = {});
 
-    /// The frames that are rendered next, in the order of their turns: accounts take turns by what they have used lately.
+    /// The frames to render next, in the order of their turns: accounts take turns by their recent use.
     /// @param taken are the frames in work, to which these are added.
     std::vector<FrameTask> Choose(const FrameDemand& demand, std::set<FrameKey>& taken, std::int64_t now);
 
@@ -38,10 +38,10 @@ public:
     /// Marks those of the jobs that are open as running.
     void Start(const std::set<std::int64_t>& jobs);
 
-    /// The frame is being rendered since `at`; until then it waits for a machine.
+    /// Records that the frame has been rendered since `at`; before that, it waits for a machine.
     void NoteStart(const FrameKey& frame, std::int64_t at) { m_load.NoteStart(frame, at); }
 
-    /// Goes by the limits of these settings from now on.
+    /// Applies the limits of these settings from now on.
     void TakeOverLimits(const QueueSettings& settings);
 
     /// Pauses the open jobs of all accounts in arrears.
@@ -54,12 +54,12 @@ public:
 
     /// Counts a failed attempt at the frame, which is tried again after a pause. After the last attempt the job passes
     /// the frame by, goes on with the others and fails at the end; it keeps the message of the first such frame. Renderers
-    /// that fail at whatever they are given stop their job type instead. Returns whether the job failed.
-    /// @param seconds for which the renderer ran; nothing when it did not run at all.
+    /// that fail with every scene stop their job type instead. Returns whether the job failed.
+    /// @param seconds is the renderer's running time; none when it did not run at all.
     bool Fail(const FrameKey& frame, const QString& message, std::int64_t now, const QString& log = {},
         std::int64_t coreMilliseconds = 0, std::optional<std::int64_t> seconds = 0);
     /// Tries the frame again after a pause without counting the attempt, because the farm was at fault. Until a frame of
-    /// the job is finished, the job tells the message as its hindrance.
+    /// the job is finished, the message is shown as the job's hindrance.
     void Postpone(const FrameKey& frame, const QString& message, std::int64_t now, const QString& log = {},
         std::int64_t coreMilliseconds = 0);
 

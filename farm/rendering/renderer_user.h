@@ -12,7 +12,7 @@ class RendererUser
 {
 public:
     RendererUser() = default;
-    /// Throws when there is no such user, or when this program is not root's. An empty name stands for no other user.
+    /// Throws when there is no such user, or when this program does not run as root. An empty name means none.
     explicit RendererUser(const QString& name);
 
     const QString& Name() const { return m_name; }
@@ -23,7 +23,7 @@ public:
     void LetRead(const QString& folder) const;
     /// Lets the user write into a folder.
     void Give(const QString& folder) const;
-    /// Closes a file of the user to all but the farm.
+    /// Takes a file of the user over, so that only the farm can use it.
     void TakeBack(const QString& file) const;
 
 private:

@@ -9,7 +9,7 @@
 
 namespace farm {
 
-/// The runs in work, on the disk: a farm that starts again learns from it which frames may still be rendered somewhere.
+/// The runs in work, in the database: a restarted farm learns from it which frames may still be rendered somewhere.
 class RunTable
 {
 public:
@@ -18,7 +18,7 @@ public:
     struct Entry
     {
         RunId id;
-        /// Only what identifies the frame and its job's folder and type.
+        /// Only the members that identify the frame and its job's folder and type are set.
         FrameTask task;
         QString handle;
     };

@@ -37,18 +37,18 @@ public:
         Hindrances& hindrances;
     };
 
-    /// Takes over the runs of an earlier farm.
+    /// Takes over the runs of an earlier farm process.
     /// @param lookInterval is the time after which the scheduler looks at the jobs without a nudge.
     Scheduler(const Dependencies& dependencies, const JobTypes& types, const Renderers& renderers,
         std::chrono::milliseconds lookInterval);
 
-    /// Looks at the jobs: pauses those in arrears, cancels the frames that are no longer wanted and gives the executor
+    /// Looks at the jobs: pauses those in arrears, cancels frames that are no longer wanted and gives the executor
     /// other ones. Call it when jobs have changed.
     void Nudge();
-    /// Calls Nudge() later in the scheduler's thread, once for all that is going on there. May be called from any thread.
+    /// Calls Nudge() later in the scheduler's thread; several calls result in one Nudge(). May be called from any thread.
     void NudgeLater() { emit NudgeWanted(); }
 
-    /// Ends the work; no frames start any more.
+    /// Ends the work; no frames start afterwards.
     void Stop();
 
 signals:
@@ -57,11 +57,11 @@ signals:
 private:
     enum class State {
         Preparing, ///< its files are being provided
-        Ready,     ///< the executor gets it in a moment
+        Ready,     ///< to be passed to the executor
         Started,   ///< the executor has it
-        Ended,     ///< its files are to be looked at
-        Settling,  ///< they are being looked at
-        Settled,   ///< its end is to be recorded
+        Ended,     ///< its files are still to be settled
+        Settling,  ///< its files are being settled
+        Settled,   ///< its end is still to be recorded
     };
 
     /// The consequence of a run's end for its frame.
@@ -78,9 +78,9 @@ private:
         State state = State::Preparing;
         /// Set once the frame is no longer wanted.
         FrameWorker::Flag isUnwanted = std::make_shared<std::atomic_bool>(false);
-        /// Whether an earlier farm has begun it.
+        /// Whether an earlier farm process has begun it.
         bool isOld = false;
-        /// Whether its picture may be in its place already, because its files have been looked at before.
+        /// Whether its picture may be in its place already, because its files have been settled before.
         bool mayBeKept = false;
         RunResult result = {};
         std::optional<Picture> picture = {};
@@ -107,7 +107,7 @@ private:
 
     Dependencies m_deps;
     JobTypes m_types;
-    /// Why jobs wait whose types are not among `m_types` any more.
+    /// Reasons for the waiting of jobs whose types have been removed from `m_types`.
     QMap<QString, QString> m_unknownTypes;
     JobPauses m_pauses;
     FrameWorker m_worker;
@@ -117,7 +117,7 @@ private:
     std::vector<Run> m_ready;
     QTimer m_startTimer;
     QTimer m_nudgeTimer;
-    /// The disk or the database has failed: nothing begins, and no end is recorded, until the next look.
+    /// The disk or the database has failed: until the next look, nothing begins and no end is recorded.
     bool m_waits = false;
     bool m_isStopped = false;
     QTimer m_look;

@@ -3,14 +3,14 @@
 #include <QProcessEnvironment>
 #include <QString>
 
-/// The program that runs a renderer ends all processes of it. Should that program be killed, these processes may be left,
-/// and would burden the machine. So they all carry marks of the farm's folder and of the run in their environment.
+/// The program that runs a renderer ends all of its processes. If that program is killed, these processes may be left
+/// and burden the machine, so they all carry marks of the farm's folder and of the run in their environment.
 namespace farm::StrayRenderers {
 
 /// Marks a process, and all that it starts, as processes of this farm and this run.
 void Mark(QProcessEnvironment& environment, const QString& dataFolder, const QString& run);
 
-/// Ends the processes that an earlier farm has left behind. Call it while no other farm can use the folder.
+/// Ends the processes that an earlier farm process has left behind. Call it while no other farm can use the folder.
 void End(const QString& dataFolder);
 /// Ends the processes that a run has left behind.
 void EndRun(const QString& run);

@@ -10,13 +10,13 @@
 
 namespace farm {
 
-/// Notices when the renderer of a job type fails at once at whatever it is given, so that it is stopped before it has
-/// failed every job, and lets single frames try whether it works again. Knows neither jobs nor the database. Times are
+/// Notices when the renderer of a job type fails at once with every scene, so that the type is stopped before it has
+/// failed every job, and lets single frames test whether it works again. Knows neither jobs nor the database. Times are
 /// seconds since the epoch.
 class TypeHealth
 {
 public:
-    /// A type is stopped by this many quick failures in a row, in at least so many jobs.
+    /// A type is stopped by this many quick failures in a row, in at least this many jobs.
     static constexpr int FailuresToStop = 6;
     static constexpr int JobsToStop = 3;
     /// A failure within this time is quick.
@@ -25,7 +25,7 @@ public:
 
     enum class Trial {
         None,     ///< no frame may be rendered now
-        OtherJob, ///< one frame may try, of a job that has not failed in the row
+        OtherJob, ///< one frame may try, from a job that is not among the failures
         AnyJob,   ///< one frame of any job may try
     };
 
@@ -33,25 +33,25 @@ public:
         Alive,     ///< the failure counts against the frame
         Stopped,   ///< it counts, and the type has just been stopped
         Confirmed, ///< a trial failed as well: neither it nor the failures that stopped the type count
-        Sick,      ///< the type had been stopped before; the failure does not count
+        Sick,      ///< the type was stopped already; the failure does not count
     };
 
-    /// The type was stopped when an earlier farm ran.
+    /// Restores that the type was stopped before the farm was restarted.
     void Stop(const QString& type, std::int64_t now);
     bool IsStopped(const QString& type) const;
     /// The trial that a stopped type may begin now.
     Trial TrialOf(const QString& type, std::int64_t now) const;
-    /// This frame of the stopped type tries now.
+    /// Begins a trial of the stopped type with this frame.
     void BeginTrial(const QString& type, const FrameKey& frame, std::int64_t now);
 
     /// @return whether the type had been stopped and goes on now.
     bool Succeeded(const QString& type);
-    /// @param seconds for which the renderer ran.
+    /// @param seconds is the renderer's running time.
     Verdict Failed(const QString& type, const FrameKey& frame, std::int64_t seconds, std::int64_t now);
 
     /// The last frames that failed in a row.
     std::vector<FrameKey> FailedInARow(const QString& type) const { return m_types.value(type).row; }
-    /// Their jobs, which a trial of another job passes over.
+    /// The jobs of these frames, which a trial with another job passes over.
     std::set<std::int64_t> JobsInTheRow(const QString& type) const { return JobsOf(m_types.value(type)); }
 
 private:

@@ -11,7 +11,7 @@
 
 namespace farm {
 
-/// Whose frames of which types are being rendered. The sums are kept, as a cluster holds thousands of frames. Not
+/// Counts the frames in work by account and by job type. The sums are kept, as a cluster holds thousands of frames. Not
 /// thread-safe.
 class WorkLoad
 {
@@ -19,12 +19,12 @@ public:
     /// @param taken are the frames in work now. The others are forgotten.
     void Update(SQLite::Database& connection, const std::set<FrameKey>& taken);
     void Add(const FrameKey& frame, std::int64_t account, const QString& type);
-    /// The frame is being rendered since `at`; before, it waits for a machine.
+    /// Records that the frame has been rendered since `at`; before that, it waits for a machine.
     void NoteStart(const FrameKey& frame, std::int64_t at);
 
     int FramesOfType(const QString& type) const { return m_types.value(type); }
     int FramesOf(std::int64_t account) const { return SumOf(account).frames; }
-    /// For how long the account's frames have been rendered, added up.
+    /// The sum of the times for which the account's frames have been rendered, in seconds.
     double SecondsOf(std::int64_t account, std::int64_t now) const;
 
 private:
@@ -38,7 +38,7 @@ private:
     {
         int frames = 0;
         int started = 0;
-        std::int64_t starts = 0; ///< the times of all starts, added up
+        std::int64_t starts = 0; ///< the sum of the times of all starts
     };
     using Frames = std::map<FrameKey, Entry>;
 
@@ -47,7 +47,7 @@ private:
     void SetStart(Entry& entry, std::optional<std::int64_t> at);
 
     Frames m_frames;
-    /// Of frames that the next Update() adds.
+    /// The starts of frames that the next Update() adds.
     std::map<FrameKey, std::int64_t> m_earlyStarts;
     std::map<std::int64_t, Sum> m_accounts;
     QHash<QString, int> m_types;

@@ -6,7 +6,7 @@
 
 namespace farm {
 
-/// The room on the disk that the files in a folder, and in those below, take.
+/// The disk space that the files in a folder and its subfolders take.
 struct FolderUse
 {
     std::int64_t bytes = 0;
@@ -18,7 +18,7 @@ constexpr int MostEntries = 100'000;
 /// Other processes may change the folder meanwhile. Links are not followed.
 FolderUse MeasureFolder(const QString& path);
 
-/// Removes the files in a folder and in those below, as far as they can be removed; the folders stay.
+/// Removes the files in a folder and its subfolders, as far as they can be removed; the folders stay.
 void RemoveFiles(const QString& path);
 
 } // namespace farm

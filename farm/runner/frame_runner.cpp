@@ -19,9 +19,9 @@ namespace farm {
 
 namespace {
 
-// Limits that the kernel does not keep by itself are looked at this often.
+// The interval at which limits that the kernel does not enforce are checked.
 constexpr std::chrono::milliseconds LookInterval {500};
-// The output may lie on a shared folder, so it is looked at less often, and for a small part of the time.
+// The output may be in a shared folder, so it is checked less often and for a small part of the time.
 constexpr std::chrono::milliseconds OutputLookInterval {2000};
 constexpr int PausesPerLook = 9;
 constexpr std::int64_t Mebibyte = 1 << 20;
@@ -89,7 +89,7 @@ RunResult FrameRunner::Run()
         result.message = QString::fromUtf8(error.what());
         ProcessTree::End();
     }
-    // Nobody needs the output of a failure, which may have filled the disk on which its outcome is to be written.
+    // The output of a failure is useless, and may have filled the disk that the outcome needs.
     if (CountsAsAttempt(result.end))
         RemoveFiles(m_order.files.OutputFolder());
     m_log.Finish();
@@ -172,7 +172,7 @@ void FrameRunner::LookAtOutput()
 }
 
 /// The processor time of all processes that have ended below this one. The kernel adds it up, but without those whose
-/// parents have told it not to wait for them; the looks know only what they have seen.
+/// parents ignore their ends; the repeated checks know only the processes that they have seen.
 std::int64_t FrameRunner::CoreMilliseconds() const
 {
     rusage usage {};
@@ -180,7 +180,7 @@ std::int64_t FrameRunner::CoreMilliseconds() const
     return std::max(Milliseconds(usage.ru_utime) + Milliseconds(usage.ru_stime), m_time.Milliseconds());
 }
 
-// Without a limit of its own, a frame must leave the machine usable.
+// A frame without a limit of its own must still leave the machine usable.
 std::int64_t FrameRunner::MemoryLimit() const
 {
     constexpr int Tenths = 9;
@@ -191,7 +191,7 @@ std::int64_t FrameRunner::MemoryLimit() const
 
 void FrameRunner::ReadOutput(int output)
 {
-    // No more than a pipe holds, so that a renderer that never stops writing cannot keep the limits from being looked at.
+    // No more than a pipe holds, so that a renderer that never stops writing cannot delay the checks of its limits.
     constexpr int MostBlocks = 16;
     char bytes[65536];
     ssize_t count = 1;

@@ -21,7 +21,7 @@ public:
     FrameRunner(const FrameRunner&) = delete;
     FrameRunner& operator=(const FrameRunner&) = delete;
 
-    /// SIGTERM, or the end of a parent that has bound this process to its own life, cancels the run.
+    /// SIGTERM cancels the run; so does the end of a parent that has bound this process to its own life.
     RunResult Run();
 
 private:
@@ -49,7 +49,7 @@ private:
     std::chrono::steady_clock::time_point m_nextOutputLook;
     ProcessorTime m_time;
     int m_signals = -1;
-    /// Why the run is ended before the renderer ends by itself.
+    /// The reason for ending the run before the renderer ends by itself.
     std::optional<Verdict> m_verdict;
     /// The renderer's status once it has ended.
     std::optional<int> m_status;

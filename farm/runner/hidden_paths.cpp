@@ -12,7 +12,7 @@ namespace {
 struct Mount
 {
     QByteArray device;
-    /// The mounted folder, within its disk.
+    /// The path of the mounted folder on its disk.
     QString root;
     QString place;
 };
@@ -65,7 +65,7 @@ QStringList NamesOf(const QString& folder, const QByteArray& mounts)
     const QList<Mount> all = ReadMounts(mounts);
     std::optional<Mount> own;
     for (const Mount& mount : all) {
-        // The last of several mounts at one place is in use.
+        // When several mounts share a place, the last one is in use.
         if (IsWithin(folder, mount.place) && (!own || mount.place.size() >= own->place.size()))
             own = mount;
     }

@@ -5,22 +5,22 @@
 
 namespace farm {
 
-/// Writes what a renderer says to a file and remembers its end.
+/// Writes a renderer's output to a file and remembers its end.
 class OutputLog
 {
 public:
-    /// The end of a renderer's output usually names the error, so this much of it becomes the log of the frame.
+    /// The length of the frame's log: the end of a renderer's output usually names the error.
     static constexpr int LongEnd = 4000; // bytes
-    /// This much becomes part of the message of a job that fails.
+    /// The length of the part that goes into the message of a job that fails.
     static constexpr int ShortEnd = 400; // bytes
 
-    /// A file that cannot be written is left out: the frame matters more.
+    /// Goes on without the file if it cannot be written: the frame matters more.
     explicit OutputLog(const QString& path);
 
     void Add(const QByteArray& bytes);
-    /// Adds the end of an output of which the middle was too long for the file.
+    /// Adds the end of an output whose middle was left out of the file.
     void Finish();
-    /// The last lines of the output, which together have at most so many bytes.
+    /// The last lines of the output, at most this many bytes in all.
     QString End(int most) const;
 
 private:

@@ -18,7 +18,7 @@ struct Use
 };
 Use Measure();
 
-/// Waits for all processes below that have ended, without waiting for others.
+/// Reaps all processes below that have ended, without waiting for others.
 /// @param onEnd gets each of them and its status.
 /// @return whether any are left.
 bool Reap(const std::function<void(pid_t, int)>& onEnd);
@@ -26,7 +26,7 @@ bool Reap(const std::function<void(pid_t, int)>& onEnd);
 /// Kills all processes below. Returns when there are none, or false after some seconds when the system does not let them go.
 bool End();
 
-/// The processes and threads that a user has on this machine now.
+/// The number of processes and threads that a user has on this machine now.
 int TasksOf(uid_t user);
 
 } // namespace farm::ProcessTree

@@ -9,7 +9,7 @@ namespace farm {
 
 bool ProcessorTime::Read(pid_t process, Seen& seen)
 {
-    // Counted from the field after the program's name, which may contain anything.
+    // The field's index after the program's name, which may contain anything.
     constexpr int User = 11;
     constexpr int System = 12;
     constexpr int Start = 19;

@@ -8,7 +8,7 @@
 
 namespace farm {
 
-/// Adds up the processor time of processes that are looked at again and again. Each counts once, with what was seen last.
+/// Adds up the processor time of processes that are measured repeatedly. Each counts once, with its latest time.
 class ProcessorTime
 {
 public:

@@ -9,7 +9,7 @@
 
 namespace farm {
 
-/// Names one run of a renderer for ever, even after a restart of the farm: "j12-r1-f7-3f9a1c02".
+/// Identifies one run of a renderer for ever, even after a restart of the farm: "j12-r1-f7-3f9a1c02".
 using RunId = QString;
 
 enum class RunEnd {
@@ -34,15 +34,15 @@ inline bool CountsAsAttempt(RunEnd end)
 struct RunResult
 {
     RunEnd end = RunEnd::FarmFault;
-    /// The reason unless the run is done, for the user.
+    /// The reason why the run is not Done, for the user.
     QString message;
-    /// The end of what the renderer wrote.
+    /// The end of the renderer's output.
     QString log;
     /// The processor time of the renderer and of all programs that it has started.
     std::int64_t coreMilliseconds = 0;
     /// The machine on which it ran; empty when it did not.
     QString host;
-    /// For which the renderer ran.
+    /// The time for which the renderer ran.
     std::int64_t seconds = 0;
 };
 
@@ -50,32 +50,32 @@ struct RunResult
 struct Resources
 {
     int cores = 1;
-    /// In bytes; 0 leaves the choice to the executor.
+    /// Bytes; 0 leaves the choice to the executor.
     std::int64_t memory = 0;
     int gpus = 0;
     QStringList licences;
     std::chrono::seconds timeLimit {3600};
-    /// Processes and threads at a time.
+    /// The most processes and threads at a time.
     int processes = 1024;
-    /// The size of a file that the renderer writes, in bytes.
+    /// The largest size of a file that the renderer writes, in bytes.
     std::int64_t fileSize = std::int64_t {16} << 30;
-    /// The sum of the files in its output folder, in bytes; 0 for any.
+    /// The largest sum of the files in its output folder, in bytes; 0 for no limit.
     std::int64_t outputSize = fileSize;
 };
 
 /// The files of a run, by absolute paths that are the same on every machine that may run it.
 struct RunFiles
 {
-    /// Its folder; the renderer may write nothing there but its picture.
+    /// The run's folder; the renderer may write only its picture there.
     QString folder;
 
     /// The order in JSON, for the program quillstar-run-frame. It is there before the run is started.
     QString Order() const { return folder + QStringLiteral("/order.json"); }
     /// The report of quillstar-run-frame at the end, in JSON. The file is complete once it exists.
     QString Outcome() const { return folder + QStringLiteral("/outcome.json"); }
-    /// All that the renderer has written.
+    /// The renderer's whole output.
     QString Log() const { return folder + QStringLiteral("/log.txt"); }
-    /// The renderer writes here.
+    /// The folder into which the renderer writes.
     QString OutputFolder() const { return folder + QStringLiteral("/output"); }
 };
 

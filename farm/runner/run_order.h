@@ -11,21 +11,21 @@ namespace farm {
 /// The part of the machine that a renderer may use.
 struct Reach
 {
-    /// Whether only programs, libraries, fonts and the paths below may be used; otherwise all but what is hidden.
+    /// Whether only programs, libraries, fonts and the paths below may be used; otherwise all but the hidden folder.
     bool confined = true;
     QStringList readable;
     QStringList writable;
-    /// The farm's data. Of it, only what is below `readable` and `writable` can be reached, confined or not.
+    /// The farm's data. Only its parts below `readable` and `writable` can be reached, confined or not.
     QString hidden;
 };
 
-/// A run, complete: quillstar-run-frame needs nothing else.
+/// Everything that quillstar-run-frame needs to know about a run.
 struct RunOrder
 {
     RunId id;
     QString program;
     QStringList arguments;
-    /// The renderer runs here.
+    /// The folder in which the renderer runs.
     QString folder;
     Resources resources;
     Reach reach;
@@ -34,7 +34,7 @@ struct RunOrder
     QString user;
 };
 
-/// The texts of a list; an entry that is no text counts as an empty one.
+/// The texts of a list; an entry that is not a text reads as an empty one.
 QStringList TextsIn(const QJsonValue& list);
 
 /// Writes the order to its file. Throws std::runtime_error.

@@ -1,16 +1,16 @@
 #pragma once
 
-/// Denies a renderer some kinds of system calls, whatever its user may do.
+/// Denies a renderer some system calls, whatever the rights of its user.
 namespace farm::SystemCalls {
 
-/// Forbids the calling process, and all that it starts, to change the permissions and attributes of files. A scene may
+/// Forbids the calling process and its children to change the permissions and attributes of files. A scene may
 /// share its files with the farm's contents, and their owner could otherwise make them writable. Needs no_new_privs, makes
 /// only system calls. Returns whether it is done.
 bool ForbidAttributes();
-/// Whether that works on this machine; elsewhere ForbidAttributes() does nothing.
+/// Whether ForbidAttributes() works on this machine; if not, it does nothing.
 bool CanForbidAttributes();
 
-/// Takes from root what other users do not have, so that the permissions of files bind it too. Does nothing for others.
+/// Takes root's privileges away, so that the permissions of files bind it too. Does nothing for other users.
 void DropCapabilities();
 
 } // namespace farm::SystemCalls

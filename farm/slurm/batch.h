@@ -11,8 +11,8 @@ namespace farm {
 
 struct JobType;
 
-/// The place of runs of a type on the cluster, and the resources that their tasks ask for. Runs that agree in it can share
-/// an array job.
+/// Where runs of a type go on the cluster, and the resources that their tasks ask for. Runs with equal placements share
+/// array jobs.
 struct Placement
 {
     QString partition;
@@ -25,19 +25,19 @@ struct Placement
 
 bool operator<(const Placement& one, const Placement& other);
 
-/// The settings, or what the type has instead of them.
+/// The placement from the settings, with the type's own values where it has any.
 Placement PlacementFor(const SlurmSettings& settings, const JobType& type);
 
 /// An array job: each task renders some runs, one after another.
 struct Batch
 {
-    /// The name of the job on the cluster; unique for ever.
+    /// The name of the job on the cluster, which is never used again.
     QString name;
     Placement placement;
     std::vector<RunId> runs;
     /// The job type of all runs.
     QString type = {};
-    /// The farm's job of all runs, by its key, when the tasks render several.
+    /// The key of the farm's job that all runs belong to; set when tasks render several runs.
     std::int64_t job = 0;
 
     /// The task, counted from 1, that renders the run at this place, counted from 0.
@@ -45,13 +45,13 @@ struct Batch
     int TaskCount() const { return TaskOf(static_cast<int>(runs.size()) - 1); }
 };
 
-/// A text as one word of a shell.
+/// A text quoted as one word of a shell command.
 QString Quoted(QString text);
 
-/// The names of all jobs of farms begin so.
+/// The prefix of the names of all jobs that farms submit.
 QString ClusterJobPrefix();
 
-/// A new name; it tells how many frames each task renders.
+/// A new name, which contains the number of frames per task.
 QString NewBatchName(int framesPerTask);
 int FramesPerTask(const QString& batchName);
 

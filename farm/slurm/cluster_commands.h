@@ -16,7 +16,7 @@ struct CommandResult
     enum class End {
         Exited,
         NotFound, ///< the program could not be started
-        TimedOut, ///< it was killed; what it asked for may have happened
+        TimedOut, ///< it was killed; it may have taken effect
     };
     End end = End::Exited;
     int exitCode = 0;

@@ -6,7 +6,7 @@ namespace farm {
 
 namespace {
 
-/// The fields of each line that has at least so many; the last field keeps further separators.
+/// The fields of each line that has at least this many; the last field keeps further separators.
 std::vector<QStringList> Fields(const QByteArray& output, int count)
 {
     std::vector<QStringList> all;

@@ -9,13 +9,13 @@ namespace {
 
 struct Cause
 {
-    /// Part of what the command writes.
+    /// Part of the command's output.
     const char* sign;
     const char* text;
     CommandFault fault = CommandFault::Unreachable;
 };
 
-// The first cause whose sign is found. A controller that does not know the key of the munge service closes the connection.
+// The first cause whose sign is in the output. A controller with another munge key closes the connection.
 constexpr Cause Causes[] = {
     {"Munge encode failed", "the munge service does not run on this machine"},
     {"Zero Bytes were transmitted",

@@ -5,11 +5,11 @@
 namespace farm {
 
 enum class CommandFault {
-    /// It had no effect, and may have one later.
+    /// The command had no effect; another attempt may have one.
     Unreachable,
-    /// It may have had its effect.
+    /// The command may have taken effect.
     InDoubt,
-    /// The cluster will refuse the same again, until its configuration or the farm's settings are changed.
+    /// The cluster will refuse the command until its configuration or the farm's settings are changed.
     Refused,
 };
 

@@ -9,7 +9,7 @@
 
 namespace farm {
 
-/// A batch that an earlier farm has submitted.
+/// A batch that was submitted before the farm was restarted.
 struct EarlierBatch
 {
     Batch batch;
@@ -19,8 +19,8 @@ struct EarlierBatch
     std::set<RunId> held;
 };
 
-/// The batches in the lists. Their placements are those that the settings say now.
-/// @param runs are all whose ends have not been recorded.
+/// The batches in the lists. Their placements come from the current settings.
+/// @param runs are all runs whose ends have not been recorded.
 std::vector<EarlierBatch> EarlierBatches(const BatchLists& lists, const std::vector<RecordedRun>& runs,
     const SlurmSettings& settings, const JobTypes& types);
 

@@ -154,8 +154,8 @@ QStringList RunBook::LostSubmissions() const
     return lost;
 }
 
-// Only little is sent ahead, because the cluster renders in the order in which it was sent, whoever comes meanwhile. When
-// nothing waits there, it may be able to render much more.
+// Few runs are sent ahead, because the cluster renders in the order of submission, whoever else comes meanwhile. When
+// nothing waits there, it may be able to render many more.
 void RunBook::CountRunsToHold()
 {
     constexpr int PartAhead = 5;

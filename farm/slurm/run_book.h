@@ -19,15 +19,15 @@ public:
     using Clock = std::chrono::steady_clock;
     static constexpr int LeastToHold = 20;
 
-    /// @param fileDelay is the time that the nodes' files may take to be seen here.
+    /// @param fileDelay is the time after which files written on a node are visible here.
     explicit RunBook(std::chrono::milliseconds fileDelay);
 
-    /// Adds a batch that is being submitted or that an earlier farm has submitted.
-    /// @param files are those of the batch's runs in their order. Runs that are not `held` have ended already.
+    /// Adds a batch that is being submitted, or was before the farm was restarted.
+    /// @param files are the files of the batch's runs, in the same order. Runs that are not `held` have ended already.
     void Add(const Batch& batch, const std::vector<RunFiles>& files, const std::set<RunId>& held);
-    /// Slurm has accepted the batch under this id.
+    /// Records the id under which Slurm has accepted the batch.
     void SetJob(const QString& batch, const QString& id);
-    /// It is unknown whether Slurm has accepted the batch.
+    /// Records that it is unknown whether Slurm has accepted the batch.
     void Doubt(const QString& batch);
 
     struct Returned
@@ -43,37 +43,37 @@ public:
     bool IsEmpty() const { return m_runs.empty(); }
     bool Has(const RunId& run) const { return m_runs.count(run) != 0; }
 
-    /// Takes over what Slurm knows about the farm's jobs.
+    /// Takes over Slurm's current list of the farm's jobs.
     void Update(const std::vector<ClusterTask>& tasks, Clock::time_point now);
-    /// Adds what its accounting knows about tasks that have left the queue.
+    /// Adds the accounting records of tasks that have left the queue.
     void AddAccounts(const std::vector<ClusterTask>& tasks);
     /// The batches with runs that have left the queue.
     QStringList GoneBatches() const;
-    /// The batches that Slurm does not know after two looks, and so has not accepted.
+    /// The batches in doubt that two updates did not list, so that Slurm cannot have accepted them.
     QStringList LostSubmissions() const;
 
-    /// Why tasks of the placement will wait until somebody changes something, or why all of them wait at the moment, as a
-    /// clause; empty when none do.
+    /// The reason why tasks of the placement wait until somebody changes something, or why all of them wait now, as a
+    /// clause; empty when there is none.
     QString HindranceOf(const Placement& placement) const;
 
-    /// The number of runs with which the cluster stays busy until the next update.
+    /// The number of runs that keep the cluster busy until the next update.
     int RunsToHold() const { return m_runsToHold; }
 
     void Cancel(const RunId& run);
-    /// Slurm's ids of tasks of which no run is wanted any more. Each is returned once.
+    /// Slurm's ids of the tasks whose runs are all unwanted. Each is returned once.
     QStringList TakeTasksToCancel();
-    /// The tasks could not be cancelled, so they are returned again.
+    /// Makes TakeTasksToCancel() return tasks again that could not be cancelled.
     void CancelAgain(const QStringList& tasks);
 
-    /// All runs, for whoever knows nothing about their tasks yet.
+    /// Looks at all runs, for a restarted farm that knows nothing about their tasks yet.
     std::vector<RunLook> FirstLooks() const;
-    /// The runs whose files may have changed.
+    /// Looks at the runs whose files may have changed.
     std::vector<RunLook> Looks(Clock::time_point now) const;
     /// The type of the run and the node of its task; empty when they are not known.
     std::pair<QString, QString> TypeAndNodeOf(const RunFinding& finding) const;
     /// Whether the node's report about the beginning of the run is new.
     bool MarkStarted(const RunFinding& finding);
-    /// Returns the end of the run and forgets it; nothing as long as it has not ended.
+    /// Returns the result of the run and forgets the run; none while it has not ended.
     std::optional<RunResult> TakeEnd(const RunFinding& finding, Clock::time_point now);
     /// The batches whose runs have all ended since the last call.
     QStringList TakeEmptyBatches();
@@ -88,7 +88,7 @@ private:
         bool isGone = false;
         bool isStarted = false;
         bool isCancelWanted = false;
-        /// When the run's task had ended or was gone for the first time.
+        /// The time at which the run's task was first seen ended or gone.
         std::optional<Clock::time_point> overSince;
     };
     struct HeldBatch
@@ -96,7 +96,7 @@ private:
         Batch batch;
         QString job;
         int runs = 0;
-        /// The number of looks that have not found a batch in doubt.
+        /// For a batch in doubt, the number of updates that did not list it; none otherwise.
         std::optional<int> doubts;
     };
 

@@ -51,7 +51,7 @@ std::optional<RunResult> EndByState(const RunEvidence& evidence)
     {
         RunEnd end;
         QString message;
-        /// Whether it is the fault of the frame that was rendered, so that the others of the task only have to wait for
+        /// Whether the frame being rendered is to blame, so that the other frames of the task only have to wait for
         /// another one.
         bool concernsFrame;
     };

@@ -19,20 +19,20 @@ TaskPhase PhaseOf(const QString& state);
 /// Evidence about a run on the cluster.
 struct RunEvidence
 {
-    /// Its task, as Slurm reports it; nothing when Slurm does not know it any more.
+    /// The run's task, as Slurm reports it; none when Slurm no longer lists it.
     std::optional<ClusterTask> task;
     /// Whether the node has begun with the run.
     bool wasStarted = false;
     /// The report of quillstar-run-frame.
     std::optional<RunResult> outcome;
-    /// The text that it wrote when it could not even report; may be empty.
+    /// The output of quillstar-run-frame when it failed to write a report; may be empty.
     QString complaint;
     bool isCancelWanted = false;
-    /// Whether an outcome that a node has written would have been seen by now, although shared folders show new files late.
+    /// Whether so much time has passed that an outcome written on a node would be visible in the shared folder by now.
     bool isLate = false;
 };
 
-/// How the run has ended; nothing as long as it has not, or as that is unknown.
+/// The result of the run; none while it has not ended, or while its end is unknown.
 std::optional<RunResult> EndOf(const RunEvidence& evidence);
 
 } // namespace farm

@@ -15,7 +15,7 @@ QString StartedFile(const RunLook& look)
     return look.files.folder + QStringLiteral("/started");
 }
 
-/// Creates the file unless a node has.
+/// Creates the file unless a node has created it.
 bool Close(const RunLook& look)
 {
     QFile file(StartedFile(look));

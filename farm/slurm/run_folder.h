@@ -10,13 +10,13 @@
 
 namespace farm {
 
-/// A question about the files of a run.
+/// A request to look at the files of a run.
 struct RunLook
 {
     RunId run;
     RunFiles files;
     bool wantsOutcome = true;
-    /// Whether a node that has not begun with the run must not begin with it any more.
+    /// Whether to close the run, so that no node can begin with it any more.
     bool closes = false;
 };
 
@@ -27,7 +27,7 @@ struct RunFinding
     QString node;
     qint64 startedAt = 0; ///< in seconds since the epoch, by the clock of the node
     std::optional<RunResult> outcome;
-    /// The last line that quillstar-run-frame, or the shell in its place, has written.
+    /// The last line that quillstar-run-frame, or the shell that starts it, has written.
     QString complaint;
     /// Whether the run has been closed: no node had begun with it, and none will.
     bool isClosed = false;
@@ -41,7 +41,7 @@ class RunFolders : public QObject
     Q_OBJECT
 
 public slots:
-    /// Answers by Looked().
+    /// Emits Looked() when done.
     void LookAt(const std::vector<farm::RunLook>& looks);
 
 signals:

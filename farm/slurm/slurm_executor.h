@@ -17,7 +17,7 @@
 
 namespace farm {
 
-/// Renders on a Slurm cluster by array jobs. All of the farm's jobs are asked for together and not oftener than the settings
+/// Renders on a Slurm cluster by array jobs. One query covers all the farm's jobs and is made no oftener than the settings
 /// say; while the controller does not answer, everything waits. Tasks go on while no farm runs, and the next one finds
 /// them by the lists of the batches.
 class SlurmExecutor : public Executor
@@ -52,13 +52,13 @@ private:
     void SubmitWaiting();
     void Submit(const std::vector<WaitingRun>& runs);
     void HandleSubmission(const QString& batch, const CommandResult& result);
-    /// The batch has not been accepted: its runs wait again, or end when the cluster has refused them for a reason.
+    /// Takes back a batch that was not accepted: its runs wait again, or end if the cluster has refused them for good.
     void TakeBack(const QString& batch, const QString& refusal = {});
     void CancelTasks();
     void CancelStrangers(const std::vector<ClusterTask>& tasks);
     void ReportEnds();
     void EndLater(const RunId& run, RunEnd end, const QString& message);
-    /// Reports a fault once, until something else or nothing is wrong with the same thing.
+    /// Reports a fault of a thing once, until the thing has another fault or none.
     void Complain(const QString& thing, const QString& fault);
 
     SlurmSettings m_settings;
@@ -70,7 +70,7 @@ private:
     WaitingRuns m_waiting;
     NodeHealth m_health;
     std::vector<std::pair<RunId, RunResult>> m_ends;
-    /// Batches of an earlier farm of whose runs none is wanted any more.
+    /// Batches from before the restart whose runs are all unwanted.
     QStringList m_strangers;
     QThread m_folderThread;
     RunFolders m_folders;
@@ -78,7 +78,7 @@ private:
     QTimer m_cancel;
     QTimer m_report;
     bool m_isInTurn = false;
-    bool m_hasOtherFaults = false; ///< than AvailabilityChanged() has told
+    bool m_hasOtherFaults = false; ///< m_faults has changed since AvailabilityChanged()
     RunBook::Clock::time_point m_lastTurn;
     RunBook::Clock::time_point m_submitAgain;
     std::map<QString, QString> m_faults;
@@ -87,7 +87,7 @@ private:
     bool m_hasAccounting = false;
 
 signals:
-    /// For the thread of m_folders.
+    /// Handled in the thread of m_folders.
     void LookWanted(const std::vector<farm::RunLook>& looks);
 };
 

@@ -18,10 +18,10 @@ namespace farm {
 namespace {
 
 constexpr std::size_t Block = 1 << 20; // bytes
-// A disk cannot be interrupted while it writes, so it gets no more than this at a time.
+// A write cannot be interrupted, so no more than this is written at a time.
 constexpr std::size_t SyncInterval = std::size_t {32} << 20; // bytes
 
-/// Closes an open file at the end.
+/// Closes an open file at the end of the scope.
 class Descriptor
 {
 public:

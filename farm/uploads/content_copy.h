@@ -6,7 +6,7 @@
 
 namespace farm {
 
-/// Asked during long work; false interrupts it.
+/// Called during long work; returning false interrupts it.
 using GoesOn = std::function<bool()>;
 
 /// Provides a file under a second name that does not exist yet: shares its blocks where the disk can, else its whole inode

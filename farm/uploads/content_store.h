@@ -32,7 +32,7 @@ public:
     /// Creates an empty folder on the disk of the contents, for files that will be passed to Take().
     QString NewIncomingFolder();
 
-    /// Keeps contents from being removed that belong to no account yet.
+    /// Keeps contents that do not belong to an account yet from being removed.
     class Taken
     {
     public:
@@ -57,7 +57,7 @@ public:
     QHash<QString, std::int64_t> SizesOf(std::int64_t account, const QStringList& checksums);
     /// The given checksums without the ones that SizesOf() leaves out.
     QStringList KnownTo(std::int64_t account, const QStringList& checksums);
-    /// Counts as a use of these contents of the account.
+    /// Records that the account uses these contents now.
     void Touch(std::int64_t account, const QStringList& checksums, std::int64_t now);
     /// The bytes that the account would use if it had these files as well.
     std::int64_t BytesWith(std::int64_t account, const std::vector<UnpackedFile>& files);
@@ -87,7 +87,7 @@ private:
     QString m_folder;
     // Held while files are moved in or removed, and never while the database is written.
     std::mutex m_filesMutex;
-    /// How often each content is being taken.
+    /// The number of `Taken` objects that hold each content.
     std::map<QString, int> m_taken;
 };
 

@@ -37,7 +37,7 @@ struct PackedFile
 /// A file that was unpacked.
 struct UnpackedFile : PackedFile
 {
-    /// The file on this machine that holds the content.
+    /// The unpacked file on this machine.
     QString file;
 };
 

@@ -24,7 +24,7 @@ struct Upload
     QString checksum;
     /// The size of the whole package in bytes.
     std::int64_t size = 0;
-    /// The number of its bytes that are on the disk.
+    /// The number of bytes that are on the disk.
     std::int64_t offset = 0;
     bool unpacked = false;
     /// The files of the package, once it is unpacked.
@@ -39,8 +39,8 @@ public:
     static constexpr std::int64_t LargestPackage = std::int64_t {8} * 1024 * 1024 * 1024; // bytes
 
     /// Creates the folder and removes packages that belong to no upload. Throws std::runtime_error.
-    /// @param terms say how many bytes the contents and unfinished uploads of an account may take.
-    /// @param reserve of the disk, below which nothing new is taken.
+    /// @param terms limit the bytes of the contents and unfinished uploads of an account.
+    /// @param reserve is the disk space below which nothing new is accepted.
     UploadStore(Database& database, ContentStore& contents, const QString& folder, const AccountTerms& terms,
         DiskReserve reserve = {});
 
@@ -55,7 +55,7 @@ public:
     /// Throws Conflict while bytes are missing, BadPackage, QuotaExceeded and Busy.
     Upload Unpack(std::int64_t account, const QString& id, std::int64_t now);
 
-    /// Deletes the upload and what has arrived of it; the contents of an unpacked one stay. `address` is where the request
+    /// Deletes the upload and its bytes; the contents of an unpacked one stay. `address` is where the request
     /// comes from. Throws Busy.
     void Remove(std::int64_t account, const QString& id, std::int64_t now, const QString& address);
     /// Deletes the uploads that no request has touched for seven days.
@@ -72,7 +72,7 @@ private:
     bool HasLostContents(std::int64_t account, const Upload& upload);
     void ForgetWhenOld(const QString& id, std::int64_t bound);
     std::int64_t QuotaOf(std::int64_t account);
-    /// Makes room where it can by forgetting contents that no job needs. `more` is asked for the bytes beside those of
+    /// Makes room if possible by forgetting contents that no job needs. `more` returns the bytes needed beside those of
     /// the unfinished uploads.
     void RequireQuota(std::int64_t account, const std::function<std::int64_t()>& more, std::int64_t now);
     bool IsWithinQuota(std::int64_t account, std::int64_t more);
@@ -85,7 +85,7 @@ private:
     const AccountTerms& m_terms;
     DiskReserve m_reserve;
     UploadLocks m_locks;
-    // Held from a quota check until the checked bytes are recorded.
+    // Locked from a quota check until the checked bytes are recorded.
     std::mutex m_quotaMutex;
     std::atomic<bool> m_interrupted {false};
 };

@@ -19,14 +19,14 @@ public:
 
     /// Puts the strip into the main form. Call it whenever the form is shown for a new session, because it may be a new one.
     /// @param server shown to the user; empty for the farm on this computer.
-    /// @param token of the session.
+    /// @param token identifies the session.
     void BeginSession(const QString& server, const QString& token);
 
     /// Closes the dialog and forgets the failures, which may name the account's jobs.
     void EndSession();
 
 signals:
-    /// The user wants to know whether the farm can be reached now.
+    /// The user has asked whether the farm can be reached now.
     void TryAgainRequested();
 
 private:

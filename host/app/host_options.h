@@ -14,7 +14,7 @@ struct HostOptions
     QString passwordFile;
     bool autoSignIn = true;
     QString skin;     ///< empty for the configured one
-    QString language; ///< likewise
+    QString language; ///< empty for the configured one
     QString logLevel;
     QString downloadFolder; ///< for accounts that have chosen none; empty for the configured one
     QString pluginFile;
@@ -32,6 +32,6 @@ struct HostOptions
     static bool AsksForText(int argc, const char* const* argv);
 };
 
-/// @param text the root of a server as the user typed it.
+/// @param text is the root URL of a server as the user typed it.
 /// @return its URL; empty unless the text is an http or https URL of a host, without user, query or fragment.
 QUrl ServerUrl(const QString& text);

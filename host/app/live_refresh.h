@@ -20,7 +20,7 @@ public:
     /// @param communication must outlive this object.
     explicit LiveRefresh(CommunicationService* communication, QObject* parent = nullptr);
 
-    /// @param token of the session; must never be logged.
+    /// @param token identifies the session; must never be logged.
     void BeginSession(const QString& userName, const QString& token);
     void EndSession();
 
@@ -33,7 +33,7 @@ private:
     CommunicationService* m_communication;
     QPointer<QWidget> m_window;
     QPointer<QTableWidget> m_table;
-    QTimer m_pause; // between two refreshes
+    QTimer m_pause; // the pause between two refreshes
     bool m_listIsDue = false;
     bool m_moneyIsDue = false;
 };

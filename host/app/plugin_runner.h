@@ -17,7 +17,7 @@ class PluginRunner
 {
 public:
     /// Starts the framework; throws a std::exception when that fails.
-    /// @param storageFolder for the framework's cache of plugins.
+    /// @param storageFolder holds the framework's cache of plugins.
     explicit PluginRunner(const QString& storageFolder);
 
     /// Stops the plugin, then the framework.

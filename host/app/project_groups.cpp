@@ -169,7 +169,7 @@ void ProjectGroups::Store(const Filling& filling, const QStringList& known)
     if (filling.newIds.isEmpty())
         return;
     QStringList ids = filling.newIds + known;
-    ids.removeDuplicates(); // a job that was added meanwhile has moved others to the next page
+    ids.removeDuplicates(); // a job added in the meantime has moved others to the next page
     if (!m_file->Set(filling.group, QStringList(ids.mid(0, MostJobs))))
         qWarning("the group of a project cannot be saved: %s", qUtf8Printable(m_file->Path()));
 }

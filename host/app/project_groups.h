@@ -28,7 +28,7 @@ class ProjectGroups : public QObject
 public:
     static constexpr int PageSize = 200;
     static constexpr int MostJobs
-        = 10000; ///< of a group, the newest; a request with more ids is refused by the farm
+        = 10000; ///< the newest jobs of a group; the farm refuses a request with more ids
 
     /// Create it after the plugin has started, so that the main window receives each answer first.
     /// @param communication, settings must outlive this object.
@@ -36,7 +36,7 @@ public:
         CommunicationService* communication, VTSettingsInterface* settings, QObject* parent = nullptr);
     ~ProjectGroups() override;
 
-    /// @param token of the session; must never be logged.
+    /// @param token identifies the session; must never be logged.
     void BeginSession(const QString& userName, const QString& token);
     void EndSession();
 
@@ -72,9 +72,9 @@ private:
     std::unique_ptr<VTListFile> m_file; // null while nobody is signed in
     QString m_userName;
     QString m_token;
-    QHash<QString, QString> m_pools; // of the account's projects, by name
+    QHash<QString, QString> m_pools; // the pools of the account's projects, by name
     QSet<QString> m_underWay;        // groups that are being filled
-    QString m_chosen;                // the group whose jobs the window has asked for last
-    QString m_chosenConditions;      // which the window made of its ids
-    QTimer m_pause;                  // between a change on the farm and the request for it
+    QString m_chosen;                // the group whose jobs the window has requested last
+    QString m_chosenConditions;      // the conditions that the window made of the group's ids
+    QTimer m_pause;                  // the pause between a change on the farm and the request for it
 };

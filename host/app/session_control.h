@@ -33,8 +33,8 @@ public:
     /// @param server shown in the sign-in window; empty for the farm on this computer.
     void SetServer(const QString& server) { m_window.SetServer(server); }
 
-    /// Tells the sign-in window how the farm on this computer is.
-    /// @param reason why it does not start, without a full stop or with one; empty for none.
+    /// Tells the sign-in window the state of the farm on this computer.
+    /// @param reason why it does not start, with or without a full stop; empty for none.
     void SetFarm(SignInWindow::Farm farm, const QString& reason = {});
 
     /// Sets the account for SignInAutomatically, which forgets the password again.
@@ -53,7 +53,7 @@ public:
 
 signals:
     /// @param userName the "username" of the answer, which identifies the account.
-    /// @param token of the session; must never be logged.
+    /// @param token identifies the session; must never be logged.
     void SignedIn(const QString& userName, const QString& token);
     void SignedOut();
     /// The user asks to start the farm on this computer once more.
@@ -86,7 +86,7 @@ private:
     QAction m_signOut;
     QString m_name;
     QString m_password;
-    QString m_triedName; // of the sign-in under way, as is the password
+    QString m_triedName; // name and password of the sign-in under way
     QString m_triedPassword;
     bool m_signedIn = false;
     bool m_expired = false;

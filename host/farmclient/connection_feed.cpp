@@ -92,7 +92,7 @@ void ConnectionFeed::Begin(Direction direction, const QString& name)
     {
         const QMutexLocker lock(&m_mutex);
         Traffic& traffic = m_traffic[direction];
-        // Speed is that of now, without the pause before.
+        // A speed measured across the pause would be too low.
         if (traffic.active == 0 && traffic.peak == 0)
             traffic.speed = {};
         traffic.peak = std::max(traffic.peak, ++traffic.active);
@@ -130,7 +130,7 @@ Flow ConnectionFeed::FlowOf(Traffic& traffic) const
     return {count, traffic.name, traffic.speed.Speed(now, traffic.moved)};
 }
 
-/// Not under the lock, because a receiver in this thread looks at once.
+/// Emitted without the lock, because a receiver in this thread calls Look() at once.
 void ConnectionFeed::Announce()
 {
     {

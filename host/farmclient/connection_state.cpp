@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Whether the farm itself has answered, rather than nobody or something on the way.
+/// Whether the farm itself has answered, rather than a proxy or nothing at all.
 bool IsOfFarm(const FarmFault& fault)
 {
     constexpr int BadGateway = 502;
@@ -20,7 +20,7 @@ bool IsJobList(const Exchange& exchange)
     return exchange.target.startsWith("/jobs?") || exchange.target == "/jobs/search";
 }
 
-/// The client expects these refusals and deals with them by itself.
+/// The client expects these refusals and handles them by itself.
 bool IsRoutine(const Exchange& exchange)
 {
     switch (exchange.fault.status) {

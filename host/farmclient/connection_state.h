@@ -6,7 +6,7 @@
 #include <QDateTime>
 #include <QVector>
 
-/// The end of one request to the farm, whatever came of it.
+/// The end of one request to the farm, successful or not.
 struct Exchange
 {
     QDateTime time;
@@ -18,18 +18,18 @@ struct Exchange
     QByteArray Path() const { return target.mid(0, target.indexOf('?')); }
 };
 
-/// The state of the connection as the exchanges so far show it: whether it stands, how old the list of jobs is, and the
+/// The state of the connection as the exchanges so far show it: its phase, the age of the list of jobs, and the
 /// latest failures. It reads no clock.
 class ConnectionState
 {
 public:
     enum class Phase { Connected, TryingAgain, Unreachable };
 
-    static constexpr int GraceTime = 5000;    ///< ms of failures before the farm counts as unreachable
-    static constexpr int RecentTime = 120000; ///< ms for which a refusal is news
+    static constexpr int GraceTime = 5000;    ///< ms of failures until the farm counts as unreachable
+    static constexpr int RecentTime = 120000; ///< ms for which a refusal counts as news
     static constexpr int MostEntries = 20;
 
-    /// A failure, and how often it has occurred in a row.
+    /// A failure, and the number of times that it has occurred in a row.
     struct Entry
     {
         Exchange latest;
@@ -38,7 +38,7 @@ public:
 
     void Apply(const Exchange& exchange);
 
-    /// The list of jobs that arrived last was still the farm's at this time.
+    /// Records that the latest list of jobs was still up to date at this time.
     void ConfirmList(const QDateTime& time);
 
     Phase PhaseAt(const QDateTime& now) const;
@@ -52,7 +52,7 @@ public:
     /// @return the latest refusal of a farm that can be reached, while it is news; null for none.
     const Entry* News(const QDateTime& now) const;
 
-    /// The user has read the entries, so that none of them is news any longer.
+    /// Records that the user has read the entries, so that none of them is news any longer.
     void MarkRead() { m_isRead = true; }
 
     /// @return when the phase or the news change without another exchange; invalid for never.

@@ -17,7 +17,7 @@ QString Translated(const char* text)
 
 struct Request
 {
-    const char* pattern; ///< of verb and path
+    const char* pattern; ///< matches verb and path
     const char* purpose;
 };
 
@@ -62,7 +62,7 @@ QString DownText(const Flow& flow)
         .arg(flow.speed > 0 ? QStringLiteral("%1, %2").arg(frames, SpeedText(flow.speed)) : frames);
 }
 
-/// @return the request as the farm sees it; the system's own words for a fault that no request has met.
+/// @return the request as the farm sees it; the system's own words for a fault without a request.
 QString Detail(const Exchange& exchange)
 {
     return exchange.verb.isEmpty() ? exchange.fault.words

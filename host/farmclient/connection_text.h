@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// The connection in words, in the language of the moment. Texts of servers are in them, so they are plain text.
+/// The connection in words, in the current language. They may contain texts of servers and must be shown as plain text.
 namespace ConnectionText {
 
 /// @return for example "Not reachable since 22:44, list as of 22:43".
@@ -19,7 +19,7 @@ QString Failure(const Exchange& exchange);
 /// @return all failures with their times, causes and requests, latest first.
 QString History(const ConnectionState& state, const QDateTime& now);
 
-/// @return what a request is for, for example "Submitting a job".
+/// @return the purpose of a request, for example "Submitting a job".
 QString Purpose(const QByteArray& verb, const QByteArray& path);
 
 } // namespace ConnectionText

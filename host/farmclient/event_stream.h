@@ -11,7 +11,7 @@
 class EventStream
 {
 public:
-    /// The most bytes of a line, and of the data of an event.
+    /// The most bytes that a line, or the data of an event, may have.
     static constexpr int Longest = 64 * 1024;
 
     /// @return the data of the events that these bytes complete.
@@ -34,14 +34,14 @@ private:
 struct FarmChanges
 {
     QStringList jobs;         ///< ids of jobs that have changed
-    bool list = false;        ///< any list of jobs may be another one
-    bool money = false;       ///< the balance
-    QJsonObject account = {}; ///< with the balance; empty when the farm has to be asked for it
-    QJsonArray records = {};  ///< of all jobs that have changed; empty when the farm has to be asked for them
+    bool list = false;        ///< any list of jobs may have changed
+    bool money = false;       ///< the balance has changed
+    QJsonObject account = {}; ///< the account with its balance; empty when the farm has to be asked for it
+    QJsonArray records = {};  ///< records of all changed jobs; empty when the farm has to be asked for them
 
-    /// Anything may have changed, as while there was no stream.
+    /// Changes that stand for anything, for times without a stream.
     static FarmChanges Anything() { return {{}, true, true}; }
 
-    /// @param event data of an event. One that cannot be read announces nothing.
+    /// @param event is the data of an event. Unreadable data announces nothing.
     static FarmChanges Read(const QByteArray& event);
 };

@@ -11,7 +11,7 @@ class ConnectionFeed;
 struct FarmAccess
 {
     QUrl apiRoot;   ///< empty while there is no server
-    QString token;  ///< of the session, never to be logged; empty while nobody is signed in
+    QString token;  ///< identifies the session, never to be logged; empty while nobody is signed in
     QString owner;  ///< server and account in one text, the key of the tasks; empty while nobody is signed in
     QString folder; ///< absolute path below which the owner's finished frames are saved
     ProxyLogin proxy = {};

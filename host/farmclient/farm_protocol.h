@@ -15,7 +15,7 @@ struct Answer
     QVariantMap map;
 };
 
-/// @return whether the body of a successful answer is complete; if not, the code becomes HttpResult::NotJson.
+/// @return whether the body of a successful answer is complete; if not, the code becomes FarmFault::NotJson.
 using Check = bool (*)(const QJsonObject& body);
 
 HttpRequest SignInRequest(const QString& name, const QString& password);
@@ -25,7 +25,7 @@ HttpRequest ProjectListRequest(const QVariantHash& request);
 HttpRequest JobListRequest(const QVariantHash& request);
 HttpRequest JobInfoRequest(const QVariantHash& request);
 
-/// @param action last segment of the path, for example "stop".
+/// @param action is the last segment of the path, for example "stop".
 HttpRequest JobActionRequest(const QByteArray& action, const QVariantHash& request);
 
 bool IsAnyObject(const QJsonObject& body);
@@ -35,7 +35,7 @@ bool IsProjectList(const QJsonObject& body);
 bool IsJobList(const QJsonObject& body);
 bool IsJobInfo(const QJsonObject& body);
 
-/// @param echo entries of the request that the answer repeats at top level, even when it failed.
+/// @param echo holds entries of the request that the answer repeats at top level, even on failure.
 Answer Decode(const HttpResult& result, Check check, const QVariantMap& echo);
 
 } // namespace FarmProtocol

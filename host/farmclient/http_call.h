@@ -20,7 +20,7 @@ public:
     ~HttpCall() override;
 
 signals:
-    /// @param bytes of the body sent by the current attempt; starts again with each attempt.
+    /// @param bytes is how much of the body the current attempt has sent; each attempt counts from 0.
     void Sent(qint64 bytes);
     void Finished(const HttpResult& result);
 
@@ -42,6 +42,6 @@ private:
     qint64 m_noted = 0;                 // bytes received when the deadline was moved last
     std::optional<HttpResult> m_result; // set when no attempt follows
     QTimer m_deadline;
-    QTimer m_pause; // before the next attempt, or before the result is reported
+    QTimer m_pause; // runs before the next attempt, or before the result is reported
     int m_attempt = 0;
 };

@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-/// @return the text with a full stop, unless it ends a sentence already. Texts of servers and of the system often do not.
+/// @return the text with a full stop, unless it ends a sentence already. Many texts of servers and of the system do not.
 QString Sentence(const QString& text);
 
 /// @return the texts as sentences, one after the other. Empty ones are left out.

@@ -6,7 +6,7 @@
 #include <deque>
 #include <utility>
 
-/// The speed of a transfer during the last seconds. Times are in milliseconds, on any clock.
+/// The speed of a transfer during the last few seconds. Times are in milliseconds since any fixed moment.
 class SpeedMeter
 {
 public:

@@ -8,7 +8,7 @@ namespace {
 constexpr int LeastWidth = 1;      // pixels
 constexpr int MostWidth = 28;      // pixels
 constexpr int RoomForGap = 4;      // pixels of a bar, from which on it keeps apart from the next
-constexpr double Tolerance = 1e-9; // of sums of powers of ten
+constexpr double Tolerance = 1e-9; // for the rounding errors of powers of ten
 
 } // namespace
 
@@ -43,7 +43,7 @@ ChartLayout ChartLayout::Of(const std::vector<double>& values, const QSize& room
         made.width = int((bar + 1) * step) - made.x;
         made.width -= made.width >= RoomForGap ? 1 : 0;
         made.height = int(std::lround(made.value / layout.top * room.height()));
-        // A value that is small beside the others is still there.
+        // A small value still gets a visible bar.
         if (made.value > 0)
             made.height = std::max(made.height, 1);
         layout.bars.push_back(made);

@@ -20,12 +20,12 @@ struct ChartLayout
     double top = 1; ///< the value at the upper edge
     std::vector<ChartBar> bars;
 
-    /// Gives each value a bar in the room, or each group of neighbours when there is not a pixel for each.
+    /// Gives each value a bar in the area, or each group of neighbours when there are fewer pixels than values.
     static ChartLayout Of(const std::vector<double>& values, const QSize& room);
 
-    /// @return the bar at this place; null when there is none.
+    /// @return the bar at this position; null when there is none.
     const ChartBar* At(int x) const;
 };
 
-/// @return the smallest of 1, 2 and 5 times a power of ten that is not below the value; 1 for a value that is not positive.
+/// @return the value rounded up to 1, 2 or 5 times a power of ten; 1 for a value that is not positive.
 double RoundTop(double value);

@@ -39,7 +39,7 @@ void ChartView::LayOut()
     const QFontMetrics metrics(font());
     int left = 0;
     if (m_data.scale && !m_data.values.empty()) {
-        // The room's width does not change the scale.
+        // The scale does not depend on the width.
         const double top = ChartLayout::Of(m_data.values, {1, 1}).top;
         left = std::max(
                    metrics.horizontalAdvance(m_data.scale(top)), metrics.horizontalAdvance(m_data.scale(0)))

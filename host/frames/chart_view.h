@@ -17,13 +17,13 @@ class ChartView : public QWidget
     Q_PROPERTY(QColor textColor MEMBER m_textColor)
 
 public:
-    /// The values and how they read.
+    /// The values and their texts.
     struct Data
     {
         std::vector<double> values;
-        QString nothing;                            ///< stands for the bars when all values are 0
-        std::function<QString(double value)> scale; ///< text of a value at the axis
-        std::function<QString(int index)> label;    ///< text below a value
+        QString nothing;                            ///< shown instead of bars when all values are 0
+        std::function<QString(double value)> scale; ///< label of a value at the axis
+        std::function<QString(int index)> label;    ///< label below a value's bar
         std::function<QString(const ChartBar& bar)> toolTip;
     };
 
@@ -52,7 +52,7 @@ private:
 
     Data m_data;
     ChartLayout m_layout;
-    QRect m_room; // of the bars
+    QRect m_room; // the area of the bars
     int m_marked = -1;
     QColor m_barColor = Qt::blue;
     QColor m_markColor = Qt::black;

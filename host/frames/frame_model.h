@@ -20,7 +20,7 @@ public:
     void Clear();
     const FrameList& List() const { return m_list; }
 
-    /// @return the frame of a row; one without a number for no row.
+    /// @return the frame of a row; a frame without a number if there is no such row.
     Frame At(int row) const;
 
     void SetThumbnail(int number, const QPixmap& thumbnail);
@@ -37,7 +37,7 @@ public:
     static QString StateText(Frame::State state);
     /// @return "2.4 s", "1 min 5 s" or "1 h 2 min".
     static QString TimeText(qint64 milliseconds);
-    /// @param cost in millionths of the unit.
+    /// @param cost is in millionths of the unit.
     static QString CostText(qint64 cost);
 
 private:
@@ -45,5 +45,5 @@ private:
     void Announce(const std::vector<int>& rows);
 
     FrameList m_list;
-    QCache<int, QPixmap> m_thumbnails; // by number
+    QCache<int, QPixmap> m_thumbnails; // by the frame's number
 };

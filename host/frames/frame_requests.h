@@ -12,8 +12,8 @@
 
 class HttpCall;
 
-/// Asks the farm for frames, their logs and the spending of the account. Each request is tried once, since the window asks
-/// again by itself.
+/// Requests frames, their logs and the account's spending from the farm. Each request is tried once; the window asks
+/// again regularly.
 class FrameRequests : public QObject
 {
     Q_OBJECT

@@ -33,8 +33,8 @@ public:
     /// The window closes when nobody is signed in.
     void SetAccess(const FarmAccess& access);
 
-    /// @param name for the title.
-    /// @param folder of the job's downloads, below the account's folder.
+    /// @param name is shown in the title.
+    /// @param folder is the folder of the job's downloads, below the account's folder.
     void Open(const QString& job, const QString& name, const QString& folder);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -79,11 +79,11 @@ private:
     FarmAccess m_access;
     QString m_job;
     QString m_name;
-    FramesAnswer m_answer; // the latest, of which the frames are in the model
+    FramesAnswer m_answer; // the latest answer; its frames are in the model
     SpendingAnswer m_spending;
-    Frame m_shown; // whose log is shown
+    Frame m_shown; // the frame whose log is shown
     bool m_hasLog = false;
-    QString m_failure; // of the latest request
+    QString m_failure; // the reason why the latest request failed
     QTimer m_refresh;
     QTimer m_chosen; // runs while the user moves through the table
     QTimer m_scrolled;

@@ -8,8 +8,8 @@
 
 namespace {
 
-constexpr qint64 MostBytes = 512LL * 1024 * 1024; // of a picture that is fetched to be looked at
-constexpr qint64 MostKept = 256LL * 1024 * 1024;  // bytes of all copies but the latest
+constexpr qint64 MostBytes = 512LL * 1024 * 1024; // bytes of a picture that is fetched for the preview
+constexpr qint64 MostKept = 256LL * 1024 * 1024;  // bytes of all copies except the latest
 
 bool IsPicture(const QString& file, qint64 size)
 {
@@ -31,7 +31,7 @@ JobPictures::JobPictures(const FarmAccess& access, const QString& job, const QSt
 
 JobPictures::~JobPictures()
 {
-    // Only the search under way is waited for.
+    // Drops the searches that have not begun, so that the destructor waits for the running one only.
     m_searches.clear();
 }
 

@@ -18,7 +18,7 @@ class JobPictures : public PictureSeries
     Q_OBJECT
 
 public:
-    /// @param folder of the job's downloads, below the account's folder.
+    /// @param folder is the folder of the job's downloads, below the account's folder.
     JobPictures(const FarmAccess& access, const QString& job, const QString& folder);
     ~JobPictures() override;
 
@@ -42,7 +42,7 @@ private:
     QString m_job;
     QString m_folder;
     QStringList m_names;
-    QHash<QString, qint64> m_sizes; // of the pictures, by name
+    QHash<QString, qint64> m_sizes; // sizes of the pictures, by name
     HttpTransport m_transport;
     QTemporaryDir m_copies;
     QStringList m_kept; // names of the copies, the oldest first

@@ -15,7 +15,7 @@ class PictureFetch : public QObject
     Q_OBJECT
 
 public:
-    /// @param reply to the request for the file; null while there is no server.
+    /// @param reply is the reply to the request for the file; null while there is no server.
     PictureFetch(QNetworkReply* reply, const QString& file, qint64 size, QObject* parent);
     ~PictureFetch() override;
 

@@ -6,7 +6,7 @@
 #include <QPushButton>
 #include <QTimer>
 
-/// A line in the main form that says how the connection is: whether it stands, what is transferred how fast, and what has
+/// A line in the main form that shows the connection: its phase, the running transfers and their speed, and what has
 /// just been refused. It looks at the feed at most once a second, and only while it is visible.
 ///
 /// The dynamic property "phase" ("connected", "trying", "unreachable" or "refused") is for the skin.
@@ -21,11 +21,11 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
-    /// @return what the text says.
+    /// @return the connection that the text describes.
     const ConnectionPicture& Picture() const { return m_picture; }
 
 signals:
-    /// The text may have changed, or what can be said beyond it.
+    /// The text, or the details behind it, may have changed.
     void Updated();
 
 protected:

@@ -20,10 +20,10 @@ public:
     /// Finds the bar. Call it whenever the main form is shown for a new session, because it may be a new one.
     void BeginSession();
 
-    /// @param answer to a request for jobs, with the request's "identifier" and "conditions".
+    /// @param answer is the answer to a request for jobs, with the request's "identifier" and "conditions".
     void HandleJobList(int code, const QVariantMap& answer);
 
-    /// Has the window list all jobs.
+    /// Makes the window list all jobs.
     void ShowAll();
 
     bool eventFilter(QObject* watched, QEvent* event) override;

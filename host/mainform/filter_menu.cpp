@@ -14,7 +14,7 @@ QString PlainEntry(QString text)
     return text.replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
-/// Does what a click on the item of this text does, unless the list no longer has it.
+/// Acts like a click on the item with this text, unless the list no longer has it.
 void Choose(QListWidget* list, const QString& text)
 {
     QListWidgetItem* item = list->findItems(text, Qt::MatchFixedString | Qt::MatchCaseSensitive).value(0);

@@ -41,7 +41,7 @@ QString Caption(const QWidget* form, const char* name)
     return widget ? widget->property("text").toString() : QString();
 }
 
-/// @return how the form shows a value; the value itself where no combo box has it.
+/// @return the form's text for a value; the value itself where no combo box has it.
 QString Shown(const QWidget* form, const char* choices, const QString& value)
 {
     const auto* box = form && choices ? form->findChild<QComboBox*>(QLatin1String(choices)) : nullptr;

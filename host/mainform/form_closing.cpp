@@ -23,7 +23,7 @@ void FormClosing::BeginSession()
         return;
     m_form = form;
     form->installEventFilter(this);
-    // The button closes the form with its next signal. At sign-out the form closes too, and has to stay closed.
+    // The button's next signal closes the form. At sign-out the form closes too, and has to stay closed.
     if (const auto* button = form->findChild<QPushButton*>(QStringLiteral("btnSystemMin")))
         connect(button, &QPushButton::released, &m_minimising, qOverload<>(&QTimer::start));
 }

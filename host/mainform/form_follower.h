@@ -12,7 +12,7 @@
 class ColumnWidths;
 class VTSettingsInterface;
 
-/// Has the window lay out page bar, columns and group panel anew when the main form has been given another size or another
+/// Makes the window lay out page bar, columns and group panel again when the main form has got another size or another
 /// tab, which the window itself does only when it is maximised or restored. Keeps the user's columns and the current tab.
 class FormFollower : public QObject
 {

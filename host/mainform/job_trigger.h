@@ -19,8 +19,8 @@ public:
     void Attach();
 
 signals:
-    /// @param name as the table shows it.
-    /// @param folder of the job's downloads, below the account's folder.
+    /// @param name is the job's name as the table shows it.
+    /// @param folder is the folder of the job's downloads, below the account's folder.
     void FramesRequested(const QString& job, const QString& name, const QString& folder);
 
 private:

@@ -14,7 +14,7 @@ public:
     void Attach();
 
 signals:
-    /// @param file path of the finished download.
+    /// @param file is the path of the finished download.
     void PreviewRequested(const QString& file);
 
 private:

@@ -31,7 +31,7 @@ void ProjectPicker::BeginSession()
         Qt::QueuedConnection);
 }
 
-/// Lists the projects that are no groups yet.
+/// Lists the projects that are not groups yet.
 void ProjectPicker::Offer()
 {
     const QSignalBlocker blocker(m_list);

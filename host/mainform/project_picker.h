@@ -34,7 +34,7 @@ private:
     void MarkTyped();
 
     QPointer<QWidget> m_form;
-    QPointer<QWidget> m_part; // of the dialog, for the projects
+    QPointer<QWidget> m_part; // the part of the dialog that lists the projects
     QPointer<QListWidget> m_list;
     QPointer<QLineEdit> m_name;
     QPointer<QPushButton> m_ok;

@@ -19,7 +19,7 @@ class SceneIntake : public QObject
 
 public:
     /// All services must outlive this object.
-    /// @param suffixes of the scenes that can be submitted, in lower case.
+    /// @param suffixes are those of the scenes that can be submitted, in lower case.
     SceneIntake(const QStringList& suffixes, VTRenderCoreInterface* renderCore,
         VTMessagboxInterface* messageBox, VTUiLoaderInterface* loader, QObject* parent = nullptr);
 

@@ -73,7 +73,7 @@ void Shortcuts::BeginSession()
         m_keys.insert(button, QKeySequence::Delete);
         button->installEventFilter(this);
     }
-    // In other parts of the form these keys mean something else.
+    // These keys have other meanings in other parts of the form.
     for (const char* name : Tables) {
         if (QTableWidget* table = FindTable(QLatin1String(name)))
             AddListKeys(table);

@@ -31,8 +31,8 @@ private:
     void AddListKeys(QWidget* widget);
 
     QPointer<QWidget> m_form;
-    QHash<const QObject*, QKeySequence> m_keys; // of buttons
-    QSet<const QObject*> m_controls;            // of the lists
+    QHash<const QObject*, QKeySequence> m_keys; // keys of buttons
+    QSet<const QObject*> m_controls;            // controls that belong to the lists
 };
 
 /// @return the texts of a table's row, separated by tabs; empty where there is no such row.

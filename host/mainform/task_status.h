@@ -12,7 +12,7 @@ class TaskStatus : public QStyledItemDelegate
     Q_OBJECT
 
 public:
-    /// @return the words for a task's id; empty to leave the window's.
+    /// @return the words for the task with an id; empty to keep the window's words.
     using Words = std::function<QString(const QString& id)>;
 
     explicit TaskStatus(Words words, QObject* parent = nullptr);

@@ -10,7 +10,7 @@ class QTableWidget;
 class VTRenderCoreInterface;
 class VTSettingsInterface;
 
-/// The main form's buttons for transfers. Recover and Stop, with which the window does nothing on the tab of downloads,
+/// The main form's buttons for transfers. Recover and Stop, which the window ignores on the tab of downloads,
 /// resume and stop the checked ones there; the others belong to the form's own pages.
 class TransferButtons : public QObject
 {

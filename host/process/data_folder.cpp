@@ -30,7 +30,7 @@ DataFolder::DataFolder(const QString& path)
     : m_path(path)
     , m_lock(TransferFolder(path) + QLatin1String("/client.lock"))
 {
-    // A folder that is there already may serve other purposes too.
+    // An existing folder may serve other purposes too.
     if (!QFileInfo::exists(path))
         MakePrivateFolder(path);
     MakePrivateFolder(TransferFolder(path));

@@ -18,5 +18,5 @@ private:
     QLockFile m_lock;
 };
 
-/// Lets nobody but the user read the file, which is created empty when it is missing.
+/// Makes the file readable for its owner only; a missing one is created empty.
 void MakePrivateFile(const QString& file);

@@ -19,9 +19,9 @@ public:
     struct Limits
     {
         int start = 20000;    ///< for the process to announce its address
-        int firstPause = 500; ///< before the first restart; doubled before each further one
-        int restarts = 6;     ///< in a row before giving up
-        int steady = 10000;   ///< of listening, after which earlier failures no longer count
+        int firstPause = 500; ///< the pause before the first restart; doubled before each further one
+        int restarts = 6;     ///< number of restarts in a row before giving up
+        int steady = 10000;   ///< time of listening after which earlier failures no longer count
         int end = 4000;       ///< for the process to exit by itself before it is terminated, then killed
     };
 
@@ -37,7 +37,7 @@ public:
     /// Stops the farm permanently and waits for it to end, for a few seconds at most.
     void Stop();
 
-    /// Has the farm use its data even if another machine has left it locked.
+    /// Lets the farm use its data even if another machine has left it locked.
     void SetTakeOver(bool isOn) { m_takesOver = isOn; }
 
     /// @return false before Start(), and after the farm has been stopped or given up.
@@ -54,14 +54,14 @@ signals:
     void Listening(const QUrl& url);
 
     /// The farm has ended unexpectedly. Either a restart or GivenUp follows.
-    /// @param reason for the user: the last line of its log, or why there is none.
+    /// @param reason is for the user: the last line of its log, or why there is none.
     void Lost(const QString& reason);
 
     /// The farm has ended too often and is not restarted.
     void GivenUp(const QString& reason);
 
 private:
-    /// Ends at the end of its standard input, which comes even when the client is killed.
+    /// Its standard input ends even when the client is killed, and so does the farm.
     class Process : public BoundProcess
     {
         void setupChildProcess() override { Unbind(); }
@@ -81,7 +81,7 @@ private:
     QTimer m_startDeadline;
     QTimer m_restart;
     QElapsedTimer m_listening;
-    QByteArray m_log; // the end of what the farm has logged since it was launched
+    QByteArray m_log; // the end of the farm's log since it was launched
     int m_failures = 0;
     bool m_takesOver = false;
     bool m_isTooSlow = false; // it was killed because it did not announce its address

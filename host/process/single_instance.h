@@ -14,7 +14,7 @@ class SingleInstance : public QObject
     Q_OBJECT
 
 public:
-    /// @param configFile absolute path; together with the user's home folder it identifies the client.
+    /// @param configFile is an absolute path; together with the user's home folder it identifies the client.
     explicit SingleInstance(const QString& configFile, QObject* parent = nullptr);
 
     /// @return false when another client with the same identity is running.

@@ -13,19 +13,19 @@ struct FarmChanges;
 class AnnouncedJobList
 {
 public:
-    /// The farm is asked again after this time (ms), in case that an announcement was lost.
+    /// The farm is asked again after this time (ms), in case an announcement was lost.
     static constexpr int LongestTrust = 40000;
 
-    /// @param request that was answered.
-    /// @param answer as the window receives it, with code 200.
+    /// @param request is the one that was answered.
+    /// @param answer is passed as the window receives it, with code 200.
     void Set(const QVariantHash& request, const QVariantMap& answer);
-    /// The list answers no request any more.
+    /// Forgets the list, so that it answers no request.
     void Forget();
 
-    /// @return whether the list is the farm's, as far as that has announced its changes.
+    /// @return whether the list is up to date, provided that the farm has announced all changes.
     bool IsKnown() const { return m_age.isValid(); }
 
-    /// Replaces the records of listed jobs. A change that does not say enough makes the list unknown.
+    /// Replaces the records of listed jobs. A change without the records makes the list unknown.
     void Update(const FarmChanges& changes);
 
     /// @param isFollowed whether all changes are being announced.
@@ -36,14 +36,14 @@ public:
         const bool isFresh = isFollowed && m_age.isValid() && !m_age.hasExpired(LongestTrust);
         return (m_isNews || isFresh) && m_request == request;
     }
-    /// @return the answer with the announced records, which are news no longer.
+    /// @return the answer with the announced records, which count as delivered from then on.
     QVariantMap Take();
 
 private:
     QVariantHash m_request;
     QVariantMap m_answer;
-    QVariantList m_jobs;        // of the answer, with the announced records
-    QHash<QString, int> m_rows; // of the jobs in the list, by id
-    QElapsedTimer m_age;        // of the answer; invalid when it is not to be given again
+    QVariantList m_jobs;        // the answer's jobs, with the announced records
+    QHash<QString, int> m_rows; // rows of the jobs in the list, by id
+    QElapsedTimer m_age;        // age of the answer; invalid when the answer must not be used again
     bool m_isNews = false;
 };

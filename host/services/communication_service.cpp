@@ -61,7 +61,7 @@ void CommunicationService::FollowChanges(const QString& token)
 void CommunicationService::HandleChanges(const FarmChanges& changes)
 {
     const QJsonObject body {{QStringLiteral("data"), changes.account}};
-    // A change without the new balances makes those announced before worthless.
+    // A change without the new balances makes the announced ones out of date.
     if (changes.money) {
         m_announcedAccount = FarmProtocol::IsUserInfo(body) ? body : QJsonObject();
         m_accountAge.start();
@@ -146,7 +146,7 @@ int CommunicationService::GetJobList(const QVariant& status, const QVariantHash&
     const int identifier = request.value(key).toInt();
     JobList& newest = m_jobLists[identifier];
     const bool isAnnounced = identifier == OfTable && m_announcedJobs.Answers(request, IsFollowing());
-    // Over a slow link, a list that each refresh replaced would never arrive.
+    // Over a slow link, a list that every refresh replaces would never arrive.
     if (newest.call && newest.request == request && !isAnnounced)
         return StatusOk;
     // The answer for an earlier page must not arrive after the one for the page now shown.

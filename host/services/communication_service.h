@@ -32,7 +32,7 @@ class CommunicationService : public ServiceBase<VTCommunicationInterface>
 public:
     explicit CommunicationService(const HttpLimits& limits = {}, QObject* parent = nullptr);
 
-    /// @param url root of the server, without the path of the farm's interface; empty while there is none.
+    /// @param url is the root of the server, without the path of the farm's interface; empty while there is none.
     void SetServerUrl(const QUrl& url);
     QUrl ServerUrl() const { return m_server; }
 
@@ -45,14 +45,14 @@ public:
     /// Cancels the requests of an earlier session and starts a new one; answered by SignInResponse.
     void SignIn(const QString& name, const QString& password);
 
-    /// @param translation of the conditions of the window's lists into those with which the farm is asked.
+    /// @param translation turns the conditions of the window's lists into the ones sent to the farm.
     void SetConditionsTranslation(const std::function<QString(const QString&)>& translation)
     {
         m_translateConditions = translation;
     }
 
-    /// Emits FarmChanged for what the farm announces, until the session ends. Nothing tells whether the farm does.
-    /// @param token of the session.
+    /// Emits FarmChanged for the farm's announcements until the session ends. Some farms announce nothing.
+    /// @param token identifies the session.
     void FollowChanges(const QString& token);
 
     /// The next request for a list goes to the farm, whatever has been announced.
@@ -62,10 +62,10 @@ public:
     /// @return the call; it ends with the session.
     HttpCall* Ask(const HttpRequest& request) { return new HttpCall(&m_transport, request, m_session.get()); }
 
-    /// @return why the request failed whose answer is being delivered, for its text in another language.
+    /// @return why the request failed whose answer is being delivered; callers make their own text of it.
     const FarmFault& LatestFault() const { return m_latestFault; }
 
-    /// @return whether a list for the window's table is on its way, and is not to be replaced.
+    /// @return whether a list for the window's table is on its way and should not be replaced.
     bool IsFetchingJobs() const;
 
     int SignOut(const QVariant& status, const QVariantHash& request) override;
@@ -112,7 +112,7 @@ private:
     void HandleChanges(const FarmChanges& changes);
     bool IsFollowing() const;
     void AnswerWithAnnouncedAccount();
-    /// @param call has brought the answer. @param hasChanged whether it has changed jobs.
+    /// @param call has received the answer. @param hasChanged whether the request has changed jobs.
     void KeepJobList(const HttpCall* call, const FarmProtocol::Answer& answer, bool hasChanged);
     void BeginSession();
     void ReportExpiry();
@@ -121,11 +121,11 @@ private:
     HttpTransport m_transport;
     std::unique_ptr<QObject> m_session; // owns the session's calls, which end with it
     QPointer<FarmEvents> m_events;
-    QJsonObject m_announcedAccount; // the body of an answer; empty while it is not known
-    QElapsedTimer m_accountAge;     // since it was announced
+    QJsonObject m_announcedAccount; // the body of an answer; empty while unknown
+    QElapsedTimer m_accountAge;     // time since the account was announced
     bool m_accountIsNews = false;   // whether the window has not received it yet
     QTimer m_accountAnswer;
-    AnnouncedJobList m_announcedJobs; // of the window's table
+    AnnouncedJobList m_announcedJobs; // the list of the window's table
     QTimer m_jobsAnswer;
     std::function<QString(const QString&)> m_translateConditions; // may be empty
     QHash<int, JobList> m_jobLists;                               // the newest by the request's identifier

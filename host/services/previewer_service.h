@@ -27,7 +27,7 @@ public:
     void Open(const QString& file);
     void OpenSeries(const std::shared_ptr<PictureSeries>& series, const QString& name);
 
-    /// Closes the window, so that nothing of the session is shown to the next.
+    /// Closes the window, so that the next session shows nothing of this one.
     void EndSession();
 
 private:

@@ -4,11 +4,11 @@
 
 class VTSettingsInterface;
 
-/// Decides where an account's finished frames are saved: in the folder that its user chose, else in the one set for all
-/// accounts, else below the desktop's folder for downloads.
+/// The folder for an account's finished frames: the one that its user chose, otherwise the one set for all
+/// accounts, otherwise one below the desktop's folder for downloads.
 namespace DownloadFolder {
 
-/// The setting of one account.
+/// The key of an account's setting.
 QString Key(const QString& userName);
 
 /// @return an absolute path.

@@ -3,15 +3,15 @@
 class QString;
 class VTSettingsInterface;
 
-/// Decides for how many days an account's finished downloads stay in the list.
+/// The number of days for which an account's finished downloads stay in the list.
 namespace KeepDays {
 
 constexpr int Longest = 999;
 
-/// The setting of one account.
+/// The key of an account's setting.
 QString Key(const QString& userName);
 
-/// @return 0 for ever, at most Longest.
+/// @return 0 (for ever) to Longest.
 int Of(VTSettingsInterface* settings, const QString& userName);
 
 } // namespace KeepDays

@@ -16,7 +16,7 @@ const QLatin1String ServerName("vtr.web/currentserver"); ///< the server's name 
 const QLatin1String PlainServers(
     "vtr.web/plainservers"); ///< servers to which the user lets passwords go unencrypted
 const QLatin1String LastName("vtr.auth/lastname");          ///< user name of the last sign-in
-const QLatin1String DownloadFolder("vtr.downloads/folder"); ///< for accounts that have chosen none
+const QLatin1String DownloadFolder("vtr.downloads/folder"); ///< folder of accounts that have chosen none
 
 /// @return the key of an account's own setting, for example "autodownload".
 inline QString OfAccount(const QString& userName, const char* setting)

@@ -21,7 +21,7 @@ class ScreenshotTour : public QObject
 
 public:
     /// Begins when the sign-in window shows.
-    /// @param folder for the pictures.
+    /// @param folder receives the pictures.
     /// @param host must outlive the tour, must have started and must not sign in by itself.
     ScreenshotTour(const QString& folder, ClientHost* host);
 
@@ -59,6 +59,6 @@ private:
     std::function<void()> m_open;
     QElapsedTimer m_time;
     QHash<QString, int> m_firstProgress; // by job
-    QVariantMap m_order;                 // downloads a job that has a finished frame
+    QVariantMap m_order;                 // the order to download a job that has a finished frame
     int m_idleTicks = 0;
 };

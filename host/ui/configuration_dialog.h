@@ -24,7 +24,7 @@ public:
     void Run(const QString& userName);
 
 signals:
-    /// Finished downloads are to leave the list at once, whether the user confirms or not.
+    /// The user wants finished downloads removed from the list at once, whether or not the dialog is confirmed.
     void ClearFinishedRequested();
 
 private:
@@ -39,5 +39,5 @@ private:
     QLineEdit* m_folder;
     QLabel* m_trouble;
     QSpinBox* m_keepDays;
-    QString m_storedFolder; // when the dialog was opened
+    QString m_storedFolder; // the folder when the dialog was opened
 };

@@ -5,7 +5,7 @@
 class QLabel;
 class QPlainTextEdit;
 
-/// Shows how the connection is and what has failed lately, on the form "com.vtr.connection". It follows new texts while it
+/// Shows the connection and the latest failures, on the form "com.vtr.connection". It follows new texts while it
 /// is open.
 class ConnectionDialog : public QObject
 {

@@ -16,8 +16,8 @@ constexpr int LongestName = 255;
 constexpr qint64 LongestAttribute = 1024LL * 1024; // bytes
 constexpr int MostAttributes = 1000;
 constexpr int BytesPerChannel = 4;
-constexpr int LinesPerBlock = 256; // of the compression with the largest blocks
-constexpr int ChannelTail = 16;    // bytes after the name of a channel
+constexpr int LinesPerBlock = 256; // lines per block of the compression with the largest blocks
+constexpr int ChannelTail = 16;    // bytes that follow the name of a channel
 
 std::optional<quint32> ReadNumber(QIODevice& device)
 {

@@ -12,9 +12,9 @@ struct ExrHeader
 {
     QSize size; // pixels
     int channels = 0;
-    QSize tile; // empty for a picture in lines
+    QSize tile; // empty for a picture without tiles
 
-    /// @param device at the beginning of the file.
+    /// @param device must be at the beginning of the file.
     /// @return none when the header is damaged or describes no flat picture.
     static std::optional<ExrHeader> Read(QIODevice& device);
 

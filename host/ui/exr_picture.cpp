@@ -63,15 +63,15 @@ private:
     QIODevice& m_device;
 };
 
-/// The brightness on a screen, by the bits of the linear brightness.
+/// The brightness on a screen, indexed by the bits of the linear brightness.
 const std::vector<uchar>& ScreenValues()
 {
     static const std::vector<uchar> values = [] {
-        constexpr double LinearEnd = 0.0031308; // of the curve's straight beginning
+        constexpr double LinearEnd = 0.0031308; // end of the curve's straight part
         std::vector<uchar> made(std::size_t(std::numeric_limits<quint16>::max()) + 1);
         for (std::size_t bits = 0; bits < made.size(); ++bits) {
             const double linear = float(half(half::FromBits, quint16(bits)));
-            const double bounded = linear > 0 ? std::min(linear, 1.0) : 0.0; // not a number is 0 too
+            const double bounded = linear > 0 ? std::min(linear, 1.0) : 0.0; // NaN becomes 0 too
             const double screen
                 = bounded < LinearEnd ? bounded * 12.92 : 1.055 * std::pow(bounded, 1 / 2.4) - 0.055;
             made[bits] = uchar(std::lround(screen * 255));
@@ -155,7 +155,7 @@ private:
 
 PictureFile ReadPicture(QIODevice& device)
 {
-    // For the further pictures of a file, whose sizes nobody else checks.
+    // Catches the further pictures of a file, whose sizes are not checked elsewhere.
     Imf::Header::setMaxImageSize(PictureFile::LongestSide, PictureFile::LongestSide);
     Imf::Header::setMaxTileSize(PictureFile::LongestSide, PictureFile::LongestSide);
     DeviceStream stream(device);

@@ -9,11 +9,11 @@ namespace ExrPicture {
 
 bool IsSupported();
 
-/// Whether the device, which keeps its position, begins like an OpenEXR file.
+/// Whether the device begins like an OpenEXR file. Its position does not change.
 bool IsExr(QIODevice& device);
 
 /// Reads the colours, or the brightness of a picture without any, as a screen shows them: brighter ones than white become
-/// white. See PictureFile::Read().
+/// white. See PictureReader::Read().
 PictureFile Read(QIODevice& device);
 
 } // namespace ExrPicture

@@ -8,7 +8,7 @@
 
 class QWidget;
 
-/// Says how a child follows the size of its form. Distances and sizes are in pixels.
+/// The rule by which a child follows the size of its form. Distances and sizes are in pixels.
 ///
 /// On each axis, two distances stretch the child, one distance keeps its size, and none leaves it unchanged. A size in
 /// the rule overrides the child's own.

@@ -49,6 +49,6 @@ private:
 
     bool m_dragging = false;
     Qt::Edges m_draggedEdges;
-    QPoint m_dragStart; // global
+    QPoint m_dragStart; // in global coordinates
     QRect m_startGeometry;
 };

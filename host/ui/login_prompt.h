@@ -13,5 +13,5 @@ struct TypedLogin
 };
 
 /// Asks for a name and a password in a small modal dialog.
-/// @param text says what asks for them; never taken for markup.
+/// @param text tells the user what asks for them; shown as plain text.
 TypedLogin AskForLogin(QWidget* parent, const QString& title, const QString& text);

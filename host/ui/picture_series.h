@@ -13,7 +13,7 @@ class PictureSeries : public QObject
 public:
     using QObject::QObject;
 
-    /// @return the names of the pictures that are known now, in their order.
+    /// @return the names of the pictures known so far, in order.
     virtual QStringList Names() = 0;
 
     /// Makes sure that the picture is a file on this machine. Answered by one of the signals, maybe from inside the call;
@@ -24,7 +24,7 @@ signals:
     void Ready(const QString& name, const QString& file);
     /// @param reason a sentence for the user.
     void Failed(const QString& name, const QString& reason);
-    /// Names() returns others by now.
+    /// The result of Names() has changed.
     void NamesChanged();
 };
 

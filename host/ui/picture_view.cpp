@@ -14,8 +14,8 @@ constexpr int SettleTime = 150; // ms
 constexpr double Step = 1.25;
 constexpr double LeastZoom = 1.0 / 64;
 constexpr double MostZoom = 32;
-constexpr double ShowsPixels = 2; // from this zoom on, pixels have edges
-constexpr int Margin = 24;        // pixels around a text
+constexpr double ShowsPixels = 2; // from this zoom on, pixels are drawn with sharp edges
+constexpr int Margin = 24;        // pixels of margin around a text
 
 } // namespace
 
@@ -33,7 +33,7 @@ PictureView::PictureView(QWidget* parent)
 
 PictureView::~PictureView()
 {
-    // Only the copy under way is waited for.
+    // Drops the copies that have not begun, so that the destructor waits for the running one only.
     m_scaler.clear();
 }
 
@@ -73,7 +73,7 @@ double PictureView::Zoom() const
     return std::min(room.width() / m_picture.width(), room.height() / m_picture.height());
 }
 
-/// The point of the picture under `point` stays where it is.
+/// The part of the picture under `point` stays in place.
 void PictureView::ZoomAt(double zoom, const QPoint& point)
 {
     if (m_picture.isNull())

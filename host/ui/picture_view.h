@@ -22,16 +22,16 @@ public:
     const QString& Text() const { return m_text; }
 
     void Fit();
-    /// @param zoom is kept within limits.
+    /// @param zoom is limited to the allowed range.
     void SetZoom(double zoom) { ZoomAt(zoom, viewport()->rect().center()); }
-    /// Zooms in by so many steps; out when negative.
+    /// Zooms in by a number of steps; out when it is negative.
     void ZoomBy(int steps);
     double Zoom() const;
     bool IsFitted() const { return m_isFitted; }
 
 signals:
     void ZoomChanged();
-    /// Emitted in the scaling thread. @param key of the picture.
+    /// Emitted in the scaling thread. @param key identifies the picture.
     void Scaled(qint64 key, const QImage& scaled);
 
 protected:
@@ -54,7 +54,7 @@ private:
     QString m_text;
     bool m_isFitted = true;
     double m_zoom = 1;
-    QPoint m_dragged; // where the pointer was when the picture was moved last
+    QPoint m_dragged; // the pointer's position when the picture was last moved
     QImage m_scaled;  // the picture in the size of the screen's pixels, once the zoom has settled
     QTimer m_settled;
     QThreadPool m_scaler; // last member, because its destructor waits for the scaling thread

@@ -29,10 +29,10 @@ public:
 
     QWidget* Form() const { return m_form.Form(); }
 
-    /// Shows the window with this picture, or a sentence that says why it cannot be shown. The series is the file's folder.
+    /// Shows the window with this picture, or with the reason why it cannot be shown. The series is the file's folder.
     void Open(const QString& file);
 
-    /// @param name of a picture of the series.
+    /// @param name is the name of a picture in the series.
     void Open(const std::shared_ptr<PictureSeries>& series, const QString& name);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -69,14 +69,14 @@ private:
     QPushButton* m_actualSize;
     PictureView* m_view;
     std::shared_ptr<PictureSeries> m_series;
-    QStringList m_names; // of the series
-    QString m_name;      // of the picture that is shown or being loaded
+    QStringList m_names; // names of the series
+    QString m_name;      // name of the picture that is shown or being loaded
     PictureFile m_shown;
     QString m_failure;    // why the series cannot provide the picture
-    QTimer m_nextPicture; // while the series is played
+    QTimer m_nextPicture; // active while the series is played
     QElapsedTimer m_sinceTurn;
     bool m_isPlaying = false;
     bool m_loading = false;
-    int m_generation = 0; // of the file that is being loaded; results for earlier ones are dropped
+    int m_generation = 0; // counts the loaded files; results for earlier ones are dropped
     QThreadPool m_reader; // last member, because its destructor waits for the reading thread
 };

@@ -13,7 +13,7 @@ void MakeScrollable(QWidget* form, QWidget* body)
     area->setWidgetResizable(true);
     delete form->layout()->replaceWidget(body, area);
     area->setWidget(body);
-    // Otherwise both would hide the background that the skin gives to the form.
+    // Otherwise both would cover the form's background, which the skin sets.
     body->setAutoFillBackground(false);
     area->viewport()->setAutoFillBackground(false);
 }

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int GroupsHeight = 312; // pixels: both headers and the entries of the first page
+constexpr int GroupsHeight = 312; // pixels for both headers and the entries of the first page
 
 } // namespace
 

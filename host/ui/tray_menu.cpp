@@ -22,7 +22,7 @@ void AddChoice(QActionGroup* group, const QString& text, const QString& choice, 
 QActionGroup* NewChoice(QMenu* menu)
 {
     menu->clear();
-    // One of the entries may be what the user has just chosen, and Qt is still at work with it.
+    // The user may have just chosen one of the entries, and Qt is still using it.
     const auto groups = menu->findChildren<QActionGroup*>();
     for (QActionGroup* group : groups)
         group->deleteLater();

@@ -11,14 +11,14 @@ class TrayMenu : public QObject
 public:
     explicit TrayMenu(QObject* parent = nullptr);
 
-    /// @param menu "menuTray".
-    /// @param subMenu "meuSkin" or "meuLanguage"; empty for the menu itself.
+    /// @param menu is "menuTray".
+    /// @param subMenu is "meuSkin" or "meuLanguage"; empty for the menu itself.
     /// @return null for other names.
     QMenu* Find(const QString& menu, const QString& subMenu);
 
     void ListSkins(const QStringList& names, const QString& current);
 
-    /// @param files as returned by Languages::Files.
+    /// @param files are those that Languages::Files returns.
     void ListLanguages(const QStringList& files, const QString& current);
 
     void SetStyleSheet(const QString& sheet) { m_menu.setStyleSheet(sheet); }

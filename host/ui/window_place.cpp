@@ -79,7 +79,7 @@ void WindowPlace::Place()
     m_settling.start();
     if (!m_settings || !m_settings->Value(SettingKeys::WindowMaximized, false).toBool())
         return;
-    // The button knows what else changes with the size. The form may be gone after its first events.
+    // The button's slot also updates all that depends on the size. Queued, because the form's first events may delete it.
     if (auto* maximize = m_form->findChild<QPushButton*>(QStringLiteral("btnSystemMaxnormal")))
         QMetaObject::invokeMethod(maximize, "click", Qt::QueuedConnection);
 }
@@ -91,8 +91,8 @@ void WindowPlace::HandleNewPlace()
         return;
     }
     m_state = Settled;
-    // Reports of several window managers cross those of the form's first move, and Qt then takes the form for one at
-    // 0,0. Moving it again has its true place reported.
+    // The reports of several window managers cross the form's first move, and Qt then believes that the form is at
+    // 0,0. Moving it again makes the window manager report its true place.
     const bool isDragged = QGuiApplication::mouseButtons() != Qt::NoButton;
     if (!m_form->isMaximized() && !isDragged)
         m_form->move(m_wanted);

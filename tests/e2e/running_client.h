@@ -47,7 +47,7 @@ public:
     ~RunningClient()
     {
         Stop();
-        // The window keeps what it remembers of an account beside the program.
+        // The window keeps an account's files beside the program.
         for (const char* folder : {"data/", "Data/"})
             QFile::remove(BesideProgram(QLatin1String(folder) + "embedded_%1.ini"_s.arg(m_account)));
     }

@@ -36,7 +36,7 @@ int ShownStatus(const QString& job)
     return cell ? cell->data(Qt::UserRole).toInt() : -1;
 }
 
-/// Leaves it to the farm to tell what has changed.
+/// Stops the window's own refreshes, so that only the farm's announcements change the list.
 void StopRefreshTimers()
 {
     constexpr int ShortestRefresh = 15000; // ms

@@ -56,10 +56,10 @@ public:
     QString hindrance;
     QStringList held;
     QStringList cancelled;
-    RunFiles files; ///< of the last run that it holds
+    RunFiles files; ///< the files of the last run that it holds
 };
 
-// So many looks at the jobs would have shown it.
+// This many looks at the jobs would have shown it.
 constexpr int MostLooks = 5;
 
 /// Does something when a run is prepared, just before the executor gets it.
@@ -87,7 +87,7 @@ private:
 };
 
 // The ends of the runs of a job with one frame, one after another, the first perhaps of a run that an earlier farm has
-// begun, and what becomes of the job: its status, how often the frame was charged and failed, and what it says after the
+// begun, and the job afterwards: its status, how often the frame was charged and failed, and its message after the
 // first end.
 struct Fate
 {
@@ -310,7 +310,7 @@ private slots:
     }
 
 private:
-    /// The scheduler and all that it needs.
+    /// The scheduler and its dependencies.
     struct AtWork
     {
         explicit AtWork(SchedulerTest& test)
@@ -348,7 +348,7 @@ private:
         Scheduler scheduler;
     };
 
-    /// Leaves what a run that ends in this way leaves.
+    /// Leaves the files of a run that ends in this way.
     void Leave(const QString& end, const RunFiles& files) const
     {
         QDir().mkpath(files.OutputFolder());
@@ -374,7 +374,7 @@ private:
         return type;
     }
 
-    /// Makes the farm's own things fail, or work again.
+    /// Makes the farm's disk or database fail, or work again.
     void Break(const QString& what)
     {
         fullFile = what == "broken-folder"_s ? m_id : "frame_0001.txt"_s;

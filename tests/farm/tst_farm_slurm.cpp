@@ -15,7 +15,7 @@ using namespace farm;
 
 namespace {
 
-// How a run ends, by the state of its task on node n1 (none when Slurm does not know it), by what is there (s: it was
+// The end of a run, by the state of its task on node n1 (none when Slurm does not know it), by its evidence (s: it was
 // started, o: it has the outcome Cancelled, d: Done, f: SceneFault, m: FarmFault, c: it is to be cancelled, l: files would have been
 // seen by now), and the part of the message that tells the user why.
 constexpr int Open = -1;

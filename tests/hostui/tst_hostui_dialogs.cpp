@@ -86,7 +86,7 @@ QByteArray Exr(int width, int height, int tile = 0)
 const QString damaged = "The picture is damaged."_s;
 const QString tooLarge = "The picture is too large to be shown here."_s;
 
-/// The content of a file, and what is shown instead of a picture.
+/// The content of a file, and the message shown instead of a picture.
 const std::tuple<const char*, QByteArray, QString> pictures[] = {
     {"picture", Png(), {}},
     {"picture cut off", Png().left(60), damaged},

@@ -53,7 +53,7 @@ inline constexpr int CutAt = 100007; // bytes of a frame that arrive before it i
 inline const HttpReply CutFrame {Whole(FrameData).bytes.chopped(50000), false};
 inline const QByteArray RangeLine = "Range: bytes=100007-\r\n";
 
-/// A queue of one owner, with what the window sees of it.
+/// A queue of one owner, and the signals that the window receives from it.
 class Client
 {
 public:

@@ -67,7 +67,7 @@ private slots:
         QVERIFY(client.Await(Finished, 3));
         QCOMPARE(client.notices.count(), 1);
         QCOMPARE(m_server->Requests().size(), 5);
-        // The next trouble is worth a notice again.
+        // The next failure is reported again.
         diskFree = isFull ? 10 : -1;
         client.Order("j3"_s);
         QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), isFull ? 2 : 1, Patience);
@@ -138,7 +138,7 @@ private slots:
     {
         const HttpReply list = Listed(Entry(FrameData));
         Client& client = Restart({list, Whole(FrameData), list, Whole(FrameData)});
-        for (int round = 1; round <= 2; ++round) { // each trouble is worth a notice
+        for (int round = 1; round <= 2; ++round) { // each failure is reported
             diskFails = true;
             client.Order(QString::number(round));
             QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), round, Patience);

@@ -11,7 +11,7 @@ inline bool HasBlender()
 }
 
 /// Lets Blender run a script, in which `folder` is a path and Picture() writes a picture of one colour.
-/// @return the end of what it has printed; empty when all went well.
+/// @return the end of its output; empty on success.
 inline QByteArray RunBlender(const QString& folder, const QString& script)
 {
     static const QString preparation = QString::fromLatin1(R"py(

@@ -10,10 +10,10 @@
 class AutomaticOrders
 {
 public:
-    /// Forgets all orders and jobs, for another session.
+    /// Forgets all orders and jobs, when the session ends.
     void Clear();
 
-    /// Remembers those of the window's orders that the user has not given.
+    /// Remembers those of the window's orders that are automatic.
     void Remember(const QVariantMap& orders);
 
     /// @param jobs the records of a job list.
@@ -21,6 +21,6 @@ public:
     QVariantMap Repeat(const QVariantList& jobs);
 
 private:
-    QVariantMap m_orders;             // by job
-    QHash<QString, QString> m_states; // by job, as last listed
+    QVariantMap m_orders;             // automatic orders, by job
+    QHash<QString, QString> m_states; // states when last listed, by job
 };

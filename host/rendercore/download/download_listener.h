@@ -13,11 +13,11 @@ struct DownloadListener
     std::function<void(const DownloadChanges& changes)> changed;
     /// Tasks that have left the list without a command that names them.
     std::function<void(const TaskIds& ids)> removed;
-    /// Files of a job are complete and in their place, and no more of it are on their way.
-    /// @param file the one that arrived last.
+    /// Files of a job are complete and in their place, and no further file of the job is on its way.
+    /// @param file is the one that arrived last.
     std::function<void(const QString& file, int count)> finished;
     /// A message that the user has to see.
     std::function<void(const QString& text)> notice;
-    /// The database could not be used and has begun anew. All tasks are gone.
+    /// The database was unusable and has been replaced by an empty one. All tasks are gone.
     std::function<void(const QString& keptAs)> replaced;
 };

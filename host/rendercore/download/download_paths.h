@@ -18,7 +18,7 @@ QString FileName(const QString& name, int copy);
 /// Whether anything is at that path, even a dangling symbolic link.
 bool IsOccupied(const QString& path);
 
-/// The hidden file beside a destination that holds what has been received so far.
+/// The hidden file beside a destination that holds the data received so far.
 QString PartFile(const QString& destination);
 
 /// Whether the folder of a destination leads out of the download folder by a symbolic link.

@@ -24,12 +24,12 @@ public:
     /// @param onReplaced see storage::RecoveringDatabase.
     explicit DownloadStore(const QString& file, storage::RecoveringDatabase::Replaced onReplaced = {});
 
-    /// Saves the orders. An automatic one does not replace one of the user's that is still open.
+    /// Saves the orders. An automatic order does not replace an open order of the user's.
     /// @return whether there is anything new to ask the farm for.
     bool AddOrders(const QString& owner, const DownloadOrders& orders);
-    /// Orders that have not been answered yet, the longest waiting first.
+    /// Orders that have not been answered yet, oldest first.
     DownloadOrders OpenOrders(const QString& owner, int limit);
-    /// Puts an order behind all others.
+    /// Moves an order behind all others.
     void PostponeOrder(const QString& owner, const QString& job);
     /// Marks an order as answered.
     void CloseOrder(const QString& owner, const DownloadOrder& order);
@@ -41,7 +41,7 @@ public:
     OrderOutcome Apply(
         const QString& owner, const DownloadOrder& order, const FarmFiles& files, const QString& folder);
 
-    /// Tasks with ids above `id`, in ascending order.
+    /// Tasks with ids above `id`, sorted by id.
     DownloadTasks TasksAfter(const QString& owner, qint64 id, int limit);
     /// The first waiting task after `id`.
     std::optional<DownloadTask> NextWaiting(const QString& owner, qint64 id);
@@ -66,7 +66,7 @@ public:
 
     /// @return the removed tasks. Unknown ids are ignored.
     DownloadTasks Remove(const QString& owner, const TaskIds& ids);
-    /// Removes tasks that have finished before a time, the oldest first.
+    /// Removes tasks that finished before a time, oldest first.
     /// @param before in seconds since 1970.
     TaskIds RemoveFinished(const QString& owner, qint64 before, int limit);
 

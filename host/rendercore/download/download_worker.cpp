@@ -176,7 +176,7 @@ void DownloadWorker::Remove(const TaskIds& ids)
     });
 }
 
-/// An order of the window's own is for a job that may be gone by now; the user has asked for nothing.
+/// An automatic order may be for a job that is gone by now; the user did not ask for it.
 void DownloadWorker::HandleRefused(const DownloadOrder& order, const QString& reason)
 {
     m_pool.HandleList(order.job, {});

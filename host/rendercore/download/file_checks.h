@@ -25,7 +25,7 @@ public:
     void Clear();
 
 signals:
-    /// The task's file is missing or differs from what was downloaded.
+    /// The task's file is missing or differs from the downloaded one.
     void Damaged(qint64 id);
 
 private:
@@ -34,6 +34,6 @@ private:
 
     std::deque<DownloadTask> m_tasks;
     QTimer m_turn;
-    QFile m_file; // of the first task
+    QFile m_file; // file of the first task
     std::unique_ptr<FileHashing> m_hashing;
 };

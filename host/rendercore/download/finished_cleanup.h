@@ -7,7 +7,7 @@
 
 class DownloadStore;
 
-/// Removes finished tasks from one owner's list: the old ones by and by, or all of them at the user's command. Their files
+/// Removes finished tasks from one owner's list: old ones gradually, or all of them at the user's command. Their files
 /// stay. Works in batches, so that transfers in the same thread continue in between.
 class FinishedCleanup : public QObject
 {
@@ -20,7 +20,7 @@ public:
 
     void SetOwner(const QString& owner);
 
-    /// @param days for which finished tasks stay in the list; 0 for ever.
+    /// @param days that finished tasks stay in the list; 0 for ever.
     void SetKeepDays(int days);
 
     void ClearAll();

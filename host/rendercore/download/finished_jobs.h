@@ -8,11 +8,11 @@
 
 class DownloadStore;
 
-/// Counts the files of each job that have arrived, so that the user gets one notice for a job and not one for each frame.
+/// Counts the files of each job that have arrived, so that the user gets one notice per job and not one per frame.
 class FinishedJobs
 {
 public:
-    /// @param file the one that arrived last.
+    /// @param file is the one that arrived last.
     using Report = std::function<void(const QString& file, int count)>;
 
     /// @param store must outlive this object.

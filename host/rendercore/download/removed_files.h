@@ -12,7 +12,7 @@ namespace RemovedFiles {
 /// The script that creates the table.
 extern const char* const Schema;
 
-/// @return names of files.
+/// @return the names of the files.
 QSet<QString> Of(SQLite::Database& connection, const QString& owner, const QString& job);
 void Add(SQLite::Database& connection, const QString& owner, const DownloadTasks& tasks);
 void Forget(SQLite::Database& connection, const QString& owner, const QString& job);

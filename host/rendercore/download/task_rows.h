@@ -13,7 +13,7 @@ DownloadTasks ReadAll(SQLite::Statement& rows);
 
 extern const char* const SelectClause;
 
-/// @param condition what follows "FROM tasks" in the query.
+/// @param condition is the part of the query after "FROM tasks".
 template <typename... Values>
 DownloadTasks Select(SQLite::Database& connection, const char* condition, const Values&... values)
 {

@@ -9,7 +9,7 @@ extern const char* const BlenderReportScript;
 QStringList BlenderArguments(const QString& scene, const QString& report);
 
 /// Reads Blender's report on a scene: its files, frames, size and engine. Sequences and tiles stand for all files that
-/// match; folders of caches bring all that they hold.
+/// match; folders of caches bring all of their files.
 ///
 /// At the farm, each file lies under its whole absolute path. So relative references need no change, and the farm finds
 /// absolute ones in the folder of the job's files.

@@ -7,13 +7,13 @@
 
 #include <memory>
 
-/// A file as it was when its content was read: another content has another stamp.
+/// The state of a file when its content was read. A changed content has another stamp.
 struct FileStamp
 {
     QString path;
     qint64 size = -1;    ///< in bytes; -1 when there is no such file
-    qint64 modified = 0; ///< nanoseconds since the epoch, as the next one
-    qint64 changed = 0;  ///< of content or attributes, which no program can set back
+    qint64 modified = 0; ///< nanoseconds since the epoch, like `changed`
+    qint64 changed = 0;  ///< time of the last change of content or attributes, which no program can set back
 
     static FileStamp Of(const QString& path);
 };

@@ -22,8 +22,8 @@ private:
     /// A text without digits, or a number.
     struct Piece
     {
-        QString text; ///< of a number: the digits before the token
-        QString tail; ///< of a number: the digits behind the token
+        QString text; ///< a text, or a number's digits before the token
+        QString tail; ///< a number's digits behind the token
         bool isNumber = false;
         bool isOpen = false; ///< the number holds a token
         bool isTile = false; ///< the token stands for a tile from 1001 on

@@ -23,5 +23,5 @@ private:
     const QStringList& NamesIn(const QString& folder);
 
     const BytesRead& m_goOn;
-    QHash<QString, QStringList> m_names; // sorted, by folder
+    QHash<QString, QStringList> m_names; // sorted names, by folder
 };

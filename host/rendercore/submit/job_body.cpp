@@ -22,7 +22,7 @@ QJsonObject JobBody(const SubmitTask& task)
     QJsonArray files;
     for (const PackedFile& file : task.work.files)
         files.append(FileMembers(file.path, file.checksum));
-    // Ranges that the user has set mean all their frames.
+    // Ranges set by the user have no step.
     const int step = task.areArgumentsEdited ? 1 : task.work.frameStep;
     QJsonObject job = JobMembers(task.arguments, task.work.width, task.work.height, step);
     job.insert(QStringLiteral("submission"), task.submission);

@@ -5,9 +5,9 @@
 class ChecksumCache;
 
 // The stages that do not need the farm. They can take a long time and end early when the flag of the request is set.
-// They throw std::runtime_error, with an English sentence, when files cannot be read or written.
+// They throw TaskFailure when files cannot be read or written.
 
-/// @param report of the program that reads scenes of this kind, if one does.
+/// @param report is that of the program that reads scenes of this kind, if there is one.
 StageOutcome AnalyzeStage(
     const StageRequest& request, const StageProgress& onProgress, const QByteArray& report = {});
 

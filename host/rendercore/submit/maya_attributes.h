@@ -8,10 +8,10 @@ namespace MayaAttributes {
 enum class Kind {
     Other,
     File,    ///< always names a file
-    Possible ///< named like one that does: plug-ins bring nodes that nobody can list
+    Possible ///< its name suggests a file: plug-ins add nodes that nobody can list
 };
 
-/// @param node type of the node.
+/// @param node is the node's type.
 /// @param attribute the last part of its name, short or long, without index.
 Kind KindOf(const QString& node, const QString& attribute);
 

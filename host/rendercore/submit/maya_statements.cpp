@@ -43,7 +43,7 @@ const char* Find(const char* from, const char* end, char character)
     return found ? found : end;
 }
 
-/// Geometry is most of a large scene; this is the fastest way past it.
+/// Most of a large scene is geometry; this is the fastest way past it.
 const char* FirstSpecial(const char* from, const char* end)
 {
     for (const char character : {';', '"', '/'})
@@ -117,7 +117,7 @@ void MayaStatements::AddWord()
         m_limitFactor = EditsFactor;
 }
 
-/// Reads up to the next character that means something.
+/// Reads up to the next significant character.
 const char* MayaStatements::ReadCode(const char* from, const char* end)
 {
     const bool isFull = IsFull();

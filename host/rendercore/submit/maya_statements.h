@@ -21,12 +21,12 @@ private:
 
     QByteArray At(int index) const;
 
-    QByteArray m_bytes; // of all words
+    QByteArray m_bytes; // the bytes of all words
     QVector<int> m_ends;
 };
 
-/// Splits a Maya text into statements and these into words. The text may be fed in blocks of any size. Only the beginning
-/// of a very long statement is kept, which is geometry.
+/// Splits a Maya text into statements and these into words. The text may be fed in blocks of any size. Of a very long
+/// statement, which is geometry, only the beginning is kept.
 class MayaStatements
 {
 public:
@@ -51,7 +51,7 @@ private:
     State m_state = State::Code;
     MayaWords m_words;
     int m_limitFactor = 1;
-    int m_wordStart = 0;        // in the words' bytes
+    int m_wordStart = 0;        // index in the words' bytes
     bool m_hadSlash = false;    // the previous character was a slash
     bool m_isSlashKept = false; // and it has become part of a word
 };

@@ -125,7 +125,7 @@ const char* PovRayLexer::ReadCode(const char* at, const char* end)
 {
     const char character = *at;
     if (IsNumeric(character)) {
-        // Most of a large scene is numbers, which name no file.
+        // Most of a large scene is numbers, which never name files.
         m_last = m_lastButOne = QByteArrayLiteral(",");
         m_before = 0;
         m_openedFile.clear();

@@ -18,8 +18,8 @@ enum class Compression { None, WhereItHelps };
 
 /// Packs files into one ZIP archive. Equal contents under equal paths give equal archives. A content that does not shrink
 /// is stored as it is.
-/// Throws std::runtime_error, with an English sentence and the name of the file on a line of its own, when a file cannot
-/// be read or the archive cannot be written.
+/// Throws TaskFailure, with the name of the file on a line of its own, when a file cannot be read or the archive cannot be
+/// written.
 /// @param onBytes is called with the number of bytes read since the last call; returning false ends the packing early,
 /// without an archive.
 /// @return false when it was ended early.

@@ -12,7 +12,7 @@
 
 class BoundProcess;
 
-/// Lets the renderers' own programs report what scenes need, one scene at a time, because each may take much memory. No
+/// Runs the renderers' own programs to report the files of scenes, one at a time, because each may take much memory. No
 /// function waits for a program. Belongs to one thread.
 class SceneReporter
 {
@@ -23,13 +23,13 @@ public:
     SceneReporter(const SceneReporter&) = delete;
     SceneReporter& operator=(const SceneReporter&) = delete;
 
-    /// Starts the program of the scene's kind, or looks after it: call it again later, until there is a report. Throws
-    /// std::runtime_error, with a sentence for the user, when there will be none.
-    /// @param task identifies who asks.
+    /// Starts the program of the scene's kind, or checks on it: call it again until there is a report. Throws
+    /// TaskFailure when there will be none.
+    /// @param task identifies the caller.
     /// @return nothing while this scene or another one is being read.
     std::optional<QByteArray> Ask(qint64 task, const QString& scene);
 
-    /// Ends what was begun for a task.
+    /// Cancels the report for a task.
     void Forget(qint64 task);
     void ForgetAll();
 

@@ -55,7 +55,7 @@ public:
         QSet<qint64> numbers;
         for (const QString& id : ids)
             numbers.insert(m_numbers.value(id));
-        numbers.remove(0); // no task has it
+        numbers.remove(0); // stands for unknown ids
         return QVector<qint64>(numbers.cbegin(), numbers.cend());
     }
 
@@ -85,6 +85,6 @@ public:
 
 private:
     QStringList m_ids;
-    QHash<QString, qint64> m_numbers; // by id
+    QHash<QString, qint64> m_numbers; // numbers by id
     std::map<qint64, SubmitTask> m_tasks;
 };

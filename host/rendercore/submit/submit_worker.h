@@ -29,8 +29,8 @@ public:
         m_farm.Interrupt();
     }
 
-    /// Deletes what is left of a task.
-    /// @param folder of its packages.
+    /// Deletes the leftovers of a task.
+    /// @param folder is that of the task's packages.
     void Discard(qint64 task, const QString& folder);
 
 private:

@@ -9,7 +9,7 @@
 class TransferMeter
 {
 public:
-    /// @param total in bytes.
+    /// @param total is in bytes.
     explicit TransferMeter(qint64 total);
 
     /// Counts bytes that need no transfer; they do not count as speed.
