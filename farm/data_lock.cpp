@@ -8,6 +8,8 @@
 #include <QThread>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <stdexcept>
 #include <sys/file.h>
@@ -57,7 +59,8 @@ void DataLock::Open()
 {
     m_file = ::open(m_path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (m_file < 0)
-        throw std::runtime_error("cannot write to the data folder");
+        throw std::runtime_error(
+            "cannot write to the data folder: " + m_path.toStdString() + ": " + std::strerror(errno));
 }
 
 bool DataLock::Wait(int waitMs) const
@@ -71,7 +74,7 @@ bool DataLock::Wait(int waitMs) const
     return true;
 }
 
-// The holder is only named in messages, so a failure does no harm.
+// The holder's name is for messages only, so a failure does no harm.
 void DataLock::WriteHolder() const
 {
     const QByteArray holder = QStringLiteral("process %1 on %2")

@@ -164,7 +164,7 @@ struct DemoAccount
 
 constexpr DemoAccount Demo {"demo", 65'980'000, 12'500'000};
 constexpr DemoAccount Studio {"studio", 1'280'500'000, 300'000'000};
-// Its balance was spent while one job was being rendered and others were waiting.
+// The account's balance ran out while one job was being rendered and others were waiting.
 constexpr DemoAccount Arrears {"arrears", -370'000, 0};
 
 std::int64_t AddAccount(AccountStore& accounts, const DemoAccount& demo)
@@ -178,7 +178,7 @@ std::int64_t AddAccount(AccountStore& accounts, const DemoAccount& demo)
     return accounts.Add(account);
 }
 
-// Pays in as much as makes up the balance with the charges of the past jobs.
+// Pays in the amount that, less the charges of the past jobs, gives the balance.
 void PayIn(SQLite::Database& connection, std::int64_t account, const DemoAccount& demo, std::int64_t now)
 {
     SQLite::Statement query(connection, "SELECT balance FROM accounts WHERE key = ?");
@@ -278,9 +278,9 @@ QStringList DemoAccounts()
     return {QLatin1String(Demo.name), QLatin1String(Studio.name), QLatin1String(Arrears.name)};
 }
 
-void ProvideDemo(
-    Database& database, AccountStore& accounts, ProjectStore& projects, JobStore& jobs, std::int64_t now)
+void ProvideDemo(Database& database, AccountStore& accounts, JobStore& jobs, std::int64_t now)
 {
+    ProjectStore projects(database, {QStringLiteral("the farm"), QStringLiteral("its demo data")});
     const QStringList ended = database.Write([&](SQLite::Database& connection) {
         if (accounts.IsEmpty()) {
             AddDemo(connection, accounts, projects, jobs, now);
@@ -291,7 +291,7 @@ void ProvideDemo(
         const auto demo = accounts.Find(QStringLiteral("demo"));
         return demo && !jobs.HasOpenJobs(*demo) ? FindLiveJobs(connection, *demo) : QStringList();
     });
-    // Restarting them leaves the list as long as it is.
+    // Restarts instead of new jobs keep the list from growing.
     ChangeFeed unheard;
     if (!ended.isEmpty())
         JobActions(database, unheard, AccountTerms(DefaultPrice, 0), [] {

@@ -10,15 +10,13 @@ namespace farm {
 
 class AccountStore;
 class JobStore;
-class ProjectStore;
 
-/// Whose passwords are their names.
+/// The names of the demo accounts, which are also their passwords.
 QStringList DemoAccounts();
 
 /// Fills an empty farm with the accounts "demo", "studio" and "arrears" and three weeks of their jobs. If "demo" has no open
 /// job left, its latest ones are restarted, so that there is always something to see. A farm without these accounts stays
 /// as it is.
-void ProvideDemo(
-    Database& database, AccountStore& accounts, ProjectStore& projects, JobStore& jobs, std::int64_t now);
+void ProvideDemo(Database& database, AccountStore& accounts, JobStore& jobs, std::int64_t now);
 
 } // namespace farm

@@ -1,7 +1,8 @@
 #include "farm/exposure.h"
 
+#include "farm/accounts/account_store.h"
 #include "farm/demo_data.h"
-#include "farm/farm.h"
+#include "farm/farm_settings.h"
 #include "farm/http/client_address.h"
 
 #include <stdexcept>

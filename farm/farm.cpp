@@ -7,6 +7,7 @@
 #include "farm/exposure.h"
 #include "farm/rendering/local_executor.h"
 #include "farm/slurm/slurm_executor.h"
+#include "storage/folder_check.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -14,6 +15,7 @@
 #include <spdlog/spdlog.h>
 
 #include <chrono>
+#include <cstring>
 #include <stdexcept>
 
 namespace farm {
@@ -89,7 +91,7 @@ Farm::Farm(const FarmSettings& settings)
     m_outsideTimer.start(OutsideInterval);
     m_lastLogged = LastAuditKey(m_database);
     if (settings.demo)
-        ProvideDemo(m_database, m_accounts, m_projects, m_jobs, Now());
+        ProvideDemo(m_database, m_accounts, m_jobs, Now());
     m_port = m_http.Start(settings.address, settings.port);
     m_scheduler.Nudge();
 }
@@ -116,8 +118,11 @@ void Farm::TakeOver(const FarmSettings& settings)
 
 QString Farm::MakeFolder(const QString& path)
 {
-    if (path.isEmpty() || !QDir().mkpath(path))
-        throw std::runtime_error("cannot create the data folder");
+    if (path.isEmpty())
+        throw std::runtime_error("the data folder has no name");
+    if (!QDir().mkpath(path))
+        throw std::runtime_error("cannot create the data folder " + path.toStdString() + ": "
+            + std::strerror(storage::FolderError(path)));
     return QDir(path).absolutePath();
 }
 

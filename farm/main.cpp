@@ -10,6 +10,7 @@
 #include <CLI/CLI.hpp>
 #include <spdlog/sinks/stdout_color_sinks.h>
 #include <spdlog/spdlog.h>
+#include <sqlite3.h>
 
 #include <cstdio>
 #include <sys/stat.h>
@@ -24,7 +25,7 @@ int Administer(const farm::AdminCommands& commands, const QString& folder)
     const QString file = farm::Farm::DatabaseFile(folder);
     if (!QFile::exists(file))
         throw farm::NotFound(
-            "there is no farm in the data folder; it begins with the first start of the server");
+            "there is no farm in " + folder.toStdString() + "; start the server once to create it");
     std::unique_ptr<farm::DataLock> lock;
     const int version = SQLite::Database(file.toStdString()).execAndGet("PRAGMA user_version").getInt();
     if (version < static_cast<int>(farm::Schema().size()))
@@ -34,7 +35,24 @@ int Administer(const farm::AdminCommands& commands, const QString& folder)
     return commands.Run(database);
 }
 
-/// Lets the farm go by the options as they are now: by all of them, or by none when one cannot be used.
+/// Runs `work` and explains errors that only say that a database is damaged.
+template <typename Work>
+int ExplainDamage(const QString& folder, Work work)
+{
+    try {
+        return work();
+    } catch (const SQLite::Exception& error) {
+        const int code = error.getErrorCode() & 0xff;
+        if (code != SQLITE_NOTADB && code != SQLITE_CORRUPT)
+            throw;
+        throw std::runtime_error(farm::Farm::DatabaseFile(folder).toStdString()
+            + ": the database is damaged (" + error.what()
+            + "). Stop the farm, put a copy of the database in its place, remove farm.sqlite-wal and "
+              "farm.sqlite-shm, and start the farm once with --accept-database.");
+    }
+}
+
+/// Reads the options again and applies them to the farm: all of them, or none when one cannot be used.
 void Reload(farm::Farm& farm, int argc, char** argv)
 {
     CLI::App app;
@@ -60,9 +78,11 @@ int Run(int argc, char** argv)
         return app.exit(error) == 0 ? 0 : WrongUsage;
     }
     spdlog::set_level(spdlog::level::from_str(options.LogLevel()));
-    return commands.IsChosen() ? Administer(commands, options.DataFolder())
-                               : farm::Serve(options.Settings(), options.StopsWithStdin(),
-                                   [argc, argv](farm::Farm& farm) { Reload(farm, argc, argv); });
+    return ExplainDamage(options.DataFolder(), [&] {
+        return commands.IsChosen() ? Administer(commands, options.DataFolder())
+                                   : farm::Serve(options.Settings(), options.StopsWithStdin(),
+                                       [argc, argv](farm::Farm& farm) { Reload(farm, argc, argv); });
+    });
 }
 
 } // namespace

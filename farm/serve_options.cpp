@@ -36,7 +36,7 @@ ServeOptions::ServeOptions(CLI::App& app)
     , m_sceneFolder(Beside("scenes"))
 {
     app.config_formatter(TomlConfig(app));
-    app.set_config("--config", "", "TOML file with options; those of the command line go first.")
+    app.set_config("--config", "", "TOML file with options; those on the command line override it.")
         ->type_name("FILE");
     app.add_option("--data", m_dataFolder, "Folder for the farm's data.")->required()->type_name("FOLDER");
     AddNetwork(app);
@@ -44,8 +44,7 @@ ServeOptions::ServeOptions(CLI::App& app)
     AddCluster(app);
     AddAccounts(app);
     AddFiles(app);
-    app.add_flag(
-        "--take-over", m_takesOver, "Ignore the lock of another machine that has left it on a shared disk.");
+    app.add_flag("--take-over", m_takesOver, "Ignore a lock that another machine has left on a shared disk.");
     app.add_flag("--stop-with-stdin", m_stopsWithStdin, "Exit at the end of standard input.");
     app.add_option("--log-level", m_logLevel, "trace, debug, info, warning, error, critical or off.")
         ->type_name("LEVEL")
@@ -61,7 +60,7 @@ void ServeOptions::AddNetwork(CLI::App& app)
         ->check(IsWholeNumber(0, HighestPort))
         ->capture_default_str();
     app.add_option("--behind-proxy", m_proxies,
-           "Address of a proxy whose word about the address of a client is believed; may be repeated.")
+           "Address of a proxy that is trusted to tell the addresses of clients; may be repeated.")
         ->type_name("ADDRESS")
         ->delimiter(',')
         ->allow_extra_args(false);
@@ -74,11 +73,11 @@ void ServeOptions::AddRendering(CLI::App& app)
         ->check(IsWholeNumber(1, MostSlots))
         ->capture_default_str();
     app.add_option(
-           "--frames-per-account", m_framesPerAccount, "Frames of an account at a time, 0 for any number.")
+           "--frames-per-account", m_framesPerAccount, "Frames of an account at a time, 0 for no limit.")
         ->type_name("NUMBER")
         ->check(IsWholeNumber(0, MostSlots))
         ->capture_default_str();
-    app.add_option("--job-types", m_jobTypesFile, "File that says how job types are rendered.")
+    app.add_option("--job-types", m_jobTypesFile, "File that defines how job types are rendered.")
         ->type_name("FILE")
         ->capture_default_str();
     app.add_option("--renderer-user", m_rendererUser,
@@ -116,11 +115,11 @@ void ServeOptions::AddCluster(CLI::App& app)
     addNumber("--slurm-frames", m_slurm.frames, MostOnCluster, "NUMBER",
         "Frames on the cluster at a time, rendering and queued.");
     addNumber("--slurm-interval", m_slurm.interval, SecondsPerHour, "SECONDS",
-        "Least time between two questions to the cluster.");
+        "Least time between two queries to the cluster.");
     addNumber("--slurm-timeout", m_slurm.timeout, SecondsPerHour, "SECONDS",
         "Time that a command of the cluster may take.");
     addNumber("--slurm-file-delay", m_slurm.fileDelay, SecondsPerHour, "SECONDS",
-        "Time that the nodes' files may take to be seen here.");
+        "Time after which files written on the nodes are visible here.");
 }
 
 SlurmSettings ServeOptions::Slurm() const
@@ -156,7 +155,7 @@ void ServeOptions::AddFiles(CLI::App& app)
 {
     constexpr int MostDays = 36500;
     app.add_option(
-           "--reserve", m_reserve, "Space of the disk that stays free; below it nothing new is taken.")
+           "--reserve", m_reserve, "Space of the disk that stays free; below it no new work is accepted.")
         ->type_name("GIB")
         ->check(IsWholeNumber(0, MostGibibytes))
         ->capture_default_str();

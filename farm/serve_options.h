@@ -1,6 +1,6 @@
 #pragma once
 
-#include "farm/farm.h"
+#include "farm/farm_settings.h"
 
 #include <string>
 #include <vector>

@@ -221,7 +221,7 @@ void CheckPassword(const QString& name, const QString& password)
     if (password.size() < Shortest || password.size() > Longest)
         throw InvalidInput("a password has 8 to 1024 characters");
     if (password.compare(name, Qt::CaseInsensitive) == 0)
-        throw InvalidInput("the name of the account is no password");
+        throw InvalidInput("the password must not be the account's name");
 }
 
 } // namespace farm

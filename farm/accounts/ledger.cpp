@@ -1,7 +1,6 @@
 #include "farm/accounts/ledger.h"
 
 #include "farm/accounts/account_names.h"
-#include "farm/base/local_time.h"
 
 #include <array>
 

@@ -168,6 +168,64 @@ void AddChange(CLI::App& group, CommandWork& chosen, const char* name, const cha
         command.add_option(valueName, options->value)->required()->check(check);
 }
 
+/// The commands that decide who signs in.
+void AddAccess(CLI::App& group, CommandWork& chosen)
+{
+    AddChange(group, chosen, "disable",
+        "Let nobody sign in to an account, and end its sessions. Its jobs go on.",
+        [](Database& database, const QString& account, const std::string&) {
+            Admin(database).SetDisabled(account, true);
+        });
+    AddChange(group, chosen, "enable", "Undo \"disable\".",
+        [](Database& database, const QString& account, const std::string&) {
+            Admin(database).SetDisabled(account, false);
+        });
+    AddChange(group, chosen, "password",
+        "Give an account another password, which is asked for, and end its sessions.",
+        [](Database& database, const QString& account, const std::string&) {
+            AccountAdmin admin = Admin(database);
+            admin.Find(account);
+            admin.SetPassword(account, ReadNewPassword());
+        });
+}
+
+/// The commands that set what an account may use, sees and pays.
+void AddTerms(CLI::App& group, CommandWork& chosen)
+{
+    AddChange(
+        group, chosen, "quota", "Set the space for an account's files in GiB, or \"default\".",
+        [](Database& database, const QString& account, const std::string& value) {
+            Admin(database).SetQuota(account, QuotaOf(value));
+        },
+        "gib", IsQuota());
+    AddChange(
+        group, chosen, "price", "Set what an account pays for a core-second, or \"default\".",
+        [](Database& database, const QString& account, const std::string& value) {
+            Admin(database).SetPrice(account, PriceOf(value));
+        },
+        "amount", IsPrice());
+    AddChange(
+        group, chosen, "priority", "Set an account's priority: each step doubles its share of the farm.",
+        [](Database& database, const QString& account, const std::string& value) {
+            Admin(database).SetPriority(account, std::stoi(value));
+        },
+        "number", IsWholeNumber(-HighestPriority, HighestPriority));
+    AddChange(
+        group, chosen, "bind",
+        "Have clients show the balance of an account as money (on) or as a single character (off).",
+        [](Database& database, const QString& account, const std::string& value) {
+            Admin(database).SetBound(account, value == "on");
+        },
+        "state", IsOneOf({"on", "off"}));
+    AddChange(
+        group, chosen, "administrator",
+        "Let an account see all accounts on the page in the browser (on), or no longer (off).",
+        [](Database& database, const QString& account, const std::string& value) {
+            Admin(database).SetAdministrator(account, value == "on");
+        },
+        "state", IsOneOf({"on", "off"}));
+}
+
 } // namespace
 
 void AddAccountCommands(CLI::App& app, CommandWork& chosen)
@@ -175,57 +233,12 @@ void AddAccountCommands(CLI::App& app, CommandWork& chosen)
     CLI::App& group = AddCommandGroup(app, "account", "Administer accounts.");
     AddAdd(group, chosen);
     AddList(group, chosen);
-    const auto change = [&](const char* name, const char* description, const AccountWork& work,
-                            const char* valueName = "", const ValueCheck& check = {}) {
-        AddChange(group, chosen, name, description, work, valueName, check);
-    };
-    change("show", "Show an account.", [](Database& database, const QString& account, const std::string&) {
-        ShowAccount(database, account);
-    });
-    change("disable", "Let nobody sign in to an account, and end its sessions. Its jobs go on.",
+    AddChange(group, chosen, "show", "Show an account.",
         [](Database& database, const QString& account, const std::string&) {
-            Admin(database).SetDisabled(account, true);
+            ShowAccount(database, account);
         });
-    change("enable", "Undo \"disable\".", [](Database& database, const QString& account, const std::string&) {
-        Admin(database).SetDisabled(account, false);
-    });
-    change("password", "Give an account another password, which is asked for, and end its sessions.",
-        [](Database& database, const QString& account, const std::string&) {
-            AccountAdmin admin = Admin(database);
-            admin.Find(account);
-            admin.SetPassword(account, ReadNewPassword());
-        });
-    change(
-        "quota", "Set the space for an account's files in GiB, or \"default\".",
-        [](Database& database, const QString& account, const std::string& value) {
-            Admin(database).SetQuota(account, QuotaOf(value));
-        },
-        "gib", IsQuota());
-    change(
-        "price", "Set what an account pays for a core-second, or \"default\".",
-        [](Database& database, const QString& account, const std::string& value) {
-            Admin(database).SetPrice(account, PriceOf(value));
-        },
-        "amount", IsPrice());
-    change(
-        "priority", "Set an account's priority: each step doubles its share of the farm.",
-        [](Database& database, const QString& account, const std::string& value) {
-            Admin(database).SetPriority(account, std::stoi(value));
-        },
-        "number", IsWholeNumber(-HighestPriority, HighestPriority));
-    change(
-        "bind", "Have clients show the balance of an account as money (on) or as a single character (off).",
-        [](Database& database, const QString& account, const std::string& value) {
-            Admin(database).SetBound(account, value == "on");
-        },
-        "state", IsOneOf({"on", "off"}));
-    change(
-        "administrator",
-        "Let an account see all accounts on the page in the browser (on), or no longer (off).",
-        [](Database& database, const QString& account, const std::string& value) {
-            Admin(database).SetAdministrator(account, value == "on");
-        },
-        "state", IsOneOf({"on", "off"}));
+    AddAccess(group, chosen);
+    AddTerms(group, chosen);
 }
 
 } // namespace farm

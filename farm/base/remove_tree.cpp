@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,7 +18,7 @@ namespace farm {
 
 namespace {
 
-/// An open folder, which its owner may read and change from then on.
+/// An open folder. Its permissions are changed so that the owner may read and change it.
 class Folder
 {
 public:
@@ -52,8 +51,11 @@ public:
         std::vector<std::string> names;
         const int copy = ::openat(m_file, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         DIR* const folder = copy < 0 ? nullptr : ::fdopendir(copy);
-        if (!folder)
+        if (!folder) {
+            if (copy >= 0)
+                ::close(copy);
             return names;
+        }
         while (const dirent* const entry = ::readdir(folder)) {
             const std::string name = static_cast<const char*>(entry->d_name);
             if (name != "." && name != "..")
@@ -85,7 +87,7 @@ void Flatten(const Folder& top, const std::string& name, const std::function<boo
             return;
         if (folder.Remove(entry))
             continue;
-        // A folder can be moved only by who may change it.
+        // Only a user who may change a folder can move it.
         const Folder inner(folder.File(), entry);
         if (inner.IsOpen())
             ::renameat(folder.File(), entry.c_str(), top.File(), NewId().toStdString().c_str());

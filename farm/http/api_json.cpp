@@ -1,6 +1,7 @@
 #include "farm/http/api_json.h"
 
 #include "farm/base/local_time.h"
+#include "farm/rendering/frames_in_work.h"
 
 namespace farm {
 
@@ -153,6 +154,13 @@ QJsonObject ChangesJson(const AccountChanges& changes)
     for (const QString& id : changes.jobs)
         jobs.append(id);
     return {{QStringLiteral("jobs"), jobs}, {QStringLiteral("list"), changes.list}};
+}
+
+QJsonValue PercentJson(const FrameInWork& frame, std::size_t frames)
+{
+    constexpr std::size_t MostLogs = 100;
+    const auto percent = frames <= MostLogs ? frame.progress.Percent() : std::nullopt;
+    return percent ? QJsonValue(*percent) : QJsonValue();
 }
 
 QJsonObject StorageJson(const AccountStorage& storage, std::int64_t quota)

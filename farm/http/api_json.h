@@ -15,6 +15,8 @@
 /// The answers of the HTTP interface as JSON.
 namespace farm {
 
+struct FrameInWork;
+
 QJsonObject SessionJson(const Session& session, std::int64_t sessionSeconds);
 QJsonObject AccountJson(const Account& account);
 QJsonObject SpendingJson(const std::vector<DaysSpending>& days);
@@ -26,11 +28,14 @@ QJsonObject JobInfoJson(const JobRecord& job, const JobPlan& plan);
 QJsonObject UploadJson(const Upload& upload, int chunkSize);
 QJsonArray PackedFilesJson(const std::vector<PackedFile>& files);
 QJsonArray PicturesJson(const std::vector<Picture>& pictures);
-/// Each frame as an array, since a job may have thousands; see docs/farm-api.md for the order of its values.
+/// Each frame is an array, since a job may have thousands; docs/farm-api.md lists its values in order.
 QJsonArray FramesJson(const std::vector<FrameRecord>& frames);
 QJsonObject ChangesJson(const AccountChanges& changes);
-/// Wraps the value in an object as its member "data".
+/// How far the frame is in percent; null when that is unknown, or when too many logs would have to be read.
+/// @param frames in the same answer.
+QJsonValue PercentJson(const FrameInWork& frame, std::size_t frames);
 QJsonObject StorageJson(const AccountStorage& storage, std::int64_t quota);
+/// Wraps the value in an object as its member "data".
 QJsonObject DataJson(const QJsonValue& value);
 /// @param word is the error's name for programs, `message` its sentence for people.
 QJsonObject ErrorJson(const char* word, const QString& message);

@@ -16,7 +16,7 @@ namespace farm {
 
 namespace {
 
-constexpr std::chrono::seconds Heartbeat {25};
+constexpr std::chrono::seconds Heartbeat {5};
 constexpr int MostStreamsPerAccount = 64;
 constexpr int MostRecords = 20;
 constexpr int RetryAfter = 30; // s

@@ -14,8 +14,8 @@ namespace farm {
 
 namespace {
 
-// A change bears the time at which its writer began to wait for the database, so it may appear later than one of a later
-// time. A client hears of the changes of this time twice.
+// A change carries the time at which its writer began to wait for the database, so it may appear after one with a later
+// time. So each answer repeats the changes of these seconds.
 constexpr std::int64_t LongestWrite = 10; // s
 
 } // namespace
@@ -52,8 +52,10 @@ QJsonObject FrameRoutes::ListFrames(const ApiRequest& request)
     const JobRecord job = m_jobs.Find(account, id);
     const FrameList list = m_frames.List(account, id, since);
     QJsonArray rendering;
-    for (const auto& [number, work] : m_inWork.OfJob(list.job))
-        rendering.append(QJsonArray {number, qint64(work.Seconds(now)), work.host});
+    const auto inWork = m_inWork.OfJob(list.job);
+    for (const auto& [number, work] : inWork)
+        rendering.append(
+            QJsonArray {number, qint64(work.Seconds(now)), work.host, PercentJson(work, inWork.size())});
     return DataJson(
         QJsonObject {{QStringLiteral("job"), JobJson(job)}, {QStringLiteral("message"), job.message},
             {QStringLiteral("time"), qint64(now - LongestWrite)}, {QStringLiteral("total"), list.total},

@@ -15,7 +15,6 @@
 #include <spdlog/spdlog.h>
 
 #include <algorithm>
-#include <array>
 #include <initializer_list>
 #include <netinet/tcp.h>
 #include <optional>
@@ -71,7 +70,7 @@ bool HasUnwantedHeader(const httplib::Request& request)
     return (request.method == "POST" || request.method == "PUT") && !request.has_header("Content-Length");
 }
 
-// All headers of this name, joined as if they were one.
+// The values of all headers of this name, joined as if they were one.
 QByteArray Headers(const httplib::Request& request, const char* name)
 {
     QByteArrayList values;
@@ -125,7 +124,7 @@ void AnswerFile(httplib::Response& response, const FileAnswer& answer, const std
     response.set_content_provider(static_cast<std::size_t>(part.length), answer.type,
         [file = answer.file, part](std::size_t, std::size_t, httplib::DataSink&) {
             TimedStream::Current().LeaveFile(file, part.offset, part.length);
-            return false; // the library has nothing to do any more
+            return false; // the library has nothing left to do
         });
 }
 
@@ -348,7 +347,7 @@ int HttpServer::Start(const QString& address, int port)
         = port == 0 ? (port = m_server->bind_to_any_port(host)) > 0 : m_server->bind_to_port(host, port);
     if (!bound)
         throw std::runtime_error("cannot listen on " + host);
-    // The library listens already; to listen again only lengthens the queue.
+    // The library is listening already; calling listen() again only lengthens the queue.
     ::listen(m_listener, Backlog);
     m_thread = std::thread([this] { m_server->listen_after_bind(); });
     while (!m_server->is_running())

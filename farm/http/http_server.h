@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <thread>
+#include <utility>
 
 namespace httplib {
 struct Request;
@@ -39,8 +40,12 @@ public:
     /// The body as raw bytes.
     QByteArray Bytes() const;
 
+    /// Keeps what the request occupies until it has been answered.
+    void Keep(std::shared_ptr<const void> occupied) const { m_occupied = std::move(occupied); }
+
 private:
     const httplib::Request& m_request;
+    mutable std::shared_ptr<const void> m_occupied;
 };
 
 /// An answer that is a file.
@@ -71,7 +76,7 @@ public:
     /// The most streams of events at a time.
     static constexpr int MostStreams = 256;
 
-    /// @param proxies tell the addresses of the clients that come through them.
+    /// @param proxies are trusted to tell the addresses of their clients.
     explicit HttpServer(const TrustedProxies& proxies = TrustedProxies());
     /// Calls Stop().
     ~HttpServer();
@@ -84,7 +89,7 @@ public:
     void Delete(const char* path, Handler handler);
     /// Serves a file without occupying a thread, with support for Range, If-Range and If-Match.
     void GetFile(const char* path, FileHandler handler);
-    /// Serves a text of this media type to browsers and other programs that are no clients. A page may use nothing but what
+    /// Serves a text of this media type to browsers and programs other than clients. A page may use nothing but what
     /// the farm itself serves.
     void GetText(const char* path, const char* type, TextHandler handler);
     /// Sends the stream that the handler returns. Each stream occupies a thread, so the handler must not return more than
@@ -96,7 +101,7 @@ public:
     /// Returns when the requests being served have been answered; the streams of events have to end by themselves.
     void Stop();
 
-    /// How many answers had a status of this hundred, such as 4 for 404.
+    /// The number of answers whose status begins with this digit, such as 4 for 404.
     std::int64_t Answers(int hundred) const;
 
 private:

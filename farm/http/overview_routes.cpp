@@ -131,7 +131,8 @@ QJsonObject OverviewRoutes::Show(const ApiRequest& request)
         working.append(QJsonObject {{QStringLiteral("account"), job->second.account},
             {QStringLiteral("job"), job->second.id}, {QStringLiteral("name"), job->second.name},
             {QStringLiteral("frame"), frame.number}, {QStringLiteral("host"), work.host},
-            {QStringLiteral("seconds"), qint64(work.Seconds(now))}});
+            {QStringLiteral("seconds"), qint64(work.Seconds(now))},
+            {QStringLiteral("percent"), PercentJson(work, frames.size())}});
     }
     QJsonArray nodes;
     for (const auto& [host, count] : FramesByHost(frames))

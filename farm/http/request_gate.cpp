@@ -11,12 +11,18 @@ RequestGate::RequestGate(AccountStore& accounts, const RequestLimits& limits)
     : m_accounts(accounts)
     , m_requests(limits.requestsByAccount)
     , m_transfers(limits.transfersByAccount)
+    , m_turns(limits.requestsAtOnce, limits.requestsWaiting)
 {
 }
 
 std::int64_t RequestGate::Authorize(const ApiRequest& request)
 {
-    return Authorize(request, m_requests);
+    const std::int64_t account = Authorize(request, m_requests);
+    const AccountTurns::Turn turn = m_turns.Take(account);
+    if (!turn)
+        RefuseWhenTooMany(1);
+    request.Keep(turn);
+    return account;
 }
 
 std::int64_t RequestGate::AuthorizeTransfer(const ApiRequest& request)

@@ -3,8 +3,6 @@
 #include "farm/http/request_threads.h"
 #include "farm/http/waiting_room.h"
 
-#include <memory>
-
 namespace farm {
 
 /// The library's server with two changes: a connection has a thread only from the arrival of its request until the answer is

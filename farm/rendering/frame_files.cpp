@@ -134,8 +134,10 @@ void FrameFiles::RemoveFrames(QDir folder, const QString& suffix)
     const QStringList frames
         = folder.entryList({QStringLiteral("frame_*.") + suffix}, QDir::Files | QDir::Hidden);
     for (const QString& frame : frames) {
-        if (!folder.remove(frame))
-            throw std::runtime_error("cannot remove a frame of an earlier run");
+        QFile file(folder.filePath(frame));
+        if (!file.remove())
+            throw std::runtime_error("cannot remove " + frame.toStdString()
+                + " of an earlier run: " + file.errorString().toStdString());
     }
     RemoveTree(folder.filePath(QStringLiteral("logs")));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "farm/rendering/frame_progress.h"
 #include "farm/rendering/frame_task.h"
 
 #include <algorithm>
@@ -13,6 +14,7 @@ struct FrameInWork
 {
     QString host;
     std::int64_t since = 0; // seconds since the epoch
+    FrameProgress progress = {};
 
     /// For how long, in seconds. A clock that was set back does not make it negative.
     std::int64_t Seconds(std::int64_t now) const { return std::max<std::int64_t>(now - since, 0); }

@@ -101,12 +101,13 @@ bool JobFolders::Free(const Job& job, const GoOn& goOn)
 bool JobFolders::TidyOne(const Job& job)
 {
     // Early versions of the farm rendered into "unfinished".
-    const QStringList leftovers {
-        QStringLiteral("/runs"), QStringLiteral("/unfinished"), QStringLiteral("/scene.unfinished")};
+    // The next frame of the job gets the scene anew.
+    const QStringList leftovers {QStringLiteral("/runs"), QStringLiteral("/unfinished"),
+        QStringLiteral("/scene.unfinished"), QStringLiteral("/scene")};
     return SetAside(UntidyJobs, job, leftovers);
 }
 
-/// Moves parts of the job's folder to where nobody looks for them, unless the job has changed. It happens while no run of
+/// Moves parts of the job's folder aside, unless the job has changed. It happens while no run of
 /// the job can begin, because runs are recorded first.
 bool JobFolders::SetAside(const char* jobs, const Job& job, const QStringList& names)
 {

@@ -5,7 +5,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
@@ -65,6 +64,16 @@ QMap<QString, QString> ReadSlurm(const QJsonObject& object)
     return values;
 }
 
+QRegularExpression ReadProgress(const QString& pattern)
+{
+    const QRegularExpression expression(pattern);
+    const int groups = expression.captureCount(); // -1 when it is invalid
+    if (!pattern.isEmpty() && (groups < 2 || groups % 2 != 0))
+        throw std::runtime_error(
+            "progress must be a regular expression with two groups, or further pairs of them");
+    return expression;
+}
+
 QString ReadScript(const QString& path)
 {
     QFile file(path);
@@ -88,6 +97,7 @@ JobType ReadJobType(const QString& name, const QJsonObject& object, const QDir& 
         type.framesAtOnce = int(WholeNumber(object, "frames_at_once", 0, 0));
         if (const QString script = object.value(QLatin1String("script")).toString(); !script.isEmpty())
             type.script = ReadScript(folder.filePath(script));
+        type.progress = ReadProgress(object.value(QLatin1String("progress")).toString());
         type.slurm = ReadSlurm(object.value(QLatin1String("slurm")).toObject());
     } catch (const std::runtime_error& error) {
         throw std::runtime_error("the job type " + name.toStdString() + ": " + error.what());

@@ -3,6 +3,7 @@
 #include "farm/runner/run.h"
 
 #include <QMap>
+#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
@@ -25,11 +26,14 @@ struct JobType
     Resources resources;
     /// Whether the renderer may read only its scene and the machine's programs, and write only its picture.
     bool confined = true;
-    /// Paths that a confined renderer may use as well, such as devices and licence files.
+    /// Further paths that a confined renderer may use, such as devices and licence files.
     QStringList readable;
     QStringList writable;
     /// The most frames of the type that are rendered at a time, for example as many as there are licences; 0 for any number.
     int framesAtOnce = 0;
+    /// Finds reports of progress in the renderer's output, by two groups: the work that is done, and all of it. A further
+    /// pair of groups is about the piece of work that the pair before it has reached. Empty when there are no reports.
+    QRegularExpression progress;
     /// Settings of this type on a Slurm cluster: "partition", "account", "qos", "constraint" and "frames_per_task".
     QMap<QString, QString> slurm;
 };

@@ -1,15 +1,13 @@
 #include "farm/rendering/log_store.h"
 
 #include "farm/base/errors.h"
+#include "farm/base/plain_file.h"
 #include "farm/rendering/frame_files.h"
 
 #include <QDir>
 #include <QTemporaryFile>
 
-#include <fcntl.h>
 #include <optional>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace farm {
 
@@ -28,23 +26,16 @@ std::shared_ptr<QFile> LogStore::Open(const QString& job, int frame)
     });
     if (!run)
         throw NotFound("there is no such job");
-    // The files of a job that was restarted are still those of its earlier run.
+    // A restarted job still has the files of its earlier run.
     const int begun = m_files.BegunRun(job);
     if (begun > 0 && begun < *run)
         return nullptr;
-    // A renderer may have put a link or a pipe in the place of its log.
     const QString path
         = QDir(m_files.JobFolder(job))
               .filePath(QStringLiteral("logs/") + FrameFiles::FrameName(frame, QStringLiteral("txt")));
-    const int handle
-        = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-    struct stat found = {};
     auto file = std::make_shared<QFile>();
-    if (handle >= 0 && ::fstat(handle, &found) == 0 && S_ISREG(found.st_mode)
-        && file->open(handle, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
+    if (OpenPlainFile(*file, path))
         return file;
-    if (handle >= 0)
-        ::close(handle);
     return OpenEnd(job, frame);
 }
 

@@ -15,7 +15,7 @@ namespace farm {
 
 namespace {
 
-/// Whether the next try at the frame would probably end in the same way at once.
+/// Whether another attempt at the frame would probably end in the same way at once.
 bool WouldRepeat(RunEnd end)
 {
     return end == RunEnd::FarmFault || end == RunEnd::LicenceMissing;
@@ -26,7 +26,7 @@ std::string NameOf(const FrameTask& task)
     return "job " + task.jobId.toStdString() + " frame " + std::to_string(task.Number());
 }
 
-/// For how long a renderer ran that has failed; nothing when none ran. The cluster's own time limit leaves no report of it.
+/// The running time of a failed renderer; none when it did not run. The cluster's own time limit leaves no report of it.
 std::optional<std::int64_t> SecondsOf(const RunResult& result)
 {
     if (result.host.isEmpty())
@@ -225,7 +225,7 @@ void Scheduler::StartReady()
     }
     if (!wanted.empty())
         m_deps.executor.Start(wanted);
-    // Last, because it may cancel runs, which the executor must know by then.
+    // Comes last, because it may cancel runs, which the executor must know by then.
     for (const RunId& id : unwanted)
         Conclude(id);
 }
@@ -237,9 +237,12 @@ void Scheduler::HandleStart(const RunId& id, const QString& host, qint64 at)
         return;
     // The node's clock may be ahead of the farm's.
     const std::int64_t since = std::min<std::int64_t>(at, Now());
-    m_deps.inWork.Add(work->second.task.key, {host, since});
-    m_deps.queue.NoteStart(work->second.task.key, since);
-    spdlog::debug("{} started on {}", NameOf(work->second.task), host.toStdString());
+    const FrameTask& task = work->second.task;
+    const FrameProgress progress {
+        m_deps.files.FilesOf(task.jobId, id).Log(), m_types.value(task.type).progress};
+    m_deps.inWork.Add(task.key, {host, since, progress});
+    m_deps.queue.NoteStart(task.key, since);
+    spdlog::debug("{} started on {}", NameOf(task), host.toStdString());
 }
 
 void Scheduler::HandleEnd(const RunId& id, const RunResult& result)
@@ -326,8 +329,8 @@ void Scheduler::Settle(const RunId& id, Work& work)
         return;
     }
     work.state = State::Settled;
-    // An administrator who cancels frames on the cluster would have to cancel them for ever, if they began again at once. An
-    // earlier farm may have cancelled its own when it ended.
+    // If frames began again at once, an administrator could never cancel them on the cluster. An
+    // earlier farm process may have cancelled its own frames when it shut down.
     const bool isTakenAway = end == RunEnd::Cancelled && !*work.isUnwanted && !work.isOld;
     work.fate = !isOvertaken && (isTakenAway || WouldRepeat(end)) ? Fate::Postponed : Fate::Forgotten;
     if (work.fate == Fate::Postponed)

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <fcntl.h>
 #include <linux/landlock.h>
 #include <stdexcept>
@@ -14,6 +15,7 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 
 namespace farm {
 
@@ -115,7 +117,7 @@ Confinement::~Confinement()
         ::close(m_ruleset);
 }
 
-void Confinement::AllowSystem(const QString& program) const
+void Confinement::AllowSystem(const QString& program)
 {
     for (const char* path : SystemPaths)
         AllowAround(QString::fromLatin1(path), ReadFiles);
@@ -126,11 +128,11 @@ void Confinement::AllowSystem(const QString& program) const
 
 // Landlock cannot except a folder from an allowed one. So the folders above the hidden one are not allowed themselves, only
 // what else they hold now: what is created in them later cannot be reached.
-void Confinement::AllowAround(const QString& path, quint64 access) const
+void Confinement::AllowAround(const QString& path, quint64 access)
 {
     const QString real = QFileInfo(path).canonicalFilePath();
     bool holdsHidden = false;
-    for (const QString& hidden : m_hidden) {
+    for (const QString& hidden : std::as_const(m_hidden)) {
         if (IsWithin(real, hidden))
             return;
         holdsHidden = holdsHidden || IsWithin(hidden, real);
@@ -148,10 +150,10 @@ void Confinement::AllowAround(const QString& path, quint64 access) const
     }
 }
 
-void Confinement::AllowChosen(const QString& path, quint64 access) const
+void Confinement::AllowChosen(const QString& path, quint64 access)
 {
     const QString real = QFileInfo(path).canonicalFilePath();
-    for (const QString& hidden : m_hidden) {
+    for (const QString& hidden : std::as_const(m_hidden)) {
         if (real != hidden && IsWithin(real, hidden)) {
             Allow(real, access);
             return;
@@ -161,7 +163,7 @@ void Confinement::AllowChosen(const QString& path, quint64 access) const
 }
 
 // A path that does not exist needs no rule.
-void Confinement::Allow(const QString& path, quint64 access) const
+void Confinement::Allow(const QString& path, quint64 access)
 {
     const int file = ::open(QFile::encodeName(path).constData(), O_PATH | O_CLOEXEC);
     if (file < 0)
@@ -177,6 +179,15 @@ void Confinement::Allow(const QString& path, quint64 access) const
     ::close(file);
     if (result != 0)
         throw std::runtime_error("the renderer cannot be confined");
+    m_allowed.append(path);
+}
+
+bool Confinement::Reaches(const QString& path) const
+{
+    const QString real = QFileInfo(path).canonicalFilePath();
+    return m_ruleset < 0 || std::any_of(m_allowed.begin(), m_allowed.end(), [&real](const QString& allowed) {
+        return IsWithin(real, allowed);
+    });
 }
 
 bool Confinement::Enter() const

@@ -4,7 +4,7 @@
 
 namespace farm {
 
-/// Limits a process to its reach by means of the kernel (Landlock). It is prepared before the process is made, which then
+/// Confines a process to its reach through the kernel (Landlock). It is prepared before the fork, and the new process then
 /// enters it.
 class Confinement
 {
@@ -19,20 +19,24 @@ public:
     Confinement(const Confinement&) = delete;
     Confinement& operator=(const Confinement&) = delete;
 
+    /// Whether the process will be able to read the path.
+    bool Reaches(const QString& path) const;
+
     /// Limits the calling process and all processes that it starts, for good. Makes only system calls, so it is safe
     /// between fork and exec. Returns false when the process could not be limited although the kernel supports it.
     bool Enter() const;
 
 private:
-    void AllowSystem(const QString& program) const;
+    void AllowSystem(const QString& program);
     /// Allows a path without the hidden folder.
-    void AllowAround(const QString& path, quint64 access) const;
+    void AllowAround(const QString& path, quint64 access);
     /// Allows a path that the farm has chosen, even in the hidden folder.
-    void AllowChosen(const QString& path, quint64 access) const;
-    void Allow(const QString& path, quint64 access) const;
+    void AllowChosen(const QString& path, quint64 access);
+    void Allow(const QString& path, quint64 access);
 
-    /// The hidden folder by all its names.
+    /// All paths of the hidden folder, see NamesOf().
     QStringList m_hidden;
+    QStringList m_allowed;
     bool m_confined;
     int m_ruleset = -1;
 };

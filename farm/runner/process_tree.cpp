@@ -5,7 +5,6 @@
 #include <QFileInfo>
 #include <QVector>
 
-#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <sys/wait.h>
@@ -18,7 +17,7 @@ namespace {
 
 constexpr std::chrono::seconds LongestEnd {5};
 constexpr std::chrono::milliseconds EndPause {5};
-// A tree that grows without bounds is looked at only so far.
+// The most processes to look at, in case the tree grows without bounds.
 constexpr int MostProcesses = 20'000;
 
 QStringList Entries(const QString& folder)
@@ -32,7 +31,7 @@ QByteArray Contents(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// The processes that the threads of one have started and not yet waited for.
+/// The children of all threads of a process that have not been waited for.
 /// @param tasks receives the number of threads.
 QVector<pid_t> ChildrenOf(pid_t process, int& tasks)
 {
@@ -68,7 +67,7 @@ std::int64_t MemoryOf(pid_t process)
     const std::int64_t shared = BytesIn(status, "RssShmem:");
     if (shared == 0)
         return own;
-    // Each process counts its part of memory that several use, which the kernel needs some time to find out.
+    // Shared memory counts in proportion for each process, which takes the kernel some time to compute.
     const QByteArray rollup = Contents(folder + QStringLiteral("smaps_rollup"));
     return own + (rollup.contains("Pss_Shmem:") ? BytesIn(rollup, "Pss_Shmem:") : shared);
 }

@@ -98,17 +98,34 @@ void Renderer::MakeEnvironment()
     if (m_order.reach.confined) {
         const QProcessEnvironment inherited = environment;
         environment.clear();
-        for (const char* name : {"PATH", "LANG", "LC_ALL", "TZ", "QUILLSTAR_FARM", "QUILLSTAR_RUN"}) {
+        for (const char* name : {"LANG", "LC_ALL", "TZ", "QUILLSTAR_FARM", "QUILLSTAR_RUN"}) {
             if (inherited.contains(QLatin1String(name)))
                 environment.insert(QLatin1String(name), inherited.value(QLatin1String(name)));
         }
+        // An empty search path would stand for the scene's folder.
+        const QString folders = ReachableFolders(inherited.value(QStringLiteral("PATH")));
+        environment.insert(
+            QStringLiteral("PATH"), folders.isEmpty() ? QStringLiteral("/usr/bin:/bin") : folders);
     }
-    // The usual folder for temporary files may hold the farm's data, and then it is out of reach.
+    // The usual folder for temporary files may hold the farm's data and is then inaccessible.
     environment.insert(QStringLiteral("TMPDIR"), m_order.files.OutputFolder());
     if (m_order.reach.confined || m_user != ::geteuid())
         environment.insert(QStringLiteral("HOME"), m_order.files.OutputFolder());
-    for (const QString& entry : environment.toStringList())
+    const QStringList entries = environment.toStringList();
+    for (const QString& entry : entries)
         m_environment.push_back(QFile::encodeName(entry));
+}
+
+/// A renderer sees programs that it cannot read. Blender would look for its Python beside one in a home folder.
+QString Renderer::ReachableFolders(const QString& searchPath) const
+{
+    QStringList folders;
+    const QStringList all = searchPath.split(QLatin1Char(':'));
+    for (const QString& folder : all) {
+        if (m_confinement.Reaches(folder))
+            folders.append(folder);
+    }
+    return folders.join(QLatin1Char(':'));
 }
 
 int Renderer::Start()
@@ -133,7 +150,7 @@ int Renderer::Start()
     return output[0];
 }
 
-// This program has one thread, so its child may do more than make system calls.
+// This program has one thread, so its child is not restricted to system calls.
 void Renderer::Become(int output, int failure) const
 {
     ::setpgid(0, 0);
@@ -178,7 +195,7 @@ bool Renderer::TakeUser() const
             return false;
     }
     SystemCalls::DropCapabilities();
-    // A change of the user would clear this.
+    // Changing the user would clear this setting.
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     return ::getppid() == m_runner;
 }

@@ -8,20 +8,21 @@
 
 namespace farm {
 
-/// The process of a renderer, from the order to exec. It ends when the thread that starts it does.
+/// Starts the process of a renderer as its order says. The process ends with the thread that has started it.
 class Renderer
 {
 public:
     /// Throws std::runtime_error when the order cannot be carried out on this machine.
     explicit Renderer(const RunOrder& order);
 
-    /// Starts it. @return the end from which its output can be read, without waiting. Throws std::runtime_error.
+    /// Starts it. @return a non-blocking descriptor for reading its output. Throws std::runtime_error.
     int Start();
     pid_t Process() const { return m_process; }
 
 private:
     void FindUser();
     void MakeEnvironment();
+    QString ReachableFolders(const QString& searchPath) const;
     [[noreturn]] void Become(int output, int failure) const;
     bool TakeUser() const;
     void TakeLimits() const;

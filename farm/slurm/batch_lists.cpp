@@ -2,8 +2,11 @@
 
 #include "farm/slurm/batch.h"
 #include "storage/durable_file.h"
+#include "storage/folder_check.h"
 
 #include <QFile>
+
+#include <cstring>
 
 namespace farm {
 
@@ -30,7 +33,8 @@ QString BatchLists::File(const QString& batch) const
 void BatchLists::MakeFolder() const
 {
     if (!m_folder.mkpath(QStringLiteral(".")))
-        throw std::runtime_error("cannot create the folder " + m_folder.path().toStdString());
+        throw std::runtime_error("cannot create the folder " + m_folder.path().toStdString() + ": "
+            + std::strerror(storage::FolderError(m_folder.path())));
 }
 
 void BatchLists::Write(const QString& batch, const QStringList& runFolders) const

@@ -4,7 +4,6 @@
 #include <QStringList>
 
 #include <map>
-#include <vector>
 
 namespace farm {
 
@@ -21,7 +20,7 @@ public:
     /// The list is on the disk when it returns. Throws std::runtime_error.
     void Write(const QString& batch, const QStringList& runFolders) const;
     void Remove(const QString& batch) const;
-    /// The folders of the runs by batch.
+    /// The folders of the runs of each batch.
     std::map<QString, QStringList> ReadAll() const;
 
 private:

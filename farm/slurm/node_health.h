@@ -4,24 +4,23 @@
 
 #include <chrono>
 #include <map>
-#include <utility>
 
 namespace farm {
 
-/// Notices nodes on which no frame of a job type can even begin, such as one that lacks the renderer. They are free again at
+/// Notices nodes on which no frame of a job type can even begin, for example without the renderer. They are free again at
 /// once and would get most frames.
 class NodeHealth
 {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// A node is left out after so many faults in a row, and only while another one renders the type.
+    /// A node is left out after this many faults in a row, and only while another one renders the type.
     static constexpr int FaultsToLeaveOut = 3;
     static constexpr std::chrono::minutes LeftOutFor {10};
 
-    /// Takes over how a run of the type has ended. Returns whether the node has just got one fault too many.
+    /// Records the end of a run of the type. Returns whether the node has just reached FaultsToLeaveOut.
     bool Note(const QString& type, const QString& node, RunEnd end, Clock::time_point now);
-    /// Forgets the faults, as when the cluster refuses to leave the nodes out.
+    /// Forgets the faults, for instance when the cluster refuses to leave the nodes out.
     void Forget(const QString& type);
 
     /// The nodes that are to get no frames of the type.

@@ -10,7 +10,6 @@
 #include <QFile>
 
 #include <algorithm>
-#include <utility>
 
 namespace farm {
 

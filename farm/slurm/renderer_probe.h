@@ -6,12 +6,11 @@
 #include "farm/slurm/cluster_task.h"
 
 #include <map>
-#include <set>
 
 namespace farm {
 
 /// Finds out by small jobs whether the nodes have the renderers and quillstar-run-frame, see the shared folder and have the
-/// same time as this machine. What is missing is asked again after a while.
+/// same time as this machine. After a failure it asks again later.
 class RendererProbe : public QObject
 {
     Q_OBJECT
@@ -19,25 +18,25 @@ class RendererProbe : public QObject
 public:
     RendererProbe(const SlurmSettings& settings, ClusterCommands& commands);
 
-    /// The first call for a renderer and a placement starts asking.
+    /// The first call for a renderer and a placement starts the probe.
     Availability Has(const QString& program, const Placement& placement);
-    /// The thing that is missing or kept the question from being asked, as a clause; empty when nothing is known.
+    /// A clause about what is missing or why the probe cannot run; empty when no hindrance is known.
     QString HindranceOf(const QString& program, const Placement& placement) const;
-    /// The cluster does not accept jobs for the placement any more, because of this fault.
+    /// Records that the cluster no longer accepts jobs for the placement, because of this fault.
     void Withdraw(const Placement& placement, const QString& fault);
-    /// Whether a job is under way, so that Update() is wanted.
+    /// Whether a job is under way, so that Update() has to be called.
     bool IsWaiting() const;
-    /// Whether a job is to be submitted now.
+    /// Whether a job has to be submitted now.
     bool IsDue() const;
     /// Submits the jobs that are due.
     void Submit();
-    /// Takes over what Slurm knows about the farm's jobs.
+    /// Takes over Slurm's current list of the farm's jobs.
     void Update(const std::vector<ClusterTask>& tasks);
 
 signals:
-    /// Has() or HindranceOf() answer otherwise than before.
+    /// The results of Has() or HindranceOf() have changed.
     void Changed();
-    /// Names what is wrong with a node that can render all the same.
+    /// A node has a fault, but can render nevertheless.
     void Warned(const QString& warning);
 
 private:

@@ -1,6 +1,5 @@
 #include "farm/slurm/slurm_executor.h"
 
-#include "farm/base/random.h"
 #include "farm/slurm/command_fault.h"
 #include "farm/slurm/earlier_batches.h"
 
@@ -19,7 +18,7 @@ namespace {
 constexpr std::chrono::milliseconds Gather {300};
 // Slurm's default of MaxArraySize is 1001.
 constexpr int LargestBatch = 1000;
-// When sbatch has failed, it is tried again after so many intervals.
+// After a failure, sbatch is tried again after this many intervals.
 constexpr int RestAfterFault = 3;
 // The tasks that one scancel names, so that its command line does not become too long.
 constexpr int TasksPerCancel = 1000;
@@ -123,7 +122,7 @@ void SlurmExecutor::Attach(const std::vector<RecordedRun>& runs)
                 run.id, RunEnd::MachineLost, QStringLiteral("the frame had not been sent to the cluster"));
     }
     m_report.start(std::chrono::milliseconds {0});
-    // The first turn looks at the files only: what was done while no farm ran needs no answer of the cluster.
+    // The first turn only looks at the files: runs that ended while no farm ran need no answer from the cluster.
     m_isInTurn = true;
     emit LookWanted(m_book.FirstLooks());
 }
@@ -176,8 +175,8 @@ void SlurmExecutor::TakeTurn()
 }
 
 // A turn: submit, ask Slurm about all jobs, look at the files of those that have begun or ended. The commands run one after
-// another, so the question includes what has been submitted. What the cluster renders already comes before the question
-// what else it can render.
+// another, so the query includes what has been submitted. The query about the runs comes before the probe's
+// jobs, which find out what else the cluster can render.
 void SlurmExecutor::RunTurn()
 {
     m_isInTurn = true;
@@ -211,7 +210,7 @@ void SlurmExecutor::LearnLimits()
     m_commands.Run({QStringLiteral("scontrol"), {QStringLiteral("show"), QStringLiteral("config")}, {},
         [this](const CommandResult& result) {
             if (!result.IsOk())
-                return; // squeue will say the same
+                return; // squeue will fail and report it
             const ClusterLimits limits = ReadLimits(result.output);
             m_arraySize = limits.arraySize;
             m_hasAccounting = limits.hasAccounting;
@@ -374,7 +373,7 @@ void SlurmExecutor::CancelTasks()
         const QStringList some = tasks.mid(first, TasksPerCancel);
         m_commands.Run(
             {QStringLiteral("scancel"), some, {}, [this, some](const CommandResult& result) {
-                 // Tasks that have ended are refused, and need nothing more.
+                 // scancel refuses tasks that have ended, which is fine.
                  const bool hasReached = result.IsOk()
                      || (result.end == CommandResult::End::Exited && !result.errors.contains("contact"));
                  if (!hasReached)
@@ -383,7 +382,7 @@ void SlurmExecutor::CancelTasks()
     }
 }
 
-/// Ends what an earlier farm has submitted and nobody wants any more.
+/// Cancels tasks from before the restart that nobody wants any more.
 void SlurmExecutor::CancelStrangers(const std::vector<ClusterTask>& tasks)
 {
     for (const QString& name : std::exchange(m_strangers, {})) {

@@ -2,32 +2,31 @@
 
 #include "farm/slurm/batch.h"
 
-#include <utility>
 #include <vector>
 
 namespace farm {
 
-/// A run that is to be submitted.
+/// A run that has to be submitted.
 struct WaitingRun
 {
     RunId id;
     RunFiles files;
     QString type;
-    /// The job of the farm, by its key.
+    /// The key of the farm's job.
     std::int64_t job = 0;
     Placement placement;
 };
 
-/// The runs that are to be submitted, in the order in which they came.
+/// The runs that have to be submitted, in the order of their arrival.
 class WaitingRuns
 {
 public:
     void Add(const WaitingRun& run) { m_runs.push_back(run); }
-    /// Returns false when the run does not wait.
+    /// Returns false when the run is not waiting.
     bool Remove(const RunId& run);
     bool IsEmpty() const { return m_runs.empty(); }
 
-    /// Takes all, in batches of runs of one placement and one type. A task renders frames of one job only, as it is ended
+    /// Takes all runs, in batches of one placement and one type. A task renders frames of one job only, as it is ended
     /// when the job is stopped.
     /// @param most is the largest number of tasks in a batch.
     std::vector<std::vector<WaitingRun>> TakeBatches(int most);

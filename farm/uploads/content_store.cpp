@@ -14,8 +14,6 @@
 #include <QFileInfo>
 #include <QSet>
 
-#include <cerrno>
-
 namespace farm {
 
 namespace {

@@ -129,7 +129,7 @@ void ReadEntry(zip_t* archive, zip_uint64_t index, qint64 announced, Take take)
         take(block.constData(), int(got));
     }
     if (total != announced)
-        throw BadPackage("an entry of the package has another length than announced");
+        throw BadPackage("an entry of the package does not have the announced length");
 }
 
 UnpackedFile UnpackEntry(zip_t* archive, zip_uint64_t index, const EntryInfo& entry, const QString& target,

@@ -7,6 +7,7 @@
 #include "farm/uploads/content_store.h"
 #include "storage/checksum.h"
 #include "storage/durable_file.h"
+#include "storage/folder_check.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,14 +16,15 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <cstring>
 #include <optional>
 
 namespace farm {
 
 namespace {
 
-constexpr std::int64_t SecondsKept = std::int64_t {7} * 24 * 3600; // since the last touch
-// Longer than a client takes from its first package to the submission, or to its next question what the farm has.
+constexpr std::int64_t SecondsKept = std::int64_t {7} * 24 * 3600; // seconds since the last request for it
+// Longer than a client takes from its first package to the submission, or to its next query for known contents.
 constexpr std::int64_t SecondsOfSubmission = std::int64_t {24} * 3600;
 // A scene has up to 4000 files, each of which may arrive in its own package.
 constexpr int MostUnfinished = 10000;
@@ -87,7 +89,8 @@ UploadStore::UploadStore(Database& database, ContentStore& contents, const QStri
     , m_reserve(std::move(reserve))
 {
     if (!QDir().mkpath(folder))
-        throw std::runtime_error("cannot create the folder of the uploads");
+        throw std::runtime_error("cannot create the folder of the uploads, " + folder.toStdString() + ": "
+            + std::strerror(storage::FolderError(folder)));
     storage::SyncToDisk(QFileInfo(folder).path());
     RemoveStrayFiles();
 }

@@ -4,11 +4,16 @@
 #include "farm/rendering/render_queue.h"
 #include "tests/farm/farm_fixture.h"
 
+#include <QElapsedTimer>
+#include <QScopeGuard>
+
+#include <future>
+
 using namespace farm;
 
 namespace {
 
-// Changes of the records of a job that was restarted, whose two frames are finished, and what the ledger says of it. Once, the
+// Changes to the records of a restarted job whose two frames are finished, and the ledger's message about each. Once, the
 // first frame was finished before.
 const std::tuple<const char*, const char*, const char*> Runs[] = {
     {"right", "", ""},
@@ -32,6 +37,46 @@ class AccountsTest : public QObject
 
 private slots:
     void init() { m_folder = std::make_unique<QTemporaryDir>(); }
+
+    void SubscribersWaitForTheirAccount()
+    {
+        ChangeFeed feed;
+        const auto wait = [&feed](std::int64_t account) {
+            return std::async(std::launch::async, [subscription = feed.Subscribe(account)] {
+                return subscription->Wait(std::chrono::hours(1));
+            });
+        };
+        const auto isReady = [](const auto& waiting) {
+            return waiting.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+        };
+        auto woken = wait(1);
+        auto told = wait(2);
+        auto ended = wait(3);
+        const auto end = qScopeGuard([&feed] { feed.Close(); });
+        feed.Wake(1);
+        EVENTUALLY(isReady(woken));
+        QVERIFY(woken.get()->IsEmpty());
+        feed.Announce(2, {{"7"_s}, true});
+        EVENTUALLY(isReady(told));
+        QCOMPARE(told.get()->jobs, QSet<QString> {"7"_s});
+        QVERIFY(!isReady(ended));
+        auto toldWithAll = wait(4);
+        feed.AnnounceToAll({{}, true});
+        EVENTUALLY(isReady(toldWithAll) && isReady(ended));
+        // Changes that follow each other are told together.
+        QElapsedTimer clock;
+        clock.start();
+        const auto busy = feed.Subscribe(5);
+        for (const QString& job : {"1"_s, "2"_s}) {
+            feed.Announce(5, {{job}});
+            QCOMPARE(busy->Wait(std::chrono::hours(1))->jobs, QSet<QString> {job});
+        }
+        QVERIFY(clock.elapsed() >= ChangeFeed::Gap.count());
+        ended = wait(3);
+        feed.Close();
+        EVENTUALLY(isReady(ended));
+        QVERIFY(!ended.get());
+    }
 
     void SignInNeedsNameAndPassword()
     {

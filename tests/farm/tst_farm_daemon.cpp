@@ -26,7 +26,7 @@ public:
     bool IsListening() { return Has("listening on http://127.0.0.1:"); }
 };
 
-/// A command, the line that it reads, its exit code and a part of what it writes.
+/// A command, the line that it reads, its exit code and a part of its output.
 struct Step
 {
     const char* command;
@@ -41,7 +41,7 @@ constexpr Step Steps[] = {
     {"account add Bob", "a good secret", 1, "\"Bob\" already"},
     {"account add eve --email bob", "a good secret", 1, "\"bob\" already"},
     {"account add eve", "too bad", 1, "8 to 1024"},
-    {"account add long-name", "Long-Name", 1, "no password"},
+    {"account add long-name", "Long-Name", 1, "account's name"},
     {"account add eve", "", 1, "password"},
     {"account list --csv", "", 0, "bob,bob,enabled,yes,0,1 GiB,0.5,0\r\n"},
     {"account priority bob 7", "", 0, ""},
@@ -211,15 +211,23 @@ private slots:
         }
     }
 
+    void NamesDataThatItCannotUse()
+    {
+        QVERIFY(WriteFile(Path("file"_s), "a file"));
+        const QByteArray folder = Refusal({}, Path("file/data"_s));
+        QVERIFY2(folder.contains("data folder " + Path("file/data: Not a directory"_s).toUtf8()), folder);
+        QVERIFY(Refusal({}, {}).contains("no name"));
+        QVERIFY(WriteFile(Path("farm.sqlite"_s), "a text that is not a database"));
+        for (const QStringList& command : {QStringList {}, {"account"_s, "list"_s}}) {
+            const QByteArray database = Refusal(command, m_folder->path());
+            QVERIFY2(database.contains(Path("farm.sqlite: the database is damaged"_s).toUtf8()), database);
+        }
+    }
+
     void RefusesToBeReachedUnsafely()
     {
-        const auto refusal = [this](const QStringList& options) {
-            QProcess process;
-            process.start(QStringLiteral(FARM_DAEMON), QStringList {"--data"_s, m_folder->path()} + options);
-            return process.waitForFinished(Patience) && process.exitCode() == 1
-                ? process.readAllStandardError()
-                : QByteArray("none");
-        };
+        const auto refusal
+            = [this](const QStringList& options) { return Refusal(options, m_folder->path()); };
         QVERIFY(refusal({"--bind"_s, "0.0.0.0"_s, "--no-demo"_s}).contains("--behind-proxy"));
         QVERIFY(refusal({"--behind-proxy"_s, "127.0.0.1"_s}).contains("--no-demo"));
         const QStringList behindProxy {"--behind-proxy"_s, "127.0.0.1,::1"_s};
@@ -241,7 +249,7 @@ private slots:
             process.waitForFinished(Patience);
             return QByteArray::number(process.exitCode()) + ' ' + process.readAllStandardError();
         };
-        const FarmData database(m_folder->path()); // "account list" wants one
+        const FarmData database(m_folder->path()); // "account list" requires it
         const QByteArray data = "data = '" + m_folder->path().toUtf8() + "'\n";
         QCOMPARE(run(data + "price = 0.25\nbehind-proxy = ['::1', '10.0.0.9']\nno-demo = true\nport = 0\n"),
             QByteArray("0 "));
@@ -314,6 +322,14 @@ private slots:
 
 private:
     QString Path(const QString& name) const { return m_folder->filePath(name); }
+    /// The reason for which the program does not run; "none" if it does.
+    static QByteArray Refusal(const QStringList& options, const QString& folder)
+    {
+        QProcess process;
+        process.start(QStringLiteral(FARM_DAEMON), QStringList {"--data"_s, folder} + options);
+        return process.waitForFinished(Patience) && process.exitCode() == 1 ? process.readAllStandardError()
+                                                                            : QByteArray("none");
+    }
     static int Run(const QStringList& options)
     {
         return QProcess::execute(QStringLiteral(FARM_DAEMON), options);

@@ -108,8 +108,9 @@ private slots:
         QCOMPARE(m_farm->data.Count("SELECT files FROM jobs WHERE status = 5"), 0);
         QCOMPARE(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 2);
         QVERIFY(QFile::exists(folder + "/%1/runs/j1/half.png"_s.arg(open)));
-        QVERIFY(!QFile::exists(folder + "/%1/runs"_s.arg(paused)));
-        QVERIFY(QFile::exists(folder + "/%1/frame_0001.png"_s.arg(paused)));
+        QVERIFY(QFile::exists(folder + "/%1/scene/maps"_s.arg(open)));
+        QCOMPARE(QDir(folder + u'/' + paused).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+            QStringList {"frame_0001.png"_s});
         QVERIFY(!QFile::exists(folder + u'/' + deleted));
         // A run that began just before the deletion has made the folder again.
         QVERIFY(QDir().mkpath(folder + u'/' + deleted));
@@ -185,7 +186,7 @@ private slots:
         m_farm->data.Change("UPDATE contents SET used_at = used_at - 90000");
         const QString upload = m_farm->BeginUpload(package).Data("id").toString();
         QCOMPARE(m_farm->Unpack(upload).status, 200);
-        // An upload that is not wanted any more frees what it was announced with.
+        // Deleting an upload frees its announced size.
         const QByteArray large(39'000, 'x');
         const QString unwanted = m_farm->BeginUpload(large).Data("id").toString();
         QCOMPARE(m_farm->BeginUpload(QByteArray(39'000, 'y')).status, 507);
@@ -291,6 +292,7 @@ private:
         const QString folder = m_farm->Path("jobs/"_s + id);
         m_farm->data.Change("UPDATE jobs SET files = 2");
         QDir().mkpath(folder + "/runs/j1"_s);
+        QDir().mkpath(folder + "/scene/maps"_s);
         WriteFile(folder + "/runs/j1/half.png"_s, "half");
         WriteFile(folder + "/frame_0001.png"_s, "whole");
         return id;

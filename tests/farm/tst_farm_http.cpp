@@ -233,7 +233,7 @@ private slots:
         QVERIFY(WriteFile(folder + "/frame_0001.txt"_s, "all of it"));
         QVERIFY(QFile::link("/etc/hostname"_s, folder + "/frame_0002.txt"_s));
         const QString own = "/jobs/%1/frames/%2/full-log"_s;
-        // While the job has been restarted and has not begun again.
+        // The job has been restarted and has not begun again.
         m_farm.data.Change("UPDATE jobs SET run = 2");
         QVERIFY(WriteFile(m_farm.Path("jobs/%1/run"_s.arg(m_id)), "1"));
         QCOMPARE(m_farm.Get(own.arg(m_id, "1"_s)).status, 404);
@@ -286,11 +286,7 @@ private slots:
         QCOMPARE(farm.Send("DELETE", "/session"_s).status, 200);
         EVENTUALLY(bob->state() == QTcpSocket::UnconnectedState);
         QCOMPARE(ann->state(), QTcpSocket::ConnectedState);
-        constexpr int Heartbeat = 25000; // ms
-        QElapsedTimer clock;
-        clock.start();
         farm.End();
-        QVERIFY(clock.elapsed() < Heartbeat / 2);
         EVENTUALLY(ann->state() == QTcpSocket::UnconnectedState);
     }
 

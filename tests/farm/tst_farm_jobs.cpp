@@ -50,6 +50,7 @@ const Search Searches[] = {
     {"number", R"({"job_increasement":"3"})", "3 of 1"},
     {"after an end", R"({"end_min_time":"2026-03-03 10:30:01"})", "6 of 1"},
     {"last page, not full", "", "1 of 5", 3, 2},
+    {"page among ids", R"({"job_guid":"ID1,ID3,ID5"})", "3 of 3", 2, 1},
 };
 
 const QString ManyJobs = QStringLiteral(R"(

@@ -2,6 +2,7 @@
 #include "farm/rendering/job_pauses.h"
 #include "farm/rendering/job_workers.h"
 #include "farm/rendering/render_queue.h"
+#include "farm/rendering/work_load.h"
 #include "tests/farm/farm_fixture.h"
 
 #include <cmath>
@@ -132,6 +133,27 @@ private slots:
         QCOMPARE(Taken(), "1.1 2.1 2.5"_s);
     }
 
+    // A restarted farm knows frames in work by their keys only, and may hear of a start before that.
+    void CountsTheFramesInWork()
+    {
+        AddJobs("a:0:3 b:0:3");
+        const auto ann = m_data->Count("SELECT account FROM jobs WHERE key = 1");
+        const auto bob = m_data->Count("SELECT account FROM jobs WHERE key = 2");
+        WorkLoad load;
+        const auto counts = [&](const std::set<FrameKey>& taken) {
+            m_data->database.Read([&](SQLite::Database& connection) { load.Update(connection, taken); });
+            return QVector<double> {double(load.FramesOfType("povray"_s)), double(load.FramesOf(ann)),
+                load.SecondsOf(ann, 130), double(load.FramesOf(bob)), load.SecondsOf(bob, 130)};
+        };
+        load.Add({1, 1}, ann, "povray"_s);
+        load.NoteStart({1, 1}, 90);
+        load.NoteStart({2, 1}, 100);
+        QCOMPARE(counts({{1, 1}, {2, 1}, {2, 2}}), (QVector<double> {3, 1, 40, 2, 30}));
+        load.NoteStart({2, 2}, 120);
+        QCOMPARE(counts({{2, 1}, {2, 2}}), (QVector<double> {2, 0, 0, 2, 40}));
+        QCOMPARE(counts({{2, 2}}), (QVector<double> {1, 0, 0, 1, 10}));
+    }
+
     void AFailedFrameIsTriedAgainLaterAndThenPassedBy()
     {
         AddJobs("a:0:3");
@@ -153,7 +175,7 @@ private slots:
         }
         QCOMPARE(Only().status, int(JobStatus::Failed));
         QCOMPARE(Only().message, "1 of 3 frames failed. Frame 1: no sail of 190"_s);
-        // Recovering renders only what is missing. The farm's own faults cost no attempt.
+        // Recovering renders only the missing frames. The farm's own faults cost no attempt.
         JobActions(m_data->database, m_data->feed, m_data->terms, [] {
         }).Apply(JobAction::Recover, m_data->account, {Only().id}, 200);
         for (int now = 200; now < 700; now += 100) {
@@ -350,7 +372,7 @@ private:
         }
     }
 
-    /// The frames in work once there is no further one to render.
+    /// Chooses frames until none is left; returns the frames in work.
     QString Taken()
     {
         RenderQueue queue = Queue();

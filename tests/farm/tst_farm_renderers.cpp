@@ -1,3 +1,5 @@
+#include "farm/rendering/frame_progress.h"
+#include "farm/rendering/job_types.h"
 #include "farm/rendering/render_process.h"
 #include "farm/runner/confinement.h"
 #include "farm/runner/hidden_paths.h"
@@ -84,7 +86,7 @@ const std::tuple<const char*, const char*> Parents[] = {
     {"does not wait", "$SIG{CHLD} = \"IGNORE\""},
 };
 
-// Where the earlier farm has left the picture of a run that is done.
+// The places where an earlier farm process may have left the picture of a finished run.
 const std::tuple<const char*, const char*, bool> Remains[] = {
     {"done", "/runs/j1-r1-f1-x/output/frame_0001.txt", false},
     {"not done", "", true},
@@ -112,7 +114,7 @@ const Mounted Mounts[] = {
 
 } // namespace
 
-/// Renderers that take more than is theirs.
+/// Renderers that use more than their limits allow.
 class RenderersTest : public QObject
 {
     Q_OBJECT
@@ -162,7 +164,7 @@ private slots:
         QCOMPARE(ReadFile(m_farm->Path("jobs/%1/frame_0001.txt"_s.arg(id))), QByteArray("a licence"));
     }
 
-    // At its end, the farm does not wait for them for ever.
+    // When it shuts down, the farm does not wait for them for ever.
     void ReportNothingOnceTheirWatcherIsGone()
     {
         const QTemporaryDir folder;
@@ -260,6 +262,18 @@ private slots:
         QVERIFY(milliseconds("1") > 100);
     }
 
+    void ReportTheirProgress_data() { AddRows(Reports); }
+    void ReportTheirProgress()
+    {
+        const auto& [name, type, log, percent] = Row(Reports);
+        const QString path = m_farm->Path("log"_s);
+        QVERIFY(WriteFile(path, QByteArray(5000, '.') + log));
+        const auto found = FrameProgress {path,
+            ReadJobTypes(QStringLiteral(FARM_JOB_TYPES)).value(QLatin1String(type)).progress}
+                               .Percent();
+        QCOMPARE(found.value_or(-1), percent);
+    }
+
     void AreChargedOnceForTheirChildren_data() { AddRows(Parents); }
     void AreChargedOnceForTheirChildren()
     {
@@ -293,6 +307,15 @@ private slots:
     }
 
 private:
+    static constexpr std::tuple<const char*, const char*, const char*, int> Reports[] = {
+        {"Blender", "blender", "| Scene, ViewLayer | Sample 1/128\n| Sample 32/128\n", 25},
+        {"tiles", "blender", "| Rendered 1/4 Tiles, Sample 64/128\n", 37},
+        {"the last sample", "blender", "| Sample 49/49\n", 100},
+        {"nothing begun", "blender", "| Rendered 0/0 Tiles, Sample 0/128\n| Updating Lights", 0},
+        {"POV-Ray", "povray", "Rendered 512 of 1024 pixels (50%)\rRendered 576 of 1024 pixels (56%)\r", 56},
+        {"no report", "povray", "POV-Ray finished\n", -1},
+        {"a type without reports", "maya", "Sample 32/128\n", -1},
+    };
     static constexpr std::tuple<const char*> Ends[] = {"by itself", "with the job", "with the farm"};
 
     std::unique_ptr<FarmAtWork> m_farm;

@@ -34,14 +34,14 @@ const auto& Failures()
         {"picture of an earlier attempt", "[ $(wc -l < ../../log) -gt 1 ] || { echo x > {output}; exit 3; }",
             NoPicture},
         {"endless", "sleep 600", "the renderer exceeded its time limit"_s},
-        // Of much output the last 400 bytes are kept, without the line that is incomplete.
+        // Much output: the last 400 bytes are kept, without the incomplete first line.
         {"much output", "echo early; printf '%0395d\\n' 0; exit 3",
             "the renderer ended with code 3\n"_s + QString(395, QLatin1Char('0'))},
     };
     return rows;
 }
 
-// An action, whether it is done to prerender jobs, the statuses to which it takes jobs in status 0 to 9, and the progress
+// An action, whether the jobs are prerender jobs, the statuses that it gives to jobs in status 0 to 9, and the progress
 // of a job whose first frame of five was finished.
 const std::tuple<const char*, bool, const char*, int> Transitions[] = {
     {"stop", false, "2222452789", 20},
@@ -84,7 +84,7 @@ private slots:
         QCOMPARE(ReadFile(folder + "/frame_0001.txt"_s), QByteArray("the farm's scene 1/4 0.000000 64x36\n"));
         QCOMPARE(ReadFile(folder + "/frame_0004.txt"_s), QByteArray("the farm's scene 4/4 0.750000 64x36\n"));
         // The frames, the link to the scene and the mark of the run.
-        QCOMPARE(QDir(folder).entryList(QDir::Files).size(), 6);
+        QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::System).size(), 6);
     }
 
     void ChargesAFrameOnce()
@@ -145,11 +145,13 @@ private slots:
         m_farm->settings.pricePerCoreSecond = 10'000'000;
         const QString path = "/jobs/%1/frames"_s.arg(m_farm->Add(3));
         m_farm->Start(
-            ScriptedTypes("printf 'half\\rall\\n'; i=0; while [ $i -lt 30000 ]; do i=$((i+1)); done; "
+            ScriptedTypes("printf 'step 1 of 4\\rall\\n'; i=0; while [ $i -lt 30000 ]; do i=$((i+1)); done; "
                           "[ {frame} -eq 2 ] || { cp {scene} {output}; exit; }; "
-                          "while [ ! -e ../../gate ]; do sleep 0.01; done; exit 3"));
+                          "while [ ! -e ../../gate ]; do sleep 0.01; done; exit 3")
+                .replace("\"confined\"", "\"progress\": \"step (.) of (.)\", \"confined\""));
         EVENTUALLY_COMPARE(m_farm->data.Only().progress, 33);
         EVENTUALLY_COMPARE(m_farm->Get(path).Data("rendering")[0][0].toInt(), 2);
+        EVENTUALLY_COMPARE(m_farm->Get(path).Data("rendering")[0][3], QJsonValue(25));
         const Reply first = m_farm->Get(path);
         const int cost = int(m_farm->data.Only().cost);
         QVERIFY(cost > 0);
@@ -209,6 +211,8 @@ private slots:
                  R"({"a":{"program":"sh","suffix":"png","frame_time_limit":0}})",
                  R"({"a":{"program":"sh","suffix":"png","frame_time_limit":10000000000}})",
                  R"({"a":{"program":"sh","suffix":"png","cores":4294967297}})",
+                 R"({"a":{"program":"sh","suffix":"png","progress":"(.) "}})",
+                 R"({"a":{"program":"sh","suffix":"png","progress":"+"}})",
                  R"({"a":{"program":"sh","suffix":"png","slurm":{"queue":"night"}}})",
                  R"({"a":{"program":"sh","suffix":"png","slurm":{"frames_per_task":0}}})"})
             QVERIFY_EXCEPTION_THROWN(m_farm->Start(types), std::runtime_error);
@@ -218,12 +222,16 @@ private slots:
     void ARendererGetsALowPriorityAndLittleOfTheEnvironment()
     {
         qputenv("FARM_SECRET", "x");
+        const QByteArray searchPath = qgetenv("PATH");
+        const auto restore = qScopeGuard([&searchPath] { qputenv("PATH", searchPath); });
+        // The renderer cannot read the farm's folder.
+        qputenv("PATH", m_farm->Path("."_s).toLocal8Bit() + ":/usr/bin:/bin");
         const QString folder = m_farm->Path("jobs/"_s + m_farm->Add(1));
         m_farm->Start(
             ScriptedTypes("(env; nice) > {output}").replace("\"confined\": false", "\"confined\": true"));
         EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
         const QList<QByteArray> lines = ReadFile(folder + "/frame_0001.txt"_s).split('\n');
-        QVERIFY(lines.contains("PATH=" + qgetenv("PATH")));
+        QVERIFY(lines.contains("PATH=/usr/bin:/bin"));
         QVERIFY(lines.contains("10"));
         const auto folderIn = [&lines, &folder](const QByteArray& variable) {
             const QByteArray start = variable + '=' + folder.toUtf8() + "/runs/";

@@ -182,7 +182,7 @@ private slots:
         QVERIFY(QTest::qWaitFor(
             [&attempts] {
                 attempts += TakeDiskCalls().count("sync scene.txt"_s);
-                return attempts > 5; // a frame has three
+                return attempts > 5; // a frame has three attempts
             },
             Patience));
         QCOMPARE(farm.Status(job), JobStatus::Running);
@@ -310,22 +310,21 @@ private slots:
     {
         Database database(Path("farm.sqlite"_s), farm::Schema());
         AccountStore accounts(database, 3600);
-        ProjectStore projects(database);
         JobStore jobs(database);
         const auto total = [&](const QString& name) {
-            ProvideDemo(database, accounts, projects, jobs, 2'000'000'000);
+            ProvideDemo(database, accounts, jobs, 2'000'000'000);
             return jobs.List(accounts.Find(name).value(), {}, 1, 1).total;
         };
         const std::int64_t demo = total("demo"_s);
         const std::int64_t arrears = total("arrears"_s);
         QCOMPARE(total("demo"_s), demo);
-        database.Write([](SQLite::Database& connection) {
-            connection.exec("UPDATE jobs SET status = 4 WHERE status <> 5");
-        });
+        database.Write([](auto& db) { return db.exec("UPDATE jobs SET status = 4 WHERE status <> 5"); });
         QVERIFY(!jobs.HasOpenJobs(accounts.Find("demo"_s).value()));
         QCOMPARE(total("demo"_s), demo);
         QVERIFY(jobs.HasOpenJobs(accounts.Find("demo"_s).value()));
         QCOMPARE(total("arrears"_s), arrears);
+        QVERIFY(database.Read(
+            [](auto& db) { return db.execAndGet("SELECT min(who) <> '' FROM audit").getInt(); }));
     }
 
     // The older farm has a prerender job of five frames, the first of which is finished.

@@ -196,7 +196,7 @@ private slots:
             "WHERE i < 9999) INSERT INTO uploads SELECT i, 1, i, 0, 9e9, NULL FROM n");
         QCOMPARE(m_farm->BeginUpload("y").status, 200);
         QCOMPARE(m_farm->BeginUpload("z").status, 507);
-        // Exactly the quota is allowed, for a package and for what is in it.
+        // Exactly the quota is allowed, for a package and for its contents.
         m_farm->data.Change("DELETE FROM uploads; DELETE FROM contents");
         QCOMPARE(m_farm->BeginUpload(QByteArray(SmallQuota, 'x')).status, 200);
         m_farm->data.Change("DELETE FROM uploads");
@@ -209,20 +209,23 @@ private slots:
         QJsonObject body = SubmissionOf(PlainFiles);
         QCOMPARE(Submit(body).status, 409);
         const QString id = Rendered(PlainFiles, body);
-        m_farm->Start(ScriptedTypes(NotingScript));
+        m_farm->Start(ScriptedTypes("while [ ! -e ../../gate ]; do sleep 0.01; done; cp {scene} {output}"));
         QCOMPARE(Submit(body).body["data"_s], QJsonValue({{"job_id"_s, id}, {"job_increasement"_s, "1"_s}}));
         const QString leaf = m_farm->Path("jobs/%1/scene/maps/leaf.txt"_s);
-        QCOMPARE(ReadFile(leaf.arg(id)), QByteArray("a leaf"));
-        // A renderer that changes its copy of the scene does not change the contents.
-        QVERIFY(WriteFile(leaf.arg(id), "a lens"));
+        EVENTUALLY(!QFile::exists(leaf.arg(id)));
         m_farm->data.SetBalance(0);
         body.insert("submission"_s, "second"_s);
+        const auto news = m_farm->Listen();
         const QString second = Submit(body).Data("job_id").toString();
+        EVENTUALLY(news->peek(10000).contains(second.toLatin1()));
         QCOMPARE(m_farm->Status(), JobStatus::Arrears);
         m_farm->data.SetBalance(1'000'000);
         m_farm->Apply("recover"_s, {second});
+        EVENTUALLY_COMPARE(ReadFile(leaf.arg(second)), QByteArray("a leaf"));
+        // A renderer that changes its copy of the scene does not change the contents.
+        QVERIFY(WriteFile(leaf.arg(second), "a lens") && m_farm->OpenGate());
         EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
-        QCOMPARE(ReadFile(leaf.arg(second)), QByteArray("a leaf"));
+        QCOMPARE(ReadFile(ContentFile()), QByteArray("a leaf"));
     }
 
     void ADamagedContentFailsTheJobAndIsSentAgain()

@@ -116,9 +116,10 @@ class Farm:
 
     def job_types(self):
         # Frames take longer than the test.
-        script = "sleep 3600"
+        script = "echo step 1 of 4; sleep 3600"
         file = pathlib.Path(self.folder) / "types.json"
-        file.write_text(json.dumps({"povray": {"program": "/bin/sh", "arguments": ["-c", script], "suffix": "png"}}))
+        file.write_text(json.dumps({"povray": {"program": "/bin/sh", "arguments": ["-c", script], "suffix": "png",
+                                         "progress": "step ([0-9]+) of ([0-9]+)"}}))
         return str(file)
 
     def change(self, sql, *values):
@@ -162,6 +163,7 @@ def test(browser, farm, pictures, scheme):
     browser.wait("the overview", lambda: "demo" in browser.text("#queues"))
     browser.wait("the failure", lambda: "onerror" in browser.text("#failures"))
     check(browser.run("return document.title") == "QuillStar farm", "texts are no markup")
+    browser.wait("the progress of a frame", lambda: "25 %" in browser.text("#working"))
     check("are free" in browser.text("#disk-text"), "the disk")
     check(not browser.run(CONTRAST), "enough contrast: " + str(browser.run(CONTRAST)))
     if pictures:

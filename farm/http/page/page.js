@@ -108,7 +108,8 @@ function show(overview) {
   fill(byId("hindrances"), overview.hindrances.map(({type, message}) => ({key: type, cells: [type, message]})));
   byId("hindrance-section").hidden = overview.hindrances.length === 0;
   fill(byId("working"), overview.working.map((frame) => ({key: frame.job + "/" + frame.frame,
-    cells: [frame.host, frame.account, frame.name, frame.frame, numeric(duration(frame.seconds))]})));
+    cells: [frame.host, frame.account, frame.name, frame.frame, numeric(duration(frame.seconds)),
+      numeric(frame.percent === null ? "" : frame.percent + " %")]})));
   fill(byId("failures"), overview.failures.map((failure) => ({key: failure.job + "/" + failure.frame,
     cells: [failure.time, failure.account, failure.name, failure.frame, failure.message, logButton(failure)]})));
   fill(byId("nodes"), overview.nodes.map((node) => ({key: node.host, cells: [node.host, node.frames]})));

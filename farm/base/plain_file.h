@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QFile>
+
+namespace farm {
+
+/// Opens a file for reading that a renderer may have replaced. Returns false for a link, a pipe and all else that is no file.
+bool OpenPlainFile(QFile& file, const QString& path);
+
+} // namespace farm

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+
+namespace farm {
+
+/// Serves few requests of an account at a time, so that an account with many connections does not hold the others up.
+/// Thread-safe.
+class AccountTurns
+{
+public:
+    /// Ends when the last copy goes.
+    using Turn = std::shared_ptr<const void>;
+
+    /// @param atOnce is the most turns of an account at a time, and `waiting` the most requests of it that wait for one.
+    AccountTurns(int atOnce, int waiting);
+
+    /// Waits until the account has a turn left. Returns null at once when too many requests of it wait already.
+    Turn Take(std::int64_t account);
+
+private:
+    struct Line
+    {
+        int served = 0;
+        int waiting = 0;
+        std::condition_variable moves;
+    };
+
+    void End(std::int64_t account);
+
+    const int m_atOnce;
+    const int m_mostWaiting;
+    std::mutex m_mutex;
+    std::map<std::int64_t, Line> m_lines;
+};
+
+} // namespace farm
