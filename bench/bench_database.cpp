@@ -1,4 +1,4 @@
-// Measures lists and actions of an account with few and with very many jobs, through HTTP. Both must take about as long.
+// Measures lists and actions of an account with few and with very many jobs, through HTTP. Both should cost the same.
 #include "bench/farm_history.h"
 #include "farm/base/local_time.h"
 #include "farm/farm.h"
@@ -20,7 +20,6 @@
 #include <atomic>
 #include <cmath>
 #include <cstdio>
-#include <map>
 #include <random>
 #include <thread>
 

@@ -141,9 +141,10 @@ public:
             const QStringList ids = m_submissions.Ids();
             return ids.size() > before ? m_submissions.Task(ids.constLast()) : nullptr;
         };
-        QTest::qWaitFor([&] { return task() && (task()->isDone || !task()->IsRunnable()); }, LongestWait);
-        if (!task() || !task()->isDone)
-            qFatal("the scene was not submitted: %s", task() ? qPrintable(task()->message) : "no task");
+        const auto hasEnded = [&] { return task() && (task()->isDone || !task()->IsRunnable()); };
+        if (!QTest::qWaitFor(hasEnded, LongestWait) || !task()->isDone)
+            qFatal(
+                "the scene was not submitted: %s", task() ? qPrintable(task()->message.Text()) : "no task");
         return Seconds(clock);
     }
 
@@ -170,8 +171,8 @@ public:
                 && tasks.last().toMap().value("status"_s).toInt() == int(DownloadState::Finished);
         };
         const int before = m_downloads.Tasks()->size();
-        QTest::qWaitFor([&] { return m_downloads.Tasks()->size() > before && isFinished(); }, LongestWait);
-        if (!isFinished())
+        if (!QTest::qWaitFor(
+                [&] { return m_downloads.Tasks()->size() > before && isFinished(); }, LongestWait))
             qFatal("the frame was not downloaded");
         return Seconds(clock);
     }

@@ -4,7 +4,6 @@
 #include <QProgressBar>
 #include <QTableWidget>
 #include <QUiLoader>
-#include <QVariantMap>
 
 #include <memory>
 

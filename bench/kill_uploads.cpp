@@ -196,7 +196,7 @@ private:
             const SubmitTask& task = *m_queue.Task(id);
             done += int(task.isDone);
             if (task.error != SubmitError::None)
-                qFatal("%s has halted: %s", qUtf8Printable(id), qUtf8Printable(task.message));
+                qFatal("%s has halted: %s", qUtf8Printable(id), qUtf8Printable(task.message.Text()));
         }
         if (done < m_scenes.size())
             return;

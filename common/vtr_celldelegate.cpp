@@ -1,6 +1,7 @@
 #include "common/vtr_celldelegate.h"
 
-#include <QEvent>
+#include "common/vtr_skin.h"
+
 #include <QImage>
 #include <QPainter>
 #include <QTextLayout>
@@ -88,15 +89,8 @@ bool VTCellDelegate::eventFilter(QObject* pObject, QEvent* pEvent)
 {
     if (pObject != m_pView)
         return QStyledItemDelegate::eventFilter(pObject, pEvent);
-    switch (pEvent->type()) {
-    case QEvent::StyleChange:
-    case QEvent::PaletteChange:
-    case QEvent::FontChange:
+    if (VTSkin::ChangesLook(*pEvent))
         m_mapAlike.clear();
-        break;
-    default:
-        break;
-    }
     return false;
 }
 
@@ -127,16 +121,21 @@ void VTCellDelegate::paint(
 bool VTCellDelegate::DrawsLikeStyle(
     const QStyleOptionViewItem& option, const QTextLayout& text, const QPointF& place) const
 {
-    const quint64 nKind
-        = quint64(option.state) | quint64(option.features) << 32 | quint64(option.viewItemPosition) << 48;
+    const quint64 nKind = quint64(option.state) | quint64(option.features) << 32
+        | quint64(option.viewItemPosition) << 48 | quint64(option.displayAlignment) << 52
+        | quint64(option.direction) << 62;
     const auto itKnown = m_mapAlike.constFind(nKind);
     if (itKnown != m_mapAlike.constEnd())
         return *itKnown;
-    const bool bAlike = PictureOf(option, [&](QPainter* pPainter) { Draw(pPainter, option); })
-        == PictureOf(option, [&](QPainter* pPainter) {
-               Draw(pPainter, WithoutText(option));
-               DrawText(pPainter, option, text, place);
-           });
-    m_mapAlike.insert(nKind, bAlike);
+    const QImage drawnByStyle = PictureOf(option, [&](QPainter* pPainter) { Draw(pPainter, option); });
+    const bool bAlike = drawnByStyle == PictureOf(option, [&](QPainter* pPainter) {
+        Draw(pPainter, WithoutText(option));
+        DrawText(pPainter, option, text, place);
+    });
+    // Blanks leave nothing to compare.
+    const QImage withoutText
+        = PictureOf(option, [&](QPainter* pPainter) { Draw(pPainter, WithoutText(option)); });
+    if (drawnByStyle != withoutText)
+        m_mapAlike.insert(nKind, bAlike);
     return bAlike;
 }

@@ -10,6 +10,9 @@ struct VTCodeTables
     static constexpr int JobWaiting = 0;
     static constexpr int JobRunning = 1;
     static constexpr int JobFinished = 4;
+    static constexpr int JobFailed = 7;
+
+    static constexpr int DownloadFinished = 2;
 
     QMap<int, QString> mapJobStatus;
     /// Style sheets of a progress bar by band (percent / 50).

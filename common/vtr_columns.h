@@ -5,6 +5,9 @@
 /// In every table: the item that has the row's check box and keeps the identifier of its job or task.
 inline constexpr int VTIdColumn = 0;
 
+/// In every table: the progress bar, a cell widget. The window keeps no data in an item there.
+inline constexpr int VTProgressColumn = 3;
+
 /// Every table has six columns.
 inline constexpr int VTColumnCount = 6;
 
@@ -14,8 +17,8 @@ enum {
     Sequence, ///< job id
     Name,     ///< job type
     StartTime,
-    Progress, ///< a bar, no item
-    Status,   ///< status code
+    Progress = VTProgressColumn,
+    Status, ///< status code
     Cost
 };
 }
@@ -26,7 +29,7 @@ enum {
     Name,      ///< task id
     StartTime, ///< whether the arguments were fetched (bool)
     Status,    ///< stage code
-    Progress,  ///< a bar, no item
+    Progress = VTProgressColumn,
     SceneFile, ///< the task's argument list
     Warn       ///< resource path of the icon shown
 };
@@ -38,7 +41,7 @@ enum {
     Name,   ///< download task id
     Source, ///< job id
     Dest,
-    Progress, ///< a bar, no item
+    Progress = VTProgressColumn,
     Status,   ///< state code
     StartTime ///< contract: always empty
 };

@@ -46,3 +46,9 @@ void VTDialogForm::Close() const
     if (m_pForm)
         m_pForm->close();
 }
+
+void VTDialogForm::CloseIfOpen() const
+{
+    if (m_pForm && m_pForm->isVisible())
+        m_pForm->close();
+}

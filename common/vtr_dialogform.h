@@ -28,6 +28,7 @@ public:
     /// The caller itself may have been deleted when this returns.
     void Exec() const;
     void Close() const;
+    void CloseIfOpen() const;
 
     template <typename Widget>
     Widget* Find(const QString& strName) const

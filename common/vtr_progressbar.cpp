@@ -1,6 +1,7 @@
 #include "common/vtr_progressbar.h"
 
-#include <QEvent>
+#include "common/vtr_skin.h"
+
 #include <QStyleOptionProgressBar>
 #include <QStylePainter>
 
@@ -43,7 +44,8 @@ VTBarPictures::VTBarPictures(QWidget* pParent)
 
 QPixmap VTBarPictures::Picture(QProgressBar& bar, const QStyleOptionProgressBar& option, int nScale)
 {
-    const Look look {option.progress, bar.size(), nScale, option.state, bar.styleSheet(), option.palette};
+    const Look look {option.progress, bar.size(), nScale, option.state, option.direction, bar.styleSheet(),
+        option.palette};
     const auto itKnown = m_mapPicture.constFind(look);
     if (itKnown != m_mapPicture.constEnd())
         return *itKnown;
@@ -52,7 +54,7 @@ QPixmap VTBarPictures::Picture(QProgressBar& bar, const QStyleOptionProgressBar&
     picture.fill(Qt::transparent);
     QStylePainter painter(&picture, &bar);
     QStyleOptionProgressBar silent = option;
-    silent.textVisible = false;
+    silent.text.clear();
     painter.drawControl(QStyle::CE_ProgressBar, silent);
     if (m_mapPicture.size() == PicturesKept)
         m_mapPicture.clear();
@@ -62,19 +64,13 @@ QPixmap VTBarPictures::Picture(QProgressBar& bar, const QStyleOptionProgressBar&
 bool VTBarPictures::Look::operator==(const Look& other) const
 {
     return nProgress == other.nProgress && size == other.size && nScale == other.nScale
-        && state == other.state && strSheet == other.strSheet && palette == other.palette;
+        && state == other.state && direction == other.direction && strSheet == other.strSheet
+        && palette == other.palette;
 }
 
 bool VTBarPictures::eventFilter(QObject* pParent, QEvent* pEvent)
 {
-    switch (pEvent->type()) {
-    case QEvent::StyleChange:
-    case QEvent::PaletteChange:
-    case QEvent::FontChange:
+    if (VTSkin::ChangesLook(*pEvent))
         m_mapPicture.clear();
-        break;
-    default:
-        break;
-    }
     return QObject::eventFilter(pParent, pEvent);
 }

@@ -43,6 +43,7 @@ private:
         QSize size;
         int nScale;
         QStyle::State state;
+        Qt::LayoutDirection direction;
         QString strSheet;
         QPalette palette;
 

@@ -5,9 +5,6 @@
 
 namespace {
 
-constexpr int KindNotice = 2;
-constexpr int KindQuestion = 4;
-
 const QString& FirstButton()
 {
     static const QString strName = QStringLiteral("btnMessageBox_1");
@@ -24,13 +21,15 @@ const QString& SecondButton()
 
 void VTPrompts::Notify(const QString& strText) const
 {
-    Show(KindNotice, tr("QuillStar Client"), QString(), strText, {{FirstButton(), tr("Ok")}}, true);
+    Show(VTMessagboxInterface::Notice, tr("QuillStar Client"), QString(), strText,
+        {{FirstButton(), tr("Ok")}}, true);
 }
 
 VTAnswer VTPrompts::Ask(const VTQuestion& question) const
 {
-    const QString strButton = Show(KindQuestion, question.strTitle, question.strText, question.strDetail,
-        {{FirstButton(), question.strRefusal}, {SecondButton(), question.strConsent}}, question.bFlag);
+    const QString strButton
+        = Show(VTMessagboxInterface::Question, question.strTitle, question.strText, question.strDetail,
+            {{FirstButton(), question.strRefusal}, {SecondButton(), question.strConsent}}, question.bFlag);
     if (strButton == SecondButton())
         return VTAnswer::Agreed;
     return strButton == FirstButton() ? VTAnswer::Refused : VTAnswer::None;
@@ -44,8 +43,8 @@ VTAnswer VTPrompts::AskToConfirm(const QString& strQuestion) const
 QString VTPrompts::Show(int nKind, const QString& strTitle, const QString& strText, const QString& strDetail,
     const QVariantHash& mapButtons, bool bFlag) const
 {
+    const QIcon icon = VTSkin::MainIcon(m_services.Skin()); // asks a service, which may take the others away
     if (!m_services.pMessageBox)
         return QString();
-    const QIcon icon = VTSkin::MainIcon(m_services.Skin());
     return m_services.pMessageBox->ShowMessage(nKind, strTitle, strText, icon, strDetail, mapButtons, bFlag);
 }

@@ -1,5 +1,6 @@
 #include "common/vtr_skin.h"
 
+#include <QEvent>
 #include <QFile>
 #include <QWidget>
 
@@ -56,6 +57,12 @@ void ApplyToForm(QWidget* pForm, const QString& strSkin, const QString& strKey)
 {
     pForm->setAutoFillBackground(true);
     ApplyStyleSheet(pForm, strSkin, strKey);
+}
+
+bool ChangesLook(const QEvent& event)
+{
+    return event.type() == QEvent::StyleChange || event.type() == QEvent::PaletteChange
+        || event.type() == QEvent::FontChange;
 }
 
 } // namespace VTSkin

@@ -3,6 +3,7 @@
 #include <QIcon>
 #include <QString>
 
+class QEvent;
 class QWidget;
 
 /// A skin is a resource folder: ":/<skin>/<key>.qss", ":/<skin>/<key>.ini", ":/<skin>/main.png" and others.
@@ -22,5 +23,8 @@ void ApplyStyleSheet(QWidget* pWidget, const QString& strSkin, const QString& st
 
 /// Fills the form's background and gives it the skin's style sheet.
 void ApplyToForm(QWidget* pForm, const QString& strSkin, const QString& strKey);
+
+/// @return whether a widget that gets this event may look different from then on, so that pictures of it are outdated.
+bool ChangesLook(const QEvent& event);
 
 } // namespace VTSkin

@@ -82,10 +82,9 @@ void Marks::Restore(QTableWidget* pTable) const
 void Marks::RestorePosition(QTableWidget* pTable) const
 {
     const int nRow = m_strCurrent.isEmpty() ? -1 : AllIds(pTable).indexOf(m_strCurrent);
-    if (nRow == pTable->currentRow())
-        return;
-    pTable->setCurrentCell(nRow, nRow < 0 ? -1 : m_nCurrentColumn);
-    // A new current cell is scrolled into view.
+    if (nRow != pTable->currentRow())
+        pTable->setCurrentCell(nRow, nRow < 0 ? -1 : m_nCurrentColumn);
+    // A new current cell is scrolled into view, as is one that a shrinking table has moved.
     pTable->horizontalScrollBar()->setValue(m_nScrollX);
     pTable->verticalScrollBar()->setValue(m_nScrollY);
 }

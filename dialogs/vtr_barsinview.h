@@ -16,9 +16,10 @@ public:
     /// Sets a row's percentage, which its bar will show.
     void SetProgress(int nRow, int nPercent);
 
-private:
+    /// To be called after rows were added; scrolling calls it by itself.
     void ShowBarsInView();
 
+private:
     QTableWidget* m_pTable;
     int m_nColumn;
     const VTCodeTables& m_codeTables;

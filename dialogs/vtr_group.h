@@ -39,6 +39,8 @@ public:
     /// Builds the two pages and the menu. To be called once, before anything else.
     void InitWidgets();
 
+    void EndSession() { m_inputForm.CloseIfOpen(); }
+
     /// Condition text of the current project, from the file as it is now.
     QString CurrentProjectCondition();
 

@@ -1,6 +1,7 @@
 #include "dialogs/vtr_jobdependencies.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -22,7 +23,15 @@ VTParentJob VTParentJob::FromEntry(const QString& strEntry)
 void VTJobDependencies::Open(const QString& strPath)
 {
     m_file = VTListFile(strPath, QStringLiteral("parent"), VTListFile::Names::Plain);
+    m_leftFile = VTListFile();
     Requeue();
+}
+
+void VTJobDependencies::Close()
+{
+    // Entries that could not be written live as long as the file is kept, so that the account's next session finds them.
+    m_leftFile = std::exchange(m_file, {});
+    m_lstQueue.clear();
 }
 
 bool VTJobDependencies::Record(const QStringList& lstSon, const QStringList& lstParentEntry)
@@ -61,6 +70,12 @@ QStringList VTJobDependencies::Finish(const QString& strJobId)
             lstKey.append(group.strName);
     }
     return lstKey;
+}
+
+bool VTJobDependencies::IsReady(const QString& strKey) const
+{
+    const QStringList lstEntry = m_file.Value(strKey);
+    return !lstEntry.isEmpty() && AllFinished(lstEntry);
 }
 
 bool VTJobDependencies::AllFinished(const QStringList& lstParentEntry) const

@@ -13,7 +13,7 @@ struct VTParentJob
     QString strId;
     QString strType;
 
-    // Its form in the file: "id&type". A missing type reads as empty.
+    // An entry is stored as "id&type"; a missing type reads as empty.
     QString Entry() const;
     static VTParentJob FromEntry(const QString& strEntry);
 };
@@ -28,6 +28,9 @@ public:
     /// Switches to an account's file and queues all its son groups.
     void Open(const QString& strPath);
     QString Path() const { return m_file.Path(); }
+
+    /// Leaves the account's file. Finished parents stay known.
+    void Close();
 
     /// Makes a son group wait for the jobs of the entries and queues it.
     /// @return whether it was saved. If not, it holds until the client quits.
@@ -45,6 +48,9 @@ public:
     /// @return the keys of the son groups that wait for it and whose other parents have finished too.
     QStringList Finish(const QString& strJobId);
 
+    /// @return whether a son group is in the file and all its parents have finished.
+    bool IsReady(const QString& strKey) const;
+
     /// Removes a son group from the file. @return whether the file was saved.
     bool Release(const QString& strKey) const { return m_file.Remove(strKey); }
 
@@ -54,6 +60,7 @@ private:
     bool AllFinished(const QStringList& lstParentEntry) const;
 
     VTListFile m_file;
+    VTListFile m_leftFile; ///< the last session's file, until the next session begins
     QStringList m_lstQueue;
     QSet<QString> m_setFinished;
 };

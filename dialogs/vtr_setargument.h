@@ -36,6 +36,8 @@ public:
     /// Finds the form's widgets and connects them. To be called once, before anything else.
     void InitWidgets();
 
+    void EndSession() { m_form.CloseIfOpen(); }
+
 signals:
     /// The user has confirmed a task's arguments, one map per group.
     void setArgument(QString strId, QVariantList lstData);

@@ -53,16 +53,16 @@ VTSetParent::VTSetParent(QWidget* pForm, QTableWidget* pJobTable, QMap<int, QStr
 void VTSetParent::Retire()
 {
     m_pServices = nullptr;
-    m_pPollTimer->stop();
     EndSession();
-    // Late answers must not remove anything from the file, since nobody would recover the jobs.
-    m_jobDependencies = VTJobDependencies();
 }
 
 void VTSetParent::EndSession()
 {
     ++m_nFill;
     ++m_nSession;
+    m_pPollTimer->stop();
+    // Late answers must not remove anything from the file, since nobody would recover the jobs.
+    m_jobDependencies.Close();
     if (!IsBound())
         return;
     m_form.Form()->setProperty(SonsProperty, QVariant());
@@ -113,9 +113,11 @@ void VTSetParent::SetJobParent()
         VTTableRows::Clear(m_pCandidates);
     const QPointer<VTSetParent> pSelf(this);
     const int nSession = m_nSession;
+    const int nOpening = ++m_nOpening;
     emit getJobList(FirstPage, QString(), ListForParents);
-    // An answer that came at once has processed events, so the session may have ended meanwhile.
-    if (pSelf && nSession == m_nSession)
+    // An answer that came at once has processed events, so the session may have ended, or the dialog may have been opened
+    // again, meanwhile.
+    if (pSelf && nSession == m_nSession && nOpening == m_nOpening)
         m_form.Exec();
 }
 
@@ -189,6 +191,7 @@ void VTSetParent::AppendCandidates(const QVector<VTJobRecord>& lstJob)
     m_pCandidates->setRowCount(nRow + lstJob.size());
     for (const VTJobRecord& job : lstJob)
         WriteCandidate(nRow++, job);
+    m_pBars->ShowBarsInView();
 }
 
 void VTSetParent::WriteCandidate(int nRow, const VTJobRecord& job)
@@ -261,6 +264,9 @@ void VTSetParent::TriggerJobInfoResponse(int nRet, QVariantMap mapData)
     const int nSession = m_nSession;
     const QStringList lstKey = m_jobDependencies.Finish(strJobId);
     for (const QString& strKey : lstKey) {
+        // Another answer may have come from inside the last request.
+        if (!m_jobDependencies.IsReady(strKey))
+            continue;
         if (!m_jobDependencies.Release(strKey))
             ReportUnsaved(false);
         emit recoverJobs(JobsRequest(VTJobDependencies::Sons(strKey)));

@@ -94,5 +94,6 @@ private:
     QString m_strToken;
     QString m_strUserId;
     int m_nFill = 0;
+    int m_nOpening = 0;
     int m_nSession = 0; ///< changes when a session begins or ends
 };

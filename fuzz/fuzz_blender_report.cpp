@@ -10,7 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QString folder = QFileInfo(scene).path();
     const QByteArray report = Bytes(data, size).replace('@', folder.toUtf8());
     const SceneAnalysis analysis = AnalyseBlenderScene(scene, report, {});
-    if (analysis.error.isEmpty())
+    if (analysis.error.IsEmpty())
         project.RequireValid(analysis);
     return 0;
 }

@@ -23,7 +23,7 @@ public:
     /// Checks the rules that the farm and the user rely on.
     void RequireValid(const SceneAnalysis& analysis) const
     {
-        Require(analysis.error.isEmpty(), "the scene can be read");
+        Require(analysis.error.IsEmpty(), "the scene can be read");
         Require(analysis.scene == analysis.files.constFirst().path, "the scene is the first file");
         QSet<QString> paths;
         for (const SceneFile& file : analysis.files) {

@@ -16,8 +16,12 @@ class VTMessagboxInterface : public QObject, public VTBaseInterface
 public:
     using QObject::QObject;
 
+    // The kinds of messages, for `nKind`.
+    static constexpr int Notice = 2;
+    static constexpr int Question = 4;
+
     /// Shows a message and waits until it is closed. All texts are plain text, never markup.
-    /// @param nKind 2 for notices, 4 for questions.
+    /// @param nKind `Notice` or `Question`.
     /// @param mapButtons object name ("btnMessageBox_1", "btnMessageBox_2") to translated caption.
     /// @param bFlag true when the detail is a list or notice of its own, false when it is the question itself.
     /// @return object name of the button that was pressed; empty if the box was closed in another way.

@@ -42,6 +42,7 @@ VTAppearance::VTAppearance(const Dependencies& dependencies)
 void VTAppearance::ChangeSkin(const QString& strSkin) const
 {
     VTSkin::ApplyToForm(m_deps.form.pForm, strSkin, VTIds::Client);
+    m_deps.form.pForm->setWindowIcon(VTSkin::MainIcon(strSkin));
     if (m_deps.services.pUiLoader)
         m_deps.services.pUiLoader->LoadSkinSettings(VTSkin::LayoutFile(strSkin, VTIds::Client));
     VTSkin::ApplyStyleSheet(m_deps.pWindow, strSkin, VTIds::Menu);

@@ -15,7 +15,7 @@
 
 namespace {
 
-/// Time after which a maximised or restored form is sure to have its new size.
+/// Time after which a maximised or restored form certainly has its new size.
 constexpr int NewSizeDelay = 100; // ms
 
 } // namespace
@@ -39,8 +39,8 @@ void VTChrome::ShowOnRequest(const QString& strKey) const
 {
     if (strKey != VTIds::Client)
         return;
-    VTShowForm(m_form.pForm);
-    m_form.pForm->activateWindow();
+    if (VTShowForm(m_form.pForm))
+        m_form.pForm->activateWindow();
 }
 
 void VTChrome::Maximize()

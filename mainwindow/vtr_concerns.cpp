@@ -42,7 +42,7 @@ VTConcerns::VTConcerns(
     , lackedTextures(
           VTTaskQuestions::Subject::MissingTextures, services, session, prompts, timers.pLackTexture)
     , signIn({form, services, timers, requests, session, settings, accountPanel, pageBar, jobList, menus,
-          tray, uploadRetries, lackedTextures, *pSearch, *pSetParent})
+          tray, uploadRetries, lackedTextures, *pSearch, *pSetParent, *pSetArgument, *pGroup})
 {
     pSetArgument->SetServices(services);
     pSetParent->SetServices(services);

@@ -68,7 +68,7 @@ void VTDownloadList::AddRows(int nFirst)
 QVariantMap::const_iterator VTDownloadList::TaskAt(const QVariantMap& mapTasks, int nIndex)
 {
     // A render core may know the order of its downloads, which spares counting the entries of a long map. Its operation for
-    // that is no part of the interface, so that no render core needs to have it.
+    // that is not part of the interface, so a render core need not have it.
     VTRenderCoreInterface* pCore = m_deps.services.pRenderCore;
     QString strTaskId;
     if (pCore && pCore->metaObject()->indexOfMethod("DownloadTaskIdAt(int)") >= 0)
@@ -110,11 +110,16 @@ void VTDownloadList::WriteState(int nRow, const QVariantMap& mapTask)
         mapTask.value(QStringLiteral("progress")).toInt(), m_deps.codeTables);
 
     const int nState = mapTask.value(QStringLiteral("status")).toInt();
-    const QString strState = m_deps.codeTables.mapDownloadState.value(nState);
     QTableWidgetItem* pStatus = VTTableCells::ItemAt(m_pTable, nRow, VTDownloadColumn::Status);
-    pStatus->setText(strState.isEmpty() ? tr("Unkown") : tr(qUtf8Printable(strState)));
+    pStatus->setText(StateText(nState));
     pStatus->setData(Qt::UserRole, nState);
     pStatus->setToolTip(VTPlainToolTip(mapTask.value(QStringLiteral("msg")).toString()));
+}
+
+QString VTDownloadList::StateText(int nState) const
+{
+    const QString strState = m_deps.codeTables.mapDownloadState.value(nState);
+    return strState.isEmpty() ? tr("Unkown") : tr(qUtf8Printable(strState));
 }
 
 void VTDownloadList::HandleListChange()
@@ -160,6 +165,11 @@ void VTDownloadList::Refresh()
 
 void VTDownloadList::Retranslate()
 {
+    // Rows whose task has gone stay until the page is built again.
+    for (int nRow = 0; nRow < m_pTable->rowCount(); ++nRow) {
+        QTableWidgetItem* pStatus = VTTableCells::ItemAt(m_pTable, nRow, VTDownloadColumn::Status);
+        pStatus->setText(StateText(pStatus->data(Qt::UserRole).toInt()));
+    }
     m_lstShown.fill(QVariant());
     Refresh();
 }

@@ -68,6 +68,7 @@ private:
     /// The task with this index in the order of the map, or the end.
     QVariantMap::const_iterator TaskAt(const QVariantMap& mapTasks, int nIndex);
     void WriteRow(int nRow, const QString& strTaskId, const QVariantMap& mapTask);
+    QString StateText(int nState) const;
     void WriteState(int nRow, const QVariantMap& mapTask);
 
     Dependencies m_deps;

@@ -17,6 +17,8 @@
 
 #include <QCoreApplication>
 
+#include <utility>
+
 namespace {
 
 constexpr int CandidatePageSize = 1000;
@@ -112,12 +114,15 @@ void VTJobList::HandleAnswer(int nRet, const QVariantMap& mapAnswer)
         return;
     }
     const bool bRefreshed = TakeRefreshed();
-    if (nRet != VTProtocol::Success)
+    if (nRet != VTProtocol::Success) {
+        if (!bRefreshed)
+            m_deps.pageBar.ForgetClick();
         return;
-    if (m_deps.tables.IsHeld(VTList::Jobs))
-        m_heldAnswer = {mapAnswer, bRefreshed && (!m_heldAnswer || m_heldAnswer->second)};
-    else
-        ShowAnswer(mapAnswer, bRefreshed);
+    }
+    // An answer replaces the one that waits, also while the menu has closed already and its entry runs a dialog.
+    const bool bKeepsMarks = bRefreshed && (!m_heldAnswer || m_heldAnswer->bRefreshed);
+    m_heldAnswer = HeldAnswer {mapAnswer, bKeepsMarks, m_deps.session.nNumber};
+    ShowHeldAnswer();
 }
 
 void VTJobList::EndSession()
@@ -130,11 +135,12 @@ void VTJobList::EndSession()
 
 void VTJobList::ShowHeldAnswer()
 {
-    if (!m_heldAnswer)
+    if (!m_heldAnswer || m_deps.tables.IsHeld(VTList::Jobs))
         return;
-    const auto [mapAnswer, bRefreshed] = *m_heldAnswer;
+    const HeldAnswer answer = *m_heldAnswer;
     m_heldAnswer.reset();
-    ShowAnswer(mapAnswer, bRefreshed);
+    if (answer.nSession == m_deps.session.nNumber)
+        ShowAnswer(answer.mapAnswer, answer.bRefreshed);
 }
 
 void VTJobList::ShowAnswer(const QVariantMap& mapAnswer, bool bRefreshed)
@@ -161,7 +167,11 @@ void VTJobList::ShowNoJobs()
     const bool bStepBack = m_deps.pageBar.State(VTList::Jobs).StepBack();
     if (m_deps.form.twtMyRender->rowCount() > 0) {
         VTTableRows::Clear(m_deps.form.twtMyRender);
+        // An empty list has one group, whose number is shown until the answer for the previous page brings its own.
+        VTPageState& state = m_deps.pageBar.State(VTList::Jobs);
+        const int nGroup = std::exchange(state.nCurrentGroup, 1);
         m_deps.pageBar.Show(VTList::Jobs, 0);
+        state.nCurrentGroup = nGroup;
     }
     // The request comes last, because its answer may arrive before the call returns.
     if (bStepBack)

@@ -61,7 +61,7 @@ public:
     /// a menu is open over the table, the latest answer waits. Without a session answers are dropped.
     void HandleAnswer(int nRet, const QVariantMap& mapAnswer);
 
-    /// Shows the answer that waited for a menu to close.
+    /// Shows the answer that waits, unless a menu is open over the table.
     void ShowHeldAnswer();
 
     void Retranslate() const;
@@ -98,6 +98,11 @@ private:
 
     QVector<VTJobRecord> m_lstShown; ///< the jobs of the table's rows
 
-    /// The answer that waits for a menu to close, and whether it is a refresh.
-    std::optional<QPair<QVariantMap, bool>> m_heldAnswer;
+    struct HeldAnswer
+    {
+        QVariantMap mapAnswer;
+        bool bRefreshed;
+        int nSession;
+    };
+    std::optional<HeldAnswer> m_heldAnswer; ///< waits for a menu to close
 };

@@ -37,10 +37,13 @@ public:
     /// page to show.
     int CorrectAfterDeletion(int nList);
 
+    /// The page that was clicked does not come, so the next redraw follows no click.
+    void ForgetClick() { m_bClicked = false; }
+
     void Reset() { m_states = VTPageStates(); }
 
 private:
-    /// The list that the bar stands for, with the parts of its state that show.
+    /// The list that the bar belongs to, and the parts of its state that the bar shows.
     using Look = std::tuple<int, int, int, int>;
 
     bool Move(int nList, VTPageState::Step step, int nPage = 0);
@@ -51,5 +54,5 @@ private:
     const VTServices& m_services;
     VTPageStates m_states;
     Look m_look {};
-    bool m_bClicked = false; ///< since the bar was drawn
+    bool m_bClicked = false; ///< whether it was clicked since it was drawn
 };

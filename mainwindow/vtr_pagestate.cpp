@@ -49,6 +49,11 @@ bool VTPageState::Move(Step step, int nPage)
         nGroup = RoundedUp(nPage, VTPagesPerGroup);
         break;
     }
+    // The list may have become shorter than the current page; then each way back leads to its last page.
+    if (nCurrentPage > nTotalPages && (step == Step::PreviousGroup || step == Step::PreviousPage)) {
+        nPage = qMin(nPage, nTotalPages);
+        nGroup = RoundedUp(nPage, VTPagesPerGroup);
+    }
     if (nPage < 1 || nPage > nTotalPages)
         return false;
     nCurrentPage = nPage;

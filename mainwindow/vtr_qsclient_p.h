@@ -102,7 +102,7 @@ public slots:
     void TriggerSubmitListChanged();
     void TriggerDownloadListChanged();
     void ChangeTab(int nIndex);
-    void TriggerTreeViewClicked(QModelIndex /*index*/) { } // contract: the tree has no entries
+    void TriggerTreeViewClicked(QModelIndex index) { Q_UNUSED(index) } // contract: the tree has no entries
     void SignOut();
     void TriggerChangeLanguage();
     void TriggerActivated(QSystemTrayIcon::ActivationReason reason);

@@ -4,7 +4,9 @@
 #include "common/vtr_protocol.h"
 #include "common/vtr_services.h"
 #include "common/vtr_tablerows.h"
+#include "dialogs/vtr_group.h"
 #include "dialogs/vtr_search.h"
+#include "dialogs/vtr_setargument.h"
 #include "dialogs/vtr_setparent.h"
 #include "mainwindow/vtr_accountpanel.h"
 #include "mainwindow/vtr_accountsettings.h"
@@ -19,6 +21,7 @@
 #include "mainwindow/vtr_tray.h"
 
 #include <functional>
+#include <utility>
 
 VTSignIn::VTSignIn(const Dependencies& dependencies)
     : m_deps(dependencies)
@@ -30,7 +33,9 @@ void VTSignIn::HandleSignInAnswer(int nRet, const QVariantMap& mapAnswer)
     if (nRet != VTProtocol::Success)
         return;
     VTSession& session = m_deps.session;
+    ClearSession(); // when it comes from inside the closing of the form
     session.Begin();
+    m_deps.menus.Close(); // those of an earlier session
     m_deps.form.RaiseOverlays();
     session.strLoginName = mapAnswer.value(VTProtocol::LoginName).toString();
     session.strUserName = mapAnswer.value(VTProtocol::UserName).toString();
@@ -100,23 +105,41 @@ void VTSignIn::HandleSignOutAnswer()
     m_deps.timers.pJobList->stop();
     m_deps.accountPanel.StopPolling();
     m_deps.session.End();
+    m_bClearingDue = true;
     const int nSession = m_deps.session.nNumber;
     m_deps.setParent.EndSession();
-    m_deps.form.pForm->close();
-    if (m_deps.session.nNumber != nSession)
-        return; // the next session has begun, or the window has gone
-    CloseDialogs();
+    CloseDialogs(nSession);
+    if (m_deps.session.nNumber == nSession)
+        ClearSession();
+}
+
+/// Clears what the ended session has left, once.
+void VTSignIn::ClearSession()
+{
+    if (!std::exchange(m_bClearingDue, false))
+        return;
+    m_deps.uploadRetries.Forget();
+    m_deps.lackedTextures.Forget();
     m_deps.jobList.EndSession();
     m_deps.pageBar.Reset();
     ClearLists();
 }
 
-void VTSignIn::CloseDialogs()
+/// Stops when the next session has begun, or the window has gone, from inside the closing of a form.
+void VTSignIn::CloseDialogs(int nSession)
 {
-    m_deps.search.Close();
-    m_deps.menus.Close();
-    m_deps.uploadRetries.Forget();
-    m_deps.lackedTextures.Forget();
+    const std::function<void()> lstStep[] = {
+        [&] { m_deps.form.pForm->close(); },
+        [&] { m_deps.search.Close(); },
+        [&] { m_deps.menus.Close(); },
+        [&] { m_deps.setArgument.EndSession(); },
+        [&] { m_deps.group.EndSession(); },
+    };
+    for (const std::function<void()>& step : lstStep) {
+        if (m_deps.session.nNumber != nSession)
+            return;
+        step();
+    }
 }
 
 void VTSignIn::ClearLists()

@@ -6,10 +6,12 @@
 class VTAccountPanel;
 class VTAccountSettings;
 class VTContextMenus;
+class VTGroup;
 class VTJobList;
 class VTPageBar;
 class VTRequests;
 class VTSearch;
+class VTSetArgument;
 class VTSetParent;
 class VTTaskQuestions;
 class VTTray;
@@ -41,6 +43,8 @@ public:
         VTTaskQuestions& lackedTextures;
         VTSearch& search;
         VTSetParent& setParent;
+        VTSetArgument& setArgument;
+        VTGroup& group;
     };
 
     /// Everything in `dependencies` must outlive this object.
@@ -61,8 +65,10 @@ signals:
 
 private:
     void ReadServer();
-    void CloseDialogs();
+    void CloseDialogs(int nSession);
+    void ClearSession();
     void ClearLists();
 
     Dependencies m_deps;
+    bool m_bClearingDue = false; ///< a session has ended and its lists still stand
 };

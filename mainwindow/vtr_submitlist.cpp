@@ -248,6 +248,8 @@ VTSubmitList::Task VTSubmitList::ReadForRefresh(const QString& strTaskId, bool b
         task.lstArguments = renderCore.GetTaskArguments(strTaskId);
     if (task.Uploads())
         task.strUploadText = renderCore.GetTaskUploadText(strTaskId);
+    if (task.nError != 0)
+        task.strWarning = VTSkin::WarningIconFile(m_deps.services.Skin());
     return task;
 }
 
@@ -281,9 +283,8 @@ void VTSubmitList::RefreshWarning(QTableWidgetItem* pWarn, const Task& task) con
 {
     const QString strIcon = pWarn->data(Qt::UserRole).toString();
     if (task.nError != 0 && strIcon.isEmpty()) {
-        const QString strWarning = VTSkin::WarningIconFile(m_deps.services.Skin());
-        pWarn->setIcon(QIcon(strWarning));
-        pWarn->setData(Qt::UserRole, strWarning);
+        pWarn->setIcon(QIcon(task.strWarning));
+        pWarn->setData(Qt::UserRole, task.strWarning);
     } else if (task.nError == 0) {
         ClearIcon(pWarn);
         SetText(pWarn, Qt::UserRole, QString());

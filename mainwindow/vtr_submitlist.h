@@ -77,6 +77,7 @@ private:
         QString strStartTime;
         QString strMessage;    ///< English
         QString strUploadText; ///< while it uploads without an error
+        QString strWarning;    ///< the icon's file when it has failed
         QVariantList lstArguments;
         bool bArguments = false; ///< whether the arguments have been read
         int nStage = 0;

@@ -70,6 +70,7 @@ void VTTabs::ShowMovedPage(int nTab)
     // The bar of the farm's jobs is redrawn when the answer arrives.
     if (nTab != VTList::Jobs)
         m_deps.pageBar.Redraw(nTab);
+    m_deps.form.Table(nTab)->scrollToTop();
     ShowCurrentPage(nTab);
 }
 

@@ -72,8 +72,8 @@ void VTTray::Activate(QSystemTrayIcon::ActivationReason reason) const
     if (reason != QSystemTrayIcon::DoubleClick)
         return;
     if (m_session.bSignedIn) {
-        VTShowForm(m_form.pForm);
-        m_form.pForm->activateWindow();
+        if (VTShowForm(m_form.pForm))
+            m_form.pForm->activateWindow();
     } else if (m_services.pUiLoader) {
         m_services.pUiLoader->OpenWindow(VTIds::SignInWindow);
     }

@@ -7,6 +7,7 @@
 #include <ctkPluginContext.h>
 #include <ctkServiceReference.h>
 
+#include <QEvent>
 #include <QTextCodec>
 
 #include <exception>
@@ -163,6 +164,15 @@ void VTQsClient::DeleteWhenIdle()
     const Call call(*this);
     m_bRetired = true;
     Uninitialize();
+}
+
+bool VTQsClient::event(QEvent* pEvent)
+{
+    // A deletion that another thread asks for may be carried out by an event loop inside an operation.
+    if (pEvent->type() != QEvent::DeferredDelete || !IsBusy())
+        return QObject::event(pEvent);
+    DeleteWhenIdle();
+    return true;
 }
 
 VTQsClient* VTQsClient::Instance()

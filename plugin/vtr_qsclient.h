@@ -46,6 +46,9 @@ public:
     /// Releases the services at once, and leaves this object to the event loop once no operation is under way.
     void DeleteWhenIdle();
 
+    /// Puts the object's deletion off while an operation is under way.
+    bool event(QEvent* pEvent) override;
+
 public slots:
     /// Does nothing; the window's slot of the same name acts.
     void ShowWindow(QString strAppKey);

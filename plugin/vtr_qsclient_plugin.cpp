@@ -35,7 +35,10 @@ VTQsClientPlugin::~VTQsClientPlugin()
 void VTQsClientPlugin::start(ctkPluginContext* context)
 {
     // A service object left by an earlier stop still uses the host's services, so it goes before the new one starts.
-    delete m_pStoppedService.data();
+    if (m_pStoppedService && m_pStoppedService->IsBusy())
+        m_pStoppedService->DeleteWhenIdle();
+    else
+        delete m_pStoppedService.data();
     PrepareToDeleteWindows();
     m_pService = std::make_unique<VTQsClient>();
     // The registration lives until the framework withdraws it when the plugin stops.

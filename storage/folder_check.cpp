@@ -18,6 +18,8 @@ namespace {
 int CreationError(const QString& folder)
 {
     QString missing = QDir::cleanPath(folder);
+    if (missing.isEmpty())
+        return ENOENT;
     while (!QFileInfo::exists(QFileInfo(missing).path()))
         missing = QFileInfo(missing).path();
     constexpr int All = 0777;

@@ -3,6 +3,7 @@
 #include "ctkException.h"
 #include "ctkPluginException.h"
 #include "framework/ctk/framework_core.h"
+#include "framework/ctk/library_plugin.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -4,6 +4,7 @@
 #include "ctkException.h"
 #include "ctkPluginConstants.h"
 #include "framework/ctk/framework_core.h"
+#include "framework/ctk/library_plugin.h"
 
 #include <QDebug>
 

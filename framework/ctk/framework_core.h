@@ -1,7 +1,11 @@
 #pragma once
 
-#include "framework/ctk/library_plugin.h"
 #include "framework/ctk/service_registry.h"
+
+#include <QList>
+#include <QSharedPointer>
+
+class LibraryPlugin;
 
 /// The state that a framework shares with its plugins.
 class FrameworkCore

@@ -23,7 +23,6 @@ const QString DemoAccount = QStringLiteral("demo");
 constexpr const char* EmbeddedServer = QT_TRANSLATE_NOOP("VTQsClientPrivate", "embedded");
 
 constexpr int LongestPassword = 1024; // bytes
-constexpr int NoticeKind = 2;
 
 /// @return the first line of a file; a null string when the file cannot be read.
 QString FirstLine(const QString& file)
@@ -103,7 +102,7 @@ bool ClientHost::Start(QString* error)
     return true;
 }
 
-/// A server that is set but cannot be used is not replaced by the embedded farm, whose jobs would be others.
+/// An unusable configured server is not replaced by the embedded farm, which has other jobs.
 bool ClientHost::ChooseServer(QString* error)
 {
     const QString text = m_services.settings.Value(SettingKeys::ServerUrl, {}).toString().trimmed();
@@ -117,7 +116,7 @@ bool ClientHost::ChooseServer(QString* error)
                  .arg(QUrl(text).toDisplayString(), SettingKeys::ServerUrl,
                      QDir::toNativeSeparators(m_options.configFile));
     qCritical().noquote() << *error;
-    m_services.messageBox.ShowMessage(NoticeKind, QStringLiteral("QuillStar Client"), {},
+    m_services.messageBox.ShowMessage(MessageBoxService::Notice, QStringLiteral("QuillStar Client"), {},
         Skins::MainIcon(m_services.loader.GetSkin()), *error, {}, false);
     return false;
 }
@@ -241,7 +240,7 @@ void ClientHost::StartFarm()
 void ClientHost::HandleLostFarm(const QString& reason)
 {
     UseNoServer();
-    m_services.feed.Report({}, {}, {HttpResult::Unreachable, FarmFault::NoServer, reason});
+    m_services.feed.Report({}, {}, {FarmFault::Unreachable, FarmFault::NoServer, reason});
     m_session->SetFarm(SignInWindow::Farm::Starting, reason);
 }
 

@@ -46,6 +46,8 @@ HostServices::HostServices(const HostOptions& options)
     renderCore.SetFormFilter(&scenes);
     QObject::connect(&communication, &CommunicationService::JobListResponse, &renderCore,
         &RenderCoreService::HandleJobList);
+    QObject::connect(
+        &loader, &UiLoaderService::LanguageChanged, &renderCore, &RenderCoreService::Retranslate);
     QObject::connect(&renderCore, &RenderCoreService::Notice, &notices, &NoticeBoard::Show);
     QObject::connect(&configurationDialog, &ConfigurationDialog::ClearFinishedRequested, &renderCore,
         &RenderCoreService::ClearFinishedDownloads);

@@ -1,5 +1,6 @@
 #include "host/app/live_refresh.h"
 
+#include "common/vtr_tablerows.h"
 #include "host/mainform/main_form.h"
 #include "host/services/communication_service.h"
 
@@ -46,7 +47,7 @@ void LiveRefresh::Refresh()
 {
     if (m_pause.isActive())
         return;
-    // A list on its way may be older than the change, so the refresh follows its arrival. Replacing the list instead could
+    // A list on its way may be older than the change, so the refresh waits for it. Replacing the list instead could
     // go on forever over a slow link.
     const bool refreshesList = m_listIsDue && !m_communication->IsFetchingJobs();
     const bool refreshesMoney = m_moneyIsDue;
@@ -75,8 +76,7 @@ bool LiveRefresh::ShowsOneOf(const QStringList& jobs)
     if (!m_table)
         m_table = FindJobTable();
     for (int row = 0; m_table && row < m_table->rowCount(); ++row) {
-        const QTableWidgetItem* cell = m_table->item(row, 0);
-        if (cell && jobs.contains(cell->data(Qt::UserRole).toString()))
+        if (jobs.contains(VTTableRows::Id(m_table, row)))
             return true;
     }
     return false;

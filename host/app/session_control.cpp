@@ -19,8 +19,6 @@
 
 namespace {
 
-constexpr int KindQuestion = 4;
-
 /// @return whether a password for the server passes a network without encryption.
 bool IsReadableOnTheWay(const QUrl& server)
 {
@@ -138,13 +136,13 @@ bool SessionControl::MaySendPassword()
     ShowSignIn();
     const QString send = QStringLiteral("btnMessageBox_2");
     const QPointer<SessionControl> self = this;
-    const QString pressed = m_messageBox->ShowMessage(KindQuestion, tr("Sign in"), {},
+    const QString pressed = m_messageBox->ShowMessage(VTMessagboxInterface::Question, tr("Sign in"), {},
         m_window.Form()->windowIcon(),
         tr("The connection to %1 is not encrypted, so others on the network can read your password. Send it "
            "anyway?")
             .arg(name),
         {{QStringLiteral("btnMessageBox_1"), tr("Cancel")}, {send, tr("Send")}}, false);
-    // The server may be another one after the question.
+    // The server may have changed during the question.
     if (!self || pressed != send || m_communication->ServerUrl() != server)
         return false;
     agreed.append(name);
@@ -197,7 +195,7 @@ void SessionControl::HandleSignInAnswer(int code, const QVariantMap& answer)
 }
 
 /// Translates the usual failures; the server's own messages are English.
-/// @param message of the answer, in the language of that moment.
+/// @param message is the answer's, in the language at that time.
 QString SessionControl::FailureText(int code, const FarmFault& fault, const QString& message)
 {
     switch (code) {

@@ -6,15 +6,15 @@
 #include <QElapsedTimer>
 #include <QMutex>
 #include <QObject>
-#include <QStringList>
+#include <QString>
 
 #include <array>
 
 /// The transfers in one direction.
 struct Flow
 {
-    int count = 0;     ///< of transfers since the last look
-    QString name = {}; ///< of the one that began last
+    int count = 0;     ///< number of transfers since the last look
+    QString name = {}; ///< name of the transfer that began last
     double speed = 0;  ///< bytes per second
 };
 
@@ -26,7 +26,7 @@ struct ConnectionPicture
     Flow down = {};
 };
 
-/// Collects what the transports of all threads learn about the connection. Every function may be called in any thread.
+/// Collects the reports of all threads' transports about the connection. Every function may be called in any thread.
 class ConnectionFeed : public QObject
 {
     Q_OBJECT
@@ -38,14 +38,14 @@ public:
     class Transfer
     {
     public:
-        /// @param name shown to the user; plain text.
+        /// @param name is shown to the user as plain text.
         Transfer(ConnectionFeed* feed, Direction direction, const QString& name);
         ~Transfer();
         Q_DISABLE_COPY(Transfer)
 
         void Count(qint64 bytes) const;
 
-        /// @param moved all bytes of this transfer so far; fewer than before count nothing.
+        /// @param moved is the number of all bytes of this transfer so far; a smaller number than before is ignored.
         void CountTo(qint64 moved);
 
     private:
@@ -62,11 +62,11 @@ public:
     /// Forgets everything, and takes no reports of any session.
     void EndSession();
 
-    /// @param token of the request's session; empty for a request of none.
+    /// @param token identifies the request's session; empty for a request without one.
     void Report(const QByteArray& verb, const QByteArray& target, const FarmFault& fault,
         const QByteArray& token = {});
 
-    /// The farm has announced every change until now, and none that the list of jobs lacks. Nobody is told, because the
+    /// The farm has announced every change until now, and the list of jobs has them all. No signal follows, because the
     /// list's age is shown only once the farm cannot be reached.
     void ConfirmList();
 
@@ -76,14 +76,14 @@ public:
     ConnectionPicture Look();
 
 signals:
-    /// There is something new. Emitted once until the next Look().
+    /// The connection has changed. Emitted once until the next Look().
     void Fed();
 
 private:
     struct Traffic
     {
         int active = 0;
-        int peak = 0; // of active since the last look
+        int peak = 0; // the most active transfers since the last look
         QString name;
         qint64 moved = 0;
         SpeedMeter speed;
@@ -97,8 +97,8 @@ private:
 
     QMutex m_mutex;
     ConnectionState m_state;
-    QByteArray m_token;               // of the session
-    std::array<Traffic, 2> m_traffic; // by direction
+    QByteArray m_token;               // identifies the session
+    std::array<Traffic, 2> m_traffic; // one per direction
     QElapsedTimer m_clock;
     bool m_isAnnounced = false;
 };

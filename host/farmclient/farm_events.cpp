@@ -8,11 +8,9 @@
 
 namespace {
 
-constexpr int FirstPause = 1000;    // ms
-constexpr int LongestPause = 15000; // ms
-// The farm sends something at least every 25 seconds.
-constexpr int UsualSilence = 30000;   // ms
-constexpr int LongestSilence = 60000; // ms
+constexpr int FirstPause = 1000;         // ms
+constexpr int LongestPause = 15000;      // ms
+constexpr int LongestRetryAfter = 60000; // ms
 
 HttpRequest Request(const QByteArray& token)
 {
@@ -34,7 +32,7 @@ bool IsEndOfStream(QNetworkReply::NetworkError error)
 
 } // namespace
 
-FarmEvents::FarmEvents(HttpTransport* transport, const QByteArray& token, QObject* owner)
+FarmEvents::FarmEvents(HttpTransport* transport, const QByteArray& token, QObject* owner, int longestSilence)
     : QObject(owner)
     , m_transport(transport)
     , m_token(token)
@@ -42,8 +40,8 @@ FarmEvents::FarmEvents(HttpTransport* transport, const QByteArray& token, QObjec
 {
     for (QTimer* timer : {&m_silence, &m_pause})
         timer->setSingleShot(true);
-    m_silence.setInterval(LongestSilence);
-    connect(&m_silence, &QTimer::timeout, this, [this] { TryAgain(); });
+    m_silence.setInterval(longestSilence);
+    connect(&m_silence, &QTimer::timeout, this, &FarmEvents::HandleSilence);
     connect(&m_pause, &QTimer::timeout, this, &FarmEvents::Open);
     m_pause.start(0);
 }
@@ -51,11 +49,6 @@ FarmEvents::FarmEvents(HttpTransport* transport, const QByteArray& token, QObjec
 FarmEvents::~FarmEvents()
 {
     Discard(m_reply, this);
-}
-
-bool FarmEvents::IsAnnouncing() const
-{
-    return m_openTime.isValid() && m_silence.remainingTime() > LongestSilence - UsualSilence;
 }
 
 void FarmEvents::Reopen()
@@ -90,6 +83,7 @@ void FarmEvents::HandleHead()
         return;
     }
     m_openTime.start();
+    m_wasOpen = true;
     m_transport->Report(Request(m_token));
     emit Changed(FarmChanges::Anything());
 }
@@ -116,25 +110,34 @@ void FarmEvents::HandleEnd()
 {
     const HttpResult result = HttpResult::Of(*m_reply, {});
     const bool wasOpen = m_openTime.isValid();
-    // That a stream ends says little: proxies end them, and farms that have none refuse them.
+    // The end of a stream is not a failure: proxies end streams, and some farms refuse them.
     if (!wasOpen && result.IsTransient())
         m_transport->Report(Request(m_token), result.fault);
-    // An end from the other side comes after all that the stream has carried.
+    // The server ends the stream only after all of its events.
     if (wasOpen && IsEndOfStream(m_reply->error()))
         emit Heard();
     if (wasOpen || result.IsTransient()) {
-        TryAgain(std::min(result.retryAfter * 1000, LongestSilence));
+        TryAgain(std::min(result.retryAfter * 1000, LongestRetryAfter));
         return;
     }
     Discard(m_reply, this);
     m_silence.stop();
 }
 
+void FarmEvents::HandleSilence()
+{
+    // Nothing closes the stream of a farm that hangs or of a network that is gone. Opening another one shows whether the
+    // farm answers.
+    if (m_wasOpen && !m_openTime.isValid())
+        m_transport->Report(Request(m_token), {FarmFault::TimedOut});
+    TryAgain();
+}
+
 void FarmEvents::TryAgain(int leastPause)
 {
     Discard(m_reply, this);
     m_silence.stop();
-    // Only a stream that has lasted counts as a success, or one that always ends at once would be opened every second.
+    // Only a stream that lasted counts as a success; otherwise one that always ends at once would be opened every second.
     if (m_openTime.isValid() && m_openTime.hasExpired(LongestPause))
         m_backoff.Reset();
     m_openTime.invalidate();

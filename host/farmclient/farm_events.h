@@ -1,7 +1,8 @@
 #pragma once
 
-#include "host/farmclient/backoff.h"
+#include "host/base/backoff.h"
 #include "host/farmclient/event_stream.h"
+#include "host/farmclient/farm_numbers.h"
 #include "host/farmclient/http_transport.h"
 
 #include <QElapsedTimer>
@@ -9,19 +10,23 @@
 #include <QPointer>
 #include <QTimer>
 
-/// Keeps the stream of a session's events open from construction to destruction. A stream that breaks is opened again after
-/// a pause; a farm that has no events or no longer knows the session is not asked again.
+/// Keeps the stream of a session's events open from construction to destruction. A stream that breaks or falls silent is
+/// opened again after a pause; a farm that has no events or no longer knows the session is not asked again.
 class FarmEvents : public QObject
 {
     Q_OBJECT
 
 public:
+    static constexpr int LongestSilence = FarmNumbers::Heartbeat + 3000; ///< ms
+
     /// @param transport must outlive this object, which lives in its thread.
-    FarmEvents(HttpTransport* transport, const QByteArray& token, QObject* owner);
+    /// @param longestSilence ms without a sign of life from the farm, after which the stream counts as broken.
+    FarmEvents(HttpTransport* transport, const QByteArray& token, QObject* owner,
+        int longestSilence = LongestSilence);
     ~FarmEvents() override;
 
     /// @return whether the farm has been heard lately, so that no change can have gone unnoticed.
-    bool IsAnnouncing() const;
+    bool IsAnnouncing() const { return m_openTime.isValid(); }
 
     /// Closes the stream. It is opened again at once, at the transport's server of that time.
     void Reopen();
@@ -38,6 +43,7 @@ private:
     void HandleHead();
     void Read();
     void HandleEnd();
+    void HandleSilence();
     void TryAgain(int leastPause = 0);
 
     HttpTransport* m_transport;
@@ -46,6 +52,7 @@ private:
     EventStream m_stream;
     Backoff m_backoff;
     QElapsedTimer m_openTime; // valid while the stream is open
+    bool m_wasOpen = false;   // if not, something on the way may hold streams back
     QTimer m_silence;
     QTimer m_pause;
 };

@@ -1,7 +1,6 @@
 #include "host/farmclient/farm_fault.h"
 
 #include "host/farmclient/farm_numbers.h"
-#include "host/farmclient/http_result.h"
 #include "host/farmclient/sentences.h"
 
 #include <QCoreApplication>
@@ -22,7 +21,7 @@ struct Cause
 constexpr const char ClosedEarly[]
     = QT_TRANSLATE_NOOP("FarmFault", "the connection was closed before the answer was complete");
 constexpr const char NoAnswer[] = QT_TRANSLATE_NOOP("FarmFault", "there was no answer in time");
-constexpr const char NoHttp[] = QT_TRANSLATE_NOOP("FarmFault", "what answers there is not a farm");
+constexpr const char NoHttp[] = QT_TRANSLATE_NOOP("FarmFault", "the server that answered is not a farm");
 
 constexpr Cause connectionCauses[] = {
     {QNetworkReply::ConnectionRefusedError, QT_TRANSLATE_NOOP("FarmFault", "the connection was refused")},
@@ -75,7 +74,7 @@ constexpr Cause certificateCauses[] = {
     {QSslError::NoPeerCertificate, QT_TRANSLATE_NOOP("FarmFault", "the server shows none")},
 };
 
-/// A refusal in the farm's words, and the sentence that the user reads for it.
+/// A refusal in the farm's words, and the sentence shown to the user instead.
 struct Refusal
 {
     const char* words;
@@ -96,7 +95,7 @@ constexpr Refusal refusals[] = {
     {"there were too many requests; try again later",
         QT_TRANSLATE_NOOP("FarmFault", "There were too many requests. Please try again in a moment.")},
     {"the farm could not handle the request",
-        QT_TRANSLATE_NOOP("FarmFault", "The farm has a fault of its own. Its log says more.")},
+        QT_TRANSLATE_NOOP("FarmFault", "An error occurred on the farm. The details are in its log.")},
     {"the farm's disk is full; try again later", QT_TRANSLATE_NOOP("FarmFault", "The farm's disk is full.")},
     {"there is no such job", QT_TRANSLATE_NOOP("FarmFault", "The farm has no such job.")},
     {"there is no such upload", QT_TRANSLATE_NOOP("FarmFault", "The farm no longer has this upload.")},
@@ -129,7 +128,7 @@ QString Translated(const char* text)
     return QCoreApplication::translate("FarmFault", text);
 }
 
-/// @return the text of a code; that of the system where the list has none.
+/// @return the text of a code; the system's text where the list has none.
 template <typename List>
 QString TextOf(const List& list, int code, const QString& otherwise)
 {
@@ -156,8 +155,8 @@ QString RefusalText(int status, const QString& words)
 
 QString FarmFault::Cause() const
 {
-    return status == HttpResult::Untrusted ? TextOf(certificateCauses, cause, words)
-                                           : TextOf(connectionCauses, cause, words);
+    return status == Untrusted ? TextOf(certificateCauses, cause, words)
+                               : TextOf(connectionCauses, cause, words);
 }
 
 QString FarmFault::Text() const
@@ -166,21 +165,21 @@ QString FarmFault::Text() const
     case 0:
     case HttpStatus::Ok:
         return {};
-    case HttpResult::Unreachable:
+    case Unreachable:
         if (cause == NoServer)
             return Translated(QT_TRANSLATE_NOOP("FarmFault", "The farm is not running at the moment."));
         return Sentence(
             Translated(QT_TRANSLATE_NOOP("FarmFault", "The server cannot be reached: %1")).arg(Cause()));
-    case HttpResult::Untrusted:
+    case Untrusted:
         return Sentence(
             Translated(QT_TRANSLATE_NOOP("FarmFault",
                            "The server's certificate is not accepted, so nothing was sent to it: %1"))
                 .arg(Cause()));
-    case HttpResult::TimedOut:
+    case TimedOut:
         return Translated(QT_TRANSLATE_NOOP("FarmFault", "The server did not answer in time."));
-    case HttpResult::TooLarge:
+    case TooLarge:
         return Translated(QT_TRANSLATE_NOOP("FarmFault", "The server's answer is too large."));
-    case HttpResult::NotJson:
+    case NotJson:
         return Translated(QT_TRANSLATE_NOOP("FarmFault", "The server's answer cannot be read."));
     default:
         return RefusalText(status, words);

@@ -2,20 +2,27 @@
 
 #include <QString>
 
-/// Why a request failed, apart from any language: its text is made in the language of the moment.
+/// The reason why a request failed, without its text, which is made in the current language.
 struct FarmFault
 {
-    static constexpr int NoServer = -1; ///< a cause of status Unreachable: there is no server at the moment
+    // These replace the HTTP status when there is no usable answer.
+    static constexpr int Unreachable = -1;
+    static constexpr int TimedOut = -2;
+    static constexpr int TooLarge = -3;
+    static constexpr int NotJson = -4;
+    static constexpr int Untrusted = -5; ///< the server's certificate
 
-    int status = 0; ///< of HTTP, or one of those of HttpResult; 0 for no fault
+    static constexpr int NoServer = -1; ///< a cause with status Unreachable: there is no server at the moment
+
+    int status = 0; ///< of HTTP, or one of the above; 0 for no fault
     int cause
-        = 0; ///< a QNetworkReply::NetworkError of status Unreachable, a QSslError::SslError of Untrusted
-    QString words = {}; ///< of the server, or of Qt where there is no sentence for the cause; plain text
+        = 0; ///< a QNetworkReply::NetworkError with status Unreachable, a QSslError::SslError with Untrusted
+    QString words = {}; ///< the server's words, or Qt's where the cause has no sentence here; plain text
 
     /// @return sentences for the user.
     QString Text() const;
 
-    /// @return why a connection failed, as a part of a sentence.
+    /// @return the reason why a connection failed, as a part of a sentence.
     QString Cause() const;
 
     friend bool operator==(const FarmFault& one, const FarmFault& other)

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "host/base/interrupt_flag.h"
 #include "host/farmclient/farm_access.h"
 #include "host/farmclient/http_transport.h"
-#include "host/farmclient/interrupt_flag.h"
 
 #include <QEventLoop>
 #include <QPointer>
@@ -15,7 +15,7 @@
 class FarmLink
 {
 public:
-    /// @param attemptTime in milliseconds without progress, after which a request has failed.
+    /// @param attemptTime in milliseconds: a request without progress for this long has failed.
     explicit FarmLink(int attemptTime);
 
     /// Sets server and session for the following requests.

@@ -148,7 +148,7 @@ Answer Decode(const HttpResult& result, Check check, const QVariantMap& echo)
         answer.map = result.json.toVariantMap();
     } else {
         if (answer.code == HttpStatus::Ok) {
-            answer.code = HttpResult::NotJson;
+            answer.code = FarmFault::NotJson;
             message = QCoreApplication::translate("FarmProtocol", "The server's answer is incomplete.");
         } else if (Data(result.json).isObject()) {
             answer.map.insert(QStringLiteral("data"), Data(result.json).toVariant());

@@ -1,6 +1,6 @@
 #include "host/farmclient/http_call.h"
 
-#include "host/farmclient/backoff.h"
+#include "host/base/backoff.h"
 #include "host/farmclient/decompress.h"
 
 #include <QNetworkReply>
@@ -33,7 +33,7 @@ void HttpCall::Attempt()
     m_noted = 0;
     m_reply = m_transport->Begin(m_request);
     if (!m_reply) {
-        EndAttempt(HttpResult::Failed({HttpResult::Unreachable, FarmFault::NoServer}));
+        EndAttempt(HttpResult::Failed({FarmFault::Unreachable, FarmFault::NoServer}));
         return;
     }
     connect(m_reply, &QNetworkReply::readyRead, this, &HttpCall::Collect);
@@ -47,7 +47,7 @@ void HttpCall::Attempt()
     m_deadline.start(m_request.attemptTime > 0 ? m_request.attemptTime : m_transport->Limits().attemptTime);
 }
 
-/// An answer that keeps arriving moves the deadline, but one that drips does not, or it would never end.
+/// An answer that keeps arriving moves the deadline. One that only trickles does not, or it would never end.
 void HttpCall::NoteProgress(qint64 bytes)
 {
     constexpr qint64 LeastProgress = 4096;
@@ -62,12 +62,12 @@ void HttpCall::Collect()
     m_received += m_reply->readAll();
     NoteProgress(m_received.size());
     if (m_received.size() > m_transport->Limits().answerBytes)
-        EndAttempt(HttpResult::Failed({HttpResult::TooLarge}));
+        EndAttempt(HttpResult::Failed({FarmFault::TooLarge}));
 }
 
 void HttpCall::HandleTimeout()
 {
-    EndAttempt(HttpResult::Failed({HttpResult::TimedOut}));
+    EndAttempt(HttpResult::Failed({FarmFault::TimedOut}));
 }
 
 void HttpCall::HandleFinished()
@@ -81,7 +81,7 @@ void HttpCall::HandleFinished()
         return;
     }
     if (!DecompressReceived()) {
-        EndAttempt(HttpResult::Failed({HttpResult::TooLarge}));
+        EndAttempt(HttpResult::Failed({FarmFault::TooLarge}));
         return;
     }
     EndAttempt(HttpResult::Of(*m_reply, m_received));

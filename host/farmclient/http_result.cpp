@@ -1,7 +1,7 @@
 #include "host/farmclient/http_result.h"
 
+#include "host/farmclient/certificate_fault.h"
 #include "host/farmclient/farm_numbers.h"
-#include "host/farmclient/http_transport.h"
 #include "json/read_object.h"
 
 #include <QNetworkReply>
@@ -11,13 +11,13 @@
 namespace {
 
 constexpr int LongestRetryAfter = 3600; // seconds
-constexpr int LongestMessage = 1000;    // of a refusal
+constexpr int LongestMessage = 1000;    // characters of a refusal
 
 /// @return 0 when no complete answer arrived.
 int StatusOf(const QNetworkReply& reply)
 {
     const int error = reply.error();
-    // Qt also reports the proxy's refusal of a tunnel, which has no status of its own.
+    // Qt also reports a proxy's refusal of a tunnel, which has no status.
     if (error == QNetworkReply::ProxyAuthenticationRequiredError)
         return HttpStatus::ProxyAuthenticationRequired;
     // Errors from here on stand for a status, except for an exchange that is not HTTP.
@@ -29,7 +29,7 @@ int StatusOf(const QNetworkReply& reply)
 /// @return why there is no answer.
 FarmFault NoAnswer(const QNetworkReply& reply)
 {
-    const FarmFault fault = HttpTransport::CertificateFault(reply);
+    const FarmFault fault = CertificateFault(reply);
     return fault.status != 0 ? fault : HttpResult::ConnectionFault(reply);
 }
 
@@ -42,7 +42,7 @@ HttpResult HttpResult::Failed(const FarmFault& fault, const QJsonObject& json)
 
 FarmFault HttpResult::ConnectionFault(const QNetworkReply& reply)
 {
-    return {Unreachable, reply.error(), reply.errorString()};
+    return {FarmFault::Unreachable, reply.error(), reply.errorString()};
 }
 
 HttpResult HttpResult::Of(const QNetworkReply& reply, const QByteArray& body)
@@ -52,7 +52,7 @@ HttpResult HttpResult::Of(const QNetworkReply& reply, const QByteArray& body)
         return Failed(NoAnswer(reply));
     const JsonRead read = ReadJsonObject(body);
     if (status == HttpStatus::Ok && read.fault)
-        return Failed({NotJson});
+        return Failed({FarmFault::NotJson});
     HttpResult result {status, read.object};
     if (status != HttpStatus::Ok)
         result
@@ -65,9 +65,9 @@ HttpResult HttpResult::Of(const QNetworkReply& reply, const QByteArray& body)
 bool HttpResult::IsTransient() const
 {
     switch (status) {
-    case Unreachable:
-    case TimedOut:
-    case Untrusted:
+    case FarmFault::Unreachable:
+    case FarmFault::TimedOut:
+    case FarmFault::Untrusted:
     case HttpStatus::RequestTimeout:
     case HttpStatus::TooEarly:
     case HttpStatus::TooManyRequests:

@@ -11,26 +11,19 @@ class QNetworkReply;
 /// The answer to a request, or the reason why there is none.
 struct HttpResult
 {
-    // These replace the HTTP status when there is no usable answer.
-    static constexpr int Unreachable = -1;
-    static constexpr int TimedOut = -2;
-    static constexpr int TooLarge = -3;
-    static constexpr int NotJson = -4;
-    static constexpr int Untrusted = -5; ///< the server's certificate
-
-    int status = Unreachable;
+    int status = FarmFault::Unreachable; ///< of HTTP, or one of those of FarmFault
     QJsonObject json = {}; ///< the answer's body, even of a failure; empty unless the body is a JSON object
     QString error = {};    ///< sentences for the user; empty when status is 200
-    int retryAfter = 0;    ///< seconds that the server asks clients to wait, at most an hour
-    FarmFault fault = {};  ///< what `error` says
+    int retryAfter = 0;    ///< the wait in seconds that the server asks for, at most an hour
+    FarmFault fault = {};  ///< the reason for the failure, from which `error` is made
 
-    /// @return the result of a request that failed in this way.
+    /// @return the result of a request that failed with this fault.
     static HttpResult Failed(const FarmFault& fault, const QJsonObject& json = {});
 
-    /// @return the result of a finished exchange, whatever its status; an answer that was cut off is none.
+    /// @return the result of a finished exchange, whatever its status; an answer that was cut off counts as none.
     static HttpResult Of(const QNetworkReply& reply, const QByteArray& body);
 
-    /// @return how the connection ended, for a reply that failed.
+    /// @return the reason why the connection of a failed reply ended.
     static FarmFault ConnectionFault(const QNetworkReply& reply);
 
     /// @return whether the same request may succeed later.

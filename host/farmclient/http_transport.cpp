@@ -1,5 +1,6 @@
 #include "host/farmclient/http_transport.h"
 
+#include "host/farmclient/certificate_fault.h"
 #include "host/farmclient/connection_feed.h"
 
 #include <QAuthenticator>
@@ -49,16 +50,9 @@ QNetworkProxy ProxyTo(const QUrl& url)
     return QNetworkProxyFactory::proxyForQuery(QNetworkProxyQuery(url)).value(0);
 }
 
-constexpr const char* CertificateErrorKey = "certificateError";
-constexpr const char* CertificateWordsKey = "certificateWords";
-
-/// Keeps the reason why a certificate is refused, which the error of the reply does not tell.
 QNetworkReply* Watched(QNetworkReply* reply)
 {
-    QObject::connect(reply, &QNetworkReply::sslErrors, reply, [reply](const QList<QSslError>& faults) {
-        reply->setProperty(CertificateErrorKey, int(faults.constFirst().error()));
-        reply->setProperty(CertificateWordsKey, faults.constFirst().errorString());
-    });
+    WatchCertificate(reply);
     return reply;
 }
 
@@ -89,7 +83,7 @@ void HttpTransport::SetProxyLogin(const ProxyLogin& login)
     m_network.clearConnectionCache();
 }
 
-/// Qt asks again when an answer was refused. To leave that answer unchanged ends the request.
+/// Qt asks again when an answer was refused. Leaving the answer unchanged ends the request.
 void HttpTransport::AnswerProxy(QAuthenticator* question) const
 {
     const bool isRefused
@@ -133,7 +127,7 @@ QNetworkReply* HttpTransport::Begin(const HttpRequest& request)
     message.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     message.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("QuillStar/" QSCLIENT_VERSION));
     message.setRawHeader("Accept", "application/json");
-    // Files arrive as they are; a call that can decompress its answer says so itself.
+    // Files are sent uncompressed; a call that can decompress its answer asks for compression itself.
     message.setRawHeader("Accept-Encoding", "identity");
     if (!request.token.isEmpty())
         message.setRawHeader("Authorization", "Bearer " + request.token);
@@ -160,14 +154,6 @@ void HttpTransport::Report(const HttpRequest& request, const FarmFault& fault) c
 {
     if (m_feed)
         m_feed->Report(request.verb, request.target, fault, request.token);
-}
-
-FarmFault HttpTransport::CertificateFault(const QNetworkReply& reply)
-{
-    const QVariant error = reply.property(CertificateErrorKey);
-    return error.isValid()
-        ? FarmFault {HttpResult::Untrusted, error.toInt(), reply.property(CertificateWordsKey).toString()}
-        : FarmFault();
 }
 
 QString ProxyName(const QUrl& server)

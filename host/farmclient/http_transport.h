@@ -20,12 +20,12 @@ class QNetworkReply;
 struct HttpRequest
 {
     QByteArray verb;
-    QByteArray target;      ///< path below the transport's base URL, and query; both percent-encoded
+    QByteArray target;      ///< path below the transport's base URL and query, both percent-encoded
     QByteArray token;       ///< bearer token; empty for none
     QByteArray body;        ///< empty for none
-    bool repeatable = true; ///< may be sent again when an attempt failed on the way
+    bool repeatable = true; ///< may be sent again when the connection failed during an attempt
     int attemptTime = 0;    ///< ms without progress before an attempt has failed; 0 for the transport's limit
-    QByteArray contentType = QByteArrayLiteral("application/json"); ///< of the body
+    QByteArray contentType = QByteArrayLiteral("application/json"); ///< media type of the body
     std::vector<std::pair<QByteArray, QByteArray>> headers = {};    ///< additional headers
 };
 
@@ -34,7 +34,7 @@ struct HttpLimits
 {
     int attemptTime = 10000; ///< without progress, after which an attempt has failed
     int attempts = 3;
-    int firstPause = 300;    ///< before the second attempt; doubled before each further one
+    int firstPause = 300;    ///< the pause before the second attempt; doubled before each further one
     int longestPause = 8000; ///< also caps the server's Retry-After
     qint64 answerBytes = FarmNumbers::LongestAnswer; ///< compressed as well as decompressed
 };
@@ -50,7 +50,7 @@ public:
     /// Connections to the previous server are closed, so that an embedded farm can end without waiting for this client.
     void SetBaseUrl(const QUrl& url);
 
-    /// Sets the answer to proxies that ask for a name and a password and for which the system's settings have none, or wrong
+    /// Sets the name and password for proxies that ask for them and for which the system's settings have none, or wrong
     /// ones.
     void SetProxyLogin(const ProxyLogin& login);
 
@@ -58,20 +58,17 @@ public:
     void SetFeed(ConnectionFeed* feed) { m_feed = feed; }
     ConnectionFeed* Feed() const { return m_feed; }
 
-    /// Tells the feed how an attempt at this request has ended.
+    /// Reports the end of an attempt at this request to the feed.
     /// @param fault none if it succeeded.
     void Report(const HttpRequest& request, const FarmFault& fault = {}) const;
 
-    /// A proxy that asks for a password has not passed the request on.
+    /// Handles a reply with which a proxy asked for a password instead of passing the request on.
     /// @return whether Begin() has a password for it that the request of this reply did not carry.
     bool CanAnswerProxy(const QNetworkReply& reply);
 
     /// Makes one attempt and accepts any kind of answer. The caller owns the reply; null while there is no server.
     QNetworkReply* Begin(const HttpRequest& request);
     const HttpLimits& Limits() const { return m_limits; }
-
-    /// @return why the server's certificate was not accepted; no fault when the reply did not fail by that.
-    static FarmFault CertificateFault(const QNetworkReply& reply);
 
 private:
     QByteArray ProxyAuthorization(const QUrl& url) const;

@@ -35,21 +35,23 @@ void FrameList::Replace(const Frame& frame, Change& change)
     change.rows.push_back(row);
 }
 
-/// A frame does not change on the farm by being begun or cancelled, so the answer names those being rendered each time.
-void FrameList::MarkRendering(const std::map<int, qint64>& rendering, Change& change)
+/// Beginning or cancelling a frame is not a change on the farm, so each answer names all frames being rendered.
+void FrameList::MarkRendering(const std::map<int, FramesAnswer::Work>& rendering, Change& change)
 {
-    const auto mark = [&](int number, Frame::State from, Frame::State to, qint64 milliseconds) {
+    const auto mark = [&](int number, Frame::State from, Frame::State to, const FramesAnswer::Work& work) {
         const int row = RowOf(number);
         if (row < 0 || m_frames[std::size_t(row)].state != from)
             return;
-        m_frames[std::size_t(row)].state = to;
-        m_frames[std::size_t(row)].milliseconds = milliseconds;
+        Frame& frame = m_frames[std::size_t(row)];
+        frame.state = to;
+        frame.milliseconds = work.milliseconds;
+        frame.percent = work.percent;
         change.rows.push_back(row);
     };
     for (const auto& frame : m_rendering)
-        mark(frame.first, Frame::Rendering, Frame::Waiting, 0);
-    for (const auto& [number, milliseconds] : rendering)
-        mark(number, Frame::Waiting, Frame::Rendering, milliseconds);
+        mark(frame.first, Frame::Rendering, Frame::Waiting, {});
+    for (const auto& [number, work] : rendering)
+        mark(number, Frame::Waiting, Frame::Rendering, work);
     m_rendering = rendering;
 }
 

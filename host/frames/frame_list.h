@@ -11,7 +11,7 @@ public:
     struct Change
     {
         bool hasNewRows = false;
-        std::vector<int> rows; ///< whose frames have changed, ascending
+        std::vector<int> rows; ///< rows whose frames have changed, ascending
     };
 
     Change Apply(const FramesAnswer& answer);
@@ -22,7 +22,7 @@ public:
     /// @return the row of the frame; -1 for an unknown number.
     int RowOf(int number) const;
 
-    /// @return the time to ask with for changes; 0 when all frames are needed.
+    /// @return the time since which changes have to be requested; 0 when all frames are needed.
     qint64 Since() const { return int(m_frames.size()) < m_total ? 0 : m_time; }
 
     int Count(Frame::State state) const;
@@ -33,10 +33,10 @@ public:
 
 private:
     void Replace(const Frame& frame, Change& change);
-    void MarkRendering(const std::map<int, qint64>& rendering, Change& change);
+    void MarkRendering(const std::map<int, FramesAnswer::Work>& rendering, Change& change);
 
     std::vector<Frame> m_frames;
-    std::map<int, qint64> m_rendering;
+    std::map<int, FramesAnswer::Work> m_rendering;
     int m_total = 0;
     qint64 m_time = 0;
 };

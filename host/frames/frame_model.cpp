@@ -8,7 +8,7 @@ constexpr qint64 TenthOfSecond = Second / 10;
 constexpr qint64 Minute = 60 * Second;
 constexpr qint64 Hour = 60 * Minute;
 constexpr double Millionths = 1e6;
-constexpr int Decimals = 4; // of an amount; a frame can cost less than a hundredth
+constexpr int Decimals = 4; // decimals of an amount; a frame can cost less than a hundredth
 
 } // namespace
 
@@ -20,7 +20,7 @@ FrameModel::FrameModel(QObject* parent)
 
 void FrameModel::Apply(const FramesAnswer& answer)
 {
-    // Rows come only with the first answer and with a full render.
+    // Rows are added only by the first answer and by a full render.
     FrameList list = m_list;
     const FrameList::Change change = list.Apply(answer);
     if (change.hasNewRows) {
@@ -133,7 +133,8 @@ QString FrameModel::Text(const Frame& frame, int column) const
     case NumberColumn:
         return QString::number(frame.number);
     case StateColumn:
-        return StateText(frame.state);
+        return frame.percent < 0 ? StateText(frame.state)
+                                 : QStringLiteral("%1 · %2 %").arg(StateText(frame.state)).arg(frame.percent);
     case TimeColumn:
         return frame.state == Frame::Finished || frame.state == Frame::Rendering
             ? TimeText(frame.milliseconds)

@@ -1,19 +1,21 @@
 #include "host/frames/frames_answer.h"
 
+#include "host/farmclient/farm_numbers.h"
+
 #include <QJsonArray>
 
+#include <algorithm>
 #include <tuple>
 
 namespace {
 
-constexpr int MostFrames = 20000; // of a job
 constexpr int MostDays = 366;
 constexpr int LongestName = 255;
-constexpr int LongestWord = 24; // of amounts, currencies and days
+constexpr int LongestWord = 24; // characters of amounts, currencies and days
 constexpr double MostAmount = 1e12;
 constexpr int Second = 1000; // ms
 
-/// The places of a frame's values in the answer.
+/// The indexes of a frame's values in the answer.
 enum Place { Number, State, Attempts, Milliseconds, Cost, File, Size, PlaceCount };
 
 qint64 WholeNumber(const QJsonValue& value)
@@ -23,7 +25,7 @@ qint64 WholeNumber(const QJsonValue& value)
     return number >= 0 && number <= LargestExact ? qint64(number) : 0;
 }
 
-/// A short text, cut off where it would spoil the window.
+/// The text, cut off where it would not fit into the window.
 QString Word(const QJsonValue& value)
 {
     return value.toString().left(LongestWord);
@@ -62,7 +64,7 @@ bool operator==(const Frame& one, const Frame& other)
 {
     const auto values = [](const Frame& frame) {
         return std::tie(frame.number, frame.state, frame.attempts, frame.milliseconds, frame.cost, frame.file,
-            frame.size);
+            frame.size, frame.percent);
     };
     return values(one) == values(other);
 }
@@ -72,7 +74,7 @@ std::optional<FramesAnswer> FramesAnswer::Read(const QJsonObject& body)
     const QJsonObject data = body.value(QLatin1String("data")).toObject();
     const QJsonObject job = data.value(QLatin1String("job")).toObject();
     const QJsonArray frames = data.value(QLatin1String("frames")).toArray();
-    if (job.isEmpty() || frames.size() > MostFrames)
+    if (job.isEmpty() || frames.size() > FarmNumbers::MostFrames)
         return std::nullopt;
     FramesAnswer answer;
     answer.jobStatus = job.value(QLatin1String("job_status")).toInt();
@@ -88,8 +90,10 @@ std::optional<FramesAnswer> FramesAnswer::Read(const QJsonObject& body)
             answer.frames.push_back(ReadFrame(values));
     }
     const QJsonArray rendering = data.value(QLatin1String("rendering")).toArray();
-    for (const QJsonValue& value : rendering)
-        answer.rendering.emplace(value[Number].toInt(), WholeNumber(value[1]) * Second);
+    for (const QJsonValue& value : rendering) {
+        const int percent = std::clamp(value[3].toInt(-1), -1, 100);
+        answer.rendering[value[Number].toInt()] = {WholeNumber(value[1]) * Second, percent};
+    }
     return answer;
 }
 

@@ -14,11 +14,12 @@ struct Frame
 
     int number = 0;
     State state = Waiting;
-    int attempts = 0;        ///< that have ended
-    qint64 milliseconds = 0; ///< that a finished frame took, or since a frame is being rendered
+    int attempts = 0;        ///< attempts that have ended
+    qint64 milliseconds = 0; ///< rendering time of a finished frame, or so far of one in work
     qint64 cost = 0;         ///< in millionths of the currency unit
     QString file = {};       ///< name of the picture; empty while there is none
-    qint64 size = 0;         ///< of the picture, in bytes
+    qint64 size = 0;         ///< size of the picture in bytes
+    int percent = -1;        ///< done by the renderer of a frame in work; -1 when it does not say
 };
 
 bool operator==(const Frame& one, const Frame& other);
@@ -28,14 +29,18 @@ struct FramesAnswer
 {
     int jobStatus = 0;
     QString jobCost;
-    QString message;           ///< why the job has failed
-    qint64 time = 0;           ///< to ask with for later changes
-    int total = 0;             ///< of the job's frames
-    std::vector<Frame> frames; ///< that have changed, in the order of their numbers
-    std::map<int, qint64>
-        rendering; ///< the numbers of those being rendered, and the milliseconds since they began
+    QString message;           ///< the reason why the job has failed
+    qint64 time = 0;           ///< the time to pass on when later changes are requested
+    int total = 0;             ///< number of the job's frames
+    std::vector<Frame> frames; ///< the changed frames, sorted by number
+    struct Work
+    {
+        qint64 milliseconds = 0; ///< since the frame was begun
+        int percent = -1;        ///< as in Frame
+    };
+    std::map<int, Work> rendering; ///< the frames being rendered, by their numbers
 
-    /// @return none when the answer cannot be used; frames that cannot be read are left out.
+    /// @return none when the answer is unusable; unreadable frames are left out.
     static std::optional<FramesAnswer> Read(const QJsonObject& body);
 };
 

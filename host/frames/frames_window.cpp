@@ -9,7 +9,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLayout>
-#include <QLocale>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
@@ -28,7 +27,6 @@ constexpr int NarrowTable = 440;         // pixels
 constexpr int NumberWidths[] {150, 104}; // pixels; in a narrow table only a thumbnail and few digits
 constexpr QSize ThumbnailSize(64, 36);   // pixels
 constexpr double Second = 1000;          // ms
-constexpr int JobFailed = 7;             // a status
 
 void MakeSingleShot(QTimer& timer, int interval)
 {
@@ -74,7 +72,7 @@ FramesWindow::FramesWindow(VTUiLoaderInterface* loader, QObject* parent)
 
 FramesWindow::~FramesWindow()
 {
-    // The form goes last and is hidden then.
+    // The form is destroyed last and must be hidden by then.
     m_table->viewport()->removeEventFilter(this);
     Form()->removeEventFilter(this);
 }
@@ -208,7 +206,7 @@ void FramesWindow::HandleLog(int number, const QString& log)
     m_shown = frame;
     m_hasLog = true;
     DisplayFrame();
-    // The reader keeps the place while the same log is asked for again. Qt shows the placeholder once a text was set.
+    // The scroll position stays while the same log is requested again. Qt shows the placeholder once a text was set.
     if (log.isEmpty() || m_log->toPlainText() != log)
         m_log->setPlainText(log);
 }
@@ -248,7 +246,7 @@ void FramesWindow::OpenPicture()
         emit PreviewRequested(m_pictures, frame.file);
 }
 
-/// A narrow table leaves its room to the columns that matter most.
+/// A narrow table shows only the columns that matter most.
 void FramesWindow::FitColumns()
 {
     const bool isNarrow = m_table->viewport()->width() < NarrowTable;
@@ -303,7 +301,7 @@ void FramesWindow::DisplaySummary()
     QString trouble = m_failure;
     if (trouble.isEmpty() && !m_answer.message.isEmpty()) {
         trouble = m_answer.message.section(QLatin1Char('\n'), 0, 0);
-        if (m_answer.jobStatus == JobFailed)
+        if (m_answer.jobStatus == VTCodeTables::JobFailed)
             trouble = tr("The job has failed: %1").arg(trouble);
     }
     m_trouble->setText(trouble);

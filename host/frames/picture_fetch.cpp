@@ -51,7 +51,7 @@ void PictureFetch::Collect()
     if (!IsPicture(*m_reply))
         m_refusal += bytes.left(LongestRefusal - m_refusal.size());
     else if (m_part.pos() + bytes.size() > m_size || m_part.write(bytes) != bytes.size())
-        End(tr("The picture on the farm is another one by now."));
+        End(tr("The picture has changed on the farm."));
 }
 
 void PictureFetch::HandleFinished()
@@ -66,7 +66,7 @@ void PictureFetch::HandleFinished()
     if (m_reply->error() != QNetworkReply::NoError || !IsPicture(*m_reply))
         End(HttpResult::Of(*m_reply, m_refusal).error);
     else if (m_part.pos() != m_size)
-        End(tr("The picture on the farm is another one by now."));
+        End(tr("The picture has changed on the farm."));
     else if (!m_part.flush() || !m_part.rename(m_file))
         End(tr("The temporary folder cannot be written."));
     else

@@ -1,12 +1,12 @@
 #include "host/frames/thumbnails.h"
 
 #include "host/frames/job_pictures.h"
-#include "host/ui/picture_file.h"
+#include "host/ui/picture_reader.h"
 
 namespace {
 
 constexpr int MostAtOnce = 3;
-constexpr qint64 MostBytes = 16LL * 1024 * 1024; // of a picture that is fetched for its thumbnail
+constexpr qint64 MostBytes = 16LL * 1024 * 1024; // bytes of a picture that is fetched for its thumbnail
 
 } // namespace
 
@@ -64,11 +64,11 @@ void Thumbnails::Proceed()
 
 void Thumbnails::HandleFile(const QString& name, const QString& file)
 {
-    // The preview uses the same pictures.
+    // The preview and the thumbnails share the pictures.
     if (!m_begun.contains(name))
         return;
     m_reader.start([this, generation = m_generation, name, file, size = m_size] {
-        const QImage picture = PictureFile::Read(file).image;
+        const QImage picture = PictureReader::Read(file).image;
         emit Read(generation, name,
             picture.isNull() ? picture : picture.scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation));
     });

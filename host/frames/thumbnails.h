@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/farmclient/backoff.h"
+#include "host/base/backoff.h"
 #include "host/frames/frames_answer.h"
 
 #include <QDeadlineTimer>
@@ -22,10 +22,10 @@ class Thumbnails : public QObject
 public:
     explicit Thumbnails(QObject* parent = nullptr);
 
-    /// Begins anew with the pictures of another job.
+    /// Drops everything and begins with the pictures of another job.
     void SetPictures(const std::shared_ptr<JobPictures>& pictures);
 
-    /// Replaces the earlier wishes. @param size at most, in pixels.
+    /// Replaces the frames wanted earlier. @param size limits the thumbnails, in pixels.
     void Want(const std::vector<Frame>& frames, const QSize& size);
 
 signals:
@@ -34,7 +34,7 @@ signals:
     void Read(int generation, const QString& name, const QImage& thumbnail);
 
 private:
-    /// A picture that could not be had, and when it is tried again.
+    /// A picture that could not be fetched or read, and the time of the next attempt.
     struct Failure
     {
         Backoff pauses {FirstPause, LongestPause};
@@ -51,10 +51,10 @@ private:
     void HandleFailure(const QString& name);
 
     std::shared_ptr<JobPictures> m_pictures;
-    std::vector<Frame> m_wanted;      // not begun; the next one is the last
+    std::vector<Frame> m_wanted;      // not begun yet; taken from the end
     QHash<QString, Frame> m_begun;    // by the picture's name
     QHash<QString, Failure> m_failed; // by the picture's name
     QSize m_size;
-    int m_generation = 0; // of the job
+    int m_generation = 0; // changes with the job; results for earlier ones are dropped
     QThreadPool m_reader; // last member, because its destructor waits for the reading thread
 };

@@ -4,10 +4,6 @@
 <context>
     <name>AuthClientForm</name>
     <message>
-        <source>Sign in – QuillStar Client</source>
-        <translation>Sign in – QuillStar Client</translation>
-    </message>
-    <message>
         <source>Your scenes, rendered on the farm.</source>
         <translation>Your scenes, rendered on the farm.</translation>
     </message>
@@ -117,10 +113,6 @@
         <translation>Offer frame range and image size</translation>
     </message>
     <message>
-        <source>Adds an entry to the menu of a local task.</source>
-        <translation>Adds an entry to the menu of a local task.</translation>
-    </message>
-    <message>
         <source>Cancel</source>
         <translation>Cancel</translation>
     </message>
@@ -155,6 +147,10 @@
     <message>
         <source>Files stay on the disk.</source>
         <translation>Files stay on the disk.</translation>
+    </message>
+    <message>
+        <source>Adds an entry to the menu of a local task with a Maya scene.</source>
+        <translation>Adds an entry to the menu of a local task with a Maya scene.</translation>
     </message>
 </context>
 <context>
@@ -350,8 +346,8 @@
         <translation>there was no answer in time</translation>
     </message>
     <message>
-        <source>what answers there is not a farm</source>
-        <translation>what answers there is not a farm</translation>
+        <source>the server that answered is not a farm</source>
+        <translation>the server that answered is not a farm</translation>
     </message>
     <message>
         <source>the connection was refused</source>
@@ -454,8 +450,8 @@
         <translation>There were too many requests. Please try again in a moment.</translation>
     </message>
     <message>
-        <source>The farm has a fault of its own. Its log says more.</source>
-        <translation>The farm has a fault of its own. Its log says more.</translation>
+        <source>An error occurred on the farm. The details are in its log.</source>
+        <translation>An error occurred on the farm. The details are in its log.</translation>
     </message>
     <message>
         <source>The farm&apos;s disk is full.</source>
@@ -546,61 +542,6 @@
     <message>
         <source>The server&apos;s answer is incomplete.</source>
         <translation>The server&apos;s answer is incomplete.</translation>
-    </message>
-</context>
-<context>
-    <name>FileDownload</name>
-    <message>
-        <source>The farm is not available at the moment.</source>
-        <translation>The farm is not available at the moment.</translation>
-    </message>
-    <message>
-        <source>The farm has stopped sending %1.</source>
-        <translation>The farm has stopped sending %1.</translation>
-    </message>
-    <message>
-        <source>The transfer of %1 was interrupted.</source>
-        <translation>The transfer of %1 was interrupted.</translation>
-    </message>
-    <message>
-        <source>%1 has changed on the farm.</source>
-        <translation>%1 has changed on the farm.</translation>
-    </message>
-    <message>
-        <source>The farm sent more data for %1 than announced.</source>
-        <translation>The farm sent more data for %1 than announced.</translation>
-    </message>
-    <message>
-        <source>%1 arrived damaged: its checksum is wrong.</source>
-        <translation>%1 arrived damaged: its checksum is wrong.</translation>
-    </message>
-    <message>
-        <source>The farm sent a different part of %1 than requested.</source>
-        <translation>The farm sent a different part of %1 than requested.</translation>
-    </message>
-    <message>
-        <source>The size of %1 has changed on the farm.</source>
-        <translation>The size of %1 has changed on the farm.</translation>
-    </message>
-    <message>
-        <source>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</source>
-        <translation>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</translation>
-    </message>
-    <message>
-        <source>%1 cannot be saved: %2.</source>
-        <translation>%1 cannot be saved: %2.</translation>
-    </message>
-    <message>
-        <source>The farm cannot send %1 at the moment: %2</source>
-        <translation>The farm cannot send %1 at the moment: %2</translation>
-    </message>
-    <message>
-        <source>The farm refuses to send %1: %2</source>
-        <translation>The farm refuses to send %1: %2</translation>
-    </message>
-    <message>
-        <source>The transfer of %1 was interrupted: %2</source>
-        <translation>The transfer of %1 was interrupted: %2</translation>
     </message>
 </context>
 <context>
@@ -955,8 +896,8 @@
         <translation>The farm is not running at the moment.</translation>
     </message>
     <message>
-        <source>The picture on the farm is another one by now.</source>
-        <translation>The picture on the farm is another one by now.</translation>
+        <source>The picture has changed on the farm.</source>
+        <translation>The picture has changed on the farm.</translation>
     </message>
 </context>
 <context>
@@ -1611,6 +1552,213 @@
     </message>
 </context>
 <context>
+    <name>TaskMessage</name>
+    <message>
+        <source>The farm cannot be reached. Trying again.</source>
+        <translation>The farm cannot be reached. Trying again.</translation>
+    </message>
+    <message>
+        <source>The farm is busy. Trying again.</source>
+        <translation>The farm is busy. Trying again.</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s disk is full. Trying again.</source>
+        <translation>The farm&apos;s disk is full. Trying again.</translation>
+    </message>
+    <message>
+        <source>Your session has ended. Please sign in again.</source>
+        <translation>Your session has ended. Please sign in again.</translation>
+    </message>
+    <message>
+        <source>The farm has failed several times. Please continue the submission later.</source>
+        <translation>The farm has failed several times. Please continue the submission later.</translation>
+    </message>
+    <message>
+        <source>The scene needs too many files, or their paths are too long.</source>
+        <translation>The scene needs too many files, or their paths are too long.</translation>
+    </message>
+    <message>
+        <source>The scene needs more than %1 files.</source>
+        <translation>The scene needs more than %1 files.</translation>
+    </message>
+    <message>
+        <source>Stopped.</source>
+        <translation>Stopped.</translation>
+    </message>
+    <message>
+        <source>Not submitted, because files are missing.</source>
+        <translation>Not submitted, because files are missing.</translation>
+    </message>
+    <message>
+        <source>Please check the arguments, then continue.</source>
+        <translation>Please check the arguments, then continue.</translation>
+    </message>
+    <message>
+        <source>The scene file cannot be read.</source>
+        <translation>The scene file cannot be read.</translation>
+    </message>
+    <message>
+        <source>A file of the scene cannot be read: %1</source>
+        <translation>A file of the scene cannot be read: %1</translation>
+    </message>
+    <message>
+        <source>The submission could not be recorded. The disk may be full.</source>
+        <translation>The submission could not be recorded. The disk may be full.</translation>
+    </message>
+    <message>
+        <source>The name of the scene file contains characters that the farm does not accept.</source>
+        <translation>The name of the scene file contains characters that the farm does not accept.</translation>
+    </message>
+    <message>
+        <source>The folder for packed files cannot be created. The disk may be full.</source>
+        <translation>The folder for packed files cannot be created. The disk may be full.</translation>
+    </message>
+    <message>
+        <source>A file cannot be read: %1</source>
+        <translation>A file cannot be read: %1</translation>
+    </message>
+    <message>
+        <source>A file cannot be packed: %1</source>
+        <translation>A file cannot be packed: %1</translation>
+    </message>
+    <message>
+        <source>A package cannot be written: %1</source>
+        <translation>A package cannot be written: %1</translation>
+    </message>
+    <message>
+        <source>The packed file cannot be read from the disk.</source>
+        <translation>The packed file cannot be read from the disk.</translation>
+    </message>
+    <message>
+        <source>The farm did not store the uploaded data. Please try again later.</source>
+        <translation>The farm did not store the uploaded data. Please try again later.</translation>
+    </message>
+    <message>
+        <source>The file arrived damaged at the farm.</source>
+        <translation>The file arrived damaged at the farm.</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s answer about an upload cannot be read.</source>
+        <translation>The farm&apos;s answer about an upload cannot be read.</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s answer is incomplete. Please continue the submission later.</source>
+        <translation>The farm&apos;s answer is incomplete. Please continue the submission later.</translation>
+    </message>
+    <message>
+        <source>%1 files belong to the scene:</source>
+        <translation>%1 files belong to the scene:</translation>
+    </message>
+    <message>
+        <source>Submitted as job %1.</source>
+        <translation>Submitted as job %1.</translation>
+    </message>
+    <message>
+        <source>Blender is reading the scene.</source>
+        <translation>Blender is reading the scene.</translation>
+    </message>
+    <message>
+        <source>Blender is not installed on this computer, so nobody can tell which files the scene needs. Please install it, then submit the scene again.</source>
+        <translation>Blender is not installed on this computer, so nobody can tell which files the scene needs. Please install it, then submit the scene again.</translation>
+    </message>
+    <message>
+        <source>Blender could not read the scene, or took more than ten minutes.</source>
+        <translation>Blender could not read the scene, or took more than ten minutes.</translation>
+    </message>
+    <message>
+        <source>The scene is made for the engine %1; the farm will render it with Cycles if you go on.</source>
+        <translation>The scene is made for the engine %1; the farm will render it with Cycles if you go on.</translation>
+    </message>
+    <message>
+        <source>The scene&apos;s first frame is %1; the farm will render it as frame 1, and so on, if you go on.</source>
+        <translation>The scene&apos;s first frame is %1; the farm will render it as frame 1, and so on, if you go on.</translation>
+    </message>
+    <message>
+        <source>The scene has the frames %1 to %2; the farm will render only %3 to %4 if you go on.</source>
+        <translation>The scene has the frames %1 to %2; the farm will render only %3 to %4 if you go on.</translation>
+    </message>
+    <message>
+        <source>%1 (use a path relative to the scene)</source>
+        <translation>%1 (use a path relative to the scene)</translation>
+    </message>
+    <message>
+        <source>%1 (outside the scene&apos;s folder; will be sent if you go on)</source>
+        <translation>%1 (outside the scene&apos;s folder; will be sent if you go on)</translation>
+    </message>
+    <message>
+        <source>The farm is not available at the moment.</source>
+        <translation>The farm is not available at the moment.</translation>
+    </message>
+    <message>
+        <source>The farm has stopped sending %1.</source>
+        <translation>The farm has stopped sending %1.</translation>
+    </message>
+    <message>
+        <source>The transfer of %1 was interrupted.</source>
+        <translation>The transfer of %1 was interrupted.</translation>
+    </message>
+    <message>
+        <source>The transfer of %1 was interrupted: %2</source>
+        <translation>The transfer of %1 was interrupted: %2</translation>
+    </message>
+    <message>
+        <source>The farm cannot send %1 at the moment: %2</source>
+        <translation>The farm cannot send %1 at the moment: %2</translation>
+    </message>
+    <message>
+        <source>The farm refuses to send %1: %2</source>
+        <translation>The farm refuses to send %1: %2</translation>
+    </message>
+    <message>
+        <source>%1 The next attempt is in %2 s.</source>
+        <translation>%1 The next attempt is in %2 s.</translation>
+    </message>
+    <message>
+        <source>%1 has changed on the farm.</source>
+        <translation>%1 has changed on the farm.</translation>
+    </message>
+    <message>
+        <source>The size of %1 has changed on the farm.</source>
+        <translation>The size of %1 has changed on the farm.</translation>
+    </message>
+    <message>
+        <source>The farm sent a different part of %1 than requested.</source>
+        <translation>The farm sent a different part of %1 than requested.</translation>
+    </message>
+    <message>
+        <source>The farm sent more data for %1 than announced.</source>
+        <translation>The farm sent more data for %1 than announced.</translation>
+    </message>
+    <message>
+        <source>%1 arrived damaged: its checksum is wrong.</source>
+        <translation>%1 arrived damaged: its checksum is wrong.</translation>
+    </message>
+    <message>
+        <source>The farm no longer has %1.</source>
+        <translation>The farm no longer has %1.</translation>
+    </message>
+    <message>
+        <source>The farm lists %1, but does not send it.</source>
+        <translation>The farm lists %1, but does not send it.</translation>
+    </message>
+    <message>
+        <source>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</source>
+        <translation>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</translation>
+    </message>
+    <message>
+        <source>%1 cannot be saved: %2.</source>
+        <translation>%1 cannot be saved: %2.</translation>
+    </message>
+    <message>
+        <source>Another file named %1 is in the way.</source>
+        <translation>Another file named %1 is in the way.</translation>
+    </message>
+    <message>
+        <source>%1 was saved, but its state could not be recorded. The disk may be full.</source>
+        <translation>%1 was saved, but its state could not be recorded. The disk may be full.</translation>
+    </message>
+</context>
+<context>
     <name>TransferButtons</name>
     <message>
         <source>Please check the downloads first.</source>
@@ -1631,32 +1779,12 @@
 <context>
     <name>TransferPool</name>
     <message>
-        <source>%1 was saved, but its state could not be recorded. The disk may be full.</source>
-        <translation>%1 was saved, but its state could not be recorded. The disk may be full.</translation>
-    </message>
-    <message>
-        <source>Another file named %1 is in the way.</source>
-        <translation>Another file named %1 is in the way.</translation>
-    </message>
-    <message>
-        <source>The farm no longer has %1.</source>
-        <translation>The farm no longer has %1.</translation>
-    </message>
-    <message>
-        <source>The farm lists %1, but does not send it.</source>
-        <translation>The farm lists %1, but does not send it.</translation>
-    </message>
-    <message>
         <source>Nothing can be saved in %1: %2. All downloads wait until it is possible again.</source>
         <translation>Nothing can be saved in %1: %2. All downloads wait until it is possible again.</translation>
     </message>
     <message>
         <source>Nothing can be saved in %1: %2. Its downloads wait until it is possible again.</source>
         <translation>Nothing can be saved in %1: %2. Its downloads wait until it is possible again.</translation>
-    </message>
-    <message>
-        <source>The next attempt is in %1 s.</source>
-        <translation>The next attempt is in %1 s.</translation>
     </message>
 </context>
 <context>
@@ -2074,110 +2202,6 @@ Below files are missing:
     <message>
         <source>embedded</source>
         <translation>embedded</translation>
-    </message>
-    <message>
-        <source>The farm cannot be reached. Trying again.</source>
-        <translation>The farm cannot be reached. Trying again.</translation>
-    </message>
-    <message>
-        <source>The farm is busy. Trying again.</source>
-        <translation>The farm is busy. Trying again.</translation>
-    </message>
-    <message>
-        <source>Your session has ended. Please sign in again.</source>
-        <translation>Your session has ended. Please sign in again.</translation>
-    </message>
-    <message>
-        <source>Stopped.</source>
-        <translation>Stopped.</translation>
-    </message>
-    <message>
-        <source>Not submitted, because files are missing.</source>
-        <translation>Not submitted, because files are missing.</translation>
-    </message>
-    <message>
-        <source>Please check the arguments, then continue.</source>
-        <translation>Please check the arguments, then continue.</translation>
-    </message>
-    <message>
-        <source>The scene needs too many files, or their paths are too long.</source>
-        <translation>The scene needs too many files, or their paths are too long.</translation>
-    </message>
-    <message>
-        <source>The farm has failed several times. Please continue the submission later.</source>
-        <translation>The farm has failed several times. Please continue the submission later.</translation>
-    </message>
-    <message>
-        <source>The scene file cannot be read.</source>
-        <translation>The scene file cannot be read.</translation>
-    </message>
-    <message>
-        <source>The name of the scene file contains characters that the farm does not accept.</source>
-        <translation>The name of the scene file contains characters that the farm does not accept.</translation>
-    </message>
-    <message>
-        <source>The folder for packed files cannot be created. The disk may be full.</source>
-        <translation>The folder for packed files cannot be created. The disk may be full.</translation>
-    </message>
-    <message>
-        <source>The packed file cannot be read from the disk.</source>
-        <translation>The packed file cannot be read from the disk.</translation>
-    </message>
-    <message>
-        <source>The farm did not store the uploaded data. Please try again later.</source>
-        <translation>The farm did not store the uploaded data. Please try again later.</translation>
-    </message>
-    <message>
-        <source>The file arrived damaged at the farm.</source>
-        <translation>The file arrived damaged at the farm.</translation>
-    </message>
-    <message>
-        <source>The farm&apos;s answer about an upload cannot be read.</source>
-        <translation>The farm&apos;s answer about an upload cannot be read.</translation>
-    </message>
-    <message>
-        <source>%1 files belong to the scene:</source>
-        <translation>%1 files belong to the scene:</translation>
-    </message>
-    <message>
-        <source>The submission could not be recorded. The disk may be full.</source>
-        <translation>The submission could not be recorded. The disk may be full.</translation>
-    </message>
-    <message>
-        <source>%1 (outside the scene&apos;s folder; will be sent if you go on)</source>
-        <translation>%1 (outside the scene&apos;s folder; will be sent if you go on)</translation>
-    </message>
-    <message>
-        <source>The farm&apos;s disk is full. Trying again.</source>
-        <translation>The farm&apos;s disk is full. Trying again.</translation>
-    </message>
-    <message>
-        <source>The farm&apos;s answer is incomplete. Please continue the submission later.</source>
-        <translation>The farm&apos;s answer is incomplete. Please continue the submission later.</translation>
-    </message>
-    <message>
-        <source>Blender is reading the scene.</source>
-        <translation>Blender is reading the scene.</translation>
-    </message>
-    <message>
-        <source>Blender is not installed on this computer, so nobody can tell which files the scene needs. Please install it, then submit the scene again.</source>
-        <translation>Blender is not installed on this computer, so nobody can tell which files the scene needs. Please install it, then submit the scene again.</translation>
-    </message>
-    <message>
-        <source>Blender could not read the scene, or took more than ten minutes.</source>
-        <translation>Blender could not read the scene, or took more than ten minutes.</translation>
-    </message>
-    <message>
-        <source>The scene is made for the engine %1; the farm will render it with Cycles if you go on.</source>
-        <translation>The scene is made for the engine %1; the farm will render it with Cycles if you go on.</translation>
-    </message>
-    <message>
-        <source>The scene&apos;s first frame is %1; the farm will render it as frame 1, and so on, if you go on.</source>
-        <translation>The scene&apos;s first frame is %1; the farm will render it as frame 1, and so on, if you go on.</translation>
-    </message>
-    <message>
-        <source>The scene has the frames %1 to %2; the farm will render only %3 to %4 if you go on.</source>
-        <translation>The scene has the frames %1 to %2; the farm will render only %3 to %4 if you go on.</translation>
     </message>
 </context>
 <context>

@@ -4,10 +4,6 @@
 <context>
     <name>AuthClientForm</name>
     <message>
-        <source>Sign in – QuillStar Client</source>
-        <translation>登录 – QuillStar 客户端</translation>
-    </message>
-    <message>
         <source>Your scenes, rendered on the farm.</source>
         <translation>您的场景，交给农场渲染。</translation>
     </message>
@@ -117,10 +113,6 @@
         <translation>允许设置帧范围和图像尺寸</translation>
     </message>
     <message>
-        <source>Adds an entry to the menu of a local task.</source>
-        <translation>在本地任务的右键菜单中添加相应选项。</translation>
-    </message>
-    <message>
         <source>Cancel</source>
         <translation>取消</translation>
     </message>
@@ -155,6 +147,10 @@
     <message>
         <source>Files stay on the disk.</source>
         <translation>文件仍保留在磁盘上。</translation>
+    </message>
+    <message>
+        <source>Adds an entry to the menu of a local task with a Maya scene.</source>
+        <translation>在使用 Maya 场景的本地任务的右键菜单中添加相应选项。</translation>
     </message>
 </context>
 <context>
@@ -350,8 +346,8 @@
         <translation>未及时收到应答</translation>
     </message>
     <message>
-        <source>what answers there is not a farm</source>
-        <translation>该地址上应答的不是渲染农场</translation>
+        <source>the server that answered is not a farm</source>
+        <translation>应答的服务器不是渲染农场</translation>
     </message>
     <message>
         <source>the connection was refused</source>
@@ -454,8 +450,8 @@
         <translation>请求过于频繁。请稍后再试。</translation>
     </message>
     <message>
-        <source>The farm has a fault of its own. Its log says more.</source>
-        <translation>渲染农场自身出现故障，详情见其日志。</translation>
+        <source>An error occurred on the farm. The details are in its log.</source>
+        <translation>渲染农场出现错误，详情见其日志。</translation>
     </message>
     <message>
         <source>The farm&apos;s disk is full.</source>
@@ -546,61 +542,6 @@
     <message>
         <source>The server&apos;s answer is incomplete.</source>
         <translation>服务器的响应不完整。</translation>
-    </message>
-</context>
-<context>
-    <name>FileDownload</name>
-    <message>
-        <source>The farm is not available at the moment.</source>
-        <translation>当前没有可用的渲染农场。</translation>
-    </message>
-    <message>
-        <source>The farm has stopped sending %1.</source>
-        <translation>渲染农场已停止发送 %1。</translation>
-    </message>
-    <message>
-        <source>The transfer of %1 was interrupted.</source>
-        <translation>%1 的传输已中断。</translation>
-    </message>
-    <message>
-        <source>%1 has changed on the farm.</source>
-        <translation>渲染农场上的 %1 已更改。</translation>
-    </message>
-    <message>
-        <source>The farm sent more data for %1 than announced.</source>
-        <translation>渲染农场发送的 %1 数据多于其声明的大小。</translation>
-    </message>
-    <message>
-        <source>%1 arrived damaged: its checksum is wrong.</source>
-        <translation>%1 已损坏：校验和不正确。</translation>
-    </message>
-    <message>
-        <source>The farm sent a different part of %1 than requested.</source>
-        <translation>渲染农场发送的不是所请求的 %1 部分。</translation>
-    </message>
-    <message>
-        <source>The size of %1 has changed on the farm.</source>
-        <translation>渲染农场上 %1 的大小已更改。</translation>
-    </message>
-    <message>
-        <source>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</source>
-        <translation>文件夹 %1 是指向下载文件夹之外的链接，因此不会在其中保存任何内容。</translation>
-    </message>
-    <message>
-        <source>%1 cannot be saved: %2.</source>
-        <translation>无法保存 %1：%2。</translation>
-    </message>
-    <message>
-        <source>The farm cannot send %1 at the moment: %2</source>
-        <translation>渲染农场暂时无法发送 %1：%2</translation>
-    </message>
-    <message>
-        <source>The farm refuses to send %1: %2</source>
-        <translation>渲染农场拒绝发送 %1：%2</translation>
-    </message>
-    <message>
-        <source>The transfer of %1 was interrupted: %2</source>
-        <translation>%1 的传输被中断：%2</translation>
     </message>
 </context>
 <context>
@@ -955,7 +896,7 @@
         <translation>渲染农场目前没有运行。</translation>
     </message>
     <message>
-        <source>The picture on the farm is another one by now.</source>
+        <source>The picture has changed on the farm.</source>
         <translation>渲染农场上的图片已被更换。</translation>
     </message>
 </context>
@@ -963,7 +904,7 @@
     <name>PreviewWindow</name>
     <message>
         <source>%1 of %2</source>
-        <translation>第 %1 张，共 %2 张</translation>
+        <translation>%1 / %2</translation>
     </message>
     <message>
         <source>%1 × %2 pixels</source>
@@ -1611,6 +1552,213 @@
     </message>
 </context>
 <context>
+    <name>TaskMessage</name>
+    <message>
+        <source>The farm cannot be reached. Trying again.</source>
+        <translation>无法连接渲染农场，正在重试。</translation>
+    </message>
+    <message>
+        <source>The farm is busy. Trying again.</source>
+        <translation>渲染农场繁忙，正在重试。</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s disk is full. Trying again.</source>
+        <translation>渲染农场的磁盘已满。正在重试。</translation>
+    </message>
+    <message>
+        <source>Your session has ended. Please sign in again.</source>
+        <translation>您的会话已结束，请重新登录。</translation>
+    </message>
+    <message>
+        <source>The farm has failed several times. Please continue the submission later.</source>
+        <translation>渲染农场多次失败。请稍后继续提交。</translation>
+    </message>
+    <message>
+        <source>The scene needs too many files, or their paths are too long.</source>
+        <translation>场景需要的文件过多，或其路径过长。</translation>
+    </message>
+    <message>
+        <source>The scene needs more than %1 files.</source>
+        <translation>该场景需要的文件超过 %1 个。</translation>
+    </message>
+    <message>
+        <source>Stopped.</source>
+        <translation>已停止。</translation>
+    </message>
+    <message>
+        <source>Not submitted, because files are missing.</source>
+        <translation>因缺少文件，未提交。</translation>
+    </message>
+    <message>
+        <source>Please check the arguments, then continue.</source>
+        <translation>请检查参数，然后继续。</translation>
+    </message>
+    <message>
+        <source>The scene file cannot be read.</source>
+        <translation>无法读取场景文件。</translation>
+    </message>
+    <message>
+        <source>A file of the scene cannot be read: %1</source>
+        <translation>无法读取场景的文件：%1</translation>
+    </message>
+    <message>
+        <source>The submission could not be recorded. The disk may be full.</source>
+        <translation>无法记录此次提交。磁盘可能已满。</translation>
+    </message>
+    <message>
+        <source>The name of the scene file contains characters that the farm does not accept.</source>
+        <translation>场景文件名包含渲染农场不接受的字符。</translation>
+    </message>
+    <message>
+        <source>The folder for packed files cannot be created. The disk may be full.</source>
+        <translation>无法创建用于打包文件的文件夹。磁盘可能已满。</translation>
+    </message>
+    <message>
+        <source>A file cannot be read: %1</source>
+        <translation>无法读取文件：%1</translation>
+    </message>
+    <message>
+        <source>A file cannot be packed: %1</source>
+        <translation>无法打包文件：%1</translation>
+    </message>
+    <message>
+        <source>A package cannot be written: %1</source>
+        <translation>无法写入打包文件：%1</translation>
+    </message>
+    <message>
+        <source>The packed file cannot be read from the disk.</source>
+        <translation>无法从磁盘读取打包文件。</translation>
+    </message>
+    <message>
+        <source>The farm did not store the uploaded data. Please try again later.</source>
+        <translation>渲染农场未保存上传的数据。请稍后重试。</translation>
+    </message>
+    <message>
+        <source>The file arrived damaged at the farm.</source>
+        <translation>文件到达渲染农场时已损坏。</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s answer about an upload cannot be read.</source>
+        <translation>无法读取渲染农场关于上传的响应。</translation>
+    </message>
+    <message>
+        <source>The farm&apos;s answer is incomplete. Please continue the submission later.</source>
+        <translation>渲染农场的应答不完整。请稍后继续提交。</translation>
+    </message>
+    <message>
+        <source>%1 files belong to the scene:</source>
+        <translation>该场景包含 %1 个文件：</translation>
+    </message>
+    <message>
+        <source>Submitted as job %1.</source>
+        <translation>已提交为作业 %1。</translation>
+    </message>
+    <message>
+        <source>Blender is reading the scene.</source>
+        <translation>Blender 正在读取场景。</translation>
+    </message>
+    <message>
+        <source>Blender is not installed on this computer, so nobody can tell which files the scene needs. Please install it, then submit the scene again.</source>
+        <translation>本机未安装 Blender，因此无法得知该场景需要哪些文件。请先安装 Blender，然后重新提交场景。</translation>
+    </message>
+    <message>
+        <source>Blender could not read the scene, or took more than ten minutes.</source>
+        <translation>Blender 无法读取该场景，或读取时间超过十分钟。</translation>
+    </message>
+    <message>
+        <source>The scene is made for the engine %1; the farm will render it with Cycles if you go on.</source>
+        <translation>该场景使用 %1 引擎；如果继续，渲染农场将用 Cycles 渲染。</translation>
+    </message>
+    <message>
+        <source>The scene&apos;s first frame is %1; the farm will render it as frame 1, and so on, if you go on.</source>
+        <translation>该场景的第一帧编号为 %1；如果继续，渲染农场会将其作为第 1 帧渲染，其余各帧依此类推。</translation>
+    </message>
+    <message>
+        <source>The scene has the frames %1 to %2; the farm will render only %3 to %4 if you go on.</source>
+        <translation>该场景包含第 %1 至 %2 帧；如果继续，渲染农场只渲染第 %3 至 %4 帧。</translation>
+    </message>
+    <message>
+        <source>%1 (use a path relative to the scene)</source>
+        <translation>%1（请使用相对于场景的路径）</translation>
+    </message>
+    <message>
+        <source>%1 (outside the scene&apos;s folder; will be sent if you go on)</source>
+        <translation>%1（位于场景文件夹之外；继续则会一并发送）</translation>
+    </message>
+    <message>
+        <source>The farm is not available at the moment.</source>
+        <translation>当前没有可用的渲染农场。</translation>
+    </message>
+    <message>
+        <source>The farm has stopped sending %1.</source>
+        <translation>渲染农场已停止发送 %1。</translation>
+    </message>
+    <message>
+        <source>The transfer of %1 was interrupted.</source>
+        <translation>%1 的传输已中断。</translation>
+    </message>
+    <message>
+        <source>The transfer of %1 was interrupted: %2</source>
+        <translation>%1 的传输被中断：%2</translation>
+    </message>
+    <message>
+        <source>The farm cannot send %1 at the moment: %2</source>
+        <translation>渲染农场暂时无法发送 %1：%2</translation>
+    </message>
+    <message>
+        <source>The farm refuses to send %1: %2</source>
+        <translation>渲染农场拒绝发送 %1：%2</translation>
+    </message>
+    <message>
+        <source>%1 The next attempt is in %2 s.</source>
+        <translation>%1将在 %2 秒后重试。</translation>
+    </message>
+    <message>
+        <source>%1 has changed on the farm.</source>
+        <translation>渲染农场上的 %1 已更改。</translation>
+    </message>
+    <message>
+        <source>The size of %1 has changed on the farm.</source>
+        <translation>渲染农场上 %1 的大小已更改。</translation>
+    </message>
+    <message>
+        <source>The farm sent a different part of %1 than requested.</source>
+        <translation>渲染农场发送的不是所请求的 %1 部分。</translation>
+    </message>
+    <message>
+        <source>The farm sent more data for %1 than announced.</source>
+        <translation>渲染农场发送的 %1 数据多于其声明的大小。</translation>
+    </message>
+    <message>
+        <source>%1 arrived damaged: its checksum is wrong.</source>
+        <translation>%1 已损坏：校验和不正确。</translation>
+    </message>
+    <message>
+        <source>The farm no longer has %1.</source>
+        <translation>渲染农场上已没有 %1。</translation>
+    </message>
+    <message>
+        <source>The farm lists %1, but does not send it.</source>
+        <translation>渲染农场列出了 %1，但未能提供该文件。</translation>
+    </message>
+    <message>
+        <source>The folder %1 is a link that leads out of the download folder, so nothing is saved there.</source>
+        <translation>文件夹 %1 是指向下载文件夹之外的链接，因此不会在其中保存任何内容。</translation>
+    </message>
+    <message>
+        <source>%1 cannot be saved: %2.</source>
+        <translation>无法保存 %1：%2。</translation>
+    </message>
+    <message>
+        <source>Another file named %1 is in the way.</source>
+        <translation>已有另一个名为 %1 的文件。</translation>
+    </message>
+    <message>
+        <source>%1 was saved, but its state could not be recorded. The disk may be full.</source>
+        <translation>%1 已保存，但无法记录其状态。磁盘可能已满。</translation>
+    </message>
+</context>
+<context>
     <name>TransferButtons</name>
     <message>
         <source>Please check the downloads first.</source>
@@ -1631,32 +1779,12 @@
 <context>
     <name>TransferPool</name>
     <message>
-        <source>%1 was saved, but its state could not be recorded. The disk may be full.</source>
-        <translation>%1 已保存，但无法记录其状态。磁盘可能已满。</translation>
-    </message>
-    <message>
-        <source>Another file named %1 is in the way.</source>
-        <translation>已有另一个名为 %1 的文件。</translation>
-    </message>
-    <message>
-        <source>The farm no longer has %1.</source>
-        <translation>渲染农场上已没有 %1。</translation>
-    </message>
-    <message>
-        <source>The farm lists %1, but does not send it.</source>
-        <translation>渲染农场列出了 %1，但未能提供该文件。</translation>
-    </message>
-    <message>
         <source>Nothing can be saved in %1: %2. All downloads wait until it is possible again.</source>
         <translation>无法保存到 %1：%2。所有下载将等待，直到可以重新保存。</translation>
     </message>
     <message>
         <source>Nothing can be saved in %1: %2. Its downloads wait until it is possible again.</source>
         <translation>无法保存到 %1：%2。该文件夹的下载将等待，直到可以重新保存。</translation>
-    </message>
-    <message>
-        <source>The next attempt is in %1 s.</source>
-        <translation>将在 %1 秒后重试。</translation>
     </message>
 </context>
 <context>
@@ -2074,110 +2202,6 @@ Below files are missing:
     <message>
         <source>embedded</source>
         <translation>内置渲染农场</translation>
-    </message>
-    <message>
-        <source>The farm cannot be reached. Trying again.</source>
-        <translation>无法连接渲染农场，正在重试。</translation>
-    </message>
-    <message>
-        <source>The farm is busy. Trying again.</source>
-        <translation>渲染农场繁忙，正在重试。</translation>
-    </message>
-    <message>
-        <source>Your session has ended. Please sign in again.</source>
-        <translation>您的会话已结束，请重新登录。</translation>
-    </message>
-    <message>
-        <source>Stopped.</source>
-        <translation>已停止。</translation>
-    </message>
-    <message>
-        <source>Not submitted, because files are missing.</source>
-        <translation>因缺少文件，未提交。</translation>
-    </message>
-    <message>
-        <source>Please check the arguments, then continue.</source>
-        <translation>请检查参数，然后继续。</translation>
-    </message>
-    <message>
-        <source>The scene needs too many files, or their paths are too long.</source>
-        <translation>场景需要的文件过多，或其路径过长。</translation>
-    </message>
-    <message>
-        <source>The farm has failed several times. Please continue the submission later.</source>
-        <translation>渲染农场多次失败。请稍后继续提交。</translation>
-    </message>
-    <message>
-        <source>The scene file cannot be read.</source>
-        <translation>无法读取场景文件。</translation>
-    </message>
-    <message>
-        <source>The name of the scene file contains characters that the farm does not accept.</source>
-        <translation>场景文件名包含渲染农场不接受的字符。</translation>
-    </message>
-    <message>
-        <source>The folder for packed files cannot be created. The disk may be full.</source>
-        <translation>无法创建用于打包文件的文件夹。磁盘可能已满。</translation>
-    </message>
-    <message>
-        <source>The packed file cannot be read from the disk.</source>
-        <translation>无法从磁盘读取打包文件。</translation>
-    </message>
-    <message>
-        <source>The farm did not store the uploaded data. Please try again later.</source>
-        <translation>渲染农场未保存上传的数据。请稍后重试。</translation>
-    </message>
-    <message>
-        <source>The file arrived damaged at the farm.</source>
-        <translation>文件到达渲染农场时已损坏。</translation>
-    </message>
-    <message>
-        <source>The farm&apos;s answer about an upload cannot be read.</source>
-        <translation>无法读取渲染农场关于上传的响应。</translation>
-    </message>
-    <message>
-        <source>%1 files belong to the scene:</source>
-        <translation>该场景包含 %1 个文件：</translation>
-    </message>
-    <message>
-        <source>The submission could not be recorded. The disk may be full.</source>
-        <translation>无法记录此次提交。磁盘可能已满。</translation>
-    </message>
-    <message>
-        <source>%1 (outside the scene&apos;s folder; will be sent if you go on)</source>
-        <translation>%1（位于场景文件夹之外；继续则会一并发送）</translation>
-    </message>
-    <message>
-        <source>The farm&apos;s disk is full. Trying again.</source>
-        <translation>渲染农场的磁盘已满。正在重试。</translation>
-    </message>
-    <message>
-        <source>The farm&apos;s answer is incomplete. Please continue the submission later.</source>
-        <translation>渲染农场的应答不完整。请稍后继续提交。</translation>
-    </message>
-    <message>
-        <source>Blender is reading the scene.</source>
-        <translation>Blender 正在读取场景。</translation>
-    </message>
-    <message>
-        <source>Blender is not installed on this computer, so nobody can tell which files the scene needs. Please install it, then submit the scene again.</source>
-        <translation>本机未安装 Blender，因此无法得知该场景需要哪些文件。请先安装 Blender，然后重新提交场景。</translation>
-    </message>
-    <message>
-        <source>Blender could not read the scene, or took more than ten minutes.</source>
-        <translation>Blender 无法读取该场景，或读取时间超过十分钟。</translation>
-    </message>
-    <message>
-        <source>The scene is made for the engine %1; the farm will render it with Cycles if you go on.</source>
-        <translation>该场景使用 %1 引擎；如果继续，渲染农场将用 Cycles 渲染。</translation>
-    </message>
-    <message>
-        <source>The scene&apos;s first frame is %1; the farm will render it as frame 1, and so on, if you go on.</source>
-        <translation>该场景的第一帧编号为 %1；如果继续，渲染农场会将其作为第 1 帧渲染，其余各帧依此类推。</translation>
-    </message>
-    <message>
-        <source>The scene has the frames %1 to %2; the farm will render only %3 to %4 if you go on.</source>
-        <translation>该场景包含第 %1 至 %2 帧；如果继续，渲染农场只渲染第 %3 至 %4 帧。</translation>
     </message>
 </context>
 <context>

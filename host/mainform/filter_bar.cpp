@@ -96,9 +96,10 @@ void FilterBar::MarkAll()
 
 bool FilterBar::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_label && event->type() == QEvent::Resize)
+    // The type comes first, because the last events of a widget find it half destroyed.
+    if (event->type() == QEvent::Resize && watched == m_label)
         Elide();
-    else if (watched == m_bar && event->type() == QEvent::LanguageChange)
+    else if (event->type() == QEvent::LanguageChange && watched == m_bar)
         Update();
     return false;
 }

@@ -3,12 +3,11 @@
 #include <QObject>
 #include <QPointer>
 #include <QPushButton>
-#include <QString>
 
 class QListWidget;
 class QMenu;
 
-/// The menu of the button beside the current project. It offers by keyboard what the group panel offers to the mouse:
+/// The menu of the button beside the current project. It makes the group panel's functions available by keyboard:
 /// statuses and groups to choose, groups to add and to delete.
 class FilterMenu : public QObject
 {

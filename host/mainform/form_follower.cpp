@@ -13,20 +13,27 @@ namespace {
 
 constexpr int SettlingTime = 120; // ms
 
-/// The tables, and how they share their widths out to the columns: times and paths need most room. The last column of the
-/// downloads is always empty.
-const std::pair<const char*, std::vector<int>> usualColumns[] = {
-    {"twtMyRender", {9, 12, 15, 12, 10, 9}},
-    {"twtLocalTask", {12, 14, 9, 11, 14, 12}},
-    {"twtDownload", {11, 15, 17, 11, 9, 8}},
+struct Columns
+{
+    const char* table;
+    std::vector<int> usual; ///< shares of the table's width: names, times and paths need most room
+    std::vector<int> left;  ///< whose texts and icons stand at the left, as names beside their check boxes do
 };
 
-/// Names of files stand beside their check boxes, other texts in the middle of their cells.
-void AlignHeader(const QTableWidget* table)
+/// The last column of the downloads is always empty; that of the local tasks tells how far an upload is.
+const Columns tables[] = {
+    {"twtMyRender", {9, 12, 15, 12, 10, 9}, {}},
+    {"twtLocalTask", {13, 13, 12, 10, 13, 11}, {0, 5}},
+    {"twtDownload", {13, 14, 16, 11, 10, 7}, {0}},
+};
+
+/// Has the headers stand over what their columns show.
+void AlignHeaders(const QTableWidget* table, const std::vector<int>& left)
 {
-    QTableWidgetItem* names = table->horizontalHeaderItem(0);
-    if (names && table != FindJobTable())
-        names->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    for (const int column : left) {
+        if (QTableWidgetItem* header = table->horizontalHeaderItem(column))
+            header->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    }
 }
 
 QTabWidget* Tabs(const QWidget* form)
@@ -73,12 +80,12 @@ void FormFollower::Attach(QWidget* form)
     if (const QTabWidget* tabs = Tabs(form))
         connect(tabs, &QTabWidget::currentChanged, this, &FormFollower::HandleTabChange);
     m_columns.clear();
-    for (const auto& [name, shares] : usualColumns) {
-        QTableWidget* table = FindTable(QLatin1String(name));
+    for (const Columns& columns : tables) {
+        QTableWidget* table = FindTable(QLatin1String(columns.table));
         if (!table)
             continue;
-        AlignHeader(table);
-        m_columns.push_back(std::make_unique<ColumnWidths>(table, shares, m_settings));
+        AlignHeaders(table, columns.left);
+        m_columns.push_back(std::make_unique<ColumnWidths>(table, columns.usual, m_settings));
     }
 }
 

@@ -1,16 +1,10 @@
 #include "host/mainform/job_trigger.h"
 
+#include "common/vtr_columns.h"
 #include "host/mainform/main_form.h"
 
 #include <QShortcut>
 #include <QTableWidget>
-
-namespace {
-
-constexpr int IdColumn = 0;
-constexpr int NameColumn = 1;
-
-} // namespace
 
 void JobTrigger::Attach()
 {
@@ -34,8 +28,8 @@ void JobTrigger::HandleDoubleClick(int row)
 
 void JobTrigger::Request(int row)
 {
-    const QTableWidgetItem* id = m_table->item(row, IdColumn);
-    const QTableWidgetItem* name = m_table->item(row, NameColumn);
+    const QTableWidgetItem* id = m_table->item(row, VTJobColumn::Sequence);
+    const QTableWidgetItem* name = m_table->item(row, VTJobColumn::Name);
     if (id && name)
         emit FramesRequested(
             id->data(Qt::UserRole).toString(), name->text(), id->text() + QLatin1Char('_') + name->text());

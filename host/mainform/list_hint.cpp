@@ -69,7 +69,11 @@ void ListHint::Translate()
 void ListHint::Update()
 {
     setGeometry(m_list->viewport()->geometry());
-    setVisible(m_texts.heading && m_list->model()->rowCount() == 0);
+    const bool isShown = m_texts.heading && m_list->model()->rowCount() == 0;
+    // The focus of a button that disappears would go on to the next one of the form.
+    if (!isShown && window()->focusWidget() == m_button)
+        m_list->setFocus();
+    setVisible(isShown);
     if (isVisible())
         raise();
 }

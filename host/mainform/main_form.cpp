@@ -1,5 +1,7 @@
 #include "host/mainform/main_form.h"
 
+#include "common/vtr_columns.h"
+
 #include <QApplication>
 #include <QListWidget>
 #include <QMenu>
@@ -96,19 +98,8 @@ GroupActions FindGroupActions()
     return {};
 }
 
-QStringList CheckedIds(const QTableWidget* table)
-{
-    QStringList ids;
-    for (int row = 0; row < table->rowCount(); ++row) {
-        const QTableWidgetItem* item = table->item(row, 0);
-        if (item && item->checkState() == Qt::Checked)
-            ids.append(item->data(Qt::UserRole).toString());
-    }
-    return ids;
-}
-
 void UndoPress(const QTableWidget* table, int row)
 {
-    if (QTableWidgetItem* item = table->item(row, 0))
+    if (QTableWidgetItem* item = table->item(row, VTIdColumn))
         item->setCheckState(item->checkState() == Qt::Checked ? Qt::Unchecked : Qt::Checked);
 }

@@ -45,8 +45,5 @@ struct GroupActions
 /// @return null entries while there is no panel.
 GroupActions FindGroupActions();
 
-/// @return the ids of the checked rows of one of the main form's tables, top to bottom.
-QStringList CheckedIds(const QTableWidget* table);
-
 /// Puts a row's check box back after a double click, whose first press has toggled it.
 void UndoPress(const QTableWidget* table, int row);

@@ -8,12 +8,6 @@
 
 #include <utility>
 
-namespace {
-
-constexpr int NoticeKind = 2;
-
-} // namespace
-
 NoticeBoard::NoticeBoard(VTMessagboxInterface* messageBox, VTUiLoaderInterface* loader, QObject* parent)
     : QObject(parent)
     , m_messageBox(messageBox)
@@ -40,7 +34,7 @@ void NoticeBoard::ShowNext()
     const QPointer<NoticeBoard> alive(this);
     m_isShowing = true;
     const QIcon icon(QStringLiteral(":/%1/main.png").arg(m_loader->GetSkin()));
-    m_messageBox->ShowMessage(NoticeKind, tr("QuillStar Client"), {}, icon, text,
+    m_messageBox->ShowMessage(VTMessagboxInterface::Notice, tr("QuillStar Client"), {}, icon, text,
         {{QStringLiteral("btnMessageBox_1"), tr("Ok")}}, true);
     if (!alive)
         return;

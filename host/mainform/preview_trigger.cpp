@@ -1,16 +1,10 @@
 #include "host/mainform/preview_trigger.h"
 
+#include "common/vtr_codetables.h"
+#include "common/vtr_columns.h"
 #include "host/mainform/main_form.h"
 
 #include <QTableWidget>
-
-namespace {
-
-constexpr int FileColumn = 2;
-constexpr int StatusColumn = 4;
-constexpr int FinishedStatus = 2;
-
-} // namespace
 
 void PreviewTrigger::Attach()
 {
@@ -22,9 +16,9 @@ void PreviewTrigger::Attach()
 void PreviewTrigger::HandleDoubleClick(int row)
 {
     const QTableWidget* table = FindDownloadTable();
-    const QTableWidgetItem* status = table ? table->item(row, StatusColumn) : nullptr;
-    const QTableWidgetItem* file = table ? table->item(row, FileColumn) : nullptr;
-    if (!status || !file || status->data(Qt::UserRole).toInt() != FinishedStatus)
+    const QTableWidgetItem* status = table ? table->item(row, VTDownloadColumn::Status) : nullptr;
+    const QTableWidgetItem* file = table ? table->item(row, VTDownloadColumn::Dest) : nullptr;
+    if (!status || !file || status->data(Qt::UserRole).toInt() != VTCodeTables::DownloadFinished)
         return;
     UndoPress(table, row);
     emit PreviewRequested(file->text());

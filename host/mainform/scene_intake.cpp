@@ -17,7 +17,6 @@
 
 namespace {
 
-constexpr int NoticeKind = 2;
 constexpr int TellingPause = 300; // ms, for refusals that come one after the other to share a notice
 
 /// @return the scene files among the dragged ones, by their names: a drag must not wait for a disk.
@@ -93,9 +92,7 @@ void SceneIntake::SubmitWaiting()
 
 void SceneIntake::ShowRefusal(const QString& scene, const QString& reason)
 {
-    // Reasons are messages of tasks, which the main window translates.
-    m_refusals.append(scene + QLatin1Char('\n')
-        + QCoreApplication::translate("VTQsClientPrivate", reason.toUtf8().constData()));
+    m_refusals.append(scene + QLatin1Char('\n') + reason);
     m_telling.start();
 }
 
@@ -110,8 +107,8 @@ void SceneIntake::Tell(const QString& text, const QStringList& scenes)
     if (scenes.isEmpty())
         return;
     const QIcon icon(QStringLiteral(":/%1/main.png").arg(m_loader->GetSkin()));
-    m_messageBox->ShowMessage(NoticeKind, tr("QuillStar Client"), text, icon, scenes.join(QLatin1Char('\n')),
-        {{QStringLiteral("btnMessageBox_1"), tr("Ok")}}, true);
+    m_messageBox->ShowMessage(VTMessagboxInterface::Notice, tr("QuillStar Client"), text, icon,
+        scenes.join(QLatin1Char('\n')), {{QStringLiteral("btnMessageBox_1"), tr("Ok")}}, true);
 }
 
 bool SceneIntake::eventFilter(QObject* watched, QEvent* event)

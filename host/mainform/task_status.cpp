@@ -1,5 +1,6 @@
 #include "host/mainform/task_status.h"
 
+#include "common/vtr_columns.h"
 #include "host/mainform/main_form.h"
 #include "host/ui/message_text.h"
 
@@ -8,12 +9,6 @@
 #include <QToolTip>
 
 #include <utility>
-
-namespace {
-
-constexpr int StatusColumn = 2;
-
-} // namespace
 
 TaskStatus::TaskStatus(Words words, QObject* parent)
     : QStyledItemDelegate(parent)
@@ -27,10 +22,10 @@ void TaskStatus::BeginSession()
     if (!table || table == m_table)
         return;
     m_table = table;
-    table->setItemDelegateForColumn(StatusColumn, this);
-    // The words may change while the status does not; then the window writes only the row's warning.
+    table->setItemDelegateForColumn(VTTaskColumn::Status, this);
+    // When the words change but the status does not, the window writes only the row's warning.
     connect(table->model(), &QAbstractItemModel::dataChanged, table,
-        [table](const QModelIndex& index) { table->update(index.siblingAtColumn(StatusColumn)); });
+        [table](const QModelIndex& index) { table->update(index.siblingAtColumn(VTTaskColumn::Status)); });
 }
 
 bool TaskStatus::helpEvent(
@@ -47,7 +42,7 @@ bool TaskStatus::helpEvent(
 void TaskStatus::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const
 {
     QStyledItemDelegate::initStyleOption(option, index);
-    const QString words = m_words(index.siblingAtColumn(0).data(Qt::UserRole).toString());
+    const QString words = m_words(index.siblingAtColumn(VTIdColumn).data(Qt::UserRole).toString());
     if (!words.isEmpty())
         option->text = words;
 }

@@ -1,5 +1,6 @@
 #include "host/mainform/transfer_buttons.h"
 
+#include "common/vtr_tablerows.h"
 #include "host/mainform/main_form.h"
 #include "host/settings/download_folder.h"
 #include "vtr_rendercoreinterface.h"
@@ -22,7 +23,7 @@ TransferButtons::TransferButtons(
 
 TransferButtons::~TransferButtons()
 {
-    // Only the check under way is waited for.
+    // Drops the checks that have not begun, so that the destructor waits for the running one only.
     m_folderChecks.clear();
 }
 
@@ -51,10 +52,10 @@ void TransferButtons::Connect(const char* button, Action action)
 void TransferButtons::CommandChecked(Command command)
 {
     const QTableWidget* table = FindDownloadTable();
-    // On the other tabs the button is the window's.
+    // On the other tabs the button belongs to the window.
     if (!table || !table->isVisible())
         return;
-    const QStringList ids = CheckedIds(table);
+    const QStringList ids = VTTableRows::CheckedIds(table);
     if (ids.isEmpty())
         emit Notice(tr("Please check the downloads first."));
     else

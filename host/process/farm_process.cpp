@@ -1,6 +1,6 @@
 #include "host/process/farm_process.h"
 
-#include "host/farmclient/backoff.h"
+#include "host/base/backoff.h"
 
 #include <QDebug>
 #include <QDir>
@@ -107,7 +107,7 @@ void FarmProcess::ReadLog()
     m_log = m_log.right(KeptLog);
 }
 
-/// @return the last line of the farm's log without its date and level, or what is known without it.
+/// @return the last line of the farm's log without its date and level, or another reason if there is none.
 QString FarmProcess::Reason() const
 {
     static const QRegularExpression prefix(QStringLiteral("^(\\[[^\\]]*\\] *)+"));
@@ -117,7 +117,7 @@ QString FarmProcess::Reason() const
         return tr("%1 cannot be started.").arg(QDir::toNativeSeparators(m_program));
     if (m_isTooSlow)
         return tr("It did not start in time.");
-    // It had no time to log why.
+    // A killed farm could not log the reason.
     if (m_process.exitStatus() == QProcess::CrashExit)
         return tr("It crashed or was killed.");
     return line.isEmpty() ? tr("It ended without saying why.") : line;

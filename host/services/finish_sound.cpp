@@ -3,7 +3,6 @@
 #include <QAudioDeviceInfo>
 #include <QFileInfo>
 #include <QSoundEffect>
-#include <QStandardPaths>
 #include <QUrl>
 
 static void InitSounds()

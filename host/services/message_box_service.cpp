@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr int KindQuestion = 4;
 constexpr int MaximumTitleWidth = 340;
 constexpr int AreaColumns = 60; // estimated characters per line, for the height of the area
 constexpr int AreaMargin = 12;
@@ -53,7 +52,8 @@ void FillText(const SkinnedForm& box, const MessageText& message)
 
 void FillKind(const SkinnedForm& box, int kind)
 {
-    const QString name = kind == KindQuestion ? QStringLiteral("question") : QStringLiteral("notice");
+    const QString name
+        = kind == MessageBoxService::Question ? QStringLiteral("question") : QStringLiteral("notice");
     auto* label = box.Find<QLabel>("lblIcon");
     label->setProperty("kind", name);
     // The style sheet chooses the picture by this property, but evaluates it only when a sheet is set.
@@ -105,8 +105,8 @@ QString MessageBoxService::ShowMessage(int kind, const QString& title, const QSt
         row.append(AddButton(
             dialog, box.Find<QWidget>("wgtButtons"), name, captions.value(name).toString(), &pressed));
     row.constLast()->setProperty("role", QStringLiteral("primary"));
-    // A question may be answered with Enter before it is read, so that has to change nothing.
-    QPushButton* first = kind == KindQuestion ? row.constFirst() : row.constLast();
+    // Enter may be pressed before the question is read, so it must refuse.
+    QPushButton* first = kind == MessageBoxService::Question ? row.constFirst() : row.constLast();
     first->setDefault(true);
     first->setFocus();
     dialog->adjustSize();

@@ -95,6 +95,11 @@ void RenderCoreService::ClearFinishedDownloads()
     m_downloads.ClearFinished();
 }
 
+void RenderCoreService::Retranslate()
+{
+    m_downloads.Retranslate();
+}
+
 void RenderCoreService::RetryFailedDownloads()
 {
     m_downloads.RetryFailed();
@@ -155,7 +160,7 @@ QString RenderCoreService::GetTaskStartTime(const QString& id)
 
 QString RenderCoreService::GetTaskMessage(const QString& id)
 {
-    return Task(id).message;
+    return Task(id).message.Text();
 }
 
 int RenderCoreService::GetTaskStage(const QString& id)
@@ -170,7 +175,7 @@ int RenderCoreService::GetTaskProgress(const QString& id)
 
 QString RenderCoreService::GetTaskUploadText(const QString& id)
 {
-    return Task(id).uploadText;
+    return Task(id).uploadText.Text();
 }
 
 int RenderCoreService::GetTaskErrorCode(const QString& id)

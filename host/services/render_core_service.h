@@ -17,7 +17,7 @@ class RenderCoreService : public ServiceBase<VTRenderCoreInterface>
     Q_INTERFACES(VTRenderCoreInterface)
 
 public:
-    /// @param folder for the queues' databases and packages.
+    /// @param folder holds the queues' databases and packages.
     /// @param settings must outlive this service.
     RenderCoreService(const QString& folder, VTSettingsInterface* settings, QObject* parent = nullptr);
 
@@ -44,7 +44,7 @@ public:
     /// The suffixes of the scenes that can be submitted, in lower case.
     static QStringList SceneSuffixes();
 
-    /// Says in a few words why a local task stands still; empty where the name of its stage says as much.
+    /// Says in a few words why a local task stands still; empty where the name of its stage is enough.
     QString HaltText(const QString& id) const;
 
     /// Tells the window where a page of a long list begins.
@@ -88,11 +88,13 @@ public slots:
     /// Removes all finished downloads from the list. Their files stay.
     void ClearFinishedDownloads();
     void RetryFailedDownloads();
+    /// Puts the messages of downloads into the current language. Those of submissions are made when they are asked for.
+    void Retranslate();
     void SetArgument(QString id, QVariantList arguments) override;
     void TriggerJobIdType(QVariantMap orders) override;
 
     /// Repeats automatic orders for jobs that are finished again.
-    /// @param answer to a request for a list of jobs.
+    /// @param answer is the answer to a request for a list of jobs.
     void HandleJobList(int code, const QVariantMap& answer);
 
 private:

@@ -1,6 +1,7 @@
 #include "host/services/ui_loader_service.h"
 
 #include "host/settings/setting_keys.h"
+#include "host/ui/column_fit.h"
 #include "host/ui/elided_label.h"
 #include "host/ui/frameless_window.h"
 #include "host/ui/languages.h"
@@ -29,6 +30,11 @@
 #include <QTextCharFormat>
 #include <QUiLoader>
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
+#include <vector>
+
 namespace {
 
 const QLatin1String MainFormKey("com.vtr.qsclient");
@@ -37,24 +43,6 @@ const QLatin1String DefaultSkin("default");
 const QLatin1String DefaultLanguage("vtr_en.qm");
 
 constexpr QSize CalendarSize(288, 248); // room for six weeks below the bar that a skin styles
-
-/// Draws texts and icons in the middle of their cells, below their headers.
-class CentredCells : public QStyledItemDelegate
-{
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
-    {
-        QStyledItemDelegate::initStyleOption(option, index);
-        option->displayAlignment = Qt::AlignCenter;
-        if (option->text.isEmpty()) {
-            option->decorationPosition = QStyleOptionViewItem::Top;
-            option->decorationAlignment = Qt::AlignCenter;
-        }
-    }
-};
 
 /// Adjusts pop-up lists and calendars where style sheets cannot.
 void PreparePopups(const QWidget* form)
@@ -90,13 +78,27 @@ void FollowEmptiness(QLineEdit* field)
     QObject::connect(field, &QLineEdit::textChanged, field, Restyle);
 }
 
+/// Shares the table's width out to its columns if the form says how.
+void FitColumns(QTableWidget* table)
+{
+    const QStringList texts = table->property("columnShares").toStringList();
+    if (texts.isEmpty())
+        return;
+    std::vector<int> shares;
+    std::transform(texts.cbegin(), texts.cend(), std::back_inserter(shares),
+        [](const QString& share) { return share.toInt(); });
+    new ColumnFit(table, std::move(shares), table);
+}
+
 /// Adds what a form file cannot say.
 void PrepareForm(QWidget* form)
 {
     PreparePopups(form);
     const auto tables = form->findChildren<QTableWidget*>();
-    for (QTableWidget* table : tables)
+    for (QTableWidget* table : tables) {
         new ProgressCells(table);
+        FitColumns(table);
+    }
     const auto buttons = form->findChildren<QPushButton*>();
     for (QPushButton* button : buttons) {
         const QString leader = button->property("levelWith").toString();
@@ -177,9 +179,6 @@ void UiLoaderService::PrepareMainForm(QWidget* form)
     new SideColumn(form);
     if (auto* project = form->findChild<QLabel*>(QStringLiteral("lblProjectV")))
         new ElidedLabel(project);
-    const auto tables = form->findChildren<QTableWidget*>();
-    for (QTableWidget* table : tables)
-        table->setItemDelegate(new CentredCells(table));
     // A form's tab stops cannot name the bar of its tabs, and would come after the tables in them.
     const auto* tabs = form->findChild<QTabWidget*>(QStringLiteral("tbwContainer"));
     auto* submit = form->findChild<QPushButton*>(QStringLiteral("btnSubmit"));

@@ -10,8 +10,6 @@
 #include <QHash>
 #include <QPointer>
 
-#include <memory>
-
 /// Loads forms, switches skins and languages, and owns the tray menu.
 ///
 /// Forms and the built-in skins are resources. Additional skins are files "skins/*.rcc" and languages are files

@@ -1,5 +1,8 @@
 #include "host/tour/screenshot_tour.h"
 
+#include "common/vtr_codetables.h"
+#include "common/vtr_columns.h"
+#include "common/vtr_tablerows.h"
 #include "host/app/client_host.h"
 #include "host/app/session_control.h"
 #include "host/mainform/main_form.h"
@@ -24,9 +27,8 @@ constexpr int Tick = 100;          // ms
 constexpr int SettlingTicks = 4;   // for layouts and pictures that follow a step with a delay
 constexpr int RefreshTicks = 20;   // between two refreshes of the job list
 constexpr int LongestStep = 60000; // ms
-constexpr int RunningStatus = 1;
-constexpr int LastStage = 7;  // of a submission
-constexpr int Complete = 100; // percent
+constexpr int LastStage = 7;       // of a submission
+constexpr int Complete = 100;      // percent
 
 /// @return a text of the main window in the current language.
 QString ClientText(const char* text)
@@ -80,14 +82,15 @@ ScreenshotTour::ScreenshotTour(const QString& folder, ClientHost* host)
     PlanDialog(QStringLiteral("lneInput"), QStringLiteral("group-name"));
     PlanModal(QStringLiteral("configuration"), [this] { m_services->configuration.ShowConf(); });
     const auto ask = [this](int kind, const QString& text, const QVariantHash& buttons) {
-        m_services->messageBox.ShowMessage(
-            kind, ClientText("QuillStar Client"), {}, QIcon(), text, buttons, kind == 2);
+        m_services->messageBox.ShowMessage(kind, ClientText("QuillStar Client"), {}, QIcon(), text, buttons,
+            kind == MessageBoxService::Notice);
     };
     PlanModal(QStringLiteral("notice"), [ask] {
-        ask(2, ClientText("Amount Overdue!"), {{QStringLiteral("btnMessageBox_1"), ClientText("Ok")}});
+        ask(MessageBoxService::Notice, ClientText("Amount Overdue!"),
+            {{QStringLiteral("btnMessageBox_1"), ClientText("Ok")}});
     });
     PlanModal(QStringLiteral("question"), [ask] {
-        ask(4, ClientText("Are you sure to quit?"),
+        ask(MessageBoxService::Question, ClientText("Are you sure to quit?"),
             {{QStringLiteral("btnMessageBox_1"), ClientText("Cancel")},
                 {QStringLiteral("btnMessageBox_2"), ClientText("Ok")}});
     });
@@ -155,7 +158,8 @@ void ScreenshotTour::PlanSubmission()
     m_steps.push_back({QStringLiteral("the list of tasks"),
         [] {
             const QTableWidget* tasks = FindTable(QStringLiteral("twtLocalTask"));
-            const auto* bar = tasks ? qobject_cast<QProgressBar*>(tasks->cellWidget(0, 3)) : nullptr;
+            const auto* bar
+                = tasks ? qobject_cast<QProgressBar*>(tasks->cellWidget(0, VTTaskColumn::Progress)) : nullptr;
             return bar && bar->value() == Complete;
         },
         [this] { Save(FindJobTable()->window(), QStringLiteral("local-tasks")); }});
@@ -204,8 +208,8 @@ void ScreenshotTour::PlanFrames()
     m_steps.push_back({QStringLiteral("the running job"), Always, [this] {
                            QTableWidget* jobs = FindJobTable();
                            for (int row = 0; row < jobs->rowCount(); ++row) {
-                               if (m_order.contains(jobs->item(row, 0)->data(Qt::UserRole).toString()))
-                                   emit jobs->cellDoubleClicked(row, 1);
+                               if (m_order.contains(VTTableRows::Id(jobs, row)))
+                                   emit jobs->cellDoubleClicked(row, VTJobColumn::Name);
                            }
                        }});
     m_steps.push_back({QStringLiteral("the frames of a job"),
@@ -322,16 +326,17 @@ bool ScreenshotTour::HasJobAdvanced()
 {
     QTableWidget* jobs = FindJobTable();
     for (int row = 0; jobs && row < jobs->rowCount(); ++row) {
-        const auto* bar = qobject_cast<QProgressBar*>(jobs->cellWidget(row, 3));
-        const QTableWidgetItem* state = jobs->item(row, 4);
-        const QTableWidgetItem* job = jobs->item(row, 0);
-        if (!bar || !state || !job || state->data(Qt::UserRole).toInt() != RunningStatus)
+        const auto* bar = qobject_cast<QProgressBar*>(jobs->cellWidget(row, VTJobColumn::Progress));
+        const QTableWidgetItem* state = jobs->item(row, VTJobColumn::Status);
+        const QTableWidgetItem* job = jobs->item(row, VTJobColumn::Sequence);
+        if (!bar || !state || !job || state->data(Qt::UserRole).toInt() != VTCodeTables::JobRunning)
             continue;
         const QString id = job->data(Qt::UserRole).toString();
         if (!m_firstProgress.contains(id))
             m_firstProgress.insert(id, bar->value());
         if (bar->value() > m_firstProgress.value(id)) {
-            const QString folder = job->text() + QLatin1Char('_') + jobs->item(row, 1)->text();
+            const QString folder
+                = job->text() + QLatin1Char('_') + jobs->item(row, VTJobColumn::Name)->text();
             m_order = {{id, QVariantMap {{QStringLiteral("subDir"), folder}, {QStringLiteral("manual"), 1}}}};
             return true;
         }

@@ -1,6 +1,6 @@
 #include "host/ui/picture_series.h"
 
-#include "host/ui/picture_file.h"
+#include "host/ui/picture_reader.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -27,7 +27,7 @@ QStringList FolderPictures::Names()
 {
     if (!m_isListing && (!m_sinceListing.isValid() || m_sinceListing.hasExpired(ListingInterval))) {
         m_isListing = true;
-        m_listings.start([this, file = m_file] { emit Listed(PictureFile::InSameFolder(file)); });
+        m_listings.start([this, file = m_file] { emit Listed(PictureReader::InSameFolder(file)); });
     }
     return m_names;
 }

@@ -1,5 +1,6 @@
 #include "host/ui/preview_window.h"
 
+#include "host/ui/picture_reader.h"
 #include "host/ui/picture_series.h"
 #include "host/ui/picture_view.h"
 #include "vtr_uiloaderinterface.h"
@@ -56,7 +57,7 @@ PreviewWindow::PreviewWindow(VTUiLoaderInterface* loader, QObject* parent)
 
 PreviewWindow::~PreviewWindow()
 {
-    // The form goes last and is hidden then.
+    // The form is destroyed last and must be hidden by then.
     Form()->removeEventFilter(this);
 }
 
@@ -80,7 +81,7 @@ void PreviewWindow::ConnectButtons()
     AddKeys({Qt::Key_End}, [this] { TurnTo(m_names.size() - 1); });
 }
 
-/// While the space bar is held, playing does not begin and end all the time.
+/// Ignores the repeats of a held space bar, which would start and stop playing all the time.
 void PreviewWindow::AddKeys(const QList<QKeySequence>& keys, const std::function<void()>& action)
 {
     for (const QKeySequence& key : keys) {
@@ -171,7 +172,7 @@ void PreviewWindow::HandleFile(const QString& name, const QString& file)
         return;
     m_reader.clear();
     m_reader.start(
-        [this, file, generation = m_generation] { emit Read(generation, PictureFile::Read(file)); });
+        [this, file, generation = m_generation] { emit Read(generation, PictureReader::Read(file)); });
 }
 
 void PreviewWindow::HandleFailure(const QString& name, const QString& reason)

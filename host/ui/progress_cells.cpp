@@ -1,13 +1,13 @@
 #include "host/ui/progress_cells.h"
 
+#include "common/vtr_columns.h"
+
 #include <QPainter>
 #include <QProgressBar>
 #include <QStyledItemDelegate>
 #include <QTableWidget>
 
 namespace {
-
-constexpr int Column = 3; // of the bars, in every table of the forms
 
 /// Reads the bar whenever it is asked, so that nothing needs to follow the bar's value.
 class ProgressItem : public QTableWidgetItem
@@ -61,7 +61,7 @@ ProgressCells::ProgressCells(QTableWidget* table)
                 DescribeRows(first, last);
         });
     QAccessible::installActivationObserver(this);
-    table->setItemDelegateForColumn(Column, new ProgressDelegate(table, this));
+    table->setItemDelegateForColumn(VTProgressColumn, new ProgressDelegate(table, this));
 }
 
 ProgressCells::~ProgressCells()
@@ -79,7 +79,7 @@ void ProgressCells::accessibilityActiveChanged(bool active)
 void ProgressCells::DescribeRows(int first, int last)
 {
     for (int row = first; row <= last; ++row) {
-        if (!m_table->item(row, Column))
-            m_table->setItem(row, Column, new ProgressItem);
+        if (!m_table->item(row, VTProgressColumn))
+            m_table->setItem(row, VTProgressColumn, new ProgressItem);
     }
 }

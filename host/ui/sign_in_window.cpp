@@ -17,7 +17,7 @@ namespace {
 constexpr int FailureLength = 160;   // characters
 constexpr int LongestToolTip = 2000; // characters
 constexpr QSize WholeSize(720, 440);
-constexpr int LowHeight = 340;
+constexpr int LeastHeight = 340;
 constexpr int Spacing = 6;
 constexpr int LowSpacing = 4;
 const QLatin1String LanguagePrefix("vtr_");
@@ -57,7 +57,7 @@ bool SignInWindow::eventFilter(QObject* watched, QEvent* event)
     return false;
 }
 
-/// Leaves out what is not needed where the screen is too small for the whole form.
+/// Hides the dispensable parts where the screen is too small for the whole form.
 void SignInWindow::FitScreen()
 {
     const QSize room = Form()->screen()->availableSize();
@@ -68,8 +68,8 @@ void SignInWindow::FitScreen()
     m_form.Find<QLabel>("lblHint")->setVisible(!isLow);
     auto* fields = m_form.Find<QLayout>("layWgtFields");
     fields->setSpacing(isLow ? LowSpacing : Spacing);
-    Form()->setFixedSize(
-        WholeSize.width() - (isNarrow ? brand->minimumWidth() : 0), isLow ? LowHeight : WholeSize.height());
+    Form()->setFixedSize(WholeSize.width() - (isNarrow ? brand->minimumWidth() : 0),
+        qBound(LeastHeight, room.height(), WholeSize.height()));
 }
 
 void SignInWindow::SetServer(const QString& server)
@@ -170,6 +170,8 @@ void SignInWindow::Request()
 {
     if (m_farm == Farm::Ready && m_signIn->isEnabled())
         emit SignInRequested(m_name->text().trimmed(), m_password->text());
+    else
+        FocusEmptyField();
 }
 
 void SignInWindow::UpdateButton()

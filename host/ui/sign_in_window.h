@@ -8,20 +8,20 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 
-/// Asks for user name and password, on the form "com.vtr.authclient", and tells of a farm that is not ready yet.
+/// Asks for user name and password, on the form "com.vtr.authclient", and shows when the farm is not ready yet.
 class SignInWindow : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The server with which to sign in.
+    /// The state of the server to sign in to.
     enum class Farm {
         Ready,
-        Starting, ///< signing in has to wait
-        Failed    ///< it starts only when the user asks for it
+        Starting, ///< nobody can sign in yet
+        Failed    ///< it is started again only when the user asks for it
     };
 
-    /// A sentence in the language of the moment; plain text.
+    /// Returns a sentence in the current language, as plain text.
     using Words = std::function<QString()>;
 
     explicit SignInWindow(VTUiLoaderInterface* loader, QObject* parent = nullptr);
@@ -38,23 +38,23 @@ public slots:
     void SetServer(const QString& server);
 
     /// @param reason why the farm does not start; empty for none. Plain text.
-    void SetFarm(Farm farm, const QString& reason = {});
+    void SetFarm(SignInWindow::Farm farm, const QString& reason = {});
 
-    /// Fills in the user's name, if it is known, and moves the cursor to what is to be typed next.
+    /// Fills in the user's name, if it is known, and moves the cursor to the next empty field.
     void SetName(const QString& name);
 
     /// While busy, nothing can be entered or sent.
     void SetBusy(bool busy);
 
-    /// Says why signing in failed and lets the user try again. @param text is asked again in each new language.
-    void ShowFailure(const Words& text);
+    /// Shows why signing in failed and lets the user try again. @param text is called again for each new language.
+    void ShowFailure(const SignInWindow::Words& text);
 
     /// Clears the password after a successful sign-in.
     void Reset();
 
 signals:
     void SignInRequested(const QString& name, const QString& password);
-    /// The farm is to be started once more.
+    /// The user has asked to start the farm once more.
     void StartRequested();
 
 private:

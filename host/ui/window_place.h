@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QObject>
+#include <QPoint>
 #include <QPointer>
-#include <QRect>
 #include <QTimer>
 #include <QWidget>
 
@@ -27,7 +27,7 @@ private:
 
     QWidget* m_form;
     QPointer<VTSettingsInterface> m_settings;
-    QPoint m_wanted; // until the window system has placed the form
+    QPoint m_wanted; // the wanted place, until the window system has placed the form
     enum { NotShown, Settling, Settled } m_state = NotShown;
     QTimer m_settling; // runs out when the form has kept its geometry for a while
 };

@@ -54,6 +54,9 @@ private slots:
         QVERIFY(!Bar(Candidates(), 199));
         Candidates()->scrollToBottom();
         QVERIFY(Bar(Candidates(), 199) && Bar(Candidates(), 199)->value() == 10);
+        Candidates()->setFixedHeight(100 * Candidates()->rowHeight(0));
+        Offer(MakeJobs(70));
+        QVERIFY(Bar(Candidates(), 69));
     }
 
     void ShowsTheNewestList()
@@ -159,6 +162,21 @@ private slots:
         QCOMPARE(TakeJournal().count("RecoverJobs"_s), 2);
         QCOMPARE(LastOf("RecoverJobs"), Sons({4}));
         QVERIFY(Dependencies().isEmpty());
+    }
+
+    void LeavesTheSonGroupsToTheNextSession()
+    {
+        WriteAccountFile("data"_s, "[parent]\nid-1=p1&maya\n");
+        m_client->SignIn();
+        emit Communication().SignOutResponse(200, {});
+        TakeJournal();
+        QVERIFY(!PollTimer()->isActive());
+        Poll();
+        Answer(InfoAnswer("p1"_s, 4));
+        QCOMPARE(TakeJournal(), QString());
+        m_client->SignIn();
+        Answer(InfoAnswer("p1"_s, 4));
+        QCOMPARE(LastOf("RecoverJobs"), Sons({1}));
     }
 
     void EndsWithItsSession()

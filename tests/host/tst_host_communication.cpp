@@ -41,8 +41,8 @@ struct Behaviour
     const char* name;
     QList<Reply> replies; ///< none: connections are refused
     int code;
-    int requests = 1;           ///< of a repeatable request
-    int codeOfOne = 0;          ///< of a request that is not repeated, where it differs
+    int requests = 1;           ///< how often a repeatable request is sent
+    int codeOfOne = 0;          ///< the code of a request that is not repeated, where it differs
     int attemptTime = Patience; // ms
 };
 
@@ -54,24 +54,23 @@ const auto& Behaviours()
         {"failures, then success", {StandInServer::Http(500), StandInServer::Http(503), good}, 200, 3, 500},
         {"asks to wait an hour", {StandInServer::Http(429, "{}", "Retry-After: 3600\r\n"), good}, 200, 2,
             429},
-        {"refused", {}, HttpResult::Unreachable, 0},
-        {"closed without an answer", {Reply {}}, HttpResult::Unreachable, AnyNumber},
-        {"always cut off", {Reply {good.bytes.chopped(10)}}, HttpResult::Unreachable, 3},
+        {"refused", {}, FarmFault::Unreachable, 0},
+        {"closed without an answer", {Reply {}}, FarmFault::Unreachable, AnyNumber},
+        {"always cut off", {Reply {good.bytes.chopped(10)}}, FarmFault::Unreachable, 3},
         {"of a proxy", {StandInServer::Http(407)}, 407},
-        {"silent", {StandInServer::Held({})}, HttpResult::TimedOut, 3, 0, 400},
-        {"stalled", {Reply {good.bytes.chopped(10), false, 0, StandInServer::Stall}}, HttpResult::TimedOut, 3,
+        {"silent", {StandInServer::Held({})}, FarmFault::TimedOut, 3, 0, 400},
+        {"stalled", {Reply {good.bytes.chopped(10), false, 0, StandInServer::Stall}}, FarmFault::TimedOut, 3,
             0, 400},
-        {"endless", {Reply {"HTTP/1.1 200 OK\r\n\r\n", false, 0, StandInServer::Flood}},
-            HttpResult::TooLarge},
-        {"huge", {StandInServer::Http(200, QByteArray(200000, ' ') + Account())}, HttpResult::TooLarge},
+        {"endless", {Reply {"HTTP/1.1 200 OK\r\n\r\n", false, 0, StandInServer::Flood}}, FarmFault::TooLarge},
+        {"huge", {StandInServer::Http(200, QByteArray(200000, ' ') + Account())}, FarmFault::TooLarge},
         {"slow", {Reply {StandInServer::Http(200, Account() + QByteArray(90000, ' ')).bytes, false, 5000}},
             200, 1, 0, 1000},
-        {"dripping", {Reply {good.bytes, false, 1}}, HttpResult::TimedOut, 3, 0, 500},
+        {"dripping", {Reply {good.bytes, false, 1}}, FarmFault::TimedOut, 3, 0, 500},
         {"compressed", {Compressed(Account())}, 200},
-        {"compressed and huge", {Compressed(QByteArray(200000, ' ') + Account())}, HttpResult::TooLarge},
-        {"compressed and cut", {Compressed(Account(), 8)}, HttpResult::NotJson},
-        {"a portal's page", {StandInServer::Http(200, "<html>")}, HttpResult::NotJson},
-        {"half an object", {StandInServer::Http(200, Account().chopped(2))}, HttpResult::NotJson},
+        {"compressed and huge", {Compressed(QByteArray(200000, ' ') + Account())}, FarmFault::TooLarge},
+        {"compressed and cut", {Compressed(Account(), 8)}, FarmFault::NotJson},
+        {"a portal's page", {StandInServer::Http(200, "<html>")}, FarmFault::NotJson},
+        {"half an object", {StandInServer::Http(200, Account().chopped(2))}, FarmFault::NotJson},
     };
     return rows;
 }
@@ -233,7 +232,7 @@ private slots:
             Client client(server.Url());
             client.service.SignIn("demo"_s, "secret"_s);
             EVENTUALLY_COMPARE(client.signIns.count(), 1);
-            QCOMPARE(client.signIns[0][0].toInt(), isTrusted ? 200 : HttpResult::Untrusted);
+            QCOMPARE(client.signIns[0][0].toInt(), isTrusted ? 200 : FarmFault::Untrusted);
             QCOMPARE(server.Requests().size(), isTrusted ? 1 : 0);
         }
         QVERIFY(server.Requests().constFirst().contains("secret"));
@@ -346,7 +345,7 @@ private slots:
         m_server->Release(2);
         Ask(&Service::GetUserInfo);
         EVENTUALLY_COMPARE(m_client->accounts.count(), 1);
-        QCOMPARE(m_client->accounts[0][0].toInt(), HttpResult::NotJson);
+        QCOMPARE(m_client->accounts[0][0].toInt(), FarmFault::NotJson);
     }
 
     void ReportsAnExpiredSessionOnce()

@@ -20,13 +20,13 @@ using Story = std::tuple<const char*, QVector<Event>, int, const char*, int>;
 const auto& Stories()
 {
     const Event listed {0, "GET /jobs?page=1", 0};
-    const Event lost {60'000, "GET /account", HttpResult::Unreachable};
-    const Event lostAgain {62'000, "GET /jobs?page=1", HttpResult::Unreachable};
+    const Event lost {60'000, "GET /account", FarmFault::Unreachable};
+    const Event lostAgain {62'000, "GET /jobs?page=1", FarmFault::Unreachable};
     static const Story rows[] = {
         {"nothing yet", {}, 0, "Connected", 0},
         {"a failure", {listed, lost}, 64'000, "Trying again…", 1},
         {"an outage", {listed, lost, lostAgain}, 66'000, "Not reachable since 22:44, list as of 22:43", 1},
-        {"an outage by several causes", {lost, {61'000, "GET /account", HttpResult::TimedOut}, lostAgain},
+        {"an outage by several causes", {lost, {61'000, "GET /account", FarmFault::TimedOut}, lostAgain},
             66'000, "Not reachable since 22:44", 2},
         {"an outage overnight", {listed, lost}, 90'000'000,
             "Not reachable since 11-22 22:44, list as of 11-22 22:43", 1},
@@ -164,7 +164,7 @@ private slots:
         EVENTUALLY_COMPARE(strip.text(), "Connected"_s);
         strip.hide();
         updates.clear();
-        feed.Report("GET", "/account", {HttpResult::TimedOut});
+        feed.Report("GET", "/account", {FarmFault::TimedOut});
         QCoreApplication::processEvents();
         QVERIFY(updates.isEmpty());
         strip.show();

@@ -53,7 +53,8 @@ const std::tuple<const char*, QByteArray, int, int, bool> announcements[] = {
 
 struct Listener
 {
-    explicit Listener(const Reply& reply)
+    explicit Listener(const Reply& reply, int longestSilence = FarmEvents::LongestSilence)
+        : events(&transport, "abc", nullptr, longestSilence)
     {
         server.SetReplies({reply});
         feed.BeginSession("abc");
@@ -67,7 +68,7 @@ struct Listener
     StandInServer server;
     ConnectionFeed feed;
     HttpTransport transport;
-    FarmEvents events {&transport, "abc", nullptr};
+    FarmEvents events;
 };
 
 } // namespace
@@ -147,6 +148,16 @@ private slots:
             QVERIFY2(isExpected(at), name);
             QCOMPARE(listeners[at]->feed.Look().state.Entries().isEmpty(), name != "busy");
         }
+    }
+
+    // A farm that hangs keeps its connections open.
+    void NoticesAFarmThatFallsSilent()
+    {
+        Listener listener({Head(), false, 0, StandInServer::Stall}, 1000);
+        EVENTUALLY(listener.Requests() > 1);
+        QVERIFY(!listener.IsFailing());
+        listener.server.SetReplies({Reply {{}, true}});
+        EVENTUALLY(listener.IsFailing() && !listener.events.IsAnnouncing());
     }
 
     void FollowsTheServer()

@@ -31,7 +31,7 @@ const auto& Charts()
 QByteArray FirstAnswer()
 {
     return "{'job': {'job_status': 1, 'job_cost': '0.30', 'job_cost_unit': 'RMB'}, 'message': '', "
-           "'time': 50, 'total': 4, 'rendering': [[3, 7]], 'frames': ["
+           "'time': 50, 'total': 4, 'rendering': [[3, 7, 'n1', 64]], 'frames': ["
            "[1, 2, 1, 2400, 24000, 'frame_0001.png', SIZE], [2, 0, 1, 0, 0, '', 0], "
            "[3, 0, 0, 0, 0, '', 0], [4, 2, 1, 40, 12000, '../x', 9], [4], 'rubbish', [1, 0]]}";
 }
@@ -49,6 +49,52 @@ QByteArray Png()
     QImage(300, 200, QImage::Format_RGB32).save(&buffer, "PNG");
     return png;
 }
+
+/// A window that shows the frames of a job on a stand-in for the farm.
+struct Follower
+{
+    Follower()
+    {
+        const QByteArray png = Png();
+        server.SetReplies({StandInServer::Data("{'log': 'all is well'}")});
+        server.SetReplyTo("/frames?since=0 ",
+            StandInServer::Data(FirstAnswer().replace("SIZE", QByteArray::number(png.size()))));
+        server.SetReplyTo("/frames?since=50 ", StandInServer::Data(SecondAnswer()));
+        server.SetReplyTo("/files/", StandInServer::Http(200, png));
+        server.SetReplyTo("/spending",
+            StandInServer::Data("{'currency': 'RMB', 'days': [{'day': 'd', 'amount': '2.50'}, "
+                                "{'day': '<b>e</b>', 'amount': '1e300'}]}"));
+        window.SetAccess({FarmApiRoot(server.Url()), "t"_s, "owner"_s, folder.path()});
+        window.Open("j1"_s, "shot"_s, "1_shot"_s);
+    }
+
+    template <typename Widget>
+    Widget* Find(const QString& name = {})
+    {
+        return window.Form()->findChild<Widget*>(name);
+    }
+
+    QString Text(const char* label) { return Find<QLabel>(QLatin1String(label))->text(); }
+
+    QString Cells(int row) const
+    {
+        QStringList texts;
+        for (int column = 0; column < FrameModel::ColumnCount; ++column)
+            texts.append(table->model()->index(row, column).data().toString());
+        return texts.join(QLatin1Char('|'));
+    }
+
+    bool HasThumbnail(int row) const
+    {
+        return !table->model()->index(row, 0).data(Qt::DecorationRole).isNull();
+    }
+
+    StandInServer server;
+    QTemporaryDir folder;
+    UiLoaderService loader {nullptr};
+    FramesWindow window {&loader};
+    QTableView* table = Find<QTableView>();
+};
 
 } // namespace
 
@@ -76,50 +122,44 @@ private slots:
 
     void FollowsAJob()
     {
-        const QByteArray png = Png();
-        StandInServer server;
-        server.SetReplies({StandInServer::Data("{'log': 'all is well'}")});
-        server.SetReplyTo("/frames?since=0 ",
-            StandInServer::Data(FirstAnswer().replace("SIZE", QByteArray::number(png.size()))));
-        server.SetReplyTo("/frames?since=50 ", StandInServer::Data(SecondAnswer()));
-        server.SetReplyTo("/files/", StandInServer::Http(200, png));
-        server.SetReplyTo("/spending",
-            StandInServer::Data("{'currency': 'RMB', 'days': [{'day': 'd', 'amount': '2.50'}, "
-                                "{'day': '<b>e</b>', 'amount': '1e300'}]}"));
-        const QTemporaryDir folder;
-        UiLoaderService loader {nullptr};
-        FramesWindow window(&loader);
-        const auto text = [&](const char* label) {
-            return window.Form()->findChild<QLabel*>(QLatin1String(label))->text();
-        };
-        auto* table = window.Form()->findChild<QTableView*>();
-        const auto cells = [&](int row) {
-            QStringList texts;
-            for (int column = 0; column < FrameModel::ColumnCount; ++column)
-                texts.append(table->model()->index(row, column).data().toString());
-            return texts.join(QLatin1Char('|'));
-        };
-        window.SetAccess({FarmApiRoot(server.Url()), "t"_s, "owner"_s, folder.path()});
-        window.Open("j1"_s, "shot"_s, "1_shot"_s);
-        EVENTUALLY_COMPARE(text("lblSummary"),
+        Follower follower;
+        EVENTUALLY_COMPARE(follower.Text("lblSummary"),
             "Running · 2 of 4 frames finished · 1 being rendered · 1.2 s a frame · 0.30 RMB"_s);
-        QCOMPARE(cells(0), "1|Finished|2.4 s|0.0240|1"_s);
-        QCOMPARE(cells(2), "3|Rendering|7.0 s||"_s);
-        QCOMPARE(cells(3), "4|Finished|40 ms|0.0120|1"_s);
-        EVENTUALLY_COMPARE(window.Form()->findChild<QPlainTextEdit*>()->toPlainText(), "all is well"_s);
-        EVENTUALLY(!table->model()->index(0, 0).data(Qt::DecorationRole).isNull());
-        // A picture whose name leads elsewhere is none.
-        QCOMPARE(window.Form()->findChild<ChartView*>()->accessibleDescription(),
+        QCOMPARE(follower.Cells(0), "1|Finished|2.4 s|0.0240|1"_s);
+        QCOMPARE(follower.Cells(2), "3|Rendering · 64 %|7.0 s||"_s);
+        QCOMPARE(follower.Cells(3), "4|Finished|40 ms|0.0120|1"_s);
+        EVENTUALLY_COMPARE(follower.Find<QPlainTextEdit>()->toPlainText(), "all is well"_s);
+        EVENTUALLY(follower.HasThumbnail(0));
+        QCOMPARE(follower.Find<ChartView>()->accessibleDescription(),
             "2 finished frames took 1.2 s each on average, and at most 2.4 s."_s);
+        // The next answer holds only what has changed.
+        EVENTUALLY_COMPARE(follower.Text("lblTrouble"), "The job has failed: no lamp"_s);
+        QCOMPARE(follower.Cells(1), "2|Failed|||3"_s);
+        QCOMPARE(follower.Cells(2), "3|Waiting|||"_s);
+        QVERIFY(follower.HasThumbnail(0));
+        follower.Find<QPushButton>("btnSpending"_s)->click();
+        EVENTUALLY_COMPARE(
+            follower.Find<ChartView>()->accessibleDescription(), "2.50 RMB in the last 2 days."_s);
+        follower.server.Refuse();
+        EVENTUALLY(follower.Text("lblTrouble").startsWith("The server cannot be reached"_s));
+        follower.window.SetAccess({});
+        QVERIFY(!follower.window.Form()->isVisible());
+    }
+
+    void PreviewsTheFinishedFrames()
+    {
+        Follower follower;
+        EVENTUALLY(follower.HasThumbnail(0));
         std::shared_ptr<PictureSeries> series;
         int previews = 0;
-        connect(&window, &FramesWindow::PreviewRequested, this, [&](const auto& pictures) {
+        connect(&follower.window, &FramesWindow::PreviewRequested, this, [&](const auto& pictures) {
             series = pictures;
             ++previews;
         });
+        // A picture whose name leads elsewhere, as in the last row, is none.
         for (const int row : {3, 0}) {
-            table->selectRow(row);
-            emit table->doubleClicked(table->model()->index(row, 0));
+            follower.table->selectRow(row);
+            emit follower.table->doubleClicked(follower.table->model()->index(row, 0));
         }
         QCOMPARE(previews, 1);
         QCOMPARE(series->Names(), QStringList("frame_0001.png"_s));
@@ -129,18 +169,6 @@ private slots:
         series->Provide("frame_0002.png"_s);
         EVENTUALLY_COMPARE(ready.count() * 10 + failed.count(), 11);
         QVERIFY(!QImage(ready.at(0).at(1).toString()).isNull());
-        // The next answer holds only what has changed.
-        EVENTUALLY_COMPARE(text("lblTrouble"), "The job has failed: no lamp"_s);
-        QCOMPARE(cells(1), "2|Failed|||3"_s);
-        QCOMPARE(cells(2), "3|Waiting|||"_s);
-        QVERIFY(!table->model()->index(0, 0).data(Qt::DecorationRole).isNull());
-        window.Form()->findChild<QPushButton*>("btnSpending"_s)->click();
-        EVENTUALLY_COMPARE(window.Form()->findChild<ChartView*>()->accessibleDescription(),
-            "2.50 RMB in the last 2 days."_s);
-        server.Refuse();
-        EVENTUALLY(text("lblTrouble").startsWith("The server cannot be reached"_s));
-        window.SetAccess({});
-        QVERIFY(!window.Form()->isVisible());
     }
 };
 

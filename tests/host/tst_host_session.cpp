@@ -98,6 +98,27 @@ struct Client
         EVENTUALLY(session.IsSignedIn());
     }
 
+    void ServeProjects()
+    {
+        server.SetReplyTo("/projects",
+            StandInServer::Data("[{'project_name': 'Harbour', 'project_pool': 'p&1'},"
+                                "{'project_name': 'Taken', 'project_pool': 'p2'}]"));
+        // A job that is added between two requests moves another one to the second page.
+        server.SetReplyTo("page=1&", Jobs(2 * ProjectGroups::PageSize, ProjectGroups::PageSize + 1));
+        server.SetReplyTo("page=2&", Jobs(ProjectGroups::PageSize + 1, 2));
+        server.SetReplyTo("page=3&", Jobs(1, 1));
+    }
+
+    /// Lists jobs as a refresh of the window does.
+    void ListJobs(const QString& conditions, bool asksForProject)
+    {
+        QSignalSpy arrived(&communication, &CommunicationService::JobListResponse);
+        communication.GetJobList(
+            1, {{"page"_s, 1}, {"pageSize"_s, 18}, {"token"_s, "abc"_s}, {"conditions"_s, conditions}});
+        EVENTUALLY(!arrived.isEmpty() && arrived[0][1].toMap()["conditions"_s] == conditions);
+        QCOMPARE(server.Requests().constLast().contains("pool_id"), asksForProject);
+    }
+
     StandInServer server;
     MemorySettings settings;
     UiLoaderService loader {&settings};
@@ -182,13 +203,7 @@ private slots:
         QVERIFY(file.Set("Harbour"_s, QString()) && file.Set("Own"_s, QString())
             && file.Set("Taken"_s, QStringList("7"_s)));
         StandInServer& server = m_client->server;
-        server.SetReplyTo("/projects",
-            StandInServer::Data("[{'project_name': 'Harbour', 'project_pool': 'p&1'},"
-                                "{'project_name': 'Taken', 'project_pool': 'p2'}]"));
-        // A job that is added between two requests moves another one to the second page.
-        server.SetReplyTo("page=1&", Jobs(2 * ProjectGroups::PageSize, ProjectGroups::PageSize + 1));
-        server.SetReplyTo("page=2&", Jobs(ProjectGroups::PageSize + 1, 2));
-        server.SetReplyTo("page=3&", Jobs(1, 1));
+        m_client->ServeProjects();
         ProjectGroups groups(&m_client->communication, &m_client->settings);
         const auto begin = [&] {
             QSignalSpy listed(&groups, &ProjectGroups::ProjectsListed);
@@ -206,7 +221,7 @@ private slots:
         QCOMPARE(server.Requests().size(), 4);
         QCOMPARE(file.Value("Own"_s), QStringList(QString()));
         QCOMPARE(file.Value("Taken"_s), QStringList("7"_s));
-        // Only what is new is asked for later.
+        // Later requests ask only for new jobs.
         server.SetReplyTo("page=1&", Jobs(2 * ProjectGroups::PageSize + 1, ProjectGroups::PageSize + 2));
         begin();
         EVENTUALLY_COMPARE(
@@ -214,22 +229,15 @@ private slots:
         QCOMPARE(server.Requests().size(), 6);
         // A refresh finds jobs that the project got after its group was chosen, and other lists stay as they are.
         m_client->settings.values.insert("vtr.account.ann/currentproject"_s, "Harbour"_s);
-        const auto refresh = [&](const QString& conditions, bool asksForProject) {
-            QSignalSpy arrived(&m_client->communication, &CommunicationService::JobListResponse);
-            m_client->communication.GetJobList(
-                1, {{"page"_s, 1}, {"pageSize"_s, 18}, {"token"_s, "abc"_s}, {"conditions"_s, conditions}});
-            EVENTUALLY(!arrived.isEmpty() && arrived[0][1].toMap()["conditions"_s] == conditions);
-            QCOMPARE(server.Requests().constLast().contains("pool_id"), asksForProject);
-        };
         const auto group = [](const QStringList& ids) {
             return R"({"job_guid": "%1"})"_s.arg(ids.join(QLatin1Char(',')));
         };
         const QString chosen = group(file.Value("Harbour"_s));
-        refresh(chosen, true);
+        m_client->ListJobs(chosen, true);
         QVERIFY(file.Set("Harbour"_s, QStringList {"9"_s}));
-        refresh(chosen, true);
-        refresh(group({"8"_s}), false);
-        refresh(R"({"status": 1})"_s, false);
+        m_client->ListJobs(chosen, true);
+        m_client->ListJobs(group({"8"_s}), false);
+        m_client->ListJobs(R"({"status": 1})"_s, false);
         groups.EndSession();
         groups.Follow("Harbour"_s);
     }
@@ -259,7 +267,10 @@ private slots:
         using Farm = SignInWindow::Farm;
         const auto* server = m_client->Find<QLabel>("lblServer");
         m_client->session.ShowSignIn();
-        m_client->Find<QLineEdit>("lneName")->setText("demo"_s);
+        auto* name = m_client->Find<QLineEdit>("lneName");
+        name->setText("demo"_s);
+        emit name->returnPressed();
+        QCOMPARE(name->window()->focusWidget()->objectName(), "lnePassword"_s); // which is empty
         m_client->Find<QLineEdit>("lnePassword")->setText("demo"_s);
         QSignalSpy starts(&m_client->session, &SessionControl::StartRequested);
         const std::tuple<Farm, const char*, const char*, bool> states[] = {

@@ -1,7 +1,7 @@
-#include "host/mainform/column_widths.h"
 #include "host/mainform/form_follower.h"
 #include "host/mainform/shortcuts.h"
 #include "host/settings/setting_keys.h"
+#include "host/ui/column_fit.h"
 #include "host/ui/form_layout.h"
 #include "host/ui/frameless_window.h"
 #include "host/ui/screen_fit.h"
@@ -132,12 +132,12 @@ private slots:
         new WindowPlace(&form, &settings);
         form.show();
         QCOMPARE(form.geometry(), place);
-        QTest::qWait(400); // while it settles, the form is put back to its place
-        form.setGeometry(30, 40, 450, 330);
-        EVENTUALLY(settings.Value(SettingKeys::WindowPlace, {}).toRect() == QRect(30, 40, 450, 330));
+        // While it settles, the form is put back to its place.
+        const QRect moved(30, 40, 450, 330);
+        EVENTUALLY((form.setGeometry(moved), settings.Value(SettingKeys::WindowPlace, {}).toRect() == moved));
         form.maximize.click();
         EVENTUALLY(settings.Value(SettingKeys::WindowMaximized, {}).toBool());
-        QCOMPARE(settings.Value(SettingKeys::WindowPlace, {}).toRect(), QRect(30, 40, 450, 330));
+        QCOMPARE(settings.Value(SettingKeys::WindowPlace, {}).toRect(), moved);
 
         MainForm next;
         new WindowPlace(&next, &settings);

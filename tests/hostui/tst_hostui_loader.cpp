@@ -1,7 +1,9 @@
 #include "host/farmclient/http_result.h"
 #include "host/mainform/project_picker.h"
 #include "host/services/ui_loader_service.h"
+#include "host/ui/screen_fit.h"
 #include "host/ui/sign_in_window.h"
+#include "host/ui/skins.h"
 #include "tests/hostui/memory_settings.h"
 #include "tests/hostui/small_form.h"
 #include "tests/support/test_files.h"
@@ -13,16 +15,16 @@
 namespace {
 
 const FarmFault faults[] = {
-    {HttpResult::Unreachable, FarmFault::NoServer},
-    {HttpResult::Unreachable, QNetworkReply::ConnectionRefusedError, "qt"_s},
-    {HttpResult::Unreachable, QNetworkReply::HostNotFoundError, "qt"_s},
-    {HttpResult::Unreachable, QNetworkReply::ProxyTimeoutError, "qt"_s},
-    {HttpResult::Unreachable, QNetworkReply::ProtocolFailure, "qt"_s},
-    {HttpResult::Untrusted, QSslError::SelfSignedCertificate, "qt"_s},
-    {HttpResult::Untrusted, QSslError::HostNameMismatch, "qt"_s},
-    {HttpResult::TimedOut},
-    {HttpResult::TooLarge},
-    {HttpResult::NotJson},
+    {FarmFault::Unreachable, FarmFault::NoServer},
+    {FarmFault::Unreachable, QNetworkReply::ConnectionRefusedError, "qt"_s},
+    {FarmFault::Unreachable, QNetworkReply::HostNotFoundError, "qt"_s},
+    {FarmFault::Unreachable, QNetworkReply::ProxyTimeoutError, "qt"_s},
+    {FarmFault::Unreachable, QNetworkReply::ProtocolFailure, "qt"_s},
+    {FarmFault::Untrusted, QSslError::SelfSignedCertificate, "qt"_s},
+    {FarmFault::Untrusted, QSslError::HostNameMismatch, "qt"_s},
+    {FarmFault::TimedOut},
+    {FarmFault::TooLarge},
+    {FarmFault::NotJson},
     {407},
     {418},
     {400, 0, "type is not one of the farm's job types"_s},
@@ -188,6 +190,7 @@ private slots:
         for (const QString& file : forms) {
             m_loader->SetLanguage(m_loader->GetLanguages().at(1));
             const std::unique_ptr<QWidget> form(m_loader->LoadUi(file.chopped(3), nullptr));
+            form->setWindowTitle("task"_s);
             const QMap<QString, QString> names = ReadAloud(form.get());
             QVERIFY2(!names.isEmpty(), qPrintable(file));
             const QAccessible::Role role = QAccessible::queryAccessibleInterface(form.get())->role();
@@ -197,6 +200,8 @@ private slots:
 
             m_loader->SetLanguage(m_loader->GetLanguages().constLast());
             QCoreApplication::sendPostedEvents();
+            // The plugin keeps a task's id there.
+            QVERIFY(form->windowTitle() == "task"_s || !file.contains("setargument"_s));
             const QMap<QString, QString> translated = ReadAloud(form.get());
             const auto children = form->findChildren<QWidget*>();
             for (const QWidget* child : children) {
@@ -225,18 +230,42 @@ private slots:
         }
     }
 
+    /// Their buttons stay in view while the rest scrolls, and their columns fill their tables.
+    void FitsDialogsOnSmallScreens()
+    {
+        for (const auto& [key, name] : {std::pair("configuration", "btnOk"), {"connection", "btnOk"},
+                 {"inputdialog", "btnOk"}, {"search", "btnSearchJob"}, {"setparent", "btnOkSetParent"}}) {
+            const std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr."_s + QLatin1String(key), nullptr));
+            FitScreen(form.get(), {640, 360});
+            form->show();
+            const auto* button = form->findChild<QWidget*>(QLatin1String(name));
+            QVERIFY2(button, key);
+            EVENTUALLY_COMPARE(button->visibleRegion().boundingRect(), button->rect());
+            if (auto* table = form->findChild<QTableWidget*>()) {
+                table->setRowCount(100);
+                EVENTUALLY_COMPARE(table->horizontalHeader()->length(), table->viewport()->width());
+                QVERIFY(table->columnWidth(1) > table->columnWidth(0)); // names need more room than numbers
+            }
+        }
+    }
+
     void TakesOnlyDigitsForTheNumberOfAJob()
     {
         const std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr.search"_s, nullptr));
         auto* number = form->findChild<QLineEdit*>("lneJobId"_s);
-        form->setStyleSheet(R"(QLineEdit { color: red } QLineEdit[text=""] { color: blue })"_s);
-        number->ensurePolished();
-        QCOMPARE(number->palette().color(QPalette::Text), QColor(Qt::blue)); // of the hint
+        auto* name = form->findChild<QLineEdit*>("lneJobName"_s);
+        form->setStyleSheet(Skins::StyleSheet("default"_s, "com.vtr.search"_s));
+        const auto Color = [](QLineEdit* field) {
+            field->ensurePolished();
+            return field->palette().color(QPalette::Text);
+        };
+        const QColor hint = Color(number);
+        QVERIFY(Color(name) != hint); // there is no hint
         QTest::keyClicks(number, "sh 12"_s);
         QCOMPARE(number->text(), " 12"_s);
-        QCOMPARE(number->palette().color(QPalette::Text), QColor(Qt::red));
+        QCOMPARE(Color(number), Color(name));
         number->clear();
-        QCOMPARE(number->palette().color(QPalette::Text), QColor(Qt::blue));
+        QCOMPARE(Color(number), hint);
     }
 
     void BeginsADialogAtItsFirstField()

@@ -231,10 +231,13 @@ private slots:
         hints.HandleJobsListed(true);
         QCOMPARE(heading->text(), "No jobs match"_s);
         QSignalSpy requests(&hints, &ListHints::AllJobsRequested);
-        hint->findChild<QPushButton*>()->click();
+        auto* button = hint->findChild<QPushButton*>();
+        button->click();
         QCOMPARE(requests.count(), 1);
+        button->setFocus();
         table->setRowCount(1);
         EVENTUALLY(!hint->isVisible());
+        QCOMPARE(form.focusWidget(), table);
         table->setRowCount(0);
         EVENTUALLY(hint->isVisible());
         hints.BeginSession(); // the jobs of the next account are not known yet

@@ -39,7 +39,7 @@ QVariantMap Order(int number, int manual)
 const std::tuple<const char*, QString> Sheets[] = {
     {"no sheet", {}},
     {"bars and padding",
-        "QTableView::item { padding: 0 4px; } QProgressBar { border-radius: 3px; background: green; }"_s},
+        "QTableView::item { padding: 0 10px; } QProgressBar { border-radius: 3px; background: green; }"_s},
     {"texts", "QTableView::item { color: red; } QTableView::item:selected { color: blue; }"_s},
 };
 
@@ -95,6 +95,8 @@ private slots:
         SignInWithJobs(jobs, 6);
         Jobs()->item(0, 1)->setText("too long to be shown in one line of a narrow cell"_s);
         Jobs()->item(1, 1)->setText("two\nlines"_s);
+        Jobs()->item(0, 2)->setText("  "_s);
+        Jobs()->item(4, 1)->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
         Jobs()->setCurrentCell(2, 1);
         Check(Jobs(), {3});
         const auto picture = [this] {

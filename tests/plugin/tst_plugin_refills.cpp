@@ -105,6 +105,51 @@ private slots:
         QVERIFY(Id(Table(tab), 0) != ids.first());
     }
 
+    // A real menu has closed before its entry acts, and that may run a dialog of its own.
+    void ShowsTheNewestAnswerAfterAMenu()
+    {
+        OpenTab(0);
+        QVERIFY(m_client->Call("ClickedCell", 4, 0));
+        MessageBox().whileOpen = [this] { Deliver(3); };
+        Later(Jobs(), [this] {
+            Deliver(4);
+            QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
+            QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+        });
+        emit Jobs()->customContextMenuRequested(QPoint());
+        QCOMPARE(Jobs()->rowCount(), 3);
+        // The next user sees none of it.
+        QVERIFY(m_client->Call("ClickedCell", 2, 0));
+        Later(Jobs(), [this] {
+            Deliver(4);
+            m_client->SignIn("bob"_s);
+            QVERIFY(!QApplication::activePopupWidget());
+        });
+        emit Jobs()->customContextMenuRequested(QPoint());
+        QVERIFY(m_client->Call("ClickedCell", 1, 0));
+        bool opened = false;
+        Later(Jobs(), [&opened] {
+            QWidget* menu = QApplication::activePopupWidget();
+            opened = menu && menu->close();
+        });
+        emit Jobs()->customContextMenuRequested(QPoint());
+        QVERIFY(opened);
+        QCOMPARE(Jobs()->rowCount(), 3);
+    }
+
+    void StaysInPlaceWhenTheListShrinks()
+    {
+        OpenTab(0);
+        Jobs()->setCurrentCell(4, 0);
+        Jobs()->verticalScrollBar()->setValue(0);
+        QVariantList jobs = MakeJobs(5);
+        jobs.removeAt(3);
+        QVERIFY(m_client->Call("RefreshJobList"));
+        Communication().DeliverJobs(jobs, 4);
+        QCOMPARE(Id(Jobs(), Jobs()->currentRow()), "id-5"_s);
+        QCOMPARE(Jobs()->verticalScrollBar()->value(), 0);
+    }
+
     void IgnoresClicksBeyondTheList()
     {
         SignInWithJobs(MakeJobs(18), 200);
@@ -121,6 +166,10 @@ private slots:
         QCOMPARE(PagesOf("btnPreGroup btnNextGroup btnNextGroup btnNextGroup btnNextPage btnNextPage"_s),
             "6 11 12"_s);
         QCOMPARE(PagesOf("btnPreGroup btnPreGroup btnPreGroup btnPageThree btnPrePage"_s), "10 5 3 2"_s);
+        // The list may become shorter than the page.
+        QCOMPARE(PagesOf("btnPageFour"_s), "4"_s);
+        Communication().DeliverJobs(MakeJobs(3), 3);
+        QCOMPARE(PagesOf("btnNextPage btnPrePage btnPrePage"_s), "1"_s);
     }
 
     void ShowsANumberAfterSteppingBack()
@@ -146,6 +195,14 @@ private slots:
         Communication().DeliverJobs({}, 0);
         Communication().DeliverJobs(MakeJobs(18), 90);
         QVERIFY(m_client->Button("btnPageFive"_s)->property("current").toBool());
+        // Page 7 of 7 is emptied.
+        Communication().DeliverJobs(MakeJobs(18), 126);
+        m_client->Button("btnNextGroup"_s)->click();
+        m_client->Button("btnNextPage"_s)->click();
+        Communication().DeliverJobs({}, 0);
+        QVERIFY(m_client->Shows("btnPageOne"_s));
+        Communication().DeliverJobs(MakeJobs(18), 108);
+        QCOMPARE(m_client->Button("btnPageOne"_s)->text(), "6"_s);
     }
 
     void GoesToTheFirstAndLastPageByKey()
@@ -224,13 +281,17 @@ private slots:
     {
         OpenTab(1);
         RenderCore().tasks.first().stage = 3;
-        RenderCore().onArguments = [this] {
+        RenderCore().tasks[1].error = 8;
+        const auto lose = [this] {
             RenderCore().tasks.removeFirst();
             emit RenderCore().SubmitListChanged();
         };
-        QVERIFY(m_client->Call("ShowSubmitList"));
+        RenderCore().onArguments = lose;
+        m_client->uiLoader.onSkin = lose;
+        for (int tick = 0; tick < 2; ++tick)
+            QVERIFY(m_client->Call("ShowSubmitList"));
         QCOMPARE(Values(Tasks(), 0, Qt::UserRole), RenderCore().GetSubmitTaskIds());
-        QVERIFY(!RenderCore().onArguments);
+        QVERIFY(!RenderCore().onArguments && !m_client->uiLoader.onSkin);
     }
 
     void WarnsAgainAfterTheNextFailure()
@@ -314,7 +375,8 @@ private:
             RenderCore().tasks.append({"t99"_s});
             RenderCore().downloads.insert("d99"_s, QVariantMap());
         }
-        emit tab == 1 ? RenderCore().SubmitListChanged() : RenderCore().DownloadListChanged();
+        emit RenderCore().SubmitListChanged();
+        emit RenderCore().DownloadListChanged();
         QVERIFY(m_client->Tick(1000));
     }
 
@@ -322,9 +384,8 @@ private:
     void Reverse(int tab) const
     {
         if (tab == 0) {
-            QVariantList jobs = MakeJobs(5);
-            std::reverse(jobs.begin(), jobs.end());
-            Communication().DeliverJobs(jobs, 5);
+            const QVariantList jobs = MakeJobs(5);
+            Communication().DeliverJobs(QVariantList(jobs.crbegin(), jobs.crend()), 5);
         } else if (tab == 1) {
             std::reverse(RenderCore().tasks.begin(), RenderCore().tasks.end());
             emit RenderCore().SubmitListChanged();

@@ -69,9 +69,7 @@ private slots:
                 window, &QObject::destroyed, window, [&deletedOn] { deletedOn = QThread::currentThread(); },
                 Qt::DirectConnection);
 
-            const std::unique_ptr<QThread> other(QThread::create([activator] { activator->stop(nullptr); }));
-            other->start();
-            QVERIFY(other->wait(30000)); // no event loop runs here meanwhile
+            StopOnAnotherThread(activator); // no event loop runs here meanwhile
             QVERIFY(window);
 
             if (!startsAtOnce)
@@ -85,14 +83,23 @@ private slots:
 
     void OutlivesAStopFromInsideItsOperations()
     {
-        for (const QEvent::Type event : {QEvent::Show, QEvent::Hide}) {
+        QPluginLoader loader(QStringLiteral(PLUGIN_FILE));
+        auto* activator = qobject_cast<ctkPluginActivator*>(loader.instance());
+        using Case = std::pair<QEvent::Type, bool>;
+        for (const auto& [event, onThread] :
+            {Case(QEvent::Show, false), Case(QEvent::Hide, false), Case(QEvent::Show, true)}) {
             init();
             m_client->Start();
             QCOMPARE(m_client->Initialize(), 0);
             bool isStopped = false;
             m_client->renderCore.awaitedEvent = event;
-            m_client->renderCore.onEvent = [&] {
-                m_client->Stop();
+            m_client->renderCore.onEvent = [&, onThread = onThread] {
+                if (onThread) {
+                    StopOnAnotherThread(activator);
+                    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+                } else {
+                    m_client->Stop();
+                }
                 QVERIFY(Communication().receivers(SIGNAL(SignInResponse(int, QVariantMap))) == 0);
                 isStopped = true;
             };
@@ -102,6 +109,7 @@ private slots:
             if (!isStopped)
                 QCOMPARE(service->Hide(1), 0);
             QVERIFY(isStopped && !m_client->Window());
+            m_client->Stop();
             m_client->Start();
             QVERIFY(m_client->Open());
         }
@@ -298,6 +306,13 @@ private slots:
     }
 
 private:
+    static void StopOnAnotherThread(ctkPluginActivator* activator)
+    {
+        const std::unique_ptr<QThread> other(QThread::create([activator] { activator->stop(nullptr); }));
+        other->start();
+        QVERIFY(other->wait(30000));
+    }
+
     /// Calls every slot of an object's own class that takes no arguments.
     static void CallEverySlot(QObject* object)
     {

@@ -181,6 +181,20 @@ private slots:
         QVERIFY(m_client->Form()->isVisible());
     }
 
+    void ClearsASessionBeforeTheNextBeginsInsideItsEnd()
+    {
+        m_client->SignIn();
+        RenderCore().tasks.append({"t1"_s, "/scene.ma"_s});
+        m_client->Tabs()->setCurrentIndex(1);
+        QCOMPARE(Tasks()->rowCount(), 1);
+        m_client->Form()->show();
+        RenderCore().awaitedEvent = QEvent::Hide;
+        RenderCore().onEvent = [this] { SignInWithJobs(MakeJobs(2), 2); };
+        emit Communication().SignOutResponse(200, {});
+        QCOMPARE(Tasks()->rowCount(), 0);
+        QCOMPARE(Jobs()->rowCount(), 2);
+    }
+
     void TogglesBetweenTheLanguages()
     {
         for (int click = 0; click < 2; ++click)

@@ -1,5 +1,6 @@
 // Downloads from a server that misbehaves.
 #include "tests/rendercore/download_fixture.h"
+#include "tests/support/capitals.h"
 
 namespace {
 
@@ -10,11 +11,11 @@ const HttpReply Endless {"HTTP/1.1 200 OK\r\n\r\n" + FrameData + FrameData, fals
 struct TransferCase
 {
     const char* name;
-    QList<HttpReply> replies; ///< after the list
+    QList<HttpReply> replies; ///< the replies after the list
     Status status;
     int requests;
     QByteArray lastRequest = {};    ///< its contents
-    QByteArray content = FrameData; ///< of the finished file
+    QByteArray content = FrameData; ///< content of the finished file
     QByteArray part = {};           ///< in the part file from the start
     QByteArray there = {};          ///< a stranger's file at the destination
 };
@@ -95,7 +96,7 @@ private slots:
         QCOMPARE(client.finished.takeFirst(), QVariantList {"12_shot: 2 frames"_s});
         QVERIFY(ReadFile(Path("frames/12_shot/b")) == OtherData);
 
-        // Rendered anew: the automatic order fetches what is new, the manual one also what has changed.
+        // Rendered again: the automatic order fetches new files, the manual one also changed ones.
         client.Order("j1"_s, false);
         QVERIFY(client.Await(Finished, 4));
         client.Order("j1"_s);
@@ -178,6 +179,21 @@ private slots:
             qPrintable(journal.join(QLatin1Char('\n'))));
         client.queue.RetryFailed();
         QVERIFY(isFinished || AwaitRequests(row.requests + 1));
+    }
+
+    void MessagesFollowTheLanguage()
+    {
+        Client& client = Start({Listed(Entry(FrameData)), Answer(403)});
+        QVERIFY(client.Await(Failed));
+        const QString refused = "The farm refuses to send frame_0001.png: "_s;
+        QVERIFY(client.Value("msg").toString().startsWith(refused));
+        const Capitals other;
+        client.queue.Retranslate();
+        const QString text = client.Value("msg").toString();
+        QVERIFY2(text.startsWith("THE FARM REFUSES TO SEND frame_0001.png: "_s), qPrintable(text));
+        const Client& next = Restart({});
+        QVERIFY(next.Await(Failed));
+        QCOMPARE(next.Value("msg").toString(), text);
     }
 
     void AsksUntilAnOrderIsAnswered()

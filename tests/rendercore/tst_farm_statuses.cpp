@@ -93,7 +93,8 @@ private slots:
         const bool isTold = row.effect == Effect::Told;
         QCOMPARE(outcome.kind, isTold ? StageOutcome::Kind::Failed : StageOutcome::Kind::TryAgain);
         QCOMPARE(outcome.obstacle, row.effect == Effect::WaitsForFarm ? Obstacle::Farm : Obstacle::Request);
-        QVERIFY2(!isTold || IsTold(outcome.message), qPrintable(outcome.message));
+        const QString reason = outcome.message.Text();
+        QVERIFY2(!isTold || IsTold(reason), qPrintable(reason));
         QCOMPARE(m_server->Requests().size(), 1);
         QCOMPARE(m_feed.Look().state.Entries().size(), 1);
     }

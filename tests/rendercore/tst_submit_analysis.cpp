@@ -8,8 +8,6 @@
 #include "tests/support/test_files.h"
 #include "tests/support/test_tables.h"
 
-#include <QRandomGenerator>
-
 namespace {
 
 /// Names are relative to the scene's folder; @ is the folder two above it, and ^ the same without its first slash.
@@ -18,10 +16,10 @@ struct SceneCase
     const char* name;
     QVector<std::pair<QString, QByteArray>> texts; ///< the first one is the scene
     const char* others;                            ///< empty files
-    const char* files;                             ///< that the analysis finds
+    const char* files;                             ///< the files that the analysis finds
     const char* missing = "";
     const char* job = "1-1 640x480";
-    const char* report = nullptr; ///< of Blender, with ' for "
+    const char* report = nullptr; ///< Blender's report, with ' for "
 };
 
 const auto& SceneCases()
@@ -213,13 +211,15 @@ private slots:
             found.append(file.path);
             QVERIFY(QFileInfo(file.source).isFile());
         }
-        QCOMPARE(analysis.error, QString());
+        QCOMPARE(analysis.error.Text(), QString());
         QCOMPARE(analysis.scene, found.constFirst());
         QCOMPARE(found.join(QLatin1Char(' ')), expected(row.files));
         QStringList asked = analysis.missing;
+        for (const QString& file : analysis.absolute)
+            asked.append(file + " (use a path relative to the scene)"_s);
         for (const QString& file : analysis.outside)
             asked.append("outside:"_s + file);
-        asked += analysis.remarks;
+        asked += TaskMessage::Texts(analysis.remarks);
         QCOMPARE(asked.join(QLatin1Char(' ')), expected(row.missing));
         const int numbers[] = {analysis.firstFrame, analysis.lastFrame, analysis.width, analysis.height};
         const QString step = analysis.frameStep > 1 ? "/%1"_s.arg(analysis.frameStep) : QString();
@@ -230,7 +230,7 @@ private slots:
     void ReportsThatCannotBeUsedSayWhy()
     {
         const auto error = [this](const char* report) {
-            return AnalyseBlenderScene(Write("a.blend"_s), report, {}).error;
+            return AnalyseBlenderScene(Write("a.blend"_s), report, {}).error.Text();
         };
         QVERIFY(error("").startsWith("Blender could not read the scene"_s));
         QCOMPARE(error("{"), error(""));
@@ -267,7 +267,7 @@ private slots:
         QCOMPARE(AnalyseScene(Write("many.pov"_s, many)).missing.size(), MostSceneFiles + 1);
         for (int file = 0; file < MostSceneFiles; ++file)
             Write("%1.png"_s.arg(file));
-        QCOMPARE(AnalyseScene(Write("many.pov"_s, many)).error, TooManyFiles());
+        QCOMPARE(AnalyseScene(Write("many.pov"_s, many)).error.Text(), TooManyFiles().Text());
     }
 
     void PacksReproducibly()

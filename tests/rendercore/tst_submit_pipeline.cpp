@@ -153,7 +153,7 @@ private slots:
         QCOMPARE(Count("contents"), 0); // the farm knows nothing before the answer
         QCOMPARE(m_lacking->at(0).at(1).toStringList(),
             QStringList(
-                {"gone.png"_s, QString::fromLatin1(SubmitText::Outside).arg(Path("textures/dot.ppm"_s))}));
+                {"gone.png"_s, TaskMessage(SubmitText::Outside, {Path("textures/dot.ppm"_s)}).Text()}));
         m_queue->AnswerUploadFailure(id, true); // another question is open
         m_queue->AnswerMissingTextures(id, false);
         QCOMPARE(Task(id).error, SubmitError::TexturesMissing);
@@ -165,7 +165,7 @@ private slots:
         m_queue->Continue(id);
         QVERIFY(Await(id));
         QCOMPARE(Count("contents"), 4);
-        QCOMPARE(Task(id).message, "Submitted as job 1."_s);
+        QCOMPARE(Task(id).message.Text(), "Submitted as job 1."_s);
         QTRY_VERIFY_WITH_TIMEOUT(Packages().isEmpty(), Patience);
         QCOMPARE(Count("jobs WHERE name = 'one' AND type = 'povray' AND width = 32 AND height = 480"), 1);
         QCOMPARE(Count("frames WHERE number IN (4, 5)"), Count("frames"));
@@ -206,7 +206,7 @@ private slots:
         QString id;
         QSet<QString> shown;
         Watcher watcher;
-        watcher.look = [&] { shown.insert(Task(id).uploadText.section(QLatin1Char(','), 0, 0)); };
+        watcher.look = [&] { shown.insert(Task(id).uploadText.Text().section(QLatin1Char(','), 0, 0)); };
         m_queue->installEventFilter(&watcher);
         id = SubmitLarge();
         QVERIFY(Await(id));
@@ -220,10 +220,10 @@ private slots:
         m_queue->SetAccess(stranger);
         const QString id = SubmitLarge();
         QTRY_COMPARE_WITH_TIMEOUT(
-            Task(id).message, "Your session has ended. Please sign in again."_s, Patience);
+            Task(id).message.Text(), "Your session has ended. Please sign in again."_s, Patience);
         QVERIFY(Task(id).IsRunnable());
         m_queue->SetAccess({{}, {}, m_access.owner, {}});
-        QCOMPARE(Task(id).message, QString::fromLatin1(SubmitText::Unreachable));
+        QCOMPARE(Task(id).message.Text(), QString::fromLatin1(SubmitText::Unreachable));
         m_queue->SetAccess(m_access);
         QVERIFY(Await(id));
     }
@@ -259,7 +259,7 @@ private slots:
         const SubmitWork work = Task(id).work;
         QCOMPARE(work.missing.size(), 4);
         QCOMPARE(SubmitWork::FromJson(work.ToJson()).frameStep, 5);
-        QCOMPARE(work.missing.constFirst(), "//gone.png"_s);
+        QCOMPARE(work.missing.constFirst().Text(), "//gone.png"_s);
         QStringList files;
         for (const PackedFile& file : work.files)
             files.append(QDir(m_folder->path()).relativeFilePath(file.source));
@@ -295,7 +295,7 @@ private slots:
         const QString id = Submit("a.blend"_s);
         QTRY_COMPARE_WITH_TIMEOUT(ReadFile(note).simplified().split(' ').size(), 2, Patience);
         QVERIFY(Await(Submit({{"b.pov"_s, "sphere{0,1}"}})));
-        QCOMPARE(Task(id).message, QString::fromLatin1(SubmitText::BlenderReads));
+        QCOMPARE(Task(id).message.Text(), QString::fromLatin1(SubmitText::BlenderReads));
         m_queue->Remove({id});
         const QByteArrayList processes = ReadFile(note).simplified().split(' ');
         for (const QByteArray& process : processes)
@@ -332,15 +332,15 @@ private slots:
         QVERIFY(Await(id, SubmitError::AwaitsUser));
         StartQueue();
         QCOMPARE(m_lacking->size(), 1); // asks once more
-        SQLite::Database other(
-            Path("transfer/submissions.sqlite"_s).toStdString(), SQLite::OPEN_READWRITE, 5000);
+        SQLite::Database other(Path("transfer/submissions.sqlite"_s).toStdString(), SQLite::OPEN_READWRITE);
         other.exec("BEGIN IMMEDIATE");
+        constexpr int WaitForLocks = 5000; // ms
         QElapsedTimer clock;
         clock.start();
         m_queue->SetArguments(id, MakeArguments(3, 3, 1, 1));
         m_queue->AnswerMissingTextures(id, false);
         QCOMPARE(m_queue->Submit(Path("a.pov"_s)), SubmitQueue::Answer::Known);
-        QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY2(clock.elapsed() < WaitForLocks, qPrintable(QString::number(clock.elapsed())));
         other.exec("ROLLBACK");
         StartQueue();
         QCOMPARE(Task(id).error, SubmitError::TexturesMissing);

@@ -1,6 +1,10 @@
-// State changes of submissions.
+// State changes of submissions, and messages of tasks.
+#include "host/farmclient/http_result.h"
+#include "host/rendercore/download/download_text.h"
 #include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_rules.h"
+#include "host/rendercore/submit/submit_text.h"
+#include "tests/support/capitals.h"
 #include "tests/support/test_tables.h"
 
 namespace {
@@ -27,19 +31,19 @@ SubmitTask In(Stage stage, Error error = Error::None, bool goesOnWithout = false
     task.arguments = UsualArguments();
     task.refused = QStringList {"old"_s};
     task.work.scene = "old"_s;
-    task.work.missing = QStringList {"gone.png"_s};
+    task.work.missing = {"gone.png"_s};
     return task;
 }
 
 /// The outcome of the stage that a task is in; the next stage follows.
-StageOutcome OutcomeOf(
-    const SubmitTask& task, const QStringList& missing = {"gone.png"_s}, const QStringList& refused = {})
+StageOutcome OutcomeOf(const SubmitTask& task, const QVector<TaskMessage>& missing = {"gone.png"_s},
+    const QStringList& refused = {})
 {
     StageOutcome outcome;
     outcome.stage = task.next;
     outcome.next = static_cast<Stage>(int(task.next) + 1);
     outcome.error = Error::UploadRefused;
-    outcome.message = "12"_s;
+    outcome.message = outcome.job = "12"_s;
     outcome.arguments = UsualArguments();
     outcome.refused = refused;
     outcome.work.scene = "new"_s;
@@ -47,7 +51,7 @@ StageOutcome OutcomeOf(
     return outcome;
 }
 
-SubmitTask Done(SubmitTask task, const QStringList& missing = {"gone.png"_s})
+SubmitTask Done(SubmitTask task, const QVector<TaskMessage>& missing = {"gone.png"_s})
 {
     ApplyDone(task, OutcomeOf(task, missing));
     return task;
@@ -84,12 +88,40 @@ QString Summary(const SubmitTask& task)
     summary += QLatin1String(MustAskFirst(task) ? " asks" : "");
     summary += QLatin1String(task.goesOnWithout ? " without" : "");
     summary += QLatin1String(task.areArgumentsChecked ? " checked" : "");
-    const QString text = task.message + QLatin1Char('|') + task.uploadText;
+    const QString text = task.message.Text() + QLatin1Char('|') + task.uploadText.Text();
     for (const QString& part : {task.work.scene, text, task.refused.join(QLatin1Char(','))}) {
         const bool isAsBefore = part == "old"_s || part == "why|half"_s;
         summary += isAsBefore ? QString() : QString(" "_s + (part.isEmpty() ? "-"_s : part));
     }
     return summary;
+}
+
+/// A message, and its text in two languages; null where it stays the same.
+const auto& MessageCases()
+{
+    static const FarmFault late {FarmFault::TimedOut};
+    static const FarmFault refused {FarmFault::Unreachable, 1 /* QNetworkReply::ConnectionRefusedError */};
+    static const std::tuple<const char*, TaskMessage, const char*, const char*> rows[] = {
+        {"number", {SubmitText::Submitted, {"12"_s}}, "Submitted as job 12.", "SUBMITTED AS JOB 12."},
+        {"path with a mark", {DownloadText::NotSaved, {"/%2.png"_s, "why"_s}},
+            "/%2.png cannot be saved: why.", "/%2.png CANNOT BE SAVED: why."},
+        {"fault in a sentence in a sentence",
+            {DownloadText::NextAttempt, {TaskMessage(DownloadText::NotNow, {"a.png"_s, late}), "5"_s}},
+            "The farm cannot send a.png at the moment: The server did not answer in time. The next attempt "
+            "is in 5 s.",
+            "THE FARM CANNOT SEND a.png AT THE MOMENT: THE SERVER DID NOT ANSWER IN TIME. THE NEXT ATTEMPT "
+            "IS IN 5 S."},
+        {"cause", {DownloadText::InterruptedBecause, {"a.png"_s, TaskMessage::CauseOf(refused)}},
+            "The transfer of a.png was interrupted: the connection was refused.",
+            "THE TRANSFER OF a.png WAS INTERRUPTED: THE CONNECTION WAS REFUSED."},
+        {"lines", TaskMessage::Lines({late, TaskMessage(), "a.png"_s}),
+            "The server did not answer in time.\na.png", "THE SERVER DID NOT ANSWER IN TIME.\na.png"},
+        {"words", "[\"Stopped.\"]"_s, "[\"Stopped.\"]", nullptr},
+        {"none", {}, "", nullptr},
+        {"sentence of an earlier version", TaskMessage::FromStored("Stopped."_s), "Stopped.", "STOPPED."},
+        {"numbers of an earlier version", TaskMessage::FromStored("[7]"_s), "[7]", nullptr},
+    };
+    return rows;
 }
 
 } // namespace
@@ -173,6 +205,17 @@ private slots:
             texts.append(HaltText(task));
         QCOMPARE(texts.join(QLatin1Char('|')),
             "||Texture missing|Texture missing|Check arguments|Submission failed|Paused"_s);
+    }
+
+    void StoredMessagesFollowTheLanguage_data() { AddRows(MessageCases()); }
+
+    void StoredMessagesFollowTheLanguage()
+    {
+        const auto& [name, message, text, otherText] = Row(MessageCases());
+        const TaskMessage stored = TaskMessage::FromStored(message.ToStored());
+        QCOMPARE(stored.Text(), QString::fromLatin1(text));
+        const Capitals other;
+        QCOMPARE(stored.Text(), QString::fromLatin1(otherText ? otherText : text));
     }
 
     void KeepsArgumentsOfTheUser()

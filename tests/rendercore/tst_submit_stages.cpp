@@ -154,8 +154,8 @@ QString Summary(const StageOutcome& outcome)
     for (const QString& file : outcome.refused)
         text += " refused: "_s + file;
     text += QLatin1String(outcome.advanced ? " advanced" : "");
-    const bool hasReason = outcome.kind != Kind::TryAgain && !outcome.message.isEmpty();
-    return hasReason ? QString(text + ": "_s + outcome.message) : text;
+    const QString reason = outcome.kind != Kind::TryAgain ? outcome.message.Text() + outcome.job : QString();
+    return reason.isEmpty() ? text : QString(text + ": "_s + reason);
 }
 
 /// Verb and target of each request, and the body of a PUT.
@@ -269,7 +269,7 @@ private slots:
             ChecksumStage(request, report);
         reports.removeDuplicates();
         QCOMPARE(reports.join(QLatin1Char(' ')), QString::fromLatin1(percents));
-        // To the user, less often.
+        // The user sees progress less often.
         reports.clear();
         m_server->SetReplies(replies);
         QElapsedTimer clock;

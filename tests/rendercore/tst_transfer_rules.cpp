@@ -175,7 +175,7 @@ private slots:
             const bool applies = states[state] != '-';
             QCOMPARE(command(task), applies);
             QCOMPARE(int(task.state), applies ? states[state] - '0' : state);
-            QCOMPARE(task.message.isEmpty(), applies);
+            QCOMPARE(task.message.IsEmpty(), applies);
             QCOMPARE(task.progress, applies && isFromStart ? 0 : 50);
             QCOMPARE(task.fresh, applies && isFromStart && state == int(DownloadState::Finished));
         }

@@ -5,6 +5,7 @@
 #include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_records.h"
 #include "host/rendercore/submit/submit_schema.h"
+#include "host/rendercore/submit/submit_text.h"
 #include "tests/support/disk_calls.h"
 #include "tests/support/test_files.h"
 #include "tests/support/test_tables.h"
@@ -31,7 +32,8 @@ FarmFile File(const char* name, char checksum = 'a', qint64 size = 10)
 /// Everything that is stored of a submission.
 QStringList Stored(const SubmitTask& task)
 {
-    QStringList values {task.id, task.scene, task.started, task.submission, task.message, task.work.scene};
+    QStringList values {
+        task.id, task.scene, task.started, task.submission, task.message.Text(), task.work.scene};
     const int numbers[] = {int(task.stage), int(task.error), task.isDone, task.goesOnWithout,
         task.areArgumentsChecked, task.areArgumentsEdited, task.work.width, task.work.height};
     for (const int number : numbers)
@@ -41,7 +43,7 @@ QStringList Stored(const SubmitTask& task)
         values += {file.path, file.source, file.checksum, QString::number(file.package)};
     for (const Package& package : task.work.packages)
         values += {package.checksum, QString::number(package.size)};
-    return values + task.refused + task.work.missing;
+    return values + task.refused + TaskMessage::Texts(task.work.missing);
 }
 
 /// A kind of order, whether the farm lists the file as before, and the results for waiting, finished, failed and stopped
@@ -105,8 +107,8 @@ private slots:
         task.message = "why"_s;
         task.arguments = MakeArguments(1, 9, 640, 480);
         task.refused = QStringList {"/a"_s};
-        task.work
-            = {"p"_s, {{"p"_s, "s"_s, "c"_s, 0, false}}, {{"d"_s, 1LL << 40, false, {}}}, {"m"_s}, 32, 16};
+        task.work = {"p"_s, {{"p"_s, "s"_s, "c"_s, 0, false}}, {{"d"_s, 1LL << 40, false, {}}},
+            {TaskMessage(SubmitText::Outside, {"m"_s})}, 32, 16};
         for (const bool isEven : {true, false}) {
             task.isDone = task.areArgumentsChecked = isEven;
             task.goesOnWithout = task.areArgumentsEdited = !isEven;
@@ -121,7 +123,7 @@ private slots:
 
     void ChangesThatCannotBeWrittenAreKept()
     {
-        QString error;
+        TaskMessage error;
         storage::Database database(Path("submissions.sqlite"_s), SubmitSchema());
         const auto run = [&database](const char* sql) {
             database.Write([sql](SQLite::Database& connection) { connection.exec(sql); });
@@ -131,7 +133,7 @@ private slots:
             SubmitRecords records(m_folder->path());
             SubmitTask task = records.Add(Ann, Path("a.pov"_s), &error).value();
             const SubmitTask gone = records.Add(Ann, Path("a.pov"_s), &error).value();
-            QVERIFY(!records.Add(Ann, Path("b.pov"_s), &error) && !error.isEmpty());
+            QVERIFY(!records.Add(Ann, Path("b.pov"_s), &error) && !error.IsEmpty());
             task.error = SubmitError::Stopped;
             records.Save({task}, false);
             QCOMPARE(Submissions().Load(Ann).at(0).error, SubmitError::Stopped); // at once
@@ -172,11 +174,12 @@ private slots:
         const qint64 third = store.Add(Ann, "/a.pov"_s).number;
         QVERIFY(task.submission != other.submission);
         QCOMPARE(store.Numbers(), QSet<qint64>({task.number, other.number, third}));
-        task.message = other.message = "why"_s;
+        task.message = other.message = {SubmitText::Submitted, {"7"_s}};
         store.SaveAll({&task, &other});
         QCOMPARE(store.Load(Ann).size(), 2);
         QCOMPARE(store.Load(Ann).constLast().number, third);
-        QCOMPARE(store.Load(Ann).constFirst().message + store.Load(Bob).constFirst().message, "whywhy"_s);
+        QVERIFY(store.Load(Ann).constFirst().message == task.message);
+        QVERIFY(store.Load(Bob).constFirst().message == task.message);
         store.Remove({task.number, third});
         store.Save(task);
         QVERIFY(store.Load(Ann).isEmpty() && store.Load(Bob).size() == 1);
@@ -256,14 +259,14 @@ private slots:
             const DownloadTask task = *Downloads().Find(Ann, tasks[0].id);
             const bool isWaiting = result == 'n' || result == 'r';
             QCOMPARE(task.state, isWaiting ? DownloadState::Waiting : states[index]);
-            QCOMPARE(task.message.isEmpty(), isWaiting);
+            QCOMPARE(task.message.IsEmpty(), isWaiting);
             QCOMPARE(task.progress, result == 'n' ? 0 : 50);
             QCOMPARE(task.checksum.at(0), QLatin1Char(result == 'n' ? 'b' : 'a'));
             QCOMPARE(task.fresh, result == 'n' && states[index] == DownloadState::Finished);
             const auto reports = outcome.renewed + outcome.resumed;
             for (const DownloadTask& reported : reports)
                 QVERIFY(reported.state == task.state && reported.fresh == task.fresh
-                    && reported.message.isEmpty());
+                    && reported.message.IsEmpty());
         }
     }
 

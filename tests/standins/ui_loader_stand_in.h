@@ -10,6 +10,9 @@
 #include <QTableWidget>
 #include <QUiLoader>
 
+#include <functional>
+#include <utility>
+
 /// Loads the host's forms with some of their properties changed, and records the client's calls.
 class UiLoaderStandIn : public StandIn<VTUiLoaderInterface>
 {
@@ -28,7 +31,12 @@ public:
             Disturb(form);
         return form;
     }
-    QString GetSkin() override { return skin; }
+    QString GetSkin() override
+    {
+        if (const std::function<void()> action = std::exchange(onSkin, {}))
+            action();
+        return skin;
+    }
     QString GetLanguage() override { return language; }
     QStringList GetLanguages() override { return {"/lang/vtr_de.qm"_s, "/lang/vtr_en.qm"_s}; }
     void SetLanguage(const QString& path) override
@@ -48,6 +56,7 @@ public:
     /// The form last built for a key; owned by the client, null once it is gone.
     QWidget* Form(const QString& key) const { return m_forms.value(key); }
 
+    std::function<void()> onSkin; ///< runs once, inside the next question for the skin
     QString skin = "teal"_s;
     QString language = "vtr_en.qm"_s;
     QStringList leftOut;      ///< names of widgets that the forms lack; "*" stands for all
@@ -58,7 +67,7 @@ public:
     QMenu languageMenu;
 
 private:
-    /// Takes away what is left out, and changes properties that the client must not rely on: tables that have columns and
+    /// Removes the widgets in `leftOut`, and changes properties that the client must not rely on: tables have columns and
     /// keep the order of their rows.
     void Disturb(QWidget* form) const
     {

@@ -1,12 +1,13 @@
 #include "host/rendercore/download/automatic_orders.h"
 
+#include "common/vtr_codetables.h"
+
 namespace {
 
-/// A job may have been rendered between two lists, which its cost shows.
+/// The cost tells when a job was rendered again between two lists.
 QString FinishOf(const QVariantMap& job)
 {
-    constexpr int Finished = 4;
-    return job.value(QStringLiteral("job_status")).toInt() == Finished
+    return job.value(QStringLiteral("job_status")).toInt() == VTCodeTables::JobFinished
         ? QString(QLatin1String("finished at ") + job.value(QStringLiteral("job_cost")).toString())
         : QString();
 }

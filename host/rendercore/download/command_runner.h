@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/farmclient/backoff.h"
+#include "host/base/backoff.h"
 
 #include <QObject>
 #include <QTimer>
@@ -16,7 +16,7 @@ class CommandRunner : public QObject
 public:
     explicit CommandRunner(const Backoff& backoff);
 
-    /// Tries commands that have failed a last time.
+    /// Tries the failed commands one last time.
     ~CommandRunner() override;
 
     /// @param command throws std::exception when it has changed nothing and is to be run again.

@@ -32,7 +32,7 @@ QVariantMap EntryOf(const DownloadTask& task)
 {
     return {{FileKey, task.file}, {QStringLiteral("srcFile"), SourceOf(task)},
         {QStringLiteral("jobId"), task.job}, {StatusKey, static_cast<int>(task.state)},
-        {ProgressKey, task.progress}, {MessageKey, task.message}};
+        {ProgressKey, task.progress}, {MessageKey, task.message.Text()}};
 }
 
 DownloadOrders OrdersOf(const QVariantMap& map)
@@ -90,6 +90,24 @@ void DownloadQueue::SetAccess(const FarmAccess& access)
 QString DownloadQueue::IdAt(int index) const
 {
     return index >= 0 && index < m_order.size() ? IdOf(m_order.at(index)) : QString();
+}
+
+void DownloadQueue::Remember(qint64 id, const TaskMessage& message)
+{
+    if (message.IsEmpty())
+        m_messages.remove(id);
+    else
+        m_messages.insert(id, message);
+}
+
+void DownloadQueue::Retranslate()
+{
+    for (auto message = m_messages.cbegin(); message != m_messages.cend(); ++message) {
+        QVariant& entry = m_tasks[IdOf(message.key())];
+        QVariantMap task = entry.toMap();
+        task[MessageKey] = message->Text();
+        entry = task;
+    }
 }
 
 void DownloadQueue::SetKeepDays(int days)
@@ -151,6 +169,7 @@ void DownloadQueue::Clear()
     QVariantMap tasks;
     tasks.swap(m_tasks);
     m_order.clear();
+    m_messages.clear();
     QThreadPool::globalInstance()->start([tasks = std::move(tasks)]() mutable { tasks.clear(); });
     emit ListChanged();
 }
@@ -172,6 +191,7 @@ void DownloadQueue::HandleAdded(int session, const DownloadTasks& tasks)
     m_worker->Post([](DownloadWorker& worker) { worker.LoadMore(); });
     for (const DownloadTask& task : tasks) {
         m_tasks.insert(m_tasks.cend(), IdOf(task.id), EntryOf(task)); // usually in this order
+        Remember(task.id, task.message);
         if (m_order.isEmpty() || m_order.constLast() < task.id) {
             m_order.append(task.id);
             continue;
@@ -192,7 +212,8 @@ void DownloadQueue::HandleChanged(const DownloadChanges& changes)
         QVariantMap task = found->toMap();
         task[StatusKey] = static_cast<int>(change.state);
         task[ProgressKey] = change.progress;
-        task[MessageKey] = change.message;
+        task[MessageKey] = change.message.Text();
+        Remember(change.id, change.message);
         if (!change.file.isEmpty())
             task[FileKey] = change.file;
         *found = task;
@@ -205,6 +226,7 @@ void DownloadQueue::HandleRemoved(const TaskIds& ids)
     for (const qint64 id : ids) {
         if (m_tasks.remove(IdOf(id)) > 0)
             removed.insert(id);
+        m_messages.remove(id);
     }
     if (removed.isEmpty())
         return;

@@ -5,6 +5,7 @@
 #include "host/rendercore/download/download_worker.h"
 #include "host/rendercore/worker_thread.h"
 
+#include <QHash>
 #include <QObject>
 #include <QStringList>
 #include <QVariantMap>
@@ -39,6 +40,9 @@ public:
     /// no time, however long the list is.
     QString IdAt(int index) const;
 
+    /// Puts the messages in the map into the current language.
+    void Retranslate();
+
     /// @param days for which finished tasks stay in the list; 0 for ever.
     void SetKeepDays(int days);
 
@@ -63,8 +67,8 @@ public:
 signals:
     /// Tasks have been added or removed.
     void ListChanged();
-    /// Files of a job have arrived, and no more of it are on their way.
-    /// @param what the path of a single file; otherwise the job's folder and the number of files.
+    /// Files of a job have arrived, and no further file of the job is on its way.
+    /// @param what is the path of a single file, or the job's folder and the number of files.
     void FilesFinished(const QString& what);
     /// @param text tells the user of trouble with the disk.
     void Notice(const QString& text);
@@ -73,6 +77,7 @@ private:
     void Command(const QStringList& ids, void (DownloadWorker::*command)(const TaskIds& ids));
     TaskIds Known(const QStringList& ids) const;
     void Clear();
+    void Remember(qint64 id, const TaskMessage& message);
     void HandleAdded(int session, const DownloadTasks& tasks);
     void HandleChanged(const DownloadChanges& changes);
     void HandleRemoved(const TaskIds& ids);
@@ -80,7 +85,8 @@ private:
     void HandleReplaced(const QString& keptAs);
 
     QVariantMap m_tasks;
-    QVector<qint64> m_order; // the numbers of all tasks, ascending
+    QHash<qint64, TaskMessage> m_messages; // those that are not empty, by task
+    QVector<qint64> m_order;               // the numbers of all tasks, ascending
     FarmAccess m_access;
     int m_session = 0; // grows with each change of the owner
     std::unique_ptr<WorkerThread<DownloadWorker>> m_worker;

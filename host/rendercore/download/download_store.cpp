@@ -250,8 +250,8 @@ void DownloadStore::Save(const DownloadTasks& tasks)
             "finished = CASE ?1 WHEN 2 THEN strftime('%s', 'now') ELSE 0 END WHERE id = ?5");
         for (const DownloadTask& task : tasks) {
             update.reset();
-            storage::Bind(
-                update, static_cast<int>(task.state), task.progress, int(task.fresh), task.message, task.id);
+            storage::Bind(update, static_cast<int>(task.state), task.progress, int(task.fresh),
+                task.message.ToStored(), task.id);
             update.exec();
         }
     });

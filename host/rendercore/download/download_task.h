@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/rendercore/task_message.h"
+
 #include <QString>
 #include <QVector>
 
@@ -18,16 +20,16 @@ struct DownloadTask
     DownloadState state = DownloadState::Waiting;
     int progress = 0;   ///< percent
     bool fresh = false; ///< the file at the destination is this task's own earlier one and is to be replaced
-    QString message;
+    TaskMessage message;
 };
 
-/// A change of what the window shows of a task.
+/// A change in the values of a task that the window shows.
 struct DownloadChange
 {
     qint64 id = 0;
     DownloadState state = DownloadState::Waiting;
     int progress = 0; ///< percent
-    QString message;
+    TaskMessage message;
     QString file; ///< the new destination; empty when it has not changed
 };
 

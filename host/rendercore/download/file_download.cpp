@@ -1,7 +1,7 @@
 #include "host/rendercore/download/file_download.h"
 
-#include "host/farmclient/sentences.h"
 #include "host/rendercore/download/download_paths.h"
+#include "host/rendercore/download/download_text.h"
 #include "host/rendercore/file_hashing.h"
 #include "storage/durable_file.h"
 #include "storage/folder_check.h"
@@ -11,10 +11,8 @@
 #include <QNetworkReply>
 #include <QRegularExpression>
 
-#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <limits>
 
 namespace {
 
@@ -72,8 +70,8 @@ FileDownload::FileDownload(
     m_idle.setSingleShot(true);
     m_idle.setInterval(limits.idleTime);
     connect(&m_idle, &QTimer::timeout, this, [this] {
-        m_transport->Report(m_request, {HttpResult::TimedOut});
-        End(DownloadOutcome::Broken, tr("The farm has stopped sending %1.").arg(m_task.name));
+        m_transport->Report(m_request, {FarmFault::TimedOut});
+        End(DownloadOutcome::Broken, {DownloadText::Stalled, {m_task.name}});
     });
 }
 
@@ -96,9 +94,7 @@ void FileDownload::Start()
     if (!QDir().mkpath(folder))
         FailToSave(storage::FolderError(folder));
     else if (DownloadPaths::LeadsOut(m_task.file))
-        End(DownloadOutcome::Failed,
-            tr("The folder %1 is a link that leads out of the download folder, so nothing is saved there.")
-                .arg(name));
+        End(DownloadOutcome::Failed, {DownloadText::LeadsOut, {name}});
     else if (!m_task.fresh && DownloadPaths::IsOccupied(m_task.file))
         AdoptExistingFile();
     else if (HasNoRoom(folder))
@@ -154,7 +150,7 @@ void FileDownload::HashOnDisk(void (FileDownload::*next)())
 void FileDownload::Continue()
 {
     if (!m_hashing->IsComplete()) {
-        End(DownloadOutcome::Broken, tr("The transfer of %1 was interrupted.").arg(m_task.name));
+        End(DownloadOutcome::Broken, {DownloadText::Interrupted, {m_task.name}});
         return;
     }
     m_hash = m_hashing->TakeHash();
@@ -192,7 +188,7 @@ void FileDownload::Ask()
     m_accepted = false;
     m_reply = m_transport->Begin(m_request);
     if (!m_reply) {
-        End(DownloadOutcome::Broken, tr("The farm is not available at the moment."));
+        End(DownloadOutcome::Broken, DownloadText::NoFarm);
         return;
     }
     // A bounded buffer keeps the network from outrunning the disk.
@@ -211,10 +207,9 @@ void FileDownload::Accept(int status)
     if (status == HttpStatus::Ok && m_offset > 0)
         StartOver();
     if (start != m_offset) {
-        End(DownloadOutcome::Broken,
-            tr("The farm sent a different part of %1 than requested.").arg(m_task.name));
+        End(DownloadOutcome::Broken, {DownloadText::OtherPart, {m_task.name}});
     } else if (length.isValid() && length.toLongLong() != m_task.size - m_offset) {
-        End(DownloadOutcome::Outdated, tr("The size of %1 has changed on the farm.").arg(m_task.name));
+        End(DownloadOutcome::Outdated, {DownloadText::SizeChanged, {m_task.name}});
     } else {
         m_accepted = true;
         m_transport->Report(m_request);
@@ -228,18 +223,17 @@ void FileDownload::Refuse()
     if (result.status == HttpStatus::Unauthorized) {
         End(DownloadOutcome::SignedOut);
     } else if (result.status == HttpStatus::NotFound || result.status == HttpStatus::PreconditionFailed) {
-        End(DownloadOutcome::Outdated, tr("%1 has changed on the farm.").arg(m_task.name));
+        End(DownloadOutcome::Outdated, {DownloadText::Changed, {m_task.name}});
     } else if (result.status == HttpStatus::RangeNotSatisfiable && !m_startedOver) {
         m_startedOver = true;
         DropReply();
         StartOver();
         Ask();
     } else if (result.IsTransient() || result.status == HttpStatus::RangeNotSatisfiable) {
-        End(DownloadOutcome::Broken,
-            tr("The farm cannot send %1 at the moment: %2").arg(m_task.name, result.error),
+        End(DownloadOutcome::Broken, {DownloadText::NotNow, {m_task.name, result.fault}},
             result.retryAfter * 1000);
     } else {
-        End(DownloadOutcome::Failed, tr("The farm refuses to send %1: %2").arg(m_task.name, result.error));
+        End(DownloadOutcome::Failed, {DownloadText::Refused, {m_task.name, result.fault}});
     }
 }
 
@@ -247,7 +241,7 @@ void FileDownload::Receive()
 {
     const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (status != HttpStatus::Ok && status != HttpStatus::PartialContent) {
-        // The body explains a refusal. A longer one than this would never end, because the buffer is bounded.
+        // The body explains a refusal. A longer one would never arrive completely, because the buffer is bounded.
         if (m_reply->bytesAvailable() >= BlockBytes)
             Refuse();
         return;
@@ -262,8 +256,7 @@ void FileDownload::Receive()
         const QByteArray bytes = m_reply->read(BlockBytes);
         if (bytes.size() > m_task.size - m_offset) {
             StartOver();
-            End(DownloadOutcome::Outdated,
-                tr("The farm sent more data for %1 than announced.").arg(m_task.name));
+            End(DownloadOutcome::Outdated, {DownloadText::TooMuch, {m_task.name}});
             return;
         }
         errno = ENOSPC; // a write that is cut short may not set it
@@ -300,20 +293,20 @@ void FileDownload::Conclude()
 void FileDownload::HandleBreak()
 {
     if (m_reply->error() == QNetworkReply::NoError) {
-        End(DownloadOutcome::Broken, tr("The transfer of %1 was interrupted.").arg(m_task.name));
+        End(DownloadOutcome::Broken, {DownloadText::Interrupted, {m_task.name}});
         return;
     }
     const FarmFault fault = HttpResult::ConnectionFault(*m_reply);
     m_transport->Report(m_request, fault);
     End(DownloadOutcome::Broken,
-        Sentence(tr("The transfer of %1 was interrupted: %2").arg(m_task.name, fault.Cause())));
+        {DownloadText::InterruptedBecause, {m_task.name, TaskMessage::CauseOf(fault)}});
 }
 
 void FileDownload::Finish()
 {
     if (m_hash.Result() != m_task.checksum) {
         QFile::remove(m_partFile);
-        End(DownloadOutcome::Damaged, tr("%1 arrived damaged: its checksum is wrong.").arg(m_task.name));
+        End(DownloadOutcome::Damaged, {DownloadText::Damaged, {m_task.name}});
         return;
     }
     m_part.close();
@@ -325,11 +318,11 @@ void FileDownload::Finish()
     }
 }
 
-/// An error that keeps all files from being saved may pass by itself; a fault of this file alone does not.
+/// An error that affects all files may pass by itself; a fault of this file alone does not.
 void FileDownload::FailToSave(int error)
 {
-    const QString message
-        = tr("%1 cannot be saved: %2.").arg(QDir::toNativeSeparators(m_task.file), qt_error_string(error));
+    const TaskMessage message {
+        DownloadText::NotSaved, {QDir::toNativeSeparators(m_task.file), qt_error_string(error)}};
     if (!MayPass(error))
         End(DownloadOutcome::Failed, message);
     else if (IsOfDisk(error) || storage::FolderError(DownloadPaths::Root(m_task.file)) != 0)
@@ -338,7 +331,7 @@ void FileDownload::FailToSave(int error)
         End(DownloadOutcome::FolderUnusable, message, 0, error);
 }
 
-void FileDownload::End(DownloadOutcome::Kind kind, const QString& message, int retryAfter, int error)
+void FileDownload::End(DownloadOutcome::Kind kind, const TaskMessage& message, int retryAfter, int error)
 {
     if (m_ended)
         return;

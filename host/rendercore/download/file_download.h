@@ -32,9 +32,9 @@ struct DownloadOutcome
     };
 
     Kind kind = Broken;
-    QString message;    ///< for the user; empty for Complete, NameTaken and SignedOut
-    int error = 0;      ///< the `errno` of DiskUnusable and FolderUnusable
-    int retryAfter = 0; ///< the pause that the farm asks for, in milliseconds
+    TaskMessage message; ///< for the user; empty for Complete, NameTaken and SignedOut
+    int error = 0;       ///< the `errno` of DiskUnusable and FolderUnusable
+    int retryAfter = 0;  ///< the pause that the farm asks for, in milliseconds
 };
 
 /// Downloads one file: appends to its part file, and moves that to the destination once the checksum is right. What is on
@@ -80,7 +80,7 @@ private:
     void HandleBreak();
     void Finish();
     void FailToSave(int error);
-    void End(DownloadOutcome::Kind kind, const QString& message = {}, int retryAfter = 0, int error = 0);
+    void End(DownloadOutcome::Kind kind, const TaskMessage& message = {}, int retryAfter = 0, int error = 0);
     void DropReply();
 
     HttpTransport* m_transport;

@@ -1,5 +1,6 @@
 #include "host/rendercore/download/order_desk.h"
 
+#include "host/farmclient/farm_numbers.h"
 #include "host/farmclient/http_call.h"
 #include "host/rendercore/attempt.h"
 #include "storage/checksum.h"
@@ -10,8 +11,6 @@
 #include <algorithm>
 
 namespace {
-
-constexpr double LargestSize = 1LL << 50; // bytes
 
 /// Entries without a name, a valid size or a checksum are left out.
 FarmFiles FilesOf(const QJsonObject& answer)
@@ -24,9 +23,10 @@ FarmFiles FilesOf(const QJsonObject& answer)
         const QJsonObject object = entry.toObject();
         const double size = object.value(QLatin1String("size")).toDouble(-1);
         const FarmFile file {object.value(QLatin1String("name")).toString(),
-            static_cast<qint64>(std::clamp(size, -1.0, LargestSize)),
+            static_cast<qint64>(std::clamp(size, -1.0, FarmNumbers::LargestSize)),
             object.value(QLatin1String("checksum")).toString()};
-        if (!file.name.isEmpty() && size >= 0 && size < LargestSize && storage::IsChecksum(file.checksum))
+        if (!file.name.isEmpty() && size >= 0 && size < FarmNumbers::LargestSize
+            && storage::IsChecksum(file.checksum))
             files.append(file);
     }
     if (files.size() < list.size())
@@ -102,7 +102,7 @@ void OrderDesk::HandleAnswer(const DownloadOrder& order, const HttpResult& resul
         Apply(order, FilesOf(result.json));
     else if (result.status == HttpStatus::Unauthorized)
         emit SignedOut();
-    else if (result.status == HttpResult::TooLarge
+    else if (result.status == FarmFault::TooLarge
         || (result.status > 0 && result.status != HttpStatus::Ok && !result.IsTransient()))
         Close(order, result.error);
     else

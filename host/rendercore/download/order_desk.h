@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/farmclient/backoff.h"
+#include "host/base/backoff.h"
 #include "host/farmclient/farm_access.h"
 #include "host/rendercore/download/download_limits.h"
 #include "host/rendercore/download/download_store.h"
@@ -24,7 +24,7 @@ public:
     /// Drops the running requests and starts over with the orders of the new owner.
     void SetAccess(const FarmAccess& access);
 
-    /// @param folder for the files of orders that are answered from now on.
+    /// @param folder receives the files of orders that are answered from now on.
     void SetFolder(const QString& folder) { m_access.folder = folder; }
 
     /// Asks for open orders at once, even after a failure.

@@ -88,7 +88,7 @@ void Reconciliation::Renew(DownloadTask task, const FarmFile& file)
     }
     task.fresh = task.fresh || task.state == DownloadState::Finished;
     task.state = DownloadState::Waiting;
-    task.message.clear();
+    task.message = {};
     if (isSame) {
         Run(m_resume, task.id);
         m_outcome.resumed.append(task);

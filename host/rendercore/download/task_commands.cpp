@@ -7,7 +7,7 @@ bool Stop(DownloadTask& task)
     if (task.state != DownloadState::Waiting)
         return false;
     task.state = DownloadState::Stopped;
-    task.message.clear();
+    task.message = {};
     return true;
 }
 
@@ -16,7 +16,7 @@ bool Resume(DownloadTask& task)
     if (task.state != DownloadState::Stopped && task.state != DownloadState::Failed)
         return false;
     task.state = DownloadState::Waiting;
-    task.message.clear();
+    task.message = {};
     return true;
 }
 
@@ -25,7 +25,7 @@ bool Redownload(DownloadTask& task)
     task.fresh = task.fresh || task.state == DownloadState::Finished;
     task.state = DownloadState::Waiting;
     task.progress = 0;
-    task.message.clear();
+    task.message = {};
     return true;
 }
 

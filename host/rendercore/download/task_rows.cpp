@@ -21,7 +21,7 @@ DownloadTasks ReadAll(SQLite::Statement& rows)
         task.state = static_cast<DownloadState>(rows.getColumn(6).getInt());
         task.progress = rows.getColumn(7).getInt();
         task.fresh = rows.getColumn(8).getInt() != 0;
-        task.message = storage::Text(rows.getColumn(9));
+        task.message = TaskMessage::FromStored(storage::Text(rows.getColumn(9)));
         tasks.append(task);
     }
     return tasks;

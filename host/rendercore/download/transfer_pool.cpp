@@ -1,9 +1,9 @@
 #include "host/rendercore/download/transfer_pool.h"
 
-#include "host/farmclient/sentences.h"
 #include "host/rendercore/attempt.h"
 #include "host/rendercore/download/download_paths.h"
 #include "host/rendercore/download/download_store.h"
+#include "host/rendercore/download/download_text.h"
 #include "host/rendercore/download/file_download.h"
 
 #include <QDir>
@@ -200,7 +200,7 @@ void TransferPool::HandleEnd(qint64 id, const DownloadOutcome& outcome)
 }
 
 /// The first damaged file is fetched again at once; a second one fails the task.
-void TransferPool::HandleDamage(const DownloadTask& task, const QString& message)
+void TransferPool::HandleDamage(const DownloadTask& task, const TaskMessage& message)
 {
     if (m_damaged.erase(task.id) > 0) {
         Fail(task, message);
@@ -217,10 +217,9 @@ void TransferPool::Complete(DownloadTask task)
     task.state = DownloadState::Finished;
     task.progress = 100;
     task.fresh = false;
-    task.message.clear();
+    task.message = {};
     if (!Attempt("save a finished download", [this, &task] { m_store->Save({task}); })) {
-        Postpone(task, 100,
-            tr("%1 was saved, but its state could not be recorded. The disk may be full.").arg(task.name));
+        Postpone(task, 100, {DownloadText::NotRecorded, {task.name}});
         return;
     }
     m_schedule.RecordProgress(task.id);
@@ -253,7 +252,7 @@ void TransferPool::WaitForDisk(const DownloadTask& task, int progress, const Dow
     m_listener->notice(text.arg(QDir::toNativeSeparators(folder), qt_error_string(outcome.error)));
 }
 
-/// Once a task that had to wait is done, the next trouble is worth a notice again.
+/// Once a task that had to wait is done, the next failure is reported again.
 void TransferPool::NoteUsable(const DownloadTask& task)
 {
     if (m_waitForDisk.erase(task.id) == 0 && !m_waitForDisk.empty())
@@ -263,14 +262,15 @@ void TransferPool::NoteUsable(const DownloadTask& task)
     m_unusable.erase(QFileInfo(task.file).path());
 }
 
-void TransferPool::Postpone(const DownloadTask& task, int progress, const QString& message, int retryAfter)
+void TransferPool::Postpone(
+    const DownloadTask& task, int progress, const TaskMessage& message, int retryAfter)
 {
     const int seconds = (m_schedule.Postpone(task.id, retryAfter, m_clock.elapsed()) + 999) / 1000;
     m_listener->changed({{task.id, DownloadState::Waiting, progress,
-        Sentences({message, tr("The next attempt is in %1 s.").arg(seconds)}), {}}});
+        {DownloadText::NextAttempt, {message, QString::number(seconds)}}, {}}});
 }
 
-void TransferPool::Fail(DownloadTask task, const QString& message)
+void TransferPool::Fail(DownloadTask task, const TaskMessage& message)
 {
     task.state = DownloadState::Failed;
     task.message = message;
@@ -285,7 +285,7 @@ void TransferPool::Rename(DownloadTask task)
 {
     bool isRenamed = false;
     if (!Attempt("rename a download", [&] { isRenamed = m_store->Rename(&task); }) || !isRenamed) {
-        Postpone(task, 0, tr("Another file named %1 is in the way.").arg(task.name));
+        Postpone(task, 0, {DownloadText::NameTaken, {task.name}});
         return;
     }
     DownloadChange change = ChangeOf(task);
@@ -294,7 +294,7 @@ void TransferPool::Rename(DownloadTask task)
     m_schedule.RetryNow(task.id);
 }
 
-void TransferPool::AskForNewList(const DownloadTask& task, const QString& message)
+void TransferPool::AskForNewList(const DownloadTask& task, const TaskMessage& message)
 {
     if (!Attempt("reopen an order", [&] { m_store->ReopenOrder(m_access.owner, task.job); })) {
         Postpone(task, 0, message);
@@ -320,9 +320,9 @@ void TransferPool::HandleList(const QString& job, const QStringList& names)
             if (!task || task->state != DownloadState::Waiting)
                 continue;
             if (!names.contains(task->name))
-                Fail(*task, tr("The farm no longer has %1.").arg(task->name));
+                Fail(*task, {DownloadText::Gone, {task->name}});
             else // The farm lists the file that it has just refused to send; try again later.
-                Postpone(*task, 0, tr("The farm lists %1, but does not send it.").arg(task->name));
+                Postpone(*task, 0, {DownloadText::NotSent, {task->name}});
         }
     });
 }

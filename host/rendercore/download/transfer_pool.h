@@ -71,14 +71,14 @@ private:
     void Begin(const DownloadTask& task);
     void AbortAll();
     void HandleEnd(qint64 id, const DownloadOutcome& outcome);
-    void HandleDamage(const DownloadTask& task, const QString& message);
+    void HandleDamage(const DownloadTask& task, const TaskMessage& message);
     void Complete(DownloadTask task);
     void WaitForDisk(const DownloadTask& task, int progress, const DownloadOutcome& outcome);
     void NoteUsable(const DownloadTask& task);
-    void Postpone(const DownloadTask& task, int progress, const QString& message, int retryAfter = 0);
-    void Fail(DownloadTask task, const QString& message);
+    void Postpone(const DownloadTask& task, int progress, const TaskMessage& message, int retryAfter = 0);
+    void Fail(DownloadTask task, const TaskMessage& message);
     void Rename(DownloadTask task);
-    void AskForNewList(const DownloadTask& task, const QString& message);
+    void AskForNewList(const DownloadTask& task, const TaskMessage& message);
 
     DownloadStore* m_store;
     HttpTransport* m_transport;
@@ -93,7 +93,7 @@ private:
     std::map<QString, std::set<qint64>> m_outdated; // by job: tasks that wait for a new list of its files
     Backoff m_diskBackoff;
     std::set<qint64> m_waitForDisk; // tasks whose files could not be saved
-    std::set<QString> m_unusable;   // folders of which the user has been told
+    std::set<QString> m_unusable;   // folders that the user has been told about
     std::set<qint64> m_damaged;     // tasks on their second and last attempt
     QTimer m_wake;
 };

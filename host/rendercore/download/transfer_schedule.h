@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/farmclient/backoff.h"
+#include "host/base/backoff.h"
 
 #include <QtGlobal>
 

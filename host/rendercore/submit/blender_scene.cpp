@@ -1,12 +1,11 @@
 #include "host/rendercore/submit/blender_scene.h"
 
+#include "host/farmclient/farm_numbers.h"
 #include "host/rendercore/submit/file_pattern.h"
 #include "host/rendercore/submit/folder_listing.h"
-#include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_text.h"
 #include "json/read_object.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
@@ -16,11 +15,6 @@
 #include <algorithm>
 
 namespace {
-
-QString Translated(const char* text)
-{
-    return QCoreApplication::translate("VTQsClientPrivate", text);
-}
 
 QString EngineName(const QString& engine)
 {
@@ -43,7 +37,7 @@ public:
     SceneAnalysis Run(const QJsonObject& report)
     {
         if (m_result.files.isEmpty()) {
-            m_result.error = QString::fromLatin1(SubmitText::SceneNameRefused);
+            m_result.error = SubmitText::SceneNameRefused;
             return m_result;
         }
         m_result.scene = m_result.files.constFirst().path;
@@ -56,7 +50,7 @@ public:
         for (const QJsonValue& folder : folders)
             AddFolder(folder.toString());
         const auto number = [&report](const char* key) { return report.value(QLatin1String(key)).toInt(); };
-        // The farm's frames begin with 1. Where the scene's begin with 0, its script counts them from there as well.
+        // The farm's frames begin with 1. If the scene's begin with 0, the render script counts from 0 as well.
         const auto frame = [&report](const char* key) {
             constexpr int Farthest = 1'048'574; // from 0, in Blender
             return std::clamp(report.value(QLatin1String(key)).toInt(1), -Farthest, Farthest);
@@ -64,7 +58,7 @@ public:
         const int first = frame("first_frame");
         const int shift = std::max(0, 1 - first);
         SetFrames(m_result, first + shift, frame("last_frame") + shift);
-        m_result.frameStep = std::clamp(number("frame_step"), 1, LastFrame);
+        m_result.frameStep = std::clamp(number("frame_step"), 1, FarmNumbers::LastFrame);
         SetSize(m_result, number("width"), number("height"));
         Remark(report.value(QLatin1String("engine")).toString(), first);
         return m_result;
@@ -130,13 +124,13 @@ private:
             Add(files.next());
     }
 
-    /// Remarks on where the farm departs from the scene.
+    /// Remarks on differences between the farm's rendering and the scene.
     void Remark(const QString& engine, int firstFrame)
     {
         if (!engine.isEmpty() && engine != QLatin1String("CYCLES"))
-            m_result.remarks.append(Translated(SubmitText::OtherEngine).arg(EngineName(engine)));
+            m_result.remarks.append(TaskMessage(SubmitText::OtherEngine, {EngineName(engine)}));
         if (firstFrame < 1)
-            m_result.remarks.append(Translated(SubmitText::CountedFromOne).arg(firstFrame));
+            m_result.remarks.append(TaskMessage(SubmitText::CountedFromOne, {QString::number(firstFrame)}));
     }
 
     QString m_folder;
@@ -162,8 +156,6 @@ SceneAnalysis AnalyseBlenderScene(const QString& scene, const QByteArray& report
     if (read.fault == nullptr && error.isUndefined())
         return BlenderAnalysis(scene, onBytes).Run(read.object);
     SceneAnalysis analysis;
-    analysis.error = Translated(SubmitText::BlenderFailed);
-    if (!error.toString().isEmpty())
-        analysis.error += QLatin1Char('\n') + error.toString();
+    analysis.error = TaskMessage::Lines({SubmitText::BlenderFailed, error.toString()});
     return analysis;
 }

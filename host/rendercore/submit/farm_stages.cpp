@@ -13,8 +13,7 @@
 
 namespace {
 
-constexpr int MostStalls = 5;             // answers, for one package, with nothing new received
-constexpr double LargestSize = 1LL << 50; // bytes
+constexpr int MostStalls = 5; // answers in a row without progress of a package
 
 QJsonObject DataOf(const HttpResult& result)
 {
@@ -24,7 +23,7 @@ QJsonObject DataOf(const HttpResult& result)
 /// @return -1 when the value is not a number of bytes.
 qint64 BytesOf(const QJsonValue& value)
 {
-    return static_cast<qint64>(std::clamp(value.toDouble(-1), -1.0, LargestSize));
+    return static_cast<qint64>(std::clamp(value.toDouble(-1), -1.0, FarmNumbers::LargestSize));
 }
 
 QByteArray UploadTarget(const QByteArray& id)
@@ -87,7 +86,7 @@ void FarmStages::CopySame()
     Conclude(MarkWanted(wanted) ? SubmitStage::Upload : SubmitStage::Compress);
 }
 
-/// @return whether all wanted files are packed; one that was known by its checksum alone may not be.
+/// @return whether all wanted files are packed; a file of which only the checksum was known may not be.
 bool FarmStages::MarkWanted(QSet<QString> wanted)
 {
     bool areAllPacked = true;
@@ -149,7 +148,7 @@ bool FarmStages::SendChunks(int index, Upload& upload, TransferMeter& meter)
         const bool isReadable = content.isOpen() && content.seek(upload.offset);
         const QByteArray chunk = isReadable ? content.read(upload.chunkSize) : QByteArray();
         if (chunk.isEmpty()) {
-            Refuse(index, QString::fromLatin1(SubmitText::PackageUnreadable));
+            Refuse(index, SubmitText::PackageUnreadable);
             return true;
         }
         const auto result = SendChunk(upload, chunk, meter);
@@ -163,7 +162,7 @@ bool FarmStages::SendChunks(int index, Upload& upload, TransferMeter& meter)
             m_transfer->CountTo(meter.Moved());
             m_outcome.advanced = true;
         } else if (++stalls == MostStalls) {
-            Refuse(index, QString::fromLatin1(SubmitText::NotStored));
+            Refuse(index, SubmitText::NotStored);
             return true;
         }
     }
@@ -214,13 +213,13 @@ bool FarmStages::Uncompress(int index)
         = m_farm.Post(UploadTarget(package.upload.toUtf8()) + "/unpack", {}, m_limits.unpackTime);
     if (IsStatus(result, HttpStatus::NotFound) || IsStatus(result, HttpStatus::Conflict)) {
         package.isSent = false;
-        Repeat(SubmitStage::Upload, QString::fromLatin1(SubmitText::Busy));
+        Repeat(SubmitStage::Upload, SubmitText::Busy);
         return false;
     }
     if (!CheckPassing(result))
         return false;
     if (result->status != HttpStatus::Ok) {
-        Refuse(index, result->error);
+        Refuse(index, result->fault);
         return true;
     }
     const QJsonValue files = DataOf(*result).value(QLatin1String("files"));
@@ -230,7 +229,7 @@ bool FarmStages::Uncompress(int index)
     return true;
 }
 
-/// Compares what the farm has unpacked with what was packed.
+/// Compares the files that the farm has unpacked with the packed ones.
 void FarmStages::TakeUnpacked(int index, const QJsonArray& unpacked)
 {
     QHash<QString, QString> checksums; // by path
@@ -242,20 +241,20 @@ void FarmStages::TakeUnpacked(int index, const QJsonArray& unpacked)
             m_outcome.advanced = true;
         }
     }
-    Refuse(index, QString::fromLatin1(SubmitText::ArrivedDamaged));
+    Refuse(index, SubmitText::ArrivedDamaged);
 }
 
 void FarmStages::Submit()
 {
     const auto result = m_farm.Post("/jobs", JobBody(m_request->task));
     if (IsStatus(result, HttpStatus::Conflict)) {
-        Repeat(SubmitStage::CopySame, QString::fromLatin1(SubmitText::Busy));
+        Repeat(SubmitStage::CopySame, SubmitText::Busy);
         return;
     }
     if (!Check(result))
         return;
-    m_outcome.message = DataOf(*result).value(QLatin1String("job_increasement")).toString();
-    if (!CheckComplete(!m_outcome.message.isEmpty()))
+    m_outcome.job = DataOf(*result).value(QLatin1String("job_increasement")).toString();
+    if (!CheckComplete(!m_outcome.job.isEmpty()))
         return;
     Conclude(SubmitStage::Submit);
 }
@@ -271,9 +270,9 @@ bool FarmStages::ReadUpload(const HttpResult& result, int index, Upload& upload)
     if (data.value(QLatin1String("unpacked")).toBool())
         upload.offset = size;
     if (result.status != HttpStatus::Ok)
-        Refuse(index, result.error);
+        Refuse(index, result.fault);
     else if (upload.id.isEmpty() || upload.offset < 0 || upload.offset > size || upload.chunkSize < 1)
-        Refuse(index, QString::fromLatin1(SubmitText::AnswerUnreadable));
+        Refuse(index, SubmitText::AnswerUnreadable);
     else
         return true;
     return false;
@@ -288,18 +287,18 @@ bool FarmStages::Check(const std::optional<HttpResult>& result)
         return true;
     m_outcome.kind = StageOutcome::Kind::Failed;
     m_outcome.error = SubmitError::FarmRefused;
-    m_outcome.message = result->error;
+    m_outcome.message = result->fault;
     return false;
 }
 
-/// @return whether the answer holds what it must; otherwise the stage has failed.
+/// @return whether the answer has all required members; otherwise the stage has failed.
 bool FarmStages::CheckComplete(bool isComplete)
 {
     if (isComplete)
         return true;
     m_outcome.kind = StageOutcome::Kind::Failed;
     m_outcome.error = SubmitError::FarmRefused;
-    m_outcome.message = QString::fromLatin1(SubmitText::AnswerIncomplete);
+    m_outcome.message = SubmitText::AnswerIncomplete;
     return false;
 }
 
@@ -315,9 +314,9 @@ bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
     const bool isAway = result->status <= 0;
     const char* const text
         = isAway ? SubmitText::Unreachable : (isFull ? SubmitText::FarmFull : SubmitText::Busy);
-    Repeat(m_request->task.next, QString::fromLatin1(isSignedOut ? SubmitText::SessionEnded : text));
-    if (result->status == HttpResult::Untrusted)
-        m_outcome.message = result->error;
+    Repeat(m_request->task.next, isSignedOut ? SubmitText::SessionEnded : text);
+    if (result->status == FarmFault::Untrusted)
+        m_outcome.message = result->fault;
     m_outcome.retryAfter = result->retryAfter;
     if (isSignedOut)
         m_outcome.obstacle = StageOutcome::Obstacle::Session;
@@ -327,7 +326,7 @@ bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
 }
 
 /// Adds the wanted files of a package to the refused ones.
-void FarmStages::Refuse(int index, const QString& reason)
+void FarmStages::Refuse(int index, const TaskMessage& reason)
 {
     for (const PackedFile& file : qAsConst(m_outcome.work.files)) {
         if (!file.isWanted || file.package != index)
@@ -348,7 +347,7 @@ void FarmStages::Conclude(SubmitStage next)
     m_outcome.error = SubmitError::UploadRefused;
 }
 
-void FarmStages::Repeat(SubmitStage next, const QString& message)
+void FarmStages::Repeat(SubmitStage next, const TaskMessage& message)
 {
     m_outcome.kind = StageOutcome::Kind::TryAgain;
     m_outcome.next = next;

@@ -56,14 +56,14 @@ private:
     bool Check(const std::optional<HttpResult>& result);
     bool CheckPassing(const std::optional<HttpResult>& result);
     bool CheckComplete(bool isComplete);
-    void Refuse(int index, const QString& reason);
+    void Refuse(int index, const TaskMessage& reason);
     void Conclude(SubmitStage next);
-    void Repeat(SubmitStage next, const QString& message);
+    void Repeat(SubmitStage next, const TaskMessage& message);
 
     SubmitLimits m_limits;
     FarmLink m_farm;
-    const StageRequest* m_request = nullptr; // while a stage runs; so is m_onProgress
+    const StageRequest* m_request = nullptr; // set while a stage runs, like m_onProgress
     const StageProgress* m_onProgress = nullptr;
-    ConnectionFeed::Transfer* m_transfer = nullptr; // while packages are sent
+    ConnectionFeed::Transfer* m_transfer = nullptr; // set while packages are sent
     StageOutcome m_outcome;
 };

@@ -9,7 +9,6 @@
 #include "host/rendercore/submit/task_packages.h"
 #include "storage/checksum.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 
@@ -96,7 +95,7 @@ StageOutcome Done(const StageRequest& request, SubmitStage next, const SubmitWor
     return outcome;
 }
 
-StageOutcome Unusable(const QString& reason)
+StageOutcome Unusable(const TaskMessage& reason)
 {
     StageOutcome outcome;
     outcome.kind = StageOutcome::Kind::Failed;
@@ -178,6 +177,16 @@ private:
     QVector<ChecksumCache::Entry> m_read;
 };
 
+QString ChecksumOf(const QString& package, ByteCount& count)
+{
+    try {
+        return storage::FileChecksum(package, [&count](qint64 bytes) { return count.Add(bytes); });
+    } catch (const std::runtime_error& failure) {
+        throw TaskFailure(
+            TaskMessage::Lines({SubmitText::PackageUnreadable, QString::fromUtf8(failure.what())}));
+    }
+}
+
 } // namespace
 
 StageOutcome AnalyzeStage(
@@ -190,13 +199,16 @@ StageOutcome AnalyzeStage(
     StageOutcome outcome;
     if (*request.interrupted)
         return outcome;
-    if (!analysis.error.isEmpty())
+    if (!analysis.error.IsEmpty())
         return Unusable(analysis.error);
     SubmitWork work;
     work.scene = analysis.scene;
-    work.missing = analysis.missing;
+    for (const QString& reference : analysis.missing)
+        work.missing.append(reference);
+    for (const QString& reference : analysis.absolute)
+        work.missing.append(TaskMessage(SubmitText::Absolute, {reference}));
     for (const QString& file : analysis.outside)
-        work.missing.append(QCoreApplication::translate("VTQsClientPrivate", SubmitText::Outside).arg(file));
+        work.missing.append(TaskMessage(SubmitText::Outside, {file}));
     work.missing += analysis.remarks;
     work.width = analysis.width;
     work.height = analysis.height;
@@ -208,7 +220,7 @@ StageOutcome AnalyzeStage(
         work.files.append(packed);
     }
     if (AreTooManyFiles(work))
-        return Unusable(QString::fromLatin1(SubmitText::TooManyFiles));
+        return Unusable(SubmitText::TooManyFiles);
     outcome = Done(request, SubmitStage::Compress, work);
     outcome.arguments
         = MakeArguments(analysis.firstFrame, analysis.lastFrame, analysis.width, analysis.height);
@@ -218,7 +230,7 @@ StageOutcome AnalyzeStage(
 StageOutcome CompressStage(const StageRequest& request, const StageProgress& onProgress, ChecksumCache& cache)
 {
     if (!QDir().mkpath(request.folder))
-        throw std::runtime_error(SubmitText::NoPackageFolder);
+        throw TaskFailure(SubmitText::NoPackageFolder);
     Packing packing(request, cache);
     packing.FindKnown();
     const QVector<Group> groups = GroupsToPack(packing.work);
@@ -243,8 +255,7 @@ StageOutcome ChecksumStage(const StageRequest& request, const StageProgress& onP
         if (!package.checksum.isEmpty())
             continue;
         const QString archive = TaskPackages::Path(request.folder, index);
-        package.checksum
-            = storage::FileChecksum(archive, [&count](qint64 bytes) { return count.Add(bytes); });
+        package.checksum = ChecksumOf(archive, count);
         package.size = QFileInfo(archive).size();
     }
     return Done(request, SubmitStage::CopySame, work);

@@ -4,6 +4,7 @@
 #include "host/rendercore/submit/folder_listing.h"
 #include "host/rendercore/submit/maya_attributes.h"
 #include "host/rendercore/submit/maya_statements.h"
+#include "host/rendercore/submit/submit_text.h"
 
 #include <QDir>
 #include <QFile>
@@ -100,7 +101,7 @@ public:
     }
 
 private:
-    /// A node as far as it has been read; the next one begins anew.
+    /// The node that is being read.
     struct Node
     {
         QString type; ///< or the name of a node that is there already
@@ -134,7 +135,7 @@ private:
     {
         QFile file(text);
         if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-            m_result.error = QStringLiteral("A file of the scene cannot be read: %1").arg(text);
+            m_result.error = {SubmitText::PartUnreadable, {text}};
             return false;
         }
         m_node = Node();

@@ -1,6 +1,7 @@
 #include "host/rendercore/submit/povray_scene.h"
 
 #include "host/rendercore/submit/povray_lexer.h"
+#include "host/rendercore/submit/submit_text.h"
 
 #include <QDir>
 #include <QFile>
@@ -79,7 +80,7 @@ private:
     {
         QFile file(text);
         if (!file.open(QIODevice::ReadOnly)) {
-            m_result.error = QStringLiteral("A file of the scene cannot be read: %1").arg(text);
+            m_result.error = {SubmitText::PartUnreadable, {text}};
             return false;
         }
         const QString folder = QFileInfo(text).path();
@@ -103,7 +104,8 @@ private:
     {
         const QString path = QDir::cleanPath(reference);
         if (m_seen.contains(path) || m_result.files.size() > MostSceneFiles
-            || m_result.missing.size() > MostSceneFiles || (m_onBytes && !m_onBytes(0)))
+            || m_result.missing.size() + m_result.absolute.size() > MostSceneFiles
+            || (m_onBytes && !m_onBytes(0)))
             return;
         // The same name may lead to a file from the folder of another text.
         const QString attempt = folder + QLatin1Char('\n') + path;
@@ -118,16 +120,14 @@ private:
         }
         const int depth = m_folder.path().split(QLatin1Char('/'), Qt::SkipEmptyParts).size();
         const bool isAbsolute = QDir::isAbsolutePath(path);
-        const QString name = isAbsolute
-            ? QString(reference + QLatin1String(" (use a path relative to the scene)"))
-            : reference;
         if (source.isEmpty() || isAbsolute || !IsSendablePath(path) || CountOfClimbs(path) >= depth) {
-            if (!m_result.missing.contains(name))
-                m_result.missing.append(name);
+            QStringList& list = isAbsolute ? m_result.absolute : m_result.missing;
+            if (!list.contains(reference))
+                list.append(reference);
             return;
         }
         // An earlier text may not have found the file from its own folder.
-        m_result.missing.removeAll(name);
+        m_result.missing.removeAll(reference);
         Add(path, source);
         if (!LiesIn(m_folder.path(), source))
             m_result.outside.append(source);

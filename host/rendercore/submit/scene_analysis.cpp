@@ -54,17 +54,17 @@ QString JobTypeOf(const QString& scene)
     return kind != nullptr ? QString::fromLatin1(kind->jobType) : QString();
 }
 
-QString WhyNotAnalysed(const QString& scene)
+TaskMessage WhyNotAnalysed(const QString& scene)
 {
     const QFileInfo file(scene);
     const SceneKind* const kind = KindOfScene(scene);
     if (kind == nullptr || !file.isFile() || !file.isReadable())
-        return QString::fromLatin1(SubmitText::SceneUnreadable);
+        return SubmitText::SceneUnreadable;
     if (!IsSendablePath(file.fileName()))
-        return QString::fromLatin1(SubmitText::SceneNameRefused);
+        return SubmitText::SceneNameRefused;
     const bool lacksProgram = kind->program != nullptr
         && QStandardPaths::findExecutable(QString::fromLatin1(kind->program)).isEmpty();
-    return lacksProgram ? QString::fromLatin1(kind->lacking) : QString();
+    return lacksProgram ? TaskMessage(kind->lacking) : TaskMessage();
 }
 
 QString RealScenePath(const QString& scene)
@@ -77,10 +77,11 @@ SceneAnalysis AnalyseScene(const QString& scene, const BytesRead& onBytes, const
 {
     SceneAnalysis analysis;
     analysis.error = WhyNotAnalysed(scene);
-    if (!analysis.error.isEmpty())
+    if (!analysis.error.IsEmpty())
         return analysis;
     analysis = KindOfScene(scene)->analyse(RealScenePath(scene), report, onBytes);
-    if (analysis.files.size() > MostSceneFiles || analysis.missing.size() > MostSceneFiles)
+    if (analysis.files.size() > MostSceneFiles
+        || analysis.missing.size() + analysis.absolute.size() > MostSceneFiles)
         analysis.error = TooManyFiles();
     return analysis;
 }

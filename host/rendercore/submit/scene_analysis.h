@@ -2,20 +2,20 @@
 
 #include "host/rendercore/submit/scene_contents.h"
 
-/// How the scenes of one renderer are taken. A further renderer is one more of these kinds.
+/// The handling of one renderer's scenes. A further renderer is added as another kind.
 struct SceneKind
 {
-    const char* jobType;  ///< at the farm
+    const char* jobType;  ///< the farm's job type
     QStringList suffixes; ///< lower case
     /// Finds the files of a scene.
-    /// @param report of the program below; empty without one.
+    /// @param report is that of the program below; empty without one.
     SceneAnalysis (*analyse)(const QString& scene, const QByteArray& report, const BytesRead& onBytes);
 
     /// A program that has to read the scenes first, because only the renderer itself can; null where `analyse` does it.
     const char* program = nullptr;
     /// Its arguments, with which it writes its report to a file.
     QStringList (*arguments)(const QString& scene, const QString& report) = nullptr;
-    // Texts for the user.
+    // Sentences of messages.
     const char* reading = nullptr; ///< the program is at work
     const char* lacking = nullptr; ///< the program is not installed
     const char* failed = nullptr;  ///< the program has written no report
@@ -31,7 +31,7 @@ QStringList SceneSuffixes();
 QString JobTypeOf(const QString& scene);
 
 /// Says why a scene cannot be analysed; empty when it can. Does not read it.
-QString WhyNotAnalysed(const QString& scene);
+TaskMessage WhyNotAnalysed(const QString& scene);
 
 /// The scene's path without links to folders: a renderer that follows ".." gets to the parent of the real folder.
 QString RealScenePath(const QString& scene);
@@ -42,6 +42,6 @@ QString RealScenePath(const QString& scene);
 /// Names that a scene composes at parse time are not found; names in branches not taken are. A binary Maya scene is
 /// sent alone.
 /// @param scene absolute path of a file that has a kind.
-/// @param report of the kind's program, if it has one.
+/// @param report is that of the kind's program, if it has one.
 SceneAnalysis AnalyseScene(
     const QString& scene, const BytesRead& onBytes = {}, const QByteArray& report = {});

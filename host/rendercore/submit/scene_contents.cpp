@@ -1,9 +1,8 @@
 #include "host/rendercore/submit/scene_contents.h"
 
-#include "host/rendercore/submit/submit_arguments.h"
+#include "host/farmclient/farm_numbers.h"
 #include "host/rendercore/submit/submit_text.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
 #include <QTextCodec>
 
@@ -18,9 +17,9 @@ bool IsControl(QChar character)
 
 } // namespace
 
-QString TooManyFiles()
+TaskMessage TooManyFiles()
 {
-    return QStringLiteral("The scene needs more than %1 files.").arg(MostSceneFiles);
+    return {SubmitText::MoreFiles, {QString::number(MostSceneFiles)}};
 }
 
 bool IsSendablePath(const QString& path)
@@ -56,21 +55,21 @@ QString FirstReadable(const QStringList& candidates)
 
 void SetFrames(SceneAnalysis& analysis, int first, int last)
 {
-    analysis.firstFrame = std::clamp(first, 1, LastFrame);
-    analysis.lastFrame
-        = std::clamp(last, analysis.firstFrame, std::min(LastFrame, analysis.firstFrame + MostFrames - 1));
-    if (first < analysis.firstFrame || last > analysis.lastFrame)
-        analysis.remarks.append(QCoreApplication::translate("VTQsClientPrivate", SubmitText::FramesLeftOut)
-                                    .arg(first)
-                                    .arg(last)
-                                    .arg(analysis.firstFrame)
-                                    .arg(analysis.lastFrame));
+    analysis.firstFrame = std::clamp(first, 1, FarmNumbers::LastFrame);
+    analysis.lastFrame = std::clamp(last, analysis.firstFrame,
+        std::min(FarmNumbers::LastFrame, analysis.firstFrame + FarmNumbers::MostFrames - 1));
+    if (first >= analysis.firstFrame && last <= analysis.lastFrame)
+        return;
+    QVector<TaskMessage> frames;
+    for (const int frame : {first, last, analysis.firstFrame, analysis.lastFrame})
+        frames.append(QString::number(frame));
+    analysis.remarks.append(TaskMessage(SubmitText::FramesLeftOut, frames));
 }
 
 void SetSize(SceneAnalysis& analysis, int width, int height)
 {
-    if (width >= 1 && width <= LongestSide)
+    if (width >= 1 && width <= FarmNumbers::LongestSide)
         analysis.width = width;
-    if (height >= 1 && height <= LongestSide)
+    if (height >= 1 && height <= FarmNumbers::LongestSide)
         analysis.height = height;
 }

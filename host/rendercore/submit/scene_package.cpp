@@ -1,5 +1,7 @@
 #include "host/rendercore/submit/scene_package.h"
 
+#include "host/rendercore/submit/submit_text.h"
+#include "host/rendercore/task_message.h"
 #include "storage/checksum.h"
 
 #include <QFile>
@@ -12,7 +14,6 @@
 #include <cstring>
 #include <deque>
 #include <memory>
-#include <stdexcept>
 
 namespace {
 
@@ -112,8 +113,8 @@ using Archive = std::unique_ptr<zip_t, Discard>;
 
 [[noreturn]] void Fail(const char* sentence, zip_t* archive, const QString& file)
 {
-    throw std::runtime_error(
-        std::string(sentence) + ": " + zip_strerror(archive) + '\n' + file.toStdString());
+    const TaskMessage reason(sentence, {QString::fromUtf8(zip_strerror(archive))});
+    throw TaskFailure(TaskMessage::Lines({reason, file}));
 }
 
 Archive Create(const QString& path)
@@ -124,9 +125,9 @@ Archive Create(const QString& path)
         return archive;
     zip_error_t error;
     zip_error_init_with_code(&error, code);
-    const std::string reason = zip_error_strerror(&error);
+    const QString reason = QString::fromUtf8(zip_error_strerror(&error));
     zip_error_fini(&error);
-    throw std::runtime_error("A package cannot be written: " + reason);
+    throw TaskFailure({SubmitText::PackageNotWritten, {reason}});
 }
 
 /// Compresses samples of the file. A file that cannot be read is left to the packing, which reports it.
@@ -152,19 +153,19 @@ void Add(zip_t* archive, const PackageEntry& entry, Input& input, Compression co
 {
     zip_source_t* content = zip_source_function(archive, Serve, &input);
     if (!content)
-        Fail("A file cannot be read", archive, entry.source);
+        Fail(SubmitText::FileUnreadable, archive, entry.source);
     const zip_int64_t index
         = zip_file_add(archive, entry.path.toUtf8().constData(), content, ZIP_FL_ENC_UTF_8);
     if (index < 0) {
         zip_source_free(content);
-        Fail("A file cannot be packed", archive, entry.source);
+        Fail(SubmitText::FileNotPacked, archive, entry.source);
     }
     const auto number = static_cast<zip_uint64_t>(index);
     const auto method
         = compression != Compression::None && Shrinks(entry.source) ? ZIP_CM_DEFLATE : ZIP_CM_STORE;
     if (zip_set_file_compression(archive, number, method, FastestLevel) < 0
         || zip_file_set_dostime(archive, number, 0, DosDate, 0) < 0)
-        Fail("A file cannot be packed", archive, entry.source);
+        Fail(SubmitText::FileNotPacked, archive, entry.source);
 }
 
 bool Pack(
@@ -182,9 +183,9 @@ bool Pack(
             if (input.hasEnded)
                 return false;
             if (input.hasFailed)
-                Fail("A file cannot be read", archive.get(), input.file.fileName());
+                Fail(SubmitText::FileUnreadable, archive.get(), input.file.fileName());
         }
-        Fail("A file cannot be packed", archive.get(), entries.constFirst().source);
+        Fail(SubmitText::FileNotPacked, archive.get(), entries.constFirst().source);
     }
     // A successful zip_close() has freed the archive.
     (void)archive.release();

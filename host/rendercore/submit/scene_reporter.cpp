@@ -1,12 +1,9 @@
 #include "host/rendercore/submit/scene_reporter.h"
 
-#include "host/rendercore/submit/submit_text.h"
 #include "processes/bound_process.h"
 
 #include <QFile>
 #include <QStandardPaths>
-
-#include <stdexcept>
 
 #ifdef Q_OS_UNIX
 #include <csignal>
@@ -17,7 +14,7 @@ namespace {
 
 constexpr qint64 LongestReport = 8LL * 1024 * 1024; // bytes
 
-/// A program that is ended with all programs that it has started.
+/// A program that is killed together with all programs that it has started.
 class ReportProcess : public BoundProcess
 {
 public:
@@ -43,7 +40,7 @@ protected:
     }
 };
 
-/// @return empty when there is none, or it is longer than any honest one.
+/// @return the report; empty when there is none, or when it is too long to be genuine.
 QByteArray ReadReport(const QString& path)
 {
     QFile file(path);
@@ -70,7 +67,7 @@ std::optional<QByteArray> SceneReporter::Ask(qint64 task, const QString& scene)
         const QByteArray text = report->second;
         m_reports.erase(report);
         if (text.isEmpty())
-            throw std::runtime_error(KindOfScene(scene)->failed);
+            throw TaskFailure(KindOfScene(scene)->failed);
         return text;
     }
     if (!m_reading)

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "host/base/interrupt_flag.h"
 #include "host/farmclient/farm_access.h"
-#include "host/farmclient/interrupt_flag.h"
 #include "host/rendercore/submit/submit_task.h"
 
 #include <functional>
@@ -11,7 +11,7 @@ struct StageRequest
 {
     SubmitTask task; ///< a copy of the task as it is now; its `next` is the stage to run
     FarmAccess access;
-    QString folder; ///< for the task's packages
+    QString folder; ///< the folder of the task's packages
     InterruptFlag interrupted;
 };
 
@@ -38,9 +38,10 @@ struct StageOutcome
     SubmitStage next = SubmitStage::Wait;  ///< the stage to run next; unused after a failure
     bool advanced = false;                 ///< the farm has received more of the task than before
     Obstacle obstacle = Obstacle::Request; ///< set for TryAgain
-    int retryAfter = 0;                    ///< seconds that the farm asks to wait
+    int retryAfter = 0;                    ///< the wait in seconds that the farm asks for
     SubmitError error = SubmitError::None;
-    QString message; ///< the reason for a failure or a wait; after the last stage, the number of the new job
+    TaskMessage message; ///< the reason for a failure or a wait
+    QString job;         ///< after the last stage, the number of the new job
     SubmitWork work;
     QVariantList arguments; ///< the scene's own arguments, set by the analysis
     QStringList refused;    ///< files that could not be uploaded

@@ -1,5 +1,7 @@
 #include "host/rendercore/submit/submit_arguments.h"
 
+#include "host/farmclient/farm_numbers.h"
+
 #include <QJsonArray>
 #include <QVariantMap>
 
@@ -23,7 +25,7 @@ bool IsSide(const QString& text)
 {
     bool isNumber = false;
     const int side = text.toInt(&isNumber);
-    return text.isEmpty() || (isNumber && side >= 1 && side <= LongestSide);
+    return text.isEmpty() || (isNumber && side >= 1 && side <= FarmNumbers::LongestSide);
 }
 
 } // namespace
@@ -50,19 +52,19 @@ QVariantList WithUsableSizes(const QVariantList& arguments)
 
 bool AreArguments(const QVariantList& arguments)
 {
-    if (arguments.isEmpty() || arguments.size() > MostRanges)
+    if (arguments.isEmpty() || arguments.size() > FarmNumbers::MostRanges)
         return false;
     int frames = 0;
     for (int range = 0; range < arguments.size(); ++range) {
         const QVariantMap values = arguments.at(range).toMap();
         const int start = values.value(StartKey(range)).toInt();
         const int end = values.value(EndKey(range)).toInt();
-        if (start < 1 || end < start || end > LastFrame || !IsSide(values.value(WidthKey).toString())
-            || !IsSide(values.value(HeightKey).toString()))
+        if (start < 1 || end < start || end > FarmNumbers::LastFrame
+            || !IsSide(values.value(WidthKey).toString()) || !IsSide(values.value(HeightKey).toString()))
             return false;
         frames += end - start + 1;
     }
-    return frames <= MostFrames;
+    return frames <= FarmNumbers::MostFrames;
 }
 
 QJsonObject JobMembers(const QVariantList& arguments, int width, int height, int step)

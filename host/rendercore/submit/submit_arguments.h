@@ -3,12 +3,6 @@
 #include <QJsonObject>
 #include <QVariantList>
 
-// The farm's limits for a job.
-constexpr int MostRanges = 15;
-constexpr int LastFrame = 99999;
-constexpr int MostFrames = 20000;
-constexpr int LongestSide = 16384; // pixels
-
 /// Arguments for one range of frames as the set-argument dialog edits them: a list of one map with "startFrame_0",
 /// "endFrame_0", "width", "height" and "prerender".
 QVariantList MakeArguments(int firstFrame, int lastFrame, int width, int height);
@@ -22,5 +16,5 @@ bool AreArguments(const QVariantList& arguments);
 /// The members "frames", "width", "height" and "prerender" of a submission.
 /// @param arguments AreArguments() must hold for them.
 /// @param width, height of the scene itself; used where the arguments leave them empty.
-/// @param step of the frames in each range.
+/// @param step is the frame step of each range.
 QJsonObject JobMembers(const QVariantList& arguments, int width, int height, int step);

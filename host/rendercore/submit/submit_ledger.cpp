@@ -14,32 +14,36 @@ SubmitLedger::SubmitLedger(const QString& folder)
             [this](const QString& keptAs) { PostTo(this, [this, keptAs] { emit Replaced(keptAs); }); });
     })
 {
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(LoadPause);
+    connect(&m_pause, &QTimer::timeout, this, &SubmitLedger::Load);
 }
 
 void SubmitLedger::Begin(const QString& owner)
 {
     End();
     m_owner = owner;
-    Load(m_session);
+    Load();
 }
 
 void SubmitLedger::End()
 {
     ++m_session;
+    m_pause.stop();
     m_owner.clear();
     m_adding.clear();
 }
 
-void SubmitLedger::Load(int session)
+void SubmitLedger::Load()
 {
-    if (session != m_session)
-        return;
-    m_records.Post([this, session, owner = m_owner](SubmitRecords& records) {
+    m_records.Post([this, session = m_session, owner = m_owner](SubmitRecords& records) {
         PostTo(this, [this, session, tasks = records.Load(owner)] {
-            if (!tasks)
-                QTimer::singleShot(LoadPause, this, [this, session] { Load(session); });
-            else if (session == m_session)
+            if (session != m_session)
+                return;
+            if (tasks)
                 emit Loaded(*tasks);
+            else
+                m_pause.start();
         });
     });
 }
@@ -48,7 +52,7 @@ void SubmitLedger::Add(const QString& scene)
 {
     m_adding.append(scene);
     m_records.Post([this, session = m_session, owner = m_owner, scene](SubmitRecords& records) {
-        QString error;
+        TaskMessage error;
         const auto task = records.Add(owner, scene, &error);
         PostTo(this, [this, session, scene, task, error] {
             if (session == m_session)
@@ -58,13 +62,13 @@ void SubmitLedger::Add(const QString& scene)
 }
 
 void SubmitLedger::HandleAdded(
-    const QString& scene, const std::optional<SubmitTask>& task, const QString& error)
+    const QString& scene, const std::optional<SubmitTask>& task, const TaskMessage& error)
 {
     m_adding.removeOne(scene);
     if (task)
         emit Added(*task);
     else
-        emit Refused(scene, error);
+        emit Refused(scene, error.Text());
 }
 
 void SubmitLedger::Save(const QVector<SubmitTask>& tasks, bool withWork)

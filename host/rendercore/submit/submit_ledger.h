@@ -4,6 +4,7 @@
 #include "host/rendercore/worker_thread.h"
 
 #include <QStringList>
+#include <QTimer>
 
 /// Passes the tasks of one owner at a time between the GUI thread and the records on the disk. No function waits; changes
 /// are written in the order in which they are made.
@@ -12,13 +13,13 @@ class SubmitLedger : public QObject
     Q_OBJECT
 
 public:
-    /// @param folder for the database; created if missing.
+    /// @param folder holds the database; created if missing.
     explicit SubmitLedger(const QString& folder);
 
     /// Reads the owner's tasks; Loaded() follows, after some time if the database cannot be read at first.
     void Begin(const QString& owner);
 
-    /// Lets go of the owner: no answer about their tasks follows.
+    /// Forgets the owner: no further answer about their tasks follows.
     void End();
 
     /// Creates a task for a scene; Added() or Refused() follows.
@@ -41,11 +42,12 @@ signals:
     void Refused(const QString& scene, const QString& reason);
 
 private:
-    void Load(int session);
-    void HandleAdded(const QString& scene, const std::optional<SubmitTask>& task, const QString& error);
+    void Load();
+    void HandleAdded(const QString& scene, const std::optional<SubmitTask>& task, const TaskMessage& error);
 
     QString m_owner;
     int m_session = 0; // counts the owners; answers for an earlier one are dropped
     QStringList m_adding;
+    QTimer m_pause; // before the tasks are loaded again
     WorkerThread<SubmitRecords> m_records;
 };

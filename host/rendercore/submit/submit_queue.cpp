@@ -8,6 +8,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <memory>
+
 SubmitQueue::SubmitQueue(const QString& folder, QObject* parent)
     : QObject(parent)
     , m_packages(QDir(folder).filePath(QStringLiteral("submit")))
@@ -90,7 +92,7 @@ void SubmitQueue::Ask(const SubmitTask& task)
     if (question == SubmitRules::Question::RetryUpload)
         emit UploadFailed(id, QStringList(task.refused));
     else if (question == SubmitRules::Question::AcceptMissingFiles)
-        emit TexturesLacking(id, QStringList(task.work.missing));
+        emit TexturesLacking(id, TaskMessage::Texts(task.work.missing));
 }
 
 SubmitQueue::Answer SubmitQueue::Submit(const QString& scene)
@@ -168,7 +170,7 @@ void SubmitQueue::StopAll()
     for (auto& [number, task] : m_tasks.All()) {
         if (!task.IsRunnable() && task.error != SubmitError::AwaitsUser)
             continue;
-        SubmitRules::Halt(task, SubmitError::Stopped, QString::fromLatin1(SubmitText::Stopped));
+        SubmitRules::Halt(task, SubmitError::Stopped, SubmitText::Stopped);
         m_turns.Remove(number);
         stopped.append(task);
     }
@@ -216,7 +218,7 @@ void SubmitQueue::AnswerMissingTextures(const QString& id, bool goOn)
     if (!task || SubmitRules::QuestionOf(*task) != SubmitRules::Question::AcceptMissingFiles)
         return;
     if (!goOn) {
-        Halt(*task, SubmitError::TexturesMissing, QString::fromLatin1(SubmitText::NotWithout));
+        Halt(*task, SubmitError::TexturesMissing, SubmitText::NotWithout);
         return;
     }
     task->goesOnWithout = true;
@@ -237,7 +239,7 @@ void SubmitQueue::SetArguments(const QString& id, const QVariantList& arguments)
         m_ledger.Save({*task});
 }
 
-void SubmitQueue::Halt(SubmitTask& task, SubmitError error, const QString& message)
+void SubmitQueue::Halt(SubmitTask& task, SubmitError error, const TaskMessage& message)
 {
     SubmitRules::Halt(task, error, message);
     m_turns.Remove(task.number);
@@ -276,10 +278,10 @@ void SubmitQueue::Advance()
         SubmitTask& task = *m_tasks.Find(*decision.task);
         if (MustCheckArguments(task)) {
             task.stage = SubmitStage::Submit;
-            Halt(task, SubmitError::AwaitsUser, QString::fromLatin1(SubmitText::CheckArguments));
+            Halt(task, SubmitError::AwaitsUser, SubmitText::CheckArguments);
         } else if (SubmitRules::MustAskFirst(task)) {
             SubmitRules::EnterNextStage(task);
-            Halt(task, SubmitError::AwaitsUser, task.work.missing.join(QLatin1Char('\n')));
+            Halt(task, SubmitError::AwaitsUser, TaskMessage::Lines(task.work.missing));
             PostTo(this, [this, number = task.number] {
                 if (const SubmitTask* asking = m_tasks.Find(number))
                     Ask(*asking);
@@ -300,7 +302,7 @@ void SubmitQueue::ShowWaitForFarm()
         if (!task.IsRunnable() || !NeedsFarm(task.next))
             continue;
         SubmitRules::EnterNextStage(task);
-        task.message = task.uploadText = QString::fromLatin1(reason);
+        task.message = task.uploadText = reason;
     }
 }
 
@@ -379,7 +381,7 @@ void SubmitQueue::Postpone(SubmitTask& task, const StageOutcome& outcome)
         m_turns.RecordAnswer(task.number, true);
     SubmitRules::ApplyTryAgain(task, outcome);
     if (!m_turns.Postpone(task.number, outcome.obstacle, outcome.retryAfter, m_clock.elapsed()))
-        SubmitRules::Halt(task, SubmitError::FarmRefused, QString::fromLatin1(SubmitText::Failing));
+        SubmitRules::Halt(task, SubmitError::FarmRefused, SubmitText::Failing);
 }
 
 void SubmitQueue::Interrupt()

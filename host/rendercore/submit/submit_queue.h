@@ -15,7 +15,6 @@
 #include <QVariantList>
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <utility>
 
@@ -29,7 +28,7 @@ class SubmitQueue : public QObject
     Q_OBJECT
 
 public:
-    /// @param folder for the database and the packages; created if missing.
+    /// @param folder holds the database and the packages; created if missing.
     explicit SubmitQueue(const QString& folder, QObject* parent = nullptr);
 
     /// Aborts the running stage; the next queue on this folder resumes it.
@@ -78,7 +77,7 @@ public:
 signals:
     /// A task has been added or removed.
     void ListChanged();
-    /// Something that concerns all tasks, in a sentence for the user.
+    /// @param text is a sentence for the user that concerns all tasks.
     void Notice(const QString& text);
     /// The owner's tasks have been read from the disk.
     void Loaded();
@@ -103,7 +102,7 @@ private:
     void Clear();
     void Insert(const SubmitTask& task);
     void Ask(const SubmitTask& task);
-    void Halt(SubmitTask& task, SubmitError error, const QString& message);
+    void Halt(SubmitTask& task, SubmitError error, const TaskMessage& message);
     void SaveRelease(SubmitTask& task);
 
     bool MustCheckArguments(const SubmitTask& task) const;
@@ -119,12 +118,12 @@ private:
 
     QString m_packages; // the folder for the packages of all tasks
     FarmAccess m_access;
-    QString m_endedToken; // of the latest session that has ended
+    QString m_endedToken; // the token of the latest session that has ended
     std::function<bool()> m_mustCheck;
     SubmitTasks m_tasks;
     SubmitTurns m_turns; // knows the runnable tasks
     QElapsedTimer m_clock;
-    QTimer m_pause; // until a task may run
+    QTimer m_pause; // runs until a task may run
     std::optional<Run> m_run;
     // Declared last: they must end before the members that their results touch.
     SubmitLedger m_ledger;

@@ -58,12 +58,12 @@ std::optional<QSet<qint64>> SubmitRecords::Numbers()
     return numbers;
 }
 
-std::optional<SubmitTask> SubmitRecords::Add(const QString& owner, const QString& scene, QString* error)
+std::optional<SubmitTask> SubmitRecords::Add(const QString& owner, const QString& scene, TaskMessage* error)
 {
     std::optional<SubmitTask> task;
     *error = WhyNotAnalysed(scene);
-    if (error->isEmpty() && !Attempt("save a submission", [&] { task = m_store.Add(owner, scene); }))
-        *error = QString::fromLatin1(SubmitText::NotRecorded);
+    if (error->IsEmpty() && !Attempt("save a submission", [&] { task = m_store.Add(owner, scene); }))
+        *error = SubmitText::NotRecorded;
     return task;
 }
 

@@ -14,18 +14,18 @@ class SubmitRecords : public QObject
     Q_OBJECT
 
 public:
-    /// @param folder for the database; created if missing.
+    /// @param folder holds the database; created if missing.
     /// @param onReplaced see SubmitStore.
     explicit SubmitRecords(const QString& folder, storage::RecoveringDatabase::Replaced onReplaced = {});
 
-    /// Tries a last time to write what is left.
+    /// Tries one last time to write the remaining changes.
     ~SubmitRecords() override;
 
     /// The numbers of all owners' tasks; none when the database cannot be read.
     std::optional<QSet<qint64>> Numbers();
 
-    /// Creates a task for a scene; none, and a sentence for the user, when that is not possible.
-    std::optional<SubmitTask> Add(const QString& owner, const QString& scene, QString* error);
+    /// Creates a task for a scene; none, and the reason, when that is not possible.
+    std::optional<SubmitTask> Add(const QString& owner, const QString& scene, TaskMessage* error);
 
     /// The owner's tasks, the oldest first; none when the database cannot be read.
     std::optional<QVector<SubmitTask>> Load(const QString& owner);
@@ -44,7 +44,7 @@ private:
     void Write();
 
     SubmitStore m_store;
-    std::map<qint64, Change> m_changes; // not written yet, by task
-    QSet<qint64> m_removed;             // likewise
+    std::map<qint64, Change> m_changes; // unwritten changes, by task
+    QSet<qint64> m_removed;             // unwritten removals
     QTimer m_retry;
 };

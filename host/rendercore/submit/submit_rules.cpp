@@ -12,7 +12,7 @@ namespace {
 
 using namespace SubmitRules;
 
-constexpr int MostWhenHalted = 99; // percent; a full bar would tell of success
+constexpr int MostWhenHalted = 99; // percent; a full bar would look like success
 constexpr int MostListed = 30;     // files; more would not fit into a tool tip
 
 bool AwaitsMissingFiles(const SubmitTask& task)
@@ -28,10 +28,10 @@ void ApplyAnalysis(SubmitTask& task, const StageOutcome& outcome)
         task.areArgumentsChecked = false;
         task.arguments = outcome.arguments;
     }
-    const QStringList& missing = outcome.work.missing;
+    const QVector<TaskMessage>& missing = outcome.work.missing;
     task.goesOnWithout = task.goesOnWithout
         && std::all_of(missing.cbegin(), missing.cend(),
-            [&task](const QString& file) { return task.work.missing.contains(file); });
+            [&task](const TaskMessage& file) { return task.work.missing.contains(file); });
 }
 
 } // namespace
@@ -69,17 +69,16 @@ QString HaltText(const SubmitTask& task)
     return {};
 }
 
-QString FileList(const SubmitWork& work)
+TaskMessage FileList(const SubmitWork& work)
 {
-    QStringList lines;
+    QVector<TaskMessage> lines;
     for (const PackedFile& file : work.files.mid(0, MostListed))
         lines.append(file.source);
     if (work.files.size() > 1)
-        lines.prepend(QCoreApplication::translate("VTQsClientPrivate", "%1 files belong to the scene:")
-                          .arg(work.files.size()));
+        lines.prepend(TaskMessage(SubmitText::Files, {QString::number(work.files.size())}));
     if (work.files.size() > MostListed)
         lines.append(QStringLiteral("…"));
-    return lines.join(QLatin1Char('\n'));
+    return TaskMessage::Lines(lines);
 }
 
 void EnterNextStage(SubmitTask& task)
@@ -89,22 +88,22 @@ void EnterNextStage(SubmitTask& task)
     task.stage = task.next;
     task.progress = 0;
     task.message = FileList(task.work);
-    task.uploadText.clear();
+    task.uploadText = {};
 }
 
-void Halt(SubmitTask& task, SubmitError error, const QString& message)
+void Halt(SubmitTask& task, SubmitError error, const TaskMessage& message)
 {
     task.error = error;
     if (error != SubmitError::None)
         task.progress = qMin(task.progress, MostWhenHalted);
     task.message = message;
-    task.uploadText.clear();
+    task.uploadText = {};
 }
 
 void Release(SubmitTask& task)
 {
     task.error = SubmitError::None;
-    task.message.clear();
+    task.message = {};
     task.refused.clear();
     task.stage = SubmitStage::Wait;
     task.progress = 0;
@@ -149,7 +148,7 @@ void ApplyDone(SubmitTask& task, const StageOutcome& outcome)
         task.isDone = true;
         task.stage = SubmitStage::Submit;
         task.progress = 100;
-        Halt(task, SubmitError::None, QStringLiteral("Submitted as job %1.").arg(outcome.message));
+        Halt(task, SubmitError::None, {SubmitText::Submitted, {outcome.job}});
         return;
     }
     if (outcome.stage == SubmitStage::Analyze)
@@ -159,7 +158,7 @@ void ApplyDone(SubmitTask& task, const StageOutcome& outcome)
     if (!task.IsRunnable())
         return; // stopped meanwhile
     task.message = FileList(task.work);
-    task.uploadText.clear();
+    task.uploadText = {};
     task.progress = 100;
 }
 
@@ -181,8 +180,10 @@ void ApplyFailed(SubmitTask& task, const StageOutcome& outcome)
     if (outcome.stage == SubmitStage::Compress || outcome.stage == SubmitStage::Checksum
         || outcome.stage == SubmitStage::Uncompress)
         task.next = SubmitStage::Analyze;
-    Halt(task, outcome.error,
-        QStringList(QStringList(outcome.message) + outcome.refused).join(QLatin1Char('\n')));
+    QVector<TaskMessage> lines {outcome.message};
+    for (const QString& file : outcome.refused)
+        lines.append(file);
+    Halt(task, outcome.error, TaskMessage::Lines(lines));
 }
 
 } // namespace SubmitRules

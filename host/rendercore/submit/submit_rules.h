@@ -17,17 +17,17 @@ bool MustAskFirst(const SubmitTask& task);
 /// Whether the window lets the user edit the task's arguments, as it does for Maya scenes with a lower-case suffix.
 bool HasEditableArguments(const SubmitTask& task);
 
-/// Says why the task stands still, in a few words; empty where the name of its stage says as much.
+/// Says why the task stands still, in a few words; empty where the name of its stage is enough.
 QString HaltText(const SubmitTask& task);
 
 /// The files that belong to the task, for the user to read before they are sent; empty before the analysis.
-QString FileList(const SubmitWork& work);
+TaskMessage FileList(const SubmitWork& work);
 
 /// Shows the task in its next stage.
 void EnterNextStage(SubmitTask& task);
 
 /// Halts the task with an error.
-void Halt(SubmitTask& task, SubmitError error, const QString& message);
+void Halt(SubmitTask& task, SubmitError error, const TaskMessage& message);
 
 /// Lets a halted task wait for its turn again.
 void Release(SubmitTask& task);

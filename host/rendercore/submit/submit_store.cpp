@@ -40,7 +40,7 @@ SubmitTask TaskOf(const SQLite::Statement& row)
     task.submission = Text(row.getColumn(3));
     task.stage = static_cast<SubmitStage>(row.getColumn(4).getInt());
     task.error = static_cast<SubmitError>(row.getColumn(5).getInt());
-    task.message = Text(row.getColumn(6));
+    task.message = TaskMessage::FromStored(Text(row.getColumn(6)));
     task.arguments = Json(row.getColumn(7)).array().toVariantList();
     task.goesOnWithout = row.getColumn(8).getInt() != 0;
     task.areArgumentsChecked = row.getColumn(9).getInt() != 0;
@@ -94,7 +94,7 @@ void SubmitStore::Save(const SubmitTask& task)
         Execute(connection,
             "UPDATE tasks SET stage = ?, error = ?, message = ?, arguments = ?, goes_on_without = ?, "
             "arguments_checked = ?, refused = ?, done = ?, arguments_edited = ? WHERE number = ?",
-            static_cast<int>(task.stage), static_cast<int>(task.error), task.message,
+            static_cast<int>(task.stage), static_cast<int>(task.error), task.message.ToStored(),
             ListText(QJsonArray::fromVariantList(task.arguments)), task.goesOnWithout ? 1 : 0,
             task.areArgumentsChecked ? 1 : 0, ListText(QJsonArray::fromStringList(task.refused)),
             task.isDone ? 1 : 0, task.areArgumentsEdited ? 1 : 0, static_cast<std::int64_t>(task.number));

@@ -72,12 +72,14 @@ QJsonObject SubmitWork::ToJson() const
     QJsonArray packed;
     for (const PackedFile& file : files)
         packed.append(FileToJson(file));
+    QJsonArray lacking;
+    for (const TaskMessage& reference : missing)
+        lacking.append(reference.ToJson());
     QJsonArray archives;
     for (const Package& package : packages)
         archives.append(QJsonObject {{ChecksumKey, package.checksum}, {SizeKey, package.size}});
-    return {{SceneKey, scene}, {FilesKey, packed}, {PackagesKey, archives},
-        {MissingKey, QJsonArray::fromStringList(missing)}, {WidthKey, width}, {HeightKey, height},
-        {FrameStepKey, frameStep}};
+    return {{SceneKey, scene}, {FilesKey, packed}, {PackagesKey, archives}, {MissingKey, lacking},
+        {WidthKey, width}, {HeightKey, height}, {FrameStepKey, frameStep}};
 }
 
 SubmitWork SubmitWork::FromJson(const QJsonObject& json)
@@ -90,7 +92,9 @@ SubmitWork SubmitWork::FromJson(const QJsonObject& json)
     const QJsonArray archives = json.value(PackagesKey).toArray();
     for (const QJsonValue& package : archives)
         work.packages.append(PackageFromJson(package.toObject()));
-    work.missing = json.value(MissingKey).toVariant().toStringList();
+    const QJsonArray lacking = json.value(MissingKey).toArray();
+    for (const QJsonValue& reference : lacking)
+        work.missing.append(TaskMessage::FromJson(reference));
     work.width = json.value(WidthKey).toInt();
     work.height = json.value(HeightKey).toInt();
     work.frameStep = json.value(FrameStepKey).toInt(1);

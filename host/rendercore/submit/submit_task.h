@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/rendercore/task_message.h"
+
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
@@ -54,9 +56,9 @@ struct SubmitWork
     QString scene; ///< the path of one of `files`; empty before the analysis
     QVector<PackedFile> files;
     QVector<Package> packages;
-    QStringList
-        missing;   ///< references that lead to no file, as the scene names them; the user is asked about them
-    int width = 0; ///< of the scene itself, in pixels
+    /// References that lead to no file, as the scene names them, and what else the user has to agree to.
+    QVector<TaskMessage> missing;
+    int width = 0; ///< the scene's own width in pixels
     int height = 0;
     int frameStep = 1;
 
@@ -84,8 +86,8 @@ struct SubmitTask
     SubmitStage next = SubmitStage::Analyze; ///< the stage that runs at the task's next turn
     int progress = 0;                        ///< percent of the stage
     SubmitError error = SubmitError::None;
-    QString message;
-    QString uploadText;
+    TaskMessage message;
+    TaskMessage uploadText;
     bool isDone = false;
 
     QVariantList arguments;           ///< empty before the analysis

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/farmclient/backoff.h"
+#include "host/base/backoff.h"
 #include "host/rendercore/submit/stage_outcome.h"
 
 #include <functional>
@@ -26,7 +26,7 @@ public:
     /// Sets whether there is a farm and a session, and ends all pauses.
     void SetFarm(bool isOpen);
 
-    /// @return false without a farm or a session that it knows.
+    /// @return whether there is a farm that knows the session.
     bool CanAskFarm() const { return m_isFarmOpen; }
 
     /// Gives the turn to a task that may run now.
@@ -38,7 +38,7 @@ public:
     void RecordAnswer(qint64 task, bool advanced);
 
     /// Makes the task wait and pass on its turn.
-    /// @param retryAfter seconds that the farm asks to wait.
+    /// @param retryAfter is the wait in seconds that the farm asks for.
     /// @return false when the task has failed too often in a row; it then does not wait.
     bool Postpone(qint64 task, StageOutcome::Obstacle obstacle, int retryAfter, qint64 now);
 
@@ -46,8 +46,8 @@ private:
     struct Waiting
     {
         Backoff backoff;
-        qint64 notBefore = 0; // asks the farm
-        qint64 nextLook = 0;  // looks after a program
+        qint64 notBefore = 0; // earliest time of the next request to the farm
+        qint64 nextLook = 0;  // time of the next look at a running program
     };
 
     qint64 WaitOf(const Waiting& task, bool needsFarm, qint64 now) const;

@@ -34,13 +34,18 @@ StageOutcome SubmitWorker::Run(const StageRequest& request, const StageProgress&
         onProgress(percent, text);
     };
     StageOutcome outcome;
-    try {
-        outcome = RunStage(request, onSomeProgress);
-    } catch (const std::exception& failure) {
+    const auto fail = [&](const TaskMessage& reason) {
         outcome.kind = StageOutcome::Kind::Failed;
         outcome.error = ErrorIn(request.task.next);
-        outcome.message = QString::fromUtf8(failure.what());
+        outcome.message = reason;
         outcome.work = request.task.work;
+    };
+    try {
+        outcome = RunStage(request, onSomeProgress);
+    } catch (const TaskFailure& failure) {
+        fail(failure.Message());
+    } catch (const std::exception& failure) {
+        fail(QString::fromUtf8(failure.what()));
     }
     outcome.stage = request.task.next;
     return outcome;
@@ -50,7 +55,7 @@ StageOutcome SubmitWorker::Analyze(const StageRequest& request, const StageProgr
 {
     const QString scene = request.task.scene;
     const SceneKind* const kind = KindOfScene(scene);
-    if (kind == nullptr || kind->program == nullptr || !WhyNotAnalysed(scene).isEmpty())
+    if (kind == nullptr || kind->program == nullptr || !WhyNotAnalysed(scene).IsEmpty())
         return AnalyzeStage(request, onProgress);
     if (const auto report = m_reporter.Ask(request.task.number, scene))
         return AnalyzeStage(request, onProgress, *report);
@@ -60,7 +65,7 @@ StageOutcome SubmitWorker::Analyze(const StageRequest& request, const StageProgr
     outcome.obstacle = StageOutcome::Obstacle::Program;
     outcome.next = SubmitStage::Analyze;
     outcome.work = request.task.work;
-    outcome.message = QString::fromLatin1(kind->reading);
+    outcome.message = kind->reading;
     return outcome;
 }
 

@@ -1,4 +1,4 @@
-#include "host/ui/picture_file.h"
+#include "host/ui/picture_reader.h"
 
 #include "host/ui/exr_picture.h"
 
@@ -34,29 +34,31 @@ bool IsTooLarge(const QImageReader& reader)
 
 } // namespace
 
-PictureFile PictureFile::Read(const QString& file)
+namespace PictureReader {
+
+PictureFile Read(const QString& file)
 {
     // Reading a pipe, for example, would never end.
     if (!QFileInfo(file).isFile())
-        return {{}, Missing};
+        return {{}, PictureFile::Missing};
     QFile device(file);
     if (!device.open(QIODevice::ReadOnly))
-        return {{}, Missing};
+        return {{}, PictureFile::Missing};
     if (ExrPicture::IsExr(device))
         return ExrPicture::Read(device);
     QImageReader reader(&device);
     reader.setDecideFormatFromContent(true);
     if (!reader.canRead() || !IsKnown(reader.format()))
-        return {{}, NotAPicture};
+        return {{}, PictureFile::NotAPicture};
     if (!reader.size().isValid() || reader.size().isEmpty())
-        return {{}, Broken};
+        return {{}, PictureFile::Broken};
     if (IsTooLarge(reader))
-        return {{}, TooLarge};
+        return {{}, PictureFile::TooLarge};
     const QImage image = reader.read();
-    return image.isNull() ? PictureFile {{}, Broken} : PictureFile {image, None};
+    return image.isNull() ? PictureFile {{}, PictureFile::Broken} : PictureFile {image, PictureFile::None};
 }
 
-QStringList PictureFile::InSameFolder(const QString& file)
+QStringList InSameFolder(const QString& file)
 {
     const QFileInfo info(file);
     QStringList filters;
@@ -70,3 +72,5 @@ QStringList PictureFile::InSameFolder(const QString& file)
     names.sort();
     return names;
 }
+
+} // namespace PictureReader
