@@ -9,23 +9,24 @@ work=$(mktemp -d)
 place=$(mktemp -d -t quillstar.XXXX) # shown in the pictures
 trap 'rm -r "$work" "$place"' EXIT
 
-# take <skin> <language>: visits all windows on a virtual display.
+# take <skin> <language>: visits all windows on a virtual display. Its width is a whole number of millimetres. Other widths
+# are rounded to one, and so Qt would scale by 1.0008 and blur fine lines.
 take() {
     rm -rf "$place"/*
-    xvfb-run -a -s "-screen 0 1600x1000x24 -dpi 96" "$client" --skin "$1" --language "$2" --screenshots "$work/$1" \
+    xvfb-run -a -s "-screen 0 1920x1200x24 -dpi 96" "$client" --skin "$1" --language "$2" --screenshots "$work/$1" \
         --config "$place/quillstar.ini" --data "$place/data" --downloads "$place/Renders"
 }
 
-# keep <skin> <name in the tour> <name here> [<colours>]
+# keep <skin> <name in the tour> <name here>: with a palette, unless that is larger.
 keep() {
-    pngquant --force --strip --output "$3.png" "${4:-256}" "$work/$1/$2.png"
+    pngquant --force --strip --skip-if-larger --output "$3.png" 256 "$work/$1/$2.png" || cp "$work/$1/$2.png" "$3.png"
 }
 
 take default en
 keep default my-render client
 keep default sign-in sign-in
 keep default frames frames
-keep default preview preview 48
+keep default preview preview
 keep default configuration settings
 take dark zh
 keep dark my-render dark
