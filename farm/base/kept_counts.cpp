@@ -2,8 +2,8 @@
 
 namespace farm {
 
-// Lists of many jobs are counted by blocks of running numbers, see JobCounts: by 64, 4096, 262,144 and 16,777,216 of them
-// (2 to the power of `shift`). A name is found by its sequences of three characters; the row of a name is
+// Lists of many jobs are counted by blocks of running numbers, see JobCounts: of 64 to 16,777,216 of them (2 to the power
+// of `shift`); a later version adds the sizes between. A name is found by its sequences of three characters; the row of a name is
 // account * 2^32 + number. `job_changes` holds the latest changes that lists may show.
 const char* const KeptCounts = R"sql(
 CREATE TABLE count_shifts(shift INTEGER PRIMARY KEY);

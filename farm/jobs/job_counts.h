@@ -2,6 +2,8 @@
 
 #include "farm/jobs/job_filter.h"
 
+#include <map>
+#include <utility>
 #include <vector>
 
 namespace farm {
@@ -21,30 +23,32 @@ public:
     std::vector<std::int64_t> Numbers(std::int64_t offset, std::int64_t count);
 
 private:
-    /// A sequence of blocks of 2^shift running numbers each.
-    struct Blocks
+    /// 2^shift running numbers.
+    struct Block
     {
         int shift = 0;
-        std::int64_t first = 0;
-        std::int64_t last = 0;
-
-        /// The smaller blocks inside one of the blocks.
-        Blocks Inside(std::int64_t block) const;
+        std::int64_t place = 0;   // among the blocks of its size
+        std::int64_t most = 0;    // jobs that may meet the conditions
+        std::int64_t certain = 0; // those of them that do
     };
-    static Blocks All();
+    using Blocks = std::vector<Block>;
 
-    SQLite::Statement Query(const Blocks& blocks);
+    Blocks All();
+    Blocks Inside(const Block& block);
+    Blocks Read(int shift, std::int64_t first, std::int64_t last);
+    /// The running numbers of a smallest block's jobs, the highest first.
+    std::vector<std::int64_t> Jobs(const Block& block);
     std::int64_t Count(const Blocks& blocks);
-    std::int64_t Count(const Blocks& blocks, SQLite::Statement& row);
-    std::int64_t CountJobs(std::int64_t block);
+    std::int64_t Count(const Block& block);
+    std::int64_t Open(const Block& block);
     void Collect(
         const Blocks& blocks, std::int64_t skip, std::size_t most, std::vector<std::int64_t>& numbers);
-    void CollectJobs(
-        std::int64_t block, std::int64_t skip, std::size_t most, std::vector<std::int64_t>& numbers);
 
-    SQLite::Database& m_connection;
-    const JobFilter m_jobs;
-    const CountFilter m_counts;
+    const JobFilter m_jobFilter;
+    const CountFilter m_countFilter;
+    SQLite::Statement m_jobs;
+    SQLite::Statement m_blocks;
+    std::map<std::pair<int, std::int64_t>, std::int64_t> m_opened; // jobs by shift and place of a block
 };
 
 } // namespace farm
