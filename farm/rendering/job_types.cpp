@@ -64,13 +64,21 @@ QMap<QString, QString> ReadSlurm(const QJsonObject& object)
     return values;
 }
 
-QRegularExpression ReadProgress(const QString& pattern)
+QRegularExpression ReadExpression(const QJsonObject& object, const char* key)
 {
-    const QRegularExpression expression(pattern);
-    const int groups = expression.captureCount(); // -1 when it is invalid
-    if (!pattern.isEmpty() && (groups < 2 || groups % 2 != 0))
+    const QRegularExpression expression(object.value(QLatin1String(key)).toString());
+    if (!expression.isValid())
         throw std::runtime_error(
-            "progress must be a regular expression with two groups, or further pairs of them");
+            std::string(key) + " is not a regular expression: " + expression.errorString().toStdString());
+    return expression;
+}
+
+QRegularExpression ReadProgress(const QJsonObject& object)
+{
+    const QRegularExpression expression = ReadExpression(object, "progress");
+    const int groups = expression.captureCount();
+    if (!expression.pattern().isEmpty() && (groups < 2 || groups % 2 != 0))
+        throw std::runtime_error("progress must have two groups, or further pairs of them");
     return expression;
 }
 
@@ -97,7 +105,8 @@ JobType ReadJobType(const QString& name, const QJsonObject& object, const QDir& 
         type.framesAtOnce = int(WholeNumber(object, "frames_at_once", 0, 0));
         if (const QString script = object.value(QLatin1String("script")).toString(); !script.isEmpty())
             type.script = ReadScript(folder.filePath(script));
-        type.progress = ReadProgress(object.value(QLatin1String("progress")).toString());
+        type.progress = ReadProgress(object);
+        type.licenceMissing = ReadExpression(object, "licence_missing");
         type.slurm = ReadSlurm(object.value(QLatin1String("slurm")).toObject());
     } catch (const std::runtime_error& error) {
         throw std::runtime_error("the job type " + name.toStdString() + ": " + error.what());

@@ -34,6 +34,9 @@ struct JobType
     /// Finds reports of progress in the renderer's output, by two groups: the work that is done, and all of it. A further
     /// pair of groups is about the piece of work that the pair before it has reached. Empty when there are no reports.
     QRegularExpression progress;
+    /// Finds in the output of a renderer that failed that it has got no licence. Empty when such failures cannot be told
+    /// from others.
+    QRegularExpression licenceMissing;
     /// Settings of this type on a Slurm cluster: "partition", "account", "qos", "constraint" and "frames_per_task".
     QMap<QString, QString> slurm;
 };

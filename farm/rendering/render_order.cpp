@@ -28,6 +28,7 @@ RunOrder OrderFor(const RunId& id, const FrameTask& task, const JobType& type, c
     order.arguments = FillIn(type.arguments, values);
     order.folder = place.workFolder;
     order.resources = type.resources;
+    order.licenceMissing = type.licenceMissing.pattern();
     order.reach = {type.confined, QStringList {place.sceneFolder} + type.readable,
         QStringList {place.run.OutputFolder()} + type.writable, renderers.hidden};
     order.user = renderers.user;

@@ -3,6 +3,7 @@
 #include "farm/runner/folder_use.h"
 #include "farm/runner/process_tree.h"
 
+#include <QRegularExpression>
 #include <QSysInfo>
 
 #include <algorithm>
@@ -218,6 +219,8 @@ FrameRunner::Verdict FrameRunner::JudgeStatus() const
         const int code = WEXITSTATUS(status);
         if (code == 0)
             return {};
+        if (MissesLicence())
+            return {RunEnd::LicenceMissing, QStringLiteral("the renderer has got no licence")};
         return {RunEnd::SceneFault, QStringLiteral("the renderer ended with code %1").arg(code)};
     }
     switch (WTERMSIG(status)) {
@@ -231,6 +234,12 @@ FrameRunner::Verdict FrameRunner::JudgeStatus() const
     default:
         return {RunEnd::SceneFault, QStringLiteral("the renderer crashed")};
     }
+}
+
+bool FrameRunner::MissesLicence() const
+{
+    const QRegularExpression complaint(m_order.licenceMissing);
+    return !m_order.licenceMissing.isEmpty() && complaint.match(m_log.End(OutputLog::LongEnd)).hasMatch();
 }
 
 } // namespace farm

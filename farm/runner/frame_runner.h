@@ -41,6 +41,7 @@ private:
     void ReadOutput(int output);
     Verdict Judge() const;
     Verdict JudgeStatus() const;
+    bool MissesLicence() const;
 
     RunOrder m_order;
     OutputLog m_log;

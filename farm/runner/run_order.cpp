@@ -126,6 +126,7 @@ void WriteOrder(const RunOrder& order)
             {QStringLiteral("arguments"), QJsonArray::fromStringList(order.arguments)},
             {QStringLiteral("folder"), order.folder},
             {QStringLiteral("resources"), ResourcesJson(order.resources)},
+            {QStringLiteral("licence_missing"), order.licenceMissing},
             {QStringLiteral("reach"), ReachJson(order.reach)},
             {QStringLiteral("run_folder"), order.files.folder}, {QStringLiteral("user"), order.user}});
 }
@@ -139,6 +140,7 @@ RunOrder ReadOrder(const QString& file)
     order.arguments = TextsIn(object[QLatin1String("arguments")]);
     order.folder = object[QLatin1String("folder")].toString();
     order.resources = ReadResources(object[QLatin1String("resources")].toObject());
+    order.licenceMissing = object[QLatin1String("licence_missing")].toString();
     order.reach = ReadReach(object[QLatin1String("reach")].toObject());
     order.files.folder = object[QLatin1String("run_folder")].toString();
     order.user = object[QLatin1String("user")].toString();

@@ -28,6 +28,8 @@ struct RunOrder
     /// The folder in which the renderer runs.
     QString folder;
     Resources resources;
+    /// A regular expression that finds in the output of a renderer that failed that it has got no licence; may be empty.
+    QString licenceMissing;
     Reach reach;
     RunFiles files;
     /// The user who runs the renderer where quillstar-run-frame runs as root; empty for the same user.

@@ -274,6 +274,20 @@ private slots:
         QCOMPARE(found.value_or(-1), percent);
     }
 
+    void WaitForALicence()
+    {
+        m_farm->settings.lookInterval = std::chrono::milliseconds(100);
+        m_farm->Add(1);
+        m_farm->Start(
+            ScriptedTypes("[ -e ../../gate ] || { echo 'licence 7 is taken'; exit 1; }; cp {scene} {output}")
+                .replace("\"confined\"", R"("licence_missing": "licence [0-9]+ is taken", "confined")"));
+        EVENTUALLY(
+            m_farm->data.Only().message.startsWith("Frame 1 waits: the renderer has got no licence"_s));
+        QVERIFY(m_farm->OpenGate());
+        EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
+        QCOMPARE(m_farm->data.Count("SELECT sum(failures) FROM frames"), 0);
+    }
+
     void AreChargedOnceForTheirChildren_data() { AddRows(Parents); }
     void AreChargedOnceForTheirChildren()
     {
