@@ -375,8 +375,7 @@ private:
             RenderCore().tasks.append({"t99"_s});
             RenderCore().downloads.insert("d99"_s, QVariantMap());
         }
-        emit RenderCore().SubmitListChanged();
-        emit RenderCore().DownloadListChanged();
+        tab == 1 ? emit RenderCore().SubmitListChanged() : emit RenderCore().DownloadListChanged();
         QVERIFY(m_client->Tick(1000));
     }
 
