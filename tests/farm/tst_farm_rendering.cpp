@@ -213,7 +213,7 @@ private slots:
                  R"({"a":{"program":"sh","suffix":"png","cores":4294967297}})",
                  R"({"a":{"program":"sh","suffix":"png","progress":"(.) "}})",
                  R"({"a":{"program":"sh","suffix":"png","progress":"+"}})",
-                 R"({"a":{"program":"sh","suffix":"png","licence_missing":"("}})",
+                 R"({"a":{"program":"sh","suffix":"png","licence_missing":"*"}})",
                  R"({"a":{"program":"sh","suffix":"png","slurm":{"queue":"night"}}})",
                  R"({"a":{"program":"sh","suffix":"png","slurm":{"frames_per_task":0}}})"})
             QVERIFY_EXCEPTION_THROWN(m_farm->Start(types), std::runtime_error);
