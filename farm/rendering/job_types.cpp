@@ -124,11 +124,11 @@ QString FillInOne(const QString& text, const QMap<QString, QString>& values)
     auto matches = placeholder.globalMatch(text);
     while (matches.hasNext()) {
         const QRegularExpressionMatch match = matches.next();
-        filled += text.mid(copied, match.capturedStart() - copied);
+        filled += text.midRef(copied, match.capturedStart() - copied);
         filled += values.value(match.captured(1), match.captured(0));
         copied = match.capturedEnd();
     }
-    return filled + text.mid(copied);
+    return filled + text.midRef(copied);
 }
 
 } // namespace
