@@ -3,7 +3,7 @@
 set -eu
 cd "$(dirname "$0")"
 . ../../scripts/prepare.sh
-install_packages xvfb xauth pngquant
+install_packages xvfb xauth pngquant povray chromium chromium-driver python3
 client=$PWD/../../build/release/bin/quillstar
 work=$(mktemp -d)
 place=$(mktemp -d -t quillstar.XXXX) # shown in the pictures
@@ -17,10 +17,11 @@ take() {
         --config "$place/quillstar.ini" --data "$place/data" --downloads "$place/Renders"
 }
 
-# keep <skin> <name in the tour> <name here>: with a palette, unless that is larger.
-keep() {
-    pngquant --force --strip --skip-if-larger --output "$3.png" 256 "$work/$1/$2.png" || cp "$work/$1/$2.png" "$3.png"
-}
+# shrink <picture> <name here>: with a palette, unless that is larger.
+shrink() { pngquant --force --strip --skip-if-larger --output "$2.png" 256 "$1" || cp "$1" "$2.png"; }
+
+# keep <skin> <name in the tour> <name here>
+keep() { shrink "$work/$1/$2.png" "$3"; }
 
 take default en
 keep default my-render client
@@ -30,3 +31,6 @@ keep default preview preview
 keep default configuration settings
 take dark zh
 keep dark my-render dark
+
+python3 page.py "$work/page.png"
+shrink "$work/page.png" page
