@@ -1,5 +1,6 @@
 #include "host/mainform/form_follower.h"
 
+#include "common/vtr_columns.h"
 #include "host/mainform/column_widths.h"
 #include "host/mainform/main_form.h"
 #include "host/settings/setting_keys.h"
@@ -23,8 +24,8 @@ struct Columns
 /// The last column of the downloads is always empty; that of the local tasks tells how far an upload is.
 const Columns tables[] = {
     {"twtMyRender", {9, 12, 15, 12, 10, 9}, {}},
-    {"twtLocalTask", {13, 13, 12, 10, 13, 11}, {0, 5}},
-    {"twtDownload", {13, 14, 16, 11, 10, 7}, {0}},
+    {"twtLocalTask", {13, 13, 12, 10, 13, 11}, {VTIdColumn, VTTaskColumn::Warn}},
+    {"twtDownload", {13, 14, 16, 11, 10, 7}, {VTIdColumn}},
 };
 
 /// Has the headers stand over what their columns show.
