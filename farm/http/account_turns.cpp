@@ -12,7 +12,8 @@ AccountTurns::Turn AccountTurns::Take(std::int64_t account)
 {
     std::unique_lock lock(m_mutex);
     Line& line = m_lines[account];
-    if (line.served == m_atOnce) {
+    // Others that wait have come before.
+    if (line.served == m_atOnce || line.waiting > 0) {
         if (line.waiting == m_mostWaiting)
             return nullptr;
         ++line.waiting;
@@ -20,6 +21,8 @@ AccountTurns::Turn AccountTurns::Take(std::int64_t account)
         --line.waiting;
     }
     ++line.served;
+    if (line.waiting > 0 && line.served < m_atOnce)
+        line.moves.notify_one();
     return {this, [account](AccountTurns* turns) { turns->End(account); }};
 }
 
