@@ -345,13 +345,18 @@ INSERT INTO job_counts SELECT account, wider.shift, block >> (wider.shift - job_
     GROUP BY 1, 2, 3, 4, 5, 6, 7, 8;
 )sql";
 
+// Jobs that ended before scenes were removed at the end.
+constexpr const char* LeftScenes = R"sql(
+UPDATE jobs SET files = 2 WHERE files = 1 AND status IN (2, 3, 4, 7, 8, 9);
+)sql";
+
 } // namespace
 
 storage::Migrations Schema()
 {
     return {FirstSchema, RunsAndFullRenders, ScenesAndPictures, FrameDetails, RunsInWork, FairQueue,
         KeptCounts, Administrators, TermsAndMembers, Ledger, Audit, FreedFiles, MissingRenderers,
-        HindrancesOfJobs, KeptSums, FrameSteps, ShortRecords, MoreCounts};
+        HindrancesOfJobs, KeptSums, FrameSteps, ShortRecords, MoreCounts, LeftScenes};
 }
 
 } // namespace farm
