@@ -41,8 +41,8 @@ void FarmHistory::Write() const
     // An early schema is quick to fill; a farm then upgrades it as it does on a studio's disk.
     const auto all = farm::Schema();
     const storage::Migrations early(all.begin(), all.begin() + FirstVersion);
-    farm::Database database(QDir(folder).filePath(QStringLiteral("farm.sqlite")), early);
-    database.Write([this](SQLite::Database& connection) {
+    const QString path = QDir(folder).filePath(QStringLiteral("farm.sqlite"));
+    farm::Database(path, early).Write([this](SQLite::Database& connection) {
         using storage::Execute;
         const QString password = farm::HashPassword(QStringLiteral("secret"));
         for (const char* name : {"ann", "bob"})
@@ -58,6 +58,9 @@ void FarmHistory::Write() const
         Execute(connection, AddJobs, 100, 2, End - qint64(100) * Interval, 10, Projects, Interval);
         connection.exec(AddFrames);
     });
+    // No job has a folder. The farm would look for each of them while it is measured.
+    farm::Database(path, all).Write(
+        [](SQLite::Database& connection) { connection.exec("UPDATE jobs SET files = 0"); });
 }
 
 qint64 FarmHistory::SubmittedAt(int number) const
