@@ -7,6 +7,8 @@
 #include "vtr_settingsinterface.h"
 
 #include <QEvent>
+#include <QPixmap>
+#include <QStyle>
 #include <QTableWidget>
 #include <QTabWidget>
 
@@ -34,6 +36,13 @@ void AlignHeaders(const QTableWidget* table, const std::vector<int>& left)
     for (const int column : left) {
         if (QTableWidgetItem* header = table->horizontalHeaderItem(column))
             header->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    }
+    // Texts in the middle begin behind their check boxes; an empty icon takes as much of the header.
+    QTableWidgetItem* header = table->horizontalHeaderItem(VTIdColumn);
+    if (header && left.empty()) {
+        QPixmap space(table->style()->pixelMetric(QStyle::PM_SmallIconSize), 1);
+        space.fill(Qt::transparent);
+        header->setIcon(QIcon(space));
     }
 }
 
