@@ -8,6 +8,8 @@
 #include <QSet>
 #include <QSocketNotifier>
 
+#include <utility>
+
 #include <unistd.h>
 
 namespace {
@@ -183,7 +185,7 @@ private:
         const QStringList& ids = m_queue.Ids();
         for (const QString& id : ids)
             m_known.append(m_queue.Task(id)->scene);
-        for (const QFileInfo& scene : m_scenes) {
+        for (const QFileInfo& scene : std::as_const(m_scenes)) {
             if (!m_known.contains(scene.filePath()))
                 m_queue.Submit(scene.filePath());
         }
