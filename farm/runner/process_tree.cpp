@@ -105,7 +105,8 @@ bool End()
     while (Reap([](pid_t, int) {})) {
         if (std::chrono::steady_clock::now() > deadline)
             return false;
-        for (const pid_t child : ChildrenOf(::getpid(), tasks)) {
+        const QVector<pid_t> children = ChildrenOf(::getpid(), tasks);
+        for (const pid_t child : children) {
             ::kill(-child, SIGKILL); // in case it leads a group
             ::kill(child, SIGKILL);
         }
@@ -117,7 +118,8 @@ bool End()
 int TasksOf(uid_t user)
 {
     int count = 0;
-    for (const QString& process : Entries(QStringLiteral("/proc"))) {
+    const QStringList processes = Entries(QStringLiteral("/proc"));
+    for (const QString& process : processes) {
         const QString folder = QStringLiteral("/proc/") + process;
         if (QFileInfo(folder).ownerId() == user)
             count += Entries(folder + QStringLiteral("/task")).size();

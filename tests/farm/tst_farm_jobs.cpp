@@ -1,6 +1,7 @@
 #include "farm/base/errors.h"
 #include "farm/base/local_time.h"
 #include "farm/http/read_conditions.h"
+#include "farm/jobs/frame_store.h"
 #include "farm/jobs/job_actions.h"
 #include "farm/jobs/job_filter.h"
 #include "tests/farm/farm_fixture.h"
@@ -160,6 +161,26 @@ private slots:
         QCOMPARE(m_data.jobs.Plan(m_data.account, id).priority, 7);
         QCOMPARE(SentenceOf(LastAuditEntries(m_data.database, id, 1).at(0)),
             "job priority %1 (7) by ann from ::1"_s.arg(id));
+    }
+
+    void PicturesAndLogsGoWithTheirRun()
+    {
+        const QString id = m_data.jobs.Add(m_data.Job("job"_s, 1)).id;
+        JobActions actions(m_data.database, m_data.feed, m_data.terms, [] {});
+        FrameStore frames(m_data.database);
+        const auto finish = [&]() -> QString {
+            m_data.Change(qPrintable(
+                "UPDATE frames SET finished_at = 7, file = 'frame_0001.png' WHERE job = (SELECT key FROM "
+                "jobs WHERE id = '%1');"
+                "INSERT INTO frame_logs SELECT key, 1, 'done' FROM jobs WHERE id = '%1'"_s.arg(id)));
+            return frames.List(m_data.account, id, 0).frames.at(0).file + frames.Log(m_data.account, id, 1);
+        };
+        QCOMPARE(finish(), "frame_0001.pngdone"_s);
+        actions.Apply(JobAction::Restart, m_data.account, {id}, 8);
+        QCOMPARE(frames.Log(m_data.account, id, 1), QString());
+        QCOMPARE(finish(), "frame_0001.pngdone"_s);
+        actions.Apply(JobAction::Delete, m_data.account, {id}, 9);
+        QCOMPARE(frames.List(m_data.account, id, 0).frames.at(0).file, QString());
     }
 
     void RefusesUnreadableConditions_data() { AddRows(Unreadable); }
