@@ -254,9 +254,14 @@ private slots:
             };
             QVERIFY_EXCEPTION_THROWN(m_data->database.Write(failing), std::runtime_error);
         }
+        // Everybody hears that a type stops and goes on, since all its jobs say so.
+        const auto everybody = m_data->feed.Subscribe(m_data->Add("eve", "x"));
+        const auto hears = [&everybody] { return !everybody->Wait(std::chrono::milliseconds(0))->IsEmpty(); };
         QCOMPARE(
             attempts(queue, 1, 1), TypeHealth::FailuresToStop + 1); // with a trial of another job at once
+        QVERIFY(hears());
         QCOMPARE(attempts(queue, 2, 600), 9);
+        QVERIFY(!hears());
         QVERIFY(Only().message.endsWith(" Last failure: no licence"_s));
         QCOMPARE(m_data->Count("SELECT count(*) FROM jobs WHERE status <> 0"), 0);
         QCOMPARE(m_data->Count("SELECT sum(failures) FROM frames"), 0);
@@ -266,6 +271,7 @@ private slots:
         const auto task = Next(next, {"povray"_s}, 601);
         QVERIFY(!Next(next, {"povray"_s}, 602));
         next.Finish(task->key, {}, 1, 603);
+        QVERIFY(hears());
         QVERIFY(Next(next, {"povray"_s}, 603));
         QCOMPARE(Only().message, QString());
     }
