@@ -63,7 +63,8 @@ QList<ctkServiceReference> ctkPluginContext::getServiceReferences(const QString&
     if (!filter.isEmpty())
         throw ctkInvalidArgumentException(QStringLiteral("Service filters are not supported"));
     QList<ctkServiceReference> references;
-    for (const auto& entry : core.services.Find(name))
+    const auto entries = core.services.Find(name);
+    for (const auto& entry : entries)
         references.append(ctkServiceReference(entry));
     return references;
 }

@@ -50,10 +50,11 @@ std::optional<HttpResult> FarmLink::Send(HttpRequest request, const std::functio
     {
         QObject owner; // its end cancels an unfinished call
         auto* call = new HttpCall(&m_transport, request, &owner);
-        QObject::connect(call, &HttpCall::Finished, &owner, [&](const HttpResult& answer) {
-            result = answer;
-            waiting.quit();
-        });
+        QObject::connect(call, &HttpCall::Finished, &owner,
+            [result = &result, waiting = &waiting](const HttpResult& answer) {
+                *result = answer;
+                waiting->quit();
+            });
         if (onSent)
             QObject::connect(call, &HttpCall::Sent, &owner, onSent);
         waiting.exec();

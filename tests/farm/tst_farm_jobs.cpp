@@ -151,6 +151,14 @@ private slots:
                          [](const JobRecord& job, std::int64_t number) { return job.number == number; }),
                 where);
         }
+        // A kept result cannot be refreshed when the database has forgotten the changes since.
+        JobConditions kept;
+        kept.nameContains = "sh"_s;
+        kept.status = 7;
+        data.jobs.List(data.account, kept, 1, 9);
+        data.Change("UPDATE jobs SET status = 7 WHERE number < 100;"
+                    "DELETE FROM job_changes WHERE place < (SELECT max(place) FROM job_changes)");
+        QCOMPARE(data.jobs.List(data.account, kept, 1, 9).total, SearchThroughAll(data, kept, 0, 9).first);
     }
 
     void RecordsWhoSetsAPriority()

@@ -228,10 +228,11 @@ MovedTasks DownloadStore::MoveUnfinished(const QString& owner, const QString& fo
     const QString root = QDir::cleanPath(folder) + QLatin1Char('/');
     return m_database.Write([&](SQLite::Database& connection) {
         MovedTasks moved;
-        for (DownloadTask task : TaskRows::Select(connection,
-                 "WHERE owner = ? AND state <> 2 AND id > ? AND substr(file, 1, length(?)) <> ? ORDER BY id "
-                 "LIMIT ?",
-                 owner, after, root, root, limit)) {
+        const auto tasks = TaskRows::Select(connection,
+            "WHERE owner = ? AND state <> 2 AND id > ? AND substr(file, 1, length(?)) <> ? ORDER BY id LIMIT "
+            "?",
+            owner, after, root, root, limit);
+        for (DownloadTask task : tasks) {
             const QString before = task.file;
             task.fresh = false; // nothing of this task is in the new folder
             const QString place = root + QFileInfo(before).dir().dirName();

@@ -247,7 +247,8 @@ private:
             return;
         }
         m_seen.insert(reference);
-        for (const QString& candidate : Candidates(reference)) {
+        const QStringList candidates = Candidates(reference);
+        for (const QString& candidate : candidates) {
             const QStringList found = FilesLike(candidate, isSequence);
             for (const QString& file : found) {
                 if (m_result.files.size() <= MostSceneFiles && GoesOn())
