@@ -72,6 +72,22 @@ private slots:
         EVENTUALLY_COMPARE(m_farm->Status(Submit("again"_s)), JobStatus::Finished);
     }
 
+    // Early versions of the farm did not mark the run that a job's folder belongs to.
+    void AFolderWithoutAMarkKeepsItsPicturesAndLogs()
+    {
+        const QString id = m_farm->Add(2);
+        m_farm->data.Change(
+            "UPDATE frames SET finished_at = 7, file = 'frame_0001.txt', size = 5 WHERE number = 1");
+        const QString folder = m_farm->Path("jobs/"_s + id);
+        QVERIFY(QDir().mkpath(folder + "/logs"_s) && WriteFile(folder + "/frame_0001.txt"_s, "early")
+            && WriteFile(folder + "/logs/frame_0001.txt"_s, "early log"));
+        m_farm->Start();
+        QCOMPARE(m_farm->Get("/jobs/%1/frames/1/full-log"_s.arg(id)).bytes, QByteArray("early log"));
+        m_farm->Start(ScriptedTypes(Copying));
+        EVENTUALLY_COMPARE(m_farm->Status(id), JobStatus::Finished);
+        QCOMPARE(ReadFile(folder + "/frame_0001.txt"_s), QByteArray("early"));
+    }
+
     void ARunningJobIsFreedOnceItsRendererIsGone()
     {
         m_farm->Start(ScriptedTypes("echo x > ../../begun; echo x > {output}; sleep 600"));
