@@ -1,30 +1,13 @@
 #include "farm/slurm/cluster_task.h"
 
-#include <QStringList>
+#include "farm/slurm/output_fields.h"
 
 namespace farm {
-
-namespace {
-
-/// The fields of each line that has at least this many; the last field keeps further separators.
-std::vector<QStringList> Fields(const QByteArray& output, int count)
-{
-    std::vector<QStringList> all;
-    const QStringList lines = QString::fromUtf8(output).split(QLatin1Char('\n'));
-    for (const QString& line : lines) {
-        const QStringList fields = line.split(QLatin1Char('|'));
-        if (fields.size() >= count)
-            all.push_back(fields.mid(0, count - 1) << fields.mid(count - 1).join(QLatin1Char('|')));
-    }
-    return all;
-}
-
-} // namespace
 
 std::vector<ClusterTask> ReadQueue(const QByteArray& output)
 {
     std::vector<ClusterTask> tasks;
-    for (const QStringList& fields : Fields(output, 6)) {
+    for (const QStringList& fields : FieldsIn(output, 6)) {
         bool isTask = false;
         const int index = fields[2].toInt(&isTask);
         if (isTask)
@@ -37,7 +20,7 @@ std::vector<ClusterTask> ReadQueue(const QByteArray& output)
 std::vector<ClusterTask> ReadAccounting(const QByteArray& output)
 {
     std::vector<ClusterTask> tasks;
-    for (const QStringList& fields : Fields(output, 4)) {
+    for (const QStringList& fields : FieldsIn(output, 4)) {
         bool isTask = false;
         const int index = fields[1].section(QLatin1Char('_'), 1).toInt(&isTask);
         // "CANCELLED by 1000"
