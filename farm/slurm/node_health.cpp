@@ -4,17 +4,21 @@
 
 namespace farm {
 
-bool NodeHealth::Note(const QString& type, const QString& node, RunEnd end, Clock::time_point now)
+bool NodeHealth::Note(
+    const QString& type, const QString& node, const RunResult& result, Clock::time_point now)
 {
     if (node.isEmpty())
         return false;
     State& state = m_states[type][node];
     state.last = now;
-    if (end == RunEnd::Done || CountsAsAttempt(end)) {
+    if (result.end == RunEnd::Done || CountsAsAttempt(result.end)) {
         state.faults = 0;
         state.hasRendered = true;
     }
-    return end == RunEnd::FarmFault && ++state.faults >= FaultsToLeaveOut;
+    if (result.end != RunEnd::FarmFault)
+        return false;
+    state.message = result.message;
+    return ++state.faults >= FaultsToLeaveOut;
 }
 
 void NodeHealth::Forget(const QString& type)
@@ -37,6 +41,17 @@ QStringList NodeHealth::LeftOut(const QString& type, Clock::time_point now) cons
             leftOut.append(node);
     }
     return leftOut;
+}
+
+std::map<QString, std::map<QString, QString>> NodeHealth::AllLeftOut(Clock::time_point now) const
+{
+    std::map<QString, std::map<QString, QString>> all;
+    for (const auto& [type, nodes] : m_states) {
+        const QStringList leftOut = LeftOut(type, now);
+        for (const QString& node : leftOut)
+            all[node][type] = nodes.at(node).message;
+    }
+    return all;
 }
 
 } // namespace farm

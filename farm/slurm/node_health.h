@@ -19,18 +19,22 @@ public:
     static constexpr std::chrono::minutes LeftOutFor {10};
 
     /// Records the end of a run of the type. Returns whether the node has just reached FaultsToLeaveOut.
-    bool Note(const QString& type, const QString& node, RunEnd end, Clock::time_point now);
+    bool Note(const QString& type, const QString& node, const RunResult& result, Clock::time_point now);
     /// Forgets the faults, for instance when the cluster refuses to leave the nodes out.
     void Forget(const QString& type);
 
     /// The nodes that are to get no frames of the type.
     QStringList LeftOut(const QString& type, Clock::time_point now) const;
+    /// By the names of all nodes that are left out, the types of which they get no frames, each with the message of the last
+    /// fault.
+    std::map<QString, std::map<QString, QString>> AllLeftOut(Clock::time_point now) const;
 
 private:
     struct State
     {
         int faults = 0; ///< in a row
         bool hasRendered = false;
+        QString message; ///< of the last fault
         Clock::time_point last;
     };
 

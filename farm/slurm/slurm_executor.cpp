@@ -282,7 +282,7 @@ void SlurmExecutor::HandleFindings(const std::vector<RunFinding>& findings)
         if (!end)
             continue;
         m_ends.emplace_back(finding.run, *end);
-        if (m_health.Note(type, node, end->end, RunBook::Clock::now()))
+        if (m_health.Note(type, node, *end, RunBook::Clock::now()))
             spdlog::error(
                 "frames of type {} fail on node {} before they begin: {}; the farm leaves it out for ten "
                 "minutes when another node renders them",

@@ -297,7 +297,7 @@ private slots:
         const auto now = NodeHealth::Clock::now();
         const auto later = now + NodeHealth::LeftOutFor;
         const auto note = [&](const char* node, RunEnd end, const char* type = "blender") {
-            return health.Note(QLatin1String(type), QLatin1String(node), end, now);
+            return health.Note(QLatin1String(type), QLatin1String(node), {end, "no lamp"_s, {}, 0, {}}, now);
         };
         QVERIFY(!note("n1", RunEnd::FarmFault) && !note("n1", RunEnd::Preempted));
         QVERIFY(!note("n1", RunEnd::FarmFault) && !note("n1", RunEnd::Done, "povray"));
@@ -306,6 +306,8 @@ private slots:
         QCOMPARE(health.LeftOut("blender"_s, now), QStringList());
         QVERIFY(!note("n2", RunEnd::SceneFault));
         QCOMPARE(health.LeftOut("blender"_s, now), QStringList {"n1"_s});
+        QCOMPARE(health.AllLeftOut(now).size(), std::size_t(1));
+        QCOMPARE(health.AllLeftOut(now)["n1"_s], (std::map<QString, QString> {{"blender"_s, "no lamp"_s}}));
         QCOMPARE(health.LeftOut("povray"_s, now), QStringList());
         QCOMPARE(health.LeftOut("blender"_s, later), QStringList());
         QVERIFY(!note("n1", RunEnd::Done) && !note("n1", RunEnd::FarmFault));
