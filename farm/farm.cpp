@@ -73,7 +73,8 @@ Farm::Farm(const FarmSettings& settings)
           m_database, m_jobs, m_contents, m_types.keys(), m_terms, m_feed,
           [this] { m_scheduler.NudgeLater(); }, m_reserve)
     , m_http({m_database, m_accounts, m_projects, m_contents, m_uploads, m_jobs, m_actions, m_submission,
-                 m_frames, m_inWork, m_pictures, m_feed, m_overview, m_logs, QDir(m_dataFolder), m_terms},
+                 m_frames, m_inWork, m_pictures, m_feed, m_overview, m_nodes, m_logs, QDir(m_dataFolder),
+                 m_terms},
           settings.limits, settings.proxies)
     , m_folders(m_database, Folder("jobs"))
     , m_housekeeping({m_database, m_folders, m_contents, m_mark}, {settings.keepContents, settings.keepAudit})
@@ -137,7 +138,7 @@ QString Farm::Folder(const char* name) const
     return QDir(m_dataFolder).filePath(QLatin1String(name));
 }
 
-std::unique_ptr<Executor> Farm::MakeExecutor() const
+std::unique_ptr<Executor> Farm::MakeExecutor()
 {
     const QString runner = QCoreApplication::applicationDirPath() + QStringLiteral("/quillstar-run-frame");
     if (!m_settings.slurm)
@@ -147,7 +148,7 @@ std::unique_ptr<Executor> Farm::MakeExecutor() const
     slurm.folder = Folder("batches");
     if (slurm.runner.isEmpty())
         slurm.runner = runner;
-    return std::make_unique<SlurmExecutor>(slurm, m_types);
+    return std::make_unique<SlurmExecutor>(slurm, m_types, m_nodes);
 }
 
 void Farm::DoHousekeeping()

@@ -21,6 +21,7 @@
 #include "farm/rendering/hindrances.h"
 #include "farm/rendering/job_folders.h"
 #include "farm/rendering/log_store.h"
+#include "farm/rendering/node_board.h"
 #include "farm/rendering/picture_store.h"
 #include "farm/rendering/render_queue.h"
 #include "farm/rendering/renderer_user.h"
@@ -58,7 +59,7 @@ private:
     static QString MakeFolder(const QString& path);
     QString CheckedDatabaseFile() const;
     QString Folder(const char* name) const;
-    std::unique_ptr<Executor> MakeExecutor() const;
+    std::unique_ptr<Executor> MakeExecutor();
     void DoHousekeeping();
     void AnnounceOutsideChanges();
     void LogChanges();
@@ -88,6 +89,7 @@ private:
     FarmOverview m_overview;
     FramesInWork m_inWork;
     Hindrances m_hindrances;
+    NodeBoard m_nodes;
     std::unique_ptr<Executor> m_executor;
     Scheduler m_scheduler;
     JobActions m_actions;

@@ -1,5 +1,6 @@
 // The output of a Slurm cluster's commands.
 #include "farm/slurm/cluster_limits.h"
+#include "farm/slurm/cluster_node.h"
 #include "farm/slurm/command_fault.h"
 #include "farm/slurm/run_end_rules.h"
 #include "fuzz/fuzz_support.h"
@@ -17,6 +18,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 "a run ends when its task has ended");
             Require(!end || end->end != farm::RunEnd::Done, "no run is done without a result");
         }
+    }
+    std::set<QString> names;
+    for (const farm::RenderNode& node : farm::ReadNodes(output, {QString(), QStringLiteral("main")})) {
+        Require(!node.name.isEmpty() && !node.state.isEmpty(), "a node has a name and a state");
+        Require(names.insert(node.name).second, "a node is listed once");
     }
     const farm::ClusterLimits limits = farm::ReadLimits(output);
     Require(limits.arraySize > 0 && limits.jobs > 0 && limits.secondsKept > 0, "limits are positive");

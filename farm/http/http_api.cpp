@@ -23,8 +23,8 @@ HttpApi::HttpApi(const Dependencies& dependencies, const RequestLimits& limits, 
     , m_jobs(m_gate, dependencies.jobs, dependencies.actions, dependencies.submission)
     , m_frames(m_gate, dependencies.jobs, dependencies.frames, dependencies.inWork, dependencies.pictures)
     , m_events(m_gate, dependencies.accounts, dependencies.jobs, dependencies.feed)
-    , m_overview(
-          {m_gate, dependencies.overview, dependencies.inWork, dependencies.logs}, dependencies.dataFolder)
+    , m_overview({m_gate, dependencies.overview, dependencies.inWork, dependencies.nodes, dependencies.logs},
+          dependencies.dataFolder)
     , m_server(TrustedProxies(proxies))
 {
     m_server.Get("/api/v1/health", Health);

@@ -32,6 +32,7 @@ public:
         PictureStore& pictures;
         ChangeFeed& feed;
         FarmOverview& overview;
+        NodeBoard& nodes;
         LogStore& logs;
         /// Administrators see how full the disk of this folder is.
         QDir dataFolder;

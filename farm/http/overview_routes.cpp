@@ -5,10 +5,12 @@
 #include "farm/http/api_json.h"
 #include "farm/http/http_refusal.h"
 #include "farm/http/metrics_text.h"
+#include "farm/http/nodes_json.h"
 #include "farm/http/request_gate.h"
 #include "farm/jobs/farm_overview.h"
 #include "farm/rendering/frames_in_work.h"
 #include "farm/rendering/log_store.h"
+#include "farm/rendering/node_board.h"
 
 #include <QFileInfo>
 #include <QStorageInfo>
@@ -134,9 +136,7 @@ QJsonObject OverviewRoutes::Show(const ApiRequest& request)
             {QStringLiteral("seconds"), qint64(work.Seconds(now))},
             {QStringLiteral("percent"), PercentJson(work, frames.size())}});
     }
-    QJsonArray nodes;
-    for (const auto& [host, count] : FramesByHost(frames))
-        nodes.append(QJsonObject {{QStringLiteral("host"), host}, {QStringLiteral("frames"), count}});
+    const auto report = m_deps.nodes.Look(now);
     QJsonArray hindrances;
     for (const auto& [type, message] : m_deps.overview.HinderedTypes())
         hindrances.append(QJsonObject {{QStringLiteral("type"), type}, {QStringLiteral("message"), message}});
@@ -148,7 +148,8 @@ QJsonObject OverviewRoutes::Show(const ApiRequest& request)
         {QStringLiteral("hindrances"), hindrances},
         {QStringLiteral("working"), working},
         {QStringLiteral("failures"), FailuresJson(m_deps.overview.Failures(MostFailures))},
-        {QStringLiteral("nodes"), nodes},
+        {QStringLiteral("nodes"), NodesJson(report.value_or(NodeReport()).nodes, FramesByHost(frames))},
+        {QStringLiteral("cluster"), ClusterJson(report)},
         {QStringLiteral("disk"),
             QJsonObject {{QStringLiteral("free"), disk.bytesAvailable()},
                 {QStringLiteral("size"), disk.bytesTotal()},
@@ -181,6 +182,12 @@ QByteArray OverviewRoutes::Metrics(const HttpServer& server) const
     MetricsText::Values byHost;
     for (const auto& [host, count] : FramesByHost(m_deps.inWork.All()))
         byHost.emplace_back(host.toStdString(), count);
+    std::map<QString, int> byState;
+    for (const RenderNode& node : m_deps.nodes.Look(Now()).value_or(NodeReport()).nodes)
+        ++byState[node.state];
+    MetricsText::Values nodes;
+    for (const auto& [state, count] : byState)
+        nodes.emplace_back(state.toStdString(), count);
     MetricsText::Values answers;
     for (int hundred = 2; hundred <= 5; ++hundred)
         answers.emplace_back(std::to_string(hundred) + "xx", double(server.Answers(hundred)));
@@ -189,6 +196,7 @@ QByteArray OverviewRoutes::Metrics(const HttpServer& server) const
         "version");
     text.Add("quillstar_jobs", "gauge", "Jobs of all accounts.", byStatus, "status");
     text.Add("quillstar_frames_rendering", "gauge", "Frames that are being rendered.", byHost, "node");
+    text.Add("quillstar_nodes", "gauge", "Nodes of the cluster.", nodes, "state");
     text.Add("quillstar_http_answers_total", "counter", "Answers since the start.", answers, "status");
     text.Add("quillstar_disk_free_bytes", "gauge", "Free space for the data.", double(disk.bytesAvailable()));
     text.Add(

@@ -9,6 +9,7 @@ namespace farm {
 class FarmOverview;
 class FramesInWork;
 class LogStore;
+class NodeBoard;
 class RequestGate;
 
 /// Routes for the administrators' page and for monitoring.
@@ -21,6 +22,7 @@ public:
         RequestGate& gate;
         FarmOverview& overview;
         const FramesInWork& inWork;
+        NodeBoard& nodes;
         LogStore& logs;
     };
 

@@ -25,13 +25,14 @@ constexpr int TasksPerCancel = 1000;
 
 } // namespace
 
-SlurmExecutor::SlurmExecutor(const SlurmSettings& settings, const JobTypes& types)
+SlurmExecutor::SlurmExecutor(const SlurmSettings& settings, const JobTypes& types, NodeBoard& nodes)
     : m_settings(settings)
     , m_types(types)
     , m_lists(settings.folder)
     , m_commands(settings.commandTimeout)
     , m_probe(settings, m_commands)
     , m_book(settings.fileDelay)
+    , m_nodes(settings, types, {m_commands, m_health, nodes})
 {
     for (const char* program : {"sbatch", "squeue", "scancel", "scontrol"}) {
         if (QStandardPaths::findExecutable(QLatin1String(program)).isEmpty())
@@ -385,7 +386,8 @@ void SlurmExecutor::CancelTasks()
 /// Cancels tasks from before the restart that nobody wants any more.
 void SlurmExecutor::CancelStrangers(const std::vector<ClusterTask>& tasks)
 {
-    for (const QString& name : std::exchange(m_strangers, {})) {
+    const QStringList strangers = std::exchange(m_strangers, {});
+    for (const QString& name : strangers) {
         const bool isThere = std::any_of(
             tasks.begin(), tasks.end(), [&name](const ClusterTask& task) { return task.batch == name; });
         if (isThere)

@@ -5,6 +5,7 @@
 #include "farm/slurm/cluster_commands.h"
 #include "farm/slurm/cluster_limits.h"
 #include "farm/slurm/node_health.h"
+#include "farm/slurm/node_watch.h"
 #include "farm/slurm/renderer_probe.h"
 #include "farm/slurm/run_book.h"
 #include "farm/slurm/waiting_runs.h"
@@ -26,7 +27,8 @@ class SlurmExecutor : public Executor
 
 public:
     /// Throws std::runtime_error when this machine has no commands of Slurm, or the folder cannot be created.
-    SlurmExecutor(const SlurmSettings& settings, const JobTypes& types);
+    /// @param nodes is where the states of the nodes go.
+    SlurmExecutor(const SlurmSettings& settings, const JobTypes& types, NodeBoard& nodes);
     ~SlurmExecutor() override;
 
     int Capacity() const override { return std::min(m_settings.frames, m_book.RunsToHold()); }
@@ -69,6 +71,7 @@ private:
     RunBook m_book;
     WaitingRuns m_waiting;
     NodeHealth m_health;
+    NodeWatch m_nodes;
     std::vector<std::pair<RunId, RunResult>> m_ends;
     /// Batches from before the restart whose runs are all unwanted.
     QStringList m_strangers;

@@ -25,7 +25,8 @@ public:
         m_script.waitForFinished();
     }
 
-    /// "kill", "stop", "start" or "hide", the name of a node or "controller", and a path to hide.
+    /// "kill", "stop", "start", "hide", "drain" or "resume", the name of a node or "controller", and the path to hide or the
+    /// reason for draining.
     bool Do(const QString& command)
     {
         m_script.write(command.toUtf8() + '\n');

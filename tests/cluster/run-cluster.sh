@@ -12,6 +12,8 @@
 #   stop NAME        ends it as an administrator would
 #   start NAME       starts it again
 #   hide NAME PATH   hides a folder from "n1" or "n2" until the node is started again
+#   drain NAME WHY   takes "n1" or "n2" out of service, with a reason
+#   resume NAME      takes it into service again
 #
 # At the end of standard input, or when the script ends for another reason, all processes end and FOLDER is removed. Each
 # machine is a process namespace whose first process dies with this script, so that not even SIGKILL leaves one behind.
@@ -116,12 +118,14 @@ until [ "$(sinfo -h -t idle -o %D 2>/dev/null)" = 2 ]; do
 done
 echo ready
 
-while read -r verb name path; do
+while read -r verb name what; do
     case $verb in
     kill) kill -9 "$(cat "$folder/$name.pid")" ;;
     start) start "$name" ;;
     stop) kill -TERM "$(process "$name")" ;;
-    hide) nsenter -t "$(process "$name")" -m mount -t tmpfs none "$path" ;;
+    hide) nsenter -t "$(process "$name")" -m mount -t tmpfs none "$what" ;;
+    drain) scontrol update nodename="$name" state=drain reason="$what" ;;
+    resume) scontrol update nodename="$name" state=resume ;;
     esac
-    echo "done: $verb $name${path:+ $path}"
+    echo "done: $verb $name${what:+ $what}"
 done

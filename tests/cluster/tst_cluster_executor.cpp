@@ -1,3 +1,4 @@
+#include "farm/base/local_time.h"
 #include "farm/slurm/slurm_executor.h"
 #include "tests/cluster/cluster.h"
 #include "tests/support/test_files.h"
@@ -48,7 +49,7 @@ public:
     void Open()
     {
         executor.reset();
-        executor = std::make_unique<SlurmExecutor>(settings, JobTypes {{"sh"_s, type}});
+        executor = std::make_unique<SlurmExecutor>(settings, JobTypes {{"sh"_s, type}}, nodes);
         QObject::connect(executor.get(), &Executor::Started, executor.get(),
             [this](const RunId& run, const QString& host) { hosts[run] = host; });
         QObject::connect(executor.get(), &Executor::Ended, executor.get(),
@@ -83,8 +84,19 @@ public:
     bool HasEnded(const RunId& run, RunEnd end) const { return ends.contains(run) && ends[run].end == end; }
     bool HasLogged(const char* text) const { return m_log.str().find(text) != std::string::npos; }
 
+    /// The node as somebody who looks now sees it.
+    RenderNode Node(const QString& name)
+    {
+        for (const RenderNode& node : nodes.Look(Now()).value_or(NodeReport()).nodes) {
+            if (node.name == name)
+                return node;
+        }
+        return {};
+    }
+
     SlurmSettings settings;
     JobType type;
+    NodeBoard nodes;
     std::unique_ptr<SlurmExecutor> executor;
     QMap<RunId, QString> hosts;
     QMap<RunId, RunResult> ends;
@@ -191,6 +203,24 @@ private slots:
         EVENTUALLY_COMPARE(m_bench->endCount, 12);
         for (const RunId& run : next)
             QVERIFY(m_bench->HasEnded(run, RunEnd::Done));
+        EVENTUALLY(m_bench->Node("n1"_s).leftOut["sh"_s].contains("no lamp"_s));
+        QVERIFY(m_bench->Node("n2"_s).leftOut.empty());
+    }
+
+    void TellsTheStatesOfAllNodes()
+    {
+        m_bench->Open();
+        EVENTUALLY_COMPARE(m_bench->Node("n1"_s).state + m_bench->Node("n2"_s).state, "idleidle"_s);
+        QVERIFY(m_cluster->Do("drain n1 fan | <b>"_s));
+        EVENTUALLY_COMPARE(m_bench->Node("n1"_s).state, "drained"_s);
+        QCOMPARE(m_bench->Node("n1"_s).reason, "fan | <b>"_s);
+        QVERIFY(m_cluster->Do("kill n2"_s));
+        EVENTUALLY_COMPARE(m_bench->Node("n2"_s).state, "down"_s);
+        QCOMPARE(m_bench->Node("n2"_s).detail, "not responding"_s);
+        QVERIFY(!m_bench->Node("n2"_s).reason.isEmpty());
+        QVERIFY(m_cluster->Do("resume n1"_s) && m_cluster->Do("start n2"_s));
+        EVENTUALLY_COMPARE(m_bench->Node("n1"_s).state + m_bench->Node("n2"_s).state, "idleidle"_s);
+        QVERIFY(m_bench->Node("n1"_s).reason.isEmpty());
     }
 
     void SaysWhatTheClusterLacks_data()

@@ -6,6 +6,7 @@ page_test.py [--pictures FOLDER] [PROGRAM]: starts the farm PROGRAM on a folder 
 import argparse
 import base64
 import json
+import os
 import pathlib
 import sqlite3
 import subprocess
@@ -107,11 +108,12 @@ class Browser:
 
 
 class Farm:
-    def __init__(self, program, folder):
-        self.program = program
+    def __init__(self, program, folder, options=()):
         self.folder = folder
-        self.start = [program, "--data", folder, "--bind", "127.0.0.1", "--job-types", self.job_types()]
-        self.process = subprocess.Popen(self.start, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        start = [program, "--data", folder, "--bind", "127.0.0.1", "--job-types", self.job_types(), *options]
+        environment = os.environ | {"PATH": folder + os.pathsep + os.environ["PATH"]}
+        self.process = subprocess.Popen(start, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
+                                        env=environment)
         self.url = self.process.stdout.readline().split()[-1]
 
     def job_types(self):
@@ -144,6 +146,27 @@ class Farm:
         self.process.wait()
 
 
+class Cluster:
+    """Stands in for the commands of a cluster, which renders nothing and prints what it is told about its nodes."""
+
+    def __init__(self, folder):
+        self.commands = pathlib.Path(folder)
+        for name in ("sbatch", "squeue", "scancel", "scontrol", "sinfo"):
+            self.write(name, "exit 1")
+
+    def write(self, name, script):
+        file = self.commands / (name + ".new")
+        file.write_text("#!/bin/sh\n" + script + "\n")
+        file.chmod(0o755)
+        file.rename(self.commands / name)
+
+    def describe(self, *nodes):
+        self.write("sinfo", "cat <<'END'\n" + "\n".join(nodes) + "\nEND")
+
+    def fail(self, error):
+        self.write("sinfo", f"echo '{error}' >&2; exit 1")
+
+
 def check(is_right, what):
     if not is_right:
         raise AssertionError(what)
@@ -164,6 +187,7 @@ def test(browser, farm, pictures, scheme):
     browser.wait("the failure", lambda: "onerror" in browser.text("#failures"))
     check(browser.run("return document.title") == "QuillStar farm", "texts are no markup")
     browser.wait("the progress of a frame", lambda: "25 %" in browser.text("#working"))
+    check("Reason" not in browser.text("#nodes"), "one machine has no states")
     check("are free" in browser.text("#disk-text"), "the disk")
     check(not browser.run(CONTRAST), "enough contrast: " + str(browser.run(CONTRAST)))
     if pictures:
@@ -199,6 +223,39 @@ def test(browser, farm, pictures, scheme):
     check(not browser.complaints(), "no complaints: " + str(browser.complaints()))
 
 
+def test_nodes(browser, farm, cluster, pictures, scheme):
+    cluster.describe("n1|main*|mixed|none", "n2|main*|down*|fan " + HOSTILE, "n3|other|idle|none")
+    browser.open(farm.url + "/")
+    sign_in(browser, "demo")
+    browser.wait("the nodes", lambda: "n2" in browser.text("#nodes"))
+    nodes = browser.text("#nodes tbody").splitlines()
+    check(nodes[0].split("\t")[:4] == ["n2", "0", "down, not responding", "fan " + HOSTILE], str(nodes))
+    check(nodes[1].split("\t")[:3] == ["n1", "0", "partly allocated"], str(nodes))
+    check(len(nodes) == 2, "only nodes that the farm uses")
+    check(": 1 down, 1 partly allocated." in browser.text("#nodes-text"), browser.text("#nodes-text"))
+    check(browser.run("return document.title") == "QuillStar farm", "texts are no markup")
+    with urllib.request.urlopen(farm.url + "/metrics", timeout=PATIENCE) as figures:
+        check(b'\nquillstar_nodes{state="partly allocated"} 1\n' in figures.read(), "the figures of the nodes")
+    if pictures:
+        browser.run("document.querySelector('#nodes').scrollIntoView()")
+        browser.picture(pictures / f"page-nodes-{scheme}.png")
+    cluster.fail("Unable to contact slurm controller")
+    browser.wait("the fault", lambda: "slurmctld) does not answer" in browser.text("#nodes-text"))
+    check("n2" in browser.text("#nodes") and "As of" in browser.text("#nodes-text"), "the last known states stay")
+    check(not browser.run(CONTRAST), "enough contrast: " + str(browser.run(CONTRAST)))
+    check(not browser.complaints(), "no complaints: " + str(browser.complaints()))
+
+
+def in_both_schemes(test):
+    for scheme in ("light", "dark"):
+        browser = Browser(scheme)
+        try:
+            test(browser, scheme)
+        finally:
+            browser.close()
+        print(f"the page works ({scheme})")
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--pictures", type=pathlib.Path)
@@ -209,13 +266,15 @@ def main():
         try:
             farm.change("UPDATE accounts SET administrator = 1 WHERE name = 'demo'")
             farm.plant_failure()
-            for scheme in ("light", "dark"):
-                browser = Browser(scheme)
-                try:
-                    test(browser, farm, options.pictures, scheme)
-                finally:
-                    browser.close()
-                print(f"the page works ({scheme})")
+            in_both_schemes(lambda browser, scheme: test(browser, farm, options.pictures, scheme))
+        finally:
+            farm.close()
+    with tempfile.TemporaryDirectory() as folder:
+        cluster = Cluster(folder)
+        farm = Farm(options.program, folder, ["--executor", "slurm", "--slurm-interval", "1"])
+        try:
+            farm.change("UPDATE accounts SET administrator = 1 WHERE name = 'demo'")
+            in_both_schemes(lambda browser, scheme: test_nodes(browser, farm, cluster, options.pictures, scheme))
         finally:
             farm.close()
 

@@ -102,6 +102,27 @@ async function showLog(failure) {
   }
 }
 
+// What is known about all nodes together, in words.
+function clusterText(nodes, {time, message}) {
+  if (!time)
+    return message || "The cluster is being asked for its nodes.";
+  const counts = new Map();
+  for (const {state} of nodes)
+    counts.set(state || "unknown", (counts.get(state || "unknown") || 0) + 1);
+  const parts = [...counts].sort().map(([state, count]) => count + " " + state);
+  return [message, "As of " + time + ": " + (parts.join(", ") || "no nodes") + "."].join(" ").trim();
+}
+
+function showNodes(nodes, cluster) {
+  byId("nodes").className = cluster ? "" : "local";
+  fill(byId("nodes"), nodes.map((node) => ({key: node.host, cells: [node.host, node.frames,
+    [node.state || "unknown", node.detail].filter(Boolean).join(", "), node.reason,
+    node.left_out.map(({type, message}) => type + ": " + message).join("; ")]})));
+  setText(byId("nodes-text"), cluster ? clusterText(nodes, cluster) : "");
+  byId("nodes-text").hidden = !cluster;
+  byId("nodes-text").className = cluster && cluster.message ? "alarm" : "";
+}
+
 function show(overview) {
   fill(byId("queues"), overview.queues.map((queue) => ({key: queue.account, cells: [queue.account, queue.rendering,
     queue.running, queue.waiting, queue.paused, queue.arrears, queue.failed]})));
@@ -112,7 +133,7 @@ function show(overview) {
       numeric(frame.percent === null ? "" : frame.percent + " %")]})));
   fill(byId("failures"), overview.failures.map((failure) => ({key: failure.job + "/" + failure.frame,
     cells: [failure.time, failure.account, failure.name, failure.frame, failure.message, logButton(failure)]})));
-  fill(byId("nodes"), overview.nodes.map((node) => ({key: node.host, cells: [node.host, node.frames]})));
+  showNodes(overview.nodes, overview.cluster);
   const {free, size, database} = overview.disk;
   const meter = byId("disk");
   meter.max = size;
@@ -148,6 +169,7 @@ function leave(message) {
   for (const table of document.querySelectorAll("main table"))
     table.tBodies[0].replaceChildren();
   byId("log-text").textContent = "";
+  byId("nodes-text").textContent = "";
   byId("refusal").textContent = message;
   enter(false);
 }

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include <map>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace farm {
+
+/// A node of a cluster.
+struct RenderNode
+{
+    QString name;
+    /// In words, such as "partly allocated".
+    QString state;
+    /// What else is known about its state, such as "not responding"; mostly empty.
+    QString detail;
+    /// Why the cluster does not use it; mostly empty.
+    QString reason;
+    /// The job types of which the farm sends it no frames, each with the message of the last frame that could not begin.
+    std::map<QString, QString> leftOut;
+};
+
+struct NodeReport
+{
+    std::vector<RenderNode> nodes;
+    std::int64_t time = 0; ///< of the states, in seconds since the epoch; 0 while they are not known
+    /// A sentence about why the cluster did not answer the last question; else empty.
+    QString fault;
+};
+
+/// What a cluster last reported about its nodes. Thread-safe.
+class NodeBoard : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Older states are not shown any more.
+    static constexpr std::int64_t LongestAge = 300; // s
+
+    void Post(const NodeReport& report);
+    /// None when the farm renders without a cluster. As the cluster is asked only because somebody has looked, the next
+    /// look shows newer states.
+    std::optional<NodeReport> Look(std::int64_t now);
+
+signals:
+    /// Emitted in the thread of the one who looks.
+    void Looked();
+
+private:
+    std::mutex m_mutex;
+    std::optional<NodeReport> m_report;
+};
+
+} // namespace farm
