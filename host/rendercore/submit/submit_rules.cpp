@@ -72,7 +72,8 @@ QString HaltText(const SubmitTask& task)
 TaskMessage FileList(const SubmitWork& work)
 {
     QVector<TaskMessage> lines;
-    for (const PackedFile& file : work.files.mid(0, MostListed))
+    const auto listed = work.files.mid(0, MostListed);
+    for (const PackedFile& file : listed)
         lines.append(file.source);
     if (work.files.size() > 1)
         lines.prepend(TaskMessage(SubmitText::Files, {QString::number(work.files.size())}));
