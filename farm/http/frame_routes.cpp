@@ -56,10 +56,10 @@ QJsonObject FrameRoutes::ListFrames(const ApiRequest& request)
     for (const auto& [number, work] : inWork)
         rendering.append(
             QJsonArray {number, qint64(work.Seconds(now)), work.host, PercentJson(work, inWork.size())});
-    return DataJson(
-        QJsonObject {{QStringLiteral("job"), JobJson(job)}, {QStringLiteral("message"), job.message},
-            {QStringLiteral("time"), qint64(now - LongestWrite)}, {QStringLiteral("total"), list.total},
-            {QStringLiteral("frames"), FramesJson(list.frames)}, {QStringLiteral("rendering"), rendering}});
+    return DataJson(QJsonObject {{QStringLiteral("job"), JobJson(job)},
+        {QStringLiteral("message"), job.message}, {QStringLiteral("priority"), list.priority},
+        {QStringLiteral("time"), qint64(now - LongestWrite)}, {QStringLiteral("total"), list.total},
+        {QStringLiteral("frames"), FramesJson(list.frames)}, {QStringLiteral("rendering"), rendering}});
 }
 
 QJsonObject FrameRoutes::ShowLog(const ApiRequest& request)

@@ -50,6 +50,13 @@ int CountOf(SQLite::Database& connection, std::int64_t job)
     return query.executeStep() ? query.getColumn(0).getInt() : 0;
 }
 
+int PriorityOf(SQLite::Database& connection, std::int64_t job)
+{
+    SQLite::Statement query(connection, "SELECT priority FROM jobs WHERE key = ?");
+    Bind(query, job);
+    return query.executeStep() ? query.getColumn(0).getInt() : 0;
+}
+
 } // namespace
 
 FrameStore::FrameStore(Database& database)
@@ -63,6 +70,7 @@ FrameList FrameStore::List(std::int64_t account, const QString& job, std::int64_
         FrameList list;
         list.job = KeyOf(connection, account, job);
         list.total = CountOf(connection, list.job);
+        list.priority = PriorityOf(connection, list.job);
         // The plus keeps SQLite from going through all frames in the order of their numbers to find the few changed ones.
         // A frame has a charge for each run of the job; the last one is that of the picture.
         SQLite::Statement query(connection,

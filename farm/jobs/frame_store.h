@@ -41,6 +41,8 @@ struct FrameList
     std::vector<FrameRecord> frames;
     /// The number of frames of the job.
     int total = 0;
+    /// The job's priority among those of its account.
+    int priority = 0;
 };
 
 /// The frames of jobs as their accounts see them. Thread-safe.

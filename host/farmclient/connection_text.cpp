@@ -34,6 +34,7 @@ constexpr Request requests[] = {
     {"^POST /jobs/restart$", QT_TRANSLATE_NOOP("ConnectionText", "Restarting jobs")},
     {"^POST /jobs/delete$", QT_TRANSLATE_NOOP("ConnectionText", "Deleting jobs")},
     {"^POST /jobs/full-render$", QT_TRANSLATE_NOOP("ConnectionText", "Starting a full render")},
+    {"^POST /jobs/priority$", QT_TRANSLATE_NOOP("ConnectionText", "Changing the priority of a job")},
     {"^GET /jobs/[^/]+/files$", QT_TRANSLATE_NOOP("ConnectionText", "Loading the list of frames")},
     {"^GET /jobs/[^/]+/files/", QT_TRANSLATE_NOOP("ConnectionText", "Downloading a frame")},
     {"^GET /jobs/", QT_TRANSLATE_NOOP("ConnectionText", "Loading a job")},

@@ -36,6 +36,8 @@ constexpr int MostRanges = 15;      ///< ranges of frames in a job
 constexpr int LastFrame = 99999;    ///< the highest number of a frame
 constexpr int MostFrames = 20000;   ///< frames in a job
 constexpr int LongestSide = 16384;  ///< pixels; the width or height of a frame
+constexpr int LowestPriority = -100;
+constexpr int HighestPriority = 100;
 constexpr int MostListedJobs = 1000;
 constexpr int Heartbeat
     = 5000; ///< ms after which the farm's stream of events carries something, changes or not

@@ -25,6 +25,8 @@ QSize ChartView::minimumSizeHint() const
 void ChartView::SetData(const Data& shown)
 {
     m_data = shown;
+    setAccessibleName(shown.name);
+    setAccessibleDescription(shown.description);
     LayOut();
 }
 

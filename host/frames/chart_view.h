@@ -25,6 +25,8 @@ public:
         std::function<QString(double value)> scale; ///< label of a value at the axis
         std::function<QString(int index)> label;    ///< label below a value's bar
         std::function<QString(const ChartBar& bar)> toolTip;
+        QString name;        ///< of the chart, for screen readers
+        QString description; ///< what it shows, for screen readers
     };
 
     using QWidget::QWidget;

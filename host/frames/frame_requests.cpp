@@ -2,6 +2,9 @@
 
 #include "host/farmclient/http_call.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+
 namespace {
 
 HttpLimits OneAttempt()
@@ -23,12 +26,14 @@ FrameRequests::FrameRequests(QObject* parent)
     : QObject(parent)
     , m_transport(OneAttempt())
     , m_calls(std::make_unique<QObject>())
+    , m_changes(std::make_unique<QObject>())
 {
 }
 
 void FrameRequests::SetAccess(const FarmAccess& access)
 {
     Cancel();
+    m_changes = std::make_unique<QObject>();
     m_access = access;
     m_transport.SetBaseUrl(access.apiRoot);
     m_transport.SetProxyLogin(access.proxy);
@@ -68,13 +73,31 @@ void FrameRequests::RequestSpending(int days)
         [this](const QJsonObject& body) { emit SpendingArrived(SpendingAnswer::Read(body)); });
 }
 
-HttpCall* FrameRequests::Get(const QByteArray& target, const Handler& handler)
+void FrameRequests::SetPriority(const QString& job, int priority)
+{
+    HttpRequest request = Request("POST", "/jobs/priority");
+    request.body = QJsonDocument(
+        QJsonObject {{QStringLiteral("ids"), QJsonArray {job}}, {QStringLiteral("priority"), priority}})
+                       .toJson(QJsonDocument::Compact);
+    const auto* call = new HttpCall(&m_transport, request, m_changes.get());
+    connect(call, &HttpCall::Finished, this, [this, job](const HttpResult& result) {
+        delete m_frames.data();
+        emit PriorityAnswered(job, result.error);
+    });
+}
+
+HttpRequest FrameRequests::Request(const char* verb, const QByteArray& target) const
 {
     HttpRequest request;
-    request.verb = "GET";
+    request.verb = verb;
     request.target = target;
     request.token = m_access.token.toLatin1();
-    auto* call = new HttpCall(&m_transport, request, m_calls.get());
+    return request;
+}
+
+HttpCall* FrameRequests::Get(const QByteArray& target, const Handler& handler)
+{
+    auto* call = new HttpCall(&m_transport, Request("GET", target), m_calls.get());
     connect(call, &HttpCall::Finished, this, [this, call, handler](const HttpResult& result) {
         // The receiver may ask again at once.
         for (QPointer<HttpCall>* underWay : {&m_frames, &m_spending}) {

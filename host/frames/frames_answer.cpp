@@ -81,6 +81,10 @@ std::optional<FramesAnswer> FramesAnswer::Read(const QJsonObject& body)
     answer.jobCost = Word(job.value(QLatin1String("job_cost"))) + QLatin1Char(' ')
         + Word(job.value(QLatin1String("job_cost_unit")));
     answer.message = data.value(QLatin1String("message")).toString();
+    const QJsonValue priority = data.value(QLatin1String("priority"));
+    if (priority.isDouble())
+        answer.priority
+            = std::clamp(priority.toInt(), FarmNumbers::LowestPriority, FarmNumbers::HighestPriority);
     answer.time = WholeNumber(data.value(QLatin1String("time")));
     answer.total = data.value(QLatin1String("total")).toInt();
     for (const QJsonValue& value : frames) {

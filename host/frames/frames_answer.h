@@ -29,10 +29,11 @@ struct FramesAnswer
 {
     int jobStatus = 0;
     QString jobCost;
-    QString message;           ///< the reason why the job has failed
-    qint64 time = 0;           ///< the time to pass on when later changes are requested
-    int total = 0;             ///< number of the job's frames
-    std::vector<Frame> frames; ///< the changed frames, sorted by number
+    QString message;             ///< the reason why the job has failed
+    std::optional<int> priority; ///< none where the farm does not tell it
+    qint64 time = 0;             ///< the time to pass on when later changes are requested
+    int total = 0;               ///< number of the job's frames
+    std::vector<Frame> frames;   ///< the changed frames, sorted by number
     struct Work
     {
         qint64 milliseconds = 0; ///< since the frame was begun

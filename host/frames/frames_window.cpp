@@ -2,6 +2,7 @@
 
 #include "common/vtr_codetables.h"
 #include "host/frames/chart_view.h"
+#include "host/frames/frame_charts.h"
 #include "host/frames/job_pictures.h"
 #include "vtr_uiloaderinterface.h"
 
@@ -14,6 +15,7 @@
 #include <QScrollBar>
 #include <QShortcut>
 #include <QSizeGrip>
+#include <QSpinBox>
 #include <QTableView>
 
 namespace {
@@ -26,7 +28,6 @@ constexpr int RowHeight = 44;            // pixels
 constexpr int NarrowTable = 440;         // pixels
 constexpr int NumberWidths[] {150, 104}; // pixels; in a narrow table only a thumbnail and few digits
 constexpr QSize ThumbnailSize(64, 36);   // pixels
-constexpr double Second = 1000;          // ms
 
 void MakeSingleShot(QTimer& timer, int interval)
 {
@@ -47,6 +48,7 @@ FramesWindow::FramesWindow(VTUiLoaderInterface* loader, QObject* parent)
     , m_openPicture(m_form.Find<QPushButton>("btnOpenPicture"))
     , m_times(m_form.Find<QPushButton>("btnTimes"))
     , m_chart(new ChartView)
+    , m_priority(m_form.Find<QSpinBox>("spnPriority"))
 {
     m_chart->setObjectName(QStringLiteral("chtFrames"));
     m_form.Find<QWidget>("wgtChart")->layout()->addWidget(m_chart);
@@ -127,6 +129,11 @@ void FramesWindow::ConnectAnswers()
         m_spending = answer;
         DisplayChart();
     });
+    connect(&m_priority, &PriorityField::Chosen, this, [this](int priority) {
+        m_refusal.clear();
+        m_requests.SetPriority(m_job, priority);
+    });
+    connect(&m_requests, &FrameRequests::PriorityAnswered, this, &FramesWindow::HandlePriority);
     connect(&m_thumbnails, &Thumbnails::Made, this, [this](int number, const QImage& image) {
         QPixmap thumbnail = QPixmap::fromImage(image);
         thumbnail.setDevicePixelRatio(m_table->devicePixelRatioF());
@@ -139,6 +146,7 @@ void FramesWindow::SetAccess(const FarmAccess& access)
     const bool isOther = access.owner != m_access.owner;
     m_access = access;
     m_requests.SetAccess(access);
+    m_priority.Clear();
     if (m_pictures)
         m_pictures->SetAccess(access);
     if (isOther)
@@ -148,6 +156,8 @@ void FramesWindow::SetAccess(const FarmAccess& access)
 void FramesWindow::Open(const QString& job, const QString& name, const QString& folder)
 {
     m_requests.Cancel();
+    m_priority.Flush();
+    m_priority.Clear();
     m_chosen.stop();
     m_hasLog = false;
     m_model.Clear();
@@ -156,6 +166,7 @@ void FramesWindow::Open(const QString& job, const QString& name, const QString& 
     m_answer = {};
     m_shown = {};
     m_failure.clear();
+    m_refusal.clear();
     m_log->clear();
     m_pictures = std::make_shared<JobPictures>(m_access, job, folder);
     m_thumbnails.SetPictures(m_pictures);
@@ -185,6 +196,8 @@ void FramesWindow::HandleFrames(const FramesAnswer& answer)
     m_answer.frames.clear();
     m_model.Apply(answer);
     m_pictures->SetFrames(m_model.List().Frames());
+    if (answer.priority)
+        m_priority.Show(*answer.priority);
     if (CurrentRow() < 0) {
         const auto& frames = m_model.List().Frames();
         const auto failed = std::find_if(
@@ -209,6 +222,17 @@ void FramesWindow::HandleLog(int number, const QString& log)
     // The scroll position stays while the same log is requested again. Qt shows the placeholder once a text was set.
     if (log.isEmpty() || m_log->toPlainText() != log)
         m_log->setPlainText(log);
+}
+
+void FramesWindow::HandlePriority(const QString& job, const QString& refusal)
+{
+    if (job != m_job)
+        return;
+    m_refusal = refusal;
+    m_priority.HandleAnswer(refusal.isEmpty());
+    DisplaySummary();
+    if (Form()->isVisible())
+        Refresh();
 }
 
 void FramesWindow::HandleFailure(const QString& reason)
@@ -298,7 +322,8 @@ void FramesWindow::DisplaySummary()
         parts.append(m_answer.jobCost);
     }
     m_summary->setText(parts.join(QStringLiteral(" · ")));
-    QString trouble = m_failure;
+    m_form.Find<QWidget>("wgtPriority")->setVisible(m_answer.priority || list.Frames().empty());
+    QString trouble = m_failure.isEmpty() ? m_refusal : m_failure;
     if (trouble.isEmpty() && !m_answer.message.isEmpty()) {
         trouble = m_answer.message.section(QLatin1Char('\n'), 0, 0);
         if (m_answer.jobStatus == VTCodeTables::JobFailed)
@@ -322,65 +347,9 @@ void FramesWindow::DisplayFrame()
 
 void FramesWindow::DisplayChart()
 {
-    if (m_times->isChecked())
-        DisplayTimes();
-    else
-        DisplaySpending();
-}
-
-void FramesWindow::DisplayTimes()
-{
-    ChartView::Data data;
-    const auto& frames = m_model.List().Frames();
-    qint64 longest = 0;
-    for (const Frame& frame : frames) {
-        const qint64 time = frame.state == Frame::Finished ? frame.milliseconds : 0;
-        longest = std::max(longest, time);
-        data.values.push_back(double(time) / Second);
-    }
-    const auto timeText = [](double seconds) { return FrameModel::TimeText(qRound64(seconds * Second)); };
-    const auto number = [this](int index) { return QString::number(m_model.At(index).number); };
-    data.nothing = tr("No frame is finished yet.");
-    data.scale = timeText;
-    data.label = number;
-    data.toolTip = [timeText, number](const ChartBar& bar) {
-        return bar.count == 1
-            ? tr("Frame %1: %2").arg(number(bar.first), timeText(bar.value))
-            : tr("Frames %1 to %2: at most %3")
-                  .arg(number(bar.first), number(bar.first + bar.count - 1), timeText(bar.value));
-    };
-    m_chart->SetData(data);
-    m_chart->Mark(CurrentRow());
-    m_chart->setAccessibleName(tr("Chart of the frame times"));
-    m_chart->setAccessibleDescription(
-        tr("%1 finished frames took %2 each on average, and at most %3.")
-            .arg(m_model.List().Count(Frame::Finished))
-            .arg(FrameModel::TimeText(m_model.List().MeanMilliseconds()), FrameModel::TimeText(longest)));
-}
-
-void FramesWindow::DisplaySpending()
-{
-    ChartView::Data data;
-    double sum = 0;
-    for (const SpendingAnswer::Day& day : m_spending.days) {
-        data.values.push_back(day.amount);
-        sum += day.amount;
-    }
-    const auto amount = [this](double value) {
-        return QStringLiteral("%1 %2").arg(value, 0, 'f', 2).arg(m_spending.currency);
-    };
-    const auto day = [this](int index) { return m_spending.days[std::size_t(index)].name; };
-    data.nothing = tr("Nothing was charged in these days.");
-    data.scale = amount;
-    data.label = day;
-    data.toolTip = [amount, day](const ChartBar& bar) {
-        return QStringLiteral("%1: %2").arg(day(bar.first), amount(bar.value));
-    };
-    m_chart->SetData(data);
-    m_chart->Mark(-1);
-    m_chart->setAccessibleName(tr("Chart of the account's spending by day"));
-    m_chart->setAccessibleDescription(
-        tr("%1 in the last %2 days.").arg(amount(sum)).arg(m_spending.days.size()));
+    const bool showsTimes = m_times->isChecked();
+    m_chart->SetData(showsTimes ? FrameCharts::Times(m_model) : FrameCharts::Spending(m_spending));
+    m_chart->Mark(showsTimes ? CurrentRow() : -1);
 }
 
 bool FramesWindow::eventFilter(QObject* watched, QEvent* event)
@@ -392,6 +361,7 @@ bool FramesWindow::eventFilter(QObject* watched, QEvent* event)
     if (watched == Form() && event->type() == QEvent::Hide) {
         m_refresh.stop();
         m_requests.Cancel();
+        m_priority.Flush();
         m_thumbnails.SetPictures(nullptr);
     }
     return false;

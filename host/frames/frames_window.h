@@ -3,6 +3,7 @@
 #include "host/farmclient/farm_access.h"
 #include "host/frames/frame_model.h"
 #include "host/frames/frame_requests.h"
+#include "host/frames/priority_field.h"
 #include "host/frames/thumbnails.h"
 #include "host/ui/skinned_form.h"
 
@@ -49,6 +50,7 @@ private:
     void Refresh();
     void HandleFrames(const FramesAnswer& answer);
     void HandleLog(int number, const QString& log);
+    void HandlePriority(const QString& job, const QString& refusal);
     void HandleFailure(const QString& reason);
     void HandleCurrentFrame();
     void Select(int row);
@@ -59,8 +61,6 @@ private:
     void DisplaySummary();
     void DisplayFrame();
     void DisplayChart();
-    void DisplayTimes();
-    void DisplaySpending();
     int CurrentRow() const;
 
     SkinnedForm m_form;
@@ -72,6 +72,7 @@ private:
     QPushButton* m_openPicture;
     QPushButton* m_times;
     ChartView* m_chart;
+    PriorityField m_priority;
     FrameModel m_model;
     FrameRequests m_requests;
     Thumbnails m_thumbnails;
@@ -84,6 +85,7 @@ private:
     Frame m_shown; // the frame whose log is shown
     bool m_hasLog = false;
     QString m_failure; // the reason why the latest request failed
+    QString m_refusal; // the reason why the priority could not be changed
     QTimer m_refresh;
     QTimer m_chosen; // runs while the user moves through the table
     QTimer m_scrolled;

@@ -304,6 +304,10 @@
         <source>Following changes on the farm</source>
         <translation>Following changes on the farm</translation>
     </message>
+    <message>
+        <source>Changing the priority of a job</source>
+        <translation>Changing the priority of a job</translation>
+    </message>
 </context>
 <context>
     <name>DownloadQueue</name>
@@ -593,6 +597,41 @@
     </message>
 </context>
 <context>
+    <name>FrameCharts</name>
+    <message>
+        <source>No frame is finished yet.</source>
+        <translation>No frame is finished yet.</translation>
+    </message>
+    <message>
+        <source>Frame %1: %2</source>
+        <translation>Frame %1: %2</translation>
+    </message>
+    <message>
+        <source>Frames %1 to %2: at most %3</source>
+        <translation>Frames %1 to %2: at most %3</translation>
+    </message>
+    <message>
+        <source>Chart of the frame times</source>
+        <translation>Chart of the frame times</translation>
+    </message>
+    <message>
+        <source>%1 finished frames took %2 each on average, and at most %3.</source>
+        <translation>%1 finished frames took %2 each on average, and at most %3.</translation>
+    </message>
+    <message>
+        <source>Nothing was charged in these days.</source>
+        <translation>Nothing was charged in these days.</translation>
+    </message>
+    <message>
+        <source>Chart of the account&apos;s spending by day</source>
+        <translation>Chart of the account&apos;s spending by day</translation>
+    </message>
+    <message>
+        <source>%1 in the last %2 days.</source>
+        <translation>%1 in the last %2 days.</translation>
+    </message>
+</context>
+<context>
     <name>FrameModel</name>
     <message>
         <source>Frame</source>
@@ -692,6 +731,14 @@
         <source>The charges of the account in the last 30 days</source>
         <translation>The charges of the account in the last 30 days</translation>
     </message>
+    <message>
+        <source>Priority</source>
+        <translation>Priority</translation>
+    </message>
+    <message>
+        <source>Of your own jobs, those of a higher priority are rendered first (-100 to 100).</source>
+        <translation>Of your own jobs, those of a higher priority are rendered first (-100 to 100).</translation>
+    </message>
 </context>
 <context>
     <name>FramesWindow</name>
@@ -726,34 +773,6 @@
     <message>
         <source>There is no log of this frame: no attempt has ended yet, or the renderer wrote nothing.</source>
         <translation>There is no log of this frame: no attempt has ended yet, or the renderer wrote nothing.</translation>
-    </message>
-    <message>
-        <source>No frame is finished yet.</source>
-        <translation>No frame is finished yet.</translation>
-    </message>
-    <message>
-        <source>Frames %1 to %2: at most %3</source>
-        <translation>Frames %1 to %2: at most %3</translation>
-    </message>
-    <message>
-        <source>Chart of the frame times</source>
-        <translation>Chart of the frame times</translation>
-    </message>
-    <message>
-        <source>%1 finished frames took %2 each on average, and at most %3.</source>
-        <translation>%1 finished frames took %2 each on average, and at most %3.</translation>
-    </message>
-    <message>
-        <source>Nothing was charged in these days.</source>
-        <translation>Nothing was charged in these days.</translation>
-    </message>
-    <message>
-        <source>Chart of the account&apos;s spending by day</source>
-        <translation>Chart of the account&apos;s spending by day</translation>
-    </message>
-    <message>
-        <source>%1 in the last %2 days.</source>
-        <translation>%1 in the last %2 days.</translation>
     </message>
 </context>
 <context>

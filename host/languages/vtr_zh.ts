@@ -304,6 +304,10 @@
         <source>Following changes on the farm</source>
         <translation>跟踪渲染农场的变化</translation>
     </message>
+    <message>
+        <source>Changing the priority of a job</source>
+        <translation>更改作业的优先级</translation>
+    </message>
 </context>
 <context>
     <name>DownloadQueue</name>
@@ -593,6 +597,41 @@
     </message>
 </context>
 <context>
+    <name>FrameCharts</name>
+    <message>
+        <source>No frame is finished yet.</source>
+        <translation>尚无已完成的帧。</translation>
+    </message>
+    <message>
+        <source>Frame %1: %2</source>
+        <translation>第 %1 帧：%2</translation>
+    </message>
+    <message>
+        <source>Frames %1 to %2: at most %3</source>
+        <translation>第 %1 至 %2 帧：最长 %3</translation>
+    </message>
+    <message>
+        <source>Chart of the frame times</source>
+        <translation>各帧用时图表</translation>
+    </message>
+    <message>
+        <source>%1 finished frames took %2 each on average, and at most %3.</source>
+        <translation>已完成 %1 帧，平均每帧用时 %2，最长 %3。</translation>
+    </message>
+    <message>
+        <source>Nothing was charged in these days.</source>
+        <translation>这些天没有扣费。</translation>
+    </message>
+    <message>
+        <source>Chart of the account&apos;s spending by day</source>
+        <translation>账户每日消费图表</translation>
+    </message>
+    <message>
+        <source>%1 in the last %2 days.</source>
+        <translation>最近 %2 天共 %1。</translation>
+    </message>
+</context>
+<context>
     <name>FrameModel</name>
     <message>
         <source>Frame</source>
@@ -692,6 +731,14 @@
         <source>The charges of the account in the last 30 days</source>
         <translation>账户最近 30 天的扣费</translation>
     </message>
+    <message>
+        <source>Priority</source>
+        <translation>优先级</translation>
+    </message>
+    <message>
+        <source>Of your own jobs, those of a higher priority are rendered first (-100 to 100).</source>
+        <translation>在您自己的作业中，优先级较高的先渲染（-100 到 100）。</translation>
+    </message>
 </context>
 <context>
     <name>FramesWindow</name>
@@ -726,34 +773,6 @@
     <message>
         <source>There is no log of this frame: no attempt has ended yet, or the renderer wrote nothing.</source>
         <translation>该帧没有日志：尚无尝试结束，或渲染器没有输出任何内容。</translation>
-    </message>
-    <message>
-        <source>No frame is finished yet.</source>
-        <translation>尚无已完成的帧。</translation>
-    </message>
-    <message>
-        <source>Frames %1 to %2: at most %3</source>
-        <translation>第 %1 至 %2 帧：最长 %3</translation>
-    </message>
-    <message>
-        <source>Chart of the frame times</source>
-        <translation>各帧用时图表</translation>
-    </message>
-    <message>
-        <source>%1 finished frames took %2 each on average, and at most %3.</source>
-        <translation>已完成 %1 帧，平均每帧用时 %2，最长 %3。</translation>
-    </message>
-    <message>
-        <source>Nothing was charged in these days.</source>
-        <translation>这些天没有扣费。</translation>
-    </message>
-    <message>
-        <source>Chart of the account&apos;s spending by day</source>
-        <translation>账户每日消费图表</translation>
-    </message>
-    <message>
-        <source>%1 in the last %2 days.</source>
-        <translation>最近 %2 天共 %1。</translation>
     </message>
 </context>
 <context>

@@ -31,7 +31,7 @@ const auto& Charts()
 QByteArray FirstAnswer()
 {
     return "{'job': {'job_status': 1, 'job_cost': '0.30', 'job_cost_unit': 'RMB'}, 'message': '', "
-           "'time': 50, 'total': 4, 'rendering': [[3, 7, 'n1', 64]], 'frames': ["
+           "'time': 50, 'total': 4, 'priority': 5, 'rendering': [[3, 7, 'n1', 64]], 'frames': ["
            "[1, 2, 1, 2400, 24000, 'frame_0001.png', SIZE], [2, 0, 1, 0, 0, '', 0], "
            "[3, 0, 0, 0, 0, '', 0], [4, 2, 1, 40, 12000, '../x', 9], [4], 'rubbish', [1, 0]]}";
 }
@@ -144,6 +144,46 @@ private slots:
         EVENTUALLY(follower.Text("lblTrouble").startsWith("The server cannot be reached"_s));
         follower.window.SetAccess({});
         QVERIFY(!follower.window.Form()->isVisible());
+    }
+
+    void ChangesThePriority()
+    {
+        Follower follower;
+        auto* field = follower.Find<QSpinBox>("spnPriority"_s);
+        EVENTUALLY_COMPARE(field->value(), 5);
+        const auto changes = [&follower] {
+            QByteArrayList bodies;
+            const auto requests = follower.server.Requests();
+            for (const QByteArray& request : requests) {
+                if (request.startsWith("POST /api/v1/jobs/priority "))
+                    bodies.append(request.mid(request.indexOf("\r\n\r\n") + 4));
+            }
+            return bodies;
+        };
+        // Somebody who scrolls past the field changes nothing; keys in a row are one change.
+        QWheelEvent wheel({}, {}, {}, {0, 120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(field, &wheel);
+        follower.server.SetReplyTo("/priority ", StandInServer::Data("{'notAllowedJobs': []}"));
+        for (const char* request : {"/frames?since=50 ", "/frames?since=60 "})
+            follower.server.SetReplyTo(request,
+                StandInServer::Data(SecondAnswer().replace("'message'", "'priority': 7, 'message'")));
+        QTest::keyClick(field, Qt::Key_Up);
+        QTest::keyClick(field, Qt::Key_Up);
+        EVENTUALLY_COMPARE(changes(), QByteArrayList {R"({"ids":["j1"],"priority":7})"});
+        EVENTUALLY(follower.Text("lblTrouble").contains("no lamp"_s));
+        QCOMPARE(field->value(), 7);
+        follower.server.SetReplyTo("/priority ", StandInServer::Http(404, R"({"message": "no & such job"})"));
+        QTest::keyClick(field, Qt::Key_Down);
+        EVENTUALLY_COMPARE(follower.Text("lblTrouble"), "no & such job."_s);
+        QCOMPARE(field->value(), 7);
+        // What was entered last is sent even if the window closes, and a farm without priorities shows no field.
+        field->setValue(-100);
+        follower.window.Form()->close();
+        EVENTUALLY_COMPARE(changes().size(), 3);
+        QCOMPARE(changes().constLast(), QByteArray(R"({"ids":["j1"],"priority":-100})"));
+        follower.server.SetReplyTo("/frames?since=0 ", StandInServer::Data(SecondAnswer()));
+        follower.window.Open("j2"_s, "other"_s, "2_other"_s);
+        EVENTUALLY(!follower.Find<QWidget>("wgtPriority"_s)->isVisible());
     }
 
     void PreviewsTheFinishedFrames()
