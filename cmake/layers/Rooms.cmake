@@ -28,8 +28,9 @@ set(ROOM_RULES
     "host/services: host/ui host/settings host/rendercore host/farmclient interfaces"
     "host/mainform: host/ui host/settings host/farmclient common interfaces"
     "host/frames: host/rendercore host/ui host/farmclient host/base common interfaces"
+    "host/space: host/ui host/farmclient common interfaces"
     "host/process: host/base processes"
-    "host/app: host/process host/frames host/mainform host/services host/ui host/settings host/farmclient common interfaces"
+    "host/app: host/process host/space host/frames host/mainform host/services host/ui host/settings host/farmclient common interfaces"
     "host/tour: host/app host/mainform host/services common"
     "host: host/tour host/process host/app"
 )

@@ -29,6 +29,7 @@ keep default sign-in sign-in
 keep default frames frames
 keep default preview preview
 keep default configuration settings
+keep default space space
 take dark zh
 keep dark my-render dark
 

@@ -3,6 +3,8 @@
 #include "host/app/live_refresh.h"
 #include "host/app/project_groups.h"
 #include "host/app/session_control.h"
+#include "host/app/space_control.h"
+#include "host/app/space_offer.h"
 #include "host/farmclient/http_result.h"
 #include "host/mainform/main_form.h"
 #include "host/process/farm_process.h"
@@ -63,6 +65,8 @@ ClientHost::ClientHost(const HostOptions& options, QObject* parent)
 
 ClientHost::~ClientHost()
 {
+    m_spaceOffer.reset();
+    m_space.reset();
     m_projects.reset();
     m_refresh.reset();
     m_session.reset();
@@ -89,6 +93,10 @@ bool ClientHost::Start(QString* error)
         &m_services.loader, &m_services.communication, &m_services.settings, &m_services.messageBox);
     m_refresh = std::make_unique<LiveRefresh>(&m_services.communication);
     m_projects = std::make_unique<ProjectGroups>(&m_services.communication, &m_services.settings);
+    m_space = std::make_unique<SpaceControl>(
+        &m_services.communication, &m_services.messageBox, &m_services.loader);
+    m_spaceOffer
+        = std::make_unique<SpaceOffer>(&m_services.renderCore, &m_services.messageBox, &m_services.loader);
     ConnectSession();
     m_session->SetServer(ServerText());
     m_services.scenes.Submit(m_options.scenes);
@@ -163,6 +171,10 @@ void ClientHost::ConnectSession()
     connect(session, &SessionControl::SignedOut, m_refresh.get(), &LiveRefresh::EndSession);
     connect(session, &SessionControl::SignedIn, m_projects.get(), &ProjectGroups::BeginSession);
     connect(session, &SessionControl::SignedOut, m_projects.get(), &ProjectGroups::EndSession);
+    connect(session, &SessionControl::SignedOut, m_space.get(), &SpaceControl::EndSession);
+    connect(session, &SessionControl::SignedOut, m_spaceOffer.get(), &SpaceOffer::EndSession);
+    connect(m_spaceOffer.get(), &SpaceOffer::SpaceRequested, m_space.get(), &SpaceControl::Open);
+    connect(m_space.get(), &SpaceControl::Freed, m_spaceOffer.get(), &SpaceOffer::Continue);
     connect(m_projects.get(), &ProjectGroups::ProjectsListed, &m_picker, &ProjectPicker::SetProjects);
     connect(&m_picker, &ProjectPicker::Named, m_projects.get(), &ProjectGroups::Follow);
 }
@@ -290,4 +302,5 @@ void ClientHost::ShowClient(const QString& userName, const QString& token)
     m_transfers.BeginSession(userName);
     m_taskStatus.BeginSession();
     m_picker.BeginSession();
+    m_space->BeginSession(token);
 }

@@ -26,6 +26,8 @@ class FarmProcess;
 class LiveRefresh;
 class ProjectGroups;
 class SessionControl;
+class SpaceControl;
+class SpaceOffer;
 class VTBaseInterface;
 
 /// The running client: the services, the plugin that uses them and, if no server is configured, the embedded farm.
@@ -87,6 +89,8 @@ private:
     std::unique_ptr<SessionControl> m_session;
     std::unique_ptr<LiveRefresh> m_refresh;
     std::unique_ptr<ProjectGroups> m_projects;
+    std::unique_ptr<SpaceControl> m_space;
+    std::unique_ptr<SpaceOffer> m_spaceOffer;
     std::unique_ptr<FarmProcess> m_farm;
     bool m_sessionBegun = false;
 };

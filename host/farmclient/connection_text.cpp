@@ -26,6 +26,8 @@ constexpr Request requests[] = {
     {"^DELETE /session$", QT_TRANSLATE_NOOP("ConnectionText", "Signing out")},
     {"^GET /events$", QT_TRANSLATE_NOOP("ConnectionText", "Following changes on the farm")},
     {"^GET /account$", QT_TRANSLATE_NOOP("ConnectionText", "Loading the balance")},
+    {"^GET /account/storage$", QT_TRANSLATE_NOOP("ConnectionText", "Loading the space on the farm")},
+    {"^DELETE /account/storage$", QT_TRANSLATE_NOOP("ConnectionText", "Removing unneeded files")},
     {"^GET /projects$", QT_TRANSLATE_NOOP("ConnectionText", "Loading the projects")},
     {"^(GET /jobs|POST /jobs/search)$", QT_TRANSLATE_NOOP("ConnectionText", "Loading the list of jobs")},
     {"^POST /jobs$", QT_TRANSLATE_NOOP("ConnectionText", "Submitting a job")},

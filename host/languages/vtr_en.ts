@@ -305,6 +305,14 @@
         <translation>Following changes on the farm</translation>
     </message>
     <message>
+        <source>Loading the space on the farm</source>
+        <translation>Loading the space on the farm</translation>
+    </message>
+    <message>
+        <source>Removing unneeded files</source>
+        <translation>Removing unneeded files</translation>
+    </message>
+    <message>
         <source>Changing the priority of a job</source>
         <translation>Changing the priority of a job</translation>
     </message>
@@ -1230,6 +1238,10 @@
         <source>QuillStar logo</source>
         <translation>QuillStar logo</translation>
     </message>
+    <message>
+        <source>Space on the farm</source>
+        <translation>Space on the farm</translation>
+    </message>
 </context>
 <context>
     <name>SceneIntake</name>
@@ -1545,6 +1557,169 @@
     </message>
 </context>
 <context>
+    <name>SpaceControl</name>
+    <message>
+        <source>Delete 1 job and free up to %1 of your space on the farm?</source>
+        <translation>Delete 1 job and free up to %1 of your space on the farm?</translation>
+    </message>
+    <message>
+        <source>Delete %1 jobs and free up to %2 of your space on the farm?</source>
+        <translation>Delete %1 jobs and free up to %2 of your space on the farm?</translation>
+    </message>
+    <message>
+        <source>Their pictures there (%1) are deleted, too.</source>
+        <translation>Their pictures there (%1) are deleted, too.</translation>
+    </message>
+    <message>
+        <source>Jobs that have not ended yet: %1.</source>
+        <translation>Jobs that have not ended yet: %1.</translation>
+    </message>
+    <message>
+        <source>Space on the farm</source>
+        <translation>Space on the farm</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer cannot be read.</source>
+        <translation>The server&apos;s answer cannot be read.</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Delete</translation>
+    </message>
+    <message>
+        <source>Remove %1 of files that no job needs? Scenes that use them have to send them again.</source>
+        <translation>Remove %1 of files that no job needs? Scenes that use them have to send them again.</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Remove</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>SpaceDialog</name>
+    <message>
+        <source>%1 of %2 used</source>
+        <translation>%1 of %2 used</translation>
+    </message>
+    <message>
+        <source>Asking the farm…</source>
+        <translation>Asking the farm…</translation>
+    </message>
+    <message>
+        <source>Check the jobs that you no longer need.</source>
+        <translation>Check the jobs that you no longer need.</translation>
+    </message>
+    <message>
+        <source>No job has files on the farm.</source>
+        <translation>No job has files on the farm.</translation>
+    </message>
+    <message>
+        <source>Checked: %1 (files %2, pictures %3)</source>
+        <translation>Checked: %1 (files %2, pictures %3)</translation>
+    </message>
+    <message>
+        <source>Unfinished uploads take %1 of it.</source>
+        <translation>Unfinished uploads take %1 of it.</translation>
+    </message>
+    <message>
+        <source>No job needs %1 of it.</source>
+        <translation>No job needs %1 of it.</translation>
+    </message>
+    <message>
+        <source>Finished pictures take %1 more, which do not count.</source>
+        <translation>Finished pictures take %1 more, which do not count.</translation>
+    </message>
+</context>
+<context>
+    <name>SpaceForm</name>
+    <message>
+        <source>Space on the farm</source>
+        <translation>Space on the farm</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>Used space</source>
+        <translation>Used space</translation>
+    </message>
+    <message>
+        <source>Jobs, the largest files first</source>
+        <translation>Jobs, the largest files first</translation>
+    </message>
+    <message>
+        <source>Jobs with files on the farm</source>
+        <translation>Jobs with files on the farm</translation>
+    </message>
+    <message>
+        <source>Space checks a job, Delete deletes the checked ones.</source>
+        <translation>Space checks a job, Delete deletes the checked ones.</translation>
+    </message>
+    <message>
+        <source>Remove unneeded files</source>
+        <translation>Remove unneeded files</translation>
+    </message>
+    <message>
+        <source>Removes the files that no job needs</source>
+        <translation>Removes the files that no job needs</translation>
+    </message>
+    <message>
+        <source>Delete jobs</source>
+        <translation>Delete jobs</translation>
+    </message>
+    <message>
+        <source>Deletes the checked jobs, after a question</source>
+        <translation>Deletes the checked jobs, after a question</translation>
+    </message>
+</context>
+<context>
+    <name>SpaceModel</name>
+    <message>
+        <source>Sequence</source>
+        <translation>Sequence</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Files</translation>
+    </message>
+    <message>
+        <source>Pictures</source>
+        <translation>Pictures</translation>
+    </message>
+</context>
+<context>
+    <name>SpaceOffer</name>
+    <message>
+        <source>Space on the farm</source>
+        <translation>Space on the farm</translation>
+    </message>
+    <message>
+        <source>The files of these scenes would exceed your space on the farm. Show what takes the space?</source>
+        <translation>The files of these scenes would exceed your space on the farm. Show what takes the space?</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>Show</translation>
+    </message>
+</context>
+<context>
     <name>SubmitQueue</name>
     <message>
         <source>The list of submissions could not be read. It is kept as %1, and a new list has begun.</source>
@@ -1568,6 +1743,10 @@
     <message>
         <source>Submission failed</source>
         <translation>Submission failed</translation>
+    </message>
+    <message>
+        <source>No space left</source>
+        <translation>No space left</translation>
     </message>
 </context>
 <context>

@@ -305,6 +305,14 @@
         <translation>跟踪渲染农场的变化</translation>
     </message>
     <message>
+        <source>Loading the space on the farm</source>
+        <translation>加载渲染农场空间</translation>
+    </message>
+    <message>
+        <source>Removing unneeded files</source>
+        <translation>移除不需要的文件</translation>
+    </message>
+    <message>
         <source>Changing the priority of a job</source>
         <translation>更改作业的优先级</translation>
     </message>
@@ -1230,6 +1238,10 @@
         <source>QuillStar logo</source>
         <translation>QuillStar 标志</translation>
     </message>
+    <message>
+        <source>Space on the farm</source>
+        <translation>渲染农场空间</translation>
+    </message>
 </context>
 <context>
     <name>SceneIntake</name>
@@ -1545,6 +1557,169 @@
     </message>
 </context>
 <context>
+    <name>SpaceControl</name>
+    <message>
+        <source>Delete 1 job and free up to %1 of your space on the farm?</source>
+        <translation>删除 1 个作业，最多释放您在渲染农场上的 %1 空间？</translation>
+    </message>
+    <message>
+        <source>Delete %1 jobs and free up to %2 of your space on the farm?</source>
+        <translation>删除 %1 个作业，最多释放您在渲染农场上的 %2 空间？</translation>
+    </message>
+    <message>
+        <source>Their pictures there (%1) are deleted, too.</source>
+        <translation>渲染农场上的图片（%1）也会一并删除。</translation>
+    </message>
+    <message>
+        <source>Jobs that have not ended yet: %1.</source>
+        <translation>尚未结束的作业：%1。</translation>
+    </message>
+    <message>
+        <source>Space on the farm</source>
+        <translation>渲染农场空间</translation>
+    </message>
+    <message>
+        <source>The server&apos;s answer cannot be read.</source>
+        <translation>无法读取服务器的响应。</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Remove %1 of files that no job needs? Scenes that use them have to send them again.</source>
+        <translation>移除已没有作业需要的 %1 文件？使用它们的场景需要重新发送这些文件。</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>移除</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+</context>
+<context>
+    <name>SpaceDialog</name>
+    <message>
+        <source>%1 of %2 used</source>
+        <translation>已使用 %1，共 %2</translation>
+    </message>
+    <message>
+        <source>Asking the farm…</source>
+        <translation>正在向渲染农场查询…</translation>
+    </message>
+    <message>
+        <source>Check the jobs that you no longer need.</source>
+        <translation>请勾选不再需要的作业。</translation>
+    </message>
+    <message>
+        <source>No job has files on the farm.</source>
+        <translation>没有作业在渲染农场上存有文件。</translation>
+    </message>
+    <message>
+        <source>Checked: %1 (files %2, pictures %3)</source>
+        <translation>已勾选：%1（文件 %2，图片 %3）</translation>
+    </message>
+    <message>
+        <source>Unfinished uploads take %1 of it.</source>
+        <translation>其中未完成的上传占用 %1。</translation>
+    </message>
+    <message>
+        <source>No job needs %1 of it.</source>
+        <translation>其中 %1 已没有作业需要。</translation>
+    </message>
+    <message>
+        <source>Finished pictures take %1 more, which do not count.</source>
+        <translation>完成的图片另占 %1，不计入空间。</translation>
+    </message>
+</context>
+<context>
+    <name>SpaceForm</name>
+    <message>
+        <source>Space on the farm</source>
+        <translation>渲染农场空间</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Used space</source>
+        <translation>已用空间</translation>
+    </message>
+    <message>
+        <source>Jobs, the largest files first</source>
+        <translation>作业，文件最大的在前</translation>
+    </message>
+    <message>
+        <source>Jobs with files on the farm</source>
+        <translation>在渲染农场上存有文件的作业</translation>
+    </message>
+    <message>
+        <source>Space checks a job, Delete deletes the checked ones.</source>
+        <translation>空格键勾选作业，Delete 键删除已勾选的作业。</translation>
+    </message>
+    <message>
+        <source>Remove unneeded files</source>
+        <translation>移除不需要的文件</translation>
+    </message>
+    <message>
+        <source>Removes the files that no job needs</source>
+        <translation>移除没有作业需要的文件</translation>
+    </message>
+    <message>
+        <source>Delete jobs</source>
+        <translation>删除作业</translation>
+    </message>
+    <message>
+        <source>Deletes the checked jobs, after a question</source>
+        <translation>询问后删除已勾选的作业</translation>
+    </message>
+</context>
+<context>
+    <name>SpaceModel</name>
+    <message>
+        <source>Sequence</source>
+        <translation>序号</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>状态</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>文件</translation>
+    </message>
+    <message>
+        <source>Pictures</source>
+        <translation>图片</translation>
+    </message>
+</context>
+<context>
+    <name>SpaceOffer</name>
+    <message>
+        <source>Space on the farm</source>
+        <translation>渲染农场空间</translation>
+    </message>
+    <message>
+        <source>The files of these scenes would exceed your space on the farm. Show what takes the space?</source>
+        <translation>这些场景的文件会超出您在渲染农场上的空间。是否查看空间的占用情况？</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Show</source>
+        <translation>查看</translation>
+    </message>
+</context>
+<context>
     <name>SubmitQueue</name>
     <message>
         <source>The list of submissions could not be read. It is kept as %1, and a new list has begun.</source>
@@ -1568,6 +1743,10 @@
     <message>
         <source>Submission failed</source>
         <translation>提交失败</translation>
+    </message>
+    <message>
+        <source>No space left</source>
+        <translation>空间不足</translation>
     </message>
 </context>
 <context>

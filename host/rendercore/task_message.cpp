@@ -7,6 +7,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
+
 namespace {
 
 // A sentence is stored as an array of its source and its arguments, words as a string, the rest as objects.
@@ -93,6 +95,13 @@ TaskMessage TaskMessage::Lines(const QVector<TaskMessage>& lines)
             message.m_parts.append(line);
     }
     return message;
+}
+
+bool TaskMessage::HasFault(int status) const
+{
+    return (m_kind == Kind::Fault && m_fault.status == status)
+        || std::any_of(m_parts.cbegin(), m_parts.cend(),
+            [status](const TaskMessage& part) { return part.HasFault(status); });
 }
 
 bool TaskMessage::IsEmpty() const

@@ -30,6 +30,9 @@ public:
 
     bool IsEmpty() const;
 
+    /// @return whether this message, or a part of it, is a fault of this status.
+    bool HasFault(int status) const;
+
     /// @return plain text.
     QString Text() const;
     static QStringList Texts(const QVector<TaskMessage>& messages);

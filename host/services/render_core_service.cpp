@@ -8,6 +8,8 @@
 #include "host/settings/setting_keys.h"
 #include "vtr_settingsinterface.h"
 
+#include <algorithm>
+
 RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface* settings, QObject* parent)
     : ServiceBase<VTRenderCoreInterface>(parent)
     , m_settings(settings)
@@ -17,7 +19,7 @@ RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface*
     connect(&m_submissions, &SubmitQueue::ListChanged, this, &VTRenderCoreInterface::SubmitListChanged);
     connect(&m_submissions, &SubmitQueue::Notice, this, &RenderCoreService::Notice);
     connect(&m_submissions, &SubmitQueue::SceneRefused, this, &RenderCoreService::SceneRefused);
-    connect(&m_submissions, &SubmitQueue::UploadFailed, this, &VTRenderCoreInterface::failFile);
+    connect(&m_submissions, &SubmitQueue::UploadFailed, this, &RenderCoreService::HandleUploadFailure);
     connect(&m_submissions, &SubmitQueue::TexturesLacking, this, &VTRenderCoreInterface::lackedTexture);
     m_submissions.SetArgumentsCheck(
         [this] { return m_settings->Value(SettingKeys::OfAccount(m_userName, "setargument"), 0).toBool(); });
@@ -123,6 +125,27 @@ void RenderCoreService::StopSubmitTasks()
 void RenderCoreService::ResumeSubmitTasks()
 {
     m_submissions.ResumeAll();
+}
+
+void RenderCoreService::HandleUploadFailure(const QString& id, const QStringList& files)
+{
+    if (SubmitRules::LacksSpace(Task(id)))
+        emit SpaceLacking(id);
+    else
+        emit failFile(id, files);
+}
+
+QStringList RenderCoreService::TasksWithoutSpace() const
+{
+    QStringList ids = m_submissions.Ids();
+    ids.erase(std::remove_if(ids.begin(), ids.end(),
+                  [this](const QString& id) {
+                      const SubmitTask& task = Task(id);
+                      return SubmitRules::QuestionOf(task) != SubmitRules::Question::RetryUpload
+                          || !SubmitRules::LacksSpace(task);
+                  }),
+        ids.end());
+    return ids;
 }
 
 /// @return an empty task for an unknown id.

@@ -47,6 +47,9 @@ public:
     /// Says in a few words why a local task stands still; empty where the name of its stage is enough.
     QString HaltText(const QString& id) const;
 
+    /// The tasks that wait for an answer to SpaceLacking(), which UploadRetryAnswer() gives.
+    QStringList TasksWithoutSpace() const;
+
     /// Tells the window where a page of a long list begins.
     Q_INVOKABLE QString DownloadTaskIdAt(int index) const { return m_downloads.IdAt(index); }
 
@@ -84,6 +87,9 @@ signals:
     /// @param reason a sentence for the user.
     void SceneRefused(const QString& sceneFile, const QString& reason);
 
+    /// The files of a task would exceed the account's space on the farm. The window does not ask about them.
+    void SpaceLacking(const QString& id);
+
 public slots:
     /// Removes all finished downloads from the list. Their files stay.
     void ClearFinishedDownloads();
@@ -99,6 +105,7 @@ public slots:
 
 private:
     void UpdateAccess();
+    void HandleUploadFailure(const QString& id, const QStringList& files);
     const SubmitTask& Task(const QString& id) const;
 
     VTSettingsInterface* m_settings;

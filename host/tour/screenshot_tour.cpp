@@ -75,6 +75,7 @@ ScreenshotTour::ScreenshotTour(const QString& folder, ClientHost* host)
     PlanTab(0, {});
     PlanFrames();
     PlanConnection();
+    PlanSpace();
     PlanDialog(QStringLiteral("btnSearchJob"), QStringLiteral("search"));
     PlanParents();
     PlanDialog(QStringLiteral("btnOkSetParent"), QStringLiteral("set-parent"));
@@ -245,6 +246,23 @@ void ScreenshotTour::PlanConnection()
             QWidget* form = FindForm(QStringLiteral("btnTryAgain"));
             Save(form, QStringLiteral("connection"));
             form->close();
+        }});
+}
+
+/// Opens the space that the account takes on the farm as a click on the account's button does.
+void ScreenshotTour::PlanSpace()
+{
+    const auto jobs = [] {
+        const QWidget* form = FindForm(QStringLiteral("tbvJobs"));
+        return form ? form->findChild<QTableView*>(QStringLiteral("tbvJobs")) : nullptr;
+    };
+    m_steps.push_back({QStringLiteral("the account"), [] { return FindMainForm() != nullptr; },
+        [] { FindMainForm()->findChild<QPushButton*>(QStringLiteral("btnSpace"))->click(); }});
+    m_steps.push_back({QStringLiteral("the space on the farm"),
+        [jobs] { return jobs() && jobs()->isVisible() && jobs()->model()->rowCount() > 0; },
+        [this, jobs] {
+            Save(jobs()->window(), QStringLiteral("space"));
+            jobs()->window()->close();
         }});
 }
 

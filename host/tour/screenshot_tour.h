@@ -41,6 +41,7 @@ private:
     void PlanParents();
     void PlanFrames();
     void PlanConnection();
+    void PlanSpace();
     void PlanDialog(const QString& childName, const QString& name);
     void PlanModal(const QString& name, const std::function<void()>& open);
     void PlanMenu();

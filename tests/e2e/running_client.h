@@ -82,6 +82,7 @@ public:
         return error;
     }
 
+    void Submit(const QStringList& scenes) { m_client->Activate(scenes); }
     void Stop() { m_client.reset(); }
 
 private:

@@ -216,7 +216,7 @@ private slots:
     void WalksThroughDialogsInReadingOrder()
     {
         for (const char* key :
-            {"configuration", "connection", "inputdialog", "search", "setargument", "setparent"}) {
+            {"configuration", "connection", "inputdialog", "search", "setargument", "setparent", "space"}) {
             const std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr."_s + QLatin1String(key), nullptr));
             form->show();
             QVector<std::pair<int, int>> places;
@@ -233,8 +233,9 @@ private slots:
     /// Their buttons stay in view while the rest scrolls, and their columns fill their tables.
     void FitsDialogsOnSmallScreens()
     {
-        for (const auto& [key, name] : {std::pair("configuration", "btnOk"), {"connection", "btnOk"},
-                 {"inputdialog", "btnOk"}, {"search", "btnSearchJob"}, {"setparent", "btnOkSetParent"}}) {
+        for (const auto& [key, name] :
+            {std::pair("configuration", "btnOk"), {"connection", "btnOk"}, {"inputdialog", "btnOk"},
+                {"search", "btnSearchJob"}, {"setparent", "btnOkSetParent"}, {"space", "btnOk"}}) {
             const std::unique_ptr<QWidget> form(m_loader->LoadUi("com.vtr."_s + QLatin1String(key), nullptr));
             FitScreen(form.get(), {640, 360});
             form->show();

@@ -1,5 +1,6 @@
 #include "host/rendercore/submit/submit_rules.h"
 
+#include "host/farmclient/farm_numbers.h"
 #include "host/rendercore/submit/submit_arguments.h"
 #include "host/rendercore/submit/submit_text.h"
 
@@ -45,6 +46,13 @@ Question QuestionOf(const SubmitTask& task)
     return AwaitsMissingFiles(task) ? Question::AcceptMissingFiles : Question::None;
 }
 
+bool LacksSpace(const SubmitTask& task)
+{
+    // A full disk of the farm halts no task: it is tried again.
+    return (task.error == SubmitError::UploadRefused || task.error == SubmitError::GivenUp)
+        && task.message.HasFault(HttpStatus::InsufficientStorage);
+}
+
 bool MustAskFirst(const SubmitTask& task)
 {
     return task.next == SubmitStage::CopySame && !task.work.missing.isEmpty() && !task.goesOnWithout;
@@ -64,6 +72,8 @@ QString HaltText(const SubmitTask& task)
         return QCoreApplication::translate("SubmitRules", "Check arguments");
     if (task.error == SubmitError::Stopped)
         return QCoreApplication::translate("SubmitRules", "Paused");
+    if (LacksSpace(task))
+        return QCoreApplication::translate("SubmitRules", "No space left");
     if (task.error != SubmitError::None && task.stage == SubmitStage::Submit)
         return QCoreApplication::translate("SubmitRules", "Submission failed");
     return {};

@@ -11,6 +11,9 @@ enum class Question { None, RetryUpload, AcceptMissingFiles };
 /// The question that a halted task waits for.
 Question QuestionOf(const SubmitTask& task);
 
+/// Whether the upload of the task's files was refused because they would exceed the account's space on the farm.
+bool LacksSpace(const SubmitTask& task);
+
 /// Whether the user has to be asked about missing files before the farm learns anything of the task.
 bool MustAskFirst(const SubmitTask& task);
 
