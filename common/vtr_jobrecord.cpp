@@ -6,14 +6,14 @@
 
 VTJobRecord VTJobRecord::FromMap(const QVariantMap& mapJob)
 {
-    const auto Text = [&mapJob](const char* szKey) { return mapJob.value(QLatin1String(szKey)).toString(); };
+    const auto Text = [&mapJob](const QString& strKey) { return mapJob.value(strKey).toString(); };
     VTJobRecord job;
-    job.strSequence = Text("job_increasement");
-    job.strId = Text("job_id");
-    job.strType = Text("job_type");
-    job.strName = Text("job_name");
-    job.strSubmitTime = Text("job_submit_time");
-    job.strCost = QString(Text("job_cost") + Text("job_cost_unit"));
+    job.strSequence = Text(QStringLiteral("job_increasement"));
+    job.strId = Text(QStringLiteral("job_id"));
+    job.strType = Text(QStringLiteral("job_type"));
+    job.strName = Text(QStringLiteral("job_name"));
+    job.strSubmitTime = Text(QStringLiteral("job_submit_time"));
+    job.strCost = QString(Text(QStringLiteral("job_cost")) + Text(QStringLiteral("job_cost_unit")));
     job.nProgress = mapJob.value(QStringLiteral("job_progress")).toInt();
     job.nStatus = mapJob.value(QStringLiteral("job_status")).toInt();
     return job;

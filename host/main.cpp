@@ -10,6 +10,7 @@
 #include <QFileInfo>
 
 #include <cstdio>
+#include <limits>
 #include <memory>
 
 namespace {
@@ -37,6 +38,8 @@ int main(int argc, char* argv[])
         return options.Parse(QCoreApplication::arguments(), &error) ? 0 : Fail(error);
     }
 
+    // Qt looks at the network interfaces every ten seconds for a feature that the client does not use.
+    qputenv("QT_BEARER_POLL_TIMEOUT", QByteArray::number(std::numeric_limits<int>::max()));
     QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("QuillStar Client"));
     QApplication::setQuitOnLastWindowClosed(false);
