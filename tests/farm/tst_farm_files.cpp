@@ -86,6 +86,10 @@ private slots:
         m_farm->Start(ScriptedTypes(Copying));
         EVENTUALLY_COMPARE(m_farm->Status(id), JobStatus::Finished);
         QCOMPARE(ReadFile(folder + "/frame_0001.txt"_s), QByteArray("early"));
+        // The database keeps the end of a log whose file is gone.
+        QVERIFY(QFile::remove(folder + "/logs/frame_0001.txt"_s));
+        m_farm->data.Change("INSERT INTO frame_logs VALUES (1, 1, 'the end')");
+        QCOMPARE(m_farm->Get("/jobs/%1/frames/1/full-log"_s.arg(id)).bytes, QByteArray("the end"));
     }
 
     void ARunningJobIsFreedOnceItsRendererIsGone()

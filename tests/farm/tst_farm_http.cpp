@@ -2,6 +2,7 @@
 #include "farm/base/local_time.h"
 #include "farm/http/client_address.h"
 #include "tests/farm/farm_at_work.h"
+#include "tests/farm/package_fixture.h"
 
 using namespace farm;
 
@@ -255,6 +256,17 @@ private slots:
         const auto socket = m_farm.SendRaw("GET /metrics HTTP/1.1\r\n\r\n");
         QVERIFY(QTest::qWaitFor([&] { return socket->state() == QTcpSocket::UnconnectedState; }, Patience));
         QVERIFY(socket->readAll().contains("\nquillstar_jobs{status=\"waiting\"} 1\n"));
+    }
+
+    void AnnouncesThatASubmissionChangesTheList()
+    {
+        FarmAtWork farm;
+        farm.Start(R"({"povray":{"program":"no-such-renderer","suffix":"txt"}})");
+        const auto events = farm.Listen();
+        EVENTUALLY(events->peek(10000).contains("\n:\n"));
+        farm.Deliver(Package(PlainFiles));
+        const QString id = farm.Post("/jobs"_s, SubmissionOf(PlainFiles)).Data("job_id").toString();
+        EVENTUALLY(events->peek(10000).contains("[\"" + id.toLatin1() + "\"],\"list\":true"));
     }
 
     void AnnouncesChangesToTheirAccountAlone()
