@@ -16,7 +16,7 @@ struct RenderNode
     QString name;
     /// In words, such as "partly allocated".
     QString state;
-    /// What else is known about its state, such as "not responding"; mostly empty.
+    /// Further words about its state, such as "not responding"; mostly empty.
     QString detail;
     /// Why the cluster does not use it; mostly empty.
     QString reason;
@@ -32,7 +32,7 @@ struct NodeReport
     QString fault;
 };
 
-/// What a cluster last reported about its nodes. Thread-safe.
+/// The last report of a cluster about its nodes. Thread-safe.
 class NodeBoard : public QObject
 {
     Q_OBJECT

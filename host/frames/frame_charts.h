@@ -5,7 +5,7 @@
 class FrameModel;
 struct SpendingAnswer;
 
-/// What the chart of the frames window can show.
+/// The charts that the frames window can show.
 namespace FrameCharts {
 
 /// The rendering times of the finished frames.

@@ -39,7 +39,7 @@ void PriorityField::Show(int priority)
     if (m_sent || m_settled.isActive())
         return;
     m_field->setEnabled(true);
-    // What the user is typing stays as long as the farm's value does.
+    // A value that is being typed stays as long as the farm's does.
     if (m_known != priority)
         Set(priority);
     m_known = priority;

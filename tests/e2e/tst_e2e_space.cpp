@@ -33,7 +33,7 @@ QString WriteScene(const QString& folder, const QString& name, quint32 seed)
 
 } // namespace
 
-/// What an account holds on the farm, with the whole client.
+/// An account's space on the farm, with the whole client.
 class TestE2eSpace : public QObject
 {
     Q_OBJECT

@@ -176,7 +176,7 @@ private slots:
         QTest::keyClick(field, Qt::Key_Down);
         EVENTUALLY_COMPARE(follower.Text("lblTrouble"), "no & such job."_s);
         QCOMPARE(field->value(), 7);
-        // What was entered last is sent even if the window closes, and a farm without priorities shows no field.
+        // The last entry is sent even if the window closes, and a farm without priorities shows no field.
         field->setValue(-100);
         follower.window.Form()->close();
         EVENTUALLY_COMPARE(changes().size(), 3);
