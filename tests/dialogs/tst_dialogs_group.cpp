@@ -27,6 +27,9 @@ private slots:
         QCOMPARE(Project()->text(), "beta"_s);
         QVERIFY(!Sent("conditions").isValid());
         for (const int row : {0, 1}) {
+            const QListWidgetItem* item = m_groups->item(row);
+            QCOMPARE(item->data(Qt::UserRole).toStringList().join(","_s), row == 0 ? QString() : "g1,g\"2"_s);
+            QCOMPARE(item->toolTip(), item->text());
             emit m_groups->itemClicked(m_groups->item(row));
             QCOMPARE(Condition(), row == 0 ? "abcdefg"_s : "g1,g\"2"_s);
         }
@@ -54,6 +57,7 @@ private slots:
         WriteAccountFile("Data"_s, "[jobgroup]\nfilm=g2, g1\n");
         emit m_groups->itemClicked(m_groups->item(0));
         QCOMPARE(Condition(), "g2,g1"_s);
+        QCOMPARE(m_groups->item(0)->data(Qt::UserRole).toStringList(), QStringList({"g2"_s, "g1"_s}));
         QCOMPARE(Project()->text(), "film"_s);
         QCOMPARE(CurrentProject(), QVariant("film"_s));
     }
@@ -68,6 +72,33 @@ private slots:
         QCOMPARE(Listed(), "B,A"_s);
         m_client->SignIn();
         QCOMPARE(Listed(), "A,B"_s);
+    }
+
+    void OpensItsPagesInTheHeightOfTheForm()
+    {
+        m_client->SignIn();
+        auto* pages = m_client->Form()->findChild<QToolBox*>();
+        const auto* panel = m_client->Find<QWidget>("wgtGroup"_s);
+        QCOMPARE(pages->currentIndex(), 0);
+        QCOMPARE(pages->height(), 290);
+        for (const int height : {700, 800}) {
+            pages->setCurrentIndex(0);
+            m_client->Form()->resize(1200, height);
+            pages->setCurrentIndex(1);
+            QCOMPARE(panel->height(), height - panel->y() - 60);
+            QCOMPARE(pages->height(), panel->height() - 10);
+        }
+        QVERIFY(pages->y() < 20);
+    }
+
+    void OffersItsMenuOverTheGroupsOnly()
+    {
+        m_client->SignIn();
+        QCOMPARE(MenuOf(m_groups), "Add,Delete"_s);
+        for (const int page : {0, 1}) {
+            m_client->Form()->findChild<QToolBox*>()->setCurrentIndex(page);
+            QCOMPARE(MenuOf(m_client->Form()->findChild<QToolBox*>()), QString());
+        }
     }
 
     void ReportsAFailedWrite()

@@ -22,6 +22,7 @@ private slots:
     void TurnsEachFieldIntoACondition()
     {
         DeliverProjects(200, {{"project_name"_s, "Film"_s}, {"project_pool"_s, " 77 "_s}});
+        DeliverProjects(500, {{"project_name"_s, "None"_s}});
         UpdateForm();
         Find<QLineEdit>("search", "lneJobId")->setText(" 12 "_s);
         Find<QLineEdit>("search", "lneJobName")->setText("shot "_s);
@@ -70,13 +71,40 @@ private slots:
         QVERIFY(!Sent("conditions").isValid());
     }
 
-    void ResetsItsFields()
+    void ClearsItsFields()
     {
-        Find<QLineEdit>("search", "lneJobName")->setText("1"_s);
-        Choices("JobStatus")->setCurrentIndex(3);
-        Click("search", "btnReset");
-        Click("search", "btnSearchJob");
-        QVERIFY(!Sent("conditions").isValid());
+        for (const bool isReset : {true, false}) {
+            Find<QLineEdit>("search", "lneJobId")->setText("1"_s);
+            Find<QLineEdit>("search", "lneJobName")->setText("1"_s);
+            for (const char* what : {"JobType", "JobStatus", "ProjectName", "BusinessType"}) {
+                Choices(what)->addItem("chosen"_s, "1"_s);
+                Choices(what)->setCurrentText("chosen"_s);
+            }
+            if (isReset)
+                Click("search", "btnReset");
+            else
+                UpdateForm();
+            Click("search", "btnSearchJob");
+            QVERIFY(!Sent("conditions").isValid());
+        }
+    }
+
+    void EnablesTheTimesOfARange()
+    {
+        const auto Enabled = [this] {
+            QString enabled;
+            for (const char* range : {"start", "end"}) {
+                for (const char* bound : {"Lower", "Upper"})
+                    enabled += QString::number(int(Time(range, bound)->isEnabled()));
+            }
+            return enabled;
+        };
+        QCOMPARE(Enabled(), "0000"_s);
+        Range("start")->setChecked(true);
+        QCOMPARE(Enabled(), "1100"_s);
+        Range("end")->setChecked(true);
+        Range("start")->setChecked(false);
+        QCOMPARE(Enabled(), "0011"_s);
     }
 
 private:

@@ -102,6 +102,30 @@ private slots:
         QCOMPARE(TakeJournal(), QString());
     }
 
+    void StacksTheRowsOfItsGroups()
+    {
+        for (const int groups : {1, 15, 3}) {
+            OpenOn(Groups(groups), [this, groups] {
+                int bottom = 0;
+                const auto Bottom = [](const QWidget* widget) { return widget->y() + widget->height(); };
+                for (int i = 0; i < 15; ++i) {
+                    const auto* row = Form("setargument")->findChild<QWidget*>("wgtFrameRange_%1"_s.arg(i));
+                    QCOMPARE(row->isVisible(), i < groups);
+                    QVERIFY(i == 0 || !row->isVisible() || row->y() == bottom);
+                    bottom = row->isVisible() ? Bottom(row) : bottom;
+                }
+                int gap = 0;
+                for (const char* below : {"wgtImageSize", "chkPrerender", "btnOk"}) {
+                    QCOMPARE(Find<QWidget>("setargument", below)->y(), bottom + gap);
+                    bottom = Bottom(Find<QWidget>("setargument", below));
+                    gap = 20;
+                }
+                QCOMPARE(Form("setargument")->height(), bottom + gap);
+                Click("setargument", "btnClose");
+            });
+        }
+    }
+
     void LeavesAnotherTaskInTheRowAlone()
     {
         OpenOn(Groups(1), [this] {

@@ -44,6 +44,7 @@ private slots:
             Cells(Candidates(), 0), "7|id-7, <b>shot</b>|type-7, time-7|, 50%, Pause|2, 7.5RMB|7.5RMB"_s);
         QCOMPARE(Jobs()->rowCount(), 0);
         QVERIFY(Candidates()->item(0, 1)->toolTip().contains("&lt;b&gt;"_s));
+        QCOMPARE(Alignments(Candidates(), 0), "--c-cc"_s);
     }
 
     void GivesRowsTheirBarsInView()

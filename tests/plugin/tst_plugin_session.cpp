@@ -15,6 +15,10 @@ constexpr int UserInfoInterval = 30000;
 const QPair<const char*, int> Translated[]
     = {{"qsclient", 64}, {"setargument", 19}, {"setparent", 7}, {"search", 12}, {"inputdialog", 4}};
 
+/// Modal dialogs, and the menu entries that open them.
+const std::tuple<const char*, const char*> Dialogs[]
+    = {{"setargument", "Set argument"}, {"inputdialog", "Add"}};
+
 const char* const Tables[] = {"twtMyRender", "twtLocalTask", "twtDownload"};
 
 /// Marks every translated text.
@@ -56,6 +60,7 @@ private slots:
         const QVariant server = Settings().value("vtr.web/currentserver"_s);
         QCOMPARE(login.value(0), (QVariantList {server, "login-ann"_s, "token-ann"_s, "ann"_s}));
         QCOMPARE(Label("lblUserName")->text(), "login-ann"_s);
+        QCOMPARE(Label("lblVersionV")->text(), "4.5.6"_s);
         QVERIFY(m_client->Tick(JobListInterval));
         QCOMPARE(TakeJournal(), "GetJobList"_s);
     }
@@ -195,6 +200,27 @@ private slots:
         QCOMPARE(Jobs()->rowCount(), 2);
     }
 
+    void ClosesItsDialogs_data() { AddRows(Dialogs); }
+    void ClosesItsDialogs()
+    {
+        const auto& [form, action] = Row(Dialogs);
+        m_client->SignIn();
+        RenderCore().tasks.append({"t1"_s, "/scene.ma"_s});
+        emit RenderCore().SubmitListChanged();
+        Tasks()->setCurrentCell(0, 0);
+        bool isOpen = false;
+        bool isClosed = false;
+        WhileOpen(form, [&, key = form] {
+            isOpen = Form(key)->isVisible();
+            emit Communication().SignOutResponse(200, {});
+            isClosed = !Form(key)->isVisible();
+        });
+        const auto menus = m_client->Form()->findChildren<QMenu*>();
+        QAction* entry = m_client->Entry(action);
+        (entry ? entry : menus.at(0)->actions().at(0))->trigger();
+        QVERIFY(isOpen && isClosed);
+    }
+
     void TogglesBetweenTheLanguages()
     {
         for (int click = 0; click < 2; ++click)
@@ -218,7 +244,10 @@ private slots:
         for (const auto& [table, column] : {std::pair(Jobs(), 4), {Tasks(), 2}, {Downloads(), 4}})
             QVERIFY(Values(table, column).value(0).startsWith("~"_s));
         QVERIFY(m_client->Entry("~Download") && m_client->Entry("~Continue submit"));
-        QCOMPARE(m_client->uiLoader.trayMenu.actions().constLast()->text(), "~Quit"_s);
+        const QList<QAction*> entries = m_client->uiLoader.trayMenu.actions();
+        QCOMPARE(entries.at(3)->text(), "~Quit"_s);
+        QVERIFY(entries.at(2)->text().startsWith("~stand-in"_s));
+        QCOMPARE(TrayIcon()->toolTip(), "~Quillstar Client"_s);
 
         // The status filter sends the status code in any language.
         auto* filters = m_client->Form()->findChildren<QListWidget*>().at(0);

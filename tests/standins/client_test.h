@@ -120,6 +120,17 @@ protected:
         }
         return cells.join(", "_s);
     }
+    /// The alignment of each cell of a row: "c" centred both ways, "-" not set or no item, "?" any other.
+    static QString Alignments(const QTableWidget* table, int row)
+    {
+        QString alignments;
+        for (int column = 0; column < table->columnCount(); ++column) {
+            const QTableWidgetItem* item = table->item(row, column);
+            const QVariant alignment = item ? item->data(Qt::TextAlignmentRole) : QVariant();
+            alignments += !alignment.isValid() ? "-"_s : alignment == int(Qt::AlignCenter) ? "c"_s : "?"_s;
+        }
+        return alignments;
+    }
     /// A column from top to bottom.
     static QStringList Values(const QTableWidget* table, int column, int role = Qt::DisplayRole)
     {

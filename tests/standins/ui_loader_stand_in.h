@@ -50,8 +50,11 @@ public:
     {
         return m_menus.value(menu + subMenu);
     }
-    void LoadSkinSettings(const QString& /*file*/) override { }
-    void LayoutForm(QWidget* /*form*/, const QString& /*file*/) override { }
+    void LoadSkinSettings(const QString& file) override { layouts.append(file); }
+    void LayoutForm(QWidget* form, const QString& file) override
+    {
+        layouts.append(QString(form->objectName() + " by "_s + file));
+    }
 
     /// The form last built for a key; owned by the client, null once it is gone.
     QWidget* Form(const QString& key) const { return m_forms.value(key); }
@@ -62,6 +65,7 @@ public:
     QStringList leftOut;      ///< names of widgets that the forms lack; "*" stands for all
     QStringList missingForms; ///< keys that have no form
     QStringList loadedKeys;
+    QStringList layouts; ///< files of positions loaded, and "<form> by <file>" for each form laid out
     QMenu trayMenu;
     QMenu skinMenu;
     QMenu languageMenu;
