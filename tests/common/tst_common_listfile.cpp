@@ -4,6 +4,7 @@
 #include "tests/support/test_files.h"
 #include "tests/support/test_tables.h"
 
+#include <QLockFile>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -74,6 +75,54 @@ private slots:
         QVERIFY(file.Set("second"_s, "4"_s));
         QCOMPARE(Names(file), QStringList({"first"_s, "second"_s}));
         QCOMPARE(ReadFile(QString(m_path + ".damaged"_s)), text);
+    }
+
+    void KeepsEachDamageOnce()
+    {
+        const auto Copies
+            = [this] { return QFileInfo(m_path).dir().entryList({"*.damaged*"_s}).join(" "_s); };
+        const VTListFile file(m_path, "group"_s);
+        for (const char* text : {"[a\n", "[a\n", "[b\n"}) {
+            QVERIFY(WriteFile(m_path, text));
+            QVERIFY(QFile(m_path).exists() && file.Entries().isEmpty());
+            // The time of a file may be too coarse to tell two writes apart.
+            QFile written(m_path);
+            QVERIFY(written.open(QIODevice::ReadWrite));
+            QVERIFY(written.setFileTime(
+                QDateTime::currentDateTime().addDays(-1), QFileDevice::FileModificationTime));
+            written.close();
+            QVERIFY(file.Entries().isEmpty());
+        }
+        QCOMPARE(Copies(), "lists.ini.damaged lists.ini.damaged.2"_s);
+        // A file that can be read is not kept.
+        QVERIFY(WriteFile(m_path, "[group]\nname=1\n"));
+        QCOMPARE(Names(file), QStringList("name"_s));
+        QCOMPARE(Copies(), "lists.ini.damaged lists.ini.damaged.2"_s);
+    }
+
+    void RemovesWhatAKilledWriteLeft()
+    {
+        const QDateTime begin = QDateTime::currentDateTime().addDays(-1);
+        const auto Leave = [&](const char* suffix, int seconds) {
+            QFile file(QString(m_path + QLatin1String(suffix)));
+            return file.open(QIODevice::WriteOnly)
+                && file.setFileTime(begin.addSecs(seconds), QFileDevice::FileModificationTime);
+        };
+        QVERIFY(VTListFile(m_path, "group"_s).Set("name"_s, "1"_s));
+        for (const bool isLocked : {true, false}) {
+            // The files of another write, and one that QSettings does not name so, stay.
+            QVERIFY(Leave(".writing", 0) && Leave(".Aa1111", 0) && Leave(".Aa2222", 60)
+                && Leave(".Aa3333", -1) && Leave(".Aa4444", 61) && Leave(".old", 1));
+            QLockFile lock(QString(m_path + ".lock"_s));
+            QVERIFY(!isLocked || lock.tryLock(0));
+            const VTListFile file(m_path, "group"_s);
+            const QString left = QFileInfo(m_path).dir().entryList({"lists.ini.*"_s}).join(" "_s);
+            QCOMPARE(left,
+                isLocked
+                    ? "lists.ini.Aa1111 lists.ini.Aa2222 lists.ini.Aa3333 lists.ini.Aa4444 lists.ini.lock "
+                      "lists.ini.old lists.ini.writing"_s
+                    : "lists.ini.Aa3333 lists.ini.Aa4444 lists.ini.old"_s);
+        }
     }
 
     void ReportsAFailedWriteAndTriesAgain()

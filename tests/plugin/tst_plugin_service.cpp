@@ -217,6 +217,36 @@ private slots:
         QCOMPARE(m_client->Initialize(), 0);
     }
 
+    void StartsTheHostsOtherApplications()
+    {
+        ApplicationStandIn applications[3];
+        applications[0].failure = Failure::Initialize;
+        applications[1].failure = Failure::Throws;
+        m_client->Start();
+        for (ApplicationStandIn& application : applications)
+            m_client->Context()->registerService({"VTBaseAppInterface"_s}, &application);
+        QTest::ignoreMessage(QtWarningMsg, "An application of the host failed: the stand-in throws");
+        QVERIFY(m_client->Open());
+        QCOMPARE(m_client->Service()->Activate(1, {}), 0);
+        for (const ApplicationStandIn& application : applications) {
+            const QString start = application.failure == Failure::Throws ? "Initialize,Activate 1"_s
+                                                                         : "Initialize,Show,Activate 1"_s;
+            QCOMPARE(application.calls.join(","_s), start);
+        }
+        m_client.reset();
+    }
+
+    void OutlivesAServiceThatThrows()
+    {
+        m_client->renderCore.failure = Failure::Throws;
+        m_client->Start();
+        QTest::ignoreMessage(
+            QtCriticalMsg, QRegularExpression("could not be attached: the stand-in throws$"_s));
+        QCOMPARE(m_client->Initialize(), -1);
+        m_client->renderCore.failure = Failure::None;
+        QVERIFY(m_client->Open());
+    }
+
     void ListensOnceWhateverHappenedBefore()
     {
         m_client->leftOut = QStringList {"VTPreviewerInterface"_s};

@@ -1,4 +1,8 @@
 #include "tests/standins/client_test.h"
+#include "tests/support/waiting.h"
+
+#include <QDesktopServices>
+#include <QUrl>
 
 #include <random>
 
@@ -67,12 +71,30 @@ public:
     QVector<int> asked;
 };
 
+/// What the desktop is asked to open.
+class OpenedUrls : public QObject
+{
+    Q_OBJECT
+
+public:
+    QStringList urls;
+
+public slots:
+    void Open(const QUrl& url) { urls.append(url.toString()); }
+};
+
 /// The local submission tasks with their questions, and the downloads with the account's switches for them.
 class TestPluginTransfers : public ClientTest
 {
     Q_OBJECT
 
 private slots:
+    void initTestCase()
+    {
+        // The file manager of whoever runs the test is not asked.
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    }
+
     void AsksWhereAPageOfDownloadsBegins_data()
     {
         QTest::addColumn<bool>("isWrong");
@@ -332,6 +354,22 @@ private slots:
         QCOMPARE(Downloads()->rowCount(), 18);
         QVERIFY(m_client->Call("ClickedCell", 0, 1));
         QCOMPARE(MenuOf(Downloads()), "Open file path,Redownload"_s);
+    }
+
+    void OpensTheFolderOfTheCurrentFile()
+    {
+        OpenedUrls opened;
+        QDesktopServices::setUrlHandler("file"_s, &opened, "Open");
+        RenderCore().downloads
+            = {{"d1"_s, MakeDownload("/out//shot/frame.png"_s)}, {"d2"_s, MakeDownload(QString())}};
+        m_client->Tabs()->setCurrentIndex(2);
+        for (const int row : {-1, 1, 0}) {
+            Downloads()->setCurrentCell(row, 0);
+            m_client->Entry("Open file path")->trigger();
+        }
+        EVENTUALLY(!opened.urls.isEmpty());
+        QDesktopServices::unsetUrlHandler("file"_s);
+        QCOMPARE(opened.urls, QStringList("file:///out/shot"_s));
     }
 
     void FollowsTheSwitchesOfTheAccount()

@@ -7,12 +7,13 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <stdexcept>
 #include <utility>
 
 /// The recorded calls of all stand-ins, in order. A new `Client` empties it.
 inline QStringList journal;
 
-enum class Failure { None, Initialize, Show };
+enum class Failure { None, Initialize, Show, Throws };
 
 /// The life cycle of a stand-in service: succeeds unless told otherwise and records its calls.
 template <class Interface>
@@ -28,6 +29,8 @@ public:
     int Initialize(const QVariantMap& parameters) override
     {
         Called(parameters.contains("plugin_context"_s) ? "Initialize"_s : "Initialize without context"_s);
+        if (failure == Failure::Throws)
+            throw std::runtime_error("the stand-in throws");
         return failure == Failure::Initialize ? -1 : 0;
     }
     int Uninitialize() override { return Called("Uninitialize"_s); }
@@ -38,7 +41,10 @@ public:
         return failure == Failure::Show ? -1 : 0;
     }
     int Hide(const QVariant& request) override { return Called("Hide %1"_s.arg(request.toInt())); }
-    int Activate(const QVariant& /*request*/, const QVariantMap& /*parameters*/) override { return 0; }
+    int Activate(const QVariant& request, const QVariantMap& /*parameters*/) override
+    {
+        return Called("Activate %1"_s.arg(request.toInt()));
+    }
     int Close(const QVariant& /*request*/) override { return 0; }
 
     Failure failure = Failure::None;

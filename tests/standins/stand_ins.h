@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/standins/stand_in.h"
+#include "vtr_baseappinterface.h"
 #include "vtr_communicationinterface.h"
 #include "vtr_configurationinterface.h"
 #include "vtr_loggerinterface.h"
@@ -271,4 +272,11 @@ class PreviewerStandIn : public StandIn<VTPreviewerInterface>
 {
     Q_OBJECT
     Q_INTERFACES(VTPreviewerInterface)
+};
+
+/// Another application of the host.
+class ApplicationStandIn : public StandIn<VTBaseAppInterface>
+{
+    Q_OBJECT
+    Q_INTERFACES(VTBaseAppInterface)
 };
