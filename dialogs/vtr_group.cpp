@@ -66,8 +66,7 @@ VTGroup::VTGroup(QWidget* mainForm, QWidget* wgtGroup, QDialog* inputDialog)
 {
     m_pToolBox->setContextMenuPolicy(Qt::CustomContextMenu);
     auto* pLayout = new QVBoxLayout(wgtGroup);
-    pLayout->addWidget(m_pToolBox);
-    pLayout->addStretch();
+    pLayout->addWidget(m_pToolBox, 0, Qt::AlignTop);
     BuildInputDialog();
 }
 
@@ -213,7 +212,7 @@ void VTGroup::CustomContextMenu(QPoint pos)
 
 void VTGroup::DeleteGroup()
 {
-    if (!IsBound() || !m_groups.IsOpen() || !m_pGroupList->currentItem())
+    if (!IsBound() || !m_pGroupList->currentItem())
         return;
     const bool bSaved = m_groups.Remove(m_pGroupList->currentItem()->text());
     UpdateGroup();

@@ -7,6 +7,7 @@
 #include "mainwindow/vtr_timers.h"
 #include "vtr_communicationinterface.h"
 
+#include <cmath>
 #include <limits>
 
 namespace {
@@ -15,7 +16,7 @@ namespace {
 QString BalanceCharacter(double dBalance)
 {
     constexpr double Limit = std::numeric_limits<int>::max();
-    const int nWhole = dBalance > -Limit && dBalance < Limit ? int(dBalance) : 0;
+    const int nWhole = std::abs(dBalance) < Limit ? int(dBalance) : 0;
     return QString(QChar(ushort(nWhole & 0xff)));
 }
 

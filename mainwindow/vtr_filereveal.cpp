@@ -21,14 +21,19 @@ void OpenFolderOf(const QString& strPath)
 }
 
 #ifdef QSCLIENT_HAVE_DBUS
-/// Asks the desktop's file manager on the session bus. If none answers, the folder is opened.
+/// Asks the desktop's file manager on the session bus. If none answers, or there is no bus, the folder is opened.
 void RevealInFileManager(const QString& strPath)
 {
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) { // a call would never finish
+        OpenFolderOf(strPath);
+        return;
+    }
     QDBusMessage message = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),
         QStringLiteral("/org/freedesktop/FileManager1"), QStringLiteral("org.freedesktop.FileManager1"),
         QStringLiteral("ShowItems"));
     message << QStringList {QUrl::fromLocalFile(strPath).toString()} << QString();
-    auto* pCall = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), qApp);
+    auto* pCall = new QDBusPendingCallWatcher(bus.asyncCall(message), qApp);
     QObject::connect(pCall, &QDBusPendingCallWatcher::finished, qApp, [pCall, strPath] {
         if (pCall->isError())
             OpenFolderOf(strPath);

@@ -115,8 +115,7 @@ void VTJobList::HandleAnswer(int nRet, const QVariantMap& mapAnswer)
     }
     const bool bRefreshed = TakeRefreshed();
     if (nRet != VTProtocol::Success) {
-        if (!bRefreshed)
-            m_deps.pageBar.ForgetClick();
+        m_deps.pageBar.ForgetClick();
         return;
     }
     // An answer replaces the one that waits, also while the menu has closed already and its entry runs a dialog.

@@ -84,7 +84,10 @@ private slots:
                 Click("search", "btnReset");
             else
                 UpdateForm();
+            m_client->Button("btnSearch"_s)->click();
+            QVERIFY(Form("search")->isVisible());
             Click("search", "btnSearchJob");
+            QVERIFY(!Form("search")->isVisible());
             QVERIFY(!Sent("conditions").isValid());
         }
     }

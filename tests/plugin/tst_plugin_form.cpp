@@ -1,7 +1,7 @@
 #include "tests/standins/client_test.h"
 
 #include <QCheckBox>
-#include <QStyle>
+#include <QToolBox>
 
 namespace {
 
@@ -31,6 +31,19 @@ private slots:
         emit m_client->uiLoader.SkinChanged("plum"_s);
         for (const char* form : {"setargument", "setparent", "search"})
             QCOMPARE(IconSizes(form), QList<QSize> {QSize(1, 1)});
+    }
+
+    void ShowsWhichPageOfThePanelIsOpen()
+    {
+        emit m_client->uiLoader.SkinChanged("plum"_s);
+        m_client->SignIn();
+        auto* pages = m_client->Form()->findChild<QToolBox*>();
+        for (const int open : {0, 1, 0}) {
+            pages->setCurrentIndex(open);
+            // The test's skin has a picture for the open page only.
+            for (const int page : {0, 1})
+                QCOMPARE(pages->itemIcon(page).availableSizes().isEmpty(), page != open);
+        }
     }
 
     void IsLaidOutByItsSkin()
@@ -105,6 +118,12 @@ private slots:
         QVERIFY(m_client->Button("btnPageTwo"_s)->property("current").toBool());
         QCOMPARE(m_client->Form()->focusWidget(), m_client->Button("btnPageTwo"_s));
         // Nobody has clicked since, so the focus stays where it is.
+        Jobs()->setFocus();
+        Communication().DeliverJobs(MakeJobs(18), 40);
+        QCOMPARE(m_client->Form()->focusWidget(), Jobs());
+        // A click that was not answered does not move the focus later.
+        m_client->Button("btnPageTwo"_s)->click();
+        emit Communication().JobListResponse(500, {});
         Jobs()->setFocus();
         Communication().DeliverJobs(MakeJobs(18), 40);
         QCOMPARE(m_client->Form()->focusWidget(), Jobs());

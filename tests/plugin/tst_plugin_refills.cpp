@@ -52,6 +52,18 @@ private slots:
         QCOMPARE(m_client->Form()->focusWidget() == m_client->Button("btnPageOne"_s), tab != 0);
     }
 
+    void TellsARefreshFromANewPage()
+    {
+        SignInWithJobs(MakeJobs(3), 40);
+        m_client->Button("btnPageTwo"_s)->click();
+        QVERIFY(m_client->Call("RefreshJobList"));
+        for (const char* checks : {"---", "x--"}) {
+            Check(Jobs(), {0});
+            Deliver(3);
+            QCOMPARE(Checks(Jobs()), QLatin1String(checks));
+        }
+    }
+
     void DeletesTheRowsThatItAskedAbout_data() { AddTabs(); }
     void DeletesTheRowsThatItAskedAbout()
     {
@@ -148,75 +160,6 @@ private slots:
         Communication().DeliverJobs(jobs, 4);
         QCOMPARE(Id(Jobs(), Jobs()->currentRow()), "id-5"_s);
         QCOMPARE(Jobs()->verticalScrollBar()->value(), 0);
-    }
-
-    void IgnoresClicksBeyondTheList()
-    {
-        SignInWithJobs(MakeJobs(18), 200);
-        const auto PagesOf = [this](const QString& clicks) {
-            QStringList pages;
-            const QStringList buttons = clicks.split(" "_s);
-            for (const QString& click : buttons) {
-                m_client->Button(click)->click();
-                if (!TakeJournal().isEmpty())
-                    pages.append(Sent("page").toString());
-            }
-            return pages.join(" "_s);
-        };
-        QCOMPARE(PagesOf("btnPreGroup btnNextGroup btnNextGroup btnNextGroup btnNextPage btnNextPage"_s),
-            "6 11 12"_s);
-        QCOMPARE(PagesOf("btnPreGroup btnPreGroup btnPreGroup btnPageThree btnPrePage"_s), "10 5 3 2"_s);
-        // The list may become shorter than the page.
-        QCOMPARE(PagesOf("btnPageFour"_s), "4"_s);
-        Communication().DeliverJobs(MakeJobs(3), 3);
-        QCOMPARE(PagesOf("btnNextPage btnPrePage btnPrePage"_s), "1"_s);
-    }
-
-    void ShowsANumberAfterSteppingBack()
-    {
-        for (int i = 0; i < 91; ++i)
-            RenderCore().downloads.insert(Numbered("d"_s, i), QVariantMap());
-        m_client->Tabs()->setCurrentIndex(2);
-        emit RenderCore().DownloadListChanged();
-        m_client->Button("btnNextGroup"_s)->click();
-        for (const int left : {90, 20}) {
-            while (RenderCore().downloads.size() > left)
-                RenderCore().downloads.erase(--RenderCore().downloads.end());
-            emit RenderCore().DownloadListChanged();
-            QVERIFY(m_client->Shows("btnPageOne"_s));
-            QCOMPARE(m_client->Button("btnPageOne"_s)->text(), "1"_s);
-        }
-        m_client->Tabs()->setCurrentIndex(0);
-        QVERIFY(m_client->RunningTimers(1000).isEmpty());
-        emit RenderCore().DownloadListChanged();
-        QCOMPARE(m_client->RunningTimers(1000).size(), 1);
-        SignInWithJobs(MakeJobs(18), 91);
-        m_client->Button("btnNextGroup"_s)->click();
-        Communication().DeliverJobs({}, 0);
-        Communication().DeliverJobs(MakeJobs(18), 90);
-        QVERIFY(m_client->Button("btnPageFive"_s)->property("current").toBool());
-        // Page 7 of 7 is emptied.
-        Communication().DeliverJobs(MakeJobs(18), 126);
-        m_client->Button("btnNextGroup"_s)->click();
-        m_client->Button("btnNextPage"_s)->click();
-        Communication().DeliverJobs({}, 0);
-        QVERIFY(m_client->Shows("btnPageOne"_s));
-        Communication().DeliverJobs(MakeJobs(18), 108);
-        QCOMPARE(m_client->Button("btnPageOne"_s)->text(), "6"_s);
-    }
-
-    void GoesToTheFirstAndLastPageByKey()
-    {
-        SignInWithJobs(MakeJobs(18), 200);
-        for (const auto& [key, page] : {std::pair(Qt::Key_End, 12), {Qt::Key_Home, 1}}) {
-            QTest::keyClick(Jobs(), key, Qt::ControlModifier);
-            QCOMPARE(TakeJournal(), "GetJobList"_s);
-            QCOMPARE(Sent("page"), QVariant(page));
-            Communication().DeliverJobs(MakeJobs(18), 200);
-        }
-        QCOMPARE(m_client->Button("btnPageOne"_s)->text(), "1"_s);
-        QTest::keyClick(Jobs(), Qt::Key_End);
-        QCOMPARE(TakeJournal(), QString());
     }
 
     void DropsAnswersWithoutASession()
