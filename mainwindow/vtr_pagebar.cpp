@@ -18,7 +18,6 @@ void MarkCurrent(QPushButton* pButton, bool bCurrent)
         return;
     pButton->setProperty(CurrentProperty, bCurrent);
     // A style sheet does not follow a property by itself.
-    pButton->style()->unpolish(pButton);
     pButton->style()->polish(pButton);
 }
 

@@ -110,12 +110,16 @@ private slots:
 
     void MarksTheNumberOfThePage()
     {
+        m_client->Form()->setStyleSheet("QPushButton[current=\"true\"] { color: #ff0000; }"_s);
         SignInWithJobs(MakeJobs(18), 40);
         m_client->Button("btnPageTwo"_s)->click();
         Jobs()->setFocus();
         Communication().DeliverJobs(MakeJobs(18), 40);
         QVERIFY(!m_client->Button("btnPageOne"_s)->property("current").toBool());
         QVERIFY(m_client->Button("btnPageTwo"_s)->property("current").toBool());
+        for (const char* page : {"btnPageOne", "btnPageTwo"})
+            QCOMPARE(m_client->Button(QLatin1String(page))->palette().color(QPalette::ButtonText) == Qt::red,
+                QByteArray(page) == "btnPageTwo");
         QCOMPARE(m_client->Form()->focusWidget(), m_client->Button("btnPageTwo"_s));
         // Nobody has clicked since, so the focus stays where it is.
         Jobs()->setFocus();
