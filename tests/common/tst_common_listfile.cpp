@@ -109,6 +109,7 @@ private slots:
                 && file.setFileTime(begin.addSecs(seconds), QFileDevice::FileModificationTime);
         };
         QVERIFY(VTListFile(m_path, "group"_s).Set("name"_s, "1"_s));
+        QVERIFY(!QFile::exists(QString(m_path + ".writing"_s)));
         for (const bool isLocked : {true, false}) {
             // The files of another write, and one that QSettings does not name so, stay.
             QVERIFY(Leave(".writing", 0) && Leave(".Aa1111", 0) && Leave(".Aa2222", 60)
