@@ -295,8 +295,10 @@ private slots:
     {
         m_data->Change("UPDATE jobs SET message = 'Frame 7: no lamp'");
         AtWork work(*this);
+        const auto changes = m_data->feed.Subscribe(m_data->account);
         work.executor.hindrance = "the controller (slurmctld) does not answer"_s;
         work.scheduler.Nudge();
+        QVERIFY(changes->Wait(std::chrono::milliseconds(Patience))->list);
         QCOMPARE(m_data->Only().message, "The job waits: the controller (slurmctld) does not answer."_s);
         work.executor.hindrance.clear();
         work.scheduler.Nudge();
