@@ -7,7 +7,7 @@
 
 namespace farm {
 
-/// After this many failed attempts at a frame, the job fails.
+/// After this many failed attempts at a frame, its job passes the frame by and ends as failed.
 constexpr int AttemptsPerFrame = 3;
 
 /// The codes are part of the interface to clients. Whether a frame is being rendered is not recorded; see FramesInWork.
