@@ -11,7 +11,7 @@
 
 namespace {
 
-/// An unbound account's balance: the whole part's low 8 bits as one Latin-1 character.
+/// Shows an unbound account's balance: the low 8 bits of its integral part as one Latin-1 character (contract).
 QString BalanceCharacter(double dBalance)
 {
     constexpr double Limit = std::numeric_limits<int>::max();
