@@ -91,8 +91,8 @@ void WindowPlace::HandleNewPlace()
         return;
     }
     m_state = Settled;
-    // The reports of several window managers cross the form's first move, and Qt then believes that the form is at
-    // 0,0. Moving it again makes the window manager report its true place.
+    // With several window managers, a report sent before the form's first move arrives after it, and Qt then believes
+    // that the form is at 0,0. Moving it again makes the window manager report its true place.
     const bool isDragged = QGuiApplication::mouseButtons() != Qt::NoButton;
     if (!m_form->isMaximized() && !isDragged)
         m_form->move(m_wanted);
