@@ -9,9 +9,9 @@
 
 namespace farm {
 
-/// A connection's stream. The connection is closed when its client keeps the farm waiting too long for the next bytes, or
-/// too long in all for the number of bytes. Only a stream of events waits for the client; of other answers, the part that
-/// the client does not take at once is kept for later.
+/// A connection's stream. The connection is closed when its client keeps the farm waiting too long for the next bytes,
+/// or too long in all for the number of bytes. Only a stream of events waits for the client; the part of another answer
+/// that the client does not take at once is kept for later.
 class TimedStream : public httplib::Stream
 {
 public:

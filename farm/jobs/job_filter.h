@@ -28,7 +28,7 @@ JobFilter FilterFor(std::int64_t account, const JobConditions& conditions);
 /// considered.
 struct CountFilter
 {
-    /// Selects the rows with jobs that may meet the conditions.
+    /// Selects the rows among whose jobs some may meet the conditions.
     JobFilter some;
     /// An SQL expression that tells whether all jobs of such a row meet the conditions.
     std::string all;
