@@ -13,7 +13,7 @@ constexpr std::size_t FewCandidates = 1000;
 constexpr std::size_t MostAlone = 20'000; // jobs to check one by one; beyond it, reading all jobs is quicker
 // The index of names consists of these.
 constexpr int SequenceLength = 3; // characters
-constexpr int MostSequences = 32; // sequences to look up for a long text; more would rule out few further names
+constexpr int MostSequences = 32; // looked up for a long text; more would exclude few further names
 
 std::string KeyOf(const JobFilter& filter)
 {
