@@ -85,7 +85,7 @@ class Farm:
         return text
 
     def renderers(self):
-        """@return the processes that render on this machine, and those that look after them."""
+        """@return the processes that render on this machine, and those that watch over them."""
         found = []
         for folder in pathlib.Path("/proc").glob("[0-9]*"):
             try:
