@@ -170,7 +170,7 @@ void Farm::AnnounceOutsideChanges()
         if (m_feed.SubscriberCount() > 0 && m_database.WasChangedByOthers())
             m_feed.AnnounceToAll({{}, true, true});
     } catch (const std::exception& error) {
-        spdlog::error("changes of other processes cannot be noticed: {}", error.what());
+        spdlog::error("changes by other processes cannot be detected: {}", error.what());
     }
 }
 

@@ -300,7 +300,7 @@ CREATE TABLE data_mark(
     number INTEGER NOT NULL);
 )sql";
 
-// Why the jobs of a type wait: its renderer fails, or is not installed. The latter is found out anew at each start.
+// Why the jobs of a type wait: its renderer fails, or is not installed. The latter is checked again at each start.
 constexpr const char* MissingRenderers = R"sql(
 ALTER TABLE stopped_types ADD COLUMN missing INTEGER NOT NULL DEFAULT 0;
 )sql";

@@ -24,7 +24,7 @@ public:
     static TimedStream& Current();
     /// Makes writing wait for the client from now on.
     void WaitForClient() { m_waits = true; }
-    /// Queues a part of a file behind all that has been written.
+    /// Queues a part of a file after everything written so far.
     void LeaveFile(const std::shared_ptr<QFile>& file, std::int64_t offset, std::int64_t length);
     /// The bytes and the file that are still to be sent.
     const AnswerRest& Rest() const { return m_rest; }

@@ -24,7 +24,7 @@ struct JobFilter
 /// status.
 JobFilter FilterFor(std::int64_t account, const JobConditions& conditions);
 
-/// The same for the rows of `job_counts`, which stand for several jobs each; conditions on number, name and ids are not
+/// The same for the rows of `job_counts`, each of which counts several jobs; conditions on number, name and ids are not
 /// considered.
 struct CountFilter
 {

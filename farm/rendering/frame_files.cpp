@@ -160,8 +160,8 @@ void FrameFiles::RequireRoom() const
         throw storage::DiskError("the disk is full", ENOSPC);
 }
 
-/// Makes sure that the picture is no hard link to another file: the renderer could change both later, and the farm must
-/// not change the other file's permissions.
+/// Makes sure that the picture is not a hard link to another file: the renderer could change both later, and the farm
+/// must not change the other file's permissions.
 void FrameFiles::OwnAlone(const QString& picture)
 {
     struct stat info = {};

@@ -43,7 +43,7 @@ struct JobType
 
 using JobTypes = QMap<QString, JobType>;
 
-/// Reads a JSON file that maps names to job types. Throws std::runtime_error that says what is wrong with the file.
+/// Reads a JSON file that maps names to job types. Throws std::runtime_error, which says what is wrong with the file.
 JobTypes ReadJobTypes(const QString& path);
 
 /// Replaces placeholders with their values. Placeholders inside values are not replaced; unknown ones stay as they are.

@@ -220,7 +220,7 @@ FrameRunner::Verdict FrameRunner::JudgeStatus() const
         if (code == 0)
             return {};
         if (MissesLicence())
-            return {RunEnd::LicenceMissing, QStringLiteral("the renderer has got no licence")};
+            return {RunEnd::LicenceMissing, QStringLiteral("the renderer got no licence")};
         return {RunEnd::SceneFault, QStringLiteral("the renderer ended with code %1").arg(code)};
     }
     switch (WTERMSIG(status)) {

@@ -79,7 +79,8 @@ void WindowPlace::Place()
     m_settling.start();
     if (!m_settings || !m_settings->Value(SettingKeys::WindowMaximized, false).toBool())
         return;
-    // The button's slot also updates all that depends on the size. Queued, because the form's first events may delete it.
+    // The button's slot also updates everything that depends on the size. Queued, because the form's first events may
+    // delete it.
     if (auto* maximize = m_form->findChild<QPushButton*>(QStringLiteral("btnSystemMaxnormal")))
         QMetaObject::invokeMethod(maximize, "click", Qt::QueuedConnection);
 }

@@ -14,7 +14,7 @@ def absolute(path, block=None):
 
 
 def patterns():
-    """Paths that stand for several files, and how."""
+    """Paths that match several files, with the kind of each pattern."""
     kinds = {"SEQUENCE": "sequence", "TILED": "tiles"}
     for block in [*bpy.data.images, *bpy.data.movieclips]:
         if block.source in kinds:
