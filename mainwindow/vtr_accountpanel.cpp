@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Shows an unbound account's balance: the low 8 bits of its integral part as one Latin-1 character (contract).
+/// The balance of an unbound account as one Latin-1 character: the low 8 bits of its integral part.
 QString BalanceCharacter(double dBalance)
 {
     constexpr double Limit = std::numeric_limits<int>::max();
