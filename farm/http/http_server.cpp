@@ -28,8 +28,8 @@ constexpr std::size_t LargestBody = std::size_t {1024} * 1024; // bytes
 // ones, so that they never keep a request waiting.
 constexpr std::size_t MostThreads = 64 + HttpServer::MostStreams;
 constexpr unsigned int PeerTimeout = 30000; // ms
-// The library's own backlog is five connections. In a burst it drops further ones, whose clients try again only after a
-// second.
+// The library's own backlog is five connections. In a burst, further ones are dropped, and their clients try again only
+// after a second.
 constexpr int Backlog = 1024;
 
 void Answer(httplib::Response& response, int status, const QJsonObject& body)

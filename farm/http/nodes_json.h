@@ -12,7 +12,7 @@ namespace farm {
 /// @param frames is the number of frames that are being rendered, by the name of the node.
 QJsonArray NodesJson(std::vector<RenderNode> nodes, std::map<QString, int> frames);
 
-/// When and whether the cluster described its nodes; null for a farm without a cluster.
+/// When the cluster last described its nodes, and why it did not answer since; null for a farm without a cluster.
 QJsonValue ClusterJson(const std::optional<NodeReport>& report);
 
 } // namespace farm

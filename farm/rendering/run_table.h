@@ -9,8 +9,7 @@
 
 namespace farm {
 
-/// The runs in work, in the database: from it a restarted farm learns which frames may still be being rendered
-/// somewhere.
+/// The runs in work, in the database: from it a restarted farm learns which frames may still be in work somewhere.
 class RunTable
 {
 public:
