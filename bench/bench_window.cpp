@@ -15,7 +15,7 @@ namespace {
 
 constexpr int Candidates = 1000;
 
-/// The same jobs as the floor shows them.
+/// The same jobs in the form that the plain-Qt window shows.
 QVector<ShownJob> Shown(const QVariantList& jobs)
 {
     VTCodeTables codeTables;
@@ -71,7 +71,7 @@ private:
     double m_longest = 0;
 };
 
-/// The window and the floor, both on the screen in the same size.
+/// The window and its plain-Qt counterpart, both on the screen in the same size.
 class Bench : private OpenClient
 {
 public:

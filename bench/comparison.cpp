@@ -14,7 +14,7 @@ namespace {
 
 constexpr int Blocks = 9;
 constexpr int RunsPerBlock = 7;
-constexpr double BlockTime = 300'000; // microseconds, after which a block ends with the run that is under way
+constexpr double BlockTime = 300'000; // microseconds; the run under way then is the last of its block
 constexpr double NanosecondsPerMicrosecond = 1000;
 
 using Costs = std::vector<double>;

@@ -58,7 +58,7 @@ void FarmHistory::Write() const
         Execute(connection, AddJobs, 100, 2, End - qint64(100) * Interval, 10, Projects, Interval);
         connection.exec(AddFrames);
     });
-    // No job has a folder. The farm would look for each of them while it is measured.
+    // No job has a folder, and the farm would look for each folder during the measurement.
     farm::Database(path, all).Write(
         [](SQLite::Database& connection) { connection.exec("UPDATE jobs SET files = 0"); });
 }

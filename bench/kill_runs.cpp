@@ -39,7 +39,7 @@ bool Do(const Kind& kind, KillRun& run, const QString& name)
 
 bool DoSeries(const Kind& kind, int first, int last, unsigned seed)
 {
-    constexpr int RunsPerRehearsal = 10; // so that the moments suit a machine that is now busy, now idle
+    constexpr int RunsPerRehearsal = 10; // a busy machine may become idle, so the work is timed again
     std::array<int, 3> counts {};
     int failed = 0;
     double workTime = 0;

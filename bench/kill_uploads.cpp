@@ -88,7 +88,7 @@ public:
     }
 
 private:
-    /// The farm's address goes to the client by its standard input, the scenes that have a task by its arguments.
+    /// Passes the farm's address to the client's standard input, and the scenes that have a task as arguments.
     void StartClient()
     {
         if (m_client)

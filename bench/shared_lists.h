@@ -4,8 +4,8 @@
 
 #include <map>
 
-/// A render core that adds no cost of its own: it returns shared lists of identical tasks, and knows the order of its
-/// downloads as that of the host does.
+/// A render core that adds no cost of its own: it returns shared lists of identical tasks and, like the host's, knows
+/// the order of its downloads.
 class SharedLists : public RenderCoreStandIn
 {
     Q_OBJECT

@@ -1,5 +1,5 @@
 # The two outside libraries of the plugin: installed ones where an option asks for them, else the embedded subset.
-# The rest of the build links only qsclient_ctk and qsclient_qjson, whichever kind they stand for.
+# The rest of the build links only qsclient_ctk and qsclient_qjson, whichever kind that is.
 add_library(qsclient_ctk INTERFACE)
 add_library(qsclient_qjson INTERFACE)
 

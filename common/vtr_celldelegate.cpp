@@ -64,7 +64,7 @@ void Draw(QPainter* pPainter, const QStyleOptionViewItem& option)
     option.widget->style()->drawControl(QStyle::CE_ItemViewItem, &option, pPainter, option.widget);
 }
 
-/// A picture of a cell on an opaque ground, on which texts are smoothed as on the screen.
+/// A picture of a cell on an opaque background, on which texts are anti-aliased as on the screen.
 template <class Drawing>
 QImage PictureOf(const QStyleOptionViewItem& option, Drawing drawing)
 {

@@ -7,8 +7,9 @@ class QTextLayout;
 
 /// Draws cells as the style does, in less time: a style lays out each text three times, this delegate does it once.
 ///
-/// Styles and style sheets may draw texts in ways of their own. So a cell of each kind (selected, hovered, checkable …) is
-/// first drawn in both ways, and kinds that differ are left to the style, as are texts that do not fit into one line.
+/// Styles and style sheets may draw texts in ways of their own. So one cell of each kind (selected, hovered, checkable
+/// …) is drawn in both ways first. Kinds that look different are left to the style, as are texts that need more than a
+/// line.
 class VTCellDelegate : public QStyledItemDelegate
 {
 public:
@@ -26,5 +27,5 @@ private:
         const QStyleOptionViewItem& option, const QTextLayout& text, const QPointF& place) const;
 
     const QWidget* m_pView;
-    mutable QHash<quint64, bool> m_mapAlike; ///< whether both ways give the same picture, by kind of cell
+    mutable QHash<quint64, bool> m_mapAlike; ///< by kind of cell: whether both ways give the same picture
 };

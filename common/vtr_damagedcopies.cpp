@@ -33,7 +33,7 @@ void VTDamagedCopies::Keep(const QString& strPath)
         ++nNumber;
     if (nNumber > 1 && Content(CopyName(strPath, nNumber - 1)) == Content(strPath))
         return;
-    // QSettings reports an error once for each path, so the copy is judged instead of the file.
+    // QSettings reports an error only once for each path, so the copy is checked instead of the file.
     const QString strCopy = CopyName(strPath, nNumber);
     if (QFile::copy(strPath, strCopy)
         && QSettings(strCopy, QSettings::IniFormat).status() != QSettings::FormatError)

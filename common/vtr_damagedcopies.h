@@ -3,8 +3,7 @@
 #include <QDateTime>
 #include <QString>
 
-/// Copies an INI file each time it is found damaged, so that a later write destroys nothing that somebody may want to
-/// repair.
+/// Copies an INI file each time it is found damaged, so that a later write does not destroy what could be repaired.
 class VTDamagedCopies
 {
 public:

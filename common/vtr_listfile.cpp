@@ -13,13 +13,13 @@ namespace {
 
 constexpr QLatin1Char Slash('/');
 constexpr qint64 LeastFree = 16384; // bytes of free space to keep on the disk
-constexpr qint64 LongestEscape = 8; // characters of a file for one of a value
+constexpr qint64 LongestEscape = 8; // the most characters that the file takes for one character of a value
 const QLatin1String PercentCode("%25");
 const QLatin1String SlashCode("%2F");
 const QLatin1String BackslashCode("%5C");
 
 // QSettings drops leading, trailing and doubled slashes, and turns backslashes into slashes on some systems. A name
-// that contains an escape code itself is escaped too, so that it is read back unchanged.
+// that already contains an escape code is escaped too, so that it is read back unchanged.
 bool StaysWhole(const QString& strName)
 {
     return !strName.startsWith(Slash) && !strName.endsWith(Slash) && !strName.contains(QLatin1String("//"))

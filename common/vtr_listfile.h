@@ -63,5 +63,5 @@ private:
     Names m_names = Names::AnyText;
     std::unique_ptr<QSettings> m_pSettings;
     mutable VTDamagedCopies m_copies;
-    mutable qint64 m_nUnsaved = 0; // bytes at most that are not on the disk yet
+    mutable qint64 m_nUnsaved = 0; // an upper bound of the bytes that are not on the disk yet
 };

@@ -9,7 +9,8 @@
 class QStyleOptionProgressBar;
 
 /// A progress bar that draws its frame and chunk from pictures which all bars of the same parent share. Drawing rounded
-/// frames costs more than anything else on a row, and the bars of a table have few looks.
+/// frames costs more than anything else on a row, and the bars of a table have few different looks. Their colours are
+/// in the style sheets of VTCodeTables::ProgressStyle().
 ///
 /// It has no meta-object of its own, so style sheets and services find a plain `QProgressBar`.
 class VTProgressBar : public QProgressBar
@@ -36,7 +37,7 @@ protected:
     bool eventFilter(QObject* pParent, QEvent* pEvent) override;
 
 private:
-    /// All that bars of one parent can differ in.
+    /// Everything in which two bars of one parent can differ.
     struct Look
     {
         int nProgress;

@@ -43,7 +43,7 @@ VTAnswer VTPrompts::AskToConfirm(const QString& strQuestion) const
 QString VTPrompts::Show(int nKind, const QString& strTitle, const QString& strText, const QString& strDetail,
     const QVariantHash& mapButtons, bool bFlag) const
 {
-    const QIcon icon = VTSkin::MainIcon(m_services.Skin()); // asks a service, which may take the others away
+    const QIcon icon = VTSkin::MainIcon(m_services.Skin()); // asks a service, during which others may go away
     if (!m_services.pMessageBox)
         return QString();
     return m_services.pMessageBox->ShowMessage(nKind, strTitle, strText, icon, strDetail, mapButtons, bFlag);

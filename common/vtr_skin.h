@@ -24,7 +24,7 @@ void ApplyStyleSheet(QWidget* pWidget, const QString& strSkin, const QString& st
 /// Fills the form's background and gives it the skin's style sheet.
 void ApplyToForm(QWidget* pForm, const QString& strSkin, const QString& strKey);
 
-/// @return whether a widget that gets this event may look different from then on, so that pictures of it are outdated.
+/// @return whether a widget may look different after this event, so that cached pictures of it are outdated.
 bool ChangesLook(const QEvent& event);
 
 } // namespace VTSkin

@@ -60,7 +60,7 @@ void SetProgress(QProgressBar* pBar, int nPercent, const QString& strStyle)
     const bool bSameStyle = pBar->styleSheet() == strStyle;
     if (bSameValue && bSameStyle)
         return;
-    // A bar paints itself at once when its value changes. Held back, the bars of a table are painted together.
+    // A bar paints itself at once when its value changes. With updates off, the bars of a table are painted together.
     pBar->setUpdatesEnabled(false);
     if (bInRange)
         pBar->setValue(nPercent);

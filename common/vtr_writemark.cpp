@@ -8,10 +8,10 @@
 
 namespace {
 
-/// A temporary file that is younger than its mark by more than this belongs to another write.
+/// A temporary file that is newer than its mark by more than this belongs to another write.
 constexpr int LongestWrite = 60; // s
 
-/// QSettings' temporary files are named like the file with a dot and six random letters.
+/// QSettings names its temporary files like the file, followed by a dot and six random letters.
 const QLatin1String TemporaryPattern(".??????");
 
 QString MarkOf(const QString& strPath)

@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/// Marks a write of QSettings to a file as running ("….writing"). A process that is killed meanwhile may leave
-/// QSettings' temporary file, whose random name does not tell who made it; the mark tells when it was made.
+/// Marks a write of QSettings to a file as under way ("….writing"). A process that is killed meanwhile may leave a
+/// temporary file of QSettings, whose random name does not tell who made it; the mark tells when it was made.
 class VTWriteMark
 {
 public:

@@ -6,7 +6,7 @@ class QTableWidget;
 struct VTCodeTables;
 
 /// Gives the rows of a long table their progress bars when they come into view, since a table lays out all of its bars
-/// whenever rows are added. A short table has all of them at once.
+/// whenever rows are added. A short table gets all its bars at once.
 class VTBarsInView : public QObject
 {
 public:

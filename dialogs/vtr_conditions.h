@@ -34,6 +34,6 @@ QString VTConditionText(const QVariantMap& mapCondition);
 /// Condition text for the jobs of one status.
 QString VTStatusConditionText(int nStatus);
 
-/// Condition text for the jobs of a group. An empty group asks for a job that does not exist, since a condition without
-/// ids would not filter at all.
+/// Condition text for the jobs of a group. For an empty group it names a job that does not exist, since a condition
+/// without ids would not filter at all.
 QString VTGroupConditionText(const QStringList& lstGuid);

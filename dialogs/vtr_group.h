@@ -48,7 +48,7 @@ public:
     int CurrentPage() const;
 
 signals:
-    /// The user has chosen a filter. An empty condition text stands for all jobs.
+    /// The user has chosen a filter. An empty condition text means all jobs.
     void condition(QString strCondition);
 
 public slots:

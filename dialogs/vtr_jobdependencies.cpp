@@ -29,7 +29,8 @@ void VTJobDependencies::Open(const QString& strPath)
 
 void VTJobDependencies::Close()
 {
-    // Entries that could not be written live as long as the file is kept, so that the account's next session finds them.
+    // The file object holds entries that could not be written. It is kept, so that the account's next session finds
+    // them.
     m_leftFile = std::exchange(m_file, {});
     m_lstQueue.clear();
 }

@@ -20,8 +20,8 @@ namespace {
 
 constexpr int PollInterval = 1000; // ms
 
-/// Rows are added in batches, because a table lays out all its progress bars again at each addition. Events wait for one
-/// batch at a time, for less than a frame at 60 Hz.
+/// Rows are added in batches, because a table lays out all its progress bars again at each addition. Events have to
+/// wait for one batch only, which takes less than a frame at 60 Hz.
 constexpr int BatchSize = 24;
 
 constexpr int FirstPage = 1;
@@ -61,7 +61,7 @@ void VTSetParent::EndSession()
     ++m_nFill;
     ++m_nSession;
     m_pPollTimer->stop();
-    // Late answers must not remove anything from the file, since nobody would recover the jobs.
+    // Late answers must not remove anything from the file, since the jobs would then never be recovered.
     m_jobDependencies.Close();
     if (!IsBound())
         return;

@@ -44,8 +44,8 @@ public:
     /// Finds the form's widgets and connects them. To be called once, before anything else.
     void InitWidgets();
 
-    /// Ends the work under way for the session: the dialog closes, a fill of the candidates stops at the next row, a
-    /// poll or a recovery after the current request.
+    /// Ends the session's work under way: the dialog closes, a fill of the candidates stops at the next row, and a poll
+    /// or a recovery stops after the current request.
     void EndSession();
 
 signals:

@@ -11,7 +11,7 @@ import bpy
 
 
 def owners_of_paths():
-    """Everything in the scene that may have properties which name files."""
+    """Everything in the scene whose properties may name files."""
     for listing in bpy.data.bl_rna.properties:
         if listing.type != "COLLECTION":
             continue
@@ -41,7 +41,7 @@ class Files:
         self.folder = os.path.realpath(folder)
 
     def place(self, path):
-        """Where a file is now that the scene names by this path."""
+        """The present path of the file that the scene names by this path."""
         is_relative = path.startswith("//") or not os.path.isabs(path)
         if is_relative or path.startswith(self.folder + os.sep):
             return path
@@ -57,7 +57,7 @@ class Files:
                     setattr(owner, prop.identifier, self.place(path))
 
     def find_libraries(self):
-        # Each may bring further ones.
+        # Each library may bring further ones.
         known = set()
         while set(bpy.data.libraries) - known:
             library = (set(bpy.data.libraries) - known).pop()
@@ -67,7 +67,7 @@ class Files:
                 library.reload()
 
     def find_fonts(self):
-        # The file of a font cannot be changed, so another font takes its place.
+        # The file of a font cannot be changed, so another font replaces it.
         for font in list(bpy.data.fonts):
             place = self.place(font.filepath)
             if place != font.filepath and os.path.isfile(place):
@@ -75,7 +75,7 @@ class Files:
 
 
 def open_scene(path):
-    # The farm names the scene by a link, and relative paths count from the folder of the file itself.
+    # The farm names the scene by a link, but relative paths start at the folder of the file itself.
     bpy.ops.wm.open_mainfile(filepath=os.path.realpath(path), load_ui=False, use_scripts=False)
 
 
@@ -100,13 +100,13 @@ def set_up(picture, width, height, threads):
     render.resolution_percentage = 100
     render.image_settings.file_format = "PNG"
     render.filepath = os.path.abspath(picture)
-    # Other pictures would be lost, and a renderer may write nowhere but beside its own.
+    # File-output nodes are muted: their pictures would be lost, and the renderer may not write elsewhere.
     for node in scene.node_tree.nodes if scene.node_tree else ():
         node.mute = node.mute or node.type == "OUTPUT_FILE"
 
 
 def scene_frame(scene, frame):
-    """The farm's frames begin with 1. Where the scene's begin with 0, the farm counts them from there."""
+    """The farm's frames begin with 1. Where the scene's begin with 0, they are counted from there."""
     return frame + min(scene.frame_start, 1) - 1
 
 
@@ -122,5 +122,5 @@ def main(scene, folder, picture, *numbers):
 try:
     main(*sys.argv[sys.argv.index("--") + 1:])
 except Exception as error:
-    # The farm shows the end of what is printed. Blender itself would print this whole text there.
+    # The farm shows the end of the output. Blender itself would print the whole text of this script there.
     sys.exit(f"The frame could not be rendered: {str(error).strip()}")

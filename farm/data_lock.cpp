@@ -74,7 +74,7 @@ bool DataLock::Wait(int waitMs) const
     return true;
 }
 
-// The holder's name is for messages only, so a failure does no harm.
+// The holder's name serves messages only, so a failure to write it does no harm.
 void DataLock::WriteHolder() const
 {
     const QByteArray holder = QStringLiteral("process %1 on %2")

@@ -5,8 +5,8 @@
 
 namespace farm {
 
-/// Reserves a data folder for one farm. The operating system releases it when the process ends, even in a crash. Only the
-/// lock of another machine that failed while it used a shared disk can remain; it has to be taken over.
+/// Reserves a data folder for one farm. The operating system releases the lock when the process ends, even in a crash.
+/// Only a lock on a shared disk can remain, when the machine that held it has failed; it has to be taken over.
 class DataLock
 {
 public:

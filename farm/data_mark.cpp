@@ -51,7 +51,7 @@ void DataMark::RequireMatch(const QString& path, const QString& database)
     SQLite::Database connection(database.toStdString(), SQLite::OPEN_READONLY, BusyTimeout);
     const Mark known = In(connection);
     const Mark found = In(path);
-    // A folder without a mark has been made for the database, for example from a backup.
+    // A folder without a mark was made for the database, for example from a backup.
     if (found.farm.isEmpty() || (known.farm == found.farm && known.number >= found.number))
         return;
     throw std::runtime_error(path.toStdString()
@@ -104,7 +104,7 @@ DataMark::Mark DataMark::In(const QString& path)
     return {QString::fromLatin1(words.at(0)), words.value(1).toLongLong()};
 }
 
-// The database comes first: after a crash in between it is the newer one, which is accepted.
+// The database is written first: after a crash in between it is the newer of the two, which is accepted.
 void DataMark::Write(const Mark& mark)
 {
     m_database.Write([&mark](SQLite::Database& connection) {

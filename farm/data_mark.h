@@ -6,8 +6,8 @@
 
 namespace farm {
 
-/// Tells whether a database and a data folder belong together: both hold the farm's id and a number that grows while the
-/// farm runs. With an older database, a farm would remove newer files as unknown.
+/// Tells whether a database and a data folder belong together: both hold the farm's id and a number that grows while
+/// the farm runs. With an older database, a farm would take newer files for unknown ones and remove them.
 class DataMark
 {
 public:

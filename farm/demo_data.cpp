@@ -116,7 +116,7 @@ NewJob PastJob(int index, std::int64_t now)
     NewJob job;
     job.type = QStringLiteral("povray");
     job.name = QStringLiteral("%1_sh%2").arg(QLatin1String(sequence.name)).arg(shot, 3, 10, QLatin1Char('0'));
-    // Users may choose any name; this one shows whether a client takes names for markup.
+    // Users may choose any name. This one reveals whether a client takes names for markup.
     if (index == 0)
         job.name = QStringLiteral("<b>title</b>_v2");
     if (index == PastJobs - 6) {
@@ -291,7 +291,7 @@ void ProvideDemo(Database& database, AccountStore& accounts, JobStore& jobs, std
         const auto demo = accounts.Find(QStringLiteral("demo"));
         return demo && !jobs.HasOpenJobs(*demo) ? FindLiveJobs(connection, *demo) : QStringList();
     });
-    // Restarts instead of new jobs keep the list from growing.
+    // Jobs are restarted instead of added, so that the list does not grow.
     ChangeFeed unheard;
     if (!ended.isEmpty())
         JobActions(database, unheard, AccountTerms(DefaultPrice, 0), [] {

@@ -80,7 +80,7 @@ Farm::Farm(const FarmSettings& settings)
     , m_housekeeping({m_database, m_folders, m_contents, m_mark}, {settings.keepContents, settings.keepAudit})
 {
     CheckExposure(m_accounts, settings);
-    // The scheduler belongs to this thread and must not wait for clients that read much.
+    // The scheduler belongs to this thread. Its reads must not wait for those of clients.
     m_database.ReserveReader();
     PreparePasswords();
     DoHousekeeping();
@@ -170,7 +170,7 @@ void Farm::AnnounceOutsideChanges()
         if (m_feed.SubscriberCount() > 0 && m_database.WasChangedByOthers())
             m_feed.AnnounceToAll({{}, true, true});
     } catch (const std::exception& error) {
-        spdlog::error("changes of other processes cannot be noticed: {}", error.what());
+        spdlog::error("changes by other processes cannot be detected: {}", error.what());
     }
 }
 

@@ -44,9 +44,9 @@ public:
     /// Ends renderers at once and waits for the requests being served.
     ~Farm();
 
-    /// Applies the price, the quota and the limits of these settings: frames at a time, also of accounts and
-    /// job types, and the reserve of the disk. The rest applies after a restart. Throws std::runtime_error, and changes
-    /// nothing, when the job types cannot be read.
+    /// Applies some of these settings at once: price, quota, disk reserve, and the limits on frames at a time (in all,
+    /// per account and per job type). The rest applies after a restart. Throws std::runtime_error, and changes nothing,
+    /// when the job types cannot be read.
     void TakeOver(const FarmSettings& settings);
 
     /// The path of the database in a data folder.

@@ -40,9 +40,9 @@ struct FarmSettings
     bool demo = true;
     /// The most bytes that the contents and unfinished uploads of an account may take, unless it has a quota of its own.
     std::int64_t quota = std::int64_t {20} * 1024 * 1024 * 1024;
-    /// The farm takes nothing new when its disk would have less left than this. In bytes; 0 for no reserve.
+    /// The farm takes nothing new when its disk would have fewer bytes left than this; 0 for no reserve.
     std::int64_t diskReserve = std::int64_t {1} << 30;
-    /// The time for which contents are kept that no job needs.
+    /// The time for which contents that no job needs are kept.
     std::chrono::hours keepContents {24 * 7};
     /// The time for which entries of the audit are kept.
     std::chrono::hours keepAudit {24 * 365};

@@ -15,7 +15,7 @@ namespace farm {
 namespace {
 
 constexpr std::chrono::minutes Interval {10};
-// Time for the renderers of deleted jobs to end, which takes a while on other machines.
+// Gives the renderers of deleted jobs time to end, which takes a while on other machines.
 constexpr std::chrono::seconds Pause {2};
 
 } // namespace

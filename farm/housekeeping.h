@@ -14,7 +14,7 @@ class ContentStore;
 class DataMark;
 class JobFolders;
 
-/// Removes from the data folder and the database what is no longer needed, in a thread of its own.
+/// Removes files and records that are no longer needed, in a thread of its own.
 class Housekeeping
 {
 public:
@@ -25,7 +25,7 @@ public:
         ContentStore& contents;
         DataMark& mark;
     };
-    /// The times for which contents are kept that no job needs, and entries of the audit.
+    /// The times for which unneeded contents and entries of the audit are kept.
     struct Times
     {
         std::chrono::hours contents;
@@ -38,7 +38,7 @@ public:
     Housekeeping(const Housekeeping&) = delete;
     Housekeeping& operator=(const Housekeeping&) = delete;
 
-    /// Looks soon, because jobs have changed. Thread-safe.
+    /// Makes it look soon for files to free, because jobs have changed. Thread-safe.
     void Wake();
 
 private:

@@ -29,7 +29,7 @@ std::string Beside(const char* name)
 
 ServeOptions::ServeOptions(CLI::App& app)
     : m_address("127.0.0.1")
-    // One core stays free for the person at the machine.
+    // One core is left to the person at the machine.
     , m_slotCount(std::max(1, QThread::idealThreadCount() - 1))
     , m_price(AmountText(DefaultPrice).toStdString())
     , m_jobTypesFile(Beside("job_types.json"))
@@ -73,7 +73,7 @@ void ServeOptions::AddRendering(CLI::App& app)
         ->check(IsWholeNumber(1, MostSlots))
         ->capture_default_str();
     app.add_option(
-           "--frames-per-account", m_framesPerAccount, "Frames of an account at a time, 0 for no limit.")
+           "--frames-per-account", m_framesPerAccount, "Most frames of an account at a time; 0 for no limit.")
         ->type_name("NUMBER")
         ->check(IsWholeNumber(0, MostSlots))
         ->capture_default_str();
@@ -148,7 +148,7 @@ void ServeOptions::AddAccounts(CLI::App& app)
         ->type_name("AMOUNT")
         ->check(IsAmount(0, DearestCoreSecond))
         ->capture_default_str();
-    app.add_flag("--no-demo", m_hasNoDemo, "Create no demo accounts and jobs.");
+    app.add_flag("--no-demo", m_hasNoDemo, "Create no demo accounts and no demo jobs.");
 }
 
 void ServeOptions::AddFiles(CLI::App& app)
@@ -159,7 +159,7 @@ void ServeOptions::AddFiles(CLI::App& app)
         ->type_name("GIB")
         ->check(IsWholeNumber(0, MostGibibytes))
         ->capture_default_str();
-    app.add_option("--keep-contents", m_keepContents, "Time for which files are kept that no job needs.")
+    app.add_option("--keep-contents", m_keepContents, "Time for which files that no job needs are kept.")
         ->type_name("DAYS")
         ->check(IsWholeNumber(0, MostDays))
         ->capture_default_str();

@@ -17,7 +17,7 @@ namespace {
         what + " (line " + std::to_string(place.begin.line) + " of the configuration file)");
 }
 
-// The shortest text that reads as the number, so that a price of 0.01 stays as it was written.
+// The shortest text that reads back as the same number, so that a price of 0.01 stays as it was written.
 std::string TextOf(double number)
 {
     std::array<char, 64> text {};

@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const QByteArray text = Bytes(data, size);
     const QVector<QStringList> statements = Statements(text, text.size() + 1);
-    // How much is kept of a word beyond all limits depends on the blocks.
+    // The blocks decide how much is kept of a word that exceeds all limits.
     constexpr int LongestText = 16 * 1024;
     for (const int blockBytes : {1, 7})
         Require(text.size() > LongestText || Statements(text, blockBytes) == statements,

@@ -38,7 +38,7 @@ int main(int argc, char* argv[])
         return options.Parse(QCoreApplication::arguments(), &error) ? 0 : Fail(error);
     }
 
-    // Qt looks at the network interfaces every ten seconds for a feature that the client does not use.
+    // Qt polls the network interfaces every ten seconds for a feature that the client does not use.
     qputenv("QT_BEARER_POLL_TIMEOUT", QByteArray::number(std::numeric_limits<int>::max()));
     QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("QuillStar Client"));

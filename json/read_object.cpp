@@ -71,7 +71,7 @@ private:
         return QJsonDocument::fromJson("[\"" + raw + "\"]").array().at(0).toString().toUtf8();
     }
 
-    /// @return false when the string is a key that the object has already.
+    /// @return false when the string is a key that the object already has.
     bool AddString(const QByteArray& string)
     {
         if (m_levels.isEmpty() || !m_levels.last().isObject || !m_levels.last().awaitsKey)

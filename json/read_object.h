@@ -10,6 +10,6 @@ struct JsonRead
     const char* fault = nullptr; ///< completes "the body …"; null when the object has been read
 };
 
-/// Reads a text from outside. An object that has a key twice is refused: Qt 5.15 never frees the first one's value if it is
-/// an object or a list, so that repeated requests would use up all memory.
+/// Reads a text from outside. An object with a duplicate key is refused: Qt 5.15 never frees the first value if it is
+/// an object or a list, so repeated requests would use up all memory.
 JsonRead ReadJsonObject(const QByteArray& text);

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// An unbound account's balance: the whole part's low 8 bits as one Latin-1 character.
+/// The balance of an unbound account as one Latin-1 character: the low 8 bits of its integral part.
 QString BalanceCharacter(double dBalance)
 {
     constexpr double Limit = std::numeric_limits<int>::max();

@@ -24,8 +24,8 @@ public:
 
     void ShowUser(const QString& strName) const;
 
-    /// Requests the user's information every 30 seconds from now on. Each further call makes every timeout send one more
-    /// request.
+    /// Requests the user's information every 30 seconds from now on. With each further call, every timeout sends one
+    /// request more.
     void StartPolling() const;
     void StopPolling() const;
 

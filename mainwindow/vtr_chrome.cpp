@@ -15,7 +15,7 @@
 
 namespace {
 
-/// Time after which a maximised or restored form certainly has its new size.
+/// By then a maximised or restored form certainly has its new size.
 constexpr int NewSizeDelay = 100; // ms
 
 } // namespace

@@ -70,7 +70,7 @@ void VTConcerns::Retire()
 {
     ReleaseServices();
     session.End();
-    // The controllers are deleted shortly after this object and must not use it then.
+    // The controllers outlive this object for a moment and must not use it then.
     pSetArgument->Retire();
     pSetParent->Retire();
     pGroup->Retire();

@@ -49,8 +49,8 @@ struct VTConcerns
     /// Disconnects the services from each other, as far as the window has connected them, and forgets them.
     void ReleaseServices();
 
-    /// Ends session and dialogs and releases the services: a call of these concerns that still runs has no effect from
-    /// now on.
+    /// Ends session and dialogs and releases the services, so that a call into these concerns that is still running has
+    /// no further effect.
     void Retire();
 
     /// The dialog controllers and forms, which are not deleted with this object but left to the event loop.

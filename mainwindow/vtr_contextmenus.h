@@ -8,8 +8,8 @@ class VTAccountSettings;
 class VTTables;
 struct VTMainForm;
 
-/// The context menus of the three tables. Each opens at the cursor, at most once per press on a row. While it is open, the
-/// rows of its table stay as they are.
+/// The context menus of the three tables. Each opens at the cursor, at most once for each press on a row. While it is
+/// open, the rows of its table stay as they are.
 class VTContextMenus
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)

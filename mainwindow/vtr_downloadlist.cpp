@@ -58,7 +58,7 @@ void VTDownloadList::AddRows(int nFirst)
     auto itTask = TaskAt(*pTasks, nFirst);
     if (itTask == pTasks->constEnd())
         return;
-    // All rows are added at once: each change of their number lays out all progress bars that are there already.
+    // All rows are added at once, because each change of their number lays out all existing progress bars again.
     m_pTable->setRowCount(qMin(VTPageSize, pTasks->size() - nFirst));
     m_lstShown.resize(m_pTable->rowCount());
     for (int nRow = 0; nRow < m_pTable->rowCount(); ++nRow, ++itTask)
@@ -67,8 +67,8 @@ void VTDownloadList::AddRows(int nFirst)
 
 QVariantMap::const_iterator VTDownloadList::TaskAt(const QVariantMap& mapTasks, int nIndex)
 {
-    // A render core may know the order of its downloads, which spares counting the entries of a long map. Its operation for
-    // that is not part of the interface, so a render core need not have it.
+    // A render core may know the order of its downloads, which saves counting the entries of a long map. The operation
+    // that tells it is not part of the interface, so not every render core has it.
     VTRenderCoreInterface* pCore = m_deps.services.pRenderCore;
     QString strTaskId;
     if (pCore && pCore->metaObject()->indexOfMethod("DownloadTaskIdAt(int)") >= 0)

@@ -76,6 +76,6 @@ private:
     const QVariantMap* m_pTasks = nullptr;
     VTMapCursor m_place;
     QVector<QVariant>
-        m_lstShown; ///< the tasks as the rows show them; invalid where a row has to be written anyway
+        m_lstShown; ///< the tasks as the rows show them; invalid where a row must be written in any case
     bool m_bBuildHeld = false;
 };

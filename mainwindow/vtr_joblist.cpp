@@ -83,7 +83,7 @@ void VTJobList::Refresh()
     Send(m_deps.pageBar.CurrentPage(VTList::Jobs), m_strConditions, 0);
 }
 
-/// @return whether the answer that has arrived is one to a refresh.
+/// @return whether the answer that has just arrived belongs to a refresh.
 bool VTJobList::TakeRefreshed()
 {
     if (m_bFillPending) {
@@ -118,7 +118,7 @@ void VTJobList::HandleAnswer(int nRet, const QVariantMap& mapAnswer)
         m_deps.pageBar.ForgetClick();
         return;
     }
-    // An answer replaces the one that waits, also while the menu has closed already and its entry runs a dialog.
+    // An answer replaces the waiting one, even if the menu has already closed and its entry is running a dialog.
     const bool bKeepsMarks = bRefreshed && (!m_heldAnswer || m_heldAnswer->bRefreshed);
     m_heldAnswer = HeldAnswer {mapAnswer, bKeepsMarks, m_deps.session.nNumber};
     ShowHeldAnswer();
@@ -183,7 +183,7 @@ void VTJobList::Fill(QTableWidget* pTable, const QVector<VTJobRecord>& lstJob, b
     int nSame = 0;
     for (int nRow = 0; nRow < qMin(lstJob.size(), m_lstShown.size()); ++nRow)
         nSame += m_lstShown.at(nRow) == lstJob.at(nRow) ? 1 : 0;
-    // Each cell asks to be painted by itself, which costs more than painting the table once when most of them do.
+    // Each changed cell asks to be painted. When most have changed, painting the whole table once costs less.
     const bool bHoldPainting = nSame < lstJob.size() / 2;
     if (bHoldPainting)
         pTable->viewport()->setUpdatesEnabled(false);

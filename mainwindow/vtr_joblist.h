@@ -92,7 +92,8 @@ private:
     QString m_strConditions;
     QSet<QString> m_setHandedOver;
 
-    // Answers do not tell which request they belong to. Those to the refreshes after the last other request are refreshes.
+    // Answers do not tell which request they belong to. The first one after a request that was no refresh belongs to
+    // that request, the next ones to the refreshes sent since.
     bool m_bFillPending = false;
     int m_nRefreshesPending = 0;
 

@@ -29,7 +29,7 @@ void VTLiveConcerns::Drop()
 {
     if (!m_pCurrent)
         return;
-    // Hiding the forms sends events, whose receivers must find no concerns then and may call back as well.
+    // Hiding the forms sends events. Their receivers may call back and must find no concerns then.
     const Call call(*this);
     m_lstDropped.push_back(std::move(m_pCurrent));
     m_lstDropped.back()->Retire();

@@ -10,7 +10,7 @@
 
 struct VTConcerns;
 
-/// The concerns of a window. Any call of them may end the window.
+/// The concerns of a window. Any call into them may end the window.
 ///
 /// Services, forms and questions may call back from inside a call. Concerns that are dropped meanwhile lose their services
 /// and session at once, but live until the outermost call returns.

@@ -33,11 +33,11 @@ public:
     /// Goes to a page as a click on its number does. @return whether it is to be shown.
     bool GoTo(int nPage, int nList);
 
-    /// Corrects a list's position after rows were deleted, and redraws the bar if it stands for the list. @return the
+    /// Corrects a list's position after rows were deleted, and redraws the bar if it belongs to the list. @return the
     /// page to show.
     int CorrectAfterDeletion(int nList);
 
-    /// The page that was clicked does not come, so the next redraw follows no click.
+    /// Forgets the last click, because its page will not arrive; the next redraw then does not take the focus for it.
     void ForgetClick() { m_bClicked = false; }
 
     void Reset() { m_states = VTPageStates(); }

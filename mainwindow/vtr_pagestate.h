@@ -32,7 +32,8 @@ struct VTPageState
     /// @return whether the page is to be shown; false when there is none, and then nothing changes.
     bool Move(Step step, int nPage = 0);
 
-    /// Goes one page back, unless this is the first, and to the group of that page. @return whether it did.
+    /// Goes one page back, unless the first page is the current one, and to the group of that page. @return whether it
+    /// did.
     bool StepBack();
 
     /// Goes one page back when the current page lies beyond the last of `nRecords` records.

@@ -20,7 +20,7 @@ public:
     {
     }
 
-    /// @return a request with the session's "username" and "token" and nothing else.
+    /// @return a request that holds only the session's "username" and "token".
     QVariantHash New() const;
 
     void Send(Operation operation, const QVariantHash& mapRequest) const;

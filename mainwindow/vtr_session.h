@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// The user who is signed in. The names stay after the sign-out.
+/// The user who is signed in. The texts stay after the sign-out; `bOpen` tells whether they belong to a session.
 struct VTSession
 {
     /// Name that the user signs in with: shown, and part of file names.

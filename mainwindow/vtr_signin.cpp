@@ -33,9 +33,9 @@ void VTSignIn::HandleSignInAnswer(int nRet, const QVariantMap& mapAnswer)
     if (nRet != VTProtocol::Success)
         return;
     VTSession& session = m_deps.session;
-    ClearSession(); // when it comes from inside the closing of the form
+    ClearSession(); // the last sign-out may still be closing its dialogs, and this sign-in comes from inside that
     session.Begin();
-    m_deps.menus.Close(); // those of an earlier session
+    m_deps.menus.Close(); // a menu of the earlier session must not act on the new one
     m_deps.form.RaiseOverlays();
     session.strLoginName = mapAnswer.value(VTProtocol::LoginName).toString();
     session.strUserName = mapAnswer.value(VTProtocol::UserName).toString();
@@ -113,7 +113,7 @@ void VTSignIn::HandleSignOutAnswer()
         ClearSession();
 }
 
-/// Clears what the ended session has left, once.
+/// Clears what the ended session has left behind, only once.
 void VTSignIn::ClearSession()
 {
     if (!std::exchange(m_bClearingDue, false))
@@ -125,7 +125,7 @@ void VTSignIn::ClearSession()
     ClearLists();
 }
 
-/// Stops when the next session has begun, or the window has gone, from inside the closing of a form.
+/// Stops early when closing a form has begun the next session or destroyed the window.
 void VTSignIn::CloseDialogs(int nSession)
 {
     const std::function<void()> lstStep[] = {

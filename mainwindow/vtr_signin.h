@@ -70,5 +70,5 @@ private:
     void ClearLists();
 
     Dependencies m_deps;
-    bool m_bClearingDue = false; ///< a session has ended and its lists still stand
+    bool m_bClearingDue = false; ///< a session has ended, but its lists are not cleared yet
 };

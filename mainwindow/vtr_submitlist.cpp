@@ -25,7 +25,7 @@ constexpr int StageCopySame = 4;
 constexpr int StageUpload = 5;
 constexpr int ErrorAwaitsUser = 9;
 
-/// Sets a text only when it differs: an item without a text takes even an empty one for a change.
+/// Sets a text only when it differs, because an item without a text treats even an empty one as a change.
 void SetText(QTableWidgetItem* pItem, int nRole, const QString& strText)
 {
     if (pItem->data(nRole).toString() != strText)
@@ -242,7 +242,7 @@ VTSubmitList::Task VTSubmitList::ReadForRefresh(const QString& strTaskId, bool b
     task.nStage = renderCore.GetTaskStage(strTaskId);
     task.nProgress = qMax(0, renderCore.GetTaskProgress(strTaskId));
     task.strMessage = renderCore.GetTaskMessage(strTaskId);
-    // The arguments are known once the scene is analysed. They are read once per row, so that edits survive.
+    // The arguments are known once the scene has been analysed. They are read once per row, so that edits survive.
     task.bArguments = bArguments && task.nStage >= StageChecksum;
     if (task.bArguments)
         task.lstArguments = renderCore.GetTaskArguments(strTaskId);

@@ -105,7 +105,7 @@ private:
     Dependencies m_deps;
     QTableWidget* m_pTable;
     QHash<QString, Task>
-        m_mapShown;        ///< what the rows show, by task id; none where it has to be written anyway
+        m_mapShown;        ///< the tasks as the rows show them, by id; a row without an entry must be written
     int m_nFirstPlace = 0; ///< index in the list at which the first row's task was found last
     int m_nBuild = 0;      ///< changes whenever the rows are built anew
     bool m_bBuildHeld = false;

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Lets a check box react to the keyboard only. A press anywhere in a row already toggles its box; if the box reacted
+/// Makes check boxes react to the keyboard only. A press anywhere in a row already toggles its box; if the box reacted
 /// to the mouse as well, the two would cancel each other out.
 class RowDelegate : public VTCellDelegate
 {

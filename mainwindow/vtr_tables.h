@@ -25,8 +25,8 @@ public:
     /// Forgets the last press, so that the next context menu needs another one.
     void ForgetPress() { m_nPressedRow = -1; }
 
-    /// Lets a tab's rows stay as they are while the menu is open, so that its entries act on the rows that it was opened
-    /// over.
+    /// Keeps a tab's rows as they are while the menu is open, so that its entries act on the rows over which it was
+    /// opened.
     void Hold(int nTab, const QMenu* pMenu);
 
     /// Whether refills of a tab's table have to wait for an open menu.

@@ -16,8 +16,8 @@ struct VTServices;
 struct VTSession;
 struct VTTimers;
 
-/// Switches list, page bar, toolbar and timers when another tab comes to the front, and goes through the pages of the
-/// list that is there.
+/// Switches list, page bar, toolbar and timers when another tab comes to the front, and turns the pages of that tab's
+/// list.
 class VTTabs
 {
 public:

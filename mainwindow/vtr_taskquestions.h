@@ -11,8 +11,8 @@ struct VTSession;
 
 /// Asks the user what to do about files that a local task could not upload or find.
 ///
-/// Questions are asked one at a time and a tick apart, so that none opens from inside the render core's signal. They end
-/// with the session.
+/// Questions are asked one at a time, each by a tick of a timer, so that none opens from inside the render core's
+/// signal. They end with the session.
 class VTTaskQuestions : public QObject
 {
     Q_DECLARE_TR_FUNCTIONS(VTQsClientPrivate)
@@ -33,7 +33,7 @@ public:
     /// Asks the next question unless one is open; stops the timer when none is left.
     void Tick();
 
-    /// Forgets the reports that wait.
+    /// Forgets the waiting reports.
     void Forget() { m_queue.Clear(); }
 
 private:

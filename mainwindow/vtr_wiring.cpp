@@ -131,7 +131,7 @@ void VTWireWindow(VTConnections& wiring, QWidget* pWindow, const VTConcerns& con
     WireListsAndTimers(wiring, pWindow, concerns, timers);
     WireMenus(wiring, pWindow, concerns);
 
-    // The render core takes dropped scenes from the form's events. The window, installed last, sees the events first.
+    // The render core takes dropped scenes from the form's events. The window's filter, installed last, runs first.
     if (concerns.services.pRenderCore)
         concerns.form.pForm->installEventFilter(concerns.services.pRenderCore);
     concerns.form.pForm->installEventFilter(pWindow);

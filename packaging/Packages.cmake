@@ -23,7 +23,7 @@ set(CPACK_DEBIAN_CLIENT_PACKAGE_NAME quillstar)
 set(CPACK_COMPONENT_CLIENT_DESCRIPTION "Desktop client of a render farm
 Submits scenes, watches jobs, downloads finished frames and shows the balance.
 Contains the main window as a plugin for the CTK Plugin Framework.")
-# The skins' icons are SVG files, which the linked libraries do not tell.
+# The skins' icons are SVG files, which the linked libraries do not reveal.
 set(CPACK_DEBIAN_CLIENT_PACKAGE_DEPENDS "libqt5svg5")
 set(CPACK_DEBIAN_CLIENT_PACKAGE_RECOMMENDS
     "quillstar-farm (= ${PROJECT_VERSION}), libqt5multimedia5-plugins, qttranslations5-l10n, fonts-inter, fonts-wqy-microhei")

@@ -56,7 +56,7 @@ public slots:
 private:
     enum WindowState { NotShown = -1, Shown = 1 };
 
-    /// An operation; it runs for as long as this object lives.
+    /// An operation under way, for as long as this object lives.
     class Call
     {
     public:
@@ -84,7 +84,7 @@ private:
     bool m_bInitialised = false;
     bool m_bAttaching = false;
     int m_nCalls = 0;
-    bool m_bRetired = false; ///< to be deleted when no operation is under way
+    bool m_bRetired = false; ///< is deleted as soon as no operation is under way
     /// Objects of deleted windows that were left to the event loop.
     QVector<QPointer<QObject>> m_lstDeferred;
 };

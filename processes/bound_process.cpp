@@ -8,7 +8,7 @@
 
 namespace {
 
-// The id of this process while this thread launches a bound process; otherwise 0. The child inherits it.
+// While this thread launches a bound process, the id of this process; otherwise 0. The child inherits it.
 thread_local pid_t launching = 0;
 
 // Runs in every child of this program right after the fork: system calls only.

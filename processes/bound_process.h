@@ -4,9 +4,9 @@
 
 /// A process that does not outlive the thread that has launched it, even if this program is killed.
 ///
-/// QProcess makes the new process wait until this program has registered it. If this program is killed first, the process
-/// of a plain QProcess waits for ever as a copy of this program, and keeps its locks and files. The binding begins before
-/// that wait, which setupChildProcess() would not.
+/// QProcess makes the new process wait until this program has registered it. If this program is killed first, a process
+/// of a plain QProcess waits for ever as a copy of this program, and keeps its locks and files open. The binding takes
+/// effect before that wait; one made in setupChildProcess() would come after it.
 class BoundProcess : public QProcess
 {
     Q_OBJECT

@@ -1,7 +1,7 @@
 #!/bin/sh
-# Fails when a source file, a class over all its sources, or a function is longer than a reader can hold in mind. A class
-# counts with the definitions of its member functions, wherever they stand, so it cannot be spread over files to stay
-# short. The rows of a function's static table are data and do not count.
+# Fails when a source file, a class over all its sources, or a function is longer than a reader can keep in mind. The
+# definitions of a class's member functions count wherever they are, so spreading them over files does not make it shorter.
+# The rows of a function's static table are data and do not count.
 #   scripts/check-sizes.sh [LINES_OF_A_FILE [LINES_OF_A_FUNCTION]]
 set -eu
 cd "$(dirname "$0")/.."

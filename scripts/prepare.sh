@@ -43,7 +43,7 @@ install_packages() {
 }
 
 # install_cluster_packages: Debian starts the services of packages when it installs them and whenever the machine starts;
-# the tests start their own, so none of them shall run. A machine that has Slurm already is left as it is.
+# the tests start their own, so none of these must run. A machine that has Slurm already is left as it is.
 install_cluster_packages() {
     [ "$(id -u)" = 0 ] || return 0
     for program in munged slurmctld slurmd sbatch; do

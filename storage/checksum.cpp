@@ -54,7 +54,7 @@ void Sha256::Add(const char* bytes, qint64 count)
 
 QString Sha256::Result() const
 {
-    // Reading the checksum finishes the computation, so it is read from a copy.
+    // Reading the result would end the computation, so it is read from a copy.
     const Sha256 copy;
     Require(EVP_MD_CTX_copy_ex(copy.m_context.get(), m_context.get()));
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest {};

@@ -37,7 +37,7 @@ class Database
 public:
     struct Options
     {
-        /// The most reads at a time that wait neither for a write nor for each other; 0 for none.
+        /// The number of reads that can run at a time without waiting for a write or for each other; 0 for none.
         int readers = 0;
         /// Whether the file is copied before an older schema is brought up to date, see CopyName().
         bool keepsCopy = false;
@@ -86,12 +86,12 @@ public:
     /// are. Call it while the thread is not reading.
     void ReserveReader();
 
-    /// Whether another connection, perhaps of another process, has changed the database since the last call. The first
+    /// Whether another connection, perhaps in another process, has changed the database since the last call. The first
     /// call cannot know and returns true.
     bool WasChangedByOthers();
 
-    /// Measures how the values of the indexes are distributed, by which SQLite chooses among them. Takes milliseconds,
-    /// however large the database is.
+    /// Measures how the values in the indexes are distributed, by which SQLite chooses among the indexes. Takes
+    /// milliseconds, however large the database is.
     void UpdateStatistics();
 
 private:

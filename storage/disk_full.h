@@ -6,7 +6,7 @@
 
 namespace storage {
 
-/// @return whether the error says that a disk, or the user's share of it, is full.
+/// @return whether the error says that a disk, or the user's quota on it, is full.
 bool IsDiskFull(const std::exception& error);
 
 /// @return whether the disk of the folder has no room for that many bytes.

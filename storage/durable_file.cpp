@@ -13,7 +13,7 @@ namespace storage {
 
 namespace {
 
-// Without the folder: the farm's messages reach its clients, which need not know where it keeps its files.
+// The name without its folder: the farm's messages reach its clients, which need not know where it keeps its files.
 std::string NameOf(const QString& path)
 {
     return QFileInfo(path).fileName().toStdString();
@@ -58,7 +58,7 @@ void RenameDurably(const QString& from, const QString& to)
     RenameAllDurably({{to, from}});
 }
 
-// A disk has to finish its journal for every file that is synced alone, but only once for all together.
+// Syncing files one by one makes the disk finish its journal for each of them, syncing them together only once.
 void SyncAllToDisk(const QStringList& paths)
 {
     constexpr int MostAlone = 8;

@@ -30,15 +30,15 @@ private:
 /// Returns when the file or folder is on the disk.
 void SyncToDisk(const QString& path);
 
-/// SyncToDisk() of each file or folder, all on one disk; cheaper for many.
+/// Does SyncToDisk() for files and folders that are all on one disk; cheaper for many.
 void SyncAllToDisk(const QStringList& paths);
 
 /// Moves a complete file or folder to its final name on the same disk; an existing file of that name is replaced.
 /// Content and name are on the disk when it returns.
 void RenameDurably(const QString& from, const QString& to);
 
-/// Like RenameDurably() of each file, keyed by its final name, on one disk; cheaper for many. When it throws, any of them
-/// may have its final name.
+/// Does RenameDurably() for files, keyed by their final names, that are all on one disk; cheaper for many. When it
+/// throws, any of them may have its final name.
 void RenameAllDurably(const QMap<QString, QString>& fromByTo);
 
 /// Writes the bytes at `offset`, the current end of the file, which is created when `offset` is 0. They are on the disk

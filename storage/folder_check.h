@@ -10,7 +10,7 @@ namespace storage {
 /// @return 0 when files can be written there, otherwise the `errno` of the failure.
 int FolderError(const QString& folder);
 
-/// @return the bytes that this user may still write to the folder's disk; -1 where the disk does not tell.
+/// @return the bytes that this user can still write to the folder's disk; -1 where that is unknown.
 std::int64_t FreeBytes(const QString& folder);
 
 } // namespace storage

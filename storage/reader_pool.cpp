@@ -83,7 +83,7 @@ void ReaderPool::GiveBack()
     m_returned.notify_one();
 }
 
-// A connection that reads needs to write all the same: to the index of the log, which all connections share.
+// Even a connection that only reads has to write to the index of the log, which all connections share.
 std::unique_ptr<SQLite::Database> ReaderPool::Open() const
 {
     auto connection

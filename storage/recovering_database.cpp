@@ -17,7 +17,7 @@ namespace storage {
 
 namespace {
 
-/// The companion files are moved first: a log left behind would be taken for the fresh database's own.
+/// The companion files are moved first: a log left behind would be taken for that of the fresh database.
 constexpr const char* Suffixes[] = {"-wal", "-shm", ""};
 
 QByteArray Name(const QString& path, const char* suffix = "")
@@ -25,8 +25,8 @@ QByteArray Name(const QString& path, const char* suffix = "")
     return QFile::encodeName(path) + suffix;
 }
 
-/// Whether the path belongs to somebody else, or to something other than a file. A read-only disk does not count: that
-/// may pass.
+/// Whether the path belongs to another user, or is not a file. A read-only disk does not count, since it may become
+/// writable again.
 bool IsNotOurs(const QString& path)
 {
     struct stat found = {};

@@ -18,7 +18,7 @@ PNG_END = b"IEND\xae\x42\x60\x82"
 
 
 class Day:
-    """What all share: the farm, when nothing more is sent, and what went wrong."""
+    """What all accounts share: the farm, the time when no more jobs are sent, and what went wrong."""
 
     def __init__(self, farm, evening):
         self.farm = farm
@@ -46,7 +46,7 @@ class Job:
 
 
 class Client:
-    """A session over HTTP that survives a farm which goes away and comes back."""
+    """A session over HTTP that survives restarts of the farm."""
 
     def __init__(self, day, name):
         self.day, self.name, self.token = day, name, None
@@ -61,7 +61,7 @@ class Client:
             connection.close()
 
     def ask(self, method, path, body=None, content=None):
-        """@return the status and the content of the answer, as soon as there is one that is about the request."""
+        """@return the status and the content of the first answer that concerns the request itself."""
         data = content if content is not None else json.dumps(body or {}).encode() if method == "POST" else b""
         while time.time() < self.day.night and not self.day.failures:
             if not self.token and path != "/session":
@@ -140,7 +140,7 @@ class Artist(threading.Thread):
         try:
             self._work()
             self._wait_for_the_rest()
-        except Exception as failure:  # whatever it is, it must be seen at the end
+        except Exception as failure:  # whatever it is, it must be reported at the end
             self.day.fail(f"{self.name}: {failure!r}")
 
     def _pay(self, amount):

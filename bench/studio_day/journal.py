@@ -1,4 +1,4 @@
-"""The renderer of the day, and what it writes down by itself about each attempt at a frame."""
+"""The renderer of the day, and the journal that it keeps of each attempt at a frame."""
 import collections
 import json
 import re
@@ -24,7 +24,7 @@ class Journal:
         return {"povray": {**povray, "memory_mib": 300}, "load": load}
 
     def attempts(self):
-        """@return how many attempts began, and the complete ones by name of the job and number of the frame."""
+        """@return the number of attempts that began, and the complete ones by name of the job and number of the frame."""
         complete = collections.defaultdict(list)
         begun = 0
         for file in self.folder.iterdir():

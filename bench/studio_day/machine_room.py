@@ -73,7 +73,7 @@ class Farm:
         self.process.wait(PATIENCE)
 
     def command(self, *words, answer=None):
-        """Runs a command of administration, also while the farm runs. @return its exit code and all that it prints."""
+        """Runs an administration command, even while the farm runs. @return its exit code and its whole output."""
         done = subprocess.run([self.program, "--data", self.data, *words], input=answer, text=True,
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=PATIENCE)
         return done.returncode, done.stdout
@@ -85,7 +85,7 @@ class Farm:
         return text
 
     def renderers(self):
-        """@return the processes that render on this machine, and those that look after them."""
+        """@return the processes that render on this machine, and those that watch over them."""
         found = []
         for folder in pathlib.Path("/proc").glob("[0-9]*"):
             try:

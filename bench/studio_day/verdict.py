@@ -2,7 +2,7 @@
 import collections
 import sqlite3
 
-CLOSE = 15  # s; an attempt may go unrecorded when something was killed or stopped so soon after its end
+CLOSE = 15  # s; an attempt may be unrecorded if something was killed or stopped within this time after its end
 MILLIONTHS = 1_000_000
 
 

@@ -1,5 +1,5 @@
 # The rooms of the tree, each after the rooms that it uses. A room is a folder; it may use itself and the rooms named
-# behind its colon. All of those precede it in this list, so there are no cycles.
+# after its colon. All of those precede it in this list, so there are no cycles.
 set(ROOM_RULES
     "interfaces:"
     "common: interfaces"
@@ -35,7 +35,7 @@ set(ROOM_RULES
     "host: host/tour host/process host/app"
 )
 
-# The client's own rooms link no Qt module but these; D-Bus serves one file and may be missing.
+# The client's own rooms link no other Qt modules than these; D-Bus serves one file and may be missing.
 set(PLUGIN_ROOMS interfaces common dialogs mainwindow plugin)
 set(PLUGIN_QT_MODULES Core Gui Widgets DBus)
 # Libraries named "…_logic" link these only.

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Takes the pictures of the documents anew, with the client that is built in build/release.
+# Takes the documents' pictures anew, with the client that is built in build/release.
 set -eu
 cd "$(dirname "$0")"
 . ../../scripts/prepare.sh
@@ -17,7 +17,7 @@ take() {
         --config "$place/quillstar.ini" --data "$place/data" --downloads "$place/Renders"
 }
 
-# shrink <picture> <name here>: with a palette, unless that is larger.
+# shrink <picture> <name here>: saves the picture with a palette, unless that makes it larger.
 shrink() { pngquant --force --strip --skip-if-larger --output "$2.png" 256 "$1" || cp "$1" "$2.png"; }
 
 # keep <skin> <name in the tour> <name here>

@@ -9,8 +9,8 @@
 #include <vtr_settingsinterface.h>
 #include <vtr_uiloaderinterface.h>
 
-/// Services that do nothing, for a host to begin with: derive from one, add Q_OBJECT and Q_INTERFACES(<its interface>),
-/// without which the plugin does not find it, and override one operation after the other.
+/// Services that do nothing, as a start for a host: derive from one, add Q_OBJECT and Q_INTERFACES(<its interface>),
+/// without which the plugin does not find it, and override one operation after another.
 namespace idle {
 
 /// The life cycle of a service: everything succeeds, and its state is 1.

@@ -44,7 +44,7 @@ int EndSessions(SQLite::Database& connection, std::int64_t account)
     return Execute(connection, "DELETE FROM sessions WHERE account = ?", account);
 }
 
-// An e-mail address may be used for signing in like a name, so neither may be one of another account's.
+// Users may sign in with the e-mail address instead of the name, so neither may belong to another account.
 void CheckFree(SQLite::Database& connection, const QString& name)
 {
     if (FindAccount(connection, name))

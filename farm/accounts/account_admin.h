@@ -35,8 +35,8 @@ struct SessionEntry
 };
 
 /// Changes accounts for administrators, who may name them by their e-mail addresses. A running farm applies each
-/// change from the next request on. Changes are recorded in the audit. Functions throw NotFound. Times are seconds since
-/// the epoch. Thread-safe.
+/// change from the next request on. Changes are recorded in the audit. Functions throw NotFound for unknown accounts.
+/// Times are seconds since the epoch. Thread-safe.
 class AccountAdmin
 {
 public:

@@ -20,8 +20,8 @@ NamedAccount RequireAccount(SQLite::Database& connection, const QString& name);
 /// The account's name; empty when there is no such account.
 QString AccountName(SQLite::Database& connection, std::int64_t account);
 
-/// Refuses a name that is empty, longer than 64 characters, begins or ends with a space, or holds control characters.
-/// Throws InvalidInput, whose text begins with `what`.
+/// Refuses a name that is empty, longer than 64 characters, begins or ends with a space, or contains control
+/// characters. Throws InvalidInput, whose text begins with `what`.
 void CheckPlainName(const QString& name, const char* what);
 
 } // namespace farm

@@ -151,7 +151,7 @@ std::vector<DaysSpending> AccountStore::Spending(std::int64_t account, const QDa
     std::vector<DaysSpending> spending;
     spending.reserve(std::size_t(days));
     m_database.Read([&](SQLite::Database& connection) {
-        // One sum for each day is a range of the index; grouping the charges by date would compute a date for each.
+        // The sum of each day is read from a range of the index. Grouping by date would compute a date for each charge.
         SQLite::Statement query(connection,
             "SELECT coalesce(sum(amount), 0) FROM charges "
             "WHERE account = ? AND charged_at >= ? AND charged_at < ?");

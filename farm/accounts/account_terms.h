@@ -22,8 +22,8 @@ public:
     Micros PriceFor(SQLite::Database& connection, std::int64_t account) const;
     std::int64_t QuotaFor(SQLite::Database& connection, std::int64_t account) const;
 
-    /// A query for the keys of the accounts in arrears: those whose balance is zero or less, unless they render for
-    /// free.
+    /// An SQL query for the keys of the accounts in arrears: those whose balance is zero or less, unless they render
+    /// for free.
     std::string AccountsInArrears() const;
     bool IsInArrears(SQLite::Database& connection, std::int64_t account) const;
 

@@ -34,7 +34,7 @@ QString SentenceOf(const AuditEntry& entry)
     return entry.actor.origin.isEmpty() ? sentence : sentence + QStringLiteral(" from ") + entry.actor.origin;
 }
 
-// The newest entry stays, so that no key is used twice. Entries are in order of time unless the clock was wrong.
+// The newest entry stays, so that no key is used twice. Keys follow the order of time unless the clock was wrong.
 bool ForgetAuditEntries(Database& database, std::int64_t at)
 {
     return database.Write([at](SQLite::Database& connection) {

@@ -36,13 +36,14 @@ void RecordChange(SQLite::Database& connection, std::int64_t now, const Actor& a
 /// The entry without its time, such as "account quota ann (1024 bytes) by root from the command line".
 QString SentenceOf(const AuditEntry& entry);
 
-/// Removes some of the entries until `at`, but never the newest of all. Returns whether there may be more.
+/// Removes some of the entries that were made until `at`, but never the newest of all. Returns whether there may be
+/// more.
 bool ForgetAuditEntries(Database& database, std::int64_t at);
 
 /// The key of the newest entry, 0 when there is none.
 std::int64_t LastAuditKey(Database& database);
 
-/// Shows the entries after the one with this key, the oldest first.
+/// Calls `show` with each entry after the one with this key, the oldest first.
 void ForEachAuditEntryAfter(
     Database& database, std::int64_t key, const std::function<void(const AuditEntry&)>& show);
 

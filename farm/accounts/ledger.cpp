@@ -8,7 +8,7 @@ namespace farm {
 
 namespace {
 
-/// The key of the range's account; 0 stands for all.
+/// The key of the range's account; 0 for all accounts.
 std::int64_t AccountOf(SQLite::Database& connection, const LedgerRange& range)
 {
     return range.account.isEmpty() ? 0 : RequireAccount(connection, range.account).key;
@@ -16,7 +16,7 @@ std::int64_t AccountOf(SQLite::Database& connection, const LedgerRange& range)
 
 struct Rule
 {
-    /// A query for faults: one text each.
+    /// A query that yields one text for each fault.
     const char* faults;
     const char* sentence;
 };

@@ -63,9 +63,9 @@ public:
     /// The sums of the charges in this range by job, in the order of accounts and submissions.
     void ForEachJob(const LedgerRange& range, const std::function<void(const JobCharges&)>& show);
 
-    /// Proves that the ledger adds up: each balance is its payments less its charges, each charge is the processor time
-    /// at its price and belongs to the account of its job, and each finished frame was charged once in the job's
-    /// current run, and no other frame. Shows a sentence for each fault.
+    /// Checks that the ledger adds up: each balance is its payments less its charges, each charge is the processor time
+    /// at its price and belongs to the account of its job, and in each job's current run every finished frame was
+    /// charged once and no other frame was. Calls `show` with a sentence for each fault.
     void Check(const std::function<void(const QString&)>& show);
 
 private:

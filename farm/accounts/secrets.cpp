@@ -18,8 +18,8 @@ std::mutex& PasswordMutex()
     return mutex;
 }
 
-/// The hash with which unknown names are compared. That takes as long as a wrong password, so that the time does not reveal which names
-/// exist.
+/// The hash with which passwords for unknown names are compared. That takes as long as for known names, so the time
+/// does not reveal which names exist.
 const QString& NobodysPassword()
 {
     static const QString stored = HashPassword(QString::fromLatin1(RandomBytes(16).toHex()));

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// Storage form of passwords and session tokens. No other code knows it.
+/// The form in which passwords and session tokens are stored. No other code knows it.
 namespace farm {
 
 /// Makes the first PasswordMatches() as quick as later ones.

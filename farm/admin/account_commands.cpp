@@ -94,7 +94,7 @@ void AddAdd(CLI::App& group, CommandWork& chosen)
             return 0;
         });
     add.add_option("name", options->name, "The name for signing in.")->required();
-    add.add_option("--email", options->email, "Also for signing in.")->type_name("ADDRESS");
+    add.add_option("--email", options->email, "E-mail address, also for signing in.")->type_name("ADDRESS");
     add.add_option("--quota", options->quota, "Space for its files in GiB.")
         ->type_name("GIB")
         ->check(IsQuota());

@@ -8,7 +8,7 @@ namespace {
 
 constexpr int MostNamed = 20; // faults of the same kind
 
-/// Each row is a fault: the values for the places in the sentence.
+/// A rule for the records: the query yields a row for each fault, whose values fill the placeholders of the sentence.
 struct Rule
 {
     const char* sql;

@@ -128,7 +128,7 @@ void AddLedger(CLI::App& app, CommandWork& chosen)
 {
     const auto options = std::make_shared<LedgerOptions>();
     CLI::App& command
-        = AddCommand(app, "ledger", "List payments and charges, or their sums, or prove that they add up.",
+        = AddCommand(app, "ledger", "List payments and charges, or their sums, or check that they add up.",
             chosen, [options](Database& database) {
                 Ledger ledger(database);
                 if (options->isCheck)
@@ -139,7 +139,8 @@ void AddLedger(CLI::App& app, CommandWork& chosen)
     command.add_option("--account", options->account, "Only this one.")->type_name("ACCOUNT");
     command.add_option("--from", options->from, "The first day.")->type_name("DAY")->check(IsDay());
     command.add_option("--to", options->to, "The last day.")->type_name("DAY")->check(IsDay());
-    command.add_flag("--by-job", options->byJob, "The sum of each job's charges instead of every one.");
+    command.add_flag(
+        "--by-job", options->byJob, "Show the sum of each job's charges instead of every charge.");
     command.add_flag("--csv", options->isCsv, "Write CSV.");
     command.add_flag("--check", options->isCheck,
         "Compare every balance and charge with what it should be; exit with 1 if one is wrong.");

@@ -13,8 +13,8 @@ namespace farm {
 
 namespace {
 
-/// Keeps a terminal from showing what is typed, for as long as it lives. Ctrl+C does nothing meanwhile, since it would
-/// leave the terminal like that; Ctrl+D gives up.
+/// Keeps a terminal from showing what is typed, for as long as this object lives. Ctrl+C does nothing meanwhile, since
+/// it would leave the terminal in that state; Ctrl+D gives up.
 class Silence
 {
 public:

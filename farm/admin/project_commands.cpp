@@ -40,7 +40,8 @@ void AddAdd(CLI::App& group, CommandWork& chosen)
             return 0;
         });
     add.add_option("name", options->name, "What users see.")->required();
-    add.add_option("--pool", options->pool, "By what clients name the project; a new GUID if not given.")
+    add.add_option(
+           "--pool", options->pool, "Pool by which clients name the project; a new GUID if not given.")
         ->type_name("GUID");
 }
 
@@ -89,7 +90,8 @@ void AddRemove(CLI::App& group, CommandWork& chosen)
               return 0;
           });
     remove.add_option("project", options->project, ProjectHelp)->required();
-    remove.add_flag("--force", options->isForced, "Even if it has jobs, which then belong to no project.");
+    remove.add_flag(
+        "--force", options->isForced, "Remove it even if it has jobs, which then belong to no project.");
 }
 
 using MemberWork = void (ProjectStore::*)(const QString&, const QString&, std::int64_t);
@@ -104,7 +106,7 @@ void AddMemberCommand(
     };
     const auto options = std::make_shared<Options>();
     CLI::App& command = AddCommand(group, name, description, chosen, [options, work](Database& database) {
-        // All of them or none.
+        // All accounts are changed, or none.
         database.Write([&](SQLite::Database&) {
             ProjectStore projects = Projects(database);
             for (const std::string& account : options->accounts)

@@ -53,7 +53,7 @@ std::optional<AccountChanges> ChangeFeed::Subscription::Wait(std::chrono::millis
 
 void ChangeFeed::Subscription::Add(const AccountChanges& changes)
 {
-    // While it waits for the end of the gap, a subscriber is not woken again.
+    // A subscriber that waits for the end of the gap is not woken again.
     if (m_changes.IsEmpty())
         m_wake.notify_one();
     m_changes.Add(changes);

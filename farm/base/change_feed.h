@@ -61,7 +61,7 @@ public:
         std::chrono::steady_clock::time_point m_lastChanges;
     };
 
-    /// A client should show a change within two seconds, and each event costs it processor time.
+    /// A client should show a change within two seconds, but each event costs it processor time.
     static constexpr std::chrono::milliseconds Gap {1700};
 
     void Announce(std::int64_t account, const AccountChanges& changes);

@@ -8,8 +8,8 @@
 
 namespace farm {
 
-/// Keeps some space of the data folder's disk free: below it the farm takes nothing new, but people can still sign in,
-/// delete and download, for which the database needs some space.
+/// Keeps some space on the data folder's disk free. When less is left, the farm takes nothing new, but people can still
+/// sign in, delete and download, for which the database needs some space.
 class DiskReserve
 {
 public:
@@ -19,7 +19,7 @@ public:
 
     /// Throws storage::DiskError for a full disk when this many more bytes would leave less than the reserve.
     void Require(std::int64_t more = 0) const;
-    /// Keeps this many bytes free from now on; copies of the reserve do, too. Thread-safe.
+    /// Keeps this many bytes free from now on. Holds for all copies of this object. Thread-safe.
     void Change(std::int64_t bytes) { *m_bytes = bytes; }
 
 private:

@@ -11,8 +11,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The farm refuses a request. The texts of these errors are sentences for the client and quote nothing of the request but
-/// member names.
+/// The farm refuses a request. The texts of these errors are sentences for the client; of the request they quote
+/// nothing but member names.
 class Refusal : public std::runtime_error
 {
 public:

@@ -2,8 +2,8 @@
 
 namespace farm {
 
-// Lists of many jobs are counted by blocks of running numbers, see JobCounts: of 64 to 16,777,216 of them (2 to the power
-// of `shift`); a later version adds the sizes between. A name is found by its sequences of three characters; the row of a name is
+// Jobs are counted in blocks of 64 to 16,777,216 running numbers (2 to the power of `shift`), see JobCounts; a later
+// migration adds the sizes between. A name is found by its sequences of three characters; its row has the id
 // account * 2^32 + number. `job_changes` holds the latest changes that lists may show.
 const char* const KeptCounts = R"sql(
 CREATE TABLE count_shifts(shift INTEGER PRIMARY KEY);

@@ -2,7 +2,7 @@
 
 namespace farm {
 
-/// The step of the schema by which the database counts jobs and indexes their names.
+/// The migration that makes the database count jobs and index their names.
 extern const char* const KeptCounts;
 
 } // namespace farm

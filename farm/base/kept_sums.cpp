@@ -2,7 +2,7 @@
 
 namespace farm {
 
-// A job may have tens of thousands of frames and is looked at every few seconds.
+// Triggers keep the sums, since a job may have tens of thousands of frames and is looked at every few seconds.
 const char* const KeptSums = R"sql(
 CREATE TABLE job_sums(
     job INTEGER PRIMARY KEY REFERENCES jobs ON DELETE CASCADE,

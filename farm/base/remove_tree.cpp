@@ -18,7 +18,7 @@ namespace farm {
 
 namespace {
 
-/// An open folder. Its permissions are changed so that the owner may read and change it.
+/// An open folder. Opening it changes its permissions so that the owner may read and change it.
 class Folder
 {
 public:
@@ -28,7 +28,8 @@ public:
         if (place < 0)
             return;
         struct stat info = {};
-        // Through /proc, as a mode cannot be changed through such a descriptor, nor by a name that may become a link.
+        // The mode is changed through /proc: such a descriptor does not allow it, and the folder's name may become a
+        // link.
         const std::string self = "/proc/self/fd/" + std::to_string(place);
         if (::fstat(place, &info) == 0 && (info.st_mode & S_IRWXU) != S_IRWXU)
             ::chmod(self.c_str(), S_IRWXU);
@@ -76,7 +77,7 @@ private:
     int m_file = -1;
 };
 
-/// Empties a folder of `top` and removes it. The folders in it become folders of `top`, so that no depth matters.
+/// Empties a folder of `top` and removes it. Its subfolders are moved to `top`, so that no nesting is too deep.
 void Flatten(const Folder& top, const std::string& name, const std::function<bool()>& goesOn)
 {
     const Folder folder(top.File(), name);
@@ -87,7 +88,7 @@ void Flatten(const Folder& top, const std::string& name, const std::function<boo
             return;
         if (folder.Remove(entry))
             continue;
-        // Only a user who may change a folder can move it.
+        // A folder can be moved only by a user who may change it, so it is opened first.
         const Folder inner(folder.File(), entry);
         if (inner.IsOpen())
             ::renameat(folder.File(), entry.c_str(), top.File(), NewId().toStdString().c_str());

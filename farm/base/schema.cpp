@@ -83,8 +83,8 @@ CREATE INDEX jobs_to_render ON jobs(key) WHERE status IN (0, 1, 6);
 CREATE VIEW open_jobs AS SELECT * FROM jobs WHERE status IN (0, 1, 6);
 )sql";
 
-// Contents belong to accounts, jobs refer to contents as their files, and finished frames have a picture. The ranges of a
-// job do not overlap; together they are all the frames that it can ever render.
+// Contents belong to accounts, jobs refer to contents as their files, and finished frames have a picture. The ranges of
+// a job do not overlap; together they hold all frames that it can ever render.
 constexpr const char* ScenesAndPictures = R"sql(
 CREATE TABLE contents(
     account INTEGER NOT NULL REFERENCES accounts ON DELETE CASCADE,
@@ -123,7 +123,7 @@ ALTER TABLE frames ADD COLUMN size INTEGER;
 ALTER TABLE frames ADD COLUMN checksum TEXT;
 )sql";
 
-// Accounts look at their frames one by one, and at their charges by day. The charges' index also serves the sum of a job.
+// Accounts look at single frames, and at their charges by day. The index of charges also serves the sum of a job.
 constexpr const char* FrameDetails = R"sql(
 ALTER TABLE frames ADD COLUMN changed_at INTEGER NOT NULL DEFAULT 0;
 CREATE INDEX frames_by_change ON frames(job, changed_at);
@@ -151,10 +151,11 @@ CREATE TABLE runs(
 CREATE INDEX runs_by_job ON runs(job);
 )sql";
 
-// The queue seeks the next frame by indexes, however many jobs are open and frames a job has. A job is looked for among
-// its account's jobs of its type while resume_at is 0; otherwise all its open frames have failed and wait for the next
-// attempt, the first of them until then. A frame that has failed waits until retry_at, one that is passed by for ever.
-// The first, the middle and the last frame of a job are early. The level of an account's use is that of RecentUse.
+// The queue finds the next frame by indexes, whatever the number of open jobs and of their frames. While resume_at is
+// 0, a job is looked for among its account's jobs of its type; otherwise all its open frames have failed, and the first
+// of them may be tried again at that time. A frame that has failed waits until retry_at, one that is passed by for
+// ever. The first, the middle and the last frame of a job are early. The level of an account's use is that of
+// RecentUse.
 constexpr const char* FairQueue = R"sql(
 ALTER TABLE jobs ADD COLUMN priority INTEGER NOT NULL DEFAULT 0;
 ALTER TABLE jobs ADD COLUMN early INTEGER NOT NULL DEFAULT 0;
@@ -183,14 +184,14 @@ CREATE TABLE stopped_types(
     message TEXT NOT NULL) WITHOUT ROWID;
 )sql";
 
-// Administrators see the jobs of all accounts, above all those that had failed frames.
+// Administrators see the jobs of all accounts, above all those with failed frames.
 constexpr const char* Administrators = R"sql(
 ALTER TABLE accounts ADD COLUMN administrator INTEGER NOT NULL DEFAULT 0;
 CREATE INDEX jobs_with_messages ON jobs(ifnull(ended_at, 9000000000000)) WHERE message <> '';
 )sql";
 
 // An account may have a price and a quota (in bytes) of its own. A project is a group of accounts, known by its pool;
-// there used to be one for each account. The last accounts whose balance clients could not show become bound.
+// there used to be one for each account. The demo account in arrears becomes bound, so that clients show its balance.
 constexpr const char* TermsAndMembers = R"sql(
 ALTER TABLE accounts ADD COLUMN disabled INTEGER NOT NULL DEFAULT 0;
 ALTER TABLE accounts ADD COLUMN quota INTEGER;
@@ -299,13 +300,13 @@ CREATE TABLE data_mark(
     number INTEGER NOT NULL);
 )sql";
 
-// Why the jobs of a type wait: its renderer fails, or is not installed. The second is found out anew at each start.
+// Why the jobs of a type wait: its renderer fails, or is not installed. The latter is checked again at each start.
 constexpr const char* MissingRenderers = R"sql(
 ALTER TABLE stopped_types ADD COLUMN missing INTEGER NOT NULL DEFAULT 0;
 )sql";
 
-// The open jobs of a hindered type wait although its renderer has not failed. The hindrance of a job is the farm's last fault
-// at one of its frames, until a frame is finished.
+// The open jobs of a hindered type wait although its renderer has not failed. The hindrance of a job is the farm's last
+// fault at one of its frames, until a frame is finished.
 constexpr const char* HindrancesOfJobs = R"sql(
 CREATE TABLE hindered_types(
     type TEXT PRIMARY KEY,
@@ -323,8 +324,9 @@ constexpr const char* FrameSteps = R"sql(
 ALTER TABLE frame_ranges ADD COLUMN step INTEGER NOT NULL DEFAULT 1;
 )sql";
 
-// A frame is charged once in each run of its job; older charges did not record the run. A mark in the job's folder tells which
-// run has begun. A deleted job has no frames once its files are freed, but keeps its sums. The audit is kept for a time.
+// A frame is charged once in each run of its job; older charges did not record the run. A mark in the job's folder
+// tells which run has begun. A deleted job has no frames once its files are freed, but keeps its sums. Old entries of
+// the audit are removed.
 constexpr const char* ShortRecords = R"sql(
 ALTER TABLE charges ADD COLUMN run INTEGER;
 ALTER TABLE jobs DROP COLUMN begun_run;
@@ -336,7 +338,7 @@ END;
 UPDATE jobs SET files = 1 WHERE status = 5 AND files = 0;
 )sql";
 
-// Blocks of eight blocks each, so that opening one reads few counts.
+// Each block now consists of eight smaller ones, so that opening one reads few counts.
 constexpr const char* MoreCounts = R"sql(
 INSERT INTO count_shifts VALUES (9), (15), (21);
 INSERT INTO job_counts SELECT account, wider.shift, block >> (wider.shift - job_counts.shift), status, project, type,
@@ -345,7 +347,7 @@ INSERT INTO job_counts SELECT account, wider.shift, block >> (wider.shift - job_
     GROUP BY 1, 2, 3, 4, 5, 6, 7, 8;
 )sql";
 
-// Jobs that ended before scenes were removed at the end.
+// Marks jobs that ended before scenes were removed at the end of a job, so that theirs are removed too.
 constexpr const char* LeftScenes = R"sql(
 UPDATE jobs SET files = 2 WHERE files = 1 AND status IN (2, 3, 4, 7, 8, 9);
 )sql";

@@ -20,11 +20,11 @@ constexpr int LongestName = 256;
 constexpr int LongestPassword = 1024;
 constexpr int DaysByDefault = 30;
 constexpr int MostDays = 366;
-// Passwords are compared one at a time, each of which takes a tenth of a second, and each sign-in that waits occupies a
+// Passwords are compared one at a time, which takes a tenth of a second each, and each waiting sign-in occupies a
 // thread of the server.
 constexpr int MostSignInsAtOnce = 32;
 
-/// A place among the sign-ins whose passwords are compared, for as long as it lives. Throws HttpRefusal when none is free.
+/// A place in the queue of sign-ins, held for as long as this object lives. Throws HttpRefusal when none is free.
 class SignInPlace
 {
 public:
@@ -79,7 +79,7 @@ QJsonObject AccountRoutes::SignIn(const ApiRequest& request)
         return m_accounts.SignIn(name, password, Now(), address);
     }();
     if (!session) {
-        // The typed name stays out of the log: it may be a password in the wrong place.
+        // The typed name stays out of the log, since it may be a password typed into the wrong field.
         spdlog::warn("a sign-in from {} was refused", address.toStdString());
         throw HttpRefusal {401, "unauthorized", QStringLiteral("the name or the password is wrong")};
     }

@@ -12,7 +12,7 @@ AccountTurns::Turn AccountTurns::Take(std::int64_t account)
 {
     std::unique_lock lock(m_mutex);
     Line& line = m_lines[account];
-    // Others that wait have come before.
+    // Those that already wait go first.
     if (line.served == m_atOnce || line.waiting > 0) {
         if (line.waiting == m_mostWaiting)
             return nullptr;

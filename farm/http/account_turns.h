@@ -8,15 +8,16 @@
 
 namespace farm {
 
-/// Serves few requests of an account at a time, so that an account with many connections does not hold the others up.
-/// Thread-safe.
+/// Serves only a few requests of an account at a time, so that an account with many connections does not hold up the
+/// others. Thread-safe.
 class AccountTurns
 {
 public:
-    /// Ends when the last copy goes.
+    /// A turn, which ends with its last copy.
     using Turn = std::shared_ptr<const void>;
 
-    /// @param atOnce is the most turns of an account at a time, and `waiting` the most requests of it that wait for one.
+    /// @param atOnce the most turns of an account at a time.
+    /// @param waiting the most requests of an account that wait for a turn.
     AccountTurns(int atOnce, int waiting);
 
     /// Waits until the account has a turn left. Returns null at once when too many requests of it wait already.

@@ -32,7 +32,7 @@ QJsonArray PicturesJson(const std::vector<Picture>& pictures);
 QJsonArray FramesJson(const std::vector<FrameRecord>& frames);
 QJsonObject ChangesJson(const AccountChanges& changes);
 /// How far the frame is in percent; null when that is unknown, or when too many logs would have to be read.
-/// @param frames in the same answer.
+/// @param frames is the number of frames in the same answer.
 QJsonValue PercentJson(const FrameInWork& frame, std::size_t frames);
 QJsonObject StorageJson(const AccountStorage& storage, std::int64_t quota);
 /// Wraps the value in an object as its member "data".

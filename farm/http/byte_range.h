@@ -16,7 +16,7 @@ struct ByteRange
 };
 
 /// The range that a Range header asks for, limited to the file's `size` bytes. Nothing when the header cannot be read,
-/// asks for several ranges or asks for no byte of the file.
+/// asks for several ranges or for none of the file's bytes.
 std::optional<ByteRange> ParseRange(const QByteArray& header, std::int64_t size);
 
 /// The value of the Content-Range header of an answer with this range.

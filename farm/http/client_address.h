@@ -10,8 +10,8 @@ namespace farm {
 /// the text is not an address.
 QByteArray PlainAddress(const QByteArray& text);
 
-/// The key by which limits count a client: the address or, for IPv6, its 64-bit network, all of which one client may
-/// own.
+/// The key by which limits count a client: the address or, for IPv6, its 64-bit network, which may belong to one client
+/// as a whole.
 QByteArray NetworkOf(const QByteArray& plainAddress);
 
 /// Whether only this machine can reach a server that listens there.

@@ -58,7 +58,7 @@ QByteArray EventRoutes::EventOf(std::int64_t account, const AccountChanges& chan
     QJsonObject event = ChangesJson(changes);
     if (changes.money)
         event.insert(QStringLiteral("account"), AccountJson(m_accounts.Info(account)));
-    // A client has to ask for a list that may hold other jobs, and then gets the records anyway.
+    // When lists may contain other jobs, the client has to ask for its list and gets the records anyway.
     if (!changes.list && changes.jobs.size() <= MostRecords) {
         QJsonArray records;
         for (const QString& job : changes.jobs)

@@ -15,7 +15,7 @@ namespace farm {
 namespace {
 
 // A change carries the time at which its writer began to wait for the database, so it may appear after one with a later
-// time. So each answer repeats the changes of these seconds.
+// time. Therefore each answer repeats the changes of the last seconds.
 constexpr std::int64_t LongestWrite = 10; // s
 
 } // namespace

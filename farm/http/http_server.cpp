@@ -24,11 +24,12 @@ namespace farm {
 namespace {
 
 constexpr std::size_t LargestBody = std::size_t {1024} * 1024; // bytes
-// Many, because threads mostly wait for the database and for the disk. Streams of events have further ones, so that they never
-// keep a request waiting.
+// There are many threads, because they mostly wait for the database and for the disk. Streams of events get additional
+// ones, so that they never keep a request waiting.
 constexpr std::size_t MostThreads = 64 + HttpServer::MostStreams;
 constexpr unsigned int PeerTimeout = 30000; // ms
-// The library lets five connections wait. In a burst further ones are dropped, and their clients try again after a second.
+// The library's own backlog is five connections. In a burst, further ones are dropped, and their clients try again only
+// after a second.
 constexpr int Backlog = 1024;
 
 void Answer(httplib::Response& response, int status, const QJsonObject& body)
@@ -63,7 +64,7 @@ bool HasUnwantedHeader(const httplib::Request& request)
         if (request.has_header(header))
             return true;
     }
-    // It also reads bodies of any size for other methods.
+    // For other methods, too, it reads bodies of any size.
     const auto& methods = {"GET", "HEAD", "POST", "PUT", "DELETE"};
     if (std::find(methods.begin(), methods.end(), request.method) == methods.end())
         return true;

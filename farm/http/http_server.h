@@ -40,7 +40,7 @@ public:
     /// The body as raw bytes.
     QByteArray Bytes() const;
 
-    /// Keeps what the request occupies until it has been answered.
+    /// Holds on to what the request occupies until it has been answered.
     void Keep(std::shared_ptr<const void> occupied) const { m_occupied = std::move(occupied); }
 
 private:
@@ -89,8 +89,8 @@ public:
     void Delete(const char* path, Handler handler);
     /// Serves a file without occupying a thread, with support for Range, If-Range and If-Match.
     void GetFile(const char* path, FileHandler handler);
-    /// Serves a text of this media type to browsers and programs other than clients. A page may use nothing but what
-    /// the farm itself serves.
+    /// Serves a text of this media type to browsers and to programs other than clients. A page can load nothing but
+    /// what the farm itself serves.
     void GetText(const char* path, const char* type, TextHandler handler);
     /// Sends the stream that the handler returns. Each stream occupies a thread, so the handler must not return more than
     /// `MostStreams` at a time.

@@ -12,10 +12,11 @@ namespace farm {
 class MetricsText
 {
 public:
-    /// Label values with their figures; a single figure has no label.
+    /// Figures by the values of their label. A single figure has no label.
     using Values = std::vector<std::pair<std::string, double>>;
 
-    /// @param type is "gauge" or "counter". @param label names what the values are for.
+    /// @param type is "gauge" or "counter".
+    /// @param label is the name of the label; unused for a single figure.
     void Add(const char* name, const char* type, const char* help, const Values& values, const char* label);
     void Add(const char* name, const char* type, const char* help, double value);
 

@@ -169,7 +169,7 @@ FileAnswer OverviewRoutes::SendOwnLog(const ApiRequest& request)
     return LogAnswer(m_deps.logs.OpenOwn(account, request.PathPart(), FrameOf(request)));
 }
 
-// Names of accounts and jobs are left out, as this is for a program without a session.
+// Names of accounts and jobs are left out, because the reader needs no session.
 QByteArray OverviewRoutes::Metrics(const HttpServer& server) const
 {
     MetricsText text;

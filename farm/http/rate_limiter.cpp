@@ -37,8 +37,8 @@ double RateLimiter::Left(const Bucket& bucket, Clock::time_point now) const
     return std::min(m_rate.burst, bucket.left + passed.count() * m_rate.perSecond);
 }
 
-// A full bucket means the same as no bucket. The next threshold is twice the number of remaining buckets; otherwise every
-// request of a flood would search through all keys.
+// A full bucket means the same as no bucket. The next clean-up comes when the remaining buckets have doubled; otherwise
+// every request of a flood would search through all keys.
 void RateLimiter::DropFullBuckets(Clock::time_point now)
 {
     for (auto bucket = m_buckets.begin(); bucket != m_buckets.end();) {

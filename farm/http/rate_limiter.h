@@ -26,7 +26,7 @@ public:
     /// Takes one use. Returns nothing, or, when no use is left, the seconds until the next one (at least 1).
     std::optional<int> Take(const std::string& key, Clock::time_point now = Clock::now());
 
-    /// Gives back a use that should not count after all.
+    /// Returns a use that should not count after all.
     void GiveBack(const std::string& key);
 
 private:

@@ -15,7 +15,7 @@ namespace {
     throw InvalidInput(std::string("the condition ") + key + " cannot be read");
 }
 
-// Clients send codes as texts or as whole numbers; both are returned as text.
+// Clients send codes as texts or as whole numbers; either is returned as a text.
 QString TextOf(const QJsonObject& conditions, const char* key)
 {
     const QJsonValue value = conditions.value(QLatin1String(key));

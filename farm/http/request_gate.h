@@ -23,9 +23,9 @@ struct RequestLimits
     /// Sign-ins beyond this limit are slowed down instead of refused.
     Rate failedSignInsByName {100, 0.2};
     std::chrono::milliseconds slowSignIn {2000};
-    /// The requests of an account that are served at a time, transfers left out: they leave processors to others.
+    /// The most requests of an account that are served at a time, not counting transfers. Leaves processors to others.
     int requestsAtOnce = std::max(1, int(std::thread::hardware_concurrency()) / 2);
-    /// The requests of an account that wait for this; each occupies a thread.
+    /// The most requests of an account that wait for a turn; each occupies a thread.
     int requestsWaiting = 32;
 };
 

@@ -13,7 +13,8 @@ constexpr std::size_t BodyThreads = 64;
 
 } // namespace
 
-/// Stands in for the library's threads: the waiting room, the threads to which it leads, and the sending room behind them.
+/// Replaces the library's threads by a waiting room, the threads that serve its requests, and a sending room for the
+/// rest of their answers.
 class RequestServer::Admission : public httplib::TaskQueue
 {
 public:

@@ -5,8 +5,8 @@
 
 namespace farm {
 
-/// The library's server with two changes: a connection has a thread only from the arrival of its request until the answer is
-/// known, and is given up when its client is too slow.
+/// The library's server with two changes: a connection occupies a thread only from the arrival of its request until the
+/// answer is known, and it is given up when its client is too slow.
 class RequestServer : public httplib::Server
 {
 public:

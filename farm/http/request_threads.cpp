@@ -20,7 +20,7 @@ void RequestThreads::enqueue(std::function<void()> task)
         try {
             StartThread();
         } catch (const std::system_error&) {
-            // The system has no more threads for this process, so the task waits for one of those that run.
+            // The system allows this process no more threads, so the task waits for one of the running ones.
         }
     }
     m_wake.notify_one();

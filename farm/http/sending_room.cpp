@@ -24,7 +24,7 @@ constexpr std::int64_t MostBytes = std::int64_t {256} << 20;
 constexpr std::chrono::milliseconds LongestPause = 30s;
 constexpr std::chrono::milliseconds LookInterval = 200ms;
 constexpr std::chrono::milliseconds LongestEnd = 1s;
-// After this much of an answer, the others have their turn.
+// After this much of an answer, the others get their turn.
 constexpr std::int64_t MostAtOnce = std::int64_t {1} << 20; // bytes
 
 /// Waits for the client to take bytes. One-shot, so that no two threads serve the connection.

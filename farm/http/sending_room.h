@@ -38,8 +38,8 @@ public:
     SendingRoom(const SendingRoom&) = delete;
     SendingRoom& operator=(const SendingRoom&) = delete;
 
-    /// Takes over the connection. When there are too many, or their answers take too much memory, it closes those whose
-    /// clients have taken nothing for longest.
+    /// Takes over the connection. When there are too many, or their answers take too much memory, those whose clients
+    /// have taken nothing for longest are closed.
     void Add(int socket, const AnswerRest& rest);
 
 private:

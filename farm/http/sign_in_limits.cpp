@@ -49,8 +49,8 @@ void SignInLimits::Admit(const QString& name, const QByteArray& address, bool is
     RefuseWhenTooMany(refusal);
 }
 
-// Names are counted as they were typed. Counting a name and its e-mail address together would tell that both belong to
-// an account.
+// Names are counted as they were typed. Counting a name and its e-mail address together would reveal that both belong
+// to one account.
 std::optional<int> SignInLimits::Refusal(const QString& name, const QByteArray& address, bool isKnown)
 {
     constexpr int RetryAfter = 5; // s

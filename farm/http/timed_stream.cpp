@@ -13,7 +13,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::chrono::milliseconds LongestWait = 5s;
-// A client may keep the farm waiting for this long, and further for as long as its bytes take at the slowest speed.
+// A client may keep the farm waiting for this long, plus the time that its bytes take at the slowest speed.
 constexpr std::chrono::milliseconds Grace = 10s;
 constexpr std::int64_t SlowestSpeed = 8; // bytes per millisecond
 

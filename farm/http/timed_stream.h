@@ -9,9 +9,9 @@
 
 namespace farm {
 
-/// A connection's stream. The connection is closed when its client keeps the farm waiting too long for the next bytes, or
-/// too long in all for the number of bytes. Only a stream of events waits for the client; of other answers, the part that
-/// the client does not take at once is kept for later.
+/// A connection's stream. The connection is closed when its client keeps the farm waiting too long for the next bytes,
+/// or too long in all for the number of bytes. Only a stream of events waits for the client; the part of another answer
+/// that the client does not take at once is kept for later.
 class TimedStream : public httplib::Stream
 {
 public:
@@ -24,7 +24,7 @@ public:
     static TimedStream& Current();
     /// Makes writing wait for the client from now on.
     void WaitForClient() { m_waits = true; }
-    /// Queues a part of a file behind all that has been written.
+    /// Queues a part of a file after everything written so far.
     void LeaveFile(const std::shared_ptr<QFile>& file, std::int64_t offset, std::int64_t length);
     /// The bytes and the file that are still to be sent.
     const AnswerRest& Rest() const { return m_rest; }

@@ -25,7 +25,7 @@ constexpr int MostOfAnAddress = 512;
 constexpr int MostBytes = 48 * 1024;
 constexpr int MostOfABody = 32 * 1024;
 
-/// A request is Begun once enough of it has arrived for a thread to read the rest as it comes.
+/// A request is Begun once so much of it has arrived that a thread may read the rest as it comes.
 enum class Arrival { Unfinished, Begun, Whole, Gone };
 
 /// The number of body bytes that the server reads before it answers.
@@ -62,7 +62,7 @@ Arrival ArrivalOf(int socket)
     const qlonglong here = got - (end + 4);
     if (here >= wanted)
         return Arrival::Whole;
-    // With "Expect", the client waits to be told before it sends the body.
+    // A client that sends "Expect" waits for a go-ahead before it sends the body.
     const bool isAsking = bytes.left(end + 2).toLower().contains("\r\nexpect:");
     return isAsking || here >= MostOfABody || got == MostBytes ? Arrival::Begun : Arrival::Unfinished;
 }
@@ -187,7 +187,7 @@ int WaitingRoom::CloseLate()
                 + 1;
         Close(m_guests.begin());
     }
-    // No connection stays longer than this, so one that arrives meanwhile is not late before the next look.
+    // A connection that arrives meanwhile cannot be late before the next look, because each may stay for this long.
     return int(LongestStay.count());
 }
 

@@ -16,7 +16,7 @@ bool FarmOverview::IsAdministrator(std::int64_t account)
     });
 }
 
-// The kept counts of the largest blocks are few. CROSS JOIN makes SQLite look them up account by account.
+// There are few kept counts of the largest blocks. CROSS JOIN makes SQLite look them up account by account.
 std::vector<AccountQueue> FarmOverview::Queues()
 {
     return m_database.Read([](SQLite::Database& connection) {

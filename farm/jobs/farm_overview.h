@@ -36,7 +36,7 @@ struct FailedJob
     std::int64_t endedAt = 0; // seconds since the epoch; 0 while the job goes on
 };
 
-/// Administrators' view of all accounts. Quick, however many jobs there are. Thread-safe.
+/// The administrators' view of all accounts. Quick, however many jobs there are. Thread-safe.
 class FarmOverview
 {
 public:
@@ -45,7 +45,7 @@ public:
     bool IsAdministrator(std::int64_t account);
     /// Accounts that have jobs in one of these states, sorted by name.
     std::vector<AccountQueue> Queues();
-    /// The failures of open jobs come first, then the latest ones.
+    /// Failures of open jobs come first, then the latest ones.
     std::vector<FailedJob> Failures(int most);
     /// The job types whose frames do not start, each with the reason.
     std::map<QString, QString> HinderedTypes();

@@ -13,8 +13,8 @@ constexpr const char* WantedFrames
       "SELECT job, first, last, step FROM frame_ranges WHERE job IN (SELECT value FROM json_each(?1)) "
       "UNION ALL SELECT job, number + step, last, step FROM wanted WHERE number + step <= last) ";
 
-/// Whether the range continues with `frame`, the next wanted one. Two frames with a gap between them form a range only
-/// if a third one follows.
+/// Whether `frame`, the next wanted one, continues the range. Two frames with a gap between them form a range only if a
+/// third one follows at the same distance.
 bool Continues(const FrameRange& range, int frame, const std::vector<bool>& isWanted)
 {
     const int gap = frame - range.last;

@@ -71,8 +71,8 @@ FrameList FrameStore::List(std::int64_t account, const QString& job, std::int64_
         list.job = KeyOf(connection, account, job);
         list.total = CountOf(connection, list.job);
         list.priority = PriorityOf(connection, list.job);
-        // The plus keeps SQLite from going through all frames in the order of their numbers to find the few changed ones.
-        // A frame has a charge for each run of the job; the last one is that of the picture.
+        // Without the plus, SQLite would go through all frames in the order of their numbers to find the few changed
+        // ones. A frame has a charge for each run of the job; the last one is that of the picture.
         SQLite::Statement query(connection,
             "SELECT number, failures, finished_at IS NOT NULL, iif(?3, '', coalesce(file, '')), "
             "iif(?3, 0, coalesce(size, 0)), "

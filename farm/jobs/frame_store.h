@@ -7,10 +7,11 @@
 
 namespace farm {
 
-/// After this many failed attempts at a frame, the job fails.
+/// After this many failed attempts at a frame, its job passes the frame by and ends as failed.
 constexpr int AttemptsPerFrame = 3;
 
-/// The codes are part of the interface to clients. Whether a frame is being rendered is not recorded; see FramesInWork.
+/// The codes are part of the interface to clients. The database does not record that a frame is being rendered; see
+/// FramesInWork.
 enum class FrameState {
     Waiting = 0,
     Finished = 2,
@@ -22,7 +23,7 @@ struct FrameRecord
 {
     int number = 1;
     FrameState state = FrameState::Waiting;
-    /// The attempts that have ended in the current run of the job.
+    /// The number of attempts that have ended in the current run of the job.
     int attempts = 0;
     /// The processor time that the finished frame took.
     std::int64_t coreMilliseconds = 0;

@@ -50,7 +50,7 @@ Rule RuleOf(JobAction action)
 QString AffectedJobs(
     SQLite::Database& connection, const char* appliesTo, std::int64_t account, const QStringList& ids)
 {
-    // The plus keeps SQLite from going through all jobs of the account.
+    // Without the plus, SQLite would go through all jobs of the account.
     SQLite::Statement query(connection,
         std::string("SELECT count(*), json_group_array(key) FILTER (WHERE ") + appliesTo
             + ") FROM jobs WHERE +account = ? AND id IN (SELECT value FROM json_each(?))");

@@ -23,15 +23,14 @@ public:
     JobActions(
         Database& database, ChangeFeed& feed, const AccountTerms& terms, std::function<void()> changed);
 
-    /// Applies the action to the account's jobs with these ids; jobs whose status does not allow it are left as they are.
-    /// `now` is in seconds since the epoch, and `address` is where the request comes from, empty when the farm itself acts.
-    /// Returns the refused ids: all of them when the account is in arrears and the
-    /// action would make jobs render, otherwise none. Throws NotFound, and does nothing, when an id is not one of the
-    /// account's jobs.
+    /// Applies the action to the account's jobs with these ids; jobs whose status does not allow it are left as they
+    /// are. `now` is in seconds since the epoch, and `address` is where the request comes from, empty when the farm
+    /// itself acts. Returns the refused ids: all of them when the account is in arrears and the action would make jobs
+    /// render, otherwise none. Throws NotFound, and does nothing, when an id is not one of the account's jobs.
     QStringList Apply(JobAction action, std::int64_t account, QStringList ids, std::int64_t now,
         const QString& address = {});
 
-    /// Gives those of the jobs that are not deleted this priority. Throws NotFound as Apply() does.
+    /// Gives this priority to those of the jobs that are not deleted. Throws NotFound as Apply() does.
     void SetPriority(
         std::int64_t account, QStringList ids, int priority, std::int64_t now, const QString& address = {});
 

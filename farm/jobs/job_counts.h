@@ -8,9 +8,9 @@
 
 namespace farm {
 
-/// Counts the jobs of an account that meet conditions, and finds those at a place of their list, without reading them all.
-/// The database keeps the number of jobs of each kind for each block of running numbers, and for blocks of blocks; a
-/// block is opened only when the place is inside it or when it is not known which of its jobs meet a bound of time.
+/// Counts the jobs of an account that meet conditions, and finds those at an offset in their list, without reading them
+/// all. The database keeps the number of jobs of each kind for each block of running numbers, and for blocks of blocks;
+/// a block is opened only when the offset is inside it, or when it is not known which of its jobs meet a bound of time.
 /// Use it within one Database::Read(). Conditions on number, name and ids are not considered.
 class JobCounts
 {

@@ -23,8 +23,8 @@ void Require(JobFilter& filter, const char* comparison, const std::optional<std:
         filter.Add(comparison + std::to_string(*value));
 }
 
-// The columns that `jobs` and `job_counts` share. A plus keeps SQLite from using an index on the column: jobs are found
-// by their ids or read in the order of their numbers.
+// The conditions on columns that `jobs` and `job_counts` share. A plus keeps SQLite from using an index on the column:
+// jobs are found by their ids or read in the order of their numbers.
 JobFilter SharedTerms(std::int64_t account, const JobConditions& conditions)
 {
     JobFilter filter {(conditions.ids ? "+account = " : "account = ") + std::to_string(account), {}};

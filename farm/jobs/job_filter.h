@@ -24,11 +24,11 @@ struct JobFilter
 /// status.
 JobFilter FilterFor(std::int64_t account, const JobConditions& conditions);
 
-/// The same for the rows of `job_counts`, which stand for several jobs each; conditions on number, name and ids are not
+/// The same for the rows of `job_counts`, each of which counts several jobs; conditions on number, name and ids are not
 /// considered.
 struct CountFilter
 {
-    /// Selects the rows with jobs that may meet the conditions.
+    /// Selects the rows among whose jobs some may meet the conditions.
     JobFilter some;
     /// An SQL expression that tells whether all jobs of such a row meet the conditions.
     std::string all;

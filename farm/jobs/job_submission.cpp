@@ -76,7 +76,7 @@ std::int64_t JobSubmission::CheckFiles(const NewJob& job, std::int64_t quota)
     const auto sizes = m_contents.SizesOf(job.account, checksums.values());
     if (sizes.size() != checksums.size())
         throw Conflict("the farm does not have the content of one of the files");
-    // The job gets a copy of each file, so a content counts as often as it is named.
+    // The job may get a copy of each file, so a content counts as often as it is named.
     std::int64_t bytes = 0;
     for (const JobFile& file : job.files) {
         bytes += sizes.value(file.checksum);

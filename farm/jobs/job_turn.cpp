@@ -45,7 +45,7 @@ bool End(SQLite::Database& connection, std::int64_t job, JobStatus status, std::
         != 0;
 }
 
-/// Puts the number of failed frames in front of the message, which names the first failed frame and the reason.
+/// Puts the number of failed frames before the message, which names the first failed frame and the reason.
 void CountFailures(SQLite::Database& connection, std::int64_t job)
 {
     Execute(connection,

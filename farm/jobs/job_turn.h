@@ -7,7 +7,7 @@
 
 namespace farm {
 
-/// The `retry_at` of a frame whose attempts have all failed: the job passes the frame by and never tries it again.
+/// The `retry_at` of a frame whose attempts have all failed: the job passes it by and does not try it again.
 constexpr std::int64_t PassedBy = std::numeric_limits<std::int64_t>::max();
 
 /// Updates the columns by which the queue finds a job, after the job's frames have changed: whether frames can be

@@ -10,10 +10,10 @@ namespace {
 
 constexpr std::size_t MostKept = 64; // results; one takes 125 kB for a million jobs
 constexpr std::size_t FewCandidates = 1000;
-constexpr std::size_t MostAlone = 20'000; // jobs; for more, it is quicker to search through all
+constexpr std::size_t MostAlone = 20'000; // jobs to check one by one; beyond it, reading all jobs is quicker
 // The index of names consists of these.
 constexpr int SequenceLength = 3; // characters
-constexpr int MostSequences = 32; // sequences of a long text to look up; few names are left then
+constexpr int MostSequences = 32; // looked up for a long text; more would exclude few further names
 
 std::string KeyOf(const JobFilter& filter)
 {
@@ -54,7 +54,7 @@ std::vector<std::int64_t> Candidates(
 
 NumberSet SearchThroughAll(SQLite::Database& connection, const JobFilter& filter)
 {
-    // In the order in which the jobs lie in the file.
+    // NOT INDEXED reads the jobs in the order in which they lie in the file.
     SQLite::Statement query(connection, "SELECT number FROM jobs NOT INDEXED WHERE " + filter.where);
     filter.BindTo(query);
     NumberSet found;

@@ -46,16 +46,16 @@ public:
     virtual int Capacity() const = 0;
     /// Runs that the executor already holds go on, even beyond the new number.
     virtual void SetCapacity(int runs) = 0;
-    /// Whether the type's renderer is installed where frames run. After Unknown, AvailabilityChanged() follows.
+    /// Whether the type's renderer is installed where frames run. AvailabilityChanged() follows an answer of Unknown.
     virtual Availability Has(const JobType& type) = 0;
     /// Why frames of the type wait, as a clause for users and administrators; empty when nothing hinders them.
     virtual QString HindranceOf(const JobType& type) const = 0;
-    /// The runs have been recorded and their orders written. A run that cannot be started ends like any other.
+    /// Starts runs, which have been recorded and whose orders have been written. One that cannot be started ends like
+    /// any other.
     virtual void Start(const std::vector<Run>& runs) = 0;
-    /// The run's end is reported later: Cancelled, or another one that came first. Unknown runs are ignored.
+    /// Cancels a run. Its end is reported later: Cancelled, or another one that came first. Unknown runs are ignored.
     virtual void Cancel(const RunId& run) = 0;
-    /// Called once, before all other operations: takes these runs over. Runs that no longer exist end
-    /// as MachineLost.
+    /// Takes these runs over. Called once, before all other operations. Runs that no longer exist end as MachineLost.
     virtual void Attach(const std::vector<RecordedRun>& runs) = 0;
     /// Called when the farm shuts down; nothing is reported afterwards.
     virtual void Stop() = 0;

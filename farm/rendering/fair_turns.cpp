@@ -9,7 +9,7 @@ namespace {
 
 // A frame counts at least this much, so that accounts take turns even with frames that cost next to nothing.
 constexpr double LeastCoreSeconds = 0.1;
-// The logarithm of the most core-seconds. A use beyond it is of a time to come, when the clock was wrong.
+// The logarithm of the most core-seconds. A use beyond it was recorded with a time in the future, by a wrong clock.
 constexpr double MostUse = 32;
 
 double UseForItsShare(const Contender& contender)

@@ -14,8 +14,8 @@
 namespace farm {
 
 /// Finds the frames of accounts that are rendered next, by seeking in indexes. It goes through the frames of a job only
-/// once: a frame that was passed over stays so. The cost grows with the frames found and in work, but with neither
-/// the number of jobs nor that of their frames. Use it inside one Database::Read().
+/// once: a frame that was passed over stays so. The cost grows with the frames that are found or in work, but not with
+/// the number of jobs or of their frames. Use it inside one Database::Read().
 class FrameChoice
 {
 public:

@@ -113,8 +113,8 @@ int FrameFiles::BegunRun(const QString& jobId) const
     return mark.open(QIODevice::ReadOnly) ? mark.readAll().toInt() : 0;
 }
 
-/// Removes the frames of earlier runs before the first of this one is rendered. A file names the run that has begun, and is on
-/// the disk before that frame is.
+/// Removes the frames of earlier runs before the first frame of this run is rendered. A file names the run that has
+/// begun; it is on the disk before that frame is.
 void FrameFiles::BeginRun(const FrameTask& task, const QString& suffix) const
 {
     const int begun = BegunRun(task.jobId);
@@ -160,8 +160,8 @@ void FrameFiles::RequireRoom() const
         throw storage::DiskError("the disk is full", ENOSPC);
 }
 
-/// A renderer that has made the picture a link to another file could change both later, and the farm must not change the
-/// other one's permissions.
+/// Makes sure that the picture is not a hard link to another file: the renderer could change both later, and the farm
+/// must not change the other file's permissions.
 void FrameFiles::OwnAlone(const QString& picture)
 {
     struct stat info = {};
@@ -186,7 +186,7 @@ Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix, const Run
     const QString place = QDir(JobFolder(task.jobId)).filePath(name);
     const QFileInfo left(unfinished);
     const QFileInfo kept(place);
-    // An older picture is that of an earlier run of the job.
+    // An older picture belongs to an earlier run of the job.
     const bool isKept = mayBeKept && !left.exists() && !left.isSymLink() && kept.isFile()
         && kept.lastModified() >= QFileInfo(places.run.Order()).lastModified();
     if (isKept) {

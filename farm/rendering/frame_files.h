@@ -52,17 +52,17 @@ public:
     {
         /// The suffix of the pictures.
         QString suffix;
-        /// Whether the scene may be linked to the farm's contents, for renderers that cannot change them.
+        /// Whether the scene's files may be links to the farm's contents, for renderers that cannot change them.
         bool mayLink = false;
     };
     /// Creates the job's folder with its scene and the run's folder; removes the frames of earlier runs of the job.
     /// Throws Interrupted, SceneError and, when the farm is at fault, other exceptions.
     RenderPlace Prepare(
         const FrameTask& task, const Manner& manner, const RunId& run, const GoesOn& goesOn) const;
-    /// Throws storage::DiskError when the disk is so full that a renderer may have failed for that reason.
+    /// Throws storage::DiskError when the disk is so full that a renderer may have failed because of it.
     void RequireRoom() const;
-    /// Moves a rendered frame to its place; it is on the disk when it returns. Throws SceneError when there is no picture,
-    /// and other exceptions when it cannot be moved; it may be in its place even then.
+    /// Moves a rendered frame to its place, where it is on the disk when this function returns. Throws SceneError when
+    /// there is no picture, and other exceptions when it cannot be moved; it may be in its place even then.
     /// @param mayBeKept allows the picture to be there already.
     Picture Keep(
         const FrameTask& task, const QString& suffix, const RunId& run, bool mayBeKept = false) const;
@@ -75,7 +75,8 @@ public:
     /// Removes everything that a run has left behind.
     void Discard(const FrameTask& task, const RunId& run) const;
 
-    /// The latest run of a job that has begun in its folder; 0 when none has, or only with an early version of the farm.
+    /// The latest run of a job that has begun in its folder; 0 when none has, or when an early version of the farm
+    /// began it.
     int BegunRun(const QString& jobId) const;
 
 private:

@@ -7,12 +7,12 @@
 
 namespace farm {
 
-/// Reads from a renderer's output how far it is.
+/// Reads the progress of a renderer from its output.
 struct FrameProgress
 {
-    /// The file of all that it has written so far.
+    /// The file with everything that the renderer has written so far.
     QString log;
-    /// Finds a report of its progress, see JobType::progress; empty when it makes none.
+    /// Matches the reports of progress, see JobType::progress; empty when the renderer makes none.
     QRegularExpression pattern;
 
     /// The latest report at the end of the log in percent; none without a report.

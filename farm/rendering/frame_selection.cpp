@@ -65,7 +65,7 @@ bool FrameSelection::HasRoom(const QString& type) const
     return most <= 0 || m_deps.load.FramesOfType(type) < most;
 }
 
-/// The accounts that have open jobs, found by one seek each.
+/// Finds the accounts that have open jobs, with one seek each.
 void FrameSelection::FindContenders()
 {
     SQLite::Statement query(m_connection,

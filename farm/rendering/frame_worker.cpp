@@ -45,7 +45,8 @@ void FrameWorker::Settle(const RunId& id, const FrameTask& task, RunEnd end, boo
 {
     m_keepers.Add(task.account, task.key.job, [this, id, task, end, mayBeKept] {
         const FileReport report = SettleNow(id, task, end, mayBeKept);
-        // The other files stay until the end is recorded: if the farm crashes before that, the next one needs them.
+        // The other files stay until the end is recorded: if the farm crashes before that, it needs them after the
+        // restart.
         m_files.KeepLog(task, id);
         emit Settled(id, report);
     });
@@ -101,7 +102,8 @@ FileReport FrameWorker::SettleNow(const RunId& id, const FrameTask& task, RunEnd
     }
     if (report.picture || report.fault == FileReport::Fault::Farm)
         return report;
-    // A renderer that has filled the disk by itself must not have its frame excused, and others need the space.
+    // The output is removed first, so that a renderer which has filled the disk by itself is blamed for it, and others
+    // get the space.
     m_files.DiscardOutput(task, id);
     try {
         m_files.RequireRoom();

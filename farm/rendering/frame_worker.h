@@ -32,8 +32,8 @@ struct FileReport
     std::optional<Picture> picture = {};
 };
 
-/// Does the scheduler's work on files in threads of its own: large scenes and pictures take minutes. Belongs to the
-/// scheduler's thread, in which it reports.
+/// Does the scheduler's work on files in threads of its own, since large scenes and pictures take minutes. Belongs to
+/// the scheduler's thread, in which it reports.
 class FrameWorker : public QObject
 {
     Q_OBJECT
@@ -47,8 +47,8 @@ public:
 
     /// Provides the scene and writes the order. Prepared() follows.
     void Prepare(const RunId& id, const FrameTask& task, const Flag& isUnwanted);
-    /// Keeps the picture of a run that is done. Finds out for a failed one whether a full disk may be the reason. Settled()
-    /// follows, when the log is in its place.
+    /// Keeps the picture of a run that is done; finds out whether a failed one may have failed because of a full disk.
+    /// Settled() follows when the log is in its place.
     /// @param mayBeKept says that the picture may be in its place already.
     void Settle(const RunId& id, const FrameTask& task, RunEnd end, bool mayBeKept);
     /// Removes what is left of the run.
@@ -68,7 +68,7 @@ private:
     JobTypes m_types;
     Renderers m_renderers;
     std::atomic_bool m_isStopped {false};
-    /// Finished pictures do not wait behind large scenes.
+    /// Scenes and pictures have workers of their own, so that finished pictures do not wait behind large scenes.
     JobWorkers m_preparers;
     JobWorkers m_keepers;
 };

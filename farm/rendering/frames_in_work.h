@@ -16,7 +16,7 @@ struct FrameInWork
     std::int64_t since = 0; // seconds since the epoch
     FrameProgress progress = {};
 
-    /// For how long, in seconds. A clock that was set back does not make it negative.
+    /// How long it has been rendered, in seconds; not negative even if the clock was set back.
     std::int64_t Seconds(std::int64_t now) const { return std::max<std::int64_t>(now - since, 0); }
 };
 

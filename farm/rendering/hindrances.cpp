@@ -8,7 +8,7 @@ Hindrances::Hindrances(Database& database, ChangeFeed& feed)
     : m_database(database)
     , m_feed(feed)
 {
-    // Reasons from before the restart are found out again.
+    // Reasons from before the restart are determined anew.
     m_database.Write([](SQLite::Database& connection) { connection.exec("DELETE FROM hindered_types"); });
 }
 
@@ -37,7 +37,7 @@ void Hindrances::Set(const QMap<QString, QString>& byType)
 QStringList Hindrances::OpenTypes()
 {
     return m_database.Read([](SQLite::Database& connection) {
-        // The kept counts of the largest blocks are few. CROSS JOIN makes SQLite look them up account by account.
+        // There are few kept counts of the largest blocks. CROSS JOIN makes SQLite look them up account by account.
         SQLite::Statement query(connection,
             "SELECT DISTINCT type FROM accounts CROSS JOIN job_counts ON account = accounts.key AND shift = "
             "24 "

@@ -8,8 +8,8 @@
 
 namespace farm {
 
-/// Why the jobs of whole types wait although their renderers have not failed. Their owners and the administrators see it
-/// in the place of the jobs' own messages.
+/// The reasons why all jobs of a type wait although its renderer has not failed. Owners and administrators see them in
+/// place of the jobs' own messages.
 class Hindrances
 {
 public:

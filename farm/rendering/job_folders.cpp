@@ -32,7 +32,7 @@ JobFolders::JobFolders(Database& database, const QString& folder)
 bool JobFolders::FreeDeleted(const GoOn& goOn)
 {
     const bool areFreed = Each(DeletedJobs, goOn, [&](const Job& job) { return Free(job, goOn); });
-    // An earlier round may have set files aside whose job is recorded as freed already.
+    // An earlier round may have set aside files of jobs that are recorded as freed already.
     return RemoveSetAside(goOn) && areFreed;
 }
 
@@ -51,7 +51,7 @@ bool JobFolders::RemoveEndedRunsOf(const Job& job, const GoOn& goOn)
 {
     const QDir folder(m_folder + QLatin1Char('/') + job.id + QStringLiteral("/runs"));
     const QStringList runs = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden);
-    // A run is recorded before it gets its folder, so any that begins meanwhile is known.
+    // A run is recorded before it gets its folder, so one that begins meanwhile is known.
     const QStringList known = m_database.Read([&job](SQLite::Database& connection) {
         SQLite::Statement query(connection, "SELECT id FROM runs WHERE job = ?");
         Bind(query, job.key);
@@ -107,8 +107,8 @@ bool JobFolders::TidyOne(const Job& job)
     return SetAside(UntidyJobs, job, leftovers);
 }
 
-/// Moves parts of the job's folder aside, unless the job has changed. It happens while no run of
-/// the job can begin, because runs are recorded first.
+/// Moves parts of the job's folder aside, unless the job has changed. Meanwhile no run of the job can begin, because
+/// runs are recorded first.
 bool JobFolders::SetAside(const char* jobs, const Job& job, const QStringList& names)
 {
     const QDir aside(m_folder + QStringLiteral("/.removed"));
@@ -135,8 +135,8 @@ bool JobFolders::SetAside(const char* jobs, const Job& job, const QStringList& n
     });
 }
 
-/// Something that cannot be removed is reported once, and keeps nothing else from being removed. Returns false when it was
-/// stopped.
+/// Removes what was set aside. Something that cannot be removed is reported once and keeps nothing else from being
+/// removed. Returns false when it was stopped.
 bool JobFolders::RemoveSetAside(const GoOn& goOn)
 {
     const std::lock_guard<std::mutex> lock(m_removing);
@@ -156,7 +156,7 @@ bool JobFolders::RemoveSetAside(const GoOn& goOn)
     return true;
 }
 
-/// In small steps, because nobody else can use the database meanwhile.
+/// Forgets a job's files and frames in small steps, because nobody else can write to the database during each.
 bool JobFolders::ForgetFiles(std::int64_t job, const GoOn& goOn)
 {
     for (const char* forget :

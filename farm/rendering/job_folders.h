@@ -11,9 +11,9 @@
 
 namespace farm {
 
-/// Frees the files of jobs that are deleted, and in the folders of jobs that have ended or are paused what renderers have left
-/// behind, and the scene. What has to be freed is marked in the database, so that a farm which starts again goes on with it. A job
-/// with runs in work is left for later. Thread-safe.
+/// Frees the files of deleted jobs and, in the folders of jobs that have ended or are paused, the scene and what
+/// renderers have left behind. What has to be freed is marked in the database, so that a restarted farm goes on with
+/// it. A job with runs in work is left for later. Thread-safe.
 class JobFolders
 {
 public:

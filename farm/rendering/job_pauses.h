@@ -7,8 +7,8 @@
 
 namespace farm {
 
-/// Pauses a job whose frames keep failing through faults of the farm, such as a node without the shared folder
-/// or a partition that is gone. Each pause is twice as long as the one before, so that such a job leaves the machines to the
+/// Pauses a job whose frames keep failing through faults of the farm, such as a node without the shared folder or a
+/// partition that is gone. Each pause is twice as long as the one before, so that such a job leaves the machines to
 /// others.
 class JobPauses
 {

@@ -20,7 +20,7 @@ struct JobType
     QString program;
     QStringList arguments;
     QString suffix;
-    /// A program for the renderer to run. It is passed as a text, so that it need not be installed where frames are rendered.
+    /// The text of a script for the renderer. Passed as text, it need not be installed where frames are rendered.
     QString script;
     /// Resources that a frame asks for, and its limits.
     Resources resources;
@@ -31,10 +31,10 @@ struct JobType
     QStringList writable;
     /// The most frames of the type that are rendered at a time, for example as many as there are licences; 0 for any number.
     int framesAtOnce = 0;
-    /// Finds reports of progress in the renderer's output, by two groups: the work that is done, and all of it. A further
-    /// pair of groups is about the piece of work that the pair before it has reached. Empty when there are no reports.
+    /// Matches reports of progress in the renderer's output, with two groups: the work that is done, and all of it. A
+    /// further pair of groups describes the piece of work that the pair before it has reached. Empty for no reports.
     QRegularExpression progress;
-    /// Finds in the output of a renderer that failed that it has got no licence. Empty when such failures cannot be told
+    /// Matches the output of a renderer that failed because it got no licence. Empty when such failures cannot be told
     /// from others.
     QRegularExpression licenceMissing;
     /// Settings of this type on a Slurm cluster: "partition", "account", "qos", "constraint" and "frames_per_task".
@@ -43,10 +43,10 @@ struct JobType
 
 using JobTypes = QMap<QString, JobType>;
 
-/// Reads a JSON file that maps names to job types. Throws std::runtime_error that says what is wrong with the file.
+/// Reads a JSON file that maps names to job types. Throws std::runtime_error, which says what is wrong with the file.
 JobTypes ReadJobTypes(const QString& path);
 
-/// Replaces the placeholders by their values. Placeholders inside values are not replaced; unknown ones stay as they are.
+/// Replaces placeholders with their values. Placeholders inside values are not replaced; unknown ones stay as they are.
 QStringList FillIn(const QStringList& arguments, const QMap<QString, QString>& values);
 
 } // namespace farm

@@ -12,8 +12,8 @@
 
 namespace farm {
 
-/// Threads that work for jobs: on several jobs at a time, but for each job on one thing after another. Accounts take turns, so
-/// that the large scenes of one do not hold up the others.
+/// Threads that work on several jobs at a time, but do the work of each job one piece after another. Accounts take
+/// turns, so that the large scenes of one do not hold up the others.
 class JobWorkers
 {
 public:

@@ -80,7 +80,7 @@ void LocalExecutor::Cancel(const RunId& run)
         process->second->terminate();
 }
 
-// Renderers end with their farm, but one may have written its outcome before.
+// Renderers end with their farm, but one may have written its outcome before that.
 void LocalExecutor::Attach(const std::vector<RecordedRun>& runs)
 {
     for (const RecordedRun& run : runs) {

@@ -20,7 +20,8 @@ struct RenderNode
     QString detail;
     /// Why the cluster does not use it; mostly empty.
     QString reason;
-    /// The job types of which the farm sends it no frames, each with the message of the last frame that could not begin.
+    /// The job types whose frames the farm does not send to it, each with the message of the last one that could not
+    /// begin.
     std::map<QString, QString> leftOut;
 };
 
@@ -42,12 +43,12 @@ public:
     static constexpr std::int64_t LongestAge = 300; // s
 
     void Post(const NodeReport& report);
-    /// None when the farm renders without a cluster. As the cluster is asked only because somebody has looked, the next
-    /// look shows newer states.
+    /// The latest report; none when the farm renders without a cluster. The cluster is asked only after somebody has
+    /// looked, so newer states show at the next look.
     std::optional<NodeReport> Look(std::int64_t now);
 
 signals:
-    /// Emitted in the thread of the one who looks.
+    /// Emitted in the thread that looks.
     void Looked();
 
 private:

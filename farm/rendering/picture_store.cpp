@@ -9,7 +9,7 @@ namespace farm {
 
 namespace {
 
-// Attempts to open a picture that restarts of the job keep replacing.
+// How often opening a picture is tried while restarts of the job keep replacing it.
 constexpr int Attempts = 3;
 
 Picture ReadPicture(SQLite::Statement& row)

@@ -19,7 +19,8 @@ class PictureStore
 public:
     PictureStore(Database& database, const FrameFiles& files);
 
-    /// The pictures of the account's job in the order of their numbers; none of a deleted job. Throws NotFound when there is no such job.
+    /// The pictures of the account's job in the order of their numbers; none of a deleted job. Throws NotFound when
+    /// there is no such job.
     std::vector<Picture> List(std::int64_t account, const QString& job);
 
     struct Opened

@@ -9,8 +9,8 @@ namespace farm {
 
 struct QueueSettings
 {
-    /// Core time that an account used this long ago counts half. An account that is new to a busy farm goes first
-    /// for about this time.
+    /// Core time that an account used this long ago counts half. An account that is new to a busy farm goes first for
+    /// about this time.
     std::chrono::seconds useHalfLife {3600};
     /// The pause before the second attempt at a frame; it is twice as long before the third.
     std::chrono::seconds retryPause {30};

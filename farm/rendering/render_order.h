@@ -9,7 +9,7 @@ namespace farm {
 /// Settings that all renderers share.
 struct Renderers
 {
-    /// In this folder, renderers reach only their scenes and pictures.
+    /// The farm's data folder, of which renderers reach only their scenes and pictures.
     QString hidden;
     /// The user who runs them; empty for the farm's own.
     QString user;

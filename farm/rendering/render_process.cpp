@@ -24,7 +24,7 @@ RenderProcess::RenderProcess(
     connect(this, &QProcess::errorOccurred, this, &RenderProcess::ReportError);
 }
 
-// QProcess reports the end of its process when the rest of this object is gone.
+// ~QProcess() ends the process and would report that to an object that is half destroyed.
 RenderProcess::~RenderProcess()
 {
     disconnect();

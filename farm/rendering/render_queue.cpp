@@ -44,7 +44,7 @@ void StopType(SQLite::Database& connection, const QString& type, const QString& 
     spdlog::error("{}", text.toStdString());
 }
 
-/// Changes to announce to an account; account 0 stands for no change.
+/// Changes to announce to an account; with account 0 there are none.
 struct Announcement
 {
     std::int64_t account = 0;
@@ -53,7 +53,7 @@ struct Announcement
     bool type = false;
 };
 
-/// Subscribers read what has changed, so they are told only when they can see it.
+/// Announces only after the commit, because subscribers then read what has changed.
 void Announce(Database& database, ChangeFeed& feed, const Announcement& announcement)
 {
     database.AfterCommit([&feed, announcement] {
@@ -231,7 +231,7 @@ bool RenderQueue::Fail(const FrameKey& frame, const QString& message, std::int64
         if (!job)
             return Announcement {};
         AddUse(connection, job->account, coreMilliseconds, now);
-        // A failure whose record is rolled back comes again and must not count twice.
+        // A failure whose record is rolled back will be reported again and must not count twice.
         TypeHealth health = m_health;
         const auto verdict
             = seconds ? health.Failed(job->type, frame, *seconds, now) : TypeHealth::Verdict::Alive;

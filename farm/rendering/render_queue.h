@@ -35,7 +35,7 @@ public:
     /// Whether the job has been restarted since, so that the frame may have been rendered anew.
     bool IsOvertaken(const FrameKey& frame);
 
-    /// Marks those of the jobs that are open as running.
+    /// Marks the open ones among the jobs as running.
     void Start(const std::set<std::int64_t>& jobs);
 
     /// Records that the frame has been rendered since `at`; before that, it waits for a machine.

@@ -23,7 +23,7 @@ public:
     void LetRead(const QString& folder) const;
     /// Lets the user write into a folder.
     void Give(const QString& folder) const;
-    /// Takes a file of the user over, so that only the farm can use it.
+    /// Takes over a file from the user, so that only the farm can use it.
     void TakeBack(const QString& file) const;
 
 private:

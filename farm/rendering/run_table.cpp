@@ -9,8 +9,8 @@ RunTable::RunTable(Database& database)
 {
 }
 
-// The random digits also tell the runs of several farms on one cluster apart, and those before and after the database was
-// restored from a copy.
+// The random digits also distinguish the runs of several farms on one cluster, and those from before and after the
+// database was restored from a copy.
 RunId RunTable::NewRunId(const FrameKey& frame)
 {
     constexpr int Digits = 8;

@@ -9,7 +9,7 @@
 
 namespace farm {
 
-/// The runs in work, in the database: a restarted farm learns from it which frames may still be rendered somewhere.
+/// The runs in work, in the database: from it a restarted farm learns which frames may still be in work somewhere.
 class RunTable
 {
 public:

@@ -26,7 +26,8 @@ std::string NameOf(const FrameTask& task)
     return "job " + task.jobId.toStdString() + " frame " + std::to_string(task.Number());
 }
 
-/// The running time of a failed renderer; none when it did not run. The cluster's own time limit leaves no report of it.
+/// The running time of a failed renderer; none when it did not run. After the cluster's own time limit there is no
+/// report of it, so it counts as longer than quick.
 std::optional<std::int64_t> SecondsOf(const RunResult& result)
 {
     if (result.host.isEmpty())
@@ -144,7 +145,7 @@ void Scheduler::ReportHindrances()
 
 void Scheduler::CancelUnwantedFrames()
 {
-    // By job and run: a cluster holds thousands of frames, but of few jobs.
+    // Keyed by job and run, because a cluster holds thousands of frames, but of few jobs.
     std::map<std::pair<std::int64_t, int>, bool> wanted;
     for (auto& [id, work] : m_work) {
         if (*work.isUnwanted)
@@ -225,7 +226,7 @@ void Scheduler::StartReady()
     }
     if (!wanted.empty())
         m_deps.executor.Start(wanted);
-    // Comes last, because it may cancel runs, which the executor must know by then.
+    // This comes last, because it may cancel runs, which the executor must know by then.
     for (const RunId& id : unwanted)
         Conclude(id);
 }
@@ -297,8 +298,9 @@ void Scheduler::Conclude(const RunId& id)
         m_nudgeTimer.start(0);
 }
 
-/// Takes the end of a run to the look at its files and to its record. When the disk or the database fails, the run stays as it
-/// is, and the next look tries again: a finished frame is never rendered twice for such a reason.
+/// Takes an ended run through the settling of its files to the record of its end. When the disk or the database fails,
+/// the run stays where it is, and the next look tries again: a finished frame is never rendered twice for such a
+/// reason.
 void Scheduler::Advance(const RunId& id)
 {
     const auto found = m_work.find(id);
@@ -329,8 +331,8 @@ void Scheduler::Settle(const RunId& id, Work& work)
         return;
     }
     work.state = State::Settled;
-    // If frames began again at once, an administrator could never cancel them on the cluster. An
-    // earlier farm process may have cancelled its own frames when it shut down.
+    // If frames began again at once, an administrator could never cancel them on the cluster. But an earlier farm
+    // process may have cancelled its own frames when it shut down.
     const bool isTakenAway = end == RunEnd::Cancelled && !*work.isUnwanted && !work.isOld;
     work.fate = !isOvertaken && (isTakenAway || WouldRepeat(end)) ? Fate::Postponed : Fate::Forgotten;
     if (work.fate == Fate::Postponed)

@@ -48,7 +48,7 @@ public:
     /// Calls Nudge() later in the scheduler's thread; several calls result in one Nudge(). May be called from any thread.
     void NudgeLater() { emit NudgeWanted(); }
 
-    /// Ends the work; no frames start afterwards.
+    /// Ends all work; no frames start afterwards.
     void Stop();
 
 signals:
@@ -107,7 +107,7 @@ private:
 
     Dependencies m_deps;
     JobTypes m_types;
-    /// Reasons for the waiting of jobs whose types have been removed from `m_types`.
+    /// The reasons why jobs wait whose types are no longer in `m_types`, by type.
     QMap<QString, QString> m_unknownTypes;
     JobPauses m_pauses;
     FrameWorker m_worker;

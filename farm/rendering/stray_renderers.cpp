@@ -20,7 +20,7 @@ constexpr int RoundPause = 10; // ms
 const QString FarmVariable = QStringLiteral("QUILLSTAR_FARM");
 const QString RunVariable = QStringLiteral("QUILLSTAR_RUN");
 
-/// The mark is a hash, because scenes are programs and need not learn where the farm keeps its files.
+/// The mark is a hash, because scenes are programs and should not learn where the farm keeps its files.
 QString MarkOf(const QString& dataFolder)
 {
     const QByteArray path = QFileInfo(dataFolder).canonicalFilePath().toUtf8();

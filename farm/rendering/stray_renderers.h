@@ -3,8 +3,8 @@
 #include <QProcessEnvironment>
 #include <QString>
 
-/// The program that runs a renderer ends all of its processes. If that program is killed, these processes may be left
-/// and burden the machine, so they all carry marks of the farm's folder and of the run in their environment.
+/// The program that runs a renderer ends all of the renderer's processes. If that program is killed, some may be left
+/// to burden the machine, so they all carry marks of the farm's folder and of the run in their environment.
 namespace farm::StrayRenderers {
 
 /// Marks a process, and all that it starts, as processes of this farm and this run.

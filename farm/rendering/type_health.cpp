@@ -4,7 +4,7 @@ namespace farm {
 
 namespace {
 
-// Bounds the memory: a job of thousands of frames may fail for hours.
+// Limits the memory that a job takes whose thousands of frames fail for hours.
 constexpr std::size_t LongestRow = 50;
 
 } // namespace
@@ -49,7 +49,7 @@ TypeHealth::Verdict TypeHealth::Failed(
 {
     Health& health = m_types[type];
     if (health.stopped) {
-        // Frames of the same jobs may still have been in work; their failures tell nothing new.
+        // Other frames of the jobs that failed before may still have been in work; their failures tell nothing new.
         const bool isTrial = !(frame < health.trial) && !(health.trial < frame);
         const bool tells = isTrial || JobsOf(health).count(frame.job) == 0;
         const bool isNew = tells && !health.confirmed;

@@ -36,7 +36,7 @@ public:
         Sick,      ///< the type was stopped already; the failure does not count
     };
 
-    /// Restores that the type was stopped before the farm was restarted.
+    /// Stops the type again after a restart of the farm.
     void Stop(const QString& type, std::int64_t now);
     bool IsStopped(const QString& type) const;
     /// The trial that a stopped type may begin now.
@@ -51,7 +51,7 @@ public:
 
     /// The last frames that failed in a row.
     std::vector<FrameKey> FailedInARow(const QString& type) const { return m_types.value(type).row; }
-    /// The jobs of these frames, which a trial with another job passes over.
+    /// The jobs of these frames, which a trial of another job must avoid.
     std::set<std::int64_t> JobsInTheRow(const QString& type) const { return JobsOf(m_types.value(type)); }
 
 private:

@@ -64,7 +64,8 @@ quint64 Truncate()
     return Version() >= VersionWithTruncate ? TruncateFiles : 0;
 }
 
-/// All rights that the kernel knows. Unless the right to move files to other folders is handled, nobody has it.
+/// All rights that the kernel knows. Unless the right to move files to other folders is among those handled, the kernel
+/// denies it to everybody.
 quint64 AllAccesses()
 {
     return FirstAccesses | Truncate() | (Version() >= VersionWithMove ? MoveFiles : 0);
@@ -126,8 +127,8 @@ void Confinement::AllowSystem(const QString& program)
     AllowAround(QFileInfo(program).canonicalPath(), ReadFiles);
 }
 
-// Landlock cannot except a folder from an allowed one. So the folders above the hidden one are not allowed themselves, only
-// what else they hold now: what is created in them later cannot be reached.
+// Landlock cannot exclude a folder from an allowed one. So the folders above the hidden one are not allowed themselves,
+// but everything else that they contain now. What is created in them later cannot be reached.
 void Confinement::AllowAround(const QString& path, quint64 access)
 {
     const QString real = QFileInfo(path).canonicalFilePath();

@@ -4,8 +4,8 @@
 
 namespace farm {
 
-/// Confines a process to its reach through the kernel (Landlock). It is prepared before the fork, and the new process then
-/// enters it.
+/// Confines a process to its reach by means of the kernel (Landlock). It is prepared before the fork, and the new
+/// process enters it afterwards.
 class Confinement
 {
 public:
@@ -22,7 +22,7 @@ public:
     /// Whether the process will be able to read the path.
     bool Reaches(const QString& path) const;
 
-    /// Limits the calling process and all processes that it starts, for good. Makes only system calls, so it is safe
+    /// Permanently limits the calling process and all processes that it starts. Makes only system calls, so it is safe
     /// between fork and exec. Returns false when the process could not be limited although the kernel supports it.
     bool Enter() const;
 

@@ -12,7 +12,7 @@ namespace farm {
 
 namespace {
 
-/// Walks from folder to folder by changing into each, so that neither long paths nor links put in their way matter.
+/// Walks through the folders by changing into each, so that neither long paths nor links put in the way matter.
 /// @param visit gets each entry once and returns whether to go on.
 template <typename Visit>
 void Walk(const QString& path, const Visit& visit)
@@ -37,10 +37,10 @@ bool IsFile(const FTSENT& entry)
         || entry.fts_info == FTS_SLNONE;
 }
 
-/// A file with holes takes less than its size; one that has several names is counted once over all of them.
+/// The space of a file under one of its names: its size without holes, divided among all its names.
 std::int64_t BytesOf(const struct stat& file)
 {
-    constexpr std::int64_t BlockSize = 512; // whatever the disk's
+    constexpr std::int64_t BlockSize = 512; // the unit of st_blocks, whatever the disk's block size
     const std::int64_t bytes = std::min<std::int64_t>(file.st_size, file.st_blocks * BlockSize);
     return bytes / std::max<std::int64_t>(1, std::int64_t(file.st_nlink));
 }

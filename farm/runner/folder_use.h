@@ -10,7 +10,7 @@ namespace farm {
 struct FolderUse
 {
     std::int64_t bytes = 0;
-    int entries = 0; ///< files and folders; counting ends above `MostEntries`
+    int entries = 0; ///< files and folders; counting stops above `MostEntries`
 };
 
 constexpr int MostEntries = 100'000;

@@ -22,7 +22,7 @@ namespace {
 
 // The interval at which limits that the kernel does not enforce are checked.
 constexpr std::chrono::milliseconds LookInterval {500};
-// The output may be in a shared folder, so it is checked less often and for a small part of the time.
+// The output may be in a shared folder, so it is checked less often, and checking takes only a small part of the time.
 constexpr std::chrono::milliseconds OutputLookInterval {2000};
 constexpr int PausesPerLook = 9;
 constexpr std::int64_t Mebibyte = 1 << 20;
@@ -58,7 +58,7 @@ void FrameRunner::TakeSignals()
     m_signals = ::signalfd(-1, &awaited, SFD_CLOEXEC | SFD_NONBLOCK);
     if (m_signals < 0 || ::prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0) != 0)
         throw std::runtime_error("the renderer cannot be watched");
-    // A farm binds its processes by SIGKILL, which would leave the renderer's own processes behind.
+    // A farm binds its processes with SIGKILL, which would leave the renderer's own processes behind.
     int binding = 0;
     if (::prctl(PR_GET_PDEATHSIG, &binding) == 0 && binding == SIGKILL)
         ::prctl(PR_SET_PDEATHSIG, SIGTERM);
@@ -153,7 +153,7 @@ void FrameRunner::LookAtUse()
             QStringLiteral("the renderer exceeded its limit of %1 processes").arg(most.processes)};
 }
 
-// The limits of the kernel hold for each file, and a disk that is full stops everybody.
+// The kernel limits only the size of each file, but a full disk would stop everybody.
 void FrameRunner::LookAtOutput()
 {
     const auto begin = std::chrono::steady_clock::now();
@@ -181,7 +181,7 @@ std::int64_t FrameRunner::CoreMilliseconds() const
     return std::max(Milliseconds(usage.ru_utime) + Milliseconds(usage.ru_stime), m_time.Milliseconds());
 }
 
-// A frame without a limit of its own must still leave the machine usable.
+// Without a limit of its own, a frame must still leave the machine usable.
 std::int64_t FrameRunner::MemoryLimit() const
 {
     constexpr int Tenths = 9;
@@ -220,7 +220,7 @@ FrameRunner::Verdict FrameRunner::JudgeStatus() const
         if (code == 0)
             return {};
         if (MissesLicence())
-            return {RunEnd::LicenceMissing, QStringLiteral("the renderer has got no licence")};
+            return {RunEnd::LicenceMissing, QStringLiteral("the renderer got no licence")};
         return {RunEnd::SceneFault, QStringLiteral("the renderer ended with code %1").arg(code)};
     }
     switch (WTERMSIG(status)) {

@@ -21,7 +21,7 @@ public:
     FrameRunner(const FrameRunner&) = delete;
     FrameRunner& operator=(const FrameRunner&) = delete;
 
-    /// SIGTERM cancels the run; so does the end of a parent that has bound this process to its own life.
+    /// SIGTERM cancels the run; so does the end of the parent, if it has bound this process to its own life.
     RunResult Run();
 
 private:

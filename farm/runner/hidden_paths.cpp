@@ -46,7 +46,7 @@ QList<Mount> ReadMounts(const QByteArray& text)
     return mounts;
 }
 
-/// The path of `path`, which is within `from`, when `from` is replaced by `to`.
+/// `path`, which is within `from`, with `from` replaced by `to`.
 QString Moved(const QString& path, const QString& from, const QString& to)
 {
     const QString rest = path.mid(from == QLatin1String("/") ? 0 : from.size());

@@ -7,7 +7,7 @@ namespace farm {
 /// Whether `path` is `folder` or below it; both are canonical.
 bool IsWithin(const QString& path, const QString& folder);
 
-/// All paths of the folder: a disk, or a part of it, may be mounted at several places.
+/// All paths under which the folder can be reached: a disk, or a part of it, may be mounted at several places.
 /// @param mounts is the text of /proc/self/mountinfo.
 QStringList NamesOf(const QString& folder, const QByteArray& mounts);
 

@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <sys/stat.h>
 
-// Runs the renderer of one frame as its order says and leaves the outcome beside the order. The farm starts it on its own
-// machine, a cluster on its nodes.
+// Runs the renderer of one frame as its order says and leaves the outcome beside the order. It is started by the farm
+// on the farm's machine, and by a cluster on the nodes.
 int main(int argc, char** argv)
 {
     if (argc != 2 || argv[1][0] == '-') {

@@ -42,7 +42,7 @@ QString OutputLog::End(int most) const
     // The first line is incomplete when output was cut off.
     const int cut = tail.size() < most ? 0 : tail.indexOf('\n') + 1;
     QStringList lines = QString::fromUtf8(tail.mid(cut)).trimmed().split(QLatin1Char('\n'));
-    // A renderer that reports its progress ends these reports with carriage returns.
+    // Renderers end their reports of progress with carriage returns.
     for (QString& line : lines)
         line = line.section(QLatin1Char('\r'), -1, -1, QString::SectionSkipEmpty).remove(QChar::Null);
     return lines.join(QLatin1Char('\n'));

@@ -11,7 +11,7 @@ class OutputLog
 public:
     /// The length of the frame's log: the end of a renderer's output usually names the error.
     static constexpr int LongEnd = 4000; // bytes
-    /// The length of the part that goes into the message of a job that fails.
+    /// The length of the part that goes into the message of a failed job.
     static constexpr int ShortEnd = 400; // bytes
 
     /// Goes on without the file if it cannot be written: the frame matters more.

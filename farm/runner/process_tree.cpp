@@ -50,7 +50,7 @@ QVector<pid_t> ChildrenOf(pid_t process, int& tasks)
     return children;
 }
 
-/// The number of bytes behind a name such as "RssAnon:", which files of /proc give in kB.
+/// The number of bytes after a name such as "RssAnon:", which files in /proc state in kB.
 std::int64_t BytesIn(const QByteArray& text, const char* name)
 {
     constexpr std::int64_t Kibibyte = 1024;
@@ -97,7 +97,7 @@ bool Reap(const std::function<void(pid_t, int)>& onEnd)
     return ended == 0;
 }
 
-// The children of a killed process become children of this one, so that each round reaches deeper.
+// The children of a killed process become children of this one, so each round reaches one level deeper.
 bool End()
 {
     const auto deadline = std::chrono::steady_clock::now() + LongestEnd;

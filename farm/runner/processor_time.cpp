@@ -27,7 +27,7 @@ bool ProcessorTime::Read(pid_t process, Seen& seen)
 
 void ProcessorTime::LookAt(const QVector<pid_t>& processes)
 {
-    // A list of processes may lack one that lives, so each is asked itself whether it has ended.
+    // A list of processes may miss one that is alive, so each known process is checked by itself.
     for (auto known = m_living.begin(); known != m_living.end();) {
         Seen now;
         if (Read(known->first, now) && now.start == known->second.start) {

@@ -16,7 +16,7 @@ public:
     std::int64_t Milliseconds() const;
 
 private:
-    /// Times are in the kernel's ticks. An id may be used again, but not with the same start.
+    /// Times are in the kernel's ticks. An id may be used again, but not with the same start time.
     struct Seen
     {
         std::uint64_t start = 0;

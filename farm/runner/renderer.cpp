@@ -102,7 +102,7 @@ void Renderer::MakeEnvironment()
             if (inherited.contains(QLatin1String(name)))
                 environment.insert(QLatin1String(name), inherited.value(QLatin1String(name)));
         }
-        // An empty search path would stand for the scene's folder.
+        // An empty search path would mean the scene's folder.
         const QString folders = ReachableFolders(inherited.value(QStringLiteral("PATH")));
         environment.insert(
             QStringLiteral("PATH"), folders.isEmpty() ? QStringLiteral("/usr/bin:/bin") : folders);
@@ -116,7 +116,8 @@ void Renderer::MakeEnvironment()
         m_environment.push_back(QFile::encodeName(entry));
 }
 
-/// A renderer sees programs that it cannot read. Blender would look for its Python beside one in a home folder.
+/// The folders of the search path that the renderer can read. It also sees programs that it cannot read, and Blender,
+/// for one, would look for its Python beside such a program in a home folder.
 QString Renderer::ReachableFolders(const QString& searchPath) const
 {
     QStringList folders;
@@ -139,7 +140,7 @@ int Renderer::Start()
         Become(output[1], failure[1]);
     ::close(output[1]);
     ::close(failure[1]);
-    // Nothing is to be read once exec has closed the other end.
+    // There is nothing to read once exec has closed the other end.
     int error = 0;
     const bool hasFailed = ::read(failure[0], &error, sizeof(error)) == sizeof(error);
     ::close(failure[0]);

@@ -9,11 +9,11 @@
 
 namespace farm {
 
-/// Identifies one run of a renderer for ever, even after a restart of the farm: "j12-r1-f7-3f9a1c02".
+/// Identifies one run of a renderer for all time, across restarts of the farm: "j12-r1-f7-3f9a1c02".
 using RunId = QString;
 
 enum class RunEnd {
-    /// The renderer ended well; whether it left a picture is for the farm to find out.
+    /// The renderer succeeded; the farm still has to find out whether it left a picture.
     Done,
     SceneFault,
     TimeLimit,
@@ -25,7 +25,7 @@ enum class RunEnd {
     FarmFault,
 };
 
-/// Whether the end counts against the frame's attempts. The other ends cost only another try.
+/// Whether the end counts as one of the frame's attempts. After other ends the frame is simply tried again.
 inline bool CountsAsAttempt(RunEnd end)
 {
     return end == RunEnd::SceneFault || end == RunEnd::TimeLimit;
@@ -69,7 +69,7 @@ struct RunFiles
     /// The run's folder; the renderer may write only its picture there.
     QString folder;
 
-    /// The order in JSON, for the program quillstar-run-frame. It is there before the run is started.
+    /// The order in JSON, for the program quillstar-run-frame. It exists before the run is started.
     QString Order() const { return folder + QStringLiteral("/order.json"); }
     /// The report of quillstar-run-frame at the end, in JSON. The file is complete once it exists.
     QString Outcome() const { return folder + QStringLiteral("/outcome.json"); }

@@ -89,7 +89,7 @@ Resources ReadResources(const QJsonObject& object)
     resources.timeLimit = std::chrono::seconds(WholeNumber(object[QLatin1String("time_limit")]));
     resources.processes = object[QLatin1String("processes")].toInt();
     resources.fileSize = WholeNumber(object[QLatin1String("file_size")]);
-    // An order of an earlier farm has none.
+    // An order from an earlier version of the farm has none.
     resources.outputSize = WholeNumber(object[QLatin1String("output_size")]);
     return resources;
 }

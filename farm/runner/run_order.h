@@ -11,7 +11,8 @@ namespace farm {
 /// The part of the machine that a renderer may use.
 struct Reach
 {
-    /// Whether only programs, libraries, fonts and the paths below may be used; otherwise all but the hidden folder.
+    /// Whether only programs, libraries, fonts and the paths below may be used; otherwise everything but the hidden
+    /// folder.
     bool confined = true;
     QStringList readable;
     QStringList writable;
@@ -28,7 +29,7 @@ struct RunOrder
     /// The folder in which the renderer runs.
     QString folder;
     Resources resources;
-    /// A regular expression that finds in the output of a renderer that failed that it has got no licence; may be empty.
+    /// A regular expression that matches the output of a renderer that failed because it got no licence; may be empty.
     QString licenceMissing;
     Reach reach;
     RunFiles files;

@@ -32,7 +32,7 @@ constexpr unsigned Forbidden[] = {
     SYS_fchmod, SYS_fchmodat, SYS_setxattr, SYS_lsetxattr, SYS_fsetxattr, SYS_removexattr, SYS_lremovexattr,
     SYS_fremovexattr, 452 /* fchmodat2 */, 463 /* setxattrat */, 466 /* removexattrat */};
 constexpr std::size_t ForbiddenCount = sizeof(Forbidden) / sizeof(Forbidden[0]);
-// The calls of the second interface of x86-64 carry this bit.
+// The calls of x86-64's second interface (x32) carry this bit.
 constexpr unsigned SecondInterface = 0x40000000;
 constexpr std::size_t Head = 4;
 constexpr std::size_t Tail = 2;
@@ -61,7 +61,7 @@ bool ForbidAttributes()
         return true;
     std::array<sock_filter, Head + ForbiddenCount + Tail> filter {};
     constexpr std::size_t Refusal = filter.size() - 1;
-    // A jump counts from the statement behind it. Calls of other architectures are refused as well.
+    // A jump counts from the next statement. Calls of other architectures are refused as well.
     filter[0] = Statement(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, arch));
     filter[1] = Jump(BPF_JMP | BPF_JEQ | BPF_K, Architecture, 0, Refusal - 2);
     filter[2] = Statement(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr));
@@ -83,7 +83,7 @@ void DropCapabilities()
         return;
     for (int capability = 0; ::prctl(PR_CAPBSET_READ, capability) >= 0; ++capability)
         ::prctl(PR_CAPBSET_DROP, capability, 0, 0, 0);
-    // Otherwise root would get its capabilities back with the next program.
+    // Otherwise root would regain its capabilities with the next program.
     ::prctl(PR_SET_SECUREBITS, SECBIT_NOROOT | SECBIT_NOROOT_LOCKED, 0, 0, 0);
     __user_cap_header_struct header {_LINUX_CAPABILITY_VERSION_3, 0};
     __user_cap_data_struct none[_LINUX_CAPABILITY_U32S_3] = {};

@@ -20,7 +20,8 @@ auto KeyOf(const Placement& placement)
         resources.timeLimit.count());
 }
 
-/// The task's time limit in minutes. quillstar-run-frame limits each frame; this is for the case that it cannot.
+/// The task's time limit in minutes. quillstar-run-frame limits each frame; this limit is for the case that it fails
+/// to.
 qint64 Minutes(const Placement& placement)
 {
     constexpr std::chrono::seconds Spare {120};
@@ -73,7 +74,7 @@ QStringList SubmitArguments(const Batch& batch, const QStringList& leftOut)
     const Resources& resources = placement.resources;
     QStringList arguments {QStringLiteral("--parsable"), QStringLiteral("--job-name=") + batch.name,
         QStringLiteral("--array=1-%1").arg(batch.TaskCount()),
-        // The farm decides about another try; a task that Slurm repeats would not begin its frames again.
+        // The farm decides whether to try again; a task that Slurm repeated would not begin its frames again.
         QStringLiteral("--no-requeue"), QStringLiteral("--nodes=1"), QStringLiteral("--ntasks=1"),
         QStringLiteral("--cpus-per-task=%1").arg(resources.cores),
         QStringLiteral("--time=%1").arg(Minutes(placement)), QStringLiteral("--chdir=/"),
@@ -93,8 +94,8 @@ QStringList SubmitArguments(const Batch& batch, const QStringList& leftOut)
     return arguments;
 }
 
-// The file "started" is created once and for ever: a run that anybody has begun, or that the farm has given up, is never
-// begun again. When Slurm ends a task, it signals all of its processes, so that the shell only has to leave its loop.
+// The file "started" is created only once: a run that anybody has begun, or that the farm has given up, is never begun
+// again. When Slurm ends a task, it signals all of its processes, so the shell only has to leave its loop.
 QByteArray BatchScript(int framesPerTask, const QString& list, const QString& runner)
 {
     static const QString script = QStringLiteral(R"sh(#!/bin/sh

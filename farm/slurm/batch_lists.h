@@ -7,8 +7,9 @@
 
 namespace farm {
 
-/// The lists that tell the tasks of the cluster what to do: a file for each batch, with the folder of a run in each line. As
-/// a batch is submitted under the name of its list, a restarted farm finds its runs on the cluster by them.
+/// The lists that tell the tasks of the cluster what to do: a file for each batch, with the folder of a run in each
+/// line. A batch is submitted under the name of its list, so a restarted farm finds its runs on the cluster by the
+/// lists.
 class BatchLists
 {
 public:

@@ -45,7 +45,8 @@ void ClusterCommands::RunNext()
     m_process->setProgram(command.program);
     m_process->setArguments(command.arguments);
     m_process->setProcessEnvironment(Environment());
-    // Queued, because a program that is missing may report it before Launch() returns. By then the process may be another.
+    // Queued, because a missing program may be reported before Launch() returns. When the report arrives, another
+    // process may be running.
     const BoundProcess* const started = m_process.get();
     connect(
         m_process.get(), &QProcess::errorOccurred, this,

@@ -52,8 +52,8 @@ public:
 private:
     void RunNext();
     void End(CommandResult::End end);
-    /// The jobs' programs get the environment of the command that has submitted them, so it holds nothing but what is
-    /// needed for that.
+    /// The programs of jobs inherit the environment of the command that submitted them, so it holds nothing but what
+    /// the commands need.
     static QProcessEnvironment Environment();
 
     QQueue<Command> m_waiting;

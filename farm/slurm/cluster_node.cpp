@@ -35,7 +35,7 @@ struct Word
     const char* text;
 };
 
-// The words of Slurm that need another one; others are shown as they are.
+// Slurm's words that need a clearer one. Others are shown as they are.
 constexpr Word Words[] = {
     {"mixed", "partly allocated"},
     {"completing", "jobs ending"},

@@ -15,7 +15,7 @@ struct Cause
     CommandFault fault = CommandFault::Unreachable;
 };
 
-// The first cause whose sign is in the output. A controller with another munge key closes the connection.
+// The first cause whose sign is in the output counts. A controller with another munge key closes the connection.
 constexpr Cause Causes[] = {
     {"Munge encode failed", "the munge service does not run on this machine"},
     {"Zero Bytes were transmitted",

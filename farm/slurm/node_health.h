@@ -7,8 +7,8 @@
 
 namespace farm {
 
-/// Notices nodes on which no frame of a job type can even begin, for example without the renderer. They are free again at
-/// once and would get most frames.
+/// Notices nodes on which no frame of a job type can even begin, for example because the renderer is missing. They are
+/// free again at once and would get most frames.
 class NodeHealth
 {
 public:
@@ -25,7 +25,7 @@ public:
 
     /// The nodes that are to get no frames of the type.
     QStringList LeftOut(const QString& type, Clock::time_point now) const;
-    /// By the names of all nodes that are left out, the types of which they get no frames, each with the message of the last
+    /// All nodes that are left out, by name: the types whose frames they do not get, each with the message of the last
     /// fault.
     std::map<QString, std::map<QString, QString>> AllLeftOut(Clock::time_point now) const;
 

@@ -29,7 +29,7 @@ void NodeWatch::AskWhenDue()
         return;
     m_isAsking = true;
     m_lastAsked = now;
-    // Partitions that are hidden from the user may be used nevertheless.
+    // The farm may use partitions that are hidden from its user.
     m_deps.commands.Run({QStringLiteral("sinfo"),
         {QStringLiteral("--Node"), QStringLiteral("--noheader"), QStringLiteral("--all"),
             QStringLiteral("--format=") + QLatin1String(NodeFormat)},

@@ -13,8 +13,8 @@ namespace farm {
 
 class NodeHealth;
 
-/// Puts the nodes of the partitions that the farm uses on the board. It asks the cluster when somebody looks at the board,
-/// no oftener than the settings say, and costs nothing otherwise.
+/// Puts the nodes of the partitions that the farm uses on the board. It asks the cluster when somebody looks at the
+/// board, no more often than the settings say, and costs nothing otherwise.
 class NodeWatch : public QObject
 {
     Q_OBJECT
@@ -38,7 +38,7 @@ private:
 
     Dependencies m_deps;
     std::chrono::milliseconds m_interval;
-    /// The empty name stands for the default partition.
+    /// The empty name means the default partition.
     std::set<QString> m_partitions;
     NodeReport m_report;
     bool m_isAsking = false;

@@ -7,8 +7,8 @@
 
 namespace farm {
 
-/// The fields of a command's output, which '|' separates, for each line that has at least so many. The last field keeps
-/// further separators, so only this one may hold any text.
+/// The fields, separated by '|', of each line of a command's output that has at least `count` of them. The last field
+/// keeps further separators, so it alone may contain any text.
 std::vector<QStringList> FieldsIn(const QByteArray& output, int count);
 
 } // namespace farm

@@ -31,7 +31,7 @@ constexpr Cause Causes[] = {
     {"JobHeld", "tasks are held on the cluster (scontrol release)"},
 };
 
-// Tasks wait for these reasons every day and go on by themselves, so they are a hindrance only while no task runs.
+// Tasks wait for these reasons every day and go on by themselves, so these are a hindrance only while no task runs.
 constexpr Cause Shortages[] = {
     {"Licenses", "all licences of the cluster that a frame needs are taken"},
     {"Reservation", "the reservation of the cluster has not begun"},

@@ -4,8 +4,8 @@
 
 namespace farm {
 
-/// A clause about why a task will wait until somebody changes the cluster or the farm's settings; empty for the reasons
-/// for which tasks wait every day, such as their priority.
+/// A clause that says why a task will wait until somebody changes the cluster or the farm's settings; empty for
+/// everyday reasons, such as the task's priority.
 /// @param reason is Slurm's word for it.
 QString HindranceIn(const QString& reason);
 

@@ -9,8 +9,8 @@
 
 namespace farm {
 
-/// Finds out by small jobs whether the nodes have the renderers and quillstar-run-frame, see the shared folder and have the
-/// same time as this machine. After a failure it asks again later.
+/// Finds out with small jobs whether the nodes have the renderers and quillstar-run-frame, see the shared folder and
+/// agree with this machine's clock. After a failure it asks again later.
 class RendererProbe : public QObject
 {
     Q_OBJECT

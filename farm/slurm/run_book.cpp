@@ -154,8 +154,8 @@ QStringList RunBook::LostSubmissions() const
     return lost;
 }
 
-// Few runs are sent ahead, because the cluster renders in the order of submission, whoever else comes meanwhile. When
-// nothing waits there, it may be able to render many more.
+// Only a few runs are sent ahead, because the cluster renders in the order of submission, whoever else submits jobs
+// meanwhile. When nothing waits there, the cluster may be able to render many more.
 void RunBook::CountRunsToHold()
 {
     constexpr int PartAhead = 5;
@@ -223,7 +223,7 @@ std::vector<RunLook> RunBook::Looks(Clock::time_point now) const
         const bool isRunning = run.seen && !isOver && PhaseOf(run.seen->state) == TaskPhase::Running;
         if (!isOver && !isRunning)
             continue;
-        // A task that renders one frame has an outcome when it ends; one that renders several, after each.
+        // A task that renders one frame has an outcome when it ends; one that renders several has one after each frame.
         const bool wantsOutcome = isOver || m_batches.at(run.batch).batch.placement.framesPerTask > 1
             || run.seen->state == QLatin1String("COMPLETING");
         if (wantsOutcome || !run.isStarted)

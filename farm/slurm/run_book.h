@@ -22,7 +22,7 @@ public:
     /// @param fileDelay is the time after which files written on a node are visible here.
     explicit RunBook(std::chrono::milliseconds fileDelay);
 
-    /// Adds a batch that is being submitted, or was before the farm was restarted.
+    /// Adds a batch that is being submitted, or was submitted before the farm was restarted.
     /// @param files are the files of the batch's runs, in the same order. Runs that are not `held` have ended already.
     void Add(const Batch& batch, const std::vector<RunFiles>& files, const std::set<RunId>& held);
     /// Records the id under which Slurm has accepted the batch.

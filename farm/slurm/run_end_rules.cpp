@@ -15,8 +15,8 @@ bool IsOneOf(const QString& state, std::initializer_list<const char*> states)
     return false;
 }
 
-/// Whether the run has ended for the reason that quillstar-run-frame reports. When Slurm ends a task, it signals the renderer
-/// too, which then seems to have failed; only Slurm knows why it did so.
+/// Whether the run ended for the reason that quillstar-run-frame reports. When Slurm ends a task, it also signals the
+/// renderer, which then seems to have failed; only Slurm knows why it ended the task.
 bool IsTrue(const RunResult& outcome, const std::optional<ClusterTask>& task)
 {
     if (outcome.end == RunEnd::Done || outcome.end == RunEnd::Cancelled)
@@ -52,7 +52,7 @@ std::optional<RunResult> EndByState(const RunEvidence& evidence)
         RunEnd end;
         QString message;
         /// Whether the frame being rendered is to blame, so that the other frames of the task only have to wait for
-        /// another one.
+        /// another task.
         bool concernsFrame;
     };
     static const QMap<QString, Meaning> meanings {

@@ -28,7 +28,7 @@ struct RunEvidence
     /// The output of quillstar-run-frame when it failed to write a report; may be empty.
     QString complaint;
     bool isCancelWanted = false;
-    /// Whether so much time has passed that an outcome written on a node would be visible in the shared folder by now.
+    /// Whether enough time has passed for an outcome written on a node to be visible in the shared folder.
     bool isLate = false;
 };
 

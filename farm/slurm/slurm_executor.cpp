@@ -14,13 +14,13 @@ namespace farm {
 
 namespace {
 
-// Orders of one click belong together.
+// Frames that one click puts to work are gathered for this long, so that they share batches.
 constexpr std::chrono::milliseconds Gather {300};
 // Slurm's default of MaxArraySize is 1001.
 constexpr int LargestBatch = 1000;
 // After a failure, sbatch is tried again after this many intervals.
 constexpr int RestAfterFault = 3;
-// The tasks that one scancel names, so that its command line does not become too long.
+// The most tasks that one scancel names, so that its command line does not become too long.
 constexpr int TasksPerCancel = 1000;
 
 } // namespace
@@ -175,9 +175,9 @@ void SlurmExecutor::TakeTurn()
     m_turn.start(std::max(Gather, m_settings.interval - sinceLast));
 }
 
-// A turn: submit, ask Slurm about all jobs, look at the files of those that have begun or ended. The commands run one after
-// another, so the query includes what has been submitted. The query about the runs comes before the probe's
-// jobs, which find out what else the cluster can render.
+// A turn submits, asks Slurm about all jobs, and looks at the files of those that have begun or ended. The commands run
+// one after another, so the query includes what has just been submitted. The query about the runs comes before the jobs
+// of the probe, which find out what else the cluster can render.
 void SlurmExecutor::RunTurn()
 {
     m_isInTurn = true;
@@ -337,7 +337,7 @@ void SlurmExecutor::HandleSubmission(const QString& batch, const CommandResult& 
         return Complain(program, {});
     }
     const QString fault = FaultText(program, result);
-    // A refusal concerns the types of this placement only.
+    // A refusal concerns only the types with this placement.
     const CommandFault kind = FaultOf(result);
     Complain(program, kind == CommandFault::Refused ? QString() : fault);
     switch (kind) {

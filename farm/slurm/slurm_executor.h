@@ -18,16 +18,16 @@
 
 namespace farm {
 
-/// Renders on a Slurm cluster by array jobs. One query covers all the farm's jobs and is made no oftener than the settings
-/// say; while the controller does not answer, everything waits. Tasks go on while no farm runs, and the next one finds
-/// them by the lists of the batches.
+/// Renders on a Slurm cluster with array jobs. One query covers all the farm's jobs and is made no more often than the
+/// settings say; while the controller does not answer, everything waits. Tasks go on while no farm runs, and the next
+/// farm finds them by the lists of the batches.
 class SlurmExecutor : public Executor
 {
     Q_OBJECT
 
 public:
     /// Throws std::runtime_error when this machine has no commands of Slurm, or the folder cannot be created.
-    /// @param nodes is where the states of the nodes go.
+    /// @param nodes receives the states of the nodes.
     SlurmExecutor(const SlurmSettings& settings, const JobTypes& types, NodeBoard& nodes);
     ~SlurmExecutor() override;
 
@@ -60,7 +60,7 @@ private:
     void CancelStrangers(const std::vector<ClusterTask>& tasks);
     void ReportEnds();
     void EndLater(const RunId& run, RunEnd end, const QString& message);
-    /// Reports a fault of a thing once, until the thing has another fault or none.
+    /// Reports the fault of a thing once; again only after the thing had another fault or none.
     void Complain(const QString& thing, const QString& fault);
 
     SlurmSettings m_settings;

@@ -16,7 +16,7 @@ struct SlurmSettings
     QString constraint;
     /// The number of frames that a task of the cluster renders, one after another.
     int framesPerTask = 1;
-    /// The most frames to hold on the cluster at a time, rendering and queued.
+    /// The most frames to keep on the cluster at a time, rendering and queued.
     int frames = 1000;
     /// The least time between two queries about the farm's jobs.
     std::chrono::milliseconds interval {10'000};

@@ -21,7 +21,7 @@ std::vector<std::vector<WaitingRun>> WaitingRuns::TakeBatches(int most)
 {
     std::map<std::tuple<Placement, QString, std::int64_t>, std::vector<WaitingRun>> groups;
     for (const WaitingRun& run : std::exchange(m_runs, {})) {
-        // Fewer batches need fewer commands, so jobs are separated only where they could share a task.
+        // Fewer batches need fewer commands, so jobs get separate batches only where they could otherwise share a task.
         const std::int64_t job = run.placement.framesPerTask > 1 ? run.job : 0;
         groups[{run.placement, run.type, job}].push_back(run);
     }

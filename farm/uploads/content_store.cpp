@@ -26,7 +26,7 @@ QString Incoming()
     return QStringLiteral("incoming");
 }
 
-// Nobody else can use the database while a batch is looked at.
+// Contents handled in one transaction, during which nobody else can write to the database.
 constexpr int Batch = 200;
 
 void MakeFolder(const QString& path)
@@ -77,7 +77,7 @@ QString ContentStore::NewIncomingFolder()
     return folder;
 }
 
-// A content that is already here is overwritten with the same bytes, which repairs a copy that the disk has damaged.
+// An existing content is overwritten with the same bytes, which repairs a copy that the disk has damaged.
 std::unique_ptr<ContentStore::Taken> ContentStore::Take(const std::vector<UnpackedFile>& files)
 {
     QMap<QString, QString> moves;

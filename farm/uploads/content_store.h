@@ -46,8 +46,8 @@ public:
         QStringList m_checksums;
     };
 
-    /// Moves the files in; they are on the disk when it returns, but belong to no account until Give(). Keep the result so
-    /// long.
+    /// Moves the files in. They are on the disk when it returns, but belong to no account until Give(); keep the result
+    /// until then.
     [[nodiscard]] std::unique_ptr<Taken> Take(const std::vector<UnpackedFile>& files);
     /// Records that the account has these contents.
     void Give(std::int64_t account, const std::vector<UnpackedFile>& files, std::int64_t now);
@@ -55,7 +55,7 @@ public:
     /// The sizes in bytes of the given contents. Contents that the account has not sent, or that are missing or truncated
     /// on the disk, are left out.
     QHash<QString, std::int64_t> SizesOf(std::int64_t account, const QStringList& checksums);
-    /// The given checksums without the ones that SizesOf() leaves out.
+    /// The given checksums without those that SizesOf() leaves out.
     QStringList KnownTo(std::int64_t account, const QStringList& checksums);
     /// Records that the account uses these contents now.
     void Touch(std::int64_t account, const QStringList& checksums, std::int64_t now);
@@ -68,7 +68,7 @@ public:
         std::int64_t usedBefore, std::int64_t now, const std::function<bool()>& goOn = [] { return true; });
     /// The same for the contents of one account. Returns the bytes that no longer count.
     std::int64_t ForgetUnneededOf(std::int64_t account, std::int64_t usedBefore);
-    /// Forgets all contents that no job of the account needs, because the account wants it. `address` is where the request
+    /// Forgets all contents that no job of the account needs, at the account's request. `address` is where the request
     /// comes from.
     std::int64_t FreeUnneededOf(std::int64_t account, std::int64_t now, const QString& address);
 

@@ -19,7 +19,7 @@ namespace farm {
 namespace {
 
 constexpr zip_int64_t MostEntries = 10000;
-// A package is refused as a bomb if its files take more than this times its size and more than AlwaysAllowedBytes.
+// A package is refused as a ZIP bomb if its files take more than this times its size and more than AlwaysAllowedBytes.
 constexpr qint64 MostTimesLarger = 200;
 constexpr qint64 AlwaysAllowedBytes = qint64 {64} * 1024 * 1024;
 constexpr int BlockBytes = 256 * 1024;

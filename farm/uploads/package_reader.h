@@ -49,7 +49,7 @@ struct UnpackedFile : PackedFile
 std::vector<UnpackedFile> Unpack(
     const QString& package, const QString& folder, const std::function<bool()>& goOn);
 
-/// The unpacked size of the package as its directory states it, after all checks that need no unpacking.
+/// The unpacked size of the package according to its directory, after all checks that need no unpacking.
 /// Throws BadPackage.
 qint64 AnnouncedBytes(const QString& package);
 

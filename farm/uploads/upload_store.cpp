@@ -24,7 +24,7 @@ namespace farm {
 namespace {
 
 constexpr std::int64_t SecondsKept = std::int64_t {7} * 24 * 3600; // seconds since the last request for it
-// Longer than a client takes from its first package to the submission, or to its next query for known contents.
+// More than a client takes from its first package to the submission, or to its next query for known contents.
 constexpr std::int64_t SecondsOfSubmission = std::int64_t {24} * 3600;
 // A scene has up to 4000 files, each of which may arrive in its own package.
 constexpr int MostUnfinished = 10000;
@@ -234,7 +234,7 @@ Upload UploadStore::Append(
 Upload UploadStore::Unpack(std::int64_t account, const QString& id, std::int64_t now)
 {
     const UploadLocks::Hold hold(m_locks, id);
-    // One package per account at a time; two together could exceed the quota while they are unpacked.
+    // One package per account is unpacked at a time; two together could exceed the quota.
     const UploadLocks::Hold turn(m_locks, QStringLiteral("account %1").arg(account));
     Upload upload = Find(account, id);
     if (upload.unpacked)
@@ -270,7 +270,7 @@ void UploadStore::TakeContents(
         throw OverQuota();
     m_reserve.Require(announced);
     const std::vector<UnpackedFile> files = farm::Unpack(package, incoming, goOn);
-    // Gigabytes may have to go to the disk, for which other accounts must not wait.
+    // Gigabytes may have to be written to the disk, and other accounts must not wait for that.
     storage::SyncAllToDisk(PathsOf(files));
     const std::lock_guard<std::mutex> lock(m_quotaMutex);
     // The package is not counted, since it is about to be deleted.

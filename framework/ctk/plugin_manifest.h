@@ -6,9 +6,9 @@
 
 using ManifestHeaders = QHash<QString, QString>;
 
-/// Reads the main section of a manifest: `Name: value` lines in UTF-8 ended by LF or CRLF, a line that begins with a
-/// blank continuing the one before, up to the first empty line. Throws `ctkPluginException` (`MANIFEST_ERROR`) for any
-/// other line, and when Plugin-SymbolicName is missing or empty.
+/// Reads the main section of a manifest: `Name: value` lines in UTF-8 that end with LF or CRLF, up to the first empty
+/// line. A line that begins with a blank continues the one before. Throws `ctkPluginException` (`MANIFEST_ERROR`) for
+/// any other line, and when Plugin-SymbolicName is missing or empty.
 ManifestHeaders ParseManifest(const QByteArray& text);
 
 /// Plugin-SymbolicName without its directives.

@@ -50,7 +50,7 @@ QByteArray ToJson(const QVariant& value, bool& ok)
         return ListToJson(value.toList(), ok);
     case QMetaType::Bool:
         return ScalarToJson(value.toBool());
-    // Qt's writer turns integers into doubles, which cannot hold all of those above 2^53.
+    // Qt's writer turns integers into doubles, which are not exact beyond 2^53.
     case QMetaType::Int:
     case QMetaType::LongLong:
         return QByteArray::number(value.toLongLong());

@@ -24,7 +24,7 @@ void ConnectionView::BeginSession(const QString& server, const QString& token)
     if (!place || !place->layout() || m_strip)
         return;
     m_strip = new ConnectionStrip(m_feed, place);
-    // The strip may use the whole title bar, so that a longer text is never painted before there is space for it.
+    // The strip gets the whole free width of the title bar, so a longer text never has to wait for space.
     place->layout()->addWidget(m_strip);
     place->layout()->setAlignment(m_strip, Qt::AlignLeft);
     if (auto* previous = form->findChild<QWidget*>(QStringLiteral("btnGroups")))

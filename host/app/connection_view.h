@@ -8,7 +8,7 @@
 class ConnectionFeed;
 class ConnectionStrip;
 
-/// Shows the connection in the main form, and more of it in a dialog when the user asks.
+/// Shows the connection in the main form, and its details in a dialog when the user asks.
 class ConnectionView : public QObject
 {
     Q_OBJECT

@@ -47,8 +47,8 @@ void LiveRefresh::Refresh()
 {
     if (m_pause.isActive())
         return;
-    // A list on its way may be older than the change, so the refresh waits for it. Replacing the list instead could
-    // go on forever over a slow link.
+    // A list on its way may be older than the change, so the refresh waits for it. If the refresh replaced the list,
+    // none might ever arrive over a slow link.
     const bool refreshesList = m_listIsDue && !m_communication->IsFetchingJobs();
     const bool refreshesMoney = m_moneyIsDue;
     if (!refreshesList && !refreshesMoney)

@@ -19,7 +19,7 @@ constexpr int Pause = 5000; // ms; on a busy farm jobs are added all the time
 const QLatin1String GroupFolder("Data");
 const QLatin1String GroupSection("jobgroup");
 
-/// The window asks for this job when the chosen group has none.
+/// The window asks for this id when the chosen group has no jobs.
 const QLatin1String NoJob("abcdefg");
 
 /// @return the conditions for the jobs of a project.
@@ -123,7 +123,7 @@ void ProjectGroups::FillAll()
         Fill({entry.key(), entry.value().toString()});
 }
 
-/// Requests the project's jobs page by page, until one is known or none is left.
+/// Requests the project's jobs page by page, until one is known already or none is left.
 void ProjectGroups::Fill(const Filling& filling)
 {
     const bool isFirst = filling.page == 1;

@@ -16,11 +16,11 @@ class VTSettingsInterface;
 struct FarmChanges;
 struct HttpResult;
 
-/// Keeps the groups that the user has named after projects of the farm filled with the ids of the projects' jobs.
+/// Keeps the groups that the user has named after projects filled with the ids of these projects' jobs.
 ///
-/// The window reads the group file whenever a group is chosen, and refreshes its list with the ids that it read then. The
-/// farm is asked for the project instead, so that jobs which are added to it later show with the next refresh. Groups of
-/// other names are left alone, and so is one that has jobs already when it is named after a project.
+/// The window reads the group file whenever a group is chosen, and refreshes its list with the ids that it read then.
+/// The farm is asked for the project instead, so that jobs which are added to it later appear with the next refresh.
+/// Groups with other names are left alone, and so is one that already has jobs when it gets the name of a project.
 class ProjectGroups : public QObject
 {
     Q_OBJECT

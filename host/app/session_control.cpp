@@ -19,7 +19,7 @@
 
 namespace {
 
-/// @return whether a password for the server passes a network without encryption.
+/// @return whether a password for the server would cross a network unencrypted.
 bool IsReadableOnTheWay(const QUrl& server)
 {
     const QString host = server.host();

@@ -37,7 +37,7 @@ public:
     /// @param reason why it does not start, with or without a full stop; empty for none.
     void SetFarm(SignInWindow::Farm farm, const QString& reason = {});
 
-    /// Sets the account for SignInAutomatically, which forgets the password again.
+    /// Sets the account for SignInAutomatically(), which clears the password after use.
     void SetAccount(const QString& name, const QString& password);
 
     /// Signs in with the account that was set, or shows the sign-in window if there is none.

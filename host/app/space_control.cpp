@@ -179,7 +179,7 @@ void SpaceControl::Free()
             m_dialog.SetFailure(result.error);
             return;
         }
-        // An answer on its way may tell what the farm had before.
+        // An answer on its way may show the space as it was before.
         delete m_load.data();
         m_load.clear();
         Load();

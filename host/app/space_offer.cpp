@@ -52,7 +52,7 @@ void SpaceOffer::Ask()
     if (!self)
         return;
     m_isAsking = false;
-    m_turn.start(); // for those that have come meanwhile
+    m_turn.start(); // for scenes that have come meanwhile
     if (m_session != session)
         return;
     if (pressed == show) {

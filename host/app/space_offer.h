@@ -37,7 +37,7 @@ private:
     RenderCoreService* m_renderCore;
     VTMessagboxInterface* m_messageBox;
     VTUiLoaderInterface* m_loader;
-    QStringList m_waiting; // tasks for which the user looks for space
+    QStringList m_waiting; // tasks that wait while the user frees space
     bool m_isAsking = false;
     int m_session = 0;
     QTimer m_turn; // asks once control returns to the event loop

@@ -66,8 +66,8 @@ public:
     void Report(const QByteArray& verb, const QByteArray& target, const FarmFault& fault,
         const QByteArray& token = {});
 
-    /// The farm has announced every change until now, and the list of jobs has them all. No signal follows, because the
-    /// list's age is shown only once the farm cannot be reached.
+    /// The farm has announced every change until now, and the list of jobs contains them all. No signal follows,
+    /// because the list's age is shown only once the farm cannot be reached.
     void ConfirmList();
 
     /// The user has read the failures.

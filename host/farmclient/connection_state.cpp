@@ -57,8 +57,8 @@ void ConnectionState::ConfirmList(const QDateTime& time)
         m_listTime = time;
 }
 
-/// Failures of one outage by the same cause are one entry, whatever was requested; so are refusals of the same request
-/// that follow each other.
+/// Failures with the same cause in one outage share an entry, whatever was requested; so do consecutive refusals of the
+/// same request.
 void ConnectionState::Remember(const Exchange& exchange, bool isOutage)
 {
     const auto isSame = [&](const Entry& entry) {

@@ -10,7 +10,7 @@
 struct Exchange
 {
     QDateTime time;
-    QByteArray verb;      ///< empty for a fault that no request has met
+    QByteArray verb;      ///< empty for a fault without a request
     QByteArray target;    ///< path and query, as in HttpRequest
     FarmFault fault = {}; ///< none if the request succeeded
 

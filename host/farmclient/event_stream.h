@@ -39,7 +39,7 @@ struct FarmChanges
     QJsonObject account = {}; ///< the account with its balance; empty when the farm has to be asked for it
     QJsonArray records = {};  ///< records of all changed jobs; empty when the farm has to be asked for them
 
-    /// Changes that stand for anything, for times without a stream.
+    /// Says that anything may have changed, as after a time without a stream.
     static FarmChanges Anything() { return {{}, true, true}; }
 
     /// @param event is the data of an event. Unreadable data announces nothing.

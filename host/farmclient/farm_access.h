@@ -15,7 +15,7 @@ struct FarmAccess
     QString owner;  ///< server and account in one text, the key of the tasks; empty while nobody is signed in
     QString folder; ///< absolute path below which the owner's finished frames are saved
     ProxyLogin proxy = {};
-    bool isOnThisComputer = false;  ///< the farm runs here, so bytes cost less than their compression
+    bool isOnThisComputer = false;  ///< the farm runs here, so compressing costs more than it saves
     ConnectionFeed* feed = nullptr; ///< told of all exchanges; outlives the workers; may be null
 
     bool IsOpen() const { return !apiRoot.isEmpty() && !token.isEmpty(); }

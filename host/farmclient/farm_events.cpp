@@ -126,8 +126,8 @@ void FarmEvents::HandleEnd()
 
 void FarmEvents::HandleSilence()
 {
-    // Nothing closes the stream of a farm that hangs or of a network that is gone. Opening another one shows whether the
-    // farm answers.
+    // When the farm hangs or the network is gone, nobody closes the stream. Opening another one shows whether the farm
+    // answers.
     if (m_wasOpen && !m_openTime.isValid())
         m_transport->Report(Request(m_token), {FarmFault::TimedOut});
     TryAgain();

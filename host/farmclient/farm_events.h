@@ -32,7 +32,7 @@ public:
     void Reopen();
 
 signals:
-    /// Anything may have changed whenever the stream has been opened.
+    /// Whenever the stream has been opened, the changes are FarmChanges::Anything().
     void Changed(const FarmChanges& changes);
 
     /// All changes until now have been announced.
@@ -52,7 +52,7 @@ private:
     EventStream m_stream;
     Backoff m_backoff;
     QElapsedTimer m_openTime; // valid while the stream is open
-    bool m_wasOpen = false;   // if not, something on the way may hold streams back
+    bool m_wasOpen = false;   // if never, a proxy on the way may be holding streams back
     QTimer m_silence;
     QTimer m_pause;
 };

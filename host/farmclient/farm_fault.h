@@ -17,7 +17,7 @@ struct FarmFault
     int status = 0; ///< of HTTP, or one of the above; 0 for no fault
     int cause
         = 0; ///< a QNetworkReply::NetworkError with status Unreachable, a QSslError::SslError with Untrusted
-    QString words = {}; ///< the server's words, or Qt's where the cause has no sentence here; plain text
+    QString words = {}; ///< the server's words, or Qt's where the cause has no sentence; plain text
 
     /// @return sentences for the user.
     QString Text() const;

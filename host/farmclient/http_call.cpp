@@ -12,7 +12,7 @@ HttpCall::HttpCall(HttpTransport* transport, const HttpRequest& request, QObject
     , m_transport(transport)
     , m_request(request)
 {
-    // Without this header, Qt itself would ask for compression and decompress an answer of any size into memory.
+    // Without this header, Qt itself would request compression and decompress an answer of any size into memory.
     m_request.headers.push_back({"Accept-Encoding", "gzip, deflate"});
     m_deadline.setSingleShot(true);
     m_pause.setSingleShot(true);

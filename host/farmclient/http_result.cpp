@@ -20,7 +20,7 @@ int StatusOf(const QNetworkReply& reply)
     // Qt also reports a proxy's refusal of a tunnel, which has no status.
     if (error == QNetworkReply::ProxyAuthenticationRequiredError)
         return HttpStatus::ProxyAuthenticationRequired;
-    // Errors from here on stand for a status, except for an exchange that is not HTTP.
+    // Errors from this one on correspond to an HTTP status, except for an exchange that is not HTTP.
     const bool isOfStatus = error == QNetworkReply::NoError
         || (error >= QNetworkReply::ContentAccessDenied && error != QNetworkReply::ProtocolFailure);
     return isOfStatus ? reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt() : 0;

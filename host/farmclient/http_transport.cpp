@@ -83,7 +83,7 @@ void HttpTransport::SetProxyLogin(const ProxyLogin& login)
     m_network.clearConnectionCache();
 }
 
-/// Qt asks again when an answer was refused. Leaving the answer unchanged ends the request.
+/// Qt asks again when a name and password were refused. Leaving them unchanged ends the request.
 void HttpTransport::AnswerProxy(QAuthenticator* question) const
 {
     const bool isRefused
@@ -137,7 +137,8 @@ QNetworkReply* HttpTransport::Begin(const HttpRequest& request)
         message.setRawHeader(name, value);
     if (request.repeatable || request.body.isEmpty())
         return Watched(m_network.sendCustomRequest(message, request.verb, request.body));
-    // To answer a proxy, Qt would send the body again, which it cannot; HttpCall makes another attempt instead.
+    // To answer a proxy, Qt would have to send the body again, which can be read only once; HttpCall makes another
+    // attempt instead.
     message.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
     const QByteArray proxyAuthorization = ProxyAuthorization(message.url());
     if (!proxyAuthorization.isEmpty())

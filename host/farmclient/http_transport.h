@@ -50,11 +50,10 @@ public:
     /// Connections to the previous server are closed, so that an embedded farm can end without waiting for this client.
     void SetBaseUrl(const QUrl& url);
 
-    /// Sets the name and password for proxies that ask for them and for which the system's settings have none, or wrong
-    /// ones.
+    /// Sets the name and password for proxies that ask for them where the system's settings have none or wrong ones.
     void SetProxyLogin(const ProxyLogin& login);
 
-    /// Sets who is told of all exchanges; null for nobody. It must outlive this transport.
+    /// Sets the feed to which all exchanges are reported; null for none. It must outlive this transport.
     void SetFeed(ConnectionFeed* feed) { m_feed = feed; }
     ConnectionFeed* Feed() const { return m_feed; }
 

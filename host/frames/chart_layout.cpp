@@ -7,7 +7,7 @@ namespace {
 
 constexpr int LeastWidth = 1;      // pixels
 constexpr int MostWidth = 28;      // pixels
-constexpr int RoomForGap = 4;      // pixels of a bar, from which on it keeps apart from the next
+constexpr int RoomForGap = 4;      // pixels; bars of at least this width leave a gap to the next one
 constexpr double Tolerance = 1e-9; // for the rounding errors of powers of ten
 
 } // namespace

@@ -61,7 +61,7 @@ ChartView::Data Spending(const SpendingAnswer& spending)
         return QStringLiteral("%1 %2").arg(value, 0, 'f', 2).arg(currency);
     };
     const auto day = [days = spending.days](int index) { return days[std::size_t(index)].name; };
-    data.nothing = Translated(QT_TRANSLATE_NOOP("FrameCharts", "Nothing was charged in these days."));
+    data.nothing = Translated(QT_TRANSLATE_NOOP("FrameCharts", "Nothing was charged in this period."));
     data.scale = amount;
     data.label = day;
     data.toolTip = [amount, day](const ChartBar& bar) {

@@ -35,7 +35,7 @@ void FrameList::Replace(const Frame& frame, Change& change)
     change.rows.push_back(row);
 }
 
-/// Beginning or cancelling a frame is not a change on the farm, so each answer names all frames being rendered.
+/// For the farm, beginning or cancelling a frame does not change it, so each answer names all frames being rendered.
 void FrameList::MarkRendering(const std::map<int, FramesAnswer::Work>& rendering, Change& change)
 {
     const auto mark = [&](int number, Frame::State from, Frame::State to, const FramesAnswer::Work& work) {

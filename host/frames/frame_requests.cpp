@@ -14,7 +14,7 @@ HttpLimits OneAttempt()
     return limits;
 }
 
-/// The farm names jobs, so an id may hold anything.
+/// The farm chooses the ids of jobs, so an id may contain anything.
 QByteArray FramesOf(const QString& job)
 {
     return "/jobs/" + QUrl::toPercentEncoding(job) + "/frames";

@@ -32,7 +32,7 @@ public:
     void RequestLog(const QString& job, int number);
     /// Does nothing while an earlier request for spending is under way.
     void RequestSpending(int days);
-    /// Ends an earlier request for frames, whose answer may tell the priority as it was.
+    /// Ends an earlier request for frames, whose answer may contain the old priority.
     void SetPriority(const QString& job, int priority);
 
 signals:

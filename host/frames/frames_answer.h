@@ -19,7 +19,7 @@ struct Frame
     qint64 cost = 0;         ///< in millionths of the currency unit
     QString file = {};       ///< name of the picture; empty while there is none
     qint64 size = 0;         ///< size of the picture in bytes
-    int percent = -1;        ///< done by the renderer of a frame in work; -1 when it does not say
+    int percent = -1;        ///< progress of a frame in work; -1 when the renderer does not report it
 };
 
 bool operator==(const Frame& one, const Frame& other);

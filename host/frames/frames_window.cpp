@@ -219,7 +219,8 @@ void FramesWindow::HandleLog(int number, const QString& log)
     m_shown = frame;
     m_hasLog = true;
     DisplayFrame();
-    // The scroll position stays while the same log is requested again. Qt shows the placeholder once a text was set.
+    // The same log is not set again, so that the scroll position stays. Qt shows the placeholder only after a text was
+    // set.
     if (log.isEmpty() || m_log->toPlainText() != log)
         m_log->setPlainText(log);
 }

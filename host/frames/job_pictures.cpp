@@ -31,7 +31,7 @@ JobPictures::JobPictures(const FarmAccess& access, const QString& job, const QSt
 
 JobPictures::~JobPictures()
 {
-    // Drops the searches that have not begun, so that the destructor waits for the running one only.
+    // Drops the searches that have not begun, so that the destructor waits only for the running one.
     m_searches.clear();
 }
 

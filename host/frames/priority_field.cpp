@@ -39,7 +39,7 @@ void PriorityField::Show(int priority)
     if (m_sent || m_settled.isActive())
         return;
     m_field->setEnabled(true);
-    // A value that is being typed stays as long as the farm's does.
+    // A value that is being typed stays until the farm reports another priority.
     if (m_known != priority)
         Set(priority);
     m_known = priority;
@@ -85,7 +85,7 @@ void PriorityField::HandleAnswer(bool isTaken)
         Set(m_known.value_or(0));
 }
 
-/// The wheel must not change the field of somebody who scrolls past it.
+/// The wheel must not change the field when somebody scrolls past it.
 bool PriorityField::eventFilter(QObject* /*watched*/, QEvent* event)
 {
     if (event->type() != QEvent::Wheel || m_field->hasFocus())

@@ -25,7 +25,7 @@ public:
     /// Sends at once what the user has entered.
     void Flush();
 
-    /// The farm has answered to a change.
+    /// The farm has answered a change.
     void HandleAnswer(bool isTaken);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -40,6 +40,6 @@ private:
 
     QSpinBox* m_field;
     QTimer m_settled;           // runs while the user changes the field
-    std::optional<int> m_known; // the farm's
-    std::optional<int> m_sent;  // while it is on its way
+    std::optional<int> m_known; // the farm's latest
+    std::optional<int> m_sent;  // set while a change is on its way
 };

@@ -88,7 +88,7 @@ void Thumbnails::HandleRead(int generation, const QString& name, const QImage& t
     Proceed();
 }
 
-/// A farm that could not be reached may be back soon, but a damaged picture must not be read all the time.
+/// A farm that could not be reached may be back soon, but a damaged picture must not be read over and over.
 void Thumbnails::HandleFailure(const QString& name)
 {
     if (m_begun.remove(name) == 0)

@@ -627,8 +627,8 @@
         <translation>%1 finished frames took %2 each on average, and at most %3.</translation>
     </message>
     <message>
-        <source>Nothing was charged in these days.</source>
-        <translation>Nothing was charged in these days.</translation>
+        <source>Nothing was charged in this period.</source>
+        <translation>Nothing was charged in this period.</translation>
     </message>
     <message>
         <source>Chart of the account&apos;s spending by day</source>
@@ -744,8 +744,8 @@
         <translation>Priority</translation>
     </message>
     <message>
-        <source>Of your own jobs, those of a higher priority are rendered first (-100 to 100).</source>
-        <translation>Of your own jobs, those of a higher priority are rendered first (-100 to 100).</translation>
+        <source>Among your own jobs, those with a higher priority are rendered first (-100 to 100).</source>
+        <translation>Among your own jobs, those with a higher priority are rendered first (-100 to 100).</translation>
     </message>
 </context>
 <context>
@@ -1131,16 +1131,16 @@
         <translation>Pause all</translation>
     </message>
     <message>
-        <source>Pause all local tasks, also across a restart</source>
-        <translation>Pause all local tasks, also across a restart</translation>
+        <source>Pause all local tasks, even across a restart</source>
+        <translation>Pause all local tasks, even across a restart</translation>
     </message>
     <message>
         <source>Resume all</source>
         <translation>Resume all</translation>
     </message>
     <message>
-        <source>Let all paused tasks go on</source>
-        <translation>Let all paused tasks go on</translation>
+        <source>Resume all paused tasks</source>
+        <translation>Resume all paused tasks</translation>
     </message>
     <message>
         <source>Retry failed</source>
@@ -1630,8 +1630,8 @@
         <translation>No job needs %1 of it.</translation>
     </message>
     <message>
-        <source>Finished pictures take %1 more, which do not count.</source>
-        <translation>Finished pictures take %1 more, which do not count.</translation>
+        <source>Finished pictures take another %1, which does not count.</source>
+        <translation>Finished pictures take another %1, which does not count.</translation>
     </message>
 </context>
 <context>

@@ -627,7 +627,7 @@
         <translation>已完成 %1 帧，平均每帧用时 %2，最长 %3。</translation>
     </message>
     <message>
-        <source>Nothing was charged in these days.</source>
+        <source>Nothing was charged in this period.</source>
         <translation>这些天没有扣费。</translation>
     </message>
     <message>
@@ -744,7 +744,7 @@
         <translation>优先级</translation>
     </message>
     <message>
-        <source>Of your own jobs, those of a higher priority are rendered first (-100 to 100).</source>
+        <source>Among your own jobs, those with a higher priority are rendered first (-100 to 100).</source>
         <translation>在您自己的作业中，优先级较高的先渲染（-100 到 100）。</translation>
     </message>
 </context>
@@ -1131,7 +1131,7 @@
         <translation>全部暂停</translation>
     </message>
     <message>
-        <source>Pause all local tasks, also across a restart</source>
+        <source>Pause all local tasks, even across a restart</source>
         <translation>暂停所有本地任务，重新启动后仍然有效</translation>
     </message>
     <message>
@@ -1139,7 +1139,7 @@
         <translation>全部继续</translation>
     </message>
     <message>
-        <source>Let all paused tasks go on</source>
+        <source>Resume all paused tasks</source>
         <translation>继续所有已暂停的任务</translation>
     </message>
     <message>
@@ -1630,7 +1630,7 @@
         <translation>其中 %1 已没有作业需要。</translation>
     </message>
     <message>
-        <source>Finished pictures take %1 more, which do not count.</source>
+        <source>Finished pictures take another %1, which does not count.</source>
         <translation>完成的图片另占 %1，不计入空间。</translation>
     </message>
 </context>

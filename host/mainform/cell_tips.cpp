@@ -19,7 +19,7 @@ QString CutText(const QHeaderView* header, const QPoint& place)
     return header->model()->headerData(column, header->orientation()).toString();
 }
 
-/// @return the text of a cell that is cut off; empty for others, for cells that have tool tips of their own, and for columns
+/// @return the text of a cell that is cut off; empty for others, for cells with their own tool tips, and for columns
 /// whose delegates show other texts.
 QString CutText(const QTableView* table, const QPoint& place)
 {

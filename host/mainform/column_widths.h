@@ -9,13 +9,13 @@
 
 class VTSettingsInterface;
 
-/// Keeps the widths that a user gives to the columns of one table: their shares of its width, for each account.
+/// Keeps the widths that users give to the columns of one table, as shares of its width, for each account.
 class ColumnWidths : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param usual shares of accounts that have chosen none, in any unit.
+    /// @param usual the shares for accounts that have chosen none, in any unit.
     /// @param settings must outlive this object.
     ColumnWidths(QTableWidget* table, std::vector<int> usual, VTSettingsInterface* settings,
         QObject* parent = nullptr);

@@ -137,7 +137,7 @@ void ConnectionStrip::SetPhase(const QString& phase)
     style()->polish(this);
 }
 
-/// Looks again on its own only while something is transferred or a phase or news is about to end.
+/// Looks again by itself only while something is transferred or a phase or news is about to end.
 void ConnectionStrip::Wake(const QDateTime& now)
 {
     const QDateTime next = m_picture.state.NextChange(now);

@@ -8,7 +8,7 @@
 
 class QLabel;
 
-/// Names the search or group that limits the list of farm jobs, in a bar above the list, with the number of jobs found and
+/// A bar above the list of farm jobs that names the search or group which limits it, with the number of jobs found and
 /// a button that shows all jobs again.
 class FilterBar : public QObject
 {

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// An ampersand in the text of an entry would mark a key.
+/// Escapes ampersands, which would mark a shortcut key in the text of an entry.
 QString PlainEntry(QString text)
 {
     return text.replace(QLatin1Char('&'), QLatin1String("&&"));

@@ -24,7 +24,7 @@ constexpr Field fields[] = {
     {"job_business_type", "lblBusinessType", "cmbBusinessType"},
 };
 
-/// The conditions of a range of times, and the check box that turns it on.
+/// For each range of times, its two conditions and the check box that turns it on.
 constexpr const char* ranges[][3] = {
     {"start_min_time", "start_max_time", "checkBox_startTimeRange"},
     {"end_min_time", "end_max_time", "checkBox_endTimeRange"},

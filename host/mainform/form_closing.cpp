@@ -23,7 +23,7 @@ void FormClosing::BeginSession()
         return;
     m_form = form;
     form->installEventFilter(this);
-    // The button's next signal closes the form. At sign-out the form closes too, and has to stay closed.
+    // The minimise button and a sign-out both close the form, but only after a click the user wants it back.
     if (const auto* button = form->findChild<QPushButton*>(QStringLiteral("btnSystemMin")))
         connect(button, &QPushButton::released, &m_minimising, qOverload<>(&QTimer::start));
 }

@@ -7,8 +7,8 @@
 
 class VTSettingsInterface;
 
-/// Keeps the main form within reach when its user closes it: without a system tray the form is minimised instead, and with
-/// one a balloon says once where the form went.
+/// Keeps the main form within reach when the user closes it: without a system tray the form is minimised instead, and
+/// with one a balloon says, once, where the form went.
 class FormClosing : public QObject
 {
     Q_OBJECT

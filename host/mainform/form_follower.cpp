@@ -20,24 +20,24 @@ struct Columns
 {
     const char* table;
     std::vector<int> usual; ///< shares of the table's width: names, times and paths need most room
-    std::vector<int> left;  ///< whose texts and icons stand at the left, as names beside their check boxes do
+    std::vector<int> left;  ///< columns with left-aligned contents, such as names beside check boxes
 };
 
-/// The last column of the downloads is always empty; that of the local tasks tells how far an upload is.
+/// The last column of the downloads is always empty; that of the local tasks shows the progress of an upload.
 const Columns tables[] = {
     {"twtMyRender", {9, 12, 15, 12, 10, 9}, {}},
     {"twtLocalTask", {13, 13, 12, 10, 13, 11}, {VTIdColumn, VTTaskColumn::Warn}},
     {"twtDownload", {13, 14, 16, 11, 10, 7}, {VTIdColumn}},
 };
 
-/// Has the headers stand over what their columns show.
+/// Aligns the headers with the contents of their columns.
 void AlignHeaders(const QTableWidget* table, const std::vector<int>& left)
 {
     for (const int column : left) {
         if (QTableWidgetItem* header = table->horizontalHeaderItem(column))
             header->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     }
-    // Texts in the middle begin behind their check boxes; an empty icon takes as much of the header.
+    // Check boxes shift the centred texts of their column; an empty icon shifts the header by the same amount.
     QTableWidgetItem* header = table->horizontalHeaderItem(VTIdColumn);
     if (header && left.empty()) {
         QPixmap space(table->style()->pixelMetric(QStyle::PM_SmallIconSize), 1);

@@ -12,8 +12,9 @@
 class ColumnWidths;
 class VTSettingsInterface;
 
-/// Makes the window lay out page bar, columns and group panel again when the main form has got another size or another
-/// tab, which the window itself does only when it is maximised or restored. Keeps the user's columns and the current tab.
+/// Makes the window lay out page bar, columns and group panel again when the size or the tab of the main form has
+/// changed; the window itself does so only when it is maximised or restored. Keeps the user's columns and the current
+/// tab.
 class FormFollower : public QObject
 {
     Q_OBJECT

@@ -6,8 +6,8 @@
 
 class QTableWidget;
 
-/// Notices double clicks on jobs in the main form, and the keys Enter and Ctrl+I there. The window leaves showing a job's
-/// frames to the host.
+/// Notices double clicks on jobs in the main form, and the keys Enter and Ctrl+I there. The host, not the window, shows
+/// a job's frames.
 class JobTrigger : public QObject
 {
     Q_OBJECT

@@ -70,7 +70,7 @@ void ListHint::Update()
 {
     setGeometry(m_list->viewport()->geometry());
     const bool isShown = m_texts.heading && m_list->model()->rowCount() == 0;
-    // The focus of a button that disappears would go on to the next one of the form.
+    // If the button disappeared with the focus, the form's next button would get it.
     if (!isShown && window()->focusWidget() == m_button)
         m_list->setFocus();
     setVisible(isShown);

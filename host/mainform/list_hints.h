@@ -6,7 +6,7 @@
 
 class ListHint;
 
-/// Says over an empty list of the main form why it is empty and what to do.
+/// Explains over each empty list of the main form why it is empty and what to do.
 class ListHints : public QObject
 {
     Q_OBJECT

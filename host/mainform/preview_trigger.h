@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-/// Notices double clicks on finished downloads in the main form. The window leaves opening them to the host.
+/// Notices double clicks on finished downloads in the main form. The host, not the window, opens them.
 class PreviewTrigger : public QObject
 {
     Q_OBJECT

@@ -21,7 +21,7 @@ void ProjectPicker::BeginSession()
     if (!m_part || !m_list || !m_name || !m_ok)
         return;
     form->installEventFilter(this);
-    // Focus alone makes a row current, but does not select it.
+    // The selection is followed, because focus alone makes a row current.
     connect(m_list, &QListWidget::itemSelectionChanged, this, &ProjectPicker::TakeSelected);
     connect(m_list, &QListWidget::itemActivated, m_ok, &QPushButton::click);
     connect(m_name, &QLineEdit::textEdited, this, &ProjectPicker::MarkTyped);

@@ -9,7 +9,7 @@ class QLineEdit;
 class QListWidget;
 class QPushButton;
 
-/// Offers the account's projects in the dialog in which the user names a new group, beside a name of the user's own.
+/// Offers the account's projects in the dialog that names a new group, so that the user can pick one instead of typing.
 class ProjectPicker : public QObject
 {
     Q_OBJECT

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int TellingPause = 300; // ms, for refusals that come one after the other to share a notice
+constexpr int TellingPause = 300; // ms in which further refusals join the same notice
 
 /// @return the scene files among the dragged ones, by their names: a drag must not wait for a disk.
 QStringList ScenesOf(const QMimeData* data, const QStringList& suffixes)

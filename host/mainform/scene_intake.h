@@ -11,8 +11,8 @@ class VTMessagboxInterface;
 class VTRenderCoreInterface;
 class VTUiLoaderInterface;
 
-/// Submits the scenes that the user drops on the main form, chooses with its button "btnSubmit", or names on the command
-/// line. As an event filter of the form it sees drops; with the first event it finds the button.
+/// Submits the scenes that the user drops on the main form, chooses with its button "btnSubmit", or names on the
+/// command line. It sees drops as an event filter of the form, and finds the button at the first event.
 class SceneIntake : public QObject
 {
     Q_OBJECT

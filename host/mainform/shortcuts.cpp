@@ -78,8 +78,8 @@ void Shortcuts::BeginSession()
         if (QTableWidget* table = FindTable(QLatin1String(name)))
             AddListKeys(table);
     }
-    // The controls of a list take the focus from its table when they are clicked, and the button of the page also when a
-    // key turns the page.
+    // The controls of a list take the focus from its table when they are clicked; the button of the current page also
+    // takes it when a key turns the page.
     const auto controls = form->findChildren<QAbstractButton*>(
         QRegularExpression(QStringLiteral("^(chkAll|btn(Page.*|PrePage|NextPage|PreGroup|NextGroup))$")));
     for (QAbstractButton* control : controls) {

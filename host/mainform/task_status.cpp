@@ -23,7 +23,7 @@ void TaskStatus::BeginSession()
         return;
     m_table = table;
     table->setItemDelegateForColumn(VTTaskColumn::Status, this);
-    // When the words change but the status does not, the window writes only the row's warning.
+    // When only the words change and not the status, the window writes nothing but the row's warning.
     connect(table->model(), &QAbstractItemModel::dataChanged, table,
         [table](const QModelIndex& index) { table->update(index.siblingAtColumn(VTTaskColumn::Status)); });
 }

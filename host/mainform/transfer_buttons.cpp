@@ -23,7 +23,7 @@ TransferButtons::TransferButtons(
 
 TransferButtons::~TransferButtons()
 {
-    // Drops the checks that have not begun, so that the destructor waits for the running one only.
+    // Drops the checks that have not begun, so that the destructor waits only for the running one.
     m_folderChecks.clear();
 }
 

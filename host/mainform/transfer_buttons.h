@@ -10,8 +10,8 @@ class QTableWidget;
 class VTRenderCoreInterface;
 class VTSettingsInterface;
 
-/// The main form's buttons for transfers. Recover and Stop, which the window ignores on the tab of downloads,
-/// resume and stop the checked ones there; the others belong to the form's own pages.
+/// The main form's buttons for transfers. On the tab of downloads, where the window ignores them, Recover and Stop
+/// resume and stop the checked downloads; the other buttons exist only in the host's form.
 class TransferButtons : public QObject
 {
     Q_OBJECT

@@ -30,7 +30,7 @@ DataFolder::DataFolder(const QString& path)
     : m_path(path)
     , m_lock(TransferFolder(path) + QLatin1String("/client.lock"))
 {
-    // An existing folder may serve other purposes too.
+    // The permissions of an existing folder stay, since it may serve other purposes too.
     if (!QFileInfo::exists(path))
         MakePrivateFolder(path);
     MakePrivateFolder(TransferFolder(path));

@@ -54,14 +54,14 @@ signals:
     void Listening(const QUrl& url);
 
     /// The farm has ended unexpectedly. Either a restart or GivenUp follows.
-    /// @param reason is for the user: the last line of its log, or why there is none.
+    /// @param reason for the user: the last line of the farm's log, or the reason why there is none.
     void Lost(const QString& reason);
 
     /// The farm has ended too often and is not restarted.
     void GivenUp(const QString& reason);
 
 private:
-    /// Its standard input ends even when the client is killed, and so does the farm.
+    /// Ends with the client even if that is killed, because its standard input ends then.
     class Process : public BoundProcess
     {
         void setupChildProcess() override { Unbind(); }
@@ -84,6 +84,6 @@ private:
     QByteArray m_log; // the end of the farm's log since it was launched
     int m_failures = 0;
     bool m_takesOver = false;
-    bool m_isTooSlow = false; // it was killed because it did not announce its address
+    bool m_isTooSlow = false; // it was killed because it did not announce its address in time
     bool m_wanted = false;
 };

@@ -42,7 +42,7 @@ FarmFault FaultFromJson(const QJsonValue& json)
     return {json[0].toInt(), json[1].toInt(), json[2].toString()};
 }
 
-/// Unlike a row of QString::arg(), it leaves a "%2" within an argument alone.
+/// Unlike chained calls of QString::arg(), it leaves a "%2" within an argument alone.
 QString Filled(const QString& sentence, const QStringList& arguments)
 {
     QString text;

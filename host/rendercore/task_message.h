@@ -17,7 +17,7 @@ public:
     /// @param sentence in English, marked with QT_TRANSLATE_NOOP("TaskMessage", …); %1 to %9 stand for the arguments.
     TaskMessage(const char* sentence, const QVector<TaskMessage>& arguments = {});
 
-    /// @param words that no language of ours changes, such as a path, a number or the words of another program.
+    /// @param words that are never translated, such as a path, a number or the words of another program.
     TaskMessage(const QString& words);
 
     TaskMessage(const FarmFault& fault);
@@ -25,7 +25,7 @@ public:
     /// Why a connection failed, as the end of a sentence.
     static TaskMessage CauseOf(const FarmFault& fault);
 
-    /// @param lines of which empty ones are left out.
+    /// @param lines one below the other; empty ones are left out.
     static TaskMessage Lines(const QVector<TaskMessage>& lines);
 
     bool IsEmpty() const;
@@ -40,13 +40,13 @@ public:
     /// A form for a database. It does not change when translations do.
     QString ToStored() const;
 
-    /// @param stored also a text as earlier versions stored it. It stays as it is, unless it is a sentence that can be
-    /// translated.
+    /// @param stored may be a plain text, as earlier versions stored it. Such a text stays as it is, unless it is a
+    /// sentence that can be translated.
     static TaskMessage FromStored(const QString& stored);
 
     QJsonValue ToJson() const;
 
-    /// Strings are words. Anything that is no message gives an empty one.
+    /// Strings become words. Anything that is not a message becomes an empty one.
     static TaskMessage FromJson(const QJsonValue& json);
 
     friend bool operator==(const TaskMessage& one, const TaskMessage& other)

@@ -10,7 +10,7 @@
 template <typename Work>
 void PostTo(QObject* context, Work work)
 {
-#ifndef __clang_analyzer__ // does not see that Qt's event deletes the functor, and reports a leak
+#ifndef __clang_analyzer__ // the analyzer does not see that Qt's event deletes the functor, and reports a leak
     QMetaObject::invokeMethod(context, std::move(work), Qt::QueuedConnection);
 #else
     Q_UNUSED(context)

@@ -29,8 +29,8 @@ public:
     void Update(const FarmChanges& changes);
 
     /// @param isFollowed whether all changes are being announced.
-    /// @return whether the list answers this request without the farm: announcements have changed it since it was last set
-    /// or taken, or nothing can have changed since it arrived not long ago.
+    /// @return whether the list answers this request without the farm: either announcements have changed it since it
+    /// was last set or taken, or it arrived not long ago and nothing can have changed since.
     bool Answers(const QVariantHash& request, bool isFollowed) const
     {
         const bool isFresh = isFollowed && m_age.isValid() && !m_age.hasExpired(LongestTrust);

@@ -7,7 +7,7 @@ using FarmProtocol::Answer;
 
 namespace {
 
-// The identifier of requests for the window's table; others belong to dialogs.
+// The identifier of requests for the window's table; requests with other identifiers belong to dialogs.
 constexpr int OfTable = 0;
 
 QVariantMap Echo(const QVariantHash& request, const QStringList& keys)
@@ -61,7 +61,7 @@ void CommunicationService::FollowChanges(const QString& token)
 void CommunicationService::HandleChanges(const FarmChanges& changes)
 {
     const QJsonObject body {{QStringLiteral("data"), changes.account}};
-    // A change without the new balances makes the announced ones out of date.
+    // A change that comes without the new balances makes those announced before out of date.
     if (changes.money) {
         m_announcedAccount = FarmProtocol::IsUserInfo(body) ? body : QJsonObject();
         m_accountAge.start();
@@ -205,7 +205,7 @@ void CommunicationService::KeepJobList(const HttpCall* call, const Answer& answe
         const bool hasArrived = list->call == call;
         if (hasArrived && list.key() == OfTable && answer.code == HttpStatus::Ok)
             m_announcedJobs.Set(list->request, answer.map);
-        // After an action, a list on its way may show the jobs as they were, so the next request replaces it.
+        // After an action, a list on its way may still show the jobs as they were, so the next request replaces it.
         if (hasArrived || hasChanged)
             list->request.clear();
     }

@@ -21,9 +21,9 @@ class FarmEvents;
 /// Sends the window's requests to the farm.
 ///
 /// Every accepted request is answered by a signal, later, whatever happens to the server. The only exceptions are
-/// requests of an ended session and job lists that a newer request replaces: they are cancelled and never answered.
-/// A list that is asked for again while it arrives is answered once. While the farm announces changes, lists and balances
-/// that it has sent not long ago are answered without asking it again.
+/// requests of an ended session and job lists that a newer request replaces: they are cancelled and never answered. A
+/// list that is requested again while it is arriving is delivered once. While the farm announces changes, requests for
+/// lists and balances that it has sent recently are answered without asking it again.
 class CommunicationService : public ServiceBase<VTCommunicationInterface>
 {
     Q_OBJECT
@@ -62,7 +62,7 @@ public:
     /// @return the call; it ends with the session.
     HttpCall* Ask(const HttpRequest& request) { return new HttpCall(&m_transport, request, m_session.get()); }
 
-    /// @return why the request failed whose answer is being delivered; callers make their own text of it.
+    /// @return why the request whose answer is being delivered has failed; callers make their own text of it.
     const FarmFault& LatestFault() const { return m_latestFault; }
 
     /// @return whether a list for the window's table is on its way and should not be replaced.

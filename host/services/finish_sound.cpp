@@ -14,7 +14,7 @@ namespace {
 
 constexpr qint64 ShortestPause = 1000; // ms
 
-/// Checked first: Qt Multimedia prints warnings without a sound server.
+/// Checked before Qt Multimedia is used, which prints warnings without a sound server.
 bool IsSoundServerThere()
 {
     if (!qEnvironmentVariableIsEmpty("PULSE_SERVER"))

@@ -56,7 +56,7 @@ void FillKind(const SkinnedForm& box, int kind)
         = kind == MessageBoxService::Question ? QStringLiteral("question") : QStringLiteral("notice");
     auto* label = box.Find<QLabel>("lblIcon");
     label->setProperty("kind", name);
-    // The style sheet chooses the picture by this property, but evaluates it only when a sheet is set.
+    // The style sheet chooses the picture by this property, which is evaluated only when a sheet is set.
     label->setStyleSheet(label->styleSheet());
 }
 

@@ -44,7 +44,7 @@ public:
     /// The suffixes of the scenes that can be submitted, in lower case.
     static QStringList SceneSuffixes();
 
-    /// Says in a few words why a local task stands still; empty where the name of its stage is enough.
+    /// The reason, in a few words, why a local task stands still; empty where the name of its stage is enough.
     QString HaltText(const QString& id) const;
 
     /// The tasks that wait for an answer to SpaceLacking(), which UploadRetryAnswer() gives.
@@ -94,7 +94,7 @@ public slots:
     /// Removes all finished downloads from the list. Their files stay.
     void ClearFinishedDownloads();
     void RetryFailedDownloads();
-    /// Puts the messages of downloads into the current language. Those of submissions are made when they are asked for.
+    /// Puts the messages of downloads into the current language. Those of submissions are translated on each request.
     void Retranslate();
     void SetArgument(QString id, QVariantList arguments) override;
     void TriggerJobIdType(QVariantMap orders) override;

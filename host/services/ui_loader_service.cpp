@@ -42,7 +42,7 @@ const QLatin1String MenuKey("com.vtr.menu");
 const QLatin1String DefaultSkin("default");
 const QLatin1String DefaultLanguage("vtr_en.qm");
 
-constexpr QSize CalendarSize(288, 248); // room for six weeks below the bar that a skin styles
+constexpr QSize CalendarSize(288, 248); // pixels; room for six weeks below the skin's navigation bar
 
 /// Adjusts pop-up lists and calendars where style sheets cannot.
 void PreparePopups(const QWidget* form)
@@ -64,8 +64,8 @@ void PreparePopups(const QWidget* form)
     }
 }
 
-/// Has the style sheet applied again whenever the field becomes empty or ceases to be. A sheet cannot colour the hint in an
-/// empty field other than its text.
+/// Applies the style sheet again whenever the field becomes empty or is no longer so. A sheet colours the placeholder
+/// and the text of a field alike, so it selects by whether the field is empty.
 void FollowEmptiness(QLineEdit* field)
 {
     const auto Restyle = [field, wasEmpty = field->text().isEmpty()](const QString& text) mutable {
@@ -78,7 +78,7 @@ void FollowEmptiness(QLineEdit* field)
     QObject::connect(field, &QLineEdit::textChanged, field, Restyle);
 }
 
-/// Shares the table's width out to its columns if the form says how.
+/// Divides the table's width among its columns if the form says how.
 void FitColumns(QTableWidget* table)
 {
     const QStringList texts = table->property("columnShares").toStringList();
@@ -90,7 +90,7 @@ void FitColumns(QTableWidget* table)
     new ColumnFit(table, std::move(shares), table);
 }
 
-/// Adds what a form file cannot say.
+/// Sets up what a form file cannot express.
 void PrepareForm(QWidget* form)
 {
     PreparePopups(form);
@@ -179,7 +179,7 @@ void UiLoaderService::PrepareMainForm(QWidget* form)
     new SideColumn(form);
     if (auto* project = form->findChild<QLabel*>(QStringLiteral("lblProjectV")))
         new ElidedLabel(project);
-    // A form's tab stops cannot name the bar of its tabs, and would come after the tables in them.
+    // A form's tab stops cannot name its tab bar, which would come after the tables in the tabs.
     const auto* tabs = form->findChild<QTabWidget*>(QStringLiteral("tbwContainer"));
     auto* submit = form->findChild<QPushButton*>(QStringLiteral("btnSubmit"));
     if (tabs && submit)

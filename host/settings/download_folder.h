@@ -4,7 +4,7 @@
 
 class VTSettingsInterface;
 
-/// The folder for an account's finished frames: the one that its user chose, otherwise the one set for all
+/// The folder for an account's finished frames: the one that the user chose for it, otherwise the one set for all
 /// accounts, otherwise one below the desktop's folder for downloads.
 namespace DownloadFolder {
 

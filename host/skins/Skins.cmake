@@ -2,8 +2,8 @@
 # style/ with the palette's colours; the pictures in style/ are shared. Other files in the skin's folder are used
 # unchanged and replace those of the same name from style/.
 
-# Appends the resource file's lines for one skin to `result` in the caller's scope. Besides the colours, templates of style
-# sheets may use @controls@ and @menu@.
+# Appends the lines of the resource file for one skin to `result` in the caller's scope. Besides the colours, templates
+# of style sheets may use @controls@ and @menu@.
 function(skin_entries folder result)
     get_filename_component(skin ${folder} NAME)
     set(style ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/style)

@@ -1,7 +1,7 @@
 #!/bin/sh
-# Fails and names the pairs of colours of a skin that are hard to tell apart, by the contrast that the web's accessibility
-# guidelines define: 4.5 for text, 3 for icons, borders of controls, the mark of the focus, and what is disabled. Besides
-# the pairs below, these are all colours of text that a template in style/ gives together with a background.
+# Fails and names the pairs of colours of a skin that are hard to tell apart, by the contrast that the web's
+# accessibility guidelines define: 4.5 for text; 3 for icons, borders of controls, the focus mark and disabled texts. It
+# checks the pairs below, and every colour of text that a template in style/ sets together with a background.
 #   check_colors.sh <palette.cmake>…
 set -eu
 style=$(dirname "$0")/style

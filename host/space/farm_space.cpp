@@ -46,7 +46,7 @@ std::optional<FarmSpace> FarmSpace::Read(const QJsonObject& body)
     space.pictures = BytesOf(data, "pictures");
     for (const QJsonValue& value : jobs) {
         const Job job = ReadJob(value.toObject());
-        // The farm frees the files of a deleted job a little later.
+        // A deleted job is left out: the farm frees its files a little later.
         if (!job.id.isEmpty() && job.status != Deleted && job.files + job.pictures > 0)
             space.jobs.push_back(job);
     }

@@ -200,7 +200,7 @@ void SpaceDialog::DisplayChecked()
     const bool hadFocus = m_delete->hasFocus() || m_free->hasFocus();
     m_delete->setEnabled(!jobs.empty() && !m_isBusy);
     m_free->setEnabled(m_space && m_space->unneeded > 0 && !m_isBusy);
-    // A disabled button would leave the focus to the next one, which closes the dialog.
+    // A disabled button would pass the focus to the next one, which closes the dialog.
     if (hadFocus && !m_delete->hasFocus() && !m_free->hasFocus())
         m_table->setFocus();
 }
@@ -214,7 +214,7 @@ QString SpaceDialog::Details() const
         sentences.append(tr("No job needs %1 of it.").arg(SpaceText(m_space->unneeded)));
     if (m_space && m_space->pictures > 0)
         sentences.append(
-            tr("Finished pictures take %1 more, which do not count.").arg(SpaceText(m_space->pictures)));
+            tr("Finished pictures take another %1, which does not count.").arg(SpaceText(m_space->pictures)));
     return sentences.join(QLatin1Char(' '));
 }
 

@@ -10,8 +10,8 @@ class QProgressBar;
 class QPushButton;
 class QTableView;
 
-/// Shows what the account holds on the farm, on the form "com.vtr.space": how much of its quota is used and by which jobs.
-/// Jobs can be checked and deleted. While it is open, it asks for news now and then.
+/// Shows what the account holds on the farm, on the form "com.vtr.space": how much of its quota is used and by which
+/// jobs. Jobs can be checked and deleted. While it is open, it requests fresh figures every few seconds.
 class SpaceDialog : public QObject
 {
     Q_OBJECT
@@ -25,11 +25,11 @@ public:
     /// Returns at once.
     void Open();
 
-    /// Forgets everything, which belongs to one account.
+    /// Closes the dialog and forgets everything, because it belongs to one account.
     void Close();
 
     void SetSpace(const FarmSpace& space);
-    /// @param reason a sentence for the user; what was known stays.
+    /// @param reason a sentence for the user. The figures known so far stay.
     void SetFailure(const QString& reason);
     /// While a change is on its way, no other can be requested.
     void SetBusy(bool isBusy);

@@ -109,7 +109,7 @@ void ScreenshotTour::PlanSession()
             Save(m_session->SignInForm(), QStringLiteral("sign-in"));
             m_session->SignInAutomatically();
         }});
-    // The client opens the tab that was open last.
+    // The client opens on the tab that was open last.
     m_steps.push_back({QStringLiteral("the main window"), [] { return Tabs() && Tabs()->isVisible(); },
         [] { Tabs()->setCurrentIndex(0); }});
     m_steps.push_back({QStringLiteral("a list of jobs"),

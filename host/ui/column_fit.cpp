@@ -15,7 +15,7 @@ std::vector<int> ScaledTo(int total, const std::vector<int>& widths, int least)
 {
     const int count = int(widths.size());
     std::vector<int> scaled;
-    qint64 sum = 0; // of the columns that are left
+    qint64 sum = 0; // of the widths that are not scaled yet
     for (const int width : widths)
         sum += qMax(1, width);
     int left = qMax(0, total);

@@ -10,8 +10,8 @@
 /// @return the widths scaled so that they add up to `total` pixels; none smaller than `least`, as far as that fits.
 std::vector<int> ScaledTo(int total, const std::vector<int>& widths, int least);
 
-/// Keeps the columns of a table as wide together as the table, whatever else sets their widths. Users change the columns'
-/// shares of the width by dragging their headers.
+/// Keeps the columns of a table together as wide as the table, whatever else sets their widths. Users change the shares
+/// of the columns by dragging their headers.
 class ColumnFit : public QObject
 {
     Q_OBJECT
@@ -33,7 +33,7 @@ private:
     void Apply();
 
     QPointer<QTableWidget> m_table;
-    QObject* m_header = nullptr; ///< only compared: the table may be half destroyed when its last events come
+    QObject* m_header = nullptr; ///< only compared: at its last events the table may be half destroyed
     std::vector<int> m_shares;
     bool m_isDragging = false;
     bool m_wasDragged = false;

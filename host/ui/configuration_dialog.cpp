@@ -66,8 +66,8 @@ void ConfigurationDialog::Run(const QString& userName)
         Store(userName);
 }
 
-/// A folder that cannot be written to is refused when it is chosen. One that was chosen earlier may be away for a while,
-/// and does not keep the user from changing the other settings.
+/// A folder that cannot be written to is refused when it is chosen. One that was chosen earlier may be unavailable for
+/// a while, and does not keep the user from changing the other settings.
 void ConfigurationDialog::Accept()
 {
     const QString trouble

@@ -7,7 +7,8 @@ class QLineEdit;
 class QSpinBox;
 class VTSettingsInterface;
 
-/// Edits an account's switches, its folder for downloads and how long finished ones stay listed, on the form "com.vtr.configuration".
+/// Edits an account's switches, its folder for downloads and how long finished ones stay listed, on the form
+/// "com.vtr.configuration".
 class ConfigurationDialog : public QObject
 {
     Q_OBJECT

@@ -155,7 +155,7 @@ private:
 
 PictureFile ReadPicture(QIODevice& device)
 {
-    // Catches the further pictures of a file, whose sizes are not checked elsewhere.
+    // This limit also holds for further pictures in the file, whose sizes are checked nowhere else.
     Imf::Header::setMaxImageSize(PictureFile::LongestSide, PictureFile::LongestSide);
     Imf::Header::setMaxTileSize(PictureFile::LongestSide, PictureFile::LongestSide);
     DeviceStream stream(device);

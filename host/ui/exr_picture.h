@@ -12,8 +12,8 @@ bool IsSupported();
 /// Whether the device begins like an OpenEXR file. Its position does not change.
 bool IsExr(QIODevice& device);
 
-/// Reads the colours, or the brightness of a picture without any, as a screen shows them: brighter ones than white become
-/// white. See PictureReader::Read().
+/// Reads the colours, or the brightness of a picture without any, as a screen shows them: anything brighter than white
+/// becomes white. See PictureReader::Read().
 PictureFile Read(QIODevice& device);
 
 } // namespace ExrPicture

@@ -36,7 +36,7 @@ std::optional<int> Number(const QSettings& settings, const QString& key)
     return isNumber ? std::optional<int>(number) : std::nullopt;
 }
 
-/// Reads each key of a rule that is there and leaves the others unchanged.
+/// Reads those keys of a rule that exist and leaves the others unchanged.
 /// @param prefix of the keys.
 void ReadRule(const QSettings& settings, const QString& prefix, AnchorRule* rule)
 {

@@ -99,7 +99,7 @@ bool FramelessWindow::eventFilter(QObject* watched, QEvent* event)
             CentreForm();
         break;
     case QEvent::Hide:
-        // A dialog that is opened again begins at its first field, not where the user left it.
+        // A dialog that is opened again starts in its first field, not where the user left it.
         if (qobject_cast<QDialog*>(m_form) && m_form->focusWidget())
             m_form->focusWidget()->clearFocus();
         break;

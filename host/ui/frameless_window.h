@@ -28,9 +28,9 @@ class FramelessWindow : public QObject
 public:
     enum Kind { Dialog, Main };
 
-    /// @param kind A dialog keeps its size, unless the screen is too small for it, and is centred over the active window each
-    /// time it is shown. A main window can
-    /// be resized; a double click on its title bar presses its maximise or restore button.
+    /// @param kind A dialog keeps its size, unless the screen is too small for it, and is centred over the active
+    /// window each time it is shown. A main window can be resized; a double click on its title bar presses its maximise
+    /// or restore button.
     FramelessWindow(QWidget* form, Kind kind);
 
     bool eventFilter(QObject* watched, QEvent* event) override;

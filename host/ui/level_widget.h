@@ -4,7 +4,7 @@
 
 class QWidget;
 
-/// Keeps a widget of a form at the height of another one, which the window moves. The widget owns it.
+/// Keeps a widget of a form level with another one, which the window moves. The widget owns it.
 class LevelWidget : public QObject
 {
     Q_OBJECT

@@ -11,7 +11,7 @@ struct MessageText
 };
 
 /// @param text may be empty; then `detail` is the message.
-/// @param list whether a detail text of several lines is a list or notice; false when it is the question itself.
+/// @param list true when a detail text of several lines is a list or notice, false when it is the question itself.
 MessageText ArrangeMessage(const QString& text, const QString& detail, bool list);
 
 /// @return a tool tip that shows the text as it is, even if it looks like markup.

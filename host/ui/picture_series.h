@@ -16,8 +16,8 @@ public:
     /// @return the names of the pictures known so far, in order.
     virtual QStringList Names() = 0;
 
-    /// Makes sure that the picture is a file on this machine. Answered by one of the signals, maybe from inside the call;
-    /// not answered if another picture is wanted meanwhile.
+    /// Makes sure that the picture is a file on this machine. One of the signals answers, maybe from inside the call;
+    /// none does if another picture is wanted meanwhile.
     virtual void Provide(const QString& name) = 0;
 
 signals:
@@ -28,8 +28,8 @@ signals:
     void NamesChanged();
 };
 
-/// The pictures in the folder of a file, including the file itself. The folder is listed in another thread, at first and at
-/// most every other second when the names are asked for, since downloads may add some.
+/// The pictures in the folder of a file, including the file itself. The folder is listed in another thread, first at
+/// once and then, when the names are asked for, at most every two seconds, since downloads may add some.
 class FolderPictures : public PictureSeries
 {
     Q_OBJECT

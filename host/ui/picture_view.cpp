@@ -33,7 +33,7 @@ PictureView::PictureView(QWidget* parent)
 
 PictureView::~PictureView()
 {
-    // Drops the copies that have not begun, so that the destructor waits for the running one only.
+    // Drops the copies that have not begun, so that the destructor waits only for the running one.
     m_scaler.clear();
 }
 
@@ -95,7 +95,7 @@ QSizeF PictureView::ShownSize() const
     return QSizeF(m_picture.size()) * Zoom() / devicePixelRatioF();
 }
 
-/// @return where the picture lies in the view; in the middle when there is room.
+/// @return the place of the picture in the view; centred when there is room.
 QRectF PictureView::Place() const
 {
     const QSizeF shown = ShownSize();
@@ -122,8 +122,8 @@ void PictureView::UpdateScrollBars()
     viewport()->update();
 }
 
-/// A copy in the size that is shown looks better than one that is scaled while it is drawn, but takes longer, so it is made
-/// in another thread.
+/// A copy scaled in advance to the size that is shown looks better than scaling while painting, but takes longer, so it
+/// is made in another thread.
 void PictureView::ScaleSmoothly()
 {
     const QSize wanted = (ShownSize() * devicePixelRatioF()).toSize();

@@ -17,8 +17,8 @@ class QKeySequence;
 class QLabel;
 class QPushButton;
 
-/// Shows the pictures of a series one at a time, on the form "com.vtr.previewer", and plays them. Keys do all that its
-/// buttons do; the tool tips of the buttons name them.
+/// Shows the pictures of a series one at a time, on the form "com.vtr.previewer", and plays them. Every button has a
+/// key, which its tool tip names.
 class PreviewWindow : public QObject
 {
     Q_OBJECT

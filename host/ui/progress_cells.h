@@ -5,9 +5,9 @@
 
 class QTableWidget;
 
-/// Writes the percentages of a table's progress bars in the colour of its other texts where a skin hides those of the bars,
-/// whose colours the window fixes and which are hard to read. Lets a screen reader read the bars, which stand in cells
-/// without items; that costs nothing as long as no assistive program listens. The table owns it.
+/// Writes the percentages beside a table's progress bars in the colour of its other texts, where a skin hides those of
+/// the bars: the window fixes their colours, which are hard to read. Lets a screen reader read the bars, whose cells
+/// have no items; that costs nothing as long as no assistive program listens. The table owns it.
 class ProgressCells : public QObject, private QAccessible::ActivationObserver
 {
     Q_OBJECT

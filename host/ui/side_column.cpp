@@ -41,8 +41,8 @@ bool SideColumn::eventFilter(QObject* watched, QEvent* event)
     return false;
 }
 
-/// Gives the lists of the group panel, which the window makes, the names of their pages. The areas around them would take
-/// the focus without showing it.
+/// Gives the lists of the group panel, which the window makes, the names of their pages, and keeps the focus from the
+/// areas around them, which would not show it.
 void SideColumn::PreparePanel() const
 {
     const auto* panel = m_groups->findChild<QToolBox*>();
@@ -53,7 +53,7 @@ void SideColumn::PreparePanel() const
         area->setFocusPolicy(Qt::NoFocus);
 }
 
-/// A label with a text is named by it.
+/// An empty label needs a name; any other is named by its text.
 void SideColumn::NameProject() const
 {
     m_project->setAccessibleName(m_project->text().isEmpty() ? tr("No project chosen") : QString());

@@ -5,9 +5,8 @@
 class QLabel;
 class QWidget;
 
-/// Lets the side of the main form scroll where the form is too low for the group panel, whose height the window computes
-/// from the height of the form, and names the panel's lists and an empty project for screen
-/// readers. The form owns it.
+/// Lets the left side of the main form scroll where the form is too low for the group panel, whose height the window
+/// computes from that of the form. Names the panel's lists and an empty project for screen readers. The form owns it.
 class SideColumn : public QObject
 {
     Q_OBJECT

@@ -154,7 +154,7 @@ void SignInWindow::Reset()
     SetBusy(false);
     Say({});
     m_password->clear();
-    // The focus has left the fields while they were disabled.
+    // The fields lost the focus while they were disabled.
     FocusEmptyField();
 }
 

@@ -9,8 +9,7 @@
 class QDialog;
 class VTUiLoaderInterface;
 
-/// A form of the host itself, without a frame and always in the current skin. Its fixed texts follow the language by
-/// themselves.
+/// A form of the host itself, without a frame and always in the current skin. Its fixed texts follow the language.
 class SkinnedForm : public QObject
 {
     Q_OBJECT

@@ -29,7 +29,7 @@ QActionGroup* NewChoice(QMenu* menu)
     return new QActionGroup(menu);
 }
 
-/// Escapes '&', which menus take for the mark of a shortcut.
+/// Escapes '&', which menus take for the mark of a shortcut key.
 QString MenuText(QString text)
 {
     return text.replace(QLatin1Char('&'), QLatin1String("&&"));

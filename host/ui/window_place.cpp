@@ -79,7 +79,8 @@ void WindowPlace::Place()
     m_settling.start();
     if (!m_settings || !m_settings->Value(SettingKeys::WindowMaximized, false).toBool())
         return;
-    // The button's slot also updates all that depends on the size. Queued, because the form's first events may delete it.
+    // The button's slot also updates everything that depends on the size. Queued, because the form's first events may
+    // delete it.
     if (auto* maximize = m_form->findChild<QPushButton*>(QStringLiteral("btnSystemMaxnormal")))
         QMetaObject::invokeMethod(maximize, "click", Qt::QueuedConnection);
 }
@@ -91,8 +92,8 @@ void WindowPlace::HandleNewPlace()
         return;
     }
     m_state = Settled;
-    // The reports of several window managers cross the form's first move, and Qt then believes that the form is at
-    // 0,0. Moving it again makes the window manager report its true place.
+    // With several window managers, a report sent before the form's first move arrives after it, and Qt then believes
+    // that the form is at 0,0. Moving it again makes the window manager report its true place.
     const bool isDragged = QGuiApplication::mouseButtons() != Qt::NoButton;
     if (!m_form->isMaximized() && !isDragged)
         m_form->move(m_wanted);

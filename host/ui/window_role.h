@@ -1,4 +1,4 @@
 #pragma once
 
-/// Has screen readers announce windows that are plain widgets as windows; Qt takes them for containers within one.
+/// Makes screen readers announce windows that are plain widgets as windows; Qt takes them for containers within one.
 void AnnounceWindows();

@@ -25,8 +25,8 @@ public:
         m_script.waitForFinished();
     }
 
-    /// "kill", "stop", "start", "hide", "drain" or "resume", the name of a node or "controller", and the path to hide or the
-    /// reason for draining.
+    /// @param command "kill", "stop", "start", "hide", "drain" or "resume", followed by the name of a node or
+    /// "controller", and by the path to hide or the reason for draining.
     bool Do(const QString& command)
     {
         m_script.write(command.toUtf8() + '\n');

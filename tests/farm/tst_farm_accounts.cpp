@@ -13,8 +13,8 @@ using namespace farm;
 
 namespace {
 
-// Changes to the records of a restarted job whose two frames are finished, and the ledger's message about each. Once, the
-// first frame was finished before.
+// Changes to the records of a restarted job whose two frames are finished, and the ledger's message about each. The
+// first frame was also finished before the restart.
 const std::tuple<const char*, const char*, const char*> Runs[] = {
     {"right", "", ""},
     {"deleted", "UPDATE jobs SET status = 5; DELETE FROM frames", ""},

@@ -241,7 +241,7 @@ private slots:
         QCOMPARE(m_farm->Put(upload, 0, package).status, 200);
     }
 
-    // The older database stands for one from a backup, which does not know the newer files.
+    // The older database takes the role of one from a backup, which does not know the newer files.
     void StopsAtADatabaseThatDoesNotBelongToTheFiles()
     {
         m_farm->Start();

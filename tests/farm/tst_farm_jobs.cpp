@@ -108,8 +108,8 @@ private slots:
         QCOMPARE(numbers + "of %1"_s.arg(found.total), QString::fromLatin1(expected));
     }
 
-    // Against a search through all jobs, while jobs change. Submissions and ends are in the order of the numbers for the most
-    // part.
+    // Compares with a search through all jobs, while jobs change. Most submissions and ends are in the order of the
+    // numbers.
     void FindsAmongManyWhatASearchThroughAllFinds()
     {
         const QTemporaryDir folder;

@@ -59,7 +59,7 @@ public:
 
     bool Does(const QByteArray& script) const
     {
-        // It may just be running.
+        // The command may be running at this moment, so it is replaced as a whole.
         const QString file = m_folder.filePath("sinfo"_s);
         const QString unfinished = file + ".new"_s;
         return WriteFile(unfinished, "#!/bin/sh\necho x >>\"${0%/*}/calls\"\n" + script + '\n')

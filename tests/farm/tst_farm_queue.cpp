@@ -266,7 +266,7 @@ private slots:
         QCOMPARE(m_data->Count("SELECT count(*) FROM jobs WHERE status <> 0"), 0);
         QCOMPARE(m_data->Count("SELECT sum(failures) FROM frames"), 0);
         QVERIFY(Next(queue, {"povray"_s, "maya"_s}, 600)->type == "maya"_s);
-        // A farm that starts again still knows.
+        // A restarted farm still knows that the type is stopped.
         RenderQueue next = Queue();
         const auto task = Next(next, {"povray"_s}, 601);
         QVERIFY(!Next(next, {"povray"_s}, 602));
@@ -276,7 +276,8 @@ private slots:
         QCOMPARE(Only().message, QString());
     }
 
-    // The processor time of a choice must depend on none of them. Compared with itself, a machine's speed matters little.
+    // The processor time of a choice must depend on none of these numbers. It is compared with itself, so the speed of
+    // the machine matters little.
     void ChoosingCostsTheSameHoweverManyThereAre()
     {
         const auto microseconds = [](int times, const std::function<void()>& work) {
@@ -315,7 +316,7 @@ private slots:
         QVERIFY2(later < 2 * first + 20, qPrintable("%1 us a frame, then %2 us"_s.arg(first).arg(later)));
     }
 
-    // On one thread, which is busy with ann's first job while the others arrive.
+    // There is one thread, which is busy with ann's first job while the others arrive.
     void AccountsTakeTurnsAtTheWorkersOfJobs()
     {
         std::promise<void> begin;

@@ -281,8 +281,7 @@ private slots:
         m_farm->Start(
             ScriptedTypes("[ -e ../../gate ] || { echo 'licence 7 is taken'; exit 1; }; cp {scene} {output}")
                 .replace("\"confined\"", R"("licence_missing": "licence [0-9]+ is taken", "confined")"));
-        EVENTUALLY(
-            m_farm->data.Only().message.startsWith("Frame 1 waits: the renderer has got no licence"_s));
+        EVENTUALLY(m_farm->data.Only().message.startsWith("Frame 1 waits: the renderer got no licence"_s));
         QVERIFY(m_farm->OpenGate());
         EVENTUALLY_COMPARE(m_farm->Status(), JobStatus::Finished);
         QCOMPARE(m_farm->data.Count("SELECT sum(failures) FROM frames"), 0);

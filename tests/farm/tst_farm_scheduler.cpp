@@ -59,7 +59,7 @@ public:
     RunFiles files; ///< the files of the last run that it holds
 };
 
-// This many looks at the jobs would have shown it.
+// What the scheduler has not done after this many looks at the jobs, it does not do.
 constexpr int MostLooks = 5;
 
 /// Does something when a run is prepared, just before the executor gets it.

@@ -15,9 +15,9 @@ using namespace farm;
 
 namespace {
 
-// The end of a run, by the state of its task on node n1 (none when Slurm does not know it), by its evidence (s: it was
-// started, o: it has the outcome Cancelled, d: Done, f: SceneFault, m: FarmFault, c: it is to be cancelled, l: files would have been
-// seen by now), and the part of the message that tells the user why.
+// The end of a run, by the state of its task on node n1 (none when Slurm does not know it) and by its evidence (s: it
+// was started, o: it has the outcome Cancelled, d: Done, f: SceneFault, m: FarmFault, c: it is to be cancelled, l:
+// files would have been seen by now), and the part of the message that tells the user why.
 constexpr int Open = -1;
 const std::tuple<const char*, const char*, const char*, int, const char*> Ends[] = {
     {"queued", "PENDING", "l", Open, ""},

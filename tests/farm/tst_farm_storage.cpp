@@ -152,7 +152,7 @@ private slots:
         const QByteArray package = Package({{"a", content}});
         const QString id = uploads.Begin(data.account, Sha256(package), package.size(), 1).id;
         uploads.Append(data.account, id, 0, package, 2);
-        // A limit of the size of files stands for a full disk.
+        // A limit on the size of files simulates a full disk.
         ::signal(SIGXFSZ, SIG_IGN);
         rlimit usual {};
         ::getrlimit(RLIMIT_FSIZE, &usual);

@@ -136,7 +136,8 @@ private slots:
         std::vector<std::unique_ptr<Listener>> listeners;
         for (const auto& [name, reply, asksAgain] : endings)
             listeners.push_back(std::make_unique<Listener>(reply));
-        // When the others have been asked three times, those that are not asked again would have been.
+        // By the time the others have been asked three times, any further request of the rest would have been made,
+        // too.
         const auto isExpected = [&](std::size_t at) {
             const int requests = listeners[at]->Requests();
             return std::get<bool>(endings[at]) ? requests > 2 : requests == 1;

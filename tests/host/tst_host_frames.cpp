@@ -196,7 +196,7 @@ private slots:
             series = pictures;
             ++previews;
         });
-        // A picture whose name leads elsewhere, as in the last row, is none.
+        // A picture whose name leads elsewhere, as in the last row, is ignored.
         for (const int row : {3, 0}) {
             follower.table->selectRow(row);
             emit follower.table->doubleClicked(follower.table->model()->index(row, 0));

@@ -28,7 +28,7 @@ QString LongWord()
     return QString(60, QLatin1Char('x'));
 }
 
-/// Text, detail, whether the detail is a list, and what stands in the label and in the area.
+/// Text, detail, whether the detail is a list, and the contents of the label and of the area.
 const std::tuple<const char*, QString, QString, bool, QString, QString> messages[] = {
     {"detail alone", {}, question, true, question, {}},
     {"text and list", question, two, true, question, two},

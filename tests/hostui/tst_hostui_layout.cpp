@@ -145,7 +145,6 @@ private slots:
         EVENTUALLY(next.isMaximized());
     }
 
-    /// A user's columns fill the table of any width in each session; the tab is that of the last run, once.
     void FitsDialogsOnSmallScreens()
     {
         const QSize room(640, 360);
@@ -165,6 +164,8 @@ private slots:
         }
     }
 
+    /// A user's columns fill a table of any width, in each session. Only the first session begins on the tab of the
+    /// last run.
     void KeepsColumnsAndTab()
     {
         MemorySettings settings;

@@ -230,7 +230,7 @@ private slots:
         }
     }
 
-    /// Their buttons stay in view while the rest scrolls, and their columns fill their tables.
+    /// Buttons of dialogs stay in view while the rest scrolls, and columns fill their tables.
     void FitsDialogsOnSmallScreens()
     {
         for (const auto& [key, name] :

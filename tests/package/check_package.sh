@@ -100,8 +100,8 @@ quillstar-dev lib/cmake/QuillStarClient/QuillStarClientConfig.cmake quillstar qt
 EOF
 }
 
-# copy_package_closure <root> <package>…: makes a root of these packages, all that they depend on and what every Debian has,
-# by copying their files from this machine.
+# copy_package_closure <root> <package>…: makes a root of these packages, all that they depend on and Debian's essential
+# packages, by copying their files from this machine.
 copy_package_closure() {
     root=$1
     shift
@@ -131,7 +131,8 @@ copy_package_closure() {
     cp /var/lib/dpkg/info/*.list "$root/var/lib/dpkg/info/"
 }
 
-# The farm's package in a root where nothing else is installed than it demands. It renders there as the service's user.
+# The farm's package in a root where nothing is installed but what it depends on. It renders there as the service's
+# user.
 service() {
     sed "s#=quillstar-farmd#=$work/bin/quillstar-farmd#" "$source/packaging/quillstar-farmd.service" >"$work/quillstar-farmd.service"
     ln -sfn "$prefix/bin" "$work/bin"

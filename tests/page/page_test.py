@@ -20,7 +20,7 @@ PATIENCE = 60  # s
 HOSTILE = "<img src=x onerror=document.title='hit'>"
 KEYS = {"tab": "\ue004", "enter": "\ue007", "escape": "\ue00c"}
 
-# The contrast of each text with what it stands on; AA demands 4.5.
+# The contrast of each text with its background; AA demands 4.5.
 CONTRAST = """
 const parse = (color) => color.match(/[\\d.]+/g).map(Number);
 const light = (color) => parse(color).slice(0, 3).map((part) => part / 255)

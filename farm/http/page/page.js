@@ -1,5 +1,5 @@
 "use strict";
-// Texts of the farm become text nodes, never markup.
+// Texts from the farm become text nodes, never markup.
 
 const Interval = 3000; // ms
 const TokenKey = "quillstar-token";
@@ -72,7 +72,7 @@ function gibibytes(bytes) {
   return (bytes / 2 ** 30).toFixed(bytes < 2 ** 34 ? 2 : 0) + " GiB";
 }
 
-// Numbers of another form than the plain one stand on the right, too.
+// Marks a text such as "3.5 GiB" as a number, so that it is aligned to the right like plain ones.
 function numeric(text) {
   const value = new String(text);
   value.isNumber = true;
@@ -102,7 +102,7 @@ async function showLog(failure) {
   }
 }
 
-// What is known about all nodes together, in words.
+// Describes all nodes together in words.
 function clusterText(nodes, {time, message}) {
   if (!time)
     return message || "The cluster is being asked for its nodes.";
@@ -222,7 +222,7 @@ byId("sign-out").addEventListener("click", () => {
 });
 byId("log-close").addEventListener("click", () => byId("log").close());
 document.addEventListener("visibilitychange", () => {
-  // A page that nobody sees asks for nothing.
+  // A hidden page asks for nothing.
   clearTimeout(timer);
   if (!document.hidden && token)
     refresh();

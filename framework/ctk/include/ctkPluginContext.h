@@ -21,9 +21,9 @@ class QUrl;
 class CTK_PLUGINFW_EXPORT ctkPluginContext
 {
 public:
-    /// Loads the library at a `file:` URL and reads its manifest. For a path that is installed already it
-    /// returns the installed plugin. Throws `ctkPluginException` when the file is not a plugin library, when its
-    /// manifest is malformed, or when another plugin has its symbolic name. Reading from a device is not supported.
+    /// Loads the library at a `file:` URL and reads its manifest; returns the installed plugin if the path is installed
+    /// already. Throws `ctkPluginException` when the file is not a plugin library, when its manifest is malformed, or
+    /// when another plugin has its symbolic name. Reading from a device is not supported.
     QSharedPointer<ctkPlugin> installPlugin(const QUrl& location, QIODevice* input = nullptr);
 
     /// Registers an object, which the caller still owns, under class or interface names. The service is withdrawn when

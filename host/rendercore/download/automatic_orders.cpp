@@ -4,7 +4,7 @@
 
 namespace {
 
-/// The cost tells when a job was rendered again between two lists.
+/// The cost shows whether a job was rendered again between two lists.
 QString FinishOf(const QVariantMap& job)
 {
     return job.value(QStringLiteral("job_status")).toInt() == VTCodeTables::JobFinished

@@ -13,7 +13,7 @@ public:
     /// Forgets all orders and jobs, when the session ends.
     void Clear();
 
-    /// Remembers those of the window's orders that are automatic.
+    /// Remembers the automatic ones among the window's orders.
     void Remember(const QVariantMap& orders);
 
     /// @param jobs the records of a job list.

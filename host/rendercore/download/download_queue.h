@@ -36,8 +36,8 @@ public:
     /// numbers of ten digits in the order of arrival.
     QVariantMap* Tasks() { return &m_tasks; }
 
-    /// The id with this index in the order of the map; empty when there is none. Unlike counting entries of the map it takes
-    /// no time, however long the list is.
+    /// The id with this index in the order of the map; empty when there is none. Unlike walking along the map, it takes
+    /// the same time however long the list is.
     QString IdAt(int index) const;
 
     /// Puts the messages in the map into the current language.

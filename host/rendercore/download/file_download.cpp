@@ -35,7 +35,7 @@ bool IsOfDisk(int error)
 bool MayPass(int error)
 {
     switch (error) {
-    case 0: // it has passed
+    case 0: // the error has gone away meanwhile
     case EACCES:
     case EMFILE:
     case ENFILE:
@@ -110,8 +110,8 @@ bool FileDownload::HasNoRoom(const QString& folder) const
     return free >= 0 && free < missing;
 }
 
-/// The complete file is already at its destination if the client was killed before the task was saved; it is reported
-/// now. Anything else at the destination belongs to somebody else.
+/// If the client was killed before the task was saved, the complete file is already at its destination; it is reported
+/// now. Any other file at the destination belongs to somebody else.
 void FileDownload::AdoptExistingFile()
 {
     const QFileInfo info(m_task.file);
@@ -241,7 +241,7 @@ void FileDownload::Receive()
 {
     const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (status != HttpStatus::Ok && status != HttpStatus::PartialContent) {
-        // The body explains a refusal. A longer one would never arrive completely, because the buffer is bounded.
+        // The body explains the refusal. A body beyond the limit of the buffer would never arrive completely.
         if (m_reply->bytesAvailable() >= BlockBytes)
             Refuse();
         return;

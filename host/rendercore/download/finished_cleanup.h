@@ -20,7 +20,7 @@ public:
 
     void SetOwner(const QString& owner);
 
-    /// @param days that finished tasks stay in the list; 0 for ever.
+    /// @param days for which finished tasks stay in the list; 0 for ever.
     void SetKeepDays(int days);
 
     void ClearAll();

@@ -199,7 +199,7 @@ void TransferPool::HandleEnd(qint64 id, const DownloadOutcome& outcome)
     Wake();
 }
 
-/// The first damaged file is fetched again at once; a second one fails the task.
+/// A file that arrives damaged is fetched again at once; the second time, its task fails.
 void TransferPool::HandleDamage(const DownloadTask& task, const TaskMessage& message)
 {
     if (m_damaged.erase(task.id) > 0) {
@@ -252,7 +252,7 @@ void TransferPool::WaitForDisk(const DownloadTask& task, int progress, const Dow
     m_listener->notice(text.arg(QDir::toNativeSeparators(folder), qt_error_string(outcome.error)));
 }
 
-/// Once a task that had to wait is done, the next failure is reported again.
+/// Once a task that had to wait for the disk is done, the next failure of the disk is reported again.
 void TransferPool::NoteUsable(const DownloadTask& task)
 {
     if (m_waitForDisk.erase(task.id) == 0 && !m_waitForDisk.empty())

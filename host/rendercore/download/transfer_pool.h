@@ -44,7 +44,7 @@ public:
 
     /// Retries tasks at once, regardless of earlier failures.
     void RetryNow(const DownloadTasks& tasks);
-    /// Transfers the tasks' files again from their first byte.
+    /// Transfers the tasks' files again, from the first byte.
     void StartOver(const DownloadTasks& tasks);
     /// Aborts a transfer; the data received so far stay on the disk.
     void Abort(qint64 id);

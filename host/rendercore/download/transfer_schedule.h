@@ -32,7 +32,7 @@ public:
     void Requeue(qint64 id);
 
     /// Postpones a task that has failed.
-    /// @param atLeast the pause that the farm asks for, followed up to an hour; it then applies to all transfers.
+    /// @param atLeast the pause that the farm asks for, which all transfers keep for at most an hour.
     /// @return the pause.
     int Postpone(qint64 id, int atLeast, qint64 now);
 

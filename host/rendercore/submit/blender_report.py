@@ -14,7 +14,7 @@ def absolute(path, block=None):
 
 
 def patterns():
-    """Paths that stand for several files, and how."""
+    """Paths that match several files, with the kind of each pattern."""
     kinds = {"SEQUENCE": "sequence", "TILED": "tiles"}
     for block in [*bpy.data.images, *bpy.data.movieclips]:
         if block.source in kinds:
@@ -28,7 +28,7 @@ def files():
     names = bpy.utils.blend_paths(absolute=False, packed=False, local=False)
     paths = bpy.utils.blend_paths(absolute=True, packed=False, local=False)
     kinds = dict(patterns())
-    # Scripts do not run at the farm, and caches are no files.
+    # Scripts do not run at the farm, and caches are not single files.
     ignored = {absolute(text.filepath, text) for text in bpy.data.texts if text.filepath}
     ignored.update(folders())
     for name, path in zip(names, map(os.path.normpath, paths)):
@@ -37,7 +37,7 @@ def files():
 
 
 def folders():
-    """Caches: those of the physics lie beside the scene, those of fluids where their domain says."""
+    """Caches: physics caches lie beside the scene, fluid caches where their domain says."""
     name = os.path.splitext(os.path.basename(bpy.data.filepath))[0]
     yield os.path.join(os.path.dirname(bpy.data.filepath), "blendcache_" + name)
     for thing in bpy.data.objects:

@@ -124,7 +124,7 @@ private:
             Add(files.next());
     }
 
-    /// Remarks on differences between the farm's rendering and the scene.
+    /// Adds remarks on differences between the farm's rendering and the scene.
     void Remark(const QString& engine, int firstFrame)
     {
         if (!engine.isEmpty() && engine != QLatin1String("CYCLES"))

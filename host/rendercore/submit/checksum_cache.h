@@ -7,7 +7,7 @@
 
 #include <memory>
 
-/// The state of a file when its content was read. A changed content has another stamp.
+/// The state of a file when its content was read. When the content changes, so does the stamp.
 struct FileStamp
 {
     QString path;

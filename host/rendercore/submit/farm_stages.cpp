@@ -86,7 +86,7 @@ void FarmStages::CopySame()
     Conclude(MarkWanted(wanted) ? SubmitStage::Upload : SubmitStage::Compress);
 }
 
-/// @return whether all wanted files are packed; a file of which only the checksum was known may not be.
+/// @return whether all wanted files are packed; a file may not be if its checksum was known before.
 bool FarmStages::MarkWanted(QSet<QString> wanted)
 {
     bool areAllPacked = true;
@@ -187,7 +187,7 @@ std::optional<HttpResult> FarmStages::SendChunk(
     });
     if (!IsStatus(result, HttpStatus::Conflict))
         return result;
-    // The farm's offset differs from ours, so it is fetched.
+    // The farm's offset differs from this client's, so it is fetched.
     HttpRequest question;
     question.verb = "GET";
     question.target = UploadTarget(upload.id);

@@ -50,7 +50,7 @@ FilePattern::FilePattern(const QString& name, bool isSequence)
     OpenTiles();
 }
 
-/// The first tile stands for all of them.
+/// A name with the number of the first tile matches all tiles.
 void FilePattern::OpenTiles()
 {
     for (Piece& piece : m_pieces) {

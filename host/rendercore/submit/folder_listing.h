@@ -6,7 +6,7 @@
 
 class FilePattern;
 
-/// The names of the files in folders, each folder read once.
+/// The names of the files in folders. Each folder is read once.
 class FolderListing
 {
 public:

@@ -44,7 +44,7 @@ private:
     qint64 m_done = 0;
 };
 
-// Small files share packages, since each package costs several requests. A large file has one of its own, so that the
+// Small files share packages, since each package costs several requests. A large file gets its own package, so that the
 // others need not be sent again when it is refused.
 constexpr qint64 LargeFile = 1024LL * 1024; // bytes
 constexpr qint64 SharedBytes = 16 * LargeFile;

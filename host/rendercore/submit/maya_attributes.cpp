@@ -8,7 +8,7 @@ namespace {
 struct FileAttribute
 {
     const char* node; ///< null for every node
-    const char* name; ///< the short name; telling long names need no entry
+    const char* name; ///< the short name; long names that end like a file's need no entry
 };
 
 constexpr std::array FileAttributes {

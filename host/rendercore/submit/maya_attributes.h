@@ -8,7 +8,7 @@ namespace MayaAttributes {
 enum class Kind {
     Other,
     File,    ///< always names a file
-    Possible ///< its name suggests a file: plug-ins add nodes that nobody can list
+    Possible ///< its name suggests a file: plug-ins add nodes that cannot all be listed here
 };
 
 /// @param node is the node's type.

@@ -274,7 +274,7 @@ private:
         return candidates;
     }
 
-    /// The file itself and, where its name has tokens, all files that match.
+    /// The file itself, if it exists, and all files that match the tokens in its name.
     QStringList FilesLike(const QString& path, bool isSequence)
     {
         const QFileInfo file(QDir::cleanPath(path));

@@ -25,8 +25,8 @@ private:
     QVector<int> m_ends;
 };
 
-/// Splits a Maya text into statements and these into words. The text may be fed in blocks of any size. Of a very long
-/// statement, which is geometry, only the beginning is kept.
+/// Splits a Maya text into statements and these into words. The text may be fed in blocks of any size. Only the
+/// beginning of a very long statement, which is geometry, is kept.
 class MayaStatements
 {
 public:

@@ -37,7 +37,7 @@ struct SceneAnalysis
     int height = 480;
 };
 
-/// Called with the number of bytes read since the last call, often 0; returning false ends the reading early.
+/// Called with the number of bytes read since the last call, which is often 0; returning false ends the reading early.
 using BytesRead = std::function<bool(qint64)>;
 
 /// The most files that a submission may have.

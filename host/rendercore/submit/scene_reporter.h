@@ -51,6 +51,6 @@ private:
 
     std::chrono::milliseconds m_timeLimit;
     std::unique_ptr<Reading> m_reading;
-    /// Reports by task, until they are asked for; empty ones stand for failures.
+    /// Reports by task, until they are asked for. An empty one means that there will be none.
     std::map<qint64, QByteArray> m_reports;
 };

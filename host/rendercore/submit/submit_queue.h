@@ -21,8 +21,8 @@
 /// The submissions of the account that is signed in, as the window sees them. Lives on the GUI thread.
 ///
 /// One task at a time goes through its stages, which a worker thread runs one by one. A task that the farm cannot serve
-/// at the moment lets the others go first. Every change is written to the disk by another thread, in the order in which
-/// it was made; no function waits for a disk.
+/// at the moment lets the others go first. Another thread writes every change to the disk, in the order in which the
+/// changes were made; no function waits for a disk.
 class SubmitQueue : public QObject
 {
     Q_OBJECT

@@ -20,7 +20,7 @@ bool MustAskFirst(const SubmitTask& task);
 /// Whether the window lets the user edit the task's arguments, as it does for Maya scenes with a lower-case suffix.
 bool HasEditableArguments(const SubmitTask& task);
 
-/// Says why the task stands still, in a few words; empty where the name of its stage is enough.
+/// The reason, in a few words, why the task stands still; empty where the name of its stage is enough.
 QString HaltText(const SubmitTask& task);
 
 /// The files that belong to the task, for the user to read before they are sent; empty before the analysis.

@@ -92,7 +92,7 @@ struct SubmitTask
 
     QVariantList arguments;           ///< empty before the analysis
     bool areArgumentsEdited = false;  ///< the user has set them; they are not the scene's own
-    bool goesOnWithout = false;       ///< the user accepts that files are missing
+    bool goesOnWithout = false;       ///< the user has agreed to go on without the missing files
     bool areArgumentsChecked = false; ///< the user has approved the arguments
     QStringList refused;              ///< files whose upload failed
     SubmitWork work;

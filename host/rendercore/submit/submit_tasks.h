@@ -55,7 +55,7 @@ public:
         QSet<qint64> numbers;
         for (const QString& id : ids)
             numbers.insert(m_numbers.value(id));
-        numbers.remove(0); // stands for unknown ids
+        numbers.remove(0); // the number of unknown ids
         return QVector<qint64>(numbers.cbegin(), numbers.cend());
     }
 

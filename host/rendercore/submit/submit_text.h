@@ -54,7 +54,7 @@ constexpr const char* BlenderLacking = QT_TRANSLATE_NOOP("TaskMessage",
 constexpr const char* BlenderFailed
     = QT_TRANSLATE_NOOP("TaskMessage", "Blender could not read the scene, or took more than ten minutes.");
 
-// These stand in the list of missing files, because the user has to agree to them as well.
+// These are added to the list of missing files, because the user has to agree to them as well.
 constexpr const char* OtherEngine = QT_TRANSLATE_NOOP(
     "TaskMessage", "The scene is made for the engine %1; the farm will render it with Cycles if you go on.");
 constexpr const char* CountedFromOne = QT_TRANSLATE_NOOP("TaskMessage",
@@ -62,7 +62,7 @@ constexpr const char* CountedFromOne = QT_TRANSLATE_NOOP("TaskMessage",
 constexpr const char* FramesLeftOut = QT_TRANSLATE_NOOP(
     "TaskMessage", "The scene has the frames %1 to %2; the farm will render only %3 to %4 if you go on.");
 
-// These stand for files in the list of missing files.
+// These take the place of names in the list of missing files.
 constexpr const char* Absolute = QT_TRANSLATE_NOOP("TaskMessage", "%1 (use a path relative to the scene)");
 constexpr const char* Outside
     = QT_TRANSLATE_NOOP("TaskMessage", "%1 (outside the scene's folder; will be sent if you go on)");

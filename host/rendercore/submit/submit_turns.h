@@ -8,7 +8,8 @@
 #include <optional>
 
 /// Decides which task may run, and when. One task has the turn until it halts or has to wait; then it is the turn of
-/// the task with the next number, cyclically. Pure logic: `now` is in milliseconds since any fixed moment.
+/// the task with the next higher number, and after the highest that of the lowest. Pure logic: `now` is in milliseconds
+/// since any fixed moment.
 class SubmitTurns
 {
 public:
