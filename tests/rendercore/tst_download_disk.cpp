@@ -21,6 +21,21 @@ const std::tuple<const char*, int, const char*> SaveErrors[] = {
     {"too large", EFBIG, ""},
 };
 
+/// Answers, the first to a transfer, while the database cannot be read or written, and the warning about that.
+const std::tuple<const char*, QList<HttpReply>, const char*> DatabaseFailures[] = {
+    {"before another attempt", {Answer(503)}, "cannot start downloads"},
+    {"at a refusal", {Answer(403)}, "cannot save a failed download"},
+    {"after a new list", {Answer(404), Answer(403)}, "cannot continue an outdated download"},
+};
+
+QString awaitedWarning;
+std::atomic<int> warnings; ///< those with the awaited text
+
+void CountWarning(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& text)
+{
+    warnings += text.startsWith(awaitedWarning) ? 1 : 0;
+}
+
 const std::tuple<const char*, void (*)(const QString& file)> Unreadables[] = {
     {"damaged", [](const QString& file) { WriteFile(file, "not a database"); }},
     {"damaged inside",
@@ -146,6 +161,28 @@ private slots:
             QVERIFY(client.Await(Finished, round));
             QCOMPARE(client.notices.count(), round);
         }
+    }
+
+    void LosesNoTaskWhileTheDatabaseFails_data() { AddRows(DatabaseFailures); }
+
+    void LosesNoTaskWhileTheDatabaseFails()
+    {
+        const auto& [name, answers, warning] = Row(DatabaseFailures);
+        const Client& client = Start(QList<HttpReply> {Listed(Entry(FrameData)), StandInServer::Held({})}
+            + answers.mid(1) + QList<HttpReply> {Whole(FrameData)});
+        QVERIFY(AwaitRequests(2));
+        SQLite::Database database(
+            Path("transfer/downloads.sqlite").toStdString(), SQLite::OPEN_READWRITE, Patience);
+        awaitedWarning = QLatin1String(warning);
+        warnings = 0;
+        const auto former = qInstallMessageHandler(CountWarning);
+        database.exec("ALTER TABLE tasks RENAME TO away");
+        m_server->Release(1, answers.constFirst().bytes);
+        const bool hasFailed = QTest::qWaitFor([] { return warnings > 0; }, Patience);
+        database.exec("ALTER TABLE away RENAME TO tasks");
+        qInstallMessageHandler(former);
+        QVERIFY(hasFailed);
+        QVERIFY(client.Await(Finished));
     }
 
     void BeginsAnewWithoutAReadableDatabase_data() { AddRows(Unreadables); }
