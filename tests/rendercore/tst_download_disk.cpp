@@ -18,6 +18,8 @@ const std::tuple<const char*, int, const char*> SaveErrors[] = {
     {"broken", EIO, "All downloads wait"},
     {"stale", ESTALE, "All downloads wait"},
     {"forbidden", EACCES, "Its downloads wait"},
+    {"server of a shared folder down", EHOSTDOWN, "Its downloads wait"},
+    {"shared folder disconnected", ENOTCONN, "Its downloads wait"},
     {"too large", EFBIG, ""},
 };
 

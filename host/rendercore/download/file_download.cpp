@@ -32,20 +32,23 @@ bool IsOfDisk(int error)
     return error == ENOSPC || error == EDQUOT || error == EROFS || error == EIO || error == ESTALE;
 }
 
-bool MayPass(int error)
+/// Whether the error is the fault of this one file, which no time mends. All others may pass: folders of other machines
+/// fail in many ways.
+bool IsOfFile(int error)
 {
     switch (error) {
-    case 0: // it has passed
-    case EACCES:
-    case EMFILE:
-    case ENFILE:
-    case ENODEV:
-    case ENOENT:
-    case ENOTDIR:
-    case EPERM:
+    case EEXIST:
+    case EFBIG:
+    case EILSEQ:
+    case EINVAL:
+    case EISDIR:
+    case ELOOP:
+    case ENAMETOOLONG:
+    case ENOTEMPTY:
+    case EOVERFLOW:
         return true;
     default:
-        return IsOfDisk(error);
+        return false;
     }
 }
 
@@ -323,7 +326,7 @@ void FileDownload::FailToSave(int error)
 {
     const TaskMessage message {
         DownloadText::NotSaved, {QDir::toNativeSeparators(m_task.file), qt_error_string(error)}};
-    if (!MayPass(error))
+    if (IsOfFile(error))
         End(DownloadOutcome::Failed, message);
     else if (IsOfDisk(error) || storage::FolderError(DownloadPaths::Root(m_task.file)) != 0)
         End(DownloadOutcome::DiskUnusable, message, 0, error);
