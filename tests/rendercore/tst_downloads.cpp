@@ -27,6 +27,7 @@ const auto& TransferCases()
         {"stranger's file of that size", {Whole(FrameData)}, Finished, 2, {}, FrameData, {},
             QByteArray(FrameData.size(), 'z')},
         {"stranger's file", {Whole(FrameData)}, Finished, 2, {}, FrameData, {}, OtherData},
+        {"stranger's file beside a whole part file", {}, Finished, 1, {}, FrameData, FrameData, OtherData},
         {"whole part file", {}, Finished, 1, {}, FrameData, FrameData},
         {"part file longer than the file", {Whole(FrameData)}, Finished, 2, Condition, FrameData,
             FrameData + 'x'},
@@ -64,6 +65,13 @@ const auto& TransferCases()
     };
     return rows;
 }
+
+/// A file that appears at the destination during the transfer, and the name of the finished file.
+const std::tuple<const char*, QByteArray, const char*> Arrivals[] = {
+    {"a stranger's", OtherData, "frames/12_shot/frame_0001 (2).png"},
+    {"a stranger's of that size", QByteArray(FrameData.size(), 'z'), "frames/12_shot/frame_0001 (2).png"},
+    {"another client's", FrameData, "frames/12_shot/frame_0001.png"},
+};
 
 /// A link in the way of a file, its target, and what becomes of the file.
 const std::tuple<const char*, const char*, Status> Links[] = {
@@ -179,6 +187,25 @@ private slots:
             qPrintable(journal.join(QLatin1Char('\n'))));
         client.queue.RetryFailed();
         QVERIFY(isFinished || AwaitRequests(row.requests + 1));
+    }
+
+    void ReplacesNoFileThatHasAppeared_data() { AddRows(Arrivals); }
+
+    void ReplacesNoFileThatHasAppeared()
+    {
+        const auto& [name, content, file] = Row(Arrivals);
+        const Client& client = Start({Listed(Entry(FrameData)), StandInServer::Held(Whole(FrameData))});
+        QVERIFY(AwaitRequests(2));
+        QVERIFY(WriteFile(Frame(), content));
+        m_server->Release(1);
+        QVERIFY(client.Await(Finished));
+        QVERIFY(ReadFile(Frame()) == content);
+        QVERIFY(ReadFile(Path(file)) == FrameData);
+        QCOMPARE(client.Value("destFile").toString(), Path(file));
+        QCOMPARE(m_server->Requests().size(), 2); // what has arrived is not sent again
+        const auto all = QDir::Files | QDir::Hidden;
+        QCOMPARE(QDir(Path("frames/12_shot")).entryList(all).size(), content == FrameData ? 1 : 2);
+        QCOMPARE(client.notices.count(), 0);
     }
 
     void MessagesFollowTheLanguage()

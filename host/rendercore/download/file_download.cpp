@@ -113,8 +113,8 @@ bool FileDownload::HasNoRoom(const QString& folder) const
     return free >= 0 && free < missing;
 }
 
-/// The complete file is already at its destination if the client was killed before the task was saved; it is reported
-/// now. Anything else at the destination belongs to somebody else.
+/// The complete file is already at its destination if the client was killed before the task was saved, or if another
+/// client saves to the same folder; it is reported now. Anything else at the destination belongs to somebody else.
 void FileDownload::AdoptExistingFile()
 {
     const QFileInfo info(m_task.file);
@@ -123,13 +123,14 @@ void FileDownload::AdoptExistingFile()
     if (mayBeOurs && m_part.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         HashOnDisk(&FileDownload::JudgeExistingFile);
     else
-        JudgeExistingFile();
+        End(DownloadOutcome::NameTaken);
 }
 
 void FileDownload::JudgeExistingFile()
 {
-    const bool isOurs = m_hashing && m_hashing->IsComplete() && m_hashing->Checksum() == m_task.checksum;
-    QFile::remove(m_partFile);
+    const bool isOurs = m_hashing->IsComplete() && m_hashing->Checksum() == m_task.checksum;
+    if (isOurs)
+        QFile::remove(m_partFile);
     End(isOurs ? DownloadOutcome::Complete : DownloadOutcome::NameTaken);
 }
 
@@ -146,6 +147,9 @@ void FileDownload::LoadPart()
 
 void FileDownload::HashOnDisk(void (FileDownload::*next)())
 {
+    // An earlier hashing may be emitting the signal that has led here.
+    if (m_hashing)
+        m_hashing.release()->deleteLater();
     m_hashing = std::make_unique<FileHashing>(&m_part);
     connect(m_hashing.get(), &FileHashing::Finished, this, next);
 }
@@ -313,6 +317,12 @@ void FileDownload::Finish()
         return;
     }
     m_part.close();
+    // During the transfer, somebody else may have saved a file here.
+    if (!m_task.fresh && DownloadPaths::IsOccupied(m_task.file)) {
+        DropReply();
+        AdoptExistingFile();
+        return;
+    }
     try {
         storage::RenameDurably(m_partFile, m_task.file);
         End(DownloadOutcome::Complete);

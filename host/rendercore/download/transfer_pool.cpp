@@ -289,11 +289,13 @@ void TransferPool::Fail(DownloadTask task, const TaskMessage& message)
 
 void TransferPool::Rename(DownloadTask task)
 {
+    const QString before = task.file;
     bool isRenamed = false;
     if (!Attempt("rename a download", [&] { isRenamed = m_store->Rename(&task); }) || !isRenamed) {
         Postpone(task, 0, {DownloadText::NameTaken, {task.name}});
         return;
     }
+    DownloadPaths::MovePart(before, task.file);
     DownloadChange change = ChangeOf(task);
     change.file = task.file;
     m_listener->changed({change});
