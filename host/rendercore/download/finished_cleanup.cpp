@@ -6,6 +6,7 @@
 #include <QDateTime>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -39,7 +40,8 @@ void FinishedCleanup::SetKeepDays(int days)
 
 void FinishedCleanup::ClearAll()
 {
-    m_clearBefore = QDateTime::currentSecsSinceEpoch() + 1;
+    // The clock may have been set back since a file finished.
+    m_clearBefore = std::numeric_limits<qint64>::max();
     m_timer.start(0);
 }
 
