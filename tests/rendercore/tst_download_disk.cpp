@@ -200,13 +200,19 @@ private slots:
         QCOMPARE(Restart({}).notices.count(), 0);
     }
 
+    void BeginsAnewWhenTheDatabaseFailsLater_data()
+    {
+        QTest::addColumn<bool>("isCleared");
+        QTest::newRow("with a list") << false;
+        QTest::newRow("with an empty list") << true;
+    }
+
     void BeginsAnewWhenTheDatabaseFailsLater()
     {
+        QFETCH(bool, isCleared);
         QDir().mkpath(Path("transfer"));
-        OrderOutcome old = Disk().Apply(
-            "farm/ann"_s, {"j0"_s, "s"_s, DownloadOrder::Manual, 0}, {{"old"_s, 1, {}}}, "/frames"_s);
-        old.added[0].state = DownloadState::Finished;
-        Disk().Save(old.added);
+        const FarmFile old {"old"_s, FrameData.size(), QLatin1String(Checksum(FrameData))};
+        Disk().Apply("farm/ann"_s, {"j0"_s, "s"_s, DownloadOrder::Manual, 0}, {old}, Path("frames"));
         // The table of orders, which is on the second page of 4096 bytes.
         QByteArray content = ReadFile(Path("transfer/downloads.sqlite"));
         WriteFile(Path("transfer/downloads.sqlite"), content.replace(4096, 4096, QByteArray(4096, 'z')));
@@ -214,6 +220,10 @@ private slots:
         Client& client = Restart({Whole(FrameData)});
         m_server->SetReplyTo("/j1/files HTTP", Listed(Entry(FrameData)));
         QVERIFY(client.Await(Finished));
+        if (isCleared) {
+            client.queue.ClearFinished();
+            QTRY_VERIFY_WITH_TIMEOUT(client.queue.Tasks()->isEmpty(), Patience);
+        }
         client.Order();
         QTRY_COMPARE_WITH_TIMEOUT(client.Value("jobId").toString(), "j1"_s, Patience);
         QVERIFY(client.Await(Finished));

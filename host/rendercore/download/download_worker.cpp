@@ -13,7 +13,11 @@ constexpr int BatchSize = 500;
 
 DownloadWorker::DownloadWorker(
     const QString& file, const DownloadListener& listener, const DownloadLimits& limits)
-    : m_store(file, listener.replaced)
+    : m_store(file,
+        [this](const QString& keptAs) {
+            m_pool.BeginAnew();
+            m_listener.replaced(keptAs);
+        })
     , m_listener(listener)
     , m_transport(limits.http)
     , m_loader(&m_store, limits.longestPause)

@@ -31,6 +31,11 @@ void TransferPool::Reset(const FarmAccess& access)
 {
     Stop();
     m_access = access;
+    BeginAnew();
+}
+
+void TransferPool::BeginAnew()
+{
     m_outdated.clear();
     m_damaged.clear();
     Rewind();
