@@ -236,7 +236,8 @@ void FileDownload::Refuse()
         DropReply();
         StartOver();
         Ask();
-    } else if (result.IsTransient() || result.status == HttpStatus::RangeNotSatisfiable) {
+    } else if (result.IsTransient() || result.IsFromBetween()
+        || result.status == HttpStatus::RangeNotSatisfiable) {
         End(DownloadOutcome::Broken, {DownloadText::NotNow, {m_task.name, result.fault}},
             result.retryAfter * 1000);
     } else {
