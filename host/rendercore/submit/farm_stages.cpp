@@ -152,6 +152,11 @@ bool FarmStages::SendChunks(int index, Upload& upload, TransferMeter& meter)
             return true;
         }
         const auto result = SendChunk(upload, chunk, meter);
+        // The farm deletes uploads that nobody has continued for days: this computer may have slept.
+        if (IsStatus(result, HttpStatus::NotFound)) {
+            Repeat(SubmitStage::Upload, SubmitText::Busy);
+            return false;
+        }
         if (!CheckPassing(result))
             return false;
         const qint64 before = upload.offset;
@@ -187,10 +192,14 @@ std::optional<HttpResult> FarmStages::SendChunk(
     });
     if (!IsStatus(result, HttpStatus::Conflict))
         return result;
-    // The farm's offset differs from ours, so it is fetched.
+    return AskForUpload(upload.id); // whose offset differs from ours
+}
+
+std::optional<HttpResult> FarmStages::AskForUpload(const QByteArray& id)
+{
     HttpRequest question;
     question.verb = "GET";
-    question.target = UploadTarget(upload.id);
+    question.target = UploadTarget(id);
     return m_farm.Send(question);
 }
 
@@ -206,11 +215,24 @@ void FarmStages::UncompressAll()
     Conclude(SubmitStage::Submit);
 }
 
+/// @return whether the farm has the whole package. It unpacks one package of an account at a time, for minutes.
+bool FarmStages::HasAll(const Package& package)
+{
+    const auto result = AskForUpload(package.upload.toUtf8());
+    return IsStatus(result, HttpStatus::Ok)
+        && BytesOf(DataOf(*result).value(QLatin1String("offset"))) == package.size;
+}
+
 bool FarmStages::Uncompress(int index)
 {
     Package& package = m_outcome.work.packages[index];
     const auto result
         = m_farm.Post(UploadTarget(package.upload.toUtf8()) + "/unpack", {}, m_limits.unpackTime);
+    if (IsStatus(result, HttpStatus::Conflict) && HasAll(package)) {
+        Repeat(SubmitStage::Uncompress, SubmitText::Busy);
+        m_outcome.obstacle = StageOutcome::Obstacle::Farm;
+        return false;
+    }
     if (IsStatus(result, HttpStatus::NotFound) || IsStatus(result, HttpStatus::Conflict)) {
         package.isSent = false;
         Repeat(SubmitStage::Upload, SubmitText::Busy);

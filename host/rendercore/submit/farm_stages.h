@@ -47,7 +47,9 @@ private:
     bool SendPackage(int index, TransferMeter& meter);
     bool SendChunks(int index, Upload& upload, TransferMeter& meter);
     std::optional<HttpResult> SendChunk(const Upload& upload, const QByteArray& chunk, TransferMeter& meter);
+    std::optional<HttpResult> AskForUpload(const QByteArray& id);
     void UncompressAll();
+    bool HasAll(const Package& package);
     bool Uncompress(int index);
     void TakeUnpacked(int index, const QJsonArray& unpacked);
     void Submit();
