@@ -357,7 +357,7 @@ private slots:
         QCOMPARE(client.changed.count(), 2);
     }
 
-    void RepairsWhatIsDamagedWhenOrdered()
+    void BringsBackWhatIsLostOrChangedWhenOrdered()
     {
         const HttpReply list = Listed(Entry(FrameData));
         Client& client
@@ -365,16 +365,19 @@ private slots:
         QVERIFY(client.Await(Finished));
         client.Order(); // whole: it stays
         QVERIFY(AwaitRequests(3));
-        WriteFile(Frame(), QByteArray(FrameData.size(), 'z'));
+        const QByteArray retouched(FrameData.size(), 'z');
+        WriteFile(Frame(), retouched);
         client.Order();
         QVERIFY(client.AwaitFiles(2));
-        QVERIFY(ReadFile(Frame()) == FrameData);
+        const QString copy = Path("frames/12_shot/frame_0001 (2).png");
+        QVERIFY(ReadFile(Frame()) == retouched && ReadFile(copy) == FrameData);
         const QFileInfoList files = QDir("/proc/self/fd"_s).entryInfoList();
         for (const QFileInfo& open : files)
             QVERIFY(!open.symLinkTarget().startsWith(Frame())); // or the disk could not be unmounted
-        QVERIFY(QFile::remove(Frame()));
+        QVERIFY(QFile::remove(copy));
         client.Order();
         QVERIFY(client.AwaitFiles(3));
+        QVERIFY(ReadFile(copy) == FrameData);
         QCOMPARE(m_server->Requests().size(), 7);
     }
 };

@@ -183,7 +183,8 @@ private slots:
             QCOMPARE(int(task.state), applies ? states[state] - '0' : state);
             QCOMPARE(task.message.IsEmpty(), applies);
             QCOMPARE(task.progress, applies && isFromStart ? 0 : 50);
-            QCOMPARE(task.fresh, applies && isFromStart && state == int(DownloadState::Finished));
+            const bool replaces = applies && command == TaskCommands::Redownload;
+            QCOMPARE(task.fresh, replaces && state == int(DownloadState::Finished));
         }
     }
 
