@@ -13,7 +13,8 @@ struct SubmitLimits
 {
     int answerTime = 30 * 1000;
     int chunkTime = 120 * 1000;
-    int unpackTime = 30 * 60 * 1000;
+    /// The farm goes on unpacking when nobody waits, so a connection that died silently costs no more than this.
+    int unpackTime = 5 * 60 * 1000;
 };
 
 /// The stages that need the farm. Belongs to the thread that creates it.
