@@ -173,7 +173,8 @@ void TransferPool::HandleEnd(qint64 id, const DownloadOutcome& outcome)
     transfer->deleteLater();
     m_active.erase(found);
     const DownloadTask task = transfer->Task();
-    if (outcome.kind != DownloadOutcome::Damaged)
+    // A transfer that was cut in between must not start the count over, or a damaged file would be fetched for ever.
+    if (outcome.kind == DownloadOutcome::Complete || outcome.kind == DownloadOutcome::Outdated)
         m_damaged.erase(id);
     switch (outcome.kind) {
     case DownloadOutcome::Complete:
@@ -288,6 +289,7 @@ void TransferPool::Fail(DownloadTask task, const TaskMessage& message)
         return;
     }
     m_schedule.Forget(task.id);
+    m_damaged.erase(task.id);
     emit Settled(task);
     m_listener->changed({ChangeOf(task)});
 }
