@@ -12,7 +12,7 @@ namespace {
 
 constexpr int BatchSize = 2000;
 constexpr int Interval = 3600 * 1000; // ms
-constexpr qint64 Day = 24 * 3600;     // s
+constexpr qint64 Day = 24LL * 3600;   // s
 
 } // namespace
 
