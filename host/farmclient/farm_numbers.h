@@ -7,6 +7,7 @@ namespace HttpStatus {
 
 constexpr int Ok = 200;
 constexpr int PartialContent = 206;
+constexpr int Redirection = 300; ///< the first redirection; the farm redirects nobody
 constexpr int BadRequest = 400;
 constexpr int Unauthorized = 401; ///< the farm does not know the session
 constexpr int NotFound = 404;

@@ -82,6 +82,12 @@ bool HttpResult::IsTransient() const
     }
 }
 
+bool HttpResult::IsFromBetween() const
+{
+    return status == HttpStatus::ProxyAuthenticationRequired
+        || (status >= HttpStatus::Redirection && status < HttpStatus::BadRequest);
+}
+
 bool HttpResult::IsDiskFull() const
 {
     return status == HttpStatus::InsufficientStorage

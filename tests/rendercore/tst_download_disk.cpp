@@ -18,8 +18,25 @@ const std::tuple<const char*, int, const char*> SaveErrors[] = {
     {"broken", EIO, "All downloads wait"},
     {"stale", ESTALE, "All downloads wait"},
     {"forbidden", EACCES, "Its downloads wait"},
+    {"server of a shared folder down", EHOSTDOWN, "Its downloads wait"},
+    {"shared folder disconnected", ENOTCONN, "Its downloads wait"},
     {"too large", EFBIG, ""},
 };
+
+/// Answers, the first to a transfer, while the database cannot be read or written, and the warning about that.
+const std::tuple<const char*, QList<HttpReply>, const char*> DatabaseFailures[] = {
+    {"before another attempt", {Answer(503)}, "cannot start downloads"},
+    {"at a refusal", {Answer(403)}, "cannot save a failed download"},
+    {"after a new list", {Answer(404), Answer(403)}, "cannot continue an outdated download"},
+};
+
+QString awaitedWarning;
+std::atomic<int> warnings; ///< those with the awaited text
+
+void CountWarning(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& text)
+{
+    warnings += text.startsWith(awaitedWarning) ? 1 : 0;
+}
 
 const std::tuple<const char*, void (*)(const QString& file)> Unreadables[] = {
     {"damaged", [](const QString& file) { WriteFile(file, "not a database"); }},
@@ -148,6 +165,28 @@ private slots:
         }
     }
 
+    void LosesNoTaskWhileTheDatabaseFails_data() { AddRows(DatabaseFailures); }
+
+    void LosesNoTaskWhileTheDatabaseFails()
+    {
+        const auto& [name, answers, warning] = Row(DatabaseFailures);
+        const Client& client = Start(QList<HttpReply> {Listed(Entry(FrameData)), StandInServer::Held({})}
+            + answers.mid(1) + QList<HttpReply> {Whole(FrameData)});
+        QVERIFY(AwaitRequests(2));
+        SQLite::Database database(
+            Path("transfer/downloads.sqlite").toStdString(), SQLite::OPEN_READWRITE, Patience);
+        awaitedWarning = QLatin1String(warning);
+        warnings = 0;
+        const auto former = qInstallMessageHandler(CountWarning);
+        database.exec("ALTER TABLE tasks RENAME TO away");
+        m_server->Release(1, answers.constFirst().bytes);
+        const bool hasFailed = QTest::qWaitFor([] { return warnings > 0; }, Patience);
+        database.exec("ALTER TABLE away RENAME TO tasks");
+        qInstallMessageHandler(former);
+        QVERIFY(hasFailed);
+        QVERIFY(client.Await(Finished));
+    }
+
     void BeginsAnewWithoutAReadableDatabase_data() { AddRows(Unreadables); }
 
     void BeginsAnewWithoutAReadableDatabase()
@@ -161,13 +200,19 @@ private slots:
         QCOMPARE(Restart({}).notices.count(), 0);
     }
 
+    void BeginsAnewWhenTheDatabaseFailsLater_data()
+    {
+        QTest::addColumn<bool>("isCleared");
+        QTest::newRow("with a list") << false;
+        QTest::newRow("with an empty list") << true;
+    }
+
     void BeginsAnewWhenTheDatabaseFailsLater()
     {
+        QFETCH(bool, isCleared);
         QDir().mkpath(Path("transfer"));
-        OrderOutcome old = Disk().Apply(
-            "farm/ann"_s, {"j0"_s, "s"_s, DownloadOrder::Manual, 0}, {{"old"_s, 1, {}}}, "/frames"_s);
-        old.added[0].state = DownloadState::Finished;
-        Disk().Save(old.added);
+        const FarmFile old {"old"_s, FrameData.size(), QLatin1String(Checksum(FrameData))};
+        Disk().Apply("farm/ann"_s, {"j0"_s, "s"_s, DownloadOrder::Manual, 0}, {old}, Path("frames"));
         // The table of orders, which is on the second page of 4096 bytes.
         QByteArray content = ReadFile(Path("transfer/downloads.sqlite"));
         WriteFile(Path("transfer/downloads.sqlite"), content.replace(4096, 4096, QByteArray(4096, 'z')));
@@ -175,6 +220,10 @@ private slots:
         Client& client = Restart({Whole(FrameData)});
         m_server->SetReplyTo("/j1/files HTTP", Listed(Entry(FrameData)));
         QVERIFY(client.Await(Finished));
+        if (isCleared) {
+            client.queue.ClearFinished();
+            QTRY_VERIFY_WITH_TIMEOUT(client.queue.Tasks()->isEmpty(), Patience);
+        }
         client.Order();
         QTRY_COMPARE_WITH_TIMEOUT(client.Value("jobId").toString(), "j1"_s, Patience);
         QVERIFY(client.Await(Finished));

@@ -5,6 +5,7 @@
 namespace {
 
 const QByteArray Condition = "If-Match: \"" + Checksum(FrameData) + '"';
+const QByteArray Wrong(FrameData.size(), 'z');
 const HttpReply NoRange {"HTTP/1.1 206 Partial\r\n\r\n" + FrameData.mid(CutAt), false};
 const HttpReply Endless {"HTTP/1.1 200 OK\r\n\r\n" + FrameData + FrameData, false};
 
@@ -27,6 +28,7 @@ const auto& TransferCases()
         {"stranger's file of that size", {Whole(FrameData)}, Finished, 2, {}, FrameData, {},
             QByteArray(FrameData.size(), 'z')},
         {"stranger's file", {Whole(FrameData)}, Finished, 2, {}, FrameData, {}, OtherData},
+        {"stranger's file beside a whole part file", {}, Finished, 1, {}, FrameData, FrameData, OtherData},
         {"whole part file", {}, Finished, 1, {}, FrameData, FrameData},
         {"part file longer than the file", {Whole(FrameData)}, Finished, 2, Condition, FrameData,
             FrameData + 'x'},
@@ -48,8 +50,11 @@ const auto& TransferCases()
         {"listed, but not sent at first", {Answer(404), Listed(Entry(FrameData)), Whole(FrameData)}, Finished,
             4},
         {"no longer listed", {Answer(404), Answer(403)}, Failed, 3},
-        {"wrong bytes once", {Whole(QByteArray(FrameData.size(), 'z')), Whole(FrameData)}, Finished, 3},
-        {"wrong bytes", {Whole(QByteArray(FrameData.size(), 'z'))}, Failed, 3},
+        {"wrong bytes once", {Whole(Wrong), Whole(FrameData)}, Finished, 3},
+        {"wrong bytes", {Whole(Wrong)}, Failed, 3},
+        {"wrong bytes, cut once",
+            {Whole(Wrong), HttpReply {Whole(Wrong).bytes.chopped(50000), false}, Rest(Wrong, CutAt)}, Failed,
+            4, RangeLine},
         {"too many bytes", {Endless, Listed(Entry(FrameData)), Whole(FrameData)}, Finished, 4},
         {"too few bytes", {Whole(FrameData.left(CutAt)), Listed(Entry(FrameData)), Whole(FrameData)},
             Finished, 4},
@@ -64,6 +69,13 @@ const auto& TransferCases()
     };
     return rows;
 }
+
+/// A file that appears at the destination during the transfer, and the name of the finished file.
+const std::tuple<const char*, QByteArray, const char*> Arrivals[] = {
+    {"a stranger's", OtherData, "frames/12_shot/frame_0001 (2).png"},
+    {"a stranger's of that size", QByteArray(FrameData.size(), 'z'), "frames/12_shot/frame_0001 (2).png"},
+    {"another client's", FrameData, "frames/12_shot/frame_0001.png"},
+};
 
 /// A link in the way of a file, its target, and what becomes of the file.
 const std::tuple<const char*, const char*, Status> Links[] = {
@@ -133,12 +145,14 @@ private slots:
             task.state = DownloadState::Finished;
         Disk().Save(old);
         SQLite::Database(Path("transfer/downloads.sqlite").toStdString(), SQLite::OPEN_READWRITE)
-            .exec("UPDATE tasks SET finished = finished - 3 * 86400 WHERE id > 1");
+            .exec("UPDATE tasks SET finished = finished + iif(id = 1, 1, -3) * 86400");
         Client& client = Restart({});
         QVERIFY(client.Await(Finished, files.size()));
         client.queue.SetKeepDays(2);
         QVERIFY(client.Await(Finished, 1));
         QCOMPARE(client.Ids(), QStringList {"0000000001"_s});
+        client.queue.ClearFinished();
+        QTRY_VERIFY_WITH_TIMEOUT(client.queue.Tasks()->isEmpty(), Patience);
     }
 
     void RecoversFromBrokenTransfers_data() { AddRows(TransferCases()); }
@@ -179,6 +193,25 @@ private slots:
             qPrintable(journal.join(QLatin1Char('\n'))));
         client.queue.RetryFailed();
         QVERIFY(isFinished || AwaitRequests(row.requests + 1));
+    }
+
+    void ReplacesNoFileThatHasAppeared_data() { AddRows(Arrivals); }
+
+    void ReplacesNoFileThatHasAppeared()
+    {
+        const auto& [name, content, file] = Row(Arrivals);
+        const Client& client = Start({Listed(Entry(FrameData)), StandInServer::Held(Whole(FrameData))});
+        QVERIFY(AwaitRequests(2));
+        QVERIFY(WriteFile(Frame(), content));
+        m_server->Release(1);
+        QVERIFY(client.Await(Finished));
+        QVERIFY(ReadFile(Frame()) == content);
+        QVERIFY(ReadFile(Path(file)) == FrameData);
+        QCOMPARE(client.Value("destFile").toString(), Path(file));
+        QCOMPARE(m_server->Requests().size(), 2); // what has arrived is not sent again
+        const auto all = QDir::Files | QDir::Hidden;
+        QCOMPARE(QDir(Path("frames/12_shot")).entryList(all).size(), content == FrameData ? 1 : 2);
+        QCOMPARE(client.notices.count(), 0);
     }
 
     void MessagesFollowTheLanguage()
@@ -328,7 +361,7 @@ private slots:
         QCOMPARE(client.changed.count(), 2);
     }
 
-    void RepairsWhatIsDamagedWhenOrdered()
+    void BringsBackWhatIsLostOrChangedWhenOrdered()
     {
         const HttpReply list = Listed(Entry(FrameData));
         Client& client
@@ -336,16 +369,19 @@ private slots:
         QVERIFY(client.Await(Finished));
         client.Order(); // whole: it stays
         QVERIFY(AwaitRequests(3));
-        WriteFile(Frame(), QByteArray(FrameData.size(), 'z'));
+        const QByteArray retouched(FrameData.size(), 'z');
+        WriteFile(Frame(), retouched);
         client.Order();
         QVERIFY(client.AwaitFiles(2));
-        QVERIFY(ReadFile(Frame()) == FrameData);
+        const QString copy = Path("frames/12_shot/frame_0001 (2).png");
+        QVERIFY(ReadFile(Frame()) == retouched && ReadFile(copy) == FrameData);
         const QFileInfoList files = QDir("/proc/self/fd"_s).entryInfoList();
         for (const QFileInfo& open : files)
             QVERIFY(!open.symLinkTarget().startsWith(Frame())); // or the disk could not be unmounted
-        QVERIFY(QFile::remove(Frame()));
+        QVERIFY(QFile::remove(copy));
         client.Order();
         QVERIFY(client.AwaitFiles(3));
+        QVERIFY(ReadFile(copy) == FrameData);
         QCOMPARE(m_server->Requests().size(), 7);
     }
 };

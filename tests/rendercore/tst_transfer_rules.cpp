@@ -95,7 +95,12 @@ QString PlaySchedule(const char* script)
     Play(script,
         {
             {'p', [&](int task) { answer(schedule.Postpone(task, asked, now)); }},
-            {'?', [&](int) { answer(schedule.NextDue(now)); }},
+            {'?',
+                [&](int) {
+                    answer(schedule.NextDue(now));
+                    schedule.Take(schedule.NextDue(now).value_or(0));
+                }},
+            {'d', [&](int) { answer(schedule.NextDue(now)); }}, // without taking it
             {'w', [&](int) { answer(schedule.Wait(now)); }},
             {'i', [&](int) { answers.append(schedule.IsPaused(now) ? "paused"_s : "open"_s); }},
             {'@', [&](int milliseconds) { now += milliseconds; }},
@@ -123,6 +128,7 @@ const Script ScheduleScripts[] = {
     {"the next round pauses longer", "p1 p2 p3 p4 @399 i @1 i", "100 100 100 100 paused open"},
     {"a retry ends the pause", "p1 p2 r5 i", "100 100 open"},
     {"progress ends the pause and the row", "p1 p2 g9 i p3 i p4 i", "100 100 open 100 open 100 paused"},
+    {"due until it is taken", "p7 @100 d d w ? w p7", "100 7 7 0 7 none 200"},
     {"the pause is ended", "p1 p2 e i", "100 100 open"},
     {"all pause when the farm asks", "a5000 p1 @4999 i @1 i", "5000 paused open"},
     {"no shorter pause follows", "a5000 p1 a0 p2 @4999 i", "5000 100 paused"},
@@ -177,7 +183,8 @@ private slots:
             QCOMPARE(int(task.state), applies ? states[state] - '0' : state);
             QCOMPARE(task.message.IsEmpty(), applies);
             QCOMPARE(task.progress, applies && isFromStart ? 0 : 50);
-            QCOMPARE(task.fresh, applies && isFromStart && state == int(DownloadState::Finished));
+            const bool replaces = applies && command == TaskCommands::Redownload;
+            QCOMPARE(task.fresh, replaces && state == int(DownloadState::Finished));
         }
     }
 

@@ -4,7 +4,10 @@
 
 #include <QCryptographicHash>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+
+#include <cstdio>
 
 namespace {
 
@@ -67,6 +70,17 @@ QString PartFile(const QString& destination)
 {
     const QFileInfo info(destination);
     return info.path() + QLatin1String("/.") + info.fileName() + QLatin1String(".part");
+}
+
+void MovePart(const QString& from, const QString& to)
+{
+    const QString part = PartFile(from);
+    if (!QFileInfo::exists(part))
+        return;
+    const QString target = PartFile(to);
+    QDir().mkpath(QFileInfo(target).path());
+    if (std::rename(QFile::encodeName(part).constData(), QFile::encodeName(target).constData()) != 0)
+        QFile::remove(part);
 }
 
 bool LeadsOut(const QString& destination)

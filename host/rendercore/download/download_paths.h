@@ -21,6 +21,9 @@ bool IsOccupied(const QString& path);
 /// The hidden file beside a destination that holds the data received so far.
 QString PartFile(const QString& destination);
 
+/// Moves the data received so far to a new destination if a rename is enough, and deletes them otherwise.
+void MovePart(const QString& from, const QString& to);
+
 /// Whether the folder of a destination leads out of the download folder by a symbolic link.
 bool LeadsOut(const QString& destination);
 

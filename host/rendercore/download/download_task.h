@@ -51,7 +51,7 @@ struct DownloadOrder
 {
     enum Kind {
         Automatic = 0, ///< adds what is new at the farm, except files that have been removed from the list
-        Manual = 1,    ///< also brings back files that are stopped, failed or damaged
+        Manual = 1,    ///< also brings back files that are stopped, failed, lost or changed
         Renewal = 2    ///< only updates waiting tasks, after the farm has changed their files
     };
 

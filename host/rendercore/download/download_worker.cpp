@@ -4,32 +4,20 @@
 #include "host/rendercore/download/task_commands.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QFileInfo>
-
-#include <cstdio>
 
 namespace {
 
 constexpr int BatchSize = 500;
 
-/// Moves the data received so far to the new destination if a rename is enough, and deletes them otherwise.
-void MovePart(const QString& from, const QString& to)
-{
-    const QString part = DownloadPaths::PartFile(from);
-    if (!QFileInfo::exists(part))
-        return;
-    const QString target = DownloadPaths::PartFile(to);
-    QDir().mkpath(QFileInfo(target).path());
-    if (std::rename(QFile::encodeName(part).constData(), QFile::encodeName(target).constData()) != 0)
-        QFile::remove(part);
-}
-
 } // namespace
 
 DownloadWorker::DownloadWorker(
     const QString& file, const DownloadListener& listener, const DownloadLimits& limits)
-    : m_store(file, listener.replaced)
+    : m_store(file,
+        [this](const QString& keptAs) {
+            m_pool.BeginAnew();
+            m_listener.replaced(keptAs);
+        })
     , m_listener(listener)
     , m_transport(limits.http)
     , m_loader(&m_store, limits.longestPause)
@@ -104,7 +92,7 @@ void DownloadWorker::FollowFolder()
              last = moved.constLast().task.id) {
             DownloadChanges changes;
             for (const MovedTask& entry : qAsConst(moved)) {
-                MovePart(entry.before, entry.task.file);
+                DownloadPaths::MovePart(entry.before, entry.task.file);
                 changes.append(ChangeOf(entry.task));
                 changes.last().file = entry.task.file;
             }

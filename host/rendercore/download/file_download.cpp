@@ -32,20 +32,23 @@ bool IsOfDisk(int error)
     return error == ENOSPC || error == EDQUOT || error == EROFS || error == EIO || error == ESTALE;
 }
 
-bool MayPass(int error)
+/// Whether the error is the fault of this one file, which no time mends. All others may pass: folders of other machines
+/// fail in many ways.
+bool IsOfFile(int error)
 {
     switch (error) {
-    case 0: // the error has gone away meanwhile
-    case EACCES:
-    case EMFILE:
-    case ENFILE:
-    case ENODEV:
-    case ENOENT:
-    case ENOTDIR:
-    case EPERM:
+    case EEXIST:
+    case EFBIG:
+    case EILSEQ:
+    case EINVAL:
+    case EISDIR:
+    case ELOOP:
+    case ENAMETOOLONG:
+    case ENOTEMPTY:
+    case EOVERFLOW:
         return true;
     default:
-        return IsOfDisk(error);
+        return false;
     }
 }
 
@@ -110,8 +113,8 @@ bool FileDownload::HasNoRoom(const QString& folder) const
     return free >= 0 && free < missing;
 }
 
-/// If the client was killed before the task was saved, the complete file is already at its destination; it is reported
-/// now. Any other file at the destination belongs to somebody else.
+/// The complete file is already at its destination if the client was killed before the task was saved, or if another
+/// client saves to the same folder; it is reported now. Anything else at the destination belongs to somebody else.
 void FileDownload::AdoptExistingFile()
 {
     const QFileInfo info(m_task.file);
@@ -120,13 +123,14 @@ void FileDownload::AdoptExistingFile()
     if (mayBeOurs && m_part.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         HashOnDisk(&FileDownload::JudgeExistingFile);
     else
-        JudgeExistingFile();
+        End(DownloadOutcome::NameTaken);
 }
 
 void FileDownload::JudgeExistingFile()
 {
-    const bool isOurs = m_hashing && m_hashing->IsComplete() && m_hashing->Checksum() == m_task.checksum;
-    QFile::remove(m_partFile);
+    const bool isOurs = m_hashing->IsComplete() && m_hashing->Checksum() == m_task.checksum;
+    if (isOurs)
+        QFile::remove(m_partFile);
     End(isOurs ? DownloadOutcome::Complete : DownloadOutcome::NameTaken);
 }
 
@@ -143,6 +147,9 @@ void FileDownload::LoadPart()
 
 void FileDownload::HashOnDisk(void (FileDownload::*next)())
 {
+    // An earlier hashing may be emitting the signal that has led here.
+    if (m_hashing)
+        m_hashing.release()->deleteLater();
     m_hashing = std::make_unique<FileHashing>(&m_part);
     connect(m_hashing.get(), &FileHashing::Finished, this, next);
 }
@@ -229,7 +236,8 @@ void FileDownload::Refuse()
         DropReply();
         StartOver();
         Ask();
-    } else if (result.IsTransient() || result.status == HttpStatus::RangeNotSatisfiable) {
+    } else if (result.IsTransient() || result.IsFromBetween()
+        || result.status == HttpStatus::RangeNotSatisfiable) {
         End(DownloadOutcome::Broken, {DownloadText::NotNow, {m_task.name, result.fault}},
             result.retryAfter * 1000);
     } else {
@@ -310,6 +318,12 @@ void FileDownload::Finish()
         return;
     }
     m_part.close();
+    // During the transfer, somebody else may have saved a file here.
+    if (!m_task.fresh && DownloadPaths::IsOccupied(m_task.file)) {
+        DropReply();
+        AdoptExistingFile();
+        return;
+    }
     try {
         storage::RenameDurably(m_partFile, m_task.file);
         End(DownloadOutcome::Complete);
@@ -323,7 +337,7 @@ void FileDownload::FailToSave(int error)
 {
     const TaskMessage message {
         DownloadText::NotSaved, {QDir::toNativeSeparators(m_task.file), qt_error_string(error)}};
-    if (!MayPass(error))
+    if (IsOfFile(error))
         End(DownloadOutcome::Failed, message);
     else if (IsOfDisk(error) || storage::FolderError(DownloadPaths::Root(m_task.file)) != 0)
         End(DownloadOutcome::DiskUnusable, message, 0, error);

@@ -6,12 +6,13 @@
 #include <QDateTime>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
 constexpr int BatchSize = 2000;
 constexpr int Interval = 3600 * 1000; // ms
-constexpr qint64 Day = 24 * 3600;     // s
+constexpr qint64 Day = 24LL * 3600;   // s
 
 } // namespace
 
@@ -39,7 +40,8 @@ void FinishedCleanup::SetKeepDays(int days)
 
 void FinishedCleanup::ClearAll()
 {
-    m_clearBefore = QDateTime::currentSecsSinceEpoch() + 1;
+    // The clock may have been set back since a file finished.
+    m_clearBefore = std::numeric_limits<qint64>::max();
     m_timer.start(0);
 }
 

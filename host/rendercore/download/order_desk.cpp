@@ -103,7 +103,8 @@ void OrderDesk::HandleAnswer(const DownloadOrder& order, const HttpResult& resul
     else if (result.status == HttpStatus::Unauthorized)
         emit SignedOut();
     else if (result.status == FarmFault::TooLarge
-        || (result.status > 0 && result.status != HttpStatus::Ok && !result.IsTransient()))
+        || (result.status > 0 && result.status != HttpStatus::Ok && !result.IsTransient()
+            && !result.IsFromBetween()))
         Close(order, result.error);
     else
         Postpone(order);

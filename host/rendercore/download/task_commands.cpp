@@ -31,7 +31,10 @@ bool Redownload(DownloadTask& task)
 
 bool Repair(DownloadTask& task)
 {
-    return task.state == DownloadState::Finished && Redownload(task);
+    if (task.state != DownloadState::Finished || !Redownload(task))
+        return false;
+    task.fresh = false;
+    return true;
 }
 
 } // namespace TaskCommands

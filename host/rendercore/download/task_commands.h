@@ -8,7 +8,8 @@ namespace TaskCommands {
 bool Stop(DownloadTask& task);
 bool Resume(DownloadTask& task);
 bool Redownload(DownloadTask& task);
-/// Applies to a finished task whose file turns out to be lost or damaged.
+/// Applies to a finished task whose file turns out to be lost or changed. What is there now stays: it may be somebody's
+/// work, or come back with its disk.
 bool Repair(DownloadTask& task);
 
 } // namespace TaskCommands

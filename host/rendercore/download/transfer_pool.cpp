@@ -31,6 +31,11 @@ void TransferPool::Reset(const FarmAccess& access)
 {
     Stop();
     m_access = access;
+    BeginAnew();
+}
+
+void TransferPool::BeginAnew()
+{
     m_outdated.clear();
     m_damaged.clear();
     Rewind();
@@ -118,7 +123,9 @@ void TransferPool::Fill()
 bool TransferPool::BeginNext()
 {
     if (const auto due = m_schedule.NextDue(m_clock.elapsed())) {
+        // Until the task has been read, it stays due: a database that fails must not cost its turn.
         const auto task = m_store->Find(m_access.owner, *due);
+        m_schedule.Take(*due);
         if (task && task->state == DownloadState::Waiting && m_active.count(*due) == 0)
             Begin(*task);
         return true;
@@ -166,7 +173,8 @@ void TransferPool::HandleEnd(qint64 id, const DownloadOutcome& outcome)
     transfer->deleteLater();
     m_active.erase(found);
     const DownloadTask task = transfer->Task();
-    if (outcome.kind != DownloadOutcome::Damaged)
+    // A transfer that was cut in between must not start the count over, or a damaged file would be fetched for ever.
+    if (outcome.kind == DownloadOutcome::Complete || outcome.kind == DownloadOutcome::Outdated)
         m_damaged.erase(id);
     switch (outcome.kind) {
     case DownloadOutcome::Complete:
@@ -270,24 +278,31 @@ void TransferPool::Postpone(
         {DownloadText::NextAttempt, {message, QString::number(seconds)}}, {}}});
 }
 
+/// A failure that cannot be recorded would be one that no command of the user's applies to.
 void TransferPool::Fail(DownloadTask task, const TaskMessage& message)
 {
     task.state = DownloadState::Failed;
     task.message = message;
     task.progress = 0;
+    if (!Attempt("save a failed download", [this, &task] { m_store->Save({task}); })) {
+        Postpone(task, 0, message);
+        return;
+    }
     m_schedule.Forget(task.id);
-    Attempt("save a failed download", [this, &task] { m_store->Save({task}); });
+    m_damaged.erase(task.id);
     emit Settled(task);
     m_listener->changed({ChangeOf(task)});
 }
 
 void TransferPool::Rename(DownloadTask task)
 {
+    const QString before = task.file;
     bool isRenamed = false;
     if (!Attempt("rename a download", [&] { isRenamed = m_store->Rename(&task); }) || !isRenamed) {
         Postpone(task, 0, {DownloadText::NameTaken, {task.name}});
         return;
     }
+    DownloadPaths::MovePart(before, task.file);
     DownloadChange change = ChangeOf(task);
     change.file = task.file;
     m_listener->changed({change});
@@ -314,15 +329,15 @@ void TransferPool::HandleList(const QString& job, const QStringList& names)
         return;
     const std::set<qint64> ids = std::move(found->second);
     m_outdated.erase(found);
-    Attempt("continue outdated downloads", [&] {
-        for (const qint64 id : ids) {
-            const auto task = m_store->Find(m_access.owner, id);
-            if (!task || task->state != DownloadState::Waiting)
-                continue;
-            if (!names.contains(task->name))
-                Fail(*task, {DownloadText::Gone, {task->name}});
-            else // The farm lists the file that it has just refused to send; try again later.
-                Postpone(*task, 0, {DownloadText::NotSent, {task->name}});
-        }
-    });
+    for (const qint64 id : ids) {
+        std::optional<DownloadTask> task;
+        if (!Attempt("continue an outdated download", [&] { task = m_store->Find(m_access.owner, id); }))
+            m_schedule.Delay(id, 0, m_clock.elapsed());
+        else if (!task || task->state != DownloadState::Waiting)
+            continue;
+        else if (!names.contains(task->name))
+            Fail(*task, {DownloadText::Gone, {task->name}});
+        else // The farm lists the file that it has just refused to send; try again later.
+            Postpone(*task, 0, {DownloadText::NotSent, {task->name}});
+    }
 }

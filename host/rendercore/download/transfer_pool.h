@@ -42,6 +42,9 @@ public:
     /// Aborts all transfers and begins again with the first waiting task, since their destinations change.
     void Rewind();
 
+    /// Aborts all transfers and forgets all tasks, since their numbers will be given to others.
+    void BeginAnew();
+
     /// Retries tasks at once, regardless of earlier failures.
     void RetryNow(const DownloadTasks& tasks);
     /// Transfers the tasks' files again, from the first byte.

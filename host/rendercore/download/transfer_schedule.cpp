@@ -84,11 +84,7 @@ std::optional<qint64> TransferSchedule::NextDue(qint64 now)
         m_dueAt.erase(id);
         m_due.insert(id);
     }
-    if (m_due.empty())
-        return std::nullopt;
-    const qint64 id = *m_due.begin();
-    m_due.erase(m_due.begin());
-    return id;
+    return m_due.empty() ? std::nullopt : std::optional<qint64>(*m_due.begin());
 }
 
 std::optional<int> TransferSchedule::Wait(qint64 now) const

@@ -47,8 +47,10 @@ public:
     void EndPause() { m_pausedUntil = 0; }
     bool IsPaused(qint64 now) const { return now < m_pausedUntil; }
 
-    /// Removes and returns a task that is due, the lowest id first.
+    /// A task that is due, the lowest id first. It stays due until Take().
     std::optional<qint64> NextDue(qint64 now);
+    /// Makes a task that was due wait for nothing any more; its failures still count.
+    void Take(qint64 id) { m_due.erase(id); }
 
     /// The time until a task is due or the pause ends; none when the schedule is empty.
     std::optional<int> Wait(qint64 now) const;

@@ -152,6 +152,11 @@ bool FarmStages::SendChunks(int index, Upload& upload, TransferMeter& meter)
             return true;
         }
         const auto result = SendChunk(upload, chunk, meter);
+        // The farm deletes uploads that nobody has continued for days: this computer may have slept.
+        if (IsStatus(result, HttpStatus::NotFound)) {
+            Repeat(SubmitStage::Upload, SubmitText::Busy);
+            return false;
+        }
         if (!CheckPassing(result))
             return false;
         const qint64 before = upload.offset;
@@ -187,10 +192,14 @@ std::optional<HttpResult> FarmStages::SendChunk(
     });
     if (!IsStatus(result, HttpStatus::Conflict))
         return result;
-    // The farm's offset differs from this client's, so it is fetched.
+    return AskForUpload(upload.id); // the farm's offset differs from this client's
+}
+
+std::optional<HttpResult> FarmStages::AskForUpload(const QByteArray& id)
+{
     HttpRequest question;
     question.verb = "GET";
-    question.target = UploadTarget(upload.id);
+    question.target = UploadTarget(id);
     return m_farm.Send(question);
 }
 
@@ -206,11 +215,24 @@ void FarmStages::UncompressAll()
     Conclude(SubmitStage::Submit);
 }
 
+/// @return whether the farm has the whole package. It unpacks one package of an account at a time, for minutes.
+bool FarmStages::HasAll(const Package& package)
+{
+    const auto result = AskForUpload(package.upload.toUtf8());
+    return IsStatus(result, HttpStatus::Ok)
+        && BytesOf(DataOf(*result).value(QLatin1String("offset"))) == package.size;
+}
+
 bool FarmStages::Uncompress(int index)
 {
     Package& package = m_outcome.work.packages[index];
     const auto result
         = m_farm.Post(UploadTarget(package.upload.toUtf8()) + "/unpack", {}, m_limits.unpackTime);
+    if (IsStatus(result, HttpStatus::Conflict) && HasAll(package)) {
+        Repeat(SubmitStage::Uncompress, SubmitText::Busy);
+        m_outcome.obstacle = StageOutcome::Obstacle::Farm;
+        return false;
+    }
     if (IsStatus(result, HttpStatus::NotFound) || IsStatus(result, HttpStatus::Conflict)) {
         package.isSent = false;
         Repeat(SubmitStage::Upload, SubmitText::Busy);
@@ -309,18 +331,19 @@ bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
         return false;
     const bool isFull = result->IsDiskFull();
     const bool isSignedOut = result->status == HttpStatus::Unauthorized;
-    if (!isSignedOut && !result->IsTransient())
+    const bool isFromBetween = result->IsFromBetween();
+    if (!isSignedOut && !isFromBetween && !result->IsTransient())
         return true;
     const bool isAway = result->status <= 0;
     const char* const text
         = isAway ? SubmitText::Unreachable : (isFull ? SubmitText::FarmFull : SubmitText::Busy);
     Repeat(m_request->task.next, isSignedOut ? SubmitText::SessionEnded : text);
-    if (result->status == FarmFault::Untrusted)
+    if (result->status == FarmFault::Untrusted || isFromBetween)
         m_outcome.message = result->fault;
     m_outcome.retryAfter = result->retryAfter;
     if (isSignedOut)
         m_outcome.obstacle = StageOutcome::Obstacle::Session;
-    else if (isAway || isFull || result->status == HttpStatus::TooManyRequests)
+    else if (isAway || isFull || isFromBetween || result->status == HttpStatus::TooManyRequests)
         m_outcome.obstacle = StageOutcome::Obstacle::Farm;
     return false;
 }

@@ -13,7 +13,8 @@ struct SubmitLimits
 {
     int answerTime = 30 * 1000;
     int chunkTime = 120 * 1000;
-    int unpackTime = 30 * 60 * 1000;
+    /// The farm goes on unpacking when nobody waits, so a connection that died silently costs no more than this.
+    int unpackTime = 5 * 60 * 1000;
 };
 
 /// The stages that need the farm. Belongs to the thread that creates it.
@@ -47,7 +48,9 @@ private:
     bool SendPackage(int index, TransferMeter& meter);
     bool SendChunks(int index, Upload& upload, TransferMeter& meter);
     std::optional<HttpResult> SendChunk(const Upload& upload, const QByteArray& chunk, TransferMeter& meter);
+    std::optional<HttpResult> AskForUpload(const QByteArray& id);
     void UncompressAll();
+    bool HasAll(const Package& package);
     bool Uncompress(int index);
     void TakeUnpacked(int index, const QJsonArray& unpacked);
     void Submit();
