@@ -323,10 +323,6 @@
         <source>The list of downloads could not be read. It is kept as %1, and a new list has begun.</source>
         <translation>The list of downloads could not be read. It is kept as %1, and a new list has begun.</translation>
     </message>
-    <message>
-        <source>%1: %2 frames</source>
-        <translation>%1: %2 frames</translation>
-    </message>
 </context>
 <context>
     <name>DownloadWorker</name>
@@ -591,6 +587,21 @@
     <message>
         <source>, </source>
         <translation>, </translation>
+    </message>
+</context>
+<context>
+    <name>FinishNotice</name>
+    <message>
+        <source>%1: %2 frames</source>
+        <translation>%1: %2 frames</translation>
+    </message>
+    <message>
+        <source>%1 and %2: %3 frames</source>
+        <translation>%1 and %2: %3 frames</translation>
+    </message>
+    <message>
+        <source>%1 jobs: %2 frames</source>
+        <translation>%1 jobs: %2 frames</translation>
     </message>
 </context>
 <context>

@@ -323,10 +323,6 @@
         <source>The list of downloads could not be read. It is kept as %1, and a new list has begun.</source>
         <translation>无法读取下载列表。原列表已保存为 %1，并已新建列表。</translation>
     </message>
-    <message>
-        <source>%1: %2 frames</source>
-        <translation>%1：%2 帧</translation>
-    </message>
 </context>
 <context>
     <name>DownloadWorker</name>
@@ -591,6 +587,21 @@
     <message>
         <source>, </source>
         <translation>，</translation>
+    </message>
+</context>
+<context>
+    <name>FinishNotice</name>
+    <message>
+        <source>%1: %2 frames</source>
+        <translation>%1：%2 帧</translation>
+    </message>
+    <message>
+        <source>%1 and %2: %3 frames</source>
+        <translation>%1 和 %2：%3 帧</translation>
+    </message>
+    <message>
+        <source>%1 jobs: %2 frames</source>
+        <translation>%1 个作业：%2 帧</translation>
     </message>
 </context>
 <context>

@@ -2,6 +2,7 @@
 
 #include "host/rendercore/download/automatic_orders.h"
 #include "host/rendercore/download/download_queue.h"
+#include "host/rendercore/download/finish_notice.h"
 #include "host/rendercore/submit/submit_queue.h"
 #include "host/services/service_base.h"
 #include "vtr_rendercoreinterface.h"
@@ -112,6 +113,7 @@ private:
     SubmitQueue m_submissions;
     DownloadQueue m_downloads;
     AutomaticOrders m_automaticOrders;
+    FinishNotice m_finishNotice;
     QUrl m_server;
     bool m_isServerOnThisComputer = false;
     QString m_serverName;
