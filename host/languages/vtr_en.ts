@@ -318,6 +318,13 @@
     </message>
 </context>
 <context>
+    <name>Consent</name>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+</context>
+<context>
     <name>DownloadQueue</name>
     <message>
         <source>The list of downloads could not be read. It is kept as %1, and a new list has begun.</source>
@@ -1339,10 +1346,6 @@
         <translation>The connection to %1 is not encrypted, so others on the network can read your password. Send it anyway?</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>Cancel</translation>
-    </message>
-    <message>
         <source>Send</source>
         <translation>Send</translation>
     </message>
@@ -1605,10 +1608,6 @@
         <source>Remove</source>
         <translation>Remove</translation>
     </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Cancel</translation>
-    </message>
 </context>
 <context>
     <name>SpaceDialog</name>
@@ -1720,10 +1719,6 @@
     <message>
         <source>The files of these scenes would exceed your space on the farm. Show what takes the space?</source>
         <translation>The files of these scenes would exceed your space on the farm. Show what takes the space?</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Cancel</translation>
     </message>
     <message>
         <source>Show</source>

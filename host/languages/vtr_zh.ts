@@ -318,6 +318,13 @@
     </message>
 </context>
 <context>
+    <name>Consent</name>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+</context>
+<context>
     <name>DownloadQueue</name>
     <message>
         <source>The list of downloads could not be read. It is kept as %1, and a new list has begun.</source>
@@ -1339,10 +1346,6 @@
         <translation>与 %1 的连接未加密，网络上的其他人可以读取您的密码。仍要发送吗？</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>取消</translation>
-    </message>
-    <message>
         <source>Send</source>
         <translation>发送</translation>
     </message>
@@ -1605,10 +1608,6 @@
         <source>Remove</source>
         <translation>移除</translation>
     </message>
-    <message>
-        <source>Cancel</source>
-        <translation>取消</translation>
-    </message>
 </context>
 <context>
     <name>SpaceDialog</name>
@@ -1720,10 +1719,6 @@
     <message>
         <source>The files of these scenes would exceed your space on the farm. Show what takes the space?</source>
         <translation>这些场景的文件会超出您在渲染农场上的空间。是否查看空间的占用情况？</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>取消</translation>
     </message>
     <message>
         <source>Show</source>

@@ -128,6 +128,7 @@ private slots:
     {
         Client client;
         QSignalSpy freed(&client.space, &SpaceControl::Freed);
+        QSignalSpy toldWindow(&client.communication, &CommunicationService::DeleteJobResponse);
         EVENTUALLY_COMPARE(client.Rows(), 2);
         QCOMPARE(client.Text("lblUsed"), "38.0 KiB of 40.0 KiB used"_s);
         QVERIFY(client.Find<QProgressBar>("barUsed")->property("full").toBool());
@@ -147,6 +148,7 @@ private slots:
         client.box.answer = "btnMessageBox_2"_s;
         QTest::keyClick(client.table, Qt::Key_Delete);
         EVENTUALLY_COMPARE(freed.count(), 1);
+        QCOMPARE(toldWindow.count(), 1);
         EVENTUALLY_COMPARE(client.Rows(), 1);
         const int deletion = client.Asked("POST /api/v1/jobs/delete");
         QVERIFY(deletion > 0 && client.Asked("DELETE /api/v1/account/storage") > deletion);
@@ -165,12 +167,14 @@ private slots:
         client.box.answer = "btnMessageBox_2"_s;
         emit client.table->clicked(client.table->model()->index(1, SpaceModel::NameColumn));
         client.Find<QPushButton>("btnDelete")->click();
+        // Meanwhile jobs are deleted in the main window.
+        emit client.communication.DeleteJobResponse(200, {});
+        QSignalSpy toldWindow(&client.communication, &CommunicationService::DeleteJobResponse);
         EVENTUALLY_COMPARE(client.Text("lblTrouble"), "The farm has no such job."_s);
+        QCOMPARE(toldWindow.count(), 0);
         QVERIFY(client.Find<QPushButton>("btnDelete")->isEnabled());
         QCOMPARE(client.Asked("DELETE"), -1);
-        // Deletions by the main window do not concern it.
         QSignalSpy freed(&client.space, &SpaceControl::Freed);
-        emit client.communication.DeleteJobResponse(200, {});
         client.Find<QPushButton>("btnFree")->click();
         EVENTUALLY_COMPARE(freed.count(), 1);
         QVERIFY(client.box.questions.constLast().startsWith("Remove 1.0 KiB"_s));
