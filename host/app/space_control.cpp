@@ -55,6 +55,7 @@ SpaceControl::SpaceControl(CommunicationService* communication, VTMessagboxInter
     m_entry.setEnabled(false);
     connect(&m_entry, &QAction::triggered, this, &SpaceControl::Open);
     connect(&m_dialog, &SpaceDialog::RefreshRequested, this, &SpaceControl::Load);
+    connect(&m_dialog, &SpaceDialog::MoreRequested, this, &SpaceControl::Reload);
     connect(&m_dialog, &SpaceDialog::DeleteRequested, this, &SpaceControl::AskToDelete);
     connect(&m_dialog, &SpaceDialog::FreeRequested, this, &SpaceControl::AskToFree);
     connect(loader, &VTUiLoaderInterface::LanguageChanged, this, &SpaceControl::Translate);
@@ -91,16 +92,16 @@ void SpaceControl::Translate()
 }
 
 /// @return the call; it ends with the session.
-HttpCall* SpaceControl::Ask(const QByteArray& verb)
+HttpCall* SpaceControl::Ask(const QByteArray& verb, const QByteArray& query)
 {
-    return m_communication->Ask({verb, "/account/storage", m_token.toLatin1(), {}, true});
+    return m_communication->Ask({verb, "/account/storage" + query, m_token.toLatin1(), {}, true});
 }
 
 void SpaceControl::Load()
 {
     if (m_token.isEmpty() || m_load)
         return;
-    m_load = Ask("GET");
+    m_load = Ask("GET", "?jobs=" + QByteArray::number(m_dialog.WantedJobs()));
     connect(m_load, &HttpCall::Finished, this, [this](const HttpResult& result) {
         m_load.clear();
         const auto space = FarmSpace::Read(result.json);
@@ -111,6 +112,14 @@ void SpaceControl::Load()
         else
             m_dialog.SetFailure(tr("The server's answer cannot be read."));
     });
+}
+
+/// An answer on its way tells what was there or wanted before.
+void SpaceControl::Reload()
+{
+    delete m_load.data();
+    m_load.clear();
+    Load();
 }
 
 void SpaceControl::AskToDelete(const std::vector<FarmSpace::Job>& jobs)
@@ -165,10 +174,7 @@ void SpaceControl::Free()
             m_dialog.SetFailure(result.error);
             return;
         }
-        // An answer on its way may tell what the farm had before.
-        delete m_load.data();
-        m_load.clear();
-        Load();
+        Reload();
         emit Freed();
     });
 }

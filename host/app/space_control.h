@@ -36,12 +36,13 @@ signals:
 
 private:
     void Load();
+    void Reload();
     void AskToDelete(const std::vector<FarmSpace::Job>& jobs);
     void AskToFree(qint64 bytes);
     bool AskToConfirm(const QString& question, const QString& consent);
     void Delete(const std::vector<FarmSpace::Job>& jobs);
     void Free();
-    HttpCall* Ask(const QByteArray& verb);
+    HttpCall* Ask(const QByteArray& verb, const QByteArray& query = {});
     void Translate();
 
     CommunicationService* m_communication;

@@ -1643,6 +1643,10 @@
         <source>Finished pictures take %1 more, which do not count.</source>
         <translation>Finished pictures take %1 more, which do not count.</translation>
     </message>
+    <message>
+        <source>Only the %1 largest jobs are listed.</source>
+        <translation>Only the %1 largest jobs are listed.</translation>
+    </message>
 </context>
 <context>
     <name>SpaceForm</name>
@@ -1685,6 +1689,14 @@
     <message>
         <source>Deletes the checked jobs, after a question</source>
         <translation>Deletes the checked jobs, after a question</translation>
+    </message>
+    <message>
+        <source>Show more</source>
+        <translation>Show more</translation>
+    </message>
+    <message>
+        <source>Lists further, smaller jobs</source>
+        <translation>Lists further, smaller jobs</translation>
     </message>
 </context>
 <context>

@@ -1643,6 +1643,10 @@
         <source>Finished pictures take %1 more, which do not count.</source>
         <translation>完成的图片另占 %1，不计入空间。</translation>
     </message>
+    <message>
+        <source>Only the %1 largest jobs are listed.</source>
+        <translation>仅列出占用空间最多的 %1 个作业。</translation>
+    </message>
 </context>
 <context>
     <name>SpaceForm</name>
@@ -1685,6 +1689,14 @@
     <message>
         <source>Deletes the checked jobs, after a question</source>
         <translation>询问后删除已勾选的作业</translation>
+    </message>
+    <message>
+        <source>Show more</source>
+        <translation>显示更多</translation>
+    </message>
+    <message>
+        <source>Lists further, smaller jobs</source>
+        <translation>列出其他占用空间较少的作业</translation>
     </message>
 </context>
 <context>
