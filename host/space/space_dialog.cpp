@@ -213,13 +213,13 @@ void SpaceDialog::DisplayChecked()
                    .arg(jobs.size())
                    .arg(SpaceText(files), SpaceText(pictures));
     m_checked->setText(text);
-    const bool hadFocus = m_delete->hasFocus() || m_free->hasFocus() || m_more->hasFocus();
+    const QWidget* focused = Form()->focusWidget();
     const bool hasMore = m_space && m_space->hasMoreJobs;
     m_more->setVisible(hasMore && m_wantedJobs < FarmNumbers::MostListedJobs);
     m_delete->setEnabled(!jobs.empty() && !m_isBusy);
     m_free->setEnabled(m_space && m_space->unneeded > 0 && !m_isBusy);
-    // A button that is disabled or hidden would leave the focus to the next one, which closes the dialog.
-    if (hadFocus && !m_delete->hasFocus() && !m_free->hasFocus() && !m_more->hasFocus())
+    // A button that is disabled or hidden would leave the focus to the next one, which deletes jobs or closes the dialog.
+    if (Form()->focusWidget() != focused)
         m_table->setFocus();
 }
 

@@ -176,10 +176,12 @@ private slots:
             jobs += ',' + Job(QByteArray::number(wanted), 4, 1);
             client.server.SetReplyTo(SpaceRequest(wanted), SpaceWith(jobs));
             const int rows = client.Rows();
+            more->setFocus();
             more->click();
             EVENTUALLY_COMPARE(client.Rows(), rows + 1);
         }
         QVERIFY(!more->isVisible());
+        QCOMPARE(client.table->window()->focusWidget(), client.table);
         QVERIFY(client.Text("lblDetails").endsWith("Only the 1000 largest jobs are listed."_s));
         QVERIFY(client.Text("lblChecked").contains("30.0 KiB"_s));
         client.space.EndSession();
