@@ -55,7 +55,7 @@ int main(int argc, char* argv[])
 
     const SingleInstance instance(options.configFile);
     if (!instance.IsFirst()) {
-        if (isTour || !instance.ActivateFirst(options.scenes))
+        if (isTour || !instance.ActivateFirst(options.scenes, options.priority))
             return Fail(QStringLiteral("the client is already running"));
         return 0;
     }

@@ -240,7 +240,12 @@ void RenderCoreService::ContinueSubmit(const QString& id)
 
 int RenderCoreService::SubmitScene(const QString& sceneFile)
 {
-    switch (m_submissions.Submit(sceneFile)) {
+    return SubmitScene(sceneFile, 0);
+}
+
+int RenderCoreService::SubmitScene(const QString& sceneFile, int priority)
+{
+    switch (m_submissions.Submit(sceneFile, priority)) {
     case SubmitQueue::Answer::Accepted:
         return 0;
     case SubmitQueue::Answer::Known:

@@ -45,6 +45,9 @@ public:
     /// The suffixes of the scenes that can be submitted, in lower case.
     static QStringList SceneSuffixes();
 
+    /// @param priority of the job. @return like the window's SubmitScene().
+    int SubmitScene(const QString& sceneFile, int priority);
+
     /// Says in a few words why a local task stands still; empty where the name of its stage is enough.
     QString HaltText(const QString& id) const;
 
