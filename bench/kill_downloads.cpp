@@ -93,9 +93,8 @@ int WorkOnDownloads(const QStringList& arguments)
     DownloadLimits limits;
     limits.firstPause = limits.http.firstPause = 5;
     DownloadQueue queue(arguments.at(0) + "/transfer"_s, limits);
-    QObject::connect(&queue, &DownloadQueue::FilesFinished, qApp, [](const QString& what) {
-        // The name of the job's folder, before the number of files or of the last one: the path.
-        Tell("notice "_s + what.section("/"_s, -2, -2) + what.section(":"_s, 0, -2));
+    QObject::connect(&queue, &DownloadQueue::FilesFinished, qApp, [](const QString& file) {
+        Tell("notice "_s + file.section("/"_s, -2, -2)); // the name of the job's folder
     });
     QObject::connect(
         &queue, &DownloadQueue::Notice, qApp, [](const QString& text) { Tell("trouble "_s + text); });

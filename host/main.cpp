@@ -34,6 +34,9 @@ int main(int argc, char* argv[])
     HostOptions options;
     QString error;
     if (HostOptions::AsksForText(argc, argv)) {
+        // The help begins with this name. Users start the installed program by a script, not by its path.
+        static char name[] = "quillstar";
+        argv[0] = name;
         const QCoreApplication console(argc, argv); // needs no display
         return options.Parse(QCoreApplication::arguments(), &error) ? 0 : Fail(error);
     }
@@ -52,7 +55,7 @@ int main(int argc, char* argv[])
 
     const SingleInstance instance(options.configFile);
     if (!instance.IsFirst()) {
-        if (isTour || !instance.ActivateFirst(options.scenes))
+        if (isTour || !instance.ActivateFirst(options.scenes, options.priority))
             return Fail(QStringLiteral("the client is already running"));
         return 0;
     }

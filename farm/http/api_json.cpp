@@ -183,6 +183,7 @@ QJsonObject StorageJson(const AccountStorage& storage, std::int64_t quota)
         {QStringLiteral("unneeded"), qint64(storage.unneeded)},
         {QStringLiteral("pictures"), qint64(storage.pictures)},
         {QStringLiteral("jobs"), jobs},
+        {QStringLiteral("moreJobs"), storage.hasMoreJobs},
     };
 }
 

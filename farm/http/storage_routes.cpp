@@ -3,11 +3,19 @@
 #include "farm/base/local_time.h"
 #include "farm/http/api_json.h"
 #include "farm/http/http_server.h"
+#include "farm/http/json_input.h"
 #include "farm/http/request_gate.h"
 #include "farm/jobs/account_storage.h"
 #include "farm/uploads/content_store.h"
 
 namespace farm {
+
+namespace {
+
+constexpr int JobsByDefault = 100;
+constexpr int MostJobs = 1000;
+
+} // namespace
 
 StorageRoutes::StorageRoutes(
     RequestGate& gate, Database& database, ContentStore& contents, const AccountTerms& terms)
@@ -27,9 +35,10 @@ void StorageRoutes::AddTo(HttpServer& server)
 QJsonObject StorageRoutes::Show(const ApiRequest& request)
 {
     const std::int64_t account = m_gate.Authorize(request);
+    const int mostJobs = int(WholeNumber(request.Query("jobs"), "jobs", JobsByDefault, 1, MostJobs));
     const std::int64_t quota = m_database.Read(
         [&](SQLite::Database& connection) { return m_terms.QuotaFor(connection, account); });
-    return DataJson(StorageJson(StorageOf(m_database, account), quota));
+    return DataJson(StorageJson(StorageOf(m_database, account, mostJobs), quota));
 }
 
 QJsonObject StorageRoutes::Free(const ApiRequest& request)

@@ -28,8 +28,11 @@ struct AccountStorage
     std::int64_t pictures = 0;
     /// The jobs that use the most space, largest first.
     std::vector<Job> jobs;
+    /// Whether other jobs use space, too.
+    bool hasMoreJobs = false;
 };
 
-AccountStorage StorageOf(Database& database, std::int64_t account);
+/// @param mostJobs that are listed.
+AccountStorage StorageOf(Database& database, std::int64_t account, int mostJobs);
 
 } // namespace farm

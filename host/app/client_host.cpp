@@ -99,7 +99,7 @@ bool ClientHost::Start(QString* error)
         = std::make_unique<SpaceOffer>(&m_services.renderCore, &m_services.messageBox, &m_services.loader);
     ConnectSession();
     m_session->SetServer(ServerText());
-    m_services.scenes.Submit(m_options.scenes);
+    m_services.scenes.Submit(m_options.scenes, m_options.priority);
     if (!SetAccount(embedded, error))
         return false;
 
@@ -146,9 +146,9 @@ void ClientHost::ConnectForm()
     connect(&m_transfers, &TransferButtons::Notice, &m_services.notices, &NoticeBoard::Show);
 }
 
-void ClientHost::Activate(const QStringList& scenes)
+void ClientHost::Activate(const QStringList& scenes, int priority)
 {
-    m_services.scenes.Submit(scenes);
+    m_services.scenes.Submit(scenes, priority);
     if (m_session)
         m_session->ShowWindow();
 }

@@ -45,7 +45,7 @@ public:
     bool Start(QString* error);
 
     /// Shows the main window, or the sign-in window while nobody is signed in, and submits the scenes.
-    void Activate(const QStringList& scenes);
+    void Activate(const QStringList& scenes, int priority = 0);
 
     HostServices& Services() { return m_services; }
 

@@ -1,5 +1,6 @@
 #include "host/app/host_options.h"
 
+#include "host/farmclient/farm_numbers.h"
 #include "host/services/logger_service.h"
 
 #include <QCommandLineParser>
@@ -8,6 +9,7 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -61,12 +63,24 @@ void AddOptions(QCommandLineParser& parser)
     add("farm", "Start the embedded farm from <FILE>.", "FILE", BesideProgram(FarmFileName()));
     parser.addPositionalArgument(QStringLiteral("scenes"),
         QStringLiteral("Scenes to submit: .pov, .blend, .ma or .mb."), QStringLiteral("[scene …]"));
+    add("priority", "Give the jobs of the scenes the priority <N>, from -100 to 100.", "N",
+        QStringLiteral("0"));
     add("screenshots", "Save a picture of every window to <DIR>, then quit.", "DIR");
 }
 
 QString AbsolutePath(const QString& path)
 {
     return path.isEmpty() ? path : QDir::cleanPath(QDir::current().absoluteFilePath(path));
+}
+
+/// @return none unless the farm accepts the text as a priority.
+std::optional<int> ReadPriority(const QString& text)
+{
+    bool isNumber = false;
+    const int priority = text.toInt(&isNumber);
+    const bool isInRange
+        = priority >= FarmNumbers::LowestPriority && priority <= FarmNumbers::HighestPriority;
+    return isNumber && isInRange ? std::optional<int>(priority) : std::nullopt;
 }
 
 } // namespace
@@ -111,10 +125,16 @@ bool HostOptions::Parse(const QStringList& arguments, QString* error)
     for (const QString& scene : positional)
         scenes.append(AbsolutePath(scene));
 
+    const std::optional<int> askedPriority = ReadPriority(value("priority"));
+    priority = askedPriority.value_or(0);
+
     if (parser.isSet(QStringLiteral("server")) && server.isEmpty())
         *error = QStringLiteral("not the URL of a server: %1").arg(QUrl(serverText).toDisplayString());
     else if (!LogOptions::Levels().contains(logLevel))
         *error = QStringLiteral("unknown log level: %1").arg(logLevel);
+    else if (!askedPriority)
+        *error = QStringLiteral("the priority must be a whole number from -100 to 100: %1")
+                     .arg(value("priority"));
     else if (user.isEmpty() != passwordFile.isEmpty())
         *error = QStringLiteral("--user and --password-file belong together");
     else

@@ -22,6 +22,7 @@ struct HostOptions
     bool takeOver = false;    ///< uses data that another machine has left locked
     QString screenshotFolder; ///< empty for no tour of screenshots
     QStringList scenes;       ///< files to submit
+    int priority = 0;         ///< of their jobs
 
     /// Reads the command line, program name first. The application object must exist.
     /// @param error receives an English sentence when the command line is wrong.

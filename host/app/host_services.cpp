@@ -35,7 +35,10 @@ HostServices::HostServices(const HostOptions& options)
     , loader(WithChoices(settings, options))
     , messageBox(&loader)
     , renderCore(options.dataFolder + QLatin1String("/transfer"), &settings)
-    , scenes(RenderCoreService::SceneSuffixes(), &renderCore, &messageBox, &loader)
+    , scenes(
+          RenderCoreService::SceneSuffixes(),
+          [this](const QString& scene, int priority) { return renderCore.SubmitScene(scene, priority); },
+          &messageBox, &loader)
     , notices(&messageBox, &loader)
     , configurationDialog(&loader, &settings, nullptr)
     , configuration(&configurationDialog)

@@ -5,8 +5,8 @@
 #include "host/services/communication_service.h"
 #include "host/services/ui_loader_service.h"
 #include "host/settings/setting_keys.h"
+#include "host/ui/consent.h"
 #include "host/ui/login_prompt.h"
-#include "vtr_messagboxinterface.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -134,16 +134,15 @@ bool SessionControl::MaySendPassword()
     if (agreed.contains(name))
         return true;
     ShowSignIn();
-    const QString send = QStringLiteral("btnMessageBox_2");
     const QPointer<SessionControl> self = this;
-    const QString pressed = m_messageBox->ShowMessage(VTMessagboxInterface::Question, tr("Sign in"), {},
-        m_window.Form()->windowIcon(),
-        tr("The connection to %1 is not encrypted, so others on the network can read your password. Send it "
-           "anyway?")
-            .arg(name),
-        {{QStringLiteral("btnMessageBox_1"), tr("Cancel")}, {send, tr("Send")}}, false);
+    const bool agrees = AskForConsent(m_messageBox, m_loader,
+        {tr("Sign in"),
+            tr("The connection to %1 is not encrypted, so others on the network can read your password. Send "
+               "it anyway?")
+                .arg(name),
+            tr("Send")});
     // The server may have changed during the question.
-    if (!self || pressed != send || m_communication->ServerUrl() != server)
+    if (!self || !agrees || m_communication->ServerUrl() != server)
         return false;
     agreed.append(name);
     m_settings->SetValue(SettingKeys::PlainServers, agreed);

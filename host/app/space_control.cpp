@@ -4,10 +4,9 @@
 #include "host/farmclient/http_call.h"
 #include "host/mainform/main_form.h"
 #include "host/services/communication_service.h"
-#include "vtr_messagboxinterface.h"
+#include "host/ui/consent.h"
 #include "vtr_uiloaderinterface.h"
 
-#include <QIcon>
 #include <QMenu>
 #include <QPushButton>
 
@@ -56,9 +55,9 @@ SpaceControl::SpaceControl(CommunicationService* communication, VTMessagboxInter
     m_entry.setEnabled(false);
     connect(&m_entry, &QAction::triggered, this, &SpaceControl::Open);
     connect(&m_dialog, &SpaceDialog::RefreshRequested, this, &SpaceControl::Load);
+    connect(&m_dialog, &SpaceDialog::MoreRequested, this, &SpaceControl::Reload);
     connect(&m_dialog, &SpaceDialog::DeleteRequested, this, &SpaceControl::AskToDelete);
     connect(&m_dialog, &SpaceDialog::FreeRequested, this, &SpaceControl::AskToFree);
-    connect(communication, &CommunicationService::DeleteJobResponse, this, &SpaceControl::HandleDeletion);
     connect(loader, &VTUiLoaderInterface::LanguageChanged, this, &SpaceControl::Translate);
     Translate();
     // The last entries are those for signing out and quitting.
@@ -79,7 +78,6 @@ void SpaceControl::EndSession()
 {
     m_token.clear();
     m_entry.setEnabled(false);
-    m_isDeleting = false;
     m_dialog.Close();
 }
 
@@ -94,16 +92,16 @@ void SpaceControl::Translate()
 }
 
 /// @return the call; it ends with the session.
-HttpCall* SpaceControl::Ask(const QByteArray& verb)
+HttpCall* SpaceControl::Ask(const QByteArray& verb, const QByteArray& query)
 {
-    return m_communication->Ask({verb, "/account/storage", m_token.toLatin1(), {}, true});
+    return m_communication->Ask({verb, "/account/storage" + query, m_token.toLatin1(), {}, true});
 }
 
 void SpaceControl::Load()
 {
     if (m_token.isEmpty() || m_load)
         return;
-    m_load = Ask("GET");
+    m_load = Ask("GET", "?jobs=" + QByteArray::number(m_dialog.WantedJobs()));
     connect(m_load, &HttpCall::Finished, this, [this](const HttpResult& result) {
         m_load.clear();
         const auto space = FarmSpace::Read(result.json);
@@ -114,6 +112,14 @@ void SpaceControl::Load()
         else
             m_dialog.SetFailure(tr("The server's answer cannot be read."));
     });
+}
+
+/// An answer on its way tells what was there or wanted before.
+void SpaceControl::Reload()
+{
+    delete m_load.data();
+    m_load.clear();
+    Load();
 }
 
 void SpaceControl::AskToDelete(const std::vector<FarmSpace::Job>& jobs)
@@ -138,36 +144,25 @@ bool SpaceControl::AskToConfirm(const QString& question, const QString& consent)
 {
     const QPointer<SpaceControl> self = this;
     const QString token = m_token;
-    const QString agreed = QStringLiteral("btnMessageBox_2");
-    const QIcon icon(QStringLiteral(":/%1/main.png").arg(m_loader->GetSkin()));
-    const QString pressed = m_messageBox->ShowMessage(VTMessagboxInterface::Question, tr("Space on the farm"),
-        {}, icon, question, {{QStringLiteral("btnMessageBox_1"), tr("Cancel")}, {agreed, consent}}, false);
-    return self && pressed == agreed && !m_token.isEmpty() && m_token == token;
+    const bool agrees = AskForConsent(m_messageBox, m_loader, {tr("Space on the farm"), question, consent});
+    return self && agrees && !m_token.isEmpty() && m_token == token;
 }
 
-/// Uses the window's own request, so that its list follows.
 void SpaceControl::Delete(const std::vector<FarmSpace::Job>& jobs)
 {
     QVariantHash request {{QStringLiteral("token"), m_token}};
     for (std::size_t i = 0; i < jobs.size(); ++i)
         request.insert(QStringLiteral("id[%1]").arg(i), jobs[i].id);
-    QVariant status;
-    m_communication->Show(status, {});
-    m_isDeleting = m_communication->DeleteJobs(status, request) == 0;
-    m_dialog.SetBusy(m_isDeleting);
-}
-
-void SpaceControl::HandleDeletion(int code, const QVariantMap& answer)
-{
-    if (!m_isDeleting)
-        return;
-    m_isDeleting = false;
-    if (code == HttpStatus::Ok) {
-        Free();
-        return;
-    }
-    m_dialog.SetBusy(false);
-    m_dialog.SetFailure(answer.value(QStringLiteral("message")).toString());
+    m_dialog.SetBusy(true);
+    connect(
+        m_communication->AskToDelete(request), &HttpCall::Finished, this, [this](const HttpResult& result) {
+            if (result.status == HttpStatus::Ok) {
+                Free();
+                return;
+            }
+            m_dialog.SetBusy(false);
+            m_dialog.SetFailure(result.error);
+        });
 }
 
 /// The farm keeps the files of deleted jobs for a while, and they count for as long.
@@ -179,10 +174,7 @@ void SpaceControl::Free()
             m_dialog.SetFailure(result.error);
             return;
         }
-        // An answer on its way may show the space as it was before.
-        delete m_load.data();
-        m_load.clear();
-        Load();
+        Reload();
         emit Freed();
     });
 }

@@ -6,7 +6,6 @@
 #include <QAction>
 #include <QObject>
 #include <QPointer>
-#include <QVariantMap>
 
 class CommunicationService;
 class HttpCall;
@@ -20,8 +19,7 @@ class SpaceControl : public QObject
     Q_OBJECT
 
 public:
-    /// Create it after the plugin has started, so that the main window receives each answer first.
-    /// The services must outlive this object.
+    /// Create it when the tray menu has its other entries. The services must outlive this object.
     SpaceControl(CommunicationService* communication, VTMessagboxInterface* messageBox,
         VTUiLoaderInterface* loader, QObject* parent = nullptr);
 
@@ -38,13 +36,13 @@ signals:
 
 private:
     void Load();
+    void Reload();
     void AskToDelete(const std::vector<FarmSpace::Job>& jobs);
     void AskToFree(qint64 bytes);
     bool AskToConfirm(const QString& question, const QString& consent);
     void Delete(const std::vector<FarmSpace::Job>& jobs);
-    void HandleDeletion(int code, const QVariantMap& answer);
     void Free();
-    HttpCall* Ask(const QByteArray& verb);
+    HttpCall* Ask(const QByteArray& verb, const QByteArray& query = {});
     void Translate();
 
     CommunicationService* m_communication;
@@ -54,5 +52,4 @@ private:
     QAction m_entry; // of the tray menu
     QString m_token; // empty while nobody is signed in
     QPointer<HttpCall> m_load;
-    bool m_isDeleting = false;
 };

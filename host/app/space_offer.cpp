@@ -1,11 +1,9 @@
 #include "host/app/space_offer.h"
 
 #include "host/services/render_core_service.h"
-#include "vtr_messagboxinterface.h"
-#include "vtr_uiloaderinterface.h"
+#include "host/ui/consent.h"
 
 #include <QFileInfo>
-#include <QIcon>
 #include <QPointer>
 
 #include <utility>
@@ -43,19 +41,18 @@ void SpaceOffer::Ask()
         return;
     const QPointer<SpaceOffer> self = this;
     const int session = m_session;
-    const QString show = QStringLiteral("btnMessageBox_2");
-    const QIcon icon(QStringLiteral(":/%1/main.png").arg(m_loader->GetSkin()));
     m_isAsking = true;
-    const QString pressed = m_messageBox->ShowMessage(VTMessagboxInterface::Question, tr("Space on the farm"),
-        tr("The files of these scenes would exceed your space on the farm. Show what takes the space?"), icon,
-        Names(ids), {{QStringLiteral("btnMessageBox_1"), tr("Cancel")}, {show, tr("Show")}}, true);
+    const bool isWanted = AskForConsent(m_messageBox, m_loader,
+        {tr("Space on the farm"),
+            tr("The files of these scenes would exceed your space on the farm. Show what takes the space?"),
+            tr("Show"), Names(ids)});
     if (!self)
         return;
     m_isAsking = false;
     m_turn.start(); // for scenes that have come meanwhile
     if (m_session != session)
         return;
-    if (pressed == show) {
+    if (isWanted) {
         m_waiting.append(ids);
         emit SpaceRequested();
         return;

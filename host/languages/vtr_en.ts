@@ -318,14 +318,17 @@
     </message>
 </context>
 <context>
+    <name>Consent</name>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+</context>
+<context>
     <name>DownloadQueue</name>
     <message>
         <source>The list of downloads could not be read. It is kept as %1, and a new list has begun.</source>
         <translation>The list of downloads could not be read. It is kept as %1, and a new list has begun.</translation>
-    </message>
-    <message>
-        <source>%1: %2 frames</source>
-        <translation>%1: %2 frames</translation>
     </message>
 </context>
 <context>
@@ -591,6 +594,21 @@
     <message>
         <source>, </source>
         <translation>, </translation>
+    </message>
+</context>
+<context>
+    <name>FinishNotice</name>
+    <message>
+        <source>%1: %2 frames</source>
+        <translation>%1: %2 frames</translation>
+    </message>
+    <message>
+        <source>%1 and %2: %3 frames</source>
+        <translation>%1 and %2: %3 frames</translation>
+    </message>
+    <message>
+        <source>%1 jobs: %2 frames</source>
+        <translation>%1 jobs: %2 frames</translation>
     </message>
 </context>
 <context>
@@ -1328,10 +1346,6 @@
         <translation>The connection to %1 is not encrypted, so others on the network can read your password. Send it anyway?</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>Cancel</translation>
-    </message>
-    <message>
         <source>Send</source>
         <translation>Send</translation>
     </message>
@@ -1594,10 +1608,6 @@
         <source>Remove</source>
         <translation>Remove</translation>
     </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Cancel</translation>
-    </message>
 </context>
 <context>
     <name>SpaceDialog</name>
@@ -1632,6 +1642,10 @@
     <message>
         <source>Finished pictures take another %1, which does not count.</source>
         <translation>Finished pictures take another %1, which does not count.</translation>
+    </message>
+    <message>
+        <source>Only the %1 largest jobs are listed.</source>
+        <translation>Only the %1 largest jobs are listed.</translation>
     </message>
 </context>
 <context>
@@ -1676,6 +1690,14 @@
         <source>Deletes the checked jobs, after a question</source>
         <translation>Deletes the checked jobs, after a question</translation>
     </message>
+    <message>
+        <source>Show more</source>
+        <translation>Show more</translation>
+    </message>
+    <message>
+        <source>Lists further, smaller jobs</source>
+        <translation>Lists further, smaller jobs</translation>
+    </message>
 </context>
 <context>
     <name>SpaceModel</name>
@@ -1709,10 +1731,6 @@
     <message>
         <source>The files of these scenes would exceed your space on the farm. Show what takes the space?</source>
         <translation>The files of these scenes would exceed your space on the farm. Show what takes the space?</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Cancel</translation>
     </message>
     <message>
         <source>Show</source>

@@ -318,14 +318,17 @@
     </message>
 </context>
 <context>
+    <name>Consent</name>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+</context>
+<context>
     <name>DownloadQueue</name>
     <message>
         <source>The list of downloads could not be read. It is kept as %1, and a new list has begun.</source>
         <translation>无法读取下载列表。原列表已保存为 %1，并已新建列表。</translation>
-    </message>
-    <message>
-        <source>%1: %2 frames</source>
-        <translation>%1：%2 帧</translation>
     </message>
 </context>
 <context>
@@ -591,6 +594,21 @@
     <message>
         <source>, </source>
         <translation>，</translation>
+    </message>
+</context>
+<context>
+    <name>FinishNotice</name>
+    <message>
+        <source>%1: %2 frames</source>
+        <translation>%1：%2 帧</translation>
+    </message>
+    <message>
+        <source>%1 and %2: %3 frames</source>
+        <translation>%1 和 %2：%3 帧</translation>
+    </message>
+    <message>
+        <source>%1 jobs: %2 frames</source>
+        <translation>%1 个作业：%2 帧</translation>
     </message>
 </context>
 <context>
@@ -1328,10 +1346,6 @@
         <translation>与 %1 的连接未加密，网络上的其他人可以读取您的密码。仍要发送吗？</translation>
     </message>
     <message>
-        <source>Cancel</source>
-        <translation>取消</translation>
-    </message>
-    <message>
         <source>Send</source>
         <translation>发送</translation>
     </message>
@@ -1594,10 +1608,6 @@
         <source>Remove</source>
         <translation>移除</translation>
     </message>
-    <message>
-        <source>Cancel</source>
-        <translation>取消</translation>
-    </message>
 </context>
 <context>
     <name>SpaceDialog</name>
@@ -1632,6 +1642,10 @@
     <message>
         <source>Finished pictures take another %1, which does not count.</source>
         <translation>完成的图片另占 %1，不计入空间。</translation>
+    </message>
+    <message>
+        <source>Only the %1 largest jobs are listed.</source>
+        <translation>仅列出占用空间最多的 %1 个作业。</translation>
     </message>
 </context>
 <context>
@@ -1676,6 +1690,14 @@
         <source>Deletes the checked jobs, after a question</source>
         <translation>询问后删除已勾选的作业</translation>
     </message>
+    <message>
+        <source>Show more</source>
+        <translation>显示更多</translation>
+    </message>
+    <message>
+        <source>Lists further, smaller jobs</source>
+        <translation>列出其他占用空间较少的作业</translation>
+    </message>
 </context>
 <context>
     <name>SpaceModel</name>
@@ -1709,10 +1731,6 @@
     <message>
         <source>The files of these scenes would exceed your space on the farm. Show what takes the space?</source>
         <translation>这些场景的文件会超出您在渲染农场上的空间。是否查看空间的占用情况？</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>取消</translation>
     </message>
     <message>
         <source>Show</source>

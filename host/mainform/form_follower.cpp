@@ -25,8 +25,8 @@ struct Columns
 
 /// The last column of the downloads is always empty; that of the local tasks shows the progress of an upload.
 const Columns tables[] = {
-    {"twtMyRender", {9, 12, 15, 12, 10, 9}, {}},
-    {"twtLocalTask", {13, 13, 12, 10, 13, 11}, {VTIdColumn, VTTaskColumn::Warn}},
+    {"twtMyRender", {9, 14, 15, 10, 10, 9}, {}},
+    {"twtLocalTask", {15, 13, 12, 10, 12, 10}, {VTIdColumn, VTTaskColumn::Warn}},
     {"twtDownload", {13, 14, 16, 11, 10, 7}, {VTIdColumn}},
 };
 

@@ -1,7 +1,6 @@
 #include "host/mainform/scene_intake.h"
 
 #include "vtr_messagboxinterface.h"
-#include "vtr_rendercoreinterface.h"
 #include "vtr_uiloaderinterface.h"
 
 #include <QCoreApplication>
@@ -11,6 +10,7 @@
 #include <QIcon>
 #include <QMimeData>
 #include <QPushButton>
+#include <QSet>
 #include <QUrl>
 
 #include <utility>
@@ -34,11 +34,11 @@ QStringList ScenesOf(const QMimeData* data, const QStringList& suffixes)
 
 } // namespace
 
-SceneIntake::SceneIntake(const QStringList& suffixes, VTRenderCoreInterface* renderCore,
-    VTMessagboxInterface* messageBox, VTUiLoaderInterface* loader, QObject* parent)
+SceneIntake::SceneIntake(const QStringList& suffixes, Submitter submitter, VTMessagboxInterface* messageBox,
+    VTUiLoaderInterface* loader, QObject* parent)
     : QObject(parent)
     , m_suffixes(suffixes)
-    , m_renderCore(renderCore)
+    , m_submitter(std::move(submitter))
     , m_messageBox(messageBox)
     , m_loader(loader)
 {
@@ -50,9 +50,10 @@ SceneIntake::SceneIntake(const QStringList& suffixes, VTRenderCoreInterface* ren
     connect(&m_telling, &QTimer::timeout, this, &SceneIntake::ShowRefusals);
 }
 
-void SceneIntake::Submit(const QStringList& scenes)
+void SceneIntake::Submit(const QStringList& scenes, int priority)
 {
-    m_waiting.append(scenes);
+    for (const QString& scene : scenes)
+        m_waiting.append({scene, priority});
     // The caller may be handling a drop, which a notice must not hold up.
     m_submitting.start();
 }
@@ -74,10 +75,13 @@ void SceneIntake::SubmitWaiting()
         return;
     QStringList refused;
     QStringList known;
-    QStringList scenes = std::exchange(m_waiting, QStringList());
-    scenes.removeDuplicates();
-    for (const QString& scene : qAsConst(scenes)) {
-        const int answer = m_renderCore->SubmitScene(scene);
+    QSet<QString> submitted;
+    const auto waiting = std::exchange(m_waiting, {});
+    for (const auto& [scene, priority] : waiting) {
+        if (submitted.contains(scene))
+            continue;
+        submitted.insert(scene);
+        const int answer = m_submitter(scene, priority);
         if (answer > 0)
             known.append(scene);
         else if (answer < 0)

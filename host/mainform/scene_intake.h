@@ -1,14 +1,17 @@
 #pragma once
 
 #include <QObject>
+#include <QPair>
 #include <QPointer>
 #include <QStringList>
 #include <QTimer>
+#include <QVector>
 #include <QWidget>
+
+#include <functional>
 
 class QFileDialog;
 class VTMessagboxInterface;
-class VTRenderCoreInterface;
 class VTUiLoaderInterface;
 
 /// Submits the scenes that the user drops on the main form, chooses with its button "btnSubmit", or names on the
@@ -18,14 +21,17 @@ class SceneIntake : public QObject
     Q_OBJECT
 
 public:
+    /// Submits a scene as a job of a priority. @return like VTRenderCoreInterface::SubmitScene().
+    using Submitter = std::function<int(const QString& scene, int priority)>;
+
     /// All services must outlive this object.
     /// @param suffixes are those of the scenes that can be submitted, in lower case.
-    SceneIntake(const QStringList& suffixes, VTRenderCoreInterface* renderCore,
-        VTMessagboxInterface* messageBox, VTUiLoaderInterface* loader, QObject* parent = nullptr);
+    SceneIntake(const QStringList& suffixes, Submitter submitter, VTMessagboxInterface* messageBox,
+        VTUiLoaderInterface* loader, QObject* parent = nullptr);
 
     /// Submits the scenes as soon as somebody is signed in. Notices name those that cannot be submitted, and those that
     /// are being submitted already.
-    void Submit(const QStringList& scenes);
+    void Submit(const QStringList& scenes, int priority = 0);
 
     /// Tells the user that a scene that was accepted cannot be submitted after all.
     void ShowRefusal(const QString& scene, const QString& reason);
@@ -45,12 +51,12 @@ private:
     void Tell(const QString& text, const QStringList& scenes);
 
     QStringList m_suffixes;
-    VTRenderCoreInterface* m_renderCore;
+    Submitter m_submitter;
     VTMessagboxInterface* m_messageBox;
     VTUiLoaderInterface* m_loader;
     QPointer<QWidget> m_form;
-    QStringList m_waiting;
-    QTimer m_submitting; // submits once control returns to the event loop
+    QVector<QPair<QString, int>> m_waiting; // scenes and priorities
+    QTimer m_submitting;                    // submits once control returns to the event loop
     QStringList m_refusals;
     QTimer m_telling; // shows the refusals in one notice
     bool m_signedIn = false;

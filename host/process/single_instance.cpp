@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QLocalSocket>
 #include <QStandardPaths>
 
@@ -12,6 +13,9 @@ namespace {
 
 constexpr int CallTime = 2000;                // ms
 constexpr qint64 LongestCall = 1024LL * 1024; // bytes
+
+const QLatin1String ScenesKey("scenes");
+const QLatin1String PriorityKey("priority");
 
 QString RuntimeFolder()
 {
@@ -47,13 +51,14 @@ SingleInstance::SingleInstance(const QString& configFile, QObject* parent)
     });
 }
 
-/// The caller sends its scenes as a JSON array and disconnects.
+/// The caller sends a JSON object and disconnects.
 void SingleInstance::ReadScenes(QLocalSocket* caller)
 {
     const auto conclude = [this, caller] {
         caller->disconnect(this);
         caller->deleteLater();
-        emit Activated(QJsonDocument::fromJson(caller->read(LongestCall)).toVariant().toStringList());
+        const QJsonObject call = QJsonDocument::fromJson(caller->read(LongestCall)).object();
+        emit Activated(call.value(ScenesKey).toVariant().toStringList(), call.value(PriorityKey).toInt());
     };
     if (caller->state() == QLocalSocket::UnconnectedState) {
         conclude();
@@ -63,13 +68,14 @@ void SingleInstance::ReadScenes(QLocalSocket* caller)
     connect(caller, &QLocalSocket::disconnected, this, conclude);
 }
 
-bool SingleInstance::ActivateFirst(const QStringList& scenes) const
+bool SingleInstance::ActivateFirst(const QStringList& scenes, int priority) const
 {
+    const QJsonObject call {{ScenesKey, QJsonArray::fromStringList(scenes)}, {PriorityKey, priority}};
     QLocalSocket socket;
     socket.connectToServer(m_name);
     if (!socket.waitForConnected(CallTime))
         return false;
-    socket.write(QJsonDocument(QJsonArray::fromStringList(scenes)).toJson(QJsonDocument::Compact));
+    socket.write(QJsonDocument(call).toJson(QJsonDocument::Compact));
     while (socket.bytesToWrite() > 0) {
         if (!socket.waitForBytesWritten(CallTime))
             return false;

@@ -22,12 +22,12 @@ public:
 
     /// Asks the running client to show its window and to submit these scenes.
     /// @return whether it could be reached.
-    bool ActivateFirst(const QStringList& scenes = {}) const;
+    bool ActivateFirst(const QStringList& scenes = {}, int priority = 0) const;
 
 signals:
     /// Another start of the client asked this one to show its window.
-    /// @param scenes absolute paths of the scenes to submit.
-    void Activated(const QStringList& scenes);
+    /// @param scenes absolute paths of the scenes to submit. @param priority of their jobs.
+    void Activated(const QStringList& scenes, int priority);
 
 private:
     void ReadScenes(QLocalSocket* caller);

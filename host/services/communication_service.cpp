@@ -123,6 +123,18 @@ int CommunicationService::DeleteJobs(const QVariant& status, const QVariantHash&
     return SubmitAction(status, "delete", request, &VTCommunicationInterface::DeleteJobResponse);
 }
 
+HttpCall* CommunicationService::AskToDelete(const QVariantHash& request)
+{
+    HttpCall* call = Ask(FarmProtocol::JobActionRequest("delete", request));
+    connect(call, &HttpCall::Finished, this, [this, call](const HttpResult& result) {
+        const Answer answer = FarmProtocol::Decode(result, FarmProtocol::IsAnyObject, {});
+        KeepJobList(call, answer, true);
+        if (answer.code == HttpStatus::Ok)
+            emit DeleteJobResponse(answer.code, answer.map);
+    });
+    return call;
+}
+
 int CommunicationService::RecoverJobs(const QVariant& status, const QVariantHash& request)
 {
     return SubmitAction(status, "recover", request, &VTCommunicationInterface::RecoverJobResponse);

@@ -62,6 +62,10 @@ public:
     /// @return the call; it ends with the session.
     HttpCall* Ask(const HttpRequest& request) { return new HttpCall(&m_transport, request, m_session.get()); }
 
+    /// Deletes jobs for the host. The window hears only of a success, since its list has to follow.
+    /// @param request is like that of DeleteJobs(). @return the call; it ends with the session.
+    HttpCall* AskToDelete(const QVariantHash& request);
+
     /// @return why the request whose answer is being delivered has failed; callers make their own text of it.
     const FarmFault& LatestFault() const { return m_latestFault; }
 

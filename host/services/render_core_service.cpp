@@ -24,7 +24,8 @@ RenderCoreService::RenderCoreService(const QString& folder, VTSettingsInterface*
     m_submissions.SetArgumentsCheck(
         [this] { return m_settings->Value(SettingKeys::OfAccount(m_userName, "setargument"), 0).toBool(); });
     connect(&m_downloads, &DownloadQueue::ListChanged, this, &VTRenderCoreInterface::DownloadListChanged);
-    connect(&m_downloads, &DownloadQueue::FilesFinished, this, &VTRenderCoreInterface::DownloadFinish);
+    connect(&m_downloads, &DownloadQueue::FilesFinished, &m_finishNotice, &FinishNotice::Add);
+    connect(&m_finishNotice, &FinishNotice::Due, this, &VTRenderCoreInterface::DownloadFinish);
     connect(&m_downloads, &DownloadQueue::Notice, this, &RenderCoreService::Notice);
     // The folder for downloads and the age of finished ones are settings.
     connect(settings, &VTSettingsInterface::SettingsUpdated, this, &RenderCoreService::UpdateAccess);
@@ -48,6 +49,7 @@ void RenderCoreService::BeginSession(const QString& userName, const QString& tok
     m_userName = userName;
     m_token = token;
     m_automaticOrders.Clear();
+    m_finishNotice.Clear();
     UpdateAccess();
 }
 
@@ -238,7 +240,12 @@ void RenderCoreService::ContinueSubmit(const QString& id)
 
 int RenderCoreService::SubmitScene(const QString& sceneFile)
 {
-    switch (m_submissions.Submit(sceneFile)) {
+    return SubmitScene(sceneFile, 0);
+}
+
+int RenderCoreService::SubmitScene(const QString& sceneFile, int priority)
+{
+    switch (m_submissions.Submit(sceneFile, priority)) {
     case SubmitQueue::Answer::Accepted:
         return 0;
     case SubmitQueue::Answer::Known:

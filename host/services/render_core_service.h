@@ -2,6 +2,7 @@
 
 #include "host/rendercore/download/automatic_orders.h"
 #include "host/rendercore/download/download_queue.h"
+#include "host/rendercore/download/finish_notice.h"
 #include "host/rendercore/submit/submit_queue.h"
 #include "host/services/service_base.h"
 #include "vtr_rendercoreinterface.h"
@@ -43,6 +44,9 @@ public:
 
     /// The suffixes of the scenes that can be submitted, in lower case.
     static QStringList SceneSuffixes();
+
+    /// @param priority of the job. @return like the window's SubmitScene().
+    int SubmitScene(const QString& sceneFile, int priority);
 
     /// The reason, in a few words, why a local task stands still; empty where the name of its stage is enough.
     QString HaltText(const QString& id) const;
@@ -112,6 +116,7 @@ private:
     SubmitQueue m_submissions;
     DownloadQueue m_downloads;
     AutomaticOrders m_automaticOrders;
+    FinishNotice m_finishNotice;
     QUrl m_server;
     bool m_isServerOnThisComputer = false;
     QString m_serverName;

@@ -44,6 +44,7 @@ std::optional<FarmSpace> FarmSpace::Read(const QJsonObject& body)
     space.uploads = BytesOf(data, "uploads");
     space.unneeded = BytesOf(data, "unneeded");
     space.pictures = BytesOf(data, "pictures");
+    space.hasMoreJobs = data.value(QLatin1String("moreJobs")).toBool();
     for (const QJsonValue& value : jobs) {
         const Job job = ReadJob(value.toObject());
         // A deleted job is left out: the farm frees its files a little later.

@@ -32,6 +32,7 @@ struct FarmSpace
     qint64 pictures = 0; ///< finished pictures, which do not count
     std::vector<Job>
         jobs; ///< those with the largest files first; without deleted ones and those without files
+    bool hasMoreJobs = false; ///< whether the farm has other jobs that take space
 
     /// @return none when the farm's answer is unusable.
     static std::optional<FarmSpace> Read(const QJsonObject& body);

@@ -1,5 +1,6 @@
 #include "host/space/space_dialog.h"
 
+#include "host/farmclient/farm_numbers.h"
 #include "vtr_uiloaderinterface.h"
 
 #include <QEvent>
@@ -7,6 +8,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QStyle>
 #include <QTableView>
@@ -21,6 +23,7 @@ constexpr int NumberWidth = 110;      // pixels
 constexpr int StatusWidth = 120;      // pixels
 constexpr int SizeWidth = 100;        // pixels
 constexpr int NearlyFull = 90;        // percent
+constexpr int JobsAtFirst = 100;
 
 int PercentOf(const FarmSpace& space)
 {
@@ -40,8 +43,10 @@ SpaceDialog::SpaceDialog(VTUiLoaderInterface* loader, QObject* parent)
     , m_checked(m_form.Find<QLabel>("lblChecked"))
     , m_bar(m_form.Find<QProgressBar>("barUsed"))
     , m_table(m_form.Find<QTableView>("tbvJobs"))
+    , m_more(m_form.Find<QPushButton>("btnMore"))
     , m_free(m_form.Find<QPushButton>("btnFree"))
     , m_delete(m_form.Find<QPushButton>("btnDelete"))
+    , m_wantedJobs(JobsAtFirst)
 {
     m_refresh.setInterval(RefreshInterval);
     connect(&m_refresh, &QTimer::timeout, this, &SpaceDialog::RefreshRequested);
@@ -87,6 +92,7 @@ void SpaceDialog::ConnectButtons()
 {
     for (const char* name : {"btnClose", "btnOk"})
         connect(m_form.Find<QPushButton>(name), &QPushButton::clicked, Form(), &QWidget::close);
+    connect(m_more, &QPushButton::clicked, this, &SpaceDialog::RequestMore);
     connect(m_delete, &QPushButton::clicked, this, &SpaceDialog::RequestDeletion);
     connect(m_free, &QPushButton::clicked, this, [this] {
         if (m_space)
@@ -117,6 +123,7 @@ void SpaceDialog::Close()
     m_space.reset();
     m_failure.clear();
     m_isBusy = false;
+    m_wantedJobs = JobsAtFirst;
     m_model.SetJobs({});
     Display();
 }
@@ -125,11 +132,14 @@ void SpaceDialog::SetSpace(const FarmSpace& space)
 {
     m_space = space;
     m_failure.clear();
+    const int scrolled = m_table->verticalScrollBar()->value();
     const QString current = m_model.IdOf(m_table->currentIndex().row());
     m_model.SetJobs(space.jobs);
     const int row = std::max(m_model.RowOf(current), 0);
     if (m_table->currentIndex().row() != row && row < m_model.rowCount())
         m_table->setCurrentIndex(m_model.index(row, SpaceModel::NameColumn));
+    // The current row may be far from the rows that the user looks at.
+    m_table->verticalScrollBar()->setValue(scrolled);
     Display();
 }
 
@@ -150,6 +160,12 @@ void SpaceDialog::RequestDeletion()
     const std::vector<FarmSpace::Job> jobs = m_model.Checked();
     if (!jobs.empty() && !m_isBusy)
         emit DeleteRequested(jobs);
+}
+
+void SpaceDialog::RequestMore()
+{
+    m_wantedJobs = std::min(2 * m_wantedJobs, FarmNumbers::MostListedJobs);
+    emit MoreRequested();
 }
 
 void SpaceDialog::ToggleRow(int row)
@@ -197,11 +213,13 @@ void SpaceDialog::DisplayChecked()
                    .arg(jobs.size())
                    .arg(SpaceText(files), SpaceText(pictures));
     m_checked->setText(text);
-    const bool hadFocus = m_delete->hasFocus() || m_free->hasFocus();
+    const QWidget* focused = Form()->focusWidget();
+    const bool hasMore = m_space && m_space->hasMoreJobs;
+    m_more->setVisible(hasMore && m_wantedJobs < FarmNumbers::MostListedJobs);
     m_delete->setEnabled(!jobs.empty() && !m_isBusy);
     m_free->setEnabled(m_space && m_space->unneeded > 0 && !m_isBusy);
-    // A disabled button would pass the focus to the next one, which closes the dialog.
-    if (hadFocus && !m_delete->hasFocus() && !m_free->hasFocus())
+    // A button that is disabled or hidden would leave the focus to the next one, which deletes jobs or closes the dialog.
+    if (Form()->focusWidget() != focused)
         m_table->setFocus();
 }
 
@@ -215,6 +233,8 @@ QString SpaceDialog::Details() const
     if (m_space && m_space->pictures > 0)
         sentences.append(
             tr("Finished pictures take another %1, which does not count.").arg(SpaceText(m_space->pictures)));
+    if (m_space && m_space->hasMoreJobs && m_wantedJobs == FarmNumbers::MostListedJobs)
+        sentences.append(tr("Only the %1 largest jobs are listed.").arg(m_wantedJobs));
     return sentences.join(QLatin1Char(' '));
 }
 

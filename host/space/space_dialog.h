@@ -22,6 +22,9 @@ public:
 
     QWidget* Form() const { return m_form.Form(); }
 
+    /// How many jobs the user wants to see at most.
+    int WantedJobs() const { return m_wantedJobs; }
+
     /// Returns at once.
     void Open();
 
@@ -38,6 +41,8 @@ public:
 
 signals:
     void RefreshRequested();
+    /// WantedJobs() has grown.
+    void MoreRequested();
     /// @param jobs at least one.
     void DeleteRequested(const std::vector<FarmSpace::Job>& jobs);
     /// The files that no job needs are to be removed.
@@ -47,6 +52,7 @@ private:
     void SetUpTable();
     void ConnectButtons();
     void RequestDeletion();
+    void RequestMore();
     void ToggleRow(int row);
     void Display();
     void DisplayChecked();
@@ -59,11 +65,13 @@ private:
     QLabel* m_checked;
     QProgressBar* m_bar;
     QTableView* m_table;
+    QPushButton* m_more;
     QPushButton* m_free;
     QPushButton* m_delete;
     SpaceModel m_model;
     std::optional<FarmSpace> m_space;
     QString m_failure;
     bool m_isBusy = false;
+    int m_wantedJobs;
     QTimer m_refresh;
 };

@@ -42,6 +42,9 @@ private slots:
         QCOMPARE(Storage("used").toInt(), 13);
         QCOMPARE(Storage("pictures").toInt(), 14);
         QCOMPARE(Storage("jobs")[0]["files"_s].toInt(), 13);
+        QVERIFY(!Storage("moreJobs").toBool());
+        const auto oneJob = m_farm->Get("/account/storage?jobs=1"_s);
+        QVERIFY(oneJob.Data("moreJobs").toBool() && oneJob.Data("jobs").toArray().size() == 1);
         QCOMPARE(m_farm->Apply("delete"_s, {gone}).status, 200);
         QCOMPARE(m_farm->Get("/jobs/%1/files"_s.arg(gone)).Data("list"), QJsonValue(QJsonArray()));
         QCOMPARE(m_farm->Get("/jobs/%1/files/frame_0001.txt"_s.arg(gone)).status, 404);

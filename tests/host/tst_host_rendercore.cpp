@@ -52,7 +52,10 @@ private slots:
         UiLoaderService loader(&settings);
         RenderCoreService renderCore(m_folder.filePath("transfer"_s), &settings);
         Notices notices;
-        SceneIntake intake(RenderCoreService::SceneSuffixes(), &renderCore, &notices, &loader);
+        SceneIntake intake(
+            RenderCoreService::SceneSuffixes(),
+            [&](const QString& scene, int priority) { return renderCore.SubmitScene(scene, priority); },
+            &notices, &loader);
         renderCore.SetFormFilter(&intake);
         connect(&renderCore, &RenderCoreService::SceneRefused, &intake, &SceneIntake::ShowRefusal);
         QWidget form;

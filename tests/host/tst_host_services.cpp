@@ -63,9 +63,14 @@ private slots:
     {
         HostOptions options;
         QString error;
-        const QString line = "quillstar --config c a.pov --log-level info b.ma"_s;
+        const QString line = "quillstar --config c a.pov --log-level info b.ma --priority -100"_s;
         QVERIFY(options.Parse(line.split(QLatin1Char(' ')), &error));
         QCOMPARE(options.scenes.size(), 2);
+        QCOMPARE(options.priority, -100);
+        for (const QString& priority : {"101"_s, "-101"_s, "1.5"_s, "high"_s, QString()}) {
+            QVERIFY(!HostOptions().Parse({"quillstar"_s, "--priority"_s, priority}, &error));
+            QCOMPARE(error, QString("the priority must be a whole number from -100 to 100: "_s + priority));
+        }
         const QStringList paths = options.scenes + QStringList {options.configFile, options.dataFolder};
         for (const QString& path : paths)
             QVERIFY(QDir::isAbsolutePath(path));
@@ -83,9 +88,9 @@ private slots:
         const SingleInstance second(m_file);
         QVERIFY(!second.IsFirst());
         const QStringList scenes {"/a/ä \".pov"_s, "/b.ma"_s};
-        QVERIFY(second.ActivateFirst(scenes));
+        QVERIFY(second.ActivateFirst(scenes, -7));
         EVENTUALLY_COMPARE(calls.count(), 1);
-        QCOMPARE(calls[0][0].toStringList(), scenes);
+        QCOMPARE(calls[0], (QVariantList {scenes, -7}));
     }
 
     void ReservesTheDataForOneClientOfOneUser()

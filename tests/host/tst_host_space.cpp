@@ -30,13 +30,19 @@ const std::tuple<const char*, QByteArray, QString> answers[] = {
 StandInServer::Reply SpaceWith(const QByteArray& jobs)
 {
     return StandInServer::Data(
-        "{'quota': 40960, 'used': 38912, 'unneeded': 1024, 'uploads': 0, 'pictures': 9, 'jobs': [" + jobs
-        + "]}");
+        "{'quota': 40960, 'used': 38912, 'unneeded': 1024, 'uploads': 0, 'pictures': 9, 'moreJobs': true, "
+        "'jobs': ["
+        + jobs + "]}");
 }
 
-QByteArray Job(const char* id, int status, int kibibytes)
+QByteArray SpaceRequest(int jobs)
 {
-    return "{'job_id': '" + QByteArray(id)
+    return "GET /api/v1/account/storage?jobs=" + QByteArray::number(jobs) + ' ';
+}
+
+QByteArray Job(const QByteArray& id, int status, int kibibytes)
+{
+    return "{'job_id': '" + id
         + "', 'job_increasement': '7', 'job_name': '<b>shot</b>', 'job_status': " + QByteArray::number(status)
         + ", 'files': " + QByteArray::number(kibibytes * 1024) + ", 'pictures': 2048}";
 }
@@ -64,7 +70,7 @@ struct Client
     {
         communication.Initialize({});
         communication.SetServerUrl(server.Url());
-        server.SetReplyTo("GET /api/v1/account/storage", SpaceWith(Job("a", 4, 3) + ',' + Job("b", 1, 30)));
+        server.SetReplyTo(SpaceRequest(100), SpaceWith(Job("a", 4, 3) + ',' + Job("b", 1, 30)));
         server.SetReplyTo("DELETE /api/v1/account/storage", StandInServer::Data("{'freed': 1}"));
         server.SetReplyTo("POST /api/v1/jobs/delete", StandInServer::Data("{'notAllowedJobs': []}"));
         space.BeginSession("secret"_s);
@@ -128,6 +134,7 @@ private slots:
     {
         Client client;
         QSignalSpy freed(&client.space, &SpaceControl::Freed);
+        QSignalSpy toldWindow(&client.communication, &CommunicationService::DeleteJobResponse);
         EVENTUALLY_COMPARE(client.Rows(), 2);
         QCOMPARE(client.Text("lblUsed"), "38.0 KiB of 40.0 KiB used"_s);
         QVERIFY(client.Find<QProgressBar>("barUsed")->property("full").toBool());
@@ -143,10 +150,11 @@ private slots:
                 "Their pictures there (2.0 KiB) are deleted, too.\nJobs that have not ended yet: 1."_s));
         QCOMPARE(client.Asked("POST"), -1);
 
-        client.server.SetReplyTo("GET /api/v1/account/storage", SpaceWith(Job("a", 4, 3)));
+        client.server.SetReplyTo(SpaceRequest(100), SpaceWith(Job("a", 4, 3)));
         client.box.answer = "btnMessageBox_2"_s;
         QTest::keyClick(client.table, Qt::Key_Delete);
         EVENTUALLY_COMPARE(freed.count(), 1);
+        QCOMPARE(toldWindow.count(), 1);
         EVENTUALLY_COMPARE(client.Rows(), 1);
         const int deletion = client.Asked("POST /api/v1/jobs/delete");
         QVERIFY(deletion > 0 && client.Asked("DELETE /api/v1/account/storage") > deletion);
@@ -154,6 +162,32 @@ private slots:
         QVERIFY(!remove->isEnabled());
         client.space.EndSession();
         QVERIFY(!client.table->isVisible() && client.Rows() == 0);
+    }
+
+    void ShowsMoreJobs()
+    {
+        Client client;
+        EVENTUALLY_COMPARE(client.Rows(), 2);
+        emit client.table->clicked(client.table->model()->index(0, SpaceModel::NameColumn));
+        auto* more = client.Find<QPushButton>("btnMore");
+        QByteArray jobs = Job("a", 4, 3) + ',' + Job("b", 1, 30);
+        for (const int wanted : {200, 400, 800, 1000}) {
+            QVERIFY(more->isVisible());
+            jobs += ',' + Job(QByteArray::number(wanted), 4, 1);
+            client.server.SetReplyTo(SpaceRequest(wanted), SpaceWith(jobs));
+            const int rows = client.Rows();
+            more->setFocus();
+            more->click();
+            EVENTUALLY_COMPARE(client.Rows(), rows + 1);
+        }
+        QVERIFY(!more->isVisible());
+        QCOMPARE(client.table->window()->focusWidget(), client.table);
+        QVERIFY(client.Text("lblDetails").endsWith("Only the 1000 largest jobs are listed."_s));
+        QVERIFY(client.Text("lblChecked").contains("30.0 KiB"_s));
+        client.space.EndSession();
+        client.space.BeginSession("secret"_s);
+        client.space.Open();
+        EVENTUALLY_COMPARE(client.Rows(), 2);
     }
 
     void SaysWhatFails()
@@ -165,12 +199,14 @@ private slots:
         client.box.answer = "btnMessageBox_2"_s;
         emit client.table->clicked(client.table->model()->index(1, SpaceModel::NameColumn));
         client.Find<QPushButton>("btnDelete")->click();
+        // Meanwhile jobs are deleted in the main window.
+        emit client.communication.DeleteJobResponse(200, {});
+        QSignalSpy toldWindow(&client.communication, &CommunicationService::DeleteJobResponse);
         EVENTUALLY_COMPARE(client.Text("lblTrouble"), "The farm has no such job."_s);
+        QCOMPARE(toldWindow.count(), 0);
         QVERIFY(client.Find<QPushButton>("btnDelete")->isEnabled());
         QCOMPARE(client.Asked("DELETE"), -1);
-        // Deletions by the main window do not concern it.
         QSignalSpy freed(&client.space, &SpaceControl::Freed);
-        emit client.communication.DeleteJobResponse(200, {});
         client.Find<QPushButton>("btnFree")->click();
         EVENTUALLY_COMPARE(freed.count(), 1);
         QVERIFY(client.box.questions.constLast().startsWith("Remove 1.0 KiB"_s));

@@ -39,6 +39,7 @@ archive() {
     for program in quillstar quillstar-farmd; do
         manual="$prefix/share/man/man1/$program.1.gz"
         env -u QT_QPA_PLATFORM "$prefix/bin/$program" --help >"$work/help" || fail "$program has no help without a display"
+        grep -q "^Usage: $program " "$work/help" || fail "the help of $program calls it otherwise"
         for option in $(grep -o -- ' --[a-z-]*' "$work/help"); do
             zcat "$manual" | sed 's/\\//g' | grep -q -- "$option\b" || fail "$manual lacks $option"
         done

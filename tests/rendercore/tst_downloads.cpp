@@ -105,7 +105,7 @@ private slots:
                 Whole(FrameData), Listed(Entry(OtherData, "a")), Whole(OtherData)});
         QVERIFY(client.Await(Finished, 3));
         QVERIFY(client.AwaitFiles(1));
-        QCOMPARE(client.finished.takeFirst(), QVariantList {"12_shot: 2 frames"_s});
+        QCOMPARE(client.finished.takeFirst(), (QVariantList {Path("frames/12_shot/c"), 2}));
         QVERIFY(ReadFile(Path("frames/12_shot/b")) == OtherData);
 
         // Rendered again: the automatic order fetches new files, the manual one also changed ones.
@@ -113,7 +113,7 @@ private slots:
         QVERIFY(client.Await(Finished, 4));
         client.Order("j1"_s);
         QVERIFY(client.AwaitFiles(2));
-        QCOMPARE(client.finished.takeFirst(), QVariantList {Path("frames/12_shot/d")});
+        QCOMPARE(client.finished.takeFirst(), (QVariantList {Path("frames/12_shot/d"), 1}));
         QVERIFY(ReadFile(Path("frames/12_shot/a")) == OtherData);
         QCOMPARE(m_server->Requests().size(), 6);
     }

@@ -81,7 +81,7 @@ private:
     QString Submit(const QString& scene)
     {
         QSignalSpy changed(m_queue.get(), &SubmitQueue::ListChanged);
-        const bool isAccepted = m_queue->Submit(Path(scene)) == SubmitQueue::Answer::Accepted;
+        const bool isAccepted = m_queue->Submit(Path(scene), -7) == SubmitQueue::Answer::Accepted;
         return isAccepted && changed.wait(Patience) ? m_queue->Ids().constLast() : QString();
     }
 
@@ -190,7 +190,7 @@ private slots:
         // Packages that are ready are not made again.
         QVERIFY(!NeedsFarm(before.stage) || before.isDone || Task(id).next == SubmitStage::CopySame);
         QVERIFY(Await(id));
-        QCOMPARE(Count("jobs"), 1);
+        QCOMPARE(Count("jobs WHERE priority = -7"), 1);
         StartQueue();
         QVERIFY(Task(id).isDone); // until the session ends
         m_queue->EndSession();

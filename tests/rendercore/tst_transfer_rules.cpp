@@ -1,9 +1,11 @@
 // Turns, pauses and commands, without threads, disk or network.
 #include "host/rendercore/download/automatic_orders.h"
+#include "host/rendercore/download/finish_notice.h"
 #include "host/rendercore/download/task_commands.h"
 #include "host/rendercore/download/transfer_schedule.h"
 #include "host/rendercore/submit/submit_turns.h"
 #include "tests/support/test_tables.h"
+#include "tests/support/waiting.h"
 
 namespace {
 
@@ -144,6 +146,15 @@ const std::tuple<const char*, bool (*)(DownloadTask&), const char*> CommandCases
     {"repair", TaskCommands::Repair, "--0--"},
 };
 
+/// The latest file and the number of files of each job that arrives, and what the user reads.
+const std::tuple<const char*, std::vector<std::pair<const char*, int>>, const char*> Arrivals[] = {
+    {"a file", {{"/d/12_shot/f.png", 1}}, "/d/12_shot/f.png"},
+    {"a job", {{"/d/12_shot/f.png", 2}}, "12_shot: 2 frames"},
+    {"a job twice", {{"/d/12_shot/f.png", 1}, {"/d/12_shot/g.png", 3}}, "12_shot: 4 frames"},
+    {"two jobs", {{"/d/12_shot/f.png", 1}, {"/d/13_shot/f.png", 1}}, "12_shot and 13_shot: 2 frames"},
+    {"more jobs", {{"/d/a/f", 1}, {"/d/b/f", 20}, {"/d/c/f", 300}}, "3 jobs: 321 frames"},
+};
+
 } // namespace
 
 class TransferRulesTest : public QObject
@@ -210,6 +221,23 @@ private slots:
         orders.Clear();
         QCOMPARE(list(Running, "2"), none);
         QCOMPARE(list(Finished, "2"), none);
+    }
+
+    void TellsTogetherWhatArrivesTogether_data() { AddRows(Arrivals); }
+
+    void TellsTogetherWhatArrivesTogether()
+    {
+        const auto& [name, arrivals, expected] = Row(Arrivals);
+        FinishNotice notice(0, 0);
+        QSignalSpy due(&notice, &FinishNotice::Due);
+        notice.Add("/d/other/f.png"_s, 1);
+        notice.Clear();
+        for (int round = 1; round <= 2; ++round) {
+            for (const auto& [file, count] : arrivals)
+                notice.Add(QLatin1String(file), count);
+            EVENTUALLY_COMPARE(due.count(), round);
+            QCOMPARE(due.constLast(), QVariantList {QString::fromLatin1(expected)});
+        }
     }
 };
 

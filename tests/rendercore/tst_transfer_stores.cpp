@@ -131,13 +131,13 @@ private slots:
         {
             WriteFile(Path("a.pov"_s), {});
             SubmitRecords records(m_folder->path());
-            SubmitTask task = records.Add(Ann, Path("a.pov"_s), &error).value();
-            const SubmitTask gone = records.Add(Ann, Path("a.pov"_s), &error).value();
-            QVERIFY(!records.Add(Ann, Path("b.pov"_s), &error) && !error.IsEmpty());
+            SubmitTask task = records.Add(Ann, Path("a.pov"_s), 0, &error).value();
+            const SubmitTask gone = records.Add(Ann, Path("a.pov"_s), 0, &error).value();
+            QVERIFY(!records.Add(Ann, Path("b.pov"_s), 0, &error) && !error.IsEmpty());
             task.error = SubmitError::Stopped;
             records.Save({task}, false);
             QCOMPARE(Submissions().Load(Ann).at(0).error, SubmitError::Stopped); // at once
-            records.Remove({records.Add(Ann, Path("a.pov"_s), &error).value().number});
+            records.Remove({records.Add(Ann, Path("a.pov"_s), 0, &error).value().number});
             QCOMPARE(Submissions().Load(Ann).size(), 2);
             run("ALTER TABLE tasks RENAME TO away");
             task.error = SubmitError::GivenUp;

@@ -63,7 +63,7 @@ DownloadQueue::DownloadQueue(const QString& folder, const DownloadLimits& limits
     };
     listener.removed = [this](const TaskIds& ids) { PostTo(this, [this, ids] { HandleRemoved(ids); }); };
     listener.finished = [this](const QString& file, int count) {
-        PostTo(this, [this, file, count] { HandleFinished(file, count); });
+        PostTo(this, [this, file, count] { emit FilesFinished(file, count); });
     };
     listener.notice = [this](const QString& text) { PostTo(this, [this, text] { emit Notice(text); }); };
     listener.replaced
@@ -233,12 +233,6 @@ void DownloadQueue::HandleRemoved(const TaskIds& ids)
     const auto isRemoved = [&removed](qint64 id) { return removed.contains(id); };
     m_order.erase(std::remove_if(m_order.begin(), m_order.end(), isRemoved), m_order.end());
     emit ListChanged();
-}
-
-void DownloadQueue::HandleFinished(const QString& file, int count)
-{
-    const QString folder = QFileInfo(file).dir().dirName();
-    emit FilesFinished(count == 1 ? file : tr("%1: %2 frames").arg(folder, QString::number(count)));
 }
 
 void DownloadQueue::HandleReplaced(const QString& keptAs)

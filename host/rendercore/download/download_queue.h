@@ -68,8 +68,8 @@ signals:
     /// Tasks have been added or removed.
     void ListChanged();
     /// Files of a job have arrived, and no further file of the job is on its way.
-    /// @param what is the path of a single file, or the job's folder and the number of files.
-    void FilesFinished(const QString& what);
+    /// @param file is the path of the latest. @param count is their number.
+    void FilesFinished(const QString& file, int count);
     /// @param text tells the user of trouble with the disk.
     void Notice(const QString& text);
 
@@ -81,7 +81,6 @@ private:
     void HandleAdded(int session, const DownloadTasks& tasks);
     void HandleChanged(const DownloadChanges& changes);
     void HandleRemoved(const TaskIds& ids);
-    void HandleFinished(const QString& file, int count);
     void HandleReplaced(const QString& keptAs);
 
     QVariantMap m_tasks;

@@ -29,6 +29,7 @@ QJsonObject JobBody(const SubmitTask& task)
     job.insert(QStringLiteral("type"), JobTypeOf(task.scene));
     job.insert(
         QStringLiteral("name"), QFileInfo(task.scene).completeBaseName().left(FarmNumbers::LongestName));
+    job.insert(QStringLiteral("priority"), task.priority);
     job.insert(QStringLiteral("scene"), task.work.scene);
     job.insert(QStringLiteral("files"), files);
     return job;

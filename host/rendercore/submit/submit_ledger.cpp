@@ -48,12 +48,12 @@ void SubmitLedger::Load()
     });
 }
 
-void SubmitLedger::Add(const QString& scene)
+void SubmitLedger::Add(const QString& scene, int priority)
 {
     m_adding.append(scene);
-    m_records.Post([this, session = m_session, owner = m_owner, scene](SubmitRecords& records) {
+    m_records.Post([this, session = m_session, owner = m_owner, scene, priority](SubmitRecords& records) {
         TaskMessage error;
-        const auto task = records.Add(owner, scene, &error);
+        const auto task = records.Add(owner, scene, priority, &error);
         PostTo(this, [this, session, scene, task, error] {
             if (session == m_session)
                 HandleAdded(scene, task, error);

@@ -23,7 +23,7 @@ public:
     void End();
 
     /// Creates a task for a scene; Added() or Refused() follows.
-    void Add(const QString& scene);
+    void Add(const QString& scene, int priority);
     bool IsAdding(const QString& scene) const { return m_adding.contains(scene); }
 
     /// @param withWork whether the results of the stages have changed as well.

@@ -95,14 +95,14 @@ void SubmitQueue::Ask(const SubmitTask& task)
         emit TexturesLacking(id, TaskMessage::Texts(task.work.missing));
 }
 
-SubmitQueue::Answer SubmitQueue::Submit(const QString& scene)
+SubmitQueue::Answer SubmitQueue::Submit(const QString& scene, int priority)
 {
     const QString path = QDir::cleanPath(QFileInfo(scene).absoluteFilePath());
     if (m_access.owner.isEmpty() || KindOfScene(path) == nullptr)
         return Answer::Refused;
     if (m_ledger.IsAdding(path) || m_tasks.HasUnfinished(path))
         return Answer::Known;
-    m_ledger.Add(path);
+    m_ledger.Add(path, priority);
     return Answer::Accepted;
 }
 

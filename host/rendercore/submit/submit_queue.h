@@ -53,7 +53,7 @@ public:
     };
 
     /// Creates a task for a scene, once its file has been looked at: ListChanged() or SceneRefused() follows.
-    Answer Submit(const QString& scene);
+    Answer Submit(const QString& scene, int priority = 0);
 
     /// Deletes tasks permanently; the farm discards unfinished uploads by itself.
     void Remove(const QStringList& ids);

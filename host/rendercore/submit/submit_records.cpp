@@ -58,11 +58,13 @@ std::optional<QSet<qint64>> SubmitRecords::Numbers()
     return numbers;
 }
 
-std::optional<SubmitTask> SubmitRecords::Add(const QString& owner, const QString& scene, TaskMessage* error)
+std::optional<SubmitTask> SubmitRecords::Add(
+    const QString& owner, const QString& scene, int priority, TaskMessage* error)
 {
     std::optional<SubmitTask> task;
     *error = WhyNotAnalysed(scene);
-    if (error->IsEmpty() && !Attempt("save a submission", [&] { task = m_store.Add(owner, scene); }))
+    if (error->IsEmpty()
+        && !Attempt("save a submission", [&] { task = m_store.Add(owner, scene, priority); }))
         *error = SubmitText::NotRecorded;
     return task;
 }

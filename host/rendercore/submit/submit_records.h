@@ -25,7 +25,8 @@ public:
     std::optional<QSet<qint64>> Numbers();
 
     /// Creates a task for a scene; none, and the reason, when that is not possible.
-    std::optional<SubmitTask> Add(const QString& owner, const QString& scene, TaskMessage* error);
+    std::optional<SubmitTask> Add(
+        const QString& owner, const QString& scene, int priority, TaskMessage* error);
 
     /// The owner's tasks, the oldest first; none when the database cannot be read.
     std::optional<QVector<SubmitTask>> Load(const QString& owner);

@@ -41,9 +41,11 @@ CREATE TABLE checksums(
 CREATE INDEX checksums_by_use ON checksums(used);
 )sql";
 
+constexpr const char* Priorities = "ALTER TABLE tasks ADD COLUMN priority INTEGER NOT NULL DEFAULT 0";
+
 } // namespace
 
 storage::Migrations SubmitSchema()
 {
-    return {FirstSchema, EditedArguments, KnownChecksums};
+    return {FirstSchema, EditedArguments, KnownChecksums, Priorities};
 }

@@ -48,6 +48,7 @@ SubmitTask TaskOf(const SQLite::Statement& row)
     task.isDone = row.getColumn(11).getInt() != 0;
     task.work = SubmitWork::FromJson(Json(row.getColumn(12)).object());
     task.areArgumentsEdited = row.getColumn(13).getInt() != 0;
+    task.priority = row.getColumn(14).getInt();
     return task;
 }
 
@@ -58,15 +59,17 @@ SubmitStore::SubmitStore(const QString& file, storage::RecoveringDatabase::Repla
 {
 }
 
-SubmitTask SubmitStore::Add(const QString& owner, const QString& scene)
+SubmitTask SubmitStore::Add(const QString& owner, const QString& scene, int priority)
 {
     SubmitTask task;
     task.scene = scene;
+    task.priority = priority;
     task.started = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
     task.submission = QUuid::createUuid().toString(QUuid::WithoutBraces);
     task.number = m_database.Write([&](SQLite::Database& connection) {
-        Execute(connection, "INSERT INTO tasks(owner, scene, started, submission) VALUES(?, ?, ?, ?)", owner,
-            task.scene, task.started, task.submission);
+        Execute(connection,
+            "INSERT INTO tasks(owner, scene, started, submission, priority) VALUES(?, ?, ?, ?, ?)", owner,
+            task.scene, task.started, task.submission, task.priority);
         return static_cast<qint64>(connection.getLastInsertRowid());
     });
     task.id = IdOf(scene, task.number);
@@ -78,8 +81,8 @@ QVector<SubmitTask> SubmitStore::Load(const QString& owner)
     return m_database.Read([&owner](SQLite::Database& connection) {
         SQLite::Statement rows(connection,
             "SELECT number, scene, started, submission, stage, error, message, arguments, goes_on_without, "
-            "arguments_checked, refused, done, work, arguments_edited FROM tasks WHERE owner = ? ORDER BY "
-            "number");
+            "arguments_checked, refused, done, work, arguments_edited, priority FROM tasks WHERE owner = ? "
+            "ORDER BY number");
         storage::Bind(rows, owner);
         QVector<SubmitTask> tasks;
         while (rows.executeStep())

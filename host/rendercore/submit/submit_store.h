@@ -15,7 +15,7 @@ public:
     explicit SubmitStore(const QString& file, storage::RecoveringDatabase::Replaced onReplaced = {});
 
     /// Creates a task for a scene, before its first stage.
-    SubmitTask Add(const QString& owner, const QString& scene);
+    SubmitTask Add(const QString& owner, const QString& scene, int priority = 0);
 
     /// The owner's tasks, the oldest first.
     QVector<SubmitTask> Load(const QString& owner);

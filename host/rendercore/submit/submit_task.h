@@ -82,6 +82,8 @@ struct SubmitTask
     QString
         submission; ///< identifies the submission at the farm, so that it becomes one job however often it is sent
 
+    int priority = 0; ///< of the job among the account's jobs
+
     SubmitStage stage = SubmitStage::Wait;   ///< the stage shown to the user
     SubmitStage next = SubmitStage::Analyze; ///< the stage that runs at the task's next turn
     int progress = 0;                        ///< percent of the stage
