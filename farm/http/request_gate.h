@@ -23,7 +23,7 @@ struct RequestLimits
     /// Sign-ins beyond this limit are slowed down instead of refused.
     Rate failedSignInsByName {100, 0.2};
     std::chrono::milliseconds slowSignIn {2000};
-    /// The requests of an account that are served at a time, transfers left out: they leave processors to others.
+    /// The requests of an account that are served at a time, without those that move bytes: they leave processors to others.
     int requestsAtOnce = std::max(1, int(std::thread::hardware_concurrency()) / 2);
     /// The requests of an account that wait for this; each occupies a thread.
     int requestsWaiting = 32;
@@ -37,10 +37,14 @@ public:
 
     /// The account whose session the request carries. It has a turn for as long as the request is being served.
     std::int64_t Authorize(const ApiRequest& request);
-    /// The same for requests that count as transfers.
+    /// The same for requests that count as transfers. Those that move bytes have no turns, since they would hold the others
+    /// up for as long as a client or the disk takes.
     std::int64_t AuthorizeTransfer(const ApiRequest& request);
+    /// The same for requests that count as transfers but keep the database busy instead.
+    std::int64_t AuthorizeTransferInTurn(const ApiRequest& request);
 
 private:
+    void TakeTurn(const ApiRequest& request, std::int64_t account);
     std::int64_t Authorize(const ApiRequest& request, RateLimiter& limiter);
 
     AccountStore& m_accounts;
