@@ -12,17 +12,15 @@ AccountTurns::Turn AccountTurns::Take(std::int64_t account)
 {
     std::unique_lock lock(m_mutex);
     Line& line = m_lines[account];
-    // Those that already wait go first.
-    if (line.served == m_atOnce || line.waiting > 0) {
-        if (line.waiting == m_mostWaiting)
-            return nullptr;
-        ++line.waiting;
-        line.moves.wait(lock, [this, &line] { return line.served < m_atOnce; });
-        --line.waiting;
-    }
+    const bool isFree = line.served < m_atOnce && line.Waiting() == 0;
+    if (!isFree && line.Waiting() == m_mostWaiting)
+        return nullptr;
+    const std::uint64_t number = line.next++;
+    line.moves.wait(lock, [&] { return line.first == number && line.served < m_atOnce; });
+    ++line.first;
     ++line.served;
-    if (line.waiting > 0 && line.served < m_atOnce)
-        line.moves.notify_one();
+    // The next one may have a turn as well.
+    line.moves.notify_all();
     return {this, [account](AccountTurns* turns) { turns->End(account); }};
 }
 
@@ -31,8 +29,8 @@ void AccountTurns::End(std::int64_t account)
     const std::lock_guard lock(m_mutex);
     const auto line = m_lines.find(account);
     --line->second.served;
-    if (line->second.waiting > 0)
-        line->second.moves.notify_one();
+    if (line->second.Waiting() > 0)
+        line->second.moves.notify_all();
     else if (line->second.served == 0)
         m_lines.erase(line);
 }

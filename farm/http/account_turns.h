@@ -8,8 +8,8 @@
 
 namespace farm {
 
-/// Serves only a few requests of an account at a time, so that an account with many connections does not hold up the
-/// others. Thread-safe.
+/// Serves only a few requests of an account at a time, in the order in which they came, so that an account with many
+/// connections does not hold up the others. Thread-safe.
 class AccountTurns
 {
 public:
@@ -27,8 +27,12 @@ private:
     struct Line
     {
         int served = 0;
-        int waiting = 0;
+        /// The numbers of the next request to come and of the next one to be served.
+        std::uint64_t next = 0;
+        std::uint64_t first = 0;
         std::condition_variable moves;
+
+        int Waiting() const { return int(next - first); }
     };
 
     void End(std::int64_t account);

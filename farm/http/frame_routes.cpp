@@ -71,7 +71,7 @@ QJsonObject FrameRoutes::ShowLog(const ApiRequest& request)
 
 QJsonObject FrameRoutes::ListPictures(const ApiRequest& request)
 {
-    const auto pictures = m_pictures.List(m_gate.AuthorizeTransfer(request), request.PathPart());
+    const auto pictures = m_pictures.List(m_gate.AuthorizeTransferInTurn(request), request.PathPart());
     return DataJson(QJsonObject {{QStringLiteral("list"), PicturesJson(pictures)}});
 }
 

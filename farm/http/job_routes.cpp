@@ -105,7 +105,7 @@ QJsonObject JobRoutes::SetPriority(const ApiRequest& request)
 
 QJsonObject JobRoutes::Submit(const ApiRequest& request)
 {
-    const std::int64_t account = m_gate.AuthorizeTransfer(request);
+    const std::int64_t account = m_gate.AuthorizeTransferInTurn(request);
     const AddedJob job
         = m_submission.Submit(account, ReadSubmission(request.Body()), Now(), request.Address());
     return DataJson(QJsonObject {{QStringLiteral("job_id"), job.id},

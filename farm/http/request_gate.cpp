@@ -18,16 +18,28 @@ RequestGate::RequestGate(AccountStore& accounts, const RequestLimits& limits)
 std::int64_t RequestGate::Authorize(const ApiRequest& request)
 {
     const std::int64_t account = Authorize(request, m_requests);
-    const AccountTurns::Turn turn = m_turns.Take(account);
-    if (!turn)
-        RefuseWhenTooMany(1);
-    request.Keep(turn);
+    TakeTurn(request, account);
     return account;
 }
 
 std::int64_t RequestGate::AuthorizeTransfer(const ApiRequest& request)
 {
     return Authorize(request, m_transfers);
+}
+
+std::int64_t RequestGate::AuthorizeTransferInTurn(const ApiRequest& request)
+{
+    const std::int64_t account = Authorize(request, m_transfers);
+    TakeTurn(request, account);
+    return account;
+}
+
+void RequestGate::TakeTurn(const ApiRequest& request, std::int64_t account)
+{
+    const AccountTurns::Turn turn = m_turns.Take(account);
+    if (!turn)
+        RefuseWhenTooMany(1);
+    request.Keep(turn);
 }
 
 std::int64_t RequestGate::Authorize(const ApiRequest& request, RateLimiter& limiter)

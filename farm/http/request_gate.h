@@ -37,10 +37,14 @@ public:
 
     /// The account whose session the request carries. It has a turn for as long as the request is being served.
     std::int64_t Authorize(const ApiRequest& request);
-    /// The same for requests that count as transfers.
+    /// The same for requests that count as transfers. Those that move bytes have no turns, since they would hold the others
+    /// up for as long as a client or the disk takes.
     std::int64_t AuthorizeTransfer(const ApiRequest& request);
+    /// The same for requests that count as transfers but keep the database busy instead.
+    std::int64_t AuthorizeTransferInTurn(const ApiRequest& request);
 
 private:
+    void TakeTurn(const ApiRequest& request, std::int64_t account);
     std::int64_t Authorize(const ApiRequest& request, RateLimiter& limiter);
 
     AccountStore& m_accounts;

@@ -9,7 +9,9 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include <chrono>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 
 namespace farm {
@@ -114,11 +116,56 @@ QStringList JobActions::Apply(
     JobAction action, std::int64_t account, QStringList ids, std::int64_t now, const QString& address)
 {
     ids.removeDuplicates();
+    const bool isRefused = m_database.Read([&](SQLite::Database& connection) {
+        AffectedJobs(connection, RuleOf(action).appliesTo, account, ids); // refuses ids of others
+        return RuleOf(action).sendsToWork && m_terms.IsInArrears(connection, account);
+    });
+    if (!isRefused) {
+        constexpr std::chrono::milliseconds TimeForOthers {1};
+        for (const QStringList& some : Portions(action, ids)) {
+            ApplyAtOnce(action, account, some, now, address);
+            m_feed.Announce(account, {QSet<QString>(some.cbegin(), some.cend()), true});
+            // A thread that takes the database again at once gets it before those that wait for it.
+            std::this_thread::sleep_for(TimeForOthers);
+        }
+    }
+    m_changed();
+    return isRefused ? ids : QStringList();
+}
+
+/// Splits the jobs so that their frames do not keep the database from others for long.
+std::vector<QStringList> JobActions::Portions(JobAction action, const QStringList& ids)
+{
+    constexpr std::int64_t MostFrames = 20'000;
+    if (!RuleOf(action).sendsToWork)
+        return {ids};
+    return m_database.Read([&ids](SQLite::Database& connection) {
+        SQLite::Statement query(connection,
+            "SELECT sum((last - first) / step + 1) FROM frame_ranges "
+            "WHERE job = (SELECT key FROM jobs WHERE id = ?)");
+        std::vector<QStringList> portions;
+        std::int64_t frames = MostFrames;
+        for (const QString& id : ids) {
+            query.reset();
+            Bind(query, id);
+            const std::int64_t more = query.executeStep() ? query.getColumn(0).getInt64() : 0;
+            if (frames + more > MostFrames) {
+                portions.emplace_back();
+                frames = 0;
+            }
+            portions.back().append(id);
+            frames += more;
+        }
+        return portions;
+    });
+}
+
+void JobActions::ApplyAtOnce(
+    JobAction action, std::int64_t account, const QStringList& ids, std::int64_t now, const QString& address)
+{
     const Rule rule = RuleOf(action);
-    const QStringList refused = m_database.Write([&](SQLite::Database& connection) {
+    m_database.Write([&](SQLite::Database& connection) {
         const QString jobs = AffectedJobs(connection, rule.appliesTo, account, ids);
-        if (rule.sendsToWork && m_terms.IsInArrears(connection, account))
-            return ids;
         RecordAction(connection, rule.words, jobs, now, address);
         Execute(connection,
             "UPDATE jobs SET status = ?2, hindrance = '' WHERE key IN (SELECT value FROM json_each(?1))",
@@ -129,12 +176,7 @@ QStringList JobActions::Apply(
             AddMissingFrames(connection, jobs, now);
         if (rule.sendsToWork)
             SendToWork(connection, jobs, now);
-        return QStringList();
     });
-    if (refused.isEmpty())
-        m_feed.Announce(account, {QSet<QString>(ids.cbegin(), ids.cend()), true});
-    m_changed();
-    return refused;
 }
 
 void JobActions::SetPriority(

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 namespace farm {
 
@@ -14,8 +15,8 @@ class AccountTerms;
 
 enum class JobAction { Stop, Recover, Restart, Delete, FullRender };
 
-/// The actions of accounts on their jobs. Each is one transaction. Except for Restart, repeating an action has no further
-/// effect. Thread-safe.
+/// The actions of accounts on their jobs. When a fault keeps one from some of its jobs, the others may have changed. Except
+/// for Restart, repeating an action has no further effect. Thread-safe.
 class JobActions
 {
 public:
@@ -35,6 +36,10 @@ public:
         std::int64_t account, QStringList ids, int priority, std::int64_t now, const QString& address = {});
 
 private:
+    std::vector<QStringList> Portions(JobAction action, const QStringList& ids);
+    void ApplyAtOnce(JobAction action, std::int64_t account, const QStringList& ids, std::int64_t now,
+        const QString& address);
+
     Database& m_database;
     ChangeFeed& m_feed;
     const AccountTerms& m_terms;

@@ -167,6 +167,9 @@ void FrameFiles::OwnAlone(const QString& picture)
     struct stat info = {};
     if (::lstat(QFile::encodeName(picture).constData(), &info) != 0 || info.st_nlink == 1)
         return;
+    // A file with holes takes its whole size as a copy.
+    if (storage::LacksRoom(QFileInfo(picture).path(), info.st_size))
+        throw SceneError("the renderer left a link to a file that is too large to be copied");
     const QString copy = picture + QStringLiteral(".copy");
     QFile::remove(copy);
     if (!QFile::copy(picture, copy) || !QFile::remove(picture) || !QFile::rename(copy, picture))
@@ -196,6 +199,8 @@ Picture FrameFiles::Keep(const FrameTask& task, const QString& suffix, const Run
     }
     if (!left.isFile() || left.isSymLink() || left.size() == 0)
         throw SceneError("the renderer left no picture");
+    if (!left.isReadable())
+        throw SceneError("the renderer left a picture that the farm may not read");
     OwnAlone(unfinished);
     m_user.TakeBack(unfinished);
     const Picture picture {name, std::int64_t(left.size()), storage::FileChecksum(unfinished)};

@@ -88,22 +88,31 @@ void FrameSelection::FindContenders()
     }
 }
 
+/// The account with the fewest doubtful jobs is asked first, since the scenes of one may all be bad.
 std::optional<FrameKey> FrameSelection::FindTrial(const QString& type)
 {
     const TypeHealth::Trial trial = m_deps.health.TrialOf(type, m_now);
     if (trial == TypeHealth::Trial::None || !HasRoom(type))
         return std::nullopt;
-    std::set<std::int64_t> avoided = m_deps.health.JobsInTheRow(type);
-    avoided.insert(m_paused.begin(), m_paused.end());
+    std::set<std::int64_t> avoided = m_paused;
+    std::map<std::int64_t, int> doubts;
+    for (const auto& [job, account] : m_deps.health.DoubtfulJobs(type)) {
+        avoided.insert(job);
+        ++doubts[account];
+    }
+    std::map<int, std::vector<Contender>> byDoubts;
+    for (const Contender& contender : m_contenders)
+        byDoubts[doubts[contender.account]].push_back(contender);
     FrameChoice others(m_connection, m_taken, avoided, m_now);
-    std::vector<Contender> contenders = m_contenders;
-    auto frame = FindFrame(others, contenders, {type});
+    std::optional<FrameKey> frame;
+    for (auto next = byDoubts.begin(); !frame && next != byDoubts.end(); ++next)
+        frame = FindFrame(others, next->second, {type});
     if (!frame && trial == TypeHealth::Trial::AnyJob) {
-        contenders = m_contenders;
+        std::vector<Contender> contenders = m_contenders;
         frame = FindFrame(m_choice, contenders, {type});
     }
     if (frame)
-        m_deps.health.BeginTrial(type, *frame, m_now);
+        m_deps.health.BeginTrial(type, {*frame, TaskOf(*frame).account}, m_now);
     return frame;
 }
 

@@ -214,7 +214,7 @@ void RenderQueue::Finish(const FrameKey& frame, const Picture& picture, std::int
         AddUse(connection, job->account, coreMilliseconds, now);
         const bool isLast = UpdateTurn(connection, frame.job, now);
         const bool goesOn = m_health.IsStopped(job->type);
-        m_database.AfterCommit([this, type = job->type] { m_health.Succeeded(type); });
+        m_database.AfterCommit([this, job, frame] { m_health.Succeeded(job->type, {frame, job->account}); });
         if (goesOn)
             Execute(connection, "DELETE FROM stopped_types WHERE type = ?", job->type);
         return Announcement {job->account, {{job->id}, isLast, true}, goesOn};
@@ -233,8 +233,8 @@ bool RenderQueue::Fail(const FrameKey& frame, const QString& message, std::int64
         AddUse(connection, job->account, coreMilliseconds, now);
         // A failure whose record is rolled back will be reported again and must not count twice.
         TypeHealth health = m_health;
-        const auto verdict
-            = seconds ? health.Failed(job->type, frame, *seconds, now) : TypeHealth::Verdict::Alive;
+        const auto verdict = seconds ? health.Failed(job->type, {frame, job->account}, *seconds, now)
+                                     : TypeHealth::Verdict::Alive;
         m_database.AfterCommit([this, health] { m_health = health; });
         const bool counts = verdict == TypeHealth::Verdict::Alive || verdict == TypeHealth::Verdict::Stopped;
         if (Retry(connection, frame, counts, now, log))

@@ -79,6 +79,9 @@ private slots:
                     + "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body);
             m_farm->token = ann;
             EVENTUALLY_COMPARE(m_farm->Get("/account"_s).status, 429);
+            QCOMPARE(m_farm->Post("/jobs"_s, {}).status, 429);
+            QCOMPARE(m_farm->Get("/jobs/x/files"_s).status, 429);
+            QCOMPARE(m_farm->Get("/uploads/x"_s).status, 404);
             m_farm->token = bob;
             QCOMPARE(m_farm->Get("/account"_s).status, 200);
         });

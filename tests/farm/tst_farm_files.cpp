@@ -1,9 +1,15 @@
+#include "farm/base/errors.h"
 #include "farm/jobs/job_actions.h"
+#include "farm/rendering/frame_files.h"
 #include "farm/rendering/job_folders.h"
+#include "farm/rendering/scene_files.h"
 #include "farm/uploads/content_store.h"
 #include "tests/farm/farm_at_work.h"
 #include "tests/farm/package_fixture.h"
 #include "tests/support/disk_calls.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace farm;
 
@@ -141,6 +147,31 @@ private slots:
         m_farm->data.Change("DELETE FROM runs");
         QVERIFY(folders.FreeDeleted(Always));
         QVERIFY(!QFile::exists(folder + u'/' + deleted));
+    }
+
+    // Else such a frame would be tried for ever, with the machine's place that it takes.
+    void APictureThatCannotBeKeptIsTheFaultOfItsScene()
+    {
+        ContentStore contents(m_farm->data.database, m_farm->Path("contents"_s));
+        const SceneFiles scenes(m_farm->data.database, contents, {});
+        const FrameFiles files(m_farm->Path("jobs"_s), scenes);
+        FrameTask task;
+        task.jobId = "job"_s;
+        task.key.number = 1;
+        const QString folder = files.FilesOf(task.jobId, "run"_s).OutputFolder();
+        const QByteArray picture = QFile::encodeName(folder + "/frame_0001.png"_s);
+        QVERIFY(QDir().mkpath(folder) && WriteFile(QString::fromUtf8(picture), "a picture"));
+        QVERIFY(::link(picture.constData(), QByteArray(picture + ".link").constData()) == 0);
+        diskFree = 0;
+        QVERIFY_EXCEPTION_THROWN(files.Keep(task, "png"_s, "run"_s), SceneError);
+        diskFree = -1;
+        // The system's administrator may read everything.
+        if (::geteuid() != 0) {
+            QVERIFY(::chmod(picture.constData(), 0200) == 0);
+            QVERIFY_EXCEPTION_THROWN(files.Keep(task, "png"_s, "run"_s), SceneError);
+            QVERIFY(::chmod(picture.constData(), 0600) == 0);
+        }
+        QCOMPARE(files.Keep(task, "png"_s, "run"_s).size, std::int64_t(9));
     }
 
     void UnremovableFilesKeepNothingElse()

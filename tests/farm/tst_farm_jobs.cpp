@@ -171,6 +171,31 @@ private slots:
             "job priority %1 (7) by ann from ::1"_s.arg(id));
     }
 
+    // Others use the database between large jobs, so a fault at one of them leaves those before it changed.
+    void ActsOnLargeJobsOneAfterAnother()
+    {
+        const QTemporaryDir folder;
+        FarmData data(folder.path());
+        QStringList ids;
+        for (int job = 1; job <= 4; ++job)
+            ids.append(data.jobs.Add(data.Job("job"_s)).id);
+        data.Change("UPDATE frame_ranges SET last = 15000 WHERE job < 4; "
+                    "CREATE TRIGGER fails BEFORE UPDATE OF run ON jobs WHEN NEW.key = 3 "
+                    "BEGIN SELECT raise(ABORT, 'the disk is full'); END");
+        const auto changes = data.feed.Subscribe(data.account);
+        JobActions actions(data.database, data.feed, data.terms, [] {});
+        QVERIFY_EXCEPTION_THROWN(actions.Apply(JobAction::Restart, data.account, ids, 8), SQLite::Exception);
+        QCOMPARE(data.Count("SELECT sum(run * key * key) FROM jobs"), 2 + 2 * 4 + 9 + 16);
+        QCOMPARE(changes->Wait(std::chrono::milliseconds(0))->jobs, (QSet<QString> {ids[0], ids[1]}));
+        // An id that is not the account's is noticed before anything is changed.
+        QVERIFY_EXCEPTION_THROWN(
+            actions.Apply(JobAction::Restart, data.account, {ids[0], ids[1], "x"_s}, 8), NotFound);
+        QCOMPARE(data.Count("SELECT sum(run) FROM jobs"), 6);
+        data.Change("DROP TRIGGER fails");
+        actions.Apply(JobAction::Delete, data.account, ids, 9);
+        QCOMPARE(data.Count("SELECT count(*) FROM jobs WHERE status = 5"), 4);
+    }
+
     void PicturesAndLogsGoWithTheirRun()
     {
         const QString id = m_data.jobs.Add(m_data.Job("job"_s, 1)).id;

@@ -220,11 +220,11 @@ private slots:
         const QStringList given = Words(events);
         for (const QString& event : given) {
             if (event == "+"_s) {
-                verdicts.append(health.Succeeded("povray"_s) ? "on"_s : "-"_s);
+                verdicts.append(health.Succeeded("povray"_s, {}) ? "on"_s : "-"_s);
                 continue;
             }
             const FrameKey frame {event.section(u'.', 0, 0).toInt(), event.at(2).digitValue()};
-            const auto verdict = health.Failed("povray"_s, frame, event.endsWith(u'!') ? 60 : 1, 100);
+            const auto verdict = health.Failed("povray"_s, {frame}, event.endsWith(u'!') ? 60 : 1, 100);
             verdicts.append(QStringList {"alive"_s, "stopped"_s, "confirmed"_s, "sick"_s}.at(int(verdict)));
         }
         QCOMPARE(verdicts, Words(expected));
