@@ -151,6 +151,53 @@ private slots:
         QVERIFY(!QFile::exists(Part()));
     }
 
+    void GoesOnWithExactlyEnoughRoom()
+    {
+        QDir().mkpath(Path("frames/12_shot"));
+        QVERIFY(WriteFile(Part(), FrameData.left(CutAt)));
+        diskFree = 0;
+        Client& client = Start({Listed(Entry(FrameData)), Rest(FrameData, CutAt)});
+        QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), 1, Patience);
+        QCOMPARE(m_server->Requests().size(), 1);
+        diskFree = FrameData.size() - CutAt;
+        QVERIFY(client.Await(Finished));
+        diskFree = -1;
+    }
+
+    void AnotherFolderEndsThePause()
+    {
+        m_limits.firstPause = m_limits.longestPause = 10 * Patience;
+        diskFree = 10;
+        Client& client
+            = Start({Listed(Entry(FrameData)), Whole(FrameData), Listed(Entry(FrameData, "b.png"))});
+        QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), 1, Patience);
+        diskFree = -1;
+        client.Set(&FarmAccess::folder, Path("elsewhere"));
+        QVERIFY(client.Await(Finished));
+        // The first folder is reported again.
+        client.Set(&FarmAccess::folder, Path("frames"));
+        diskFree = 10;
+        client.Order("j2"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), 2, Patience);
+        diskFree = -1;
+    }
+
+    void ARemovedTaskNoLongerWaitsForTheDisk()
+    {
+        diskFree = 10;
+        Client& client = Start({Listed(Entry(FrameData)), Listed(Entry(FrameData, "b.png")), Whole(FrameData),
+            Listed(Entry(FrameData, "c.png"))});
+        QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), 1, Patience);
+        client.queue.Remove(client.Ids());
+        diskFree = -1;
+        client.Order("j2"_s);
+        QVERIFY(client.Await(Finished));
+        diskFree = 10;
+        client.Order("j3"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(client.notices.count(), 2, Patience);
+        diskFree = -1;
+    }
+
     void LosesNoCommand()
     {
         const HttpReply list = Listed(Entry(FrameData));

@@ -65,6 +65,9 @@ const auto& TransferCases()
         {"slow", {HttpReply {Whole(FrameData).bytes, false, 10000}}, Finished, 2},
         {"a portal's page", {StandInServer::Http(200, "<html>"), Listed(Entry(FrameData)), Whole(FrameData)},
             Finished, 4},
+        {"own file and its part", {}, Finished, 1, {}, FrameData, FrameData.left(9), FrameData},
+        {"stranger's file and a part", {Whole(FrameData)}, Finished, 2, {}, FrameData, FrameData.left(9),
+            OtherData},
         {"refused at length", {StandInServer::Http(403, QByteArray(3'000'000, 'x'))}, Failed, 2},
     };
     return rows;
@@ -178,7 +181,7 @@ private slots:
         QVERIFY(!isRenamed || ReadFile(Frame()) == row.there);
         QVERIFY(ReadFile(file) == (isFinished ? row.content : QByteArray()));
         QCOMPARE(int(Disk().TasksAfter(client.access.owner, 0, 1).constFirst().state), int(row.status));
-        QVERIFY(!isFinished || !QFile::exists(DownloadPaths::PartFile(file)));
+        QVERIFY(!isFinished || !(QFile::exists(DownloadPaths::PartFile(file)) || QFile::exists(Part())));
         QVERIFY(client.AwaitFiles(isFinished ? 1 : 0));
         QCOMPARE(client.changed.count(), 1);
         QCOMPARE(m_server->Requests().size(), row.requests);

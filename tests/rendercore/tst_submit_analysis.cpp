@@ -1,6 +1,8 @@
 // Scene analysis, packing and limits of arguments.
 #include "host/rendercore/submit/blender_scene.h"
 #include "host/rendercore/submit/maya_attributes.h"
+#include "host/rendercore/submit/maya_scene.h"
+#include "host/rendercore/submit/povray_scene.h"
 #include "host/rendercore/submit/scene_analysis.h"
 #include "host/rendercore/submit/scene_contents.h"
 #include "host/rendercore/submit/scene_package.h"
@@ -51,6 +53,22 @@ const auto& SceneCases()
                 "\"c\x7f.png\""}},
             "in/x a\\b.png c\x7f.png", "a.pov",
             "../../../../../../../../../etc/passwd a\\b.png in c\x7f.png"},
+        {"one file by several names",
+            {{"a.pov"_s,
+                "png \"../s/u.png\" png \"u.png\" png \"./u.png\" png \"no.png\" png \"./no.png\" "
+                "png \"no.png\" png \"@/no.png\" png \"@/no.png\""}},
+            "u.png", "s/a.pov s/u.png", "no.png @/no.png (use a path relative to the scene)"},
+        {"a file of its own in place of a standard one",
+            {{"a.pov"_s, "#include \"colors.inc\" #include \"in/b.inc\" png \"x\xc3\" png \"b c.png\""},
+                {"in/b.inc"_s, "png \"b\tc.png\" png \"b:c.png\""}, {"b c.png"_s, ""}, {"b\tc.png"_s, ""},
+                {"b:c.png"_s, ""}},
+            "colors.inc x\xc3\x83", "a.pov colors.inc in/b.inc x\xc3\x83 b c.png", "b\tc.png b:c.png"},
+        {"largest size, first frame only",
+            {{"a.pov"_s, ""}, {"a.ini"_s, "Width=16384\nHeight=16385\nFinal_Frame=last\nInitial_Frame=4"}},
+            "", "a.pov", "", "4-4 16384x480"},
+        {"options that are no numbers",
+            {{"a.pov"_s, ""}, {"a.ini"_s, "Initial_Frame=x\nFinal_Frame=5\nWidth\n"}}, "", "a.pov", "",
+            "1-5 640x480"},
         {"options",
             {{"a.pov"_s, ""},
                 {"a.ini"_s, "; Width=3\nWidth = 1\nheight=1 ; small\nInitial_Frame=2\nFinal_Frame=9\n"}},
@@ -111,6 +129,29 @@ const auto& SceneCases()
             "a.ma a.1001.png a.1012.png b.u1_v2.png c.012.png d2.007.png e3.0007.mp4 e3.0009.mp4 f.-31.png "
             "f.21.png "
             "e4.0007.mp4"},
+        {"values of attributes",
+            {{"a.ma"_s,
+                 "file; createNode file; setAttr -av \".ftn\" \"a.png\"; createNode file;"
+                 "setAttr -alteredValue -k on \".ftn\" -type \"string\" \"//b.png\"; createNode file;"
+                 "setAttr \".ftn\" -type \"double3\" \"1\" \"2\"; createNode file;"
+                 "setAttr \".ftn\" -type \"string\" \"@/p/s/a.png\"; createNode file;"
+                 "setAttr \".ftn\" -type \"string\" \"c:d.png\"; createNode unheardOf;"
+                 "setAttr \".cacheFilePath\" -type \"string\" \"x/gone.vdb\"; file \"e{2.ma\"; file \"r.ma\";"
+                 "select -ne :defaultResolution; setAttr \".w\" 9;"},
+                {"e{2.ma"_s, ""},
+                {"r.ma"_s, "select -ne :defaultResolution; setAttr \".w\" 8; setAttr \".h\" 8;"}},
+            "a.png b.png c:d.png", "a.ma a.png b.png e{2.ma r.ma", "@/p/s/c:d.png x/gone.vdb", "1-1 9x480"},
+        {"sequences",
+            {{"a.ma"_s,
+                "createNode file; setAttr \".ftn\" \"a.1.png\"; setAttr \".ufe\" yes; setAttr \".cs\" "
+                "\"sRGB\";"
+                "createNode file; setAttr \".useFrameExtension\" 1; setAttr \".ftn\" \"b.1.png\";"
+                "createNode file; setAttr \".ufe\" yes; setAttr \".ufe\" no; setAttr \".ftn\" \"c.1.png\";"
+                "createNode file; setAttr \".ftn\" \"d.1.png\";"}},
+            "a.1.png a.2.png b.1.png b.2.png c.1.png c.2.png d.1.png d.2.png",
+            "a.ma a.1.png a.2.png b.1.png b.2.png c.1.png d.1.png"},
+        {"a hidden scene in a project", {{".h/a.ma"_s, "createNode file; setAttr \".ftn\" \"b.png\";"}},
+            "workspace.mel b.png", ".h/a.ma b.png"},
         {"endless statements",
             {{"a.ma"_s,
                 "setAttr \".ed\" -type \"dataReferenceEdits\"" + QByteArray(" x").repeated(300)
@@ -142,6 +183,18 @@ const auto& SceneCases()
 
             "{'files': [7, {}], 'folders': [[]], 'first_frame': 'x', 'last_frame': -1, 'frame_step': -2, "
             "'width': -5, 'height': 1e9, 'engine': 'BLENDER_EEVEE'}"},
+        {"a report that repeats itself", {{"a.blend"_s, ""}}, "t/a.png t/b:c.png",
+            "^/p/s/a.blend ^/p/s/t/a.png",
+            "@/p/s/t/b:c.png gone.png The scene is made for the engine Workbench; the farm will render it "
+            "with "
+            "Cycles if you go on.",
+            "1-1 640x480",
+            "{'files': [{'path': '@/p/s/t/a.png'}, {'path': '@/p/s/t/a.png'}, {'path': '@/p/s/t/b:c.png'}, "
+            "{'path': 'gone.png'}, {'path': 'gone.png'}], 'folders': ['@/p/s/t'], 'first_frame': 1, "
+            "'engine': 'BLENDER_WORKBENCH'}"},
+        {"another engine", {{"a.blend"_s, ""}}, "", "^/p/s/a.blend",
+            " The scene is made for the engine LUX; the farm will render it with Cycles if you go on.",
+            "1-1 640x480", "{'engine': 'LUX', 'files': [{}]}"},
         {"frames that the farm cannot have", {{"a.blend"_s, ""}}, "", "^/p/s/a.blend",
             "The scene has the frames 1 to 1048580; the farm will render only 1 to 20000 if you go on. "
             "The scene's first frame is -5; the farm will render it as frame 1, and so on, if you go on.",
@@ -155,6 +208,11 @@ const auto& ArgumentCases()
 {
     static const std::tuple<const char*, const char*, QVariant, bool> rows[] = {
         {"one frame", "endFrame_0", 1, true},
+        {"as many frames as a job may have", "endFrame_0", 20000, true},
+        {"smallest width", "width", "1"_s, true},
+        {"largest width", "width", "16384"_s, true},
+        {"too wide", "width", "16385"_s, false},
+        {"no number", "height", "x"_s, false},
         {"backwards", "endFrame_0", 0, false},
         {"from zero", "startFrame_0", 0, false},
         {"too many frames", "endFrame_0", 20001, false},
@@ -264,9 +322,13 @@ private slots:
         QByteArray many;
         for (int file = 0; file < 2 * MostSceneFiles; ++file)
             many += "png \"" + QByteArray::number(file) + ".png\" ";
-        QCOMPARE(AnalyseScene(Write("many.pov"_s, many)).missing.size(), MostSceneFiles + 1);
-        for (int file = 0; file < MostSceneFiles; ++file)
+        const SceneAnalysis lacking = AnalyseScene(Write("many.pov"_s, many));
+        QCOMPARE(lacking.missing.size(), MostSceneFiles + 1);
+        QCOMPARE(lacking.error.Text(), TooManyFiles().Text());
+        for (int file = 0; file < MostSceneFiles + 9; ++file)
             Write("%1.png"_s.arg(file));
+        const QString sequence = Write("b.ma"_s, "createNode file; setAttr \".ftn\" \"#.png\";");
+        QCOMPARE(AnalyseScene(sequence).files.size(), MostSceneFiles + 1);
         QCOMPARE(AnalyseScene(Write("many.pov"_s, many)).error.Text(), TooManyFiles().Text());
     }
 
@@ -303,6 +365,33 @@ private slots:
         QVERIFY(!AreArguments({}) && !AreArguments({range, range}));
         range.insert(QLatin1String(key), value);
         QCOMPARE(AreArguments({range}), isGood);
+    }
+
+    void RefusesScenesThatCannotBeSent()
+    {
+        QDir().mkpath(m_folder->filePath("d.pov"_s));
+        const auto why = [](const QString& scene) {
+            return WhyNotAnalysed(scene).Text().section(QLatin1Char(' '), 0, 3);
+        };
+        QCOMPARE(why(Write("a.pov"_s)), QString());
+        for (const QString& scene :
+            {Write("a.txt"_s), m_folder->filePath("d.pov"_s), m_folder->filePath("no.pov"_s)})
+            QCOMPARE(why(scene), "The scene file cannot"_s);
+        QCOMPARE(why(Write("a:b.pov"_s)), "The name of the"_s);
+        const QString below = Write("a:b/c.blend"_s);
+        QVERIFY(AnalyseBlenderScene(below, "{}", {}).error.Text().startsWith("The name of the scene"_s));
+        QCOMPARE(AnalyseScene(Write("d/a.pov"_s)).error.Text(), QString());
+        QVERIFY(!AnalyseMayaScene("/nowhere/a.ma"_s, {}).error.IsEmpty());
+        QVERIFY(!AnalysePovRayScene("/nowhere/a.pov"_s, {}).error.IsEmpty());
+        // A reference that climbs to the root of all folders leaves none to send the scene in.
+        const int depth = QFileInfo(RealScenePath(below)).path().count(QLatin1Char('/'));
+        const QString climb = "../"_s.repeated(depth - 1) + "etc/passwd"_s;
+        const SceneAnalysis climbing = AnalyseScene(Write("a.pov"_s, "png \"" + climb.toUtf8() + '"'));
+        QCOMPARE(climbing.missing, QStringList {climb});
+        QByteArray many;
+        for (int file = 0; file < MostSceneFiles + 2; ++file)
+            many += "createNode file; setAttr \".ftn\" \"" + QByteArray::number(file) + "\";";
+        QCOMPARE(AnalyseScene(Write("a.ma"_s, many)).error.Text(), TooManyFiles().Text());
     }
 };
 

@@ -117,6 +117,9 @@ const auto& MessageCases()
         {"lines", TaskMessage::Lines({late, TaskMessage(), "a.png"_s}),
             "The server did not answer in time.\na.png", "THE SERVER DID NOT ANSWER IN TIME.\na.png"},
         {"words", "[\"Stopped.\"]"_s, "[\"Stopped.\"]", nullptr},
+        {"no mark", {"100% of %1 and %2 in %0%", {"a"_s}}, "100% of a and %2 in %0%",
+            "100% OF a AND %2 IN %0%"},
+        {"empty line", TaskMessage::Lines({TaskMessage(), TaskMessage::Lines({}), FarmFault()}), "", nullptr},
         {"none", {}, "", nullptr},
         {"sentence of an earlier version", TaskMessage::FromStored("Stopped."_s), "Stopped.", "STOPPED."},
         {"numbers of an earlier version", TaskMessage::FromStored("[7]"_s), "[7]", nullptr},
@@ -166,6 +169,7 @@ private slots:
 
         change("released", "0>5 0 0% |half -", In(Stage::Upload, Error::Stopped), Release);
         change("uploads again", "0>4 0 0% asks |half -", In(Stage::Upload, Error::UploadRefused), Continue);
+        change("unpacks again", "0>4 0 0% asks |half -", In(Stage::Uncompress, Error::Stopped), Continue);
         change("looks again", "0>1 0 0% without |half -", In(Stage::CopySame, Error::AwaitsUser), Continue);
         change("without after all", "0>1 0 0% without |half -", In(Stage::CopySame, Error::TexturesMissing),
             Continue);
@@ -205,6 +209,78 @@ private slots:
             texts.append(HaltText(task));
         QCOMPARE(texts.join(QLatin1Char('|')),
             "||Texture missing|Texture missing|Check arguments|Submission failed|Paused"_s);
+    }
+
+    void LooksAgainUnlessEverythingIsThere()
+    {
+        const auto next = [](auto damage) {
+            SubmitTask task = Hashed(In(Stage::Upload, Error::Stopped));
+            damage(task);
+            Restore(task);
+            return task.next;
+        };
+        QCOMPARE(next([](SubmitTask&) {}), Stage::CopySame);
+        QCOMPARE(next([](SubmitTask& task) { task.arguments.clear(); }), Stage::Analyze);
+        QCOMPARE(next([](SubmitTask& task) { task.work.files[0].package = 1; }), Stage::Analyze);
+        QCOMPARE(next([](SubmitTask& task) { task.work.packages.append(Package()); }), Stage::Analyze);
+        QCOMPARE(next([](SubmitTask& task) { task.work.files[0].checksum.clear(); }), Stage::Analyze);
+    }
+
+    void TellsAFullAccountFromOtherRefusals()
+    {
+        const FarmFault full {507};
+        const auto text = [](Error error, const TaskMessage& message) {
+            SubmitTask task = In(Stage::Upload, error);
+            task.message = message;
+            return HaltText(task);
+        };
+        for (const Error error : {Error::UploadRefused, Error::GivenUp}) {
+            QCOMPARE(text(error, TaskMessage::Lines({full, "/a"_s})), "No space left"_s);
+            QCOMPARE(text(error, {SubmitText::FileNotPacked, {TaskMessage(full)}}), "No space left"_s);
+            QCOMPARE(text(error, TaskMessage::Lines({FarmFault {422}, "/a"_s})), QString());
+        }
+        QCOMPARE(text(Error::FarmRefused, full), QString());
+    }
+
+    void ListsTheFilesOfATask()
+    {
+        SubmitWork work;
+        QStringList expected;
+        for (int file = 1; file <= 40; ++file) {
+            work.files.append({{}, "/%1"_s.arg(file), {}, 0, false});
+            expected.append("/%1"_s.arg(file));
+            const QStringList lines = FileList(work).Text().split(QLatin1Char('\n'));
+            if (file == 1)
+                QCOMPARE(lines, expected);
+            else
+                QCOMPARE(lines.value(0), "%1 files belong to the scene:"_s.arg(file));
+            const bool isCut = lines.constLast() == "…"_s;
+            QCOMPARE(
+                lines.mid(file > 1, lines.size() - (file > 1) - isCut), expected.mid(0, isCut ? 30 : file));
+            QCOMPARE(isCut, file > 30);
+        }
+    }
+
+    void RangesShareTheirFramesAndTheirSize()
+    {
+        const auto range = [](int number, int first, int last, const char* width) {
+            return QVariantMap {{"startFrame_%1"_s.arg(number), first}, {"endFrame_%1"_s.arg(number), last},
+                {"width"_s, QLatin1String(width)}, {"height"_s, ""_s}, {"prerender"_s, true}};
+        };
+        QVERIFY(AreArguments({range(0, 1, 10000, ""), range(1, 90000, 99999, "")}));
+        QVERIFY(!AreArguments({range(0, 1, 10000, ""), range(1, 89999, 99999, "")}));
+        QVERIFY(!AreArguments({range(0, 99999, 100000, "")}));
+        QVariantList many;
+        for (int number = 0; number < 15; ++number)
+            many.append(range(number, 1, 1, ""));
+        QVERIFY(AreArguments(many));
+        many.append(range(15, 1, 1, ""));
+        QVERIFY(!AreArguments(many));
+        const QJsonObject job = JobMembers({range(0, 1, 2, "7"), range(1, 4, 4, "9")}, 32, 16, 2);
+        QCOMPARE(QJsonDocument(job).toJson(QJsonDocument::Compact),
+            QByteArray(R"({"frames":[{"end":2,"start":1,"step":2},{"end":4,"start":4,"step":2}],)"
+                       R"("height":16,"prerender":true,"width":9})"));
+        QCOMPARE(JobMembers({range(0, 1, 2, "")}, 32, 16, 1).value("width"_s).toInt(), 32);
     }
 
     void StoredMessagesFollowTheLanguage_data() { AddRows(MessageCases()); }

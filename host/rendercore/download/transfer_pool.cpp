@@ -107,7 +107,6 @@ void TransferPool::Fill()
 {
     if (!m_isStarted)
         return;
-    m_wake.stop();
     const auto hasRoom = [this] { return static_cast<int>(m_active.size()) < m_limits.transfers; };
     if (!Attempt("start downloads", [&] {
             while (hasRoom() && !m_schedule.IsPaused(m_clock.elapsed()) && BeginNext()) { }

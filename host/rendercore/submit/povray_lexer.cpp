@@ -128,7 +128,6 @@ const char* PovRayLexer::ReadCode(const char* at, const char* end)
         // Most of a large scene is numbers, which never name files.
         m_last = m_lastButOne = QByteArrayLiteral(",");
         m_before = 0;
-        m_openedFile.clear();
         return std::find_if_not(at, end, [](char part) { return IsNumeric(part) || ClassOf(part) == Blank; });
     }
     const char before = std::exchange(m_before, character);

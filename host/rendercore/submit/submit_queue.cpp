@@ -157,8 +157,6 @@ void SubmitQueue::Clear()
 
 void SubmitQueue::HandleReplaced(const QString& keptAs)
 {
-    if (!m_access.owner.isEmpty())
-        m_ledger.Begin(m_access.owner);
     Clear();
     emit Notice(tr("The list of submissions could not be read. It is kept as %1, and a new list has begun.")
                     .arg(QDir::toNativeSeparators(keptAs)));
