@@ -214,7 +214,9 @@ void RenderQueue::Finish(const FrameKey& frame, const Picture& picture, std::int
         AddUse(connection, job->account, coreMilliseconds, now);
         const bool isLast = UpdateTurn(connection, frame.job, now);
         const bool goesOn = m_health.IsStopped(job->type);
-        m_database.AfterCommit([this, job, frame] { m_health.Succeeded(job->type, {frame, job->account}); });
+        m_database.AfterCommit([this, type = job->type, account = job->account, frame] {
+            m_health.Succeeded(type, {frame, account});
+        });
         if (goesOn)
             Execute(connection, "DELETE FROM stopped_types WHERE type = ?", job->type);
         return Announcement {job->account, {{job->id}, isLast, true}, goesOn};
