@@ -30,7 +30,7 @@ void Database::Transact(const std::function<void(SQLite::Database&)>& work)
 {
     std::vector<std::function<void()>> committed;
     {
-        const std::lock_guard<std::recursive_mutex> lock(m_mutex);
+        const std::lock_guard<QueuedMutex> lock(m_mutex);
         if (sqlite3_get_autocommit(m_connection.getHandle()) == 0) {
             work(m_connection);
             return;
@@ -69,7 +69,7 @@ QString Database::CopyName(const QString& path, int version)
 
 bool Database::WasChangedByOthers()
 {
-    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
+    const std::lock_guard<QueuedMutex> lock(m_mutex);
     const std::int64_t version = m_connection.execAndGet("PRAGMA data_version").getInt64();
     return std::exchange(m_dataVersion, version) != version;
 }
@@ -77,7 +77,7 @@ bool Database::WasChangedByOthers()
 void Database::UpdateStatistics()
 {
     constexpr const char* FewRows = "PRAGMA analysis_limit = 400";
-    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
+    const std::lock_guard<QueuedMutex> lock(m_mutex);
     m_connection.exec(FewRows);
     m_connection.exec("ANALYZE");
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "storage/queued_mutex.h"
 #include "storage/reader_pool.h"
 
 #include <QString>
@@ -29,8 +30,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// A database file with one connection that writes, which threads share under a lock. Reads have connections of their own
-/// if the database is opened with readers; otherwise they take turns with the writes.
+/// A database file with one connection that writes, which threads get in the order in which they ask for it. Reads have
+/// connections of their own if the database is opened with readers; otherwise they take turns with the writes.
 /// Every change is on the disk when Write() returns. Errors are thrown as SQLite::Exception.
 class Database
 {
@@ -59,7 +60,7 @@ public:
             const ReaderPool::Loan reader(*m_readers);
             return work(reader.Connection());
         }
-        const std::lock_guard<std::recursive_mutex> lock(m_mutex);
+        const std::lock_guard<QueuedMutex> lock(m_mutex);
         return work(m_connection);
     }
 
@@ -113,7 +114,7 @@ private:
     void Transact(const std::function<void(SQLite::Database&)>& work);
     void Migrate(const QString& path, const Migrations& migrations, bool keepsCopy);
 
-    std::recursive_mutex m_mutex;
+    QueuedMutex m_mutex;
     SQLite::Database m_connection;
     std::unique_ptr<ReaderPool> m_readers; // null when reads take turns with the writes
     std::atomic<std::thread::id> m_writing {};

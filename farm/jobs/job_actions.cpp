@@ -9,9 +9,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
-#include <chrono>
 #include <stdexcept>
-#include <thread>
 #include <utility>
 
 namespace farm {
@@ -121,12 +119,9 @@ QStringList JobActions::Apply(
         return RuleOf(action).sendsToWork && m_terms.IsInArrears(connection, account);
     });
     if (!isRefused) {
-        constexpr std::chrono::milliseconds TimeForOthers {1};
         for (const QStringList& some : Portions(action, ids)) {
             ApplyAtOnce(action, account, some, now, address);
             m_feed.Announce(account, {QSet<QString>(some.cbegin(), some.cend()), true});
-            // A thread that takes the database again at once gets it before those that wait for it.
-            std::this_thread::sleep_for(TimeForOthers);
         }
     }
     m_changed();
