@@ -21,7 +21,6 @@ QString VTFileNamePart(const QString& strName)
     const bool bOnlyDots
         = std::all_of(strName.begin(), strName.end(), [](QChar chr) { return chr == QLatin1Char('.'); });
     QString strSafe;
-    strSafe.reserve(strName.size());
     for (const QChar chr : strName) {
         if (!bOnlyDots && StandsInFileName(chr))
             strSafe += chr;

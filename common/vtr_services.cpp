@@ -1,5 +1,7 @@
 #include "common/vtr_services.h"
 
+#include <tuple>
+
 namespace {
 
 // The logger's levels as the client uses them.
@@ -16,10 +18,12 @@ void Write(VTLoggerInterface* pLogger, const QString& strMessage, int nLevel)
 
 bool VTServices::SameServices(const VTServices& other) const
 {
-    return pSettings == other.pSettings && pLoggerObject == other.pLoggerObject
-        && pUiLoader == other.pUiLoader && pMessageBox == other.pMessageBox
-        && pCommunication == other.pCommunication && pRenderCore == other.pRenderCore
-        && pConfiguration == other.pConfiguration && pPreviewer == other.pPreviewer;
+    const auto Services = [](const VTServices& services) {
+        return std::make_tuple(services.pSettings.data(), services.pLoggerObject.data(),
+            services.pUiLoader.data(), services.pMessageBox.data(), services.pCommunication.data(),
+            services.pRenderCore.data(), services.pConfiguration.data(), services.pPreviewer.data());
+    };
+    return Services(*this) == Services(other);
 }
 
 QString VTServices::Skin() const

@@ -223,8 +223,12 @@ private slots:
 
     void TogglesBetweenTheLanguages()
     {
-        for (int click = 0; click < 2; ++click)
+        for (const char* language : {"de", "en"}) {
             m_client->Button("btnLang"_s)->click();
+            QVERIFY(m_client->Button("btnLang"_s)
+                        ->styleSheet()
+                        .contains(":/default/%1_normal.png"_s.arg(QLatin1String(language))));
+        }
         QCOMPARE(TakeJournal(), "SetLanguage /lang/vtr_de.qm, SetLanguage /lang/vtr_en.qm"_s);
     }
 

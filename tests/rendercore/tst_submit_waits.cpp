@@ -313,8 +313,8 @@ private slots:
         WriteFile(Path("a.pov"_s), Scene);
         TaskMessage error;
         SubmitRecords records(Path("transfer"_s));
-        SubmitTask task = records.Add("farm/ann"_s, Path("a.pov"_s), &error).value();
-        const SubmitTask gone = records.Add("farm/ann"_s, Path("a.pov"_s), &error).value();
+        SubmitTask task = records.Add("farm/ann"_s, Path("a.pov"_s), 0, &error).value();
+        const SubmitTask gone = records.Add("farm/ann"_s, Path("a.pov"_s), 0, &error).value();
         auto* retry = records.findChild<QTimer*>();
         QVERIFY(retry && !retry->isActive());
         run("CREATE TRIGGER u BEFORE UPDATE ON tasks BEGIN SELECT RAISE(ABORT, 'not now'); END;"
@@ -325,7 +325,7 @@ private slots:
         task.error = SubmitError::Stopped;
         records.Save({task}, false);
         records.Remove({gone.number});
-        QVERIFY(!records.Add("farm/ann"_s, Path("a.pov"_s), &error));
+        QVERIFY(!records.Add("farm/ann"_s, Path("a.pov"_s), 0, &error));
         QCOMPARE(error.Text(), QString::fromLatin1(SubmitText::NotRecorded));
         QCOMPARE(stored().size(), 2);
         const auto known = records.Load("farm/ann"_s).value();

@@ -18,6 +18,20 @@ const std::tuple<const char*, int, int, int, int> Deletions[] = {{"emptied", 3, 
     {"emptied into the group before", 6, 90, 5, 1}, {"emptied first page", 1, 0, 1, 1},
     {"rows left", 6, 91, 6, 2}, {"more than one page gone", 6, 50, 6, 2}};
 
+/// Name, page of the current one, number of pages, the step, and the page reached; 0 where the step is refused.
+const std::tuple<const char*, int, int, VTPageState::Step, int> Steps[]
+    = {{"next page", 5, 6, VTPageState::Step::NextPage, 6},
+        {"next page of the last", 6, 6, VTPageState::Step::NextPage, 0},
+        {"previous page", 6, 6, VTPageState::Step::PreviousPage, 5},
+        {"previous page of the first", 1, 6, VTPageState::Step::PreviousPage, 0},
+        {"next group", 2, 6, VTPageState::Step::NextGroup, 6},
+        {"next group of the last", 6, 6, VTPageState::Step::NextGroup, 0},
+        {"previous group", 11, 11, VTPageState::Step::PreviousGroup, 10},
+        {"back from beyond the end", 9, 3, VTPageState::Step::PreviousPage, 3},
+        {"a group back from beyond the end", 9, 3, VTPageState::Step::PreviousGroup, 3},
+        {"on from beyond the end", 9, 3, VTPageState::Step::NextPage, 0},
+        {"a group on from beyond the end", 9, 3, VTPageState::Step::NextGroup, 0}};
+
 const std::tuple<const char*, QString, QString> Names[] = {
     {"plain", "Ann 100%, farm-1.example"_s, "Ann 100%, farm-1.example"_s},
     {"way out", "../../x"_s, "..%2F..%2Fx"_s},
@@ -43,6 +57,19 @@ private slots:
         state.Recount(records);
         QCOMPARE(state.nTotalPages, pages);
         QCOMPARE(state.nTotalGroups, groups);
+    }
+
+    void StepsThroughThePages_data() { AddRows(Steps); }
+    void StepsThroughThePages()
+    {
+        const auto& [name, page, pages, step, reached] = Row(Steps);
+        VTPageState state;
+        state.Recount(pages * VTPageSize);
+        state.nCurrentPage = page;
+        state.nCurrentGroup = (page + 4) / 5;
+        QCOMPARE(state.Move(step), reached > 0);
+        QCOMPARE(state.nCurrentPage, reached > 0 ? reached : page);
+        QCOMPARE(state.nCurrentGroup, (state.nCurrentPage + 4) / 5);
     }
 
     void CorrectsItsPageAfterADeletion_data() { AddRows(Deletions); }
