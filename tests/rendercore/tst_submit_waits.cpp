@@ -70,6 +70,14 @@ private:
 
     SubmitTask Task(const QString& id) const { return m_queue->Task(id) ? *m_queue->Task(id) : SubmitTask(); }
 
+    /// Runs statements on the database, as if another program did.
+    void Run(const char* sql) const
+    {
+        SQLite::Database other(
+            Path("transfer/submissions.sqlite"_s).toStdString(), SQLite::OPEN_READWRITE, Patience);
+        other.exec(sql);
+    }
+
     bool AwaitRequests(int count) const
     {
         return QTest::qWaitFor([&] { return m_server->Requests().size() >= count; }, Patience);
@@ -299,15 +307,32 @@ private slots:
         QVERIFY(AwaitDone(Submit("a.pov"_s)));
     }
 
+    void TheListIsReadOnceItCanBe()
+    {
+        Submit("a.pov"_s);
+        m_queue.reset();
+        Run("ALTER TABLE tasks RENAME TO away");
+        SubmitLedger ledger(Path("transfer"_s));
+        auto* pause = ledger.findChild<QTimer*>();
+        QVector<int> sizes;
+        connect(&ledger, &SubmitLedger::Loaded, this,
+            [&sizes](const QVector<SubmitTask>& tasks) { sizes.append(tasks.size()); });
+        ledger.Begin("farm/ann"_s);
+        EVENTUALLY(pause->isActive());
+        ledger.End();
+        QVERIFY(!pause->isActive());
+        ledger.Begin("farm/ann"_s);
+        EVENTUALLY(pause->isActive());
+        Run("ALTER TABLE away RENAME TO tasks");
+        pause->setInterval(1); // does not wait any longer
+        EVENTUALLY_COMPARE(sizes, QVector<int> {1});
+        QVERIFY(!pause->isActive());
+    }
+
     /// What cannot be written at first is kept, read and written later.
     void ChangesAreWrittenLater()
     {
         m_queue.reset();
-        const auto run = [this](const char* sql) {
-            SQLite::Database(
-                Path("transfer/submissions.sqlite"_s).toStdString(), SQLite::OPEN_READWRITE, Patience)
-                .exec(sql);
-        };
         const auto stored
             = [this] { return SubmitStore(Path("transfer/submissions.sqlite"_s)).Load("farm/ann"_s); };
         WriteFile(Path("a.pov"_s), Scene);
@@ -317,7 +342,7 @@ private slots:
         const SubmitTask gone = records.Add("farm/ann"_s, Path("a.pov"_s), 0, &error).value();
         auto* retry = records.findChild<QTimer*>();
         QVERIFY(retry && !retry->isActive());
-        run("CREATE TRIGGER u BEFORE UPDATE ON tasks BEGIN SELECT RAISE(ABORT, 'not now'); END;"
+        Run("CREATE TRIGGER u BEFORE UPDATE ON tasks BEGIN SELECT RAISE(ABORT, 'not now'); END;"
             "CREATE TRIGGER d BEFORE DELETE ON tasks BEGIN SELECT RAISE(ABORT, 'not now'); END;"
             "CREATE TRIGGER i BEFORE INSERT ON tasks BEGIN SELECT RAISE(ABORT, 'not now'); END");
         task.work.scene = "new"_s;
@@ -332,7 +357,7 @@ private slots:
         QCOMPARE(known.size(), 1);
         QCOMPARE(known.at(0).error, SubmitError::Stopped);
         QCOMPARE(records.Numbers().value(), QSet<qint64>({task.number, gone.number}));
-        run("DROP TRIGGER u; DROP TRIGGER d; DROP TRIGGER i");
+        Run("DROP TRIGGER u; DROP TRIGGER d; DROP TRIGGER i");
         QVERIFY(retry->isActive());
         retry->setInterval(1); // does not wait any longer
         EVENTUALLY_COMPARE(stored().size(), 1);

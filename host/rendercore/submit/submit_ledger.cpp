@@ -9,7 +9,8 @@ constexpr int LoadPause = 5000; // ms
 } // namespace
 
 SubmitLedger::SubmitLedger(const QString& folder)
-    : m_records(QStringLiteral("submission records"), [this, folder] {
+    : m_pause(this)
+    , m_records(QStringLiteral("submission records"), [this, folder] {
         return std::make_unique<SubmitRecords>(folder,
             [this](const QString& keptAs) { PostTo(this, [this, keptAs] { emit Replaced(keptAs); }); });
     })
