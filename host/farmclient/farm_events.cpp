@@ -116,7 +116,7 @@ void FarmEvents::HandleEnd()
     // The server ends the stream only after all of its events.
     if (wasOpen && IsEndOfStream(m_reply->error()))
         emit Heard();
-    if (wasOpen || result.IsTransient() || result.IsFromBetween()) {
+    if (wasOpen || result.IsTransient() || result.IsFromIntermediary()) {
         TryAgain(std::min(result.retryAfter * 1000, LongestRetryAfter));
         return;
     }

@@ -82,7 +82,7 @@ bool HttpResult::IsTransient() const
     }
 }
 
-bool HttpResult::IsFromBetween() const
+bool HttpResult::IsFromIntermediary() const
 {
     return status == HttpStatus::ProxyAuthenticationRequired
         || (status >= HttpStatus::Redirection && status < HttpStatus::BadRequest);

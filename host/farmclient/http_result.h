@@ -29,9 +29,9 @@ struct HttpResult
     /// @return whether the same request may succeed later.
     bool IsTransient() const;
 
-    /// @return whether something on the way has answered in the farm's place: a proxy that asks for a password, or a network
-    /// that leads to its own page first. The request may succeed later, but not soon.
-    bool IsFromBetween() const;
+    /// @return whether an intermediary has answered in the farm's place: a proxy that asks for a password, or a network
+    /// that shows its own page first. The request may succeed later, but not soon.
+    bool IsFromIntermediary() const;
 
     /// @return whether the farm's disk is full, which no client can change; an exhausted quota is an answer to the client.
     bool IsDiskFull() const;

@@ -34,7 +34,7 @@ public:
     QVector<int> asked;
 };
 
-/// What the desktop is asked to open.
+/// Records the addresses that the desktop is asked to open.
 class OpenedUrls : public QObject
 {
     Q_OBJECT

@@ -11,7 +11,7 @@ const char* const Overlays[] = {"btnNextPage", "btnNextGroup", "btnPageFive", "b
 
 } // namespace
 
-/// What the main form looks like: its icon, its layers, the places and sizes of its widgets, and the cells of its tables.
+/// The looks of the main form: its icon, its layers, the places and sizes of its widgets, and the cells of its tables.
 class TestPluginForm : public ClientTest
 {
     Q_OBJECT

@@ -236,7 +236,7 @@ void FileDownload::Refuse()
         DropReply();
         StartOver();
         Ask();
-    } else if (result.IsTransient() || result.IsFromBetween()
+    } else if (result.IsTransient() || result.IsFromIntermediary()
         || result.status == HttpStatus::RangeNotSatisfiable) {
         End(DownloadOutcome::Broken, {DownloadText::NotNow, {m_task.name, result.fault}},
             result.retryAfter * 1000);

@@ -104,7 +104,7 @@ void OrderDesk::HandleAnswer(const DownloadOrder& order, const HttpResult& resul
         emit SignedOut();
     else if (result.status == FarmFault::TooLarge
         || (result.status > 0 && result.status != HttpStatus::Ok && !result.IsTransient()
-            && !result.IsFromBetween()))
+            && !result.IsFromIntermediary()))
         Close(order, result.error);
     else
         Postpone(order);

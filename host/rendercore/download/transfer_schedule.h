@@ -49,7 +49,7 @@ public:
 
     /// A task that is due, the lowest id first. It stays due until Take().
     std::optional<qint64> NextDue(qint64 now);
-    /// Makes a task that was due wait for nothing any more; its failures still count.
+    /// Removes a task from those that are due. Its failures still count.
     void Take(qint64 id) { m_due.erase(id); }
 
     /// The time until a task is due or the pause ends; none when the schedule is empty.

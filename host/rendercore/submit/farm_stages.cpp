@@ -331,19 +331,19 @@ bool FarmStages::CheckPassing(const std::optional<HttpResult>& result)
         return false;
     const bool isFull = result->IsDiskFull();
     const bool isSignedOut = result->status == HttpStatus::Unauthorized;
-    const bool isFromBetween = result->IsFromBetween();
-    if (!isSignedOut && !isFromBetween && !result->IsTransient())
+    const bool isFromIntermediary = result->IsFromIntermediary();
+    if (!isSignedOut && !isFromIntermediary && !result->IsTransient())
         return true;
     const bool isAway = result->status <= 0;
     const char* const text
         = isAway ? SubmitText::Unreachable : (isFull ? SubmitText::FarmFull : SubmitText::Busy);
     Repeat(m_request->task.next, isSignedOut ? SubmitText::SessionEnded : text);
-    if (result->status == FarmFault::Untrusted || isFromBetween)
+    if (result->status == FarmFault::Untrusted || isFromIntermediary)
         m_outcome.message = result->fault;
     m_outcome.retryAfter = result->retryAfter;
     if (isSignedOut)
         m_outcome.obstacle = StageOutcome::Obstacle::Session;
-    else if (isAway || isFull || isFromBetween || result->status == HttpStatus::TooManyRequests)
+    else if (isAway || isFull || isFromIntermediary || result->status == HttpStatus::TooManyRequests)
         m_outcome.obstacle = StageOutcome::Obstacle::Farm;
     return false;
 }
