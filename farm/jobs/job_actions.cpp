@@ -139,12 +139,12 @@ std::vector<QStringList> JobActions::Portions(JobAction action, const QStringLis
             "SELECT sum((last - first) / step + 1) FROM frame_ranges "
             "WHERE job = (SELECT key FROM jobs WHERE id = ?)");
         std::vector<QStringList> portions;
-        std::int64_t frames = MostFrames;
+        std::int64_t frames = 0;
         for (const QString& id : ids) {
             query.reset();
             Bind(query, id);
             const std::int64_t more = query.executeStep() ? query.getColumn(0).getInt64() : 0;
-            if (frames + more > MostFrames) {
+            if (portions.empty() || frames + more > MostFrames) {
                 portions.emplace_back();
                 frames = 0;
             }
