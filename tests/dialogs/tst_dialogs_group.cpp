@@ -1,11 +1,5 @@
 #include "tests/standins/client_test.h"
 
-#include <QAction>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QToolBox>
-
 /// The group panel during a session: the account's groups, the current project and the menu.
 class TestGroup : public ClientTest
 {

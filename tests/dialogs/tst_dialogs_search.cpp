@@ -1,10 +1,5 @@
 #include "tests/standins/client_test.h"
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDateTimeEdit>
-#include <QLineEdit>
-
 /// The search form: its choices, and the conditions that a search makes from its fields.
 class TestSearch : public ClientTest
 {

@@ -1,10 +1,5 @@
 #include "tests/standins/client_test.h"
 
-#include <QCheckBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QSpinBox>
-
 namespace {
 
 constexpr int SceneFile = 4;

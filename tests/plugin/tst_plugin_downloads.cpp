@@ -1,9 +1,6 @@
 #include "tests/standins/client_test.h"
 #include "tests/support/waiting.h"
 
-#include <QDesktopServices>
-#include <QUrl>
-
 namespace {
 
 enum Column { Name };

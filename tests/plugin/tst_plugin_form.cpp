@@ -1,8 +1,5 @@
 #include "tests/standins/client_test.h"
 
-#include <QCheckBox>
-#include <QToolBox>
-
 namespace {
 
 const char* const Overlays[] = {"btnNextPage", "btnNextGroup", "btnPageFive", "btnPageFour", "btnPageThree",

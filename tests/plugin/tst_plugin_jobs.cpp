@@ -1,9 +1,6 @@
 #include "tests/standins/client_test.h"
 #include "tests/support/pictures.h"
 
-#include <QCheckBox>
-#include <QStyledItemDelegate>
-
 #include <limits>
 
 namespace {

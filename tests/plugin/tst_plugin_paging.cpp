@@ -1,9 +1,5 @@
 #include "tests/standins/client_test.h"
 
-#include <QCheckBox>
-#include <QLineEdit>
-#include <QListWidget>
-
 namespace {
 
 const QStringList PageButtons = "btnNextPage btnNextGroup btnPageFive btnPageFour btnPageThree btnPageTwo "

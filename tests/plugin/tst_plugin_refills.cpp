@@ -1,9 +1,5 @@
 #include "tests/standins/client_test.h"
 
-#include <QApplication>
-#include <QCheckBox>
-#include <QScrollBar>
-
 namespace {
 
 /// Tables by tab.

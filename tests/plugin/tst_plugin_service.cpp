@@ -3,11 +3,6 @@
 #include <ctkPluginActivator.h>
 #include <ctkPluginContext.h>
 
-#include <QMetaMethod>
-#include <QPluginLoader>
-#include <QSystemTrayIcon>
-#include <QThread>
-
 namespace {
 
 /// Interface and module.

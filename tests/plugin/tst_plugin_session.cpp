@@ -1,11 +1,5 @@
 #include "tests/standins/client_test.h"
 
-#include <QAction>
-#include <QLabel>
-#include <QListWidget>
-#include <QSystemTrayIcon>
-#include <QTranslator>
-
 namespace {
 
 constexpr int JobListInterval = 15000;

@@ -3,11 +3,7 @@
 #include "tests/standins/client.h"
 #include "tests/support/test_files.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QMenu>
-#include <QProgressBar>
-#include <QTimer>
+#include <QtWidgets>
 
 #include <memory>
 
