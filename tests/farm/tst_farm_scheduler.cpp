@@ -59,7 +59,7 @@ public:
     RunFiles files; ///< the files of the last run that it holds
 };
 
-// What the scheduler has not done after this many looks at the jobs, it does not do.
+// The scheduler acts within this many looks at the jobs, or not at all.
 constexpr int MostLooks = 5;
 
 /// Does something when a run is prepared, just before the executor gets it.

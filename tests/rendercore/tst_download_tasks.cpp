@@ -1,11 +1,11 @@
-// What the tasks of downloads do for each other: turns, orders given again, notices about whole jobs.
+// The tasks of downloads affect each other: turns, orders given again, notices about whole jobs.
 #include "tests/rendercore/download_fixture.h"
 
 namespace {
 
 const QByteArray TwoFiles = Entry(FrameData, "a.png") + ',' + Entry(FrameData, "b.png");
 
-/// What ends the second file of a job, after the first has arrived.
+/// The event that ends the second file of a job, after the first has arrived.
 const std::tuple<const char*, void (*)(Client& client, StandInServer& server)> Ends[] = {
     {"refused", [](Client&, StandInServer& server) { server.Release(2, Answer(403).bytes); }},
     {"gone", [](Client&, StandInServer& server) { server.Release(2, Answer(404).bytes); }},

@@ -168,7 +168,7 @@ private slots:
         QCOMPARE(AnalyzeStage(Request(Stage::Analyze), Ignore).kind, Kind::Done);
     }
 
-    /// What goes wrong in an unexpected way ends the stage, not the program.
+    /// An unexpected fault ends the stage, not the program.
     void UnexpectedFailuresFailTheStage()
     {
         SubmitWorker worker;
@@ -197,7 +197,7 @@ private slots:
         QVERIFY(outcome.message.Text().startsWith("The folder for packed files"_s));
     }
 
-    /// What keeps the files from being packed, and which file the message names.
+    /// A reason why the files cannot be packed, and the file that the message names.
     void SaysWhatCannotBePacked()
     {
         const QString archive = Path("x.zip"_s);

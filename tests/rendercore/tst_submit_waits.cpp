@@ -12,12 +12,21 @@ using HttpReply = StandInServer::Reply;
 
 namespace {
 
-const QByteArray Scene = "sphere{0,1}";
-const QByteArray Sum = QCryptographicHash::hash(Scene, QCryptographicHash::Sha256).toHex();
-const HttpReply Known = StandInServer::Data("{'known': ['" + Sum + "']}");
-const HttpReply Job = StandInServer::Data("{'job_increasement': '7'}");
-const QByteArray KnownTarget = "POST /api/v1/contents/known";
-const QByteArray JobTarget = "POST /api/v1/jobs";
+constexpr char Scene[] = "sphere{0,1}";
+constexpr char KnownTarget[] = "POST /api/v1/contents/known";
+constexpr char JobTarget[] = "POST /api/v1/jobs";
+
+/// The farm knows the contents of the scene.
+HttpReply Known()
+{
+    const QByteArray sum = QCryptographicHash::hash(Scene, QCryptographicHash::Sha256).toHex();
+    return StandInServer::Data("{'known': ['" + sum + "']}");
+}
+
+HttpReply Job()
+{
+    return StandInServer::Data("{'job_increasement': '7'}");
+}
 
 HttpReply Refusal(int status, const char* word = "")
 {
@@ -102,8 +111,8 @@ private slots:
     {
         m_folder = std::make_unique<QTemporaryDir>();
         m_server = std::make_unique<StandInServer>();
-        m_server->SetReplyTo(KnownTarget, Known);
-        m_server->SetReplyTo(JobTarget, Job);
+        m_server->SetReplyTo(KnownTarget, Known());
+        m_server->SetReplyTo(JobTarget, Job());
         m_access = {FarmApiRoot(m_server->Url()), "abc"_s, "farm/ann"_s, {}};
         StartQueue();
     }
@@ -120,7 +129,7 @@ private slots:
         QCOMPARE(Task(id).uploadText.Text(), QString::fromLatin1(text));
         QVERIFY(Task(id).IsRunnable());
         QCOMPARE(Task(id).stage, SubmitStage::CopySame);
-        m_server->SetReplyTo(KnownTarget, Known);
+        m_server->SetReplyTo(KnownTarget, Known());
         m_access.token = "def"_s; // does not wait any longer
         m_queue->SetAccess(m_access);
         QVERIFY(AwaitDone(id));
@@ -132,7 +141,7 @@ private slots:
         m_server->SetReplyTo(KnownTarget, Refusal(503));
         const QString id = Submit("a.pov"_s);
         EVENTUALLY_COMPARE(Task(id).message.Text(), QString::fromLatin1(SubmitText::Busy));
-        m_server->SetReplyTo(KnownTarget, Known);
+        m_server->SetReplyTo(KnownTarget, Known());
         QVERIFY(AwaitDone(id));
     }
 
@@ -162,12 +171,12 @@ private slots:
     {
         const auto& [name, change, isAgain] = Row(Changes);
         StandInServer other;
-        other.SetReplyTo(KnownTarget, Known);
-        other.SetReplyTo(JobTarget, Job);
-        m_server->SetReplyTo(KnownTarget, StandInServer::Held(Known));
+        other.SetReplyTo(KnownTarget, Known());
+        other.SetReplyTo(JobTarget, Job());
+        m_server->SetReplyTo(KnownTarget, StandInServer::Held(Known()));
         const QString id = Submit("a.pov"_s);
         QVERIFY(AwaitRequests(1));
-        m_server->SetReplyTo(KnownTarget, Known);
+        m_server->SetReplyTo(KnownTarget, Known());
         change(m_access, other.Url());
         m_queue->SetAccess(m_access);
         if (!isAgain)
@@ -181,7 +190,7 @@ private slots:
 
     void StopsAtOnceAndGoesOn()
     {
-        m_server->SetReplyTo(KnownTarget, StandInServer::Held(Known));
+        m_server->SetReplyTo(KnownTarget, StandInServer::Held(Known()));
         const QString id = Submit("a.pov"_s);
         QVERIFY(AwaitRequests(1));
         const QString lacking = Submit("b.pov"_s, "png \"gone.png\"");
@@ -219,8 +228,8 @@ private slots:
 
     void TakesArgumentsUntilTheJobIsSent()
     {
-        m_server->SetReplyTo(KnownTarget, StandInServer::Held(Known));
-        m_server->SetReplyTo(JobTarget, StandInServer::Held(Job));
+        m_server->SetReplyTo(KnownTarget, StandInServer::Held(Known()));
+        m_server->SetReplyTo(JobTarget, StandInServer::Held(Job()));
         const QString id = Submit("a.pov"_s);
         QVERIFY(AwaitRequests(1));
         const QVariantList arguments = MakeArguments(4, 4, 32, 16);
@@ -250,7 +259,7 @@ private slots:
             QCOMPARE(submit(), SubmitQueue::Answer::Known);
             EVENTUALLY_COMPARE(refused.size(), round);
         }
-        m_server->SetReplyTo(KnownTarget, StandInServer::Held(Known));
+        m_server->SetReplyTo(KnownTarget, StandInServer::Held(Known()));
         const QString first = Submit("a.pov"_s);
         QVERIFY(AwaitRequests(1));
         QCOMPARE(submit(), SubmitQueue::Answer::Known);
@@ -264,7 +273,7 @@ private slots:
         Submit("b.pov"_s);
         QVERIFY(AwaitRequests(before + 1));                // still under way at the end of the session
         QCOMPARE(submit(), SubmitQueue::Answer::Accepted); // as another job
-        // What is being added belongs to the session.
+        // A task that is being added belongs to the session.
         m_access.owner = "farm/bob"_s;
         m_access.token = "def"_s;
         m_queue->SetAccess(m_access);
@@ -299,8 +308,8 @@ private slots:
         m_server->AskFor("ann:secret");
         QNetworkProxy::setApplicationProxy(
             {QNetworkProxy::HttpProxy, "127.0.0.1"_s, quint16(m_server->Url().port())});
-        m_server->SetReplyTo("/contents/known", Known);
-        m_server->SetReplyTo("/api/v1/jobs", Job);
+        m_server->SetReplyTo("/contents/known", Known());
+        m_server->SetReplyTo("/api/v1/jobs", Job());
         m_access.apiRoot = FarmApiRoot(QUrl("http://farm.example"_s));
         m_access.proxy = {"ann"_s, "secret"_s};
         m_queue->SetAccess(m_access);
@@ -329,7 +338,7 @@ private slots:
         QVERIFY(!pause->isActive());
     }
 
-    /// What cannot be written at first is kept, read and written later.
+    /// Changes that cannot be written at first are kept, read and written later.
     void ChangesAreWrittenLater()
     {
         m_queue.reset();
