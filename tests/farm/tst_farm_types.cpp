@@ -79,7 +79,8 @@ private:
     void AddJobs(const char* jobs)
     {
         const std::int64_t bob = m_data->Add("bob", "x");
-        for (const QChar kind : QString::fromLatin1(jobs)) {
+        const QString kinds = QString::fromLatin1(jobs);
+        for (const QChar kind : kinds) {
             NewJob job = m_data->Job(kind);
             job.priority = kind == u'p' ? 9 : 0;
             if (kind.toLower() == u'b')

@@ -30,12 +30,12 @@ const std::tuple<const char*, QList<HttpReply>, const char*> DatabaseFailures[] 
     {"after a new list", {Answer(404), Answer(403)}, "cannot continue an outdated download"},
 };
 
-QString awaitedWarning;
+const char* awaitedWarning = "";
 std::atomic<int> warnings; ///< those with the awaited text
 
 void CountWarning(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& text)
 {
-    warnings += text.startsWith(awaitedWarning) ? 1 : 0;
+    warnings += text.startsWith(QLatin1String(awaitedWarning)) ? 1 : 0;
 }
 
 const std::tuple<const char*, void (*)(const QString& file)> Unreadables[] = {
@@ -222,7 +222,7 @@ private slots:
         QVERIFY(AwaitRequests(2));
         SQLite::Database database(
             Path("transfer/downloads.sqlite").toStdString(), SQLite::OPEN_READWRITE, Patience);
-        awaitedWarning = QLatin1String(warning);
+        awaitedWarning = warning;
         warnings = 0;
         const auto former = qInstallMessageHandler(CountWarning);
         database.exec("ALTER TABLE tasks RENAME TO away");

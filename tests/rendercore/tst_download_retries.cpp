@@ -4,7 +4,7 @@
 
 namespace {
 
-const QByteArray ListTarget = "/j1/files HTTP";
+constexpr char ListTarget[] = "/j1/files HTTP";
 
 /// A change of the database that fails at first, the farm's answer to requests for the file meanwhile, what the task says,
 /// and whether a stranger's file is at the destination.
@@ -31,11 +31,15 @@ const std::tuple<const char*, QList<HttpReply>, QVector<int>> Reports[] = {
 };
 
 /// The answers to orders of two jobs, and the targets of the requests.
-const std::tuple<const char*, QList<HttpReply>, const char*> Turns[] = {
-    {"postponed", {Answer(503), Listed({}), Listed({})}, "a b a"},
-    {"refused", {Answer(403), Listed({})}, "a b"},
-    {"answered", {Listed({}), Answer(503), Listed({})}, "a b b"},
-};
+const auto& Turns()
+{
+    static const std::tuple<const char*, QList<HttpReply>, const char*> rows[] = {
+        {"postponed", {Answer(503), Listed({}), Listed({})}, "a b a"},
+        {"refused", {Answer(403), Listed({})}, "a b"},
+        {"answered", {Listed({}), Answer(503), Listed({})}, "a b b"},
+    };
+    return rows;
+}
 
 } // namespace
 
@@ -200,11 +204,11 @@ private slots:
         QCOMPARE(client.Count(Waiting), 1);
     }
 
-    void OrdersTakeTurns_data() { AddRows(Turns); }
+    void OrdersTakeTurns_data() { AddRows(Turns()); }
 
     void OrdersTakeTurns()
     {
-        const auto& [name, replies, targets] = Row(Turns);
+        const auto& [name, replies, targets] = Row(Turns());
         m_limits.http.attempts = 1;
         Client& client = Restart(replies);
         const QVariantMap order {{"subDir"_s, "12_shot"_s}, {"manual"_s, 1}};

@@ -3,7 +3,10 @@
 
 namespace {
 
-const QByteArray TwoFiles = Entry(FrameData, "a.png") + ',' + Entry(FrameData, "b.png");
+QByteArray TwoFiles()
+{
+    return Entry(FrameData, "a.png") + ',' + Entry(FrameData, "b.png");
+}
 
 /// The event that ends the second file of a job, after the first has arrived.
 const std::tuple<const char*, void (*)(Client& client, StandInServer& server)> Ends[] = {
@@ -14,10 +17,14 @@ const std::tuple<const char*, void (*)(Client& client, StandInServer& server)> E
 };
 
 /// The farm's first answer for a file, its entry when the order is given again, and the progress of its task then.
-const std::tuple<const char*, HttpReply, QByteArray, Status> Again[] = {
-    {"failed", Answer(403), TwoFiles, Failed},
-    {"changed", Whole(FrameData), Entry(OtherData, "a.png") + ',' + Entry(FrameData, "b.png"), Finished},
-};
+const auto& Again()
+{
+    static const std::tuple<const char*, HttpReply, QByteArray, Status> rows[] = {
+        {"failed", Answer(403), TwoFiles(), Failed},
+        {"changed", Whole(FrameData), Entry(OtherData, "a.png") + ',' + Entry(FrameData, "b.png"), Finished},
+    };
+    return rows;
+}
 
 } // namespace
 
@@ -46,7 +53,7 @@ private slots:
 
     void ReportsAJobWhenItsLastFileIsSettled()
     {
-        Client& client = Start({Listed(TwoFiles), Whole(FrameData), StandInServer::Held(Whole(FrameData)),
+        Client& client = Start({Listed(TwoFiles()), Whole(FrameData), StandInServer::Held(Whole(FrameData)),
             Listed(Entry(FrameData, "a.png"))});
         QVERIFY(AwaitRequests(3));
         QVERIFY(client.Await(Finished));
@@ -57,12 +64,12 @@ private slots:
         QCOMPARE(client.Count(Finished), 1);
     }
 
-    void AnOrderGivenAgainIsShownAtOnce_data() { AddRows(Again); }
+    void AnOrderGivenAgainIsShownAtOnce_data() { AddRows(Again()); }
 
     void AnOrderGivenAgainIsShownAtOnce()
     {
-        const auto& [name, reply, entries, before] = Row(Again);
-        Client& client = Start({Listed(TwoFiles), reply, StandInServer::Held(Whole(FrameData)),
+        const auto& [name, reply, entries, before] = Row(Again());
+        Client& client = Start({Listed(TwoFiles()), reply, StandInServer::Held(Whole(FrameData)),
             Listed(entries), Whole(FrameData)});
         QVERIFY(AwaitRequests(3));
         QVERIFY(client.Await(before));
@@ -75,7 +82,7 @@ private slots:
 
     void BringsBackAllThatIsLost()
     {
-        Client& client = Start({Listed(TwoFiles), Whole(FrameData), Whole(FrameData), Listed(TwoFiles),
+        Client& client = Start({Listed(TwoFiles()), Whole(FrameData), Whole(FrameData), Listed(TwoFiles()),
             Whole(FrameData), Whole(FrameData)});
         QVERIFY(client.AwaitFiles(1));
         const QStringList files {Path("frames/12_shot/a.png"), Path("frames/12_shot/b.png")};
@@ -92,7 +99,7 @@ private slots:
     void TheNextFileTakesTheTurnOfAStoppedOne()
     {
         Client& client = Start(
-            {Listed(TwoFiles), StandInServer::Held(Whole(FrameData)), Whole(FrameData), Whole(FrameData)});
+            {Listed(TwoFiles()), StandInServer::Held(Whole(FrameData)), Whole(FrameData), Whole(FrameData)});
         QVERIFY(AwaitRequests(2));
         client.queue.Stop(client.Ids().mid(0, 1));
         QVERIFY(client.Await(Finished));
@@ -106,8 +113,9 @@ private slots:
     {
         m_limits.transfers = 2;
         const HttpReply held = StandInServer::Held(Whole(FrameData));
-        Client& client = Start({Listed(TwoFiles + ',' + Entry(FrameData, "c") + ',' + Entry(FrameData, "d")),
-            held, held, held, Whole(FrameData)});
+        Client& client
+            = Start({Listed(TwoFiles() + ',' + Entry(FrameData, "c") + ',' + Entry(FrameData, "d")), held,
+                held, held, Whole(FrameData)});
         QVERIFY(AwaitRequests(3));
         client.queue.Redownload({client.Ids().constLast()});
         QVERIFY(AwaitCommands(client));
@@ -147,7 +155,7 @@ private slots:
     {
         m_limits.transfers = 2;
         const HttpReply held = StandInServer::Held(Whole(FrameData));
-        Client& client = Start({Listed(TwoFiles), held, Answer(401), Listed({}), Answer(401), held});
+        Client& client = Start({Listed(TwoFiles()), held, Answer(401), Listed({}), Answer(401), held});
         QVERIFY(AwaitRequests(3));
         QVERIFY(client.Await(Waiting, 2));
         // The answer to an order may tell as well.
@@ -186,7 +194,7 @@ private slots:
         QCOMPARE(client.notices.count(), 1);
         // A list that is too long is refused for good as well.
         m_limits.http.answerBytes = 100;
-        Client& next = Start({Listed(TwoFiles)});
+        Client& next = Start({Listed(TwoFiles())});
         QTRY_COMPARE_WITH_TIMEOUT(next.notices.count(), 1, Patience);
         QVERIFY(next.notices[0][0].toString().startsWith("The files of 12_shot cannot be downloaded: "_s));
         QVERIFY(Disk().OpenOrders(next.access.owner, 1).isEmpty());
@@ -194,7 +202,7 @@ private slots:
 
     void OldTasksLeaveWhenTheirOwnerSignsIn()
     {
-        Client& client = Start({Listed(TwoFiles), Whole(FrameData)});
+        Client& client = Start({Listed(TwoFiles()), Whole(FrameData)});
         QVERIFY(client.AwaitFiles(1));
         client.Set(&FarmAccess::owner, "farm/bob"_s);
         client.queue.SetKeepDays(2);

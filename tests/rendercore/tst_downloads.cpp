@@ -5,7 +5,7 @@
 namespace {
 
 const QByteArray Condition = "If-Match: \"" + Checksum(FrameData) + '"';
-const QByteArray Wrong(FrameData.size(), 'z');
+const QByteArray Wrong = QByteArray().fill('z', FrameData.size());
 const HttpReply NoRange {"HTTP/1.1 206 Partial\r\n\r\n" + FrameData.mid(CutAt), false};
 const HttpReply Endless {"HTTP/1.1 200 OK\r\n\r\n" + FrameData + FrameData, false};
 
@@ -74,11 +74,15 @@ const auto& TransferCases()
 }
 
 /// A file that appears at the destination during the transfer, and the name of the finished file.
-const std::tuple<const char*, QByteArray, const char*> Arrivals[] = {
-    {"a stranger's", OtherData, "frames/12_shot/frame_0001 (2).png"},
-    {"a stranger's of that size", QByteArray(FrameData.size(), 'z'), "frames/12_shot/frame_0001 (2).png"},
-    {"another client's", FrameData, "frames/12_shot/frame_0001.png"},
-};
+const auto& Arrivals()
+{
+    static const std::tuple<const char*, QByteArray, const char*> rows[] = {
+        {"a stranger's", OtherData, "frames/12_shot/frame_0001 (2).png"},
+        {"a stranger's of that size", QByteArray(FrameData.size(), 'z'), "frames/12_shot/frame_0001 (2).png"},
+        {"another client's", FrameData, "frames/12_shot/frame_0001.png"},
+    };
+    return rows;
+}
 
 /// A link in the way of a file, its target, and what becomes of the file.
 const std::tuple<const char*, const char*, Status> Links[] = {
@@ -198,11 +202,11 @@ private slots:
         QVERIFY(isFinished || AwaitRequests(row.requests + 1));
     }
 
-    void ReplacesNoFileThatHasAppeared_data() { AddRows(Arrivals); }
+    void ReplacesNoFileThatHasAppeared_data() { AddRows(Arrivals()); }
 
     void ReplacesNoFileThatHasAppeared()
     {
-        const auto& [name, content, file] = Row(Arrivals);
+        const auto& [name, content, file] = Row(Arrivals());
         const Client& client = Start({Listed(Entry(FrameData)), StandInServer::Held(Whole(FrameData))});
         QVERIFY(AwaitRequests(2));
         QVERIFY(WriteFile(Frame(), content));
