@@ -15,6 +15,12 @@ enum Status { Waiting, Downloading, Finished, Failed, Stopped };
 inline const QByteArray FrameData = QByteArray(150000, 'q') + "the end";
 inline const QByteArray OtherData = QByteArray(90000, 'x') + "the other end";
 
+/// Data of the right size that do not have the right checksum.
+inline QByteArray Wrong()
+{
+    return QByteArray(FrameData.size(), 'z');
+}
+
 inline QByteArray Checksum(const QByteArray& content)
 {
     return QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex();

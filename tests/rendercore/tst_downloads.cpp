@@ -5,7 +5,6 @@
 namespace {
 
 const QByteArray Condition = "If-Match: \"" + Checksum(FrameData) + '"';
-const QByteArray Wrong = QByteArray().fill('z', FrameData.size());
 const HttpReply NoRange {"HTTP/1.1 206 Partial\r\n\r\n" + FrameData.mid(CutAt), false};
 const HttpReply Endless {"HTTP/1.1 200 OK\r\n\r\n" + FrameData + FrameData, false};
 
@@ -50,11 +49,11 @@ const auto& TransferCases()
         {"listed, but not sent at first", {Answer(404), Listed(Entry(FrameData)), Whole(FrameData)}, Finished,
             4},
         {"no longer listed", {Answer(404), Answer(403)}, Failed, 3},
-        {"wrong bytes once", {Whole(Wrong), Whole(FrameData)}, Finished, 3},
-        {"wrong bytes", {Whole(Wrong)}, Failed, 3},
+        {"wrong bytes once", {Whole(Wrong()), Whole(FrameData)}, Finished, 3},
+        {"wrong bytes", {Whole(Wrong())}, Failed, 3},
         {"wrong bytes, cut once",
-            {Whole(Wrong), HttpReply {Whole(Wrong).bytes.chopped(50000), false}, Rest(Wrong, CutAt)}, Failed,
-            4, RangeLine},
+            {Whole(Wrong()), HttpReply {Whole(Wrong()).bytes.chopped(50000), false}, Rest(Wrong(), CutAt)},
+            Failed, 4, RangeLine},
         {"too many bytes", {Endless, Listed(Entry(FrameData)), Whole(FrameData)}, Finished, 4},
         {"too few bytes", {Whole(FrameData.left(CutAt)), Listed(Entry(FrameData)), Whole(FrameData)},
             Finished, 4},
@@ -78,7 +77,7 @@ const auto& Arrivals()
 {
     static const std::tuple<const char*, QByteArray, const char*> rows[] = {
         {"a stranger's", OtherData, "frames/12_shot/frame_0001 (2).png"},
-        {"a stranger's of that size", QByteArray(FrameData.size(), 'z'), "frames/12_shot/frame_0001 (2).png"},
+        {"a stranger's of that size", Wrong(), "frames/12_shot/frame_0001 (2).png"},
         {"another client's", FrameData, "frames/12_shot/frame_0001.png"},
     };
     return rows;
